@@ -1,0 +1,31 @@
+# Fails on an include that goes against the layers:
+#   base <- numeric <- model -> problem <- assembly <- results, numeric <- solvers <- problem.
+# Usage: cmake -DSRC=<source folder> -P check_layers.cmake
+cmake_minimum_required(VERSION 3.22)
+
+set(may_include_base base)
+set(may_include_numeric base numeric)
+set(may_include_model base numeric model)
+set(may_include_solvers base numeric solvers)
+set(may_include_problem base numeric model solvers problem)
+set(may_include_assembly base numeric model solvers problem assembly)
+set(may_include_results base numeric model solvers problem assembly results)
+
+set(faults 0)
+file(GLOB_RECURSE files RELATIVE ${SRC} ${SRC}/*.h ${SRC}/*.cpp)
+foreach(file IN LISTS files)
+  string(REGEX MATCH "^[^/]+" layer ${file})
+  file(STRINGS ${SRC}/${file} lines REGEX "^#include \"")
+  foreach(line IN LISTS lines)
+    string(REGEX REPLACE "^#include \"([^/\"]+)/.*" "\\1" target ${line})
+    if(NOT target IN_LIST may_include_${layer})
+      message(SEND_ERROR "${file}: ${line}")
+      math(EXPR faults "${faults} + 1")
+    endif()
+  endforeach()
+endforeach()
+list(LENGTH files count)
+if(count EQUAL 0)
+  message(FATAL_ERROR "no sources under ${SRC}")
+endif()
+message(STATUS "${count} files, ${faults} includes against the layers")

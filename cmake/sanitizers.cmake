@@ -1,0 +1,9 @@
+# MORLEN_SANITIZE builds everything with the address and undefined-behaviour sanitizers.
+option(MORLEN_SANITIZE "Build with the address and undefined sanitizers" OFF)
+
+add_library(morlen_sanitizers INTERFACE)
+if(MORLEN_SANITIZE)
+  target_compile_options(morlen_sanitizers INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(morlen_sanitizers INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,27 @@
+#!/bin/sh
+# Builds the program and runs all tests; the last line counts them.
+# Arguments go to ctest, for example: scripts/test.sh -R Material
+set -eu
+cd "$(dirname "$0")/.."
+preset="${MORLEN_PRESET:-release}"
+
+scripts/install_tools.sh g++ cmake make libgtest-dev
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset" --parallel "$(nproc)"
+
+log="build/$preset/tests.log"
+status=0
+ctest --preset "$preset" --parallel "$(nproc)" "$@" >"$log" 2>&1 || status=$?
+sed -n '/\*\*\*\|^[0-9]* tests\|tests passed\|^The following/,$p' "$log" | tail -n 60
+
+# ctest: "98% tests passed, 2 tests failed out of 123"
+summary=$(grep -E 'tests passed, [0-9]+ tests? failed out of [0-9]+' "$log" || true)
+failed=$(echo "$summary" | sed -n 's/.*, \([0-9]*\) tests\{0,1\} failed.*/\1/p')
+total=$(echo "$summary" | sed -n 's/.*out of \([0-9]*\).*/\1/p')
+if [ -z "$total" ] || [ "$total" -eq 0 ]; then
+  cat "$log"
+  echo "no test was run" >&2
+  exit 1
+fi
+echo "$((total - failed)) passed, $failed failed"
+exit "$status"

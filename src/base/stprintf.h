@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdio>
+#include <ostream>
+
+/// Writes printf-style formatted text to the stream (at most 511 characters).
+[[gnu::format(printf, 2, 3)]] void stprintf(std::ostream& out, const char* format, ...);
+
+/// Writes a progress message and flushes; does nothing without a stream.
+[[gnu::format(printf, 2, 3)]] void Progress(std::FILE* info, const char* format, ...);

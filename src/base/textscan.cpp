@@ -1,0 +1,189 @@
+#include "base/textscan.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "base/errorwriter.h"
+
+namespace {
+
+bool IsWhite(char c)
+{
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+bool IsDigit(char c)
+{
+  return c >= '0' && c <= '9';
+}
+
+// The slow way for what from_chars calls out of range: strtod tells the tiny
+// numbers, which count as 0 or denormal, from the infinite ones.
+bool TinyNumber(const char* first, const char* last, double& value)
+{
+  value = std::strtod(std::string(first, last).c_str(), nullptr);
+  return std::isfinite(value);
+}
+
+}  // namespace
+
+void TextScan::SkipWhite()
+{
+  while (next != end && IsWhite(*next))
+    ++next;
+}
+
+bool TextScan::ReadInt(int& value)
+{
+  SkipWhite();
+  const char* digits = next;
+  if (digits != end && *digits == '+')
+    ++digits;
+  const bool plus = digits != next;
+  if (plus && (digits == end || !IsDigit(*digits)))
+    return false;
+  const auto [stop, fault] = std::from_chars(digits, end, value);
+  next = stop;
+  return fault == std::errc();
+}
+
+bool TextScan::ReadDouble(double& value)
+{
+  SkipWhite();
+  const char* first = next;
+  if (first != end && *first == '+')
+    ++first;
+  const char* digits = first;
+  if (digits == next && digits != end && *digits == '-')
+    ++digits;
+  if (digits == end || !(IsDigit(*digits) || *digits == '.'))  // not "inf", "nan"
+    return false;
+  const auto [stop, fault] = std::from_chars(first, end, value);
+  if (fault == std::errc::invalid_argument)
+    return false;
+  next = stop;
+  if (next != end && (*next == 'e' || *next == 'E'))  // an exponent without digits
+    return false;
+  return fault == std::errc() || TinyNumber(first, stop, value);
+}
+
+std::string_view TextScan::ReadWord()
+{
+  SkipWhite();
+  const char* word = next;
+  while (next != end && !IsWhite(*next))
+    ++next;
+  return {word, std::min(static_cast<std::size_t>(next - word), kLimit)};
+}
+
+const std::string& TextScan::ReadRestOfLine()
+{
+  const char* start = next;
+  SkipLine();
+  const char* stop = (next != start && next[-1] == '\n') ? next - 1 : next;
+  line.assign(start, std::min(static_cast<std::size_t>(stop - start), kLimit));
+  return line;
+}
+
+void TextScan::SkipLine()
+{
+  const void* newline = std::memchr(next, '\n', static_cast<std::size_t>(end - next));
+  next = newline ? static_cast<const char*>(newline) + 1 : end;
+}
+
+bool TextScan::FindDigit()
+{
+  next = std::find_if(next, end, IsDigit);
+  return next != end;
+}
+
+int TextScan::TakeOutSpaces()
+{
+  while (next != end &&
+         (*next == '\n' || *next == '\r' || *next == ' ' || *next == ':' || *next == '='))
+    ++next;
+  if (next == end)
+    return -1;
+  if (*next != '#')
+    return 0;
+  ++next;
+  return 1;
+}
+
+TextScan::Place TextScan::Where() const
+{
+  const char* lineStart = begin;
+  int lines = 1;
+  while (const void* newline =
+             std::memchr(lineStart, '\n', static_cast<std::size_t>(next - lineStart))) {
+    lineStart = static_cast<const char*>(newline) + 1;
+    ++lines;
+  }
+  return {lines, static_cast<int>(next - lineStart) + 1};
+}
+
+void FindThisWord(TextScan& text, const char* word)
+{
+  for (;;) {
+    const std::string_view found = text.ReadWord();
+    if (text.AtEnd())
+      Fatal("can't find word ***", word, "*** in input file\n");
+    std::string lower(found);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    if (lower.find(word) != std::string::npos)
+      return;
+  }
+}
+
+bool ReadRecordNumber(TextScan& text, int& number)
+{
+  while (text.TakeOutSpaces() == 1)
+    text.SkipLine();
+  return text.ReadInt(number);
+}
+
+void SkipBlockEnd(TextScan& text)
+{
+  FindThisWord(text, "end");
+  text.SkipLine();
+}
+
+bool HasPrefix(std::string_view text, std::string_view prefix)
+{
+  return text.size() >= prefix.size() &&
+         strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
+}
+
+bool EqualsNoCase(std::string_view a, std::string_view b)
+{
+  return a.size() == b.size() && HasPrefix(a, b);
+}
+
+std::string_view ItemScanner::Token(std::string_view skipped, std::string_view ending)
+{
+  const std::size_t start = rest.find_first_not_of(skipped);
+  if (start == std::string_view::npos) {
+    rest = {};
+    return {};
+  }
+  const std::size_t stop = std::min(rest.find_first_of(ending, start), rest.size());
+  const std::string_view token = rest.substr(start, stop - start);
+  rest.remove_prefix(stop);
+  return token;
+}
+
+int EulerIndex(std::string_view key)
+{
+  if (!HasPrefix(key, "Euler"))
+    return -1;
+  const char digit = key.size() > 5 ? key[5] : '\0';
+  if (digit < '1' || digit > '3')
+    Fatal("error: Euler angles must be: Euler1,Euler2 or Euler3\n");
+  return digit - '1';
+}

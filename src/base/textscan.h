@@ -1,0 +1,105 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// The text of a problem file and the place reached in it.
+///
+/// Numbers and words are read as a formatted input stream reads them (leading
+/// white space skipped, a number ends at the first character that cannot belong
+/// to it), but a failed read leaves no error state behind, and a number that is
+/// not finite, or too large for its type, is no number. The text is borrowed.
+class TextScan
+{
+public:
+  /// The most characters kept of a word or of the rest of a line; what lies
+  /// beyond is skipped with it.
+  static constexpr std::size_t kLimit = 1023;
+
+  struct Place
+  {
+    int line;
+    int column;  ///< both from 1, in bytes
+  };
+
+  explicit TextScan(std::string_view text)
+      : begin(text.data()), next(begin), end(begin + text.size())
+  {
+  }
+  explicit TextScan(const char* text) : TextScan(std::string_view(text)) {}
+  explicit TextScan(std::string&& text) = delete;  // it would be gone
+
+  bool AtEnd() const { return next == end; }
+  bool ReadInt(int& value);
+  bool ReadDouble(double& value);
+
+  /// The next word between white space; empty at the end of the text.
+  std::string_view ReadWord();
+
+  /// From here to the end of the line, which is consumed. Valid until the next call.
+  const std::string& ReadRestOfLine();
+  void SkipLine();
+
+  /// Skips up to a decimal digit; false when there is none.
+  bool FindDigit();
+
+  /// Skips newlines, carriage returns, blanks, ':' and '='. Returns 1 when a '#'
+  /// follows (consumed), -1 at the end of the text, else 0.
+  int TakeOutSpaces();
+
+  Place Where() const;
+
+private:
+  void SkipWhite();
+
+  const char* begin;
+  const char* next;
+  const char* end;
+  std::string line;
+};
+
+/// Reads words up to and including the first that contains `word` (lower case),
+/// whatever the case in the text. Fatal when the text ends first, also right
+/// behind a word that matches.
+void FindThisWord(TextScan& text, const char* word);
+
+inline int TakeOutSpaces(TextScan& text)
+{
+  return text.TakeOutSpaces();
+}
+
+/// Starts the next record of a block: skips blanks and comment lines and reads the
+/// record's number. False at a word that is no number, which ends the block.
+bool ReadRecordNumber(TextScan& text, int& number);
+
+/// Consumes the "end" that closes a block, with the rest of its line.
+void SkipBlockEnd(TextScan& text);
+
+/// Whether text begins with prefix, or equals the other text; case does not count.
+bool HasPrefix(std::string_view text, std::string_view prefix);
+bool EqualsNoCase(std::string_view a, std::string_view b);
+
+/// Cuts the tail of a record into items: a key, then its value.
+///
+/// A key is ended by a blank, ':', '=' or a line end, a value by a blank or a line
+/// end; such characters between the two are skipped, so that "E=2", "E 2" and
+/// "E = 2" are the same item. The text is borrowed.
+class ItemScanner
+{
+public:
+  explicit ItemScanner(std::string_view text) : rest(text) {}
+
+  /// The next key; empty when there is none.
+  std::string_view Key() { return Token(" :=\r\n", " :=\r\n"); }
+  /// The value of the key just read; empty when there is none.
+  std::string_view Value() { return Token(" :=\r\n", " \r\n"); }
+
+private:
+  std::string_view Token(std::string_view skipped, std::string_view ending);
+
+  std::string_view rest;
+};
+
+/// One item of a record that gives an Euler angle: "Euler1" to "Euler3" in any
+/// case gives 0 to 2, another key that begins with "Euler" is fatal, others give -1.
+int EulerIndex(std::string_view key);

@@ -1,0 +1,199 @@
+#include "base/number_text.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+TEST(NumberText, ScanDoubleReadsAsScanf)
+{
+  static const char* const texts[] = {"0",
+                                      "1",
+                                      "-1",
+                                      "+1.5",
+                                      " \t\n\v\f\r2.5",
+                                      "3.25rest",
+                                      "1.",
+                                      ".5",
+                                      "-.5e1",
+                                      "1e3",
+                                      "1E+3",
+                                      "1e-3",
+                                      "1.5.2",
+                                      "1,5",
+                                      "007",
+                                      "1x",
+                                      "2 3",
+                                      "12e2e3",
+                                      "0x10",
+                                      "0X1.8p1",
+                                      "-0x.8",
+                                      "0x1P-3z",
+                                      "0x1p3",
+                                      "+0xAbC",
+                                      "2.1e11",
+                                      "1e308",
+                                      "4.9e-324",
+                                      "1-2",
+                                      "1+2",
+                                      "-0",
+                                      "00x1",
+                                      "1e5.5",
+                                      "0.1",
+                                      "123456789012345678901",
+                                      "",
+                                      " ",
+                                      "-",
+                                      "+",
+                                      ".",
+                                      "-.",
+                                      "e5",
+                                      ".e5",
+                                      "- 5",
+                                      "+-5",
+                                      "--5",
+                                      "abc",
+                                      "x1",
+                                      "0.30000000000000004",
+                                      "1.7976931348623157e308"};
+  for (const char* text : texts) {
+    double expected = -7.0;
+    int length = 0;
+    const bool isNumber = std::sscanf(text, "%lf%n", &expected, &length) == 1;
+    const char* p = text;
+    double value = -7.0;
+    EXPECT_EQ(ScanDouble(p, value), isNumber) << text;
+    EXPECT_EQ(value, expected) << text;
+    EXPECT_EQ(std::signbit(value), std::signbit(expected)) << text;
+    EXPECT_EQ(p - text, isNumber ? length : 0) << text;
+  }
+}
+
+TEST(NumberText, AnExponentNeedsDigits)
+{
+  for (const char* text : {"1e", "1e ", "1ex", "-2.5E", "1e+", "1e-x", "0x1p", "0x1p-"}) {
+    const char* p = text;
+    double value = 3.0;
+    EXPECT_FALSE(ScanDouble(p, value)) << text;
+    EXPECT_EQ(p, text);
+  }
+}
+
+TEST(NumberText, ScanDoubleRefusesWhatIsNotFinite)
+{
+  const std::string long400(400, '9');
+  for (const std::string& text :
+       {std::string("nan"), std::string("NAN(1)"), std::string("inf"), std::string("-Infinity"),
+        std::string("1e400"), std::string("-1e309"), std::string("1e99999999999999999999"),
+        std::string("0.001e999"), long400, long400 + "e-50", std::string("0x1p1024"),
+        std::string("0x1p+99999999999")}) {
+    const char* p = text.c_str();
+    double value = 3.0;
+    EXPECT_FALSE(ScanDouble(p, value)) << text;
+    EXPECT_EQ(value, 3.0) << text;
+    EXPECT_EQ(p, text.c_str());
+    EXPECT_EQ(ToDouble(text.c_str()), 0.0) << text;
+  }
+}
+
+TEST(NumberText, TooSmallNumbersAreZeroOrDenormal)
+{
+  const std::string zeros(400, '0');
+  const std::string nines(200, '9');
+  static const struct
+  {
+    std::string text;
+    double expected;
+  } cases[] = {{"1e-400", 0.0},
+               {"-1e-400", -0.0},
+               {"1e-99999999999999999999", 0.0},
+               {"0." + zeros + "1", 0.0},
+               {"." + zeros + "1e1", 0.0},
+               {nines + "e-600", 0.0},
+               {"1e-310", 1e-310},
+               {"0e99999", 0.0},
+               {"0x1p-2000", 0.0},
+               {"0x0.0001p-1080", 0.0},
+               {"0." + zeros + "1e401", 1.0}};
+  for (const auto& c : cases) {
+    const char* p = c.text.c_str();
+    double value = 3.0;
+    EXPECT_TRUE(ScanDouble(p, value)) << c.text;
+    EXPECT_EQ(value, c.expected) << c.text;
+    EXPECT_EQ(std::signbit(value), std::signbit(c.expected)) << c.text;
+    EXPECT_EQ(*p, '\0') << c.text;
+  }
+}
+
+TEST(NumberText, ScanIntReadsAsScanf)
+{
+  static const struct
+  {
+    const char* format;
+    int base;
+    int maxDigits;
+  } conversions[] = {{"%i%n", 0, 0}, {"%d%n", 10, 0}, {"%2d%n", 10, 2}, {"%1d%n", 10, 1}};
+  static const char* const texts[] = {
+      "0",   "1",    "10",    "11",         "012",         "-3",  "+4",   "  56", "7x",   "123",
+      "-12", "0x1F", "0X1f",  "-0x10",      "08",          "019", "+010", "00x1", "",     " ",
+      "-",   "+",    "+-1",   "- 1",        "a",           "x1",  "ff",   "1.5",  "1e5",  "1 0",
+      "0 1", "101",  "\t\n9", "2147483647", "-2147483648", "1a",  "1-2",  "1+2",  "0x1x", "0b1"};
+  for (const auto& c : conversions) {
+    for (const char* text : texts) {
+      int expected = -7;
+      int length = 0;
+      const bool isNumber = std::sscanf(text, c.format, &expected, &length) == 1;
+      const char* p = text;
+      int value = -7;
+      EXPECT_EQ(ScanInt(p, value, c.base, c.maxDigits), isNumber) << c.format << ' ' << text;
+      EXPECT_EQ(value, expected) << c.format << ' ' << text;
+      EXPECT_EQ(p - text, isNumber ? length : 0) << c.format << ' ' << text;
+    }
+  }
+}
+
+TEST(NumberText, ScanIntPrefixNeedsDigits)
+{
+  static const struct
+  {
+    const char* text;
+    int maxDigits;
+  } cases[] = {{"0x", 0}, {"-0X", 0}, {"0xg", 0}, {"0x1F", 2}, {"-0x1F", 3}};
+  for (const auto& c : cases) {
+    const char* p = c.text;
+    int value = 3;
+    EXPECT_FALSE(ScanInt(p, value, 0, c.maxDigits)) << c.text;
+    EXPECT_EQ(p, c.text);
+  }
+}
+
+TEST(NumberText, ScanIntRefusesWhatDoesNotFit)
+{
+  for (const char* text : {"2147483648", "-2147483649", "4294967295", "4294967296",
+                           "99999999999999999999999", "0x80000000", "0x100000001"}) {
+    const char* p = text;
+    int value = 3;
+    EXPECT_FALSE(ScanInt(p, value, 0, 0)) << text;
+    EXPECT_EQ(value, 3) << text;
+    EXPECT_EQ(p, text);
+  }
+}
+
+TEST(NumberText, ToDoubleTakesTheNumberInFront)
+{
+  static const struct
+  {
+    const char* text;
+    double expected;
+  } cases[] = {{"2.1e11", 2.1e11}, {"30deg", 30.0}, {"1e", 1.0},   {"", 0.0},    {"abc", 0.0},
+               {"inf", 0.0},       {"nan", 0.0},    {"=3", 0.0},   {"-4", -4.0}, {"0x", 0.0},
+               {"1e400", 0.0},     {"0x1p", 1.0},   {"0x1p3", 8.0}};
+  for (const auto& c : cases)
+    EXPECT_EQ(ToDouble(c.text), c.expected) << c.text;
+}
+
+}  // namespace

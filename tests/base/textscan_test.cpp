@@ -1,0 +1,204 @@
+#include "base/textscan.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/fatal.h"
+
+TEST(TextScan, IntegersAsAFormattedStreamReadsThem)
+{
+  static const struct
+  {
+    const char* text;
+    bool read;
+    int value;
+    const char* rest;
+  } cases[] = {
+      {" 12 3", true, 12, " 3"},
+      {"\n\t-7x", true, -7, "x"},
+      {"+5", true, 5, ""},
+      {"010", true, 10, ""},  // decimal
+      {"1.5", true, 1, ".5"},
+      {"0x10", true, 0, "x10"},
+      {"2147483647", true, 2147483647, ""},
+      {"2147483648", false, 0, ""},
+      {"end", false, 0, "end"},
+      {"+-1", false, 0, "+-1"},
+      {"", false, 0, ""},
+      {"  ", false, 0, ""},
+  };
+  for (const auto& c : cases) {
+    TextScan text(c.text);
+    int value = 0;
+    EXPECT_EQ(text.ReadInt(value), c.read) << c.text;
+    if (c.read) {
+      EXPECT_EQ(value, c.value) << c.text;
+    }
+    EXPECT_EQ(text.ReadRestOfLine(), c.rest) << c.text;
+  }
+}
+
+TEST(TextScan, NumbersAsAFormattedStreamReadsThem)
+{
+  static const struct
+  {
+    const char* text;
+    bool read;
+    double value;
+  } cases[] = {
+      {" 1.5", true, 1.5},    {"-2e3x", true, -2000.0}, {"+.5", true, 0.5},  {"5.", true, 5.0},
+      {"1e-400", true, 0.0},  {"1E+2", true, 100.0},    {"1,5", true, 1.0},  {"1e400", false, 0.0},
+      {"-1e400", false, 0.0}, {"nan", false, 0.0},      {"inf", false, 0.0}, {"-inf", false, 0.0},
+      {"+nan", false, 0.0},   {".", false, 0.0},        {"--1", false, 0.0}, {"+-1", false, 0.0},
+      {"1e", false, 0.0},     {"1e+", false, 0.0},      {"x", false, 0.0},   {"", false, 0.0},
+  };
+  for (const auto& c : cases) {
+    TextScan text(c.text);
+    double value = 0.0;
+    EXPECT_EQ(text.ReadDouble(value), c.read) << c.text;
+    if (c.read) {
+      EXPECT_EQ(value, c.value) << c.text;
+    }
+  }
+}
+
+TEST(TextScan, DenormalNumbersAreNumbers)
+{
+  TextScan text("1e-320");
+  double value = 0.0;
+  EXPECT_TRUE(text.ReadDouble(value));
+  EXPECT_EQ(value, 1e-320);
+}
+
+TEST(TextScan, WordsBetweenAnyWhiteSpace)
+{
+  TextScan text("one\ttwo\r\n three");
+  EXPECT_EQ(text.ReadWord(), "one");
+  EXPECT_EQ(text.ReadWord(), "two");
+  EXPECT_EQ(text.ReadWord(), "three");
+  EXPECT_EQ(text.ReadWord(), "");
+  EXPECT_TRUE(text.AtEnd());
+}
+
+TEST(TextScan, LongWordsAndLinesAreCutAndTheirRestSkipped)
+{
+  const std::string longWord(3000, 'a');
+  const std::string content = longWord + " next " + longWord + "\nline";
+  TextScan text(content);
+  EXPECT_EQ(text.ReadWord(), std::string(1023, 'a'));
+  EXPECT_EQ(text.ReadWord(), "next");
+  EXPECT_EQ(text.ReadRestOfLine(), " " + std::string(1022, 'a'));
+  EXPECT_EQ(text.ReadWord(), "line");
+}
+
+TEST(TextScan, RestOfTheLastLineNeedsNoNewline)
+{
+  TextScan text("a b\n\nlast");
+  EXPECT_EQ(text.ReadRestOfLine(), "a b");
+  EXPECT_EQ(text.ReadRestOfLine(), "");
+  EXPECT_EQ(text.ReadRestOfLine(), "last");
+  EXPECT_EQ(text.ReadRestOfLine(), "");
+}
+
+TEST(TextScan, TakeOutSpacesLeavesTabs)
+{
+  TextScan text(" \n\r:=x");
+  EXPECT_EQ(TakeOutSpaces(text), 0);
+  EXPECT_EQ(text.ReadWord(), "x");
+  EXPECT_EQ(TakeOutSpaces(text), -1);
+
+  TextScan comment("  # text");
+  EXPECT_EQ(TakeOutSpaces(comment), 1);
+  EXPECT_EQ(comment.ReadRestOfLine(), " text");
+
+  TextScan tab("\t#");
+  EXPECT_EQ(TakeOutSpaces(tab), 0);
+}
+
+TEST(TextScan, PlaceCountsLinesAndColumnsFromOne)
+{
+  TextScan text("ab\n  cd 5\n");
+  EXPECT_EQ(text.Where().line, 1);
+  EXPECT_EQ(text.Where().column, 1);
+  text.ReadWord();
+  EXPECT_EQ(text.Where().column, 3);
+  text.ReadWord();
+  EXPECT_EQ(text.Where().line, 2);
+  EXPECT_EQ(text.Where().column, 5);
+  text.SkipLine();
+  EXPECT_EQ(text.Where().line, 3);
+  EXPECT_EQ(text.Where().column, 1);
+}
+
+TEST(FindThisWord, FindsAWordThatContainsItInAnyCase)
+{
+  TextScan text("# a\nTheProblems: type");
+  FindThisWord(text, "problem");
+  EXPECT_EQ(text.ReadWord(), "type");
+}
+
+TEST(FindThisWord, TheLastWordWithoutASeparatorDoesNotCount)
+{
+  static const char* const missing = "can't find word ***problem*** in input file\n";
+  for (const char* content : {"a b problem", "", "   ", "nothing here\n"}) {
+    TextScan text(content);
+    ExpectFatal([&] { FindThisWord(text, "problem"); }, missing);
+  }
+  TextScan ended("problem\n");
+  FindThisWord(ended, "problem");
+}
+
+TEST(Records, CommentsAreSkippedAndAWordEndsTheBlock)
+{
+  TextScan text("# one\n = 3 rest\n#two\n  4\nend things\nafter");
+  int number = 0;
+  ASSERT_TRUE(ReadRecordNumber(text, number));
+  EXPECT_EQ(number, 3);
+  EXPECT_EQ(text.ReadRestOfLine(), " rest");
+  ASSERT_TRUE(ReadRecordNumber(text, number));
+  EXPECT_EQ(number, 4);
+  EXPECT_FALSE(ReadRecordNumber(text, number));
+  SkipBlockEnd(text);
+  EXPECT_EQ(text.ReadWord(), "after");
+}
+
+TEST(ItemScanner, CutsKeysAndValues)
+{
+  ItemScanner items(" E=2e11 nu: 0.3  t = 0.5\tx A");
+  EXPECT_EQ(items.Key(), "E");
+  EXPECT_EQ(items.Value(), "2e11");
+  EXPECT_EQ(items.Key(), "nu");
+  EXPECT_EQ(items.Value(), "0.3");
+  EXPECT_EQ(items.Key(), "t");
+  EXPECT_EQ(items.Value(), "0.5\tx");
+  EXPECT_EQ(items.Key(), "A");
+  EXPECT_EQ(items.Value(), "");
+  EXPECT_EQ(items.Key(), "");
+}
+
+TEST(ItemScanner, ValuesMayHoldTheDelimitersOfKeys)
+{
+  ItemScanner items("units=a:b=c d\r");
+  EXPECT_EQ(items.Key(), "units");
+  EXPECT_EQ(items.Value(), "a:b=c");
+  EXPECT_EQ(items.Key(), "d");
+  EXPECT_EQ(items.Value(), "");
+}
+
+TEST(EulerIndex, TakesOneToThree)
+{
+  EXPECT_EQ(EulerIndex("Euler1"), 0);
+  EXPECT_EQ(EulerIndex("EULER3x"), 2);
+  EXPECT_EQ(EulerIndex("units"), -1);
+  for (const char* key : {"Euler", "Euler0", "euler4"})
+    ExpectFatal([&] { EulerIndex(key); }, "error: Euler angles must be: Euler1,Euler2 or Euler3\n");
+}
+
+TEST(Prefix, IgnoresCase)
+{
+  EXPECT_TRUE(HasPrefix("SkyLineX", "skyline"));
+  EXPECT_FALSE(HasPrefix("Sky", "skyline"));
+  EXPECT_TRUE(EqualsNoCase("MESH", "mesh"));
+  EXPECT_FALSE(EqualsNoCase("meshes", "mesh"));
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "numeric/vector_functions.h"
+
+class Matriu;
+class MatriuT;
+
+/// Vector of at most three doubles inside the object: a point, a direction, a
+/// set of Euler angles. Indices run from 1. Nothing is allocated.
+///
+/// The operators and functions of vector_functions.h return a new ReaVec.
+/// Fatal: a length outside 0..3, an index outside 1..n, operands of unequal
+/// length, a matrix that is not a column.
+class ReaVec : public VectorMembers<ReaVec>
+{
+public:
+  using Owner = ReaVec;
+  using Temporary = ReaVec;
+  static constexpr int kMaxSize = 3;
+
+  ReaVec() = default;
+  explicit ReaVec(int length) : n(RequireSize(length)) {}  ///< zeros
+  ReaVec(double x, double y) : n(2), components{x, y, 0.0} {}
+  ReaVec(double x, double y, double z) : n(3), components{x, y, z} {}
+  explicit ReaVec(const Matriu& column) { *this = column; }
+  explicit ReaVec(MatriuT& column) { *this = column; }  ///< leaves the temporary empty
+  explicit ReaVec(MatriuT&& column) { *this = column; }
+
+  ReaVec& operator=(double value);  ///< fills
+  ReaVec& operator=(const Matriu& column);
+  ReaVec& operator=(MatriuT& column);  ///< leaves the temporary empty
+  ReaVec& operator=(MatriuT&& column) { return *this = column; }
+
+  int Size() const { return n; }
+  double* Data() { return components; }
+  const double* Data() const { return components; }
+
+  double& operator()(int i) { return components[RequireIndex(i) - 1]; }
+  double operator()(int i) const { return components[RequireIndex(i) - 1]; }
+
+  /// Changes the length and sets the components added to the value.
+  void resize(int length, double value);
+  /// A copy of `length` components from `start` on, which is read as by
+  /// ResolveRange. Unlike there, a length of 0 gives an empty vector.
+  ReaVec subVec(int start, int length) const;
+
+private:
+  static int RequireSize(int length)
+  {
+    if (length < 0 || length > kMaxSize)
+      FatalVectorSize(length);
+    return length;
+  }
+  int RequireIndex(int i) const
+  {
+    if (i < 1 || i > n)
+      FatalVectorIndex();
+    return i;
+  }
+
+  int n = 0;
+  double components[kMaxSize] = {};  ///< the first n are meaningful
+};
+
+/// Square of the distance between two points.
+inline double distance2(const ReaVec& a, const ReaVec& b)
+{
+  return (a - b).sumsq();
+}

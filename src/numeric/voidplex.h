@@ -1,0 +1,111 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <vector>
+
+/// One chunk of a VoidPlex: the slots of an aligned range of numbers. With the size
+/// 100 these ranges are 1..100, 101..200 and so on; the last one ends at INT_MAX.
+///
+/// Chunks form a ring in increasing order of `low`.
+struct VoidChunk
+{
+  explicit VoidChunk(int size) : slots(std::make_unique<void*[]>(static_cast<std::size_t>(size))) {}
+
+  /// Sets the range to the one that holds number i, for chunks of the given size.
+  void reset(int i, int size);
+  /// Empties every slot.
+  void clear();
+
+  bool Covers(int i) const { return low <= i && i <= high; }
+  void*& Slot(int i) const { return slots[static_cast<std::size_t>(i - low)]; }
+
+  std::unique_ptr<void*[]> slots;  ///< null is an empty place
+  int low = 0;                     ///< range of numbers
+  int high = 0;
+  VoidChunk* nextChunk = this;
+  VoidChunk* prevChunk = this;
+};
+
+/// Table of untyped pointers by number, from 1 to INT_MAX.
+///
+/// Numbers may be sparse and come in any order: there is storage only for the chunks
+/// in use. A look-up tries the chunk used last, then a table of shortcuts that finds
+/// every chunk of dense numbers, then an ordered index: random access costs at most the
+/// logarithm of the number of chunks and never a walk along the ring. The objects are
+/// not owned, the chunks are.
+///
+/// Objects are reached with their type through numeric/plex_range.h.
+class VoidPlex
+{
+public:
+  /// Fatal when the size of the chunks is below 1.
+  explicit VoidPlex(int size);
+  VoidPlex(const VoidPlex&) = delete;
+
+  /// Appends the pointers of the source, in their order, behind the last number of
+  /// this container, which is not cleared. Their numbers are not kept.
+  VoidPlex& operator=(const VoidPlex& source);
+
+  /// Stores p at number i; null empties the place. Fatal when i is below 1, and when
+  /// a pointer would be replaced by another.
+  void set_at(int i, void* p);
+  /// As set_at, but a pointer may be replaced by another.
+  void replace_at(int i, void* p);
+  /// Stores p at the lowest free number, which is returned.
+  int appendFirst(void* p);
+
+  /// Makes the chunk of number i the one where look-ups start, creating it when it
+  /// does not exist. Fatal outside first..last.
+  void cache(int i) const;
+  /// The next stored pointer after number i, which is updated; null and i = 0 at the
+  /// end. A loop starts from i = 0.
+  void* next(int& i) const;
+  /// The pointer at number i, null when there is none, whatever the number.
+  void* At(int i) const;
+  /// Whether nothing is stored at number i.
+  bool free(int i) const { return At(i) == nullptr; }
+
+  /// The next stored pointer after number i, searched from the given chunk on, which
+  /// must not lie behind i; both are updated. Null at the end. Leaves the chunk used
+  /// last alone.
+  void* NextFrom(VoidChunk*& chunk, int& i) const;
+
+  int Count() const;
+  /// Lowest and highest number set since the container was empty; 0 when it is.
+  int First() const { return first; }
+  int Last() const { return last; }
+  int ChunkSize() const { return chunkSize; }
+  /// The chunk with the lowest range.
+  VoidChunk* Head() const { return head; }
+
+  /// Lowers the last number to the highest one that holds a pointer.
+  void ReCalcLast();
+  /// Moves the pointers down over the empty numbers between them, keeping their order.
+  void TakeOutHoles();
+  /// Frees every chunk but the head and empties that one.
+  void clear();
+
+private:
+  using Index = std::map<int, VoidChunk>;
+
+  int LowOf(int i) const { return (i - 1) / chunkSize * chunkSize + 1; }
+  void StartAt(int i);
+  VoidChunk* FindChunk(int i) const;
+  VoidChunk* MakeChunk(int i) const;
+  VoidChunk* ChunkToSet(int i);
+  void Write(VoidChunk* chunk, int i, void* p);
+  int NumberBehindLast() const;
+
+  int chunkSize;
+  int first = 0;
+  int last = 0;
+  int taken = 0;         ///< numbers 1..taken hold pointers (perhaps more do)
+  mutable Index chunks;  ///< by their lowest number; never without one
+  /// Chunks used before, by their place in the row of all ranges modulo the length, a
+  /// power of 2; any chunk where none is known.
+  mutable std::vector<VoidChunk*> shortcuts;
+  mutable VoidChunk* head;
+  mutable VoidChunk* lastChunk;  ///< used last
+};

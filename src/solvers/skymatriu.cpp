@@ -1,0 +1,275 @@
+#include "solvers/skymatriu.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <cstdint>
+
+#include "base/constants.h"
+#include "base/errorwriter.h"
+#include "base/stprintf.h"
+#include "numeric/matriu.h"
+#include "numeric/reavecv.h"
+#include "solvers/ldlt_kernel.h"
+#include "solvers/pivot_check.h"
+
+// The factorisation runs row by row (the rows of a node, which begin in the same column,
+// together): row j needs only the finished rows above it, each of its entries is one dot
+// product of two contiguous runs, and nothing outside the profile is looked at. Storage:
+// A. Jennings, A compact storage scheme for the solution of symmetric linear simultaneous
+// equations, The Computer Journal 9 (1966).
+
+namespace {
+
+constexpr int kEquationsPerMessage = 500;
+
+bool IsZero(double value)
+{
+  return std::fabs(value) < EPSILON;
+}
+
+}  // namespace
+
+SkyMatriu::SkyMatriu(int n_) : n(n_)
+{
+  if (n < 0)
+    Fatal("Not space available on heap");
+  heights.assign(static_cast<std::size_t>(n), 0);
+  rows.assign(static_cast<std::size_t>(n), nullptr);
+}
+
+void SkyMatriu::EnterMaxDiff(int node1, int node2, int ndof)
+{
+  const auto [low, high] = std::minmax(node1, node2);
+  const int firstEquation = (low - 1) * ndof + 1;
+  for (int k = 1; k <= ndof; ++k)
+    EnterMaxDiff(firstEquation, (high - 1) * ndof + k);
+}
+
+void SkyMatriu::EnterMaxDiff(int eq1, int eq2)
+{
+  const auto [low, high] = std::minmax(eq1, eq2);
+  assert(low >= 1 && high <= n && !values);
+  heights[high - 1] = std::max(heights[high - 1], high - low + 1);
+}
+
+int SkyMatriu::HeightWithBlock(int i, int ndof) const
+{
+  assert(ndof >= 1);
+  return std::max(heights[i - 1], (i - 1) % ndof + 1);
+}
+
+std::size_t SkyMatriu::StorageBytes(int ndof) const
+{
+  std::size_t entries = 0;
+  for (int i = 1; i <= n; ++i)
+    entries += static_cast<std::size_t>(HeightWithBlock(i, ndof));
+  return entries * sizeof(double);
+}
+
+void SkyMatriu::Create(int ndof)
+{
+  for (int i = 1; i <= n; ++i)
+    heights[i - 1] = HeightWithBlock(i, ndof);
+  AllocateRows();
+  FindLastRows();
+  factorised = false;
+}
+
+void SkyMatriu::AllocateRows()
+{
+  const std::size_t bytes = StorageBytes();
+  if (bytes > PTRDIFF_MAX)
+    Fatal("Not space available on heap");
+  values.reset();
+  values = std::make_unique<double[]>(bytes / sizeof(double));
+  double* next = values.get();
+  for (int i = 0; i < n; ++i) {
+    rows[i] = next;
+    next += heights[i];
+  }
+}
+
+void SkyMatriu::FindLastRows()
+{
+  lastRow.assign(static_cast<std::size_t>(n), 0);
+  for (int i = 1; i <= n; ++i)
+    lastRow[i - heights[i - 1]] = i;
+  for (int i = 1; i < n; ++i)
+    lastRow[i] = std::max(lastRow[i], lastRow[i - 1]);
+}
+
+double* SkyMatriu::Find(int i, int j) const
+{
+  const auto [low, high] = std::minmax(i, j);
+  assert(low >= 1 && high <= n && values);
+  const int d = high - low;
+  return d < heights[high - 1] ? &rows[high - 1][d] : nullptr;
+}
+
+double SkyMatriu::Value(int i, int j) const
+{
+  const double* entry = Find(i, j);
+  return entry ? *entry : 0.0;
+}
+
+double& SkyMatriu::operator()(int i, int j)
+{
+  double* entry = Find(i, j);
+  if (entry)
+    return *entry;
+  outside = 0.0;
+  return outside;
+}
+
+template <class Visit>
+void SkyMatriu::ForEachInRow(int i, Visit visit) const
+{
+  for (int j = i - heights[i - 1] + 1; j <= i; ++j)
+    visit(j, rows[i - 1][i - j]);
+  for (int j = i + 1; j <= lastRow[i - 1]; ++j)
+    if (j - i < heights[j - 1])
+      visit(j, rows[j - 1][j - i]);
+}
+
+void SkyMatriu::SetToZero()
+{
+  std::fill_n(values.get(), values ? StorageBytes() / sizeof(double) : 0, 0.0);
+  factorised = false;
+}
+
+void SkyMatriu::AddSubMatriu(int row, int col, const Matriu& m)
+{
+  for (int a = 1; a <= m.Rows(); ++a)
+    for (int b = 1; b <= m.Cols(); ++b)
+      if (row + a <= col + b)
+        (*this)(row + a - 1, col + b - 1) += m(a, b);
+}
+
+int SkyMatriu::GroupLength(int first) const
+{
+  int length = 1;
+  while (length < kMaxRowsPerGroup && first + length < n &&
+         heights[first + length] == heights[first] + length)
+    ++length;
+  return length;
+}
+
+int SkyMatriu::Txolesky(std::FILE* info)
+{
+  const ProfileRows matrix{rows.data(), heights.data()};
+  PivotCheck check(matrix, n);
+  factorised = false;
+  for (int first = 0, length; first < n; first += length) {
+    length = GroupLength(first);
+    ReduceRows(matrix, first, length);
+    for (int row = first; row < first + length; ++row) {
+      const double diagonal = rows[row][0];
+      FinishRow(matrix, row, first);
+      if ((row + 1) % kEquationsPerMessage == 0)
+        Progress(info, "Solving degree %i of %i\n", row + 1, n);
+      if (!check.Accepts(row, diagonal))
+        return row + 1;
+    }
+  }
+  factorised = true;
+  return 0;
+}
+
+void SkyMatriu::Substitute(ReaVecV& b, std::FILE* info) const
+{
+  assert(factorised && b.Size() == n);
+  Progress(info, "Beginning 1st substitution in LU system\n");
+  // Reversed like the rows, the vector can be walked in step with them.
+  double* const x = b.Data();
+  std::reverse(x, x + n);
+  for (int i = 0; i < n; ++i) {
+    double* const xi = x + (n - 1 - i);
+    *xi -= DotProduct(rows[i] + 1, xi + 1, heights[i] - 1);
+  }
+  for (int i = 0; i < n; ++i)
+    x[n - 1 - i] /= rows[i][0];
+
+  Progress(info, "Beginning 2nd substitution in LU system\n");
+  for (int i = n - 1; i > 0; --i) {
+    double* const xi = x + (n - 1 - i);
+    SubtractMultiple(xi + 1, rows[i] + 1, *xi, heights[i] - 1);
+  }
+  std::reverse(x, x + n);
+}
+
+int SkyMatriu::Solver(ReaVecV& b, std::FILE* info)
+{
+  const int refused = Txolesky(info);
+  if (refused)
+    return refused;
+  Progress(info, "Txolesky finished\n");
+  Substitute(b, info);
+  return 0;
+}
+
+int SkyMatriu::ApplyConstraint(int eq, double value, ReaVecV& b)
+{
+  if (std::fabs(value) >= EPSILON)
+    ForEachInRow(eq, [&](int i, double entry) { b(i) -= value * entry; });
+  EraseRowColumn(eq);
+  val(eq, eq) = 1.0;
+  b(eq) = value;
+  return eq;
+}
+
+void SkyMatriu::EraseRowColumn(int eq)
+{
+  ForEachInRow(eq, [eq](int j, double& entry) {
+    if (j != eq)
+      entry = 0.0;
+  });
+}
+
+double SkyMatriu::ReturnRowPerVector(int i, const ReaVecV& v) const
+{
+  double sum = 0.0;
+  ForEachInRow(i, [&](int j, double entry) { sum += entry * v(j); });
+  return sum;
+}
+
+int SkyMatriu::HasVoidRows() const
+{
+  std::vector<bool> isVoid(static_cast<std::size_t>(n), true);
+  for (int i = 0; i < n; ++i)
+    for (int d = 0; d < heights[i]; ++d)
+      if (!IsZero(rows[i][d]))
+        isVoid[i] = isVoid[i - d] = false;
+  const auto found = std::find(isVoid.begin(), isVoid.end(), true);
+  return found == isVoid.end() ? 0 : static_cast<int>(found - isVoid.begin()) + 1;
+}
+
+void SkyMatriu::CheckDegree(int eq) const
+{
+  std::vector<double> row(static_cast<std::size_t>(n), 0.0);
+  ForEachInRow(eq, [&](int j, double entry) { row[j - 1] = entry; });
+  std::vector<int> significant;
+  for (int j = 1; j <= n; ++j)
+    if (!IsZero(row[j - 1]))
+      significant.push_back(j);
+
+  for (int i = 1; i <= n; ++i)
+    if (i != eq && IsMultiple(i, row, significant))
+      errorwriter.Stream() << "error: Degree of freedom " << eq << " and " << i
+                           << " are dependent\n";
+}
+
+bool SkyMatriu::IsMultiple(int i, const std::vector<double>& row,
+                           const std::vector<int>& significant) const
+{
+  const auto ratio = [&](int j) { return Value(i, j) / row[j - 1]; };
+  for (const int j : significant)
+    if (!(std::fabs(ratio(j) - ratio(significant.front())) <= EPSILON))
+      return false;
+
+  // What row i has beside those columns must be 0.
+  bool isZero = true;
+  ForEachInRow(
+      i, [&](int j, double entry) { isZero = isZero && (!IsZero(row[j - 1]) || IsZero(entry)); });
+  return isZero;
+}

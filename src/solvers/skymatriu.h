@@ -1,0 +1,134 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <ostream>
+#include <vector>
+
+#include "solvers/bsolver.h"
+
+/// Symmetric matrix stored by profile, factorised in place as L·D·Lᵀ.
+///
+/// Row i holds its entries from the diagonal leftwards as far as the first column that was
+/// declared; the upper triangle is the same entries. An entry outside the profile reads as
+/// 0, and writing it changes nothing in the matrix.
+///
+/// After Solver the storage holds the factors. SetToZero makes the object ready for another
+/// assembly on the same profile.
+class SkyMatriu : public BSolver
+{
+public:
+  explicit SkyMatriu(int n);
+
+  int GiveSize() const override { return n; }
+  void EnterMaxDiff(int node1, int node2, int ndof) override;
+
+  /// Declares that two equations couple.
+  void EnterMaxDiff(int eq1, int eq2);
+
+  /// Also stores, whatever was declared, the whole diagonal block of every node. Fatal when
+  /// the profile does not fit into memory.
+  void Create(int ndof) override;
+
+  /// A reference that stays valid for entries of the profile. Outside it, a scratch value
+  /// shared by all such entries, which every access sets back to 0.
+  double& operator()(int i, int j) override;
+
+  /// Entry (j, i), i <= j, which must lie inside the profile.
+  double& val(int i, int j) { return rows[j - 1][j - i]; }
+
+  void SetToZero() override;
+
+  /// Takes only the part of m that falls on or above the diagonal, so that the caller hands
+  /// over whole symmetric blocks.
+  void AddSubMatriu(int row, int col, const Matriu& m) override;
+
+  /// Txolesky, then Substitute. The result is that of Txolesky; when it is not 0, b is as it
+  /// was. Factorises at every call: to be called once for an assembled matrix.
+  int Solver(ReaVecV& b, std::FILE* info) override;
+
+  /// Factorises in place, without pivoting. Returns 0, or the first equation whose pivot is
+  /// refused: not a number, below 1e-15, or nothing but rounding error, as in a structure
+  /// that can move (see PivotCheck). Progress every 500 equations.
+  int Txolesky(std::FILE* info);
+
+  /// Solves with the factors that Txolesky has left: b becomes the solution.
+  void Substitute(ReaVecV& b, std::FILE* info) const;
+
+  /// Moves column eq to the right-hand side and leaves a 1 on its diagonal, so that the
+  /// matrix stays symmetric. Work: the rows that reach column eq, see lastRow.
+  int ApplyConstraint(int eq, double value, ReaVecV& b) override;
+
+  /// Sets row and column eq to 0, except the diagonal.
+  void EraseRowColumn(int eq);
+
+  double ReturnRowPerVector(int i, const ReaVecV& v) const override;
+
+  /// The first equation all of whose entries are 0 (below 1e-15); 0 when there is none.
+  int HasVoidRows() const;
+
+  /// Warns in the stream of the error writer of every equation whose row is a multiple of
+  /// row eq; the run goes on.
+  void CheckDegree(int eq) const;
+
+  void PrintTo(std::ofstream& out) const override;
+
+  /// Like PrintTo, with the entries outside the profile.
+  void PrintToFull(std::ostream& out) const;
+
+  void CopyFromYouToMat(Matriu& m) const override;
+
+  /// Draws entry (i, j) as a quadrilateral whose four nodes carry its value.
+  void WriteForKiv(std::ofstream& mesh, std::ofstream& res) const override;
+
+  void PrintInfoMem(std::FILE* info) const override;
+
+  /// Number of entries of row i that are stored.
+  int GiveHeight(int i) const { return heights[i - 1]; }
+
+  /// True while the storage holds the factors.
+  bool IsFactorised() const { return factorised; }
+
+  /// Bytes of the entries that Create(ndof) will take with the couplings declared so far;
+  /// afterwards, with no argument, what they take.
+  std::size_t StorageBytes(int ndof = 1) const;
+
+private:
+  /// Height of row i once the diagonal block of its node is in the profile.
+  int HeightWithBlock(int i, int ndof) const;
+  void AllocateRows();
+  void FindLastRows();
+
+  /// Entry (i, j); null outside the profile.
+  double* Find(int i, int j) const;
+  double Value(int i, int j) const;
+
+  /// Calls visit(j, entry) for every stored entry (i, j) of the whole symmetric row i,
+  /// j ascending.
+  template <class Visit>
+  void ForEachInRow(int i, Visit visit) const;
+
+  /// Number of rows from `first` (from 0) on that begin in the same column, up to the most
+  /// that the kernel takes.
+  int GroupLength(int first) const;
+
+  /// Whether row i is a multiple of the row given by its n entries `row`, of which those in
+  /// the columns `significant` are not 0.
+  bool IsMultiple(int i, const std::vector<double>& row, const std::vector<int>& significant) const;
+
+  void PrintRowTo(std::ostream& out, int i) const;
+
+  int n;
+  std::vector<int> heights;          ///< of row i at i - 1: entries from the diagonal leftwards
+  std::unique_ptr<double[]> values;  ///< one array for all rows; null before Create
+  std::vector<double*> rows;         ///< into values; element d of row i is entry (i, i - d)
+
+  /// Of equation i at i - 1: the last row that begins at or before column i. No row behind
+  /// it holds an entry of column i, so that what works on row and column i can stop there
+  /// and needs no pass over all n rows. Found by Create: the last row beginning in each
+  /// column, then the maximum over the columns up to i.
+  std::vector<int> lastRow;
+
+  double outside = 0.0;  ///< what operator() refers to outside the profile
+  bool factorised = false;
+};

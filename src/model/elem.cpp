@@ -1,0 +1,191 @@
+#include "model/elem.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iomanip>
+
+#include "base/errorwriter.h"
+#include "base/number_text.h"
+#include "base/textscan.h"
+#include "model/material.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+
+const char* ElemTypeName(ElemType type)
+{
+  static const char* const names[] = {"",           "Linear",   "Triangle", "Quadrilateral",
+                                      "Tetrahedra", "Hexahedra"};
+  return type >= Linear && type <= Hexahedra ? names[type] : names[0];
+}
+
+Elem::Elem(Mesh* ownMesh, Elem* boundElem) : Elem(ownMesh->GiveNnode(), ownMesh, boundElem) {}
+
+Elem::Elem(int nnode, Mesh* ownMesh, Elem* boundElem)
+    : nodes(std::make_unique<Node*[]>(static_cast<std::size_t>(nnode))),
+      mesh(ownMesh),
+      bound(boundElem),
+      places(nnode)
+{
+}
+
+Elem::Elem(Elem* el, Node* node, Mesh* ownMesh, Elem* boundElem)
+    : Elem(el->Nnode() + 1, ownMesh, boundElem)
+{
+  CopyNodesFrom(*el, el->Nnode(), 0);
+  nodes[el->Nnode()] = node;
+}
+
+Elem::Elem(Elem* el, Node* node, int face, int, Mesh* ownMesh)
+    : Elem(el->Nnode(), ownMesh ? ownMesh : el->mesh, nullptr)
+{
+  if (places == 2 && face == 1) {
+    nodes[0] = node;
+    nodes[1] = el->nodes[1];
+    return;
+  }
+  CopyNodesFrom(*el, places - 1, face);
+  nodes[places - 1] = node;
+}
+
+Elem::Elem(Elem* el, int face) : Elem(std::max(el->Nnode() - 1, 0), nullptr, nullptr)
+{
+  if (el->ElemType() == Linear)
+    Fatal("error in Elem::Elem(Elem* el,int face). Linear has no faces\n");
+  if (el->ElemType() != Triangle && el->ElemType() != Tetrahedra)
+    Fatal("error in Elem::Elem(Elem* el,int face). Only Triang. and Tetr. implemented\n");
+  CopyNodesFrom(*el, places, face);
+}
+
+Elem::~Elem() = default;
+
+void Elem::CopyNodesFrom(const Elem& el, int count, int first)
+{
+  for (int i = 0; i < count; ++i)
+    nodes[i] = el.nodes[(first + i) % el.Nnode()];
+}
+
+::ElemType Elem::ElemType() const
+{
+  return mesh ? mesh->GiveElemType() : ::ElemType(0);
+}
+
+int Elem::Ndime() const
+{
+  return mesh ? mesh->GiveNdime() : nodes[0]->Size();
+}
+
+int Elem::Nnode() const
+{
+  return mesh ? mesh->GiveNnode() : places;
+}
+
+Material* Elem::GiveMaterial(const VoidPlex* materials) const
+{
+  return material ? material.get() : Find<Material>(*materials, materialNumber);
+}
+
+void Elem::ComposeYourMaterial(const VoidPlex* materials)
+{
+  if (material)
+    material->ComposeMaterial(Find<Material>(*materials, materialNumber));
+}
+
+void Elem::GiveEI(const VoidPlex* materials, double& EIy, double& EIz, double& EA) const
+{
+  const Material* m = GiveMaterial(materials);
+  if (!m)
+    Fatal("error: Material in element: ", number, " doesn't exist\n");
+  m->GiveEI(EIy, EIz, EA);
+}
+
+void Elem::IncreaseNnode(int n)
+{
+  auto larger = std::make_unique<Node*[]>(static_cast<std::size_t>(n));
+  std::copy_n(nodes.get(), std::min(places, n), larger.get());
+  nodes = std::move(larger);
+  places = n;
+}
+
+ReaVec& Elem::MidNode(ReaVec& c) const
+{
+  c.resize(Ndime(), 0.0);
+  for (int k = 1; k <= Ndime(); ++k) {
+    double sum = 0.0;
+    for (int i = 0; i < Nnode(); ++i)
+      sum += (*nodes[i])(k);
+    c(k) = sum / Nnode();
+  }
+  return c;
+}
+
+int Elem::IsInto(const Node* n) const
+{
+  Node** const last = nodes.get() + Nnode();
+  Node** const found = std::find(nodes.get(), last, n);
+  return found == last ? 0 : static_cast<int>(found - nodes.get()) + 1;
+}
+
+void Elem::PrintTo(std::ostream& out, int useOld, int bare) const
+{
+  bare = useOld && bare;
+  out << std::setw(5) << number << "   ";
+  for (int i = 0; i < Nnode(); ++i)
+    out << std::setw(5) << (useOld ? mesh->GiveOldNumber(nodes[i]) : NumberOf(nodes[i]));
+  if (material && !bare) {
+    out << "  Mat: ";
+    material->PrintTo(out);
+    return;
+  }
+  if (material)
+    out << " 0";
+  else if (materialNumber)
+    out << (bare ? " " : "  Mat: ") << materialNumber;
+  out << '\n';
+}
+
+void Elem::PrintToFemview(std::ostream& out) const
+{
+  constexpr int kNodesOfFirstLine = 15;
+  out << " -1" << std::setw(5) << number << std::setw(5) << mesh->GiveFvType() << "    1    1\n -2";
+  for (int i = 0; i < Nnode(); ++i) {
+    if (i == kNodesOfFirstLine)
+      out << '\n';
+    out << std::setw(5) << NumberOf(nodes[i]);
+  }
+  out << '\n';
+}
+
+int Elem::ReadFromAscii(TextScan& text, const VoidPlex* nodePlex, const Units* units)
+{
+  if (!text.ReadInt(number))
+    return 0;
+  int numbers[2] = {0, 0};
+  for (int i = 0; i < places; ++i) {
+    int n = 0;
+    if (!text.ReadInt(n))
+      return 0;
+    nodes[i] = Find<Node>(*nodePlex, n);
+    numbers[std::min(i, 1)] = n;
+  }
+  if (places == 2 && numbers[0] == numbers[1])
+    Fatal("error: element: ", number, "  have both nodes equal\n");
+  ReadMaterial(text.ReadRestOfLine().c_str(), units);
+  return 1;
+}
+
+void Elem::ReadMaterial(const char* text, const Units* units)
+{
+  constexpr const char* kDelimiters = " \t:=";
+  text += std::strspn(text, kDelimiters);
+  const char* item = text;
+  text += std::strcspn(text, kDelimiters);
+  ScanInt(item, materialNumber, 0, 0);
+  if (*text)
+    ++text;  // the delimiter
+  if (!text[std::strspn(text, " \t\r")])
+    return;
+  material = std::make_unique<Material>();
+  material->SetToNegative();
+  material->ReadFromAsciiNoNum(text, units);
+}

@@ -1,0 +1,82 @@
+#include <cmath>
+
+#include "base/errorwriter.h"
+#include "model/material.h"
+#include "numeric/matriu.h"
+
+// Stress-strain matrices. Every check is written so that a value that is no number fails it.
+
+namespace {
+
+[[noreturn]] void Refuse(int elemNumber, const char* text)
+{
+  Fatal("error in element ", elemNumber, text);
+}
+
+void RequirePositive(double value, int elemNumber, const char* text)
+{
+  if (!(value >= EPSILON))
+    Refuse(elemNumber, text);
+}
+
+void RequireDifferent(double value, double excluded, int elemNumber, const char* text)
+{
+  if (!(std::fabs(value - excluded) > EPSILON))
+    Refuse(elemNumber, text);
+}
+
+void RequireShellValues(const Material& m, int elemNumber)
+{
+  RequirePositive(m.t, elemNumber, " Shell thickness is 0\n");
+  RequirePositive(m.E1, elemNumber, " Ex is 0\n");
+  RequirePositive(m.E2, elemNumber, " Ey is 0\n");
+  RequirePositive(m.Gxy, elemNumber, " Gxy is 0\n");
+  RequirePositive(m.Gxz, elemNumber, " Gxz is 0\n");
+  RequirePositive(m.Gyz, elemNumber, " Gyz is 0\n");
+  RequireDifferent(m.nuXY, 1.0, elemNumber, " nuXY is 1\n");
+  RequireDifferent(m.nuYX, 1.0, elemNumber, " nuYX is 1\n");
+  if (!(std::fabs(m.nuXY * m.E1 - m.nuYX * m.E2) <= EPSILON))
+    Refuse(elemNumber, " Ex*nuXY must be equal to Ey*nuYX\n");
+  RequireDifferent(m.nuXY * m.nuYX, 1.0, elemNumber, " nuXY*nuYX is 1\n");
+}
+
+void RequireSolidValues(const Material& m, int elemNumber)
+{
+  RequirePositive(m.E1, elemNumber, " E is 0\n");
+  RequireDifferent(m.nuXY, 1.0, elemNumber, " nu is 1\n");
+  RequireDifferent(m.nuXY, 0.5, elemNumber, " nu is 0.5\n");
+  RequireDifferent(m.nuXY, -1.0, elemNumber, " nu is -1\n");
+}
+
+}  // namespace
+
+void Material::GiveDMatrix(int elemNumber, Matriu& Dm, Matriu& Db, Matriu& Ds) const
+{
+  constexpr double kShearCorrection = 5.0 / 6.0;
+  RequireShellValues(*this, elemNumber);
+  const double f = t / (1.0 - nuXY * nuYX);
+  Dm = 0.0;
+  Dm(1, 1) = f * E1;
+  Dm(1, 2) = f * nuXY * E1;
+  Dm(2, 1) = f * nuYX * E2;
+  Dm(2, 2) = f * E2;
+  Dm(3, 3) = (1.0 - nuXY * nuYX) * f * Gxy;
+  Db = Dm;
+  Db *= t * t / 12.0;
+  Ds = 0.0;
+  Ds(1, 1) = kShearCorrection * t * Gxz;
+  Ds(2, 2) = kShearCorrection * t * Gyz;
+}
+
+void Material::GiveDMatrixTetra(int elemNumber, Matriu& D) const
+{
+  RequireSolidValues(*this, elemNumber);
+  const double nu = nuXY;
+  const double c = (1.0 - nu) * E1 / ((1.0 + nu) * (1.0 - 2.0 * nu));
+  D = 0.0;
+  for (int i = 1; i <= 3; ++i) {
+    for (int j = 1; j <= 3; ++j)
+      D(i, j) = i == j ? c : c * nu / (1.0 - nu);
+    D(i + 3, i + 3) = c * (1.0 - 2.0 * nu) / (2.0 - 2.0 * nu);
+  }
+}

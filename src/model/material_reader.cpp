@@ -1,0 +1,150 @@
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+#include "base/errorwriter.h"
+#include "base/number_text.h"
+#include "base/textscan.h"
+#include "model/material.h"
+#include "model/units.h"
+
+namespace {
+
+/// Widths of a rectangular section; not given while negative.
+struct Widths
+{
+  double y = -1.0;
+  double z = -1.0;
+};
+
+enum class Match
+{
+  kBeginning,
+  kWhole,
+  kExactBeginning
+};  // the first two in any case
+
+/// What a key does to its value: scales it and stores it in some fields, or refuses it.
+struct KeyRule
+{
+  Match match;
+  std::string_view key;
+  double Material::*fields[3] = {};
+  int forcePower = 0;
+  int lengthPower = 0;
+  double Widths::*width = nullptr;
+  const char* refusal = nullptr;
+};
+
+using M = Material;
+using enum Match;
+
+constexpr const char* kNoYoung = "error in materials. Young Modulus can only be E, Ex or Ey\n";
+constexpr const char* kNoInertia = "error in materials. Inertia modules cannot be for X axe\n";
+constexpr const char* kNoShear = "error in materials. G can be: G Gxy Gxz or Gyz\n";
+
+// The first rule that matches is taken. "units" is used before the items are read.
+constexpr KeyRule kRules[] = {
+    {kBeginning, "units"},
+    {kBeginning, "widthY", {}, 0, 1, &Widths::y},
+    {kBeginning, "widthZ", {}, 0, 1, &Widths::z},
+    {kBeginning, "Weight", {&M::Weight}, 1, -3},
+    {kBeginning, "nuXY", {&M::nuXY}},
+    {kBeginning, "nuYX", {&M::nuYX}},
+    {kBeginning, "nu", {&M::nuXY, &M::nuYX}},
+    {kExactBeginning, "t", {&M::t}, 0, 1},
+    {kWhole, "E", {&M::E1, &M::E2}, 1, -2},
+    {kExactBeginning, "Ex", {&M::E1}, 1, -2},
+    {kExactBeginning, "ex", {&M::E1}, 1, -2},
+    {kExactBeginning, "Ey", {&M::E2}, 1, -2},
+    {kExactBeginning, "ey", {&M::E2}, 1, -2},
+    {kBeginning, "E", {}, 0, 0, nullptr, kNoYoung},
+    {kBeginning, "Iy", {&M::Iy}, 0, 4},
+    {kBeginning, "Ix", {}, 0, 0, nullptr, kNoInertia},
+    {kBeginning, "I", {&M::Iz}, 0, 4},
+    {kBeginning, "Gxy", {&M::Gxy}, 1, -2},
+    {kBeginning, "Gxz", {&M::Gxz}, 1, -2},
+    {kBeginning, "Gyz", {&M::Gyz}, 1, -2},
+    {kWhole, "G", {&M::Gxy, &M::Gxz, &M::Gyz}, 1, -2},
+    {kBeginning, "G", {}, 0, 0, nullptr, kNoShear},
+    {kBeginning, "J", {&M::J}, 0, 4},
+    {kBeginning, "A", {&M::A}, 0, 2},
+};
+
+bool Matches(const KeyRule& rule, std::string_view key)
+{
+  switch (rule.match) {
+    case kBeginning:
+      return HasPrefix(key, rule.key);
+    case kWhole:
+      return EqualsNoCase(key, rule.key);
+    case kExactBeginning:
+      return key.starts_with(rule.key);
+  }
+  return false;
+}
+
+const KeyRule& RequireRule(std::string_view key)
+{
+  const KeyRule* rule = std::find_if(std::begin(kRules), std::end(kRules),
+                                     [key](const KeyRule& r) { return Matches(r, key); });
+  if (rule == std::end(kRules))
+    Fatal("Input of materials not correct. Unknown char: '", key, "'\n");
+  if (rule->refusal)
+    Fatal(rule->refusal);
+  return *rule;
+}
+
+Units::Ratios RatiosOfRecord(std::string_view text, const Units* units)
+{
+  if (!units)
+    return {};
+  const UnitsBase* given = units->GiveUnitsBaseFromLine(text);
+  return given ? units->RatiosOf(*given) : units->DefaultRatios();
+}
+
+void SetItem(const KeyRule& rule, double value, Material& material, Widths& widths)
+{
+  for (double Material::*field : rule.fields) {
+    if (field)
+      material.*field = value;
+  }
+  if (rule.width)
+    widths.*rule.width = value;
+}
+
+}  // namespace
+
+int Material::ReadFromAscii(TextScan& stream, const Units* units)
+{
+  if (!stream.ReadInt(number))
+    return 0;
+  ReadFromAsciiNoNum(stream.ReadRestOfLine(), units);
+  return 1;
+}
+
+int Material::ReadFromAsciiNoNum(std::string_view text, const Units* units)
+{
+  const Units::Ratios ratios = RatiosOfRecord(text, units);
+  Widths widths;
+  ItemScanner items(text);
+  int result = -1;
+  for (std::string_view key = items.Key(); !key.empty(); key = items.Key()) {
+    const std::string valueText(items.Value());
+    result = valueText.empty() ? 0 : 1;
+    if (result == 0)
+      break;
+    const double value = ToDouble(valueText.c_str());
+    if (const int angle = EulerIndex(key); angle >= 0) {
+      eulerGiven = 1;
+      Euler[angle] = value;
+      continue;
+    }
+    const KeyRule& rule = RequireRule(key);
+    SetItem(rule, value * ratios.Of(rule.forcePower, rule.lengthPower), *this, widths);
+  }
+  if (widths.y > 0.0)
+    CalcOtherParametersForRecSec(widths.y, widths.z);
+  return result;
+}

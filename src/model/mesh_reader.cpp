@@ -1,0 +1,102 @@
+#include "base/errorwriter.h"
+#include "base/textscan.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "model/units.h"
+#include "numeric/plex_range.h"
+
+namespace {
+
+// The integer behind a keyword, whatever stands between the two; 0 when it is too
+// large for one, which every caller refuses.
+int ReadIntBehind(TextScan& text, const char* keyword)
+{
+  FindThisWord(text, keyword);
+  if (!text.FindDigit())
+    Fatal("end of file and no digit found\n");
+  int value = 0;
+  return text.ReadInt(value) ? value : 0;
+}
+
+void SkipComments(TextScan& text)
+{
+  while (text.TakeOutSpaces() == 1)
+    text.SkipLine();
+}
+
+}  // namespace
+
+ElemType FindType(TextScan& text)
+{
+  static const struct
+  {
+    const char* beginning;
+    ElemType type;
+  } words[] = {
+      {"l", Linear}, {"h", Hexahedra}, {"q", Quadrilateral}, {"tr", Triangle}, {"te", Tetrahedra}};
+  const std::string_view word = text.ReadWord();
+  for (const auto& candidate : words) {
+    if (HasPrefix(word, candidate.beginning))
+      return candidate.type;
+  }
+  Fatal("ElemType must be: Linear,Triangle,Quadrilateral, Tetrahedra or Hexahedra\n");
+}
+
+void Mesh::ReadFromAscii(TextScan& text, const Units* units)
+{
+  ndime = ReadIntBehind(text, "dimension");
+  if (ndime != 2 && ndime != 3)
+    Fatal("error: mesh dimension must be 2 or 3\n");
+  FindThisWord(text, "elemtype");
+  elemType = FindType(text);
+  nnode = ReadIntBehind(text, "nnode");
+  CalcShapeGaussFemv();
+  FindThisWord(text, "coordinates");
+  ReadNodes(text, units ? units->MeshLengthRatio() : 1.0);
+  FindThisWord(text, "end");
+  FindThisWord(text, "elements");
+  ReadElems(text, units);
+  SkipBlockEnd(text);
+}
+
+void Mesh::ReadNodes(TextScan& text, double lengthFactor)
+{
+  int count = 0;
+  for (;; ++count) {
+    SkipComments(text);
+    auto node = std::make_unique<Node>(ndime);
+    if (!node->ReadFromAscii(text))
+      break;
+    *node *= lengthFactor;
+    StoreNode(std::move(node));
+  }
+  if (nodes->Last() == 0)
+    Fatal("error: list of nodes does not contain any node\n");
+  const bool gaps = nodes->Count() != nodes->Last();
+  if (count != 0 && (count != nodes->Last() || gaps))
+    Fatal("error: list of nodes does not contain all numbers\n");
+}
+
+// A node listed again, by this mesh or an earlier one, only moves: elements, supports
+// and loads that point at it stay right.
+void Mesh::StoreNode(std::unique_ptr<Node> node)
+{
+  const int number = node->number;
+  if (Node* known = Find<Node>(*nodes, number))
+    known->MoveTo(*node);
+  else
+    Store(*nodes, number, std::move(node));
+}
+
+void Mesh::ReadElems(TextScan& text, const Units* units)
+{
+  for (;;) {
+    SkipComments(text);
+    auto elem = std::make_unique<Elem>(this, nullptr);
+    if (!elem->ReadFromAscii(text, nodes, units))
+      return;
+    std::unique_ptr<Elem> replaced(Find<Elem>(*elems, elem->Num()));
+    elems->replace_at(elem->Num(), elem.get());
+    elem.release();
+  }
+}

@@ -1,0 +1,42 @@
+#include "model/node.h"
+
+#include <algorithm>
+#include <iomanip>
+
+#include "base/textscan.h"
+
+int Node::ReadFromAscii(TextScan& text)
+{
+  if (!text.ReadInt(number))
+    return 0;
+  for (int i = 1; i <= Size(); ++i) {
+    if (!text.ReadDouble((*this)(i)))
+      return 0;
+  }
+  text.SkipLine();
+  return 1;
+}
+
+std::ostream& operator<<(std::ostream& out, const Node& node)
+{
+  WriteNodeLine(out, node.number, node);
+  return out;
+}
+
+void WriteNodeLine(std::ostream& out, int number, const Node& node)
+{
+  out << std::setw(5) << number;
+  for (int i = 1; i <= node.Size(); ++i)
+    out << std::setw(15) << node(i);
+  out << '\n';
+}
+
+double dist2(const Node* a, const Node* b)
+{
+  double sum = 0.0;
+  for (int i = 1; i <= std::max(a->Size(), b->Size()); ++i) {
+    const double d = (i <= b->Size() ? (*b)(i) : 0.0) - (i <= a->Size() ? (*a)(i) : 0.0);
+    sum += d * d;
+  }
+  return sum;
+}

@@ -1,0 +1,391 @@
+#include "model/mesh.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "base/textscan.h"
+#include "model/material.h"
+#include "model/node.h"
+#include "model/units.h"
+#include "numeric/plex_range.h"
+#include "support/fatal.h"
+
+namespace {
+
+// A mesh that deletes what it has read.
+class OwnedMesh : public Mesh
+{
+public:
+  OwnedMesh() : Mesh(100, 100, 0, ElemType(0), 0) {}
+  ~OwnedMesh() override
+  {
+    ClearAllElems();
+    ClearAllNodes();
+  }
+  void Read(const std::string& block, const Units* units = nullptr)
+  {
+    TextScan text(block);
+    ReadFromAscii(text, units);
+  }
+  Node& NodeAt(int number) { return *Find<Node>(*GiveNodePlex(), number); }
+  Elem& ElemAt(int number) { return *Find<Elem>(*GiveElemPlex(), number); }
+};
+
+const std::string kBeams2d =
+    "dimension = 2 elemtype Linear nnode = 2\n"
+    "coordinates\n"
+    "# a comment line\n"
+    "1 0 0\n"
+    " : 2 3 0\n"
+    "3 1.0 2.0 extra words\n"
+    "end coordinates\n"
+    "elements\n"
+    "# another\n"
+    "1 1 2 1\n"
+    "5 2 3 010\n"
+    "end elements\n";
+
+std::string Block(const char* type, const char* nodes, const char* elems)
+{
+  return std::string("dimension 3 elemtype ") + type + "\ncoordinates\n" + nodes +
+         "end coordinates\nelements\n" + elems + "end elements\n";
+}
+
+}  // namespace
+
+TEST(MeshReader, ReadsNodesAndElements)
+{
+  OwnedMesh mesh;
+  mesh.Read(kBeams2d);
+  EXPECT_EQ(mesh.GiveNdime(), 2);
+  EXPECT_EQ(mesh.GiveNnode(), 2);
+  EXPECT_EQ(mesh.GiveElemType(), Linear);
+  EXPECT_EQ(mesh.GiveFvType(), 11);
+  EXPECT_EQ(mesh.GiveNodePlex()->Count(), 3);
+  EXPECT_EQ(mesh.GiveElemPlex()->Count(), 2);
+  EXPECT_EQ(mesh.NodeAt(3)(1), 1.0);
+  EXPECT_EQ(mesh.NodeAt(3)(2), 2.0);
+  EXPECT_EQ(mesh.NodeAt(3).Size(), 2);
+  EXPECT_EQ(mesh.ElemAt(5)(0), &mesh.NodeAt(2));
+  EXPECT_EQ(mesh.ElemAt(5)(1), &mesh.NodeAt(3));
+  EXPECT_EQ(mesh.ElemAt(1).GiveMaterialNum(), 1);
+  EXPECT_EQ(mesh.ElemAt(5).GiveMaterialNum(), 8);  // a leading 0: octal
+}
+
+TEST(MeshReader, ConvertsCoordinates)
+{
+  Units units;
+  units.meshLength = 0.001;
+  units.resLength = 0.01;
+  OwnedMesh mesh;
+  mesh.Read(kBeams2d, &units);
+  EXPECT_NEAR(mesh.NodeAt(2)(1), 0.3, 1e-15);
+}
+
+TEST(MeshReader, TypesByTheirFirstLetters)
+{
+  static const struct
+  {
+    const char* words;
+    ElemType type;
+    int code;
+  } cases[] = {
+      {"linear nnode 2", Linear, 11},
+      {"TRIANGLE nnode 3", Triangle, 7},
+      {"trussx nnode 6", Triangle, 8},
+      {"tri nnode: 3", Triangle, 7},
+      {"Quadrilateral nnode 4", Quadrilateral, 9},
+      {"quad nnode = 8", Quadrilateral, 10},
+      {"Tetrahedra nnode = 4", Tetrahedra, 3},
+      {"te nnode x10", Tetrahedra, 6},
+      {"Hexahedra nnode 8", Hexahedra, 1},
+      {"hexa nnode 20", Hexahedra, 4},
+  };
+  for (const auto& c : cases) {
+    OwnedMesh mesh;
+    mesh.Read(Block(c.words, "1 0 0 0\n", ""));
+    EXPECT_EQ(mesh.GiveElemType(), c.type) << c.words;
+    EXPECT_EQ(mesh.GiveFvType(), c.code) << c.words;
+  }
+}
+
+TEST(MeshReader, RefusedBlocks)
+{
+  static const struct
+  {
+    std::string block;
+    const char* message;
+  } cases[] = {
+      {"dimension = x", "end of file and no digit found\n"},
+      {"dimension 3 elemtype Linear nnode\n", "end of file and no digit found\n"},
+      {"dimension 3 elemtype Bar nnode 2\n",
+       "ElemType must be: Linear,Triangle,Quadrilateral, Tetrahedra or Hexahedra\n"},
+      {"dimension 3 elemtype Tx nnode 2\n",
+       "ElemType must be: Linear,Triangle,Quadrilateral, Tetrahedra or Hexahedra\n"},
+      {"dimension 4 elemtype Linear nnode 2\n", "error: mesh dimension must be 2 or 3\n"},
+      {"dimension 99999999999 elemtype Linear nnode 2\n", "error: mesh dimension must be 2 or 3\n"},
+      {Block("Quadrilateral nnode 3", "1 0 0 0\n", ""), "Unknown Femview type\n"},
+      {Block("Linear nnode 2000000000", "1 0 0 0\n", ""), "Unknown Femview type\n"},
+      {Block("Linear nnode 0", "1 0 0 0\n", ""), "Unknown Femview type\n"},
+      {Block("Linear nnode 2", "1 0 0 0\n2 1 0 0\n4 1 1 0\n", ""),
+       "error: list of nodes does not contain all numbers\n"},
+      {Block("Linear nnode 2", "1 0 0 0\n1 1 0 0\n", ""),
+       "error: list of nodes does not contain all numbers\n"},
+      {Block("Linear nnode 2", "1 0 0 0\n2 1 0 0\n2 1 1 0\n4 1 1 1\n", ""),
+       "error: list of nodes does not contain all numbers\n"},
+      {Block("Linear nnode 2", "", ""), "error: list of nodes does not contain any node\n"},
+      {Block("Linear nnode 2", "0 0 0 0\n", ""), "Invalid void index 0"},
+      {Block("Linear nnode 2", "1 0 0 0\n2 1 0 0\n", "3 2 2\n"),
+       "error: element: 3  have both nodes equal\n"},
+      {"dimension 3 elemtype Linear nnode 2 coordinates 1 0 0 0 end",
+       "can't find word ***end*** in input file\n"},
+      {Block("Linear nnode 2", "1 0 0 0\n2 1 0 0\n", "1 1 2 3 T=1\n"),
+       "Input of materials not correct. Unknown char: 'T'\n"},
+  };
+  for (const auto& c : cases) {
+    OwnedMesh mesh;
+    ExpectFatal([&] { mesh.Read(c.block); }, c.message);
+  }
+}
+
+TEST(MeshReader, ALineThatIsNoNodeEndsTheList)
+{
+  for (const char* line : {"2 1.0 abc 0\n", "2 nan 0 0\n", "2 1e400 0 0\n", "x\n"}) {
+    OwnedMesh mesh;
+    mesh.Read(Block("Linear nnode 2", (std::string("1 0 0 0\n") + line).c_str(), ""));
+    EXPECT_EQ(mesh.GiveNodePlex()->Count(), 1) << line;
+  }
+}
+
+TEST(MeshReader, UnknownNodesAreNull)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 0 0 0\n2 1 0 0\n", "1 1 9\n2 -3 2000000000\n"));
+  EXPECT_NE(mesh.ElemAt(1)(0), nullptr);
+  EXPECT_EQ(mesh.ElemAt(1)(1), nullptr);
+  EXPECT_EQ(mesh.ElemAt(2)(0), nullptr);
+}
+
+TEST(MeshReader, ARepeatedElementReplacesTheEarlierOne)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 0 0 0\n2 1 0 0\n3 2 0 0\n", "1 1 2 4\n1 2 3 5\n"));
+  EXPECT_EQ(mesh.GiveElemPlex()->Count(), 1);
+  EXPECT_EQ(mesh.ElemAt(1).GiveMaterialNum(), 5);
+}
+
+TEST(MeshReader, NodesListedAgainMoveAndStayTheSame)
+{
+  OwnedMesh first;
+  first.Read(Block("Linear nnode 2", "1 0 0 0\n2 1 0 0\n", "1 1 2\n"));
+  const Node* node = &first.NodeAt(2);
+  Mesh second(first.GiveNodePlex(), 100, 0, ElemType(0), 0);
+  const std::string block = Block("Linear nnode 2", "1 0 0 0\n2 5 6 7\n", "");
+  TextScan text(block);
+  second.ReadFromAscii(text, nullptr);
+  EXPECT_EQ(&first.NodeAt(2), node);
+  EXPECT_EQ((*node)(1), 5.0);
+  EXPECT_EQ((*node)(3), 7.0);
+}
+
+TEST(MeshReader, OwnMaterialOfAnElement)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 0 0 0\n2 1 0 0\n",
+                  "5 1 2 3 E=2.1e11\n6 1 2 4 \t\r\n7 1 2 0x1F\n8 1 2\n"));
+  VoidPlex materials(100);
+  Material numbered;
+  numbered.A = 0.5;
+  numbered.E1 = 7.0;
+  materials.set_at(3, &numbered);
+  Elem& elem = mesh.ElemAt(5);
+  EXPECT_EQ(elem.GiveMaterialNum(), 0);
+  elem.ComposeYourMaterial(&materials);
+  EXPECT_EQ(elem.GiveMaterial(&materials)->E1, 2.1e11);
+  EXPECT_EQ(elem.GiveMaterial(&materials)->A, 0.5);
+  double EIy = 0.0, EIz = 0.0, EA = 0.0;
+  elem.GiveEI(&materials, EIy, EIz, EA);
+  EXPECT_NEAR(EA, 1.05e11, 1e-3);
+  EXPECT_EQ(mesh.ElemAt(6).GiveMaterialNum(), 4);
+  EXPECT_EQ(mesh.ElemAt(6).GiveMaterial(&materials), nullptr);
+  EXPECT_EQ(mesh.ElemAt(7).GiveMaterialNum(), 31);
+  EXPECT_EQ(mesh.ElemAt(8).GiveMaterialNum(), 0);
+}
+
+TEST(Mesh, OldNumberWithoutARenumberingIsTheNumber)
+{
+  OwnedMesh mesh;
+  EXPECT_EQ(mesh.GiveOldNumber(5), 5);
+  EXPECT_EQ(mesh.GiveOldNumber(nullptr), 0);
+}
+
+TEST(Mesh, ListingInTheNumbersOfTheFile)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 0 0 0\n2 1.5 -2 0.25\n", "1 1 2 3\n2 2 1\n3 1 2 3 A=1\n"));
+  mesh.RenumberNodes();
+  std::ostringstream out;
+  mesh.PrintTo(out, 1, 0);
+  EXPECT_EQ(out.str(),
+            "MESH    dimension = 3 ElemType Linear  Nnode = 2\n"
+            "Coordinates\n"
+            "    1              0              0              0\n"
+            "    2            1.5             -2           0.25\n"
+            "end coordinates\n"
+            "\n"
+            "Elements\n"
+            "    1       1    2  Mat: 3\n"
+            "    2       2    1\n"
+            "    3       1    2  Mat: 0 E1=-1 E2=-1 nuXY=-1 nuYX=-1 Iy=-1 Iz=-1 Gxy=-1 Gxz=-1 "
+            "Gyz=-1 J=-1 A=1 Weight=-1 t=-1\n"
+            "end elements\n");
+}
+
+TEST(Mesh, BareListing)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 0 0 0\n2 1.5 -2 0.25\n", "1 1 2 3\n3 1 2 3 A=1\n"));
+  std::ostringstream bare, notOld;
+  mesh.PrintTo(bare, 1, 1);
+  EXPECT_NE(bare.str().find("\n    1       1    2 3\n    3       1    2 0\n"), std::string::npos);
+  mesh.PrintTo(notOld, 0, 1);
+  EXPECT_NE(notOld.str().find("\n    1       1    2  Mat: 3\n"), std::string::npos);
+}
+
+TEST(Mesh, FemviewFile)
+{
+  OwnedMesh mesh;
+  mesh.Read(
+      "dimension 2 elemtype Linear nnode 2 coordinates\n1 0 0\n2 1.5 -2\nend coordinates\n"
+      "elements\n1 1 2 3\nend elements\n");
+  std::ostringstream out;
+  mesh.PrintToFemview(out, "/a/b/problem.dat");
+  EXPECT_EQ(out.str(),
+            "    1Cem.dat\n"
+            "    2CCOORDE\n"
+            " -1    1 0.00000e+00 0.00000e+00 0.00000e+00 \n"
+            " -1    2 1.50000e+00-2.00000e+00 0.00000e+00 \n"
+            " -3\n"
+            "    3CCONECT\n"
+            " -1    1   11    1    1\n"
+            " -2    1    2\n"
+            " -3\n"
+            " 9999\n");
+  std::ostringstream beam;
+  mesh.PrintToFemview(beam, "beam");
+  EXPECT_EQ(beam.str().substr(0, 11), "    1Cbeam\n");
+}
+
+TEST(Mesh, FemviewElementOfManyNodesTakesTwoLines)
+{
+  std::string nodes, elem = "7";
+  for (int i = 1; i <= 20; ++i) {
+    nodes += std::to_string(i) + " 0 0 0\n";
+    elem += " " + std::to_string(i);
+  }
+  OwnedMesh mesh;
+  mesh.Read(Block("Hexahedra nnode 20", nodes.c_str(), (elem + " 1\n").c_str()));
+  std::ostringstream out;
+  mesh.ElemAt(7).PrintToFemview(out);
+  EXPECT_EQ(out.str(),
+            " -1    7    4    1    1\n"
+            " -2    1    2    3    4    5    6    7    8    9   10   11   12   13   14   15\n"
+            "   16   17   18   19   20\n");
+}
+
+TEST(Mesh, NodesTakenAreDroppedElementsTakenAreAppended)
+{
+  Mesh mesh(100, 100, 3, Linear, 2);
+  Node first(3), taken(3), unnumbered(3);
+  first.number = taken.number = 4;
+  EXPECT_EQ(mesh.AddPtstoPlex(&first), 4);
+  EXPECT_EQ(mesh.AddPtstoPlex(&taken), 4);
+  EXPECT_EQ(Find<Node>(*mesh.GiveNodePlex(), 4), &first);
+  EXPECT_EQ(mesh.AddPtstoPlex(&unnumbered), 5);
+  EXPECT_EQ(unnumbered.number, 0);
+
+  Elem a(&mesh, nullptr), b(&mesh, nullptr), c(&mesh, nullptr);
+  a.NewNum(3);
+  b.NewNum(3);
+  EXPECT_EQ(mesh.AddElemtoPlex(&a), 3);
+  EXPECT_EQ(mesh.AddElemtoPlex(&b), 4);
+  EXPECT_EQ(b.Num(), 3);
+  EXPECT_EQ(mesh.AddElemtoPlex(&c), 5);
+  EXPECT_EQ(c.Num(), 0);
+}
+
+TEST(Mesh, ConvertToMoreNodesKeepsTheOldOnes)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Triangle nnode 3", "1 0 0 0\n2 1 0 0\n3 0 1 0\n", "1 1 2 3 1\n"));
+  mesh.ConvertToNewNnode(6);
+  EXPECT_EQ(mesh.GiveNnode(), 6);
+  EXPECT_EQ(mesh.GiveFvType(), 8);
+  EXPECT_EQ(mesh.ElemAt(1)(2), &mesh.NodeAt(3));
+  EXPECT_EQ(mesh.ElemAt(1)(5), nullptr);
+}
+
+TEST(Mesh, EdgesCompareByTheFirstThenTheSecondNumber)
+{
+  const int a[] = {1, 5}, b[] = {2, 1}, c[] = {1, 6};
+  EXPECT_LT(CompareEdgePointers(a, b), 0);
+  EXPECT_LT(CompareEdgePointers(a, c), 0);
+  EXPECT_GT(CompareEdgePointers(c, a), 0);
+  EXPECT_EQ(CompareEdgePointers(a, a), 0);
+}
+
+TEST(Renumber, ALineOfNodesIsNumberedFromOneEnd)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 3 0 0\n2 0 0 0\n3 4 0 0\n4 1 0 0\n5 2 0 0\n", ""));
+  mesh.RenumberNodes();
+  // From the node at x = 0, the first of the two farthest from the centroid.
+  static const int expected[] = {4, 1, 5, 2, 3};
+  for (int old = 1; old <= 5; ++old) {
+    EXPECT_EQ(mesh.NodeAt(old).number, expected[old - 1]);
+    EXPECT_EQ(mesh.GiveOldNumber(&mesh.NodeAt(old)), old);
+  }
+}
+
+TEST(Renumber, NodesAtEqualDistanceKeepTheirOrder)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 1 0 0\n2 0 1 0\n3 0 0 1\n4 -9 -9 -9\n5 0 -1 0\n", ""));
+  mesh.RenumberNodes();
+  EXPECT_EQ(mesh.NodeAt(4).number, 1);
+  EXPECT_EQ(mesh.NodeAt(5).number, 2);
+  EXPECT_EQ(mesh.NodeAt(1).number, 3);
+  EXPECT_EQ(mesh.NodeAt(2).number, 4);
+  EXPECT_EQ(mesh.NodeAt(3).number, 5);
+}
+
+TEST(Renumber, TwiceKeepsTheNumbersOfTheFile)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 3 0 0\n2 0 0 0\n3 4 0 0\n", ""));
+  mesh.RenumberNodes();
+  mesh.RenumberNodes();
+  for (int old = 1; old <= 3; ++old)
+    EXPECT_EQ(mesh.GiveOldNumber(&mesh.NodeAt(old)), old);
+}
+
+TEST(Renumber, AMeshWithoutNodesStaysAsItIs)
+{
+  Mesh mesh(100, 100, 3, Linear, 2);
+  mesh.RenumberNodes();
+  EXPECT_EQ(mesh.GiveOldNumber(1), 1);
+}
+
+TEST(Renumber, NullEntriesSortLast)
+{
+  Node a(3);
+  const Node* node = &a;
+  const Node* none = nullptr;
+  mxnod = &a;
+  EXPECT_LT(CompareNodePointers(&node, &none), 0);
+  EXPECT_GT(CompareNodePointers(&none, &node), 0);
+  EXPECT_EQ(CompareNodePointers(&none, &none), 0);
+}

@@ -1,0 +1,124 @@
+#include "problem/driver.h"
+
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <fstream>
+#include <string>
+
+#include "base/errorwriter.h"
+#include "base/stprintf.h"
+#include "problem/project.h"
+
+namespace {
+
+struct Options
+{
+  bool writeMesh = false;
+  bool renumber = true;
+  const char* infoName = nullptr;
+  const char* errorName = nullptr;
+  const char* inputName = nullptr;
+  const char* outputName = nullptr;
+};
+
+// False when the names behind the options are not one or two.
+bool ParseArguments(int argc, char** argv, Options& options)
+{
+  int next = 1;
+  for (; next < argc; ++next) {
+    const std::string_view arg = argv[next];
+    if (arg == "-p")
+      options.writeMesh = true;
+    else if (arg == "-r0")
+      options.renumber = false;
+    else if (arg == "-i")
+      options.infoName = argv[++next];
+    else if (arg == "-e")
+      options.errorName = argv[++next];
+    else
+      break;
+  }
+  const int names = argc - next;
+  if (names != 1 && names != 2)
+    return false;
+  options.inputName = argv[next];
+  options.outputName = names == 2 ? argv[next + 1] : nullptr;
+  return true;
+}
+
+template <class Stream>
+void OpenStream(Stream& stream, const std::string& name)
+{
+  stream.open(name);
+  if (!stream)
+    Fatal("can't open file ", name, "\n");
+}
+
+// Standard output for a name that begins with '-'.
+std::FILE* OpenFile(const char* name)
+{
+  std::FILE* file = name[0] == '-' ? stdout : std::fopen(name, "w");
+  if (!file)
+    Fatal("can't open file ", name, "\n");
+  return file;
+}
+
+// The name cut at its last '.', wherever that stands, with another ending.
+std::string NameWithEnding(const std::string& name, const char* ending)
+{
+  return name.substr(0, name.rfind('.')) + ending;
+}
+
+void WriteResultFiles(const Project& project, const Options& options)
+{
+  if (options.outputName) {
+    std::ofstream output;
+    OpenStream(output, options.outputName);
+    project.WriteResults(output);
+  }
+  std::ofstream results;
+  OpenStream(results, NameWithEnding(options.inputName, ".morlen.res"));
+  const std::string meshName = NameWithEnding(options.inputName, ".morlen.bon");
+  project.WriteKivResults(results, options.writeMesh ? meshName.c_str() : nullptr);
+  results.close();
+  if (!results)
+    Fatal("error: Failed writing to disk. Probably the disk is full\n");
+}
+
+}  // namespace
+
+int RunMorlen(int argc, char** argv)
+{
+  const std::clock_t start = std::clock();
+  Options options;
+  if (!ParseArguments(argc, argv, options)) {
+    std::printf(
+        "error. usage: %s [-p] [-i infofile] [-r0] [-e errorfile] inputfile [outputfile]\n"
+        "    -p: write mesh Kiv file\n"
+        "    -i: write some information in file 'infofile'\n"
+        "    -e: write error messages in file 'errorfile'\n"
+        "    -r0: inhibit renumbering of the nodes\n",
+        argc > 0 ? argv[0] : "morlen");
+    return ErrorWriter::kExitStatus;
+  }
+  std::ifstream input;
+  OpenStream(input, options.inputName);
+  Project project(100);
+  std::FILE* info = options.infoName ? OpenFile(options.infoName) : nullptr;
+  if (options.errorName)
+    errorwriter.SetErrorFile(OpenFile(options.errorName));
+
+  project.ReadFromAscii(input);
+  project.Calc(options.renumber, info);
+  Progress(info, "Beginning calc strengths and reactions\n");
+  project.CalcStrengthsAndReactions(info);
+  Progress(info, "End of calc strengths and reactions\nTransfering results\n");
+  WriteResultFiles(project, options);
+  if (info) {
+    const double seconds = static_cast<double>(std::clock() - start) / 1e6;
+    Progress(info, "Total time = %.2g min. = %.2g seg.\n", seconds / 60.0, seconds);
+    std::fclose(info);
+  }
+  return 0;
+}

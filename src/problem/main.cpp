@@ -1,0 +1,6 @@
+#include "problem/driver.h"
+
+int main(int argc, char** argv)
+{
+  return RunMorlen(argc, argv);
+}

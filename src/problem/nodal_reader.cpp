@@ -1,0 +1,114 @@
+// The blocks of supports and nodal loads: records of one line each,
+// "node [flags] values items".
+
+#include <memory>
+#include <string>
+
+#include "base/errorwriter.h"
+#include "base/number_text.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+#include "problem/constraint.h"
+#include "problem/nodal_load.h"
+#include "problem/project.h"
+
+namespace {
+
+struct NodalRecord
+{
+  int flags[kMaxComponents] = {};
+  double values[kMaxComponents] = {};
+  bool anglesGiven = false;
+  double angles[3] = {};
+  Units::Ratios ratios;
+};
+
+// n one-digit flags, each 0, 1 or 2.
+bool ScanFlags(const char*& p, int n, int* flags)
+{
+  for (int i = 0; i < n; ++i) {
+    if (!ScanInt(p, flags[i], 10, 1) || flags[i] < Constraint::kFree ||
+        flags[i] > Constraint::kSpring)
+      return false;
+  }
+  return true;
+}
+
+bool ScanValues(const char*& p, int n, double* values)
+{
+  for (int i = 0; i < n; ++i) {
+    if (!ScanDouble(p, values[i]))
+      return false;
+  }
+  return true;
+}
+
+// The items behind the values; keys that are not known are ignored, angles where they
+// are not asked for too.
+void ScanItems(const char* tail, const Units& units, bool withAngles, const char* misread, int node,
+               NodalRecord& record)
+{
+  ItemScanner items(tail);
+  for (std::string_view key = items.Key(); !key.empty(); key = items.Key()) {
+    const std::string value(items.Value());
+    if (value.empty())
+      Fatal(misread, node, "\n");
+    const int angle = withAngles ? EulerIndex(key) : -1;
+    if (angle >= 0) {
+      record.anglesGiven = true;
+      record.angles[angle] = ToDouble(value.c_str());
+    } else if (HasPrefix(key, "units")) {
+      record.ratios = units.RatiosOf(*units.GiveUnitsBase(value));
+    }
+  }
+}
+
+}  // namespace
+
+void Project::ReadFAConstraints(TextScan& text)
+{
+  const int n = freeDegrees;
+  for (int number = 0; ReadRecordNumber(text, number);) {
+    Node* node = FindNode(number);
+    if (!node)
+      Fatal("error: Trying to assign constrain to unknown node\n");
+    NodalRecord record{.ratios = DefaultRatios()};
+    const char* p = text.ReadRestOfLine().c_str();
+    if (!ScanFlags(p, n, record.flags) || !ScanValues(p, n, record.values))
+      Fatal(n == 3 ? "Not reading correctly the constraints. Number="
+                   : "Not reading correctly the constraints. -A- Number=",
+            number, "\n");
+    ScanItems(p, *this, true, "Not reading correctly the constraints. -B- Number=", number, record);
+    if (!node->constraint)
+      node->constraint = std::make_unique<Constraint>(n);
+    node->constraint->EnterValuesAndFlags(record.flags, record.values, n, record.ratios.force,
+                                          record.ratios.length);
+    if (record.anglesGiven)
+      node->constraint->EnterEulerAngles(record.angles);
+  }
+  SkipBlockEnd(text);
+}
+
+void Project::ReadFALoads(TextScan& text)
+{
+  const int n = freeDegrees;
+  for (int number = 0; ReadRecordNumber(text, number);) {
+    Node* node = FindNode(number);
+    if (!node)
+      Fatal("error: Trying to assign Load to unknown node\n");
+    NodalRecord record{.ratios = DefaultRatios()};
+    const std::string& line = text.ReadRestOfLine();
+    if (line.empty())
+      Fatal("Not reading correctly the loads A. Number=", number, "\n");
+    const char* p = line.c_str();
+    if (!ScanValues(p, n, record.values))
+      Fatal(n == 3 ? "Not reading correctly the loads B. Number="
+                   : "Not reading correctly the loads C. Number=",
+            number, "\n");
+    ScanItems(p, *this, false, "Not reading correctly the loads. -D- Number=", number, record);
+    if (!node->load)
+      node->load = std::make_unique<Load>(n);
+    node->load->AddValues(record.values, n, record.ratios.force, record.ratios.length);
+  }
+  SkipBlockEnd(text);
+}

@@ -1,0 +1,194 @@
+// The top level of the problem file: its header, its keywords, and the checks at its end.
+
+#include <cmath>
+#include <iterator>
+#include <set>
+#include <string>
+
+#include "base/errorwriter.h"
+#include "model/material.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+#include "problem/project.h"
+
+namespace {
+
+std::string ReadWholeStream(std::ifstream& in)
+{
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// What is left of a word behind its keyword, or else the next word with something in it.
+std::string ReadValue(TextScan& text, std::string_view glued)
+{
+  constexpr const char* kSkipped = " =:";
+  for (std::string_view rest = glued;; rest = text.ReadWord()) {
+    const std::size_t start = rest.find_first_not_of(kSkipped);
+    if (start != std::string_view::npos)
+      return std::string(rest.substr(start));
+    if (text.AtEnd())
+      return {};
+  }
+}
+
+}  // namespace
+
+void Project::ReadFromAscii(std::ifstream& in)
+{
+  const std::string content = ReadWholeStream(in);
+  TextScan text(content);
+  ReadFromAscii(text);
+}
+
+void Project::ReadFromAscii(TextScan& text)
+{
+  ReadHeader(text);
+  while (!text.AtEnd()) {
+    const std::string word(text.ReadWord());
+    if (word.empty())
+      continue;
+    if (word[0] == '#')
+      text.SkipLine();
+    else if (!ReadKeyword(text, word))
+      Fatal("Unknown key name=", word, "\n");
+  }
+  FinishReading();
+}
+
+void Project::ReadHeader(TextScan& text)
+{
+  FindThisWord(text, "problem");
+  FindThisWord(text, "type");
+  text.TakeOutSpaces();
+  std::string_view word = text.ReadWord();
+  if (EqualsNoCase(word, "reticulat"))
+    word = text.ReadWord();
+  if (EqualsNoCase(word, "2d"))
+    problemType = kPlane;
+  else if (EqualsNoCase(word, "3d"))
+    problemType = kSpace;
+  else
+    Fatal("Type of problem unknown. Only 2d and 3d\n");
+  freeDegrees = problemType == kPlane ? 3 : 6;
+}
+
+bool Project::ReadKeyword(TextScan& text, std::string_view word)
+{
+  struct Keyword
+  {
+    const char* name;
+    void (Project::*readBlock)(TextScan&) = nullptr;  // the whole word must match
+    // A value may be glued to it.
+    void (Project::*readValue)(TextScan&, const std::string&) = nullptr;
+    void (*set)(Project&) = nullptr;  // no value
+  };
+  static constexpr Keyword kKeywords[] = {
+      {.name = "mesh", .readBlock = &Project::ReadMesh},
+      {.name = "units_mesh", .readValue = &Project::ReadUnitsMesh},
+      {.name = "units_mat_and_load", .readValue = &Project::ReadUnitsMatAndLoad},
+      {.name = "units_res", .readValue = &Project::ReadUnitsRes},
+      {.name = "ConvertTo6Nodes", .set = [](Project& p) { p.convertTo6Nodes = true; }},
+      {.name = "MainStresses", .set = [](Project& p) { p.stressOutput = StressOutput::Main; }},
+      {.name = "MainAndLocalStresses",
+       .set = [](Project& p) { p.stressOutput = StressOutput::MainAndLocal; }},
+      {.name = "NumOfDivisions", .readValue = &Project::ReadNumOfDivisions},
+      {.name = "DoSmoothing", .readValue = &Project::ReadDoSmoothing},
+      {.name = "CoplanarityAngle", .readValue = &Project::ReadCoplanarityAngle},
+      {.name = "Solver", .readValue = &Project::ReadSolver},
+      {.name = "GravityDirection", .readValue = &Project::ReadGravityDirection},
+      {.name = "units_names", .readBlock = &Project::ReadFAUnitsNames},
+      {.name = "materials", .readBlock = &Project::ReadFAMaterials},
+      {.name = "constraints", .readBlock = &Project::ReadFAConstraints},
+      {.name = "nodal_point_loads", .readBlock = &Project::ReadFALoads},
+  };
+  for (const Keyword& keyword : kKeywords) {
+    const std::string_view name = keyword.name;
+    if (keyword.readBlock ? !EqualsNoCase(word, name) : !HasPrefix(word, name))
+      continue;
+    if (keyword.readBlock)
+      (this->*keyword.readBlock)(text);
+    else if (keyword.readValue)
+      (this->*keyword.readValue)(text, ReadValue(text, word.substr(name.size())));
+    else
+      keyword.set(*this);
+    return true;
+  }
+  return false;
+}
+
+void Project::ReadMesh(TextScan& text)
+{
+  if (static_cast<int>(meshes.size()) == kMaxMeshes)
+    Fatal("error: maximum number of meshes is: ", kMaxMeshes, "\n");
+  constexpr int kChunk = 100;
+  if (meshes.empty())
+    meshes.push_back(std::make_unique<Mesh>(kChunk, kChunk, 0, ::ElemType(0), 0));
+  else
+    meshes.push_back(std::make_unique<Mesh>(&GiveNodes(), kChunk, 0, ::ElemType(0), 0));
+  meshes.back()->ReadFromAscii(text, this);
+  initialNumNodes = numNodes = GiveNodes().Last();
+  if (meshes.back()->GiveElemType() == Tetrahedra)
+    freeDegrees = 3;
+}
+
+int Project::CheckElementsNumbers() const
+{
+  for (std::size_t later = 1; later < meshes.size(); ++later) {
+    for (const auto [number, elem] : EachNumbered<Elem>(*meshes[later]->GiveElemPlex())) {
+      for (std::size_t earlier = 0; earlier < later; ++earlier) {
+        if (!meshes[earlier]->GiveElemPlex()->free(number))
+          return number;
+      }
+    }
+  }
+  return 0;
+}
+
+void Project::FinishReading()
+{
+  if (meshes.empty())
+    Fatal("error: it is necessary at least one mesh\n");
+  if (const int number = CheckElementsNumbers())
+    Fatal("error: All elements must have different number. Check elm num: ", number, "\n");
+  bool solids = false;
+  bool others = false;
+  for (const auto& mesh : meshes)
+    (mesh->GiveElemType() == Tetrahedra ? solids : others) = true;
+  if (solids && others)
+    Fatal("error: Element tetrahedra cannot be mixed with any other element type");
+  if (solids) {
+    smoothing.on = true;
+    freeDegrees = 3;
+  }
+  for (const auto& mesh : meshes) {
+    for (Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
+      elem.ComposeYourMaterial(&materials);
+  }
+  SetNodeDimensions(solids);
+  CheckNodesOfElements();
+}
+
+// Nodes given with two coordinates stand at z = 0 in space; a plane frame has no z.
+void Project::SetNodeDimensions(bool solids)
+{
+  const bool space = problemType == kSpace || solids;
+  for (auto [number, node] : EachNumbered<Node>(GiveNodes())) {
+    if (space)
+      node.resize(3, 0.0);
+    else if (node.Size() == 3 && node(3) != 0.0)
+      Fatal("error: node ", number, " has a z coordinate in a 2d problem\n");
+  }
+}
+
+void Project::CheckNodesOfElements() const
+{
+  for (const auto& mesh : meshes) {
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+      for (int i = 0; i < elem.Nnode(); ++i) {
+        if (!elem(i))
+          Fatal("error: element ", elem.Num(), " has an unknown node\n");
+      }
+    }
+  }
+}

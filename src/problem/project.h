@@ -1,0 +1,181 @@
+#pragma once
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <vector>
+
+#include "base/constants.h"
+#include "base/textscan.h"
+#include "model/units.h"
+#include "numeric/reavec.h"
+#include "numeric/reavecv.h"
+#include "numeric/voidplex.h"
+#include "problem/settings.h"
+
+class BSolver;
+class Elem;
+class Material;
+class Matriu;
+class Mesh;
+class Node;
+class TextOut;
+struct BeamEnds;
+struct ElementFamily;
+
+/// Results of the elements of one mesh, one block of values for each element.
+struct MeshResults
+{
+  std::vector<int> numbers;  ///< of the elements, ascending
+  int blockSize = 0;         ///< values of an element
+  ReaVecV strengths;
+
+  /// Position before the block of an element's values: its value k is strengths(Block + k).
+  int Block(int elemNumber) const;
+};
+
+/// Everything of one run: what the problem file says, the system of equations, and the
+/// results. Its members are declared here by phase; each is defined in the folder of
+/// its phase.
+///
+/// Nodes are under their numbers in the file in every container; their own number is
+/// the system number, which gives the equations (see Equation).
+class Project : public Units
+{
+public:
+  static constexpr int kMaxMeshes = 10;
+
+  explicit Project(int chunkSize);
+  Project(const Project&) = delete;
+  Project& operator=(const Project&) = delete;
+  ~Project();
+
+  // --- Reading the problem file (problem/) ---
+
+  /// Reads a whole problem file. Fatal on everything that is wrong in it.
+  void ReadFromAscii(std::ifstream& in);
+  void ReadFromAscii(TextScan& text);
+
+  void ReadFAUnitsNames(TextScan& text);
+  void ReadFAMaterials(TextScan& text);
+  void ReadFAConstraints(TextScan& text);
+  void ReadFALoads(TextScan& text);
+
+  /// The first element number that occurs in more than one mesh; 0 when there is none.
+  int CheckElementsNumbers() const;
+  int GiveMaxElmNum() const;
+  /// The element with this number; null when there is none.
+  Elem* GiveElem(int number) const;
+
+  // --- What every later phase asks ---
+
+  VoidPlex& GiveNodes() const;
+  Node* FindNode(int number) const;  ///< null when absent
+  /// The equation of component k (from 1) of a node.
+  int Equation(const Node& node, int k) const;
+  /// The element's material. Fatal when there is none.
+  Material& RequireMaterial(const Elem& elem) const;
+  /// Two digits, first and second end: 1 continuous, 0 hinged.
+  int GiveHingeCode(int elemNumber) const;
+
+  // --- Analysis (assembly/) ---
+
+  /// From the model to the displacements, with progress on info (may be null).
+  /// renumber 0 keeps the numbers of the file.
+  void Calc(int renumber, std::FILE* info);
+  void FillMatrixVectorAndSolve(std::FILE* info);
+  /// Adds the stiffness of a mesh to the matrix; applyLocalAxes 0 leaves it in global
+  /// axes at supports that have their own.
+  void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes);
+
+  // --- Strengths and reactions (results/) ---
+
+  void CalcStrengthsAndReactions(std::FILE* info);
+  void CalcStrengthsBeams(int mesh);
+  void CalcReactions();
+
+  /// Internal force `component` (from 1) of a beam of length L at the relative abscissa
+  /// t, from its end forces.
+  double GiveStrength(int mesh, const Elem& elem, int component, double t, double L) const;
+  /// Reaction of the node at the end t = 0 or 1 of a beam, 0 elsewhere.
+  double GiveReaction(const Elem& elem, int dof, double t) const;
+  /// Displacements of `divisions` + 1 equidistant points of a beam in global axes, three
+  /// for each (two in plane problems), one point after the other.
+  void SetDisplacementVectors(const Elem& elem, const Matriu& T, int divisions, double* out) const;
+
+  /// Displacements of a beam's ends in its local axes; T is its frame.
+  BeamEnds GiveBeamEnds(const Elem& elem, const Matriu& T) const;
+
+  // --- Writing (results/) ---
+
+  void WriteResults(std::ofstream& out) const;
+  void WriteBeamStrength(int mesh, TextOut& out) const;
+  /// The post-process results; before them the mesh file when it has a name.
+  void WriteKivResults(std::ofstream& res, const char* meshFileName) const;
+  void WriteKivResultsBeams(int mesh, TextOut& res) const;
+  void WriteKivResultsReactions(TextOut& res) const;
+  /// Listing of the whole model.
+  void PrintTo(std::ofstream& out) const;
+
+  // --- The model ---
+
+  PROBLEMTYPE problemType = kPlane;
+  int freeDegrees = 0;  ///< components of a node
+  std::vector<std::unique_ptr<Mesh>> meshes;
+  int initialNumNodes = 0;  ///< as read
+  int numNodes = 0;         ///< with those that the analysis adds
+  VoidPlex materials;       ///< of Material, owned
+
+  // --- Settings ---
+
+  SolverSettings solverSettings;
+  SmoothingSettings smoothing;
+  StressOutput stressOutput = StressOutput::Local;
+  bool convertTo6Nodes = false;
+  double coplanarityAngle = 1e-7;  ///< radians
+  ReaVec gravityDirection{0.0, 0.0, 1.0};
+  int numOfDivisions = 20;
+
+  // --- The system and the results ---
+
+  std::unique_ptr<BSolver> solver;
+  ReaVecV displacements;  ///< by equation; before the solution the loads
+  std::vector<MeshResults> results;
+
+private:
+  // Readers of single keywords.
+  void ReadHeader(TextScan& text);
+  bool ReadKeyword(TextScan& text, std::string_view word);
+  void ReadMesh(TextScan& text);
+  void ReadUnitsMesh(TextScan& text, const std::string& value);
+  void ReadUnitsMatAndLoad(TextScan& text, const std::string& value);
+  void ReadUnitsRes(TextScan& text, const std::string& value);
+  void ReadNumOfDivisions(TextScan& text, const std::string& value);
+  void ReadDoSmoothing(TextScan& text, const std::string& value);
+  void ReadCoplanarityAngle(TextScan& text, const std::string& value);
+  void ReadSolver(TextScan& text, const std::string& value);
+  void ReadGravityDirection(TextScan& text, const std::string& value);
+
+  // Closing checks.
+  void FinishReading();
+  void SetNodeDimensions(bool solids);
+  void CheckNodesOfElements() const;
+
+  // Steps of the analysis.
+  void CheckModel() const;
+  void ChooseSolver();
+  void MakeSolver();
+  void CreateMatrix();
+  void AssembleStiffness(int applyLocalAxes);
+  void AddNodalLoads();
+  void StartReactions();
+  void ApplySupports();
+  [[noreturn]] void SolverFailed(int result) const;
+
+  // Blocks of the post-process results.
+  void WriteKivBeamDisplacements(int mesh, TextOut& res) const;
+  void WriteKivBeamForces(int mesh, int component, TextOut& res) const;
+  void WriteKivBeamAxes(int mesh, TextOut& res) const;
+  void WriteKivReactionBlock(TextOut& res, int first, int last) const;
+};

@@ -1,0 +1,197 @@
+// The settings keywords, and the blocks of unit systems and materials.
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include "base/errorwriter.h"
+#include "base/number_text.h"
+#include "model/material.h"
+#include "numeric/plex_range.h"
+#include "problem/project.h"
+
+namespace {
+
+constexpr const char* kWhite = " \t\n\v\f\r";
+
+// The whole number at the beginning of a text, 0 when there is none; what does not fit
+// is taken as the largest number of its sign.
+int ToInt(const std::string& text)
+{
+  return static_cast<int>(
+      std::clamp<long>(std::strtol(text.c_str(), nullptr, 10), INT_MIN, INT_MAX));
+}
+
+double ReadNumberWord(TextScan& text)
+{
+  return ToDouble(std::string(text.ReadWord()).c_str());
+}
+
+bool IsAngle(double angle)
+{
+  return angle >= EPSILON && angle <= std::numbers::pi;
+}
+
+void RequirePositive(double factor, const char* message)
+{
+  if (!(factor >= EPSILON))
+    Fatal(message);
+}
+
+// The next word of at most 20 characters; a longer one is cut, and its rest is the next.
+std::string ScanName(const char*& p)
+{
+  constexpr std::size_t kLongest = 20;
+  p += std::strspn(p, kWhite);
+  const char* start = p;
+  p += std::min(std::strcspn(p, kWhite), kLongest);
+  return {start, p};
+}
+
+// A line "name nameN nameM namePa facN facM".
+UnitsBase ReadUnitsBase(const std::string& line)
+{
+  UnitsBase base;
+  const char* p = line.c_str();
+  for (std::string* name : {&base.name, &base.nameN, &base.nameM, &base.namePa})
+    *name = ScanName(p);
+  if (!ScanDouble(p, base.facN) || !ScanDouble(p, base.facM))
+    Fatal("error: 'units_names' items should be: name nameN nameM namePa facN facM\n");
+  return base;
+}
+
+}  // namespace
+
+void Project::ReadUnitsMesh(TextScan&, const std::string& value)
+{
+  meshLength = GiveUnitsBaseFromLength(value)->facM;
+  RequirePositive(meshLength, "error: Units_mesh must be a positive number\n");
+}
+
+void Project::ReadUnitsMatAndLoad(TextScan&, const std::string& value)
+{
+  const UnitsBase& base = *GiveUnitsBase(value);
+  matLoadForce = base.facN;
+  matLoadLength = base.facM;
+  RequirePositive(std::min(matLoadForce, matLoadLength),
+                  "error: units_mat_and_load must be two positive numbers\n");
+}
+
+void Project::ReadUnitsRes(TextScan&, const std::string& value)
+{
+  const UnitsBase& base = *GiveUnitsBase(value);
+  resForce = base.facN;
+  resLength = base.facM;
+  resForceName = base.nameN;
+  resLengthName = base.nameM;
+  resPressureName = base.namePa;
+  RequirePositive(std::min(resForce, resLength),
+                  "error: units_res must be two positive numbers and three names\n");
+}
+
+void Project::ReadNumOfDivisions(TextScan&, const std::string& value)
+{
+  numOfDivisions = ToInt(value);
+  if (numOfDivisions < 1)
+    Fatal("error: Number of divisions must be positive");
+  if (numOfDivisions > kMaxDivisions)
+    Fatal("error: Number of divisions must be at most ", kMaxDivisions);
+}
+
+void Project::ReadDoSmoothing(TextScan&, const std::string& value)
+{
+  smoothing.on = true;
+  smoothing.angle = ToDouble(value.c_str());
+  if (!IsAngle(smoothing.angle))
+    Fatal("error: DoSmoothing must have angle >0 and <PI rad\n");
+}
+
+void Project::ReadCoplanarityAngle(TextScan&, const std::string& value)
+{
+  coplanarityAngle = ToDouble(value.c_str());
+  if (!IsAngle(coplanarityAngle))
+    Fatal("error: CoplanarityAngle must have angle >0 and <PI rad\n");
+}
+
+void Project::ReadSolver(TextScan& text, const std::string& value)
+{
+  static const struct
+  {
+    const char* name;
+    SolverType type;
+  } solvers[] = {{"Automatic", SolverType::Automatic},
+                 {"SkyLine", SolverType::SkyLine},
+                 {"Sparse", SolverType::Sparse},
+                 {"Double", SolverType::Double}};
+  const auto* named = std::find_if(std::begin(solvers), std::end(solvers),
+                                   [&](const auto& s) { return HasPrefix(value, s.name); });
+  if (named == std::end(solvers))
+    Fatal("error: type of solver must be: Automatic, SkyLine, Double or Sparse\n");
+  solverSettings.type = named->type;
+  if (named->type != SolverType::Sparse)
+    return;
+  const auto isTolerance = [](double t) { return t > 0.0 && t <= 10.0; };
+  solverSettings.tolerance1 = ReadNumberWord(text);
+  solverSettings.tolerance2 = ReadNumberWord(text);
+  solverSettings.maxIterations = ToInt(std::string(text.ReadWord()));
+  if (!isTolerance(solverSettings.tolerance1) || !isTolerance(solverSettings.tolerance2) ||
+      solverSettings.maxIterations < 10)
+    Fatal(
+        "Solver Sparse needs three aditional arguments:\n"
+        "    Solver: Sparse tolerance1 tolerance2 MaxIterations\n"
+        "with 0.0<tolerance<10 and MaxIterations>10 and\n"
+        " tolerance1<=tolerance2<10\n");
+}
+
+void Project::ReadGravityDirection(TextScan& text, const std::string& value)
+{
+  const double x = ToDouble(value.c_str());
+  const double y = ReadNumberWord(text);
+  gravityDirection = ReaVec(x, y, ReadNumberWord(text));
+  const double length = std::hypot(gravityDirection(1), gravityDirection(2), gravityDirection(3));
+  if (!(length >= EPSILON && std::isfinite(length)))
+    Fatal("error: GravityDirection must be a vector no null");
+  gravityDirection /= length;
+}
+
+void Project::ReadFAUnitsNames(TextScan& text)
+{
+  constexpr std::size_t kBatch = 50;
+  std::vector<UnitsBase> batch;
+  const auto enterBatch = [&] {
+    AddUnitsBase(batch.data(), static_cast<int>(batch.size()));
+    batch.clear();
+  };
+  for (;;) {
+    const int comment = text.TakeOutSpaces();
+    if (comment == -1)
+      Fatal("error: 'units_names' should finish with the 'end' word\n");
+    const std::string& line = text.ReadRestOfLine();
+    if (comment == 1)
+      continue;
+    if (HasPrefix(line, "end"))
+      return enterBatch();
+    batch.push_back(ReadUnitsBase(line));
+    if (batch.size() == kBatch)
+      enterBatch();
+  }
+}
+
+void Project::ReadFAMaterials(TextScan& text)
+{
+  for (;;) {
+    while (text.TakeOutSpaces() == 1)
+      text.SkipLine();
+    auto material = std::make_unique<Material>();
+    if (!material->ReadFromAscii(text, this))
+      return SkipBlockEnd(text);
+    const int number = material->number;
+    Store(materials, number, std::move(material));
+  }
+}

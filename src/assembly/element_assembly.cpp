@@ -1,0 +1,61 @@
+#include "assembly/element_assembly.h"
+
+#include <utility>
+
+#include "assembly/support_axes.h"
+#include "base/errorwriter.h"
+#include "model/elem.h"
+#include "model/material.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/block_rotation.h"
+#include "numeric/matriu.h"
+#include "numeric/plex_range.h"
+#include "problem/project.h"
+#include "solvers/bsolver.h"
+
+namespace {
+
+void TransposeInPlace(Matriu& K)
+{
+  for (int i = 1; i <= K.Rows(); ++i) {
+    for (int j = 1; j < i; ++j)
+      std::swap(K(i, j), K(j, i));
+  }
+}
+
+}  // namespace
+
+void BlockAssembler::Add(const Node& a, const Node& b, Matriu& K)
+{
+  const Node* row = &a;
+  const Node* column = &b;
+  if (row->number > column->number) {
+    std::swap(row, column);
+    TransposeInPlace(K);
+  }
+  if (applyLocalAxes)
+    ApplyLocalAxestoKMatrix(K, row, column, n);
+  solver.AddSubMatriu((row->number - 1) * n + 1, (column->number - 1) * n + 1, K);
+}
+
+void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes)
+{
+  Matriu K11, K12, K22, T;  // allocated once for the mesh
+  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes != 0);
+  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+    const Node& first = *elem(0);
+    const Node& second = *elem(1);
+    const Material& material = RequireMaterial(elem);
+    material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(&first, &second), problemType,
+                             GiveHingeCode(elem.Num()));
+    elem.CalcTransfMatrixBeam(T, &material, problemType);
+    for (Matriu* K : {&K11, &K12, &K22}) {
+      TurnRows(T, Turn::ToGlobal, *K);
+      TurnColumns(T, Turn::ToGlobal, *K);
+    }
+    assembler.Add(first, first, K11);
+    assembler.Add(first, second, K12);
+    assembler.Add(second, second, K22);
+  }
+}

@@ -1,0 +1,115 @@
+// The system of equations of the model: filled, supported, solved.
+
+#include <cmath>
+
+#include "assembly/support_axes.h"
+#include "base/errorwriter.h"
+#include "base/stprintf.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+#include "problem/constraint.h"
+#include "problem/element_family.h"
+#include "problem/project.h"
+#include "solvers/bsolver.h"
+
+namespace {
+
+bool AllFinite(const ReaVecV& v)
+{
+  for (int i = 1; i <= v.Size(); ++i) {
+    if (!std::isfinite(v(i)))
+      return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void Project::FillMatrixVectorAndSolve(std::FILE* info)
+{
+  CreateMatrix();
+  if (info)
+    solver->PrintInfoMem(info);
+  Progress(info, "Just before filling global stiffness matrix\n");
+  AssembleStiffness(1);
+  Progress(info, "Stiffness matrix filled\n");
+  AddNodalLoads();
+  Progress(info, "Load vector constructed\n");
+  Progress(info, "Beginning to apply constraints\n");
+  StartReactions();
+  ConvertGlobalLoadToLocal(GiveNodes(), displacements, freeDegrees);
+  ApplySupports();
+  Progress(info, "Just before Solver\n");
+  if (const int result = solver->Solver(displacements, info))
+    SolverFailed(result);
+  if (!AllFinite(displacements))
+    SolverFailed(-1);
+  ConvertLocalResultsToGlobal(GiveNodes(), displacements, freeDegrees);
+  Progress(info, "Solver finished\n");
+}
+
+void Project::CreateMatrix()
+{
+  for (const auto& mesh : meshes) {
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+      for (int i = 0; i < elem.Nnode(); ++i) {
+        for (int j = i + 1; j < elem.Nnode(); ++j)
+          solver->EnterMaxDiff(elem(i)->number, elem(j)->number, freeDegrees);
+      }
+    }
+  }
+  solver->Create(freeDegrees);
+}
+
+void Project::AssembleStiffness(int applyLocalAxes)
+{
+  for (const auto& mesh : meshes)
+    (this->*FamilyOf(*mesh).addStiffness)(mesh.get(), applyLocalAxes);
+}
+
+// A reaction starts at minus the load on its component, taken in global axes before any
+// support changes the load vector; the forces of the elements come after the solution.
+void Project::StartReactions()
+{
+  for (const Node& node : Each<Node>(GiveNodes())) {
+    if (!node.constraint)
+      continue;
+    for (int k = 1; k <= freeDegrees; ++k)
+      node.constraint->AddToReaction(k, -displacements(Equation(node, k)));
+  }
+}
+
+void Project::ApplySupports()
+{
+  for (const Node& node : Each<Node>(GiveNodes())) {
+    if (!node.constraint)
+      continue;
+    for (int k = 1; k <= freeDegrees; ++k) {
+      const int equation = Equation(node, k);
+      const double value = node.constraint->values[k - 1];
+      if (node.constraint->flags[k - 1] == Constraint::kPrescribed)
+        solver->ApplyConstraint(equation, value, displacements);
+      else if (node.constraint->flags[k - 1] == Constraint::kSpring)
+        (*solver)(equation, equation) += value;
+    }
+  }
+}
+
+void Project::SolverFailed(int result) const
+{
+  if (result == -1)
+    Fatal("error when solving system. Probably boundary conditions are not correct\n");
+  if (result < 0)
+    Fatal("error when solving system. Stopped after ", -result,
+          " iterations.Probably boundary conditions are not correct\n");
+  // Six components a node whatever the problem: plane problems name another one.
+  constexpr int kComponents = 6;
+  static const char* const names[kComponents] = {"X displ.",   "Y displ.",   "Z displ.",
+                                                 "X rotation", "Y rotation", "Z rotation"};
+  const int node = meshes.front()->GiveOldNumber((result - 1) / kComponents + 1);
+  const int degree = (result - 1) % kComponents + 1;
+  Fatal("error when solving system(", result, ").\nOne diagonal=0 in node=", node,
+        " (Use Meshing->Mesh View).\nDegree of freedom ", degree, " from 6 (", names[degree - 1],
+        ")\nCould not solve system. Probably boundary conditions are not correct\n");
+}

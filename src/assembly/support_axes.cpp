@@ -1,0 +1,46 @@
+#include "assembly/support_axes.h"
+
+#include "model/node.h"
+#include "numeric/block_rotation.h"
+#include "numeric/matriu.h"
+#include "numeric/plex_range.h"
+#include "numeric/reavecv.h"
+#include "problem/constraint.h"
+
+namespace {
+
+// Fills T with the axes of the node's support; false, T untouched, when it has none.
+bool SupportAxes(const Node& node, int n, Matriu& T)
+{
+  return node.constraint && node.constraint->CalcTransfMatFromEuler(node.number, T, n, 1) == 0;
+}
+
+void TurnAll(const VoidPlex& nodes, Turn turn, ReaVecV& vector, int n)
+{
+  Matriu T;
+  for (const Node& node : Each<Node>(nodes)) {
+    if (SupportAxes(node, n, T))
+      TurnVector(T, turn, n, &vector((node.number - 1) * n + 1));
+  }
+}
+
+}  // namespace
+
+void ApplyLocalAxestoKMatrix(Matriu& K, const Node* a, const Node* b, int n)
+{
+  Matriu T;
+  if (SupportAxes(*a, n, T))
+    TurnRows(T, Turn::ToLocal, K);
+  if (SupportAxes(*b, n, T))
+    TurnColumns(T, Turn::ToLocal, K);
+}
+
+void ConvertGlobalLoadToLocal(const VoidPlex& nodes, ReaVecV& vector, int n)
+{
+  TurnAll(nodes, Turn::ToLocal, vector, n);
+}
+
+void ConvertLocalResultsToGlobal(const VoidPlex& nodes, ReaVecV& vector, int n)
+{
+  TurnAll(nodes, Turn::ToGlobal, vector, n);
+}

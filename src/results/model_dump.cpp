@@ -1,0 +1,30 @@
+#include "model/elem.h"
+#include "model/material.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+#include "problem/constraint.h"
+#include "problem/nodal_load.h"
+#include "problem/project.h"
+
+void Project::PrintTo(std::ofstream& out) const
+{
+  out << "\nProblemType=" << problemType << "\nFreeDegrees=" << freeDegrees
+      << "\nNumNodes=" << numNodes << '\n';
+  for (const auto& mesh : meshes)
+    mesh->PrintTo(out, 1, 0);
+  for (const Material& material : Each<Material>(materials))
+    material.PrintTo(out);
+  for (const auto [number, node] : EachNumbered<Node>(GiveNodes())) {
+    if (!node.constraint)
+      continue;
+    out << number << ' ';
+    node.constraint->PrintTo(out, freeDegrees);
+  }
+  for (const auto [number, node] : EachNumbered<Node>(GiveNodes())) {
+    if (!node.load)
+      continue;
+    out << number << ' ';
+    node.load->PrintTo(out, freeDegrees);
+  }
+}

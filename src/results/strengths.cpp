@@ -1,0 +1,32 @@
+// From displacements to element strengths and support reactions.
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/stprintf.h"
+#include "model/mesh.h"
+#include "numeric/plex_range.h"
+#include "problem/element_family.h"
+#include "problem/project.h"
+
+namespace {
+
+bool AllFinite(const ReaVecV& v)
+{
+  return std::all_of(v.Data(), v.Data() + v.Size(), [](double x) { return std::isfinite(x); });
+}
+
+}  // namespace
+
+void Project::CalcStrengthsAndReactions(std::FILE*)
+{
+  results.resize(meshes.size());
+  for (int mesh = 0; mesh < static_cast<int>(meshes.size()); ++mesh) {
+    for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex()))
+      results[mesh].numbers.push_back(elem.Num());
+    (this->*FamilyOf(*meshes[mesh]).calcStrengths)(mesh);
+    if (!AllFinite(results[mesh].strengths))
+      SolverFailed(-1);
+  }
+  CalcReactions();
+}

@@ -1,0 +1,126 @@
+#include "support/frame.h"
+
+#include <cstdio>
+
+namespace {
+
+std::string Number(double value)
+{
+  char text[32];
+  std::snprintf(text, sizeof text, " %.17g", value);
+  return text;
+}
+
+std::string Number(int value)
+{
+  return " " + std::to_string(value);
+}
+
+std::string EulerItems(const std::optional<Vector3>& euler)
+{
+  std::string items;
+  for (int i = 0; euler && i < 3; ++i)
+    items += " Euler" + std::to_string(i + 1) + "=" + Number((*euler)[i]);
+  return items;
+}
+
+std::string Numbers(const double* values, int count)
+{
+  std::string text;
+  for (int i = 0; i < count; ++i)
+    text += Number(values[i]);
+  return text;
+}
+
+std::string NodeLines(const Frame& frame)
+{
+  std::string lines;
+  for (std::size_t i = 0; i < frame.nodes.size(); ++i)
+    lines += std::to_string(i + 1) + Numbers(frame.nodes[i].data(), frame.space ? 3 : 2) + "\n";
+  return lines;
+}
+
+std::string BeamLines(const Frame& frame)
+{
+  std::string lines;
+  for (std::size_t i = 0; i < frame.beams.size(); ++i) {
+    const Frame::Beam& beam = frame.beams[i];
+    lines += std::to_string(i + 1) + Number(beam.first) + Number(beam.second) +
+             Number(beam.section) + "\n";
+  }
+  return lines;
+}
+
+std::string SectionLines(const Frame& frame)
+{
+  std::string lines;
+  for (std::size_t i = 0; i < frame.sections.size(); ++i) {
+    const Frame::Section& s = frame.sections[i];
+    lines += std::to_string(i + 1) + " E" + Number(s.E) + " G" + Number(s.G) + " A" + Number(s.A) +
+             " Iy" + Number(s.Iy) + " Iz" + Number(s.Iz) + " J" + Number(s.J) +
+             EulerItems(s.euler) + "\n";
+  }
+  return lines;
+}
+
+std::string SupportLines(const Frame& frame)
+{
+  std::string lines;
+  for (const Frame::Support& support : frame.supports) {
+    lines += std::to_string(support.node) + " ";
+    for (int i = 0; i < frame.Components(); ++i)
+      lines += std::to_string(support.flags[i]);
+    lines += Numbers(support.values.data(), frame.Components()) + EulerItems(support.euler) + "\n";
+  }
+  return lines;
+}
+
+std::string LoadLines(const Frame& frame)
+{
+  std::string lines;
+  for (const Frame::NodalLoad& load : frame.loads)
+    lines += std::to_string(load.node) + Numbers(load.values.data(), frame.Components()) + "\n";
+  return lines;
+}
+
+}  // namespace
+
+std::string ProblemText(const Frame& frame, const std::string& settings)
+{
+  return ProblemParts{.header = frame.space ? "problem type 3d" : "problem type 2d",
+                      .settings = settings,
+                      .dimension = frame.space ? 3 : 2,
+                      .coordinates = NodeLines(frame),
+                      .elements = BeamLines(frame),
+                      .materials = SectionLines(frame),
+                      .constraints = SupportLines(frame),
+                      .loads = LoadLines(frame)}
+      .Text();
+}
+
+std::string ProblemParts::Text() const
+{
+  return header + "\n" + settings + "\nmesh dimension = " + std::to_string(dimension) +
+         " elemtype Linear nnode = 2\ncoordinates\n" + coordinates +
+         "\nend coordinates\nelements\n" + elements + "\nend elements\nmaterials\n" + materials +
+         "\nend materials\nconstraints\n" + constraints + "\nend constraints\nnodal_point_loads\n" +
+         loads + "\nend nodal_point_loads\n" + rest;
+}
+
+ProblemParts ProblemParts::With(std::string ProblemParts::*part, const std::string& value) const
+{
+  ProblemParts changed = *this;
+  changed.*part = value;
+  return changed;
+}
+
+ProblemParts SpaceProblem()
+{
+  return {.header = "problem type 3d",
+          .dimension = 3,
+          .coordinates = "1 0 0 0\n2 1 0 0",
+          .elements = "1 1 2 1",
+          .materials = "1 E 1 G 1 A 1 Iy 1 Iz 1 J 1",
+          .constraints = "1 111111 0 0 0 0 0 0",
+          .loads = "2 0 0 0 0 0 0"};
+}

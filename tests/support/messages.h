@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+/// What the action writes to the information stream that it is given.
+template <class Action>
+std::string MessagesOf(Action action)
+{
+  std::FILE* file = std::tmpfile();
+  action(file);
+  std::rewind(file);
+  std::string text;
+  for (int c; (c = std::fgetc(file)) != EOF;)
+    text += static_cast<char>(c);
+  std::fclose(file);
+  return text;
+}

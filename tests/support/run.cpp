@@ -1,0 +1,116 @@
+#include "support/run.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// In the child: stream `descriptor` goes to the file. Ends the child on failure.
+void Redirect(int descriptor, const fs::path& file)
+{
+  const int opened = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  if (opened < 0 || dup2(opened, descriptor) < 0)
+    _exit(126);
+  close(opened);
+}
+
+// The exit status of MORLEN_PROGRAM run in the folder, its two streams in files.
+int Execute(const fs::path& folder, const std::vector<std::string>& arguments, const fs::path& out,
+            const fs::path& err)
+{
+  std::vector<std::string> words = {"morlen"};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words)
+    argv.push_back(word.data());
+  argv.push_back(nullptr);
+
+  const pid_t child = fork();
+  if (child == 0) {
+    Redirect(STDOUT_FILENO, out);
+    Redirect(STDERR_FILENO, err);
+    if (chdir(folder.c_str()) != 0)
+      _exit(126);
+    execv(MORLEN_PROGRAM, argv.data());
+    _exit(127);
+  }
+  int state = 0;
+  if (child < 0 || waitpid(child, &state, 0) != child)
+    return -1;
+  return WIFEXITED(state) ? WEXITSTATUS(state) : -1;
+}
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder()
+{
+  std::string name = (fs::temp_directory_path() / "morlen_test_XXXXXX").string();
+  if (!mkdtemp(name.data()))
+    ADD_FAILURE() << "no temporary folder " << name;
+  path = name;
+}
+
+TemporaryFolder::~TemporaryFolder()
+{
+  std::error_code ignored;
+  fs::remove_all(path, ignored);
+}
+
+void TemporaryFolder::Write(const std::string& name, std::string_view content) const
+{
+  fs::create_directories((path / name).parent_path());
+  std::ofstream(path / name, std::ios::binary) << content;
+}
+
+void TemporaryFolder::Link(const std::string& name, const std::string& target) const
+{
+  fs::create_symlink(target, path / name);
+}
+
+std::string TemporaryFolder::Read(const std::string& name) const
+{
+  return ReadFile(path / name);
+}
+
+std::map<std::string, std::string> TemporaryFolder::Files() const
+{
+  std::map<std::string, std::string> files;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(path)) {
+    if (entry.is_regular_file())
+      files[fs::relative(entry.path(), path).string()] = ReadFile(entry.path());
+  }
+  return files;
+}
+
+RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::string>& arguments)
+{
+  const TemporaryFolder streams;
+  RunResult result;
+  result.status = Execute(folder.Path(), arguments, streams.Path() / "out", streams.Path() / "err");
+  result.out = streams.Read("out");
+  result.err = streams.Read("err");
+  return result;
+}
+
+RunResult RunOnProblem(std::string_view problem)
+{
+  const TemporaryFolder folder;
+  folder.Write("problem.dat", problem);
+  return RunProgram(folder, {"problem.dat"});
+}
+
+std::string ReadFile(const fs::path& file)
+{
+  std::ifstream in(file, std::ios::binary);
+  if (!in)
+    ADD_FAILURE() << "cannot read " << file;
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}

@@ -174,7 +174,7 @@ TEST(Analysis, NumbersOfNodesDoNotMatter)
 }
 
 // A portal of height h and width b under a force H at its beam (A. Kleinlogel, Rigid Frame
-// Formulas, Ungar, New York 1952, frame 40): members without axial strain.
+// Formulas, Ungar, New York 1952, frame 40): members of next to no axial strain.
 TEST(Analysis, PortalUnderALateralForce)
 {
   const double h = 3.0;
@@ -183,7 +183,7 @@ TEST(Analysis, PortalUnderALateralForce)
   Frame frame;
   frame.space = false;
   frame.nodes = {{0, 0, 0}, {0, h, 0}, {b, h, 0}, {b, 0, 0}};
-  frame.sections = {{.E = 100.0, .A = 1e8, .Iz = 2.0}, {.E = 100.0, .A = 1e8, .Iz = 5.0}};
+  frame.sections = {{.E = 100.0, .A = 1e6, .Iz = 2.0}, {.E = 100.0, .A = 1e6, .Iz = 5.0}};
   frame.beams = {{1, 2, 1}, {2, 3, 2}, {3, 4, 1}};
   frame.supports = {{.node = 1, .flags = kClamped}, {.node = 4, .flags = kClamped}};
   frame.loads = {{2, {H}}};
@@ -192,9 +192,9 @@ TEST(Analysis, PortalUnderALateralForce)
   const double base = H * h / 2 * (3 * k + 1) / (6 * k + 1);
   const double top = H * h / 2 * 3 * k / (6 * k + 1);
   const double V = 2 * top / b;
-  ExpectValues(solved.Reaction(1), {-H / 2, -V, base}, 1e-6);
-  ExpectValues(solved.Reaction(4), {-H / 2, V, base}, 1e-6);
-  ExpectValues(solved.EndForces(2), {H / 2, -V, -top, -H / 2, V, -top}, 1e-6);
+  ExpectValues(solved.Reaction(1), {-H / 2, -V, base}, 1e-5);
+  ExpectValues(solved.Reaction(4), {-H / 2, V, base}, 1e-5);
+  ExpectValues(solved.EndForces(2), {H / 2, -V, -top, -H / 2, V, -top}, 1e-5);
   ExpectEquilibrium(solved);
 }
 

@@ -172,8 +172,8 @@ TEST(ProblemFile, CommentLinesAreSkipped)
 
 TEST(ProblemFile, UnknownWordsAreRefused)
 {
-  for (const std::string word : {"meshes", "unit_mesh", "materials:", "constraints=", "end",
-                                 "NumOfDivision", "=", "rotules", "elem_rotules"})
+  for (const std::string word :
+       {"meshes", "unit_mesh", "materials:", "constraints=", "end", "NumOfDivision", "="})
     ExpectRefused(word, "Unknown key name=" + word + "\n");
 }
 

@@ -86,7 +86,8 @@ bool Agree(std::string_view actual, std::string_view expected, double scale, Clo
   double e = 0.0;
   if (!IsNumber(actual, a) || !IsNumber(expected, e) || (IsWhole(actual) && IsWhole(expected)))
     return false;
-  const double allowed = std::max(closeness.relative * std::fabs(e), closeness.floor * scale);
+  const double allowed =
+      std::max({closeness.relative * std::fabs(e), closeness.floor * scale, closeness.absolute});
   return std::fabs(a - e) <= allowed;
 }
 

@@ -9,6 +9,8 @@ struct Closeness
   double relative = 1e-6;
   /// Part of the largest number of the block, below which a difference is rounding.
   double floor = 1e-10;
+  /// The same in a block of zeros.
+  double absolute = 1e-12;
 };
 
 /// Compares two result files token by token: text, blanks and lines must be the same,

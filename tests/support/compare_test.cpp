@@ -12,8 +12,9 @@ TEST(Compare, AcceptsNumbersThatAreClose)
       {"", ""},
       {"1  0.333333 2\n", "1  0.333333 2\n"},
       {"a 1.0000005\n", "a 1\n"},
-      {"1  -0 1e-12 5\n", "1  0 0 5\n"},                     // below the floor of the line
-      {"1  1e-12 0.1\n2  3e4 1\n", "1  0 0.1\n2  3e4 1\n"},  // of the block
+      {"1 1e-14\n", "1 0\n"},
+      {"1  -0 1e-10 5\n", "1  0 0 5\n"},                    // below the floor of the line
+      {"1  1e-6 0.1\n2  3e4 1\n", "1  0 0.1\n2  3e4 1\n"},  // of the block
   };
   for (const auto& c : cases)
     EXPECT_EQ(Difference(c.actual, c.expected), "") << c.actual;
@@ -32,7 +33,7 @@ TEST(Compare, FindsDifferences)
       {"1 0.5", "1 0.5\n"},               // the last newline
       {"Reaction 1\n", "Reactions 1\n"},  // text
       {"1 0.500001\n", "1 0.5\n"},        // numbers
-      {"1 1e-12\nA 9\n", "1 0\nA 9\n"},   // a block ends at a line with text
+      {"1 1e-11\nA 9\n", "1 0\nA 9\n"},   // a block ends at a line with text
       {"1 1e12\n", "2 1e12\n"},           // whole numbers have no floor
       {"1 nan\n", "1 0\n"},
   };

@@ -1,0 +1,344 @@
+// The messages that end a run, as the user sees them: through the program, to the letter.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/frame.h"
+#include "support/run.h"
+
+namespace {
+
+struct Refused
+{
+  std::string problem;
+  std::string message;
+};
+
+// Expects that the program ends on the problem with exactly this message and no results.
+void ExpectRefused(const Refused& refused, const std::vector<std::string>& options = {})
+{
+  SCOPED_TRACE(refused.message);
+  const TemporaryFolder folder;
+  folder.Write("model.dat", refused.problem);
+  std::vector<std::string> arguments = options;
+  arguments.push_back("model.dat");
+  const RunResult run = RunProgram(folder, arguments);
+  EXPECT_EQ(run.err, refused.message);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.status, 2);
+  EXPECT_FALSE(folder.Has("model.morlen.res"));
+}
+
+std::string With(std::string ProblemParts::*part, const std::string& value)
+{
+  return ProblemParts().With(part, value).Text();
+}
+
+std::string SpaceWith(std::string ProblemParts::*part, const std::string& value)
+{
+  return SpaceProblem().With(part, value).Text();
+}
+
+std::string WithSettings(const std::string& settings)
+{
+  return With(&ProblemParts::settings, settings);
+}
+
+// A unit table whose only system has these factors, and a line that uses it.
+std::string WithUnits(const std::string& factors, const std::string& line)
+{
+  return WithSettings("units_names\nu N m Pa " + factors + "\nend\n" + line);
+}
+
+std::string MeshOf(const std::string& type, int nnode, const std::string& element)
+{
+  return "mesh dimension 3 elemtype " + type + " nnode " + std::to_string(nnode) +
+         " coordinates\n1 0 0 0\n2 1 0 0\n3 0 1 0\n4 0 0 1\nend\nelements\n" + element + "\nend\n";
+}
+
+const char* const kNoSolution =
+    "error when solving system. Probably boundary conditions are not correct\n";
+
+// The message for a zero on the diagonal of an equation.
+std::string ZeroDiagonal(int equation, int node, int degree, const std::string& name)
+{
+  return "error when solving system(" + std::to_string(equation) +
+         ").\nOne diagonal=0 in node=" + std::to_string(node) +
+         " (Use Meshing->Mesh View).\nDegree of freedom " + std::to_string(degree) + " from 6 (" +
+         name + ")\nCould not solve system. Probably boundary conditions are not correct\n";
+}
+
+// A chain of plane beams held at its first node, all other nodes on rollers.
+std::string LongChain(int nodes, const std::string& settings)
+{
+  ProblemParts parts;
+  parts.settings = settings;
+  parts.coordinates = "1 0 0\n";
+  parts.elements.clear();
+  parts.constraints = "1 111 0 0 0\n";
+  for (int i = 2; i <= nodes; ++i) {
+    const std::string number = std::to_string(i);
+    parts.coordinates += number + " " + number + " 0\n";
+    parts.elements += number + " " + std::to_string(i - 1) + " " + number + " 1\n";
+    parts.constraints += number + " 010 0 0 0\n";
+  }
+  return parts.Text();
+}
+
+}  // namespace
+
+TEST(Messages, OfTheProblemFile)
+{
+  std::string elevenMeshes = SpaceProblem().Text();
+  for (int i = 2; i <= 11; ++i)
+    elevenMeshes += MeshOf("Linear", 2, std::to_string(i) + " 1 2 1");
+  const Refused cases[] = {
+      {"no header\n", "can't find word ***problem*** in input file\n"},
+      {"problem\n", "can't find word ***type*** in input file\n"},
+      {"problem type 1d\n", "Type of problem unknown. Only 2d and 3d\n"},
+      {elevenMeshes, "error: maximum number of meshes is: 10\n"},
+      {WithSettings("units_mesh mm"),
+       "error: Unit length name 'mm' has not been previously defined\n"},
+      {WithUnits("1 0", "units_mesh m"), "error: Units_mesh must be a positive number\n"},
+      {WithSettings("units_mat_and_load u"),
+       "error: Unit name 'u' has not been previously defined\n"},
+      {WithSettings("units_mat_and_load a_name_of_21_characters"),
+       "error: Unit name 'a_name_of_21_characters' is too long\n"},
+      {WithUnits("0 1", "units_mat_and_load u"),
+       "error: units_mat_and_load must be two positive numbers\n"},
+      {WithSettings("units_res u"), "error: Unit name 'u' has not been previously defined\n"},
+      {WithUnits("1 0", "units_res u"),
+       "error: units_res must be two positive numbers and three names\n"},
+      {WithSettings("NumOfDivisions 0"), "error: Number of divisions must be positive"},
+      {WithSettings("NumOfDivisions 100001"), "error: Number of divisions must be at most 100000"},
+      {WithSettings("DoSmoothing 4"), "error: DoSmoothing must have angle >0 and <PI rad\n"},
+      {WithSettings("CoplanarityAngle 4"),
+       "error: CoplanarityAngle must have angle >0 and <PI rad\n"},
+      {WithSettings("Solver Cholesky"),
+       "error: type of solver must be: Automatic, SkyLine, Double or Sparse\n"},
+      {WithSettings("Solver Sparse 1e-6 1e-6 9"),
+       "Solver Sparse needs three aditional arguments:\n"
+       "    Solver: Sparse tolerance1 tolerance2 MaxIterations\n"
+       "with 0.0<tolerance<10 and MaxIterations>10 and\n"
+       " tolerance1<=tolerance2<10\n"},
+      {WithSettings("GravityDirection 0 0 0"), "error: GravityDirection must be a vector no null"},
+      {WithSettings("Unknown"), "Unknown key name=Unknown\n"},
+      {"problem type 2d\n", "error: it is necessary at least one mesh\n"},
+      {SpaceProblem().Text() + MeshOf("Linear", 2, "1 1 2 1"),
+       "error: All elements must have different number. Check elm num: 1\n"},
+      {SpaceProblem().Text() + MeshOf("Tetrahedra", 4, "2 1 2 3 4 1"),
+       "error: Element tetrahedra cannot be mixed with any other element type"},
+      {"problem type 2d\nunits_names\n",
+       "error: 'units_names' should finish with the 'end' word\n"},
+      {WithSettings("units_names\nu N m\nend"),
+       "error: 'units_names' items should be: name nameN nameM namePa facN facM\n"},
+  };
+  for (const Refused& refused : cases)
+    ExpectRefused(refused);
+}
+
+TEST(Messages, OfMeshesAndMaterials)
+{
+  const Refused cases[] = {
+      {"problem type 2d\nmesh dimension", "can't find word ***dimension*** in input file\n"},
+      {"problem type 2d\nmesh dimension =\n", "end of file and no digit found\n"},
+      {"problem type 2d\nmesh dimension 2 elemtype beam\n",
+       "ElemType must be: Linear,Triangle,Quadrilateral, Tetrahedra or Hexahedra\n"},
+      {"problem type 2d\nmesh dimension 2 elemtype Linear nnode 3\n", "Unknown Femview type\n"},
+      {With(&ProblemParts::coordinates, ""), "error: list of nodes does not contain any node\n"},
+      {With(&ProblemParts::coordinates, "1 0 0\n3 1 0"),
+       "error: list of nodes does not contain all numbers\n"},
+      {With(&ProblemParts::elements, "5 2 2 1"), "error: element: 5  have both nodes equal\n"},
+      {With(&ProblemParts::elements, "5 1 3 1"), "error: element 5 has an unknown node\n"},
+      {With(&ProblemParts::materials, "1 EX 1"),
+       "error in materials. Young Modulus can only be E, Ex or Ey\n"},
+      {With(&ProblemParts::materials, "1 Ix 1"),
+       "error in materials. Inertia modules cannot be for X axe\n"},
+      {With(&ProblemParts::materials, "1 Gzz 1"),
+       "error in materials. G can be: G Gxy Gxz or Gyz\n"},
+      {With(&ProblemParts::materials, "1 Young 1"),
+       "Input of materials not correct. Unknown char: 'Young'\n"},
+      {With(&ProblemParts::materials, "1 E 1 Euler4 1"),
+       "error: Euler angles must be: Euler1,Euler2 or Euler3\n"},
+      {With(&ProblemParts::materials, "1 E 1 units=none"),
+       "error: Unit name 'none' has not been previously defined\n"},
+  };
+  for (const Refused& refused : cases)
+    ExpectRefused(refused);
+}
+
+TEST(Messages, OfSupportsAndLoads)
+{
+  const auto supports = &ProblemParts::constraints;
+  const auto loads = &ProblemParts::loads;
+  const Refused cases[] = {
+      {With(supports, "3 111 0 0 0"), "error: Trying to assign constrain to unknown node\n"},
+      {With(supports, "2 2 0 0"), "Not reading correctly the constraints. Number=2\n"},
+      {SpaceWith(supports, "2 111111 0"), "Not reading correctly the constraints. -A- Number=2\n"},
+      {With(supports, "2 111 0 0 0 units"),
+       "Not reading correctly the constraints. -B- Number=2\n"},
+      {With(supports, "2 111 0 0 0 Euler4 1"),
+       "error: Euler angles must be: Euler1,Euler2 or Euler3\n"},
+      {With(supports, "2 111 0 0 0 units a_name_of_21_characters"),
+       "error: Unit name 'a_name_of_21_characters' is too long\n"},
+      {With(supports, "2 111 0 0 0 units none"),
+       "error: Unit name 'none' has not been previously defined\n"},
+      {With(supports, "1 111 0 0 0\n2 110 0 0 0 Euler2 0.5"),
+       "error: Local z axe must be (0,0,1) for 2D problems.Node: 2\n"},
+      {With(loads, "3 0 0 0"), "error: Trying to assign Load to unknown node\n"},
+      {With(loads, "0 0 0 0"), "error: Trying to assign Load to unknown node\n"},
+      {With(loads, "2"), "Not reading correctly the loads A. Number=2\n"},
+      {With(loads, "2 0 0"), "Not reading correctly the loads B. Number=2\n"},
+      {SpaceWith(loads, "2 0 0 0"), "Not reading correctly the loads C. Number=2\n"},
+      {With(loads, "2 0 0 0 units"), "Not reading correctly the loads. -D- Number=2\n"},
+      {With(loads, "2 0 0 0 units a_name_of_21_characters"),
+       "error: Unit name 'a_name_of_21_characters' is too long\n"},
+      {With(loads, "2 0 0 0 units none"),
+       "error: Unit name 'none' has not been previously defined\n"},
+  };
+  for (const Refused& refused : cases)
+    ExpectRefused(refused);
+}
+
+TEST(Messages, OfElementsAndSections)
+{
+  const auto materials = &ProblemParts::materials;
+  const Refused cases[] = {
+      {With(&ProblemParts::elements, "5 1 2 9"), "error: Material in element: 5 doesn't exist\n"},
+      {With(&ProblemParts::coordinates, "1 1 1\n2 1 1"), "error: element 1 has no length\n"},
+      {With(materials, "1 A 1 Iz 1"), "error: material parameter E is 0 for element 1\n"},
+      {With(materials, "1 E 1 Iz 1"), "error: section parameter A is 0 for element 1\n"},
+      {With(materials, "1 E 1 A 1"), "error: section parameter Iz is 0 for element 1\n"},
+      {SpaceWith(materials, "1 E 1 A 1 Iz 1 G 1 J 1"),
+       "error: section parameter Iy is 0 for element 1\n"},
+      {SpaceWith(materials, "1 E 1 A 1 Iz 1 Iy 1 J 1"),
+       "error: material parameter G is 0 for element 1\n"},
+      {SpaceWith(materials, "1 E 1 A 1 Iz 1 Iy 1 G 1"),
+       "error: section parameter J is 0 for element 1\n"},
+      {SpaceWith(materials, "1 E 1 A 1 Iz 1 Iy 1 G 1 J 1 Euler1 1.5707963267948966"),
+       "error: Local x axe is orthogonal to the direction of the beam. Element:1\n"},
+      {With(materials, "1 E 1 A 1 Iz 1 Euler2 0.5"),
+       "error: Local z axe must be (0,0,1) for 2D problems.Element:1\n"},
+      {"problem type 3d\n" + MeshOf("Quadrilateral", 4, "1 1 2 3 4 1"),
+       "error: elemtype unknown\n"},
+      {"problem type 3d\nmesh dimension 3 elemtype Hexahedra nnode 8 coordinates\n1 0 0 0\nend\n"
+       "elements\n1 1 1 1 1 1 1 1 1 1\nend\n",
+       "error: elemtype unknown\n"},
+  };
+  for (const Refused& refused : cases)
+    ExpectRefused(refused);
+}
+
+// The node and the degree are named as if every node had six.
+TEST(Messages, NameTheDegreeThatIsFree)
+{
+  static const char* const names[] = {"X displ.",   "Y displ.",   "Z displ.",
+                                      "X rotation", "Y rotation", "Z rotation"};
+  // Node 3 is in no element and free from one component on.
+  for (int degree = 1; degree <= 6; ++degree) {
+    std::string flags(6, '1');
+    flags[degree - 1] = '0';
+    const std::string problem =
+        SpaceProblem()
+            .With(&ProblemParts::coordinates, "1 0 0 0\n2 1 0 0\n3 2 0 0")
+            .With(&ProblemParts::constraints, "1 111111 0 0 0 0 0 0\n3 " + flags + " 0 0 0 0 0 0")
+            .Text();
+    ExpectRefused({problem, ZeroDiagonal(12 + degree, 3, degree, names[degree - 1])}, {"-r0"});
+  }
+}
+
+TEST(Messages, RefuseStructuresThatCanMove)
+{
+  const auto supports = &ProblemParts::constraints;
+  const Refused cases[] = {
+      {With(supports, ""), ZeroDiagonal(4, 1, 4, "X rotation")},
+      {With(supports, "1 110 0 0 0"), ZeroDiagonal(6, 1, 6, "Z rotation")},
+      {With(supports, "1 010 0 0 0\n2 010 0 0 0"), ZeroDiagonal(4, 1, 4, "X rotation")},
+      {With(supports, "1 100 0 0 0\n2 100 0 0 0"), ZeroDiagonal(5, 1, 5, "Y rotation")},
+      {SpaceProblem()
+           .With(&ProblemParts::coordinates, "1 0 0 0\n2 1 0 0\n3 2 0 0")
+           .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
+           .With(supports, "1 111011 0 0 0 0 0 0\n2 000000 0 0 0 0 0 0\n3 000000 0 0 0 0 0 0")
+           .Text(),
+       ZeroDiagonal(16, 3, 4, "X rotation")},
+      // A roller that moves along the line to the hinge's circle.
+      {With(supports, "1 110 0 0 0\n2 010 0 0 0 Euler1=1.5707963267948966"),
+       ZeroDiagonal(6, 1, 6, "Z rotation")},
+  };
+  for (const Refused& refused : cases) {
+    ExpectRefused(refused);
+    ExpectRefused(refused, {"-r0"});
+  }
+}
+
+TEST(Messages, RefuseSlopedStructuresThatCanMove)
+{
+  // Rounding leaves a small pivot where an exact calculation finds zero.
+  const std::string problem = ProblemParts()
+                                  .With(&ProblemParts::coordinates, "1 0 0\n2 0.3 0.7\n3 1.1 0.9")
+                                  .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
+                                  .With(&ProblemParts::materials, "1 E 2.1e11 A 0.003 Iz 4e-6")
+                                  .With(&ProblemParts::constraints, "1 110 0 0 0")
+                                  .Text();
+  ExpectRefused({problem, ZeroDiagonal(9, 2, 3, "Z displ.")}, {"-r0"});
+}
+
+TEST(Messages, NameTheUsersNodeAfterARenumbering)
+{
+  // Node 3 is farthest out and comes first, then 2, then 1.
+  const std::string problem = ProblemParts()
+                                  .With(&ProblemParts::coordinates, "1 0 0\n2 1 0\n3 5 0")
+                                  .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
+                                  .With(&ProblemParts::constraints, "")
+                                  .Text();
+  ExpectRefused({problem, ZeroDiagonal(7, 2, 1, "X displ.")});
+  ExpectRefused({problem, ZeroDiagonal(7, 2, 1, "X displ.")}, {"-r0"});
+  const std::string moved = ProblemParts()
+                                .With(&ProblemParts::coordinates, "1 0 0\n2 5 0\n3 1 0")
+                                .With(&ProblemParts::elements, "1 1 3 1\n2 3 2 1")
+                                .With(&ProblemParts::constraints, "")
+                                .Text();
+  ExpectRefused({moved, ZeroDiagonal(7, 3, 1, "X displ.")});
+}
+
+TEST(Messages, RefuseSolutionsThatAreNotFinite)
+{
+  ExpectRefused({With(&ProblemParts::loads, "2 0 1e308 0\n2 0 1e308 0"), kNoSolution});
+  ExpectRefused({ProblemParts()
+                     .With(&ProblemParts::materials, "1 E 1e-10 A 1 Iz 1e-3")
+                     .With(&ProblemParts::loads, "2 0 1e300 0")
+                     .Text(),
+                 kNoSolution});
+}
+
+TEST(Messages, WhatIsNotAvailableYet)
+{
+  ExpectRefused({"problem type 3d\n" + MeshOf("Triangle", 3, "1 1 2 3 1"),
+                 "error: elements of type Triangle are not available yet\n"});
+  ExpectRefused({"problem type 3d\n" + MeshOf("Tetrahedra", 4, "1 1 2 3 4 1"),
+                 "error: elements of type Tetrahedra are not available yet\n"});
+}
+
+TEST(SolverChoice, SkylineUpTo14999Equations)
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", LongChain(4999, ""));
+  const RunResult run = RunProgram(folder, {"-i", "-", "model.dat"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_NE(run.out.find("Sky matrix storage with Txolesky\nDegrees of freedom= 14997\n"),
+            std::string::npos);
+  EXPECT_NE(run.out.find("Solving degree 14500 of 14997\n"), std::string::npos);
+}
+
+TEST(SolverChoice, NoSkylineFrom15000Equations)
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", LongChain(5000, ""));
+  EXPECT_EQ(RunProgram(folder, {"-i", "-", "model.dat"}).out.find("Sky matrix"), std::string::npos);
+  folder.Write("model.dat", LongChain(5000, "Solver SkyLine"));
+  const RunResult run = RunProgram(folder, {"-i", "-", "model.dat"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_NE(run.out.find("Degrees of freedom= 15000\n"), std::string::npos);
+}

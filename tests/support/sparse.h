@@ -1,0 +1,145 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "solvers/compressed_rows.h"
+#include "solvers/sparse_matrix.h"
+
+/// A dense matrix to compute with independently; indices from 0.
+using DenseRows = std::vector<std::vector<double>>;
+
+inline DenseRows DenseZero(int n)
+{
+  return DenseRows(n, std::vector<double>(n, 0.0));
+}
+
+inline std::vector<double> DenseProduct(const DenseRows& a, const std::vector<double>& x)
+{
+  std::vector<double> y(a.size(), 0.0);
+  for (std::size_t i = 0; i < a.size(); ++i)
+    for (std::size_t j = 0; j < x.size(); ++j)
+      y[i] += a[i][j] * x[j];
+  return y;
+}
+
+inline DenseRows DenseProduct(const DenseRows& a, const DenseRows& b)
+{
+  DenseRows c = DenseZero(static_cast<int>(a.size()));
+  for (std::size_t i = 0; i < a.size(); ++i)
+    for (std::size_t k = 0; k < a.size(); ++k)
+      for (std::size_t j = 0; j < a.size(); ++j)
+        c[i][j] += a[i][k] * b[k][j];
+  return c;
+}
+
+inline DenseRows Transposed(const DenseRows& a)
+{
+  DenseRows t = a;
+  for (std::size_t i = 0; i < a.size(); ++i)
+    for (std::size_t j = 0; j < a.size(); ++j)
+      t[j][i] = a[i][j];
+  return t;
+}
+
+/// Gauss-Jordan with row exchanges.
+inline std::vector<double> DenseSolve(DenseRows a, std::vector<double> b)
+{
+  const int n = static_cast<int>(b.size());
+  for (int k = 0; k < n; ++k) {
+    int pivot = k;
+    for (int i = k; i < n; ++i)
+      if (std::fabs(a[i][k]) > std::fabs(a[pivot][k]))
+        pivot = i;
+    std::swap(a[k], a[pivot]);
+    std::swap(b[k], b[pivot]);
+    for (int i = 0; i < n; ++i) {
+      const double factor = i == k ? 0.0 : a[i][k] / a[k][k];
+      for (int j = k; j < n; ++j)
+        a[i][j] -= factor * a[k][j];
+      b[i] -= factor * b[k];
+    }
+  }
+  for (int k = 0; k < n; ++k)
+    b[k] /= a[k][k];
+  return b;
+}
+
+/// The entries that are not 0 in slots without order, as an assembly may leave them, and in
+/// each row as many free slots as wanted.
+inline SparseMatrix SparseOf(const DenseRows& a, int freeSlots = 0)
+{
+  const int n = static_cast<int>(a.size());
+  std::vector<int> lengths;
+  for (const std::vector<double>& row : a)
+    lengths.push_back(n - static_cast<int>(std::count(row.begin(), row.end(), 0.0)) + freeSlots);
+  SparseMatrix matrix(n, lengths.data());
+  std::mt19937 random(1);
+  std::vector<int> order(n);
+  for (int i = 0; i < n; ++i) {
+    for (int j = 0; j < n; ++j)
+      order[j] = j;
+    std::shuffle(order.begin(), order.end(), random);
+    for (const int j : order)
+      if (a[i][j] != 0.0)
+        matrix.addToLhs(i, j, a[i][j]);
+  }
+  return matrix;
+}
+
+inline DenseRows DenseOf(const CompressedView& rows)
+{
+  DenseRows a = DenseZero(rows.n);
+  for (int i = 0; i < rows.n; ++i)
+    for (int s = rows.starts[i]; s < rows.starts[i + 1]; ++s)
+      a[i][rows.indices[s]] += rows.values[s];
+  return a;
+}
+
+inline std::vector<double> RandomVector(int n, unsigned seed)
+{
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<double> number(-1.0, 1.0);
+  std::vector<double> x(n);
+  for (double& component : x)
+    component = number(random);
+  return x;
+}
+
+/// The five-point star on a grid, with different couplings and a diagonal that outweighs its
+/// row. `skew` makes it unsymmetric: (i, j) times 1 + skew, (j, i) times 1 - skew, i < j.
+inline DenseRows GridMatrix(int width, int height, double skew = 0.0)
+{
+  DenseRows a = DenseZero(width * height);
+  const std::vector<double> weights = RandomVector(2 * width * height, 5);
+  const auto couple = [&](int i, int j, double weight) {
+    a[i][j] = -weight * (1.0 + skew);
+    a[j][i] = -weight * (1.0 - skew);
+    a[i][i] += 1.1 * weight;
+    a[j][j] += 1.1 * weight;
+  };
+  for (int i = 0; i < width * height; ++i) {
+    if ((i + 1) % width != 0)
+      couple(i, i + 1, 1.5 + weights[2 * i]);
+    if (i + width < width * height)
+      couple(i, i + width, 1.5 + weights[2 * i + 1]);
+  }
+  return a;
+}
+
+/// A chain, of which factors without fill are exact.
+inline DenseRows TridiagonalMatrix(int n, double skew = 0.0)
+{
+  return GridMatrix(n, 1, skew);
+}
+
+inline double LargestDifference(const std::vector<double>& a, const std::vector<double>& b)
+{
+  double largest = 0.0;
+  for (std::size_t i = 0; i < a.size(); ++i)
+    largest = std::fmax(largest, std::fabs(a[i] - b[i]));
+  return largest;
+}

@@ -28,6 +28,8 @@ void CheckLengths(const Mesh& beams)
 void Project::Calc(int renumber, std::FILE* info)
 {
   CheckModel();
+  if (hasHinges)
+    CalcElemsRotules();
   ChooseSolver();
   if (renumber && solverSettings.type == SolverType::SkyLine)
     meshes.front()->RenumberNodes();

@@ -46,10 +46,9 @@ void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes)
   for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
     const Node& first = *elem(0);
     const Node& second = *elem(1);
-    const Material& material = RequireMaterial(elem);
-    material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(&first, &second), problemType,
-                             GiveHingeCode(elem.Num()));
-    elem.CalcTransfMatrixBeam(T, &material, problemType);
+    const BeamSpan beam = SpanOf(elem, T);
+    beam.material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(&first, &second), problemType,
+                                  beam.hingeCode);
     for (Matriu* K : {&K11, &K12, &K22}) {
       TurnRows(T, Turn::ToGlobal, *K);
       TurnColumns(T, Turn::ToGlobal, *K);

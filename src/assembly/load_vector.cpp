@@ -1,6 +1,16 @@
+// What acts on the model: loads at nodes, self-weight and loads on elements.
+
+#include <cmath>
+
+#include "base/constants.h"
+#include "model/elem.h"
+#include "model/material.h"
+#include "model/mesh.h"
 #include "model/node.h"
+#include "numeric/matriu.h"
 #include "numeric/plex_range.h"
 #include "problem/nodal_load.h"
+#include "problem/pressure_load.h"
 #include "problem/project.h"
 
 void Project::AddNodalLoads()
@@ -10,5 +20,48 @@ void Project::AddNodalLoads()
       continue;
     for (int k = 1; k <= freeDegrees; ++k)
       displacements(Equation(node, k)) += node.load->values[k - 1];
+  }
+}
+
+BeamSpan Project::SpanOf(const Elem& elem, Matriu& T) const
+{
+  const Material& material = RequireMaterial(elem);
+  elem.CalcTransfMatrixBeam(T, &material, problemType);
+  BeamSpan beam{.elem = elem,
+                .material = material,
+                .T = T,
+                .type = problemType,
+                .hingeCode = GiveHingeCode(elem.Num()),
+                .L = std::sqrt(dist2(elem(0), elem(1))),
+                .EIy = 0.0,
+                .EIz = 0.0,
+                .EA = 0.0};
+  material.GiveEI(beam.EIy, beam.EIz, beam.EA);
+  return beam;
+}
+
+SpanLoad Project::LoadOn(const BeamSpan& beam) const
+{
+  SpanLoad sum;
+  const double weight = beam.material.Weight * beam.material.A;
+  if (weight > EPSILON) {
+    PreassureLT selfWeight(PreassureLT_type::Global);
+    selfWeight.EnterWeight(weight, gravityDirection, problemType);
+    selfWeight.AddToSpanLoad(beam, sum);
+  }
+  for (const BaseElemLoads* load = Find<BaseElemLoads>(elemLoads, beam.elem.Num()); load;
+       load = load->Next())
+    load->AddToSpanLoad(beam, sum);
+  return sum;
+}
+
+void Project::AddLoadsOnBeams(Mesh* mesh)
+{
+  Matriu T;
+  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+    const BeamSpan beam = SpanOf(elem, T);
+    const SpanLoad load = LoadOn(beam);
+    if (!load.IsZero())
+      load.AddToLoadVectorBeam(beam, Equation(*elem(0), 1), Equation(*elem(1), 1), displacements);
   }
 }

@@ -35,6 +35,8 @@ void Project::FillMatrixVectorAndSolve(std::FILE* info)
   AssembleStiffness(1);
   Progress(info, "Stiffness matrix filled\n");
   AddNodalLoads();
+  for (const auto& mesh : meshes)
+    (this->*FamilyOf(*mesh).addLoads)(mesh.get());
   Progress(info, "Load vector constructed\n");
   Progress(info, "Beginning to apply constraints\n");
   StartReactions();
@@ -98,6 +100,7 @@ void Project::ApplySupports()
 
 void Project::SolverFailed(int result) const
 {
+  CheckTypicalConstraintsErrors();
   if (result == -1)
     Fatal("error when solving system. Probably boundary conditions are not correct\n");
   if (result < 0)

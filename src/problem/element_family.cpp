@@ -11,6 +11,7 @@ constexpr ElementFamily kFamilies[] = {
      .nnode = 2,
      .spaceOnly = false,
      .addStiffness = &Project::AddKToGlobalMatrixBeams,
+     .addLoads = &Project::AddLoadsOnBeams,
      .calcStrengths = &Project::CalcStrengthsBeams,
      .writeStrength = &Project::WriteBeamStrength,
      .writeKiv = &Project::WriteKivResultsBeams},

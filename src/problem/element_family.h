@@ -15,6 +15,8 @@ struct ElementFamily
   bool spaceOnly;  ///< refused in plane problems
 
   void (Project::*addStiffness)(Mesh* mesh, int applyLocalAxes);
+  /// Self-weight and element loads.
+  void (Project::*addLoads)(Mesh* mesh);
   void (Project::*calcStrengths)(int mesh);
   /// Section of the text results; null when the family has none.
   void (Project::*writeStrength)(int mesh, TextOut& out) const;

@@ -50,7 +50,7 @@ void Project::ReadFromAscii(TextScan& text)
       continue;
     if (word[0] == '#')
       text.SkipLine();
-    else if (!ReadKeyword(text, word))
+    else if (!ReadKeyword(text, word) && ReadElemLoad(text, word) == -1)
       Fatal("Unknown key name=", word, "\n");
   }
   FinishReading();
@@ -101,6 +101,8 @@ bool Project::ReadKeyword(TextScan& text, std::string_view word)
       {.name = "materials", .readBlock = &Project::ReadFAMaterials},
       {.name = "constraints", .readBlock = &Project::ReadFAConstraints},
       {.name = "nodal_point_loads", .readBlock = &Project::ReadFALoads},
+      {.name = "rotules", .readBlock = &Project::ReadFARotules},
+      {.name = "elem_rotules", .readBlock = &Project::ReadFARotulesElems},
   };
   for (const Keyword& keyword : kKeywords) {
     const std::string_view name = keyword.name;

@@ -8,6 +8,7 @@
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
+#include "problem/elem_loads.h"
 #include "solvers/bsolver.h"
 
 int MeshResults::Block(int elemNumber) const
@@ -20,7 +21,7 @@ int MeshResults::Block(int elemNumber) const
   return static_cast<int>(place) * blockSize;
 }
 
-Project::Project(int chunkSize) : materials(chunkSize) {}
+Project::Project(int chunkSize) : materials(chunkSize), elemLoads(chunkSize) {}
 
 Project::~Project()
 {
@@ -28,6 +29,7 @@ Project::~Project()
     mesh->ClearAllElems();
   if (!meshes.empty())
     meshes.front()->ClearAllNodes();
+  DeleteAll<BaseElemLoads>(elemLoads);
   DeleteAll<Material>(materials);
 }
 
@@ -69,9 +71,4 @@ Material& Project::RequireMaterial(const Elem& elem) const
   if (!material)
     Fatal("error: Material in element: ", elem.Num(), " doesn't exist\n");
   return *material;
-}
-
-int Project::GiveHingeCode(int) const
-{
-  return 11;
 }

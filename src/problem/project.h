@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "base/constants.h"
@@ -12,6 +13,7 @@
 #include "numeric/reavec.h"
 #include "numeric/reavecv.h"
 #include "numeric/voidplex.h"
+#include "problem/beam_span.h"
 #include "problem/settings.h"
 
 class BSolver;
@@ -61,6 +63,10 @@ public:
   void ReadFAMaterials(TextScan& text);
   void ReadFAConstraints(TextScan& text);
   void ReadFALoads(TextScan& text);
+  void ReadFARotules(TextScan& text);
+  void ReadFARotulesElems(TextScan& text);
+  /// Reads the block of element loads that this word begins; -1 when it begins none.
+  int ReadElemLoad(TextScan& text, std::string_view word);
 
   /// The first element number that occurs in more than one mesh; 0 when there is none.
   int CheckElementsNumbers() const;
@@ -78,6 +84,10 @@ public:
   Material& RequireMaterial(const Elem& elem) const;
   /// Two digits, first and second end: 1 continuous, 0 hinged.
   int GiveHingeCode(int elemNumber) const;
+  /// A beam with its frame, which is computed into T. Fatal without a material.
+  BeamSpan SpanOf(const Elem& elem, Matriu& T) const;
+  /// The sum of self-weight and loads on a beam.
+  SpanLoad LoadOn(const BeamSpan& beam) const;
 
   // --- Analysis (assembly/) ---
 
@@ -85,9 +95,16 @@ public:
   /// renumber 0 keeps the numbers of the file.
   void Calc(int renumber, std::FILE* info);
   void FillMatrixVectorAndSolve(std::FILE* info);
+  /// Merges the hinges of nodes into the codes of the beams, and fixes the rotations of
+  /// nodes that no connection holds.
+  void CalcElemsRotules();
   /// Adds the stiffness of a mesh to the matrix; applyLocalAxes 0 leaves it in global
   /// axes at supports that have their own.
   void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes);
+  /// Adds the self-weight and the loads of the elements of a mesh to the load vector.
+  void AddLoadsOnBeams(Mesh* mesh);
+  /// Explains typical faults of the supports in the stream of the error writer.
+  void CheckTypicalConstraintsErrors() const;
 
   // --- Strengths and reactions (results/) ---
 
@@ -126,6 +143,9 @@ public:
   int initialNumNodes = 0;  ///< as read
   int numNodes = 0;         ///< with those that the analysis adds
   VoidPlex materials;       ///< of Material, owned
+  VoidPlex elemLoads;       ///< of BaseElemLoads by element number, owned: chains of loads
+  bool hasHinges = false;   ///< whether the file has any
+  std::unordered_map<int, int> hingeCodes;  ///< by element number; others are continuous
 
   // --- Settings ---
 
@@ -168,6 +188,7 @@ private:
   void MakeSolver();
   void CreateMatrix();
   void AssembleStiffness(int applyLocalAxes);
+  void MergeHinges(const Elem& elem);
   void AddNodalLoads();
   void StartReactions();
   void ApplySupports();
@@ -178,4 +199,6 @@ private:
   void WriteKivBeamForces(int mesh, int component, TextOut& res) const;
   void WriteKivBeamAxes(int mesh, TextOut& res) const;
   void WriteKivReactionBlock(TextOut& res, int first, int last) const;
+
+  void PrintHinges(std::ofstream& out) const;
 };

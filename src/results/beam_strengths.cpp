@@ -81,10 +81,9 @@ void Project::CalcStrengthsBeams(int mesh)
   Matriu K11, K12, K22, T;
   int place = 0;
   for (const Elem& elem : Each<Elem>(elems)) {
-    const Material& material = RequireMaterial(elem);
-    material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(elem(0), elem(1)), problemType,
-                             GiveHingeCode(elem.Num()));
-    elem.CalcTransfMatrixBeam(T, &material, problemType);
+    const BeamSpan beam = SpanOf(elem, T);
+    beam.material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(elem(0), elem(1)), problemType,
+                                  beam.hingeCode);
     const BeamEnds ends = GiveBeamEnds(elem, T);
     for (int i = 1; i <= n; ++i)
       result.strengths(++place) = RowTimes(K11, ends.first, K12, false, ends.second, i);
@@ -95,6 +94,8 @@ void Project::CalcStrengthsBeams(int mesh)
 
 double Project::GiveStrength(int mesh, const Elem& elem, int component, double t, double L) const
 {
+  if (component < 1 || component > freeDegrees)
+    return 0.0;
   const MeshResults& result = results[mesh];
   const int first = result.Block(elem.Num());
   const int second = first + freeDegrees;
@@ -112,10 +113,8 @@ double Project::GiveStrength(int mesh, const Elem& elem, int component, double t
       return plane ? -S1 + t * L * result.strengths(first + 2) : v;
     case 5:
       return S1 + t * L * result.strengths(first + 3);
-    case 6:
+    default:  // 6
       return -S1 + t * L * result.strengths(first + 2);
-    default:
-      return 0.0;
   }
 }
 

@@ -1,7 +1,6 @@
 // The blocks of beams in the post-process results: displacements, forces and local axes
 // at the division points of every beam, points 0 and d at its ends.
 
-#include <cmath>
 #include <cstdio>
 
 #include "base/text_out.h"
@@ -46,11 +45,15 @@ void Project::WriteKivBeamDisplacements(int mesh, TextOut& res) const
   Matriu T;
   res << "BDisplacements 4 1.0 Estatic 2 2 1 \"Beams\"\nX\nY\nZ\n";
   for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
-    elem.CalcTransfMatrixBeam(T, &RequireMaterial(elem), problemType);
+    const BeamSpan beam = SpanOf(elem, T);
     SetDisplacementVectors(elem, T, numOfDivisions, points.data());
+    const SpanLoad load = LoadOn(beam);
+    const bool loaded = !load.IsZero();
     res << elem.Num();
-    const double* value = points.data();
+    double* value = points.data();
     for (int i = 0; i <= numOfDivisions; ++i) {
+      if (loaded)
+        load.AddToDisplacementVectors(beam, static_cast<double>(i) / numOfDivisions, value);
       res << ' ';
       for (int k = 0; k < c; ++k)
         res << *value++ << ' ';
@@ -68,12 +71,15 @@ void Project::WriteKivBeamForces(int mesh, int component, TextOut& res) const
   res << header;
   Matriu T;
   for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
-    elem.CalcTransfMatrixBeam(T, &RequireMaterial(elem), problemType);
-    const double L = std::sqrt(dist2(elem(0), elem(1)));
+    const BeamSpan beam = SpanOf(elem, T);
+    const SpanLoad load = LoadOn(beam);
+    const bool loaded = !load.IsZero();
     res << elem.Num();
     for (int i = 0; i <= numOfDivisions; ++i) {
       const double t = static_cast<double>(i) / numOfDivisions;
-      const double value = GiveStrength(mesh, elem, component, t, L);
+      double value = GiveStrength(mesh, elem, component, t, beam.L);
+      if (loaded)
+        load.AddToStrengthVectors(beam, component, t, value);
       for (int k = 1; k <= 3; ++k)
         res << ' ' << block.sign * value * T(k, block.axis);
       res << ' ' << value << '\n';

@@ -27,4 +27,22 @@ void Project::PrintTo(std::ofstream& out) const
     out << number << ' ';
     node.load->PrintTo(out, freeDegrees);
   }
+  if (hasHinges)
+    PrintHinges(out);
+}
+
+void Project::PrintHinges(std::ofstream& out) const
+{
+  out << "nodes with rotule:\n";
+  for (const auto [number, node] : EachNumbered<Node>(GiveNodes())) {
+    if (node.hasRotule)
+      out << number << '\n';
+  }
+  out << "elements rotule:\n";
+  for (const auto& mesh : meshes) {
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+      if (GiveHingeCode(elem.Num()) != 11)
+        out << "elm " << elem.Num() << " code=" << GiveHingeCode(elem.Num()) << '\n';
+    }
+  }
 }

@@ -5,6 +5,7 @@
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
+#include "numeric/matriu.h"
 #include "numeric/plex_range.h"
 #include "problem/constraint.h"
 #include "problem/element_family.h"
@@ -62,14 +63,19 @@ void Project::WriteBeamStrength(int mesh, TextOut& out) const
   out << ByProblem(problemType, "\n\nELEMENT STRENGTH (Px,local  Py,local  Mlocal)\n",
                    "\n\nELEMENT STRENGTH (Px,local  Py,local  Pz,local  Mx,local  My,local  "
                    "Mz,local)\n");
+  Matriu T;
   for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
+    const BeamSpan beam = SpanOf(elem, T);
+    double R[2][6] = {};
+    if (const SpanLoad load = LoadOn(beam); !load.IsZero())
+      load.AddToReactionsVecs(beam, R[0], R[1]);
     out << "Element " << elem.Num()
         << " local strength. nodes: " << nodesOfFile.GiveOldNumber(elem(0)) << ' '
         << nodesOfFile.GiveOldNumber(elem(1)) << '\n';
     const double* forces = results[mesh].strengths.Data() + results[mesh].Block(elem.Num());
-    for (int end = 0; end < 2; ++end) {
+    for (const auto& correction : R) {
       for (int i = 0; i < freeDegrees; ++i)
-        out << *forces++ << ' ';
+        out << *forces++ + correction[i] << ' ';
       out << '\n';
     }
   }

@@ -1,0 +1,157 @@
+// Source of the closed forms: W. C. Young, R. G. Budynas, Roark's Formulas for Stress and
+// Strain, McGraw-Hill, New York, 7th ed. 2002, table 8.1.
+
+#include "problem/beam_span.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "base/errorwriter.h"
+#include "numeric/block_rotation.h"
+#include "numeric/reavecv.h"
+
+namespace {
+
+// How a component of the internal forces follows from the load.
+struct SpanForce
+{
+  SpanPart part;
+  int q;           // which of the distributed loads
+  double sign;     // of the printed diagram
+  double endSign;  // of the equivalent load on the first node; the other on the second
+};
+
+// Torsion is printed as the action of the first node on the element, the opposite of the
+// torque in the section.
+constexpr SpanForce kPlaneForces[] = {{SpanPart::Axial, 0, 1.0, 1.0},
+                                      {SpanPart::Shear, 1, 1.0, -1.0},
+                                      {SpanPart::Bending, 1, 1.0, 1.0}};
+constexpr SpanForce kSpaceForces[] = {
+    {SpanPart::Axial, 0, 1.0, 1.0},    {SpanPart::Shear, 1, 1.0, -1.0},
+    {SpanPart::Shear, 2, 1.0, -1.0},   {SpanPart::Torsion, 3, -1.0, -1.0},
+    {SpanPart::Bending, 2, 1.0, -1.0}, {SpanPart::Bending, 1, 1.0, 1.0}};
+
+const SpanForce& ForceOf(const BeamSpan& beam, int component)
+{
+  return beam.type == kPlane ? kPlaneForces[component - 1] : kSpaceForces[component - 1];
+}
+
+// The part of the load q·L that the first end takes, and the moment there over q·L².
+struct EndShares
+{
+  int code;
+  double force;
+  double moment;
+};
+
+constexpr EndShares kEndShares[] = {
+    {11, 0.5, 1.0 / 12.0}, {10, 0.625, 0.125}, {1, 0.375, 0.0}, {0, 0.5, 0.0}};
+
+const EndShares& SharesOf(int hingeCode, const char* message)
+{
+  for (const EndShares& shares : kEndShares) {
+    if (shares.code == hingeCode)
+      return shares;
+  }
+  Fatal(message);
+}
+
+}  // namespace
+
+double GiveLocalStrength(SpanPart part, double t, double L, double q, int hingeCode)
+{
+  constexpr const char* kMessage = "error in GiveLocalStrength\n";
+  const EndShares& shares = SharesOf(hingeCode, kMessage);
+  const double x = t * L;
+  switch (part) {
+    case SpanPart::Axial:
+      return q * (shares.force * L - x);
+    case SpanPart::Shear:
+      return -q * (shares.force * L - x);
+    case SpanPart::Bending:
+      return q * (shares.moment * L * L - shares.force * L * x + x * x / 2.0);
+    case SpanPart::Torsion:
+      return q * (L / 2.0 - x);
+  }
+  Fatal(kMessage);
+}
+
+double GiveLocalDisplacement(SpanPart part, double t, double L, double q, double stiffness,
+                             int hingeCode)
+{
+  constexpr const char* kMessage = "error in GiveLocalDisplacement\n";
+  SharesOf(hingeCode, kMessage);
+  const double x = t * L;
+  const double rest = L - x;
+  if (part == SpanPart::Axial)
+    return q * x * rest / (2.0 * stiffness);
+  if (part != SpanPart::Shear)
+    Fatal(kMessage);
+  switch (hingeCode) {
+    case 11:
+      return q * x * x * rest * rest / (24.0 * stiffness);
+    case 10:
+      return q * x * x * rest * (3.0 * L - 2.0 * x) / (48.0 * stiffness);
+    case 1:
+      return q * rest * rest * x * (L + 2.0 * x) / (48.0 * stiffness);
+    default:
+      return q * x * (L * L * L - 2.0 * L * x * x + x * x * x) / (24.0 * stiffness);
+  }
+}
+
+bool SpanLoad::IsZero() const
+{
+  return strain == 0.0 &&
+         std::all_of(std::begin(q), std::end(q), [](double x) { return x == 0.0; });
+}
+
+double SpanLoad::Strength(const BeamSpan& beam, int component, double t) const
+{
+  const SpanForce& force = ForceOf(beam, component);
+  const double value =
+      force.sign * GiveLocalStrength(force.part, t, beam.L, q[force.q], beam.hingeCode);
+  return force.part == SpanPart::Axial ? value - beam.EA * strain : value;
+}
+
+void SpanLoad::AddToReactionsVecs(const BeamSpan& beam, double* R1, double* R2) const
+{
+  for (int k = 1; k <= beam.Components(); ++k) {
+    const double sign = ForceOf(beam, k).endSign;
+    R1[k - 1] -= sign * Strength(beam, k, 0.0);
+    R2[k - 1] += sign * Strength(beam, k, 1.0);
+  }
+}
+
+void SpanLoad::AddToLoadVectorBeam(const BeamSpan& beam, int first, int second,
+                                   ReaVecV& loads) const
+{
+  double R1[6] = {};
+  double R2[6] = {};
+  const int n = beam.Components();
+  AddToReactionsVecs(beam, R1, R2);
+  TurnVector(beam.T, Turn::ToGlobal, n, R1);
+  TurnVector(beam.T, Turn::ToGlobal, n, R2);
+  for (int k = 0; k < n; ++k) {
+    loads(first + k) -= R1[k];
+    loads(second + k) -= R2[k];
+  }
+}
+
+void SpanLoad::AddToStrengthVectors(const BeamSpan& beam, int component, double t,
+                                    double& strength) const
+{
+  strength += Strength(beam, component, t);
+}
+
+void SpanLoad::AddToDisplacementVectors(const BeamSpan& beam, double t, double* displacement) const
+{
+  const double stiffness[] = {beam.EA, beam.EIz, beam.EIy};
+  double local[3] = {};
+  for (int axis = 0; axis < beam.Translations(); ++axis) {
+    const SpanPart part = axis == 0 ? SpanPart::Axial : SpanPart::Shear;
+    local[axis] = GiveLocalDisplacement(part, t, beam.L, q[axis], stiffness[axis], beam.hingeCode);
+  }
+  TurnVector(beam.T, Turn::ToGlobal, 3, local);
+  for (int k = 0; k < beam.Translations(); ++k)
+    displacement[k] += local[k];
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "base/constants.h"
+
+class Elem;
+class Material;
+class Matriu;
+class ReaVecV;
+
+// A beam of length L under a load q, uniform along it, with the end conditions of a hinge
+// code: 11 both ends clamped, 10 the second hinged, 1 the first hinged, 0 both hinged.
+
+/// Which internal force or displacement of the beam.
+enum class SpanPart : int
+{
+  Axial = 1,
+  Shear,
+  Bending,
+  Torsion
+};
+
+/// Internal force at the relative abscissa t (0 at the first end, 1 at the second). A beam
+/// with one hinge carries its axial load by the 5/8 - 3/8 split of its shear. Fatal for a
+/// part or a code outside the lists.
+double GiveLocalStrength(SpanPart part, double t, double L, double q, int hingeCode);
+
+/// Displacement at t of the beam whose ends stay where they are: axial (stiffness EA) or, for
+/// the part Shear, across (stiffness EI). Fatal for other parts and codes.
+double GiveLocalDisplacement(SpanPart part, double t, double L, double q, double stiffness,
+                             int hingeCode);
+
+/// A beam as the loads on it see it. T is its frame, which is borrowed.
+struct BeamSpan
+{
+  const Elem& elem;
+  const Material& material;
+  const Matriu& T;
+  PROBLEMTYPE type;
+  int hingeCode;
+  double L;
+  double EIy, EIz, EA;
+
+  int Components() const { return type == kPlane ? 3 : 6; }
+  int Translations() const { return type == kPlane ? 2 : 3; }
+};
+
+/// All that acts on a beam between its ends, in its local axes.
+///
+/// Loads on one beam add up to one of these. The internal forces along the span are given
+/// here for the beam with fixed ends; the end loads are their values at the ends, so that
+/// diagrams, end forces and load vector agree.
+struct SpanLoad
+{
+  double q[4] = {};     ///< per length: axial, along y, along z, torque
+  double strain = 0.0;  ///< free thermal strain
+
+  bool IsZero() const;
+
+  /// Adds the equivalent nodal loads, in global axes, to a vector whose entries from
+  /// `first` and `second` on belong to the two nodes.
+  void AddToLoadVectorBeam(const BeamSpan& beam, int first, int second, ReaVecV& loads) const;
+
+  /// Adds minus the equivalent nodal loads of the two nodes, in local axes.
+  void AddToReactionsVecs(const BeamSpan& beam, double* R1, double* R2) const;
+
+  /// Adds to the internal force `component` (from 1) at t.
+  void AddToStrengthVectors(const BeamSpan& beam, int component, double t, double& strength) const;
+
+  /// Adds what the load bends the beam between its ends to the displacement at t: global
+  /// axes, two components in plane problems and three in space.
+  void AddToDisplacementVectors(const BeamSpan& beam, double t, double* displacement) const;
+
+private:
+  double Strength(const BeamSpan& beam, int component, double t) const;
+};

@@ -1,0 +1,76 @@
+// The five blocks of element loads: records "element values items".
+
+#include <memory>
+#include <string>
+
+#include "base/errorwriter.h"
+#include "numeric/plex_range.h"
+#include "problem/elem_loads.h"
+#include "problem/pressure_load.h"
+#include "problem/project.h"
+
+namespace {
+
+template <PreassureLT_type type>
+std::unique_ptr<BaseElemLoads> MakePressure()
+{
+  return std::make_unique<PreassureLT>(type);
+}
+
+std::unique_ptr<BaseElemLoads> MakeTemperature()
+{
+  return std::make_unique<TemperatureLT>();
+}
+
+using MakeLoad = std::unique_ptr<BaseElemLoads> (*)();
+
+struct LoadTypeName
+{
+  const char* keyword;
+  MakeLoad make;
+};
+
+constexpr LoadTypeName LoadTypeNames[] = {
+    {"global_pressure_loads", MakePressure<PreassureLT_type::Global>},
+    {"global_projected_pressure_loads", MakePressure<PreassureLT_type::GlobalProjected>},
+    {"local_pressure_loads", MakePressure<PreassureLT_type::Local>},
+    {"face_loads", MakePressure<PreassureLT_type::Face>},
+    {"temperature_loads", MakeTemperature},
+};
+
+MakeLoad FindLoadType(std::string_view word)
+{
+  for (const LoadTypeName& name : LoadTypeNames) {
+    if (EqualsNoCase(word, name.keyword))
+      return name.make;
+  }
+  return nullptr;
+}
+
+void Attach(VoidPlex& elemLoads, int number, std::unique_ptr<BaseElemLoads> load)
+{
+  if (BaseElemLoads* chain = Find<BaseElemLoads>(elemLoads, number))
+    chain->Append(std::move(load));
+  else
+    Store(elemLoads, number, std::move(load));
+}
+
+}  // namespace
+
+int Project::ReadElemLoad(TextScan& text, std::string_view word)
+{
+  const MakeLoad make = FindLoadType(word);
+  if (!make)
+    return -1;
+  // No comments here: a '#' is one more word that is no number.
+  for (int number = 0; text.ReadInt(number);) {
+    const Elem* elem = GiveElem(number);
+    if (!elem)
+      Fatal("error: trying to assign load to element number ", number, " and it does not exist\n");
+    std::unique_ptr<BaseElemLoads> load = make();
+    load->ReadYourLoad(number, problemType, text.ReadRestOfLine().c_str(), *this, elem->ElemType());
+    Attach(elemLoads, number, std::move(load));
+  }
+  SkipBlockEnd(text);
+  return 0;
+}

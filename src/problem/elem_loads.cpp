@@ -1,0 +1,33 @@
+#include "problem/elem_loads.h"
+
+#include <utility>
+
+#include "base/errorwriter.h"
+#include "base/number_text.h"
+#include "problem/beam_span.h"
+
+// One load after the other: a long chain must not nest its destructors.
+BaseElemLoads::~BaseElemLoads()
+{
+  while (next)
+    next = std::exchange(next->next, nullptr);
+}
+
+void BaseElemLoads::Append(std::unique_ptr<BaseElemLoads> load)
+{
+  BaseElemLoads* added = load.get();
+  last->next = std::move(load);
+  last = added;
+}
+
+void TemperatureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE, const char* text, const Units&,
+                                 ElemType)
+{
+  if (!ScanDouble(text, values[0]) || !ScanDouble(text, values[1]))
+    Fatal("Not reading correctly temperature_loads. ElemNum=", elemNumber, "\n");
+}
+
+void TemperatureLT::AddToSpanLoad(const BeamSpan&, SpanLoad& load) const
+{
+  load.strain += values[0] * values[1];
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+
+#include "base/constants.h"
+#include "model/elem.h"
+
+class Units;
+struct BeamSpan;
+struct SpanLoad;
+
+/// A load on an element: distributed, or a change of temperature. The loads on one element
+/// form a chain in the order read.
+class BaseElemLoads
+{
+public:
+  BaseElemLoads() = default;
+  BaseElemLoads(const BaseElemLoads&) = delete;
+  BaseElemLoads& operator=(const BaseElemLoads&) = delete;
+  virtual ~BaseElemLoads();
+
+  /// Takes the values from the rest of a record, converted to the units of the results.
+  virtual void ReadYourLoad(int elemNumber, PROBLEMTYPE type, const char* text, const Units& units,
+                            ElemType elemType) = 0;
+
+  /// Adds what the load is to a beam.
+  virtual void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const = 0;
+
+  /// Appends a load to the chain that begins here.
+  void Append(std::unique_ptr<BaseElemLoads> load);
+  const BaseElemLoads* Next() const { return next.get(); }
+
+private:
+  std::unique_ptr<BaseElemLoads> next;
+  BaseElemLoads* last = this;  ///< of the chain; kept in its first load only
+};
+
+/// Change of temperature of a beam: its free strain is the product of the two values, the
+/// coefficient of expansion and the change of temperature.
+class TemperatureLT : public BaseElemLoads
+{
+public:
+  void ReadYourLoad(int elemNumber, PROBLEMTYPE type, const char* text, const Units& units,
+                    ElemType elemType) override;
+  void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const override;
+
+  double values[2] = {};
+};

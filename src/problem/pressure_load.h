@@ -1,0 +1,32 @@
+#pragma once
+
+#include "numeric/reavec.h"
+#include "problem/elem_loads.h"
+
+/// In which axes the values of a distributed load are given.
+enum class PreassureLT_type : int
+{
+  Local,  ///< of the element
+  Global,
+  GlobalProjected,  ///< global, per length or area projected across the load
+  Face              ///< global, on a face or an edge
+};
+
+/// Load per length of a beam or an edge, per area of a shell or a face, per volume of a solid.
+class PreassureLT : public BaseElemLoads
+{
+public:
+  explicit PreassureLT(PreassureLT_type loadType) : type(loadType) {}
+
+  void ReadYourLoad(int elemNumber, PROBLEMTYPE problem, const char* text, const Units& units,
+                    ElemType elemType) override;
+  void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const override;
+
+  /// Makes this the self-weight of an element: its weight per length (area, volume) along
+  /// the unit vector of gravity. Fatal in a plane problem with gravity along +z.
+  void EnterWeight(double weight, const ReaVec& gravity, PROBLEMTYPE problem);
+
+  PreassureLT_type type;
+  double values[6] = {};  ///< forces along x, y, z and moments, in the units of the results
+  int face = -1;          ///< index of the face or edge; -1 without one
+};

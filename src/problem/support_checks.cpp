@@ -1,0 +1,74 @@
+#include <cmath>
+
+#include "base/errorwriter.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+#include "problem/constraint.h"
+#include "problem/project.h"
+
+namespace {
+
+bool IsPrescribed(const Node& node, int k)
+{
+  return node.constraint->flags[k - 1] == Constraint::kPrescribed;
+}
+
+bool AllPrescribed(const Node& node, int components)
+{
+  for (int k = 1; k <= components; ++k) {
+    if (!IsPrescribed(node, k))
+      return false;
+  }
+  return true;
+}
+
+void CheckOneSupport(const Node& node, int components, std::ostream& message)
+{
+  if (components == 6 && AllPrescribed(node, components))
+    return;
+  message << "There is only one prescribed node in the model!!!\n"
+          << (components == 3 ? "At least 3 prescribed nodes are needed!!!\n"
+                              : "Its 6 degrees of freedom should be prescribed!!!\n");
+}
+
+// The only motion that is judged is the turn about the line between the two.
+void CheckTwoSupports(const Node& a, const Node& b, int components, std::ostream& message)
+{
+  ReaVec d = b - a;
+  if (!(d.modul() > EPSILON) || a.constraint->localAxes || b.constraint->localAxes)
+    return;
+  for (int axis = 1; axis <= d.Size() && components == 6; ++axis) {
+    const bool held = IsPrescribed(a, 3 + axis) || IsPrescribed(b, 3 + axis);
+    if (held && std::fabs(d(axis)) > EPSILON)
+      return;
+  }
+  message << "There are only two prescribed nodes in the model!!!\n"
+          << "Model can rotate around axe: " << d << " !!!\n";
+}
+
+}  // namespace
+
+void Project::CheckTypicalConstraintsErrors() const
+{
+  const bool planeFrame =
+      meshes.size() == 1 && meshes.front()->GiveElemType() == Linear && freeDegrees == 3;
+  if (planeFrame)
+    return;
+  constexpr std::size_t kJudged = 2;
+  std::vector<const Node*> supported;
+  for (const Node& node : Each<Node>(GiveNodes())) {
+    if (!node.constraint)
+      continue;
+    if (supported.size() == kJudged)
+      return;
+    supported.push_back(&node);
+  }
+  std::ostream& message = errorwriter.Stream();
+  if (supported.empty())
+    message << "There are no prescribed nodes in the model!!!\n";
+  else if (supported.size() == 1)
+    CheckOneSupport(*supported[0], freeDegrees, message);
+  else
+    CheckTwoSupports(*supported[0], *supported[1], freeDegrees, message);
+}

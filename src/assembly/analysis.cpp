@@ -9,6 +9,7 @@
 #include "problem/element_family.h"
 #include "problem/project.h"
 #include "solvers/skymatriu.h"
+#include "solvers/sparse_solver.h"
 
 namespace {
 
@@ -61,7 +62,14 @@ void Project::ChooseSolver()
 
 void Project::MakeSolver()
 {
-  if (solverSettings.type != SolverType::SkyLine)
-    Fatal("error: the sparse solver is not available yet, use: Solver SkyLine\n");
-  solver = std::make_unique<SkyMatriu>(numNodes * freeDegrees);
+  const SolverSettings& s = solverSettings;
+  if (s.type == SolverType::SkyLine)
+    solver = std::make_unique<SkyMatriu>(numNodes * freeDegrees);
+  else if (s.type != SolverType::Sparse)
+    Fatal("error: unknown solver\n");
+  else if (s.maxIterations == 0)
+    solver = std::make_unique<SparseSolver>(numNodes, freeDegrees);
+  else
+    solver = std::make_unique<SparseSolver>(numNodes, freeDegrees, s.tolerance1, s.tolerance2,
+                                            s.maxIterations);
 }

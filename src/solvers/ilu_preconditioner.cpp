@@ -1,0 +1,110 @@
+#include "solvers/ilu_preconditioner.h"
+
+#include <cmath>
+#include <vector>
+
+#include "base/errorwriter.h"
+#include "solvers/sparse_matrix.h"
+#include "solvers/triangular_solve.h"
+
+namespace {
+
+constexpr int kUnitLower[3] = {kGeneralMatrix, kLowerTriangle, kUnitDiagonal};
+constexpr int kStoredUpper[3] = {kGeneralMatrix, kUpperTriangle, kStoredDiagonal};
+constexpr int kNoScaling = 1;
+
+}  // namespace
+
+ILUPreconditioner::ILUPreconditioner(const SparseMatrix& matrix) : Preconditioner("ILU")
+{
+  Split(matrix);
+  SortLines(lower);
+  SortLines(upper);
+  complete = Factorise();
+}
+
+void ILUPreconditioner::Split(const SparseMatrix& matrix)
+{
+  const int n = matrix.GiveSize();
+  std::size_t below = 0;
+  std::size_t others = 0;
+  for (int i = 0; i < n; ++i)
+    matrix.ForEachInRow(i, [&](int j, double) { ++(j < i ? below : others); });
+  lower.Reserve(static_cast<std::size_t>(n), below);
+  upper.Reserve(static_cast<std::size_t>(n), others);
+
+  for (int i = 0; i < n; ++i) {
+    matrix.ForEachInRow(i, [&](int j, double value) { (j < i ? lower : upper).Add(j, value); });
+    lower.EndLine();
+    upper.EndLine();
+  }
+}
+
+bool ILUPreconditioner::HasPivot(int i) const
+{
+  const int first = upper.starts[i];
+  if (first == upper.starts[i + 1] || upper.indices[first] != i)
+    return false;
+  const double pivot = upper.values[first];
+  return pivot != 0.0 && std::isfinite(pivot);
+}
+
+// Elimination row by row on the given pattern (Y. Saad, Iterative Methods for Sparse Linear
+// Systems, 2nd ed., SIAM, Philadelphia 2003, section 10.3). The entries of the row at work
+// are known by their columns, so that nothing is searched.
+bool ILUPreconditioner::Factorise()
+{
+  const int n = lower.View().n;
+  std::vector<double*> entry(static_cast<std::size_t>(n), nullptr);
+  const auto mark = [&](CompressedRows& rows, int i, bool present) {
+    for (int s = rows.starts[i]; s < rows.starts[i + 1]; ++s)
+      entry[rows.indices[s]] = present ? &rows.values[s] : nullptr;
+  };
+  for (int i = 0; i < n; ++i) {
+    mark(lower, i, true);
+    mark(upper, i, true);
+    EliminateRow(i, entry.data());
+    if (!HasPivot(i))
+      return false;
+    mark(lower, i, false);
+    mark(upper, i, false);
+  }
+  return true;
+}
+
+void ILUPreconditioner::EliminateRow(int i, double* const* entry)
+{
+  for (int s = lower.starts[i]; s < lower.starts[i + 1]; ++s) {
+    const int k = lower.indices[s];
+    const int pivot = upper.starts[k];
+    const double factor = lower.values[s] /= upper.values[pivot];
+    for (int t = pivot + 1; t < upper.starts[k + 1]; ++t)
+      if (double* const target = entry[upper.indices[t]])
+        *target -= factor * upper.values[t];
+  }
+}
+
+void ILUPreconditioner::solve(const double* x, double* y) const
+{
+  if (!complete) {
+    FillWithNaN(y, upper.View().n);
+    return;
+  }
+  dcsrsm(0, kNoScaling, kUnitLower, lower.View(), x, y);
+  dcsrsm(0, kNoScaling, kStoredUpper, upper.View(), y, y);
+}
+
+void ILUPreconditioner::trans_solve(const double* x, double* y) const
+{
+  if (!complete) {
+    FillWithNaN(y, upper.View().n);
+    return;
+  }
+  dcsrsm(1, kNoScaling, kStoredUpper, upper.View(), x, y);
+  dcsrsm(1, kNoScaling, kUnitLower, lower.View(), y, y);
+}
+
+void ILUPreconditioner::New_Matrix(const SparseMatrix&)
+{
+  Fatal("Wrong use of ILUPreconditioner::New_Matrix");
+}

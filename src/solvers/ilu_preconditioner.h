@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+
+#include "solvers/preconditioner.h"
+
+/// Incomplete factors L·U without fill: L has ones on its diagonal and the slots below it, U
+/// the slots on and above it.
+class ILUPreconditioner : public Preconditioner
+{
+public:
+  explicit ILUPreconditioner(const SparseMatrix& matrix);
+
+  void solve(const double* x, double* y) const override;
+  void trans_solve(const double* x, double* y) const override;
+  void New_Matrix(const SparseMatrix& matrix) override;
+
+  /// By rows, columns ascending, without the ones of the diagonal.
+  CompressedView GiveL() const { return lower.View(); }
+  /// By rows, columns ascending, the diagonal first.
+  CompressedView GiveU() const { return upper.View(); }
+  /// False when a pivot was missing, 0 or not finite.
+  bool IsComplete() const { return complete; }
+  std::size_t StorageBytes() const { return lower.StorageBytes() + upper.StorageBytes(); }
+
+private:
+  void Split(const SparseMatrix& matrix);
+  /// False at the first pivot that cannot be divided by.
+  bool Factorise();
+  bool HasPivot(int i) const;
+  /// Subtracts from row i what its entries in L bring; entry[j] points to (i, j), null when
+  /// it is not in the pattern.
+  void EliminateRow(int i, double* const* entry);
+
+  CompressedRows lower;
+  CompressedRows upper;
+  bool complete;
+};

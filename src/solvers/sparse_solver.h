@@ -1,0 +1,105 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "solvers/bsolver.h"
+#include "solvers/sparse_matrix.h"
+
+/// The whole matrix, both triangles, in compressed rows, solved by conjugate gradients
+/// with an incomplete LU preconditioner.
+///
+/// The pattern comes from the couplings of nodes: in the rows of a node, a group of ndof
+/// slots is set aside for itself and for every neighbour, in ascending order. What lies
+/// outside that pattern cannot be added.
+class SparseSolver : public BSolver
+{
+public:
+  /// The most neighbours of a node.
+  static constexpr int MAXNUMNODESAROUNDNODE = 200;
+
+  SparseSolver(int nnodes, int ndof);
+
+  /// The iteration stops at the relative residual tolerance1, or after MaxIterations, when
+  /// tolerance2 is still accepted.
+  SparseSolver(int nnodes, int ndof, double tolerance1, double tolerance2, int MaxIterations);
+
+  int GiveSize() const override { return n; }
+
+  /// Fatal when one of the nodes gets more than MAXNUMNODESAROUNDNODE neighbours.
+  void EnterMaxDiff(int node1, int node2, int ndof) override;
+
+  /// Fatal when there are no equations, or more entries than an int can count.
+  void Create(int ndof) override;
+
+  /// Fatal when nothing was added to (i, j) before.
+  double& operator()(int i, int j) override;
+
+  void SetToZero() override;
+
+  /// Adds m, and its mirror image too unless it begins on the diagonal, so that the caller
+  /// hands over each block of two nodes once. Fatal outside the pattern.
+  void AddSubMatriu(int row, int col, const Matriu& m) override;
+
+  /// Solves from the starting vector, which is used up. b becomes the solution when the
+  /// result is 0; else it stays. The result is -1 after a breakdown, or minus the number of
+  /// iterations (at least 1) when they were not enough.
+  int Solver(ReaVecV& b, std::FILE* info) override;
+
+  /// Replaces row eq only: the column stays, and the matrix is no longer symmetric. Since
+  /// the starting vector holds the prescribed values, the residual of their rows is exactly
+  /// 0 from the start, the iteration never moves them, and it works as on the free equations.
+  int ApplyConstraint(int eq, double value, ReaVecV& b) override;
+
+  double ReturnRowPerVector(int i, const ReaVecV& v) const override;
+  void PrintTo(std::ofstream& out) const override;
+
+  /// Not available: fatal.
+  void CopyFromYouToMat(Matriu& m) const override;
+  /// Not available: fatal.
+  void WriteForKiv(std::ofstream& mesh, std::ofstream& res) const override;
+
+  void PrintInfoMem(std::FILE* info) const override;
+
+  /// The starting vector of the next call of Solver, n numbers; without one it is 0.
+  void EnterInitialvalues(std::unique_ptr<double[]> x0) { initialValues = std::move(x0); }
+
+  /// Null before Create.
+  const SparseMatrix* GiveMatrix() const { return matrix.get(); }
+
+private:
+  /// The nodes whose groups of slots the rows of each node have, from 0, ascending.
+  struct NodePattern
+  {
+    std::vector<int> starts;
+    std::vector<int> nodes;
+  };
+
+  void AddNeighbour(int node, int neighbour);
+  std::vector<int> RowLengths() const;
+  void MakePattern();
+
+  /// The first slot, counted in the row, of column node q's group in the rows of node p; -1
+  /// when they are not coupled.
+  int FindGroup(int p, int q) const;
+
+  bool IsNodeBlock(int row, int col, const Matriu& m) const;
+  /// Adds an ndof×ndof block at the nodes p and q; its entry (a, b) is m[a·rowStep + b·colStep].
+  void AddNodeBlock(int p, int q, const double* m, int rowStep, int colStep);
+  void AddEntry(int i, int j, double value);
+
+  std::unique_ptr<double[]> TakeStart(const ReaVecV& b);
+
+  int n;
+  int ndof;
+  double tolerance1;
+  double tolerance2;
+  int MaxIterations;
+
+  std::vector<std::vector<int>> neighbours;  ///< of each node, sorted; until Create
+  NodePattern pattern;                       ///< from Create on
+  std::unique_ptr<SparseMatrix> matrix;
+  std::vector<int> prescribed;  ///< equations whose rows are replaced, from 0
+  std::unique_ptr<double[]> initialValues;
+};

@@ -1,0 +1,69 @@
+#include "solvers/bsolver.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "numeric/matriu.h"
+#include "solvers/skymatriu.h"
+#include "solvers/sparse_solver.h"
+#include "support/dense.h"
+#include "support/fatal.h"
+
+namespace {
+
+/// Fills a matrix of two coupled nodes of one component.
+void Fill(BSolver& matrix, double first, double beside, double last)
+{
+  matrix.EnterMaxDiff(1, 2, 1);
+  matrix.Create(1);
+  matrix.AddSubMatriu(1, 1, MatriuOf(1, 1, {first}));
+  matrix.AddSubMatriu(1, 2, MatriuOf(1, 1, {beside}));
+  matrix.AddSubMatriu(2, 2, MatriuOf(1, 1, {last}));
+}
+
+TEST(AreEqual, ComparesAllEntriesOfAnyTwoSolvers)
+{
+  SkyMatriu sky(2);
+  Fill(sky, 4.0, 1.0, 5.0);
+  static const struct
+  {
+    double first, beside, last, tol;
+    bool equal;
+  } cases[] = {
+      {4.0, 1.0, 5.0, 1e-12, true},
+      {4.5, 1.0, 5.0, 0.5, false},
+      {4.5, 1.0, 5.0, 0.51, true},
+      {4.0, 0.5, 5.0, 0.5, false},
+      {4.0, 1.0, 5.5, 0.5, false},
+      {4.0, 1.0, 5.0, 0.0, false},
+      {4.0, 1.0, std::numeric_limits<double>::quiet_NaN(), 1.0, false},
+  };
+  for (const auto& c : cases) {
+    SparseSolver sparse(2, 1);
+    Fill(sparse, c.first, c.beside, c.last);
+    EXPECT_EQ(AreEqual(sky, sparse, c.tol), c.equal);
+    EXPECT_EQ(AreEqual(sparse, sky, c.tol), c.equal);
+  }
+}
+
+TEST(AreEqual, SizesMustAgree)
+{
+  SkyMatriu two(2), three(3);
+  two.Create(1);
+  three.Create(1);
+  EXPECT_FALSE(AreEqual(two, three, 1e9));
+  EXPECT_TRUE(AreEqual(two, two, 1e-9));
+}
+
+TEST(AreEqual, EntriesThatASolverDoesNotHaveEndTheRun)
+{
+  SkyMatriu sky(2);
+  sky.Create(1);
+  SparseSolver sparse(2, 1);
+  sparse.Create(1);
+  ExpectFatal([&] { AreEqual(sky, sparse, 1.0); },
+              "Sparse Matrix element (0,0) not in sparse structure -- cannot assign.");
+}
+
+}  // namespace

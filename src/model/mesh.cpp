@@ -57,7 +57,8 @@ void Mesh::CalcShapeGaussFemv()
 
 int Mesh::GiveOldNumber(int n) const
 {
-  return n >= 1 && n <= static_cast<int>(oldNumbers.size()) ? oldNumbers[n - 1] : n;
+  const std::vector<int>& old = numbering->oldNumbers;
+  return n >= 1 && n <= static_cast<int>(old.size()) ? old[n - 1] : n;
 }
 
 int Mesh::GiveOldNumber(const Node* node) const

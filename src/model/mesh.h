@@ -49,6 +49,10 @@ public:
   int GiveOldNumber(int n) const;
   int GiveOldNumber(const Node* node) const;
 
+  /// Lets this mesh, which shares the nodes of the other, know its old numbers. The other
+  /// mesh is borrowed.
+  void TakeOldNumbersOf(const Mesh& owner) { numbering = &owner; }
+
   /// Gives every element n node places, the new ones null.
   void ConvertToNewNnode(int n);
 
@@ -81,6 +85,7 @@ private:
   std::unique_ptr<VoidPlex> elems;
   std::vector<std::array<int, 2>> edges;  ///< no part of the analysis: empty
   std::vector<int> oldNumbers;            ///< of number k at k - 1; empty until a renumbering
+  const Mesh* numbering = this;           ///< the mesh whose old numbers hold
 };
 
 /// Reads the word that names an element type; its first letter (for "t" the second)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <istream>
 #include <memory>
 #include <ostream>
 
@@ -32,6 +33,14 @@ public:
   int word = 0;            ///< scratch of the renumbering
   bool hasRotule = false;  ///< every beam end at this node is hinged
 };
+
+inline TextScan& operator>>(TextScan& text, Node& node)
+{
+  node.ReadFromAscii(text);
+  return text;
+}
+/// A node is more than the coordinates that the vector would read.
+std::istream& operator>>(std::istream& in, Node& node) = delete;
 
 /// The node's number; 0 for a node that is not there.
 inline int NumberOf(const Node* node)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/constants.h"
 #include "base/errorwriter.h"
 
 namespace {
@@ -33,6 +34,13 @@ int CompareUnitsBase(const UnitsBase& a, const UnitsBase& b)
 double Units::Ratios::Of(int forcePower, int lengthPower) const
 {
   return std::pow(force, forcePower) * std::pow(length, lengthPower);
+}
+
+Units::Ratios Units::RatiosOf(const UnitsBase& given) const
+{
+  if (!(given.facN >= EPSILON && given.facM >= EPSILON))
+    Fatal("error: Unit name '", given.name, "' must have two positive numbers\n");
+  return {given.facN / resForce, given.facM / resLength};
 }
 
 // Only the new entries are sorted, so that a long table may come in many small parts.

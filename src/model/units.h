@@ -50,11 +50,8 @@ public:
 
   /// For a material or load record without units of its own.
   Ratios DefaultRatios() const { return {matLoadForce / resForce, matLoadLength / resLength}; }
-  /// For a record given in this unit system.
-  Ratios RatiosOf(const UnitsBase& given) const
-  {
-    return {given.facN / resForce, given.facM / resLength};
-  }
+  /// For a record given in this unit system. Fatal when its factors are not positive.
+  Ratios RatiosOf(const UnitsBase& given) const;
   /// For mesh coordinates.
   double MeshLengthRatio() const { return meshLength / resLength; }
 

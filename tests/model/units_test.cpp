@@ -172,4 +172,15 @@ TEST(Units, RatiosAreInputOverResult)
   EXPECT_DOUBLE_EQ(simple.Of(0, 0), 1.0);
 }
 
+TEST(Units, RecordsRefuseFactorsThatAreNotPositive)
+{
+  Units units;
+  UnitsBase base{.name = "A", .nameN = "kN", .nameM = "m", .namePa = "kPa", .facN = 0.0};
+  const char* const message = "error: Unit name 'A' must have two positive numbers\n";
+  ExpectFatal([&] { units.RatiosOf(base); }, message);
+  base.facN = 1.0;
+  base.facM = -1000.0;
+  ExpectFatal([&] { units.RatiosOf(base); }, message);
+}
+
 }  // namespace

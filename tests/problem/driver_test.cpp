@@ -298,3 +298,11 @@ TEST_F(DriverTest, RenumberingIsInhibitedByR0)
   const std::string asRead = Succeed({"-i", "-", "-r0", "model.dat"});
   EXPECT_NE(asRead.find("Total number of positions= 60\n"), std::string::npos) << asRead;
 }
+
+TEST_F(DriverTest, AFolderIsAProblemFileWithoutWords)
+{
+  folder.Write("folder/file", "");
+  const RunResult run = RunProgram(folder, {"folder"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.err, "can't find word ***problem*** in input file\n");
+}

@@ -1,11 +1,17 @@
 // The order of the analysis: from the model as read to the displacements.
 
+#include <algorithm>
 #include <climits>
 
+#include "assembly/six_nodes.h"
+#include "assembly/support_axes.h"
 #include "base/errorwriter.h"
+#include "base/stprintf.h"
 #include "model/mesh.h"
 #include "model/node.h"
+#include "numeric/matriu.h"
 #include "numeric/plex_range.h"
+#include "problem/constraint.h"
 #include "problem/element_family.h"
 #include "problem/project.h"
 #include "solvers/skymatriu.h"
@@ -31,10 +37,69 @@ void Project::Calc(int renumber, std::FILE* info)
   CheckModel();
   if (hasHinges)
     CalcElemsRotules();
+  if (solverSettings.type == SolverType::Double)
+    PreSolve(renumber, info);
+  if (convertTo6Nodes)
+    ConvertTriangles(info);
   ChooseSolver();
   if (renumber && solverSettings.type == SolverType::SkyLine)
     meshes.front()->RenumberNodes();
+  MarkCoplanarNodes(info);
   MakeSolver();
+  Solve(info);
+}
+
+// The model as it stands, by the skyline solver: its displacements are the starting vector
+// of the sparse solver for the model of six-node triangles.
+void Project::PreSolve(int renumber, std::FILE* info)
+{
+  for (const auto& mesh : meshes) {
+    if (mesh->GiveElemType() == Triangle && mesh->GiveNnode() != 3)
+      Fatal("error: Solver DOUBLE needs a shell mesh of 3-noded triangles\n");
+    if (mesh->GiveElemType() == Tetrahedra)
+      Fatal("error: Double solver not implemented for tetrahedras\n");
+  }
+  if (renumber)
+    meshes.front()->RenumberNodes();
+  Progress(info, "Running a pre-solver to prepare initial values\n");
+  MarkCoplanarNodes(info);
+  solver = std::make_unique<SkyMatriu>(numNodes * freeDegrees);
+  Solve(info);
+  solver.reset();
+  coplanarity.clear();
+  preSolved = true;
+  solverSettings.type = SolverType::Sparse;
+  convertTo6Nodes = true;
+}
+
+void Project::ConvertTriangles(std::FILE* info)
+{
+  EdgeNodes edges;
+  bool converted = false;
+  for (const auto& mesh : meshes) {
+    if (mesh->GiveElemType() != Triangle || mesh->GiveNnode() != 3)
+      continue;
+    ConvertTriangleTo6nod(mesh.get(), edges);
+    converted = true;
+  }
+  if (converted)
+    Progress(info, "Mesh converted to internal 6-noded representation\n");
+}
+
+void Project::MarkCoplanarNodes(std::FILE* info)
+{
+  const bool shells = std::any_of(meshes.begin(), meshes.end(), [](const auto& mesh) {
+    return mesh->GiveElemType() == Triangle;
+  });
+  if (!shells)
+    return;
+  CalcCoplanarityVector();
+  Progress(info, "%i out of %i nodes are coplanar\n",
+           static_cast<int>(std::count(coplanarity.begin(), coplanarity.end(), 1)), numNodes);
+}
+
+void Project::Solve(std::FILE* info)
+{
   displacements.resize(numNodes * freeDegrees, 0.0);
   displacements = 0.0;
   FillMatrixVectorAndSolve(info);
@@ -50,6 +115,12 @@ void Project::CheckModel() const
     if (mesh->GiveElemType() == Linear)
       CheckLengths(*mesh);
   }
+  // Once, while the nodes still have the numbers of the file.
+  Matriu T;
+  for (const auto [number, node] : EachNumbered<Node>(GiveNodes())) {
+    if (node.constraint)
+      node.constraint->CalcTransfMatFromEuler(number, T, freeDegrees, 1);
+  }
 }
 
 void Project::ChooseSolver()
@@ -63,13 +134,39 @@ void Project::ChooseSolver()
 void Project::MakeSolver()
 {
   const SolverSettings& s = solverSettings;
-  if (s.type == SolverType::SkyLine)
+  if (s.type == SolverType::SkyLine) {
     solver = std::make_unique<SkyMatriu>(numNodes * freeDegrees);
-  else if (s.type != SolverType::Sparse)
+    return;
+  }
+  if (s.type != SolverType::Sparse)
     Fatal("error: unknown solver\n");
-  else if (s.maxIterations == 0)
-    solver = std::make_unique<SparseSolver>(numNodes, freeDegrees);
-  else
-    solver = std::make_unique<SparseSolver>(numNodes, freeDegrees, s.tolerance1, s.tolerance2,
-                                            s.maxIterations);
+  auto sparse = s.maxIterations == 0
+                    ? std::make_unique<SparseSolver>(numNodes, freeDegrees)
+                    : std::make_unique<SparseSolver>(numNodes, freeDegrees, s.tolerance1,
+                                                     s.tolerance2, s.maxIterations);
+  if (preSolved)
+    sparse->EnterInitialvalues(StartFromPreSolve());
+  solver = std::move(sparse);
+}
+
+// The displacements of the pre-solve; a mid-side node takes the mean of its corners'.
+std::unique_ptr<double[]> Project::StartFromPreSolve() const
+{
+  ReaVecV start = displacements;
+  start.resize(numNodes * freeDegrees, 0.0);
+  for (const auto& mesh : meshes) {
+    if (mesh->GiveElemType() != Triangle)
+      continue;
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+      for (int i = 0; i < 3; ++i) {
+        for (int k = 1; k <= freeDegrees; ++k)
+          start(Equation(*elem(i + 3), k)) =
+              (start(Equation(*elem(i), k)) + start(Equation(*elem((i + 1) % 3), k))) / 2.0;
+      }
+    }
+  }
+  ConvertGlobalLoadToLocal(GiveNodes(), start, freeDegrees);
+  auto values = std::make_unique<double[]>(static_cast<std::size_t>(start.Size()));
+  std::copy_n(start.Data(), start.Size(), values.get());
+  return values;
 }

@@ -65,3 +65,38 @@ void Project::AddLoadsOnBeams(Mesh* mesh)
       load.AddToLoadVectorBeam(beam, Equation(*elem(0), 1), Equation(*elem(1), 1), displacements);
   }
 }
+
+void Project::AddLoadsOnTriangles(Mesh* mesh)
+{
+  Matriu T, Tbig;
+  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+    const Material& material = RequireMaterial(elem);
+    const double weight = material.Weight * material.t;
+    const BaseElemLoads* load = Find<BaseElemLoads>(elemLoads, elem.Num());
+    if (!(weight > EPSILON) && !load)
+      continue;
+    elem.CalcTransfMatrixTriangle(T, Tbig, &material);
+    if (weight > EPSILON) {
+      PreassureLT selfWeight(PreassureLT_type::Global);
+      selfWeight.EnterWeight(weight, gravityDirection, problemType);
+      selfWeight.AddToLoadVectorTriangle(elem, T, displacements);
+    }
+    for (; load; load = load->Next())
+      load->AddToLoadVectorTriangle(elem, T, displacements);
+  }
+}
+
+void Project::AddLoadsOnTetras(Mesh* mesh)
+{
+  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+    const double weight = RequireMaterial(elem).Weight;
+    if (weight > EPSILON) {
+      PreassureLT selfWeight(PreassureLT_type::Global);
+      selfWeight.EnterWeight(weight, gravityDirection, kSpace);  // whatever the header says
+      selfWeight.AddToLoadVectorTetra(elem, displacements);
+    }
+    for (const BaseElemLoads* load = Find<BaseElemLoads>(elemLoads, elem.Num()); load;
+         load = load->Next())
+      load->AddToLoadVectorTetra(elem, displacements);
+  }
+}

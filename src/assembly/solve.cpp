@@ -77,6 +77,7 @@ void Project::StartReactions()
   for (const Node& node : Each<Node>(GiveNodes())) {
     if (!node.constraint)
       continue;
+    node.constraint->reactions.fill(0.0);  // of a pre-solve
     for (int k = 1; k <= freeDegrees; ++k)
       node.constraint->AddToReaction(k, -displacements(Equation(node, k)));
   }

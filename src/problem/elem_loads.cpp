@@ -31,3 +31,13 @@ void TemperatureLT::AddToSpanLoad(const BeamSpan&, SpanLoad& load) const
 {
   load.strain += values[0] * values[1];
 }
+
+void TemperatureLT::AddToLoadVectorTriangle(const Elem&, const Matriu&, ReaVecV&) const
+{
+  Fatal("temperature for triangles not implemented yet\n");
+}
+
+void TemperatureLT::AddToLoadVectorTetra(const Elem&, ReaVecV&) const
+{
+  Fatal("temperature for 3D solids not implemented yet\n");
+}

@@ -5,6 +5,8 @@
 #include "base/constants.h"
 #include "model/elem.h"
 
+class Matriu;
+class ReaVecV;
 class Units;
 struct BeamSpan;
 struct SpanLoad;
@@ -26,6 +28,13 @@ public:
   /// Adds what the load is to a beam.
   virtual void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const = 0;
 
+  /// Adds the equivalent nodal loads to the load vector by equation. T: the frame (3×3) of
+  /// the triangle.
+  virtual void AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, ReaVecV& loads) const = 0;
+
+  /// The same for a tetrahedron.
+  virtual void AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const = 0;
+
   /// Appends a load to the chain that begins here.
   void Append(std::unique_ptr<BaseElemLoads> load);
   const BaseElemLoads* Next() const { return next.get(); }
@@ -43,6 +52,9 @@ public:
   void ReadYourLoad(int elemNumber, PROBLEMTYPE type, const char* text, const Units& units,
                     ElemType elemType) override;
   void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const override;
+  /// Fatal: beams only.
+  void AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, ReaVecV& loads) const override;
+  void AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const override;
 
   double values[2] = {};
 };

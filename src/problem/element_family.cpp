@@ -13,8 +13,45 @@ constexpr ElementFamily kFamilies[] = {
      .addStiffness = &Project::AddKToGlobalMatrixBeams,
      .addLoads = &Project::AddLoadsOnBeams,
      .calcStrengths = &Project::CalcStrengthsBeams,
+     .smooth = nullptr,
      .writeStrength = &Project::WriteBeamStrength,
      .writeKiv = &Project::WriteKivResultsBeams},
+    {.type = Triangle,
+     .nnode = 3,
+     .spaceOnly = true,
+     .addStiffness = &Project::AddKToGlobalMatrixTriangles,
+     .addLoads = &Project::AddLoadsOnTriangles,
+     .calcStrengths = &Project::CalcStrengthsTriangles,
+     .smooth = &Project::SmoothTriangles,
+     .writeStrength = nullptr,
+     .writeKiv = &Project::WriteKivResultsTriangle},
+    {.type = Triangle,
+     .nnode = 6,
+     .spaceOnly = true,
+     .addStiffness = &Project::AddKToGlobalMatrixTriangles,
+     .addLoads = &Project::AddLoadsOnTriangles,
+     .calcStrengths = &Project::CalcStrengthsTriangles,
+     .smooth = &Project::SmoothTriangles,
+     .writeStrength = nullptr,
+     .writeKiv = &Project::WriteKivResultsTriangle},
+    {.type = Tetrahedra,
+     .nnode = 4,
+     .spaceOnly = false,
+     .addStiffness = &Project::AddKToGlobalMatrixTetras,
+     .addLoads = &Project::AddLoadsOnTetras,
+     .calcStrengths = &Project::CalcStrengthsTetras,
+     .smooth = &Project::SmoothVariableTetra,
+     .writeStrength = nullptr,
+     .writeKiv = &Project::WriteKivResultsTetra},
+    {.type = Tetrahedra,
+     .nnode = 10,
+     .spaceOnly = false,
+     .addStiffness = &Project::AddKToGlobalMatrixTetras,
+     .addLoads = &Project::AddLoadsOnTetras,
+     .calcStrengths = &Project::CalcStrengthsTetras,
+     .smooth = &Project::SmoothVariableTetra,
+     .writeStrength = nullptr,
+     .writeKiv = &Project::WriteKivResultsTetra},
 };
 
 }  // namespace
@@ -25,8 +62,5 @@ const ElementFamily& FamilyOf(const Mesh& mesh)
     if (family.type == mesh.GiveElemType() && family.nnode == mesh.GiveNnode())
       return family;
   }
-  if (mesh.GiveElemType() == Triangle || mesh.GiveElemType() == Tetrahedra)
-    Fatal("error: elements of type ", ElemTypeName(mesh.GiveElemType()),
-          " are not available yet\n");
   Fatal("error: elemtype unknown\n");
 }

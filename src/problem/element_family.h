@@ -18,6 +18,8 @@ struct ElementFamily
   /// Self-weight and element loads.
   void (Project::*addLoads)(Mesh* mesh);
   void (Project::*calcStrengths)(int mesh);
+  /// Smoothing of the results; null when the family has none.
+  void (Project::*smooth)(int mesh);
   /// Section of the text results; null when the family has none.
   void (Project::*writeStrength)(int mesh, TextOut& out) const;
   /// Blocks of the post-process results.

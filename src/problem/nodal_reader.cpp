@@ -80,7 +80,7 @@ void Project::ReadFAConstraints(TextScan& text)
             number, "\n");
     ScanItems(p, *this, true, "Not reading correctly the constraints. -B- Number=", number, record);
     if (!node->constraint)
-      node->constraint = std::make_unique<Constraint>(n);
+      node->constraint = std::make_unique<Constraint>(n, translations);
     node->constraint->EnterValuesAndFlags(record.flags, record.values, n, record.ratios.force,
                                           record.ratios.length);
     if (record.anglesGiven)
@@ -107,7 +107,7 @@ void Project::ReadFALoads(TextScan& text)
             number, "\n");
     ScanItems(p, *this, false, "Not reading correctly the loads. -D- Number=", number, record);
     if (!node->load)
-      node->load = std::make_unique<Load>(n);
+      node->load = std::make_unique<Load>(n, translations);
     node->load->AddValues(record.values, n, record.ratios.force, record.ratios.length);
   }
   SkipBlockEnd(text);

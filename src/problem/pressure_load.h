@@ -21,6 +21,8 @@ public:
   void ReadYourLoad(int elemNumber, PROBLEMTYPE problem, const char* text, const Units& units,
                     ElemType elemType) override;
   void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const override;
+  void AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, ReaVecV& loads) const override;
+  void AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const override;
 
   /// Makes this the self-weight of an element: its weight per length (area, volume) along
   /// the unit vector of gravity. Fatal in a plane problem with gravity along +z.
@@ -29,4 +31,12 @@ public:
   PreassureLT_type type;
   double values[6] = {};  ///< forces along x, y, z and moments, in the units of the results
   int face = -1;          ///< index of the face or edge; -1 without one
+
+private:
+  /// A load per length on the edge `face`, from node `face` (from 0) to the next corner.
+  void AddToLoadVectorFaceTriangle(const Elem& elem, ReaVecV& loads) const;
+  /// A load per area on the face `face`, whose corners are the nodes `face`, `face` + 1 and
+  /// `face` + 2 (from 0, cyclically).
+  void AddToLoadVectorFaceTetra(const Elem& elem, ReaVecV& loads) const;
+  ReaVec OnSurface(const ReaVec& normal) const;
 };

@@ -1,8 +1,6 @@
 // The top level of the problem file: its header, its keywords, and the checks at its end.
 
 #include <cmath>
-#include <iterator>
-#include <set>
 #include <string>
 
 #include "base/errorwriter.h"
@@ -14,9 +12,18 @@
 
 namespace {
 
+// What cannot be read (a folder, a faulty disk) counts as the end.
 std::string ReadWholeStream(std::ifstream& in)
 {
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  constexpr std::size_t kBlock = 1 << 20;
+  std::string content;
+  while (in) {
+    const std::size_t size = content.size();
+    content.resize(size + kBlock);
+    in.read(content.data() + size, kBlock);
+    content.resize(size + static_cast<std::size_t>(in.gcount()));
+  }
+  return content;
 }
 
 // What is left of a word behind its keyword, or else the next word with something in it.
@@ -71,6 +78,7 @@ void Project::ReadHeader(TextScan& text)
   else
     Fatal("Type of problem unknown. Only 2d and 3d\n");
   freeDegrees = problemType == kPlane ? 3 : 6;
+  translations = problemType == kPlane ? 2 : 3;
 }
 
 bool Project::ReadKeyword(TextScan& text, std::string_view word)
@@ -128,10 +136,11 @@ void Project::ReadMesh(TextScan& text)
     meshes.push_back(std::make_unique<Mesh>(kChunk, kChunk, 0, ::ElemType(0), 0));
   else
     meshes.push_back(std::make_unique<Mesh>(&GiveNodes(), kChunk, 0, ::ElemType(0), 0));
+  meshes.back()->TakeOldNumbersOf(*meshes.front());
   meshes.back()->ReadFromAscii(text, this);
   initialNumNodes = numNodes = GiveNodes().Last();
   if (meshes.back()->GiveElemType() == Tetrahedra)
-    freeDegrees = 3;
+    freeDegrees = translations = 3;
 }
 
 int Project::CheckElementsNumbers() const
@@ -161,7 +170,7 @@ void Project::FinishReading()
     Fatal("error: Element tetrahedra cannot be mixed with any other element type");
   if (solids) {
     smoothing.on = true;
-    freeDegrees = 3;
+    freeDegrees = translations = 3;
   }
   for (const auto& mesh : meshes) {
     for (Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))

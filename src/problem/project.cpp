@@ -60,6 +60,11 @@ Elem* Project::GiveElem(int number) const
   return nullptr;
 }
 
+bool Project::IsAddedNode(const Node& node) const
+{
+  return meshes.front()->GiveOldNumber(&node) > initialNumNodes;
+}
+
 int Project::Equation(const Node& node, int k) const
 {
   return (node.number - 1) * freeDegrees + k;

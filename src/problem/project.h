@@ -10,6 +10,7 @@
 #include "base/constants.h"
 #include "base/textscan.h"
 #include "model/units.h"
+#include "numeric/plex_range.h"
 #include "numeric/reavec.h"
 #include "numeric/reavecv.h"
 #include "numeric/voidplex.h"
@@ -17,6 +18,7 @@
 #include "problem/settings.h"
 
 class BSolver;
+class EdgeNodes;
 class Elem;
 class Material;
 class Matriu;
@@ -31,7 +33,10 @@ struct MeshResults
 {
   std::vector<int> numbers;  ///< of the elements, ascending
   int blockSize = 0;         ///< values of an element
+  int points = 0;            ///< Gauss points of an element; 0 for beams
   ReaVecV strengths;
+  ReaVecV mainAngles;     ///< six Euler angles a point: axes of forces, of moments
+  ReaVecV mainStrengths;  ///< principal values beside the local ones
 
   /// Position before the block of an element's values: its value k is strengths(Block + k).
   int Block(int elemNumber) const;
@@ -89,20 +94,39 @@ public:
   /// The sum of self-weight and loads on a beam.
   SpanLoad LoadOn(const BeamSpan& beam) const;
 
+  /// Calls visit(number, node) for every node that the file has given, by its number there.
+  template <class Visit>
+  void ForEachNodeRead(Visit visit) const
+  {
+    for (const auto [number, node] : EachNumbered<const Node>(GiveNodes())) {
+      if (number > initialNumNodes)
+        return;
+      visit(number, node);
+    }
+  }
+
   // --- Analysis (assembly/) ---
 
   /// From the model to the displacements, with progress on info (may be null).
   /// renumber 0 keeps the numbers of the file.
   void Calc(int renumber, std::FILE* info);
   void FillMatrixVectorAndSolve(std::FILE* info);
+  /// Gives the triangles of a mesh nodes in the middle of their edges.
+  void ConvertTriangleTo6nod(Mesh* mesh, EdgeNodes& edges);
+  /// Marks the nodes whose triangles all lie in one plane.
+  void CalcCoplanarityVector();
   /// Merges the hinges of nodes into the codes of the beams, and fixes the rotations of
   /// nodes that no connection holds.
   void CalcElemsRotules();
   /// Adds the stiffness of a mesh to the matrix; applyLocalAxes 0 leaves it in global
   /// axes at supports that have their own.
   void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes);
+  void AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes);
+  void AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes);
   /// Adds the self-weight and the loads of the elements of a mesh to the load vector.
   void AddLoadsOnBeams(Mesh* mesh);
+  void AddLoadsOnTriangles(Mesh* mesh);
+  void AddLoadsOnTetras(Mesh* mesh);
   /// Explains typical faults of the supports in the stream of the error writer.
   void CheckTypicalConstraintsErrors() const;
 
@@ -110,7 +134,16 @@ public:
 
   void CalcStrengthsAndReactions(std::FILE* info);
   void CalcStrengthsBeams(int mesh);
+  void CalcStrengthsTriangles(int mesh);
+  void CalcStrengthsTetras(int mesh);
   void CalcReactions();
+  /// Averages the results of elements that meet at a node, where the file asks for it.
+  void Smooth(std::FILE* info);
+  void SmoothTriangles(int mesh);
+  void SmoothVariableTetra(int mesh);
+  /// Smooths the membrane forces (variable 0) or the moments (1) in `values`; mainAngles: the
+  /// axes of principal values, null for local ones.
+  void SmoothVariable(int mesh, int variable, ReaVecV& values, const ReaVecV* mainAngles);
 
   /// Internal force `component` (from 1) of a beam of length L at the relative abscissa
   /// t, from its end forces.
@@ -131,6 +164,8 @@ public:
   /// The post-process results; before them the mesh file when it has a name.
   void WriteKivResults(std::ofstream& res, const char* meshFileName) const;
   void WriteKivResultsBeams(int mesh, TextOut& res) const;
+  void WriteKivResultsTriangle(int mesh, TextOut& res) const;
+  void WriteKivResultsTetra(int mesh, TextOut& res) const;
   void WriteKivResultsReactions(TextOut& res) const;
   /// Listing of the whole model.
   void PrintTo(std::ofstream& out) const;
@@ -138,7 +173,8 @@ public:
   // --- The model ---
 
   PROBLEMTYPE problemType = kPlane;
-  int freeDegrees = 0;  ///< components of a node
+  int freeDegrees = 0;   ///< components of a node
+  int translations = 0;  ///< how many of them are displacements, not rotations
   std::vector<std::unique_ptr<Mesh>> meshes;
   int initialNumNodes = 0;  ///< as read
   int numNodes = 0;         ///< with those that the analysis adds
@@ -160,8 +196,11 @@ public:
   // --- The system and the results ---
 
   std::unique_ptr<BSolver> solver;
-  ReaVecV displacements;  ///< by equation; before the solution the loads
+  bool preSolved = false;        ///< displacements are those of a coarser model
+  std::vector<int> coplanarity;  ///< by system number less 1: 1 where a shell is flat
+  ReaVecV displacements;         ///< by equation; before the solution the loads
   std::vector<MeshResults> results;
+  ReaVecV nodalStresses;  ///< of solids, six for each node by its system number
 
 private:
   // Readers of single keywords.
@@ -184,8 +223,16 @@ private:
 
   // Steps of the analysis.
   void CheckModel() const;
+  void PreSolve(int renumber, std::FILE* info);
+  void ConvertTriangles(std::FILE* info);
+  void MarkCoplanarNodes(std::FILE* info);
   void ChooseSolver();
+  void Solve(std::FILE* info);
   void MakeSolver();
+  std::unique_ptr<double[]> StartFromPreSolve() const;
+  Node& AddMidSideNode(const Node& a, const Node& b);
+  /// Whether the analysis has made the node.
+  bool IsAddedNode(const Node& node) const;
   void CreateMatrix();
   void AssembleStiffness(int applyLocalAxes);
   void MergeHinges(const Elem& elem);
@@ -194,7 +241,12 @@ private:
   void ApplySupports();
   [[noreturn]] void SolverFailed(int result) const;
 
+  void HandOverMidSideReactions();
+
   // Blocks of the post-process results.
+  void WriteKivDisplacements(TextOut& res) const;
+  void WriteKivShellAxes(int mesh, TextOut& res) const;
+  void WriteKivMainAxes(int mesh, const char* header, int first, TextOut& res) const;
   void WriteKivBeamDisplacements(int mesh, TextOut& res) const;
   void WriteKivBeamForces(int mesh, int component, TextOut& res) const;
   void WriteKivBeamAxes(int mesh, TextOut& res) const;

@@ -139,7 +139,7 @@ void Project::SetDisplacementVectors(const Elem& elem, const Matriu& T, int divi
                                      double* out) const
 {
   const int components = freeDegrees;
-  const int translations = TranslationsOf(components);
+  const int count = TranslationsOf(components);
   const double L = std::sqrt(dist2(elem(0), elem(1)));
   BeamEnds ends = GiveBeamEnds(elem, T);
   ReleaseHingedRotations(GiveHingeCode(elem.Num()), L, components, ends);
@@ -151,6 +151,6 @@ void Project::SetDisplacementVectors(const Elem& elem, const Matriu& T, int divi
                              ends.second[plane.v], plane.sign * ends.second[plane.r]);
     }
     TurnVector(T, Turn::ToGlobal, 3, local);
-    std::copy_n(local, translations, out + i * translations);
+    std::copy_n(local, count, out + i * count);
   }
 }

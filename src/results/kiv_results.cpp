@@ -22,14 +22,12 @@ void WriteMeshFile(const Project& project, const char* fileName)
   const Mesh& mesh = *project.meshes.front();
   out << "\n\n\n\n\nNumElems NumNodes ElemType\n"
       << mesh.GiveElemPlex()->Count() << ' ' << project.initialNumNodes << " 7\nnode x y z\n";
-  for (const auto [number, node] : EachNumbered<Node>(*mesh.GiveNodePlex())) {
-    if (number > project.initialNumNodes)
-      break;
+  project.ForEachNodeRead([&](int number, const Node& node) {
     out << number << ' ';
     for (int i = 1; i <= node.Size(); ++i)
       out.Scientific(node(i));
     out << '\n';
-  }
+  });
   constexpr int kNodes = 3;
   out << "element node1 node2 node3 material\n";
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
@@ -77,18 +75,16 @@ void Project::WriteKivResults(std::ofstream& stream, const char* meshFileName) c
 // Reaction components first..last of every node, numbered from 1 on.
 void Project::WriteKivReactionBlock(TextOut& res, int first, int last) const
 {
-  for (const auto [number, node] : EachNumbered<Node>(GiveNodes())) {
-    if (number > initialNumNodes)
-      break;
+  ForEachNodeRead([&](int number, const Node& node) {
     res << number << ' ';
     if (!node.constraint) {
       res << "0 0 0\n";
-      continue;
+      return;
     }
     for (int k = first; k <= last; ++k)
       res << node.constraint->reactions[k - 1] << ' ';
     res << '\n';
-  }
+  });
 }
 
 void Project::WriteKivResultsReactions(TextOut& res) const

@@ -29,6 +29,11 @@ void Project::PrintTo(std::ofstream& out) const
   }
   if (hasHinges)
     PrintHinges(out);
+  if (coplanarity.empty())
+    return;
+  out << "Coplanarity vector:\n";
+  for (std::size_t i = 0; i < coplanarity.size(); ++i)
+    out << i + 1 << ' ' << coplanarity[i] << '\n';
 }
 
 void Project::PrintHinges(std::ofstream& out) const

@@ -25,6 +25,8 @@ void Project::CalcReactions()
     }
   }
   solver.reset();
+  if (convertTo6Nodes)
+    HandOverMidSideReactions();
 }
 
 double Project::GiveReaction(const Elem& elem, int dof, double t) const

@@ -18,7 +18,7 @@ bool AllFinite(const ReaVecV& v)
 
 }  // namespace
 
-void Project::CalcStrengthsAndReactions(std::FILE*)
+void Project::CalcStrengthsAndReactions(std::FILE* info)
 {
   results.resize(meshes.size());
   for (int mesh = 0; mesh < static_cast<int>(meshes.size()); ++mesh) {
@@ -29,4 +29,5 @@ void Project::CalcStrengthsAndReactions(std::FILE*)
       SolverFailed(-1);
   }
   CalcReactions();
+  Smooth(info);
 }

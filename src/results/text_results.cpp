@@ -36,25 +36,21 @@ void Project::WriteResults(std::ofstream& stream) const
   TextOut out(stream);
   out << ByProblem(problemType, "\n\nNODAL DISPLACEMENTS (x y theta)\n",
                    "\n\nNODAL DISPLACEMENTS (x y z thetax thetay thetaz)\n");
-  for (const auto [number, node] : EachNumbered<Node>(GiveNodes())) {
-    if (number > initialNumNodes)
-      break;
+  ForEachNodeRead([&](int number, const Node& node) {
     out << number << ' ';
     WriteLine(out, displacements.Data() + Equation(node, 1) - 1, freeDegrees);
-  }
+  });
   for (int mesh = 0; mesh < static_cast<int>(meshes.size()); ++mesh) {
     if (const auto write = FamilyOf(*meshes[mesh]).writeStrength)
       (this->*write)(mesh, out);
   }
   out << ByProblem(problemType, "\n\nREACTIONS (Px Py M)\n", "\n\nREACTIONS (Px Py Pz Mx My Mz)\n");
-  for (const auto [number, node] : EachNumbered<Node>(GiveNodes())) {
-    if (number > initialNumNodes)
-      break;
+  ForEachNodeRead([&](int number, const Node& node) {
     if (!node.constraint)
-      continue;
+      return;
     out << number << ' ';
     WriteLine(out, node.constraint->reactions.data(), freeDegrees);
-  }
+  });
 }
 
 void Project::WriteBeamStrength(int mesh, TextOut& out) const

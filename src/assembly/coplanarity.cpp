@@ -1,0 +1,104 @@
+#include "assembly/coplanarity.h"
+
+#include <cmath>
+
+#include "base/constants.h"
+#include "base/errorwriter.h"
+#include "model/elem.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+#include "problem/project.h"
+
+namespace {
+
+constexpr int kMostElementsAround = 25;
+
+ReaVec UnitNormal(const Elem& elem)
+{
+  const ReaVec normal = VectorProd(*elem(1) - *elem(0), *elem(2) - *elem(0));
+  const double length = normal.modul();
+  if (!(length >= EPSILON))
+    Fatal("error: element ", elem.Num(), " is not correct\n");
+  return normal / length;
+}
+
+// The first triangle of a mesh at a node, with which the others are compared.
+struct FirstTriangle
+{
+  int elem = 0;
+  ReaVec normal;
+};
+
+}  // namespace
+
+std::vector<int> CountElementsAround(const Mesh& mesh, int nodes, const Mesh& fileNumbers)
+{
+  std::vector<int> counts(static_cast<std::size_t>(nodes), 0);
+  for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+    for (int i = 0; i < elem.Nnode(); ++i) {
+      if (++counts[elem(i)->number - 1] > kMostElementsAround)
+        Fatal("error: Node ", fileNumbers.GiveOldNumber(elem(i)),
+              " has too many elements around (more than ", kMostElementsAround, ")\n");
+    }
+  }
+  return counts;
+}
+
+CoplanarityTest::CoplanarityTest(int nodes, double angle)
+    : cosine(std::cos(angle)),
+      planes(static_cast<std::size_t>(nodes)),
+      folded(static_cast<std::size_t>(nodes), 0)
+{
+}
+
+void CoplanarityTest::Add(const Mesh& mesh, const Mesh& fileNumbers)
+{
+  CountElementsAround(mesh, static_cast<int>(planes.size()), fileNumbers);
+  std::vector<FirstTriangle> first(planes.size());
+  for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+    const ReaVec normal = UnitNormal(elem);
+    for (int i = 0; i < elem.Nnode(); ++i) {
+      const int node = elem(i)->number - 1;
+      FirstTriangle& reference = first[node];
+      if (reference.elem == 0) {
+        reference = {elem.Num(), normal};
+        Compare(node, normal);
+        continue;
+      }
+      const double d = reference.normal * normal;
+      if (-d >= cosine)
+        Fatal("error: Elements ", reference.elem, " and ", elem.Num(),
+              " have normals in opposite directions. It is necessary to swap normals\n");
+      if (!(d >= cosine))
+        folded[node] = 1;
+    }
+  }
+}
+
+// With the plane that another mesh has found at the node; its other side is the same plane.
+void CoplanarityTest::Compare(int node, const ReaVec& normal)
+{
+  if (planes[node].Size() == 0)
+    planes[node] = normal;
+  else if (!(std::fabs(planes[node] * normal) >= cosine))
+    folded[node] = 1;
+}
+
+std::vector<int> CoplanarityTest::Marks() const
+{
+  std::vector<int> marks(planes.size());
+  for (std::size_t i = 0; i < marks.size(); ++i)
+    marks[i] = planes[i].Size() != 0 && !folded[i];
+  return marks;
+}
+
+void Project::CalcCoplanarityVector()
+{
+  CoplanarityTest test(numNodes, coplanarityAngle);
+  for (const auto& mesh : meshes) {
+    if (mesh->GiveElemType() == Triangle)
+      test.Add(*mesh, *meshes.front());
+  }
+  coplanarity = test.Marks();
+}

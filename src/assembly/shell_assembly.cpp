@@ -1,0 +1,31 @@
+#include "assembly/element_assembly.h"
+#include "assembly/shell.h"
+#include "model/elem.h"
+#include "model/material.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/block_rotation.h"
+#include "numeric/plex_range.h"
+#include "problem/project.h"
+
+void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
+{
+  ShellEvaluator shell;
+  Matriu K;
+  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes != 0);
+  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+    const Material& material = RequireMaterial(elem);
+    shell.Evaluate(elem, material);
+    for (int i = 0; i < elem.Nnode(); ++i) {
+      for (int j = i; j < elem.Nnode(); ++j) {
+        shell.CalcStiffness(i, j, K);
+        // The rotation about the normal of a plane has no stiffness of its own.
+        if (i == j && coplanarity[elem(i)->number - 1] == 1)
+          K(6, 6) = shell.Area() * material.E1;
+        TurnRows(shell.Frame(), Turn::ToGlobal, K);
+        TurnColumns(shell.Frame(), Turn::ToGlobal, K);
+        assembler.Add(*elem(i), *elem(j), K);
+      }
+    }
+  }
+}

@@ -1,0 +1,133 @@
+#include "model/shape_functions.h"
+
+#include <algorithm>
+
+#include "model/elem.h"
+#include "model/node.h"
+#include "numeric/matriu.h"
+
+double GiveN6nod(int node, double xi, double eta)
+{
+  const double L = 1.0 - xi - eta;
+  switch (node) {
+    case 1:
+      return L * (2.0 * L - 1.0);
+    case 2:
+      return xi * (2.0 * xi - 1.0);
+    case 3:
+      return eta * (2.0 * eta - 1.0);
+    case 4:
+      return 4.0 * xi * L;
+    case 5:
+      return 4.0 * xi * eta;
+    case 6:
+      return 4.0 * eta * L;
+    default:
+      return 0.0;
+  }
+}
+
+double GiveDerN6nod(int node, double xi, double eta, int direction)
+{
+  if (node < 1 || node > 6 || direction < 1 || direction > 2)
+    return 0.0;
+  const double L = 1.0 - xi - eta;
+  const double byXi[] = {1.0 - 4.0 * L, 4.0 * xi - 1.0, 0.0, 4.0 * (L - xi), 4.0 * eta, -4.0 * eta};
+  const double byEta[] = {1.0 - 4.0 * L, 0.0,      4.0 * eta - 1.0,
+                          -4.0 * xi,     4.0 * xi, 4.0 * (L - eta)};
+  return direction == 1 ? byXi[node - 1] : byEta[node - 1];
+}
+
+double CalcJ6nod(const double* x, const double* y, double xi, double eta, double J[2][2])
+{
+  for (int direction = 1; direction <= 2; ++direction) {
+    double* row = J[direction - 1];
+    row[0] = row[1] = 0.0;
+    for (int i = 0; i < 6; ++i) {
+      const double derivative = GiveDerN6nod(i + 1, xi, eta, direction);
+      row[0] += derivative * x[i];
+      row[1] += derivative * y[i];
+    }
+  }
+  return J[0][0] * J[1][1] - J[0][1] * J[1][0];
+}
+
+double CalcJ6nod(const double* x, const double* y, double xi, double eta)
+{
+  double J[2][2];
+  return CalcJ6nod(x, y, xi, eta, J);
+}
+
+void CalcLocalCoordinates(const Elem& elem, const Matriu& T, double* x, double* y)
+{
+  const Node& origin = *elem(0);
+  for (int i = 0; i < elem.Nnode(); ++i) {
+    x[i] = y[i] = 0.0;
+    for (int k = 1; k <= 3; ++k) {
+      const double d = (*elem(i))(k)-origin(k);
+      x[i] += T(k, 1) * d;
+      y[i] += T(k, 2) * d;
+    }
+  }
+}
+
+void CalcNodeAreas(int nnode, const double* x, const double* y, double* areas)
+{
+  if (nnode == 3) {
+    const double twoA = (x[1] - x[0]) * (y[2] - y[0]) - (x[2] - x[0]) * (y[1] - y[0]);
+    std::fill_n(areas, 3, twoA / 6.0);
+    return;
+  }
+  std::fill_n(areas, 6, 0.0);
+  for (const TrianglePoint& point : kMidEdgePoints) {
+    const double weight = CalcJ6nod(x, y, point.xi, point.eta) * point.weight;
+    for (int i = 0; i < 6; ++i)
+      areas[i] += GiveN6nod(i + 1, point.xi, point.eta) * weight;
+  }
+}
+
+double GiveN10nod(int node, double xi, double eta, double zeta)
+{
+  if (node < 1 || node > 10)
+    return 0.0;
+  const double corner[] = {1.0 - xi - eta - zeta, xi, eta, zeta};
+  if (node <= 4)
+    return corner[node - 1] * (2.0 * corner[node - 1] - 1.0);
+  const int* edge = kTetraEdges[node - 5];
+  return 4.0 * corner[edge[0]] * corner[edge[1]];
+}
+
+double GiveDerN10nod(int node, double xi, double eta, double zeta, int direction)
+{
+  if (node < 1 || node > 10 || direction < 1 || direction > 3)
+    return 0.0;
+  const double corner[] = {1.0 - xi - eta - zeta, xi, eta, zeta};
+  double slope[] = {-1.0, 0.0, 0.0, 0.0};
+  slope[direction] = 1.0;
+  if (node <= 4)
+    return slope[node - 1] * (4.0 * corner[node - 1] - 1.0);
+  const int* edge = kTetraEdges[node - 5];
+  return 4.0 * (slope[edge[0]] * corner[edge[1]] + corner[edge[0]] * slope[edge[1]]);
+}
+
+double CalcJ10nod(const Elem& elem, const TetraPoint& at, double J[3][3])
+{
+  for (int direction = 1; direction <= 3; ++direction) {
+    double* row = J[direction - 1];
+    std::fill_n(row, 3, 0.0);
+    for (int i = 0; i < 10; ++i) {
+      const double derivative = GiveDerN10nod(i + 1, at.xi, at.eta, at.zeta, direction);
+      for (int k = 0; k < 3; ++k)
+        row[k] += derivative * ((*elem(i))(k + 1) - (*elem(0))(k + 1));
+    }
+  }
+  return J[0][0] * (J[1][1] * J[2][2] - J[1][2] * J[2][1]) -
+         J[0][1] * (J[1][0] * J[2][2] - J[1][2] * J[2][0]) +
+         J[0][2] * (J[1][0] * J[2][1] - J[1][1] * J[2][0]);
+}
+
+double CalcTetraDeterminant(const Elem& elem)
+{
+  const ReaVec origin = *elem(0);
+  return (*elem(1) - origin) * VectorProd(*elem(2) - origin, *elem(3) - origin);
+}

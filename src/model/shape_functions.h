@@ -1,0 +1,68 @@
+#pragma once
+
+class Elem;
+class Matriu;
+
+// Quadratic shape functions on the six-node triangle and the ten-node tetrahedron, in
+// natural coordinates (0 at the first corner, 1 at the corner of the coordinate). Nodes run
+// from 1, the corners first. Source: O. C. Zienkiewicz, R. L. Taylor, The Finite Element
+// Method, vol. 1, Butterworth-Heinemann, Oxford, 5th ed. 2000, chapter 8.
+
+/// Shape function of a node, and its derivative by ξ (direction 1) or η (2); 0 for another
+/// node or direction. Nodes 4, 5, 6 stand on the edges 1-2, 2-3, 3-1.
+double GiveN6nod(int node, double xi, double eta);
+double GiveDerN6nod(int node, double xi, double eta, int direction);
+
+/// A point of a plane element and the weight that goes with it in an integral over the
+/// reference triangle of area 1/2.
+struct TrianglePoint
+{
+  double xi, eta, weight;
+};
+
+/// The middles of the edges: exact for quadratic integrands.
+constexpr TrianglePoint kMidEdgePoints[] = {
+    {0.5, 0.0, 1.0 / 6.0}, {0.5, 0.5, 1.0 / 6.0}, {0.0, 0.5, 1.0 / 6.0}};
+
+/// Jacobian of a six-node triangle whose node i (from 0) stands at x[i], y[i]: derivatives of
+/// x and y by ξ (first row) and by η (second row). Returns the determinant.
+double CalcJ6nod(const double* x, const double* y, double xi, double eta, double J[2][2]);
+double CalcJ6nod(const double* x, const double* y, double xi, double eta);
+
+/// Coordinates of the nodes of a flat triangle in the frame T (3×3), from its first node.
+void CalcLocalCoordinates(const Elem& elem, const Matriu& T, double* x, double* y);
+
+/// Integrals of the shape functions over a triangle of three or six nodes at these local
+/// coordinates: what each node takes of a uniform load.
+void CalcNodeAreas(int nnode, const double* x, const double* y, double* areas);
+
+/// The same for the ten-node tetrahedron; directions ξ (1), η (2), ζ (3). Nodes 5 to 10 stand
+/// on the edges 1-2, 2-3, 1-3, 1-4, 2-4, 3-4.
+double GiveN10nod(int node, double xi, double eta, double zeta);
+double GiveDerN10nod(int node, double xi, double eta, double zeta, int direction);
+
+/// Corners (from 0) of the edge on which node 5 + i of a ten-node tetrahedron stands.
+constexpr int kTetraEdges[6][2] = {{0, 1}, {1, 2}, {0, 2}, {0, 3}, {1, 3}, {2, 3}};
+
+/// A point of a solid element; every point has the weight 1/24 in an integral over the
+/// reference tetrahedron of volume 1/6.
+struct TetraPoint
+{
+  double xi, eta, zeta;
+};
+
+/// Rule of four points, exact for quadratic integrands up to its seven digits: P. C. Hammer,
+/// A. H. Stroud, Numerical integration over simplexes, MTAC 10 (1956).
+constexpr double kTetraFar = 0.5854102;
+constexpr double kTetraNear = 0.1381966;
+constexpr TetraPoint kTetraPoints[] = {{kTetraFar, kTetraNear, kTetraNear},
+                                       {kTetraNear, kTetraFar, kTetraNear},
+                                       {kTetraNear, kTetraNear, kTetraFar},
+                                       {kTetraNear, kTetraNear, kTetraNear}};
+
+/// Jacobian of a ten-node tetrahedron: derivatives of x, y, z by ξ (first row), η and ζ.
+/// Returns the determinant.
+double CalcJ10nod(const Elem& elem, const TetraPoint& at, double J[3][3]);
+
+/// Six times the volume of the tetrahedron of the four corners, negative when they are turned.
+double CalcTetraDeterminant(const Elem& elem);

@@ -1,0 +1,92 @@
+// Stresses at the nodes of solids: the mean over the elements around each node.
+
+#include <vector>
+
+#include "base/errorwriter.h"
+#include "model/elem.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "model/shape_functions.h"
+#include "numeric/matriu.h"
+#include "numeric/plex_range.h"
+#include "problem/project.h"
+
+namespace {
+
+constexpr int kStresses = 6;
+constexpr int kCorners = 4;
+
+// Values at the four points from those at the corners, linear in between: row g holds the
+// natural coordinates of point g, the one of the first corner first.
+void CalcLUMatrixForSmooth10n(Matriu& M, Matriu& LU)
+{
+  M.redimension(kCorners, kCorners);
+  for (int g = 1; g <= kCorners; ++g) {
+    const TetraPoint& at = kTetraPoints[g - 1];
+    M(g, 1) = 1.0 - at.xi - at.eta - at.zeta;
+    M(g, 2) = at.xi;
+    M(g, 3) = at.eta;
+    M(g, 4) = at.zeta;
+  }
+  LU = M.LU();
+}
+
+// One stress of an element at its nodes, from its points.
+class NodeValues
+{
+public:
+  explicit NodeValues(int pointCount) : points(pointCount), corners(kCorners)
+  {
+    CalcLUMatrixForSmooth10n(M, LU);
+  }
+
+  // v points at the stress in the first point.
+  void Calc(const double* v, int nnode, double* atNodes)
+  {
+    for (int g = 0; g < kCorners; ++g)
+      corners(g + 1) = v[points == 4 ? kStresses * g : 0];
+    if (points == 4)
+      LULinSolve(LU, corners);
+    for (int i = 0; i < kCorners; ++i)
+      atNodes[i] = corners(i + 1);
+    for (int i = kCorners; i < nnode; ++i) {
+      const int* edge = kTetraEdges[i - kCorners];
+      atNodes[i] = (atNodes[edge[0]] + atNodes[edge[1]]) / 2.0;
+    }
+  }
+
+private:
+  int points;
+  Matriu M, LU;
+  ReaVecV corners;
+};
+
+}  // namespace
+
+void Project::SmoothVariableTetra(int mesh)
+{
+  const MeshResults& result = results[mesh];
+  nodalStresses.resize(numNodes * kStresses, 0.0);
+  nodalStresses = 0.0;
+  std::vector<int> counts(static_cast<std::size_t>(numNodes), 0);
+  NodeValues values(result.points);
+  double atNodes[10];
+  const double* v = result.strengths.Data();
+  for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
+    for (int k = 0; k < kStresses; ++k) {
+      values.Calc(v + k, elem.Nnode(), atNodes);
+      for (int i = 0; i < elem.Nnode(); ++i)
+        nodalStresses((elem(i)->number - 1) * kStresses + k + 1) += atNodes[i];
+    }
+    for (int i = 0; i < elem.Nnode(); ++i)
+      ++counts[elem(i)->number - 1];
+    v += result.blockSize;
+  }
+  for (const Node& node : Each<Node>(GiveNodes())) {
+    const int count = counts[node.number - 1];
+    if (count == 0)
+      Fatal("error: node ", meshes.front()->GiveOldNumber(&node), " has no elements around\n");
+    for (int k = 1; k <= kStresses; ++k)
+      nodalStresses((node.number - 1) * kStresses + k) /= count;
+  }
+}

@@ -1,0 +1,28 @@
+#include <algorithm>
+
+#include "assembly/solid.h"
+#include "model/elem.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+#include "problem/project.h"
+
+void Project::CalcStrengthsTetras(int mesh)
+{
+  constexpr int kStresses = 6;
+  const int nnode = meshes[mesh]->GiveNnode();
+  MeshResults& result = results[mesh];
+  result.points = nnode == 4 ? 1 : 4;
+  result.blockSize = kStresses * result.points;
+  result.strengths.resize(static_cast<int>(result.numbers.size()) * result.blockSize, 0.0);
+  SolidEvaluator solid;
+  double u[3 * 10];
+  int offset = 0;
+  for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
+    solid.Evaluate(elem, RequireMaterial(elem));
+    for (int i = 0; i < nnode; ++i)
+      std::copy_n(&displacements(Equation(*elem(i), 1)), 3, u + 3 * i);
+    solid.AddStrengths(u, result.strengths, offset);
+    offset += result.blockSize;
+  }
+}

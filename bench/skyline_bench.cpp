@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "measure.h"
 #include "numeric/reavecv.h"
 #include "solvers/skymatriu.h"
 
 // Factorisation and substitution on profiles like those of renumbered models. Counters:
-// "bytes" of stored entries, "flops" multiplications and additions in a second (the part of
-// the factorisation that grows with the square of the heights), "bytes_per_second" how fast
-// the profile is read.
+// "bytes" of stored entries, "flops" multiplications and additions of the sums in a second,
+// "bytes_per_second" how fast the profile is read.
 
 namespace {
 
@@ -46,16 +46,6 @@ void Fill(SkyMatriu& matrix)
       matrix.val(i - d, i) = -1.0 / (d + 1);
     matrix.val(i, i) = 100.0;
   }
-}
-
-double FactorisationFlops(const SkyMatriu& matrix)
-{
-  double flops = 0.0;
-  for (int i = 1; i <= matrix.GiveSize(); ++i) {
-    const double height = matrix.GiveHeight(i);
-    flops += height * height;
-  }
-  return flops;
 }
 
 void MeasureFactorisation(benchmark::State& state, SkyMatriu& matrix)

@@ -4,6 +4,7 @@ option(MORLEN_SANITIZE "Build with the address and undefined sanitizers" OFF)
 add_library(morlen_sanitizers INTERFACE)
 if(MORLEN_SANITIZE)
   target_compile_options(morlen_sanitizers INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
+    -Wno-maybe-uninitialized)  # instrumented standard headers give false alarms
   target_link_options(morlen_sanitizers INTERFACE -fsanitize=address,undefined)
 endif()

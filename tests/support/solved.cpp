@@ -17,8 +17,6 @@
 
 namespace {
 
-constexpr double kRounding = 1e-10;
-
 // Force and moment, of a plane frame too.
 struct Wrench
 {
@@ -46,11 +44,11 @@ struct Wrench
     }
   }
 
-  void ExpectZero(double largestForce, double largestMoment) const
+  void ExpectZero(double smallForce, double smallMoment) const
   {
     for (int i = 0; i < 3; ++i) {
-      EXPECT_NEAR(force[i], 0.0, kRounding * largestForce) << "force " << i + 1;
-      EXPECT_NEAR(moment[i], 0.0, kRounding * largestMoment) << "moment " << i + 1;
+      EXPECT_NEAR(force[i], 0.0, smallForce) << "force " << i + 1;
+      EXPECT_NEAR(moment[i], 0.0, smallMoment) << "moment " << i + 1;
     }
   }
 };
@@ -194,7 +192,7 @@ void ExpectValues(const std::vector<double>& actual, const std::vector<double>& 
     EXPECT_NEAR(actual[i], expected[i], tolerance * scale) << "component " << i + 1;
 }
 
-void ExpectEquilibrium(const Solved& solved)
+void ExpectEquilibrium(const Solved& solved, double tolerance)
 {
   const Project& project = solved.Model();
   std::map<const Node*, Wrench> left;
@@ -208,7 +206,7 @@ void ExpectEquilibrium(const Solved& solved)
     sumScale.Take(outer);
     sum.Add(outer, 1.0);
   }
-  sum.ExpectZero(sumScale.force, sumScale.moment);
+  sum.ExpectZero(tolerance * sumScale.force, tolerance * sumScale.moment);
 
   for (const auto& mesh : project.meshes) {
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
@@ -220,5 +218,5 @@ void ExpectEquilibrium(const Solved& solved)
     }
   }
   for (const auto& [node, wrench] : left)
-    wrench.ExpectZero(nodeScale.force, nodeScale.moment);
+    wrench.ExpectZero(tolerance * nodeScale.force, tolerance * nodeScale.moment);
 }

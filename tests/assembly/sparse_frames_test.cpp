@@ -1,0 +1,548 @@
+// Whole analyses with the sparse solver: against the skyline, against closed forms, and what
+// the user is told when the iteration ends well, badly or not at all.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "model/elem.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+#include "solvers/bsolver.h"
+#include "support/compare.h"
+#include "support/fatal.h"
+#include "support/frame.h"
+#include "support/messages.h"
+#include "support/run.h"
+#include "support/solved.h"
+
+namespace {
+
+using Doubles = std::vector<double>;
+
+const char* const kSkyline = "Solver SkyLine";
+const char* const kTight = "Solver Sparse 1e-10 1e-10 5000";
+const char* const kNoSolution =
+    "error when solving system. Probably boundary conditions are not correct\n";
+
+// The places (i, j, k) of a building of nx by ny bays, floor by floor.
+class Grid
+{
+public:
+  Grid(int nx, int ny, int storeys) : sides{nx + 1, ny + 1, storeys + 1} {}
+
+  int Node(int i, int j, int k) const { return 1 + i + sides[0] * (j + sides[1] * k); }
+
+  // Calls visit(place, node) for every place.
+  template <class Visit>
+  void ForEach(Visit visit) const
+  {
+    for (int k = 0; k < sides[2]; ++k) {
+      for (int j = 0; j < sides[1]; ++j) {
+        for (int i = 0; i < sides[0]; ++i)
+          visit(std::array<int, 3>{i, j, k}, Node(i, j, k));
+      }
+    }
+  }
+
+  // The node one place further along an axis; 0 beyond the last.
+  int Next(std::array<int, 3> place, int axis) const
+  {
+    if (++place[axis] == sides[axis])
+      return 0;
+    return Node(place[0], place[1], place[2]);
+  }
+
+private:
+  std::array<int, 3> sides;
+};
+
+// Columns and beams of a concrete building in kN and m, feet clamped, with floor loads and
+// wind. In the plane the second number of bays is 0 and the floors are along y.
+Frame Building(int nx, int ny, int storeys, bool space = true)
+{
+  Frame frame;
+  frame.space = space;
+  frame.sections = {{.E = 3e7, .G = 1.25e7, .A = 0.2, .Iy = 4e-3, .Iz = 3e-3, .J = 5e-3},
+                    {.E = 3e7, .G = 1.25e7, .A = 0.15, .Iy = 3e-3, .Iz = 1e-3, .J = 2e-3}};
+  const Grid grid(nx, ny, storeys);
+  const int up = space ? 2 : 1;
+  grid.ForEach([&](const std::array<int, 3>& place, int node) {
+    Vector3 x = {6.0 * place[0], 5.0 * place[1], 0.0};
+    x[up] = 3.5 * place[2];
+    frame.nodes.push_back(x);
+    for (int axis = 0; axis < 3; ++axis) {
+      const int next = grid.Next(place, axis);
+      if (next && (axis == 2 || place[2] > 0))
+        frame.beams.push_back({node, next, axis == 2 ? 1 : 2});
+    }
+    if (place[2] == 0) {
+      frame.supports.push_back({.node = node, .flags = kClamped});
+      return;
+    }
+    Frame::NodalLoad load = {.node = node, .values = {place[0] == 0 ? 20.0 : 0.0}};
+    load.values[up] = -150.0 - 10.0 * (node % 3);
+    frame.loads.push_back(load);
+  });
+  return frame;
+}
+
+// A settled foot, one on springs, and a roller whose axes are turned and which is moved along
+// one of them.
+Frame WithEverySupport(Frame frame)
+{
+  Frame::Support& settled = frame.supports[0];
+  settled.values = {0.002, -0.01, 0.003};
+  Frame::Support& springs = frame.supports[1];
+  springs.flags = {2, 2, 2, 2, 2, 2};
+  springs.values = {4e4, 8e4, 6e4, 3e4, 2e4, 5e4};
+  Frame::Support& skew = frame.supports.back();
+  skew.flags = {0, 1, 2};
+  skew.values = {0, 0.004, 7e4};
+  skew.euler = Vector3{0.3, 0, 0};
+  if (frame.space) {
+    skew.flags = {0, 1, 2, 1, 0, 2};
+    skew.values = {0, 0.004, 7e4, 0.001, 0, 3e4};
+    skew.euler = Vector3{0.3, 0.5, -0.4};
+  }
+  return frame;
+}
+
+Frame WithoutLoads(Frame frame)
+{
+  frame.loads.clear();
+  return frame;
+}
+
+// The numbers of the three sections of the results, one after the other.
+struct Sections
+{
+  Doubles displacements;
+  Doubles endForces;
+  Doubles reactions;
+};
+
+Sections SectionsOf(const Solved& solved)
+{
+  const auto append = [](Doubles& to, const Doubles& values) {
+    to.insert(to.end(), values.begin(), values.end());
+  };
+  Sections sections;
+  for (const auto [number, node] : EachNumbered<Node>(solved.Model().GiveNodes())) {
+    append(sections.displacements, solved.Displacement(number));
+    if (node.constraint)
+      append(sections.reactions, solved.Reaction(number));
+  }
+  for (const Elem& elem : Each<Elem>(*solved.Model().meshes.front()->GiveElemPlex()))
+    append(sections.endForces, solved.EndForces(elem.Num()));
+  return sections;
+}
+
+void ExpectSections(const Solved& actual, const Solved& expected, double tolerance)
+{
+  const Sections a = SectionsOf(actual);
+  const Sections e = SectionsOf(expected);
+  ExpectValues(a.displacements, e.displacements, tolerance);
+  ExpectValues(a.endForces, e.endForces, tolerance);
+  ExpectValues(a.reactions, e.reactions, tolerance);
+}
+
+struct Case
+{
+  const char* name;
+  Frame frame;
+};
+
+std::vector<Case> Frames()
+{
+  const Frame plane = Building(4, 0, 6, false);
+  const Frame space = Building(3, 2, 4);
+  return {{"plane", plane},
+          {"plane with every support", WithEverySupport(plane)},
+          {"space", space},
+          {"space with every support", WithEverySupport(space)},
+          {"plane without loads", WithoutLoads(WithEverySupport(plane))},
+          {"space without loads", WithoutLoads(WithEverySupport(space))}};
+}
+
+// A plane chain of `count` beams of length 1 along x, whose nodes stand on springs.
+Frame Chain(int count)
+{
+  Frame frame;
+  frame.space = false;
+  frame.sections = {{.E = 200.0, .A = 5.0, .Iz = 3.0}};
+  for (int i = 0; i <= count; ++i) {
+    frame.nodes.push_back({static_cast<double>(i), 0, 0});
+    frame.supports.push_back({.node = i + 1, .flags = {2, 2, 2}, .values = {9, 8, 7}});
+    if (i > 0)
+      frame.beams.push_back({i, i + 1, 1});
+  }
+  frame.loads = {{count, {1, 2, 3}}};
+  return frame;
+}
+
+std::string InfoOf(const std::string& problem, int expectedStatus, const std::string& error = "")
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", problem);
+  const RunResult run = RunProgram(folder, {"-i", "info.txt", "model.dat"});
+  EXPECT_EQ(run.status, expectedStatus);
+  EXPECT_EQ(run.err, error);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(folder.Has("model.morlen.res"), expectedStatus == 0);
+  return folder.Read("info.txt");
+}
+
+// The text between two others, which must be there.
+std::string Between(const std::string& text, const std::string& first, const std::string& second)
+{
+  const std::size_t start = text.find(first);
+  const std::size_t stop = text.find(second, start);
+  EXPECT_NE(stop, std::string::npos) << second;
+  return stop == std::string::npos ? ""
+                                   : text.substr(start + first.size(), stop - start - first.size());
+}
+
+std::vector<std::string> LinesOf(const std::string& text)
+{
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);)
+    lines.push_back(line);
+  return lines;
+}
+
+// The residual in a line that is otherwise known to the letter; -1 when it is not.
+double ResidualIn(const std::string& line, const std::string& before, const std::string& behind)
+{
+  if (!line.starts_with(before) || !line.ends_with(behind))
+    return -1.0;
+  const std::string number =
+      line.substr(before.size(), line.size() - before.size() - behind.size());
+  char* end = nullptr;
+  const double value = std::strtod(number.c_str(), &end);
+  return *end == '\0' && !number.empty() ? value : -1.0;
+}
+
+// The iteration in the line that announces the end; -1 when it is another line.
+int ConvergedAt(const std::string& line, double tolerance)
+{
+  int iteration = 0;
+  double residual = 0.0;
+  if (std::sscanf(line.c_str(), "Converged it number. %d resid=%lg", &iteration, &residual) != 2)
+    return -1;
+  char whole[100];
+  std::snprintf(whole, sizeof whole, "Converged it number. %d resid=%g tol=%g", iteration, residual,
+                tolerance);
+  return line == whole && residual <= tolerance ? iteration : -1;
+}
+
+const char* const kBeforeSolver =
+    "Just before filling global stiffness matrix\nStiffness matrix filled\n"
+    "Load vector constructed\nBeginning to apply constraints\nJust before Solver\n";
+
+}  // namespace
+
+TEST(SparseFrames, AgreeWithTheSkyline)
+{
+  for (const Case& c : Frames()) {
+    SCOPED_TRACE(c.name);
+    const Solved sparse(ProblemText(c.frame, kTight));
+    ExpectSections(sparse, Solved(ProblemText(c.frame, kSkyline)), 1e-7);
+    ExpectEquilibrium(sparse, 1e-6);
+  }
+}
+
+TEST(SparseFrames, NumbersOfTheFileAreKept)
+{
+  // Renumbering belongs to the skyline: the flag changes nothing, to the last digit.
+  const std::string problem = ProblemText(WithEverySupport(Building(3, 2, 2)), kTight);
+  EXPECT_EQ(SectionsOf(Solved(problem, true)).displacements,
+            SectionsOf(Solved(problem, false)).displacements);
+}
+
+TEST(SparseFrames, WriteTheSameFilesAsTheSkyline)
+{
+  // Six digits are written; zeros are noise of the iteration in one and of rounding in the
+  // other.
+  const Closeness closeness = {.relative = 1.1e-5, .floor = 1e-6, .absolute = 1e-6};
+  for (const Case& c : Frames()) {
+    SCOPED_TRACE(c.name);
+    std::map<std::string, std::string> files[2];
+    for (const bool sparse : {false, true}) {
+      const TemporaryFolder folder;
+      folder.Write("model.dat", ProblemText(c.frame, sparse ? kTight : kSkyline));
+      const RunResult run = RunProgram(folder, {"-p", "model.dat", "out.txt"});
+      EXPECT_EQ(run.status, 0);
+      EXPECT_EQ(run.err + run.out, "");
+      files[sparse] = folder.Files();
+    }
+    for (const char* const name : {"out.txt", "model.morlen.res", "model.morlen.bon"})
+      EXPECT_EQ(Difference(files[true][name], files[false][name], closeness), "") << name;
+  }
+}
+
+TEST(SparseFrames, SettlementsOfABeamFixedAtBothEnds)
+{
+  // Deflection and forces of the end conditions v and t at the right end, in closed form.
+  constexpr int kBeams = 8;
+  const double L = kBeams;
+  const double EI = 600.0;
+  for (const auto& [v, t] : {std::pair(0.3, 0.0), std::pair(0.0, -0.2), std::pair(-0.1, 0.05)}) {
+    Frame frame = Chain(kBeams);
+    frame.loads.clear();
+    frame.supports = {{.node = 1, .flags = kClamped},
+                      {.node = kBeams + 1, .flags = kClamped, .values = {0.02, v, t}}};
+    const Solved solved(ProblemText(frame, kTight));
+    for (int i = 0; i <= kBeams; ++i) {
+      const double s = i / L;
+      const double deflection = v * s * s * (3 - 2 * s) + t * L * s * s * (s - 1);
+      const double slope = 6 * v / L * s * (1 - s) + t * s * (3 * s - 2);
+      ExpectValues(solved.Displacement(i + 1), {0.02 * s, deflection, slope}, 1e-10, 0.3);
+    }
+    const double V = 12 * EI * v / (L * L * L) - 6 * EI * t / (L * L);
+    const double M = -6 * EI * v / (L * L) + 4 * EI * t / L;
+    const double N = 1000.0 * 0.02 / L;
+    ExpectValues(solved.Reaction(kBeams + 1), {N, V, M}, 1e-9);
+    ExpectValues(solved.Reaction(1), {-N, -V, -6 * EI * v / (L * L) + 2 * EI * t / L}, 1e-9);
+    ExpectEquilibrium(solved, 1e-9);
+  }
+}
+
+TEST(SparseFrames, SettlementsAsARigidMotion)
+{
+  // All feet turn together about the origin and move: the building follows without stress.
+  Frame frame = WithoutLoads(Building(2, 2, 3));
+  const Vector3 move = {0.01, -0.02, 0.005};
+  const Vector3 turn = {1e-3, -2e-3, 3e-3};
+  const auto motion = [&](const Vector3& x) {
+    return std::array<double, 6>{move[0] + turn[1] * x[2] - turn[2] * x[1],
+                                 move[1] + turn[2] * x[0] - turn[0] * x[2],
+                                 move[2] + turn[0] * x[1] - turn[1] * x[0],
+                                 turn[0],
+                                 turn[1],
+                                 turn[2]};
+  };
+  for (Frame::Support& support : frame.supports)
+    support.values = motion(frame.nodes[support.node - 1]);
+  const Solved solved(ProblemText(frame, kTight));
+  for (int node = 1; node <= static_cast<int>(frame.nodes.size()); ++node) {
+    const std::array<double, 6> expected = motion(frame.nodes[node - 1]);
+    ExpectValues(solved.Displacement(node), {expected.begin(), expected.end()}, 1e-9, 0.02);
+  }
+  // Against EA/L times a displacement, some 10000 kN.
+  for (const Frame::Support& support : frame.supports)
+    ExpectValues(solved.Reaction(support.node), Doubles(6, 0.0), 1e-9, 1e4);
+}
+
+TEST(SparseFrames, AutomaticFrom15000Equations)
+{
+  for (const int nodes : {4999, 5000}) {
+    const auto project = ReadProject(ProblemText(Chain(nodes - 1)));
+    const std::string info = MessagesOf([&](std::FILE* file) { project->Calc(1, file); });
+    const std::string equations = "Degrees of freedom= " + std::to_string(3 * nodes) + "\n";
+    if (nodes == 4999) {
+      EXPECT_EQ(project->solverSettings.type, SolverType::SkyLine);
+      EXPECT_NE(info.find("Sky matrix storage with Txolesky\n" + equations), std::string::npos);
+    } else {
+      EXPECT_EQ(project->solverSettings.type, SolverType::Sparse);
+      EXPECT_NE(info.find("Sparse matrix storage with Conjugate gradients\n" + equations),
+                std::string::npos);
+    }
+  }
+}
+
+TEST(SparseFrames, AutomaticInSpace)
+{
+  Frame frame = Building(4, 4, 100);  // 25 nodes a floor
+  frame.nodes.resize(25 * 100);       // 15000 equations without the top floor
+  const auto above = [&](int node) { return node > 25 * 100; };
+  std::erase_if(frame.beams, [&](const auto& beam) { return above(beam.second); });
+  std::erase_if(frame.loads, [&](const auto& load) { return above(load.node); });
+  const auto project = ReadProject(ProblemText(frame));
+  const std::string info = MessagesOf([&](std::FILE* file) { project->Calc(1, file); });
+  EXPECT_NE(info.find("Sparse matrix storage with Conjugate gradients\n"
+                      "Degrees of freedom= 15000\n"),
+            std::string::npos);
+  // Without a solver line the iteration aims at 1e-5.
+  const std::vector<std::string> lines = LinesOf(info);
+  EXPECT_EQ(lines.back(), "Solver finished");
+  EXPECT_GT(ConvergedAt(lines[lines.size() - 2], 1e-5), 0);
+}
+
+TEST(SparseFrames, SpaceFrameOf20000Equations)
+{
+  const Frame frame = Building(64, 3, 12);
+  ASSERT_EQ(6 * frame.nodes.size(), 20280u);
+  const Solved skyline(ProblemText(frame, kSkyline));
+  const Solved automatic(ProblemText(frame));
+  EXPECT_EQ(automatic.Model().solverSettings.type, SolverType::Sparse);
+  ExpectSections(automatic, skyline, 1e-3);
+  const Solved tight(ProblemText(frame, kTight));
+  ExpectSections(tight, skyline, 1e-7);
+  ExpectEquilibrium(tight, 1e-7);
+}
+
+TEST(SparseFrames, InformationFileToTheLetter)
+{
+  // Of a chain the incomplete factors are exact, and one iteration is enough. Its three nodes
+  // have 2 + 3 + 2 blocks of 9 positions.
+  const std::string info = InfoOf(ProblemText(Chain(2), "Solver Sparse 1e-8 0.1 100"), 0);
+  const std::string before =
+      "\nINFORMATION ABOUT STIFFNESS MATRIX\nSparse matrix storage with Conjugate gradients\n"
+      "Degrees of freedom= 9\nTotal number of positions= 63\nAmount of memory= 0.0Mb\n\n" +
+      std::string(kBeforeSolver) + "Converged it number. 1 resid=";
+  const std::string behind =
+      " tol=1e-08\nSolver finished\nBeginning calc strengths and reactions\n"
+      "End of calc strengths and reactions\nTransfering results\n";
+  const std::string untilTime = info.substr(0, info.rfind("Total time = "));
+  const double residual = ResidualIn(untilTime, before, behind);
+  EXPECT_GE(residual, 0.0) << info;
+  EXPECT_LE(residual, 1e-8);
+}
+
+TEST(SparseFrames, MemoryInTheInformationFile)
+{
+  // 25 by 21 nodes: each has a block for itself and two for each of its beams. 12 bytes a
+  // position, 4 a row.
+  const Frame frame = Building(24, 0, 20, false);
+  const int positions = 9 * static_cast<int>(frame.nodes.size() + 2 * frame.beams.size());
+  const int rows = 3 * static_cast<int>(frame.nodes.size());
+  char text[200];
+  std::snprintf(text, sizeof text,
+                "Degrees of freedom= %i\nTotal number of positions= %i\n"
+                "Amount of memory= %.1fMb\n\n",
+                rows, positions, (12.0 * positions + 4.0 * rows) / (1024.0 * 1024.0));
+  EXPECT_NE(std::string(text).find("= 0.3Mb"), std::string::npos);
+  EXPECT_NE(InfoOf(ProblemText(frame, kTight), 0).find(text), std::string::npos);
+}
+
+TEST(SparseFrames, ProgressOfTheIteration)
+{
+  const std::string info = InfoOf(ProblemText(Building(3, 2, 4), kTight), 0);
+  const std::vector<std::string> lines =
+      LinesOf(Between(info, "Just before Solver\n", "Solver finished\n"));
+  const int announced = static_cast<int>(lines.size()) - 1;
+  ASSERT_GE(announced, 2);
+  for (int i = 0; i < announced; ++i) {
+    const std::string before = "iteration number " + std::to_string(10 * (i + 1)) + " resid=";
+    EXPECT_GT(ResidualIn(lines[i], before, " tol=1e-10"), 1e-10) << lines[i];
+  }
+  EXPECT_EQ(ConvergedAt(lines.back(), 1e-10) / 10, announced);
+}
+
+TEST(SparseFrames, NothingToSolve)
+{
+  const std::string info =
+      InfoOf(ProblemText(WithoutLoads(Building(2, 1, 2)), "Solver Sparse 1e-6 1e-6 10"), 0);
+  EXPECT_EQ(Between(info, "Just before Solver\n", "Solver finished\n"),
+            "iteration number 0 OK resid=0 tol=1e-06\n");
+}
+
+TEST(SparseFrames, IterationLimitEndsTheRun)
+{
+  const std::string info = InfoOf(ProblemText(Building(3, 2, 4), "Solver Sparse 1e-10 1e-9 12"), 2,
+                                  "error when solving system. Stopped after 12 iterations."
+                                  "Probably boundary conditions are not correct\n");
+  const std::vector<std::string> lines = LinesOf(info.substr(info.find("Just before Solver\n")));
+  ASSERT_EQ(lines.size(), 3u);
+  EXPECT_GT(ResidualIn(lines[1], "iteration number 10 resid=", " tol=1e-10"), 1e-9);
+  EXPECT_EQ(lines[2], "Not Solved after 12 Iterations");
+  EXPECT_EQ(info.back(), '\n');
+}
+
+TEST(SparseFrames, ResidualBelowTheSecondToleranceIsAccepted)
+{
+  const Frame frame = Building(3, 2, 4);
+  const auto project = ReadProject(ProblemText(frame, "Solver Sparse 1e-10 10 12"));
+  const std::string info = MessagesOf([&](std::FILE* file) { project->Calc(1, file); });
+  const std::vector<std::string> lines =
+      LinesOf(Between(info, "Just before Solver\n", "Solver finished\n"));
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_GT(ResidualIn(lines[0], "iteration number 10 resid=", " tol=1e-10"), 1e-10);
+  const double accepted = ResidualIn(lines[1], "After 12 Iterations, accepted tolerance of ", "");
+  // The residual itself: what the displacements leave of the loads on the free nodes.
+  double residual = 0.0;
+  double loads = 0.0;
+  for (const Frame::NodalLoad& load : frame.loads) {
+    for (int k = 1; k <= 6; ++k) {
+      const int equation = project->Equation(*project->FindNode(load.node), k);
+      const double force = project->solver->ReturnRowPerVector(equation, project->displacements);
+      residual += std::pow(load.values[k - 1] - force, 2);
+      loads += std::pow(load.values[k - 1], 2);
+    }
+  }
+  EXPECT_NEAR(accepted, std::sqrt(residual / loads), 1e-6);  // six decimals are written
+  EXPECT_GT(accepted, 1e-5);
+}
+
+TEST(SparseFrames, ExactlySingularModelsBreakDown)
+{
+  // One beam of whole numbers: elimination is exact and meets a pivot of 0.
+  const std::string settings = "Solver Sparse 1e-6 1e-6 100";
+  const ProblemParts plane = {
+      .settings = settings, .materials = "1 E 1 A 1 Iz 1", .constraints = "", .loads = "2 1 1 0"};
+  ProblemParts space = SpaceProblem().With(&ProblemParts::settings, settings);
+  space.loads = "2 1 1 0 1 0 0";
+  const struct
+  {
+    const char* name;
+    std::string problem;
+    std::string message;
+  } cases[] = {{"plane frame without supports", plane.Text(), kNoSolution},
+               {"plane frame free to turn",
+                plane.With(&ProblemParts::constraints, "1 110 0 0 0").Text(), kNoSolution},
+               {"node without elements and supports",
+                plane.With(&ProblemParts::constraints, "1 111 0 0 0")
+                    .With(&ProblemParts::coordinates, "1 0 0\n2 1 0\n3 7 7")
+                    .Text(),
+                kNoSolution},
+               {"space frame without supports", space.With(&ProblemParts::constraints, "").Text(),
+                std::string("There are no prescribed nodes in the model!!!\n") + kNoSolution},
+               {"space frame free to twist",
+                space.With(&ProblemParts::constraints, "1 111011 0 0 0 0 0 0").Text(),
+                std::string("There is only one prescribed node in the model!!!\n"
+                            "Its 6 degrees of freedom should be prescribed!!!\n") +
+                    kNoSolution}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const std::string info = InfoOf(c.problem, 2, c.message);
+    EXPECT_TRUE(info.ends_with("Just before Solver\n")) << info;
+  }
+}
+
+TEST(SparseFrames, ModelsFreeToMoveAreRefused)
+{
+  // With rounding the factors may exist; the loads are not in equilibrium, so that no
+  // displacements can carry them.
+  Frame unsupported = Building(3, 2, 3);
+  unsupported.supports.clear();
+  Frame turning = Building(4, 0, 4, false);
+  turning.supports = {{.node = 1, .flags = {1, 1, 0}}};
+  for (const Frame& frame : {unsupported, turning}) {
+    for (const std::string settings :
+         {"Solver Sparse 1e-10 1e-3 300", "Solver Sparse 1e-5 0.1 40"}) {
+      std::string message = FatalCaught([&] { Solved(ProblemText(frame, settings)); });
+      const std::string noSupports = "There are no prescribed nodes in the model!!!\n";
+      if (frame.space) {
+        EXPECT_TRUE(message.starts_with(noSupports)) << message;
+        message.erase(0, noSupports.size());
+      }
+      const std::string limit = settings.substr(settings.rfind(' ') + 1);
+      EXPECT_TRUE(message == kNoSolution ||
+                  message == "error when solving system. Stopped after " + limit +
+                                 " iterations.Probably boundary conditions are not correct\n")
+          << message;
+    }
+  }
+}

@@ -169,7 +169,7 @@ std::vector<std::vector<double>> LoadedDisplacements(const Solved& solved, int e
   return points;
 }
 
-void ExpectEquilibrium(const Solved& solved, const std::vector<LineLoad>& lineLoads)
+void ExpectLoadedEquilibrium(const Solved& solved, const std::vector<LineLoad>& lineLoads)
 {
   const Project& project = solved.Model();
   const int n = project.freeDegrees;

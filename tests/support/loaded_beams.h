@@ -25,7 +25,7 @@ struct LineLoad
 };
 
 /// Expects equilibrium of every node, of every beam, and of all loads and reactions.
-void ExpectEquilibrium(const Solved& solved, const std::vector<LineLoad>& lineLoads);
+void ExpectLoadedEquilibrium(const Solved& solved, const std::vector<LineLoad>& lineLoads);
 
 /// Expects that the diagrams of a beam begin and end with its end forces, and change along it
 /// as its load asks for; q are the load's local components (space: three forces and a torque,

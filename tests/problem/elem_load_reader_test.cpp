@@ -1,0 +1,211 @@
+// The blocks of element loads in the problem file.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "base/textscan.h"
+#include "problem/elem_loads.h"
+#include "problem/pressure_load.h"
+#include "support/fatal.h"
+#include "support/frame.h"
+#include "support/loaded_beams.h"
+#include "support/run.h"
+#include "support/solved.h"
+
+namespace {
+
+// A cantilever of three beams in two meshes, with these lines at the end of the file.
+ProblemParts ChainWith(const std::string& rest)
+{
+  ProblemParts parts;
+  parts.coordinates = "1 0 0\n2 1 0\n3 2 0\n4 3 0";
+  parts.elements = "1 1 2 1\n5 2 3 1";
+  parts.rest =
+      "mesh dimension 2 elemtype Linear nnode 2 coordinates\nend\nelements\n9 3 4 1\nend\n" + rest;
+  return parts;
+}
+
+std::unique_ptr<Project> ReadWith(const std::string& rest)
+{
+  return ReadProject(ChainWith(rest).Text());
+}
+
+const BaseElemLoads* FirstLoad(const Project& project, int elem)
+{
+  return static_cast<BaseElemLoads*>(project.elemLoads.At(elem));
+}
+
+// The first values of the distributed loads on an element, in their order.
+std::vector<double> ChainOf(const Project& project, int elem)
+{
+  std::vector<double> values;
+  for (const BaseElemLoads* load = FirstLoad(project, elem); load; load = load->Next())
+    values.push_back(static_cast<const PreassureLT*>(load)->values[0]);
+  return values;
+}
+
+void ExpectRefused(const std::string& rest, const std::string& message)
+{
+  SCOPED_TRACE(rest);
+  ExpectFatal([&] { ReadWith(rest); }, message);
+}
+
+// Runs the program; it must end with exactly this message.
+void ExpectRunRefused(const std::string& problem, const std::string& message)
+{
+  SCOPED_TRACE(problem);
+  const RunResult run = RunOnProblem(problem);
+  EXPECT_EQ(run.err, message);
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.out, "");
+}
+
+using Doubles = std::vector<double>;
+
+}  // namespace
+
+TEST(ReadElemLoad, KnowsFiveBlocks)
+{
+  static const struct
+  {
+    const char* keyword;
+    PreassureLT_type type;
+  } blocks[] = {{"global_pressure_loads", PreassureLT_type::Global},
+                {"global_projected_pressure_loads", PreassureLT_type::GlobalProjected},
+                {"local_pressure_loads", PreassureLT_type::Local},
+                {"LOCAL_Pressure_loads", PreassureLT_type::Local},
+                {"face_loads", PreassureLT_type::Face}};
+  for (const auto& block : blocks) {
+    const auto project = ReadWith(Block(block.keyword, "5 1 2"));
+    EXPECT_EQ(static_cast<const PreassureLT*>(FirstLoad(*project, 5))->type, block.type);
+    EXPECT_EQ(ChainOf(*project, 5), (Doubles{1}));
+    EXPECT_EQ(FirstLoad(*project, 1), nullptr);
+  }
+  const auto project = ReadWith(Block("Temperature_Loads", "5 1e-5 20"));
+  const auto* load = static_cast<const TemperatureLT*>(FirstLoad(*project, 5));
+  EXPECT_EQ(load->values[0] * load->values[1], 2e-4);
+}
+
+TEST(ReadElemLoad, LeavesOtherWordsAlone)
+{
+  const auto project = ReadWith("");
+  TextScan text("1 2 3\nend\n");
+  for (const char* word : {"loads", "local_pressure_load", "local_pressure_loads:", ""}) {
+    EXPECT_EQ(project->ReadElemLoad(text, word), -1);
+    EXPECT_EQ(text.Where().column, 1);
+  }
+  ExpectRefused("local_pressure_loads= 1 2 3\nend\n", "Unknown key name=local_pressure_loads=\n");
+  TextScan block("5 1 2\nend\nrest");
+  EXPECT_EQ(project->ReadElemLoad(block, "face_loads"), 0);
+  EXPECT_EQ(block.ReadWord(), "rest");
+}
+
+TEST(ReadElemLoad, LoadsOnOneElementFormAChain)
+{
+  const auto project =
+      ReadWith(Block("local_pressure_loads", "5 1 0\n1 2 0\n5 3 0") +
+               Block("global_pressure_loads", "9 4 0\n5 5 0") + Block("face_loads", "5 6 0"));
+  EXPECT_EQ(ChainOf(*project, 5), (Doubles{1, 3, 5, 6}));
+  EXPECT_EQ(ChainOf(*project, 1), (Doubles{2}));
+  EXPECT_EQ(ChainOf(*project, 9), (Doubles{4}));
+}
+
+TEST(ReadElemLoad, EveryLoadOfAChainActs)
+{
+  ProblemParts parts = ChainWith(Block("local_pressure_loads", "5 0 -1\n5 0 -2") +
+                                 Block("global_pressure_loads", "5 3 -4") +
+                                 Block("temperature_loads", "5 1e-3 100"));
+  const Solved solved(parts.Text());
+  ExpectValues(solved.Reaction(1), {-3, 7, 7 * 1.5}, 1e-12);
+  ExpectLoadedEquilibrium(solved, {{.elem = 5, .force = {3, -7, 0}}});
+}
+
+TEST(ReadElemLoad, ABlockEndsAtTheFirstWordThatIsNoNumber)
+{
+  // Also a '#' is no comment here: the records behind it are not read.
+  const auto project = ReadWith(
+      "local_pressure_loads\n5 1 0\n# 1 2 0\n1 3 0\nend of loads 9 9 9\n"
+      "face_loads\nnothing 1 4 0\nend\n"
+      "face_loads end\nNumOfDivisions 3\n");
+  EXPECT_EQ(ChainOf(*project, 5), (Doubles{1}));
+  EXPECT_EQ(FirstLoad(*project, 1), nullptr);
+  EXPECT_EQ(project->numOfDivisions, 3);
+  ExpectRefused("face_loads\n5 1 0\n", "can't find word ***end*** in input file\n");
+}
+
+TEST(ReadElemLoad, UnknownElementsAreRefused)
+{
+  for (const char* number : {"2", "10", "0", "-1", "2000000000"}) {
+    const std::string message = std::string("error: trying to assign load to element number ") +
+                                number + " and it does not exist\n";
+    ExpectRefused(Block("local_pressure_loads", std::string(number) + " 1 2"), message);
+    ExpectRefused(Block("temperature_loads", std::string(number) + " 1 2"), message);
+  }
+}
+
+TEST(ReadElemLoad, MessagesOfTheProgram)
+{
+  ExpectRunRefused(ChainWith(Block("face_loads", "77 1 2")).Text(),
+                   "error: trying to assign load to element number 77 and it does not exist\n");
+  ExpectRunRefused(ChainWith(Block("local_pressure_loads", "5 1")).Text(),
+                   "Not reading correctly preassure_loads. ElemNum=5\n");
+  ExpectRunRefused(ChainWith(Block("local_pressure_loads", "5 1 2 units")).Text(),
+                   "Not reading correctly the preassure_loads. ElemNum=5\n");
+  ExpectRunRefused(ChainWith(Block("local_pressure_loads", "5 1 2 Euler7=1")).Text(),
+                   "error: Euler angles must be: Euler1,Euler2 or Euler3\n");
+  ExpectRunRefused(ChainWith(Block("temperature_loads", "5 1")).Text(),
+                   "Not reading correctly temperature_loads. ElemNum=5\n");
+  ExpectRunRefused(
+      SpaceProblem().With(&ProblemParts::rest, Block("face_loads", "1 1 0 0 -5")).Text(),
+      "error: applying a shell load to a beam element. ElemNum=1\n");
+  ExpectRunRefused(ProblemParts().With(&ProblemParts::materials, "1 E 1 A 1 Iz 1 Weight 1").Text(),
+                   "error: for 2D problems GravityDirection_Z must be 0.0\n");
+  ExpectRunRefused(
+      "problem type 3d\nmesh dimension 3 elemtype Quadrilateral nnode 4 coordinates\n"
+      "1 0 0 0\n2 1 0 0\n3 1 1 0\n4 0 1 0\nend\nelements\n5 1 2 3 4 1\nend\n" +
+          Block("local_pressure_loads", "5 1 2 3"),
+      "error: Unknown elem type in PreassureLT::ReadYourLoad\n");
+}
+
+TEST(ReadElemLoad, TemperatureOnATriangleIsRead)
+{
+  const auto project = ReadProject(
+      "problem type 3d\nmesh dimension 3 elemtype Triangle nnode 3 coordinates\n"
+      "1 0 0 0\n2 1 0 0\n3 0 1 0\nend\nelements\n5 1 2 3 1\nend\n" +
+      Block("temperature_loads", "5 1e-5 20"));
+  EXPECT_NE(FirstLoad(*project, 5), nullptr);
+}
+
+TEST(ReadElemLoad, ReadsLoadsOfShellsAndSolids)
+{
+  const auto shell = ReadProject(
+      "problem type 3d\nmesh dimension 3 elemtype Triangle nnode 3 coordinates\n"
+      "1 0 0 0\n2 1 0 0\n3 0 1 0\nend\nelements\n5 1 2 3 1\nend\n" +
+      Block("face_loads", "5 2 1 0 0\n5 7 0 0"));
+  EXPECT_EQ(ChainOf(*shell, 5), (Doubles{1, 7}));
+  EXPECT_EQ(static_cast<const PreassureLT*>(FirstLoad(*shell, 5))->face, 2);
+  const auto solid = ReadProject(
+      "problem type 3d\nmesh dimension 3 elemtype Tetrahedra nnode 4 coordinates\n"
+      "1 0 0 0\n2 1 0 0\n3 0 1 0\n4 0 0 1\nend\nelements\n5 1 2 3 4 1\nend\n" +
+      Block("global_pressure_loads", "5 -1 7 0 0"));
+  EXPECT_EQ(ChainOf(*solid, 5), (Doubles{7}));
+}
+
+TEST(ReadElemLoad, AHundredThousandLoadsOnOneElement)
+{
+  std::string records;
+  for (int i = 0; i < 100000; ++i)
+    records += "5 0 -0.001\n";
+  const Solved solved(ChainWith(Block("local_pressure_loads", records)).Text());
+  ExpectValues(solved.Reaction(1), {0, 100, 150}, 1e-9);
+}
+
+TEST(ReadElemLoad, LoadsOnHugeElementNumbersCostNothing)
+{
+  const auto parts = ProblemParts()
+                         .With(&ProblemParts::elements, "2147483647 1 2 1")
+                         .With(&ProblemParts::rest, Block("face_loads", "2147483647 0 -2"));
+  ExpectValues(Solved(parts.Text()).Reaction(1), {0, 2, 1}, 1e-12);
+}

@@ -1,0 +1,188 @@
+// What the program says of the supports when the equations cannot be solved.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "base/errorwriter.h"
+#include "model/node.h"
+#include "problem/constraint.h"
+#include "support/fatal.h"
+#include "support/frame.h"
+#include "support/loaded_beams.h"
+#include "support/run.h"
+#include "support/solved.h"
+
+namespace {
+
+const char* const kNone = "There are no prescribed nodes in the model!!!\n";
+const char* const kOne = "There is only one prescribed node in the model!!!\n";
+const char* const kThreeNeeded = "At least 3 prescribed nodes are needed!!!\n";
+const char* const kSixNeeded = "Its 6 degrees of freedom should be prescribed!!!\n";
+
+std::string CanRotate(const std::string& axis)
+{
+  return "There are only two prescribed nodes in the model!!!\nModel can rotate around axe: " +
+         axis + " !!!\n";
+}
+
+const char* const kAlongX = "   1.000000e+00   0.000000e+00   0.000000e+00";
+
+// What the check writes about a problem as read.
+std::string CheckOf(const std::string& problem)
+{
+  const auto project = ReadProject(problem);
+  return FatalCaught([&] {
+    project->CheckTypicalConstraintsErrors();
+    errorwriter.WriteErrorAndQuit();
+  });
+}
+
+// A beam in space from (0,0,0) to `second`, and a third node between them.
+std::string SpaceCheck(const std::string& supports, const std::string& second = "1 0 0")
+{
+  return CheckOf(SpaceProblem()
+                     .With(&ProblemParts::coordinates, "1 0 0 0\n2 " + second + "\n3 0.5 0 0")
+                     .With(&ProblemParts::elements, "1 1 3 1\n2 3 2 1")
+                     .With(&ProblemParts::constraints, supports)
+                     .Text());
+}
+
+// A plane frame of two meshes, its third node in the second.
+std::string TwoMeshCheck(const std::string& supports)
+{
+  return CheckOf(ProblemParts()
+                     .With(&ProblemParts::constraints, "")
+                     .With(&ProblemParts::rest,
+                           "mesh dimension 2 elemtype Linear nnode 2 coordinates\n1 0 0\n2 1 0\n"
+                           "3 3 4\nend\nelements\n2 2 3 1\nend\n" +
+                               Block("constraints", supports))
+                     .Text());
+}
+
+// Runs the program on a model that can move.
+void ExpectRunFails(const ProblemParts& problem, const std::string& hint,
+                    const std::string& solverMessage)
+{
+  SCOPED_TRACE(problem.Text());
+  const RunResult run = RunOnProblem(problem.Text());
+  EXPECT_EQ(run.err, hint + solverMessage);
+  EXPECT_EQ(run.status, 2);
+}
+
+std::string ZeroDiagonal(int equation, int node, int degree, const std::string& name)
+{
+  return "error when solving system(" + std::to_string(equation) +
+         ").\nOne diagonal=0 in node=" + std::to_string(node) +
+         " (Use Meshing->Mesh View).\nDegree of freedom " + std::to_string(degree) + " from 6 (" +
+         name + ")\nCould not solve system. Probably boundary conditions are not correct\n";
+}
+
+}  // namespace
+
+TEST(SupportChecks, OneMeshOfPlaneBeamsIsNotChecked)
+{
+  for (const char* supports : {"", "1 010 0 0 0", "1 010 0 0 0\n2 010 0 0 0"})
+    EXPECT_EQ(CheckOf(ProblemParts().With(&ProblemParts::constraints, supports).Text()), "");
+}
+
+TEST(SupportChecks, NoSupport)
+{
+  EXPECT_EQ(SpaceCheck(""), kNone);
+  EXPECT_EQ(TwoMeshCheck(""), kNone);
+}
+
+TEST(SupportChecks, OneSupportInSpaceHoldsEverything)
+{
+  EXPECT_EQ(SpaceCheck("2 111111 0 0 0 0 0 0"), "");
+  for (const char* flags : {"111110", "011111", "111000", "000000", "111211"})
+    EXPECT_EQ(SpaceCheck(std::string("2 ") + flags + " 0 0 0 0 0 0"),
+              std::string(kOne) + kSixNeeded);
+}
+
+TEST(SupportChecks, OneSupportWithThreeComponentsIsNeverEnough)
+{
+  for (const char* flags : {"111", "110", "222", "000"})
+    EXPECT_EQ(TwoMeshCheck(std::string("1 ") + flags + " 0 0 0"), std::string(kOne) + kThreeNeeded);
+}
+
+TEST(SupportChecks, TwoSupportsLeaveTheTurnAboutTheirLine)
+{
+  EXPECT_EQ(SpaceCheck("1 111000 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0"), CanRotate(kAlongX));
+  // The axis goes from the lower number to the higher.
+  EXPECT_EQ(SpaceCheck("2 111000 0 0 0 0 0 0\n3 111000 0 0 0 0 0 0"),
+            CanRotate("  -5.000000e-01   0.000000e+00   0.000000e+00"));
+  // Rotations about y and z are no help, springs neither.
+  EXPECT_EQ(SpaceCheck("1 111011 0 0 0 0 0 0\n2 111011 0 0 0 0 0 0"), CanRotate(kAlongX));
+  EXPECT_EQ(SpaceCheck("1 111200 0 0 0 5 0 0\n2 111000 0 0 0 0 0 0"), CanRotate(kAlongX));
+  for (const char* supports :
+       {"1 111100 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0", "1 111000 0 0 0 0 0 0\n2 000100 0 0 0 0 0 0"})
+    EXPECT_EQ(SpaceCheck(supports), "");
+}
+
+TEST(SupportChecks, AnyAxisThatTheLineHasHoldsIt)
+{
+  const char* const second = "1 -2 0";
+  for (const char* flags : {"000100", "000010", "111111"})
+    EXPECT_EQ(SpaceCheck(std::string("1 111000 0 0 0 0 0 0\n2 ") + flags + " 0 0 0 0 0 0", second),
+              "");
+  EXPECT_EQ(SpaceCheck("1 111001 0 0 0 0 0 0\n2 111001 0 0 0 0 0 0", second),
+            CanRotate("   1.000000e+00  -2.000000e+00   0.000000e+00"));
+}
+
+TEST(SupportChecks, TwoSupportsInOnePlaceOrWithAxesOfTheirOwnAreNotJudged)
+{
+  EXPECT_EQ(SpaceCheck("1 111000 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0", "0 0 0"), "");
+  EXPECT_EQ(SpaceCheck("1 111000 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0 Euler1=0.1"), "");
+  EXPECT_EQ(SpaceCheck("1 111000 0 0 0 0 0 0 Euler1=0\n2 111000 0 0 0 0 0 0"), "");
+}
+
+TEST(SupportChecks, WithThreeComponentsRotationsAreNotPrescribed)
+{
+  EXPECT_EQ(TwoMeshCheck("1 111 0 0 0\n3 111 0 0 0"), CanRotate("   3.000000e+00   4.000000e+00"));
+}
+
+TEST(SupportChecks, ThreeSupportsAreNotJudged)
+{
+  EXPECT_EQ(SpaceCheck("1 100000 0 0 0 0 0 0\n2 100000 0 0 0 0 0 0\n3 000000 0 0 0 0 0 0"), "");
+  EXPECT_EQ(TwoMeshCheck("1 010 0 0 0\n2 010 0 0 0\n3 010 0 0 0"), "");
+}
+
+TEST(SupportChecks, SolidsOnOneNode)
+{
+  EXPECT_EQ(CheckOf("problem type 3d\nmesh dimension 3 elemtype Tetrahedra nnode 4 coordinates\n"
+                    "1 0 0 0\n2 1 0 0\n3 0 1 0\n4 0 0 1\nend\nelements\n1 1 2 3 4 1\nend\n"
+                    "constraints\n1 111 0 0 0\nend\n"),
+            std::string(kOne) + kThreeNeeded);
+}
+
+TEST(SupportChecks, TheSolversMessageFollows)
+{
+  const ProblemParts space = SpaceProblem();
+  ExpectRunFails(space.With(&ProblemParts::constraints, ""), kNone,
+                 ZeroDiagonal(7, 2, 1, "X displ."));
+  ExpectRunFails(space.With(&ProblemParts::constraints, "1 111011 0 0 0 0 0 0"),
+                 std::string(kOne) + kSixNeeded, ZeroDiagonal(10, 2, 4, "X rotation"));
+  ExpectRunFails(
+      space.With(&ProblemParts::constraints, "1 111000 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0"),
+      CanRotate(kAlongX), ZeroDiagonal(10, 2, 4, "X rotation"));
+  // Three supports, none of them against x.
+  ExpectRunFails(space.With(&ProblemParts::coordinates, "1 0 0 0\n2 1 0 0\n3 2 0 0")
+                     .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
+                     .With(&ProblemParts::constraints,
+                           "1 011111 0 0 0 0 0 0\n2 011111 0 0 0 0 0 0\n3 011111 0 0 0 0 0 0"),
+                 "", ZeroDiagonal(13, 3, 1, "X displ."));
+}
+
+TEST(SupportChecks, APlaneMechanismGetsTheSolversMessageOnly)
+{
+  ExpectRunFails(ProblemParts().With(&ProblemParts::constraints, "1 010 0 0 0"), "",
+                 ZeroDiagonal(4, 1, 4, "X rotation"));
+  const std::string second =
+      "mesh dimension 2 elemtype Linear nnode 2 coordinates\nend\nelements\n2 1 2 1\nend\n";
+  ExpectRunFails(ProblemParts()
+                     .With(&ProblemParts::constraints, "1 110 0 0 0")
+                     .With(&ProblemParts::rest, second),
+                 std::string(kOne) + kThreeNeeded, ZeroDiagonal(6, 1, 6, "Z rotation"));
+}

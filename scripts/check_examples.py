@@ -4,8 +4,9 @@
     scripts/check_examples.py build/release/morlen [model.dat ...]
 
 The computation shares nothing with the program: beams by inverting the flexibility of a
-cantilever, a full matrix without renumbering, supports by elimination with multipliers. It
-reads as much of the problem file as the examples of frames need. For every model it prints
+cantilever, loads on them by its deflection, hinges by elimination from the matrices of the
+beam, a full matrix without renumbering, supports by elimination with multipliers. It reads
+as much of the problem file as the examples of frames need. For every model it prints
 the largest differences in displacements, end forces and reactions, relative to the largest
 of their kind, and what is left of the equilibrium of loads and reactions. Exit status 1
 when one exceeds the tolerance. Needs numpy.
@@ -29,6 +30,9 @@ class Model:
     def __init__(self, text):
         self.nodes, self.elements, self.materials = {}, {}, {}
         self.supports, self.loads = [], []
+        self.beam_loads, self.strains = [], []
+        self.hinged_nodes, self.codes = set(), {}
+        self.gravity = np.array([0.0, 0.0, 1.0])
         self.systems, self.mesh_length, self.default, self.result = {}, 1.0, (1.0, 1.0), (1.0, 1.0)
         lines = iter(re.sub(r"#.*", "", text).splitlines())
         self.plane = "2d" in next(lines)
@@ -38,7 +42,12 @@ class Model:
     def read(self, words, lines):
         blocks = {"units_names": self.read_system, "coordinates": self.read_node,
                   "elements": self.read_element, "materials": self.read_material,
-                  "constraints": self.read_support, "nodal_point_loads": self.read_load}
+                  "constraints": self.read_support, "nodal_point_loads": self.read_load,
+                  "rotules": lambda r: self.hinged_nodes.add(int(r[0])),
+                  "elem_rotules": lambda r: self.codes.update({int(r[0]): int(r[1])}),
+                  "temperature_loads": self.read_temperature}
+        for kind in ("global", "global_projected", "local"):
+            blocks[f"{kind}_pressure_loads"] = lambda r, kind=kind: self.read_beam_load(kind, r)
         if not words or words[0] == "end":
             return
         if words[0] in blocks:
@@ -48,6 +57,9 @@ class Model:
                     return
                 if record:
                     blocks[words[0]](record)
+        elif words[0] == "GravityDirection":
+            g = np.array([float(x) for x in words[1:4]])
+            self.gravity = g / np.linalg.norm(g)
         elif words[0] == "units_mesh":
             self.mesh_length = next(m for _, m, name in self.systems.values() if name == words[1])
         elif words[0] == "units_mat_and_load":
@@ -83,7 +95,7 @@ class Model:
             beta = min(table, key=lambda row: abs(row[0] - r))[1]
             v |= {"A": a * b, "Iy": a * b**3 / 12, "Iz": a**3 * b / 12,
                   "J": beta * max(a, b) * min(a, b)**3}
-        powers = {"E": (1, -2), "G": (1, -2), "A": (0, 2), "Iy": (0, 4), "Iz": (0, 4), "J": (0, 4)}
+        powers = {"Weight": (1, -3), "E": (1, -2), "G": (1, -2), "A": (0, 2), "Iy": (0, 4), "Iz": (0, 4), "J": (0, 4)}
         return {k: x * force**powers[k][0] * length**powers[k][1] for k, x in v.items()}
 
     def read_support(self, r):
@@ -101,6 +113,45 @@ class Model:
         values *= force
         values[moments:] *= length
         self.loads.append((int(r[0]), values))
+
+    def read_temperature(self, r):
+        self.strains.append((int(r[0]), float(r[1]) * float(r[2])))
+
+    def read_beam_load(self, kind, r):
+        count = 2 if self.plane else 3
+        if kind == "local" and not self.plane and len(r) > 4 and r[4][0] in "-.0123456789":
+            count = 4
+        force, length = self.ratios(dict(zip(r[1 + count::2], r[2 + count::2])))
+        q = np.zeros(4)
+        q[:count] = [float(x) * force / length for x in r[1:1 + count]]
+        self.beam_loads.append((int(r[0]), kind, q))
+
+    def section(self, element):
+        return self.materials[element[2]] | element[3]
+
+    def hinges(self, number):
+        """Whether the first and the second end of a beam are hinged."""
+        element, code = self.elements[number], self.codes.get(number, 11)
+        return [element[0] in self.hinged_nodes or code // 10 == 0,
+                element[1] in self.hinged_nodes or code % 10 == 0]
+
+    def hinged_only(self):
+        """Nodes at which no beam is continuous; their rotations are fixed."""
+        held = {self.elements[number][end] for number in self.elements for end in (0, 1)
+                if not self.hinges(number)[end]}
+        return [node for node in self.nodes if (self.hinged_nodes or self.codes) and node not in held]
+
+    def load_on(self, number, T, d):
+        """Forces and torque per length of a beam in its local axes, and its free strain."""
+        L, q = np.linalg.norm(d), np.zeros(4)
+        for kind, values in [(k, v) for e, k, v in self.beam_loads if e == number]:
+            if kind == "global_projected":  # the shadow of the beam on a plane across the load
+                n = values[:3] / np.linalg.norm(values[:3])
+                values = values * np.linalg.norm(d - n * (n @ d)) / L
+            q += values if kind == "local" else np.append(T.T @ values[:3], 0)
+        m = self.section(self.elements[number])
+        q[:3] += T.T @ self.gravity * m.get("Weight", 0.0) * m["A"]
+        return q, sum(strain for e, strain in self.strains if e == number)
 
 
 def turn(axis, angle):
@@ -137,19 +188,44 @@ def cantilever_flexibility(m, L):
     return F
 
 
-def beam_stiffness(model, element):
-    """(stiffness in global axes 12x12, axes)"""
-    a, b, number, own = element
-    d = model.nodes[b] - model.nodes[a]
-    material = model.materials[number] | own
-    T = beam_axes(d, model.plane)
-    T6 = np.kron(np.eye(2), T)
-    at_b = T6 @ np.linalg.inv(cantilever_flexibility(material, np.linalg.norm(d))) @ T6.T
-    lever = np.array([[0, d[2], -d[1]], [-d[2], 0, d[0]], [d[1], -d[0], 0]])
+def end_of_cantilever(m, L, q, strain):
+    """Displacements of the free end under loads along the cantilever, in local axes."""
+    ei_z, ei_y = m["E"] * m["Iz"], m["E"] * m.get("Iy", 1.0)
+    return np.array([q[0] * L**2 / (2 * m["E"] * m["A"]) + strain * L,
+                     q[1] * L**4 / (8 * ei_z), q[2] * L**4 / (8 * ei_y),
+                     q[3] * L**2 / (2 * m.get("G", 1.0) * m.get("J", 1.0)),
+                     -q[2] * L**3 / (6 * ei_y), q[1] * L**3 / (6 * ei_z)])
+
+
+def release(k, forces, hinged, axial):
+    """The same beam with hinges: bending moments of those ends are eliminated.
+
+    A load along a beam with one hinge is shared 5 to 3, as the program does.
+    """
+    r = [6 * end + i for end in (0, 1) for i in (4, 5) if hinged[end]]
+    if r:
+        solved = np.linalg.solve(k[np.ix_(r, r)], np.column_stack([k[r], forces[r]]))
+        k, forces = k - k[:, r] @ solved[:, :-1], forces - k[:, r] @ solved[:, -1]
+    if hinged[0] != hinged[1]:
+        shift = axial / 8 * (1 if hinged[1] else -1)
+        forces = forces - shift * np.eye(12)[0] + shift * np.eye(12)[6]
+    return k, forces
+
+
+def beam_matrices(model, number):
+    """Stiffness and end forces under the loads on the fixed beam, both in local axes; axes."""
+    a, b, *_ = model.elements[number]
+    m, d = model.section(model.elements[number]), model.nodes[b] - model.nodes[a]
+    T, L = beam_axes(d, model.plane), np.linalg.norm(d)
+    at_b = np.linalg.inv(cantilever_flexibility(m, L))
     rigid = np.eye(6)  # movement of b when it goes along rigidly with a
-    rigid[:3, 3:] = lever
+    rigid[1, 5], rigid[2, 4] = L, -L
     relative = np.hstack([-rigid, np.eye(6)])
-    return relative.T @ at_b @ relative, T
+    q, strain = model.load_on(number, T, d)
+    forces = -relative.T @ at_b @ end_of_cantilever(m, L, q, strain)
+    forces[:6] += [-q[0] * L, -q[1] * L, -q[2] * L, -q[3] * L, q[2] * L**2 / 2, -q[1] * L**2 / 2]
+    k, forces = release(relative.T @ at_b @ relative, forces, model.hinges(number), q[0] * L)
+    return k, forces, T
 
 
 def solve(model):
@@ -163,11 +239,13 @@ def solve(model):
     beams = {}
     both = keep + [6 + k for k in keep]
     for number, element in model.elements.items():
-        k, T = beam_stiffness(model, element)
-        k = k[np.ix_(both, both)]
+        k, fixed, T = beam_matrices(model, number)
+        T = np.kron(np.eye(4), T)[np.ix_(both, both)]
+        k, fixed = k[np.ix_(both, both)], fixed[both]
         e = np.concatenate([dofs(element[0]), dofs(element[1])])
-        K[np.ix_(e, e)] += k
-        beams[number] = (k, T, e)
+        K[np.ix_(e, e)] += T @ k @ T.T
+        f[e] -= T @ fixed
+        beams[number] = (k, fixed, T, e)
     for node, values in model.loads:
         f[dofs(node)] += values
     full = K.copy()
@@ -185,14 +263,23 @@ def solve(model):
             elif flag == "2":
                 full += np.outer(row, row) * values[i] * (
                     force / length if i < moments else force * length)
+    moments = 2 if model.plane else 3
+    springs = {(node, i) for node, flags, *_ in model.supports
+               for i, flag in enumerate(flags) if flag != "0"}
+    for node in model.hinged_only():
+        for i in range(moments, n):
+            if (node, i) not in springs:
+                rows.append(np.eye(size)[dofs(node)[i]])
+                prescribed.append(0.0)
     C = np.array(rows)
     scale = abs(K).max()
     zero = np.zeros((len(C), len(C)))
     u = np.linalg.solve(np.block([[full, scale * C.T], [scale * C, zero]]),
                         np.concatenate([f, scale * np.array(prescribed)]))[:size]
-    turned = lambda T: np.kron(np.eye(4), T)[np.ix_(both, both)]
-    forces = {number: (turned(T).T @ (k @ u[e])).reshape(2, n) for number, (k, T, e) in beams.items()}
-    reactions = {node: (K @ u - f)[dofs(node)] for node, *_ in model.supports}
+    forces = {number: (k @ T.T @ u[e] + fixed).reshape(2, n)
+              for number, (k, fixed, T, e) in beams.items()}
+    supported = [node for node, *_ in model.supports] + model.hinged_only()
+    reactions = {node: (K @ u - f)[dofs(node)] for node in supported}
     return {node: u[dofs(node)] for node in place}, forces, reactions
 
 
@@ -224,14 +311,19 @@ def largest_difference(computed, printed, moments):
 def imbalance(model, reactions):
     """Sum of loads and reactions, forces and moments about the origin, relative."""
     keep = plane_components(model.plane)
-    total, size = np.zeros(6), 0.0
+    actions = []
     for node, values in model.loads + list(reactions.items()):
-        force = np.zeros(6)
-        force[keep] = values
-        force[3:] += np.cross(model.nodes[node], force[:3])
-        total += force
-        size = max(size, abs(force).max())
-    return abs(total).max() / size
+        actions.append((model.nodes[node], np.zeros(6)))
+        actions[-1][1][keep] = values
+    for number, (a, b, *_) in model.elements.items():
+        a, b = model.nodes[a], model.nodes[b]
+        T = beam_axes(b - a, model.plane)
+        q, _ = model.load_on(number, T, b - a)
+        force = np.concatenate([T @ q[:3], T[:, 0] * q[3]]) * np.linalg.norm(b - a)
+        actions.append(((a + b) / 2, force))
+    for place, force in actions:
+        force[3:] += np.cross(place, force[:3])
+    return abs(sum(f for _, f in actions)).max() / max(abs(f).max() for _, f in actions)
 
 
 def check(program, path):
@@ -251,7 +343,8 @@ def check(program, path):
 def main():
     program = pathlib.Path(sys.argv[1]).resolve()
     examples = pathlib.Path(__file__).resolve().parent.parent / "examples"
-    models = [pathlib.Path(p) for p in sys.argv[2:]] or sorted(examples.glob("*.dat"))
+    models = [pathlib.Path(p) for p in sys.argv[2:]] or [
+        p for p in sorted(examples.glob("*.dat")) if "elemtype Linear" in p.read_text()]
     print(f"{'model':24} displacem. end forces reactions equilibrium")
     sys.exit(0 if all([check(program, model) for model in models]) else 1)
 

@@ -1,6 +1,7 @@
 #include "assembly/coplanarity.h"
 
 #include <cmath>
+#include <limits>
 
 #include "base/constants.h"
 #include "base/errorwriter.h"
@@ -26,8 +27,16 @@ ReaVec UnitNormal(const Elem& elem)
 // The first triangle of a mesh at a node, with which the others are compared.
 struct FirstTriangle
 {
-  int elem = 0;
+  const Elem* elem = nullptr;
   ReaVec normal;
+};
+
+// Two triangles that face opposite ways, at the node of the lowest number.
+struct OppositePair
+{
+  int node = std::numeric_limits<int>::max();
+  const Elem* first = nullptr;
+  const Elem* second = nullptr;
 };
 
 }  // namespace
@@ -54,26 +63,33 @@ CoplanarityTest::CoplanarityTest(int nodes, double angle)
 
 void CoplanarityTest::Add(const Mesh& mesh, const Mesh& fileNumbers)
 {
+  std::vector<ReaVec> normals;
+  for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex()))
+    normals.push_back(UnitNormal(elem));
   CountElementsAround(mesh, static_cast<int>(planes.size()), fileNumbers);
   std::vector<FirstTriangle> first(planes.size());
+  OppositePair opposite;
+  auto normal = normals.cbegin();
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
-    const ReaVec normal = UnitNormal(elem);
     for (int i = 0; i < elem.Nnode(); ++i) {
       const int node = elem(i)->number - 1;
       FirstTriangle& reference = first[node];
-      if (reference.elem == 0) {
-        reference = {elem.Num(), normal};
-        Compare(node, normal);
+      if (!reference.elem) {
+        reference = {&elem, *normal};
+        Compare(node, *normal);
         continue;
       }
-      const double d = reference.normal * normal;
-      if (-d >= cosine)
-        Fatal("error: Elements ", reference.elem, " and ", elem.Num(),
-              " have normals in opposite directions. It is necessary to swap normals\n");
+      const double d = reference.normal * *normal;
+      if (-d >= cosine && node < opposite.node)
+        opposite = {node, reference.elem, &elem};
       if (!(d >= cosine))
         folded[node] = 1;
     }
+    ++normal;
   }
+  if (opposite.first)
+    Fatal("error: Elements ", opposite.first->Num(), " and ", opposite.second->Num(),
+          " have normals in opposite directions. It is necessary to swap normals\n");
 }
 
 // With the plane that another mesh has found at the node; its other side is the same plane.

@@ -1,0 +1,137 @@
+#include "results/principal_values.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+#include "numeric/reavecv.h"
+#include "support/dense.h"
+#include "support/reference_frame.h"
+#include "support/solved.h"
+
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+struct Main
+{
+  double first, second, angle;
+};
+
+Main MainOf(double a, double b, double c)
+{
+  Main main{};
+  CalcMainValuesAndAngle(a, b, c, main.first, main.second, main.angle);
+  return main;
+}
+
+// Axes with these Euler angles, of the test's own rotations.
+Axes AxesWith(const Vector3& angles)
+{
+  const auto columns = AxesOfAngles(angles);
+  const auto vector = [](const Vector3& v) { return ReaVec(v[0], v[1], v[2]); };
+  return {vector(columns[0]), vector(columns[1]), vector(columns[2])};
+}
+
+}  // namespace
+
+TEST(PrincipalValues, AreTheDiagonalWithoutShear)
+{
+  for (const double c : {0.0, 0.9e-15, -0.9e-15}) {
+    const Main main = MainOf(2.0, 5.0, c);
+    EXPECT_EQ(main.first, 2.0);
+    EXPECT_EQ(main.second, 5.0);
+    EXPECT_EQ(main.angle, 0.0);
+  }
+}
+
+TEST(PrincipalValues, OfEqualDiagonalsHaveAnAngleOf45Degrees)
+{
+  const Main main = MainOf(3.0, 3.0, 2.0);
+  EXPECT_EQ(main.angle, kPi / 4);
+  EXPECT_NEAR(main.first, 1.0, 1e-15);
+  EXPECT_NEAR(main.second, 5.0, 1e-15);
+}
+
+TEST(PrincipalValues, KeepTheOrderOfTheAxes)
+{
+  // a < b: the first value is the smaller one.
+  const Main main = MainOf(1.0, 4.0, 2.0);
+  EXPECT_NEAR(main.angle, 0.5 * std::atan(4.0 / 3.0), 1e-15);
+  EXPECT_NEAR(main.first, 0.0, 1e-15);
+  EXPECT_NEAR(main.second, 5.0, 1e-15);
+  const Main other = MainOf(4.0, 1.0, 2.0);
+  EXPECT_NEAR(other.angle, -0.5 * std::atan(4.0 / 3.0), 1e-15);
+  EXPECT_NEAR(other.first, 5.0, 1e-15);
+  EXPECT_NEAR(other.second, 0.0, 1e-15);
+}
+
+TEST(PrincipalValues, AreTheEigenvaluesWhateverTheTensor)
+{
+  for (const double a : {-3.0, 0.0, 1.0, 7.5}) {
+    for (const double b : {-2.0, 0.0, 1.0}) {
+      for (const double c : {-4.0, -0.1, 0.2, 5.0}) {
+        const Main main = MainOf(a, b, c);
+        EXPECT_NEAR(main.first + main.second, a + b, 1e-13);
+        EXPECT_NEAR(main.first * main.second, a * b - c * c, 1e-12);
+        // The direction of the first value is the x axis turned by minus the angle.
+        const double x = std::cos(-main.angle);
+        const double y = std::sin(-main.angle);
+        EXPECT_NEAR(a * x + c * y, main.first * x, 1e-12);
+        EXPECT_NEAR(c * x + b * y, main.first * y, 1e-12);
+      }
+    }
+  }
+}
+
+TEST(PrincipalAxes, AreTheLocalOnesTurnedAboutTheNormal)
+{
+  const Vector3 angles = {0.4, 1.1, -0.6};
+  const Axes axes = AxesWith(angles);
+  for (const double turn : {0.0, 0.3, -0.7}) {
+    double euler[3];
+    CalcNewEulerAngles(axes, turn, euler);
+    const Axes turned = AxesWith({euler[0], euler[1], euler[2]});
+    const ReaVec x = axes.x * std::cos(turn) + axes.y * std::sin(turn);
+    for (int k = 1; k <= 3; ++k) {
+      EXPECT_NEAR(turned.x(k), x(k), 1e-12);
+      EXPECT_NEAR(turned.z(k), axes.z(k), 1e-12);
+    }
+  }
+}
+
+TEST(MainValues, ReplaceTheEightForcesOfEveryPoint)
+{
+  // Forces with the angle +atan(4/3)/2, moments with -atan(4/3)/2; then a point without shears.
+  const std::vector<double> given = {1, 4, 2, 4, 1, 2, 10, 20, 2, 5, 0, 3, 3, 2, 1, 0};
+  const double half = 0.5 * std::atan(4.0 / 3.0);
+  const double c = std::cos(half);
+  const double s = std::sin(half);
+  const double r = std::sqrt(0.5);
+  const std::vector<double> expected = {0, 5, 0, 5, 0, 0, 10 * c - 20 * s, 10 * s + 20 * c,
+                                        2, 5, 0, 1, 5, 0, r,               -r};
+  const Axes axes = AxesWith({0, 0, 0});
+  for (const bool inPlace : {true, false}) {
+    ReaVecV values;
+    values.resize(20, -1.0);
+    std::copy(given.begin(), given.end(), values.begin() + 4);
+    ReaVecV angles;
+    angles.resize(15, -1.0);
+    ReaVecV out;
+    out.resize(20, -1.0);
+    ConvertResultsToMainValues(values, 4, 2, angles, 3, axes, inPlace ? nullptr : &out);
+    const std::vector<double> result = Values(inPlace ? values : out);
+    ExpectValues({result.begin() + 4, result.end()}, expected, 1e-14);
+    EXPECT_EQ(result[3], -1.0);
+    if (!inPlace) {
+      EXPECT_EQ((std::vector<double>{values.begin() + 4, values.end()}), given);
+    }
+    // Turning counter-clockwise by φ in the plane is a first Euler angle of -φ.
+    ExpectValues(Values(angles), {-1, -1, -1, 0, 0, 2 * kPi - half, 0, 0, half, 0, 0, 0, 0, 0,
+                                  2 * kPi - kPi / 4},
+                 1e-12);
+  }
+}

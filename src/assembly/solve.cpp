@@ -7,6 +7,7 @@
 #include "base/stprintf.h"
 #include "model/mesh.h"
 #include "model/node.h"
+#include "numeric/matriu.h"
 #include "numeric/plex_range.h"
 #include "problem/constraint.h"
 #include "problem/element_family.h"
@@ -85,16 +86,19 @@ void Project::StartReactions()
 
 void Project::ApplySupports()
 {
+  Matriu stiffness(1, 1);  // added as a block: it may be all that a node without elements has
   for (const Node& node : Each<Node>(GiveNodes())) {
     if (!node.constraint)
       continue;
     for (int k = 1; k <= freeDegrees; ++k) {
       const int equation = Equation(node, k);
       const double value = node.constraint->values[k - 1];
-      if (node.constraint->flags[k - 1] == Constraint::kPrescribed)
+      if (node.constraint->flags[k - 1] == Constraint::kPrescribed) {
         solver->ApplyConstraint(equation, value, displacements);
-      else if (node.constraint->flags[k - 1] == Constraint::kSpring)
-        (*solver)(equation, equation) += value;
+      } else if (node.constraint->flags[k - 1] == Constraint::kSpring) {
+        stiffness = value;
+        solver->AddSubMatriu(equation, equation, stiffness);
+      }
     }
   }
 }

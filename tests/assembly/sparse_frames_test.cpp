@@ -546,3 +546,19 @@ TEST(SparseFrames, ModelsFreeToMoveAreRefused)
     }
   }
 }
+
+TEST(SparseFrames, SpringsMayBeAllThatANodeHas)
+{
+  for (const char* solver : {kSkyline, kTight}) {
+    const Solved solved(
+        "problem type 2d\nmesh dimension 2 elemtype Linear nnode 2\n"
+        "coordinates\n1 0 0\n2 2 0\n3 5 5\nend coordinates\nelements\n1 1 2 1\nend elements\n"
+        "materials\n1 E=1000 A=2 Iz=3\nend\n"
+        "constraints\n1 111 0 0 0\n3 222 10 20 40\nend\n"
+        "nodal_point_loads\n2 7 0 0\n3 5 5 10\nend\n" +
+        std::string(solver) + "\n");
+    ExpectValues(solved.Displacement(3), {0.5, 0.25, 0.25});
+    ExpectValues(solved.Reaction(3), {-5.0, -5.0, -10.0});
+    EXPECT_NEAR(solved.Displacement(2)[0], 7.0 * 2.0 / 2000.0, 1e-12);
+  }
+}

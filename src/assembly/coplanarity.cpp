@@ -24,11 +24,35 @@ ReaVec UnitNormal(const Elem& elem)
   return normal / length;
 }
 
-// The first triangle of a mesh at a node, with which the others are compared.
-struct FirstTriangle
+// A triangle around a node whose plane is not that of an earlier one there.
+struct PlaneAtNode
 {
-  const Elem* elem = nullptr;
+  const Elem* elem;
   ReaVec normal;
+  int next;  // the next one of the node; -1 at the end
+};
+
+// The planes of a mesh around each node, in the order of the elements.
+class PlanesAround
+{
+public:
+  explicit PlanesAround(std::size_t nodes) : first(nodes, -1) {}
+
+  int First(int node) const { return first[node]; }
+  const PlaneAtNode& operator()(int i) const { return planes[i]; }
+
+  void Add(int node, const Elem& elem, const ReaVec& normal)
+  {
+    int* place = &first[node];
+    while (*place != -1)
+      place = &planes[*place].next;
+    *place = static_cast<int>(planes.size());
+    planes.push_back({&elem, normal, -1});
+  }
+
+private:
+  std::vector<int> first;
+  std::vector<PlaneAtNode> planes;
 };
 
 // Two triangles that face opposite ways, at the node of the lowest number.
@@ -67,23 +91,26 @@ void CoplanarityTest::Add(const Mesh& mesh, const Mesh& fileNumbers)
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex()))
     normals.push_back(UnitNormal(elem));
   CountElementsAround(mesh, static_cast<int>(planes.size()), fileNumbers);
-  std::vector<FirstTriangle> first(planes.size());
+  PlanesAround around(planes.size());
   OppositePair opposite;
   auto normal = normals.cbegin();
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
     for (int i = 0; i < elem.Nnode(); ++i) {
       const int node = elem(i)->number - 1;
-      FirstTriangle& reference = first[node];
-      if (!reference.elem) {
-        reference = {&elem, *normal};
-        Compare(node, *normal);
-        continue;
+      bool known = false;
+      for (int k = around.First(node); k != -1; k = around(k).next) {
+        const double d = around(k).normal * *normal;
+        if (-d >= cosine && node < opposite.node)
+          opposite = {node, around(k).elem, &elem};
+        known = known || d >= cosine;
       }
-      const double d = reference.normal * *normal;
-      if (-d >= cosine && node < opposite.node)
-        opposite = {node, reference.elem, &elem};
-      if (!(d >= cosine))
+      if (known)
+        continue;
+      if (around.First(node) == -1)
+        Compare(node, *normal);
+      else
         folded[node] = 1;
+      around.Add(node, elem, *normal);
     }
     ++normal;
   }

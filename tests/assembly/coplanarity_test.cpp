@@ -226,3 +226,23 @@ TEST(Coplanarity, GivesNodesAStiffnessAboutTheNormal)
   model.settings = "ConvertTo6Nodes";
   EXPECT_NEAR(Solved(model.Text()).Displacement(5)[5], 7.5 / (1.5 * 1000), 1e-15);
 }
+
+// Two flanges in one plane and a web below them, which share an edge.
+TEST(Coplanarity, RefusesOppositeFlangesOfATeeInAnyOrder)
+{
+  ShellModel model;
+  model.nodes = {{0, 0, 0}, {1, 0, 0}, {0.5, 0, -1}, {0.5, 1, 0}, {0.5, -1, 0}};
+  const std::vector<std::vector<std::vector<int>>> orders = {
+      {{1, 2, 3}, {1, 2, 4}, {1, 2, 5}},
+      {{1, 2, 4}, {1, 2, 3}, {1, 2, 5}},
+      {{1, 2, 4}, {1, 2, 5}, {1, 2, 3}}};
+  for (const auto& order : orders) {
+    model.triangles = order;
+    const std::string message = FatalCaught([&] { MarksOf(model); });
+    EXPECT_TRUE(message.ends_with(
+        " have normals in opposite directions. It is necessary to swap normals\n"))
+        << message;
+  }
+  model.triangles = {{1, 2, 3}, {1, 2, 4}, {2, 1, 5}};
+  EXPECT_EQ(MarksOf(model), (std::vector<int>{0, 0, 1, 1, 1}));
+}

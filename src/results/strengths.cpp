@@ -11,9 +11,13 @@
 
 namespace {
 
-bool AllFinite(const ReaVecV& v)
+// What the results are made of must leave room for sums of several values.
+constexpr double kLargest = 1e300;
+
+bool AreUsable(const ReaVecV& v)
 {
-  return std::all_of(v.Data(), v.Data() + v.Size(), [](double x) { return std::isfinite(x); });
+  return std::all_of(v.Data(), v.Data() + v.Size(),
+                     [](double x) { return std::fabs(x) <= kLargest; });
 }
 
 }  // namespace
@@ -25,7 +29,7 @@ void Project::CalcStrengthsAndReactions(std::FILE* info)
     for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex()))
       results[mesh].numbers.push_back(elem.Num());
     (this->*FamilyOf(*meshes[mesh]).calcStrengths)(mesh);
-    if (!AllFinite(results[mesh].strengths))
+    if (!AreUsable(results[mesh].strengths) || !AreUsable(results[mesh].mainStrengths))
       SolverFailed(-1);
   }
   CalcReactions();

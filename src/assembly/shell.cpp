@@ -15,6 +15,11 @@ namespace {
 
 constexpr int kComponents = 5;
 
+// Part of the bending stiffness that resists the turn of a node of a fold about the normals
+// beside it. Where the planes differ by rounding errors of the coordinates (1e-7), it holds
+// them together as one plate; a fold that is meant is too steep to feel it.
+constexpr double kTurnAboutNormal = 1e-10;
+
 // The blocks are written over the slopes θa, θb of the normal (∂w/∂x', ∂w/∂y' when there is
 // no shear strain); the nodes have the rotations r about x' and y', with θa = -r_y' and
 // θb = r_x'. So the column of r_x' is that of θb, and the column of r_y' minus that of θa.
@@ -104,6 +109,20 @@ void ShellEvaluator::Evaluate(const Elem& elem, const Material& material)
     for (int i = 0; i < nnode; ++i)
       TurnSlopesToRotations(point[g].nodes[i]);
   }
+  CalcTurns();
+}
+
+void ShellEvaluator::CalcTurns()
+{
+  for (int i = 0; i < nnode; ++i) {
+    turn[i][0] = turn[i][1] = 0.0;
+    for (int g = 0; g < points; ++g) {
+      const Matriu& Bm = point[g].nodes[i].Bm;
+      const double share = point[g].weight / area / 2.0;
+      turn[i][0] += share * Bm(2, 2);
+      turn[i][1] -= share * Bm(1, 1);
+    }
+  }
 }
 
 void ShellEvaluator::EvaluateThreeNodes(const Elem& elem)
@@ -147,6 +166,23 @@ void ShellEvaluator::CalcStiffness(int i, int j, Matriu& K)
     AddtoKMatrix(K, first.Bm, Dm, second.Bm, weight);
     AddtoKMatrix(K, first.Bb, Db, second.Bb, weight);
     AddtoKMatrix(K, first.Bs, Ds, second.Bs, weight);
+  }
+}
+
+void ShellEvaluator::AddTurnsAboutNormal(int i, int j, const std::array<bool, 6>& folded,
+                                         Matriu& K) const
+{
+  const double stiffness = kTurnAboutNormal * Db(1, 1);
+  for (int k = 0; k < nnode; ++k) {
+    if (!folded[k])
+      continue;
+    const double row[] = {turn[i][0], turn[i][1], k == i ? 1.0 : 0.0};
+    const double column[] = {turn[j][0], turn[j][1], k == j ? 1.0 : 0.0};
+    constexpr int kPlaces[] = {1, 2, 6};
+    for (int r = 0; r < 3; ++r) {
+      for (int c = 0; c < 3; ++c)
+        K(kPlaces[r], kPlaces[c]) += stiffness * row[r] * column[c];
+    }
   }
 }
 

@@ -57,6 +57,10 @@ public:
   /// rotation about the normal.
   void CalcStiffness(int i, int j, Matriu& K);
 
+  /// Adds a small resistance of the nodes k that are folded against turning about the normal
+  /// by more than the membrane does; a rigid motion does not meet it.
+  void AddTurnsAboutNormal(int i, int j, const std::array<bool, 6>& folded, Matriu& K) const;
+
   /// The eight local forces of every point (Nx, Ny, Nxy, Mx, My, Mxy, Qx, Qy) from the nodes'
   /// displacements in local axes, six each; added to res(offset + 1, ...).
   void AddStrengths(const double* local, ReaVecV& res, int offset);
@@ -64,11 +68,13 @@ public:
 private:
   void EvaluateThreeNodes(const Elem& elem);
   void EvaluateSixNodes(const Elem& elem);
+  void CalcTurns();
 
   int nnode = 0;
   int points = 0;
   double area = 0.0;
   double x[6], y[6];  ///< local coordinates
+  double turn[6][2];  ///< minus the mean rotation of the membrane by u and v of each node
   std::array<ShellPoint, 3> point;
   Matriu T, Tbig, Dm, Db, Ds;
 };

@@ -1,3 +1,5 @@
+#include <array>
+
 #include "assembly/element_assembly.h"
 #include "assembly/shell.h"
 #include "model/elem.h"
@@ -16,12 +18,16 @@ void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
   for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
     const Material& material = RequireMaterial(elem);
     shell.Evaluate(elem, material);
+    std::array<bool, 6> folded{};
+    for (int i = 0; i < elem.Nnode(); ++i)
+      folded[i] = coplanarity[elem(i)->number - 1] != 1;
     for (int i = 0; i < elem.Nnode(); ++i) {
       for (int j = i; j < elem.Nnode(); ++j) {
         shell.CalcStiffness(i, j, K);
+        shell.AddTurnsAboutNormal(i, j, folded, K);
         // The rotation about the normal of a plane has no stiffness of its own.
-        if (i == j && coplanarity[elem(i)->number - 1] == 1)
-          K(6, 6) = shell.Area() * material.E1;
+        if (i == j && !folded[i])
+          K(6, 6) += shell.Area() * material.E1;
         TurnRows(shell.Frame(), Turn::ToGlobal, K);
         TurnColumns(shell.Frame(), Turn::ToGlobal, K);
         assembler.Add(*elem(i), *elem(j), K);

@@ -23,7 +23,7 @@ constexpr Vector3 kOrigin = {3.0, -2.0, 5.0};
 struct Patch
 {
   ShellModel model;
-  std::array<Vector3, 3> axes;           ///< of the plane, and of the forces
+  std::array<Vector3, 3> axes;            ///< of the plane, and of the forces
   std::vector<std::array<double, 2>> at;  ///< places of the nodes in the plane
 
   std::vector<int> Inner() const
@@ -94,7 +94,8 @@ Patch DistortedPatch(int nnode, const Vector3& angles, const std::string& materi
   return patch;
 }
 
-constexpr char kOrthotropic[] = "Ex=2000 Ey=1000 nuXY=0.125 nuYX=0.25 Gxy=300 Gxz=200 Gyz=250 t=0.5";
+constexpr char kOrthotropic[] =
+    "Ex=2000 Ey=1000 nuXY=0.125 nuYX=0.25 Gxy=300 Gxz=200 Gyz=250 t=0.5";
 constexpr double kFactor = 0.5 / (1.0 - 1.0 / 32.0);
 
 std::array<double, 3> TimesD(const std::array<double, 3>& strain)
@@ -194,7 +195,10 @@ namespace {
 double BendingError(int divisions, double t)
 {
   ShellModel model = GridShell(
-      2 * divisions, divisions, [](double u, double v) { return Vector3{4 * u, 2 * v, 0}; },
+      2 * divisions, divisions,
+      [](double u, double v) {
+        return Vector3{4 * u, 2 * v, 0};
+      },
       Cut::BothWays);
   model.material = "E=1000 nu=0.25 G=400 t=" + Digits(t);
   std::vector<int> inner;

@@ -213,8 +213,8 @@ TEST(Shell, StiffnessIsSymmetricAndResistsNoRigidMotion)
         const Vector3 r = {motion == 3 ? 1.0 : 0.0, motion == 4 ? 1.0 : 0.0,
                            motion == 5 ? 1.0 : 0.0};
         const Vector3 u = Cross(r, {x, y, 0.0});
-        return std::array<double, 6>{u[0] + (motion == 0), u[1] + (motion == 1),
-                                     u[2] + (motion == 2), r[0], r[1], r[2]};
+        return std::array<double, 6>{
+            u[0] + (motion == 0), u[1] + (motion == 1), u[2] + (motion == 2), r[0], r[1], r[2]};
       });
       for (const double force : one.Forces(local))
         EXPECT_NEAR(force, 0.0, 1e-12 * largest) << "motion " << motion;
@@ -267,9 +267,8 @@ TEST(Shell, OfThreeNodesTakesTheRotationsAtTheCentroid)
 {
   OneElement three(OneTriangle(3));
   // Slopes wx, wy at the corners only: shear is that of w less their mean, 0 here.
-  const auto forces = three.Forces(LocalField(three, [](double, double) {
-    return std::array<double, 6>{0, 0, 0, 0.02, -0.01, 0};
-  }));
+  const auto forces = three.Forces(LocalField(
+      three, [](double, double) { return std::array<double, 6>{0, 0, 0, 0.02, -0.01, 0}; }));
   // r_x = 0.02 is the slope θb, r_y = -0.01 minus the slope θa: γ = -θ.
   ExpectValues(forces, {0, 0, 0, 0, 0, 0, -0.01 * 5 / 6 * 100, -0.02 * 5 / 6 * 125}, 1e-12);
 }
@@ -299,8 +298,10 @@ TEST(Shell, EnergyOfTheStiffnessIsThatOfTheForces)
         // Inverse of [[2000, 250], [250, 1000]].
         const double bend = first == 3 ? 12.0 / 0.25 : 1.0;
         const double d = (2000.0 * 1000.0 - 250.0 * 250.0) * f;
-        density += bend * (n[first] * (1000 * n[first] - 250 * n[first + 1]) +
-                           n[first + 1] * (2000 * n[first + 1] - 250 * n[first])) / d;
+        density += bend *
+                   (n[first] * (1000 * n[first] - 250 * n[first + 1]) +
+                    n[first + 1] * (2000 * n[first + 1] - 250 * n[first])) /
+                   d;
         density += bend * n[first + 2] * n[first + 2] / 150.0;
       }
       density += n[6] * n[6] / (5.0 / 6.0 * 100) + n[7] * n[7] / (5.0 / 6.0 * 125);
@@ -319,8 +320,8 @@ TEST(ElementProducts, AddBTransposedDB)
   K = 1.0;
   AddtoKMatrix(K, Bi, D, Bj, 0.5);
   // D Bj = (4 1; 7 3).
-  EXPECT_EQ(Entries(K), (std::vector<double>{17, 7.5, 1, 1, 22.5, 9.5, 1, 1, 28, 11.5, 1, 1, 1, 1,
-                                             1, 1}));
+  EXPECT_EQ(Entries(K),
+            (std::vector<double>{17, 7.5, 1, 1, 22.5, 9.5, 1, 1, 28, 11.5, 1, 1, 1, 1, 1, 1}));
   ReaVecV res;
   res.resize(4, 1.0);
   const double u[] = {1, -1, 2};

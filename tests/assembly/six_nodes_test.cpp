@@ -177,8 +177,9 @@ TEST(SixNodes, HandTheReactionsOfTheMiddleToTheCorners)
 
 TEST(SixNodes, OfTheFileKeepTheirReactions)
 {
-  ShellModel model =
-      WithMidSideNodes(GridShell(1, 1, [](double u, double v) { return Vector3{u, v, 0}; }));
+  ShellModel model = WithMidSideNodes(GridShell(1, 1, [](double u, double v) {
+    return Vector3{u, v, 0};
+  }));
   model.material = "E=1000 nu=0 G=500 t=0.1";
   for (const int node : NodesWhere(model, [](const Vector3& x) { return x[0] == 0.0; }))
     model.Hold(node, "111111");

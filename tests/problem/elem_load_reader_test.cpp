@@ -169,13 +169,16 @@ TEST(ReadElemLoad, MessagesOfTheProgram)
       "error: Unknown elem type in PreassureLT::ReadYourLoad\n");
 }
 
-TEST(ReadElemLoad, TemperatureOnATriangleIsRead)
+TEST(ReadElemLoad, TemperatureOnATriangleIsReadAndStopsTheLoadVector)
 {
-  const auto project = ReadProject(
+  const std::string problem =
       "problem type 3d\nmesh dimension 3 elemtype Triangle nnode 3 coordinates\n"
-      "1 0 0 0\n2 1 0 0\n3 0 1 0\nend\nelements\n5 1 2 3 1\nend\n" +
-      Block("temperature_loads", "5 1e-5 20"));
-  EXPECT_NE(FirstLoad(*project, 5), nullptr);
+      "1 0 0 0\n2 1 0 0\n3 0 1 0\nend\nelements\n5 1 2 3 1\nend\n"
+      "materials\n1 E 100 nu 0.25 G 40 Gxz 40 Gyz 40 t 0.1\nend\n"
+      "constraints\n1 111111 0 0 0 0 0 0\nend\n" +
+      Block("temperature_loads", "5 1e-5 20");
+  EXPECT_NE(FirstLoad(*ReadProject(problem), 5), nullptr);
+  ExpectRunRefused(problem, "temperature for triangles not implemented yet\n");
 }
 
 TEST(ReadElemLoad, ReadsLoadsOfShellsAndSolids)

@@ -228,11 +228,17 @@ TEST(PressureOnTriangle, IsInEquilibriumWithTheReactions)
       // Local: the horizontal parts of the slopes cancel.
       {"", "", Block("local_pressure_loads", all), {0, 0, -kPressure * 48}, middle},
       {"GravityDirection 0 0 -1", " Weight=25", "", {0, 0, -25 * 0.2 * area}, middle},
-      {"GravityDirection 1 2 -2", " Weight=25", "",
-       {5 * area / 3, 10 * area / 3, -10 * area / 3}, middle},
+      {"GravityDirection 1 2 -2",
+       " Weight=25",
+       "",
+       {5 * area / 3, 10 * area / 3, -10 * area / 3},
+       middle},
       // Along the edge from (0, 0, 1) to (2, 0, 2).
-      {"", "", Block("face_loads", "1 0 1 2 3"),
-       {std::sqrt(5.0), 2 * std::sqrt(5.0), 3 * std::sqrt(5.0)}, {1, 0, 1.5}},
+      {"",
+       "",
+       Block("face_loads", "1 0 1 2 3"),
+       {std::sqrt(5.0), 2 * std::sqrt(5.0), 3 * std::sqrt(5.0)},
+       {1, 0, 1.5}},
   };
   for (const Equilibrium& load : cases) {
     for (const char* conversion : {"", "ConvertTo6Nodes"}) {
@@ -243,10 +249,10 @@ TEST(PressureOnTriangle, IsInEquilibriumWithTheReactions)
       model.rest = load.loads;
       const Vector3 moment = Cross(load.at, load.force);
       const auto sum = SumOfReactions(Solved(model.Text()));
-      ExpectValues({sum.begin(), sum.end()},
-                   {-load.force[0], -load.force[1], -load.force[2], -moment[0], -moment[1],
-                    -moment[2]},
-                   1e-9);
+      ExpectValues(
+          {sum.begin(), sum.end()},
+          {-load.force[0], -load.force[1], -load.force[2], -moment[0], -moment[1], -moment[2]},
+          1e-9);
     }
   }
 }

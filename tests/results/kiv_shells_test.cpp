@@ -53,9 +53,9 @@ std::string Between(const std::string& text, const std::string& begin, const std
 const std::vector<std::string> kLocal = {"Axial Force", "Momentus", "Shear", "Local Axes"};
 const std::vector<std::string> kMain = {"Main Ax. Force", "Main Momentus", "Shear in Main",
                                         "L Axes Axial", "L Axes Momentus"};
-const std::vector<std::string> kBoth = {
-    "Axial Force", "Main Ax. Force", "Momentus",     "Main Momentus",  "Shear",
-    "Shear in Main", "Local Axes",   "L Axes Axial", "L Axes Momentus"};
+const std::vector<std::string> kBoth = {"Axial Force",   "Main Ax. Force", "Momentus",
+                                        "Main Momentus", "Shear",          "Shear in Main",
+                                        "Local Axes",    "L Axes Axial",   "L Axes Momentus"};
 
 std::vector<std::string> WithNodes(std::vector<std::string> names)
 {
@@ -150,8 +150,9 @@ TEST(KivShells, FollowTheBeamsInOneFile)
 TEST(KivShells, AreWrittenForEveryMesh)
 {
   ShellModel model = RoundNumbers("");
-  model.rest = "mesh dimension 3 elemtype Triangle nnode 3\ncoordinates\nend\nelements\n"
-               "5 1 2 3 1\nend\n";
+  model.rest =
+      "mesh dimension 3 elemtype Triangle nnode 3\ncoordinates\nend\nelements\n"
+      "5 1 2 3 1\nend\n";
   const std::vector<std::string> names = KivBlockNames(KivOf(model.Text()));
   std::vector<std::string> expected = WithNodes(kLocal);
   expected.insert(expected.begin(), expected.begin(), expected.begin() + 5);

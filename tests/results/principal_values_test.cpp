@@ -111,8 +111,8 @@ TEST(MainValues, ReplaceTheEightForcesOfEveryPoint)
   const double c = std::cos(half);
   const double s = std::sin(half);
   const double r = std::sqrt(0.5);
-  const std::vector<double> expected = {0, 5, 0, 5, 0, 0, 10 * c - 20 * s, 10 * s + 20 * c,
-                                        2, 5, 0, 1, 5, 0, r,               -r};
+  const std::vector<double> expected = {0, 5, 0, 5, 0, 0, 10 * c - 20 * s, 10 * s + 20 * c, 2, 5,
+                                        0, 1, 5, 0, r, -r};
   const Axes axes = AxesWith({0, 0, 0});
   for (const bool inPlace : {true, false}) {
     ReaVecV values;
@@ -130,8 +130,8 @@ TEST(MainValues, ReplaceTheEightForcesOfEveryPoint)
       EXPECT_EQ((std::vector<double>{values.begin() + 4, values.end()}), given);
     }
     // Turning counter-clockwise by φ in the plane is a first Euler angle of -φ.
-    ExpectValues(Values(angles), {-1, -1, -1, 0, 0, 2 * kPi - half, 0, 0, half, 0, 0, 0, 0, 0,
-                                  2 * kPi - kPi / 4},
+    ExpectValues(Values(angles),
+                 {-1, -1, -1, 0, 0, 2 * kPi - half, 0, 0, half, 0, 0, 0, 0, 0, 2 * kPi - kPi / 4},
                  1e-12);
   }
 }

@@ -28,8 +28,9 @@ ShellModel Moved(double fold, const std::string& settings)
   model.settings = settings;
   for (int node = 1; node <= 6; ++node) {
     const double s = node * 0.7;
-    model.Hold(node, "111111", {std::sin(s), std::cos(2 * s), std::sin(3 * s), std::cos(5 * s),
-                                std::sin(7 * s), 0});
+    model.Hold(
+        node, "111111",
+        {std::sin(s), std::cos(2 * s), std::sin(3 * s), std::cos(5 * s), std::sin(7 * s), 0});
   }
   return model;
 }
@@ -85,8 +86,8 @@ Forces Averaged(const ShellModel& model, const Forces& given, const std::vector<
       }
       const std::size_t points = given[i].size();
       for (std::size_t g = 0; g < points; ++g)
-        result[i][g][k] = points == 1 ? (mean[0] + mean[1] + mean[2]) / 3.0
-                                      : (mean[g] + mean[(g + 1) % 3]) / 2.0;
+        result[i][g][k] =
+            points == 1 ? (mean[0] + mean[1] + mean[2]) / 3.0 : (mean[g] + mean[(g + 1) % 3]) / 2.0;
     }
   }
   return result;
@@ -146,8 +147,8 @@ TEST(SmoothShell, LeavesAConstantStateAlone)
     const double D = 1000 * 0.125 / 12;
     for (int triangle = 1; triangle <= 12; ++triangle) {
       for (const ShellForces& forces : ForcesOf(solved, triangle))
-        ExpectValues({forces.begin(), forces.begin() + 6},
-                     {1, 2, 0.25, -0.02 * D, -0.01 * D, 0}, 1e-12);
+        ExpectValues({forces.begin(), forces.begin() + 6}, {1, 2, 0.25, -0.02 * D, -0.01 * D, 0},
+                     1e-12);
     }
   }
 }

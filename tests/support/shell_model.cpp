@@ -38,7 +38,8 @@ std::string ShellModel::OnAll(const std::string& record) const
 
 std::string ShellModel::Text() const
 {
-  std::string text = "problem type 3d\n" + settings + "\nmesh dimension 3 elemtype Triangle nnode " +
+  std::string text = "problem type 3d\n" + settings +
+                     "\nmesh dimension 3 elemtype Triangle nnode " +
                      std::to_string(triangles.front().size()) + "\ncoordinates\n";
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     text += std::to_string(i + 1);
@@ -87,8 +88,7 @@ ShellModel WithMidSideNodes(const ShellModel& model)
       const std::pair<int, int> edge = std::minmax({triangle[i], triangle[(i + 1) % 3]});
       int& middle = middles[edge];
       if (middle == 0) {
-        six.nodes.push_back(
-            0.5 * (six.nodes[edge.first - 1] + six.nodes[edge.second - 1]));
+        six.nodes.push_back(0.5 * (six.nodes[edge.first - 1] + six.nodes[edge.second - 1]));
         middle = static_cast<int>(six.nodes.size());
       }
       triangle.push_back(middle);

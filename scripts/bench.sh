@@ -19,7 +19,9 @@ esac
 models="frame3d 5 5 68
 portal2d 49 98
 frame3d 7 7 51
-frame3d 32 32 30"
+frame3d 32 32 30
+block 36
+block10 18"
 
 scripts/install_tools.sh g++ cmake make python3 libbenchmark-dev
 cmake --preset release -DMORLEN_TESTS=OFF -DMORLEN_BENCH=ON -B build/bench >/dev/null

@@ -6,53 +6,43 @@
 
 namespace {
 
-constexpr ElementFamily kFamilies[] = {
-    {.type = Linear,
-     .nnode = 2,
-     .spaceOnly = false,
-     .addStiffness = &Project::AddKToGlobalMatrixBeams,
-     .addLoads = &Project::AddLoadsOnBeams,
-     .calcStrengths = &Project::CalcStrengthsBeams,
-     .smooth = nullptr,
-     .writeStrength = &Project::WriteBeamStrength,
-     .writeKiv = &Project::WriteKivResultsBeams},
-    {.type = Triangle,
-     .nnode = 3,
-     .spaceOnly = true,
-     .addStiffness = &Project::AddKToGlobalMatrixTriangles,
-     .addLoads = &Project::AddLoadsOnTriangles,
-     .calcStrengths = &Project::CalcStrengthsTriangles,
-     .smooth = &Project::SmoothTriangles,
-     .writeStrength = nullptr,
-     .writeKiv = &Project::WriteKivResultsTriangle},
-    {.type = Triangle,
-     .nnode = 6,
-     .spaceOnly = true,
-     .addStiffness = &Project::AddKToGlobalMatrixTriangles,
-     .addLoads = &Project::AddLoadsOnTriangles,
-     .calcStrengths = &Project::CalcStrengthsTriangles,
-     .smooth = &Project::SmoothTriangles,
-     .writeStrength = nullptr,
-     .writeKiv = &Project::WriteKivResultsTriangle},
-    {.type = Tetrahedra,
-     .nnode = 4,
-     .spaceOnly = false,
-     .addStiffness = &Project::AddKToGlobalMatrixTetras,
-     .addLoads = &Project::AddLoadsOnTetras,
-     .calcStrengths = &Project::CalcStrengthsTetras,
-     .smooth = &Project::SmoothVariableTetra,
-     .writeStrength = nullptr,
-     .writeKiv = &Project::WriteKivResultsTetra},
-    {.type = Tetrahedra,
-     .nnode = 10,
-     .spaceOnly = false,
-     .addStiffness = &Project::AddKToGlobalMatrixTetras,
-     .addLoads = &Project::AddLoadsOnTetras,
-     .calcStrengths = &Project::CalcStrengthsTetras,
-     .smooth = &Project::SmoothVariableTetra,
-     .writeStrength = nullptr,
-     .writeKiv = &Project::WriteKivResultsTetra},
-};
+constexpr ElementFamily kBeams = {.type = Linear,
+                                  .nnode = 2,
+                                  .spaceOnly = false,
+                                  .addStiffness = &Project::AddKToGlobalMatrixBeams,
+                                  .addLoads = &Project::AddLoadsOnBeams,
+                                  .calcStrengths = &Project::CalcStrengthsBeams,
+                                  .smooth = nullptr,
+                                  .writeStrength = &Project::WriteBeamStrength,
+                                  .writeKiv = &Project::WriteKivResultsBeams};
+
+constexpr ElementFamily Shells(int nnode)
+{
+  return {.type = Triangle,
+          .nnode = nnode,
+          .spaceOnly = true,
+          .addStiffness = &Project::AddKToGlobalMatrixTriangles,
+          .addLoads = &Project::AddLoadsOnTriangles,
+          .calcStrengths = &Project::CalcStrengthsTriangles,
+          .smooth = &Project::SmoothTriangles,
+          .writeStrength = nullptr,
+          .writeKiv = &Project::WriteKivResultsTriangle};
+}
+
+constexpr ElementFamily Solids(int nnode)
+{
+  return {.type = Tetrahedra,
+          .nnode = nnode,
+          .spaceOnly = false,
+          .addStiffness = &Project::AddKToGlobalMatrixTetras,
+          .addLoads = &Project::AddLoadsOnTetras,
+          .calcStrengths = &Project::CalcStrengthsTetras,
+          .smooth = &Project::SmoothVariableTetra,
+          .writeStrength = nullptr,
+          .writeKiv = &Project::WriteKivResultsTetra};
+}
+
+constexpr ElementFamily kFamilies[] = {kBeams, Shells(3), Shells(6), Solids(4), Solids(10)};
 
 }  // namespace
 

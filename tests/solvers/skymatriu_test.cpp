@@ -17,6 +17,7 @@
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
 #include "support/fatal.h"
+#include "support/messages.h"
 
 namespace {
 
@@ -138,19 +139,6 @@ void ExpectNear(const ReaVecV& v, const std::vector<double>& expected, double to
   ASSERT_EQ(v.Size(), static_cast<int>(expected.size())) << label;
   for (int i = 1; i <= v.Size(); ++i)
     EXPECT_NEAR(v(i), expected[i - 1], tolerance) << label << " (" << i << ")";
-}
-
-/// What an action writes to the stream of messages it is given.
-std::string Messages(const std::function<void(std::FILE*)>& action)
-{
-  std::FILE* file = std::tmpfile();
-  action(file);
-  std::rewind(file);
-  std::string text;
-  for (int c; (c = std::fgetc(file)) != EOF;)
-    text += static_cast<char>(c);
-  std::fclose(file);
-  return text;
 }
 
 /// A file that an action writes and that is gone afterwards.
@@ -483,7 +471,7 @@ TEST(SkyMatriu, SolverReportsItsSteps)
     CreateDiagonal(matrix, 2.0);
     ReaVecV b(c.n);
     b = 1.0;
-    EXPECT_EQ(Messages([&](std::FILE* info) { EXPECT_EQ(matrix.Solver(b, info), 0); }),
+    EXPECT_EQ(MessagesOf([&](std::FILE* info) { EXPECT_EQ(matrix.Solver(b, info), 0); }),
               std::string(c.progress) +
                   "Txolesky finished\nBeginning 1st substitution in LU system\n"
                   "Beginning 2nd substitution in LU system\n");
@@ -539,7 +527,7 @@ TEST(SkyMatriu, FailureLeavesTheRightHandSideAndSaysNothing)
   matrix(2, 2) = 0.0;
   ReaVecV b = RandomVector(3, 1);
   const std::vector<double> before = ToStd(b);
-  EXPECT_EQ(Messages([&](std::FILE* info) { EXPECT_EQ(matrix.Solver(b, info), 2); }), "");
+  EXPECT_EQ(MessagesOf([&](std::FILE* info) { EXPECT_EQ(matrix.Solver(b, info), 2); }), "");
   EXPECT_EQ(ToStd(b), before);
 }
 
@@ -548,7 +536,7 @@ TEST(SkyMatriu, ProgressComesBeforeTheTestOfThePivot)
   SkyMatriu matrix(600);
   CreateDiagonal(matrix, 1.0);
   matrix(500, 500) = 0.0;
-  EXPECT_EQ(Messages([&](std::FILE* info) { EXPECT_EQ(matrix.Txolesky(info), 500); }),
+  EXPECT_EQ(MessagesOf([&](std::FILE* info) { EXPECT_EQ(matrix.Txolesky(info), 500); }),
             "Solving degree 500 of 600\n");
 }
 
@@ -792,7 +780,7 @@ TEST(SkyMatriu, MemoryReport)
   SkyMatriu matrix(9);
   matrix.EnterMaxDiff(1, 3, 3);
   matrix.Create(3);  // 36 positions
-  EXPECT_EQ(Messages([&](std::FILE* info) { matrix.PrintInfoMem(info); }),
+  EXPECT_EQ(MessagesOf([&](std::FILE* info) { matrix.PrintInfoMem(info); }),
             "\nINFORMATION ABOUT STIFFNESS MATRIX\n"
             "Sky matrix storage with Txolesky\n"
             "Degrees of freedom= 9\n"
@@ -808,7 +796,7 @@ TEST(SkyMatriu, MemoryReportRoundsDown)
   for (int i = 1; i <= 600; ++i)
     matrix.EnterMaxDiff(1, i);
   matrix.Create(1);  // 180300 positions, 1.3756 Mb, 300.5 in a row
-  EXPECT_EQ(Messages([&](std::FILE* info) { matrix.PrintInfoMem(info); }),
+  EXPECT_EQ(MessagesOf([&](std::FILE* info) { matrix.PrintInfoMem(info); }),
             "\nINFORMATION ABOUT STIFFNESS MATRIX\n"
             "Sky matrix storage with Txolesky\n"
             "Degrees of freedom= 600\n"
@@ -820,7 +808,7 @@ TEST(SkyMatriu, MemoryReportRoundsDown)
 TEST(SkyMatriu, MemoryReportOfNoEquations)
 {
   SkyMatriu matrix(0);
-  EXPECT_EQ(Messages([&](std::FILE* info) { matrix.PrintInfoMem(info); }),
+  EXPECT_EQ(MessagesOf([&](std::FILE* info) { matrix.PrintInfoMem(info); }),
             "\nINFORMATION ABOUT STIFFNESS MATRIX\n"
             "Sky matrix storage with Txolesky\n"
             "Degrees of freedom= 0\n"

@@ -141,10 +141,15 @@ void FindThisWord(TextScan& text, const char* word)
   }
 }
 
-bool ReadRecordNumber(TextScan& text, int& number)
+void SkipComments(TextScan& text)
 {
   while (text.TakeOutSpaces() == 1)
     text.SkipLine();
+}
+
+bool ReadRecordNumber(TextScan& text, int& number)
+{
+  SkipComments(text);
   return text.ReadInt(number);
 }
 

@@ -68,8 +68,11 @@ inline int TakeOutSpaces(TextScan& text)
   return text.TakeOutSpaces();
 }
 
-/// Starts the next record of a block: skips blanks and comment lines and reads the
-/// record's number. False at a word that is no number, which ends the block.
+/// Skips blanks and comment lines, up to the next record of a block.
+void SkipComments(TextScan& text);
+
+/// Starts the next record of a block: skips comments and reads the record's number. False at a word
+/// that is no number, which ends the block.
 bool ReadRecordNumber(TextScan& text, int& number);
 
 /// Consumes the "end" that closes a block, with the rest of its line.

@@ -18,12 +18,6 @@ int ReadIntBehind(TextScan& text, const char* keyword)
   return text.ReadInt(value) ? value : 0;
 }
 
-void SkipComments(TextScan& text)
-{
-  while (text.TakeOutSpaces() == 1)
-    text.SkipLine();
-}
-
 }  // namespace
 
 ElemType FindType(TextScan& text)

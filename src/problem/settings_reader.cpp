@@ -186,8 +186,7 @@ void Project::ReadFAUnitsNames(TextScan& text)
 void Project::ReadFAMaterials(TextScan& text)
 {
   for (;;) {
-    while (text.TakeOutSpaces() == 1)
-      text.SkipLine();
+    SkipComments(text);
     auto material = std::make_unique<Material>();
     if (!material->ReadFromAscii(text, this))
       return SkipBlockEnd(text);

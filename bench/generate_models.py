@@ -1,24 +1,29 @@
 #!/usr/bin/env python3
 """Writes the problem file of a large model to standard output.
 
-    generate_models.py [--setting LINE ...] FAMILY NUMBER...
+    generate_models.py [--setting LINE ...] [--peer SOLVER] FAMILY NUMBER...
 
     frame3d NX NY STOREYS    building of NX by NY bays, concrete columns and beams
     portal2d BAYS STOREYS    plane steel frame of a building
+    plate N                  square plate of 2 N^2 three-node shells, simply supported
+    roof N                   cylindrical roof of 2 N^2 three-node shells on two diaphragms
     block N                  cube of 6 N^3 four-node tetrahedra, held on one side
     block10 N                the same of ten-node tetrahedra
 
 The same arguments always give the same file. A setting is a line of its own behind the
-header, for example --setting "Solver SkyLine".
+header, for example --setting "Solver SkyLine". With --peer the same model is written as an
+input file of CalculiX for the solver of that name, for example --peer SPOOLES.
 """
 
 import argparse
 import dataclasses
 import itertools
+import math
 import pathlib
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "scripts"))
+import peer_input  # noqa: E402
 from solid_mesh import SolidMesh  # noqa: E402
 
 
@@ -112,6 +117,63 @@ def portal2d(bays, storeys):
     return model
 
 
+def shell_grid(n, title, material, place):
+    """Triangles over a square of n by n cells, each cut along a diagonal that turns from cell
+    to cell. `place` maps parameters from 0 to 1 to a point. Returns the model and the number
+    of the node on the lines i and j."""
+    model = Model(title, "3d", "Triangle nnode = 3", [material])
+
+    def node(i, j):
+        return 1 + i + (n + 1) * j
+
+    model.coordinates = [place(i / n, j / n) for j in range(n + 1) for i in range(n + 1)]
+    for j, i in itertools.product(range(n), repeat=2):
+        a, b, c, d = node(i, j), node(i + 1, j), node(i + 1, j + 1), node(i, j + 1)
+        cut = ((a, b, d), (b, c, d)) if (i + j) % 2 else ((a, b, c), (a, c, d))
+        model.elements += [(triangle, 1) for triangle in cut]
+    return model, node
+
+
+def load_area(model, pressure):
+    """A third of every triangle's pressure, along -z, to each of its nodes."""
+    forces = [0.0] * len(model.coordinates)
+    for triangle, _ in model.elements:
+        a, b, c = (model.coordinates[k - 1] for k in triangle)
+        u, v = ([q - p for p, q in zip(a, other)] for other in (b, c))
+        area = 0.5 * math.hypot(u[1] * v[2] - u[2] * v[1], u[2] * v[0] - u[0] * v[2],
+                                u[0] * v[1] - u[1] * v[0])
+        for k in triangle:
+            forces[k - 1] -= pressure * area / 3.0
+    model.loads = [(k, (0.0, 0.0, f, 0.0, 0.0, 0.0)) for k, f in enumerate(forces, 1)]
+
+
+def plate(n):
+    side, lines = 8.0, range(n + 1)
+    model, node = shell_grid(n, f"Concrete slab of {side:g} x {side:g} m; N and m.",
+                             "E = 3.1e10 nu = 0.2 G = 1.2916667e10 t = 0.22",
+                             lambda u, v: (side * u, side * v, 0.0))
+    edge = {node(i, j) for i in lines for j in lines if i in (0, n) or j in (0, n)}
+    model.supports = [(k, "111000") for k in sorted(edge)]
+    load_area(model, 6000.0)
+    return model
+
+
+def roof(n):
+    radius, half_angle, length = 7.5, math.radians(40.0), 15.0
+
+    def place(u, v):
+        angle = half_angle * (2.0 * u - 1.0)
+        return radius * math.sin(angle), length * v, radius * math.cos(angle)
+
+    model, node = shell_grid(n, f"Cylindrical roof, radius {radius:g} m, {length:g} m long; N and m.",
+                             "E = 3.1e10 nu = 0.2 G = 1.2916667e10 t = 0.08", place)
+    # The diaphragms hold x and z; one node keeps the roof from sliding along y.
+    model.supports = [(node(i, j), "101000") for j in (0, n) for i in range(n + 1)]
+    model.supports[0] = (node(0, 0), "111000")
+    load_area(model, 4500.0)
+    return model
+
+
 def solid_block(n, ten_nodes):
     """A cube of side 1, held at x = 0 and pulled at the nodes of x = 1."""
     mesh = SolidMesh(ten_nodes)
@@ -140,6 +202,8 @@ def block10(n):
 FAMILIES = {
     "frame3d": (frame3d, ("nx", "ny", "storeys")),
     "portal2d": (portal2d, ("bays", "storeys")),
+    "plate": (plate, ("n",)),
+    "roof": (roof, ("n",)),
     "block": (block, ("n",)),
     "block10": (block10, ("n",)),
 }
@@ -173,13 +237,18 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--setting", action="append", default=[], metavar="LINE")
+    parser.add_argument("--peer", metavar="SOLVER")
     parser.add_argument("family", choices=FAMILIES)
     parser.add_argument("numbers", type=int, nargs="+")
     options = parser.parse_args()
     make, names = FAMILIES[options.family]
     if len(options.numbers) != len(names) or min(options.numbers) < 1:
         parser.error(f"{options.family} takes positive numbers: {' '.join(names)}")
-    write(make(*options.numbers), options.setting, sys.stdout)
+    model = make(*options.numbers)
+    if options.peer:
+        peer_input.write(model, options.peer, sys.stdout)
+    else:
+        write(model, options.setting, sys.stdout)
 
 
 if __name__ == "__main__":

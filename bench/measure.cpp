@@ -1,6 +1,7 @@
 #include "measure.h"
 
 #include <fstream>
+#include <numeric>
 #include <string>
 
 #include "solvers/skymatriu.h"
@@ -26,6 +27,24 @@ void Triad::operator()()
 {
   for (std::size_t i = 0; i < kLength; ++i)
     a[i] = b[i] + 3.0 * c[i];
+}
+
+double ReadBandwidth()
+{
+  constexpr std::size_t kLength = std::size_t{1} << 25;
+  constexpr int kSums = 8;
+  constexpr int kRepetitions = 5;
+  const std::vector<double> array(kLength, 1.0);
+  double sums[kSums] = {};
+  const double seconds = Seconds(kRepetitions, [&] {
+    for (std::size_t i = 0; i < kLength; i += kSums)
+      for (int k = 0; k < kSums; ++k)
+        sums[k] += array[i + k];
+  });
+  // A sum that is used cannot be left out by the compiler.
+  volatile double used = std::accumulate(sums, sums + kSums, 0.0);
+  static_cast<void>(used);
+  return sizeof(double) * kLength / seconds;
 }
 
 double FactorisationFlops(const SkyMatriu& matrix)

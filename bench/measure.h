@@ -51,6 +51,9 @@ private:
   std::vector<double> c = a;
 };
 
+/// Bytes a second of a plain loop that only reads arrays far beyond the caches.
+double ReadBandwidth();
+
 /// Multiplications and additions in the sums of the factorisation of this profile.
 double FactorisationFlops(const SkyMatriu& matrix);
 

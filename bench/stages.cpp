@@ -2,9 +2,9 @@
 //
 //   morlen_stages [-n REPETITIONS] problem.dat ...
 //
-// Each file runs in a process of its own, once to warm up and then some times more; of every
-// stage the median processor time is printed. The stages of the analysis are told apart by
-// the times of its messages on the information stream.
+// Each file runs in a process of its own, once to warm up and then some times more; the median
+// processor time of every stage is printed as a line of JSON, which report.py makes readable. The
+// stages of the analysis are told apart by the times of its messages on the information stream.
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -101,9 +101,8 @@ enum Stage
 };
 
 constexpr const char* kStageNames[kStages] = {
-    "read",       "renumber",   "profile, pattern", "assemble",   "loads",
-    "supports",   "factorise",  "iterate",          "substitute", "strengths, reactions",
-    "write text", "write post", "release"};
+    "read",    "renumber",   "profile", "assemble",   "loads",      "supports", "factorise",
+    "iterate", "substitute", "results", "write text", "write post", "release"};
 
 /// What one run took and was.
 struct Run
@@ -111,23 +110,17 @@ struct Run
   std::array<double, kStages> seconds{};
   bool direct = true;
   int equations = 0;
+  int nodes = 0;
   int elements = 0;
   int iterations = 0;
   double factorisationFlops = 0.0;
   double storage = 0.0;           ///< bytes of the profile, or of matrix and factors
+  double entries = 0.0;           ///< of the sparse matrix
   double iterationTraffic = 0.0;  ///< bytes
   double bytesRead = 0.0;
   double bytesText = 0.0;
   double bytesPost = 0.0;
-
-  double Total() const
-  {
-    double sum = 0.0;
-    for (const double s : seconds)
-      sum += s;
-    return sum;
-  }
-  double PerIteration() const { return seconds[kIterate] / std::max(iterations, 1); }
+  double wordsWritten = 0.0;
 };
 
 /// Splits time into stages: each call gives what has gone by since the last one.
@@ -180,6 +173,7 @@ void SplitAnalysis(const MessageLog& log, StopWatch& watch, Run& run)
 void Describe(const Project& project, Run& run)
 {
   run.equations = project.numNodes * project.freeDegrees;
+  run.nodes = project.numNodes;
   for (const auto& mesh : project.meshes)
     run.elements += mesh->GiveElemPlex()->Count();
   run.direct = project.solverSettings.type == SolverType::SkyLine;
@@ -190,6 +184,7 @@ void Describe(const Project& project, Run& run)
   } else {
     const SparseMatrix& matrix = *static_cast<const SparseSolver&>(*project.solver).GiveMatrix();
     run.storage = IterationStorage(matrix);
+    run.entries = matrix.GiveSlots();
     run.iterationTraffic = IterationTraffic(matrix);
   }
 }
@@ -253,6 +248,24 @@ Run RunOnce(const std::string& file, const ResultFiles& results, bool renumber)
   return run;
 }
 
+/// Numbers and words of a text file.
+double CountWords(const fs::path& path)
+{
+  std::ifstream in(path, std::ios::binary);
+  std::array<char, 1 << 16> part;
+  double words = 0.0;
+  bool inWord = false;
+  do {
+    in.read(part.data(), static_cast<std::streamsize>(part.size()));
+    for (std::streamsize k = 0; k < in.gcount(); ++k) {
+      const bool isBlank = part[k] == ' ' || part[k] == '\n';
+      words += !isBlank && !inWord;
+      inWord = !isBlank;
+    }
+  } while (in);
+  return words;
+}
+
 /// The runs as one, with the median of every stage.
 Run MedianOf(const std::vector<Run>& runs)
 {
@@ -266,63 +279,23 @@ Run MedianOf(const std::vector<Run>& runs)
   return median;
 }
 
-void PrintRate(double bytes, double seconds)
+/// One object of JSON in one line: what report.py takes.
+void PrintJson(const std::string& file, const Run& run, double peak, double readBandwidth)
 {
-  if (seconds > 0.0)
-    std::printf("   %.1f MB, %.0f MB/s", 1e-6 * bytes, 1e-6 * bytes / seconds);
-}
-
-void PrintIterations(const Run& run, double triadSeconds)
-{
-  const double rate = run.iterationTraffic / run.PerIteration();
-  const double triadRate = Triad::kBytes / triadSeconds;
-  std::printf("   %d iterations, %.1f a second, %.2f GB/s, %.2f of a triad loop (%.2f GB/s)",
-              run.iterations, 1.0 / run.PerIteration(), 1e-9 * rate, rate / triadRate,
-              1e-9 * triadRate);
-}
-
-/// What stands behind the time of a stage.
-void PrintFigure(const Run& run, Stage stage, double triadSeconds)
-{
-  const double seconds = run.seconds[stage];
-  if (stage == kRead)
-    PrintRate(run.bytesRead, seconds);
-  else if (stage == kWriteText)
-    PrintRate(run.bytesText, seconds);
-  else if (stage == kWritePost)
-    PrintRate(run.bytesPost, seconds);
-  else if (stage == kAssemble)
-    std::printf("   %.2f us an element", 1e6 * seconds / run.elements);
-  else if (stage == kFactorise && run.direct)
-    std::printf("   %.2f GFLOP, %.2f GFLOP/s", 1e-9 * run.factorisationFlops,
-                1e-9 * run.factorisationFlops / seconds);
-  else if (stage == kIterate && run.iterations > 0)
-    PrintIterations(run, triadSeconds);
-  else if (stage == kSubstitute && run.direct)
-    std::printf("   %.2f GB/s", 1e-9 * 2.0 * run.storage / seconds);
-  const bool inIterations = stage == kProfile || stage == kAssemble || stage == kFactorise;
-  if (inIterations && run.iterations > 0)
-    std::printf("   %.1f iterations", seconds / run.PerIteration());
-}
-
-void PrintTable(const std::string& file, const Run& run, double peak, double triadSeconds)
-{
-  std::printf("%s: %d equations, %d elements, %s\n", fs::path(file).filename().c_str(),
-              run.equations, run.elements, run.direct ? "skyline" : "sparse");
-  const double total = run.Total();
-  for (int stage = 0; stage < kStages; ++stage) {
-    if (stage == (run.direct ? kIterate : kRenumber))
-      continue;
-    const double seconds = run.seconds[stage];
-    std::printf("  %-21s%10.2f ms %5.1f %%", kStageNames[stage], 1e3 * seconds,
-                100.0 * seconds / total);
-    PrintFigure(run, static_cast<Stage>(stage), triadSeconds);
-    std::printf("\n");
-  }
-  std::printf("  %-21s%10.2f ms\n", "total", 1e3 * total);
-  std::printf("  %-21s%10.1f MB           %.2f of the %.1f MB of %s\n\n", "peak memory",
-              1e-6 * peak, peak / run.storage, 1e-6 * run.storage,
-              run.direct ? "the profile" : "matrix and factors");
+  std::printf("{\"model\": \"%s\", \"equations\": %d, \"nodes\": %d, \"elements\": %d, ",
+              fs::path(file).stem().c_str(), run.equations, run.nodes, run.elements);
+  std::printf("\"direct\": %s, \"iterations\": %d, \"factorisation_flops\": %.6g, ",
+              run.direct ? "true" : "false", run.iterations, run.factorisationFlops);
+  std::printf("\"storage\": %.0f, \"entries\": %.0f, \"iteration_traffic\": %.0f, ", run.storage,
+              run.entries, run.iterationTraffic);
+  std::printf("\"bytes_read\": %.0f, \"bytes_text\": %.0f, \"bytes_post\": %.0f, ", run.bytesRead,
+              run.bytesText, run.bytesPost);
+  std::printf("\"words_written\": %.0f, \"peak_memory\": %.0f, \"read_bandwidth\": %.6g, ",
+              run.wordsWritten, peak, readBandwidth);
+  std::printf("\"seconds\": {");
+  for (int stage = 0; stage < kStages; ++stage)
+    std::printf("%s\"%s\": %.6g", stage ? ", " : "", kStageNames[stage], run.seconds[stage]);
+  std::printf("}}\n");
 }
 
 void Measure(const std::string& file, int repetitions)
@@ -330,16 +303,12 @@ void Measure(const std::string& file, int repetitions)
   const ResultFiles results;
   const bool direct = RunOnce(file, results, false).direct;
   std::vector<Run> runs;
-  std::vector<double> triadSeconds = {0.0};
   const double peak = MemoryPeak();
   for (int k = 0; k < repetitions; ++k)
     runs.push_back(RunOnce(file, results, direct));
-  if (!direct) {
-    Triad triad;
-    triad();
-    triadSeconds = {Seconds(kRepetitions, triad)};
-  }
-  PrintTable(file, MedianOf(runs), peak, triadSeconds.front());
+  Run median = MedianOf(runs);
+  median.wordsWritten = CountWords(results.Text()) + CountWords(results.Post());
+  PrintJson(file, median, peak, ReadBandwidth());
 }
 
 /// Measures in a process of its own, so that memory counts from the beginning.

@@ -1,43 +1,105 @@
 #!/bin/sh
-# Measures the speed of the program: builds it optimised with the benchmarks, generates models
-# into build/bench/models, and runs
-#   scripts/bench.sh           all that follows
-#   scripts/bench.sh kernels   the kernels
-#   scripts/bench.sh stages    whole runs, stage by stage
+# Measures the speed of the program: builds it optimised with the benchmarks and prints tables
+# of figures, targets and ratios.
+#   scripts/bench.sh kernels   every stage of the program, and the kernels by themselves
+#   scripts/bench.sh whole     whole runs beside CalculiX, where `ccx` is installed
+#   scripts/bench.sh growth    growth with the number of equations
+#   scripts/bench.sh           all that
+# Models and measurements are left in build/bench.
 set -eu
 cd "$(dirname "$0")/.."
 part="${1:-all}"
 case "$part" in
-  all | kernels | stages) ;;
+  all | kernels | whole | growth) ;;
   *)
-    echo "usage: scripts/bench.sh [kernels|stages]" >&2
+    echo "usage: scripts/bench.sh [kernels|whole|growth]" >&2
     exit 2
     ;;
 esac
 
-# Below and above the number of equations from which the sparse solver is chosen.
-models="frame3d 5 5 68
-portal2d 49 98
-frame3d 7 7 51
-frame3d 32 32 30
-block 36
-block10 18"
+# Below the number of equations from which the sparse solver is chosen, and above.
+direct_models="block 16
+block10 8
+plate 48
+roof 48
+frame3d 5 5 68
+portal2d 49 98"
+sparse_models="block 40
+block10 20
+plate 90
+frame3d 15 15 130
+portal2d 199 332"
+growing_models="block 8
+block 12
+block 16
+block 24
+block 40
+block 54
+block10 4
+block10 6
+block10 8
+block10 12
+block10 20
+block10 27
+plate 16
+plate 32
+plate 48
+plate 90
+plate 130
+plate 181
+frame3d 10 10 68
+frame3d 15 15 130
+frame3d 20 20 188"
+peer_models="$direct_models
+block 24
+block 40
+block 54
+block10 12
+block10 20
+block10 27
+plate 90
+plate 181
+frame3d 10 10 68
+frame3d 15 15 130"
+
+bin=build/bench/bench
+models=build/bench/models
+
+# Generates the models of a list, one a line, and prints their files.
+generate() {
+  mkdir -p "$models"
+  echo "$1" | while read -r family numbers; do
+    file="$models/${family}_$(echo "$numbers" | tr ' ' '_').dat"
+    # shellcheck disable=SC2086  # one word per number
+    [ -s "$file" ] || bench/generate_models.py "$family" $numbers >"$file"
+    echo "$file"
+  done
+}
 
 scripts/install_tools.sh g++ cmake make python3 libbenchmark-dev
 cmake --preset release -DMORLEN_TESTS=OFF -DMORLEN_BENCH=ON -B build/bench >/dev/null
-cmake --build build/bench --target morlen_bench morlen_stages --parallel "$(nproc)"
+cmake --build build/bench --parallel "$(nproc)"
 
-if [ "$part" != stages ]; then
+if [ "$part" = kernels ] || [ "$part" = all ]; then
+  files=$(generate "$direct_models
+$sparse_models")
+  "$bin"/morlen_limits >build/bench/limits.json
+  # shellcheck disable=SC2086  # one word per file
+  "$bin"/morlen_stages $files >build/bench/stages.json
+  bench/report.py stages build/bench/stages.json
+  bench/report.py kernels build/bench/stages.json build/bench/limits.json
   # By itself, because the peak of memory counts what was held before.
-  build/bench/bench/morlen_bench --benchmark_filter=SparseRun
-  build/bench/bench/morlen_bench --benchmark_filter=-SparseRun
+  "$bin"/morlen_bench --benchmark_filter=SparseRun
+  "$bin"/morlen_bench --benchmark_filter=-SparseRun
 fi
-if [ "$part" != kernels ]; then
-  mkdir -p build/bench/models
-  echo "$models" | while read -r family numbers; do
-    file="build/bench/models/${family}_$(echo "$numbers" | tr ' ' '_').dat"
-    # shellcheck disable=SC2086  # one word per number
-    bench/generate_models.py "$family" $numbers >"$file"
-    build/bench/bench/morlen_stages "$file"
-  done
+if [ "$part" = whole ] || [ "$part" = all ]; then
+  echo "$peer_models" | tr '\n' '\0' |
+    xargs -0 bench/whole_runs.py --folder build/bench build/bench/morlen >build/bench/whole.json
+  bench/report.py whole build/bench/whole.json
+fi
+if [ "$part" = growth ] || [ "$part" = all ]; then
+  files=$(generate "$growing_models")
+  # shellcheck disable=SC2086  # one word per file
+  "$bin"/morlen_stages -n 3 $files >build/bench/growth.json
+  bench/report.py growth build/bench/growth.json
 fi

@@ -1,0 +1,208 @@
+#!/usr/bin/env python3
+"""Makes tables, as Markdown, of what the benchmarks have measured.
+
+    report.py stages RUNS                  where the time of every run goes
+    report.py kernels RUNS [LIMITS]        every stage against its target
+    report.py whole WHOLE                  whole runs against the peer's
+    report.py growth RUNS                  growth with the number of equations
+
+RUNS is the output of morlen_stages, WHOLE that of whole_runs.py, LIMITS that of morlen_limits.
+"""
+
+import argparse
+import collections
+import json
+import math
+import pathlib
+
+Row = collections.namedtuple("Row", "model figure value unit target at_least")
+
+SOLIDS, SHELLS, FRAMES = ("block", "block10"), ("plate", "roof"), ("frame3d", "portal2d")
+
+# Parts of the speed of a matrix product.
+FACTORISATION = {"block": 0.60, "block10": 0.50, "plate": 0.45, "roof": 0.45, "frame3d": 0.45,
+                 "portal2d": 0.33}
+# Parts of the speed of reading memory.
+ITERATION = {"block": 0.75, "block10": 0.60, "plate": 0.85, "roof": 0.85, "frame3d": 0.85,
+             "portal2d": 0.75}
+# Microseconds an element.
+ASSEMBLY = {"block": 0.3, "block10": 5.0, "plate": 1.1, "roof": 1.1, "frame3d": 1.1, "portal2d": 1.1}
+# Parts of the peer's time, by the number of equations up to which they hold.
+PEER = {"block": ((15e3, 1.0), (60e3, 0.35), (1e6, 0.5)),
+        "block10": ((15e3, 2.1), (60e3, 0.35), (1e6, 0.5)),
+        "plate": ((15e3, 0.4), (60e3, 0.55), (300e3, 0.7)), "roof": ((15e3, 0.4),),
+        "frame3d": ((15e3, 0.9), (60e3, 0.5), (300e3, 0.35)), "portal2d": ((15e3, 1.1),)}
+# Exponents: of the factorisation, of all iterations together; of every other stage 1.
+GROWTH_OF_FACTORISATION = {"block": 2.35, "block10": 2.35, "plate": 2.0, "roof": 2.0}
+GROWTH_OF_ITERATIONS = {"block": 1.35, "block10": 1.35, "plate": 1.6, "frame3d": 1.6}
+GROWTH_ALLOWANCE = 0.15
+# Shorter stages are all noise.
+SHORTEST = 0.005
+
+MEGA = 1e6
+
+
+def family(run):
+    return run["model"].split("_")[0]
+
+
+def read_lines(path):
+    return [json.loads(line) for line in pathlib.Path(path).read_text().splitlines() if line.strip()]
+
+
+def markdown(titles, rows):
+    print("| " + " | ".join(titles) + " |")
+    print("|---" * len(titles) + "|")
+    for row in rows:
+        print("| " + " | ".join(row) + " |")
+    print()
+
+
+def print_targets(rows):
+    """Ratio is how many times better than the target, so that 1 is just reached."""
+    cells = []
+    for row in rows:
+        ratio = row.value / row.target if row.at_least else row.target / row.value
+        cells.append((row.model, row.figure, f"{row.value:.3g} {row.unit}".rstrip(),
+                      f"{'≥' if row.at_least else '≤'} {row.target:.3g}", f"{ratio:.2f}"))
+    markdown(("model", "figure", "value", "target", "ratio"), cells)
+
+
+# ---------------------------------------------------------------- where the time goes
+
+def stage_figure(run, stage, seconds):
+    rates = {"read": "bytes_read", "write text": "bytes_text", "write post": "bytes_post"}
+    if stage in rates:
+        return f"{run[rates[stage]] / MEGA:.1f} MB, {run[rates[stage]] / MEGA / seconds:.0f} MB/s"
+    if stage == "assemble":
+        return f"{1e6 * seconds / run['elements']:.2f} µs an element"
+    if stage == "factorise" and run["direct"]:
+        return f"{1e-9 * run['factorisation_flops'] / seconds:.1f} GFLOP/s"
+    if stage == "factorise" and run["iterations"]:
+        return f"{seconds * run['iterations'] / run['seconds']['iterate']:.1f} iterations"
+    if stage == "iterate":
+        speed = run["iteration_traffic"] * run["iterations"] / seconds
+        return (f"{run['iterations']} iterations, {1e-9 * speed:.1f} GB/s, "
+                f"{speed / run['read_bandwidth']:.2f} of reading")
+    return ""
+
+
+def print_stages(runs):
+    for run in runs:
+        total = sum(run["seconds"].values())
+        print(f"{run['model']}: {run['equations']} equations, {run['elements']} elements, "
+              f"{'skyline' if run['direct'] else 'sparse'}, {run['peak_memory'] / MEGA:.0f} MB\n")
+        rows = [(stage, f"{1e3 * seconds:.2f}", f"{100 * seconds / total:.1f}",
+                 stage_figure(run, stage, seconds))
+                for stage, seconds in run["seconds"].items() if seconds > 0.0]
+        rows.append(("total", f"{1e3 * total:.2f}", "100", ""))
+        markdown(("stage", "ms", "%", "figure"), rows)
+
+
+# ---------------------------------------------------------------- stages against their targets
+
+def solver_rows(run, limits):
+    seconds, name, kind = run["seconds"], run["model"], family(run)
+    if run["direct"]:
+        if limits.get("dgemm"):
+            speed = run["factorisation_flops"] / seconds["factorise"]
+            yield Row(name, "factorisation / DGEMM", speed / limits["dgemm"], "",
+                      FACTORISATION[kind], True)
+        allowed = 1.15 * run["storage"] + 20 * MEGA
+    elif run["iterations"]:
+        one = seconds["iterate"] / run["iterations"]
+        yield Row(name, "iteration / reading", run["iteration_traffic"] / one / run["read_bandwidth"],
+                  "", ITERATION[kind], True)
+        yield Row(name, "factors", seconds["factorise"] / one, "iterations", 20.0, False)
+        yield Row(name, "assembly", 1e6 * seconds["assemble"] / run["elements"], "µs an element",
+                  1.5 * ASSEMBLY[kind], False)
+        allowed = 1.15 * 16 * run["entries"] + 400 * run["nodes"]
+    else:
+        return
+    yield Row(name, "peak memory", run["peak_memory"] / MEGA, "MB", allowed / MEGA, False)
+
+
+def text_rows(run):
+    seconds, name = run["seconds"], run["model"]
+    written = seconds["write text"] + seconds["write post"]
+    if seconds["read"] > SHORTEST:
+        yield Row(name, "reading", run["bytes_read"] / MEGA / seconds["read"], "MB/s", 300.0, True)
+    if written > SHORTEST:
+        size = run["bytes_text"] + run["bytes_post"]
+        yield Row(name, "writing", size / MEGA / written, "MB/s", 200.0, True)
+        yield Row(name, "writing", run["words_written"] / MEGA / written, "million words/s", 25.0, True)
+
+
+def print_kernels(runs, limits):
+    print_targets([row for run in runs for row in (*solver_rows(run, limits), *text_rows(run))])
+
+
+# ---------------------------------------------------------------- whole runs
+
+def peer_target(run):
+    for equations, target in PEER[family(run)]:
+        if run["equations"] <= equations:
+            return target
+    return None
+
+
+def print_whole(runs):
+    cells = []
+    for run in runs:
+        peers = {name: seconds for name, seconds in run["peer"].items() if seconds}
+        best = min(peers, key=peers.get) if peers else None
+        ratio = f"{run['seconds'] / peers[best]:.2f}" if best else ""
+        target = peer_target(run)
+        cells.append((run["model"], str(run["equations"]), f"{run['seconds']:.2f}",
+                      f"{peers[best]:.2f} ({best})" if best else "", ratio,
+                      f"≤ {target:g}" if target else ""))
+    markdown(("model", "equations", "Morlen, s", "CalculiX, s", "ratio", "target"), cells)
+
+
+# ---------------------------------------------------------------- growth
+
+def slope(points):
+    """Of the line through the logarithms, by least squares."""
+    logs = [(math.log(x), math.log(y)) for x, y in points]
+    mean_x, mean_y = (sum(values) / len(logs) for values in zip(*logs))
+    above = sum((x - mean_x) * (y - mean_y) for x, y in logs)
+    return above / sum((x - mean_x) ** 2 for x, _ in logs)
+
+
+def growth_rows(kind, runs):
+    direct = runs[0]["direct"]
+    for stage in runs[0]["seconds"]:
+        points = [(run["equations"], run["seconds"][stage]) for run in runs
+                  if run["seconds"][stage] > SHORTEST]
+        if len(points) < 3 or points[-1][0] < 4 * points[0][0]:
+            continue
+        exponents = {"factorise": GROWTH_OF_FACTORISATION if direct else {},
+                     "iterate": GROWTH_OF_ITERATIONS}.get(stage, {})
+        target = exponents.get(kind, 2.0 if direct and stage in ("factorise", "substitute") else 1.0)
+        yield Row(kind + (", skyline" if direct else ""), stage, slope(points), "",
+                  target + GROWTH_ALLOWANCE, False)
+
+
+def print_growth(runs):
+    series = collections.defaultdict(list)
+    for run in sorted(runs, key=lambda run: run["equations"]):
+        series[family(run), run["direct"]].append(run)
+    print_targets([row for (kind, _), members in series.items() for row in growth_rows(kind, members)])
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("table", choices=("stages", "kernels", "whole", "growth"))
+    parser.add_argument("runs")
+    parser.add_argument("limits", nargs="?")
+    options = parser.parse_args()
+    runs = read_lines(options.runs)
+    if options.table == "kernels":
+        print_kernels(runs, read_lines(options.limits)[0] if options.limits else {})
+    else:
+        {"stages": print_stages, "whole": print_whole, "growth": print_growth}[options.table](runs)
+
+
+if __name__ == "__main__":
+    main()

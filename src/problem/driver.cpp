@@ -5,12 +5,19 @@
 #include <ctime>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "base/errorwriter.h"
+#include "base/output_file.h"
 #include "base/stprintf.h"
+#include "problem/file_identity.h"
+#include "problem/process_streams.h"
 #include "problem/project.h"
 
 namespace {
+
+constexpr const char* kResultsEnding = ".morlen.res";
+constexpr const char* kMeshEnding = ".morlen.bon";
 
 struct Options
 {
@@ -47,18 +54,14 @@ bool ParseArguments(int argc, char** argv, Options& options)
   return true;
 }
 
-template <class Stream>
-void OpenStream(Stream& stream, const std::string& name)
+bool IsStandardOutput(const char* name)
 {
-  stream.open(name);
-  if (!stream)
-    Fatal("can't open file ", name, "\n");
+  return name[0] == '-';
 }
 
-// Standard output for a name that begins with '-'.
 std::FILE* OpenFile(const char* name)
 {
-  std::FILE* file = name[0] == '-' ? stdout : std::fopen(name, "w");
+  std::FILE* file = IsStandardOutput(name) ? stdout : std::fopen(name, "w");
   if (!file)
     Fatal("can't open file ", name, "\n");
   return file;
@@ -70,20 +73,42 @@ std::string NameWithEnding(const std::string& name, const char* ending)
   return name.substr(0, name.rfind('.')) + ending;
 }
 
+// The problem file and all that the run writes.
+std::vector<RunFile> FilesOf(const Options& options)
+{
+  std::vector<RunFile> files = {{"problem file", options.inputName}};
+  bool standardOutput = false;
+  const auto addStream = [&](const char* role, const char* name) {
+    if (name && IsStandardOutput(name))
+      standardOutput = true;
+    else if (name)
+      files.push_back({role, name});
+  };
+  addStream("information file", options.infoName);
+  addStream("error file", options.errorName);
+  if (standardOutput)
+    files.push_back({"standard output", ""});
+  if (options.outputName)
+    files.push_back({"text results file", options.outputName});
+  files.push_back({"results file", NameWithEnding(options.inputName, kResultsEnding)});
+  if (options.writeMesh)
+    files.push_back({"mesh file", NameWithEnding(options.inputName, kMeshEnding)});
+  return files;
+}
+
 void WriteResultFiles(const Project& project, const Options& options)
 {
   if (options.outputName) {
     std::ofstream output;
-    OpenStream(output, options.outputName);
+    OpenOutput(output, options.outputName);
     project.WriteResults(output);
+    CloseOutput(output);
   }
   std::ofstream results;
-  OpenStream(results, NameWithEnding(options.inputName, ".morlen.res"));
-  const std::string meshName = NameWithEnding(options.inputName, ".morlen.bon");
+  OpenOutput(results, NameWithEnding(options.inputName, kResultsEnding));
+  const std::string meshName = NameWithEnding(options.inputName, kMeshEnding);
   project.WriteKivResults(results, options.writeMesh ? meshName.c_str() : nullptr);
-  results.close();
-  if (!results)
-    Fatal("error: Failed writing to disk. Probably the disk is full\n");
+  CloseOutput(results);
 }
 
 }  // namespace
@@ -91,6 +116,7 @@ void WriteResultFiles(const Project& project, const Options& options)
 int RunMorlen(int argc, char** argv)
 {
   const std::clock_t start = std::clock();
+  ProtectStreams();
   Options options;
   if (!ParseArguments(argc, argv, options)) {
     std::printf(
@@ -102,8 +128,10 @@ int RunMorlen(int argc, char** argv)
         argc > 0 ? argv[0] : "morlen");
     return ErrorWriter::kExitStatus;
   }
-  std::ifstream input;
-  OpenStream(input, options.inputName);
+  std::ifstream input(options.inputName);
+  if (!input)
+    Fatal("can't open file ", options.inputName, "\n");
+  RequireDifferentFiles(FilesOf(options));
   Project project(100);
   std::FILE* info = options.infoName ? OpenFile(options.infoName) : nullptr;
   if (options.errorName)

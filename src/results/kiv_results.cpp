@@ -2,6 +2,7 @@
 // and the reactions.
 
 #include "base/errorwriter.h"
+#include "base/output_file.h"
 #include "base/text_out.h"
 #include "model/elem.h"
 #include "model/mesh.h"
@@ -15,9 +16,8 @@ namespace {
 
 void WriteMeshFile(const Project& project, const char* fileName)
 {
-  std::ofstream file(fileName);
-  if (!file)
-    Fatal("can't open file ", fileName, "\n");
+  std::ofstream file;
+  OpenOutput(file, fileName);
   TextOut out(file);
   const Mesh& mesh = *project.meshes.front();
   out << "\n\n\n\n\nNumElems NumNodes ElemType\n"
@@ -36,6 +36,8 @@ void WriteMeshFile(const Project& project, const char* fileName)
       out << ' ' << (i < elem.Nnode() ? mesh.GiveOldNumber(elem(i)) : 0);
     out << "  " << elem.GiveMaterialNum() << '\n';
   }
+  out.Flush();
+  CloseOutput(file);
 }
 
 void WritePointSets(const Project& project, TextOut& res)

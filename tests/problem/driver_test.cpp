@@ -206,19 +206,27 @@ TEST_F(DriverTest, ErrorFileNamedWithADashIsTheStandardOutput)
   Fail({"-e", "-any", "model.dat"}, "Type of problem unknown. Only 2d and 3d\n", "");
 }
 
-TEST_F(DriverTest, FullDiskEndsTheRun)
+TEST_F(DriverTest, FullDiskEndsTheRunWhicheverResultsItLoses)
 {
-  WriteProblem("model.dat");
-  folder.Link("model.morlen.res", "/dev/full");
-  Fail({"model.dat"}, "", "error: Failed writing to disk. Probably the disk is full\n");
+  for (const char* lost : {"model.morlen.res", "model.morlen.bon", "out.txt"}) {
+    SCOPED_TRACE(lost);
+    const TemporaryFolder fresh;
+    fresh.Write("model.dat", ProblemParts().Text());
+    fresh.Link(lost, "/dev/full");
+    const RunResult run = RunProgram(fresh, {"-p", "model.dat", "out.txt"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "error: Failed writing to disk. Probably the disk is full\n");
+  }
 }
 
-TEST_F(DriverTest, OnlyTheResultsFileIsCheckedForAFullDisk)
+TEST_F(DriverTest, FullDiskForTheMessagesLosesNoResults)
 {
   WriteProblem("model.dat");
-  folder.Link("out.txt", "/dev/full");
-  folder.Link("model.morlen.bon", "/dev/full");
-  Succeed({"-p", "model.dat", "out.txt"});
+  Succeed({"model.dat"});
+  const std::string results = folder.Read("model.morlen.res");
+  folder.Write("model.morlen.res", "");
+  Succeed({"-i", "/dev/full", "-e", "/dev/full", "model.dat"});
+  EXPECT_EQ(folder.Read("model.morlen.res"), results);
 }
 
 TEST_F(DriverTest, InformationIsWrittenInOrderAndEndsWithTheTime)

@@ -2,9 +2,11 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -22,9 +24,29 @@ void Redirect(int descriptor, const fs::path& file)
   close(opened);
 }
 
+void Limit(int resource, std::optional<long> most)
+{
+  if (!most)
+    return;
+  const rlimit limit = {static_cast<rlim_t>(*most), static_cast<rlim_t>(*most)};
+  if (setrlimit(static_cast<__rlimit_resource>(resource), &limit) != 0)
+    _exit(126);
+}
+
+// In the child: all but its two output streams.
+void Apply(const RunConditions& conditions)
+{
+  for (const int stream : conditions.closed)
+    close(stream);
+  for (const auto& [name, value] : conditions.environment)
+    setenv(name.c_str(), value.c_str(), 1);
+  Limit(RLIMIT_FSIZE, conditions.fileSize);
+  Limit(RLIMIT_AS, conditions.addressSpace);
+}
+
 // The exit status of MORLEN_PROGRAM run in the folder, its two streams in files.
 int Execute(const fs::path& folder, const std::vector<std::string>& arguments, const fs::path& out,
-            const fs::path& err)
+            const fs::path& err, const RunConditions& conditions)
 {
   std::vector<std::string> words = {"morlen"};
   words.insert(words.end(), arguments.begin(), arguments.end());
@@ -39,8 +61,13 @@ int Execute(const fs::path& folder, const std::vector<std::string>& arguments, c
     Redirect(STDERR_FILENO, err);
     if (chdir(folder.c_str()) != 0)
       _exit(126);
+    Apply(conditions);
     execv(MORLEN_PROGRAM, argv.data());
     _exit(127);
+  }
+  if (child > 0 && conditions.killAfter) {
+    usleep(static_cast<useconds_t>(*conditions.killAfter));
+    kill(child, SIGKILL);
   }
   int state = 0;
   if (child < 0 || waitpid(child, &state, 0) != child)
@@ -90,12 +117,16 @@ std::map<std::string, std::string> TemporaryFolder::Files() const
   return files;
 }
 
-RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::string>& arguments)
+RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
+                     const RunConditions& conditions)
 {
   const TemporaryFolder streams;
+  const bool ownOutput = conditions.standardOutput.empty();
+  const fs::path out =
+      ownOutput ? streams.Path() / "out" : folder.Path() / conditions.standardOutput;
   RunResult result;
-  result.status = Execute(folder.Path(), arguments, streams.Path() / "out", streams.Path() / "err");
-  result.out = streams.Read("out");
+  result.status = Execute(folder.Path(), arguments, out, streams.Path() / "err", conditions);
+  result.out = ownOutput ? streams.Read("out") : "";
   result.err = streams.Read("err");
   return result;
 }

@@ -2,8 +2,10 @@
 
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// A fresh folder for files of a test; removed with all that is in it.
@@ -38,8 +40,20 @@ struct RunResult
   std::string err;
 };
 
+/// What a run finds around itself, where that is not the usual.
+struct RunConditions
+{
+  std::string standardOutput = {};        ///< goes to this file of the folder, not to RunResult
+  std::vector<int> closed = {};           ///< standard streams that are not open
+  std::optional<long> fileSize = {};      ///< most bytes of a written file
+  std::optional<long> addressSpace = {};  ///< most bytes of memory
+  std::optional<int> killAfter = {};      ///< microseconds
+  std::vector<std::pair<std::string, std::string>> environment = {};  ///< added to that of the test
+};
+
 /// Runs the built program with these arguments in the folder.
-RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::string>& arguments);
+RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
+                     const RunConditions& conditions = {});
 
 /// Writes problem.dat into a fresh folder and runs the program on it.
 RunResult RunOnProblem(std::string_view problem);

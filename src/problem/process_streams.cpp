@@ -1,0 +1,18 @@
+#include "problem/process_streams.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+
+void ProtectStreams()
+{
+  // The lowest free descriptor is taken, so each one fills the first gap. Opened the wrong
+  // way round, it fails like a closed stream.
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (fcntl(stream, F_GETFD) == -1)
+      open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}

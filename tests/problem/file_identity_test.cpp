@@ -1,0 +1,115 @@
+// No file of a run may be written over another one: refused before anything is opened.
+
+#include "problem/file_identity.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "support/fatal.h"
+#include "support/frame.h"
+#include "support/run.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class FileIdentityTest : public testing::Test
+{
+protected:
+  FileIdentityTest() { folder.Write("model.dat", problem); }
+
+  // Runs and expects that it is refused, and that no file has changed.
+  void ExpectRefused(const std::vector<std::string>& arguments, const std::string& first,
+                     const std::string& second, const std::string& name)
+  {
+    SCOPED_TRACE(first + ", " + second);
+    const std::map<std::string, std::string> before = folder.Files();
+    const RunResult run = RunProgram(folder, arguments);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err,
+              "error: the " + first + " and the " + second + " are the same file: " + name + "\n");
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(folder.Files(), before);
+  }
+
+  void ExpectAccepted(const std::vector<std::string>& arguments)
+  {
+    const RunResult run = RunProgram(folder, arguments);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(folder.Read("model.dat"), problem);
+  }
+
+  const std::string problem = ProblemParts().Text();
+  TemporaryFolder folder;
+};
+
+}  // namespace
+
+TEST_F(FileIdentityTest, ProblemFileIsNotWrittenOver)
+{
+  ExpectRefused({"model.dat", "model.dat"}, "problem file", "text results file", "model.dat");
+  ExpectRefused({"-i", "model.dat", "model.dat"}, "problem file", "information file", "model.dat");
+  ExpectRefused({"-e", "model.dat", "model.dat"}, "problem file", "error file", "model.dat");
+}
+
+TEST_F(FileIdentityTest, ProblemFileIsKnownUnderItsOtherNames)
+{
+  folder.Link("link.txt", "model.dat");
+  fs::create_hard_link(folder.Path() / "model.dat", folder.Path() / "hard.txt");
+  for (const std::string name : {"./model.dat", "link.txt", "hard.txt"})
+    ExpectRefused({"model.dat", name}, "problem file", "text results file", name);
+  folder.Link("model.morlen.res", "model.dat");
+  ExpectRefused({"model.dat"}, "problem file", "results file", "model.morlen.res");
+  fs::remove(folder.Path() / "model.morlen.res");
+  folder.Link("model.morlen.bon", "model.dat");
+  ExpectRefused({"-p", "model.dat"}, "problem file", "mesh file", "model.morlen.bon");
+  fs::create_directory(folder.Path() / "other");
+  fs::remove(folder.Path() / "model.morlen.bon");
+  ExpectAccepted({"other/../model.dat"});
+}
+
+TEST_F(FileIdentityTest, FilesThatDoNotExistYetAreComparedByTheirNames)
+{
+  fs::create_directory(folder.Path() / "other");
+  ExpectRefused({"-i", "a", "-e", "./a", "model.dat"}, "information file", "error file", "./a");
+  ExpectRefused({"-e", "a", "model.dat", "a"}, "error file", "text results file", "a");
+  ExpectRefused({"model.dat", "model.morlen.res"}, "text results file", "results file",
+                "model.morlen.res");
+  ExpectRefused({"-p", "model.dat", "other/../model.morlen.bon"}, "text results file", "mesh file",
+                "model.morlen.bon");
+  ExpectAccepted({"-i", "a", "-e", "b", "-p", "model.dat", "c"});
+}
+
+TEST_F(FileIdentityTest, MeshFileCountsOnlyWhenItIsWritten)
+{
+  ExpectAccepted({"model.dat", "model.morlen.bon"});
+  EXPECT_NE(folder.Read("model.morlen.bon"), "");
+}
+
+TEST_F(FileIdentityTest, DevicesAndStandardOutputMayStandTwice)
+{
+  ExpectAccepted({"-i", "/dev/null", "-e", "/dev/null", "model.dat", "/dev/null"});
+  ExpectAccepted({"-i", "-", "-e", "-", "model.dat"});
+}
+
+TEST_F(FileIdentityTest, StandardOutputInAFileIsOneOfTheFiles)
+{
+  const RunResult run =
+      RunProgram(folder, {"-i", "-", "model.dat", "out.txt"}, {.standardOutput = "out.txt"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.err,
+            "error: the standard output and the text results file are the same file: out.txt\n");
+}
+
+TEST_F(FileIdentityTest, FoldersThatDoNotExistAreLeftToTheOpening)
+{
+  ExpectFatal(
+      [] {
+        RequireDifferentFiles({{"a file", "nowhere/file"}, {"another", "nowhere/file"}});
+        Fatal("accepted");
+      },
+      "accepted");
+}

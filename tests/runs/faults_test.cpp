@@ -1,0 +1,136 @@
+// What can go wrong around a run: files that cannot grow, streams that are closed, runs that
+// are killed. A run ends with its results, or with status 2 and a message.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/frame.h"
+#include "support/run.h"
+#include "support/sanitizer.h"
+
+namespace {
+
+const char* const kFull = "error: Failed writing to disk. Probably the disk is full\n";
+
+// Two beams with a load between their ends: results of some thousand bytes.
+std::string Problem()
+{
+  return ProblemParts()
+      .With(&ProblemParts::coordinates, "1 0 0\n2 1 0\n3 2 1")
+      .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
+      .With(&ProblemParts::settings, "MainStresses")
+      .With(&ProblemParts::loads, "2 0 -1 0\n3 1 0 0.5")
+      .Text();
+}
+
+// The result files of a run of which nothing goes wrong.
+std::map<std::string, std::string> Results()
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", Problem());
+  EXPECT_EQ(RunProgram(folder, {"-p", "model.dat", "out.txt"}).status, 0);
+  return folder.Files();
+}
+
+}  // namespace
+
+TEST(Faults, FilesThatCannotGrowEndTheRun)
+{
+  const std::map<std::string, std::string> results = Results();
+  std::size_t largest = 0;
+  for (const auto& [name, content] : results)
+    largest = std::max(largest, content.size());
+  ASSERT_GT(largest, 1000u);
+  for (const long limit : {0L, 1L, 100L, 1000L, 4096L}) {
+    SCOPED_TRACE(limit);
+    const TemporaryFolder folder;
+    folder.Write("model.dat", Problem());
+    const RunResult run = RunProgram(folder, {"-p", "model.dat", "out.txt"}, {.fileSize = limit});
+    if (static_cast<std::size_t>(limit) >= largest) {
+      EXPECT_EQ(run.status, 0);
+      EXPECT_EQ(folder.Files(), results);
+    } else {
+      EXPECT_EQ(run.status, 2);
+      EXPECT_EQ(run.err, std::string(kFull).substr(0, static_cast<std::size_t>(limit)));
+    }
+  }
+}
+
+TEST(Faults, ClosedStandardStreamsChangeNoFile)
+{
+  const std::map<std::string, std::string> results = Results();
+  for (const std::vector<int>& closed :
+       {std::vector<int>{0}, {1}, {2}, {0, 1}, {0, 2}, {1, 2}, {0, 1, 2}}) {
+    const TemporaryFolder folder;
+    folder.Write("model.dat", Problem());
+    const RunResult run =
+        RunProgram(folder, {"-i", "-", "-p", "model.dat", "out.txt"}, {.closed = closed});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(folder.Files(), results);
+  }
+}
+
+TEST(Faults, MessagesToAClosedStreamEnterNoFile)
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", Problem());
+  folder.Link("model.morlen.res", "/dev/full");
+  const RunResult run = RunProgram(folder, {"model.dat", "out.txt"}, {.closed = {0, 1, 2}});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(folder.Read("out.txt"), Results()["out.txt"]);
+}
+
+TEST(Faults, AKilledRunCanBeRepeated)
+{
+  const std::map<std::string, std::string> results = Results();
+  const TemporaryFolder folder;
+  folder.Write("model.dat", Problem());
+  for (int microseconds = 200; microseconds <= 3000; microseconds += 200)
+    RunProgram(folder, {"-p", "model.dat", "out.txt"}, {.killAfter = microseconds});
+  EXPECT_EQ(RunProgram(folder, {"-p", "model.dat", "out.txt"}).status, 0);
+  EXPECT_EQ(folder.Files(), results);
+}
+
+TEST(Faults, LittleMemoryEndsTheRun)
+{
+  if (kSanitized)
+    GTEST_SKIP() << "a sanitizer reserves memory far beyond the limits here";
+  const std::map<std::string, std::string> results = Results();
+  constexpr long kMegabyte = 1 << 20;
+  for (long size = 16; size <= 64; size += 4) {  // below, the loader of programs fails
+    SCOPED_TRACE(size);
+    const TemporaryFolder folder;
+    folder.Write("model.dat", Problem());
+    const RunResult run =
+        RunProgram(folder, {"-p", "model.dat", "out.txt"}, {.addressSpace = size * kMegabyte});
+    EXPECT_TRUE(run.status == 0 || run.status == 2) << run.status;
+    if (run.status == 0)
+      EXPECT_EQ(folder.Files(), results);
+    else
+      EXPECT_EQ(run.err, "Not space available on heap");
+  }
+}
+
+TEST(SameBytes, OnRepeatedRunsInOtherLocalesAndOnAnotherHeap)
+{
+  const std::map<std::string, std::string> results = Results();
+  const std::vector<std::vector<std::pair<std::string, std::string>>> environments = {
+      {},
+      {{"LC_ALL", "de_DE.UTF-8"}},
+      {{"LC_ALL", "tr_TR.UTF-8"}, {"LANG", "tr_TR.UTF-8"}},
+      {{"MALLOC_PERTURB_", "165"}, {"MALLOC_ARENA_MAX", "1"}},
+      {{"MALLOC_PERTURB_", "90"}},
+  };
+  for (const auto& environment : environments) {
+    const TemporaryFolder folder;
+    folder.Write("model.dat", Problem());
+    EXPECT_EQ(
+        RunProgram(folder, {"-p", "model.dat", "out.txt"}, {.environment = environment}).status, 0);
+    EXPECT_EQ(folder.Files(), results);
+  }
+}

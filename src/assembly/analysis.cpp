@@ -1,10 +1,10 @@
 // The order of the analysis: from the model as read to the displacements.
 
 #include <algorithm>
-#include <climits>
 
 #include "assembly/six_nodes.h"
 #include "assembly/support_axes.h"
+#include "base/array_size.h"
 #include "base/errorwriter.h"
 #include "base/stprintf.h"
 #include "model/mesh.h"
@@ -63,7 +63,7 @@ void Project::PreSolve(int renumber, std::FILE* info)
     meshes.front()->RenumberNodes();
   Progress(info, "Running a pre-solver to prepare initial values\n");
   MarkCoplanarNodes(info);
-  solver = std::make_unique<SkyMatriu>(numNodes * freeDegrees);
+  solver = std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees));
   Solve(info);
   solver.reset();
   coplanarity.clear();
@@ -100,15 +100,13 @@ void Project::MarkCoplanarNodes(std::FILE* info)
 
 void Project::Solve(std::FILE* info)
 {
-  displacements.resize(numNodes * freeDegrees, 0.0);
+  displacements.resize(ArrayLength(numNodes, freeDegrees), 0.0);
   displacements = 0.0;
   FillMatrixVectorAndSolve(info);
 }
 
 void Project::CheckModel() const
 {
-  if (numNodes > INT_MAX / freeDegrees)
-    Fatal("Not space available on heap");
   for (const auto& mesh : meshes) {
     if (FamilyOf(*mesh).spaceOnly && problemType == kPlane)
       Fatal("error: elements of type ", ElemTypeName(mesh->GiveElemType()), " need a 3d problem\n");
@@ -135,7 +133,7 @@ void Project::MakeSolver()
 {
   const SolverSettings& s = solverSettings;
   if (s.type == SolverType::SkyLine) {
-    solver = std::make_unique<SkyMatriu>(numNodes * freeDegrees);
+    solver = std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees));
     return;
   }
   if (s.type != SolverType::Sparse)
@@ -153,7 +151,7 @@ void Project::MakeSolver()
 std::unique_ptr<double[]> Project::StartFromPreSolve() const
 {
   ReaVecV start = displacements;
-  start.resize(numNodes * freeDegrees, 0.0);
+  start.resize(ArrayLength(numNodes, freeDegrees), 0.0);
   for (const auto& mesh : meshes) {
     if (mesh->GiveElemType() != Triangle)
       continue;

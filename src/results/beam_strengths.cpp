@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <span>
 
+#include "base/array_size.h"
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
@@ -77,7 +79,7 @@ void Project::CalcStrengthsBeams(int mesh)
   const int n = freeDegrees;
   MeshResults& result = results[mesh];
   result.blockSize = 2 * n;
-  result.strengths.resize(static_cast<int>(result.numbers.size()) * result.blockSize, 0.0);
+  result.strengths.resize(ArrayLength(std::ssize(result.numbers), result.blockSize), 0.0);
   Matriu K11, K12, K22, T;
   int place = 0;
   for (const Elem& elem : Each<Elem>(elems)) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "assembly/shell.h"
+#include "base/array_size.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -20,11 +21,11 @@ void Project::CalcStrengthsTriangles(int mesh)
   const int count = static_cast<int>(result.numbers.size());
   result.points = points;
   result.blockSize = kValues * points;
-  result.strengths.resize(count * result.blockSize, 0.0);
+  result.strengths.resize(ArrayLength(count, result.blockSize), 0.0);
   if (stressOutput != StressOutput::Local)
-    result.mainAngles.resize(count * kAngles * points, 0.0);
+    result.mainAngles.resize(ArrayLength(count, kAngles * points), 0.0);
   if (stressOutput == StressOutput::MainAndLocal)
-    result.mainStrengths.resize(count * result.blockSize, 0.0);
+    result.mainStrengths.resize(ArrayLength(count, result.blockSize), 0.0);
 
   ShellEvaluator shell;
   double local[6 * 6];

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "base/array_size.h"
 #include "base/errorwriter.h"
 #include "model/elem.h"
 #include "model/mesh.h"
@@ -66,7 +67,7 @@ private:
 void Project::SmoothVariableTetra(int mesh)
 {
   const MeshResults& result = results[mesh];
-  nodalStresses.resize(numNodes * kStresses, 0.0);
+  nodalStresses.resize(ArrayLength(numNodes, kStresses), 0.0);
   nodalStresses = 0.0;
   std::vector<int> counts(static_cast<std::size_t>(numNodes), 0);
   NodeValues values(result.points);

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <iterator>
 
 #include "assembly/solid.h"
+#include "base/array_size.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -14,7 +16,7 @@ void Project::CalcStrengthsTetras(int mesh)
   MeshResults& result = results[mesh];
   result.points = nnode == 4 ? 1 : 4;
   result.blockSize = kStresses * result.points;
-  result.strengths.resize(static_cast<int>(result.numbers.size()) * result.blockSize, 0.0);
+  result.strengths.resize(ArrayLength(std::ssize(result.numbers), result.blockSize), 0.0);
   SolidEvaluator solid;
   double u[3 * 10];
   int offset = 0;

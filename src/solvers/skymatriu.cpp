@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <cstdint>
 
 #include "base/constants.h"
 #include "base/errorwriter.h"
+#include "base/memory_limit.h"
 #include "base/stprintf.h"
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
@@ -79,9 +79,8 @@ void SkyMatriu::Create(int ndof)
 void SkyMatriu::AllocateRows()
 {
   const std::size_t bytes = StorageBytes();
-  if (bytes > PTRDIFF_MAX)
-    Fatal("Not space available on heap");
   values.reset();
+  RequireMemory(bytes);
   values = std::make_unique<double[]>(bytes / sizeof(double));
   double* next = values.get();
   for (int i = 0; i < n; ++i) {

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cassert>
-#include <climits>
+#include <cstdint>
+#include <numeric>
 #include <utility>
 
+#include "base/array_size.h"
 #include "base/errorwriter.h"
+#include "base/memory_limit.h"
 #include "base/stprintf.h"
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
@@ -18,14 +21,6 @@ constexpr double kTolerance1 = 1e-05;
 constexpr double kTolerance2 = 0.1;
 constexpr int kMaxIterations = 3000;
 
-int NumberOfEquations(int nnodes, int ndof)
-{
-  const long long equations = static_cast<long long>(nnodes) * ndof;
-  if (equations > INT_MAX)
-    Fatal("Not space available on heap");
-  return static_cast<int>(equations);
-}
-
 }  // namespace
 
 SparseSolver::SparseSolver(int nnodes, int ndof_)
@@ -35,7 +30,7 @@ SparseSolver::SparseSolver(int nnodes, int ndof_)
 
 SparseSolver::SparseSolver(int nnodes, int ndof_, double tolerance1_, double tolerance2_,
                            int MaxIterations_)
-    : n(NumberOfEquations(nnodes, ndof_)),
+    : n(ArrayLength(std::max(nnodes, 0), ndof_)),
       ndof(ndof_),
       tolerance1(tolerance1_),
       tolerance2(tolerance2_),
@@ -66,7 +61,10 @@ void SparseSolver::AddNeighbour(int node, int neighbour)
 void SparseSolver::Create([[maybe_unused]] int ndofOfNodes)
 {
   assert(ndofOfNodes == ndof && !matrix);
-  matrix = std::make_unique<SparseMatrix>(n, RowLengths().data());
+  const std::vector<int> lengths = RowLengths();
+  constexpr std::uint64_t kSlot = 2 * (sizeof(double) + sizeof(int));  // of matrix and factors
+  RequireMemory(kSlot * std::accumulate(lengths.begin(), lengths.end(), std::uint64_t{0}));
+  matrix = std::make_unique<SparseMatrix>(n, lengths.data());
   MakePattern();
 }
 

@@ -134,3 +134,32 @@ TEST(SameBytes, OnRepeatedRunsInOtherLocalesAndOnAnotherHeap)
     EXPECT_EQ(folder.Files(), results);
   }
 }
+
+namespace {
+
+// A chain of plane beams and one from its first node to its last: a profile of the square
+// of three times the number of nodes, by eight bytes.
+std::string WideProblem(int nodes)
+{
+  ProblemParts parts;
+  parts.settings = "Solver SkyLine";
+  parts.coordinates.clear();
+  parts.elements.clear();
+  for (int i = 1; i <= nodes; ++i)
+    parts.coordinates += std::to_string(i) + " " + std::to_string(i) + " 0\n";
+  for (int i = 2; i <= nodes; ++i)
+    parts.elements += std::to_string(i) + " 1 " + std::to_string(i) + " 1\n";
+  return parts.Text();
+}
+
+}  // namespace
+
+TEST(Faults, AMatrixThatDoesNotFitIsRefusedBeforeItIsAllocated)
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", WideProblem(120000));
+  const RunResult run = RunProgram(folder, {"-r0", "-i", "-", "model.dat"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.err, "Not space available on heap");
+  EXPECT_EQ(run.out, "");
+}

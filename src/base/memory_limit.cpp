@@ -1,0 +1,146 @@
+#include "base/memory_limit.h"
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <fstream>
+#include <limits>
+#include <string_view>
+
+#include "base/errorwriter.h"
+
+namespace {
+
+constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
+
+std::uint64_t Left(std::uint64_t limit, std::uint64_t used)
+{
+  return limit == kNoLimit ? kNoLimit : limit - std::min(limit, used);
+}
+
+// The number that a file holds; `otherwise` when there is none ("max", no such file).
+std::uint64_t NumberIn(const std::string& file, std::uint64_t otherwise)
+{
+  std::ifstream in(file);
+  std::uint64_t number = 0;
+  return in >> number ? number : otherwise;
+}
+
+// The number behind a key in a file of lines "key number"; `otherwise` without such a line.
+std::uint64_t NumberBehind(const std::string& key, const std::string& file, std::uint64_t otherwise)
+{
+  std::ifstream in(file);
+  std::string word;
+  for (std::uint64_t number = 0; in >> word >> number; in.ignore(1000, '\n')) {
+    if (word == key)
+      return number;
+  }
+  return otherwise;
+}
+
+std::uint64_t LeftOfMachine(const MemorySources& sources)
+{
+  constexpr std::uint64_t kUnit = 1024;
+  const std::uint64_t free =
+      NumberBehind("MemAvailable:", sources.processes + "/meminfo", kNoLimit);
+  return free > kNoLimit / kUnit ? kNoLimit : free * kUnit;
+}
+
+std::uint64_t LimitOf(__rlimit_resource resource)
+{
+  rlimit limit = {};
+  return getrlimit(resource, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY ? kNoLimit
+                                                                             : limit.rlim_cur;
+}
+
+std::uint64_t LeftOfProcess(const MemorySources& sources)
+{
+  std::ifstream in(sources.processes + "/self/statm");  // in pages
+  std::uint64_t size = 0, resident = 0, shared = 0, text = 0, libraries = 0, data = 0;
+  in >> size >> resident >> shared >> text >> libraries >> data;
+  const auto page = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+  return std::min(Left(LimitOf(RLIMIT_AS), size * page), Left(LimitOf(RLIMIT_DATA), data * page));
+}
+
+// The names of a group's files by the version of the control groups.
+struct GroupFiles
+{
+  const char* limit;
+  const char* usage;
+  const char* cache[2];  // keys in memory.stat: pages of files, which give way
+};
+
+constexpr GroupFiles kVersion1 = {
+    "memory.limit_in_bytes", "memory.usage_in_bytes", {"total_inactive_file", "total_active_file"}};
+constexpr GroupFiles kVersion2 = {"memory.max", "memory.current", {"inactive_file", "active_file"}};
+
+std::uint64_t LeftOfGroup(const std::string& folder, const GroupFiles& files)
+{
+  const std::uint64_t limit = NumberIn(folder + files.limit, kNoLimit);
+  if (limit == kNoLimit)
+    return kNoLimit;
+  std::uint64_t used = NumberIn(folder + files.usage, 0);
+  for (const char* key : files.cache)
+    used -= std::min(used, NumberBehind(key, folder + "memory.stat", 0));
+  return Left(limit, used);
+}
+
+// Of a group and all those that it is in, up to the root.
+std::uint64_t LeftOfGroups(const std::string& root, std::string path, const GroupFiles& files)
+{
+  std::uint64_t left = LeftOfGroup(root + "/", files);
+  while (path.size() > 1) {
+    left = std::min(left, LeftOfGroup(root + path + "/", files));
+    path.resize(path.rfind('/'));
+  }
+  return left;
+}
+
+// Whether the word is in a list of words between commas.
+bool Lists(std::string_view list, std::string_view word)
+{
+  while (!list.empty()) {
+    const std::string_view first = list.substr(0, list.find(','));
+    if (first == word)
+      return true;
+    list.remove_prefix(std::min(first.size() + 1, list.size()));
+  }
+  return false;
+}
+
+// Lines "number:controllers:path"; the second version names no controllers.
+std::uint64_t LeftOfContainer(const MemorySources& sources)
+{
+  std::ifstream in(sources.processes + "/self/cgroup");
+  std::uint64_t left = kNoLimit;
+  for (std::string line; std::getline(in, line);) {
+    const std::size_t first = line.find(':');
+    const std::size_t second = line.find(':', first + 1);
+    if (first == std::string::npos || second == std::string::npos ||
+        line.compare(second + 1, 1, "/") != 0)
+      continue;
+    const std::string controllers = line.substr(first + 1, second - first - 1);
+    const std::string path = line.substr(second + 1);
+    if (controllers.empty())
+      left = std::min(left, LeftOfGroups(sources.groups, path, kVersion2));
+    else if (Lists(controllers, "memory"))
+      left = std::min(left, LeftOfGroups(sources.groups + "/memory", path, kVersion1));
+  }
+  return left;
+}
+
+}  // namespace
+
+std::uint64_t AvailableMemory(const MemorySources& sources)
+{
+  return std::min({LeftOfProcess(sources), LeftOfContainer(sources), LeftOfMachine(sources)});
+}
+
+void RequireMemory(std::uint64_t bytes)
+{
+  constexpr std::uint64_t kSmall = 16 << 20;  // not worth the question
+  if (bytes > PTRDIFF_MAX || (bytes >= kSmall && bytes > AvailableMemory()))
+    Fatal("Not space available on heap");
+}

@@ -15,8 +15,14 @@ constexpr int kNoScaling = 1;
 
 }  // namespace
 
-ILUPreconditioner::ILUPreconditioner(const SparseMatrix& matrix) : Preconditioner("ILU")
+ILUPreconditioner::ILUPreconditioner(const SparseMatrix& matrix)
+    : Preconditioner("ILU"), n(matrix.GiveSize())
 {
+  if (matrix.BlockSize() > 1) {
+    blocks = std::make_unique<BlockFactors>(matrix);
+    complete = blocks->IsComplete();
+    return;
+  }
   Split(matrix);
   SortLines(lower);
   SortLines(upper);
@@ -25,7 +31,6 @@ ILUPreconditioner::ILUPreconditioner(const SparseMatrix& matrix) : Preconditione
 
 void ILUPreconditioner::Split(const SparseMatrix& matrix)
 {
-  const int n = matrix.GiveSize();
   std::size_t below = 0;
   std::size_t others = 0;
   for (int i = 0; i < n; ++i)
@@ -38,6 +43,11 @@ void ILUPreconditioner::Split(const SparseMatrix& matrix)
     lower.EndLine();
     upper.EndLine();
   }
+}
+
+std::size_t ILUPreconditioner::StorageBytes() const
+{
+  return blocks ? blocks->StorageBytes() : lower.StorageBytes() + upper.StorageBytes();
 }
 
 bool ILUPreconditioner::HasPivot(int i) const
@@ -54,7 +64,6 @@ bool ILUPreconditioner::HasPivot(int i) const
 // are known by their columns, so that nothing is searched.
 bool ILUPreconditioner::Factorise()
 {
-  const int n = lower.View().n;
   std::vector<double*> entry(static_cast<std::size_t>(n), nullptr);
   const auto mark = [&](CompressedRows& rows, int i, bool present) {
     for (int s = rows.starts[i]; s < rows.starts[i + 1]; ++s)
@@ -87,7 +96,11 @@ void ILUPreconditioner::EliminateRow(int i, double* const* entry)
 void ILUPreconditioner::solve(const double* x, double* y) const
 {
   if (!complete) {
-    FillWithNaN(y, upper.View().n);
+    FillWithNaN(y, n);
+    return;
+  }
+  if (blocks) {
+    blocks->Solve(x, y);
     return;
   }
   dcsrsm(0, kNoScaling, kUnitLower, lower.View(), x, y);
@@ -97,7 +110,11 @@ void ILUPreconditioner::solve(const double* x, double* y) const
 void ILUPreconditioner::trans_solve(const double* x, double* y) const
 {
   if (!complete) {
-    FillWithNaN(y, upper.View().n);
+    FillWithNaN(y, n);
+    return;
+  }
+  if (blocks) {
+    blocks->TransSolve(x, y);
     return;
   }
   dcsrsm(1, kNoScaling, kStoredUpper, upper.View(), x, y);

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 
+#include "solvers/block_factors.h"
 #include "solvers/preconditioner.h"
 
 /// Incomplete factors L·U without fill: L has ones on its diagonal and the slots below it, U
-/// the slots on and above it.
+/// the slots on and above it. Of a matrix that is stored in blocks of nodes, so are they.
 class ILUPreconditioner : public Preconditioner
 {
 public:
@@ -15,13 +17,14 @@ public:
   void trans_solve(const double* x, double* y) const override;
   void New_Matrix(const SparseMatrix& matrix) override;
 
+  // Both are empty for a matrix stored in blocks of nodes.
   /// By rows, columns ascending, without the ones of the diagonal.
   CompressedView GiveL() const { return lower.View(); }
   /// By rows, columns ascending, the diagonal first.
   CompressedView GiveU() const { return upper.View(); }
   /// False when a pivot was missing, 0 or not finite.
   bool IsComplete() const { return complete; }
-  std::size_t StorageBytes() const { return lower.StorageBytes() + upper.StorageBytes(); }
+  std::size_t StorageBytes() const;
 
 private:
   void Split(const SparseMatrix& matrix);
@@ -32,7 +35,9 @@ private:
   /// it is not in the pattern.
   void EliminateRow(int i, double* const* entry);
 
+  int n;
   CompressedRows lower;
   CompressedRows upper;
+  std::unique_ptr<BlockFactors> blocks;  ///< null for a matrix in single entries
   bool complete;
 };

@@ -1,7 +1,9 @@
 #include "solvers/sparse_matrix.h"
 
 #include <algorithm>
+#include <cassert>
 #include <climits>
+#include <utility>
 
 #include "base/errorwriter.h"
 #include "solvers/triangular_solve.h"
@@ -23,15 +25,54 @@ std::vector<int> RunningSums(int n, const int* lengths)
   return sums;
 }
 
+std::size_t ValuesOf(int blocks, int size)
+{
+  return static_cast<std::size_t>(blocks) * size * size + kBlockPadding;
+}
+
+/// The column of an entry of a block, as the block's is given.
+int SeparateColumn(int blockColumn, int blockSize, int b)
+{
+  if (blockColumn == SparseMatrix::kFree)
+    return SparseMatrix::kFree;
+  return blockColumn < 0 ? ~(~blockColumn * blockSize + b) : blockColumn * blockSize + b;
+}
+
+void CheckSlots(const NodePattern& pattern, int ndof)
+{
+  if (pattern.Lines() < 1 || ndof < 1)
+    Fatal("Sparse Matrix size must be greater than 0");
+  if (static_cast<long long>(pattern.starts.back()) * ndof * ndof > INT_MAX)
+    Fatal("Not space available on heap");
+}
+
 }  // namespace
 
 SparseMatrix::SparseMatrix(int n_, const int* rowLengths)
     : n(n_),
-      rowStart(RunningSums(n_, rowLengths)),
-      columns(static_cast<std::size_t>(rowStart.back()), kFree),
-      values(static_cast<std::size_t>(rowStart.back()), 0.0),
-      freeSlots(rowStart.back())
+      size(1),
+      ndof(1),
+      ordered(false),
+      starts(RunningSums(n_, rowLengths)),
+      columns(static_cast<std::size_t>(starts.back()), kFree),
+      values(ValuesOf(starts.back(), 1), 0.0),
+      freeBlocks(starts.back())
 {
+}
+
+SparseMatrix::SparseMatrix(NodePattern pattern, int ndof_)
+    : n(pattern.Lines() * ndof_), size(ndof_), ndof(ndof_), ordered(true)
+{
+  CheckSlots(pattern, ndof);
+  starts = std::move(pattern.starts);
+  columns = std::move(pattern.columns);
+  for (int& column : columns)
+    column = column == NodePattern::kNoNode ? kFree : ~column;
+  freeBlocks = EndOfBlocks();
+  if (GiveBlockKernels(size, ThisProcessor()))
+    values.assign(ValuesOf(freeBlocks, size), 0.0);
+  else
+    Separate();
 }
 
 void SparseMatrix::RequireInside(int i, int j) const
@@ -40,81 +81,155 @@ void SparseMatrix::RequireInside(int i, int j) const
     Fatal("Sparse Matrix accessing exception -- out of bounds.");
 }
 
-int SparseMatrix::FindSlot(int i, int column) const
+// The number of columns before q, without a jump that depends on them: lines are short.
+int SparseMatrix::FindOrdered(int p, int q) const
 {
-  const auto first = columns.begin() + rowStart[i];
-  const auto last = columns.begin() + rowStart[i + 1];
-  const auto found = std::find(first, last, column);
-  return found == last ? GiveSlots() : static_cast<int>(found - columns.begin());
+  const int* const first = columns.data() + starts[p];
+  const int length = starts[p + 1] - starts[p];
+  int before = 0;
+  for (int s = 0; s < length; ++s)
+    before += (first[s] ^ (first[s] >> 31)) < q;
+  const bool found = before < length && (first[before] == q || first[before] == ~q);
+  return found ? starts[p] + before : EndOfBlocks();
 }
 
-void SparseMatrix::Give(int slot, int column)
+int SparseMatrix::FindBlock(int p, int q) const
 {
-  columns[slot] = column;
-  --freeSlots;
+  if (ordered)
+    return FindOrdered(p, q);
+  const auto first = columns.begin() + starts[p];
+  const auto last = columns.begin() + starts[p + 1];
+  auto found = std::find(first, last, q);
+  if (found == last)
+    found = std::find(first, last, ~q);
+  return found == last ? EndOfBlocks() : static_cast<int>(found - columns.begin());
+}
+
+int SparseMatrix::FindFree(int p) const
+{
+  for (int s = starts[p]; s < starts[p + 1]; ++s)
+    if (columns[s] < 0)
+      return s;
+  return EndOfBlocks();
+}
+
+void SparseMatrix::Give(int block, int column)
+{
+  if (columns[block] < 0)
+    --freeBlocks;
+  columns[block] = column;
 }
 
 double& SparseMatrix::set(int i, int j)
 {
-  const int slot = IsInside(i, j) ? FindSlot(i, j) : GiveSlots();
-  if (slot == GiveSlots())
+  const int block = IsInside(i, j) ? FindBlock(i / size, j / size) : EndOfBlocks();
+  if (block == EndOfBlocks() || columns[block] < 0)
     Fatal("Sparse Matrix element (", i, ",", j, ") not in sparse structure -- cannot assign.");
-  return values[slot];
+  return values[Place(block, i % size, j % size)];
 }
 
 double SparseMatrix::operator()(int i, int j) const
 {
   RequireInside(i, j);
-  const int slot = FindSlot(i, j);
-  return slot == GiveSlots() ? 0.0 : values[slot];
+  const int block = FindBlock(i / size, j / size);
+  const bool held = block != EndOfBlocks() && columns[block] >= 0;
+  return held ? values[Place(block, i % size, j % size)] : 0.0;
 }
 
 void SparseMatrix::addToLhs(int i, int j, double v)
 {
   RequireInside(i, j);
-  int slot = FindSlot(i, j);
-  if (slot == GiveSlots()) {
-    slot = FindSlot(i, kFree);
-    if (slot == GiveSlots())
-      Fatal("Wrong Row ", i, " definition: Row length ", RowLength(i));
-    Give(slot, j);
+  const int p = i / size;
+  const int q = j / size;
+  int block = FindBlock(p, q);
+  if (block == EndOfBlocks()) {
+    block = FindFree(p);
+    if (block == EndOfBlocks())
+      Fatal("Wrong Row ", i, " definition: Row length ", (starts[p + 1] - starts[p]) * size);
+    if (size > 1) {
+      Separate();
+      addToLhs(i, j, v);
+      return;
+    }
+    ordered = false;
   }
-  values[slot] += v;
+  double& value = values[Place(block, i % size, j % size)];
+  if (size > 1 && columns[block] < 0)
+    ClearOthers(block, value);
+  Give(block, q);
+  value += v;
 }
 
-void SparseMatrix::AddRun(int i, int slot, int j, int count, const double* v, int step)
+void SparseMatrix::AddNodeBlock(int p, int q, const double* m, int rowStep, int colStep)
 {
-  const int first = rowStart[i] + slot;
-  for (int k = 0; k < count; ++k) {
-    const double number = v[static_cast<std::ptrdiff_t>(k) * step];
-    if (columns[first + k] == kFree)
-      Give(first + k, j + k);
-    if (columns[first + k] == j + k)
-      values[first + k] += number;
-    else
-      addToLhs(i, j + k, number);
+  const int block = size == ndof ? FindBlock(p, q) : EndOfBlocks();
+  if (block == EndOfBlocks()) {
+    for (int a = 0; a < ndof; ++a)
+      for (int b = 0; b < ndof; ++b)
+        addToLhs(p * ndof + a, q * ndof + b, m[a * rowStep + b * colStep]);
+    return;
   }
+  Give(block, q);
+  double* value = &values[Place(block, 0, 0)];
+  for (int b = 0; b < ndof; ++b)
+    for (int a = 0; a < ndof; ++a)
+      *value++ += m[a * rowStep + b * colStep];
+}
+
+// What a fixed row has put into the other entries of a free block was left out of everything.
+void SparseMatrix::ClearOthers(int block, double& value)
+{
+  const double kept = value;
+  std::fill_n(&values[Place(block, 0, 0)], size * size, 0.0);
+  value = kept;
+}
+
+void SparseMatrix::Separate()
+{
+  const int blockSize = std::exchange(size, 1);
+  const std::vector<int> lineStarts = std::exchange(starts, {0});
+  const std::vector<int> blockColumns = std::exchange(columns, {});
+  const std::vector<double> blockValues = std::exchange(values, {});
+  const std::size_t slots = blockColumns.size() * blockSize * blockSize;
+  columns.reserve(slots);
+  values.reserve(slots + kBlockPadding);
+  for (int i = 0; i < n; ++i) {
+    const int p = i / blockSize;
+    for (int entry = lineStarts[p] * blockSize; entry < lineStarts[p + 1] * blockSize; ++entry) {
+      columns.push_back(
+          SeparateColumn(blockColumns[entry / blockSize], blockSize, entry % blockSize));
+      values.push_back(blockValues.empty() ? 0.0
+                                           : blockValues[entry * blockSize + i % blockSize]);
+    }
+    starts.push_back(static_cast<int>(columns.size()));
+  }
+  values.resize(slots + kBlockPadding, 0.0);
+  freeBlocks *= blockSize * blockSize;
 }
 
 void SparseMatrix::mult(const double* x, double* y) const
 {
-  if (freeSlots == 0) {
-    CompRowMatVec(View(), x, y);
-    return;
+  if (freeBlocks > 0) {
+    for (int i = 0; i < n; ++i)
+      y[i] = MultiplyVector(i, x);
+  } else if (size > 1) {
+    GiveBlockKernels(size, ThisProcessor())->product(Blocks(), x, y);
+  } else {
+    CompRowMatVec(Rows(), x, y);
   }
-  for (int i = 0; i < n; ++i)
-    y[i] = MultiplyVector(i, x);
 }
 
 void SparseMatrix::trans_mult(const double* x, double* y) const
 {
-  if (freeSlots == 0) {
-    CompColMatVec(View(), x, y);  // the rows are the columns of the transpose
+  if (freeBlocks == 0 && size == 1) {
+    CompColMatVec(Rows(), x, y);  // the rows are the columns of the transpose
     return;
   }
   std::fill_n(y, n, 0.0);
-  for (int i = 0; i < n; ++i)
-    ForEachInRow(i, [&](int j, double value) { y[j] += value * x[i]; });
+  for (int p = 0; p < n / size; ++p)
+    for (int s = starts[p]; s < starts[p + 1]; ++s)
+      if (columns[s] >= 0)
+        AddTransposedBlock(size, &values[Place(s, 0, 0)], x + p * size, y + columns[s] * size);
 }
 
 double SparseMatrix::MultiplyVector(int i, const double* x) const
@@ -128,14 +243,17 @@ double SparseMatrix::MultiplyVector(int i, const double* x) const
 void SparseMatrix::Fix_Row_Dalvek(int i)
 {
   RequireInside(i, i);
-  for (int s = rowStart[i]; s < rowStart[i + 1]; ++s)
-    values[s] = columns[s] == i || columns[s] == kFree ? 1.0 : 0.0;
+  const int p = i / size;
+  for (int s = starts[p]; s < starts[p + 1]; ++s)
+    for (int b = 0; b < size; ++b)
+      values[Place(s, i % size, b)] = columns[s] < 0 || columns[s] * size + b == i ? 1.0 : 0.0;
 }
 
 void SparseMatrix::Fix_Row(int i)
 {
   RequireInside(i, i);
-  if (FindSlot(i, i) == GiveSlots() && FindSlot(i, kFree) == GiveSlots())
+  const int p = i / size;
+  if (FindBlock(p, p) == EndOfBlocks() && FindFree(p) == EndOfBlocks())
     Fatal("Wrong Row ", i, " boundary condition");
   Fix_Row_Dalvek(i);
 }

@@ -1,15 +1,22 @@
 #pragma once
 
+#include <climits>
 #include <cstddef>
 #include <ostream>
 #include <vector>
 
+#include "solvers/block_kernel.h"
 #include "solvers/compressed_rows.h"
+#include "solvers/node_couplings.h"
 
-/// Square matrix in compressed row storage; rows, columns and slots run from 0.
+/// Square matrix in compressed storage; rows, columns and slots run from 0.
 ///
 /// Each row has a fixed number of slots. A slot is free until a number added to the row gives
 /// it a column; free slots are left out of products, factorisations and dumps.
+///
+/// The slots are stored in square blocks, of one entry each or, when the matrix was made for
+/// nodes of three or six equations, of all entries that two nodes have in common. A block of
+/// nodes gets its columns as a whole, with the first number added to one of its entries.
 class SparseMatrix
 {
 public:
@@ -17,9 +24,14 @@ public:
   /// are more slots than an int can count.
   SparseMatrix(int n, const int* rowLengths);
 
+  /// For nodes of ndof equations: equation a of node p is p·ndof + a. A slot is set aside in
+  /// each of the rows of a node for all columns of the nodes in its line of the pattern; it is
+  /// free until it is added to. Fatal when there are no nodes, or too many slots.
+  SparseMatrix(NodePattern pattern, int ndof);
+
   int GiveSize() const { return n; }
   int GiveColumns() const { return n; }
-  int GiveSlots() const { return rowStart.back(); }
+  int GiveSlots() const { return starts.back() * size * size; }
 
   /// The value at (i, j), which must have a slot.
   double& set(int i, int j);
@@ -27,19 +39,13 @@ public:
   /// The value at (i, j); 0 when it has no slot. Fatal outside the matrix.
   double operator()(int i, int j) const;
 
-  /// Adds v to (i, j), which takes the first free slot of row i when it has none. Fatal when
-  /// there is no free slot, and outside the matrix.
+  /// Adds v to (i, j), which takes the slot set aside for it, else the first free one of row
+  /// i, when it has none. Fatal when there is no free slot, and outside the matrix.
   void addToLhs(int i, int j, double v);
 
-  /// Adds v[0], v[step], ... to (i, j) to (i, j + count - 1) without a search, for a caller
-  /// who has set aside the slots of row i from `slot` (counted in the row) on for these
-  /// columns. The others must always be added in this way too; a slot that addToLhs has
-  /// nevertheless given to another column is replaced by what addToLhs finds.
-  void AddRun(int i, int slot, int j, int count, const double* v, int step);
-
-  /// Whether the given slot of row i, counted in the row, holds column j.
-  bool Holds(int i, int slot, int j) const { return columns[rowStart[i] + slot] == j; }
-  double& ValueAt(int i, int slot) { return values[rowStart[i] + slot]; }
+  /// Adds an ndof×ndof block at the nodes p and q, ndof as the matrix was made; its entry
+  /// (a, b) is m[a·rowStep + b·colStep]. Fatal as addToLhs.
+  void AddNodeBlock(int p, int q, const double* m, int rowStep, int colStep);
 
   /// y = A·x.
   void mult(const double* x, double* y) const;
@@ -62,35 +68,63 @@ public:
   template <class Visit>
   void ForEachInRow(int i, Visit visit) const
   {
-    for (int s = rowStart[i]; s < rowStart[i + 1]; ++s)
-      if (columns[s] != kFree)
-        visit(columns[s], values[s]);
+    const int p = i / size;
+    for (int s = starts[p]; s < starts[p + 1]; ++s)
+      for (int b = 0; b < size && columns[s] >= 0; ++b)
+        visit(columns[s] * size + b, values[Place(s, i % size, b)]);
   }
 
-  /// A double and an int for every slot, an int for every row.
+  /// Equations of the nodes whose blocks are stored; 1 when single entries are.
+  int BlockSize() const { return size; }
+
+  /// Blocks by lines; those that are free have negative columns.
+  BlockLines Blocks() const
+  {
+    return {n / size, values.data(), columns.data(), starts.data()};
+  }
+
+  /// A double and an int for every slot, an int for every row: what the matrix takes in single
+  /// entries, whatever its blocks.
   std::size_t StorageBytes() const
   {
-    return values.size() * (sizeof(double) + sizeof(int)) +
+    return static_cast<std::size_t>(GiveSlots()) * (sizeof(double) + sizeof(int)) +
            static_cast<std::size_t>(n) * sizeof(int);
   }
 
-private:
-  static constexpr int kFree = -1;
+  /// The column of a free block that is set aside for none. One set aside for q has ~q.
+  static constexpr int kFree = INT_MIN;
 
-  CompressedView View() const { return {n, values.data(), columns.data(), rowStart.data()}; }
+private:
+  std::size_t Place(int block, int a, int b) const
+  {
+    return (static_cast<std::size_t>(block) * size + b) * size + a;
+  }
   bool IsInside(int i, int j) const { return i >= 0 && i < n && j >= 0 && j < n; }
   void RequireInside(int i, int j) const;
+  int EndOfBlocks() const { return starts.back(); }
 
-  /// The first slot of row i that holds the column; GiveSlots() when there is none.
-  int FindSlot(int i, int column) const;
-  int RowLength(int i) const { return rowStart[i + 1] - rowStart[i]; }
-  void Give(int slot, int column);
+  /// The block of line p that has column q or is set aside for it; EndOfBlocks() when there is
+  /// none.
+  int FindBlock(int p, int q) const;
+  int FindOrdered(int p, int q) const;
+  /// The first free block of line p; EndOfBlocks() when there is none.
+  int FindFree(int p) const;
+  void Give(int block, int column);
+  void ClearOthers(int block, double& value);
+
+  CompressedView Rows() const { return {n, values.data(), columns.data(), starts.data()}; }
+
+  /// Turns every block into its single entries, free ones into free entries.
+  void Separate();
 
   int n;
-  std::vector<int> rowStart;  ///< n + 1; row i has the slots rowStart[i] to rowStart[i + 1] - 1
-  std::vector<int> columns;   ///< of every slot, or kFree
-  std::vector<double> values;
-  int freeSlots;  ///< how many there are
+  int size;      ///< rows and columns of a block
+  int ndof;      ///< equations of a node
+  bool ordered;  ///< the columns of each line, held or set aside, ascend
+  std::vector<int> starts;      ///< line p has the blocks starts[p] to starts[p + 1] - 1
+  std::vector<int> columns;     ///< of every block, in blocks
+  std::vector<double> values;   ///< of the blocks, each column by column; kBlockPadding more
+  int freeBlocks;  ///< how many there are
 };
 
 /// One line a row: four blanks, the column from 1, ':' and the value for every slot that has

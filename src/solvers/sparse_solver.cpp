@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cassert>
 #include <cstdint>
-#include <numeric>
 #include <utility>
 
 #include "base/array_size.h"
@@ -35,7 +34,7 @@ SparseSolver::SparseSolver(int nnodes, int ndof_, double tolerance1_, double tol
       tolerance1(tolerance1_),
       tolerance2(tolerance2_),
       MaxIterations(MaxIterations_),
-      neighbours(static_cast<std::size_t>(std::max(nnodes, 0)))
+      couplings(nnodes, MAXNUMNODESAROUNDNODE)
 {
 }
 
@@ -49,55 +48,18 @@ void SparseSolver::EnterMaxDiff(int node1, int node2, [[maybe_unused]] int ndofO
 void SparseSolver::AddNeighbour(int node, int neighbour)
 {
   assert(node >= 1 && node * ndof <= n);
-  std::vector<int>& list = neighbours[node - 1];
-  const auto place = std::lower_bound(list.begin(), list.end(), neighbour - 1);
-  if (place != list.end() && *place == neighbour - 1)
-    return;
-  if (list.size() == MAXNUMNODESAROUNDNODE)
+  if (!couplings.Add(node - 1, neighbour - 1))
     Fatal("error: increase parameter MAXNUMNODESAROUNDNODE node=", node, "\n");
-  list.insert(place, neighbour - 1);
 }
 
 void SparseSolver::Create([[maybe_unused]] int ndofOfNodes)
 {
   assert(ndofOfNodes == ndof && !matrix);
-  const std::vector<int> lengths = RowLengths();
-  constexpr std::uint64_t kSlot = 2 * (sizeof(double) + sizeof(int));  // of matrix and factors
-  RequireMemory(kSlot * std::accumulate(lengths.begin(), lengths.end(), std::uint64_t{0}));
-  matrix = std::make_unique<SparseMatrix>(n, lengths.data());
-  MakePattern();
-}
-
-std::vector<int> SparseSolver::RowLengths() const
-{
-  std::vector<int> lengths;
-  lengths.reserve(static_cast<std::size_t>(std::max(n, 0)));
-  for (const std::vector<int>& list : neighbours)
-    lengths.insert(lengths.end(), ndof, (static_cast<int>(list.size()) + 1) * ndof);
-  return lengths;
-}
-
-void SparseSolver::MakePattern()
-{
-  const int numNodes = static_cast<int>(neighbours.size());
-  pattern.starts.assign(1, 0);
-  for (int p = 0; p < numNodes; ++p) {
-    std::vector<int>& list = neighbours[p];
-    const auto place = std::lower_bound(list.begin(), list.end(), p);
-    if (place == list.end() || *place != p)
-      list.insert(place, p);
-    pattern.nodes.insert(pattern.nodes.end(), list.begin(), list.end());
-    pattern.starts.push_back(static_cast<int>(pattern.nodes.size()));
-  }
-  neighbours = {};
-}
-
-int SparseSolver::FindGroup(int p, int q) const
-{
-  const auto first = pattern.nodes.begin() + pattern.starts[p];
-  const auto last = pattern.nodes.begin() + pattern.starts[p + 1];
-  const auto found = std::lower_bound(first, last, q);
-  return found == last || *found != q ? -1 : static_cast<int>(found - first) * ndof;
+  NodePattern pattern = couplings.TakePattern();
+  const auto entries = static_cast<std::uint64_t>(ndof) * ndof * pattern.columns.size();
+  constexpr std::uint64_t kEntry = 2 * sizeof(double);  // of the matrix and of its factors
+  RequireMemory(kEntry * entries);
+  matrix = std::make_unique<SparseMatrix>(std::move(pattern), ndof);
 }
 
 double& SparseSolver::operator()(int i, int j)
@@ -123,46 +85,25 @@ void SparseSolver::AddSubMatriu(int row, int col, const Matriu& m)
   if (IsNodeBlock(row - 1, col - 1, m)) {
     const int p = (row - 1) / ndof;
     const int q = (col - 1) / ndof;
-    AddNodeBlock(p, q, m.Data(), ndof, 1);
+    matrix->AddNodeBlock(p, q, m.Data(), ndof, 1);
     if (p != q)
-      AddNodeBlock(q, p, m.Data(), 1, ndof);
+      matrix->AddNodeBlock(q, p, m.Data(), 1, ndof);
     return;
   }
   for (int a = 1; a <= m.Rows(); ++a) {
     for (int b = 1; b <= m.Cols(); ++b) {
-      AddEntry(row - 1 + a - 1, col - 1 + b - 1, m(a, b));
+      matrix->addToLhs(row - 1 + a - 1, col - 1 + b - 1, m(a, b));
       if (row != col)
-        AddEntry(col - 1 + b - 1, row - 1 + a - 1, m(a, b));
+        matrix->addToLhs(col - 1 + b - 1, row - 1 + a - 1, m(a, b));
     }
   }
-}
-
-void SparseSolver::AddNodeBlock(int p, int q, const double* m, int rowStep, int colStep)
-{
-  const int group = FindGroup(p, q);
-  for (int a = 0; a < ndof; ++a, m += rowStep) {
-    if (group >= 0)
-      matrix->AddRun(p * ndof + a, group, q * ndof, ndof, m, colStep);
-    else
-      for (int b = 0; b < ndof; ++b)
-        matrix->addToLhs(p * ndof + a, q * ndof + b, m[b * colStep]);
-  }
-}
-
-void SparseSolver::AddEntry(int i, int j, double value)
-{
-  const int group = FindGroup(i / ndof, j / ndof);
-  if (group >= 0)
-    matrix->AddRun(i, group + j % ndof, j, 1, &value, 1);
-  else
-    matrix->addToLhs(i, j, value);
 }
 
 int SparseSolver::ApplyConstraint(int eq, double value, ReaVecV& b)
 {
   assert(b.Size() == n);
   b(eq) = value;
-  AddEntry(eq - 1, eq - 1, 0.0);  // a node without elements has no diagonal yet
+  matrix->addToLhs(eq - 1, eq - 1, 0.0);  // a node without elements has no diagonal yet
   matrix->Fix_Row_Dalvek(eq - 1);
   prescribed.push_back(eq - 1);
   return eq;

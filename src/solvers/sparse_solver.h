@@ -5,14 +5,15 @@
 #include <vector>
 
 #include "solvers/bsolver.h"
+#include "solvers/node_couplings.h"
 #include "solvers/sparse_matrix.h"
 
-/// The whole matrix, both triangles, in compressed rows, solved by conjugate gradients
-/// with an incomplete LU preconditioner.
+/// The whole matrix, both triangles, in blocks of nodes, solved by conjugate gradients with
+/// an incomplete LU preconditioner.
 ///
-/// The pattern comes from the couplings of nodes: in the rows of a node, a group of ndof
-/// slots is set aside for itself and for every neighbour, in ascending order. What lies
-/// outside that pattern cannot be added.
+/// The pattern comes from the couplings of nodes: in the line of a node, a block is set aside
+/// for itself and for every neighbour, in ascending order. What lies outside that pattern
+/// cannot be added.
 class SparseSolver : public BSolver
 {
 public:
@@ -69,25 +70,8 @@ public:
   const SparseMatrix* GiveMatrix() const { return matrix.get(); }
 
 private:
-  /// The nodes whose groups of slots the rows of each node have, from 0, ascending.
-  struct NodePattern
-  {
-    std::vector<int> starts;
-    std::vector<int> nodes;
-  };
-
   void AddNeighbour(int node, int neighbour);
-  std::vector<int> RowLengths() const;
-  void MakePattern();
-
-  /// The first slot, counted in the row, of column node q's group in the rows of node p; -1
-  /// when they are not coupled.
-  int FindGroup(int p, int q) const;
-
   bool IsNodeBlock(int row, int col, const Matriu& m) const;
-  /// Adds an ndof×ndof block at the nodes p and q; its entry (a, b) is m[a·rowStep + b·colStep].
-  void AddNodeBlock(int p, int q, const double* m, int rowStep, int colStep);
-  void AddEntry(int i, int j, double value);
 
   std::unique_ptr<double[]> TakeStart(const ReaVecV& b);
 
@@ -97,8 +81,7 @@ private:
   double tolerance2;
   int MaxIterations;
 
-  std::vector<std::vector<int>> neighbours;  ///< of each node, sorted; until Create
-  NodePattern pattern;                       ///< from Create on
+  NodeCouplings couplings;  ///< until Create
   std::unique_ptr<SparseMatrix> matrix;
   std::vector<int> prescribed;  ///< equations whose rows are replaced, from 0
   std::unique_ptr<double[]> initialValues;

@@ -111,36 +111,6 @@ TEST(SparseMatrix, SetNeedsASlotWithTheColumn)
     ExpectFatal([&] { matrix.set(c.i, c.j); }, c.message);
 }
 
-TEST(SparseMatrix, RunsGoToTheSlotsSetAside)
-{
-  SparseMatrix matrix = WithLengths({6, 6, 6, 6, 6, 6});
-  const double later[] = {4.0, 5.0, 6.0};
-  const double earlier[] = {1.0, -1.0, 2.0, -1.0, 3.0};
-  matrix.AddRun(0, 3, 3, 3, later, 1);
-  matrix.AddRun(0, 0, 0, 3, earlier, 2);
-  matrix.AddRun(0, 3, 3, 3, later, 1);
-  std::vector<std::pair<int, double>> slots;
-  matrix.ForEachInRow(0, [&](int j, double value) { slots.emplace_back(j, value); });
-  const std::vector<std::pair<int, double>> expected = {{0, 1.0}, {1, 2.0},  {2, 3.0},
-                                                        {3, 8.0}, {4, 10.0}, {5, 12.0}};
-  EXPECT_EQ(slots, expected);
-}
-
-TEST(SparseMatrix, RunsGiveWayToAColumnPutIntoTheirSlots)
-{
-  SparseMatrix matrix = WithLengths({4, 0, 0, 0, 0});
-  const double run[] = {1.0, 2.0};
-  matrix.addToLhs(0, 4, 9.0);  // takes the slot set aside for column 0
-  for (int k = 0; k < 2; ++k)
-    matrix.AddRun(0, 0, 0, 2, run, 1);
-  matrix.AddRun(0, 2, 2, 1, run, 1);
-  EXPECT_EQ(matrix(0, 0), 2.0);
-  EXPECT_EQ(matrix(0, 1), 4.0);
-  EXPECT_EQ(matrix(0, 2), 1.0);
-  EXPECT_EQ(matrix(0, 4), 9.0);
-  ExpectFatal([&] { matrix.AddRun(0, 3, 3, 1, run, 1); }, "Wrong Row 0 definition: Row length 4");
-}
-
 TEST(SparseMatrix, ProductsLeaveFreeSlotsOut)
 {
   for (const int freeSlots : {0, 2})

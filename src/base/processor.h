@@ -1,0 +1,12 @@
+#pragma once
+
+/// Vector instructions beyond the base set of the build; each set includes those before it.
+enum class Processor
+{
+  kPlain,
+  kAvx2,   ///< 4 doubles, with fused multiplication and addition
+  kAvx512  ///< 8 doubles
+};
+
+/// What the processor of this run offers.
+Processor ThisProcessor();

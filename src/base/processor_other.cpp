@@ -1,0 +1,6 @@
+#include "base/processor.h"
+
+Processor ThisProcessor()
+{
+  return Processor::kPlain;
+}

@@ -1,0 +1,7 @@
+// The loops over blocks for the base instruction set of the build.
+
+#include "solvers/block_kernel_loops.h"
+#include "solvers/block_kernel_sets.h"
+
+const BlockKernels kPlainKernels3 = MakeKernels<3, 2>();
+const BlockKernels kPlainKernels6 = MakeKernels<6, 2>();

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "solvers/block_kernel.h"
+
+// The loops of block_kernel_loops.h by size of the blocks, as the files of the instruction
+// sets compiled them.
+
+extern const BlockKernels kPlainKernels3;
+extern const BlockKernels kPlainKernels6;
+extern const BlockKernels kAvx2Kernels3;
+extern const BlockKernels kAvx2Kernels6;

@@ -1,0 +1,86 @@
+#include "solvers/node_couplings.h"
+
+#include <algorithm>
+#include <climits>
+#include <utility>
+
+#include "base/errorwriter.h"
+
+NodeCouplings::NodeCouplings(int nodes, int limit_)
+    : limit(static_cast<std::size_t>(limit_)),
+      lists(static_cast<std::size_t>(std::max(nodes, 0))),
+      marks(lists.size(), 0),
+      round(0)
+{
+}
+
+bool NodeCouplings::Add(int node, int neighbour)
+{
+  std::vector<int>& list = lists[node];
+  if (list.size() == list.capacity() || list.size() == limit)
+    if (!MakeRoom(list))
+      return std::find(list.begin(), list.end(), neighbour) != list.end();
+  list.push_back(neighbour);
+  return true;
+}
+
+// A list that stays more than half full without repeats gets twice the room.
+bool NodeCouplings::MakeRoom(std::vector<int>& list)
+{
+  constexpr std::size_t kFirst = 8;
+  TakeOutRepeats(list);
+  if (2 * list.size() >= list.capacity())
+    list.reserve(std::min(std::max(2 * list.capacity(), kFirst), limit));
+  return list.size() < limit;
+}
+
+void NodeCouplings::TakeOutRepeats(std::vector<int>& list)
+{
+  if (round == INT_MAX) {
+    std::fill(marks.begin(), marks.end(), 0);
+    round = 0;
+  }
+  ++round;
+  const auto seen = [this](int node) { return std::exchange(marks[node], round) == round; };
+  list.erase(std::remove_if(list.begin(), list.end(), seen), list.end());
+}
+
+// The length of every line: a block for the node itself and one for each list that names it.
+std::vector<int> NodeCouplings::LineStarts()
+{
+  std::vector<long long> lengths(lists.size(), 1);
+  for (std::vector<int>& list : lists) {
+    TakeOutRepeats(list);
+    for (const int q : list)
+      ++lengths[q];
+  }
+  std::vector<int> starts = {0};
+  starts.reserve(lists.size() + 1);
+  long long blocks = 0;
+  for (const long long length : lengths) {
+    blocks += length;
+    if (blocks > INT_MAX)
+      Fatal("Not space available on heap");
+    starts.push_back(static_cast<int>(blocks));
+  }
+  return starts;
+}
+
+// Walking through the nodes in order and adding each to the lines of its neighbours leaves
+// every line in order; coupling is mutual.
+NodePattern NodeCouplings::TakePattern()
+{
+  NodePattern pattern;
+  pattern.starts = LineStarts();
+  pattern.columns.assign(static_cast<std::size_t>(pattern.starts.back()), NodePattern::kNoNode);
+  std::vector<int> next(pattern.starts.begin(), pattern.starts.end() - 1);
+  for (int p = 0; p < static_cast<int>(lists.size()); ++p) {
+    pattern.columns[next[p]++] = p;
+    for (const int q : lists[p])
+      if (q != p)
+        pattern.columns[next[q]++] = p;
+  }
+  lists = {};
+  marks = {};
+  return pattern;
+}

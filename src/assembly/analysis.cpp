@@ -14,6 +14,7 @@
 #include "problem/constraint.h"
 #include "problem/element_family.h"
 #include "problem/project.h"
+#include "problem/references.h"
 #include "solvers/skymatriu.h"
 #include "solvers/sparse_solver.h"
 
@@ -34,6 +35,7 @@ void CheckLengths(const Mesh& beams)
 
 void Project::Calc(int renumber, std::FILE* info)
 {
+  CheckReferences(*this);
   CheckModel();
   if (hasHinges)
     CalcElemsRotules();

@@ -46,11 +46,19 @@ constexpr ElementFamily kFamilies[] = {kBeams, Shells(3), Shells(6), Solids(4), 
 
 }  // namespace
 
-const ElementFamily& FamilyOf(const Mesh& mesh)
+const ElementFamily* FindFamily(const Mesh& mesh)
 {
   for (const ElementFamily& family : kFamilies) {
     if (family.type == mesh.GiveElemType() && family.nnode == mesh.GiveNnode())
-      return family;
+      return &family;
   }
-  Fatal("error: elemtype unknown\n");
+  return nullptr;
+}
+
+const ElementFamily& FamilyOf(const Mesh& mesh)
+{
+  const ElementFamily* family = FindFamily(mesh);
+  if (!family)
+    Fatal("error: elemtype unknown\n");
+  return *family;
 }

@@ -26,5 +26,8 @@ struct ElementFamily
   void (Project::*writeKiv)(int mesh, TextOut& res) const;
 };
 
-/// The family of a mesh. Fatal for elements that cannot be analysed.
+/// The family of a mesh; null for elements that cannot be analysed.
+const ElementFamily* FindFamily(const Mesh& mesh);
+
+/// The same. Fatal for elements that cannot be analysed.
 const ElementFamily& FamilyOf(const Mesh& mesh);

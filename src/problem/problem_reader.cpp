@@ -177,7 +177,6 @@ void Project::FinishReading()
       elem.ComposeYourMaterial(&materials);
   }
   SetNodeDimensions(solids);
-  CheckNodesOfElements();
 }
 
 // Nodes given with two coordinates stand at z = 0 in space; a plane frame has no z.
@@ -189,17 +188,5 @@ void Project::SetNodeDimensions(bool solids)
       node.resize(3, 0.0);
     else if (node.Size() == 3 && node(3) != 0.0)
       Fatal("error: node ", number, " has a z coordinate in a 2d problem\n");
-  }
-}
-
-void Project::CheckNodesOfElements() const
-{
-  for (const auto& mesh : meshes) {
-    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-      for (int i = 0; i < elem.Nnode(); ++i) {
-        if (!elem(i))
-          Fatal("error: element ", elem.Num(), " has an unknown node\n");
-      }
-    }
   }
 }

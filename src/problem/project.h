@@ -219,7 +219,6 @@ private:
   // Closing checks.
   void FinishReading();
   void SetNodeDimensions(bool solids);
-  void CheckNodesOfElements() const;
 
   // Steps of the analysis.
   void CheckModel() const;

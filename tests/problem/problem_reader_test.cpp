@@ -35,12 +35,6 @@ void ExpectRefused(const std::string& settings, const std::string& message)
   ExpectFatal([&] { ReadWith(settings); }, message);
 }
 
-void ExpectProblemRefused(const ProblemParts& problem, const std::string& message)
-{
-  SCOPED_TRACE(problem.Text());
-  ExpectFatal([&] { ReadProject(problem.Text()); }, message);
-}
-
 // A mesh of one element between nodes 1 and 2 (triangles and more: also 3, 4).
 std::string MeshBlock(const std::string& type, const std::string& nnode, int element,
                       const std::string& nodes)
@@ -477,13 +471,6 @@ TEST(ProblemMeshes, SolidsCannotBeMixedWithOthers)
       "error: Element tetrahedra cannot be mixed with any other element type";
   ExpectFatal([&] { ReadProject(kSolid + MeshBlock("Linear", "2", 2, "1 2")); }, message);
   ExpectFatal([&] { ReadProject(kSolid + MeshBlock("Triangle", "3", 2, "1 2 3")); }, message);
-}
-
-TEST(ProblemMeshes, UnknownNodesOfElementsAreRefused)
-{
-  for (const char* element : {"1 1 3 1", "1 0 2 1", "1 1 -2 1", "1 99999999 1 1"})
-    ExpectProblemRefused(ProblemParts().With(&ProblemParts::elements, element),
-                         "error: element 1 has an unknown node\n");
 }
 
 TEST(ProblemMeshes, PlaneProblemsHaveNoZ)

@@ -124,6 +124,9 @@ RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::strin
   const bool ownOutput = conditions.standardOutput.empty();
   const fs::path out =
       ownOutput ? streams.Path() / "out" : folder.Path() / conditions.standardOutput;
+  streams.Write("err", "");  // a run may be killed before it has its streams
+  if (ownOutput)
+    streams.Write("out", "");
   RunResult result;
   result.status = Execute(folder.Path(), arguments, out, streams.Path() / "err", conditions);
   result.out = ownOutput ? streams.Read("out") : "";

@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "base/errorwriter.h"
 #include "base/textscan.h"
 #include "model/mesh.h"
@@ -16,6 +18,15 @@ int ReadIntBehind(TextScan& text, const char* keyword)
     Fatal("end of file and no digit found\n");
   int value = 0;
   return text.ReadInt(value) ? value : 0;
+}
+
+// A unit of length may make it infinite.
+void RequireFinite(const Node& node)
+{
+  for (int i = 1; i <= node.Size(); ++i) {
+    if (!std::isfinite(node(i)))
+      Fatal("error: node ", node.number, " has a coordinate that is not finite\n");
+  }
 }
 
 }  // namespace
@@ -62,6 +73,7 @@ void Mesh::ReadNodes(TextScan& text, double lengthFactor)
     if (!node->ReadFromAscii(text))
       break;
     *node *= lengthFactor;
+    RequireFinite(*node);
     StoreNode(std::move(node));
   }
   if (nodes->Last() == 0)

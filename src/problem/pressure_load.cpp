@@ -125,7 +125,7 @@ void PreassureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE problem, const char* 
     Matriu T;
     FillFrame(AxesFromEuler(items.angles), 3, T);
     TurnVector(T, Turn::ToGlobal, 3, values);
-    if (problem == kPlane && elemType != Tetrahedra && std::fabs(values[2]) > EPSILON)
+    if (problem == kPlane && elemType != Tetrahedra && !(std::fabs(values[2]) <= EPSILON))
       Fatal("error: Local z axe must be (0,0,1) for 2D problems.Element:", elemNumber, "\n");
   }
   const double factor = UnitFactor(elemType, face, items.ratios);

@@ -178,7 +178,7 @@ void Project::ReadFAUnitsNames(TextScan& text)
     if (HasPrefix(line, "end"))
       return enterBatch();
     batch.push_back(ReadUnitsBase(line));
-    if (batch.size() == kBatch)
+    if (batch.size() >= std::max(kBatch, bases.size()))  // sorting stays in proportion
       enterBatch();
   }
 }

@@ -30,11 +30,15 @@ struct LoadTypeName
   MakeLoad make;
 };
 
+template <PreassureLT_type type>
+constexpr LoadTypeName PressureBlock()
+{
+  return {KeywordOf(type), MakePressure<type>};
+}
+
 constexpr LoadTypeName LoadTypeNames[] = {
-    {"global_pressure_loads", MakePressure<PreassureLT_type::Global>},
-    {"global_projected_pressure_loads", MakePressure<PreassureLT_type::GlobalProjected>},
-    {"local_pressure_loads", MakePressure<PreassureLT_type::Local>},
-    {"face_loads", MakePressure<PreassureLT_type::Face>},
+    PressureBlock<PreassureLT_type::Global>(), PressureBlock<PreassureLT_type::GlobalProjected>(),
+    PressureBlock<PreassureLT_type::Local>(),  PressureBlock<PreassureLT_type::Face>(),
     {"temperature_loads", MakeTemperature},
 };
 

@@ -41,3 +41,8 @@ void TemperatureLT::AddToLoadVectorTetra(const Elem&, ReaVecV&) const
 {
   Fatal("temperature for 3D solids not implemented yet\n");
 }
+
+ElemLoadRecord TemperatureLT::Describe() const
+{
+  return {"temperature_loads", {values[0], values[1]}, -1};
+}

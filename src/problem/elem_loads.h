@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 
 #include "base/constants.h"
@@ -10,6 +11,14 @@ class ReaVecV;
 class Units;
 struct BeamSpan;
 struct SpanLoad;
+
+/// What the record of an element load says, in the units of the results.
+struct ElemLoadRecord
+{
+  const char* keyword;           ///< of its block
+  std::array<double, 6> values;  ///< converted, and out of the record's own axes
+  int face;                      ///< index of the face or edge; -1 without one
+};
 
 /// A load on an element: distributed, or a change of temperature. The loads on one element
 /// form a chain in the order read.
@@ -35,6 +44,8 @@ public:
   /// The same for a tetrahedron.
   virtual void AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const = 0;
 
+  virtual ElemLoadRecord Describe() const = 0;
+
   /// Appends a load to the chain that begins here.
   void Append(std::unique_ptr<BaseElemLoads> load);
   const BaseElemLoads* Next() const { return next.get(); }
@@ -55,6 +66,8 @@ public:
   /// Fatal: beams only.
   void AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, ReaVecV& loads) const override;
   void AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const override;
+
+  ElemLoadRecord Describe() const override;
 
   double values[2] = {};
 };

@@ -157,3 +157,10 @@ void PreassureLT::AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const
   for (int k = 0; k < 4; ++k)
     load.q[k] += local[k];
 }
+
+ElemLoadRecord PreassureLT::Describe() const
+{
+  ElemLoadRecord record{KeywordOf(type), {}, face};
+  std::copy_n(values, 6, record.values.begin());
+  return record;
+}

@@ -12,6 +12,14 @@ enum class PreassureLT_type : int
   Face              ///< global, on a face or an edge
 };
 
+/// The keyword of the blocks with such loads.
+constexpr const char* KeywordOf(PreassureLT_type type)
+{
+  constexpr const char* kKeywords[] = {"local_pressure_loads", "global_pressure_loads",
+                                       "global_projected_pressure_loads", "face_loads"};
+  return kKeywords[static_cast<int>(type)];
+}
+
 /// Load per length of a beam or an edge, per area of a shell or a face, per volume of a solid.
 class PreassureLT : public BaseElemLoads
 {
@@ -23,6 +31,7 @@ public:
   void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const override;
   void AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, ReaVecV& loads) const override;
   void AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const override;
+  ElemLoadRecord Describe() const override;
 
   /// Makes this the self-weight of an element: its weight per length (area, volume) along
   /// the unit vector of gravity. Fatal in a plane problem with gravity along +z.

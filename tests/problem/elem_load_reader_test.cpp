@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -65,6 +66,30 @@ void ExpectRunRefused(const std::string& problem, const std::string& message)
 using Doubles = std::vector<double>;
 
 }  // namespace
+
+TEST(ElemLoads, DescribeTheirRecords)
+{
+  static const struct
+  {
+    const char* keyword;
+    const char* record;
+    std::array<double, 6> values;
+  } cases[] = {
+      {"global_pressure_loads", "1 3 4", {3, 4}},
+      {"global_projected_pressure_loads", "1 3 4", {3, 4}},
+      {"local_pressure_loads", "1 3 4", {3, 4}},
+      {"face_loads", "1 3 4", {3, 4}},
+      {"temperature_loads", "1 1e-5 20", {1e-5, 20}},
+  };
+  for (const auto& c : cases) {
+    const std::string name = c.keyword;
+    const auto project = ReadWith(name + "\n" + c.record + "\nend " + name + "\n");
+    const ElemLoadRecord record = FirstLoad(*project, 1)->Describe();
+    EXPECT_EQ(record.keyword, name);
+    EXPECT_EQ(record.values, c.values) << name;
+    EXPECT_EQ(record.face, -1) << name;
+  }
+}
 
 TEST(ReadElemLoad, KnowsFiveBlocks)
 {

@@ -1,0 +1,210 @@
+#include "common/model_data.h"
+
+#include <fstream>
+#include <map>
+#include <unordered_map>
+
+#include "base/errorwriter.h"
+#include "model/elem.h"
+#include "model/material.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/matriu.h"
+#include "numeric/plex_range.h"
+#include "problem/constraint.h"
+#include "problem/elem_loads.h"
+#include "problem/nodal_load.h"
+#include "problem/project.h"
+
+namespace model {
+namespace {
+
+/// Builds the lists of a model and knows their positions.
+class Builder
+{
+public:
+  explicit Builder(const Project& source) : project(source) {}
+
+  Model Build()
+  {
+    AddSettings();
+    AddNodes();
+    for (const ::Material& material : Each<::Material>(project.materials))
+      AddMaterial(material);
+    for (int mesh = 0; mesh < result.meshes; ++mesh)
+      AddElements(mesh);
+    AddElementLoads();
+    return std::move(result);
+  }
+
+private:
+  void AddSettings();
+  void AddNodes();
+  void AddMaterial(const ::Material& material);
+  void AddElements(int mesh);
+  void AddElement(const Elem& elem, Kind kind, int mesh);
+  void AddElementLoads();
+  Units UnitNames() const;
+  int PointsOf(Kind kind, int nodeCount) const;
+  std::array<Vec3, 3> AxesOf(const Elem& elem, Kind kind);
+
+  const Project& project;
+  Model result;
+  std::unordered_map<int, int> nodeAt;     ///< position by number
+  std::unordered_map<int, int> elementAt;  ///< likewise
+  std::map<const ::Material*, int> materialAt;
+  Matriu T, bigT;
+};
+
+void Builder::AddSettings()
+{
+  result.plane = project.problemType == kPlane;
+  result.components = project.freeDegrees;
+  result.solids = project.meshes.front()->GiveElemType() == Tetrahedra;
+  result.beamDivisions = project.numOfDivisions;
+  result.meshes = static_cast<int>(project.meshes.size());
+  result.units = UnitNames();
+}
+
+// Without a unit system for the results the names in the project are only its defaults; then
+// the first system of the same size tells them, if there is one.
+Units Builder::UnitNames() const
+{
+  Units found;
+  for (const UnitsBase& base : project.bases) {
+    if (base.facN != project.resForce || base.facM != project.resLength)
+      continue;
+    const bool exact = base.nameN == project.resForceName && base.nameM == project.resLengthName &&
+                       base.namePa == project.resPressureName;
+    if (exact || found.force.empty())
+      found = {base.nameN, base.nameM, base.namePa};
+    if (exact)
+      break;
+  }
+  return found;
+}
+
+void Builder::AddNodes()
+{
+  for (const auto [number, node] : EachNumbered<const ::Node>(project.GiveNodes())) {
+    const int position = static_cast<int>(result.nodes.size());
+    nodeAt[number] = position;
+    Node& added = result.nodes.emplace_back(Node{number, {}});
+    for (int k = 1; k <= node.Size(); ++k)
+      added.x[k - 1] = node(k);
+    if (const Constraint* c = node.constraint.get())
+      result.supports.push_back({position, c->flags, c->values, c->localAxes, c->euler});
+    if (node.load)
+      result.nodalLoads.push_back({position, node.load->values});
+  }
+}
+
+void Builder::AddMaterial(const ::Material& m)
+{
+  materialAt[&m] = static_cast<int>(result.materials.size());
+  result.materials.push_back({m.number, m.E1, m.E2, m.nuXY, m.nuYX, m.Gxy, m.Gxz, m.Gyz, m.A, m.Iy,
+                              m.Iz, m.J, m.t, m.Weight});
+}
+
+void Builder::AddElements(int mesh)
+{
+  const Mesh& source = *project.meshes[mesh];
+  const ElemType type = source.GiveElemType();
+  if (type != Linear && type != Triangle && type != Tetrahedra)
+    Fatal("error: elemtype unknown\n");
+  const Kind kind = type == Linear ? Kind::Beam : type == Triangle ? Kind::Shell : Kind::Solid;
+  for (const Elem& elem : Each<Elem>(*source.GiveElemPlex()))
+    AddElement(elem, kind, mesh);
+}
+
+void Builder::AddElement(const Elem& elem, Kind kind, int mesh)
+{
+  const ::Material* material = elem.GiveMaterial(&project.materials);
+  if (material && !materialAt.contains(material))
+    AddMaterial(*material);
+  Element added{};
+  added.number = elem.Num();
+  added.mesh = mesh;
+  added.kind = kind;
+  added.material = material ? materialAt[material] : -1;
+  added.hingeCode = project.GiveHingeCode(elem.Num());
+  added.nodeCount = elem.Nnode();
+  for (int i = 0; i < elem.Nnode(); ++i)
+    added.nodes[i] = nodeAt.at(elem(i)->number);
+  added.axes = AxesOf(elem, kind);
+  added.points = PointsOf(kind, elem.Nnode());
+  int& count = kind == Kind::Beam ? result.beamPoints : result.shellPoints;
+  added.firstPoint = count;
+  count += added.points;
+  elementAt[added.number] = static_cast<int>(result.elements.size());
+  result.elements.push_back(added);
+}
+
+int Builder::PointsOf(Kind kind, int nodeCount) const
+{
+  if (kind == Kind::Solid)
+    return 0;
+  if (kind == Kind::Beam)
+    return project.numOfDivisions + 1;
+  return nodeCount == 6 || project.convertTo6Nodes ? 3 : 1;
+}
+
+std::array<Vec3, 3> Builder::AxesOf(const Elem& elem, Kind kind)
+{
+  std::array<Vec3, 3> axes{{{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}};
+  const ::Material* material = elem.GiveMaterial(&project.materials);
+  if (kind == Kind::Beam)
+    elem.CalcTransfMatrixBeam(T, material, project.problemType);
+  else if (kind == Kind::Shell)
+    elem.CalcTransfMatrixTriangle(T, bigT, material);
+  else
+    return axes;
+  for (int axis = 0; axis < 3; ++axis) {
+    for (int k = 0; k < 3; ++k)
+      axes[axis][k] = T(k + 1, axis + 1);
+  }
+  return axes;
+}
+
+void Builder::AddElementLoads()
+{
+  for (const auto [number, chain] : EachNumbered<const BaseElemLoads>(project.elemLoads)) {
+    for (const BaseElemLoads* load = &chain; load; load = load->Next()) {
+      const ElemLoadRecord record = load->Describe();
+      result.elementLoads.push_back(
+          {elementAt.at(number), record.keyword, record.values, record.face});
+    }
+  }
+}
+
+}  // namespace
+
+Model ReadModel(const std::filesystem::path& file)
+{
+  std::ifstream in(file);
+  if (!in)
+    Fatal("can't open file ", file.string(), "\n");
+  Project project(100);
+  project.ReadFromAscii(in);
+  return ModelOf(project);
+}
+
+Model ModelOf(const Project& project)
+{
+  return Builder(project).Build();
+}
+
+Vec3 PointOfBeam(const Model& model, const Element& beam, int point)
+{
+  const double t = static_cast<double>(point) / (beam.points - 1);
+  const Vec3& a = model.nodes[beam.nodes[0]].x;
+  const Vec3& b = model.nodes[beam.nodes[1]].x;
+  return {a[0] + t * (b[0] - a[0]), a[1] + t * (b[1] - a[1]), a[2] + t * (b[2] - a[2])};
+}
+
+const char* KindName(Kind kind)
+{
+  return kind == Kind::Beam ? "beam" : kind == Kind::Shell ? "shell" : "solid";
+}
+
+}  // namespace model

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include "common/model_data.h"
+
+/// The results of a run as plain data, in the order of the model's lists. Signs and axes are
+/// those of the result files.
+namespace results {
+
+struct Node
+{
+  Vec3 displacement{};
+  Vec3 rotation{};                 ///< radians; in the text results only
+  Vec3 force{};                    ///< reaction
+  Vec3 moment{};                   ///< reaction
+  std::array<double, 6> stress{};  ///< of solids: Sx Sy Sz Txy Tyz Txz
+  double vonMises = 0.0;
+};
+
+/// A division point of a beam.
+struct BeamPoint
+{
+  Vec3 displacement{};
+  std::array<double, 6> forces{};  ///< N, Vy, Vz, T, My, Mz; in the plane Vz, T, My are 0
+};
+
+/// A Gauss point of a shell.
+struct ShellPoint
+{
+  std::array<double, 8> local{};       ///< Nx' Ny' Nxy' Mx' My' Mxy' Qx' Qy'
+  std::array<double, 6> main{};        ///< N11 N22 M11 M22 Qm1 Qm2
+  std::array<double, 6> mainAngles{};  ///< Euler angles of the axes of N, then of M
+};
+
+/// Forces and moments that the nodes exert on the ends of a beam, in its local axes: Px Py Pz
+/// Mx My Mz each; in the plane only Px, Py and Mz.
+using BeamEnds = std::array<std::array<double, 6>, 2>;
+
+struct Results
+{
+  std::vector<Node> nodes;
+  std::vector<BeamPoint> beamPoints;    ///< of element e from e.firstPoint on, e.points of them
+  std::vector<ShellPoint> shellPoints;  ///< likewise
+  std::vector<BeamEnds> beamEnds;       ///< of the beams in their order; empty without text results
+  bool rotations = false;               ///< whether those of the nodes are known
+  bool shellLocal = false;
+  bool shellMain = false;
+  bool stresses = false;
+};
+
+/// The files that a run leaves beside its problem file, or elsewhere.
+struct Files
+{
+  std::filesystem::path model;
+  std::filesystem::path post;                 ///< the results for the post-processor
+  std::optional<std::filesystem::path> text;  ///< the text results, if there are any
+  bool anyTime = false;                       ///< take results that are older than the model
+};
+
+/// Where the program puts its results for this problem file; the text results when they stand
+/// under the same name with the ending ".txt".
+Files UsualFiles(const std::filesystem::path& model);
+
+/// Reads the results of the model. Fatal: files that are missing, older than the problem file
+/// or damaged, or that belong to another model or to two different runs.
+Results ReadResults(const model::Model& model, const Files& files);
+
+}  // namespace results

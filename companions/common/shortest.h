@@ -1,0 +1,7 @@
+#pragma once
+
+#include <string>
+
+/// Appends a number in the fewest digits that give the same number again.
+void AppendNumber(std::string& text, double number);
+void AppendNumber(std::string& text, int number);

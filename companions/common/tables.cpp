@@ -1,0 +1,329 @@
+#include "common/tables.h"
+
+#include <algorithm>
+
+namespace tables {
+namespace {
+
+using Names = std::initializer_list<const char*>;
+
+/// Makes the tables of one model.
+class Maker
+{
+public:
+  Maker(const model::Model& forModel, const results::Results& itsResults)
+      : model(forModel), results(itsResults), units(forModel.units)
+  {
+  }
+
+  std::vector<Table> All();
+
+private:
+  Table Nodes() const;
+  Table Elements() const;
+  Table Materials() const;
+  Table Supports() const;
+  Table NodalLoads() const;
+  Table ElementLoads() const;
+  Table Displacements() const;
+  Table Reactions() const;
+  Table BeamDiagrams() const;
+  Table BeamEndForces() const;
+  Table ShellForces() const;
+  Table Stresses() const;
+
+  bool HasRotations() const { return !model.solids; }
+  void AddColumns(Table& table, Names names, const std::string& unit) const;
+  void AddTriple(Table& table, Names names, const std::string& unit) const;
+  void AddMoments(Table& table, const char* plane, Names space, const std::string& unit) const;
+  void AddForces(Table& table) const;
+  void PutTriple(Table& table, const Vec3& value) const;
+  void PutMoments(Table& table, const Vec3& value) const;
+  void PutComponents(Table& table, const std::array<double, 6>& values) const;
+
+  const model::Model& model;
+  const results::Results& results;
+  UnitTexts units;
+};
+
+void Maker::AddColumns(Table& table, Names names, const std::string& unit) const
+{
+  for (const char* name : names)
+    table.columns.push_back({name, unit});
+}
+
+// Columns of a vector: two in the plane.
+void Maker::AddTriple(Table& table, Names names, const std::string& unit) const
+{
+  for (int k = 0; k < model.Translations(); ++k)
+    table.columns.push_back({names.begin()[k], unit});
+}
+
+// Columns of a moment or rotation: one in the plane, none with solids.
+void Maker::AddMoments(Table& table, const char* plane, Names space, const std::string& unit) const
+{
+  if (HasRotations())
+    AddColumns(table, model.plane ? Names{plane} : space, unit);
+}
+
+void Maker::AddForces(Table& table) const
+{
+  AddTriple(table, {"Px", "Py", "Pz"}, units.Force());
+  AddMoments(table, "M", {"Mx", "My", "Mz"}, units.Moment());
+}
+
+void Maker::PutTriple(Table& table, const Vec3& value) const
+{
+  table.Put(std::span(value).first(model.Translations()));
+}
+
+void Maker::PutMoments(Table& table, const Vec3& value) const
+{
+  if (HasRotations())
+    table.Put(model.plane ? std::span(value).subspan(2) : std::span<const double>(value));
+}
+
+// The components of a node as the model has them: x, y and the moment in the plane.
+void Maker::PutComponents(Table& table, const std::array<double, 6>& values) const
+{
+  table.Put(std::span(values).first(model.components));
+}
+
+std::vector<Table> Maker::All()
+{
+  std::vector<Table> all = {Nodes(),        Elements(),      Materials(),     Supports(),
+                            NodalLoads(),   ElementLoads(),  Displacements(), Reactions(),
+                            BeamDiagrams(), BeamEndForces(), ShellForces(),   Stresses()};
+  std::erase_if(all, [](const Table& table) { return table.cells.empty(); });
+  return all;
+}
+
+Table Maker::Nodes() const
+{
+  Table table{"nodes", {{"node", ""}}, {}};
+  AddTriple(table, {"x", "y", "z"}, units.Length());
+  for (const model::Node& node : model.nodes) {
+    table.Put(node.number);
+    PutTriple(table, node.x);
+  }
+  return table;
+}
+
+Table Maker::Elements() const
+{
+  int most = 0;
+  for (const model::Element& element : model.elements)
+    most = std::max(most, element.nodeCount);
+  Table table{"elements", {}, {}};
+  AddColumns(table, {"element", "mesh", "kind", "material", "hinge_code"}, "");
+  for (int i = 1; i <= most; ++i)
+    table.columns.push_back({"node" + std::to_string(i), ""});
+  for (const model::Element& element : model.elements) {
+    const int material = element.material < 0 ? 0 : model.materials[element.material].number;
+    for (const Cell& cell : {Cell(element.number), Cell(element.mesh + 1),
+                             Cell(model::KindName(element.kind)), Cell(material)})
+      table.Put(cell);
+    table.Put(element.kind == model::Kind::Beam ? Cell(element.hingeCode) : Cell());
+    for (int i = 0; i < most; ++i)
+      table.Put(i < element.nodeCount ? Cell(model.nodes[element.nodes[i]].number) : Cell());
+  }
+  return table;
+}
+
+Table Maker::Materials() const
+{
+  Table table{"materials", {{"material", ""}}, {}};
+  AddColumns(table, {"Ex", "Ey"}, units.Pressure());
+  AddColumns(table, {"nuXY", "nuYX"}, "");
+  AddColumns(table, {"Gxy", "Gxz", "Gyz"}, units.Pressure());
+  table.columns.push_back({"A", units.Length(2)});
+  AddColumns(table, {"Iy", "Iz", "J"}, units.Length(4));
+  table.columns.push_back({"t", units.Length()});
+  table.columns.push_back({"Weight", units.ForcePer(3)});
+  for (const model::Material& m : model.materials) {
+    table.Put(m.number);
+    table.Put(std::array{m.E1, m.E2, m.nuXY, m.nuYX, m.Gxy, m.Gxz, m.Gyz, m.A, m.Iy, m.Iz, m.J, m.t,
+                         m.weight});
+  }
+  return table;
+}
+
+// A value is a displacement, a rotation or a stiffness: its column has no one unit.
+Table Maker::Supports() const
+{
+  Table table{"supports", {{"node", ""}}, {}};
+  for (const char* what : {"flag", "value"}) {
+    for (int k = 1; k <= model.components; ++k)
+      table.columns.push_back({what + std::to_string(k), ""});
+  }
+  AddColumns(table, {"Euler1", "Euler2", "Euler3"}, "rad");
+  for (const model::Support& support : model.supports) {
+    table.Put(model.nodes[support.node].number);
+    for (int k = 0; k < model.components; ++k)
+      table.Put(support.flags[k]);
+    PutComponents(table, support.values);
+    for (const double angle : support.euler)
+      table.Put(support.ownAxes ? Cell(angle) : Cell());
+  }
+  return table;
+}
+
+Table Maker::NodalLoads() const
+{
+  Table table{"nodal_loads", {{"node", ""}}, {}};
+  AddForces(table);
+  for (const model::NodalLoad& load : model.nodalLoads) {
+    table.Put(model.nodes[load.node].number);
+    PutComponents(table, load.values);
+  }
+  return table;
+}
+
+// Per length, area or volume, or a temperature: no one unit.
+Table Maker::ElementLoads() const
+{
+  Table table{"element_loads", {}, {}};
+  AddColumns(table, {"element", "kind", "face", "value1", "value2", "value3", "value4"}, "");
+  for (const model::ElementLoad& load : model.elementLoads) {
+    table.Put(model.elements[load.element].number);
+    table.Put(load.kind);
+    table.Put(load.face < 0 ? Cell() : Cell(load.face + 1));
+    table.Put(std::span(load.values).first(4));
+  }
+  return table;
+}
+
+Table Maker::Displacements() const
+{
+  Table table{"displacements", {{"node", ""}}, {}};
+  AddTriple(table, {"ux", "uy", "uz"}, units.Length());
+  if (results.rotations)
+    AddMoments(table, "rz", {"rx", "ry", "rz"}, "rad");
+  for (std::size_t i = 0; i < model.nodes.size(); ++i) {
+    table.Put(model.nodes[i].number);
+    PutTriple(table, results.nodes[i].displacement);
+    if (results.rotations)
+      PutMoments(table, results.nodes[i].rotation);
+  }
+  return table;
+}
+
+Table Maker::Reactions() const
+{
+  Table table{"reactions", {{"node", ""}}, {}};
+  AddForces(table);
+  for (const model::Support& support : model.supports) {
+    table.Put(model.nodes[support.node].number);
+    PutTriple(table, results.nodes[support.node].force);
+    PutMoments(table, results.nodes[support.node].moment);
+  }
+  return table;
+}
+
+Table Maker::BeamDiagrams() const
+{
+  Table table{"beam_diagrams", {{"element", ""}, {"point", ""}}, {}};
+  AddTriple(table, {"x", "y", "z"}, units.Length());
+  AddTriple(table, {"ux", "uy", "uz"}, units.Length());
+  AddColumns(table, model.plane ? Names{"N", "Vy"} : Names{"N", "Vy", "Vz"}, units.Force());
+  AddColumns(table, model.plane ? Names{"Mz"} : Names{"T", "My", "Mz"}, units.Moment());
+  for (const model::Element& beam : model.elements) {
+    for (int i = 0; beam.kind == model::Kind::Beam && i < beam.points; ++i) {
+      const results::BeamPoint& point = results.beamPoints[beam.firstPoint + i];
+      table.Put(beam.number);
+      table.Put(i + 1);
+      PutTriple(table, model::PointOfBeam(model, beam, i));
+      PutTriple(table, point.displacement);
+      PutTriple(table, {point.forces[0], point.forces[1], point.forces[2]});
+      PutMoments(table, {point.forces[3], point.forces[4], point.forces[5]});
+    }
+  }
+  return table;
+}
+
+Table Maker::BeamEndForces() const
+{
+  Table table{"beam_end_forces", {{"element", ""}, {"node", ""}}, {}};
+  AddForces(table);
+  auto ends = results.beamEnds.begin();
+  for (const model::Element& beam : model.elements) {
+    if (beam.kind != model::Kind::Beam || ends == results.beamEnds.end())
+      continue;
+    for (int end = 0; end < 2; ++end) {
+      const std::array<double, 6>& f = (*ends)[end];
+      table.Put(beam.number);
+      table.Put(model.nodes[beam.nodes[end]].number);
+      PutTriple(table, {f[0], f[1], f[2]});
+      PutMoments(table, {f[3], f[4], f[5]});
+    }
+    ++ends;
+  }
+  return table;
+}
+
+Table Maker::ShellForces() const
+{
+  Table table{"shell_forces", {{"element", ""}, {"point", ""}}, {}};
+  if (results.shellLocal) {
+    AddColumns(table, {"Nx'", "Ny'", "Nxy'"}, units.ForcePer(1));
+    AddColumns(table, {"Mx'", "My'", "Mxy'"}, units.MomentPerLength());
+    AddColumns(table, {"Qx'", "Qy'"}, units.ForcePer(1));
+  }
+  if (results.shellMain) {
+    AddColumns(table, {"N11", "N22"}, units.ForcePer(1));
+    AddColumns(table, {"M11", "M22"}, units.MomentPerLength());
+    AddColumns(table, {"Qm1", "Qm2"}, units.ForcePer(1));
+    AddColumns(table, {"N_Euler1", "N_Euler2", "N_Euler3"}, "rad");
+    AddColumns(table, {"M_Euler1", "M_Euler2", "M_Euler3"}, "rad");
+  }
+  for (const model::Element& shell : model.elements) {
+    for (int i = 0; shell.kind == model::Kind::Shell && i < shell.points; ++i) {
+      const results::ShellPoint& point = results.shellPoints[shell.firstPoint + i];
+      table.Put(shell.number);
+      table.Put(i + 1);
+      if (results.shellLocal)
+        table.Put(point.local);
+      if (results.shellMain) {
+        table.Put(point.main);
+        table.Put(point.mainAngles);
+      }
+    }
+  }
+  return table;
+}
+
+Table Maker::Stresses() const
+{
+  Table table{"stresses", {{"node", ""}}, {}};
+  AddColumns(table, {"Sx", "Sy", "Sz", "Txy", "Tyz", "Txz", "von_Mises"}, units.Pressure());
+  for (std::size_t i = 0; results.stresses && i < model.nodes.size(); ++i) {
+    table.Put(model.nodes[i].number);
+    table.Put(results.nodes[i].stress);
+    table.Put(results.nodes[i].vonMises);
+  }
+  return table;
+}
+
+}  // namespace
+
+UnitTexts::UnitTexts(const model::Units& units)
+    : force(units.force), length(units.length), pressure(units.pressure)
+{
+  if (!force.empty())
+    return;
+  force = "force";
+  length = "length";
+  pressure = ForcePer(2);
+}
+
+std::string UnitTexts::Length(int power) const
+{
+  return power == 1 ? length : length + std::to_string(power);
+}
+
+std::vector<Table> AllTables(const model::Model& model, const results::Results& results)
+{
+  return Maker(model, results).All();
+}
+
+}  // namespace tables

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "common/model_data.h"
+#include "common/result_data.h"
+
+namespace tables {
+
+/// A value of a table: nothing, a number, or a word.
+using Cell = std::variant<std::monostate, int, double, const char*>;
+
+struct Column
+{
+  std::string name;
+  std::string unit;  ///< empty for a pure number or a word
+};
+
+/// Rows of cells under named columns, one row after the other.
+struct Table
+{
+  std::string name;
+  std::vector<Column> columns;
+  std::vector<Cell> cells;
+
+  std::size_t Rows() const { return cells.size() / columns.size(); }
+  void Put(const Cell& cell) { cells.push_back(cell); }
+  void Put(std::span<const double> values)
+  {
+    cells.insert(cells.end(), values.begin(), values.end());
+  }
+};
+
+/// Names of units, of derived ones too. Without names in the problem file they say the
+/// dimension: "force", "length", "force/length2".
+class UnitTexts
+{
+public:
+  explicit UnitTexts(const model::Units& units);
+
+  std::string Length(int power = 1) const;
+  std::string Force() const { return force; }
+  std::string Moment() const { return force + "*" + length; }
+  std::string ForcePer(int lengthPower) const { return force + "/" + Length(lengthPower); }
+  std::string MomentPerLength() const { return Moment() + "/" + length; }
+  std::string Pressure() const { return pressure; }
+
+private:
+  std::string force, length, pressure;
+};
+
+/// The whole model and its results as tables; those that would be empty are left out.
+std::vector<Table> AllTables(const model::Model& model, const results::Results& results);
+
+}  // namespace tables

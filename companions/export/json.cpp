@@ -1,0 +1,89 @@
+#include "export/json.h"
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "common/atomic_file.h"
+#include "common/command_line.h"
+
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+Json Units(const model::Units& units)
+{
+  if (units.force.empty())
+    return nullptr;
+  return {{"force", units.force},
+          {"length", units.length},
+          {"pressure", units.pressure},
+          {"angle", "rad"}};
+}
+
+Json Head(const model::Model& model, const std::filesystem::path& modelFile)
+{
+  return {{"format", "morlen-results"},
+          {"formatVersion", kJsonFormatVersion},
+          {"program", {{"name", "morlen-export"}, {"version", ProgramVersion()}}},
+          {"model",
+           {{"file", modelFile.filename().string()},
+            {"problem", model.plane ? "2d" : "3d"},
+            {"nodes", model.nodes.size()},
+            {"elements", model.elements.size()},
+            {"meshes", model.meshes}}},
+          {"units", Units(model.units)}};
+}
+
+struct CellToJson
+{
+  Json operator()(std::monostate) const { return nullptr; }
+  Json operator()(int number) const { return number; }
+  Json operator()(double number) const { return number; }
+  Json operator()(const char* text) const { return text; }
+};
+
+Json Columns(const tables::Table& table)
+{
+  Json columns = Json::array();
+  for (const tables::Column& column : table.columns)
+    columns.push_back({{"name", column.name}, {"unit", column.unit}});
+  return columns;
+}
+
+// Text that is no UTF-8, which names in a problem file may be, gets replacement characters.
+std::string Text(const Json& json)
+{
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+// One row on a line; the rows of large models never stand in memory together.
+void WriteTable(const tables::Table& table, AtomicFile& file)
+{
+  file.Write(Text(table.name) + ":{\"columns\":" + Text(Columns(table)) + ",\"rows\":[");
+  for (std::size_t row = 0; row < table.Rows(); ++row) {
+    Json cells = Json::array();
+    for (std::size_t k = 0; k < table.columns.size(); ++k)
+      cells.push_back(std::visit(CellToJson{}, table.cells[row * table.columns.size() + k]));
+    file.Write((row > 0 ? ",\n" : "\n") + Text(cells));
+  }
+  file.Write("]}");
+}
+
+}  // namespace
+
+void WriteJson(const model::Model& model, const std::filesystem::path& modelFile,
+               std::span<const tables::Table> tables, const std::filesystem::path& name)
+{
+  AtomicFile file(name);
+  std::string head = Text(Head(model, modelFile));
+  head.pop_back();
+  file.Write(head + ",\"tables\":{");
+  const char* separator = "\n";
+  for (const tables::Table& table : tables) {
+    file.Write(separator);
+    WriteTable(table, file);
+    separator = ",\n";
+  }
+  file.Write("}}\n");
+  file.Commit();
+}

@@ -1,0 +1,98 @@
+#include "common/atomic_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "support/fatal.h"
+#include "support/run.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// What AtomicFile prints when it writes this text under the name.
+std::string Printed(const fs::path& name, std::string_view text)
+{
+  testing::internal::CaptureStdout();
+  AtomicFile file(name);
+  file.Write(text);
+  file.Commit();
+  return testing::internal::GetCapturedStdout();
+}
+
+}  // namespace
+
+TEST(AtomicFile, HasItsNameAfterCommitOnly)
+{
+  const TemporaryFolder folder;
+  const fs::path name = folder.Path() / "a.txt";
+  {
+    AtomicFile file(name);
+    file.Write("new");
+    file.Stream() << 1;
+    EXPECT_FALSE(folder.Has("a.txt"));
+    testing::internal::CaptureStdout();
+    file.Commit();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "wrote " + name.string() + "\n");
+    EXPECT_EQ(folder.Read("a.txt"), "new1");
+  }
+  EXPECT_EQ(folder.Files().size(), 1u);
+}
+
+TEST(AtomicFile, LeavesTheOldFileAndNothingElseWithoutCommit)
+{
+  const TemporaryFolder folder;
+  folder.Write("a.txt", "old");
+  {
+    AtomicFile file(folder.Path() / "a.txt");
+    file.Write("new");
+    file.Stream().flush();
+    EXPECT_EQ(folder.Read("a.txt"), "old");
+    EXPECT_EQ(folder.Files().size(), 2u);
+  }
+  EXPECT_EQ(folder.Files(), (std::map<std::string, std::string>{{"a.txt", "old"}}));
+}
+
+TEST(AtomicFile, ReplacesTheFileBehindALinkAndKeepsItsPermissions)
+{
+  const TemporaryFolder folder;
+  folder.Write("real.txt", "old");
+  folder.Link("link.txt", "real.txt");
+  const fs::path real = folder.Path() / "real.txt";
+  ASSERT_EQ(chmod(real.c_str(), 0640), 0);
+  Printed(folder.Path() / "link.txt", "new");
+  EXPECT_EQ(folder.Read("real.txt"), "new");
+  EXPECT_TRUE(fs::is_symlink(folder.Path() / "link.txt"));
+  EXPECT_EQ(fs::status(real).permissions(), fs::perms(0640));
+}
+
+TEST(AtomicFile, NewFilesHaveTheUsualPermissions)
+{
+  const TemporaryFolder folder;
+  const mode_t before = umask(027);
+  Printed(folder.Path() / "a.txt", "");
+  umask(before);
+  EXPECT_EQ(fs::status(folder.Path() / "a.txt").permissions(), fs::perms(0640));
+}
+
+TEST(AtomicFile, RefusesWhatIsNoFile)
+{
+  const TemporaryFolder folder;
+  const std::string name = folder.Path().string();
+  ExpectFatal([&] { AtomicFile file(folder.Path()); },
+              "can't write file " + name + ": it is no regular file\n");
+  ExpectFatal([&] { AtomicFile file("/dev/null"); },
+              "can't write file /dev/null: it is no regular file\n");
+  ExpectFatal([&] { AtomicFile file(folder.Path() / "no" / "a"); },
+              "can't write file " + name + "/no/a: No such file or directory\n");
+}
+
+TEST(AtomicFile, EndsTheRunWhenTheFolderIsGoneAtTheEnd)
+{
+  const TemporaryFolder folder;
+  fs::create_directory(folder.Path() / "sub");
+  AtomicFile file(folder.Path() / "sub" / "a");
+  fs::remove_all(folder.Path() / "sub");
+  ExpectFatal([&] { file.Commit(); }, "can't write file " + (folder.Path() / "sub" / "a").string() +
+                                          ": No such file or directory\n");
+}

@@ -1,0 +1,53 @@
+# What `cmake --install` puts where, in two components: `runtime` (programs, pages, examples) and
+# `development` (the core library as the target morlen::core of find_package(morlen)).
+include(CMakePackageConfigHelpers)
+
+set(runtime COMPONENT runtime)
+set(development COMPONENT development)
+
+# Installs a program with its manual page, and the completion of its arguments in bash.
+function(morlen_install_program name)
+  install(TARGETS ${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ${runtime})
+  set(page ${PROJECT_SOURCE_DIR}/man/${name}.1)
+  if(MORLEN_GZIP)
+    set(packed ${PROJECT_BINARY_DIR}/man/${name}.1.gz)
+    execute_process(COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/man)
+    execute_process(COMMAND ${MORLEN_GZIP} -9nc ${page} OUTPUT_FILE ${packed} COMMAND_ERROR_IS_FATAL ANY)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${page})
+    set(page ${packed})
+  endif()
+  install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 ${runtime})
+  install(FILES ${PROJECT_SOURCE_DIR}/completions/${name}
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions ${runtime})
+endfunction()
+
+find_program(MORLEN_GZIP gzip)
+mark_as_advanced(MORLEN_GZIP)
+set(morlen_programs morlen)
+if(morlen_build_companions)
+  list(APPEND morlen_programs ${morlen_companion_programs})
+endif()
+foreach(program IN LISTS morlen_programs)
+  morlen_install_program(${program})
+endforeach()
+
+install(DIRECTORY examples docs DESTINATION ${CMAKE_INSTALL_DOCDIR} ${runtime})
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} ${runtime})
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright ${runtime})
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libmorlen-dev RENAME copyright
+  ${development})
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/morlen)
+set_target_properties(morlen_core PROPERTIES EXPORT_NAME core)
+add_library(morlen::core ALIAS morlen_core)
+install(TARGETS morlen_core EXPORT morlenTargets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} ${development})
+install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/morlen ${development}
+  FILES_MATCHING PATTERN "*.h")
+install(EXPORT morlenTargets NAMESPACE morlen:: DESTINATION ${package_dir} ${development})
+configure_package_config_file(cmake/morlenConfig.cmake.in ${PROJECT_BINARY_DIR}/morlenConfig.cmake
+  INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/morlenConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/morlenConfig.cmake ${PROJECT_BINARY_DIR}/morlenConfigVersion.cmake
+  DESTINATION ${package_dir} ${development})

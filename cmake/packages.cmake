@@ -1,0 +1,25 @@
+# `cpack` makes two Debian packages: morlen with the programs, libmorlen-dev with the library.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME morlen)
+set(CPACK_PACKAGE_VENDOR "The Morlen developers")
+set(CPACK_PACKAGE_CONTACT "The Morlen developers <developers@morlen.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME morlen)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmorlen-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
+"Computes plane and space frames, flat and folded shells and solids under static
+loads: displacements, forces and moments, stresses, reactions. Companions export
+the results in the formats of other programs.")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+"The library that the programs of morlen stand on, its headers, and its package
+for CMake: find_package(morlen), morlen::core.")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+include(CPack)

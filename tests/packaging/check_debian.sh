@@ -1,0 +1,40 @@
+#!/bin/sh
+# Packs the build into Debian packages and looks into them: contents, fields, a run.
+# Usage: check_debian.sh <build folder> <folder to use> <program that must be there> ...
+set -eu
+build=$1
+work=$2
+shift 2
+
+fail()
+{
+  echo "check_debian: $1" >&2
+  exit 1
+}
+
+rm -rf "$work"
+mkdir -p "$work"
+cpack --config "$build/CPackConfig.cmake" -B "$work" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+for package in morlen libmorlen-dev; do
+  file=$(find "$work" -maxdepth 1 -name "${package}_*.deb")
+  [ -n "$file" ] || fail "no package $package"
+  [ "$(dpkg-deb -f "$file" Package)" = "$package" ] || fail "name of $file"
+  mkdir "$work/$package"
+  dpkg-deb -x "$file" "$work/$package"
+  [ -f "$work/$package/usr/share/doc/$package/copyright" ] || fail "$package has no copyright file"
+done
+
+file=$(find "$work" -maxdepth 1 -name "morlen_*.deb")
+dpkg-deb -f "$file" Depends | grep -q "libc6 (>=" || fail "dependencies: $(dpkg-deb -f "$file" Depends)"
+for program in "$@"; do
+  [ -x "$work/morlen/usr/bin/$program" ] || fail "no $program"
+  page=$(find "$work/morlen/usr/share/man/man1" -name "$program.1*")
+  [ -n "$page" ] || fail "no manual page of $program"
+done
+find "$work/libmorlen-dev" -name morlenConfig.cmake | grep -q . || fail "no package for CMake"
+[ -z "$(find "$work/morlen" -name '*.h' -o -name '*.a')" ] || fail "headers among the programs"
+
+cp "$work/morlen/usr/share/doc/morlen/examples/portal_frame.dat" "$work"
+(cd "$work" && morlen/usr/bin/morlen portal_frame.dat portal_frame.txt)
+grep -q "^2  0.00912" "$work/portal_frame.txt" || fail "the packed program computes something else"
+rm -rf "$work"

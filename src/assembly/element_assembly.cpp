@@ -11,6 +11,7 @@
 #include "numeric/block_rotation.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
+#include "problem/constraint.h"
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 
@@ -34,7 +35,7 @@ void BlockAssembler::Add(const Node& a, const Node& b, Matriu& K)
     std::swap(row, column);
     TransposeInPlace(K);
   }
-  if (applyLocalAxes)
+  if (applyLocalAxes && (row->constraint || column->constraint))
     ApplyLocalAxestoKMatrix(K, row, column, n);
   solver.AddSubMatriu((row->number - 1) * n + 1, (column->number - 1) * n + 1, K);
 }

@@ -1,5 +1,6 @@
 #include "assembly/element_products.h"
 
+#include <algorithm>
 #include <cassert>
 
 #include "numeric/matriu.h"
@@ -7,42 +8,72 @@
 
 namespace {
 
-constexpr int kMost = 6;
+// Stiffness of the membrane, or of bending over the slopes of the normal: 2×2.
+struct PlaneBlock
+{
+  PlaneBlock(const double (&M)[3][3], const Matriu& D)
+      : xx(D(1, 1) * M[0][0] + D(3, 3) * M[1][1]),
+        xy(D(1, 2) * M[0][1] + D(3, 3) * M[1][0]),
+        yx(D(2, 1) * M[1][0] + D(3, 3) * M[0][1]),
+        yy(D(2, 2) * M[1][1] + D(3, 3) * M[0][0])
+  {
+  }
+
+  double xx, xy, yx, yy;
+};
 
 }  // namespace
 
-void AddtoKMatrix(Matriu& K, const Matriu& Bi, const Matriu& D, const Matriu& Bj, double weight)
+void AddtoKMatrix(const PairSums& sums, const Matriu& D, Matriu& K)
 {
-  const int strains = D.Rows();
-  const int columns = Bj.Cols();
-  assert(strains <= kMost && columns <= kMost);
-  double DB[kMost * kMost];
-  for (int r = 0; r < strains; ++r) {
-    for (int c = 0; c < columns; ++c) {
-      double sum = 0.0;
-      for (int k = 0; k < strains; ++k)
-        sum += D.Data()[r * strains + k] * Bj.Data()[k * columns + c];
-      DB[r * columns + c] = weight * sum;
-    }
-  }
-  for (int a = 0; a < Bi.Cols(); ++a) {
-    double* row = K.Data() + a * K.Cols();
-    for (int r = 0; r < strains; ++r) {
-      const double factor = Bi.Data()[r * Bi.Cols() + a];
-      for (int c = 0; c < columns; ++c)
-        row[c] += factor * DB[r * columns + c];
-    }
-  }
+  assert(D.Size() == 36 && K.Size() == 9);
+  const auto& M = sums.M;
+  const double* d = D.Data();
+  const double xy = d[6 * 3 + 3];
+  const double xz = d[6 * 4 + 4];
+  const double yz = d[6 * 5 + 5];
+  double* k = K.Data();
+  k[0] = d[0] * M[0][0] + xy * M[1][1] + xz * M[2][2];
+  k[1] = d[1] * M[0][1] + xy * M[1][0];
+  k[2] = d[2] * M[0][2] + xz * M[2][0];
+  k[3] = d[6] * M[1][0] + xy * M[0][1];
+  k[4] = d[7] * M[1][1] + xy * M[0][0] + yz * M[2][2];
+  k[5] = d[8] * M[1][2] + yz * M[2][1];
+  k[6] = d[12] * M[2][0] + xz * M[0][2];
+  k[7] = d[13] * M[2][1] + yz * M[1][2];
+  k[8] = d[14] * M[2][2] + xz * M[0][0] + yz * M[1][1];
 }
 
-void AddToStrengthVec(ReaVecV& res, int offset, const Matriu& D, const Matriu& B, const double* u)
+// Bending and shear are written over the slopes θa, θb of the normal (∂w/∂x', ∂w/∂y' when
+// there is no shear strain); the nodes have the rotations r about x' and y', with θa = -r_y'
+// and θb = r_x'. So the column of r_x' is that of θb, and the column of r_y' minus that of θa.
+void AddtoKMatrix(const PairSums& sums, const Matriu& Dm, const Matriu& Db, const Matriu& Ds,
+                  Matriu& K)
 {
-  assert(B.Rows() <= kMost);
-  double strain[kMost] = {};
-  for (int r = 1; r <= B.Rows(); ++r) {
-    for (int c = 1; c <= B.Cols(); ++c)
-      strain[r - 1] += B(r, c) * u[c - 1];
-  }
+  assert(K.Rows() == 6 && K.Cols() == 6);
+  std::fill_n(K.Data(), 36, 0.0);
+  const auto& M = sums.M;
+  const PlaneBlock membrane(M, Dm);
+  K(1, 1) = membrane.xx;
+  K(1, 2) = membrane.xy;
+  K(2, 1) = membrane.yx;
+  K(2, 2) = membrane.yy;
+  const PlaneBlock bending(M, Db);
+  const double xz = Ds(1, 1);
+  const double yz = Ds(2, 2);
+  K(3, 3) = xz * M[0][0] + yz * M[1][1];
+  K(3, 4) = -yz * M[1][2];
+  K(3, 5) = xz * M[0][2];
+  K(4, 3) = -yz * M[2][1];
+  K(5, 3) = xz * M[2][0];
+  K(4, 4) = bending.yy + yz * M[2][2];
+  K(4, 5) = -bending.yx;
+  K(5, 4) = -bending.xy;
+  K(5, 5) = bending.xx + xz * M[2][2];
+}
+
+void AddToStrengthVec(ReaVecV& res, int offset, const Matriu& D, const double* strain)
+{
   for (int i = 1; i <= D.Rows(); ++i) {
     for (int r = 1; r <= D.Cols(); ++r)
       res(offset + i) += D(i, r) * strain[r - 1];

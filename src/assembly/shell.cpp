@@ -1,14 +1,9 @@
 #include "assembly/shell.h"
 
-#include <algorithm>
-#include <utility>
-
-#include "assembly/element_products.h"
 #include "base/constants.h"
 #include "base/errorwriter.h"
 #include "model/elem.h"
 #include "model/material.h"
-#include "model/shape_functions.h"
 #include "numeric/reavecv.h"
 
 namespace {
@@ -20,95 +15,52 @@ constexpr int kComponents = 5;
 // them together as one plate; a fold that is meant is too steep to feel it.
 constexpr double kTurnAboutNormal = 1e-10;
 
-// The blocks are written over the slopes θa, θb of the normal (∂w/∂x', ∂w/∂y' when there is
-// no shear strain); the nodes have the rotations r about x' and y', with θa = -r_y' and
-// θb = r_x'. So the column of r_x' is that of θb, and the column of r_y' minus that of θa.
-void TurnSlopesToRotations(Matriu& B)
-{
-  for (int row = 1; row <= B.Rows(); ++row)
-    B(row, 5) = -std::exchange(B(row, 4), B(row, 5));
-}
-
-void TurnSlopesToRotations(ShellBlocks& blocks)
-{
-  TurnSlopesToRotations(blocks.Bm);
-  TurnSlopesToRotations(blocks.Bb);
-  TurnSlopesToRotations(blocks.Bs);
-}
-
-// The blocks of a node with the derivatives Nx, Ny of its shape function and its value N.
-void WriteBlocks(double Nx, double Ny, double N, ShellBlocks& blocks)
-{
-  blocks.Bm(1, 1) = blocks.Bm(3, 2) = Nx;
-  blocks.Bm(2, 2) = blocks.Bm(3, 1) = Ny;
-  blocks.Bb(1, 4) = blocks.Bb(3, 5) = -Nx;
-  blocks.Bb(2, 5) = blocks.Bb(3, 4) = -Ny;
-  blocks.Bs(1, 3) = Nx;
-  blocks.Bs(2, 3) = Ny;
-  blocks.Bs(1, 4) = blocks.Bs(2, 5) = -N;
-}
-
-void Clear(ShellBlocks& blocks)
-{
-  blocks.Bm = 0.0;
-  blocks.Bb = 0.0;
-  blocks.Bs = 0.0;
-}
-
 }  // namespace
 
 void ConstructB(int i, const double* a, const double* b, const double* c, double twoA, double xc,
-                double yc, ShellBlocks& blocks)
+                double yc, NodeNumbers& B)
 {
-  WriteBlocks(b[i] / twoA, c[i] / twoA, (a[i] + b[i] * xc + c[i] * yc) / twoA, blocks);
+  B = {b[i] / twoA, c[i] / twoA, (a[i] + b[i] * xc + c[i] * yc) / twoA};
 }
 
-double ConstructB6nodesAndJ(const Elem& elem, int node, const double* x, const double* y, double xi,
-                            double eta, ShellBlocks& blocks)
+double ConstructB6nodesAndJ(const Elem& elem, const double* x, const double* y,
+                            const SixNodeFunctions& at, std::array<NodeNumbers, 6>& B)
 {
   double J[2][2];
-  const double det = CalcJ6nod(x, y, xi, eta, J);
+  const double det = CalcJ6nod(x, y, at, J);
   if (!(det >= EPSILON))
     Fatal("error: element ", elem.Num(), " has jacobian 0\n");
-  const double Nxi = GiveDerN6nod(node, xi, eta, 1);
-  const double Neta = GiveDerN6nod(node, xi, eta, 2);
-  WriteBlocks((J[1][1] * Nxi - J[0][1] * Neta) / det, (J[0][0] * Neta - J[1][0] * Nxi) / det,
-              GiveN6nod(node, xi, eta), blocks);
+  for (int i = 0; i < 6; ++i) {
+    const double Nxi = at.slopes[0][i];
+    const double Neta = at.slopes[1][i];
+    B[i] = {(J[1][1] * Nxi - J[0][1] * Neta) / det, (J[0][0] * Neta - J[1][0] * Nxi) / det,
+            at.N[i]};
+  }
   return det;
 }
 
 ShellEvaluator::ShellEvaluator() : Dm(3, 3), Db(3, 3), Ds(2, 2)
 {
-  for (ShellPoint& p : point) {
-    for (ShellBlocks& blocks : p.nodes) {
-      blocks.Bm.redimension(3, kComponents);
-      blocks.Bb.redimension(3, kComponents);
-      blocks.Bs.redimension(2, kComponents);
-    }
-  }
+  for (int g = 0; g < 3; ++g)
+    functions[g] = FunctionsAt(kMidEdgePoints[g]);
 }
 
 void ShellEvaluator::Evaluate(const Elem& elem, const Material& material)
 {
   nnode = elem.Nnode();
   elem.CalcTransfMatrixTriangle(T, Tbig, &material);
-  material.GiveDMatrix(elem.Num(), Dm, Db, Ds);
+  if (&material != materialOfD)
+    material.GiveDMatrix(elem.Num(), Dm, Db, Ds);
+  materialOfD = &material;
   CalcLocalCoordinates(elem, T, x, y);
   points = nnode == 3 ? 1 : 3;
-  for (int g = 0; g < points; ++g) {
-    for (int i = 0; i < nnode; ++i)
-      Clear(point[g].nodes[i]);
-  }
   if (nnode == 3)
     EvaluateThreeNodes(elem);
   else
     EvaluateSixNodes(elem);
   area = 0.0;
-  for (int g = 0; g < points; ++g) {
+  for (int g = 0; g < points; ++g)
     area += point[g].weight;
-    for (int i = 0; i < nnode; ++i)
-      TurnSlopesToRotations(point[g].nodes[i]);
-  }
   CalcTurns();
 }
 
@@ -117,10 +69,9 @@ void ShellEvaluator::CalcTurns()
   for (int i = 0; i < nnode; ++i) {
     turn[i][0] = turn[i][1] = 0.0;
     for (int g = 0; g < points; ++g) {
-      const Matriu& Bm = point[g].nodes[i].Bm;
       const double share = point[g].weight / area / 2.0;
-      turn[i][0] += share * Bm(2, 2);
-      turn[i][1] -= share * Bm(1, 1);
+      turn[i][0] += share * point[g].B[i][1];
+      turn[i][1] -= share * point[g].B[i][0];
     }
   }
 }
@@ -141,32 +92,23 @@ void ShellEvaluator::EvaluateThreeNodes(const Elem& elem)
   point[0].weight = twoA / 2.0;
   for (int i = 0; i < 3; ++i)
     ConstructB(i, a, b, c, twoA, (x[0] + x[1] + x[2]) / 3.0, (y[0] + y[1] + y[2]) / 3.0,
-               point[0].nodes[i]);
+               point[0].B[i]);
 }
 
 void ShellEvaluator::EvaluateSixNodes(const Elem& elem)
 {
   for (int g = 0; g < points; ++g) {
-    const TrianglePoint& at = kMidEdgePoints[g];
-    for (int i = 0; i < nnode; ++i) {
-      const double det = ConstructB6nodesAndJ(elem, i + 1, x, y, at.xi, at.eta, point[g].nodes[i]);
-      point[g].weight = det * at.weight;
-    }
+    const double det = ConstructB6nodesAndJ(elem, x, y, functions[g], point[g].B);
+    point[g].weight = det * kMidEdgePoints[g].weight;
   }
 }
 
-void ShellEvaluator::CalcStiffness(int i, int j, Matriu& K)
+void ShellEvaluator::CalcStiffness(int i, int j, Matriu& K) const
 {
-  K.redimension(6, 6);
-  K = 0.0;
-  for (int g = 0; g < points; ++g) {
-    const ShellBlocks& first = point[g].nodes[i];
-    const ShellBlocks& second = point[g].nodes[j];
-    const double weight = point[g].weight;
-    AddtoKMatrix(K, first.Bm, Dm, second.Bm, weight);
-    AddtoKMatrix(K, first.Bb, Db, second.Bb, weight);
-    AddtoKMatrix(K, first.Bs, Ds, second.Bs, weight);
-  }
+  PairSums sums;
+  for (int g = 0; g < points; ++g)
+    sums.Add(point[g].weight, point[g].B[i], point[g].B[j]);
+  AddtoKMatrix(sums, Dm, Db, Ds, K);
 }
 
 void ShellEvaluator::AddTurnsAboutNormal(int i, int j, const std::array<bool, 6>& folded,
@@ -186,16 +128,27 @@ void ShellEvaluator::AddTurnsAboutNormal(int i, int j, const std::array<bool, 6>
   }
 }
 
-void ShellEvaluator::AddStrengths(const double* local, ReaVecV& res, int offset)
+void ShellEvaluator::AddStrengths(const double* local, ReaVecV& res, int offset) const
 {
   constexpr int kValues = 8;
   for (int g = 0; g < points; ++g) {
-    const int start = offset + g * kValues;
+    double membrane[3] = {}, bending[3] = {}, shear[2] = {};
     for (int i = 0; i < nnode; ++i) {
-      const ShellBlocks& blocks = point[g].nodes[i];
-      AddToStrengthVec(res, start, Dm, blocks.Bm, local + 6 * i);
-      AddToStrengthVec(res, start + 3, Db, blocks.Bb, local + 6 * i);
-      AddToStrengthVec(res, start + 6, Ds, blocks.Bs, local + 6 * i);
+      const auto [Nx, Ny, N] = point[g].B[i];
+      const double* u = local + 6 * i;
+      const double slopes[] = {-u[4], u[3]};
+      membrane[0] += Nx * u[0];
+      membrane[1] += Ny * u[1];
+      membrane[2] += Ny * u[0] + Nx * u[1];
+      bending[0] -= Nx * slopes[0];
+      bending[1] -= Ny * slopes[1];
+      bending[2] -= Ny * slopes[0] + Nx * slopes[1];
+      shear[0] += Nx * u[2] - N * slopes[0];
+      shear[1] += Ny * u[2] - N * slopes[1];
     }
+    const int start = offset + g * kValues;
+    AddToStrengthVec(res, start, Dm, membrane);
+    AddToStrengthVec(res, start + 3, Db, bending);
+    AddToStrengthVec(res, start + 6, Ds, shear);
   }
 }

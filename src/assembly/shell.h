@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "assembly/element_products.h"
+#include "model/shape_functions.h"
 #include "numeric/matriu.h"
 
 class Elem;
@@ -14,32 +16,30 @@ class ReaVecV;
 // The plate is of Mindlin's kind: see O. C. Zienkiewicz, R. L. Taylor, The Finite Element
 // Method, vol. 2, Butterworth-Heinemann, Oxford, 5th ed. 2000, chapter 5.
 
-/// Strain blocks of one node: membrane (3×5), bending (3×5) and shear (2×5) strains by the
-/// node's five components.
-struct ShellBlocks
-{
-  Matriu Bm, Bb, Bs;
-};
-
-/// One point of integration: the blocks of the nodes, and the area that the point stands for.
+/// One point of integration: derivatives by x' and y' and value of the shape functions of the
+/// nodes, and the area that the point stands for.
+///
+/// These numbers (x, y, N) are all that the strain blocks of a node have, over u, v, w and the
+/// two slopes: Bm (membrane) with the rows (x,0,0,0,0), (0,y,0,0,0), (y,x,0,0,0), Bb (bending)
+/// with (0,0,0,-x,0), (0,0,0,0,-y), (0,0,0,-y,-x), Bs (shear) with (0,0,x,-N,0), (0,0,y,0,-N).
 struct ShellPoint
 {
-  std::array<ShellBlocks, 6> nodes;
+  std::array<NodeNumbers, 6> B;
   double weight = 0.0;
 };
 
-/// Blocks of corner i (from 0) of the three-node element at the point (xc, yc), over u, v, w
-/// and the two slopes. Only the entries that are not 0 are written. a, b, c: coefficients of
-/// the corners; twoA: twice the area.
+/// Blocks of corner i (from 0) of the three-node element at the point (xc, yc). a, b, c:
+/// coefficients of the corners; twoA: twice the area.
 void ConstructB(int i, const double* a, const double* b, const double* c, double twoA, double xc,
-                double yc, ShellBlocks& blocks);
+                double yc, NodeNumbers& B);
 
-/// Blocks of a node (from 1) of the six-node element at a point, likewise. Fatal on a Jacobian
-/// that is not positive. Returns its determinant.
-double ConstructB6nodesAndJ(const Elem& elem, int node, const double* x, const double* y, double xi,
-                            double eta, ShellBlocks& blocks);
+/// Blocks of the nodes of the six-node element at the point where the shape functions are
+/// these. Fatal on a Jacobian that is not positive. Returns its determinant.
+double ConstructB6nodesAndJ(const Elem& elem, const double* x, const double* y,
+                            const SixNodeFunctions& at, std::array<NodeNumbers, 6>& B);
 
-/// Everything that stiffness and strengths need of an element; allocated once, for many.
+/// Everything that stiffness and strengths need of an element; made once, for many elements
+/// whose materials stay as they are meanwhile.
 class ShellEvaluator
 {
 public:
@@ -54,8 +54,8 @@ public:
   const Matriu& Frame() const { return T; }
 
   /// Stiffness between the nodes i and j (from 0), 6×6 in the element's axes; without the
-  /// rotation about the normal.
-  void CalcStiffness(int i, int j, Matriu& K);
+  /// rotation about the normal. K has its size before.
+  void CalcStiffness(int i, int j, Matriu& K) const;
 
   /// Adds a small resistance of the nodes k that are folded against turning about the normal
   /// by more than the membrane does; a rigid motion does not meet it.
@@ -63,18 +63,20 @@ public:
 
   /// The eight local forces of every point (Nx, Ny, Nxy, Mx, My, Mxy, Qx, Qy) from the nodes'
   /// displacements in local axes, six each; added to res(offset + 1, ...).
-  void AddStrengths(const double* local, ReaVecV& res, int offset);
+  void AddStrengths(const double* local, ReaVecV& res, int offset) const;
 
 private:
   void EvaluateThreeNodes(const Elem& elem);
   void EvaluateSixNodes(const Elem& elem);
   void CalcTurns();
 
+  std::array<SixNodeFunctions, 3> functions;  ///< at the points of the six-node element
   int nnode = 0;
   int points = 0;
   double area = 0.0;
   double x[6], y[6];  ///< local coordinates
   double turn[6][2];  ///< minus the mean rotation of the membrane by u and v of each node
   std::array<ShellPoint, 3> point;
+  const Material* materialOfD = nullptr;  ///< borrowed, only compared
   Matriu T, Tbig, Dm, Db, Ds;
 };

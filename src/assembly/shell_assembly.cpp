@@ -13,16 +13,17 @@
 void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
 {
   ShellEvaluator shell;
-  Matriu K;
+  Matriu K(6, 6);
+  const int nnode = mesh->GiveNnode();
   BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes != 0);
   for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
     const Material& material = RequireMaterial(elem);
     shell.Evaluate(elem, material);
     std::array<bool, 6> folded{};
-    for (int i = 0; i < elem.Nnode(); ++i)
+    for (int i = 0; i < nnode; ++i)
       folded[i] = coplanarity[elem(i)->number - 1] != 1;
-    for (int i = 0; i < elem.Nnode(); ++i) {
-      for (int j = i; j < elem.Nnode(); ++j) {
+    for (int i = 0; i < nnode; ++i) {
+      for (int j = i; j < nnode; ++j) {
         shell.CalcStiffness(i, j, K);
         shell.AddTurnsAboutNormal(i, j, folded, K);
         // The rotation about the normal of a plane has no stiffness of its own.

@@ -1,12 +1,9 @@
 #include "assembly/solid.h"
 
-#include "assembly/element_products.h"
 #include "base/constants.h"
 #include "base/errorwriter.h"
 #include "model/elem.h"
 #include "model/material.h"
-#include "model/node.h"
-#include "model/shape_functions.h"
 #include "numeric/reavecv.h"
 
 namespace {
@@ -26,87 +23,86 @@ void Invert(const double J[3][3], double det, double inverse[3][3])
   }
 }
 
+// a × b / divisor.
+NodeNumbers CrossOver(const double a[3], const double b[3], double divisor)
+{
+  return {(a[1] * b[2] - a[2] * b[1]) / divisor, (a[2] * b[0] - a[0] * b[2]) / divisor,
+          (a[0] * b[1] - a[1] * b[0]) / divisor};
+}
+
 }  // namespace
 
-void ConstructBtetra(const ReaVec& gradient, Matriu& B)
+double ConstructBtetra(const Elem& elem, const double (*d)[3], std::array<NodeNumbers, 10>& B)
 {
-  B.redimension(kStresses, 3);
-  B = 0.0;
-  B(1, 1) = B(4, 2) = B(5, 3) = gradient(1);
-  B(2, 2) = B(4, 1) = B(6, 3) = gradient(2);
-  B(3, 3) = B(5, 1) = B(6, 2) = gradient(3);
+  const NodeNumbers n = CrossOver(d[2], d[3], 1.0);
+  const double det = d[1][0] * n[0] + d[1][1] * n[1] + d[1][2] * n[2];
+  if (!(det >= EPSILON))
+    Fatal("error: element ", elem.Num(), " has jacobian <=0\n");
+  B[1] = CrossOver(d[2], d[3], det);
+  B[2] = CrossOver(d[3], d[1], det);
+  B[3] = CrossOver(d[1], d[2], det);
+  for (int k = 0; k < 3; ++k)
+    B[0][k] = -(B[1][k] + B[2][k] + B[3][k]);
+  return det;
 }
 
-void ConstructB10nodes(int node, double xi, double eta, double zeta, const double inverse[3][3],
-                       Matriu& B)
+double ConstructB10nodesAndJ(const Elem& elem, const double (*d)[3], const TenNodeFunctions& at,
+                             std::array<NodeNumbers, 10>& B)
 {
-  ReaVec gradient(3);
-  for (int direction = 1; direction <= 3; ++direction) {
-    const double derivative = GiveDerN10nod(node, xi, eta, zeta, direction);
-    for (int k = 1; k <= 3; ++k)
-      gradient(k) += inverse[k - 1][direction - 1] * derivative;
+  double J[3][3], inverse[3][3];
+  const double det = CalcJ10nod(d, at, J);
+  if (!(det >= EPSILON))
+    Fatal("error: element ", elem.Num(), " has jacobian 0\n");
+  Invert(J, det, inverse);
+  for (int i = 0; i < 10; ++i) {
+    for (int k = 0; k < 3; ++k)
+      B[i][k] = inverse[k][0] * at.slopes[0][i] + inverse[k][1] * at.slopes[1][i] +
+                inverse[k][2] * at.slopes[2][i];
   }
-  ConstructBtetra(gradient, B);
+  return det;
 }
 
-SolidEvaluator::SolidEvaluator() : D(kStresses, kStresses) {}
+SolidEvaluator::SolidEvaluator() : D(kStresses, kStresses)
+{
+  for (int g = 0; g < 4; ++g)
+    functions[g] = FunctionsAt(kTetraPoints[g]);
+}
 
 void SolidEvaluator::Evaluate(const Elem& elem, const Material& material)
 {
   nnode = elem.Nnode();
-  material.GiveDMatrixTetra(elem.Num(), D);
+  if (&material != materialOfD)
+    material.GiveDMatrixTetra(elem.Num(), D);
+  materialOfD = &material;
+  double d[10][3];
+  CalcPlacesFromFirst(elem, nnode, d);
   points = nnode == 4 ? 1 : 4;
   if (nnode == 4)
-    EvaluateFourNodes(elem);
-  else
-    EvaluateTenNodes(elem);
-}
-
-void SolidEvaluator::EvaluateFourNodes(const Elem& elem)
-{
-  const double det = CalcTetraDeterminant(elem);
-  if (!(det >= EPSILON))
-    Fatal("error: element ", elem.Num(), " has jacobian <=0\n");
-  const ReaVec e1 = *elem(1) - *elem(0);
-  const ReaVec e2 = *elem(2) - *elem(0);
-  const ReaVec e3 = *elem(3) - *elem(0);
-  const ReaVec second = VectorProd(e2, e3) / det;
-  const ReaVec third = VectorProd(e3, e1) / det;
-  const ReaVec fourth = VectorProd(e1, e2) / det;
-  ConstructBtetra(-(second + third + fourth), point[0].B[0]);
-  ConstructBtetra(second, point[0].B[1]);
-  ConstructBtetra(third, point[0].B[2]);
-  ConstructBtetra(fourth, point[0].B[3]);
-  point[0].weight = det / 6.0;
-}
-
-void SolidEvaluator::EvaluateTenNodes(const Elem& elem)
-{
-  for (int g = 0; g < points; ++g) {
-    const TetraPoint& at = kTetraPoints[g];
-    double J[3][3], inverse[3][3];
-    const double det = CalcJ10nod(elem, at, J);
-    if (!(det >= EPSILON))
-      Fatal("error: element ", elem.Num(), " has jacobian 0\n");
-    Invert(J, det, inverse);
-    for (int i = 0; i < nnode; ++i)
-      ConstructB10nodes(i + 1, at.xi, at.eta, at.zeta, inverse, point[g].B[i]);
-    point[g].weight = det / 24.0;
-  }
+    point[0].weight = ConstructBtetra(elem, d, point[0].B) / 6.0;
+  for (int g = 0; g < points && nnode == 10; ++g)
+    point[g].weight = ConstructB10nodesAndJ(elem, d, functions[g], point[g].B) / 24.0;
 }
 
 void SolidEvaluator::CalcStiffness(int i, int j, Matriu& K) const
 {
-  K.redimension(3, 3);
-  K = 0.0;
+  PairSums sums;
   for (int g = 0; g < points; ++g)
-    AddtoKMatrix(K, point[g].B[i], D, point[g].B[j], point[g].weight);
+    sums.Add(point[g].weight, point[g].B[i], point[g].B[j]);
+  AddtoKMatrix(sums, D, K);
 }
 
 void SolidEvaluator::AddStrengths(const double* u, ReaVecV& res, int offset) const
 {
   for (int g = 0; g < points; ++g) {
-    for (int i = 0; i < nnode; ++i)
-      AddToStrengthVec(res, offset + kStresses * g, D, point[g].B[i], u + 3 * i);
+    double H[3][3] = {};  // the derivatives of the displacements (columns) by x, y, z (rows)
+    for (int i = 0; i < nnode; ++i) {
+      for (int r = 0; r < 3; ++r) {
+        for (int c = 0; c < 3; ++c)
+          H[r][c] += point[g].B[i][r] * u[3 * i + c];
+      }
+    }
+    const double strain[kStresses] = {H[0][0],           H[1][1],           H[2][2],
+                                      H[1][0] + H[0][1], H[2][0] + H[0][2], H[2][1] + H[1][2]};
+    AddToStrengthVec(res, offset + kStresses * g, D, strain);
   }
 }

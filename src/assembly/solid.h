@@ -2,8 +2,9 @@
 
 #include <array>
 
+#include "assembly/element_products.h"
+#include "model/shape_functions.h"
 #include "numeric/matriu.h"
-#include "numeric/reavec.h"
 
 class Elem;
 class Material;
@@ -13,23 +14,29 @@ class ReaVecV;
 // R. L. Taylor, The Finite Element Method, vol. 1, Butterworth-Heinemann, Oxford, 5th ed.
 // 2000, chapter 6.
 
-/// One point of integration: the strain blocks of the nodes (6×3; strains εx, εy, εz, γxy,
-/// γxz, γyz by the displacements), and the volume that the point stands for.
+/// One point of integration: the gradients of the shape functions of the nodes, and the volume
+/// that the point stands for.
+///
+/// The gradient (x, y, z) is all that the strain block B of a node has (6×3; strains εx, εy, εz,
+/// γxy, γxz, γyz by the displacements): its rows are (x,0,0), (0,y,0), (0,0,z), (y,x,0), (z,0,x)
+/// and (0,z,y).
 struct SolidPoint
 {
-  std::array<Matriu, 10> B;
+  std::array<NodeNumbers, 10> B;
   double weight = 0.0;
 };
 
-/// Strain block of a node whose shape function has this gradient.
-void ConstructBtetra(const ReaVec& gradient, Matriu& B);
+/// Blocks of the corners of a four-node element. d: the places of its nodes from the first.
+/// Fatal on one that has no volume or is turned inside out. Returns the determinant.
+double ConstructBtetra(const Elem& elem, const double (*d)[3], std::array<NodeNumbers, 10>& B);
 
-/// Strain block of a node (from 1) of a ten-node element at a point, by the inverse Jacobian
-/// there (derivatives of ξ, η, ζ in its columns).
-void ConstructB10nodes(int node, double xi, double eta, double zeta, const double inverse[3][3],
-                       Matriu& B);
+/// Blocks of the nodes of a ten-node element at the point where the shape functions are these,
+/// likewise. Returns the determinant of the Jacobian.
+double ConstructB10nodesAndJ(const Elem& elem, const double (*d)[3], const TenNodeFunctions& at,
+                             std::array<NodeNumbers, 10>& B);
 
-/// Everything that stiffness and strengths need of an element; allocated once, for many.
+/// Everything that stiffness and strengths need of an element; made once, for many elements
+/// whose materials stay as they are meanwhile.
 class SolidEvaluator
 {
 public:
@@ -41,7 +48,7 @@ public:
 
   int PointCount() const { return points; }
 
-  /// Stiffness between the nodes i and j (from 0), 3×3, global axes.
+  /// Stiffness between the nodes i and j (from 0), 3×3, global axes. K has its size before.
   void CalcStiffness(int i, int j, Matriu& K) const;
 
   /// The six stresses of every point, in the order of the strains, from the displacements of
@@ -49,11 +56,10 @@ public:
   void AddStrengths(const double* u, ReaVecV& res, int offset) const;
 
 private:
-  void EvaluateFourNodes(const Elem& elem);
-  void EvaluateTenNodes(const Elem& elem);
-
+  std::array<TenNodeFunctions, 4> functions;  ///< at the points of the ten-node element
   int nnode = 0;
   int points = 0;
   std::array<SolidPoint, 4> point;
+  const Material* materialOfD = nullptr;  ///< borrowed, only compared
   Matriu D;
 };

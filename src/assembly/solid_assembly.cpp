@@ -9,12 +9,13 @@
 void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes)
 {
   SolidEvaluator solid;
-  Matriu K;
+  Matriu K(3, 3);
+  const int nnode = mesh->GiveNnode();
   BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes != 0);
   for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
     solid.Evaluate(elem, RequireMaterial(elem));
-    for (int i = 0; i < elem.Nnode(); ++i) {
-      for (int j = i; j < elem.Nnode(); ++j) {
+    for (int i = 0; i < nnode; ++i) {
+      for (int j = i; j < nnode; ++j) {
         solid.CalcStiffness(i, j, K);
         assembler.Add(*elem(i), *elem(j), K);
       }

@@ -38,15 +38,25 @@ double GiveDerN6nod(int node, double xi, double eta, int direction)
   return direction == 1 ? byXi[node - 1] : byEta[node - 1];
 }
 
-double CalcJ6nod(const double* x, const double* y, double xi, double eta, double J[2][2])
+SixNodeFunctions FunctionsAt(const TrianglePoint& at)
 {
-  for (int direction = 1; direction <= 2; ++direction) {
-    double* row = J[direction - 1];
+  SixNodeFunctions functions;
+  for (int i = 0; i < 6; ++i) {
+    functions.N[i] = GiveN6nod(i + 1, at.xi, at.eta);
+    for (int direction = 0; direction < 2; ++direction)
+      functions.slopes[direction][i] = GiveDerN6nod(i + 1, at.xi, at.eta, direction + 1);
+  }
+  return functions;
+}
+
+double CalcJ6nod(const double* x, const double* y, const SixNodeFunctions& at, double J[2][2])
+{
+  for (int direction = 0; direction < 2; ++direction) {
+    double* row = J[direction];
     row[0] = row[1] = 0.0;
     for (int i = 0; i < 6; ++i) {
-      const double derivative = GiveDerN6nod(i + 1, xi, eta, direction);
-      row[0] += derivative * x[i];
-      row[1] += derivative * y[i];
+      row[0] += at.slopes[direction][i] * x[i];
+      row[1] += at.slopes[direction][i] * y[i];
     }
   }
   return J[0][0] * J[1][1] - J[0][1] * J[1][0];
@@ -55,7 +65,7 @@ double CalcJ6nod(const double* x, const double* y, double xi, double eta, double
 double CalcJ6nod(const double* x, const double* y, double xi, double eta)
 {
   double J[2][2];
-  return CalcJ6nod(x, y, xi, eta, J);
+  return CalcJ6nod(x, y, FunctionsAt(TrianglePoint{xi, eta, 0.0}), J);
 }
 
 void CalcLocalCoordinates(const Elem& elem, const Matriu& T, double* x, double* y)
@@ -110,15 +120,33 @@ double GiveDerN10nod(int node, double xi, double eta, double zeta, int direction
   return 4.0 * (slope[edge[0]] * corner[edge[1]] + corner[edge[0]] * slope[edge[1]]);
 }
 
-double CalcJ10nod(const Elem& elem, const TetraPoint& at, double J[3][3])
+TenNodeFunctions FunctionsAt(const TetraPoint& at)
 {
-  for (int direction = 1; direction <= 3; ++direction) {
-    double* row = J[direction - 1];
-    std::fill_n(row, 3, 0.0);
-    for (int i = 0; i < 10; ++i) {
-      const double derivative = GiveDerN10nod(i + 1, at.xi, at.eta, at.zeta, direction);
-      for (int k = 0; k < 3; ++k)
-        row[k] += derivative * ((*elem(i))(k + 1) - (*elem(0))(k + 1));
+  TenNodeFunctions functions;
+  for (int i = 0; i < 10; ++i) {
+    functions.N[i] = GiveN10nod(i + 1, at.xi, at.eta, at.zeta);
+    for (int direction = 0; direction < 3; ++direction)
+      functions.slopes[direction][i] = GiveDerN10nod(i + 1, at.xi, at.eta, at.zeta, direction + 1);
+  }
+  return functions;
+}
+
+void CalcPlacesFromFirst(const Elem& elem, int count, double (*d)[3])
+{
+  const double* first = elem(0)->Data();
+  for (int i = 0; i < count; ++i) {
+    for (int k = 0; k < 3; ++k)
+      d[i][k] = elem(i)->Data()[k] - first[k];
+  }
+}
+
+double CalcJ10nod(const double (*d)[3], const TenNodeFunctions& at, double J[3][3])
+{
+  for (int direction = 0; direction < 3; ++direction) {
+    for (int k = 0; k < 3; ++k) {
+      J[direction][k] = 0.0;
+      for (int i = 0; i < 10; ++i)
+        J[direction][k] += at.slopes[direction][i] * d[i][k];
     }
   }
   return J[0][0] * (J[1][1] * J[2][2] - J[1][2] * J[2][1]) -

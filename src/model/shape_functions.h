@@ -24,9 +24,18 @@ struct TrianglePoint
 constexpr TrianglePoint kMidEdgePoints[] = {
     {0.5, 0.0, 1.0 / 6.0}, {0.5, 0.5, 1.0 / 6.0}, {0.0, 0.5, 1.0 / 6.0}};
 
+/// The six shape functions at one point: values, and derivatives by ξ and by η.
+struct SixNodeFunctions
+{
+  double N[6];
+  double slopes[2][6];
+};
+
+SixNodeFunctions FunctionsAt(const TrianglePoint& at);
+
 /// Jacobian of a six-node triangle whose node i (from 0) stands at x[i], y[i]: derivatives of
 /// x and y by ξ (first row) and by η (second row). Returns the determinant.
-double CalcJ6nod(const double* x, const double* y, double xi, double eta, double J[2][2]);
+double CalcJ6nod(const double* x, const double* y, const SixNodeFunctions& at, double J[2][2]);
 double CalcJ6nod(const double* x, const double* y, double xi, double eta);
 
 /// Coordinates of the nodes of a flat triangle in the frame T (3×3), from its first node.
@@ -60,9 +69,21 @@ constexpr TetraPoint kTetraPoints[] = {{kTetraFar, kTetraNear, kTetraNear},
                                        {kTetraNear, kTetraNear, kTetraFar},
                                        {kTetraNear, kTetraNear, kTetraNear}};
 
-/// Jacobian of a ten-node tetrahedron: derivatives of x, y, z by ξ (first row), η and ζ.
-/// Returns the determinant.
-double CalcJ10nod(const Elem& elem, const TetraPoint& at, double J[3][3]);
+/// The ten shape functions at one point: values, and derivatives by ξ, by η and by ζ.
+struct TenNodeFunctions
+{
+  double N[10];
+  double slopes[3][10];
+};
+
+TenNodeFunctions FunctionsAt(const TetraPoint& at);
+
+/// Places of the first `count` nodes of an element in space, from its first node.
+void CalcPlacesFromFirst(const Elem& elem, int count, double (*d)[3]);
+
+/// Jacobian of a ten-node tetrahedron whose nodes stand at these places: derivatives of x, y, z
+/// by ξ (first row), η and ζ. Returns the determinant.
+double CalcJ10nod(const double (*d)[3], const TenNodeFunctions& at, double J[3][3]);
 
 /// Six times the volume of the tetrahedron of the four corners, negative when they are turned.
 double CalcTetraDeterminant(const Elem& elem);

@@ -87,11 +87,14 @@ void PreassureLT::AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const
       AddToNode(*elem(i), load, share, loads);
     return;
   }
+  double d[10][3];
+  CalcPlacesFromFirst(elem, 10, d);
   for (const TetraPoint& at : kTetraPoints) {
+    const TenNodeFunctions functions = FunctionsAt(at);
     double J[3][3];
-    const double volume = CalcJ10nod(elem, at, J) / 24.0;
+    const double volume = CalcJ10nod(d, functions, J) / 24.0;
     for (int i = 0; i < 10; ++i)
-      AddToNode(*elem(i), load, GiveN10nod(i + 1, at.xi, at.eta, at.zeta) * volume, loads);
+      AddToNode(*elem(i), load, functions.N[i] * volume, loads);
   }
 }
 

@@ -232,10 +232,9 @@ TEST(Coplanarity, RefusesOppositeFlangesOfATeeInAnyOrder)
 {
   ShellModel model;
   model.nodes = {{0, 0, 0}, {1, 0, 0}, {0.5, 0, -1}, {0.5, 1, 0}, {0.5, -1, 0}};
-  const std::vector<std::vector<std::vector<int>>> orders = {
-      {{1, 2, 3}, {1, 2, 4}, {1, 2, 5}},
-      {{1, 2, 4}, {1, 2, 3}, {1, 2, 5}},
-      {{1, 2, 4}, {1, 2, 5}, {1, 2, 3}}};
+  const std::vector<std::vector<std::vector<int>>> orders = {{{1, 2, 3}, {1, 2, 4}, {1, 2, 5}},
+                                                             {{1, 2, 4}, {1, 2, 3}, {1, 2, 5}},
+                                                             {{1, 2, 4}, {1, 2, 5}, {1, 2, 3}}};
   for (const auto& order : orders) {
     model.triangles = order;
     const std::string message = FatalCaught([&] { MarksOf(model); });

@@ -18,27 +18,13 @@
 
 namespace {
 
-ShellBlocks EmptyBlocks()
+// The numbers of a node whose shape function has these derivatives and this value.
+void ExpectNumbers(const NodeNumbers& B, double Nx, double Ny, double N)
 {
-  ShellBlocks blocks{Matriu(3, 5), Matriu(3, 5), Matriu(2, 5)};
-  blocks.Bm = 0.0;
-  blocks.Bb = 0.0;
-  blocks.Bs = 0.0;
-  return blocks;
+  ExpectValues({B.begin(), B.end()}, {Nx, Ny, N}, 1e-13);
 }
 
-void ExpectEntries(const Matriu& actual, const std::vector<double>& expected)
-{
-  ExpectValues(Entries(actual), expected, 1e-13);
-}
-
-// The blocks of a node whose shape function has these derivatives and this value.
-void ExpectBlocks(const ShellBlocks& blocks, double Nx, double Ny, double N)
-{
-  ExpectEntries(blocks.Bm, {Nx, 0, 0, 0, 0, 0, Ny, 0, 0, 0, Ny, Nx, 0, 0, 0});
-  ExpectEntries(blocks.Bb, {0, 0, 0, -Nx, 0, 0, 0, 0, 0, -Ny, 0, 0, 0, -Ny, -Nx});
-  ExpectEntries(blocks.Bs, {0, 0, Nx, -N, 0, 0, 0, Ny, 0, -N});
-}
+constexpr TrianglePoint kPlace = {0.2, 0.3, 0.0};
 
 // One triangle that lies askew in space, of three or six nodes; orthotropic.
 ShellModel OneTriangle(int nnode)
@@ -75,7 +61,7 @@ struct OneElement
   {
     const int n = 6 * Nnode();
     std::vector<std::vector<double>> all(n, std::vector<double>(n));
-    Matriu K;
+    Matriu K(6, 6);
     for (int i = 0; i < Nnode(); ++i) {
       for (int j = 0; j < Nnode(); ++j) {
         shell.CalcStiffness(i, j, K);
@@ -124,9 +110,9 @@ TEST(ShellBlocks, OfTheThreeNodeElementTakeTheFunctionAtThePoint)
   const double c[] = {-4, 0, 4};
   const double slopes[][2] = {{-0.25, -0.5}, {0.25, 0}, {0, 0.5}};
   for (int i = 0; i < 3; ++i) {
-    ShellBlocks blocks = EmptyBlocks();
-    ConstructB(i, a, b, c, 8.0, 4.0 / 3.0, 2.0 / 3.0, blocks);
-    ExpectBlocks(blocks, slopes[i][0], slopes[i][1], 1.0 / 3.0);
+    NodeNumbers B;
+    ConstructB(i, a, b, c, 8.0, 4.0 / 3.0, 2.0 / 3.0, B);
+    ExpectNumbers(B, slopes[i][0], slopes[i][1], 1.0 / 3.0);
   }
 }
 
@@ -136,12 +122,11 @@ TEST(ShellBlocks, OfTheSixNodeElementUseTheDerivativesByXAndY)
   const double x[] = {0, 4, 0, 2, 2, 0};
   const double y[] = {0, 0, 2, 0, 1, 1};
   const OneElement one(OneTriangle(6));
-  for (int node = 1; node <= 6; ++node) {
-    ShellBlocks blocks = EmptyBlocks();
-    EXPECT_NEAR(ConstructB6nodesAndJ(one.Element(), node, x, y, 0.2, 0.3, blocks), 8.0, 1e-13);
-    ExpectBlocks(blocks, GiveDerN6nod(node, 0.2, 0.3, 1) / 4.0,
-                 GiveDerN6nod(node, 0.2, 0.3, 2) / 2.0, GiveN6nod(node, 0.2, 0.3));
-  }
+  std::array<NodeNumbers, 6> B;
+  EXPECT_NEAR(ConstructB6nodesAndJ(one.Element(), x, y, FunctionsAt(kPlace), B), 8.0, 1e-13);
+  for (int node = 1; node <= 6; ++node)
+    ExpectNumbers(B[node - 1], GiveDerN6nod(node, 0.2, 0.3, 1) / 4.0,
+                  GiveDerN6nod(node, 0.2, 0.3, 2) / 2.0, GiveN6nod(node, 0.2, 0.3));
 }
 
 TEST(ShellBlocks, RefuseAJacobianThatIsNotPositive)
@@ -150,10 +135,11 @@ TEST(ShellBlocks, RefuseAJacobianThatIsNotPositive)
   const double x[] = {0, 4, 0, 2, 2, 0};
   const double y[] = {0, 0, 2, 0, 1, 1};
   const double zero[6] = {};
-  ShellBlocks blocks = EmptyBlocks();
+  std::array<NodeNumbers, 6> B;
+  const SixNodeFunctions at = FunctionsAt(kPlace);
   const std::string message = "error: element 1 has jacobian 0\n";
-  ExpectFatal([&] { ConstructB6nodesAndJ(one.Element(), 1, x, zero, 0.2, 0.3, blocks); }, message);
-  ExpectFatal([&] { ConstructB6nodesAndJ(one.Element(), 1, y, x, 0.2, 0.3, blocks); }, message);
+  ExpectFatal([&] { ConstructB6nodesAndJ(one.Element(), x, zero, at, B); }, message);
+  ExpectFatal([&] { ConstructB6nodesAndJ(one.Element(), y, x, at, B); }, message);
 }
 
 TEST(Shell, RefusesADegenerateTriangle)
@@ -309,22 +295,4 @@ TEST(Shell, EnergyOfTheStiffnessIsThatOfTheForces)
     }
     EXPECT_NEAR(energy, fromForces, 1e-11 * energy);
   }
-}
-
-TEST(ElementProducts, AddBTransposedDB)
-{
-  const Matriu Bi = MatriuOf(2, 3, {1, 2, 3, 4, 5, 6});
-  const Matriu D = MatriuOf(2, 2, {2, 1, 1, 3});
-  const Matriu Bj = MatriuOf(2, 2, {1, 0, 2, 1});
-  Matriu K(4, 4);
-  K = 1.0;
-  AddtoKMatrix(K, Bi, D, Bj, 0.5);
-  // D Bj = (4 1; 7 3).
-  EXPECT_EQ(Entries(K),
-            (std::vector<double>{17, 7.5, 1, 1, 22.5, 9.5, 1, 1, 28, 11.5, 1, 1, 1, 1, 1, 1}));
-  ReaVecV res;
-  res.resize(4, 1.0);
-  const double u[] = {1, -1, 2};
-  AddToStrengthVec(res, 1, D, Bi, u);  // B u = (5, 11)
-  EXPECT_EQ(Values(res), (std::vector<double>{1, 22, 39, 1}));
 }

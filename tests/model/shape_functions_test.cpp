@@ -84,7 +84,7 @@ TEST(SixNodeTriangle, JacobianHasTheDerivativesByXiInItsFirstRow)
   }
   for (const auto& [xi, eta] : kPlaces) {
     double J[2][2];
-    EXPECT_NEAR(CalcJ6nod(x, y, xi, eta, J), 11.5, 1e-13);
+    EXPECT_NEAR(CalcJ6nod(x, y, FunctionsAt(TrianglePoint{xi, eta, 0.0}), J), 11.5, 1e-13);
     EXPECT_NEAR(CalcJ6nod(x, y, xi, eta), 11.5, 1e-13);
     EXPECT_NEAR(J[0][0], 3.0, 1e-14);
     EXPECT_NEAR(J[0][1], 0.5, 1e-14);

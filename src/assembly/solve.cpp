@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "assembly/residual_check.h"
 #include "assembly/support_axes.h"
 #include "base/errorwriter.h"
 #include "base/stprintf.h"
@@ -13,6 +14,7 @@
 #include "problem/element_family.h"
 #include "problem/project.h"
 #include "solvers/bsolver.h"
+#include "solvers/skymatriu.h"
 
 namespace {
 
@@ -23,6 +25,20 @@ bool AllFinite(const ReaVecV& v)
       return false;
   }
   return true;
+}
+
+/// Mean distance of the first two nodes of the elements.
+double MeanElementLength(const std::vector<std::unique_ptr<Mesh>>& meshes)
+{
+  double sum = 0.0;
+  long long count = 0;
+  for (const auto& mesh : meshes) {
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+      sum += std::sqrt(dist2(elem(0), elem(1)));
+      ++count;
+    }
+  }
+  return sum > 0.0 ? sum / static_cast<double>(count) : 1.0;
 }
 
 }  // namespace
@@ -42,14 +58,39 @@ void Project::FillMatrixVectorAndSolve(std::FILE* info)
   Progress(info, "Beginning to apply constraints\n");
   StartReactions();
   ConvertGlobalLoadToLocal(GiveNodes(), displacements, freeDegrees);
+  SolveSystem(info);
+  ConvertLocalResultsToGlobal(GiveNodes(), displacements, freeDegrees);
+  Progress(info, "Solver finished\n");
+}
+
+// A direct solution is kept, with that of a probe, until the matrix is at hand again to check
+// them.
+void Project::SolveSystem(std::FILE* info)
+{
+  const bool checked = solverSettings.type == SolverType::SkyLine;
+  const ResidualCheck check(GiveNodes(), ScaleOfComponents());
+  LoadCase model;
+  if (checked)
+    model.loads = displacements;
   ApplySupports();
   Progress(info, "Just before Solver\n");
+  check.FindScales(displacements, model);
   if (const int result = solver->Solver(displacements, info))
     SolverFailed(result);
   if (!AllFinite(displacements))
     SolverFailed(-1);
-  ConvertLocalResultsToGlobal(GiveNodes(), displacements, freeDegrees);
-  Progress(info, "Solver finished\n");
+  if (!checked)
+    return;
+  model.displacements = displacements;
+  LoadCase probe = check.Probe(displacements.Size());
+  static_cast<SkyMatriu&>(*solver).Substitute(probe.displacements, nullptr);
+  checkedCases.push_back(std::move(model));
+  checkedCases.push_back(std::move(probe));
+}
+
+ComponentScale Project::ScaleOfComponents() const
+{
+  return {freeDegrees, translations, MeanElementLength(meshes)};
 }
 
 void Project::CreateMatrix()

@@ -42,6 +42,24 @@ struct MeshResults
   int Block(int elemNumber) const;
 };
 
+/// How the components of the nodes are counted, and a length that makes a force comparable
+/// with a moment.
+struct ComponentScale
+{
+  int components = 0;    ///< of a node
+  int translations = 0;  ///< the first of them; the others are rotations
+  double length = 1.0;   ///< about the size of an element
+};
+
+/// Loads with the displacements that should hold them, by equation, in the axes of the supports.
+struct LoadCase
+{
+  ReaVecV loads;  ///< all of them
+  ReaVecV displacements;
+  double force = 0.0;   ///< largest of the right-hand side on the free components
+  double moment = 0.0;  ///< likewise; both at least what the other makes at one length
+};
+
 /// Everything of one run: what the problem file says, the system of equations, and the
 /// results. Its members are declared here by phase; each is defined in the folder of
 /// its phase.
@@ -196,9 +214,10 @@ public:
   // --- The system and the results ---
 
   std::unique_ptr<BSolver> solver;
-  bool preSolved = false;        ///< displacements are those of a coarser model
-  std::vector<int> coplanarity;  ///< by system number less 1: 1 where a shell is flat
-  ReaVecV displacements;         ///< by equation; before the solution the loads
+  std::vector<LoadCase> checkedCases;  ///< of a direct solution, until they are checked
+  bool preSolved = false;              ///< displacements are those of a coarser model
+  std::vector<int> coplanarity;        ///< by system number less 1: 1 where a shell is flat
+  ReaVecV displacements;               ///< by equation; before the solution the loads
   std::vector<MeshResults> results;
   ReaVecV nodalStresses;  ///< of solids, six for each node by its system number
 
@@ -236,10 +255,13 @@ private:
   void AssembleStiffness(int applyLocalAxes);
   void MergeHinges(const Elem& elem);
   void AddNodalLoads();
+  void SolveSystem(std::FILE* info);
+  ComponentScale ScaleOfComponents() const;
   void StartReactions();
   void ApplySupports();
   [[noreturn]] void SolverFailed(int result) const;
 
+  void CheckResiduals();
   void HandOverMidSideReactions();
 
   // Blocks of the post-process results.

@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include "assembly/residual_check.h"
 #include "base/constants.h"
 #include "model/elem.h"
 #include "model/node.h"
@@ -8,17 +9,20 @@
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 
-// The matrix is assembled again, in global axes and without supports: its rows times the
-// displacements are the forces that the nodes exert on the elements.
+// The matrix is assembled again, in global axes and without supports: its product with
+// the displacements is the forces that the nodes exert on the elements.
 void Project::CalcReactions()
 {
   solver->SetToZero();
   AssembleStiffness(0);
+  CheckResiduals();
+  ReaVecV forces(displacements.Size());
+  solver->Multiply(displacements, forces);
   for (const Node& node : Each<Node>(GiveNodes())) {
     if (!node.constraint)
       continue;
     for (int k = 1; k <= freeDegrees; ++k) {
-      const double force = solver->ReturnRowPerVector(Equation(node, k), displacements);
+      const double force = forces(Equation(node, k));
       if (!std::isfinite(force))
         SolverFailed(-1);
       node.constraint->AddToReaction(k, force);
@@ -27,6 +31,16 @@ void Project::CalcReactions()
   solver.reset();
   if (convertTo6Nodes)
     HandOverMidSideReactions();
+}
+
+void Project::CheckResiduals()
+{
+  const ResidualCheck check(GiveNodes(), ScaleOfComponents());
+  for (const LoadCase& loadCase : checkedCases) {
+    if (!check.Holds(loadCase, *solver))
+      SolverFailed(-1);
+  }
+  checkedCases.clear();
 }
 
 double Project::GiveReaction(const Elem& elem, int dof, double t) const

@@ -46,6 +46,9 @@ public:
   /// The product of row i with v.
   virtual double ReturnRowPerVector(int i, const ReaVecV& v) const = 0;
 
+  /// The product of the matrix with v; the same sums as row by row, in one pass.
+  virtual void Multiply(const ReaVecV& v, ReaVecV& product) const = 0;
+
   /// Text dump.
   virtual void PrintTo(std::ofstream& out) const = 0;
 

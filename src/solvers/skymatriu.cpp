@@ -232,6 +232,24 @@ double SkyMatriu::ReturnRowPerVector(int i, const ReaVecV& v) const
   return sum;
 }
 
+// Row i brings the terms of the columns up to i; those of the columns behind follow, in
+// order, with their rows.
+void SkyMatriu::Multiply(const ReaVecV& v, ReaVecV& product) const
+{
+  assert(v.Size() == n);
+  product.resize(n, 0.0);
+  const double* const x = v.Data();
+  double* const y = product.Data();
+  for (int i = 0; i < n; ++i) {
+    double sum = 0.0;
+    for (int d = heights[i] - 1; d > 0; --d) {
+      sum += rows[i][d] * x[i - d];
+      y[i - d] += rows[i][d] * x[i];
+    }
+    y[i] = sum + rows[i][0] * x[i];
+  }
+}
+
 int SkyMatriu::HasVoidRows() const
 {
   std::vector<bool> isVoid(static_cast<std::size_t>(n), true);

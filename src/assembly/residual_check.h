@@ -1,0 +1,37 @@
+#pragma once
+
+#include "problem/project.h"
+
+class BSolver;
+
+/// Tells the solution of a structure from what a direct solver leaves of one that can move.
+///
+/// A motion without strain has a pivot that is a rounding error instead of 0, and often not
+/// small enough to be refused. But no displacement resists the loads along such a motion: the
+/// forces K·u then miss the loads f by about as much as there is of them, whatever the factors
+/// say, while a stable structure misses them by rounding errors. So the largest entry of
+/// K·u - f is compared with the largest of the right-hand side, forces and moments apart.
+/// A second solution, whose loads stand in every equation, does the same for motions that the
+/// loads of the model do not drive.
+///
+/// The matrix is at hand again only for the reactions, so the load cases are kept until then.
+class ResidualCheck
+{
+public:
+  /// Borrows the nodes, with their supports.
+  ResidualCheck(const VoidPlex& nodes, const ComponentScale& scale);
+
+  /// A load case with loads in every free equation, the same in every run. The displacements
+  /// are the right-hand side, to be solved in place.
+  LoadCase Probe(int equations) const;
+
+  /// Finds the largest entries of the right-hand side that the solver gets.
+  void FindScales(const ReaVecV& rightHandSide, LoadCase& loadCase) const;
+
+  /// Whether the displacements hold the loads, by the matrix in global axes without supports.
+  bool Holds(const LoadCase& loadCase, const BSolver& matrix) const;
+
+private:
+  const VoidPlex& nodes;
+  ComponentScale scale;
+};

@@ -1,7 +1,6 @@
 #include "measure.h"
 
 #include <fstream>
-#include <numeric>
 #include <string>
 
 #include "solvers/skymatriu.h"
@@ -23,28 +22,23 @@ double MemoryFigure(const std::string& name)
 
 }  // namespace
 
-void Triad::operator()()
+void ReadLoop::operator()()
 {
-  for (std::size_t i = 0; i < kLength; ++i)
-    a[i] = b[i] + 3.0 * c[i];
+  constexpr std::size_t kSums = 32;  // as many as keep the additions from waiting
+  double sums[kSums] = {};
+  for (std::size_t i = 0; i < a.size(); i += kSums)
+    for (std::size_t k = 0; k < kSums; ++k)
+      sums[k] += a[i + k];
+  for (const double sum : sums)
+    total += sum;
 }
 
 double ReadBandwidth()
 {
-  constexpr std::size_t kLength = std::size_t{1} << 25;
-  constexpr int kSums = 8;
   constexpr int kRepetitions = 5;
-  const std::vector<double> array(kLength, 1.0);
-  double sums[kSums] = {};
-  const double seconds = Seconds(kRepetitions, [&] {
-    for (std::size_t i = 0; i < kLength; i += kSums)
-      for (int k = 0; k < kSums; ++k)
-        sums[k] += array[i + k];
-  });
-  // A sum that is used cannot be left out by the compiler.
-  volatile double used = std::accumulate(sums, sums + kSums, 0.0);
-  static_cast<void>(used);
-  return sizeof(double) * kLength / seconds;
+  ReadLoop loop;
+  loop();
+  return ReadLoop::kBytes / Seconds(kRepetitions, [&] { loop(); });
 }
 
 double FactorisationFlops(const SkyMatriu& matrix)
@@ -60,8 +54,9 @@ double FactorisationFlops(const SkyMatriu& matrix)
 
 double IterationStorage(const SparseMatrix& matrix)
 {
-  const double secondInts = sizeof(int) * static_cast<double>(matrix.GiveSize());
-  return 2.0 * static_cast<double>(matrix.StorageBytes()) + secondInts;
+  const BlockLines blocks = matrix.Blocks();
+  const double ints = static_cast<double>(blocks.starts[blocks.lines]) + blocks.lines;
+  return 2.0 * (sizeof(double) * static_cast<double>(matrix.GiveSlots()) + sizeof(int) * ints);
 }
 
 double IterationTraffic(const SparseMatrix& matrix)

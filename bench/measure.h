@@ -37,28 +37,27 @@ double Seconds(int repeats, Action action)
   return Median(times);
 }
 
-/// a = b + 3·c over arrays far beyond the caches: the memory traffic that one core reaches.
-class Triad
+/// Reads arrays far beyond the caches and nothing else: what memory gives one core at most.
+class ReadLoop
 {
 public:
   void operator()();
-  static constexpr double kBytes = 24.0 * (1 << 24);
+  double Total() const { return total; }
+  static constexpr double kBytes = 8.0 * (1 << 25);
 
 private:
-  static constexpr std::size_t kLength = 1 << 24;
-  std::vector<double> a = std::vector<double>(kLength, 1.0);
-  std::vector<double> b = a;
-  std::vector<double> c = a;
+  std::vector<double> a = std::vector<double>(1 << 25, 1.0);
+  double total = 0.0;
 };
 
-/// Bytes a second of a plain loop that only reads arrays far beyond the caches.
+/// Bytes a second of that loop.
 double ReadBandwidth();
 
 /// Multiplications and additions in the sums of the factorisation of this profile.
 double FactorisationFlops(const SkyMatriu& matrix);
 
-/// Bytes of the matrix and its factors without fill: a double and an int for every entry, an
-/// int for every row; in the factors two, since each row has its two parts.
+/// Bytes of the matrix and its factors without fill: twice a double for every entry, an int
+/// for every block and for every line of blocks.
 double IterationStorage(const SparseMatrix& matrix);
 
 /// What an iteration of conjugate gradients has to move at least: matrix and factors are read;

@@ -1,6 +1,8 @@
 #include <benchmark/benchmark.h>
 
+#include <array>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "measure.h"
@@ -10,205 +12,254 @@
 #include "solvers/krylov.h"
 #include "solvers/sparse_solver.h"
 
-// The sparse solver on a space frame of some 200,000 equations: a regular grid of nodes joined
-// by beams, six components a node. The counters ending in "_ratio" are what matters:
-// "triad_ratio" traffic in compulsory bytes over that of a plain triad loop, measured in the
-// same run; "iterations_ratio" time over that of one iteration; "peak_ratio" peak memory over
-// the bytes of the matrix and its factors.
+// The sparse solver on grids of beams, of solids with four and with ten nodes: once far beyond
+// the last cache, once (named "small") within it. The counters that matter:
+//   read_ratio      what an iteration moves at least, a second, over what a loop reaches that
+//                   only reads; to be at least 0.75 (solids with four nodes), 0.60 (ten nodes),
+//                   0.85 (beams)
+//   rows_ratio      time of an iteration over that in single entries by rows; small grids, to
+//                   be at most 0.33
+//   iterations      time in iterations: of the factors, to be at most 20; of the assembly
+//   us_per_element  of the assembly
+//   peak_ratio      peak memory over 1.15·16 bytes an entry and 400 bytes a node, at most 1
 
 namespace {
 
-constexpr int kComponents = 6;
+enum class Kind
+{
+  kBeams,
+  kSolids4,
+  kSolids10
+};
 
-/// A space frame on a grid of nx × ny × nz nodes, clamped at the bottom.
-class Frame
+/// Elements on a grid of cells × cells × cells cubes, or of `cells` squares side by side and
+/// `height` above each other: beams along the edges, or six tetrahedra in every cube.
+class Grid
 {
 public:
-  Frame(int nx, int ny, int nz) : sides{nx, ny, nz} {}
+  Grid(Kind kind_, int cells, int height)
+      : kind(kind_),
+        steps(kind == Kind::kSolids10 ? 2 : 1),
+        sides{cells * steps + 1, cells * steps + 1, height * steps + 1}
+  {
+  }
 
+  int Components() const { return kind == Kind::kBeams ? 6 : 3; }
   int Nodes() const { return sides[0] * sides[1] * sides[2]; }
-  int Equations() const { return Nodes() * kComponents; }
-  int ClampedEquations() const { return sides[0] * sides[1] * kComponents; }
+  int Equations() const { return Nodes() * Components(); }
+  int ClampedEquations() const { return sides[0] * sides[1] * Components(); }
+  int Elements() const;
 
   std::unique_ptr<SparseSolver> MakeMatrix() const;
   void Assemble(SparseSolver& solver) const;
-  void Clamp(SparseSolver& solver, ReaVecV& load) const;
   ReaVecV Load() const;
+  /// The matrix, filled and clamped at the bottom.
+  std::unique_ptr<SparseSolver> Filled() const;
 
 private:
-  /// Calls visit(first node, second node, axis) for every beam.
+  /// Calls visit(nodes) for every element, nodes from 0.
   template <class Visit>
-  void ForEachBeam(Visit visit) const;
+  void ForEachElement(Visit visit) const;
+  template <class Visit>
+  void VisitBeams(int x, int y, int z, Visit visit) const;
+  template <class Visit>
+  void VisitSolids(int x, int y, int z, Visit visit) const;
 
-  int sides[3];
+  int Node(int x, int y, int z) const { return (z * sides[1] + y) * sides[0] + x; }
+
+  Kind kind;
+  int steps;  ///< nodes along the edge of a cube, less one
+  std::array<int, 3> sides;
 };
 
 template <class Visit>
-void Frame::ForEachBeam(Visit visit) const
+void Grid::VisitBeams(int x, int y, int z, Visit visit) const
 {
-  const int steps[3] = {1, sides[0], sides[0] * sides[1]};
-  for (int node = 0; node < Nodes(); ++node)
-    for (int axis = 0; axis < 3; ++axis)
-      if (node / steps[axis] % sides[axis] + 1 < sides[axis])
-        visit(node + 1, node + 1 + steps[axis], axis);
+  const std::array<int, 3> at = {x, y, z};
+  for (int axis = 0; axis < 3; ++axis) {
+    std::array<int, 3> next = at;
+    if (++next[axis] < sides[axis])
+      visit(std::array{Node(x, y, z), Node(next[0], next[1], next[2])});
+  }
 }
 
-std::unique_ptr<SparseSolver> Frame::MakeMatrix() const
+/// The tetrahedra around the diagonal of a cube: each goes along the axes in another order.
+template <class Visit>
+void Grid::VisitSolids(int x, int y, int z, Visit visit) const
 {
-  auto solver = std::make_unique<SparseSolver>(Nodes(), kComponents);
-  ForEachBeam([&](int a, int b, int) { solver->EnterMaxDiff(a, b, kComponents); });
-  solver->Create(kComponents);
+  constexpr int kOrders[6][3] = {{0, 1, 2}, {0, 2, 1}, {1, 0, 2}, {1, 2, 0}, {2, 0, 1}, {2, 1, 0}};
+  for (const auto& order : kOrders) {
+    std::array<std::array<int, 3>, 4> corners = {{{x, y, z}}};
+    for (int k = 0; k < 3; ++k) {
+      corners[k + 1] = corners[k];
+      corners[k + 1][order[k]] += steps;
+    }
+    std::vector<int> nodes;
+    for (int a = 0; a < 4; ++a)
+      nodes.push_back(Node(corners[a][0], corners[a][1], corners[a][2]));
+    for (int a = 0; a < 4 && kind == Kind::kSolids10; ++a)
+      for (int b = a + 1; b < 4; ++b)
+        nodes.push_back((nodes[a] + nodes[b]) / 2);  // numbers are linear in the place
+    visit(nodes);
+  }
+}
+
+template <class Visit>
+void Grid::ForEachElement(Visit visit) const
+{
+  for (int z = 0; z < sides[2]; z += steps)
+    for (int y = 0; y < sides[1]; y += steps)
+      for (int x = 0; x < sides[0]; x += steps) {
+        if (kind == Kind::kBeams)
+          VisitBeams(x, y, z, visit);
+        else if (x + steps < sides[0] && y + steps < sides[1] && z + steps < sides[2])
+          VisitSolids(x, y, z, visit);
+      }
+}
+
+int Grid::Elements() const
+{
+  int elements = 0;
+  ForEachElement([&](const auto&) { ++elements; });
+  return elements;
+}
+
+std::unique_ptr<SparseSolver> Grid::MakeMatrix() const
+{
+  auto solver = std::make_unique<SparseSolver>(Nodes(), Components());
+  ForEachElement([&](const auto& nodes) {
+    for (std::size_t r = 0; r < nodes.size(); ++r)
+      for (std::size_t s = r + 1; s < nodes.size(); ++s)
+        solver->EnterMaxDiff(nodes[r] + 1, nodes[s] + 1, Components());
+  });
+  solver->Create(Components());
   return solver;
 }
 
-/// The three 6×6 blocks of a beam of length 1 along an axis, by the formulas of engineering
-/// bending, with unequal stiffnesses.
-struct BeamBlocks
+/// Springs of one and the same full stiffness between all nodes of an element: positive
+/// definite and as many numbers as any element has.
+void Grid::Assemble(SparseSolver& solver) const
 {
-  Matriu K11{kComponents, kComponents};
-  Matriu K12{kComponents, kComponents};
-  Matriu K22{kComponents, kComponents};
-
-  explicit BeamBlocks(int axis)
-  {
-    K11 = K12 = K22 = 0.0;
-    AddRod(axis, 100.0);
-    AddRod(axis + 3, 1.0);
-    const int y = (axis + 1) % 3;
-    const int z = (axis + 2) % 3;
-    AddBending(y, z + 3, 1.0, 2.0);
-    AddBending(z, y + 3, -1.0, 1.0);
-  }
-
-private:
-  void AddRod(int u, double k)
-  {
-    K11(u + 1, u + 1) += k;
-    K22(u + 1, u + 1) += k;
-    K12(u + 1, u + 1) -= k;
-  }
-
-  /// Deflection v, rotation t, which is sign times the slope.
-  void AddBending(int v, int t, double sign, double EI)
-  {
-    ++v, ++t;
-    K11(v, v) += 12 * EI, K22(v, v) += 12 * EI, K12(v, v) -= 12 * EI;
-    K11(t, t) += 4 * EI, K22(t, t) += 4 * EI, K12(t, t) += 2 * EI;
-    const double k = 6 * EI * sign;
-    K11(v, t) += k, K11(t, v) += k, K22(v, t) -= k, K22(t, v) -= k;
-    K12(v, t) += k, K12(t, v) -= k;
-  }
-};
-
-void Frame::Assemble(SparseSolver& solver) const
-{
-  const BeamBlocks blocks[3] = {BeamBlocks(0), BeamBlocks(1), BeamBlocks(2)};
-  const auto first = [](int node) { return (node - 1) * kComponents + 1; };
-  ForEachBeam([&](int a, int b, int axis) {
-    solver.AddSubMatriu(first(a), first(a), blocks[axis].K11);
-    solver.AddSubMatriu(first(a), first(b), blocks[axis].K12);
-    solver.AddSubMatriu(first(b), first(b), blocks[axis].K22);
+  const int n = Components();
+  Matriu apart(n, n), own(n, n);
+  for (int a = 1; a <= n; ++a)
+    for (int b = 1; b <= n; ++b)
+      apart(a, b) = (a == b ? -1.0 : 0.0) - 0.1 * a * b;
+  const auto first = [n](int node) { return node * n + 1; };
+  ForEachElement([&](const auto& nodes) {
+    own = apart;
+    own *= 1.0 - static_cast<double>(nodes.size());
+    for (std::size_t r = 0; r < nodes.size(); ++r) {
+      solver.AddSubMatriu(first(nodes[r]), first(nodes[r]), own);
+      for (std::size_t s = r + 1; s < nodes.size(); ++s)
+        solver.AddSubMatriu(first(nodes[r]), first(nodes[s]), apart);
+    }
   });
 }
 
-void Frame::Clamp(SparseSolver& solver, ReaVecV& load) const
-{
-  for (int equation = 1; equation <= ClampedEquations(); ++equation)
-    solver.ApplyConstraint(equation, 0.0, load);
-}
-
-ReaVecV Frame::Load() const
+ReaVecV Grid::Load() const
 {
   ReaVecV load(Equations());
   load = 0.0;
-  for (int node = 1; node <= Nodes(); ++node)
-    load((node - 1) * kComponents + 1 + node % 3) = 1.0;
+  for (int node = Nodes() / 2; node < Nodes(); ++node)
+    load(node * Components() + 1 + node % 3) = 1.0;
   return load;
 }
 
-const Frame kFrame(32, 32, 33);
-
-/// The frame, filled and clamped; made once.
-SparseSolver& FilledFrame()
+std::unique_ptr<SparseSolver> Grid::Filled() const
 {
-  static const std::unique_ptr<SparseSolver> solver = [] {
-    std::unique_ptr<SparseSolver> made = kFrame.MakeMatrix();
-    kFrame.Assemble(*made);
-    ReaVecV load = kFrame.Load();
-    kFrame.Clamp(*made, load);
-    return made;
-  }();
-  return *solver;
+  std::unique_ptr<SparseSolver> solver = MakeMatrix();
+  Assemble(*solver);
+  ReaVecV load = Load();
+  for (int equation = 1; equation <= ClampedEquations(); ++equation)
+    solver->ApplyConstraint(equation, 0.0, load);
+  return solver;
 }
 
-const SparseMatrix& FilledMatrix()
+/// The same matrix in single entries.
+SparseMatrix InRows(const SparseMatrix& matrix)
 {
-  return *FilledFrame().GiveMatrix();
+  std::vector<int> lengths(static_cast<std::size_t>(matrix.GiveSize()), 0);
+  for (int i = 0; i < matrix.GiveSize(); ++i)
+    matrix.ForEachInRow(i, [&](int, double) { ++lengths[i]; });
+  SparseMatrix rows(matrix.GiveSize(), lengths.data());
+  for (int i = 0; i < matrix.GiveSize(); ++i)
+    matrix.ForEachInRow(i, [&](int j, double value) { rows.addToLhs(i, j, value); });
+  return rows;
 }
 
-/// Iterates a given number of times.
-void Iterate(const SparseMatrix& A, const Preconditioner& M, int iterations)
+/// Processor time of an iteration;
+double SecondsPerIteration(const SparseMatrix& A, const Preconditioner& M, const ReaVecV& b)
 {
-  static const ReaVecV b = [] {
-    ReaVecV load = kFrame.Load();
-    for (int i = 1; i <= kFrame.ClampedEquations(); ++i)
-      load(i) = 0.0;
-    return load;
-  }();
-  std::vector<double> x(static_cast<std::size_t>(A.GiveSize()), 0.0);
-  double tol = 0.0;
-  benchmark::DoNotOptimize(CG(A, x.data(), b.Data(), M, iterations, tol, nullptr));
+  constexpr int iterations = 15;  // not so many that the residual underflows
+  return Seconds(A.GiveSize() < 30000 ? 15 : 3,
+                 [&] {
+                   std::vector<double> x(static_cast<std::size_t>(A.GiveSize()), 0.0);
+                   int done = iterations;
+                   double tol = 0.0;
+                   benchmark::DoNotOptimize(CG(A, x.data(), b.Data(), M, done, tol, nullptr));
+                 }) /
+         iterations;
 }
 
-constexpr int kIterationsTimed = 40;
-
-double SecondsPerIteration()
+void Iteration(benchmark::State& state, const Grid& grid)
 {
-  static const double seconds = [] {
-    const ILUPreconditioner M(FilledMatrix());
-    return Seconds(5, [&] { Iterate(FilledMatrix(), M, kIterationsTimed); }) / kIterationsTimed;
-  }();
-  return seconds;
-}
-
-void SparseIteration(benchmark::State& state)
-{
-  const SparseMatrix& A = FilledMatrix();
+  const std::unique_ptr<SparseSolver> solver = grid.Filled();
+  const SparseMatrix& A = *solver->GiveMatrix();
   const ILUPreconditioner M(A);
-  Triad triad;
-  double seconds = 0.0;
-  double triadSeconds = 0.0;
+  const ReaVecV load = grid.Load();
+  ReadLoop read;
+  std::vector<double> iterations, reads;
   for (auto _ : state) {  // in turns, so that both meet the machine in the same state
-    seconds += Seconds(1, [&] { Iterate(A, M, kIterationsTimed); });
-    triadSeconds += Seconds(5, triad);
+    iterations.push_back(SecondsPerIteration(A, M, load));
+    reads.push_back(Seconds(1, read));
   }
-  const double triadRate = Triad::kBytes * static_cast<double>(state.iterations()) / triadSeconds;
-  const double iterations = static_cast<double>(state.iterations()) * kIterationsTimed;
-  const double rate = IterationTraffic(A) * iterations / seconds;
+  benchmark::DoNotOptimize(read.Total());
+  const double rate = IterationTraffic(A) / Median(iterations);
+  const double readRate = ReadLoop::kBytes / Median(reads);
   state.counters["equations"] = A.GiveSize();
-  state.counters["matrix_bytes"] = static_cast<double>(A.StorageBytes());
-  state.counters["factor_bytes"] = static_cast<double>(M.StorageBytes());
-  state.counters["ms_per_iteration"] = 1e3 * seconds / iterations;
+  state.counters["ms_per_iteration"] = 1e3 * Median(iterations);
   state.counters["GB/s"] = 1e-9 * rate;
-  state.counters["triad_GB/s"] = 1e-9 * triadRate;
-  state.counters["triad_ratio"] = rate / triadRate;
+  state.counters["read_GB/s"] = 1e-9 * readRate;
+  state.counters["read_ratio"] = rate / readRate;
 }
 
-void SparseProduct(benchmark::State& state)
+void IterationInCache(benchmark::State& state, const Grid& grid)
 {
-  const SparseMatrix& A = FilledMatrix();
-  std::vector<double> x(static_cast<std::size_t>(A.GiveSize()), 1.0), y = x;
+  const std::unique_ptr<SparseSolver> solver = grid.Filled();
+  const SparseMatrix& A = *solver->GiveMatrix();
+  const SparseMatrix rows = InRows(A);
+  const ILUPreconditioner M(A);
+  const ILUPreconditioner rowsM(rows);
+  const ReaVecV load = grid.Load();
+  std::vector<double> blockTimes, rowTimes;
   for (auto _ : state) {
-    A.mult(x.data(), y.data());
+    blockTimes.push_back(SecondsPerIteration(A, M, load));
+    rowTimes.push_back(SecondsPerIteration(rows, rowsM, load));
+  }
+  state.counters["equations"] = A.GiveSize();
+  state.counters["us_per_iteration"] = 1e6 * Median(blockTimes);
+  state.counters["rows_ratio"] = Median(blockTimes) / Median(rowTimes);
+}
+
+/// The matrix product and the two substitutions by themselves.
+void Product(benchmark::State& state, const Grid& grid)
+{
+  const std::unique_ptr<SparseSolver> solver = grid.Filled();
+  std::vector<double> x(static_cast<std::size_t>(grid.Equations()), 1.0), y = x;
+  for (auto _ : state) {
+    solver->GiveMatrix()->mult(x.data(), y.data());
     benchmark::ClobberMemory();
   }
-  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(A.StorageBytes()));
+  const auto bytes = static_cast<int64_t>(IterationStorage(*solver->GiveMatrix()) / 2);
+  state.SetBytesProcessed(state.iterations() * bytes);
 }
 
-void SparsePreconditioning(benchmark::State& state)
+void Preconditioning(benchmark::State& state, const Grid& grid)
 {
-  const ILUPreconditioner M(FilledMatrix());
-  std::vector<double> x(static_cast<std::size_t>(kFrame.Equations()), 1.0), y = x;
+  const std::unique_ptr<SparseSolver> solver = grid.Filled();
+  const ILUPreconditioner M(*solver->GiveMatrix());
+  std::vector<double> x(static_cast<std::size_t>(grid.Equations()), 1.0), y = x;
   for (auto _ : state) {
     M.solve(x.data(), y.data());
     benchmark::ClobberMemory();
@@ -216,72 +267,97 @@ void SparsePreconditioning(benchmark::State& state)
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(M.StorageBytes()));
 }
 
-void SetIterationsRatio(benchmark::State& state, double seconds)
+void Factors(benchmark::State& state, const Grid& grid)
 {
-  const double mean = seconds / static_cast<double>(state.iterations());
-  state.counters["iterations_ratio"] = mean / SecondsPerIteration();
+  const std::unique_ptr<SparseSolver> solver = grid.Filled();
+  const SparseMatrix& A = *solver->GiveMatrix();
+  const double iteration = SecondsPerIteration(A, ILUPreconditioner(A), grid.Load());
+  std::vector<double> seconds;
+  for (auto _ : state)
+    seconds.push_back(
+        Seconds(1, [&] { benchmark::DoNotOptimize(ILUPreconditioner(A).IsComplete()); }));
+  state.counters["iterations"] = Median(seconds) / iteration;
 }
 
-/// From the couplings to the filled matrix.
-void SparseAssembly(benchmark::State& state)
+/// Couplings and pattern.
+void Pattern(benchmark::State& state, const Grid& grid)
 {
-  SecondsPerIteration();
-  double seconds = 0.0;
+  std::vector<double> seconds;
   for (auto _ : state)
-    seconds += Seconds(1, [] {
-      const std::unique_ptr<SparseSolver> solver = kFrame.MakeMatrix();
-      kFrame.Assemble(*solver);
-    });
-  SetIterationsRatio(state, seconds);
+    seconds.push_back(Seconds(1, [&] { benchmark::DoNotOptimize(grid.MakeMatrix()); }));
+  state.counters["us_per_element"] = 1e6 * Median(seconds) / grid.Elements();
 }
 
-/// Filling again what was filled before.
-void SparseReassembly(benchmark::State& state)
+void Assembly(benchmark::State& state, const Grid& grid)
 {
-  SecondsPerIteration();
-  const std::unique_ptr<SparseSolver> solver = kFrame.MakeMatrix();
-  double seconds = 0.0;
-  for (auto _ : state)
-    seconds += Seconds(1, [&] {
-      solver->SetToZero();
-      kFrame.Assemble(*solver);
-    });
-  SetIterationsRatio(state, seconds);
-}
-
-void SparseFactors(benchmark::State& state)
-{
-  SecondsPerIteration();
-  double seconds = 0.0;
-  for (auto _ : state)
-    seconds += Seconds(
-        1, [] { benchmark::DoNotOptimize(ILUPreconditioner(FilledMatrix()).IsComplete()); });
-  SetIterationsRatio(state, seconds);
+  const std::unique_ptr<SparseSolver> solver = grid.Filled();
+  const SparseMatrix& A = *solver->GiveMatrix();
+  const double iteration = SecondsPerIteration(A, ILUPreconditioner(A), grid.Load());
+  std::vector<double> seconds;
+  for (auto _ : state) {
+    solver->SetToZero();
+    seconds.push_back(Seconds(1, [&] { grid.Assemble(*solver); }));
+  }
+  state.counters["us_per_element"] = 1e6 * Median(seconds) / grid.Elements();
+  state.counters["iterations"] = Median(seconds) / iteration;
 }
 
 /// The whole way from couplings to solution. The peak counts from what the process held
-/// before; run this one alone (--benchmark_filter=SparseRun), so that nothing freed is reused.
-void SparseRun(benchmark::State& state)
+/// before; run this one alone, so that nothing freed is reused.
+void Run(benchmark::State& state, const Grid& grid)
 {
   for (auto _ : state) {
     ResetMemoryPeak();
     const double before = MemoryNow();
-    const std::unique_ptr<SparseSolver> solver = kFrame.MakeMatrix();
-    kFrame.Assemble(*solver);
-    ReaVecV load = kFrame.Load();
-    kFrame.Clamp(*solver, load);
+    const std::unique_ptr<SparseSolver> solver = grid.Filled();
+    ReaVecV load = grid.Load();
+    for (int equation = 1; equation <= grid.ClampedEquations(); ++equation)
+      load(equation) = 0.0;
     state.counters["result"] = solver->Solver(load, nullptr);
-    state.counters["peak_ratio"] =
-        (MemoryPeak() - before) / IterationStorage(*solver->GiveMatrix());
+    const double allowed = 1.15 * 16.0 * solver->GiveMatrix()->GiveSlots() + 400.0 * grid.Nodes();
+    state.counters["peak_ratio"] = (MemoryPeak() - before) / allowed;
   }
 }
 
-BENCHMARK(SparseRun)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(SparseIteration)->Unit(benchmark::kMillisecond)->Iterations(5);
-BENCHMARK(SparseProduct)->Unit(benchmark::kMillisecond);
-BENCHMARK(SparsePreconditioning)->Unit(benchmark::kMillisecond);
-BENCHMARK(SparseAssembly)->Unit(benchmark::kMillisecond);
-BENCHMARK(SparseReassembly)->Unit(benchmark::kMillisecond);
-BENCHMARK(SparseFactors)->Unit(benchmark::kMillisecond);
+void RegisterAll()
+{
+  static const struct
+  {
+    const char* name;
+    Grid large, small;
+  } families[] = {
+      {"beams", {Kind::kBeams, 31, 32}, {Kind::kBeams, 5, 40}},
+      {"solids4", {Kind::kSolids4, 36, 36}, {Kind::kSolids4, 10, 10}},
+      {"solids10", {Kind::kSolids10, 18, 18}, {Kind::kSolids10, 4, 4}},
+  };
+  static const struct
+  {
+    const char* name;
+    void (*run)(benchmark::State&, const Grid&);
+    bool small;
+    int iterations;
+  } figures[] = {
+      {"SparseRun", Run, false, 1},
+      {"SparseIteration", Iteration, false, 5},
+      {"SparseIterationSmall", IterationInCache, true, 5},
+      {"SparseProduct", Product, false, 10},
+      {"SparseProductSmall", Product, true, 100},
+      {"SparsePreconditioning", Preconditioning, false, 10},
+      {"SparsePreconditioningSmall", Preconditioning, true, 100},
+      {"SparseFactors", Factors, false, 3},
+      {"SparsePattern", Pattern, false, 3},
+      {"SparseAssembly", Assembly, false, 3},
+  };
+  for (const auto& figure : figures)
+    for (const auto& family : families) {
+      const std::string name = std::string(figure.name) + "/" + family.name;
+      benchmark::RegisterBenchmark(name.c_str(), figure.run,
+                                   figure.small ? family.small : family.large)
+          ->Unit(benchmark::kMillisecond)
+          ->Iterations(figure.iterations);
+    }
+}
+
+const bool kRegistered = (RegisterAll(), true);
 
 }  // namespace

@@ -39,17 +39,6 @@ bool Invert(int size, double* block, double* work)
   return true;
 }
 
-/// result = −a·b, blocks column by column.
-void NegativeProduct(int size, const double* a, const double* b, double* result)
-{
-  for (int j = 0; j < size; ++j, result += size) {
-    std::fill_n(result, size, 0.0);
-    for (int k = 0; k < size; ++k)
-      for (int i = 0; i < size; ++i)
-        result[i] -= a[k * size + i] * b[j * size + k];
-  }
-}
-
 }  // namespace
 
 void BlockRows::Reserve(std::size_t lines, std::size_t blocks)
@@ -132,7 +121,7 @@ bool BlockFactors::Factorise()
     mark(upper, UpperLine(i), true);
     if (!target[i])
       return false;
-    EliminateLine(i, target.data(), work.data());
+    EliminateLine(i, target.data());
     if (!FinishLine(i, work.data()))
       return false;
     mark(lower, i, false);
@@ -141,7 +130,7 @@ bool BlockFactors::Factorise()
   return true;
 }
 
-void BlockFactors::EliminateLine(int i, double* const* target, double* work)
+void BlockFactors::EliminateLine(int i, double* const* target)
 {
   std::vector<double*>& targets = targetsOfLine;
   for (int s = lower.starts[i]; s < lower.starts[i + 1]; ++s) {
@@ -152,8 +141,7 @@ void BlockFactors::EliminateLine(int i, double* const* target, double* work)
       targets.push_back(target[upper.columns[t]]);
     kernels->addProducts(lower.Block(s), upper.Block(own + 1), targets.data(),
                          static_cast<int>(targets.size()));
-    NegativeProduct(size, lower.Block(s), upper.Block(own), work);
-    std::copy_n(work, size * size, lower.Block(s));
+    kernels->scaleRight(lower.Block(s), upper.Block(own));
   }
 }
 
@@ -163,10 +151,7 @@ bool BlockFactors::FinishLine(int i, double* work)
   const int own = upper.starts[line];
   if (!Invert(size, upper.Block(own), work))
     return false;
-  for (int t = own + 1; t < upper.starts[line + 1]; ++t) {
-    NegativeProduct(size, upper.Block(own), upper.Block(t), work);
-    std::copy_n(work, size * size, upper.Block(t));
-  }
+  kernels->scaleLeft(upper.Block(own), upper.Block(own + 1), upper.starts[line + 1] - own - 1);
   return true;
 }
 

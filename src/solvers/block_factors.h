@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "base/large_array.h"
 #include "solvers/block_kernel.h"
 
 class SparseMatrix;
@@ -11,7 +12,7 @@ class SparseMatrix;
 struct BlockRows
 {
   int size;
-  std::vector<double> values;
+  LargeArray<double> values;
   std::vector<int> columns;
   std::vector<int> starts = {0};
 
@@ -61,7 +62,7 @@ private:
   bool Factorise();
   /// Takes off the line of node i what the nodes before it bring; target[j] points to block
   /// (i, j), null when it is not in the pattern.
-  void EliminateLine(int i, double* const* target, double* work);
+  void EliminateLine(int i, double* const* target);
   /// Turns the block of D that the elimination left into its inverse, and scales −U'.
   bool FinishLine(int i, double* work);
 

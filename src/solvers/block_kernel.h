@@ -35,6 +35,12 @@ struct BlockKernels
   /// *targets[k] += factor·block k, for `count` blocks in a row; a null target is left out.
   void (*addProducts)(const double* factor, const double* blocks, double* const* targets,
                       int count);
+
+  /// Each of `count` blocks in a row becomes −factor·block.
+  void (*scaleLeft)(const double* factor, double* blocks, int count);
+
+  /// block = −block·factor.
+  void (*scaleRight)(double* block, const double* factor);
 };
 
 /// The loops for blocks of this size on a processor; null for sizes other than 3 and 6.

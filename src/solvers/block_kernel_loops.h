@@ -15,6 +15,10 @@ namespace {
 
 constexpr int kSums = 3;
 
+/// How far ahead of a block, in numbers, memory is asked for: what arrives while the blocks
+/// before it are worked on.
+constexpr int kAhead = 512;
+
 template <int lanes>
 struct PackOf;
 
@@ -122,8 +126,11 @@ template <class Node>
   constexpr int kSquare = Node::size * Node::size;
   const int end = A.starts[line + 1];
   const double* block = A.values + static_cast<long long>(A.starts[line]) * kSquare;
-  for (int s = A.starts[line]; s < end; ++s, block += kSquare)
+  for (int s = A.starts[line]; s < end; ++s, block += kSquare) {
+    for (int k = 0; k + 8 <= kSquare; k += 8)
+      __builtin_prefetch(block + kAhead + k);
     AddBlock(block, x + static_cast<long long>(A.columns[s]) * Node::size, sums);
+  }
 }
 
 template <class Node>
@@ -161,28 +168,62 @@ void Backward(const BlockLines& U, double* y)
   }
 }
 
+/// target = start·target + left·right, start 0 or 1.
+template <class Node, bool add>
+[[gnu::always_inline]] inline void Multiply(const double* left, const double* right, double* target)
+{
+  for (int b = 0; b < Node::size * Node::size; b += Node::size) {
+    Sums<Node> sums = {};
+    if constexpr (add)
+      Load(target + b, sums.of[0]);
+    AddBlock(left, right + b, sums);
+    AddUp(sums, sums.of[0]);
+    Store(sums.of[0], target + b);
+  }
+}
+
 template <class Node>
 void AddProducts(const double* factor, const double* blocks, double* const* targets, int count)
 {
-  constexpr int kSquare = Node::size * Node::size;
-  for (int k = 0; k < count; ++k, blocks += kSquare) {
-    if (!targets[k])
-      continue;
-    for (int b = 0; b < kSquare; b += Node::size) {
-      Sums<Node> sums = {};
-      Load(targets[k] + b, sums.of[0]);
-      AddBlock(factor, blocks + b, sums);
-      AddUp(sums, sums.of[0]);
-      Store(sums.of[0], targets[k] + b);
-    }
+  for (int k = 0; k < count; ++k, blocks += Node::size * Node::size)
+    if (targets[k])
+      Multiply<Node, true>(factor, blocks, targets[k]);
+}
+
+/// The opposite of a block, which a product may then replace.
+template <class Node>
+struct Opposite
+{
+  static constexpr int kSquare = Node::size * Node::size;
+  explicit Opposite(const double* block)
+  {
+    for (int k = 0; k < kSquare; ++k)
+      values[k] = -block[k];
   }
+  double values[kSquare + kBlockPadding];
+};
+
+template <class Node>
+void ScaleLeft(const double* factor, double* blocks, int count)
+{
+  const Opposite<Node> opposite(factor);
+  for (int k = 0; k < count; ++k, blocks += Node::size * Node::size)
+    Multiply<Node, false>(opposite.values, blocks, blocks);
+}
+
+template <class Node>
+void ScaleRight(double* block, const double* factor)
+{
+  const Opposite<Node> opposite(block);
+  Multiply<Node, false>(opposite.values, factor, block);
 }
 
 template <int size, int lanes>
 constexpr BlockKernels MakeKernels()
 {
   using Node = NodePacks<size, lanes>;
-  return {Product<Node>, Forward<Node>, Backward<Node>, AddProducts<Node>};
+  return {Product<Node>,     Forward<Node>,   Backward<Node>,
+          AddProducts<Node>, ScaleLeft<Node>, ScaleRight<Node>};
 }
 
 }  // namespace

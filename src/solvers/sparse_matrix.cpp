@@ -38,6 +38,20 @@ int SeparateColumn(int blockColumn, int blockSize, int b)
   return blockColumn < 0 ? ~(~blockColumn * blockSize + b) : blockColumn * blockSize + b;
 }
 
+/// Adds a block given row by row, or its transpose, to one kept column by column.
+template <int size>
+void AddByRows(const double* m, bool transposed, double* value)
+{
+  if (transposed) {
+    for (int k = 0; k < size * size; ++k)
+      value[k] += m[k];
+    return;
+  }
+  for (int b = 0; b < size; ++b)
+    for (int a = 0; a < size; ++a)
+      value[b * size + a] += m[a * size + b];
+}
+
 void CheckSlots(const NodePattern& pattern, int ndof)
 {
   if (pattern.Lines() < 1 || ndof < 1)
@@ -160,20 +174,23 @@ void SparseMatrix::addToLhs(int i, int j, double v)
   value += v;
 }
 
-void SparseMatrix::AddNodeBlock(int p, int q, const double* m, int rowStep, int colStep)
+void SparseMatrix::AddNodeBlock(int p, int q, const double* m, bool transposed)
 {
   const int block = size == ndof ? FindBlock(p, q) : EndOfBlocks();
   if (block == EndOfBlocks()) {
     for (int a = 0; a < ndof; ++a)
       for (int b = 0; b < ndof; ++b)
-        addToLhs(p * ndof + a, q * ndof + b, m[a * rowStep + b * colStep]);
+        addToLhs(p * ndof + a, q * ndof + b, transposed ? m[b * ndof + a] : m[a * ndof + b]);
     return;
   }
   Give(block, q);
-  double* value = &values[Place(block, 0, 0)];
-  for (int b = 0; b < ndof; ++b)
-    for (int a = 0; a < ndof; ++a)
-      *value++ += m[a * rowStep + b * colStep];
+  double* const value = &values[Place(block, 0, 0)];
+  if (size == 3)
+    AddByRows<3>(m, transposed, value);
+  else if (size == 6)
+    AddByRows<6>(m, transposed, value);
+  else
+    *value += *m;
 }
 
 // What a fixed row has put into the other entries of a free block was left out of everything.
@@ -189,7 +206,7 @@ void SparseMatrix::Separate()
   const int blockSize = std::exchange(size, 1);
   const std::vector<int> lineStarts = std::exchange(starts, {0});
   const std::vector<int> blockColumns = std::exchange(columns, {});
-  const std::vector<double> blockValues = std::exchange(values, {});
+  const LargeArray<double> blockValues = std::exchange(values, {});
   const std::size_t slots = blockColumns.size() * blockSize * blockSize;
   columns.reserve(slots);
   values.reserve(slots + kBlockPadding);
@@ -198,8 +215,7 @@ void SparseMatrix::Separate()
     for (int entry = lineStarts[p] * blockSize; entry < lineStarts[p + 1] * blockSize; ++entry) {
       columns.push_back(
           SeparateColumn(blockColumns[entry / blockSize], blockSize, entry % blockSize));
-      values.push_back(blockValues.empty() ? 0.0
-                                           : blockValues[entry * blockSize + i % blockSize]);
+      values.push_back(blockValues.empty() ? 0.0 : blockValues[entry * blockSize + i % blockSize]);
     }
     starts.push_back(static_cast<int>(columns.size()));
   }

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <vector>
 
+#include "base/large_array.h"
 #include "solvers/block_kernel.h"
 #include "solvers/compressed_rows.h"
 #include "solvers/node_couplings.h"
@@ -43,9 +44,9 @@ public:
   /// i, when it has none. Fatal when there is no free slot, and outside the matrix.
   void addToLhs(int i, int j, double v);
 
-  /// Adds an ndof×ndof block at the nodes p and q, ndof as the matrix was made; its entry
-  /// (a, b) is m[a·rowStep + b·colStep]. Fatal as addToLhs.
-  void AddNodeBlock(int p, int q, const double* m, int rowStep, int colStep);
+  /// Adds an ndof×ndof block, given row by row, or its transpose at the nodes p and q, ndof as
+  /// the matrix was made. Fatal as addToLhs.
+  void AddNodeBlock(int p, int q, const double* m, bool transposed);
 
   /// y = A·x.
   void mult(const double* x, double* y) const;
@@ -78,10 +79,7 @@ public:
   int BlockSize() const { return size; }
 
   /// Blocks by lines; those that are free have negative columns.
-  BlockLines Blocks() const
-  {
-    return {n / size, values.data(), columns.data(), starts.data()};
-  }
+  BlockLines Blocks() const { return {n / size, values.data(), columns.data(), starts.data()}; }
 
   /// A double and an int for every slot, an int for every row: what the matrix takes in single
   /// entries, whatever its blocks.
@@ -118,13 +116,13 @@ private:
   void Separate();
 
   int n;
-  int size;      ///< rows and columns of a block
-  int ndof;      ///< equations of a node
-  bool ordered;  ///< the columns of each line, held or set aside, ascend
-  std::vector<int> starts;      ///< line p has the blocks starts[p] to starts[p + 1] - 1
-  std::vector<int> columns;     ///< of every block, in blocks
-  std::vector<double> values;   ///< of the blocks, each column by column; kBlockPadding more
-  int freeBlocks;  ///< how many there are
+  int size;                   ///< rows and columns of a block
+  int ndof;                   ///< equations of a node
+  bool ordered;               ///< the columns of each line, held or set aside, ascend
+  std::vector<int> starts;    ///< line p has the blocks starts[p] to starts[p + 1] - 1
+  std::vector<int> columns;   ///< of every block, in blocks
+  LargeArray<double> values;  ///< of the blocks, each column by column; kBlockPadding more
+  int freeBlocks;             ///< how many there are
 };
 
 /// One line a row: four blanks, the column from 1, ':' and the value for every slot that has

@@ -73,21 +73,17 @@ void SparseSolver::SetToZero()
   prescribed.clear();
 }
 
-bool SparseSolver::IsNodeBlock(int row, int col, const Matriu& m) const
-{
-  return m.Rows() == ndof && m.Cols() == ndof && row % ndof == 0 && col % ndof == 0;
-}
-
 void SparseSolver::AddSubMatriu(int row, int col, const Matriu& m)
 {
   if (row < 1 || col < 1 || row - 1 > n - m.Rows() || col - 1 > n - m.Cols())
     Fatal("Sparse Matrix accessing exception -- out of bounds.");
-  if (IsNodeBlock(row - 1, col - 1, m)) {
-    const int p = (row - 1) / ndof;
-    const int q = (col - 1) / ndof;
-    matrix->AddNodeBlock(p, q, m.Data(), ndof, 1);
+  const int p = (row - 1) / ndof;
+  const int q = (col - 1) / ndof;
+  const bool ofNodes = m.Rows() == ndof && m.Cols() == ndof;
+  if (ofNodes && p * ndof == row - 1 && q * ndof == col - 1) {
+    matrix->AddNodeBlock(p, q, m.Data(), false);
     if (p != q)
-      matrix->AddNodeBlock(q, p, m.Data(), 1, ndof);
+      matrix->AddNodeBlock(q, p, m.Data(), true);
     return;
   }
   for (int a = 1; a <= m.Rows(); ++a) {

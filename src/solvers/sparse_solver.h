@@ -72,7 +72,6 @@ public:
 
 private:
   void AddNeighbour(int node, int neighbour);
-  bool IsNodeBlock(int row, int col, const Matriu& m) const;
 
   std::unique_ptr<double[]> TakeStart(const ReaVecV& b);
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "support/dense.h"
@@ -195,6 +197,157 @@ TEST(SparseMatrix, CopiesAreIndependent)
 TEST(SparseMatrix, DumpHasALineForEveryRow)
 {
   EXPECT_EQ(Text(Example()), "    3:2    1:1\n    2:3\n    3:5    1:4\n");
+}
+
+/// Three nodes in a row, for blocks of ndof equations; nothing added.
+SparseMatrix Chain(int ndof)
+{
+  NodeCouplings couplings(3, 200);
+  for (const auto& [p, q] : {std::pair{0, 1}, {1, 0}, {1, 2}, {2, 1}})
+    couplings.Add(p, q);
+  return SparseMatrix(couplings.TakePattern(), ndof);
+}
+
+std::vector<double> Counted(int count)
+{
+  std::vector<double> numbers;
+  for (int k = 1; k <= count; ++k)
+    numbers.push_back(k);
+  return numbers;
+}
+
+constexpr int kNodeSizes[] = {1, 2, 3, 4, 6};
+
+TEST(SparseMatrixOfNodes, StoresBlocksOfThreeAndSixEquations)
+{
+  for (const int ndof : kNodeSizes) {
+    const SparseMatrix matrix = Chain(ndof);
+    EXPECT_EQ(matrix.BlockSize(), ndof == 3 || ndof == 6 ? ndof : 1);
+    EXPECT_EQ(matrix.GiveSize(), 3 * ndof);
+    EXPECT_EQ(matrix.GiveSlots(), 7 * ndof * ndof);
+    EXPECT_EQ(matrix.StorageBytes(), 12u * 7 * ndof * ndof + 4u * 3 * ndof);
+    EXPECT_EQ(Text(matrix), std::string(3 * ndof, '\n'));
+  }
+}
+
+TEST(SparseMatrixOfNodes, BlocksAreGivenRowByRow)
+{
+  for (const int ndof : kNodeSizes) {
+    SparseMatrix matrix = Chain(ndof);
+    const std::vector<double> m = Counted(ndof * ndof);
+    for (int round = 0; round < 2; ++round) {
+      matrix.AddNodeBlock(0, 1, m.data(), false);
+      matrix.AddNodeBlock(2, 1, m.data(), true);
+    }
+    for (int a = 0; a < ndof; ++a)
+      for (int b = 0; b < ndof; ++b) {
+        EXPECT_EQ(matrix(a, ndof + b), 2.0 * m[a * ndof + b]);
+        EXPECT_EQ(matrix(2 * ndof + a, ndof + b), 2.0 * m[b * ndof + a]);
+        EXPECT_EQ(matrix(ndof + a, b), 0.0);
+      }
+  }
+}
+
+TEST(SparseMatrixOfNodes, ProductsLeaveFreeBlocksOut)
+{
+  for (const int ndof : kNodeSizes)
+    for (const bool complete : {false, true}) {
+      SparseMatrix matrix = Chain(ndof);
+      const int n = 3 * ndof;
+      DenseRows a = DenseZero(n);
+      unsigned seed = 0;
+      for (const auto& [p, q] : {std::pair{0, 0}, {0, 1}, {1, 0}, {1, 1}, {2, 1}, {2, 2}, {1, 2}}) {
+        if (p == 1 && q == 2 && !complete)
+          continue;
+        const std::vector<double> m = RandomVector(ndof * ndof, ++seed);
+        matrix.AddNodeBlock(p, q, m.data(), false);
+        for (int k = 0; k < ndof * ndof; ++k)
+          a[p * ndof + k / ndof][q * ndof + k % ndof] = m[k];
+      }
+      const std::vector<double> x = RandomVector(n, 50);
+      std::vector<double> y(n, 99.0);
+      matrix.mult(x.data(), y.data());
+      EXPECT_LE(LargestDifference(y, DenseProduct(a, x)), 1e-14);
+      for (int i = 0; i < n; ++i)
+        EXPECT_NEAR(matrix.MultiplyVector(i, x.data()), y[i], 1e-14);
+      matrix.trans_mult(x.data(), y.data());
+      EXPECT_LE(LargestDifference(y, DenseProduct(Transposed(a), x)), 1e-14);
+    }
+}
+
+TEST(SparseMatrixOfNodes, EntryGivesItsBlockAllColumns)
+{
+  SparseMatrix matrix = Chain(3);
+  matrix.addToLhs(1, 5, 2.5);
+  EXPECT_EQ(matrix(1, 5), 2.5);
+  EXPECT_EQ(matrix.set(0, 3), 0.0);
+  EXPECT_EQ(Text(matrix), "    4:0    5:0    6:0\n    4:0    5:0    6:2.5\n" +
+                              std::string("    4:0    5:0    6:0\n") + std::string(6, '\n'));
+  ExpectFatal([&] { matrix.set(0, 0); },
+              "Sparse Matrix element (0,0) not in sparse structure -- cannot assign.");
+  ExpectFatal([&] { matrix.set(0, 9); },
+              "Sparse Matrix element (0,9) not in sparse structure -- cannot assign.");
+}
+
+TEST(SparseMatrixOfNodes, FreeSlotsTakeColumnsOutsideThePattern)
+{
+  for (const int ndof : kNodeSizes) {
+    SparseMatrix matrix = Chain(ndof);
+    const std::vector<double> m = Counted(ndof * ndof);
+    matrix.AddNodeBlock(1, 1, m.data(), false);
+    matrix.AddNodeBlock(1, 2, m.data(), true);
+    matrix.AddNodeBlock(0, 2, m.data(), false);  // takes the place of (0, 0)
+    EXPECT_EQ(matrix.BlockSize(), 1);
+    matrix.AddNodeBlock(0, 1, m.data(), false);
+    matrix.AddNodeBlock(1, 1, m.data(), false);
+    for (int a = 0; a < ndof; ++a)
+      for (int b = 0; b < ndof; ++b) {
+        EXPECT_EQ(matrix(a, 2 * ndof + b), m[a * ndof + b]);
+        EXPECT_EQ(matrix(a, ndof + b), m[a * ndof + b]);
+        EXPECT_EQ(matrix(ndof + a, ndof + b), 2.0 * m[a * ndof + b]);
+        EXPECT_EQ(matrix(ndof + a, 2 * ndof + b), m[b * ndof + a]);
+      }
+    ExpectFatal([&] { matrix.addToLhs(ndof - 1, 0, 1.0); },
+                "Wrong Row " + std::to_string(ndof - 1) + " definition: Row length " +
+                    std::to_string(2 * ndof));
+  }
+}
+
+TEST(SparseMatrixOfNodes, FullLineTakesNoFurtherColumn)
+{
+  SparseMatrix matrix = Chain(3);
+  const std::vector<double> m = Counted(9);
+  matrix.AddNodeBlock(0, 0, m.data(), false);
+  matrix.AddNodeBlock(0, 1, m.data(), false);
+  ExpectFatal([&] { matrix.AddNodeBlock(0, 2, m.data(), false); },
+              "Wrong Row 0 definition: Row length 6");
+  ExpectFatal([&] { matrix.addToLhs(2, 6, 1.0); }, "Wrong Row 2 definition: Row length 6");
+  EXPECT_EQ(matrix.BlockSize(), 3);
+}
+
+TEST(SparseMatrixOfNodes, FixedRowPutsOneIntoFreeSlots)
+{
+  for (const int ndof : kNodeSizes) {
+    SparseMatrix matrix = Chain(ndof);
+    const int n = 3 * ndof;
+    const std::vector<double> m(ndof * ndof, 5.0);
+    matrix.AddNodeBlock(1, 1, m.data(), false);
+    matrix.Fix_Row(ndof);
+    std::vector<double> x = RandomVector(n, 4);
+    EXPECT_EQ(matrix.MultiplyVector(ndof, x.data()), x[ndof]);
+    matrix.addToLhs(ndof, 0, 0.5);
+    EXPECT_EQ(matrix(ndof, 0), 1.5);
+    EXPECT_NEAR(matrix.MultiplyVector(ndof, x.data()), x[ndof] + 1.5 * x[0], 1e-15);
+    EXPECT_EQ(matrix(2 * ndof - 1, ndof), ndof > 1 ? 5.0 : 1.0);
+  }
+}
+
+TEST(SparseMatrixOfNodes, SizesOutOfRangeAreRefused)
+{
+  ExpectFatal([] { SparseMatrix(NodePattern(), 3); }, "Sparse Matrix size must be greater than 0");
+  NodePattern pattern;
+  pattern.starts = {0, 60000000};
+  ExpectFatal([&] { SparseMatrix(pattern, 6); }, "Not space available on heap");
 }
 
 }  // namespace

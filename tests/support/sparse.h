@@ -90,6 +90,18 @@ inline SparseMatrix SparseOf(const DenseRows& a, int freeSlots = 0)
   return matrix;
 }
 
+/// The same matrix in single entries, without those that are free.
+inline SparseMatrix InRows(const SparseMatrix& matrix)
+{
+  std::vector<int> lengths(matrix.GiveSize(), 0);
+  for (int i = 0; i < matrix.GiveSize(); ++i)
+    matrix.ForEachInRow(i, [&](int, double) { ++lengths[i]; });
+  SparseMatrix rows(matrix.GiveSize(), lengths.data());
+  for (int i = 0; i < matrix.GiveSize(); ++i)
+    matrix.ForEachInRow(i, [&](int j, double value) { rows.addToLhs(i, j, value); });
+  return rows;
+}
+
 inline DenseRows DenseOf(const CompressedView& rows)
 {
   DenseRows a = DenseZero(rows.n);

@@ -1,0 +1,3 @@
+#include "base/large_array.h"
+
+void AskForLargePages(void*, std::size_t) {}

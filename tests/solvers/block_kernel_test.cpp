@@ -1,0 +1,225 @@
+#include "solvers/block_kernel.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "support/sparse.h"
+
+namespace {
+
+/// Lines of random blocks with NaN where the loops may read but must not use it.
+struct RandomLines
+{
+  int size;
+  std::vector<double> values;
+  std::vector<int> columns;
+  std::vector<int> starts = {0};
+
+  RandomLines(int size_, int lines, unsigned seed) : size(size_), random(seed), nodes(lines) {}
+
+  void AddBlock(int column)
+  {
+    std::uniform_real_distribution<double> number(-0.3, 0.3);
+    columns.push_back(column);
+    for (int k = 0; k < size * size; ++k)
+      values.push_back(number(random));
+  }
+
+  /// Up to 12 different columns from `first` to `last` - 1, without order.
+  void AddSome(int first, int last)
+  {
+    std::vector<int> all;
+    for (int column = first; column < last; ++column)
+      all.push_back(column);
+    std::shuffle(all.begin(), all.end(), random);
+    const int count = std::uniform_int_distribution<int>(0, 12)(random);
+    for (int k = 0; k < std::min(count, last - first); ++k)
+      AddBlock(all[k]);
+  }
+
+  void EndLine() { starts.push_back(static_cast<int>(columns.size())); }
+
+  BlockLines View()
+  {
+    values.resize(columns.size() * size * size);
+    values.resize(values.size() + kBlockPadding, std::numeric_limits<double>::quiet_NaN());
+    return {nodes, values.data(), columns.data(), starts.data()};
+  }
+
+  /// y += line times x.
+  void AddLine(int line, const double* x, double* y) const
+  {
+    for (int s = starts[line]; s < starts[line + 1]; ++s)
+      for (int b = 0; b < size; ++b)
+        for (int a = 0; a < size; ++a)
+          y[a] += values[(s * size + b) * size + a] * x[columns[s] * size + b];
+  }
+
+  std::mt19937 random;
+  int nodes;
+};
+
+using Case = std::tuple<Processor, int>;
+
+class BlockKernelTest : public testing::TestWithParam<Case>
+{
+protected:
+  void SetUp() override
+  {
+    if (std::get<0>(GetParam()) > ThisProcessor())
+      GTEST_SKIP() << "not on this processor";
+  }
+
+  int Size() const { return std::get<1>(GetParam()); }
+  const BlockKernels& Kernels() const { return *GiveBlockKernels(Size(), std::get<0>(GetParam())); }
+};
+
+constexpr int kLines[] = {1, 2, 3, 5, 8, 17, 40};
+constexpr double kTolerance = 1e-13;
+
+/// A vector for some nodes, and a number behind it that must stay.
+std::vector<double> Guarded(int n, unsigned seed)
+{
+  std::vector<double> x = RandomVector(n, seed);
+  x.push_back(77.0);
+  return x;
+}
+
+TEST_P(BlockKernelTest, ProductAgreesWithPlainLoops)
+{
+  for (const int n : kLines) {
+    RandomLines A(Size(), n, 1);
+    for (int i = 0; i < n; ++i) {
+      A.AddSome(0, n);
+      A.EndLine();
+    }
+    const std::vector<double> x = Guarded(n * Size(), 2);
+    std::vector<double> y = Guarded(n * Size(), 3);
+    Kernels().product(A.View(), x.data(), y.data());
+    std::vector<double> expected(n * Size(), 0.0);
+    for (int i = 0; i < n; ++i)
+      A.AddLine(i, x.data(), &expected[i * Size()]);
+    EXPECT_EQ(y.back(), 77.0);
+    y.pop_back();
+    EXPECT_LE(LargestDifference(y, expected), kTolerance);
+  }
+}
+
+TEST_P(BlockKernelTest, ForwardUsesWhatWasFoundBefore)
+{
+  for (const int n : kLines) {
+    RandomLines L(Size(), n, 4);
+    for (int i = 0; i < n; ++i) {
+      L.AddSome(0, i);
+      L.EndLine();
+    }
+    std::vector<double> expected = RandomVector(n * Size(), 5);
+    const std::vector<double> b = Guarded(n * Size(), 5);
+    for (int i = 0; i < n; ++i)
+      L.AddLine(i, expected.data(), &expected[i * Size()]);
+    std::vector<double> y = Guarded(n * Size(), 6);
+    Kernels().forward(L.View(), b.data(), y.data());
+    std::vector<double> inPlace = b;
+    Kernels().forward(L.View(), inPlace.data(), inPlace.data());
+    EXPECT_EQ(y, inPlace);
+    EXPECT_EQ(y.back(), 77.0);
+    y.pop_back();
+    EXPECT_LE(LargestDifference(y, expected), kTolerance);
+  }
+}
+
+TEST_P(BlockKernelTest, BackwardBeginsEachLineWithItsOwnNode)
+{
+  for (const int n : kLines) {
+    RandomLines U(Size(), n, 7);
+    for (int i = n - 1; i >= 0; --i) {
+      U.AddBlock(i);
+      U.AddSome(i + 1, n);
+      U.EndLine();
+    }
+    std::vector<double> y = Guarded(n * Size(), 8);
+    std::vector<double> expected = RandomVector(n * Size(), 8);
+    for (int line = 0; line < n; ++line) {
+      std::vector<double> node(Size(), 0.0);
+      U.AddLine(line, expected.data(), node.data());
+      std::copy(node.begin(), node.end(), &expected[(n - 1 - line) * Size()]);
+    }
+    Kernels().backward(U.View(), y.data());
+    EXPECT_EQ(y.back(), 77.0);
+    y.pop_back();
+    EXPECT_LE(LargestDifference(y, expected), kTolerance);
+  }
+}
+
+/// a·b of square blocks, column by column.
+std::vector<double> BlockProduct(int size, const double* a, const double* b)
+{
+  std::vector<double> c(size * size, 0.0);
+  for (int i = 0; i < size; ++i)
+    for (int j = 0; j < size; ++j)
+      for (int k = 0; k < size; ++k)
+        c[j * size + i] += a[k * size + i] * b[j * size + k];
+  return c;
+}
+
+TEST_P(BlockKernelTest, ProductsAreAddedToTheirTargets)
+{
+  const int square = Size() * Size();
+  for (const int count : {0, 1, 2, 5}) {
+    const std::vector<double> factor = RandomVector(square + kBlockPadding, 9);
+    const std::vector<double> blocks = RandomVector(square * count + kBlockPadding, 10);
+    const std::vector<double> before = RandomVector(square * count + 1, 11);
+    std::vector<double> after = before;
+    std::vector<double*> targets;
+    for (int k = 0; k < count; ++k)
+      targets.push_back(k % 3 == 1 ? nullptr : &after[square * k]);
+    Kernels().addProducts(factor.data(), blocks.data(), targets.data(), count);
+    EXPECT_EQ(after.back(), before.back());
+    for (int k = 0; k < count; ++k) {
+      const std::vector<double> product = BlockProduct(Size(), factor.data(), &blocks[square * k]);
+      for (int e = 0; e < square; ++e)
+        EXPECT_NEAR(after[square * k + e], before[square * k + e] + (targets[k] ? product[e] : 0.0),
+                    kTolerance);
+    }
+  }
+}
+
+TEST_P(BlockKernelTest, BlocksAreScaledFromBothSides)
+{
+  const int square = Size() * Size();
+  const std::vector<double> factor = RandomVector(square + kBlockPadding, 12);
+  for (const int count : {0, 1, 3}) {
+    const std::vector<double> before = RandomVector(square * count + 1, 13);
+    std::vector<double> after = before;
+    after.resize(after.size() + kBlockPadding);
+    Kernels().scaleLeft(factor.data(), after.data(), count);
+    EXPECT_EQ(after[square * count], before.back());
+    for (int k = 0; k < count; ++k) {
+      const std::vector<double> product = BlockProduct(Size(), factor.data(), &before[square * k]);
+      for (int e = 0; e < square; ++e)
+        EXPECT_NEAR(after[square * k + e], -product[e], kTolerance);
+    }
+  }
+  const std::vector<double> before = RandomVector(square + 1, 14);
+  std::vector<double> after = before;
+  Kernels().scaleRight(after.data(), factor.data());
+  EXPECT_EQ(after.back(), before.back());
+  const std::vector<double> product = BlockProduct(Size(), before.data(), factor.data());
+  for (int e = 0; e < square; ++e)
+    EXPECT_NEAR(after[e], -product[e], kTolerance);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, BlockKernelTest,
+                         testing::Combine(testing::Values(Processor::kPlain, Processor::kAvx2),
+                                          testing::Values(3, 6)));
+
+TEST(BlockKernel, OtherSizesHaveNone)
+{
+  for (const int size : {1, 2, 4, 5, 7, 30})
+    EXPECT_EQ(GiveBlockKernels(size, ThisProcessor()), nullptr);
+}
+
+}  // namespace

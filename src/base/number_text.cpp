@@ -77,6 +77,37 @@ const char* ParseDouble(const char* text, double& v)
   return stop;
 }
 
+// The digits from p on, which moves behind them, are appended to the number; more than 19 in
+// all overflow.
+void AppendDigits(const char*& p, const char* end, std::uint64_t& number)
+{
+  for (; p != end && IsDigit(*p); ++p)
+    number = 10 * number + static_cast<std::uint64_t>(*p - '0');
+}
+
+// Reads "e" with its digits, if p stands there, into an exponent. False for one that is not
+// complete or has more than three digits.
+bool ScanPlainExponent(const char*& p, const char* end, int& exponent)
+{
+  if (p == end || (*p != 'e' && *p != 'E'))
+    return true;
+  ++p;
+  const bool negative = p != end && *p == '-';
+  if (p != end && (*p == '-' || *p == '+'))
+    ++p;
+  const char* const first = p;
+  std::uint64_t size = 0;
+  AppendDigits(p, end, size);
+  exponent = negative ? -static_cast<int>(size) : static_cast<int>(size);
+  return p != first && p - first <= 3;
+}
+
+// Whether a number that ended at p would go on for another reader.
+bool EndsAtLetterOfNumbers(const char* p, const char* end)
+{
+  return p != end && (*p == 'e' || *p == 'E' || *p == 'x' || *p == 'X');
+}
+
 // Whether an exponent without digits follows the number that ends at stop.
 bool HasBareExponent(const char* number, const char* stop)
 {
@@ -106,8 +137,69 @@ Notation IntNotation(const char* p, const char* end, int base)
 
 }  // namespace
 
+// Mantissa and power of ten are exact doubles, so that the one operation on them rounds once:
+// W. D. Clinger, How to read floating point numbers accurately, PLDI 1990.
+bool ScanPlainDouble(const char*& p, const char* end, double& v)
+{
+  static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                       1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                       1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+  constexpr int kLargest = 22;
+  constexpr std::ptrdiff_t kMostDigits = 19;
+  constexpr std::uint64_t kMantissaEnd = std::uint64_t{1} << 53;
+  const char* next = p;
+  const bool negative = next != end && *next == '-';
+  if (negative)
+    ++next;
+  const char* const first = next;
+  std::uint64_t mantissa = 0;
+  AppendDigits(next, end, mantissa);
+  std::ptrdiff_t digits = next - first;
+  std::ptrdiff_t decimals = 0;
+  if (next != end && *next == '.') {
+    const char* const point = ++next;
+    AppendDigits(next, end, mantissa);
+    decimals = next - point;
+    digits += decimals;
+  }
+  int exponent = 0;
+  if (digits == 0 || digits > kMostDigits || !ScanPlainExponent(next, end, exponent) ||
+      EndsAtLetterOfNumbers(next, end))
+    return false;
+  const int power = exponent - static_cast<int>(decimals);
+  if (mantissa > kMantissaEnd || power > kLargest || power < -kLargest)
+    return false;
+  const double size = static_cast<double>(static_cast<std::int64_t>(mantissa));
+  const double value = power < 0 ? size / kPowers[-power] : size * kPowers[power];
+  p = next;
+  v = negative ? -value : value;
+  return true;
+}
+
+bool ScanPlainInt(const char*& p, const char* end, int& v)
+{
+  constexpr std::ptrdiff_t kMostDigits = 9;
+  const char* next = p;
+  const bool negative = next != end && *next == '-';
+  if (negative)
+    ++next;
+  const char* const first = next;
+  std::uint64_t size = 0;
+  AppendDigits(next, end, size);
+  if (next == first || next - first > kMostDigits)
+    return false;
+  p = next;
+  v = negative ? -static_cast<int>(size) : static_cast<int>(size);
+  return true;
+}
+
 bool ScanDouble(const char*& p, double& v)
 {
+  const char* number = SkipWhite(p);
+  if (ScanPlainDouble(number, number + std::strlen(number), v)) {
+    p = number;
+    return true;
+  }
   double value = 0.0;
   const char* stop = ParseDouble(p, value);
   if (!stop || HasBareExponent(p, stop))

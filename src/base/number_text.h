@@ -17,5 +17,16 @@ bool ScanDouble(const char*& p, double& v);
 /// On success p stands behind the number; else p and v stay.
 bool ScanInt(const char*& p, int& v, int base, int maxDigits);
 
+/// Reads the numbers that most are, fast: "12", "-0.5", "1.25e-3". Exact, that is: what
+/// ScanDouble gives, as far as a number has at most 19 digits that fit into 53 bits and a power
+/// of ten up to 22 in size.
+///
+/// On success p stands behind the number; else p and v stay: the text begins with something
+/// else, which may be a number all the same.
+bool ScanPlainDouble(const char*& p, const char* end, double& v);
+
+/// Likewise for integers of at most nine decimal digits.
+bool ScanPlainInt(const char*& p, const char* end, int& v);
+
 /// The number the text begins with, as atof finds it ("1e" is 1); 0 when there is none.
 double ToDouble(const char* text);

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "base/errorwriter.h"
+#include "base/number_text.h"
 
 namespace {
 
@@ -41,6 +42,8 @@ void TextScan::SkipWhite()
 bool TextScan::ReadInt(int& value)
 {
   SkipWhite();
+  if (ScanPlainInt(next, end, value))
+    return true;
   const char* digits = next;
   if (digits != end && *digits == '+')
     ++digits;
@@ -55,6 +58,8 @@ bool TextScan::ReadInt(int& value)
 bool TextScan::ReadDouble(double& value)
 {
   SkipWhite();
+  if (ScanPlainDouble(next, end, value))
+    return true;
   const char* first = next;
   if (first != end && *first == '+')
     ++first;
@@ -70,6 +75,23 @@ bool TextScan::ReadDouble(double& value)
   if (next != end && (*next == 'e' || *next == 'E'))  // an exponent without digits
     return false;
   return fault == std::errc() || TinyNumber(first, stop, value);
+}
+
+bool TextScan::ReadLastNumber(int& value)
+{
+  const char* p = next;
+  while (p != end && (*p == ' ' || *p == '\t'))
+    ++p;
+  int number = 0;
+  if (p == end || *p < '1' || *p > '9' || !ScanPlainInt(p, end, number))
+    return false;
+  while (p != end && (*p == ' ' || *p == '\t' || *p == '\r'))
+    ++p;
+  if ((p != end && *p != '\n') || p - next > static_cast<std::ptrdiff_t>(kLimit))
+    return false;
+  next = p == end ? end : p + 1;
+  value = number;
+  return true;
 }
 
 std::string_view TextScan::ReadWord()
@@ -92,6 +114,10 @@ const std::string& TextScan::ReadRestOfLine()
 
 void TextScan::SkipLine()
 {
+  if (next != end && *next == '\n') {
+    ++next;
+    return;
+  }
   const void* newline = std::memchr(next, '\n', static_cast<std::size_t>(end - next));
   next = newline ? static_cast<const char*>(newline) + 1 : end;
 }

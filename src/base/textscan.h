@@ -33,6 +33,10 @@ public:
   bool ReadInt(int& value);
   bool ReadDouble(double& value);
 
+  /// Reads the rest of the line when it is nothing but one plain whole number above 0 without
+  /// leading zeros, and consumes the line; else false, and everything stays.
+  bool ReadLastNumber(int& value);
+
   /// The next word between white space; empty at the end of the text.
   std::string_view ReadWord();
 

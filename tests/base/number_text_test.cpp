@@ -2,10 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <random>
 #include <string>
+
+#include "base/textscan.h"
 
 namespace {
 
@@ -194,6 +199,95 @@ TEST(NumberText, ToDoubleTakesTheNumberInFront)
                {"1e400", 0.0},     {"0x1p", 1.0},   {"0x1p3", 8.0}};
   for (const auto& c : cases)
     EXPECT_EQ(ToDouble(c.text), c.expected) << c.text;
+}
+
+// A number in one of the ways in which files write them.
+std::string RandomNumber(std::mt19937_64& random)
+{
+  const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+  std::string text(below(3) == 0 ? "-" : "");
+  if (below(4) == 0) {
+    char digits[64];
+    const double number = std::bit_cast<double>(random());
+    std::snprintf(digits, sizeof digits, "%.*g", 1 + below(19), std::fabs(number));
+    return text + (std::isfinite(number) ? digits : "0");
+  }
+  const int length = 1 + below(below(2) ? 12 : 25);
+  const int point = below(length + 2);  // may lie before or behind all digits, or be missing
+  const int zeros = below(3) == 0 ? below(length) : 0;
+  for (int i = 0; i < length; ++i) {
+    if (i == point)
+      text += '.';
+    text += static_cast<char>('0' + (i < zeros ? 0 : below(10)));
+  }
+  if (point == length)
+    text += '.';
+  if (below(2) == 0) {
+    static const char* const signs[] = {"", "+", "-"};
+    text += below(2) ? "e" : "E";
+    text += signs[below(3)] + std::to_string(below(below(2) ? 10 : 320));
+  }
+  return text;
+}
+
+TEST(NumberText, AMillionNumbersBitForBitAsStrtod)
+{
+  std::mt19937_64 random(1);
+  for (int i = 0; i < 1000000; ++i) {
+    const std::string number = RandomNumber(random);
+    const std::string text = number + (i % 2 ? " 7" : "");
+    const double expected = std::strtod(text.c_str(), nullptr);
+    const char* p = text.c_str();
+    double value = -7.0;
+    double streamed = -7.0;
+    TextScan scan(text);
+    ASSERT_EQ(ScanDouble(p, value), std::isfinite(expected)) << text;
+    ASSERT_EQ(scan.ReadDouble(streamed), std::isfinite(expected)) << text;
+    if (!std::isfinite(expected))
+      continue;
+    ASSERT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(expected)) << text;
+    ASSERT_EQ(std::bit_cast<std::uint64_t>(streamed), std::bit_cast<std::uint64_t>(expected))
+        << text;
+    ASSERT_EQ(static_cast<std::size_t>(p - text.c_str()), number.size()) << text;
+    ASSERT_EQ(scan.Where().column, static_cast<int>(number.size()) + 1) << text;
+  }
+}
+
+TEST(NumberText, PlainNumbersEndWithTheText)
+{
+  const std::string text = "12.5e1234";
+  for (std::size_t length : {1, 2, 3, 4}) {
+    const char* p = text.data();
+    double value = 0.0;
+    EXPECT_TRUE(ScanPlainDouble(p, text.data() + length, value));
+    EXPECT_EQ(value, length == 1 ? 1.0 : length == 4 ? 12.5 : 12.0);
+    EXPECT_EQ(static_cast<std::size_t>(p - text.data()), length);
+  }
+  const char* p = text.data();
+  int value = 0;
+  EXPECT_TRUE(ScanPlainInt(p, text.data() + 1, value));
+  EXPECT_EQ(value, 1);
+  EXPECT_EQ(p, text.data() + 1);
+}
+
+TEST(NumberText, WhatIsNotPlainStaysForTheOtherReaders)
+{
+  for (const std::string text :
+       {"", "-", "+1", " 1", ".", "-.", "e5", "1e", "1e+", "1e1e", "1x", "0x10", "1e23", "1e1000",
+        "9007199254740993", "12345678901234567890", "0.00000000000000000001", "inf", "nan"}) {
+    const char* p = text.data();
+    double value = 3.0;
+    EXPECT_FALSE(ScanPlainDouble(p, text.data() + text.size(), value)) << text;
+    EXPECT_EQ(value, 3.0);
+    EXPECT_EQ(p, text.data());
+  }
+  for (const std::string text : {"", "-", "+1", " 1", "x", "1234567890", "0000000001"}) {
+    const char* p = text.data();
+    int value = 3;
+    EXPECT_FALSE(ScanPlainInt(p, text.data() + text.size(), value)) << text;
+    EXPECT_EQ(value, 3);
+    EXPECT_EQ(p, text.data());
+  }
 }
 
 }  // namespace

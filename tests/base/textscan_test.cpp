@@ -71,6 +71,43 @@ TEST(TextScan, DenormalNumbersAreNumbers)
   EXPECT_EQ(value, 1e-320);
 }
 
+TEST(TextScan, LastNumberOfALineIsTakenWithTheLine)
+{
+  static const struct
+  {
+    const char* text;
+    bool read;
+    int value;
+    const char* rest;  // of the line where it stands then
+  } cases[] = {
+      {" 12\nnext", true, 12, "next"},
+      {"\t7 \t\r\nnext", true, 7, "next"},
+      {"123456789", true, 123456789, ""},
+      {"12 3\n", false, 0, "12 3"},
+      {" 1 E=2\n", false, 0, " 1 E=2"},
+      {"1.5\n", false, 0, "1.5"},
+      {"010\n", false, 0, "010"},
+      {"0\n", false, 0, "0"},
+      {"-1\n", false, 0, "-1"},
+      {"0x1\n", false, 0, "0x1"},
+      {"1234567890\n", false, 0, "1234567890"},
+      {"=1\n", false, 0, "=1"},
+      {"\n5", false, 0, ""},
+      {"", false, 0, ""},
+  };
+  for (const auto& c : cases) {
+    TextScan text(c.text);
+    int value = 0;
+    EXPECT_EQ(text.ReadLastNumber(value), c.read) << c.text;
+    EXPECT_EQ(value, c.value) << c.text;
+    EXPECT_EQ(text.ReadRestOfLine(), c.rest) << c.text;
+  }
+  const std::string beyond = std::string(TextScan::kLimit, ' ') + "5\n";
+  TextScan text(beyond);
+  int value = 0;
+  EXPECT_FALSE(text.ReadLastNumber(value));
+}
+
 TEST(TextScan, WordsBetweenAnyWhiteSpace)
 {
   TextScan text("one\ttwo\r\n three");

@@ -1,53 +1,16 @@
 #include "base/text_out.h"
 
-#include <charconv>
-#include <cstring>
-
 TextOut::TextOut(std::ostream& target)
-    : stream(target), block(std::make_unique_for_overwrite<char[]>(kBlock))
+    : stream(target), block(std::make_unique_for_overwrite<char[]>(kBlock)), next(block.get())
 {
 }
 
-char* TextOut::Room(std::size_t characters)
+TextOut& TextOut::WriteAcross(std::string_view text)
 {
-  if (used + characters > kBlock)
-    Flush();
-  return block.get() + used;
-}
-
-TextOut& TextOut::operator<<(std::string_view text)
-{
-  if (text.size() > kBlock) {
-    Flush();
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-    return *this;
-  }
-  std::memcpy(Room(text.size()), text.data(), text.size());
-  used += text.size();
-  return *this;
-}
-
-TextOut& TextOut::operator<<(char c)
-{
-  *Room(1) = c;
-  ++used;
-  return *this;
-}
-
-TextOut& TextOut::operator<<(int number)
-{
-  char* start = Room(kLongestNumber);
-  used +=
-      static_cast<std::size_t>(std::to_chars(start, start + kLongestNumber, number).ptr - start);
-  return *this;
-}
-
-TextOut& TextOut::operator<<(double number)
-{
-  char* start = Room(kLongestNumber);
-  const auto result =
-      std::to_chars(start, start + kLongestNumber, number, std::chars_format::general, 6);
-  used += static_cast<std::size_t>(result.ptr - start);
+  Flush();
+  if (text.size() <= kBlock)
+    return *this << text;
+  stream.write(text.data(), static_cast<std::streamsize>(text.size()));
   return *this;
 }
 
@@ -55,9 +18,7 @@ TextOut& TextOut::Scientific(double number)
 {
   constexpr std::size_t kWidth = 13;
   char digits[kLongestNumber];
-  const auto result =
-      std::to_chars(digits, digits + kLongestNumber, number, std::chars_format::scientific, 6);
-  const std::size_t length = static_cast<std::size_t>(result.ptr - digits);
+  const auto length = static_cast<std::size_t>(FormatScientific(digits, number) - digits);
   *this << "  ";
   for (std::size_t i = length; i < kWidth; ++i)
     *this << ' ';
@@ -66,6 +27,12 @@ TextOut& TextOut::Scientific(double number)
 
 void TextOut::Flush()
 {
-  stream.write(block.get(), static_cast<std::streamsize>(used));
-  used = 0;
+  stream.write(block.get(), next - block.get());
+  next = block.get();
+}
+
+bool TextOut::Ok()
+{
+  Flush();
+  return static_cast<bool>(stream.flush());
 }

@@ -1,14 +1,16 @@
 #pragma once
 
-#include <array>
+#include <cstring>
 #include <memory>
 #include <ostream>
 #include <string_view>
 
+#include "base/number_format.h"
+
 /// Formats result files fast: text, integers, and numbers exactly as printf's "%g"
 /// gives them, gathered into blocks for a stream that the caller owns.
 ///
-/// What was written reaches the stream by Flush or by the destructor.
+/// What was written reaches the stream by Flush, Ok or the destructor.
 class TextOut
 {
 public:
@@ -17,25 +19,57 @@ public:
   TextOut& operator=(const TextOut&) = delete;
   ~TextOut() { Flush(); }
 
-  TextOut& operator<<(std::string_view text);
+  TextOut& operator<<(std::string_view text)
+  {
+    if (text.size() > Free())
+      return WriteAcross(text);
+    std::memcpy(next, text.data(), text.size());
+    next += text.size();
+    return *this;
+  }
   TextOut& operator<<(const char* text) { return *this << std::string_view(text); }
-  TextOut& operator<<(char c);
-  TextOut& operator<<(int number);
-  TextOut& operator<<(double number);
+  TextOut& operator<<(char c)
+  {
+    *Room(1) = c;
+    ++next;
+    return *this;
+  }
+  TextOut& operator<<(int number)
+  {
+    next = FormatInt(Room(kLongestNumber), number);
+    return *this;
+  }
+  TextOut& operator<<(double number)
+  {
+    next = FormatGeneral(Room(kLongestNumber), number);
+    return *this;
+  }
 
   /// A number as the vectors' stream output writes a component: "  %13.6e".
   TextOut& Scientific(double number);
 
   void Flush();
 
+  /// Flushes; whether the stream has taken everything so far.
+  bool Ok();
+
 private:
   static constexpr std::size_t kBlock = 1 << 16;
-  static constexpr std::size_t kLongestNumber = 32;
+
+  std::size_t Free() const { return static_cast<std::size_t>(block.get() + kBlock - next); }
 
   /// Room for the given number of characters, at most kBlock.
-  char* Room(std::size_t characters);
+  char* Room(std::size_t characters)
+  {
+    if (characters > Free())
+      Flush();
+    return next;
+  }
+
+  /// Writes text that does not fit into what is left of the block.
+  TextOut& WriteAcross(std::string_view text);
 
   std::ostream& stream;
   std::unique_ptr<char[]> block;
-  std::size_t used = 0;
+  char* next;
 };

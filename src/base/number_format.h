@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+
+// Numbers as text, as printf writes them in the "C" locale. Each function writes where
+// kLongestNumber characters have room and returns the end of the number; what stands behind it
+// within that room may be changed, and no null follows.
+
+inline constexpr std::size_t kLongestNumber = 32;
+
+/// As "%d".
+char* FormatInt(char* to, int number);
+/// As "%g": six significant digits, without zeros at the end.
+char* FormatGeneral(char* to, double number);
+/// As "%.6e": seven significant digits and an exponent.
+char* FormatScientific(char* to, double number);

@@ -19,13 +19,22 @@ const char* ElemTypeName(ElemType type)
   return type >= Linear && type <= Hexahedra ? names[type] : names[0];
 }
 
+void NodePlaces::Resize(int n)
+{
+  if (n > std::max(size, kFew)) {
+    auto larger = std::make_unique<Node*[]>(static_cast<std::size_t>(n));
+    std::copy_n(places, size, larger.get());
+    many = std::move(larger);
+    places = many.get();
+  }
+  std::fill(places + std::min(n, size), places + size, nullptr);
+  size = n;
+}
+
 Elem::Elem(Mesh* ownMesh, Elem* boundElem) : Elem(ownMesh->GiveNnode(), ownMesh, boundElem) {}
 
 Elem::Elem(int nnode, Mesh* ownMesh, Elem* boundElem)
-    : nodes(std::make_unique<Node*[]>(static_cast<std::size_t>(nnode))),
-      mesh(ownMesh),
-      bound(boundElem),
-      places(nnode)
+    : mesh(ownMesh), bound(boundElem), nodes(nnode)
 {
 }
 
@@ -39,13 +48,13 @@ Elem::Elem(Elem* el, Node* node, Mesh* ownMesh, Elem* boundElem)
 Elem::Elem(Elem* el, Node* node, int face, int, Mesh* ownMesh)
     : Elem(el->Nnode(), ownMesh ? ownMesh : el->mesh, nullptr)
 {
-  if (places == 2 && face == 1) {
+  if (nodes.Size() == 2 && face == 1) {
     nodes[0] = node;
     nodes[1] = el->nodes[1];
     return;
   }
-  CopyNodesFrom(*el, places - 1, face);
-  nodes[places - 1] = node;
+  CopyNodesFrom(*el, nodes.Size() - 1, face);
+  nodes[nodes.Size() - 1] = node;
 }
 
 Elem::Elem(Elem* el, int face) : Elem(std::max(el->Nnode() - 1, 0), nullptr, nullptr)
@@ -54,7 +63,7 @@ Elem::Elem(Elem* el, int face) : Elem(std::max(el->Nnode() - 1, 0), nullptr, nul
     Fatal("error in Elem::Elem(Elem* el,int face). Linear has no faces\n");
   if (el->ElemType() != Triangle && el->ElemType() != Tetrahedra)
     Fatal("error in Elem::Elem(Elem* el,int face). Only Triang. and Tetr. implemented\n");
-  CopyNodesFrom(*el, places, face);
+  CopyNodesFrom(*el, nodes.Size(), face);
 }
 
 Elem::~Elem() = default;
@@ -77,7 +86,7 @@ int Elem::Ndime() const
 
 int Elem::Nnode() const
 {
-  return mesh ? mesh->GiveNnode() : places;
+  return mesh ? mesh->GiveNnode() : nodes.Size();
 }
 
 Material* Elem::GiveMaterial(const VoidPlex* materials) const
@@ -101,10 +110,7 @@ void Elem::GiveEI(const VoidPlex* materials, double& EIy, double& EIz, double& E
 
 void Elem::IncreaseNnode(int n)
 {
-  auto larger = std::make_unique<Node*[]>(static_cast<std::size_t>(n));
-  std::copy_n(nodes.get(), std::min(places, n), larger.get());
-  nodes = std::move(larger);
-  places = n;
+  nodes.Resize(n);
 }
 
 ReaVec& Elem::MidNode(ReaVec& c) const
@@ -121,9 +127,9 @@ ReaVec& Elem::MidNode(ReaVec& c) const
 
 int Elem::IsInto(const Node* n) const
 {
-  Node** const last = nodes.get() + Nnode();
-  Node** const found = std::find(nodes.get(), last, n);
-  return found == last ? 0 : static_cast<int>(found - nodes.get()) + 1;
+  Node* const* const last = nodes.begin() + Nnode();
+  Node* const* const found = std::find(nodes.begin(), last, n);
+  return found == last ? 0 : static_cast<int>(found - nodes.begin()) + 1;
 }
 
 void Elem::PrintTo(std::ostream& out, int useOld, int bare) const
@@ -161,16 +167,17 @@ int Elem::ReadFromAscii(TextScan& text, const VoidPlex* nodePlex, const Units* u
   if (!text.ReadInt(number))
     return 0;
   int numbers[2] = {0, 0};
-  for (int i = 0; i < places; ++i) {
+  for (int i = 0; i < nodes.Size(); ++i) {
     int n = 0;
     if (!text.ReadInt(n))
       return 0;
     nodes[i] = Find<Node>(*nodePlex, n);
     numbers[std::min(i, 1)] = n;
   }
-  if (places == 2 && numbers[0] == numbers[1])
+  if (nodes.Size() == 2 && numbers[0] == numbers[1])
     Fatal("error: element: ", number, "  have both nodes equal\n");
-  ReadMaterial(text.ReadRestOfLine().c_str(), units);
+  if (!text.ReadLastNumber(materialNumber))
+    ReadMaterial(text.ReadRestOfLine().c_str(), units);
   return 1;
 }
 

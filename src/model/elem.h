@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "base/constants.h"
+#include "base/object_pool.h"
 #include "numeric/reavec.h"
 
 class Material;
@@ -26,12 +27,36 @@ enum ElemType : int
 /// The word printed for a type; empty for a value outside the list.
 const char* ElemTypeName(ElemType type);
 
+/// The node places of an element, within the object as long as they are few.
+class NodePlaces
+{
+public:
+  explicit NodePlaces(int n) { Resize(n); }
+  NodePlaces(const NodePlaces&) = delete;
+  NodePlaces& operator=(const NodePlaces&) = delete;
+
+  int Size() const { return size; }
+  /// Makes it n places, the new ones null.
+  void Resize(int n);
+
+  Node*& operator[](int i) { return places[i]; }
+  Node* operator[](int i) const { return places[i]; }
+  Node* const* begin() const { return places; }
+
+private:
+  static constexpr int kFew = 4;
+
+  int size = 0;
+  Node* few[kFew] = {};
+  std::unique_ptr<Node*[]> many;  ///< null while the places are few
+  Node** places = few;
+};
+
 /// An element: its number, its nodes, and its material by number or of its own.
 ///
-/// The type, the dimension and the number of nodes are those of its mesh. The node
-/// array is owned, the nodes belong to the mesh; an entry is null where the file
-/// names a node that does not exist.
-class Elem
+/// The type, the dimension and the number of nodes are those of its mesh, to which the
+/// nodes belong; an entry is null where the file names a node that does not exist.
+class Elem : public Pooled<Elem>
 {
 public:
   Elem(Mesh* mesh, Elem* bound);  ///< node array of the mesh's nnode entries
@@ -112,10 +137,9 @@ private:
   int number = 0;
   int materialNumber = 0;
   std::unique_ptr<Material> material;
-  std::unique_ptr<Node*[]> nodes;
   Mesh* mesh;
   Elem* bound;
-  int places;  ///< entries of the node array
+  NodePlaces nodes;
 };
 
 inline std::ostream& operator<<(std::ostream& out, const Elem& el)

@@ -4,6 +4,7 @@
 #include <memory>
 #include <ostream>
 
+#include "base/object_pool.h"
 #include "numeric/reavec.h"
 
 class Constraint;
@@ -12,7 +13,7 @@ class TextScan;
 
 /// A point of the model: its coordinates (the ReaVec part; 2 or 3 of them), its
 /// number, and what is applied to it. A node is never copied or moved.
-class Node : public ReaVec
+class Node : public ReaVec, public Pooled<Node>
 {
 public:
   explicit Node(int ndime);  ///< all coordinates 0

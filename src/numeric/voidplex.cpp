@@ -7,6 +7,12 @@
 
 #include "base/errorwriter.h"
 
+namespace {
+
+constexpr int kUsualSize = 100;  // of the chunks of nodes and elements
+
+}  // namespace
+
 void VoidChunk::reset(int i, int size)
 {
   low = (i - 1) / size * size + 1;
@@ -52,7 +58,9 @@ VoidChunk* VoidPlex::FindChunk(int i) const
 {
   if (lastChunk->Covers(i))
     return lastChunk;
-  const auto block = static_cast<std::size_t>(LowOf(i) / chunkSize);
+  // By a constant a division is a multiplication.
+  const int place = chunkSize == kUsualSize ? (i - 1) / kUsualSize : (i - 1) / chunkSize;
+  const auto block = static_cast<std::size_t>(place);
   VoidChunk*& shortcut = shortcuts[block & (shortcuts.size() - 1)];
   if (!shortcut->Covers(i)) {
     const auto found = chunks.find(LowOf(i));

@@ -1,9 +1,11 @@
 // The top level of the problem file: its header, its keywords, and the checks at its end.
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
 #include "base/errorwriter.h"
+#include "base/large_memory.h"
 #include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -12,18 +14,40 @@
 
 namespace {
 
-// What cannot be read (a folder, a faulty disk) counts as the end.
-std::string ReadWholeStream(std::ifstream& in)
+struct Content
 {
-  constexpr std::size_t kBlock = 1 << 20;
-  std::string content;
-  while (in) {
-    const std::size_t size = content.size();
-    content.resize(size + kBlock);
-    in.read(content.data() + size, kBlock);
-    content.resize(size + static_cast<std::size_t>(in.gcount()));
+  LargeBlock block;
+  std::size_t size = 0;
+};
+
+// Bytes from the place reached to the end; 0 where that is not known.
+std::size_t BytesAhead(std::streambuf& in)
+{
+  const std::streamoff here = in.pubseekoff(0, std::ios::cur, std::ios::in);
+  const std::streamoff end = in.pubseekoff(0, std::ios::end, std::ios::in);
+  if (here < 0 || end < here)
+    return 0;
+  in.pubseekpos(here, std::ios::in);
+  return static_cast<std::size_t>(end - here);
+}
+
+// What cannot be read (a folder, a faulty disk) counts as the end.
+Content ReadWholeStream(std::ifstream& in)
+{
+  Content content;
+  std::size_t capacity = std::size_t{1} << 16;
+  content.block = AllocateLarge(capacity);
+  for (;;) {
+    in.read(content.block.get() + content.size,
+            static_cast<std::streamsize>(capacity - content.size));
+    content.size += static_cast<std::size_t>(in.gcount());
+    if (!in)
+      return content;
+    capacity = content.size + std::max(content.size, BytesAhead(*in.rdbuf()) + 1);
+    LargeBlock larger = AllocateLarge(capacity);
+    std::copy_n(content.block.get(), content.size, larger.get());
+    content.block = std::move(larger);
   }
-  return content;
 }
 
 // What is left of a word behind its keyword, or else the next word with something in it.
@@ -43,8 +67,8 @@ std::string ReadValue(TextScan& text, std::string_view glued)
 
 void Project::ReadFromAscii(std::ifstream& in)
 {
-  const std::string content = ReadWholeStream(in);
-  TextScan text(content);
+  const Content content = ReadWholeStream(in);
+  TextScan text(std::string_view(content.block.get(), content.size));
   ReadFromAscii(text);
 }
 

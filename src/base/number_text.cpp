@@ -12,7 +12,9 @@ namespace {
 
 const char* SkipWhite(const char* p)
 {
-  return p + std::strspn(p, " \t\n\v\f\r");
+  while (*p == ' ' || (*p >= '\t' && *p <= '\r'))
+    ++p;
+  return p;
 }
 
 bool IsDigit(char c)
@@ -85,6 +87,28 @@ void AppendDigits(const char*& p, const char* end, std::uint64_t& number)
     number = 10 * number + static_cast<std::uint64_t>(*p - '0');
 }
 
+// Digits with a point among them: the number that they are without it, how many there are, and
+// how many of them stand behind it.
+struct PlainMantissa
+{
+  std::uint64_t number;
+  std::ptrdiff_t digits;
+  std::ptrdiff_t decimals;
+};
+
+PlainMantissa ScanPlainMantissa(const char*& p, const char* end)
+{
+  const char* const first = p;
+  std::uint64_t number = 0;
+  AppendDigits(p, end, number);
+  const std::ptrdiff_t digits = p - first;
+  if (p == end || *p != '.')
+    return {number, digits, 0};
+  const char* const point = ++p;
+  AppendDigits(p, end, number);
+  return {number, digits + (p - point), p - point};
+}
+
 // Reads "e" with its digits, if p stands there, into an exponent. False for one that is not
 // complete or has more than three digits.
 bool ScanPlainExponent(const char*& p, const char* end, int& exponent)
@@ -151,25 +175,15 @@ bool ScanPlainDouble(const char*& p, const char* end, double& v)
   const bool negative = next != end && *next == '-';
   if (negative)
     ++next;
-  const char* const first = next;
-  std::uint64_t mantissa = 0;
-  AppendDigits(next, end, mantissa);
-  std::ptrdiff_t digits = next - first;
-  std::ptrdiff_t decimals = 0;
-  if (next != end && *next == '.') {
-    const char* const point = ++next;
-    AppendDigits(next, end, mantissa);
-    decimals = next - point;
-    digits += decimals;
-  }
+  const PlainMantissa mantissa = ScanPlainMantissa(next, end);
   int exponent = 0;
-  if (digits == 0 || digits > kMostDigits || !ScanPlainExponent(next, end, exponent) ||
-      EndsAtLetterOfNumbers(next, end))
+  if (mantissa.digits == 0 || mantissa.digits > kMostDigits ||
+      !ScanPlainExponent(next, end, exponent) || EndsAtLetterOfNumbers(next, end))
     return false;
-  const int power = exponent - static_cast<int>(decimals);
-  if (mantissa > kMantissaEnd || power > kLargest || power < -kLargest)
+  const int power = exponent - static_cast<int>(mantissa.decimals);
+  if (mantissa.number > kMantissaEnd || power > kLargest || power < -kLargest)
     return false;
-  const double size = static_cast<double>(static_cast<std::int64_t>(mantissa));
+  const double size = static_cast<double>(static_cast<std::int64_t>(mantissa.number));
   const double value = power < 0 ? size / kPowers[-power] : size * kPowers[power];
   p = next;
   v = negative ? -value : value;
@@ -196,7 +210,7 @@ bool ScanPlainInt(const char*& p, const char* end, int& v)
 bool ScanDouble(const char*& p, double& v)
 {
   const char* number = SkipWhite(p);
-  if (ScanPlainDouble(number, number + std::strlen(number), v)) {
+  if (ScanPlainDouble(number, nullptr, v)) {
     p = number;
     return true;
   }

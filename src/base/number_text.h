@@ -19,7 +19,7 @@ bool ScanInt(const char*& p, int& v, int base, int maxDigits);
 
 /// Reads the numbers that most are, fast: "12", "-0.5", "1.25e-3". Exact, that is: what
 /// ScanDouble gives, as far as a number has at most 19 digits that fit into 53 bits and a power
-/// of ten up to 22 in size.
+/// of ten up to 22 in size. The text ends at `end`, or at a null when that is null.
 ///
 /// On success p stands behind the number; else p and v stay: the text begins with something
 /// else, which may be a number all the same.

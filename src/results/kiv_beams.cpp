@@ -74,14 +74,17 @@ void Project::WriteKivBeamForces(int mesh, int component, TextOut& res) const
     const BeamSpan beam = SpanOf(elem, T);
     const SpanLoad load = LoadOn(beam);
     const bool loaded = !load.IsZero();
+    double direction[3];
+    for (int k = 1; k <= 3; ++k)
+      direction[k - 1] = block.sign * T(k, block.axis);
     res << elem.Num();
     for (int i = 0; i <= numOfDivisions; ++i) {
       const double t = static_cast<double>(i) / numOfDivisions;
       double value = GiveStrength(mesh, elem, component, t, beam.L);
       if (loaded)
         load.AddToStrengthVectors(beam, component, t, value);
-      for (int k = 1; k <= 3; ++k)
-        res << ' ' << block.sign * value * T(k, block.axis);
+      for (const double cosine : direction)
+        res << ' ' << value * cosine;
       res << ' ' << value << '\n';
     }
   }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
 
 #include "base/textscan.h"
 #include "model/material.h"
@@ -169,4 +170,47 @@ TEST(Node, DistanceOfAPlaneAndASpacePoint)
   space(3) = 12.0;
   EXPECT_EQ(dist2(&plane, &space), 169.0);
   EXPECT_EQ(dist2(&space, &plane), 169.0);
+}
+
+TEST(Elem, MaterialNumberBehindTheNodes)
+{
+  static const struct
+  {
+    const char* line;
+    int material;
+  } cases[] = {{"1 1 2 7", 7},     {"1 1 2 7 \t\r\n", 7},
+               {"1 1 2\n", 0},     {"1 1 2 0\n", 0},
+               {"1 1 2 = 7\n", 7}, {"1 1 2:7\n", 7},
+               {"1 1 2 010", 8},   {"1 1 2 0x10", 16},
+               {"1 1 2 -3\n", -3}, {"1 1 2 123456789", 123456789},
+               {"1 1 2 7.5\n", 7}, {"1 1 2 word\n", 0},
+               {"1 1 2 +7\n", 7}};
+  for (const auto& c : cases) {
+    Mesh mesh(100, 100, 3, Linear, 2);
+    Elem elem(&mesh, nullptr);
+    TextScan text(c.line);
+    ASSERT_EQ(elem.ReadFromAscii(text, mesh.GiveNodePlex(), nullptr), 1) << c.line;
+    EXPECT_EQ(elem.GiveMaterialNum(), c.material) << c.line;
+    EXPECT_TRUE(text.AtEnd()) << c.line;
+  }
+}
+
+TEST(NodePlaces, KeepTheirNodesWhileTheyGrow)
+{
+  Node nodes[3] = {Node(3), Node(3), Node(3)};
+  NodePlaces places(3);
+  for (int i = 0; i < 3; ++i)
+    places[i] = &nodes[i];
+  for (const int size : {4, 6, 10, 12}) {
+    places.Resize(size);
+    ASSERT_EQ(places.Size(), size);
+    for (int i = 0; i < size; ++i)
+      EXPECT_EQ(places[i], i < 3 ? &nodes[i] : nullptr);
+    places[size - 1] = nullptr;
+  }
+  places.Resize(2);
+  places.Resize(4);
+  EXPECT_EQ(places[1], &nodes[1]);
+  EXPECT_EQ(places[2], nullptr);
+  EXPECT_EQ(NodePlaces(0).Size(), 0);
 }

@@ -6,6 +6,7 @@
 
 #include "base/errorwriter.h"
 #include "base/large_memory.h"
+#include "base/memory_limit.h"
 #include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -44,6 +45,7 @@ Content ReadWholeStream(std::ifstream& in)
     if (!in)
       return content;
     capacity = content.size + std::max(content.size, BytesAhead(*in.rdbuf()) + 1);
+    RequireMemory(capacity);
     LargeBlock larger = AllocateLarge(capacity);
     std::copy_n(content.block.get(), content.size, larger.get());
     content.block = std::move(larger);

@@ -41,12 +41,13 @@ void Apply(const RunConditions& conditions)
   for (const auto& [name, value] : conditions.environment)
     setenv(name.c_str(), value.c_str(), 1);
   Limit(RLIMIT_FSIZE, conditions.fileSize);
+  Limit(RLIMIT_STACK, conditions.stack);
   Limit(RLIMIT_AS, conditions.addressSpace);
 }
 
-// The exit status of MORLEN_PROGRAM run in the folder, its two streams in files.
-int Execute(const fs::path& folder, const std::vector<std::string>& arguments, const fs::path& out,
-            const fs::path& err, const RunConditions& conditions)
+// Status and memory of MORLEN_PROGRAM run in the folder, its two streams in files.
+RunResult Execute(const fs::path& folder, const std::vector<std::string>& arguments,
+                  const fs::path& out, const fs::path& err, const RunConditions& conditions)
 {
   std::vector<std::string> words = {"morlen"};
   words.insert(words.end(), arguments.begin(), arguments.end());
@@ -70,9 +71,13 @@ int Execute(const fs::path& folder, const std::vector<std::string>& arguments, c
     kill(child, SIGKILL);
   }
   int state = 0;
-  if (child < 0 || waitpid(child, &state, 0) != child)
-    return -1;
-  return WIFEXITED(state) ? WEXITSTATUS(state) : -1;
+  rusage usage = {};
+  if (child < 0 || wait4(child, &state, 0, &usage) != child)
+    return {};
+  return {.status = WIFEXITED(state) ? WEXITSTATUS(state) : -1,
+          .memory = usage.ru_maxrss * 1024,
+          .out = {},
+          .err = {}};
 }
 
 }  // namespace
@@ -127,8 +132,7 @@ RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::strin
   streams.Write("err", "");  // a run may be killed before it has its streams
   if (ownOutput)
     streams.Write("out", "");
-  RunResult result;
-  result.status = Execute(folder.Path(), arguments, out, streams.Path() / "err", conditions);
+  RunResult result = Execute(folder.Path(), arguments, out, streams.Path() / "err", conditions);
   result.out = ownOutput ? streams.Read("out") : "";
   result.err = streams.Read("err");
   return result;

@@ -36,6 +36,7 @@ private:
 struct RunResult
 {
   int status = -1;  ///< exit status; -1 when a signal ended the run
+  long memory = 0;  ///< most bytes that the run had in memory
   std::string out;
   std::string err;
 };
@@ -46,6 +47,7 @@ struct RunConditions
   std::string standardOutput = {};        ///< goes to this file of the folder, not to RunResult
   std::vector<int> closed = {};           ///< standard streams that are not open
   std::optional<long> fileSize = {};      ///< most bytes of a written file
+  std::optional<long> stack = {};         ///< most bytes of the stack
   std::optional<long> addressSpace = {};  ///< most bytes of memory
   std::optional<int> killAfter = {};      ///< microseconds
   std::vector<std::pair<std::string, std::string>> environment = {};  ///< added to that of the test

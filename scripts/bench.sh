@@ -4,15 +4,16 @@
 #   scripts/bench.sh kernels   every stage of the program, and the kernels by themselves
 #   scripts/bench.sh whole     whole runs beside CalculiX, where `ccx` is installed
 #   scripts/bench.sh growth    growth with the number of equations
+#   scripts/bench.sh linear    growth with the length of the input
 #   scripts/bench.sh           all that
 # Models and measurements are left in build/bench.
 set -eu
 cd "$(dirname "$0")/.."
 part="${1:-all}"
 case "$part" in
-  all | kernels | whole | growth) ;;
+  all | kernels | whole | growth | linear) ;;
   *)
-    echo "usage: scripts/bench.sh [kernels|whole|growth]" >&2
+    echo "usage: scripts/bench.sh [kernels|whole|growth|linear]" >&2
     exit 2
     ;;
 esac
@@ -102,4 +103,7 @@ if [ "$part" = growth ] || [ "$part" = all ]; then
   # shellcheck disable=SC2086  # one word per file
   "$bin"/morlen_stages -n 3 $files >build/bench/growth.json
   bench/report.py growth build/bench/growth.json
+fi
+if [ "$part" = linear ] || [ "$part" = all ]; then
+  bench/linear_time.py build/bench/morlen
 fi

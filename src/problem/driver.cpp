@@ -87,7 +87,7 @@ std::vector<RunFile> FilesOf(const Options& options)
   addStream("information file", options.infoName);
   addStream("error file", options.errorName);
   if (standardOutput)
-    files.push_back({"standard output", ""});
+    files.push_back({"standard output", "standard output", true});
   if (options.outputName)
     files.push_back({"text results file", options.outputName});
   files.push_back({"results file", NameWithEnding(options.inputName, kResultsEnding)});

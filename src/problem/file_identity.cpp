@@ -6,11 +6,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 #include "base/errorwriter.h"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 // An existing file, or a name that is free yet in an existing folder.
 struct Identity
@@ -22,22 +26,36 @@ struct Identity
   bool operator==(const Identity&) const = default;
 };
 
+// Where a chain of links ends that leads to no file yet.
+fs::path LinkTarget(fs::path name)
+{
+  constexpr int kMostLinks = 40;
+  for (int i = 0; i < kMostLinks; ++i) {
+    std::error_code isNoLink;
+    const fs::path target = fs::read_symlink(name, isNoLink);
+    if (isNoLink)
+      break;
+    name = name.parent_path() / target;
+  }
+  return name;
+}
+
 // None for what may be written several times, or cannot be written.
-std::optional<Identity> IdentityOf(const std::string& name)
+std::optional<Identity> IdentityOf(const RunFile& file)
 {
   struct stat found = {};
-  const int result = name.empty() ? fstat(STDOUT_FILENO, &found) : stat(name.c_str(), &found);
+  const int result =
+      file.isStandardOutput ? fstat(STDOUT_FILENO, &found) : stat(file.name.c_str(), &found);
   if (result == 0) {
     if (!S_ISREG(found.st_mode))
       return {};
     return Identity{found.st_dev, found.st_ino, {}};
   }
-  const std::size_t slash = name.rfind('/');
-  const std::string folder = slash == std::string::npos ? "." : name.substr(0, slash + 1);
-  const std::string last = slash == std::string::npos ? name : name.substr(slash + 1);
-  if (last.empty() || stat(folder.c_str(), &found) != 0)
+  const fs::path name = LinkTarget(file.name);
+  const fs::path folder = name.has_parent_path() ? name.parent_path() : ".";
+  if (!name.has_filename() || stat(folder.c_str(), &found) != 0)
     return {};
-  return Identity{found.st_dev, found.st_ino, last};
+  return Identity{found.st_dev, found.st_ino, name.filename().string()};
 }
 
 }  // namespace
@@ -46,11 +64,11 @@ void RequireDifferentFiles(const std::vector<RunFile>& files)
 {
   std::vector<std::optional<Identity>> identities;
   for (const RunFile& file : files) {
-    const std::optional<Identity> own = IdentityOf(file.name);
+    const std::optional<Identity> own = IdentityOf(file);
     for (std::size_t i = 0; own && i < identities.size(); ++i) {
       if (identities[i] == own)
         Fatal("error: the ", files[i].role, " and the ", file.role,
-              " are the same file: ", file.name.empty() ? "standard output" : file.name, "\n");
+              " are the same file: ", file.name, "\n");
     }
     identities.push_back(own);
   }

@@ -7,7 +7,8 @@
 struct RunFile
 {
   const char* role;  ///< what it is to the user: "problem file"
-  std::string name;  ///< empty for the standard output
+  std::string name;  ///< of the file, or of the standard output for the user
+  bool isStandardOutput = false;
 };
 
 /// Fatal when two of the files are one: the same regular file, under whatever names, or one

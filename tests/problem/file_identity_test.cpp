@@ -83,6 +83,17 @@ TEST_F(FileIdentityTest, FilesThatDoNotExistYetAreComparedByTheirNames)
   ExpectAccepted({"-i", "a", "-e", "b", "-p", "model.dat", "c"});
 }
 
+TEST_F(FileIdentityTest, LinksToFilesThatDoNotExistYetAreFollowed)
+{
+  fs::create_directory(folder.Path() / "other");
+  folder.Link("out.txt", "other/link");
+  folder.Link("other/link", "../model.morlen.res");
+  ExpectRefused({"model.dat", "out.txt"}, "text results file", "results file", "model.morlen.res");
+  folder.Link("round.txt", "round.txt");
+  const RunResult run = RunProgram(folder, {"model.dat", "round.txt"});
+  EXPECT_EQ(run.err, "can't open file round.txt\n");
+}
+
 TEST_F(FileIdentityTest, MeshFileCountsOnlyWhenItIsWritten)
 {
   ExpectAccepted({"model.dat", "model.morlen.bon"});
@@ -102,6 +113,13 @@ TEST_F(FileIdentityTest, StandardOutputInAFileIsOneOfTheFiles)
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.err,
             "error: the standard output and the text results file are the same file: out.txt\n");
+}
+
+TEST_F(FileIdentityTest, EmptyNamesAreLeftToTheOpening)
+{
+  const RunResult run = RunProgram(folder, {"-i", "", "-e", "", "model.dat", ""});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.err, "can't open file \n");
 }
 
 TEST_F(FileIdentityTest, FoldersThatDoNotExistAreLeftToTheOpening)

@@ -28,36 +28,75 @@ std::string Problem()
       .Text();
 }
 
-// The result files of a run of which nothing goes wrong.
-std::map<std::string, std::string> Results()
+const std::vector<std::string> kAllResults = {"-p", "model.dat", "out.txt"};
+
+// The files of a run of which nothing goes wrong.
+std::map<std::string, std::string> Results(const std::vector<std::string>& arguments = kAllResults)
 {
   const TemporaryFolder folder;
   folder.Write("model.dat", Problem());
-  EXPECT_EQ(RunProgram(folder, {"-p", "model.dat", "out.txt"}).status, 0);
+  EXPECT_EQ(RunProgram(folder, arguments).status, 0);
   return folder.Files();
+}
+
+std::size_t LargestResult(const std::map<std::string, std::string>& files)
+{
+  std::size_t largest = 0;
+  for (const auto& [name, content] : files) {
+    if (name != "model.dat" && name != "info.txt")
+      largest = std::max(largest, content.size());
+  }
+  return largest;
 }
 
 }  // namespace
 
 TEST(Faults, FilesThatCannotGrowEndTheRun)
 {
-  const std::map<std::string, std::string> results = Results();
-  std::size_t largest = 0;
-  for (const auto& [name, content] : results)
-    largest = std::max(largest, content.size());
-  ASSERT_GT(largest, 1000u);
-  for (const long limit : {0L, 1L, 100L, 1000L, 4096L}) {
-    SCOPED_TRACE(limit);
-    const TemporaryFolder folder;
-    folder.Write("model.dat", Problem());
-    const RunResult run = RunProgram(folder, {"-p", "model.dat", "out.txt"}, {.fileSize = limit});
-    if (static_cast<std::size_t>(limit) >= largest) {
-      EXPECT_EQ(run.status, 0);
-      EXPECT_EQ(folder.Files(), results);
-    } else {
-      EXPECT_EQ(run.status, 2);
-      EXPECT_EQ(run.err, std::string(kFull).substr(0, static_cast<std::size_t>(limit)));
+  const std::vector<std::string> runs[] = {
+      {"model.dat"}, {"model.dat", "out.txt"}, {"-p", "model.dat"}, kAllResults};
+  for (const std::vector<std::string>& arguments : runs) {
+    const std::size_t largest = LargestResult(Results(arguments));
+    ASSERT_GT(largest, 1000u);
+    for (const long limit : {0L, 1L, 100L, 1000L, 4096L, 100000L}) {
+      SCOPED_TRACE(limit);
+      const TemporaryFolder folder;
+      folder.Write("model.dat", Problem());
+      const RunResult run = RunProgram(folder, arguments, {.fileSize = limit});
+      if (static_cast<std::size_t>(limit) >= largest) {
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(folder.Files(), Results(arguments));
+      } else {
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err, std::string(kFull).substr(0, static_cast<std::size_t>(limit)));
+      }
     }
+  }
+}
+
+TEST(Faults, MessagesThatCannotBeWrittenLoseNoResults)
+{
+  const std::vector<std::string> arguments = {"-i", "info.txt", "-e", "err.txt", "model.dat"};
+  auto results = Results(arguments);
+  const TemporaryFolder folder;
+  folder.Write("model.dat", Problem());
+  const long enough = static_cast<long>(results["model.morlen.res"].size());
+  folder.Link("info.txt", "/dev/full");
+  const RunResult run = RunProgram(folder, arguments, {.fileSize = enough});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(folder.Read("model.morlen.res"), results["model.morlen.res"]);
+}
+
+TEST(Faults, ALostMessageStillEndsTheRunWithItsStatus)
+{
+  for (const long limit : {0L, 1L, 10L}) {
+    const TemporaryFolder folder;
+    folder.Write("model.dat", "problem type 1d\n");
+    const RunResult run =
+        RunProgram(folder, {"-i", "info.txt", "-e", "err.txt", "model.dat"}, {.fileSize = limit});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(folder.Read("err.txt"), std::string("Type of problem unknown. Only 2d and 3d\n")
+                                          .substr(0, static_cast<std::size_t>(limit)));
   }
 }
 
@@ -91,8 +130,8 @@ TEST(Faults, AKilledRunCanBeRepeated)
   const TemporaryFolder folder;
   folder.Write("model.dat", Problem());
   for (int microseconds = 200; microseconds <= 3000; microseconds += 200)
-    RunProgram(folder, {"-p", "model.dat", "out.txt"}, {.killAfter = microseconds});
-  EXPECT_EQ(RunProgram(folder, {"-p", "model.dat", "out.txt"}).status, 0);
+    RunProgram(folder, kAllResults, {.killAfter = microseconds});
+  EXPECT_EQ(RunProgram(folder, kAllResults).status, 0);
   EXPECT_EQ(folder.Files(), results);
 }
 
@@ -106,8 +145,7 @@ TEST(Faults, LittleMemoryEndsTheRun)
     SCOPED_TRACE(size);
     const TemporaryFolder folder;
     folder.Write("model.dat", Problem());
-    const RunResult run =
-        RunProgram(folder, {"-p", "model.dat", "out.txt"}, {.addressSpace = size * kMegabyte});
+    const RunResult run = RunProgram(folder, kAllResults, {.addressSpace = size * kMegabyte});
     EXPECT_TRUE(run.status == 0 || run.status == 2) << run.status;
     if (run.status == 0)
       EXPECT_EQ(folder.Files(), results);
@@ -129,8 +167,7 @@ TEST(SameBytes, OnRepeatedRunsInOtherLocalesAndOnAnotherHeap)
   for (const auto& environment : environments) {
     const TemporaryFolder folder;
     folder.Write("model.dat", Problem());
-    EXPECT_EQ(
-        RunProgram(folder, {"-p", "model.dat", "out.txt"}, {.environment = environment}).status, 0);
+    EXPECT_EQ(RunProgram(folder, kAllResults, {.environment = environment}).status, 0);
     EXPECT_EQ(folder.Files(), results);
   }
 }

@@ -5,7 +5,9 @@ set -eu
 cd "$(dirname "$0")/.."
 preset="${MORLEN_PRESET:-release}"
 
-scripts/install_tools.sh g++ cmake make libgtest-dev
+# The companions and the tests that read their files need more than the program does.
+scripts/install_tools.sh g++ cmake make libgtest-dev libcli11-dev nlohmann-json3-dev \
+  libpugixml-dev python3-vtk9 dpkg-dev gzip
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" --parallel "$(nproc)"
 

@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "base/errorwriter.h"
+#include "common/utf8.h"
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
@@ -77,7 +78,7 @@ Units Builder::UnitNames() const
     const bool exact = base.nameN == project.resForceName && base.nameM == project.resLengthName &&
                        base.namePa == project.resPressureName;
     if (exact || found.force.empty())
-      found = {base.nameN, base.nameM, base.namePa};
+      found = {ToUtf8(base.nameN), ToUtf8(base.nameM), ToUtf8(base.namePa)};
     if (exact)
       break;
   }

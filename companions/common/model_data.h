@@ -76,7 +76,7 @@ struct ElementLoad
   int face;  ///< from 0; -1 without one
 };
 
-/// Names of the units of the results; empty when the problem file does not name them.
+/// Names of the units of the results, in UTF-8; empty when the problem file does not name them.
 struct Units
 {
   std::string force, length, pressure;

@@ -70,7 +70,7 @@ void WriteCsv(std::span<const tables::Table> tables, const fs::path& folder)
 {
   std::error_code error;
   fs::create_directories(folder, error);
-  if (!fs::is_directory(folder))
+  if (!fs::is_directory(folder, error))
     Fatal("can't make folder ", folder.string(), "\n");
   for (const tables::Table& table : tables)
     WriteTable(table, folder / (table.name + ".csv"));

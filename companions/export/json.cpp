@@ -5,6 +5,7 @@
 
 #include "common/atomic_file.h"
 #include "common/command_line.h"
+#include "common/utf8.h"
 
 using Json = nlohmann::ordered_json;
 
@@ -26,7 +27,7 @@ Json Head(const model::Model& model, const std::filesystem::path& modelFile)
           {"formatVersion", kJsonFormatVersion},
           {"program", {{"name", "morlen-export"}, {"version", ProgramVersion()}}},
           {"model",
-           {{"file", modelFile.filename().string()},
+           {{"file", ToUtf8(modelFile.filename().string())},
             {"problem", model.plane ? "2d" : "3d"},
             {"nodes", model.nodes.size()},
             {"elements", model.elements.size()},
@@ -50,21 +51,15 @@ Json Columns(const tables::Table& table)
   return columns;
 }
 
-// Text that is no UTF-8, which names in a problem file may be, gets replacement characters.
-std::string Text(const Json& json)
-{
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 // One row on a line; the rows of large models never stand in memory together.
 void WriteTable(const tables::Table& table, AtomicFile& file)
 {
-  file.Write(Text(table.name) + ":{\"columns\":" + Text(Columns(table)) + ",\"rows\":[");
+  file.Write(Json(table.name).dump() + ":{\"columns\":" + Columns(table).dump() + ",\"rows\":[");
   for (std::size_t row = 0; row < table.Rows(); ++row) {
     Json cells = Json::array();
     for (std::size_t k = 0; k < table.columns.size(); ++k)
       cells.push_back(std::visit(CellToJson{}, table.cells[row * table.columns.size() + k]));
-    file.Write((row > 0 ? ",\n" : "\n") + Text(cells));
+    file.Write((row > 0 ? ",\n" : "\n") + cells.dump());
   }
   file.Write("]}");
 }
@@ -75,7 +70,7 @@ void WriteJson(const model::Model& model, const std::filesystem::path& modelFile
                std::span<const tables::Table> tables, const std::filesystem::path& name)
 {
   AtomicFile file(name);
-  std::string head = Text(Head(model, modelFile));
+  std::string head = Head(model, modelFile).dump();
   head.pop_back();
   file.Write(head + ",\"tables\":{");
   const char* separator = "\n";

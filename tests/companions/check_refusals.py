@@ -151,6 +151,18 @@ class Refusals(unittest.TestCase):
         arrays = xml.etree.ElementTree.parse(self.folder / "a.vtu").iter("DataArray")
         self.assertIn(f"N [{force}]", [array.get("Name") for array in arrays])
 
+    def test_names_in_other_encodings_leave_files_that_can_be_read(self):
+        self.solve()
+        results = {name: (self.folder / name).read_bytes() for name in ("m.txt", "m.morlen.res")}
+        self.model.write_bytes(self.model.read_bytes().replace(b" Pa ", b" N/m\xb2 "))
+        for name, content in results.items():
+            (self.folder / name).write_bytes(content)
+        run = self.export("m.dat", "--vtu", "a.vtu", "--csv", "csv", "--json", "a.json")
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertEqual(json.loads((self.folder / "a.json").read_text())["units"]["pressure"], "N/m?")
+        xml.etree.ElementTree.parse(self.folder / "a.vtu")
+        self.assertIn("Ex [N/m?]", (self.folder / "csv" / "materials.csv").read_text(encoding="utf-8"))
+
     def test_results_by_the_formulas_of_a_cantilever(self):
         self.solve()
         self.export("m.dat", "--csv", "csv")

@@ -1,0 +1,27 @@
+#include "common/utf8.h"
+
+#include <gtest/gtest.h>
+
+TEST(ToUtf8, KeepsCharactersAndReplacesOtherBytes)
+{
+  static const struct
+  {
+    std::string given, expected;
+  } cases[] = {
+      {"", ""},
+      {"kN*m ~", "kN*m ~"},
+      {"m\xC2\xB2 \xE2\x82\xAC \xF0\x9F\x98\x80", "m\xC2\xB2 \xE2\x82\xAC \xF0\x9F\x98\x80"},
+      {"m\xB2", "m?"},                            // Latin-1
+      {"\xC2", "?"},                              // cut off
+      {"\xE2\x82", "??"},                         // likewise
+      {"\xC0\xAF", "??"},                         // '/' in too many bytes
+      {"\xE0\x80\xAF", "???"},                    // likewise
+      {"\xED\xA0\x80", "???"},                    // a surrogate
+      {"\xF4\x90\x80\x80", "????"},               // beyond the last character
+      {"\xE2\x28\xA1", "?(?"},                    // no continuation
+      {std::string("a\0b\x1B\x7F", 5), "a?b??"},  // control characters
+      {"\xF4\x8F\xBF\xBF", "\xF4\x8F\xBF\xBF"},   // the last character
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(ToUtf8(c.given), c.expected) << c.expected;
+}

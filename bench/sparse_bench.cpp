@@ -13,7 +13,7 @@
 #include "solvers/sparse_solver.h"
 
 // The sparse solver on grids of beams, of solids with four and with ten nodes: once far beyond
-// the last cache, once (named "small") within it. The counters that matter:
+// the last cache, once ("Small") within it. The counters that matter:
 //   read_ratio      what an iteration moves at least, a second, over what a loop reaches that
 //                   only reads; to be at least 0.75 (solids with four nodes), 0.60 (ten nodes),
 //                   0.85 (beams)

@@ -130,18 +130,24 @@ bool BlockFactors::Factorise()
   return true;
 }
 
+// Which blocks meet one in the line is found before they are used, without jumps that depend
+// on it.
 void BlockFactors::EliminateLine(int i, double* const* target)
 {
-  std::vector<double*>& targets = targetsOfLine;
   for (int s = lower.starts[i]; s < lower.starts[i + 1]; ++s) {
     const int line = UpperLine(lower.columns[s]);
-    const int own = upper.starts[line];
-    targets.clear();
-    for (int t = own + 1; t < upper.starts[line + 1]; ++t)
-      targets.push_back(target[upper.columns[t]]);
-    kernels->addProducts(lower.Block(s), upper.Block(own + 1), targets.data(),
-                         static_cast<int>(targets.size()));
-    kernels->scaleRight(lower.Block(s), upper.Block(own));
+    const int first = upper.starts[line] + 1;
+    const int length = upper.starts[line + 1] - first;
+    if (static_cast<std::size_t>(length) > updates.size())
+      updates.resize(static_cast<std::size_t>(length));
+    int count = 0;
+    for (int t = 0; t < length; ++t) {
+      double* const place = target[upper.columns[first + t]];
+      updates[count] = {t, place};
+      count += place != nullptr;
+    }
+    kernels->addProducts(lower.Block(s), upper.Block(first), updates.data(), count);
+    kernels->scaleRight(lower.Block(s), upper.Block(first - 1));
   }
 }
 

@@ -68,8 +68,8 @@ private:
 
   int size;
   const BlockKernels* kernels;
-  BlockRows lower;  ///< line i: −L'_ij, j ascending
-  BlockRows upper;  ///< line n − 1 − i: D_i⁻¹, then −U'_ij, j descending
-  std::vector<double*> targetsOfLine;  ///< scratch of the elimination
+  BlockRows lower;                   ///< line i: −L'_ij, j ascending
+  BlockRows upper;                   ///< line n − 1 − i: D_i⁻¹, then −U'_ij, j descending
+  std::vector<BlockUpdate> updates;  ///< scratch of the elimination
   bool complete;
 };

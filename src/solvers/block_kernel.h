@@ -17,6 +17,13 @@ struct BlockLines
 /// What a vector load may read behind a block.
 inline constexpr int kBlockPadding = 4;
 
+/// A block that is to be changed by one of a row of blocks, counted from 0.
+struct BlockUpdate
+{
+  int block;
+  double* target;
+};
+
 /// The loops over blocks of one size, compiled for one set of instructions; another set sums
 /// in the same order but may round less often.
 struct BlockKernels
@@ -32,8 +39,8 @@ struct BlockKernels
   /// is the node's own and meets what y held.
   void (*backward)(const BlockLines& U, double* y);
 
-  /// *targets[k] += factor·block k, for `count` blocks in a row; a null target is left out.
-  void (*addProducts)(const double* factor, const double* blocks, double* const* targets,
+  /// *updates[k].target += factor·block `updates[k].block` of a row of blocks.
+  void (*addProducts)(const double* factor, const double* blocks, const BlockUpdate* updates,
                       int count);
 
   /// Each of `count` blocks in a row becomes −factor·block.

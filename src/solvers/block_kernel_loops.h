@@ -183,11 +183,11 @@ template <class Node, bool add>
 }
 
 template <class Node>
-void AddProducts(const double* factor, const double* blocks, double* const* targets, int count)
+void AddProducts(const double* factor, const double* blocks, const BlockUpdate* updates, int count)
 {
-  for (int k = 0; k < count; ++k, blocks += Node::size * Node::size)
-    if (targets[k])
-      Multiply<Node, true>(factor, blocks, targets[k]);
+  constexpr long long kSquare = Node::size * Node::size;
+  for (int k = 0; k < count; ++k)
+    Multiply<Node, true>(factor, blocks + updates[k].block * kSquare, updates[k].target);
 }
 
 /// The opposite of a block, which a product may then replace.

@@ -173,15 +173,17 @@ TEST_P(BlockKernelTest, ProductsAreAddedToTheirTargets)
     const std::vector<double> blocks = RandomVector(square * count + kBlockPadding, 10);
     const std::vector<double> before = RandomVector(square * count + 1, 11);
     std::vector<double> after = before;
-    std::vector<double*> targets;
+    std::vector<BlockUpdate> updates;
     for (int k = 0; k < count; ++k)
-      targets.push_back(k % 3 == 1 ? nullptr : &after[square * k]);
-    Kernels().addProducts(factor.data(), blocks.data(), targets.data(), count);
+      if (k % 3 != 1)
+        updates.push_back({k, &after[square * k]});
+    Kernels().addProducts(factor.data(), blocks.data(), updates.data(),
+                          static_cast<int>(updates.size()));
     EXPECT_EQ(after.back(), before.back());
     for (int k = 0; k < count; ++k) {
       const std::vector<double> product = BlockProduct(Size(), factor.data(), &blocks[square * k]);
       for (int e = 0; e < square; ++e)
-        EXPECT_NEAR(after[square * k + e], before[square * k + e] + (targets[k] ? product[e] : 0.0),
+        EXPECT_NEAR(after[square * k + e], before[square * k + e] + (k % 3 != 1 ? product[e] : 0.0),
                     kTolerance);
     }
   }

@@ -3,6 +3,7 @@
 // keeps the profile of the skyline matrix narrow.
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "model/mesh.h"
@@ -34,6 +35,24 @@ const Node* ExtremeNode(const VoidPlex* nodes, int count)
   return extreme;
 }
 
+// A node and the square of its distance, computed once, so that the sort reads no node.
+struct RankedNode
+{
+  double distance;
+  Node* node;
+};
+
+std::vector<RankedNode> ByDistance(const VoidPlex& nodes, const Node& from)
+{
+  std::vector<RankedNode> ranked;
+  for (Node& node : Each<Node>(nodes))
+    ranked.push_back({dist2(&node, &from), &node});
+  std::stable_sort(ranked.begin(), ranked.end(), [](const RankedNode& a, const RankedNode& b) {
+    return a.distance < b.distance;
+  });
+  return ranked;
+}
+
 }  // namespace
 
 int CompareNodePointers(const void* a, const void* b)
@@ -49,19 +68,15 @@ int CompareNodePointers(const void* a, const void* b)
 
 void Mesh::RenumberNodes()
 {
-  std::vector<Node*> sorted;
-  for (Node& node : Each<Node>(*nodes))
-    sorted.push_back(&node);
-  const int count = static_cast<int>(sorted.size());
+  const int count = nodes->Count();
   if (count == 0)
     return;
   mxnod = ExtremeNode(nodes, count);
-  std::stable_sort(sorted.begin(), sorted.end(),
-                   [](const Node* a, const Node* b) { return CompareNodePointers(&a, &b) < 0; });
-  std::vector<int> old(sorted.size());
-  for (int k = 1; k <= count; ++k) {
-    old[k - 1] = GiveOldNumber(sorted[k - 1]);
-    sorted[k - 1]->number = k;
+  std::vector<int> old;
+  old.reserve(static_cast<std::size_t>(count));
+  for (const RankedNode& ranked : ByDistance(*nodes, *mxnod)) {
+    old.push_back(GiveOldNumber(ranked.node));
+    ranked.node->number = static_cast<int>(old.size());
   }
   oldNumbers = std::move(old);
 }

@@ -16,7 +16,15 @@
 Node*& EdgeNodes::Between(const Node& a, const Node& b)
 {
   const auto [low, high] = std::minmax(a.number, b.number);
-  return nodes[static_cast<std::uint64_t>(low) << 32 | static_cast<std::uint64_t>(high)];
+  if (low >= static_cast<int>(first.size()))
+    first.resize(static_cast<std::size_t>(low) + 1, -1);
+  for (int i = first[low]; i != -1; i = edges[i].next) {
+    if (edges[i].high == high)
+      return edges[i].middle;
+  }
+  edges.push_back({.high = high, .next = first[low], .middle = nullptr});
+  first[low] = static_cast<int>(edges.size()) - 1;
+  return edges.back().middle;
 }
 
 void Project::ConvertTriangleTo6nod(Mesh* mesh, EdgeNodes& edges)

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <unordered_map>
+#include <vector>
 
 class Node;
 
@@ -9,9 +8,19 @@ class Node;
 class EdgeNodes
 {
 public:
-  /// The node in the middle of the edge a-b; null, to be set, when there is none yet.
+  /// The node in the middle of the edge a-b; null, to be set before the next call, when there
+  /// is none yet.
   Node*& Between(const Node& a, const Node& b);
 
 private:
-  std::unordered_map<std::uint64_t, Node*> nodes;
+  /// An edge from a node to one of a higher number.
+  struct Edge
+  {
+    int high;
+    int next;  ///< the next one of the lower node; -1 at the end
+    Node* middle;
+  };
+
+  std::vector<int> first;  ///< of each lower node, by its number; -1: none
+  std::vector<Edge> edges;
 };

@@ -27,6 +27,26 @@ void TransposeInPlace(Matriu& K)
 
 }  // namespace
 
+BlockAssembler::BlockAssembler(BSolver& matrix, int components, int applyLocalAxes)
+    : solver(matrix),
+      n(components),
+      toSupportAxes(applyLocalAxes > 0),
+      onlyAtSupports(applyLocalAxes == kOnlyAtSupports)
+{
+}
+
+bool BlockAssembler::Takes(const Elem& elem) const
+{
+  if (!onlyAtSupports)
+    return true;
+  const int nnode = elem.Nnode();
+  for (int i = 0; i < nnode; ++i) {
+    if (elem(i)->constraint)
+      return true;
+  }
+  return false;
+}
+
 void BlockAssembler::Add(const Node& a, const Node& b, Matriu& K)
 {
   const Node* row = &a;
@@ -35,7 +55,7 @@ void BlockAssembler::Add(const Node& a, const Node& b, Matriu& K)
     std::swap(row, column);
     TransposeInPlace(K);
   }
-  if (applyLocalAxes && (row->constraint || column->constraint))
+  if (toSupportAxes && (row->constraint || column->constraint))
     ApplyLocalAxestoKMatrix(K, row, column, n);
   solver.AddSubMatriu((row->number - 1) * n + 1, (column->number - 1) * n + 1, K);
 }
@@ -43,8 +63,10 @@ void BlockAssembler::Add(const Node& a, const Node& b, Matriu& K)
 void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes)
 {
   Matriu K11, K12, K22, T;  // allocated once for the mesh
-  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes != 0);
+  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
   for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+    if (!assembler.Takes(elem))
+      continue;
     const Node& first = *elem(0);
     const Node& second = *elem(1);
     const BeamSpan beam = SpanOf(elem, T);

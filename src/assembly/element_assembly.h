@@ -1,18 +1,26 @@
 #pragma once
 
 class BSolver;
+class Elem;
 class Matriu;
 class Node;
 
+// Values of applyLocalAxes: in which axes the stiffness of the elements is added.
+constexpr int kInGlobalAxes = 0;
+constexpr int kInSupportAxes = 1;
+/// In global axes, and only the elements at supported nodes, so that of the rows of the matrix
+/// only those of these nodes are complete.
+constexpr int kOnlyAtSupports = -1;
+
 /// Where the node blocks of the elements of one kind go: the matrix, with the number of
-/// components of a node, and whether blocks are turned into the axes of the supports.
+/// components of a node.
 class BlockAssembler
 {
 public:
-  BlockAssembler(BSolver& matrix, int components, bool toSupportAxes)
-      : solver(matrix), n(components), applyLocalAxes(toSupportAxes)
-  {
-  }
+  BlockAssembler(BSolver& matrix, int components, int applyLocalAxes);
+
+  /// Whether the stiffness of the element is wanted.
+  bool Takes(const Elem& elem) const;
 
   /// Adds the block K (n×n, global axes) between the components of a (rows) and b
   /// (columns), its mirror image included. K is used as scratch. The solver gets the
@@ -22,5 +30,6 @@ public:
 private:
   BSolver& solver;
   int n;
-  bool applyLocalAxes;
+  bool toSupportAxes;
+  bool onlyAtSupports;
 };

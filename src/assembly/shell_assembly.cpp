@@ -15,8 +15,10 @@ void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
   ShellEvaluator shell;
   Matriu K(6, 6);
   const int nnode = mesh->GiveNnode();
-  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes != 0);
+  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
   for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+    if (!assembler.Takes(elem))
+      continue;
     const Material& material = RequireMaterial(elem);
     shell.Evaluate(elem, material);
     std::array<bool, 6> folded{};

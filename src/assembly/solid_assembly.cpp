@@ -11,8 +11,10 @@ void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes)
   SolidEvaluator solid;
   Matriu K(3, 3);
   const int nnode = mesh->GiveNnode();
-  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes != 0);
+  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
   for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+    if (!assembler.Takes(elem))
+      continue;
     solid.Evaluate(elem, RequireMaterial(elem));
     for (int i = 0; i < nnode; ++i) {
       for (int j = i; j < nnode; ++j) {

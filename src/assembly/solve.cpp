@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "assembly/element_assembly.h"
 #include "assembly/residual_check.h"
 #include "assembly/support_axes.h"
 #include "base/errorwriter.h"
@@ -49,7 +50,7 @@ void Project::FillMatrixVectorAndSolve(std::FILE* info)
   if (info)
     solver->PrintInfoMem(info);
   Progress(info, "Just before filling global stiffness matrix\n");
-  AssembleStiffness(1);
+  AssembleStiffness(kInSupportAxes);
   Progress(info, "Stiffness matrix filled\n");
   AddNodalLoads();
   for (const auto& mesh : meshes)

@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include "assembly/element_assembly.h"
 #include "assembly/residual_check.h"
 #include "base/constants.h"
 #include "model/elem.h"
@@ -9,12 +10,14 @@
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 
-// The matrix is assembled again, in global axes and without supports: its product with
-// the displacements is the forces that the nodes exert on the elements.
+// The matrix is assembled again, in global axes and without supports: its product with the
+// displacements is the forces that the nodes exert on the elements. Where only the rows of
+// supported nodes are asked for, only these are complete.
 void Project::CalcReactions()
 {
+  const bool all = !checkedCases.empty();
   solver->SetToZero();
-  AssembleStiffness(0);
+  AssembleStiffness(all ? kInGlobalAxes : kOnlyAtSupports);
   CheckResiduals();
   ReaVecV forces(displacements.Size());
   solver->Multiply(displacements, forces);

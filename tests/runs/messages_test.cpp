@@ -315,14 +315,13 @@ TEST(Messages, RefuseSolutionsThatAreNotFinite)
 
 TEST(Messages, TiltedPlaneSupportIsNamedByItsNumberInTheFile)
 {
-  ExpectRefused(
-      {"problem type 2d\n"
-       "mesh dimension 2 elemtype Linear nnode 2\n"
-       "coordinates\n1 0 0\n2 1 0\n3 3 0\n4 2 0\nend coordinates\n"
-       "elements\n1 1 2 1\n2 2 4 1\n3 4 3 1\nend elements\n"
-       "materials\n1 E=1 A=1 Iz=1\nend\n"
-       "constraints\n1 111 0 0 0\n4 010 0 0 0 Euler2=0.3\nend\n",
-       "error: Local z axe must be (0,0,1) for 2D problems.Node: 4\n"});
+  ExpectRefused({"problem type 2d\n"
+                 "mesh dimension 2 elemtype Linear nnode 2\n"
+                 "coordinates\n1 0 0\n2 1 0\n3 3 0\n4 2 0\nend coordinates\n"
+                 "elements\n1 1 2 1\n2 2 4 1\n3 4 3 1\nend elements\n"
+                 "materials\n1 E=1 A=1 Iz=1\nend\n"
+                 "constraints\n1 111 0 0 0\n4 010 0 0 0 Euler2=0.3\nend\n",
+                 "error: Local z axe must be (0,0,1) for 2D problems.Node: 4\n"});
 }
 
 TEST(SolverChoice, SkylineUpTo14999Equations)

@@ -1,34 +1,64 @@
 #pragma once
 
-/// The inner loops of the L·D·Lᵀ factorisation and of its substitutions, on raw rows.
-/// Everything here counts from 0; nothing is checked.
+/// The inner loops of the L·D·Lᵀ factorisation, for one family of processors each.
+///
+/// They work on copies of rows, so that vectors run across rows and every load is a contiguous
+/// one. A *panel* is kPanelRows rows being factorised, column by column: the entry of row r in
+/// a column is element r of its kPanelRows doubles. A *block* is what the finished panels are
+/// kept in: their rows of L in the columns of one chunk, in groups of `groupRows` rows, each
+/// group column by column like the panel. Columns count from 0, absolute; nothing is checked.
+/// The files of the kernels share no function, since one that was compiled for another
+/// processor could be linked in the place of its namesake.
 
-/// A symmetric matrix by the rows of its profile: row i has heights[i] doubles, element d
-/// of which is entry (i, i - d). Borrowed for the length of a call.
-struct ProfileRows
+constexpr int kPanelRows = 24;
+/// Columns of a chunk, whole panels: the panel's part of a chunk stays in the first cache.
+constexpr int kChunkColumns = 96;
+constexpr int kPanelsPerChunk = kChunkColumns / kPanelRows;
+/// Right-hand sides that are carried along, see PivotCheck.
+constexpr int kProbes = 2;
+constexpr int kBlockSize = kPanelRows * kChunkColumns;
+
+/// The columns of a panel that belong to the rows of one block, and what is subtracted there:
+///   G(j,i) -= Σ G(j,k)·L(i,k) over `chunk` <= k < `end`.
+struct LdltStep
 {
-  double* const* rows;
-  const int* heights;
-
-  int FirstColumn(int i) const { return i - heights[i] + 1; }
+  double* target;          ///< the panel's column that belongs to the block's first row
+  const double* panel;     ///< its column `chunk`
+  const double* block;     ///< L(i,k)
+  const int* tileStarts;   ///< first column of each tile of the panel's rows
+  const int* groupStarts;  ///< first column of each group of the block
+  int chunk;               ///< first column of the chunk
+  int end;                 ///< behind its last column that is finished
+  int firstTile;           ///< the tiles before this one are left out
 };
 
-/// The most rows that ReduceRows takes in one call.
-constexpr int kMaxRowsPerGroup = 6;
+/// A column that is eliminated from the rest of its panel.
+struct LdltPivot
+{
+  double* group;   ///< the panel's columns of the group that it belongs to
+  double* probes;  ///< kProbes columns
+  double* block;   ///< the panel's own block at this column: element 0 of the first group
+  int column;      ///< within the panel
+};
 
-/// First step of the factorisation of rows first .. first + count - 1, which must all begin
-/// in the same column; the rows above must be factorised. Every entry (j, i) of the group
-/// with i < first becomes
-///   G(j,i) = A(j,i) - Σ L(i,k)·G(j,k), k < i, so that L(j,i) = G(j,i) / D(i).
-/// A row above is read once for the whole group, which is what the grouping is for.
-void ReduceRows(const ProfileRows& matrix, int first, int count);
+/// A family of processors. `groupRows` and `tileRows` divide kPanelRows.
+struct LdltKernel
+{
+  const char* name;
+  int groupRows;
+  int tileRows;  ///< rows of the panel that are worked on at a time
 
-/// Second step, for one row of the group that begins at row `first`, in order: computes
-/// G(row, i) for first <= i < row, then turns G into L and the diagonal into D(row).
-void FinishRow(const ProfileRows& matrix, int row, int first);
+  /// A step for `count` groups of the block.
+  void (*subtract)(const LdltStep& step, int count);
 
-/// Σ a[k]·b[k] over 0 <= k < count.
-double DotProduct(const double* a, const double* b, int count);
+  /// The same for the groups of a block within the chunk, which `target` is a column of: sums
+  /// up to each group's own columns, then solves for these, so that G there is finished.
+  void (*solve)(const LdltStep& step, int column, int count);
 
-/// y[k] -= factor·x[k] over 0 <= k < count; x and y do not overlap.
-void SubtractMultiple(double* y, const double* x, double factor, int count);
+  /// L(j,k) = G(j,k) / D(k) for `count` columns; block as in LdltPivot.
+  void (*divide)(const double* panel, const double* pivots, double* block, int count);
+
+  /// Takes the finished column G(j,k) of a panel, whose pivot is G(k,k), out of the columns of
+  /// its group behind it and of the probes, and puts L(j,k) into the block.
+  void (*eliminate)(const LdltPivot& pivot);
+};

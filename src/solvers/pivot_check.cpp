@@ -27,38 +27,35 @@ double RandomNumber(std::minstd_rand& random)
 PivotCheck::PivotCheck(const ProfileRows& rows, int n) : matrix(rows), size(n)
 {
   diagonals.resize(static_cast<std::size_t>(n));
-  motion.resize(static_cast<std::size_t>(n));
-  for (std::vector<double>& probe : probes)
-    probe.resize(static_cast<std::size_t>(n));
 }
 
-bool PivotCheck::Accepts(int row, double diagonal)
+void PivotCheck::Begin(int row, double diagonal, double* sides, int stride)
 {
   diagonals[row] = std::fabs(diagonal);
-  const double pivot = std::fabs(matrix.rows[row][0]);
-  // The comparisons are written so that a pivot that is not a number is refused.
-  if (!(pivot >= EPSILON && pivot > kLostPart * diagonals[row]))
-    return false;
-  if (pivot > kEstimateMargin * kLostEnergy * AdvanceProbes(row))
-    return true;
-  return pivot > kLostEnergy * MotionScale(row);
+  for (int probe = 0; probe < kProbes; ++probe)
+    sides[probe * stride] = std::sqrt(diagonals[row]) * RandomNumber(random);
 }
 
-double PivotCheck::AdvanceProbes(int row)
+PivotCheck::Verdict PivotCheck::Judge(int row, double pivot, const double* w, int stride) const
 {
+  const double energy = std::fabs(pivot);
+  // The comparisons are written so that a pivot that is not a number is refused.
+  if (!(energy >= EPSILON && energy > kLostPart * diagonals[row]))
+    return Verdict::kRefused;
   double largest = 0.0;
-  for (std::vector<double>& probe : probes) {
-    double* const w = probe.data() + (size - 1 - row);
-    *w = std::sqrt(diagonals[row]) * RandomNumber(random) -
-         DotProduct(matrix.rows[row] + 1, w + 1, matrix.heights[row] - 1);
-    largest = std::max(largest, *w * *w);
-  }
-  return largest;
+  for (int probe = 0; probe < kProbes; ++probe)
+    largest = std::max(largest, w[probe * stride] * w[probe * stride]);
+  return energy > kEstimateMargin * kLostEnergy * largest ? Verdict::kAccepted : Verdict::kDoubtful;
+}
+
+bool PivotCheck::AcceptsMotion(int row, double pivot)
+{
+  return std::fabs(pivot) > kLostEnergy * MotionScale(row);
 }
 
 double PivotCheck::MotionScale(int row)
 {
-  std::fill(motion.begin(), motion.end(), 0.0);
+  motion.assign(static_cast<std::size_t>(size), 0.0);
   motion[size - 1 - row] = 1.0;
   double sum = 0.0;
   for (int k = row; k >= 0; --k) {

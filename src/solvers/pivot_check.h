@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "solvers/ldlt_kernel.h"
+#include "solvers/profile_rows.h"
 
 /// Tells the pivots of a stable structure from the rounding errors that stand in the place
 /// of the zero pivots of one that can move.
@@ -17,32 +18,40 @@
 /// Computing v costs a backward substitution. It is done only where an estimate of the sum
 /// asks for it: v(k) is entry (j, k) of the inverse of L, so that with independent random
 /// z(k) of mean 0 and variance 1, and w = L⁻¹·(√|A(k,k)|·z(k)), the mean of w(j)² is that sum
-/// for every j, and w grows by one dot product a row (the estimate is that of M. F.
-/// Hutchinson, A stochastic estimator of the trace of the influence matrix, Communications
-/// in Statistics 18 (1989)). The random numbers are the same in every run.
+/// for every j (the estimate is that of M. F. Hutchinson, A stochastic estimator of the trace
+/// of the influence matrix, Communications in Statistics 18 (1989)). These *probes*, kProbes
+/// of them, are right-hand sides that the factorisation carries along. The random numbers are
+/// the same in every run.
 class PivotCheck
 {
 public:
+  enum class Verdict
+  {
+    kAccepted,
+    kRefused,
+    kDoubtful,  ///< AcceptsMotion decides
+  };
+
   /// For the factorisation of n rows, from the first on; borrows the matrix.
   PivotCheck(const ProfileRows& rows, int n);
 
-  /// Whether D(row) can be divided by. To be called for every row in order, from 0, once the
-  /// row is factorised; `diagonal` is its diagonal entry before that.
-  bool Accepts(int row, double diagonal);
+  /// To be called for every row in order, from 0, with its diagonal entry before the
+  /// factorisation. Puts √|A(row,row)|·z(row) of every probe into sides[0], sides[stride] ...
+  void Begin(int row, double diagonal, double* sides, int stride);
+
+  /// Of the pivot D(row), when w(row) of the probes is at w[0], w[stride] ...
+  Verdict Judge(int row, double pivot, const double* w, int stride) const;
+
+  /// Whether a doubtful pivot can be divided by. Rows 0 to `row` must hold L.
+  bool AcceptsMotion(int row, double pivot);
 
 private:
-  static constexpr int kProbes = 2;
-
-  /// Computes w(row) of every probe and returns the largest square.
-  double AdvanceProbes(int row);
-
   /// Σ |A(k,k)|·v(k)² for the motion v of a row.
   double MotionScale(int row);
 
   ProfileRows matrix;
   int size;
   std::minstd_rand random;
-  std::vector<double> diagonals;        ///< |A(k,k)| of the rows seen
-  std::vector<double> probes[kProbes];  ///< w, last equation first, in step with the rows
-  std::vector<double> motion;           ///< v, last equation first
+  std::vector<double> diagonals;  ///< |A(k,k)| of the rows begun
+  std::vector<double> motion;     ///< v, last equation first
 };

@@ -10,14 +10,9 @@
 #include "base/stprintf.h"
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
-#include "solvers/ldlt_kernel.h"
-#include "solvers/pivot_check.h"
-
-// The factorisation runs row by row (the rows of a node, which begin in the same column,
-// together): row j needs only the finished rows above it, each of its entries is one dot
-// product of two contiguous runs, and nothing outside the profile is looked at. Storage:
-// A. Jennings, A compact storage scheme for the solution of symmetric linear simultaneous
-// equations, The Computer Journal 9 (1966).
+#include "solvers/ldlt_factorisation.h"
+#include "solvers/ldlt_kernels.h"
+#include "solvers/profile_rows.h"
 
 namespace {
 
@@ -145,34 +140,17 @@ void SkyMatriu::AddSubMatriu(int row, int col, const Matriu& m)
         (*this)(row + a - 1, col + b - 1) += m(a, b);
 }
 
-int SkyMatriu::GroupLength(int first) const
-{
-  int length = 1;
-  while (length < kMaxRowsPerGroup && first + length < n &&
-         heights[first + length] == heights[first] + length)
-    ++length;
-  return length;
-}
-
 int SkyMatriu::Txolesky(std::FILE* info)
 {
-  const ProfileRows matrix{rows.data(), heights.data()};
-  PivotCheck check(matrix, n);
   factorised = false;
-  for (int first = 0, length; first < n; first += length) {
-    length = GroupLength(first);
-    ReduceRows(matrix, first, length);
-    for (int row = first; row < first + length; ++row) {
-      const double diagonal = rows[row][0];
-      FinishRow(matrix, row, first);
-      if ((row + 1) % kEquationsPerMessage == 0)
-        Progress(info, "Solving degree %i of %i\n", row + 1, n);
-      if (!check.Accepts(row, diagonal))
-        return row + 1;
-    }
-  }
-  factorised = true;
-  return 0;
+  const auto report = [&](int row) {
+    if ((row + 1) % kEquationsPerMessage == 0)
+      Progress(info, "Solving degree %i of %i\n", row + 1, n);
+  };
+  const int refused = FactoriseLdlt({rows.data(), heights.data()}, n,
+                                    {.kernel = LdltKernels().front(), .onRow = report});
+  factorised = refused < 0;
+  return refused + 1;
 }
 
 void SkyMatriu::Substitute(ReaVecV& b, std::FILE* info) const

@@ -109,10 +109,6 @@ private:
   template <class Visit>
   void ForEachInRow(int i, Visit visit) const;
 
-  /// Number of rows from `first` (from 0) on that begin in the same column, up to the most
-  /// that the kernel takes.
-  int GroupLength(int first) const;
-
   /// Whether row i is a multiple of the row given by its n entries `row`, of which those in
   /// the columns `significant` are not 0.
   bool IsMultiple(int i, const std::vector<double>& row, const std::vector<int>& significant) const;

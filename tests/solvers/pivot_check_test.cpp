@@ -2,10 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <vector>
 
 namespace {
+
+bool Accepts(PivotCheck& check, int row, double pivot, const double* w)
+{
+  const PivotCheck::Verdict verdict = check.Judge(row, pivot, w, 1);
+  return verdict == PivotCheck::Verdict::kAccepted ||
+         (verdict == PivotCheck::Verdict::kDoubtful && check.AcceptsMotion(row, pivot));
+}
 
 /// The factors of a free chain of springs, given by its pivots: L(i, i-1) = -1, so that the
 /// motion of every row is a shift of all before it, and the diagonal of row i was
@@ -28,9 +36,15 @@ public:
   {
     const int n = static_cast<int>(rows.size());
     PivotCheck check({rows.data(), heights.data()}, n);
-    for (int row = 0; row < n; ++row)
-      if (!check.Accepts(row, rows[row][0] + (row > 0 ? rows[row - 1][0] : 0.0)))
+    double w[kProbes] = {};
+    for (int row = 0; row < n; ++row) {
+      double sides[kProbes];
+      check.Begin(row, rows[row][0] + (row > 0 ? rows[row - 1][0] : 0.0), sides, 1);
+      for (int probe = 0; probe < kProbes; ++probe)
+        w[probe] += sides[probe];
+      if (!Accepts(check, row, rows[row][0], w))
         return row;
+    }
     return -1;
   }
 
@@ -66,7 +80,9 @@ TEST(PivotCheck, SinglePivots)
     double* const row = &entry;
     const int height = 1;
     PivotCheck check({&row, &height}, 1);
-    EXPECT_EQ(check.Accepts(0, c.diagonal), c.accepted) << c.pivot << " " << c.diagonal;
+    double w[kProbes];
+    check.Begin(0, c.diagonal, w, 1);
+    EXPECT_EQ(Accepts(check, 0, c.pivot, w), c.accepted) << c.pivot << " " << c.diagonal;
   }
 }
 
@@ -87,5 +103,22 @@ TEST(PivotCheck, EstimateMissesNoFreeChain)
     pivots[0] = 1e3;
     pivots[n - 1] = 5e-16 * (2e3 + 2.0 * n);
     EXPECT_EQ(Chain(pivots).FirstRefused(), n - 1) << n;
+  }
+}
+
+TEST(PivotCheck, SidesLieAtTheStrideAndAreTheSameInEveryRun)
+{
+  const ProfileRows none{nullptr, nullptr};
+  PivotCheck first(none, 3);
+  PivotCheck second(none, 3);
+  double near[kProbes];
+  double far[7 * kProbes] = {};
+  for (int row = 0; row < 3; ++row) {
+    first.Begin(row, -4.0, near, 1);
+    second.Begin(row, 4.0, far, 7);
+    for (int probe = 0; probe < kProbes; ++probe) {
+      EXPECT_EQ(near[probe], far[7 * probe]);
+      EXPECT_LE(std::fabs(near[probe]), 2.0 * std::sqrt(3.0));
+    }
   }
 }

@@ -92,6 +92,8 @@ struct Largest
       force = std::max(force, std::fabs(w.force[i]));
       moment = std::max(moment, std::fabs(w.moment[i]));
     }
+    // Under nothing but moments the forces are what their rounding leaves.
+    force = std::max(force, 1e-3 * moment);
   }
 };
 

@@ -1,0 +1,352 @@
+#include "solvers/ldlt_factorisation.h"
+
+#include <algorithm>
+#include <span>
+#include <vector>
+
+#include "solvers/ldlt_blocks.h"
+#include "solvers/pivot_check.h"
+
+// Row j of the product A = L·D·Lᵀ gives, for the columns i <= j from the first of its profile,
+//
+//   G(j,i) = A(j,i) - Σ L(i,k)·G(j,k), k < i,   L(j,i) = G(j,i) / D(i),   D(j) = G(j,j).
+//
+// Rows are factorised in panels, so that each L(i,k) that is read serves for kPanelRows of them,
+// and the panels whose rows make up a chunk together, so that a block that is read serves for all
+// of these. A panel is copied from its rows, filled up with zeros to the lowest column among them;
+// chunk by chunk of its columns, G is finished there, L is kept as blocks, and the chunk is taken
+// out of all columns behind it. The last chunk holds the panel's own rows, which are eliminated
+// one after another. Storage: A. Jennings, A compact storage scheme for the solution of symmetric
+// linear simultaneous equations, The Computer Journal 9 (1966).
+
+namespace {
+
+/// Part of the matrix that may be kept twice.
+constexpr std::size_t kKeptPart = 10;
+
+int RoundUp(int value, int multiple)
+{
+  return (value + multiple - 1) / multiple * multiple;
+}
+
+/// The lowest first column of every `count` rows, and at most their own first row.
+std::vector<int> FirstColumns(const ProfileRows& matrix, int n, int count)
+{
+  std::vector<int> starts;
+  for (int row = 0; row < RoundUp(n, kPanelRows); row += count) {
+    starts.push_back(std::min(row, n));
+    for (int r = row; r < std::min(row + count, n); ++r)
+      starts.back() = std::min(starts.back(), matrix.FirstColumn(r));
+  }
+  return starts;
+}
+
+std::size_t KeptBytes(const ProfileRows& matrix, int n, const LdltOptions& options)
+{
+  std::size_t entries = 0;
+  for (int row = 0; row < n; ++row)
+    entries += static_cast<std::size_t>(matrix.heights[row]);
+  return options.keptBytes + entries * sizeof(double) / kKeptPart;
+}
+
+/// A panel at work.
+struct Panel
+{
+  /// A column of the panel's rows.
+  struct alignas(64) Column
+  {
+    double values[kPanelRows];
+  };
+
+  int Row() const { return number * kPanelRows; }
+  double* At(int column) { return columns[column - origin].values; }
+
+  int number;  ///< first row / kPanelRows
+  int origin;  ///< first column held, that of a chunk
+  int first;   ///< first column worked on, that of a panel
+  std::vector<Column> columns;
+  std::vector<Column> probes;  ///< as many as a group of the kernel has rows
+};
+
+/// One factorisation.
+class Factorisation
+{
+public:
+  Factorisation(const ProfileRows& rows, int size, const LdltOptions& ldltOptions);
+  int Run();
+
+private:
+  int RowsOf(const Panel& panel) const { return std::min(kPanelRows, n - panel.Row()); }
+
+  int FactoriseChunk(int chunk);
+  void Load(Panel& panel, int number);
+  void LoadColumns(Panel& panel, int first, int end);
+  void FinishInChunk(Panel& panel, int chunk);
+  void TakeOutChunk(std::span<Panel> batch, int chunk);
+  void ReduceOwnGroup(Panel& panel, int chunk, int group);
+  void ReduceProbes(Panel& panel, int chunk, int end);
+  int Eliminate(Panel& panel);
+  bool Accepts(const Panel& panel, int index);
+  void StoreRows(const Panel& panel, int count) const;
+
+  /// A step of the chunk for the rows of a block.
+  LdltStep StepFor(Panel& panel, int chunk, int end, int blockPanel, const double* block);
+  const double* FindOrPack(int panel, int chunk);
+  void PackRow(int row, int chunk);
+  /// Where row r of a panel begins in its blocks.
+  int RowInBlock(int r) const
+  {
+    return r / kernel.groupRows * kernel.groupRows * kChunkColumns + r % kernel.groupRows;
+  }
+
+  const ProfileRows matrix;
+  const int n;
+  const LdltOptions& options;
+  const LdltKernel& kernel;
+  const int groups;  ///< of a panel's rows
+  const std::vector<int> groupStarts;
+  const std::vector<int> tileStarts;
+  LdltBlocks blocks;
+  PivotCheck check;
+  std::vector<double> pivots;
+
+  /// w/D of the probes, group by group like a block: what the panels are reduced by.
+  std::vector<double> probeRows;
+  Panel panels[kPanelsPerChunk];
+  std::vector<double> packed;  ///< a block that is not kept
+};
+
+Factorisation::Factorisation(const ProfileRows& rows, int size, const LdltOptions& ldltOptions)
+    : matrix(rows),
+      n(size),
+      options(ldltOptions),
+      kernel(*ldltOptions.kernel),
+      groups(kPanelRows / kernel.groupRows),
+      groupStarts(FirstColumns(matrix, n, kernel.groupRows)),
+      tileStarts(FirstColumns(matrix, n, kernel.tileRows)),
+      blocks(FirstColumns(matrix, n, kPanelRows), KeptBytes(matrix, n, ldltOptions)),
+      check(matrix, n),
+      pivots(static_cast<std::size_t>(RoundUp(n, kPanelRows))),
+      probeRows(pivots.size() * static_cast<std::size_t>(kernel.groupRows)),
+      packed(kBlockSize)
+{
+}
+
+int Factorisation::Run()
+{
+  for (int chunk = 0; chunk * kChunkColumns < n; ++chunk) {
+    const int refused = FactoriseChunk(chunk);
+    if (refused >= 0)
+      return refused;
+  }
+  return -1;
+}
+
+/// Factorises the rows of the same numbers as the columns of the chunk. Returns like Run.
+int Factorisation::FactoriseChunk(int ownChunk)
+{
+  const int firstPanel = ownChunk * kPanelsPerChunk;
+  int firstChunk = ownChunk;
+  int count = 0;
+  for (; count < kPanelsPerChunk && (firstPanel + count) * kPanelRows < n; ++count) {
+    Load(panels[count], firstPanel + count);
+    firstChunk = std::min(firstChunk, blocks.FirstChunk(firstPanel + count));
+  }
+  const std::span<Panel> batch(panels, static_cast<std::size_t>(count));
+  for (int chunk = firstChunk; chunk < ownChunk; ++chunk) {
+    for (Panel& panel : batch)
+      FinishInChunk(panel, chunk);
+    TakeOutChunk(batch, chunk);
+  }
+  for (Panel& panel : batch) {
+    FinishInChunk(panel, ownChunk);
+    const int refused = Eliminate(panel);
+    StoreRows(panel, refused < 0 ? RowsOf(panel) : refused + 1);
+    if (refused >= 0)
+      return panel.Row() + refused;
+  }
+  blocks.EndPanels(firstPanel, batch.back().number);
+  return -1;
+}
+
+void Factorisation::Load(Panel& panel, int number)
+{
+  const int end = (number + 1) * kPanelRows;
+  panel.number = number;
+  panel.origin = blocks.FirstChunk(number) * kChunkColumns;
+  panel.first = blocks.PanelStart(number) / kPanelRows * kPanelRows;
+  panel.columns.resize(
+      std::max(panel.columns.size(), static_cast<std::size_t>(end - panel.origin)));
+  panel.probes.assign(static_cast<std::size_t>(kernel.groupRows), {});
+  for (int r = 0; r < RowsOf(panel); ++r)
+    check.Begin(panel.Row() + r, matrix.rows[panel.Row() + r][0], panel.probes[0].values + r,
+                kPanelRows);
+  for (int first = panel.first; first < end; first += kPanelRows)
+    LoadColumns(panel, first, first + kPanelRows);
+}
+
+void Factorisation::LoadColumns(Panel& panel, int first, int end)
+{
+  std::fill_n(panel.columns.begin() + (first - panel.origin), end - first, Panel::Column{});
+  for (int r = 0; r < RowsOf(panel); ++r) {
+    const int row = panel.Row() + r;
+    const int last = std::min(end - 1, row);
+    double* const to = panel.At(first) + r;
+    for (int k = std::max(first, matrix.FirstColumn(row)); k <= last; ++k)
+      to[(k - first) * kPanelRows] = matrix.rows[row][row - k];
+  }
+}
+
+LdltStep Factorisation::StepFor(Panel& panel, int chunk, int end, int blockPanel,
+                                const double* block)
+{
+  return {.target = panel.At(blockPanel * kPanelRows),
+          .panel = panel.At(chunk * kChunkColumns),
+          .block = block,
+          .tileStarts = &tileStarts[panel.number * (kPanelRows / kernel.tileRows)],
+          .groupStarts = &groupStarts[blockPanel * groups],
+          .chunk = chunk * kChunkColumns,
+          .end = end,
+          .firstTile = 0};
+}
+
+/// Finishes G and L of the panel in the columns of the chunk before its own rows.
+void Factorisation::FinishInChunk(Panel& panel, int chunk)
+{
+  if (chunk < blocks.FirstChunk(panel.number))
+    return;
+  double* const own = blocks.Add(panel.number, chunk);
+  const int first = std::max(chunk * kChunkColumns, panel.first);
+  const int end = std::min((chunk + 1) * kChunkColumns, panel.Row());
+  if (first >= end)
+    return;
+  for (int other = first / kPanelRows; other * kPanelRows < end; ++other)
+    kernel.solve(StepFor(panel, chunk, end, other, FindOrPack(other, chunk)), other * kPanelRows,
+                 groups);
+  kernel.divide(panel.At(first), &pivots[first],
+                own + (first - chunk * kChunkColumns) * kernel.groupRows, end - first);
+  ReduceProbes(panel, chunk, end);
+}
+
+/// Takes the chunk out of the columns of the panels behind it.
+void Factorisation::TakeOutChunk(std::span<Panel> batch, int chunk)
+{
+  const int end = (chunk + 1) * kChunkColumns;
+  for (int other = end / kPanelRows; other < batch.back().number; ++other) {
+    if (blocks.PanelStart(other) >= end)
+      continue;
+    const double* const block = FindOrPack(other, chunk);
+    for (Panel& panel : batch)
+      if (panel.number > other && panel.first < end)
+        kernel.subtract(StepFor(panel, chunk, end, other, block), groups);
+  }
+  for (Panel& panel : batch)
+    for (int group = 0; group < groups && panel.first < end; ++group)
+      ReduceOwnGroup(panel, chunk, group);
+}
+
+// Only the tiles that reach below the diagonal.
+void Factorisation::ReduceOwnGroup(Panel& panel, int chunk, int group)
+{
+  const int row = group * kernel.groupRows;
+  const int end = std::min((chunk + 1) * kChunkColumns, panel.Row() + row);
+  LdltStep step = StepFor(panel, chunk, end, panel.number, blocks.Find(panel.number, chunk));
+  step.target += row * kPanelRows;
+  step.block += row * kChunkColumns;
+  step.groupStarts += group;
+  step.firstTile = row / kernel.tileRows;
+  kernel.subtract(step, 1);
+}
+
+void Factorisation::ReduceProbes(Panel& panel, int chunk, int end)
+{
+  static constexpr int kStart = 0;
+  LdltStep step = StepFor(panel, chunk, end, panel.number, nullptr);
+  step.target = panel.probes[0].values;
+  step.block = &probeRows[static_cast<std::size_t>(chunk) * kChunkColumns * kernel.groupRows];
+  step.groupStarts = &kStart;
+  kernel.subtract(step, 1);
+}
+
+/// Factorises the block of the panel on the diagonal. Returns the index of the refused row, or -1.
+int Factorisation::Eliminate(Panel& panel)
+{
+  const int chunk = panel.Row() / kChunkColumns;
+  double* const own = blocks.Find(panel.number, chunk);
+  for (int r = 0; r < RowsOf(panel); ++r) {
+    const int row = panel.Row() + r;
+    const int group = r / kernel.groupRows;
+    if (r % kernel.groupRows == 0)
+      ReduceOwnGroup(panel, chunk, group);
+    pivots[row] = panel.At(row)[r];
+    options.onRow(row);
+    if (!Accepts(panel, r))
+      return r;
+    kernel.eliminate({.group = panel.At(panel.Row() + group * kernel.groupRows),
+                      .probes = panel.probes[0].values,
+                      .block = own + row % kChunkColumns * kernel.groupRows,
+                      .column = r});
+    double* const kept = &probeRows[static_cast<std::size_t>(row) * kernel.groupRows];
+    for (int probe = 0; probe < kProbes; ++probe)
+      kept[probe] = panel.probes[probe].values[r] / pivots[row];
+  }
+  return -1;
+}
+
+bool Factorisation::Accepts(const Panel& panel, int index)
+{
+  const int row = panel.Row() + index;
+  switch (check.Judge(row, pivots[row], panel.probes[0].values + index, kPanelRows)) {
+    case PivotCheck::Verdict::kAccepted:
+      return true;
+    case PivotCheck::Verdict::kRefused:
+      return false;
+    case PivotCheck::Verdict::kDoubtful:
+      break;
+  }
+  StoreRows(panel, index + 1);
+  return check.AcceptsMotion(row, pivots[row]);
+}
+
+/// Puts the first `count` rows of the panel, which are finished, into the matrix.
+void Factorisation::StoreRows(const Panel& panel, int count) const
+{
+  for (int r = 0; r < count; ++r) {
+    const int row = panel.Row() + r;
+    double* const entries = matrix.rows[row];
+    entries[0] = pivots[row];
+    for (int k = matrix.FirstColumn(row), end; k < row; k = end) {
+      const int chunk = k / kChunkColumns;
+      end = std::min(row, (chunk + 1) * kChunkColumns);
+      const double* const l = blocks.Find(panel.number, chunk) + RowInBlock(r);
+      for (; k < end; ++k)
+        entries[row - k] = l[(k - chunk * kChunkColumns) * kernel.groupRows];
+    }
+  }
+}
+
+const double* Factorisation::FindOrPack(int panel, int chunk)
+{
+  if (const double* const block = blocks.Find(panel, chunk))
+    return block;
+  std::fill(packed.begin(), packed.end(), 0.0);
+  for (int row = panel * kPanelRows; row < (panel + 1) * kPanelRows; ++row)
+    PackRow(row, chunk);
+  return packed.data();
+}
+
+void Factorisation::PackRow(int row, int chunk)
+{
+  const int first = chunk * kChunkColumns;
+  const int end = std::min(row, first + kChunkColumns);
+  double* const to = packed.data() + RowInBlock(row % kPanelRows);
+  for (int k = std::max(first, matrix.FirstColumn(row)); k < end; ++k)
+    to[(k - first) * kernel.groupRows] = matrix.rows[row][row - k];
+}
+
+}  // namespace
+
+int FactoriseLdlt(const ProfileRows& matrix, int n, const LdltOptions& options)
+{
+  return Factorisation(matrix, n, options).Run();
+}

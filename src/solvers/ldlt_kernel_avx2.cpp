@@ -1,0 +1,5 @@
+#include "solvers/ldlt_tiles.h"
+
+/// See ldlt_kernels.h.
+extern const LdltKernel kAvx2LdltKernel;
+constinit const LdltKernel kAvx2LdltKernel = LdltTiles<4, 3, 4>::Kernel("AVX2");

@@ -1,0 +1,5 @@
+#include "solvers/ldlt_tiles.h"
+
+/// See ldlt_kernels.h.
+extern const LdltKernel kAvx512LdltKernel;
+constinit const LdltKernel kAvx512LdltKernel = LdltTiles<8, 3, 8>::Kernel("AVX-512");

@@ -1,0 +1,5 @@
+#include "solvers/ldlt_tiles.h"
+
+/// See ldlt_kernels.h.
+extern const LdltKernel kPlainLdltKernel;
+constinit const LdltKernel kPlainLdltKernel = LdltTiles<2, 2, 4>::Kernel("plain");

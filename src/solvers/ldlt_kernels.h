@@ -1,0 +1,17 @@
+#pragma once
+
+#include <span>
+
+#include "solvers/ldlt_kernel.h"
+
+/// The kernels that this processor can run, the fastest first; at least one.
+std::span<const LdltKernel* const> LdltKernels();
+
+// The kernels by the file that each is compiled in.
+
+/// With the instructions that the whole program is compiled for.
+extern const LdltKernel kPlainLdltKernel;
+/// Vectors of four, multiply and add in one.
+extern const LdltKernel kAvx2LdltKernel;
+/// Vectors of eight.
+extern const LdltKernel kAvx512LdltKernel;

@@ -1,0 +1,29 @@
+#include "solvers/profile_rows.h"
+
+namespace {
+
+/// Sums that run side by side, so that no addition waits for the one before it.
+constexpr int kLanes = 8;
+
+}  // namespace
+
+double DotProduct(const double* a, const double* b, int count)
+{
+  double lanes[kLanes] = {};
+  int k = 0;
+  for (; k + kLanes <= count; k += kLanes)
+    for (int lane = 0; lane < kLanes; ++lane)
+      lanes[lane] += a[k + lane] * b[k + lane];
+  double sum = 0.0;
+  for (const double lane : lanes)
+    sum += lane;
+  for (; k < count; ++k)
+    sum += a[k] * b[k];
+  return sum;
+}
+
+void SubtractMultiple(double* y, const double* x, double factor, int count)
+{
+  for (int k = 0; k < count; ++k)
+    y[k] -= factor * x[k];
+}

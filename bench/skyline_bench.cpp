@@ -1,6 +1,9 @@
 #include <benchmark/benchmark.h>
 
+#include <dlfcn.h>
+
 #include <algorithm>
+#include <vector>
 
 #include "measure.h"
 #include "numeric/reavecv.h"
@@ -125,6 +128,89 @@ void RaggedProfiles(benchmark::internal::Benchmark* bench)
   bench->Unit(benchmark::kMillisecond);
 }
 
+/// Rows in the order of the definition, with sums that are unrolled by four.
+void FactorisePlainly(SkyMatriu& matrix)
+{
+  std::vector<double> g(static_cast<std::size_t>(matrix.GiveSize()) + 1);
+  for (int j = 1; j <= matrix.GiveSize(); ++j) {
+    const int start = j - matrix.GiveHeight(j) + 1;
+    double* const row = &matrix.val(j, j);
+    for (int i = start; i < j; ++i) {
+      const int count = std::min(matrix.GiveHeight(i), i - start + 1) - 1;
+      const double* const a = &matrix.val(i, i) + 1;
+      const double* const b = row + (j - i) + 1;
+      double sums[4] = {};
+      int k = 0;
+      for (; k + 4 <= count; k += 4)
+        for (int lane = 0; lane < 4; ++lane)
+          sums[lane] += a[k + lane] * b[k + lane];
+      for (; k < count; ++k)
+        sums[0] += a[k] * b[k];
+      row[j - i] -= (sums[0] + sums[1]) + (sums[2] + sums[3]);
+    }
+    for (int i = start; i < j; ++i) {
+      const double l = row[j - i] / matrix.val(i, i);
+      row[0] -= row[j - i] * l;
+      row[j - i] = l;
+    }
+  }
+}
+
+/// Operations a second of the product of two matrices by OpenBLAS; 0 where it is not installed.
+double ProductRate()
+{
+  using Dgemm = void (*)(int, int, int, int, int, int, double, const double*, int, const double*,
+                         int, double, double*, int);
+  void* const library = dlopen("libopenblas.so.0", RTLD_NOW);
+  if (!library)
+    return 0.0;
+  const auto setThreads =
+      reinterpret_cast<void (*)(int)>(dlsym(library, "openblas_set_num_threads"));
+  const auto dgemm = reinterpret_cast<Dgemm>(dlsym(library, "cblas_dgemm"));
+  constexpr int kOrder = 1024;
+  constexpr int kRowMajor = 101, kAsIs = 111;
+  const std::vector<double> a(kOrder * kOrder, 0.5), b(kOrder * kOrder, 0.25);
+  std::vector<double> c(kOrder * kOrder);
+  setThreads(1);
+  return 2.0 * kOrder * kOrder * kOrder / Seconds(5, [&] {
+           dgemm(kRowMajor, kAsIs, kAsIs, kOrder, kOrder, kOrder, 1.0, a.data(), kOrder, b.data(),
+                 kOrder, 0.0, c.data(), kOrder);
+         });
+}
+
+double FactorisationRate(SkyMatriu& matrix, void (*factorise)(SkyMatriu&))
+{
+  std::vector<double> times;
+  for (int k = 0; k < 5; ++k) {
+    Fill(matrix);
+    times.push_back(Seconds(1, [&] { factorise(matrix); }));
+  }
+  return FactorisationFlops(matrix) / Median(times);
+}
+
+/// Counters: GFLOP/s, "dgemm" and "plain" its ratios to the product and to the plain loop.
+void FactorisationRatios(benchmark::State& state)
+{
+  const int width = static_cast<int>(state.range(1));
+  SkyMatriu matrix(static_cast<int>(state.range(0)) * width * 6);
+  CreateGrid(matrix, static_cast<int>(state.range(0)), width, 6);
+  for (auto _ : state) {
+    const double rate = FactorisationRate(matrix, [](SkyMatriu& m) { m.Txolesky(nullptr); });
+    const double plain = FactorisationRate(matrix, FactorisePlainly);
+    const double product = ProductRate();
+    state.counters["GFLOP/s"] = 1e-9 * rate;
+    state.counters["dgemm"] = product > 0.0 ? rate / product : 0.0;
+    state.counters["plain"] = rate / plain;
+  }
+}
+
+BENCHMARK(FactorisationRatios)
+    ->ArgNames({"length", "width"})
+    ->Args({100, 24})
+    ->Args({50, 50})
+    ->Args({20, 150})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(GridFactorisation)->Apply(Grids);
 BENCHMARK(GridSubstitution)->Apply(Grids);
 BENCHMARK(RaggedFactorisation)->Apply(RaggedProfiles);

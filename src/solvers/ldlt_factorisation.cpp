@@ -22,7 +22,7 @@
 namespace {
 
 /// Part of the matrix that may be kept twice.
-constexpr std::size_t kKeptPart = 10;
+constexpr std::size_t kKeptPart = 8;
 
 int RoundUp(int value, int multiple)
 {

@@ -134,10 +134,17 @@ void SkyMatriu::SetToZero()
 
 void SkyMatriu::AddSubMatriu(int row, int col, const Matriu& m)
 {
-  for (int a = 1; a <= m.Rows(); ++a)
-    for (int b = 1; b <= m.Cols(); ++b)
-      if (row + a <= col + b)
-        (*this)(row + a - 1, col + b - 1) += m(a, b);
+  const int cols = m.Cols();
+  for (int b = 0; b < cols; ++b) {
+    // Column j of the block is, upwards from the diagonal, row j as it is stored.
+    const int j = col + b;
+    assert(row >= 1 && j <= n && values);
+    double* const entries = rows[j - 1];
+    const int begin = std::max(row, j - heights[j - 1] + 1);
+    const int end = std::min(row + m.Rows(), j + 1);
+    for (int i = begin; i < end; ++i)
+      entries[j - i] += m.Data()[static_cast<std::ptrdiff_t>(i - row) * cols + b];
+  }
 }
 
 int SkyMatriu::Txolesky(std::FILE* info)

@@ -8,7 +8,6 @@
 #include "model/node.h"
 #include "numeric/plex_range.h"
 #include "problem/constraint.h"
-#include "solvers/bsolver.h"
 
 namespace {
 
@@ -68,14 +67,16 @@ void ResidualCheck::FindScales(const ReaVecV& rightHandSide, LoadCase& loadCase)
   loadCase.moment = std::max(moment, force * scale.length);
 }
 
-bool ResidualCheck::Holds(const LoadCase& loadCase, const BSolver& matrix) const
+ReaVecV ResidualCheck::InGlobalAxes(const LoadCase& loadCase) const
 {
-  ReaVecV global = loadCase.displacements;
-  ConvertLocalResultsToGlobal(nodes, global, scale.components);
-  ReaVecV forces(global.Size());
-  matrix.Multiply(global, forces);
-  ConvertGlobalLoadToLocal(nodes, forces, scale.components);
+  ReaVecV displacements = loadCase.displacements;
+  ConvertLocalResultsToGlobal(nodes, displacements, scale.components);
+  return displacements;
+}
 
+bool ResidualCheck::Holds(const LoadCase& loadCase, ReaVecV& forces) const
+{
+  ConvertGlobalLoadToLocal(nodes, forces, scale.components);
   bool holds = true;
   ForEachFree(nodes, scale.components, [&](int equation, int component, double spring) {
     const double missing =

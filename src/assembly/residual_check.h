@@ -2,8 +2,6 @@
 
 #include "problem/project.h"
 
-class BSolver;
-
 /// Tells the solution of a structure from what a direct solver leaves of one that can move.
 ///
 /// A motion without strain has a pivot that is a rounding error instead of 0, and often not
@@ -28,8 +26,12 @@ public:
   /// Finds the largest entries of the right-hand side that the solver gets.
   void FindScales(const ReaVecV& rightHandSide, LoadCase& loadCase) const;
 
-  /// Whether the displacements hold the loads, by the matrix in global axes without supports.
-  bool Holds(const LoadCase& loadCase, const BSolver& matrix) const;
+  /// Whether the displacements hold the loads. forces: what the matrix, in global axes without
+  /// supports, makes of them (K·u by equation); used as scratch.
+  bool Holds(const LoadCase& loadCase, ReaVecV& forces) const;
+
+  /// The displacements in global axes.
+  ReaVecV InGlobalAxes(const LoadCase& loadCase) const;
 
 private:
   const VoidPlex& nodes;

@@ -85,8 +85,7 @@ void Project::SolveSystem(std::FILE* info)
   model.displacements = displacements;
   LoadCase probe = check.Probe(displacements.Size());
   static_cast<SkyMatriu&>(*solver).Substitute(probe.displacements, nullptr);
-  checkedCases.push_back(std::move(model));
-  checkedCases.push_back(std::move(probe));
+  checkedSolution = {std::move(model), std::move(probe)};
 }
 
 ComponentScale Project::ScaleOfComponents() const

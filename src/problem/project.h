@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -58,6 +59,13 @@ struct LoadCase
   ReaVecV displacements;
   double force = 0.0;   ///< largest of the right-hand side on the free components
   double moment = 0.0;  ///< likewise; both at least what the other makes at one length
+};
+
+/// What a direct solver has to show, see ResidualCheck.
+struct CheckedSolution
+{
+  LoadCase model;
+  LoadCase probe;
 };
 
 /// Everything of one run: what the problem file says, the system of equations, and the
@@ -214,10 +222,10 @@ public:
   // --- The system and the results ---
 
   std::unique_ptr<BSolver> solver;
-  std::vector<LoadCase> checkedCases;  ///< of a direct solution, until they are checked
-  bool preSolved = false;              ///< displacements are those of a coarser model
-  std::vector<int> coplanarity;        ///< by system number less 1: 1 where a shell is flat
-  ReaVecV displacements;               ///< by equation; before the solution the loads
+  std::optional<CheckedSolution> checkedSolution;  ///< of a direct solver, until it is checked
+  bool preSolved = false;                          ///< displacements are those of a coarser model
+  std::vector<int> coplanarity;  ///< by system number less 1: 1 where a shell is flat
+  ReaVecV displacements;         ///< by equation; before the solution the loads
   std::vector<MeshResults> results;
   ReaVecV nodalStresses;  ///< of solids, six for each node by its system number
 
@@ -261,7 +269,7 @@ private:
   void ApplySupports();
   [[noreturn]] void SolverFailed(int result) const;
 
-  void CheckResiduals();
+  void CheckResiduals(const ReaVecV& forcesOfModel);
   void HandOverMidSideReactions();
 
   // Blocks of the post-process results.

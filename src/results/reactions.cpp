@@ -15,12 +15,11 @@
 // supported nodes are asked for, only these are complete.
 void Project::CalcReactions()
 {
-  const bool all = !checkedCases.empty();
   solver->SetToZero();
-  AssembleStiffness(all ? kInGlobalAxes : kOnlyAtSupports);
-  CheckResiduals();
+  AssembleStiffness(checkedSolution ? kInGlobalAxes : kOnlyAtSupports);
   ReaVecV forces(displacements.Size());
   solver->Multiply(displacements, forces);
+  CheckResiduals(forces);
   for (const Node& node : Each<Node>(GiveNodes())) {
     if (!node.constraint)
       continue;
@@ -36,14 +35,21 @@ void Project::CalcReactions()
     HandOverMidSideReactions();
 }
 
-void Project::CheckResiduals()
+void Project::CheckResiduals(const ReaVecV& forcesOfModel)
 {
+  if (!checkedSolution)
+    return;
+  const auto& [model, probe] = *checkedSolution;
   const ResidualCheck check(GiveNodes(), ScaleOfComponents());
-  for (const LoadCase& loadCase : checkedCases) {
-    if (!check.Holds(loadCase, *solver))
-      SolverFailed(-1);
+  ReaVecV forces = forcesOfModel;
+  bool holds = check.Holds(model, forces);
+  if (holds) {
+    solver->Multiply(check.InGlobalAxes(probe), forces);
+    holds = check.Holds(probe, forces);
   }
-  checkedCases.clear();
+  if (!holds)
+    SolverFailed(-1);
+  checkedSolution.reset();
 }
 
 double Project::GiveReaction(const Elem& elem, int dof, double t) const

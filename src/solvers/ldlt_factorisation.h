@@ -16,5 +16,7 @@ struct LdltOptions
 };
 
 /// Factorises n rows in place as L·D·Lᵀ, without pivoting. Returns -1, or the first row whose
-/// pivot is refused (see PivotCheck); what the rows from there on hold is then undefined.
+/// pivot is refused: not a number, below 1e-15, or not above 1e-14 of the row's diagonal entry;
+/// what the rows from there on hold is then undefined. A structure that can move often leaves
+/// larger pivots; see ResidualCheck.
 int FactoriseLdlt(const ProfileRows& matrix, int n, const LdltOptions& options);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <iterator>
 
 #include "base/constants.h"
 #include "base/errorwriter.h"
@@ -44,7 +45,7 @@ void SkyMatriu::EnterMaxDiff(int node1, int node2, int ndof)
 void SkyMatriu::EnterMaxDiff(int eq1, int eq2)
 {
   const auto [low, high] = std::minmax(eq1, eq2);
-  assert(low >= 1 && high <= n && !values);
+  assert(low >= 1 && high <= n && values.empty());
   heights[high - 1] = std::max(heights[high - 1], high - low + 1);
 }
 
@@ -74,10 +75,10 @@ void SkyMatriu::Create(int ndof)
 void SkyMatriu::AllocateRows()
 {
   const std::size_t bytes = StorageBytes();
-  values.reset();
+  values = {};
   RequireMemory(bytes);
-  values = std::make_unique<double[]>(bytes / sizeof(double));
-  double* next = values.get();
+  values.resize(bytes / sizeof(double), 0.0);
+  double* next = values.data();
   for (int i = 0; i < n; ++i) {
     rows[i] = next;
     next += heights[i];
@@ -96,7 +97,7 @@ void SkyMatriu::FindLastRows()
 double* SkyMatriu::Find(int i, int j) const
 {
   const auto [low, high] = std::minmax(i, j);
-  assert(low >= 1 && high <= n && values);
+  assert(low >= 1 && high <= n && !values.empty());
   const int d = high - low;
   return d < heights[high - 1] ? &rows[high - 1][d] : nullptr;
 }
@@ -128,7 +129,7 @@ void SkyMatriu::ForEachInRow(int i, Visit visit) const
 
 void SkyMatriu::SetToZero()
 {
-  std::fill_n(values.get(), values ? StorageBytes() / sizeof(double) : 0, 0.0);
+  std::fill(values.begin(), values.end(), 0.0);
   factorised = false;
 }
 
@@ -138,7 +139,7 @@ void SkyMatriu::AddSubMatriu(int row, int col, const Matriu& m)
   for (int b = 0; b < cols; ++b) {
     // Column j of the block is, upwards from the diagonal, row j as it is stored.
     const int j = col + b;
-    assert(row >= 1 && j <= n && values);
+    assert(row >= 1 && j <= n && !values.empty());
     double* const entries = rows[j - 1];
     const int begin = std::max(row, j - heights[j - 1] + 1);
     const int end = std::min(row + m.Rows(), j + 1);
@@ -217,22 +218,21 @@ double SkyMatriu::ReturnRowPerVector(int i, const ReaVecV& v) const
   return sum;
 }
 
-// Row i brings the terms of the columns up to i; those of the columns behind follow, in
-// order, with their rows.
+// Reversed like the rows, the vectors can be walked in step with them. Row i brings its terms up
+// to the diagonal; as column i it brings the others, to the sums before it.
 void SkyMatriu::Multiply(const ReaVecV& v, ReaVecV& product) const
 {
   assert(v.Size() == n);
   product.resize(n, 0.0);
-  const double* const x = v.Data();
+  const std::vector<double> x(std::make_reverse_iterator(v.Data() + n),
+                              std::make_reverse_iterator(v.Data()));
   double* const y = product.Data();
   for (int i = 0; i < n; ++i) {
-    double sum = 0.0;
-    for (int d = heights[i] - 1; d > 0; --d) {
-      sum += rows[i][d] * x[i - d];
-      y[i - d] += rows[i][d] * x[i];
-    }
-    y[i] = sum + rows[i][0] * x[i];
+    const std::size_t place = static_cast<std::size_t>(n - 1 - i);
+    y[place] = DotProduct(rows[i], &x[place], heights[i]);
+    SubtractMultiple(y + place + 1, rows[i] + 1, -x[place], heights[i] - 1);
   }
+  std::reverse(y, y + n);
 }
 
 int SkyMatriu::HasVoidRows() const

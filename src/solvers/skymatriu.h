@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <ostream>
 #include <vector>
 
+#include "base/large_array.h"
 #include "solvers/bsolver.h"
 
 /// Symmetric matrix stored by profile, factorised in place as L·D·Lᵀ.
@@ -48,8 +48,8 @@ public:
   int Solver(ReaVecV& b, std::FILE* info) override;
 
   /// Factorises in place, without pivoting. Returns 0, or the first equation whose pivot is
-  /// refused: not a number, below 1e-15, or nothing but rounding error, as in a structure
-  /// that can move (see PivotCheck). Progress every 500 equations.
+  /// refused: not a number, below 1e-15, or not above 1e-14 of its diagonal entry. Progress every
+  /// 500 equations.
   int Txolesky(std::FILE* info);
 
   /// Solves with the factors that Txolesky has left: b becomes the solution.
@@ -116,9 +116,9 @@ private:
   void PrintRowTo(std::ostream& out, int i) const;
 
   int n;
-  std::vector<int> heights;          ///< of row i at i - 1: entries from the diagonal leftwards
-  std::unique_ptr<double[]> values;  ///< one array for all rows; null before Create
-  std::vector<double*> rows;         ///< into values; element d of row i is entry (i, i - d)
+  std::vector<int> heights;   ///< of row i at i - 1: entries from the diagonal leftwards
+  LargeArray<double> values;  ///< one array for all rows; empty before Create
+  std::vector<double*> rows;  ///< into values; element d of row i is entry (i, i - d)
 
   /// Of equation i at i - 1: the last row that begins at or before column i. No row behind
   /// it holds an entry of column i, so that what works on row and column i can stop there

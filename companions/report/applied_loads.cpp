@@ -1,0 +1,85 @@
+#include "report/applied_loads.h"
+
+#include "base/array_size.h"
+#include "model/elem.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/matriu.h"
+#include "numeric/plex_range.h"
+#include "problem/element_family.h"
+#include "problem/project.h"
+#include "problem/references.h"
+
+namespace {
+
+// The first components of a node are displacements; a single rotation is that about z.
+void AddComponents(const model::Model& model, const std::array<double, 6>& values, Wrench& sum)
+{
+  const int translations = model.Translations();
+  for (int k = 0; k < translations; ++k)
+    sum.force[k] += values[k];
+  const int rotations = model.components - translations;
+  for (int k = 0; k < rotations; ++k)
+    sum.moment[3 - rotations + k] += values[translations + k];
+}
+
+// The equivalent nodal loads of the meshes of beams, or of all others.
+std::vector<Wrench> LoadsOfMeshes(Project& project, const model::Model& model, bool beams)
+{
+  project.displacements.resize(ArrayLength(project.numNodes, project.freeDegrees), 0.0);
+  project.displacements = 0.0;
+  for (const auto& mesh : project.meshes) {
+    if ((mesh->GiveElemType() == Linear) == beams)
+      (project.*FamilyOf(*mesh).addLoads)(mesh.get());
+  }
+  std::vector<Wrench> loads(model.nodes.size());
+  std::size_t position = 0;
+  for (const Node& node : Each<Node>(project.GiveNodes())) {
+    std::array<double, 6> values{};
+    for (int k = 0; k < project.freeDegrees; ++k)
+      values[k] = project.displacements(project.Equation(node, k + 1));
+    AddComponents(model, values, loads[position++]);
+  }
+  return loads;
+}
+
+std::vector<LineLoad> LoadsOnBeams(const Project& project, const model::Model& model)
+{
+  std::vector<LineLoad> loads;
+  Matriu T;
+  for (std::size_t i = 0; i < model.elements.size(); ++i) {
+    const model::Element& element = model.elements[i];
+    if (element.kind != model::Kind::Beam)
+      continue;
+    const SpanLoad load = project.LoadOn(project.SpanOf(*project.GiveElem(element.number), T));
+    LineLoad added{static_cast<int>(i), {}};
+    for (int axis = 0; axis < 3; ++axis) {
+      for (int k = 0; k < 3; ++k)
+        added.q[k] += load.q[axis] * element.axes[axis][k];
+    }
+    if (added.q != Vec3{})
+      loads.push_back(added);
+  }
+  return loads;
+}
+
+}  // namespace
+
+AppliedLoads AppliedLoadsOf(Project& project, const model::Model& model)
+{
+  CheckReferences(project);
+  AppliedLoads loads;
+  loads.nodes = LoadsOfMeshes(project, model, true);
+  const std::vector<Wrench> others = LoadsOfMeshes(project, model, false);
+  for (std::size_t i = 0; i < others.size(); ++i) {
+    loads.onSurfaces.push_back(others[i].force);
+    for (int k = 0; k < 3; ++k) {
+      loads.nodes[i].force[k] += others[i].force[k];
+      loads.nodes[i].moment[k] += others[i].moment[k];
+    }
+  }
+  for (const model::NodalLoad& load : model.nodalLoads)
+    AddComponents(model, load.values, loads.nodes[load.node]);
+  loads.onBeams = LoadsOnBeams(project, model);
+  return loads;
+}

@@ -1,0 +1,132 @@
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <optional>
+#include <string>
+
+#include "base/errorwriter.h"
+#include "common/command_line.h"
+#include "common/model_data.h"
+#include "common/result_data.h"
+#include "problem/project.h"
+#include "report/applied_loads.h"
+#include "report/equilibrium.h"
+#include "report/page.h"
+#include "report/page_data.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Options
+{
+  fs::path model;
+  std::optional<fs::path> output, post, text;
+  bool anyTime = false;
+};
+
+void Declare(CLI::App& app, Options& options)
+{
+  const auto add = [&](const char* name, auto& value, const char* help) {
+    return app.add_option(name, value, help)->type_name("FILE");
+  };
+  add("model", options.model, "the problem file of a run of morlen")->required();
+  add("-o,--output", options.output, "the report (default: MODEL.html)");
+  add("--results", options.post, "its post-process results (default: MODEL.morlen.res)");
+  add("--text", options.text,
+      "its text results, for rotations and end forces (default: MODEL.txt if there is one)");
+  app.add_flag("--any-time", options.anyTime, "take results that are older than the model");
+  app.footer(
+      "It runs nothing: run morlen first. MODEL is the name of the problem file without its "
+      "ending.\n"
+      "Exit status: 0; 1 when loads and reactions are not in equilibrium; 2 when the report "
+      "cannot be made.");
+}
+
+results::Files FilesOf(const Options& options)
+{
+  results::Files files = results::UsualFiles(options.model);
+  files.post = options.post.value_or(files.post);
+  if (options.text)
+    files.text = options.text;
+  files.anyTime = options.anyTime;
+  return files;
+}
+
+// Fatal when the report would replace a file that is read.
+void KeepInputs(const fs::path& output, const results::Files& files)
+{
+  for (const fs::path& input : {files.model, files.post, files.text.value_or(files.post)}) {
+    std::error_code absent;
+    if (fs::equivalent(output, input, absent))
+      Fatal("error: ", output.string(), " is read and can't be written\n");
+  }
+}
+
+void ReadProject(const fs::path& file, Project& project)
+{
+  std::ifstream in(file);
+  if (!in)
+    Fatal("can't open file ", file.string(), "\n");
+  project.ReadFromAscii(in);
+}
+
+// What to do about loads that the reactions do not carry.
+std::string AdviceOf(const Equilibrium& equilibrium, const Project& project)
+{
+  if (equilibrium.IsBalanced())
+    return {};
+  if (project.solverSettings.type == SolverType::SkyLine)
+    return "The structure may be close to a mechanism, or its stiffnesses too far apart.";
+  return "The iteration of the equations may have ended too early, as it does with thin curved "
+         "shells: solve with `Solver SkyLine`.";
+}
+
+ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advice)
+{
+  std::printf("residual of equilibrium: %.2g\n", equilibrium.residual);
+  if (equilibrium.IsBalanced())
+    return ExitStatus::Done;
+  std::cerr << "warning: loads and reactions are not in equilibrium. " << advice << "\n";
+  return ExitStatus::Found;
+}
+
+ExitStatus Report(const Options& options)
+{
+  const results::Files files = FilesOf(options);
+  const fs::path output =
+      options.output.value_or(fs::path(options.model).replace_extension("html"));
+  KeepInputs(output, files);
+  Project project(100);
+  ReadProject(options.model, project);
+  const model::Model model = model::ModelOf(project);
+  const results::Results results = results::ReadResults(model, files);
+  const AppliedLoads loads = AppliedLoadsOf(project, model);
+  const Equilibrium equilibrium = EquilibriumOf(model, loads.nodes, results);
+  const std::string advice = AdviceOf(equilibrium, project);
+  const std::string name = options.model.filename().string();
+  WritePage(output, name,
+            PageData({.file = name,
+                      .description = DescriptionOf(options.model),
+                      .model = model,
+                      .results = results,
+                      .loads = loads,
+                      .equilibrium = equilibrium,
+                      .advice = advice,
+                      .check = std::nullopt}));
+  return PrintBalance(equilibrium, advice);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+  CommandLine commandLine("morlen-report",
+                          "Writes the results of a run of morlen as a page for the browser.");
+  Options options;
+  Declare(commandLine.Options(), options);
+  if (const std::optional<ExitStatus> end = commandLine.Parse(argc, argv))
+    return static_cast<int>(*end);
+  return static_cast<int>(Report(options));
+}

@@ -1,0 +1,79 @@
+// Colour maps with even steps of perceived lightness, made in the colour space OKLab
+// (Ottosson, "A perceptual color space for image processing", 2020).
+
+function toSrgb(linear) {
+  const value = linear <= 0.0031308 ? 12.92 * linear : 1.055 * linear ** (1 / 2.4) - 0.055;
+  return Math.min(1, Math.max(0, value));
+}
+
+/** sRGB (0..1) of lightness, chroma and hue in degrees. */
+function oklch(lightness, chroma, hue) {
+  const a = chroma * Math.cos((hue * Math.PI) / 180);
+  const b = chroma * Math.sin((hue * Math.PI) / 180);
+  const l = (lightness + 0.3963377774 * a + 0.2158037573 * b) ** 3;
+  const m = (lightness - 0.1055613458 * a - 0.0638541728 * b) ** 3;
+  const s = (lightness - 0.0894841775 * a - 1.291485548 * b) ** 3;
+  return [
+    toSrgb(4.0767416621 * l - 3.3077115913 * m + 0.2309699292 * s),
+    toSrgb(-1.2684380046 * l + 2.6097574011 * m - 0.3413193965 * s),
+    toSrgb(-0.0041960863 * l - 0.7034186147 * m + 1.707614701 * s),
+  ];
+}
+
+const mix = (a, b, t) => a + (b - a) * t;
+
+/** From dark blue over green to light yellow, for values of one sign. */
+function sequential(t) {
+  return oklch(mix(0.32, 0.93, t), 0.1 + 0.04 * t, mix(285, 102, t));
+}
+
+/** Blue below, red above, light in the middle, for values of both signs. */
+function diverging(t) {
+  const away = Math.abs(2 * t - 1);
+  return oklch(mix(0.95, 0.46, away), 0.165 * Math.min(1, 1.25 * away), t < 0.5 ? 255 : 28);
+}
+
+export const BANDS = 12;
+
+/** Colours of a range of values; 0 lies in the middle of the map when it lies inside. */
+export class ColourScale {
+  constructor(min, max) {
+    this.min = min;
+    this.max = max;
+    this.signed = min < 0 && max > 0;
+    this.largest = Math.max(Math.abs(min), Math.abs(max)) || 1;
+  }
+
+  /** Place of a value in the range, 0..1. */
+  place(value) {
+    return this.max > this.min ? Math.min(1, Math.max(0, (value - this.min) / (this.max - this.min))) : 0;
+  }
+
+  value(place) {
+    return this.min + place * (this.max - this.min);
+  }
+
+  /** The colour of a band, 0..BANDS-1. */
+  band(index) {
+    const place = (index + 0.5) / BANDS;
+    if (!this.signed) return sequential(this.max <= 0 ? 1 - place : place);
+    return diverging(0.5 + (0.5 * this.value(place)) / this.largest);
+  }
+
+  colour(value) {
+    return this.band(Math.min(BANDS - 1, Math.floor(this.place(value) * BANDS)));
+  }
+
+  /** Bands as RGBA bytes, for a texture. */
+  texels() {
+    const bytes = new Uint8Array(4 * BANDS);
+    for (let i = 0; i < BANDS; ++i) {
+      bytes.set([...this.band(i).map((part) => Math.round(255 * part)), 255], 4 * i);
+    }
+    return bytes;
+  }
+}
+
+export const cssColour = (rgb) => `rgb(${rgb.map((part) => Math.round(255 * part)).join(" ")})`;
+export const POSITIVE = oklch(0.52, 0.16, 28);
+export const NEGATIVE = oklch(0.5, 0.15, 255);

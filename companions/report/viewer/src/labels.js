@@ -1,0 +1,75 @@
+// Text over the view: numbers, values, and the global axes in a corner. Labels that would cover
+// one that stands already are left out.
+
+const FONT = "12px system-ui, sans-serif";
+
+export class Labels {
+  constructor(stage) {
+    this.stage = stage;
+    this.canvas = document.createElement("canvas");
+    this.canvas.className = "labels";
+    stage.container.append(this.canvas);
+    this.sources = new Map();
+    stage.onFrame(() => this.draw());
+  }
+
+  /** Sets the labels {place, text} of a kind in a colour; an empty list takes them away. */
+  set(kind, colour, labels) {
+    this.sources.set(kind, { colour, labels });
+  }
+
+  draw() {
+    const { width, height } = this.stage;
+    const ratio = Math.min(window.devicePixelRatio, 2);
+    this.canvas.width = width * ratio;
+    this.canvas.height = height * ratio;
+    const context = this.canvas.getContext("2d");
+    context.scale(ratio, ratio);
+    context.font = FONT;
+    context.textBaseline = "middle";
+    context.lineJoin = "round";
+    this.taken = [];
+    for (const { colour, labels } of this.sources.values()) {
+      for (const label of labels) this.drawLabel(context, colour, label);
+    }
+    this.drawAxes(context, height);
+  }
+
+  drawLabel(context, colour, { place, text }) {
+    const [x, y] = this.stage.project(place);
+    if (x < 0 || x > this.stage.width || y < 0 || y > this.stage.height) return;
+    const { width } = context.measureText(text);
+    const left = Math.min(x + 4, this.stage.width - width - 4), top = Math.max(2, y - 14);
+    const box = [left - 1, top, left + width + 1, top + 15];
+    if (this.taken.some((b) => b[0] < box[2] && box[0] < b[2] && b[1] < box[3] && box[1] < b[3])) return;
+    this.taken.push(box);
+    halo(context, text, left, top + 7, colour);
+  }
+
+  drawAxes(context, height) {
+    const origin = [44, height - 40], reach = 28;
+    const start = this.stage.project([0, 0, 0]);
+    const scale = reach * this.stage.pixel;
+    ["X", "Y", "Z"].forEach((name, k) => {
+      const tip = this.stage.project([0, 1, 2].map((i) => (i === k ? 100 * scale : 0)));
+      const [dx, dy] = [(tip[0] - start[0]) / 100, (tip[1] - start[1]) / 100];
+      if (Math.hypot(dx, dy) < 4) return;
+      const colour = ["#b3261e", "#2e7d32", "#1f5fa8"][k];
+      context.strokeStyle = colour;
+      context.lineWidth = 2;
+      context.beginPath();
+      context.moveTo(...origin);
+      context.lineTo(origin[0] + dx, origin[1] + dy);
+      context.stroke();
+      halo(context, name, origin[0] + 1.25 * dx - 4, origin[1] + 1.25 * dy, colour);
+    });
+  }
+}
+
+function halo(context, text, x, y, colour) {
+  context.strokeStyle = "rgba(255, 255, 255, 0.9)";
+  context.lineWidth = 3;
+  context.strokeText(text, x, y);
+  context.fillStyle = colour;
+  context.fillText(text, x, y);
+}

@@ -1,0 +1,83 @@
+// Principal membrane forces or moments of shells: a cross at the middle of every shell, in the
+// directions in which they act, red for tension (or positive moments), blue for compression.
+
+import * as THREE from "three";
+import { NEGATIVE, POSITIVE } from "./colours.js";
+import { SHELL, dot } from "./model.js";
+import { axesOfEuler } from "./symbols.js";
+
+const COLUMNS = {
+  N: { local: ["Nx'", "Ny'", "Nxy'"], main: ["N11", "N22"], euler: "N_Euler" },
+  M: { local: ["Mx'", "My'", "Mxy'"], main: ["M11", "M22"], euler: "M_Euler" },
+};
+
+/** Reads {angle of the first direction from x', first, second value} of shells. */
+function reader(table, shells, kind, model) {
+  const { local, main, euler } = COLUMNS[kind];
+  if (table.column(local[0])) {
+    const [x, y, xy] = local.map((name) => table.column(name).values);
+    return (element) => {
+      const [a, b, c] = [x, y, xy].map((values) => shells.mean(values, element));
+      const radius = Math.hypot((a - b) / 2, c);
+      return [Math.atan2(2 * c, a - b) / 2, (a + b) / 2 + radius, (a + b) / 2 - radius];
+    };
+  }
+  // The direction in which the first value acts is the mirror image, in x', of the axis in the results.
+  const values = main.map((name) => table.column(name).values);
+  return (element) => {
+    const row = shells.first[element];
+    const printed = axesOfEuler([1, 2, 3].map((i) => table.column(euler + i).values[row]))[0];
+    const [xAxis, yAxis] = model.shellAxes(element);
+    return [-Math.atan2(dot(printed, yAxis), dot(printed, xAxis)), values[0][row], values[1][row]];
+  };
+}
+
+/** Of the sizes, the one that nine in ten stay below: a few peaks must not hide the others. */
+function usualSize(sizes) {
+  const sorted = Float64Array.from(sizes).sort();
+  return sorted[Math.floor(0.9 * (sorted.length - 1))] || sorted[sorted.length - 1] || 1;
+}
+
+export function principalCrosses(report, model, shells, kind) {
+  const table = report.table("shell_forces");
+  const read = reader(table, shells, kind, model);
+  const { elements } = model;
+  const found = [];
+  for (let e = 0; e < elements.count; ++e) if (elements.kinds[e] === SHELL) found.push(e);
+  const states = found.map(read);
+  const usual = usualSize(states.flatMap(([, a, b]) => [Math.abs(a), Math.abs(b)]));
+  const position = new Float32Array(12 * found.length), colour = new Float32Array(12 * found.length);
+  const [positive, negative] = [POSITIVE, NEGATIVE].map((rgb) => new THREE.Color().setRGB(...rgb, THREE.SRGBColorSpace));
+  found.forEach((e, i) => {
+    const corners = [0, 1, 2].map((k) => model.place(model.node(e, k)));
+    const middle = [0, 1, 2].map((k) => (corners[0][k] + corners[1][k] + corners[2][k]) / 3);
+    const reach = 0.3 * Math.hypot(...corners[0].map((x, k) => corners[1][k] - x));
+    const [x, y, z] = model.shellAxes(e);
+    [0, 1].forEach((which) => {
+      const angle = states[i][0] + (which * Math.PI) / 2, value = states[i][1 + which];
+      const half = reach * Math.min(1.5, Math.abs(value) / usual);
+      for (let k = 0; k < 3; ++k) {
+        const step = half * (Math.cos(angle) * x[k] + Math.sin(angle) * y[k]);
+        position[12 * i + 6 * which + k] = middle[k] - step + 0.01 * reach * z[k];
+        position[12 * i + 6 * which + 3 + k] = middle[k] + step + 0.01 * reach * z[k];
+      }
+      for (const end of [0, 3]) (value < 0 ? negative : positive).toArray(colour, 12 * i + 6 * which + end);
+    });
+  });
+  const geometry = new THREE.BufferGeometry();
+  geometry.setAttribute("position", new THREE.BufferAttribute(position, 3));
+  geometry.setAttribute("color", new THREE.BufferAttribute(colour, 3));
+  geometry.setAttribute("displacement", centreDisplacements(model, found));
+  return geometry;
+}
+
+function centreDisplacements(model, found) {
+  const values = new Float32Array(12 * found.length);
+  found.forEach((e, i) => {
+    for (let k = 0; k < 3; ++k) {
+      const mean = [0, 1, 2].reduce((sum, c) => sum + model.displacements[3 * model.node(e, c) + k], 0) / 3;
+      for (let vertex = 0; vertex < 4; ++vertex) values[12 * i + 3 * vertex + k] = mean;
+    }
+  });
+  return new THREE.BufferAttribute(values, 3);
+}

@@ -1,0 +1,154 @@
+// The stage: renderer, camera and its moves. It draws when something has changed, not all the time.
+
+import * as THREE from "three";
+import { OrbitControls } from "three/examples/jsm/controls/OrbitControls.js";
+
+const VIEWS = {
+  iso: [[-0.55, -0.9, 0.5], [0, 0, 1]],
+  front: [[0, -1, 0], [0, 0, 1]],
+  side: [[1, 0, 0], [0, 0, 1]],
+  top: [[0, 0, 1], [0, 1, 0]],
+};
+
+export class Stage {
+  constructor(container, model) {
+    this.container = container;
+    this.model = model;
+    this.renderer = new THREE.WebGLRenderer({ antialias: true, preserveDrawingBuffer: true });
+    this.renderer.setClearColor(0xffffff, 1);
+    this.renderer.setPixelRatio(Math.min(window.devicePixelRatio, 2));
+    this.scene = new THREE.Scene();
+    this.camera = new THREE.OrthographicCamera(-1, 1, 1, -1, -1, 1);
+    this.listeners = [];
+    this.resolutions = [];  // materials of fat lines, which need the size of the canvas
+    this.addLights();
+    container.append(this.renderer.domElement);
+    this.controls = new OrbitControls(this.camera, this.renderer.domElement);
+    this.controls.enableRotate = !model.plane;
+    this.controls.zoomToCursor = true;
+    if (model.plane) this.controls.mouseButtons.LEFT = THREE.MOUSE.PAN;
+    this.controls.addEventListener("change", () => this.draw());
+    new ResizeObserver(() => this.resize()).observe(container);
+    this.resize();
+    this.look(model.plane ? "top" : "iso");
+  }
+
+  addLights() {
+    this.scene.add(new THREE.AmbientLight(0xffffff, 2.2));
+    this.light = new THREE.DirectionalLight(0xffffff, 1.1);
+    this.camera.add(this.light);
+    this.light.position.set(0.4, 0.7, 1);
+    this.scene.add(this.camera);
+  }
+
+  resize() {
+    const { clientWidth: width, clientHeight: height } = this.container;
+    if (!width || !height) return;
+    this.width = width;
+    this.height = height;
+    this.renderer.setSize(width, height, false);
+    for (const material of this.resolutions) material.resolution.set(width, height);
+    this.setFrustum();
+    this.draw();
+  }
+
+  setFrustum() {
+    const half = 0.5 * this.model.box.size * 1.02;
+    const aspect = this.width / this.height;
+    const [x, y] = aspect > 1 ? [half * aspect, half] : [half, half / aspect];
+    Object.assign(this.camera, { left: -x, right: x, top: y, bottom: -y, near: -20 * half, far: 20 * half });
+    this.camera.updateProjectionMatrix();
+  }
+
+  /** Looks at the whole model from one of VIEWS. */
+  look(name) {
+    const [direction, up] = VIEWS[name];
+    this.camera.up.set(...up);
+    this.camera.position.set(...direction).normalize().multiplyScalar(this.model.box.size);
+    this.controls.target.set(0, 0, 0);
+    this.camera.zoom = 1;
+    this.camera.lookAt(0, 0, 0);
+    this.camera.updateMatrixWorld();
+    this.fit();
+    this.controls.update();
+    this.draw();
+  }
+
+  /** Zooms and shifts so that the nodes fill the view, with a margin for symbols and diagrams. */
+  fit() {
+    const inverse = this.camera.matrixWorldInverse;
+    const low = new THREE.Vector3(Infinity, Infinity, Infinity), high = low.clone().negate();
+    const point = new THREE.Vector3();
+    for (let i = 0; i < this.model.nodeCount; ++i) {
+      point.fromArray(this.model.local, 3 * i).applyMatrix4(inverse);
+      low.min(point);
+      high.max(point);
+    }
+    const middle = low.clone().add(high).multiplyScalar(0.5).applyMatrix4(this.camera.matrixWorld);
+    const shift = middle.sub(point.set(0, 0, 0).applyMatrix4(inverse).setX(0).setY(0).applyMatrix4(this.camera.matrixWorld));
+    this.camera.position.add(shift);
+    this.controls.target.add(shift);
+    const margin = 1.28, least = 0.05 * this.model.box.size;
+    const width = Math.max(high.x - low.x, least) * margin, height = Math.max(high.y - low.y, least) * margin;
+    this.camera.zoom = Math.min(
+      (this.camera.right - this.camera.left) / width, (this.camera.top - this.camera.bottom) / height);
+    this.camera.updateProjectionMatrix();
+  }
+
+  /** Calls back after every frame: for what is drawn on top. */
+  onFrame(listener) {
+    this.listeners.push(listener);
+  }
+
+  draw() {
+    if (this.pending) return;
+    this.pending = true;
+    requestAnimationFrame(() => {
+      this.pending = false;
+      this.drawNow();
+    });
+  }
+
+  drawNow() {
+    this.renderer.render(this.scene, this.camera);
+    for (const listener of this.listeners) listener();
+  }
+
+  /** Pixels of a point in the canvas, and its depth (-1 near, 1 far). */
+  project(point) {
+    const p = this.scratch ?? (this.scratch = new THREE.Vector3());
+    p.set(point[0], point[1], point[2]).project(this.camera);
+    return [((p.x + 1) / 2) * this.width, ((1 - p.y) / 2) * this.height, p.z];
+  }
+
+  /** The length of a pixel at the model. */
+  get pixel() {
+    return (this.camera.right - this.camera.left) / this.camera.zoom / this.width;
+  }
+}
+
+/** Lets the vertices of a material move by `factor` times their attribute `displacement`. */
+export function deformable(material, factor) {
+  material.onBeforeCompile = (shader) => {
+    shader.uniforms.factor = factor;
+    shader.vertexShader = shader.vertexShader
+      .replace("#include <common>", "#include <common>\nattribute vec3 displacement;\nuniform float factor;")
+      .replace("#include <begin_vertex>", "vec3 transformed = position + factor * displacement;");
+  };
+  return material;
+}
+
+/** A geometry at nodes (places in the model's list) that can be deformed. */
+export function geometryAt(model, nodes) {
+  const position = new Float32Array(3 * nodes.length), displacement = new Float32Array(3 * nodes.length);
+  for (let i = 0; i < nodes.length; ++i) {
+    for (let k = 0; k < 3; ++k) {
+      position[3 * i + k] = model.local[3 * nodes[i] + k];
+      displacement[3 * i + k] = model.displacements[3 * nodes[i] + k];
+    }
+  }
+  const geometry = new THREE.BufferGeometry();
+  geometry.setAttribute("position", new THREE.BufferAttribute(position, 3));
+  geometry.setAttribute("displacement", new THREE.BufferAttribute(displacement, 3));
+  return geometry;
+}

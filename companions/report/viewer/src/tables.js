@@ -1,0 +1,120 @@
+// The tables: sorted by a click on a column, searched by a number, drawn only as far as they are seen.
+
+import { format, h } from "./dom.js";
+
+const ROW = 25, SPARE = 8;
+
+const TITLES = {
+  nodes: "Nodes", elements: "Elements", materials: "Materials", supports: "Supports",
+  nodal_loads: "Nodal loads", element_loads: "Element loads", displacements: "Displacements",
+  reactions: "Reactions", beam_diagrams: "Beam diagrams", beam_end_forces: "Beam end forces",
+  shell_forces: "Shell forces", stresses: "Stresses",
+};
+
+export const titleOf = (table) => TITLES[table.name] ?? table.name;
+
+/** A heading: name and unit. */
+export const headOf = (column) => [column.name.replaceAll("_", " "), column.unit ? h("small", {}, column.unit) : null];
+
+/** Places of the rows in the order of a column; empty cells at the end. */
+export function sortedRows(column, rows, descending) {
+  const order = Uint32Array.from({ length: rows }, (_, i) => i);
+  const sign = descending ? -1 : 1;
+  if (column.words) return order.sort((a, b) => sign * String(column.cell(a)).localeCompare(String(column.cell(b))) || a - b);
+  const values = Float64Array.from({ length: rows }, (_, i) => column.cell(i) ?? NaN);
+  return order.sort((a, b) => {
+    if (Number.isNaN(values[a]) || Number.isNaN(values[b])) return Number.isNaN(values[a]) - Number.isNaN(values[b]) || a - b;
+    return sign * (values[a] - values[b]) || a - b;
+  });
+}
+
+export class TableView {
+  /** onrow(kind, number) is called with "node" or "element" and the number in a clicked row. */
+  constructor(tables, onrow) {
+    this.tables = tables;
+    this.onrow = onrow;
+    this.tabs = h("div", { class: "tabs", role: "tablist" }, tables.map((table) =>
+      h("button", { role: "tab", "data-table": table.name, onclick: () => this.open(table) },
+        titleOf(table), h("small", {}, format(table.rows)))));
+    this.search = h("input", { type: "search", placeholder: "number", "aria-label": "number of a node or element" });
+    this.search.addEventListener("input", () => this.arrange());
+    this.head = h("thead");
+    this.body = h("tbody");
+    this.scroller = h("div", { class: "rows" }, h("table", {}, this.head, this.body));
+    this.scroller.addEventListener("scroll", () => this.drawRows());
+    this.element = h("div", { class: "tables" }, h("div", { class: "tablebar" }, this.tabs, this.search), this.scroller);
+    this.open(tables.find((table) => table.name === "reactions") ?? tables[0]);
+  }
+
+  open(table) {
+    this.table = table;
+    this.sortedBy = null;
+    this.descending = false;
+    this.search.value = "";
+    for (const tab of this.tabs.children) tab.setAttribute("aria-selected", tab.dataset.table === table.name);
+    this.scroller.scrollTop = 0;
+    this.arrange();
+  }
+
+  sortBy(column) {
+    this.descending = this.sortedBy === column && !this.descending;
+    this.sortedBy = column;
+    this.arrange();
+  }
+
+  /** Puts the rows into their order and draws. */
+  arrange() {
+    const { table } = this;
+    const columns = table.columns;
+    this.order = this.sortedBy
+      ? sortedRows(this.sortedBy, table.rows, this.descending)
+      : Uint32Array.from({ length: table.rows }, (_, i) => i);
+    const wanted = this.search.value.trim();
+    if (wanted) {
+      const keys = columns.filter((column) => /^(node|element|material)\d*$/.test(column.name));
+      this.order = this.order.filter((row) => keys.some((column) => String(column.cell(row)) === wanted));
+    }
+    const mark = (column) => (column !== this.sortedBy ? null : this.descending ? " \u25be" : " \u25b4");
+    this.head.replaceChildren(h("tr", {}, columns.map((column) =>
+      h("th", { onclick: () => this.sortBy(column), class: column.words ? "word" : "" }, headOf(column), mark(column)))));
+    this.drawRows();
+  }
+
+  drawRows() {
+    const height = this.scroller.clientHeight || 400;
+    const first = Math.max(0, Math.floor(this.scroller.scrollTop / ROW) - SPARE);
+    const last = Math.min(this.order.length, first + Math.ceil(height / ROW) + 2 * SPARE);
+    const space = (rows) => h("tr", { class: "space", style: `height:${rows * ROW}px` });
+    const rows = [];
+    for (let i = first; i < last; ++i) rows.push(this.row(this.order[i]));
+    this.body.replaceChildren(space(first), ...rows, space(this.order.length - last));
+  }
+
+  row(row) {
+    return h("tr", { onclick: () => this.choose(row) }, cellsOf(this.table, row));
+  }
+
+  choose(row) {
+    const key = this.table.columns.find(({ name }) => name === "element" || name === "node");
+    if (key) this.onrow(key.name, key.cell(row));
+  }
+}
+
+function cellsOf(table, row) {
+  return table.columns.map((column) => {
+    const cell = column.cell(row);
+    const text = typeof cell === "string" ? cell.replaceAll("_", " ") : format(cell);
+    return h("td", { class: column.words ? "word" : "" }, text);
+  });
+}
+
+/** All tables with at most `most` rows, for the printer; of the others only a note. */
+export function printedTables(tables, most) {
+  const short = tables.filter((table) => table.rows <= most), long = tables.filter((table) => table.rows > most);
+  const whole = (table) => h("section", { class: "printed" }, h("h3", {}, titleOf(table)),
+    h("table", {}, h("thead", {}, h("tr", {}, table.columns.map((column) => h("th", {}, headOf(column))))),
+      h("tbody", {}, Array.from({ length: table.rows }, (_, row) => h("tr", {}, cellsOf(table, row))))));
+  const note = long.length === 0 ? null : h("p", {},
+    `Tables with more than ${most} rows are not printed: ${long.map((table) => `${titleOf(table)} (${table.rows})`).join(", ")}.`);
+  return h("div", { class: "print-only" }, short.map(whole), note);
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <string_view>
+
+/// The page of the viewer, from viewer/dist/report.html: everything but the title and the data,
+/// which go to the marks @TITLE@ and @DATA@, in this order.
+std::string_view ViewerPage();

@@ -6,6 +6,7 @@ import { unpack } from "./data.js";
 import { triples, unit } from "./model.js";
 
 const SUPPORT = 0x2e7d5b, SPRING = 0xb07d12, LOAD = 0xb4441c, REACTION = 0x6a3d9a, HINGE = 0xf2f5f7;
+const MOST_SURFACE_ARROWS = 1500;
 const UP = new THREE.Vector3(0, 1, 0);
 
 /** Collects places of one shape and makes an instanced mesh of them. */
@@ -103,10 +104,12 @@ export function hingeSymbols(report, model, size) {
 
 /** Arrows of forces whose tips stand at nodes, and arcs of moments about their axes. */
 class Arrows {
-  constructor(colour, length) {
+  /** Of many (thousands) the shapes are simple. */
+  constructor(colour, length, many = false) {
     this.length = length;
-    this.shafts = new Instances(new THREE.CylinderGeometry(1, 1, 1, 8).translate(0, -0.5, 0), colour);
-    this.heads = new Instances(new THREE.ConeGeometry(1, 1, 12).translate(0, -0.5, 0), colour);
+    const sides = many ? 3 : 12;
+    this.shafts = new Instances(new THREE.CylinderGeometry(1, 1, 1, many ? 3 : 8, 1, many).translate(0, -0.5, 0), colour);
+    this.heads = new Instances(new THREE.ConeGeometry(1, 1, sides, 1, many).translate(0, -0.5, 0), colour);
     this.arcs = new Instances(arc(), colour);
     this.labels = [];
   }
@@ -196,14 +199,20 @@ function addLinear(arrows, report, model, group, length) {
   group.add(new THREE.LineSegments(geometry, new THREE.LineBasicMaterial({ color: LOAD })));
 }
 
-/** All loads: {group, labels}. Those of shells and solids stand as forces at their nodes. */
+/**
+ * All loads: {group, labels}. Those of shells and solids stand as forces at their nodes; with very
+ * many nodes only at some.
+ */
 export function loadSymbols(report, model, length) {
-  const nodal = new Arrows(LOAD, length), linear = new Arrows(LOAD, 0.6 * length), surface = new Arrows(LOAD, 0.55 * length);
+  const nodal = new Arrows(LOAD, length), linear = new Arrows(LOAD, 0.6 * length);
+  const crowd = Math.min(1, 18 / Math.sqrt(Math.min(model.nodeCount, MOST_SURFACE_ARROWS)));
+  const surface = new Arrows(LOAD, 0.55 * crowd * length, true);
   const group = new THREE.Group();
   if (report.table("nodal_loads")) addNodal(nodal, report.table("nodal_loads"), model, model.units);
   addLinear(linear, report, model, group, 0.6 * length);
   const forces = unpack(report.loads.surfaces), largest = largestOf(forces);
-  for (let node = 0; largest > 0 && node < model.nodeCount; ++node) {
+  const step = Math.ceil(model.nodeCount / MOST_SURFACE_ARROWS);
+  for (let node = 0; largest > 0 && node < model.nodeCount; node += step) {
     surface.force(model.place(node), Array.from(forces.subarray(3 * node, 3 * node + 3)), largest);
   }
   group.add(nodal.group(), linear.group(), surface.group());

@@ -1,0 +1,286 @@
+// What the reports show in a browser, beside the tables that morlen-export writes.
+//
+//     node report_test.mjs MORLEN MORLEN_EXPORT MORLEN_REPORT EXAMPLES CHROMIUM [PICTURES]
+//
+// With a folder PICTURES it leaves the pictures of the pages there, to be looked at.
+
+import assert from "node:assert/strict";
+import { execFileSync, spawnSync } from "node:child_process";
+import { copyFileSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { after, before, test } from "node:test";
+import { pathToFileURL } from "node:url";
+import { Browser } from "./browser.mjs";
+
+const [MORLEN, EXPORT, REPORT, EXAMPLES, CHROMIUM, PICTURES] = process.argv.slice(2);
+const folder = mkdtempSync(join(tmpdir(), "report-test-"));
+let browser;
+
+before(async () => { browser = await Browser.start(CHROMIUM); });
+after(async () => {
+  await browser.close();
+  rmSync(folder, { recursive: true, force: true });
+});
+
+const run = (program, ...args) => execFileSync(program, args, { cwd: folder, encoding: "utf8" });
+
+/** Runs a model and makes its report; the name of the page. */
+function reportOf(model) {
+  const base = model.replace(/\.dat$/, "");
+  run(MORLEN, model, `${base}.txt`);
+  run(REPORT, model, "-o", `${base}.html`);
+  return join(folder, `${base}.html`);
+}
+
+function exampleReport(name) {
+  copyFileSync(join(EXAMPLES, `${name}.dat`), join(folder, `${name}.dat`));
+  return reportOf(`${name}.dat`);
+}
+
+/** The tables of morlen-export: a function that returns a column. */
+function exported(name) {
+  run(EXPORT, `${name}.dat`, "--json", `${name}.json`);
+  const { tables } = JSON.parse(readFileSync(join(folder, `${name}.json`), "utf8"));
+  return (table, column) => {
+    const { columns, rows } = tables[table];
+    const place = columns.findIndex((one) => one.name === column);
+    return rows.map((row) => row[place]);
+  };
+}
+
+/** A small window where nobody looks: the processor draws every pixel. */
+const SIZE = PICTURES ? { width: 1480, height: 1000 } : { width: 1120, height: 760 };
+
+async function openExample(name) {
+  const page = await browser.open(exampleReport(name), SIZE);
+  if (PICTURES) writeFileSync(join(PICTURES, `${name}.png`), await page.screenshot());
+  return page;
+}
+
+/** Pixels of the canvas, of every fourth row and column, as "r g b"; with how many are not white. */
+const PIXELS = `(() => {
+  const source = document.querySelector("canvas"), copy = document.createElement("canvas");
+  [copy.width, copy.height] = [source.width >> 2, source.height >> 2];
+  const context = copy.getContext("2d");
+  context.imageSmoothingEnabled = false;
+  context.drawImage(source, 0, 0, copy.width, copy.height);
+  const data = context.getImageData(0, 0, copy.width, copy.height).data;
+  const pixels = [];
+  for (let i = 0; i < data.length; i += 4) pixels.push(data[i] + " " + data[i + 1] + " " + data[i + 2]);
+  return pixels;
+})()`;
+
+const differing = (a, b) => a.reduce((count, pixel, i) => count + (pixel !== b[i]), 0);
+
+const extremes = (values) => [
+  values.reduce((a, b) => Math.min(a, b), Infinity), values.reduce((a, b) => Math.max(a, b), -Infinity)];
+
+function assertNear(actual, expected, tolerance, what) {
+  const scale = Math.max(Math.abs(expected), 1e-30);
+  assert.ok(Math.abs(actual - expected) <= tolerance * scale, `${what}: ${actual}, expected ${expected}`);
+}
+
+for (const name of ["portal_frame", "space_frame", "slab_and_wall", "connecting_rod"]) {
+  test(`${name} opens from one file, without complaints, and draws`, async () => {
+    const page = await openExample(name);
+    assert.deepEqual(page.requests.filter((url) => !url.startsWith("data:")), [pathToFileURL(join(folder, `${name}.html`)).href]);
+    const pixels = await page.evaluate(PIXELS);
+    const drawn = pixels.filter((pixel) => pixel !== "255 255 255").length;
+    assert.ok(drawn > 0.01 * pixels.length, `${drawn} of ${pixels.length} pixels are drawn`);
+    assert.ok(new Set(pixels).size > 10, "the canvas has one colour");
+    assert.deepEqual(page.complaints, []);
+    assert.match(await page.evaluate("document.querySelector('.badge').textContent"), /^in equilibrium/);
+    await page.close();
+  });
+}
+
+async function legendOf(page, field) {
+  await page.set("colours", field);
+  return page.evaluate(`({
+    min: Number(legend.dataset.min), max: Number(legend.dataset.max),
+    marks: [...legend.querySelectorAll(".marks span")].map((mark) => Number(mark.textContent)),
+    title: legend.querySelector(".legend-title").textContent })`);
+}
+
+test("the ends of the legend are the extremes of the data", async () => {
+  const cases = {
+    slab_and_wall: [
+      ["points:Mx'", "shell_forces", "Mx'"], ["points:Nxy'", "shell_forces", "Nxy'"], ["beams:N", "beam_diagrams", "N"]],
+    connecting_rod: [["nodes:von_Mises", "stresses", "von_Mises"]],
+    portal_frame: [["beams:Mz", "beam_diagrams", "Mz"]],
+  };
+  for (const [model, fields] of Object.entries(cases)) {
+    const page = await openExample(model);
+    const values = exported(model);
+    for (const [field, table, column] of fields) {
+      const [min, max] = extremes(values(table, column));
+      const legend = await legendOf(page, field);
+      assertNear(legend.min, min, 1e-6, `${model} ${field} min`);
+      assertNear(legend.max, max, 1e-6, `${model} ${field} max`);
+      assertNear(legend.marks[0], max, 1e-5, `${model} ${field} upper mark`);
+      assertNear(legend.marks.at(-1), min, 1e-5, `${model} ${field} lower mark`);
+    }
+    await page.close();
+  }
+});
+
+/** The middle of an element in the window, as it is drawn. */
+const middleOf = (number) => `(() => {
+  const { model, stage } = morlenReport, e = model.elementAt.get(${number});
+  const count = Math.min(3, model.elements.nodeCounts[e]), middle = [0, 0, 0];
+  for (let i = 0; i < count; ++i) model.place(model.node(e, i)).forEach((x, k) => { middle[k] += x / count; });
+  const [x, y] = stage.project(middle), box = document.querySelector("canvas").getBoundingClientRect();
+  return [x + box.left, y + box.top];
+})()`;
+
+const HEADING = "document.querySelector('#panel h3')?.textContent ?? ''";
+
+test("a click shows the member under it, with its diagrams", async () => {
+  const page = await openExample("portal_frame");
+  await page.set("deformation", "0");
+  const column = exported("portal_frame");
+  for (const number of [1, 2, 3, 4, 5]) {
+    await page.click(...await page.evaluate(middleOf(number)));
+    assert.equal(await page.evaluate(HEADING), `Member ${number}`);
+    const titles = await page.evaluate("[...document.querySelectorAll('#panel figcaption b')].map((b) => b.textContent)");
+    assert.deepEqual(titles, ["Axial force N", "Shear force Vy", "Bending moment Mz", "Deflection uy\u2032"]);
+    const shown = await page.evaluate("[...document.querySelectorAll('#panel .diagram')[2].querySelectorAll('text')].map((t) => Number(t.textContent))");
+    const moments = column("beam_diagrams", "Mz").filter((_, i) => column("beam_diagrams", "element")[i] === number);
+    assertNear(shown[0], moments[0], 1e-3, `moment at end 1 of member ${number}`);
+    assertNear(shown[1], moments.at(-1), 1e-3, `moment at end 2 of member ${number}`);
+  }
+  await page.close();
+});
+
+test("a click shows the shell under it", async () => {
+  const page = await openExample("slab_and_wall");
+  await page.set("deformation", "0");
+  await page.evaluate("document.querySelector('[data-look=top]').click()");
+  await page.frame();
+  const column = exported("slab_and_wall");
+  const z = new Map(column("nodes", "node").map((node, i) => [node, column("nodes", "z")[i]]));
+  const roof = column("elements", "element").filter((_, i) =>
+    column("elements", "kind")[i] === "shell" && [1, 2, 3].every((k) => z.get(column("elements", `node${k}`)[i]) === 6));
+  for (const number of [roof[0], roof[10], roof.at(-1)]) {
+    await page.click(...await page.evaluate(middleOf(number)));
+    assert.equal(await page.evaluate(HEADING), `Shell ${number}`);
+  }
+  await page.close();
+});
+
+test("the slider moves the shape", async () => {
+  for (const name of ["portal_frame", "slab_and_wall"]) {
+    const page = await openExample(name);
+    const pictures = [];
+    for (const value of ["0", "2", "0"]) {
+      await page.set("deformation", value);
+      pictures.push(await page.evaluate(PIXELS));
+    }
+    assert.ok(differing(pictures[0], pictures[1]) > 100, `${name} does not move`);
+    assert.equal(differing(pictures[0], pictures[2]), 0, `${name} does not return`);
+    assert.equal(await page.evaluate("factor.textContent"), "\u00d7 0");
+    await page.close();
+  }
+});
+
+test("diagrams and principal directions draw, and go", async () => {
+  for (const [name, control, value] of [["space_frame", "diagram", "My"], ["slab_and_wall", "directions", "M"], ["slab_and_wall", "directions", "N"]]) {
+    const page = await openExample(name);
+    const pictures = [];
+    for (const chosen of ["", value, ""]) {
+      await page.set(control, chosen);
+      pictures.push(await page.evaluate(PIXELS));
+    }
+    assert.ok(differing(pictures[0], pictures[1]) > 100, `${value} of ${name} does not show`);
+    assert.equal(differing(pictures[0], pictures[2]), 0, `${value} of ${name} stays`);
+    assert.deepEqual(page.complaints, []);
+    await page.close();
+  }
+});
+
+test("tables sort by a column, both ways", async () => {
+  const page = await openExample("space_frame");
+  const [min, max] = extremes(exported("space_frame")("displacements", "uz"));
+  await page.evaluate("document.querySelector('[data-table=displacements]').click()");
+  for (const expected of [min, max]) {
+    await page.evaluate("document.querySelectorAll('.rows th')[3].click()");
+    assertNear(await page.evaluate("Number(document.querySelectorAll('.rows tbody tr')[1].children[3].textContent)"), expected, 1e-6, "first row");
+  }
+  assert.ok(await page.evaluate("document.querySelectorAll('.rows tbody tr').length") < 60, "all rows are in the page");
+  await page.close();
+});
+
+test("a report prints, with its short tables", async () => {
+  const page = await openExample("portal_frame");
+  const pdf = await page.pdf();
+  assert.equal(pdf.subarray(0, 5).toString(), "%PDF-");
+  assert.ok(pdf.length > 20000, `${pdf.length} bytes`);
+  const titles = await page.evaluate("[...document.querySelectorAll('.print-only h3')].map((h) => h.textContent)");
+  assert.ok(titles.includes("Reactions") && titles.includes("Nodal loads"), titles.join());
+  if (PICTURES) writeFileSync(join(PICTURES, "portal_frame.pdf"), pdf);
+  await page.close();
+});
+
+const CANTILEVER = `problem type: 2d
+# </script><img src=x onerror="window.broken=1"><!-- & "quoted"
+units_names
+S {force} {length} Pa 1000 1
+end units_names
+units_mesh {length}
+units_mat_and_load S
+units_res S
+NumOfDivisions 4
+mesh dimension = 2 elemtype Linear nnode = 2
+coordinates
+1 0 0
+2 2 0
+end coordinates
+elements
+1 1 2 1
+end elements
+materials
+1 E=1e6 A=0.1 Iz=0.01
+end materials
+constraints
+1 111 0 0 0
+end constraints
+nodal_point_loads
+2 5 -3 0
+end nodal_point_loads
+`;
+
+test("text of the input is shown as it is and never runs", async () => {
+  const force = "</script><img>", length = "<b>m&amp;'\"</b>";
+  const name = "a<img src=x onerror=window.broken=1>&b.dat";
+  writeFileSync(join(folder, name), CANTILEVER.replaceAll("{force}", force).replaceAll("{length}", length));
+  const page = await browser.open(reportOf(name), SIZE);
+  await page.set("colours", "beams:N");
+  assert.deepEqual(page.complaints, []);
+  assert.equal(await page.evaluate("typeof window.broken"), "undefined");
+  assert.equal(await page.evaluate("document.querySelectorAll('img, b b, script:not([type]) ~ *').length"), 0);
+  assert.equal(await page.evaluate("document.title"), name);
+  assert.equal(await page.evaluate("document.querySelector('h1').textContent"), name);
+  assert.match(await page.evaluate("document.querySelector('.description').textContent"), /^<\/script><img src=x onerror=.*"quoted"$/);
+  assert.equal(await page.evaluate("document.querySelector('.legend-title span').textContent.trim()"), force);
+  await page.close();
+});
+
+test("reactions that do not carry the loads are told everywhere", async () => {
+  writeFileSync(join(folder, "bad.dat"), CANTILEVER.replaceAll("{force}", "kN").replaceAll("{length}", "m"));
+  run(MORLEN, "bad.dat");
+  const results = join(folder, "bad.morlen.res");
+  const text = readFileSync(results, "utf8");
+  const [head, reactions] = text.split(/(?=^Reactions)/m);
+  assert.match(reactions, /^1 -5 3/m);
+  writeFileSync(results, head + reactions.replace(/^1 -5 3/m, "1 -5 3.03"));
+  const made = spawnSync(REPORT, ["bad.dat"], { cwd: folder, encoding: "utf8" });
+  assert.equal(made.status, 1);
+  assert.match(made.stderr, /^warning: loads and reactions are not in equilibrium\. .*`Solver SkyLine`/);
+  const residual = 0.03 / 8.03;  // of the force; the sizes of the reactions are 5 and 3.03
+  assertNear(Number(made.stdout.match(/residual of equilibrium: (\S+)/)[1]), residual, 0.02, "printed");
+  const page = await browser.open(join(folder, "bad.html"), SIZE);
+  assert.match(await page.evaluate("document.querySelector('.badge.bad').textContent"), /^not in equilibrium/);
+  assert.match(await page.evaluate("document.querySelector('#equilibrium .verdict.bad').textContent"), /above 1e-4\. .*`Solver SkyLine`/);
+  await page.close();
+});

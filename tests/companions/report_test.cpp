@@ -1,0 +1,295 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "problem/project.h"
+#include "report/applied_loads.h"
+#include "report/equilibrium.h"
+#include "report/packed.h"
+#include "report/page.h"
+#include "report/page_data.h"
+#include "report/viewer_page.h"
+#include "support/run.h"
+
+namespace {
+
+/// A model and all that acts on it, read from the text of a problem file.
+struct Loaded
+{
+  explicit Loaded(std::string_view problem) : project(100)
+  {
+    const TemporaryFolder folder;
+    folder.Write("m.dat", problem);
+    std::ifstream in(folder.Path() / "m.dat");
+    project.ReadFromAscii(in);
+    model = model::ModelOf(project);
+    loads = AppliedLoadsOf(project, model);
+  }
+
+  Project project;
+  model::Model model;
+  AppliedLoads loads;
+};
+
+// A cantilever along X, 4 long, A = 0.1: weight 20·0.1 = 2 per length, 3 along x', 5 along -y'
+// per length, and at the tip 7, 8 and the moment 9.
+constexpr const char* kCantilever = R"(problem type: 2d
+GravityDirection 0 -1 0
+mesh dimension = 2 elemtype Linear nnode = 2
+coordinates
+1 10 0
+2 14 0
+end coordinates
+elements
+5 1 2 1
+end elements
+materials
+1 E=1e6 A=0.1 Iz=0.01 Weight=20
+end materials
+constraints
+1 111 0 0 0
+end constraints
+nodal_point_loads
+2 7 8 9
+end nodal_point_loads
+local_pressure_loads
+5 3 -5
+end local_pressure_loads
+)";
+
+void ExpectVec(const Vec3& actual, const Vec3& expected)
+{
+  for (int k = 0; k < 3; ++k)
+    EXPECT_NEAR(actual[k], expected[k], 1e-12) << k;
+}
+
+/// Results with these reactions at the first node.
+results::Results Reactions(const model::Model& model, const Vec3& force, const Vec3& moment)
+{
+  results::Results results;
+  results.nodes.resize(model.nodes.size());
+  results.nodes.front().force = force;
+  results.nodes.front().moment = moment;
+  return results;
+}
+
+std::vector<unsigned char> Bytes(std::string_view text)
+{
+  return {text.begin(), text.end()};
+}
+
+ReportContent ContentOf(const Loaded& loaded, const results::Results& results,
+                        const Equilibrium& equilibrium)
+{
+  return {.file = "m.dat",
+          .description = {"<b>&"},
+          .model = loaded.model,
+          .results = results,
+          .loads = loaded.loads,
+          .equilibrium = equilibrium,
+          .advice = "",
+          .check = std::nullopt};
+}
+
+}  // namespace
+
+TEST(AppliedLoads, OfABeamAreItsEquivalentNodalLoads)
+{
+  const Loaded loaded(kCantilever);
+  // Half of q L at each end, and q L² / 12 with q = -7 across.
+  ExpectVec(loaded.loads.nodes[0].force, {6.0, -14.0, 0.0});
+  ExpectVec(loaded.loads.nodes[0].moment, {0.0, 0.0, -28.0 / 3.0});
+  ExpectVec(loaded.loads.nodes[1].force, {13.0, -6.0, 0.0});
+  ExpectVec(loaded.loads.nodes[1].moment, {0.0, 0.0, 28.0 / 3.0 + 9.0});
+  ASSERT_EQ(loaded.loads.onBeams.size(), 1u);
+  ExpectVec(loaded.loads.onBeams.front().q, {3.0, -7.0, 0.0});
+  for (const Vec3& force : loaded.loads.onSurfaces)
+    ExpectVec(force, {});
+}
+
+TEST(AppliedLoads, OfAShellStandAtItsNodes)
+{
+  const Loaded loaded(R"(problem type: 3d
+mesh dimension = 3 elemtype Triangle nnode = 3
+coordinates
+1 0 0 0
+2 3 0 0
+3 0 2 0
+end coordinates
+elements
+1 1 2 3 1
+end elements
+materials
+1 E=1e6 nu=0.2 t=0.1
+end materials
+constraints
+1 111111 0 0 0 0 0 0
+end constraints
+global_pressure_loads
+1 0 0 -4
+end global_pressure_loads
+)");
+  Vec3 sum{};
+  for (const Vec3& force : loaded.loads.onSurfaces)
+    sum[2] += force[2];
+  ExpectVec(sum, {0.0, 0.0, -12.0});
+  EXPECT_TRUE(loaded.loads.onBeams.empty());
+}
+
+TEST(Equilibrium, OfTheRightReactionsIsExact)
+{
+  const Loaded loaded(kCantilever);
+  // The tip's moment about the foot: 8·4 + 9; of the load across: -7·4·2.
+  const results::Results results =
+      Reactions(loaded.model, {-19.0, 20.0, 0.0}, {0.0, 0.0, 56.0 - 32.0 - 9.0});
+  const Equilibrium found = EquilibriumOf(loaded.model, loaded.loads.nodes, results);
+  ExpectVec(found.center, {12.0, 0.0, 0.0});
+  ExpectVec(found.loads.force, {19.0, -20.0, 0.0});
+  ExpectVec(found.loads.moment, {0.0, 0.0, 8.0 * 2.0 + 9.0});
+  ExpectVec(found.reactions.moment, {0.0, 0.0, 15.0 - 20.0 * 2.0});
+  EXPECT_NEAR(found.residual, 0.0, 1e-15);
+  EXPECT_TRUE(found.IsBalanced());
+}
+
+TEST(Equilibrium, ResidualIsRelativeToTheSizesOfLoadsOrReactions)
+{
+  const Loaded loaded(kCantilever);
+  // The sizes of the loads add up to 6 + 14 + 13 + 6 = 39, those of the reactions to 49.
+  const results::Results results =
+      Reactions(loaded.model, {-19.0, 30.0, 0.0}, {0.0, 0.0, 15.0 + 20.0});
+  const Equilibrium found = EquilibriumOf(loaded.model, loaded.loads.nodes, results);
+  EXPECT_NEAR(found.residual, 10.0 / 49.0, 1e-12);
+  EXPECT_FALSE(found.IsBalanced());
+}
+
+TEST(Equilibrium, SeesAMomentThatIsMissing)
+{
+  const Loaded loaded(kCantilever);
+  const results::Results results = Reactions(loaded.model, {-19.0, 20.0, 0.0}, {});
+  const Equilibrium found = EquilibriumOf(loaded.model, loaded.loads.nodes, results);
+  EXPECT_NEAR(found.residual, 15.0 / (39.0 * 2.0 + 28.0 / 3.0 * 2.0 + 9.0), 1e-12);
+}
+
+TEST(Equilibrium, OfNothingIsBalanced)
+{
+  const Loaded loaded(kCantilever);
+  const std::vector<Wrench> none(loaded.model.nodes.size());
+  EXPECT_EQ(EquilibriumOf(loaded.model, none, Reactions(loaded.model, {}, {})).residual, 0.0);
+}
+
+TEST(Base64, TestVectorsOfItsStandard)  // RFC 4648, section 10
+{
+  for (const auto& [text, coded] : {std::pair{"", ""},
+                                    {"f", "Zg=="},
+                                    {"fo", "Zm8="},
+                                    {"foo", "Zm9v"},
+                                    {"foob", "Zm9vYg=="},
+                                    {"fooba", "Zm9vYmE="},
+                                    {"foobar", "Zm9vYmFy"}})
+    EXPECT_EQ(Base64(Bytes(text)), coded);
+}
+
+TEST(Packed, NumbersOfSixDigitsTakeFourBytes)
+{
+  static const struct
+  {
+    std::vector<double> values;
+    const char* type;
+  } cases[] = {
+      {{0.0, -1.23456e-5, 123456.0, 1e30}, "f4"},
+      {{1.0, 1.234567}, "f8"},
+      {{1e-40}, "f8"},
+      {{1e39}, "f8"},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(Packed(std::span<const double>(c.values))["type"], c.type) << c.values.front();
+}
+
+TEST(Packed, ValuesAreLittleEndian)
+{
+  EXPECT_EQ(Packed(std::vector<double>{1.0})["data"], "AACAPw==");  // 00 00 80 3f
+  EXPECT_EQ(Packed(std::vector<int>{1, -1})["data"], "AQAAAP////8=");
+}
+
+TEST(Packed, ColumnsOfATable)
+{
+  const tables::Table table{"t",
+                            {{"number", ""}, {"kind", ""}, {"value", "m"}},
+                            {7, "beam", 1.0, 8, "shell", std::monostate{}, 9, "beam", 2.0}};
+  const auto packed = Packed(table);
+  EXPECT_EQ(packed["rows"], 3);
+  EXPECT_EQ(packed["columns"][0]["type"], "i4");
+  EXPECT_EQ(packed["columns"][1]["words"], (std::vector<std::string>{"beam", "shell"}));
+  EXPECT_EQ(packed["columns"][1]["data"], Packed(std::vector<int>{0, 1, 0})["data"]);
+  EXPECT_EQ(packed["columns"][2]["unit"], "m");
+}
+
+TEST(HtmlText, HasNoMarkup)
+{
+  EXPECT_EQ(HtmlText("</title><b a=\"1\">&amp;"),
+            "&lt;/title&gt;&lt;b a=&quot;1&quot;&gt;&amp;amp;");
+  EXPECT_EQ(HtmlText("tr\u00e4ger"), "tr\u00e4ger");
+  EXPECT_EQ(HtmlText("tr\xe4ger"), "tr?ger");
+}
+
+TEST(PageData, IsJsonWithoutMarkup)
+{
+  const Loaded loaded(kCantilever);
+  results::Results results = Reactions(loaded.model, {}, {});
+  results.beamPoints.resize(static_cast<std::size_t>(loaded.model.beamPoints));
+  const Equilibrium equilibrium = EquilibriumOf(loaded.model, loaded.loads.nodes, results);
+  const std::string text = PageData(ContentOf(loaded, results, equilibrium));
+  EXPECT_EQ(text.find_first_of("<>&"), std::string::npos);
+  const nlohmann::json data = nlohmann::json::parse(text);
+  EXPECT_EQ(data["model"]["description"][0], "<b>&");
+  EXPECT_EQ(data["model"]["file"], "m.dat");
+  EXPECT_TRUE(data["check"].is_null());
+  EXPECT_FALSE(data["equilibrium"]["balanced"]);
+}
+
+TEST(PageData, HasTheFindingsOfACheck)
+{
+  const Loaded loaded(kCantilever);
+  results::Results results = Reactions(loaded.model, {}, {});
+  results.beamPoints.resize(static_cast<std::size_t>(loaded.model.beamPoints));
+  const Equilibrium equilibrium = EquilibriumOf(loaded.model, loaded.loads.nodes, results);
+  ReportContent content = ContentOf(loaded, results, equilibrium);
+  content.check = {{.error = false, .place = "m.dat:3:1", .text = "node 4 is not used"}};
+  const nlohmann::json data = nlohmann::json::parse(PageData(content));
+  EXPECT_EQ(data["check"][0]["place"], "m.dat:3:1");
+  EXPECT_EQ(data["check"][0]["error"], false);
+}
+
+TEST(DescriptionOf, IsTheCommentAtTheBeginning)
+{
+  const TemporaryFolder folder;
+  folder.Write("a.dat", "problem type: 2d\n# A portal.\n#\n#   |  \r\nmesh\n# not this\n");
+  folder.Write("b.dat", "problem type: 2d\nmesh\n# not this\n");
+  folder.Write("c.dat", "# First.\nproblem type: 2d\n# not this\n");
+  EXPECT_EQ(DescriptionOf(folder.Path() / "a.dat"),
+            (std::vector<std::string>{"A portal.", "", "  |"}));
+  EXPECT_TRUE(DescriptionOf(folder.Path() / "b.dat").empty());
+  EXPECT_EQ(DescriptionOf(folder.Path() / "c.dat"), std::vector<std::string>{"First."});
+}
+
+TEST(ViewerPage, IsTheWholeFile)
+{
+  const std::string file = [] {
+    std::ifstream in(std::string(MORLEN_VIEWER_PAGE), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+  }();
+  EXPECT_EQ(ViewerPage(), file);
+}
+
+TEST(WritePage, PutsTitleAndDataIntoTheirPlaces)
+{
+  const TemporaryFolder folder;
+  testing::internal::CaptureStdout();
+  WritePage(folder.Path() / "r.html", "a<b", "{\"@DATA@\":1}");
+  testing::internal::GetCapturedStdout();
+  const std::string page = folder.Read("r.html");
+  EXPECT_NE(page.find("<title>a&lt;b</title>"), std::string::npos);
+  EXPECT_NE(page.find("id=\"data\">{\"@DATA@\":1}</script>"), std::string::npos);
+}

@@ -1,18 +1,21 @@
 #!/bin/sh
-# Builds the program optimised and runs it on an example: a multi-storey space frame.
+# Builds the program optimised, runs it on an example, a multi-storey space frame, and makes the
+# report of it.
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install_tools.sh g++ cmake make
-cmake --preset release -DMORLEN_TESTS=OFF -B build/demo >/dev/null
-cmake --build build/demo --target morlen --parallel "$(nproc)"
+scripts/install_tools.sh g++ cmake make libcli11-dev nlohmann-json3-dev libpugixml-dev
+cmake --preset release -DMORLEN_TESTS=OFF -DMORLEN_COMPANIONS=ON -B build/demo >/dev/null
+cmake --build build/demo --target morlen morlen-report --parallel "$(nproc)"
 
 mkdir -p build/demo/results
 cp examples/space_frame.dat build/demo/results/
 cd build/demo/results
 ../morlen -i - space_frame.dat space_frame.txt
+../companions/morlen-report space_frame.dat -o space_frame.html
 
 echo
 echo "Displacements, end forces and reactions: $PWD/space_frame.txt"
 echo "Diagrams for the post-processor:         $PWD/space_frame.morlen.res"
+echo "Report, for the browser:                 $PWD/space_frame.html"
 echo "The program:                             $(dirname "$PWD")/morlen"

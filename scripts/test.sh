@@ -8,6 +8,9 @@ preset="${MORLEN_PRESET:-release}"
 # The companions and the tests that read their files need more than the program does.
 scripts/install_tools.sh g++ cmake make libgtest-dev libcli11-dev nlohmann-json3-dev \
   libpugixml-dev python3-vtk9 dpkg-dev gzip
+# The tests of the reports need a browser; where there is none to install they are skipped.
+command -v chromium >/dev/null || scripts/install_tools.sh chromium || true
+command -v node >/dev/null || scripts/install_tools.sh nodejs || true
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" --parallel "$(nproc)"
 

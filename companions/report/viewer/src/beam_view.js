@@ -18,7 +18,8 @@ export class BeamView {
     this.segments = Math.ceil(divisions / this.step);
     this.coordinates = new Float32Array(6 * this.segments * this.beams.length);
     this.line = this.thickLine(stage);
-    this.group.add(this.line, this.ghost());
+    this.ghost = this.straightLines();
+    this.group.add(this.line, this.ghost);
     this.deform(0);
     this.colour(null);
   }
@@ -36,7 +37,8 @@ export class BeamView {
     return line;
   }
 
-  ghost() {
+  /** The shape without displacements. */
+  straightLines() {
     const position = new Float32Array(6 * this.beams.length);
     this.beams.forEach((b, i) => {
       for (const end of [0, 1]) {
@@ -64,6 +66,7 @@ export class BeamView {
     if (this.isEmpty) return;
     this.visit((place, b, point) => beamPoint(this.model, b, point, factor, this.coordinates, 3 * place));
     this.line.geometry.setPositions(this.coordinates);
+    this.ghost.visible = factor !== 0;
   }
 
   /** Values of a field at the points of beams, three for each beam; null for none. */

@@ -207,7 +207,7 @@ class Report {
   deform() {
     this.factor.value = this.slider.value * this.usualFactor;
     this.factorText.textContent = `\u00d7 ${format(this.factor.value, 3)}`;
-    for (const view of this.views.beams) view.deform(this.factor.value);
+    for (const view of [...this.views.beams, ...this.views.surfaces]) view.deform(this.factor.value);
     this.placeHighlight();
     this.stage.draw();
   }

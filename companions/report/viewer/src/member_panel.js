@@ -5,7 +5,7 @@ import { format, h, svg, withUnit } from "./dom.js";
 import { extremesOf } from "./fields.js";
 import { BEAM, SHELL, dot } from "./model.js";
 
-const WIDTH = 400, HEIGHT = 92, LEFT = 8, RIGHT = 8;
+const WIDTH = 400, HEIGHT = 76, LEFT = 8, RIGHT = 8;
 
 const NOTHING = 1e-6;  // of the largest value in the model: what only rounding has left is drawn flat
 
@@ -126,7 +126,7 @@ function memberPanel(report, model, element) {
   };
   return [
     h("h3", {}, `Member ${elements.numbers[element]}`),
-    h("table", { class: "facts" },
+    h("table", { class: "facts pairs" },
       fact("Nodes", `${nodes[0]} (end 1) to ${nodes[1]} (end 2)`),
       fact("Length", withUnit(length, units.length)),
       fact("Material", format(table.column("material").cell(element))),

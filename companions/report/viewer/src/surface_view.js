@@ -39,6 +39,11 @@ export class SurfaceView {
     return this.triangles.nodes.length === 0;
   }
 
+  /** The shape itself follows the factor of its materials. */
+  deform(factor) {
+    if (!this.isEmpty) this.ghost.visible = factor !== 0;
+  }
+
   /** Shows a field in colours, or none (null). */
   colour(field, scale, shells, smooth) {
     if (this.isEmpty) return;

@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "measure.h"
+#include "message_stream.h"
 #include "model/mesh.h"
 #include "problem/project.h"
 #include "solvers/skymatriu.h"
@@ -35,12 +36,7 @@ constexpr int kRepetitions = 5;
 class MessageLog
 {
 public:
-  MessageLog() : file(fopencookie(this, "w", {nullptr, Keep, nullptr, nullptr})) {}
-  MessageLog(const MessageLog&) = delete;
-  MessageLog& operator=(const MessageLog&) = delete;
-  ~MessageLog() { std::fclose(file); }
-
-  std::FILE* File() const { return file; }
+  std::FILE* File() const { return stream.File(); }
 
   /// When the first message came that begins so; 0 when there was none.
   double TimeOf(std::string_view beginning) const
@@ -63,12 +59,6 @@ private:
     std::string text;
   };
 
-  static ssize_t Keep(void* log, const char* text, std::size_t size)
-  {
-    static_cast<MessageLog*>(log)->messages.push_back({ProcessorSeconds(), {text, size}});
-    return static_cast<ssize_t>(size);
-  }
-
   const Message* Find(std::string_view beginning) const
   {
     for (const Message& message : messages) {
@@ -79,7 +69,9 @@ private:
   }
 
   std::vector<Message> messages;
-  std::FILE* file;
+  MessageStream stream{[this](std::string_view text) {
+    messages.push_back({ProcessorSeconds(), std::string(text)});
+  }};
 };
 
 enum Stage

@@ -3,6 +3,7 @@
 # of figures, targets and ratios.
 #   scripts/bench.sh kernels   every stage of the program, and the kernels by themselves
 #   scripts/bench.sh whole     whole runs beside CalculiX, where `ccx` is installed
+#   scripts/bench.sh cholmod   the skyline solver beside CHOLMOD on the same matrices
 #   scripts/bench.sh growth    growth with the number of equations
 #   scripts/bench.sh linear    growth with the length of the input
 #   scripts/bench.sh           all that
@@ -11,9 +12,9 @@ set -eu
 cd "$(dirname "$0")/.."
 part="${1:-all}"
 case "$part" in
-  all | kernels | whole | growth | linear) ;;
+  all | kernels | whole | cholmod | growth | linear) ;;
   *)
-    echo "usage: scripts/bench.sh [kernels|whole|growth|linear]" >&2
+    echo "usage: scripts/bench.sh [kernels|whole|cholmod|growth|linear]" >&2
     exit 2
     ;;
 esac
@@ -78,6 +79,9 @@ generate() {
 }
 
 scripts/install_tools.sh g++ cmake make python3 libbenchmark-dev
+if [ "$part" = cholmod ] || [ "$part" = all ]; then
+  scripts/install_tools.sh libsuitesparse-dev libopenblas-dev
+fi
 cmake --preset release -DMORLEN_TESTS=OFF -DMORLEN_BENCH=ON -B build/bench >/dev/null
 cmake --build build/bench --parallel "$(nproc)"
 
@@ -97,6 +101,12 @@ if [ "$part" = whole ] || [ "$part" = all ]; then
   echo "$peer_models" | tr '\n' '\0' |
     xargs -0 bench/whole_runs.py --folder build/bench build/bench/morlen >build/bench/whole.json
   bench/report.py whole build/bench/whole.json
+fi
+if [ "$part" = cholmod ] || [ "$part" = all ]; then
+  files=$(generate "$direct_models")
+  # shellcheck disable=SC2086  # one word per file
+  "$bin"/morlen_cholmod $files >build/bench/cholmod.json
+  bench/report.py cholmod build/bench/cholmod.json
 fi
 if [ "$part" = growth ] || [ "$part" = all ]; then
   files=$(generate "$growing_models")

@@ -1,0 +1,19 @@
+#include "solvers/ldlt_kernels.h"
+
+#include "base/processor.h"
+
+std::span<const LdltKernel* const> LdltKernels()
+{
+  static constexpr const LdltKernel* kernels[] = {&kAvx512LdltKernel, &kAvx2LdltKernel,
+                                                  &kPlainLdltKernel};
+  const std::span<const LdltKernel* const> all(kernels);
+  switch (ThisProcessor()) {
+    case Processor::kAvx512:
+      return all;
+    case Processor::kAvx2:
+      return all.subspan(1);
+    case Processor::kPlain:
+      break;
+  }
+  return all.subspan(2);
+}

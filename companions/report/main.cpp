@@ -1,3 +1,4 @@
+#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -7,6 +8,7 @@
 
 #include "base/errorwriter.h"
 #include "common/command_line.h"
+#include "common/input_files.h"
 #include "common/model_data.h"
 #include "common/result_data.h"
 #include "problem/project.h"
@@ -21,47 +23,20 @@ namespace {
 
 struct Options
 {
-  fs::path model;
-  std::optional<fs::path> output, post, text;
-  bool anyTime = false;
+  InputFiles input;
+  std::optional<fs::path> output;
 };
 
 void Declare(CLI::App& app, Options& options)
 {
-  const auto add = [&](const char* name, auto& value, const char* help) {
-    return app.add_option(name, value, help)->type_name("FILE");
-  };
-  add("model", options.model, "the problem file of a run of morlen")->required();
-  add("-o,--output", options.output, "the report (default: MODEL.html)");
-  add("--results", options.post, "its post-process results (default: MODEL.morlen.res)");
-  add("--text", options.text,
-      "its text results, for rotations and end forces (default: MODEL.txt if there is one)");
-  app.add_flag("--any-time", options.anyTime, "take results that are older than the model");
+  options.input.Declare(app);
+  app.add_option("-o,--output", options.output, "the report (default: MODEL.html)")
+      ->type_name("FILE");
   app.footer(
       "It runs nothing: run morlen first. MODEL is the name of the problem file without its "
       "ending.\n"
       "Exit status: 0; 1 when loads and reactions are not in equilibrium; 2 when the report "
       "cannot be made.");
-}
-
-results::Files FilesOf(const Options& options)
-{
-  results::Files files = results::UsualFiles(options.model);
-  files.post = options.post.value_or(files.post);
-  if (options.text)
-    files.text = options.text;
-  files.anyTime = options.anyTime;
-  return files;
-}
-
-// Fatal when the report would replace a file that is read.
-void KeepInputs(const fs::path& output, const results::Files& files)
-{
-  for (const fs::path& input : {files.model, files.post, files.text.value_or(files.post)}) {
-    std::error_code absent;
-    if (fs::equivalent(output, input, absent))
-      Fatal("error: ", output.string(), " is read and can't be written\n");
-  }
 }
 
 void ReadProject(const fs::path& file, Project& project)
@@ -94,21 +69,20 @@ ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advic
 
 ExitStatus Report(const Options& options)
 {
-  const results::Files files = FilesOf(options);
-  const fs::path output =
-      options.output.value_or(fs::path(options.model).replace_extension("html"));
-  KeepInputs(output, files);
+  const fs::path& file = options.input.Model();
+  const fs::path output = options.output.value_or(fs::path(file).replace_extension("html"));
+  options.input.Keep(std::array{std::optional(output)});
   Project project(100);
-  ReadProject(options.model, project);
+  ReadProject(file, project);
   const model::Model model = model::ModelOf(project);
-  const results::Results results = results::ReadResults(model, files);
+  const results::Results results = results::ReadResults(model, options.input.Files());
   const AppliedLoads loads = AppliedLoadsOf(project, model);
   const Equilibrium equilibrium = EquilibriumOf(model, loads.nodes, results);
   const std::string advice = AdviceOf(equilibrium, project);
-  const std::string name = options.model.filename().string();
+  const std::string name = file.filename().string();
   WritePage(output, name,
             PageData({.file = name,
-                      .description = DescriptionOf(options.model),
+                      .description = DescriptionOf(file),
                       .model = model,
                       .results = results,
                       .loads = loads,

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <optional>
+#include <span>
+
+#include "common/result_data.h"
+
+/// The problem file and the result files that a companion reads, as its command line names them.
+class InputFiles
+{
+public:
+  /// Declares the model and the options --results, --text and --any-time, which must be parsed
+  /// before the rest is asked for.
+  void Declare(CLI::App& app);
+
+  const std::filesystem::path& Model() const { return model; }
+  results::Files Files() const;
+
+  /// Fatal when one of the files to be written is one that is read.
+  void Keep(std::span<const std::optional<std::filesystem::path>> outputs) const;
+
+private:
+  std::filesystem::path model;
+  std::optional<std::filesystem::path> post, text;
+  bool anyTime = false;
+};

@@ -8,9 +8,11 @@
 /// small enough to be refused. But no displacement resists the loads along such a motion: the
 /// forces K·u then miss the loads f by about as much as there is of them, whatever the factors
 /// say, while a stable structure misses them by rounding errors. So the largest entry of
-/// K·u - f is compared with the largest of the right-hand side, forces and moments apart.
-/// A second solution, whose loads stand in every equation, does the same for motions that the
-/// loads of the model do not drive.
+/// K·u - f is compared with the right-hand side, forces and moments apart: with the sum of the
+/// sizes of its entries, for what many small loads do together far away may be large beside
+/// each of them. A second solution, whose loads stand in every equation, does the same for
+/// motions that the loads of the model do not drive; the sum of its loads is kept small, and
+/// it is compared with one of them.
 ///
 /// The matrix is at hand again only for the reactions, so the load cases are kept until then.
 class ResidualCheck
@@ -23,7 +25,7 @@ public:
   /// are the right-hand side, to be solved in place.
   LoadCase Probe(int equations) const;
 
-  /// Finds the largest entries of the right-hand side that the solver gets.
+  /// Finds the sums of the sizes of the entries of the right-hand side that the solver gets.
   void FindScales(const ReaVecV& rightHandSide, LoadCase& loadCase) const;
 
   /// Whether the displacements hold the loads. forces: what the matrix, in global axes without

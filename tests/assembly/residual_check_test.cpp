@@ -1,0 +1,579 @@
+// Structures that can move must be refused, whatever they are loaded with, and stable ones must
+// not, however soft, slender or oddly loaded they are.
+
+#include "assembly/residual_check.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/fatal.h"
+#include "support/frame.h"
+#include "support/loaded_beams.h"
+#include "support/shell_model.h"
+#include "support/solid_model.h"
+#include "support/solved.h"
+
+namespace {
+
+/// The models are written in kN and m, and computed in each of these.
+const std::vector<std::string> kUnits = {"kN-m", "N-mm", "MN-m", "kip-in"};
+
+std::string ComputedIn(const std::string& units)
+{
+  return "units_names\n"
+         "kN-m kN m kPa 1000 1\nN-mm N mm MPa 1 0.001\nMN-m MN m MPa2 1e6 1\n"
+         "kip-in kip in ksi 4448.2216 0.0254\nend\n"
+         "units_mesh m\nunits_mat_and_load kN-m\nunits_res " +
+         units + "\nSolver SkyLine\n";
+}
+
+/// A model as a function of the lines behind its header.
+struct Model
+{
+  std::string name;
+  std::function<std::string(const std::string& settings)> problem;
+};
+
+void PrintTo(const Model& model, std::ostream* out)
+{
+  *out << model.name;
+}
+
+std::string NameOf(const testing::TestParamInfo<Model>& info)
+{
+  return info.param.name;
+}
+
+std::string EndOf(const Model& model, const std::string& units)
+{
+  const std::string problem = model.problem(ComputedIn(units));
+  return FatalCaught([&] { const Solved solved(problem); });
+}
+
+/// Whether the message, behind what the support checks say, is that of a pivot or of a solution
+/// that does not hold its loads.
+bool IsRefusal(const std::string& message)
+{
+  return message.find("error when solving system(") != std::string::npos ||
+         message.ends_with(
+             "error when solving system. Probably boundary conditions are not correct\n");
+}
+
+/// The same model under each of several loads.
+void AddWithLoads(std::vector<Model>& models, const std::string& name,
+                  const std::vector<std::pair<std::string, Vector3>>& loads,
+                  const std::function<std::string(const std::string&, const Vector3&)>& text)
+{
+  for (const auto& [kind, load] : loads)
+    models.push_back(
+        {name + kind, [=](const std::string& settings) { return text(settings, load); }});
+}
+
+// --- Beams ---
+
+constexpr std::array<int, 6> kPin = {1, 1, 0, 0, 0, 0};
+constexpr std::array<int, 6> kRollerInX = {0, 1, 0, 0, 0, 0};
+constexpr std::array<int, 6> kBall = {1, 1, 1, 0, 0, 0};
+
+/// A steel section, HEB 200 or so.
+Frame::Section Steel()
+{
+  return {.E = 2.1e8, .G = 8.1e7, .A = 78e-4, .Iy = 20e-6, .Iz = 57e-6, .J = 0.6e-6};
+}
+
+Frame SteelFrame(bool space)
+{
+  Frame frame;
+  frame.space = space;
+  frame.sections = {Steel()};
+  return frame;
+}
+
+/// Beams one behind the other along a direction, 1 m each.
+Frame Chain(int beams, bool space, const Vector3& direction = {1, 0, 0})
+{
+  Frame frame = SteelFrame(space);
+  for (int i = 0; i <= beams; ++i)
+    frame.nodes.push_back(static_cast<double>(i) * direction);
+  for (int i = 1; i <= beams; ++i)
+    frame.beams.push_back({i, i + 1});
+  return frame;
+}
+
+/// Columns in rows of `columns` nodes, `storeys` high, with girders; feet first.
+Frame Storeys(int columns, int storeys, const std::array<int, 6>& feet)
+{
+  Frame frame = SteelFrame(false);
+  for (int j = 0; j <= storeys; ++j) {
+    for (int i = 0; i < columns; ++i)
+      frame.nodes.push_back({5.0 * i, 3.0 * j, 0});
+  }
+  const auto at = [&](int i, int j) { return 1 + i + j * columns; };
+  for (int j = 0; j < storeys; ++j) {
+    for (int i = 0; i < columns; ++i)
+      frame.beams.push_back({at(i, j), at(i, j + 1)});
+    for (int i = 0; i + 1 < columns; ++i)
+      frame.beams.push_back({at(i, j + 1), at(i + 1, j + 1)});
+  }
+  for (int i = 0; i < columns; ++i)
+    frame.supports.push_back({at(i, 0), feet});
+  return frame;
+}
+
+/// A tower of square storeys in space on four feet.
+Frame Tower(int storeys, const std::array<int, 6>& feet)
+{
+  Frame frame = SteelFrame(true);
+  for (int j = 0; j <= storeys; ++j) {
+    for (const Vector3& corner : {Vector3{0, 0, 0}, {5, 0, 0}, {5, 5, 0}, {0, 5, 0}})
+      frame.nodes.push_back({corner[0], corner[1], 3.0 * j});
+  }
+  for (int j = 0; j < storeys; ++j) {
+    for (int i = 0; i < 4; ++i) {
+      const int above = 5 + 4 * j + i;
+      frame.beams.push_back({above - 4, above});
+      frame.beams.push_back({above, 5 + 4 * j + (i + 1) % 4});
+    }
+  }
+  for (int i = 1; i <= 4; ++i)
+    frame.supports.push_back({i, feet});
+  return frame;
+}
+
+std::string Loaded(Frame frame, const std::string& settings, int node, const Vector3& load,
+                   const std::string& rest = "")
+{
+  frame.loads.push_back({node, {load[0], load[1], load[2], 0, 0, 0}});
+  return ProblemText(frame, settings) + rest;
+}
+
+/// Hinges at both ends of the beams.
+std::string Hinged(int first, int last)
+{
+  std::string records;
+  for (int elem = first; elem <= last; ++elem)
+    records += std::to_string(elem) + " 00\n";
+  return Block("elem_rotules", records);
+}
+
+void AddPlaneMechanisms(std::vector<Model>& models)
+{
+  for (const int beams : {1, 7, 400}) {
+    AddWithLoads(models, "PlaneChainWithoutRotationSupport" + std::to_string(beams),
+                 {{"Turned", {0, -1, 0}}, {"Pulled", {1, 0, 0}}, {"Unloaded", {}}},
+                 [=](const std::string& settings, const Vector3& load) {
+                   Frame frame = Chain(beams, false, {0.8, 0.6, 0});
+                   frame.supports = {{1, kPin}};
+                   return Loaded(frame, settings, beams + 1, load);
+                 });
+    AddWithLoads(models, "PlaneBeamOnRollers" + std::to_string(beams),
+                 {{"Driven", {1, -1, 0}}, {"Across", {0, 0, 1}}},
+                 [=](const std::string& settings, const Vector3& load) {
+                   Frame frame = Chain(beams, false);
+                   frame.supports = {{1, kRollerInX}, {beams + 1, kRollerInX}};
+                   return Loaded(frame, settings, beams / 2 + 1, load);
+                 });
+  }
+  for (const int storeys : {2, 24, 99}) {
+    AddWithLoads(models, "FreeSwayFrame" + std::to_string(12 * (storeys + 1)),
+                 {{"Driven", {1, 0, 0}}, {"NotDriven", {0, -1, 0}}, {"Moment", {0, 0, 1}}},
+                 [=](const std::string& settings, const Vector3& load) {
+                   return Loaded(Storeys(4, storeys, kRollerInX), settings, 9, load);
+                 });
+    AddWithLoads(models, "HingedColumns" + std::to_string(storeys),
+                 {{"Driven", {1, 0, 0}}, {"NotDriven", {0, -1, 0}}},
+                 [=](const std::string& settings, const Vector3& load) {
+                   return Loaded(Storeys(2, storeys, kClamped), settings, 5, load,
+                                 Hinged(3 * storeys - 2, 3 * storeys - 1));
+                 });
+  }
+  AddWithLoads(models, "ThreeHingesInARow", {{"Driven", {0, -1, 0}}, {"NotDriven", {1, 0, 0}}},
+               [](const std::string& settings, const Vector3& load) {
+                 Frame frame = Chain(4, false);
+                 frame.supports = {{1, kClamped}, {5, kClamped}};
+                 return Loaded(frame, settings, 3, load, Hinged(2, 3));
+               });
+}
+
+void AddSpaceMechanisms(std::vector<Model>& models)
+{
+  for (const int beams : {1, 5, 300}) {
+    for (const Vector3& direction : {Vector3{1, 0, 0}, {0.48, 0.6, 0.64}}) {
+      AddWithLoads(models,
+                   "FreeTorsion" + std::to_string(beams) + (direction[0] == 1 ? "" : "Oblique"),
+                   {{"Across", {0, 0, -1}}, {"Unloaded", {}}},
+                   [=](const std::string& settings, const Vector3& load) {
+                     Frame frame = Chain(beams, true, direction);
+                     frame.supports = {{1, kBall}, {beams + 1, kBall}};
+                     return Loaded(frame, settings, beams / 2 + 1, load);
+                   });
+    }
+    AddWithLoads(models, "SpaceChainOnABall" + std::to_string(beams),
+                 {{"Driven", {0, 1, -1}}, {"Pulled", {1, 0, 0}}},
+                 [=](const std::string& settings, const Vector3& load) {
+                   Frame frame = Chain(beams, true);
+                   frame.supports = {{1, kBall}};
+                   return Loaded(frame, settings, beams + 1, load);
+                 });
+  }
+  const std::array<int, 6> slides = {0, 1, 1, 0, 0, 0};
+  const std::array<int, 6> turns = {0, 0, 1, 0, 0, 0};
+  for (const int storeys : {1, 10, 50}) {
+    for (const auto& [kind, feet] : {std::pair{"Slides", slides}, std::pair{"Turns", turns}}) {
+      AddWithLoads(models, std::string("Tower") + kind + std::to_string(storeys),
+                   {{"Driven", {1, 0.3, 0}}, {"NotDriven", {0, 0, -1}}},
+                   [=](const std::string& settings, const Vector3& load) {
+                     return Loaded(Tower(storeys, feet), settings, 5, load);
+                   });
+    }
+  }
+  AddWithLoads(models, "SpaceFrameWithHingedStorey",
+               {{"Driven", {1, 0, 0}}, {"NotDriven", {0, 0, -1}}},
+               [](const std::string& settings, const Vector3& load) {
+                 return Loaded(Tower(3, kClamped), settings, 9, load,
+                               Block("elem_rotules", "9 00\n11 00\n13 00\n15 00"));
+               });
+}
+
+// --- Shells ---
+
+/// A place on a shell as a function of u and v from 0 to 1.
+using Surface = std::function<Vector3(double, double)>;
+
+const std::vector<std::pair<std::string, Surface>> kSurfaces = {
+    {"Flat",
+     [](double u, double v) {
+       return Vector3{4 * u, 3 * v, 0};
+     }},
+    {"Oblique",
+     [](double u, double v) {
+       return Rotated({4 * u, 3 * v, 0});
+     }},
+    {"Curved", [](double u, double v) {
+       return Vector3{4 * u, 3 * std::sin(v), 3 * std::cos(v)};
+     }}};
+
+/// A concrete slab, n by n.
+ShellModel Slab(int n, bool six, const Surface& surface, double t = 0.2)
+{
+  ShellModel model = GridShell(n, n, surface, Cut::BothWays);
+  if (six)
+    model = WithMidSideNodes(model);
+  model.material = "E=3e7 nu=0.2 G=1.25e7 t=" + Digits(t);
+  return model;
+}
+
+/// The nodes, those in the middle of sides as well, that stand on the edge u = 0.
+std::vector<int> FirstEdge(const ShellModel& model, int n)
+{
+  const Vector3 from = model.nodes[0];
+  const Vector3 along = model.nodes[(n + 1) * n] - from;
+  std::vector<int> found;
+  for (std::size_t i = 0; i < model.nodes.size(); ++i) {
+    const Vector3 off = model.nodes[i] - from;
+    const Vector3 across = Cross(off, along);
+    if (Dot(across, across) < 1e-18)
+      found.push_back(static_cast<int>(i) + 1);
+  }
+  return found;
+}
+
+void AddShellMechanisms(std::vector<Model>& models)
+{
+  for (const auto& [kind, surface] : kSurfaces) {
+    for (const bool six : {false, true}) {
+      for (const int n : {2, 12}) {
+        const std::string shell = kind + (six ? "6" : "3") + "x" + std::to_string(n);
+        const auto text = [=](const std::string& settings, const Vector3& load,
+                              const std::string& corners, const std::string& held) {
+          ShellModel model = Slab(n, six, surface);
+          model.settings = settings;
+          const int ends[] = {1, n + 1, (n + 1) * (n + 1)};
+          for (std::size_t i = 0; i < corners.size(); ++i) {
+            if (corners[i] == '1')
+              model.Hold(ends[i], held);
+          }
+          model.Load((n + 1) * (n / 2) + n / 2 + 1, {load[0], load[1], load[2], 0, 0, 0});
+          return model.Text();
+        };
+        const std::vector<std::pair<std::string, Vector3>> loads = {{"Across", {0, 0.1, -1}},
+                                                                    {"Unloaded", {}}};
+        AddWithLoads(models, "OneCorner" + shell, loads,
+                     [=](const std::string& settings, const Vector3& load) {
+                       return text(settings, load, "100", "111000");
+                     });
+        AddWithLoads(models, "HingedAtTwoCorners" + shell, loads,
+                     [=](const std::string& settings, const Vector3& load) {
+                       return text(settings, load, "110", "111000");
+                     });
+        AddWithLoads(models, "OnThreeProps" + shell, loads,
+                     [=](const std::string& settings, const Vector3& load) {
+                       return text(settings, load, "111", "001000");
+                     });
+      }
+    }
+  }
+}
+
+void AddHingedEdges(std::vector<Model>& models)
+{
+  for (const bool six : {false, true}) {
+    for (const int n : {2, 12}) {
+      AddWithLoads(
+          models,
+          std::string("PlateHingedAlongOneEdge") + (six ? "6" : "3") + "x" + std::to_string(n),
+          {{"Turned", {0, 0, -1}}, {"Pulled", {1, 0, 0}}},
+          [=](const std::string& settings, const Vector3& load) {
+            ShellModel model = Slab(n, six, kSurfaces[0].second);
+            model.settings = settings;
+            for (const int node : FirstEdge(model, n))
+              model.Hold(node, "111000");
+            model.Load(n + 1, {load[0], load[1], load[2], 0, 0, 0});
+            return model.Text();
+          });
+    }
+  }
+}
+
+// --- Solids ---
+
+SolidModel Block3(int n, int nnode)
+{
+  SolidModel model = SolidBlock({n, n, n}, {1, 0.8, 1.2}, nnode);
+  model.material = "E 2.1e8 nu 0.3";
+  return model.Map(Rotated);
+}
+
+void AddSolidMechanisms(std::vector<Model>& models)
+{
+  for (const int nnode : {4, 10}) {
+    for (const int n : {1, 2, 4}) {
+      for (const bool two : {false, true}) {
+        AddWithLoads(models,
+                     std::string(two ? "SolidOnTwoNodes" : "SolidOnOneNode") +
+                         std::to_string(nnode) + "x" + std::to_string(n),
+                     {{"Loaded", {1, 2, -1}}, {"Unloaded", {}}},
+                     [=](const std::string& settings, const Vector3& load) {
+                       SolidModel model = Block3(n, nnode);
+                       model.settings = settings;
+                       model.supports[1] = {};
+                       if (two)
+                         model.supports[n + 1] = {};
+                       model.loads[(n + 1) * (n + 1) * (n + 1)] = load;
+                       return model.Text();
+                     });
+      }
+    }
+  }
+}
+
+std::vector<Model> Mechanisms()
+{
+  std::vector<Model> models;
+  AddPlaneMechanisms(models);
+  AddSpaceMechanisms(models);
+  AddShellMechanisms(models);
+  AddHingedEdges(models);
+  AddSolidMechanisms(models);
+  return models;
+}
+
+// --- Structures that stand ---
+
+std::string LongChain(const std::string& settings, const Vector3& load, const std::string& rest)
+{
+  constexpr int kBeams = 5000;
+  Frame frame = Chain(kBeams, false);
+  frame.supports = {{1, kClamped}};
+  return Loaded(frame, "NumOfDivisions 1\n" + settings, kBeams + 1, load, rest);
+}
+
+std::string AlongAll(int beams, const std::string& record)
+{
+  std::string records;
+  for (int elem = 1; elem <= beams; ++elem)
+    records += std::to_string(elem) + " " + record + "\n";
+  return records;
+}
+
+void AddFrames(std::vector<Model>& models)
+{
+  AddWithLoads(
+      models, "LongChain",
+      {{"AtItsEnd", {0, -1, 0}}, {"Axially", {1, 0, 0}}, {"Moment", {0, 0, 1}}, {"Unloaded", {}}},
+      [](const std::string& settings, const Vector3& load) {
+        return LongChain(settings, load, "");
+      });
+  models.push_back({"LongChainAlongIt", [](const std::string& settings) {
+                      return LongChain(settings, {},
+                                       Block("local_pressure_loads", AlongAll(5000, "0 -1")));
+                    }});
+  for (const int storeys : {1, 99}) {
+    AddWithLoads(models, "StandingFrame" + std::to_string(storeys),
+                 {{"Pushed", {1, 0, 0}}, {"Moment", {0, 0, 1}}, {"Unloaded", {}}},
+                 [=](const std::string& settings, const Vector3& load) {
+                   return Loaded(Storeys(4, storeys, kClamped), settings, 9 - 4 / storeys, load);
+                 });
+  }
+  models.push_back({"SoftSpringsUnderAStiffFrame", [](const std::string& settings) {
+                      Frame frame = Storeys(4, 20, {2, 1, 0, 0, 0, 0});
+                      for (Frame::Support& support : frame.supports)
+                        support.values[0] = 1e-3;  // kN/m, under 1e6
+                      return Loaded(frame, settings, 9, {1, -1, 0});
+                    }});
+  models.push_back({"SettlementOnly", [](const std::string& settings) {
+                      Frame frame = Storeys(4, 20, kClamped);
+                      frame.supports[0].values[1] = -0.01;
+                      return ProblemText(frame, settings);
+                    }});
+  models.push_back({"TurnedSupportOnly", [](const std::string& settings) {
+                      Frame frame = Tower(10, kClamped);
+                      frame.supports[0].values[3] = 1e-3;
+                      return ProblemText(frame, settings);
+                    }});
+  models.push_back({"TemperatureOnly", [](const std::string& settings) {
+                      return ProblemText(Storeys(4, 20, kClamped), settings) +
+                             Block("temperature_loads", AlongAll(50, "30 1e-5"));
+                    }});
+}
+
+/// Moments, or nothing, on structures in space.
+void AddMomentsInSpace(std::vector<Model>& models)
+{
+  for (const bool loaded : {false, true}) {
+    models.push_back({loaded ? "TowerTwisted" : "TowerUnloaded", [=](const std::string& settings) {
+                        Frame frame = Tower(20, kClamped);
+                        if (loaded)
+                          frame.loads = {{9, {0, 0, 0, 0, 0, 5}}};
+                        return ProblemText(frame, settings);
+                      }});
+  }
+  models.push_back({"SlenderMast", [](const std::string& settings) {
+                      Frame frame = Chain(400, true, {0.48, 0.6, 0.64});
+                      frame.supports = {{1, kClamped}};
+                      return Loaded(frame, settings, 401, {1, 1, -1});
+                    }});
+}
+
+/// Thickness over length 1e-4; the clamped edge is all that holds.
+void AddThinShells(std::vector<Model>& models)
+{
+  for (const auto& [kind, surface] : kSurfaces) {
+    for (const bool six : {false, true}) {
+      for (const int n : {4, 16}) {
+        AddWithLoads(models, "Thin" + kind + (six ? "6" : "3") + "x" + std::to_string(n),
+                     {{"Loaded", {0, 0.1, -1}}, {"Unloaded", {}}},
+                     [=](const std::string& settings, const Vector3& load) {
+                       ShellModel model = Slab(n, six, surface, 4e-4);
+                       model.settings = settings;
+                       for (const int node : FirstEdge(model, n))
+                         model.Hold(node, "111111");
+                       model.Load((n + 1) * (n + 1), {load[0], load[1], load[2], 0, 0, 0});
+                       return model.Text();
+                     });
+      }
+    }
+  }
+}
+
+void AddSolidsOnRollers(std::vector<Model>& models)
+{
+  for (const int nnode : {4, 10}) {
+    AddWithLoads(models, "SolidOnRollers" + std::to_string(nnode),
+                 {{"Loaded", {1, 2, -1}}, {"Unloaded", {}}},
+                 [=](const std::string& settings, const Vector3& load) {
+                   SolidModel model = SolidBlock({3, 3, 3}, {1, 1, 1}, nnode);
+                   model.material = "E 2.1e8 nu 0.3";
+                   model.settings = settings;
+                   for (int axis = 0; axis < 3; ++axis)
+                     model.Roller(axis, 0.0);
+                   model.loads[model.NodeAt({1, 1, 1})] = load;
+                   return model.Text();
+                 });
+  }
+}
+
+std::vector<Model> StandingStructures()
+{
+  std::vector<Model> models;
+  AddFrames(models);
+  AddMomentsInSpace(models);
+  AddThinShells(models);
+  AddSolidsOnRollers(models);
+  return models;
+}
+
+}  // namespace
+
+// A cantilever of two beams with a spring at its tip, its loads and a probe.
+TEST(ResidualCheck, ScalesAreTheSumsOfWhatStandsOnFreeComponents)
+{
+  Frame frame = Chain(2, false, {2, 0, 0});
+  frame.supports = {{1, kClamped}, {3, {0, 2, 1, 0, 0, 0}, {0, 100, 0, 0, 0, 0}}};
+  const std::unique_ptr<Project> project = ReadProject(ProblemText(frame));
+  const ResidualCheck check(project->GiveNodes(), {3, 2, 2.0});
+  ReaVecV rightHandSide;
+  rightHandSide.resize(9, 0.0);
+  const double values[] = {99, 99, 99, 3, -4, 20, -1, 2, 99};  // at prescribed components 99
+  for (int i = 1; i <= 9; ++i)
+    rightHandSide(i) = values[i - 1];
+  LoadCase loadCase;
+  check.FindScales(rightHandSide, loadCase);
+  EXPECT_EQ(loadCase.force, 10.0);
+  EXPECT_EQ(loadCase.moment, 20.0);
+  rightHandSide(6) = 1000.0;
+  check.FindScales(rightHandSide, loadCase);
+  EXPECT_EQ(loadCase.force, 500.0);
+  EXPECT_EQ(loadCase.moment, 1000.0);
+}
+
+TEST(ResidualCheck, ProbeLoadsEveryFreeComponentAndStaysSmallInAll)
+{
+  Frame frame = Chain(1000, false);
+  frame.supports = {{1, kClamped}};
+  const std::unique_ptr<Project> project = ReadProject(ProblemText(frame));
+  const ResidualCheck check(project->GiveNodes(), {3, 2, 10.0});
+  const LoadCase probe = check.Probe(3003);
+  double sums[3] = {};
+  for (int i = 1; i <= 3003; ++i) {
+    const int component = (i - 1) % 3;
+    const double load = std::fabs(probe.loads(i)) / (component == 2 ? 10.0 : 1.0);
+    EXPECT_TRUE(i <= 3 ? load == 0.0 : load >= 0.5 && load <= 1.0) << i << ": " << load;
+    EXPECT_EQ(probe.displacements(i), probe.loads(i));
+    sums[component] += probe.loads(i);
+    EXPECT_LE(std::fabs(sums[component]), component == 2 ? 120.0 : 12.0) << i;
+  }
+  EXPECT_EQ(probe.force, 1.0);
+  EXPECT_EQ(probe.moment, 10.0);
+}
+
+class Mechanism : public testing::TestWithParam<Model>
+{
+};
+
+TEST_P(Mechanism, IsRefusedInEveryUnit)
+{
+  for (const std::string& units : kUnits) {
+    const std::string message = EndOf(GetParam(), units);
+    EXPECT_TRUE(IsRefusal(message)) << units << ": " << message;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Mechanism, testing::ValuesIn(Mechanisms()), NameOf);
+
+class StandingStructure : public testing::TestWithParam<Model>
+{
+};
+
+TEST_P(StandingStructure, IsSolvedInAnyUnit)
+{
+  for (const std::string& units : {kUnits[0], kUnits[1]})
+    EXPECT_EQ(EndOf(GetParam(), units), "(the run went on)") << units;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, StandingStructure, testing::ValuesIn(StandingStructures()), NameOf);

@@ -1,0 +1,7 @@
+#!/bin/sh
+# Writes the tables of docs/verification.md anew from what the program computes.
+#     scripts/verification.sh [build/release]
+set -eu
+cd "$(dirname "$0")/.."
+MORLEN_WRITE_VERIFICATION=1 "${1:-build/release}/tests/morlen_tests" --gtest_brief=1 \
+  --gtest_filter='Verification.*'

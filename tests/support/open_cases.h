@@ -1,0 +1,30 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "support/verification.h"
+
+/// A case of tests/verification: problem files, and in expected.txt lines of
+///   section, title, source   texts for the manual,
+///   run NAME FILE            a run of the program,
+///   show QUANTITY            the next check is a line of the manual,
+///   check RUN KIND ITEMS     a value of the results, with ref, rtol and atol: it may differ from
+///                            ref by rtol·|ref| + atol. A block's name is the last item.
+/// The kinds: disp, react, endforce (text results); res (post-process results; comp 0 is the
+/// last one), larger and smaller (of the components 1 and 2 of a point), sum (over elements and
+/// their points, times a factor); sumreact; count; blocks; converge (the error of a
+/// displacement falls from run to run).
+struct OpenCase
+{
+  std::string section;
+  std::vector<VerifiedResult> shown;
+  std::vector<std::string> failures;  ///< the checks that do not hold
+  int checks = 0;
+};
+
+std::vector<std::string> OpenCaseNames();
+
+/// Runs the program on the problem files of the case and checks the results.
+OpenCase RunOpenCase(const std::string& name);

@@ -2,10 +2,23 @@
 import { mkdirSync, readFileSync, writeFileSync } from "node:fs";
 import { build } from "esbuild";
 
-const options = { bundle: true, minify: true, write: false, charset: "ascii", legalComments: "none" };
-const script = await build({ ...options, entryPoints: ["src/main.js"], format: "iife", target: "es2020" });
+const options = {
+  bundle: true,
+  minify: true,
+  write: false,
+  charset: "ascii",
+  legalComments: "none",
+};
+const script = await build({
+  ...options,
+  entryPoints: ["src/main.js"],
+  format: "iife",
+  target: "es2020",
+});
 const style = await build({ ...options, entryPoints: ["src/style.css"] });
-const licence = readFileSync("node_modules/three/LICENSE", "utf8").replaceAll("\u00a9", "(c)").trim();
+const licence = readFileSync("node_modules/three/LICENSE", "utf8")
+  .replaceAll("\u00a9", "(c)")
+  .trim();
 
 const parts = {
   "@LICENCE@": `three.js\n${licence}`,
@@ -19,7 +32,8 @@ for (const mark of ["@TITLE@", "@DATA@", "</script>", "<style>"]) {
   if (page.indexOf(mark) < 0) throw new Error(`${mark} is missing in the page`);
 }
 // Only what CMake can read and compile back byte by byte.
-if (/[^\n\x20-\x7e]/.test(page.replaceAll("\t", " "))) throw new Error("a character that is not ASCII");
+if (/[^\n\x20-\x7e]/.test(page.replaceAll("\t", " ")))
+  throw new Error("a character that is not ASCII");
 mkdirSync("dist", { recursive: true });
 writeFileSync("dist/report.html", page);
 console.log(`dist/report.html: ${Math.round(page.length / 1000)} kB`);

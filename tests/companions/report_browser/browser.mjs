@@ -9,17 +9,30 @@ import { pathToFileURL } from "node:url";
 
 // WebGL without a graphics card, and nothing of the browser's own on the network.
 const FLAGS = [
-  "--headless=new", "--no-sandbox", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
-  "--disable-background-networking", "--disable-component-update", "--disable-sync", "--no-first-run",
-  "--disable-dev-shm-usage", "--hide-scrollbars", "--remote-debugging-pipe",
+  "--headless=new",
+  "--no-sandbox",
+  "--use-angle=swiftshader",
+  "--enable-unsafe-swiftshader",
+  "--disable-background-networking",
+  "--disable-component-update",
+  "--disable-sync",
+  "--no-first-run",
+  "--disable-dev-shm-usage",
+  "--hide-scrollbars",
+  "--remote-debugging-pipe",
 ];
 
 export class Browser {
   static async start(program) {
     const browser = new Browser();
     browser.profile = mkdtempSync(join(tmpdir(), "report-browser-"));
-    browser.process = spawn(program, [...FLAGS, `--user-data-dir=${browser.profile}`, "about:blank"], {
-      stdio: ["ignore", "ignore", "ignore", "pipe", "pipe"] });
+    browser.process = spawn(
+      program,
+      [...FLAGS, `--user-data-dir=${browser.profile}`, "about:blank"],
+      {
+        stdio: ["ignore", "ignore", "ignore", "pipe", "pipe"],
+      },
+    );
     browser.listen();
     return browser;
   }
@@ -75,16 +88,19 @@ export class Browser {
 class Page {
   constructor(browser, target, session) {
     Object.assign(this, { browser, target, session });
-    this.requests = [];  // addresses that the page asks for
-    this.complaints = [];  // errors and warnings on its console
+    this.requests = []; // addresses that the page asks for
+    this.complaints = []; // errors and warnings on its console
     browser.handlers.set(session, (method, params) => this.note(method, params));
   }
 
   note(method, params) {
     if (method === "Network.requestWillBeSent") this.requests.push(params.request.url);
-    if (method === "Runtime.exceptionThrown") this.complaints.push(JSON.stringify(params.exceptionDetails));
-    if (method === "Runtime.consoleAPICalled" && params.type !== "log") this.complaints.push(JSON.stringify(params.args));
-    if (method === "Log.entryAdded" && params.entry.level !== "verbose") this.complaints.push(params.entry.text);
+    if (method === "Runtime.exceptionThrown")
+      this.complaints.push(JSON.stringify(params.exceptionDetails));
+    if (method === "Runtime.consoleAPICalled" && params.type !== "log")
+      this.complaints.push(JSON.stringify(params.args));
+    if (method === "Log.entryAdded" && params.entry.level !== "verbose")
+      this.complaints.push(params.entry.text);
     if (method === "Page.loadEventFired") this.loaded?.();
   }
 
@@ -94,8 +110,15 @@ class Page {
 
   async load(file, { width, height }) {
     for (const domain of ["Page", "Runtime", "Log", "Network"]) await this.send(`${domain}.enable`);
-    await this.send("Emulation.setDeviceMetricsOverride", { width, height, deviceScaleFactor: 1, mobile: false });
-    const loaded = new Promise((resolve) => { this.loaded = resolve; });
+    await this.send("Emulation.setDeviceMetricsOverride", {
+      width,
+      height,
+      deviceScaleFactor: 1,
+      mobile: false,
+    });
+    const loaded = new Promise((resolve) => {
+      this.loaded = resolve;
+    });
     await this.send("Page.navigate", { url: pathToFileURL(file).href });
     await loaded;
     await this.frame();
@@ -104,14 +127,20 @@ class Page {
   /** The value of an expression in the page. */
   async evaluate(expression) {
     const { result, exceptionDetails } = await this.send("Runtime.evaluate", {
-      expression, returnByValue: true, awaitPromise: true });
-    if (exceptionDetails) throw new Error(exceptionDetails.exception?.description ?? exceptionDetails.text);
+      expression,
+      returnByValue: true,
+      awaitPromise: true,
+    });
+    if (exceptionDetails)
+      throw new Error(exceptionDetails.exception?.description ?? exceptionDetails.text);
     return result.value;
   }
 
   /** Waits until what has changed is drawn. */
   frame() {
-    return this.evaluate("new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(() => done(0))))");
+    return this.evaluate(
+      "new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(() => done(0))))",
+    );
   }
 
   async click(x, y) {
@@ -134,12 +163,21 @@ class Page {
   }
 
   async screenshot(clip = undefined) {
-    const { data } = await this.send("Page.captureScreenshot", { format: "png", clip, captureBeyondViewport: clip !== undefined });
+    const { data } = await this.send("Page.captureScreenshot", {
+      format: "png",
+      clip,
+      captureBeyondViewport: clip !== undefined,
+    });
     return Buffer.from(data, "base64");
   }
 
   async pdf() {
-    const { data } = await this.send("Page.printToPDF", { printBackground: true, preferCSSPageSize: true, paperWidth: 8.27, paperHeight: 11.69 });
+    const { data } = await this.send("Page.printToPDF", {
+      printBackground: true,
+      preferCSSPageSize: true,
+      paperWidth: 8.27,
+      paperHeight: 11.69,
+    });
     return Buffer.from(data, "base64");
   }
 

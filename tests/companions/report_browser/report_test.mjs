@@ -17,7 +17,9 @@ const [MORLEN, EXPORT, REPORT, EXAMPLES, CHROMIUM, PICTURES] = process.argv.slic
 const folder = mkdtempSync(join(tmpdir(), "report-test-"));
 let browser;
 
-before(async () => { browser = await Browser.start(CHROMIUM); });
+before(async () => {
+  browser = await Browser.start(CHROMIUM);
+});
 after(async () => {
   await browser.close();
   rmSync(folder, { recursive: true, force: true });
@@ -74,23 +76,34 @@ const PIXELS = `(() => {
 const differing = (a, b) => a.reduce((count, pixel, i) => count + (pixel !== b[i]), 0);
 
 const extremes = (values) => [
-  values.reduce((a, b) => Math.min(a, b), Infinity), values.reduce((a, b) => Math.max(a, b), -Infinity)];
+  values.reduce((a, b) => Math.min(a, b), Infinity),
+  values.reduce((a, b) => Math.max(a, b), -Infinity),
+];
 
 function assertNear(actual, expected, tolerance, what) {
   const scale = Math.max(Math.abs(expected), 1e-30);
-  assert.ok(Math.abs(actual - expected) <= tolerance * scale, `${what}: ${actual}, expected ${expected}`);
+  assert.ok(
+    Math.abs(actual - expected) <= tolerance * scale,
+    `${what}: ${actual}, expected ${expected}`,
+  );
 }
 
 for (const name of ["portal_frame", "space_frame", "slab_and_wall", "connecting_rod"]) {
   test(`${name} opens from one file, without complaints, and draws`, async () => {
     const page = await openExample(name);
-    assert.deepEqual(page.requests.filter((url) => !url.startsWith("data:")), [pathToFileURL(join(folder, `${name}.html`)).href]);
+    assert.deepEqual(
+      page.requests.filter((url) => !url.startsWith("data:")),
+      [pathToFileURL(join(folder, `${name}.html`)).href],
+    );
     const pixels = await page.evaluate(PIXELS);
     const drawn = pixels.filter((pixel) => pixel !== "255 255 255").length;
     assert.ok(drawn > 0.01 * pixels.length, `${drawn} of ${pixels.length} pixels are drawn`);
     assert.ok(new Set(pixels).size > 10, "the canvas has one colour");
     assert.deepEqual(page.complaints, []);
-    assert.match(await page.evaluate("document.querySelector('.badge').textContent"), /^in equilibrium/);
+    assert.match(
+      await page.evaluate("document.querySelector('.badge').textContent"),
+      /^in equilibrium/,
+    );
     await page.close();
   });
 }
@@ -106,7 +119,10 @@ async function legendOf(page, field) {
 test("the ends of the legend are the extremes of the data", async () => {
   const cases = {
     slab_and_wall: [
-      ["points:Mx'", "shell_forces", "Mx'"], ["points:Nxy'", "shell_forces", "Nxy'"], ["beams:N", "beam_diagrams", "N"]],
+      ["points:Mx'", "shell_forces", "Mx'"],
+      ["points:Nxy'", "shell_forces", "Nxy'"],
+      ["beams:N", "beam_diagrams", "N"],
+    ],
     connecting_rod: [["nodes:von_Mises", "stresses", "von_Mises"]],
     portal_frame: [["beams:Mz", "beam_diagrams", "Mz"]],
   };
@@ -141,12 +157,23 @@ test("a click shows the member under it, with its diagrams", async () => {
   await page.set("deformation", "0");
   const column = exported("portal_frame");
   for (const number of [1, 2, 3, 4, 5]) {
-    await page.click(...await page.evaluate(middleOf(number)));
+    await page.click(...(await page.evaluate(middleOf(number))));
     assert.equal(await page.evaluate(HEADING), `Member ${number}`);
-    const titles = await page.evaluate("[...document.querySelectorAll('#panel figcaption b')].map((b) => b.textContent)");
-    assert.deepEqual(titles, ["Axial force N", "Shear force Vy", "Bending moment Mz", "Deflection uy\u2032"]);
-    const shown = await page.evaluate("[...document.querySelectorAll('#panel .diagram')[2].querySelectorAll('text')].map((t) => Number(t.textContent))");
-    const moments = column("beam_diagrams", "Mz").filter((_, i) => column("beam_diagrams", "element")[i] === number);
+    const titles = await page.evaluate(
+      "[...document.querySelectorAll('#panel figcaption b')].map((b) => b.textContent)",
+    );
+    assert.deepEqual(titles, [
+      "Axial force N",
+      "Shear force Vy",
+      "Bending moment Mz",
+      "Deflection uy\u2032",
+    ]);
+    const shown = await page.evaluate(
+      "[...document.querySelectorAll('#panel .diagram')[2].querySelectorAll('text')].map((t) => Number(t.textContent))",
+    );
+    const moments = column("beam_diagrams", "Mz").filter(
+      (_, i) => column("beam_diagrams", "element")[i] === number,
+    );
     assertNear(shown[0], moments[0], 1e-3, `moment at end 1 of member ${number}`);
     assertNear(shown[1], moments.at(-1), 1e-3, `moment at end 2 of member ${number}`);
   }
@@ -160,10 +187,13 @@ test("a click shows the shell under it", async () => {
   await page.frame();
   const column = exported("slab_and_wall");
   const z = new Map(column("nodes", "node").map((node, i) => [node, column("nodes", "z")[i]]));
-  const roof = column("elements", "element").filter((_, i) =>
-    column("elements", "kind")[i] === "shell" && [1, 2, 3].every((k) => z.get(column("elements", `node${k}`)[i]) === 6));
+  const roof = column("elements", "element").filter(
+    (_, i) =>
+      column("elements", "kind")[i] === "shell" &&
+      [1, 2, 3].every((k) => z.get(column("elements", `node${k}`)[i]) === 6),
+  );
   for (const number of [roof[0], roof[10], roof.at(-1)]) {
-    await page.click(...await page.evaluate(middleOf(number)));
+    await page.click(...(await page.evaluate(middleOf(number))));
     assert.equal(await page.evaluate(HEADING), `Shell ${number}`);
   }
   await page.close();
@@ -185,7 +215,11 @@ test("the slider moves the shape", async () => {
 });
 
 test("diagrams and principal directions draw, and go", async () => {
-  for (const [name, control, value] of [["space_frame", "diagram", "My"], ["slab_and_wall", "directions", "M"], ["slab_and_wall", "directions", "N"]]) {
+  for (const [name, control, value] of [
+    ["space_frame", "diagram", "My"],
+    ["slab_and_wall", "directions", "M"],
+    ["slab_and_wall", "directions", "N"],
+  ]) {
     const page = await openExample(name);
     const pictures = [];
     for (const chosen of ["", value, ""]) {
@@ -199,15 +233,68 @@ test("diagrams and principal directions draw, and go", async () => {
   }
 });
 
+/** The half lines of a cross from its 12 coordinates, with the sign that makes a component positive. */
+function halfLines(cross) {
+  return [0, 6].map((first) => {
+    const half = [0, 1, 2].map((k) => (cross[first + 3 + k] - cross[first + k]) / 2);
+    const leading = half.find((x) => Math.abs(x) > 1e-3 * Math.hypot(...half));
+    return half.map((x) => (leading < 0 ? -x : x));
+  });
+}
+
+const distance = (a, b) => Math.hypot(...a.map((x, k) => x - b[k]));
+
+test("principal directions are the same from local and from principal values", async () => {
+  const model = readFileSync(join(EXAMPLES, "slab_and_wall.dat"), "utf8");
+  const crosses = {};
+  for (const [name, keyword] of [
+    ["local", ""],
+    ["main", "MainStresses"],
+  ]) {
+    writeFileSync(join(folder, `${name}.dat`), model.replace("ConvertTo6Nodes", keyword));
+    const page = await browser.open(reportOf(`${name}.dat`), SIZE);
+    for (const kind of ["N", "M"]) {
+      await page.set("directions", kind);
+      crosses[name + kind] = await page.evaluate(
+        "Array.from(morlenReport.crosses.geometry.attributes.position.array)",
+      );
+    }
+    await page.close();
+  }
+  for (const kind of ["N", "M"]) {
+    const [local, main] = [crosses[`local${kind}`], crosses[`main${kind}`]];
+    assert.equal(local.length, 12 * 352);
+    for (let i = 0; i < local.length; i += 12) {
+      const [a, b] = [local, main].map((values) => halfLines(values.slice(i, i + 12)));
+      const size = Math.max(...a.map((half) => Math.hypot(...half)));
+      const apart = Math.min(
+        distance(a[0], b[0]) + distance(a[1], b[1]),
+        distance(a[0], b[1]) + distance(a[1], b[0]),
+      );
+      assert.ok(apart < 1e-3 * size + 1e-5, `${kind} of shell ${i / 12 + 1}: ${a} and ${b}`);
+    }
+  }
+});
+
 test("tables sort by a column, both ways", async () => {
   const page = await openExample("space_frame");
   const [min, max] = extremes(exported("space_frame")("displacements", "uz"));
   await page.evaluate("document.querySelector('[data-table=displacements]').click()");
   for (const expected of [min, max]) {
     await page.evaluate("document.querySelectorAll('.rows th')[3].click()");
-    assertNear(await page.evaluate("Number(document.querySelectorAll('.rows tbody tr')[1].children[3].textContent)"), expected, 1e-6, "first row");
+    assertNear(
+      await page.evaluate(
+        "Number(document.querySelectorAll('.rows tbody tr')[1].children[3].textContent)",
+      ),
+      expected,
+      1e-6,
+      "first row",
+    );
   }
-  assert.ok(await page.evaluate("document.querySelectorAll('.rows tbody tr').length") < 60, "all rows are in the page");
+  assert.ok(
+    (await page.evaluate("document.querySelectorAll('.rows tbody tr').length")) < 60,
+    "all rows are in the page",
+  );
   await page.close();
 });
 
@@ -216,7 +303,9 @@ test("a report prints, with its short tables", async () => {
   const pdf = await page.pdf();
   assert.equal(pdf.subarray(0, 5).toString(), "%PDF-");
   assert.ok(pdf.length > 20000, `${pdf.length} bytes`);
-  const titles = await page.evaluate("[...document.querySelectorAll('.print-only h3')].map((h) => h.textContent)");
+  const titles = await page.evaluate(
+    "[...document.querySelectorAll('.print-only h3')].map((h) => h.textContent)",
+  );
   assert.ok(titles.includes("Reactions") && titles.includes("Nodal loads"), titles.join());
   if (PICTURES) writeFileSync(join(PICTURES, "portal_frame.pdf"), pdf);
   await page.close();
@@ -251,23 +340,39 @@ end nodal_point_loads
 `;
 
 test("text of the input is shown as it is and never runs", async () => {
-  const force = "</script><img>", length = "<b>m&amp;'\"</b>";
+  const force = "</script><img>",
+    length = "<b>m&amp;'\"</b>";
   const name = "a<img src=x onerror=window.broken=1>&b.dat";
-  writeFileSync(join(folder, name), CANTILEVER.replaceAll("{force}", force).replaceAll("{length}", length));
+  writeFileSync(
+    join(folder, name),
+    CANTILEVER.replaceAll("{force}", force).replaceAll("{length}", length),
+  );
   const page = await browser.open(reportOf(name), SIZE);
   await page.set("colours", "beams:N");
   assert.deepEqual(page.complaints, []);
   assert.equal(await page.evaluate("typeof window.broken"), "undefined");
-  assert.equal(await page.evaluate("document.querySelectorAll('img, b b, script:not([type]) ~ *').length"), 0);
+  assert.equal(
+    await page.evaluate("document.querySelectorAll('img, b b, script:not([type]) ~ *').length"),
+    0,
+  );
   assert.equal(await page.evaluate("document.title"), name);
   assert.equal(await page.evaluate("document.querySelector('h1').textContent"), name);
-  assert.match(await page.evaluate("document.querySelector('.description').textContent"), /^<\/script><img src=x onerror=.*"quoted"$/);
-  assert.equal(await page.evaluate("document.querySelector('.legend-title span').textContent.trim()"), force);
+  assert.match(
+    await page.evaluate("document.querySelector('.description').textContent"),
+    /^<\/script><img src=x onerror=.*"quoted"$/,
+  );
+  assert.equal(
+    await page.evaluate("document.querySelector('.legend-title span').textContent.trim()"),
+    force,
+  );
   await page.close();
 });
 
 test("reactions that do not carry the loads are told everywhere", async () => {
-  writeFileSync(join(folder, "bad.dat"), CANTILEVER.replaceAll("{force}", "kN").replaceAll("{length}", "m"));
+  writeFileSync(
+    join(folder, "bad.dat"),
+    CANTILEVER.replaceAll("{force}", "kN").replaceAll("{length}", "m"),
+  );
   run(MORLEN, "bad.dat");
   const results = join(folder, "bad.morlen.res");
   const text = readFileSync(results, "utf8");
@@ -276,11 +381,25 @@ test("reactions that do not carry the loads are told everywhere", async () => {
   writeFileSync(results, head + reactions.replace(/^1 -5 3/m, "1 -5 3.03"));
   const made = spawnSync(REPORT, ["bad.dat"], { cwd: folder, encoding: "utf8" });
   assert.equal(made.status, 1);
-  assert.match(made.stderr, /^warning: loads and reactions are not in equilibrium\. .*`Solver SkyLine`/);
-  const residual = 0.03 / 8.03;  // of the force; the sizes of the reactions are 5 and 3.03
-  assertNear(Number(made.stdout.match(/residual of equilibrium: (\S+)/)[1]), residual, 0.02, "printed");
+  assert.match(
+    made.stderr,
+    /^warning: loads and reactions are not in equilibrium\. .*`Solver SkyLine`/,
+  );
+  const residual = 0.03 / 8.03; // of the force; the sizes of the reactions are 5 and 3.03
+  assertNear(
+    Number(made.stdout.match(/residual of equilibrium: (\S+)/)[1]),
+    residual,
+    0.02,
+    "printed",
+  );
   const page = await browser.open(join(folder, "bad.html"), SIZE);
-  assert.match(await page.evaluate("document.querySelector('.badge.bad').textContent"), /^not in equilibrium/);
-  assert.match(await page.evaluate("document.querySelector('#equilibrium .verdict.bad').textContent"), /above 1e-4\. .*`Solver SkyLine`/);
+  assert.match(
+    await page.evaluate("document.querySelector('.badge.bad').textContent"),
+    /^not in equilibrium/,
+  );
+  assert.match(
+    await page.evaluate("document.querySelector('#equilibrium .verdict.bad').textContent"),
+    /above 1e-4\. .*`Solver SkyLine`/,
+  );
   await page.close();
 });

@@ -5,12 +5,15 @@ import { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
 import { LineSegments2 } from "three/examples/jsm/lines/LineSegments2.js";
 import { LineSegmentsGeometry } from "three/examples/jsm/lines/LineSegmentsGeometry.js";
 
-const PLAIN = [0.11, 0.2, 0.3], MOST_SEGMENTS = 200000;
+const PLAIN = [0.11, 0.2, 0.3],
+  MOST_SEGMENTS = 200000;
 
 export class BeamView {
   constructor(model, stage, mesh) {
     this.model = model;
-    this.beams = model.beams.map((_, b) => b).filter((b) => model.elements.meshes[model.beams[b]] === mesh);
+    this.beams = model.beams
+      .map((_, b) => b)
+      .filter((b) => model.elements.meshes[model.beams[b]] === mesh);
     this.group = new THREE.Group();
     if (this.beams.length === 0) return;
     const divisions = model.points - 1;
@@ -29,9 +32,11 @@ export class BeamView {
   }
 
   thickLine(stage) {
-    const material = new LineMaterial({ linewidth: this.beams.length > 2000 ? 1.6 : 3.2, vertexColors: true });
-    stage.resolutions.push(material);
-    material.resolution.set(stage.width, stage.height);
+    const material = new LineMaterial({
+      linewidth: this.beams.length > 2000 ? 1.6 : 3.2,
+      vertexColors: true,
+    });
+    stage.addThickLine(material);
     const line = new LineSegments2(new LineSegmentsGeometry(), material);
     line.frustumCulled = false;
     return line;
@@ -64,7 +69,9 @@ export class BeamView {
 
   deform(factor) {
     if (this.isEmpty) return;
-    this.visit((place, b, point) => beamPoint(this.model, b, point, factor, this.coordinates, 3 * place));
+    this.visit((place, b, point) =>
+      beamPoint(this.model, b, point, factor, this.coordinates, 3 * place),
+    );
     this.line.geometry.setPositions(this.coordinates);
     this.ghost.visible = factor !== 0;
   }
@@ -84,12 +91,16 @@ export class BeamView {
 
 /** Writes the place of a division point with `factor` times its displacement. */
 export function beamPoint(model, b, point, factor, out, offset) {
-  const element = model.beams[b], t = point / (model.points - 1);
-  const first = 3 * model.node(element, 0), second = 3 * model.node(element, 1);
+  const element = model.beams[b],
+    t = point / (model.points - 1);
+  const first = 3 * model.node(element, 0),
+    second = 3 * model.node(element, 1);
   const displaced = 3 * (b * model.points + point);
   for (let k = 0; k < 3; ++k) {
     const start = model.local[first + k];
     out[offset + k] =
-      start + t * (model.local[second + k] - start) + factor * model.beamDisplacements[displaced + k];
+      start +
+      t * (model.local[second + k] - start) +
+      factor * model.beamDisplacements[displaced + k];
   }
 }

@@ -46,7 +46,9 @@ export class ColourScale {
 
   /** Place of a value in the range, 0..1. */
   place(value) {
-    return this.max > this.min ? Math.min(1, Math.max(0, (value - this.min) / (this.max - this.min))) : 0;
+    return this.max > this.min
+      ? Math.min(1, Math.max(0, (value - this.min) / (this.max - this.min)))
+      : 0;
   }
 
   value(place) {

@@ -34,7 +34,8 @@ export class DiagramView {
     const largest = Math.max(-min, max);
     if (!(largest > 0)) return;
     const ribbon = new Ribbon();
-    for (let b = 0; b < this.model.beams.length; ++b) this.addBeam(ribbon, name, values, b, height / largest);
+    for (let b = 0; b < this.model.beams.length; ++b)
+      this.addBeam(ribbon, name, values, b, height / largest);
     this.group.add(...ribbon.objects());
   }
 
@@ -118,7 +119,12 @@ class Ribbon {
     const outline = new THREE.BufferGeometry();
     outline.setAttribute("position", attribute(this.outline));
     const fill = new THREE.MeshBasicMaterial({
-      vertexColors: true, transparent: true, opacity: 0.32, side: THREE.DoubleSide, depthWrite: false });
+      vertexColors: true,
+      transparent: true,
+      opacity: 0.32,
+      side: THREE.DoubleSide,
+      depthWrite: false,
+    });
     const line = new THREE.LineBasicMaterial({ color: 0x46525c });
     const objects = [new THREE.Mesh(faces, fill), new THREE.LineSegments(outline, line)];
     for (const object of objects) object.frustumCulled = false;

@@ -6,7 +6,8 @@ function fill(element, attributes, children) {
   for (const [name, value] of Object.entries(attributes)) {
     if (name.startsWith("on")) element.addEventListener(name.slice(2), value);
     else if (value === true) element.setAttribute(name, "");
-    else if (value !== false && value !== null && value !== undefined) element.setAttribute(name, value);
+    else if (value !== false && value !== null && value !== undefined)
+      element.setAttribute(name, value);
   }
   element.append(...children.flat().filter((child) => child !== null && child !== undefined));
   return element;
@@ -38,7 +39,10 @@ export function withUnit(value, unit, digits = 6) {
 export function select(id, groups, onchange) {
   const option = ([value, text]) => h("option", { value }, text);
   const children = groups.map((group) =>
-    Array.isArray(group) ? option(group) : h("optgroup", { label: group.label }, group.options.map(option)));
+    Array.isArray(group)
+      ? option(group)
+      : h("optgroup", { label: group.label }, group.options.map(option)),
+  );
   const element = h("select", { id }, children);
   element.addEventListener("change", () => onchange(element.value));
   return element;

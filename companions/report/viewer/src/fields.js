@@ -12,30 +12,56 @@ export function extremesOf(values) {
   return found;
 }
 
+/** A component of triples; their lengths for k < 0. */
 function component(triples, k) {
-  const count = triples.length / 3;
-  return k < 0
-    ? Float64Array.from({ length: count }, (_, i) => Math.hypot(...triples.subarray(3 * i, 3 * i + 3)))
-    : Float64Array.from({ length: count }, (_, i) => triples[3 * i + k]);
+  const values = new Float64Array(triples.length / 3);
+  for (let i = 0; i < values.length; ++i) {
+    const place = 3 * i;
+    values[i] =
+      k < 0
+        ? Math.hypot(triples[place], triples[place + 1], triples[place + 2])
+        : triples[place + k];
+  }
+  return values;
 }
 
 /** A field: {id, label, group, unit, nodes, points, beams}; of the three only those it has. */
 function displacementFields(model, translations) {
-  const all = [["u", "|u|  size", -1], ["ux", "ux", 0], ["uy", "uy", 1], ["uz", "uz", 2]];
+  const all = [
+    ["u", "|u|  size", -1],
+    ["ux", "ux", 0],
+    ["uy", "uy", 1],
+    ["uz", "uz", 2],
+  ];
   return all.slice(0, 1 + translations).map(([id, label, k]) => ({
-    id, label, group: "Displacements", title: k < 0 ? "Displacement" : `Displacement ${id}`, unit: model.units.length,
-    get nodes() { return component(model.displacements, k); },
-    get beams() { return component(model.beamDisplacements, k); },
+    id,
+    label,
+    group: "Displacements",
+    title: k < 0 ? "Displacement" : `Displacement ${id}`,
+    unit: model.units.length,
+    get nodes() {
+      return component(model.displacements, k);
+    },
+    get beams() {
+      return component(model.beamDisplacements, k);
+    },
   }));
 }
 
 function columnFields(table, group, place, skip) {
   if (!table) return [];
-  return table.columns.filter((column) => !skip.test(column.name)).map((column) => ({
-    id: `${place}:${column.name}`, label: column.name.replace("_", " "), group,
-    title: column.name.replace("_", " "), unit: column.unit,
-    get [place]() { return column.values; },
-  }));
+  return table.columns
+    .filter((column) => !skip.test(column.name))
+    .map((column) => ({
+      id: `${place}:${column.name}`,
+      label: column.name.replace("_", " "),
+      group,
+      title: column.name.replace("_", " "),
+      unit: column.unit,
+      get [place]() {
+        return column.values;
+      },
+    }));
 }
 
 export function fieldsOf(report, model) {
@@ -53,7 +79,13 @@ export function extremesOfField(field, model, shells) {
   const add = (values, kind, numberAt) => {
     if (!values?.length) return;
     const e = extremesOf(values);
-    parts.push({ min: e.min, max: e.max, kind, minNumber: numberAt(e.minAt), maxNumber: numberAt(e.maxAt) });
+    parts.push({
+      min: e.min,
+      max: e.max,
+      kind,
+      minNumber: numberAt(e.minAt),
+      maxNumber: numberAt(e.maxAt),
+    });
   };
   const { numbers } = model.elements;
   add(field.nodes, "node", (i) => model.nodeNumbers[i]);
@@ -62,8 +94,10 @@ export function extremesOfField(field, model, shells) {
   const low = parts.reduce((a, b) => (b.min < a.min ? b : a));
   const high = parts.reduce((a, b) => (b.max > a.max ? b : a));
   return {
-    min: low.min, max: high.max,
-    minAt: `${low.kind} ${low.minNumber}`, maxAt: `${high.kind} ${high.maxNumber}`,
+    min: low.min,
+    max: high.max,
+    minAt: `${low.kind} ${low.minNumber}`,
+    maxAt: `${high.kind} ${high.maxNumber}`,
   };
 }
 
@@ -90,7 +124,9 @@ export class ShellPoints {
     if (first < 0) return NaN;
     if (this.count[element] === 1) return values[first];
     if (corner >= 3) return values[first + corner - 3];
-    const [one, two, opposite] = [corner, (corner + 2) % 3, (corner + 1) % 3].map((i) => values[first + i]);
+    const [one, two, opposite] = [corner, (corner + 2) % 3, (corner + 1) % 3].map(
+      (i) => values[first + i],
+    );
     return one + two - opposite;
   }
 
@@ -115,7 +151,9 @@ export class ShellPoints {
     for (let i = 0; i < nodeCount; ++i) start[i + 1] += start[i];
     const next = start.slice();
     const list = new Int32Array(start[nodeCount]);
-    visit((node, e) => { list[next[node]++] = e; });
+    visit((node, e) => {
+      list[next[node]++] = e;
+    });
     this.adjacent = { start, list };
     return this.adjacent;
   }
@@ -135,13 +173,17 @@ export class ShellPoints {
 
   /** Whether two shells see their values in nearly the same axes: turned by less than 15 degrees. */
   agree(a, b) {
-    const frame = this.frames(), limit = 0.966;
-    let x = 0, z = 0;
+    const frame = this.frames(),
+      limit = 0.966;
+    let x = 0,
+      z = 0;
     for (let k = 0; k < 3; ++k) {
       x += frame[6 * a + k] * frame[6 * b + k];
       z += frame[6 * a + 3 + k] * frame[6 * b + 3 + k];
     }
-    return x > limit && z > limit && this.model.elements.meshes[a] === this.model.elements.meshes[b];
+    return (
+      x > limit && z > limit && this.model.elements.meshes[a] === this.model.elements.meshes[b]
+    );
   }
 
   /** Corner values of all shells, 3 each, averaged at nodes over the shells that agree. */
@@ -152,7 +194,8 @@ export class ShellPoints {
     const cornerOf = (element, node) => [0, 1, 2].find((i) => model.node(element, i) === node);
     for (let node = 0; node < model.nodeCount; ++node) {
       for (let i = start[node]; i < start[node + 1]; ++i) {
-        let sum = 0, count = 0;
+        let sum = 0,
+          count = 0;
         for (let j = start[node]; j < start[node + 1]; ++j) {
           if (!this.agree(list[i], list[j])) continue;
           sum += this.atCorner(values, list[j], cornerOf(list[j], node));
@@ -178,7 +221,8 @@ export function vertexValues(field, triangles, shells, smooth) {
   } else if (points) {
     const corners = smooth ? shells.smoothed(points) : null;
     for (let i = 0; i < nodes.length; ++i) {
-      const element = owner[(i / 3) | 0], k = corner[i];
+      const element = owner[(i / 3) | 0],
+        k = corner[i];
       if (!smooth) result[i] = shells.mean(points, element);
       else if (k < 3) result[i] = corners[3 * element + k];
       else result[i] = (corners[3 * element + k - 3] + corners[3 * element + ((k - 2) % 3)]) / 2;

@@ -39,15 +39,18 @@ export class Labels {
     const [x, y] = this.stage.project(place);
     if (x < 0 || x > this.stage.width || y < 0 || y > this.stage.height) return;
     const { width } = context.measureText(text);
-    const left = Math.min(x + 4, this.stage.width - width - 4), top = Math.max(2, y - 14);
+    const left = Math.min(x + 4, this.stage.width - width - 4),
+      top = Math.max(2, y - 14);
     const box = [left - 1, top, left + width + 1, top + 15];
-    if (this.taken.some((b) => b[0] < box[2] && box[0] < b[2] && b[1] < box[3] && box[1] < b[3])) return;
+    if (this.taken.some((b) => b[0] < box[2] && box[0] < b[2] && b[1] < box[3] && box[1] < b[3]))
+      return;
     this.taken.push(box);
     halo(context, text, left, top + 7, colour);
   }
 
   drawAxes(context, height) {
-    const origin = [44, height - 40], reach = 28;
+    const origin = [44, height - 40],
+      reach = 28;
     const start = this.stage.project([0, 0, 0]);
     const scale = reach * this.stage.pixel;
     ["X", "Y", "Z"].forEach((name, k) => {
@@ -64,6 +67,32 @@ export class Labels {
       halo(context, name, origin[0] + 1.25 * dx - 4, origin[1] + 1.25 * dy, colour);
     });
   }
+}
+
+const MOST = 400;
+
+/** The numbers of nodes, and of elements in brackets, unless they are too many to be read. */
+export function numberLabels(model) {
+  const { elements } = model;
+  const nodes = Array.from(model.nodeNumbers, (number, i) => ({
+    place: model.place(i),
+    text: String(number),
+  }));
+  const middle = (element) => {
+    const corners = Array.from({ length: Math.min(4, elements.nodeCounts[element]) }, (_, i) =>
+      model.place(model.node(element, i)),
+    );
+    return [0, 1, 2].map(
+      (k) => corners.reduce((sum, corner) => sum + corner[k], 0) / corners.length,
+    );
+  };
+  return {
+    nodes: nodes.slice(0, MOST),
+    elements:
+      elements.count > MOST
+        ? []
+        : Array.from(elements.numbers, (number, e) => ({ place: middle(e), text: `[${number}]` })),
+  };
 }
 
 function halo(context, text, x, y, colour) {

@@ -2,7 +2,9 @@
 
 import { EMPTY, unpack } from "./data.js";
 
-export const BEAM = 0, SHELL = 1, SOLID = 2;
+export const BEAM = 0,
+  SHELL = 1,
+  SOLID = 2;
 const KINDS = { beam: BEAM, shell: SHELL, solid: SOLID };
 const AXES = ["x", "y", "z"];
 
@@ -30,7 +32,8 @@ function readElements(table, nodeAt) {
   const width = nodeColumns.length;
   const nodes = new Int32Array(count * width).fill(-1);
   nodeColumns.forEach(({ values }, k) => {
-    for (let i = 0; i < count; ++i) if (values[i] !== EMPTY) nodes[i * width + k] = nodeAt.get(values[i]);
+    for (let i = 0; i < count; ++i)
+      if (values[i] !== EMPTY) nodes[i * width + k] = nodeAt.get(values[i]);
   });
   const nodeCounts = new Uint8Array(count);
   for (let i = 0; i < count; ++i) {
@@ -41,7 +44,8 @@ function readElements(table, nodeAt) {
 }
 
 function boxOf(xyz) {
-  const low = [Infinity, Infinity, Infinity], high = [-Infinity, -Infinity, -Infinity];
+  const low = [Infinity, Infinity, Infinity],
+    high = [-Infinity, -Infinity, -Infinity];
   for (let i = 0; i < xyz.length; ++i) {
     low[i % 3] = Math.min(low[i % 3], xyz[i]);
     high[i % 3] = Math.max(high[i % 3], xyz[i]);
@@ -69,7 +73,10 @@ export class Model {
     this.readBeams(report.table("beam_diagrams"));
     /** Coordinates from the middle of the box: small numbers for the graphics. */
     this.local = Float32Array.from(this.xyz, (value, i) => value - this.box.center[i % 3]);
-    this.largest = Math.max(largestLength(this.displacements), largestLength(this.beamDisplacements));
+    this.largest = Math.max(
+      largestLength(this.displacements),
+      largestLength(this.beamDisplacements),
+    );
   }
 
   /** Beams in the order of their diagrams: beam b has the rows from b·points on. */
@@ -99,13 +106,15 @@ export class Model {
   }
 
   lengthOf(element) {
-    const a = this.place(this.node(element, 0)), b = this.place(this.node(element, 1));
+    const a = this.place(this.node(element, 0)),
+      b = this.place(this.node(element, 1));
     return Math.hypot(b[0] - a[0], b[1] - a[1], b[2] - a[2]);
   }
 
   /** The axes x', y', z' of a beam. */
   beamAxes(element) {
-    const a = this.place(this.node(element, 0)), b = this.place(this.node(element, 1));
+    const a = this.place(this.node(element, 0)),
+      b = this.place(this.node(element, 1));
     const x = unit(a.map((value, k) => b[k] - value));
     const y = Array.from(this.axes.subarray(3 * element, 3 * element + 3));
     return [x, y, cross(x, y)];
@@ -130,8 +139,11 @@ function largestLength(values) {
 
 export const minus = (a, b) => [a[0] - b[0], a[1] - b[1], a[2] - b[2]];
 export const dot = (a, b) => a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-export const cross = (a, b) =>
-  [a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]];
+export const cross = (a, b) => [
+  a[1] * b[2] - a[2] * b[1],
+  a[2] * b[0] - a[0] * b[2],
+  a[0] * b[1] - a[1] * b[0],
+];
 export function unit(a) {
   const length = Math.hypot(...a) || 1;
   return a.map((value) => value / length);

@@ -2,14 +2,15 @@
 
 import { beamPoint } from "./beam_view.js";
 
-const REACH = 8;          // pixels around a beam
-const BEHIND = 0.003;     // by which a beam may stand behind a surface, in depth
+const REACH = 8; // pixels around a beam
+const BEHIND = 0.003; // by which a beam may stand behind a surface, in depth
 
 /** Distance of p from the segment a-b in pixels, and the place t of the nearest point. */
 function distanceTo(p, a, b) {
   const [dx, dy] = [b[0] - a[0], b[1] - a[1]];
   const length = dx * dx + dy * dy;
-  const t = length > 0 ? Math.min(1, Math.max(0, ((p[0] - a[0]) * dx + (p[1] - a[1]) * dy) / length)) : 0;
+  const t =
+    length > 0 ? Math.min(1, Math.max(0, ((p[0] - a[0]) * dx + (p[1] - a[1]) * dy) / length)) : 0;
   return { distance: Math.hypot(p[0] - a[0] - t * dx, p[1] - a[1] - t * dy), t };
 }
 
@@ -25,8 +26,13 @@ function nearestBeam(stage, model, beamViews, factor, point) {
         const next = stage.project(place);
         const hit = last && distanceTo(point, last, next);
         const depth = hit && last[2] + hit.t * (next[2] - last[2]);
-        if (hit && hit.distance < REACH && (!found || hit.distance < found.distance - 1 ||
-            (hit.distance < found.distance + 1 && depth < found.depth))) {
+        if (
+          hit &&
+          hit.distance < REACH &&
+          (!found ||
+            hit.distance < found.distance - 1 ||
+            (hit.distance < found.distance + 1 && depth < found.depth))
+        ) {
           found = { element: model.beams[b], distance: hit.distance, depth };
         }
         last = next;
@@ -49,7 +55,9 @@ function nearestTriangle(stage, model, surfaceViews, factor, point) {
   const projected = new Map();
   const project = (node) => {
     if (!projected.has(node)) {
-      const place = [0, 1, 2].map((k) => model.local[3 * node + k] + factor * model.displacements[3 * node + k]);
+      const place = [0, 1, 2].map(
+        (k) => model.local[3 * node + k] + factor * model.displacements[3 * node + k],
+      );
       projected.set(node, stage.project(place));
     }
     return projected.get(node);
@@ -60,7 +68,8 @@ function nearestTriangle(stage, model, surfaceViews, factor, point) {
     for (let i = 0; i < triangles.owner.length; ++i) {
       const corners = [0, 1, 2].map((k) => project(triangles.nodes[3 * i + k]));
       const depth = depthAt(point, ...corners);
-      if (depth !== null && (!found || depth < found.depth)) found = { element: triangles.owner[i], depth };
+      if (depth !== null && (!found || depth < found.depth))
+        found = { element: triangles.owner[i], depth };
     }
   }
   return found;
@@ -77,7 +86,9 @@ export function pick(stage, model, views, factor, point) {
 /** Calls back with the place of every click that is no drag. */
 export function onClick(canvas, use) {
   let start = null;
-  canvas.addEventListener("pointerdown", (event) => { start = [event.clientX, event.clientY]; });
+  canvas.addEventListener("pointerdown", (event) => {
+    start = [event.clientX, event.clientY];
+  });
   canvas.addEventListener("pointerup", (event) => {
     if (!start || Math.hypot(event.clientX - start[0], event.clientY - start[1]) > 4) return;
     const box = canvas.getBoundingClientRect();

@@ -46,22 +46,27 @@ export function principalCrosses(report, model, shells, kind) {
   for (let e = 0; e < elements.count; ++e) if (elements.kinds[e] === SHELL) found.push(e);
   const states = found.map(read);
   const usual = usualSize(states.flatMap(([, a, b]) => [Math.abs(a), Math.abs(b)]));
-  const position = new Float32Array(12 * found.length), colour = new Float32Array(12 * found.length);
-  const [positive, negative] = [POSITIVE, NEGATIVE].map((rgb) => new THREE.Color().setRGB(...rgb, THREE.SRGBColorSpace));
+  const position = new Float32Array(12 * found.length),
+    colour = new Float32Array(12 * found.length);
+  const [positive, negative] = [POSITIVE, NEGATIVE].map((rgb) =>
+    new THREE.Color().setRGB(...rgb, THREE.SRGBColorSpace),
+  );
   found.forEach((e, i) => {
     const corners = [0, 1, 2].map((k) => model.place(model.node(e, k)));
     const middle = [0, 1, 2].map((k) => (corners[0][k] + corners[1][k] + corners[2][k]) / 3);
     const reach = 0.3 * Math.hypot(...corners[0].map((x, k) => corners[1][k] - x));
     const [x, y, z] = model.shellAxes(e);
     [0, 1].forEach((which) => {
-      const angle = states[i][0] + (which * Math.PI) / 2, value = states[i][1 + which];
+      const angle = states[i][0] + (which * Math.PI) / 2,
+        value = states[i][1 + which];
       const half = reach * Math.min(1.5, Math.abs(value) / usual);
       for (let k = 0; k < 3; ++k) {
         const step = half * (Math.cos(angle) * x[k] + Math.sin(angle) * y[k]);
         position[12 * i + 6 * which + k] = middle[k] - step + 0.01 * reach * z[k];
         position[12 * i + 6 * which + 3 + k] = middle[k] + step + 0.01 * reach * z[k];
       }
-      for (const end of [0, 3]) (value < 0 ? negative : positive).toArray(colour, 12 * i + 6 * which + end);
+      for (const end of [0, 3])
+        (value < 0 ? negative : positive).toArray(colour, 12 * i + 6 * which + end);
     });
   });
   const geometry = new THREE.BufferGeometry();
@@ -75,7 +80,8 @@ function centreDisplacements(model, found) {
   const values = new Float32Array(12 * found.length);
   found.forEach((e, i) => {
     for (let k = 0; k < 3; ++k) {
-      const mean = [0, 1, 2].reduce((sum, c) => sum + model.displacements[3 * model.node(e, c) + k], 0) / 3;
+      const mean =
+        [0, 1, 2].reduce((sum, c) => sum + model.displacements[3 * model.node(e, c) + k], 0) / 3;
       for (let vertex = 0; vertex < 4; ++vertex) values[12 * i + 3 * vertex + k] = mean;
     }
   });

@@ -4,10 +4,22 @@ import * as THREE from "three";
 import { OrbitControls } from "three/examples/jsm/controls/OrbitControls.js";
 
 const VIEWS = {
-  iso: [[-0.55, -0.9, 0.5], [0, 0, 1]],
-  front: [[0, -1, 0], [0, 0, 1]],
-  side: [[1, 0, 0], [0, 0, 1]],
-  top: [[0, 0, 1], [0, 1, 0]],
+  iso: [
+    [-0.55, -0.9, 0.5],
+    [0, 0, 1],
+  ],
+  front: [
+    [0, -1, 0],
+    [0, 0, 1],
+  ],
+  side: [
+    [1, 0, 0],
+    [0, 0, 1],
+  ],
+  top: [
+    [0, 0, 1],
+    [0, 1, 0],
+  ],
 };
 
 export class Stage {
@@ -20,7 +32,7 @@ export class Stage {
     this.scene = new THREE.Scene();
     this.camera = new THREE.OrthographicCamera(-1, 1, 1, -1, -1, 1);
     this.listeners = [];
-    this.resolutions = [];  // materials of fat lines, which need the size of the canvas
+    this.thickLines = []; // their materials need the size of the canvas
     this.addLights();
     container.append(this.renderer.domElement);
     this.controls = new OrbitControls(this.camera, this.renderer.domElement);
@@ -47,16 +59,29 @@ export class Stage {
     this.width = width;
     this.height = height;
     this.renderer.setSize(width, height, false);
-    for (const material of this.resolutions) material.resolution.set(width, height);
+    for (const material of this.thickLines) material.resolution.set(width, height);
     this.setFrustum();
     this.draw();
+  }
+
+  /** Tells the material of a thick line the size of the canvas, now and when it changes. */
+  addThickLine(material) {
+    this.thickLines.push(material);
+    material.resolution.set(this.width, this.height);
   }
 
   setFrustum() {
     const half = 0.5 * this.model.box.size * 1.02;
     const aspect = this.width / this.height;
     const [x, y] = aspect > 1 ? [half * aspect, half] : [half, half / aspect];
-    Object.assign(this.camera, { left: -x, right: x, top: y, bottom: -y, near: -20 * half, far: 20 * half });
+    Object.assign(this.camera, {
+      left: -x,
+      right: x,
+      top: y,
+      bottom: -y,
+      near: -20 * half,
+      far: 20 * half,
+    });
     this.camera.updateProjectionMatrix();
   }
 
@@ -64,7 +89,10 @@ export class Stage {
   look(name) {
     const [direction, up] = VIEWS[name];
     this.camera.up.set(...up);
-    this.camera.position.set(...direction).normalize().multiplyScalar(this.model.box.size);
+    this.camera.position
+      .set(...direction)
+      .normalize()
+      .multiplyScalar(this.model.box.size);
     this.controls.target.set(0, 0, 0);
     this.camera.zoom = 1;
     this.camera.lookAt(0, 0, 0);
@@ -77,7 +105,8 @@ export class Stage {
   /** Zooms and shifts so that the nodes fill the view, with a margin for symbols and diagrams. */
   fit() {
     const inverse = this.camera.matrixWorldInverse;
-    const low = new THREE.Vector3(Infinity, Infinity, Infinity), high = low.clone().negate();
+    const low = new THREE.Vector3(Infinity, Infinity, Infinity),
+      high = low.clone().negate();
     const point = new THREE.Vector3();
     for (let i = 0; i < this.model.nodeCount; ++i) {
       point.fromArray(this.model.local, 3 * i).applyMatrix4(inverse);
@@ -85,13 +114,24 @@ export class Stage {
       high.max(point);
     }
     const middle = low.clone().add(high).multiplyScalar(0.5).applyMatrix4(this.camera.matrixWorld);
-    const shift = middle.sub(point.set(0, 0, 0).applyMatrix4(inverse).setX(0).setY(0).applyMatrix4(this.camera.matrixWorld));
+    const shift = middle.sub(
+      point
+        .set(0, 0, 0)
+        .applyMatrix4(inverse)
+        .setX(0)
+        .setY(0)
+        .applyMatrix4(this.camera.matrixWorld),
+    );
     this.camera.position.add(shift);
     this.controls.target.add(shift);
-    const margin = 1.28, least = 0.05 * this.model.box.size;
-    const width = Math.max(high.x - low.x, least) * margin, height = Math.max(high.y - low.y, least) * margin;
+    const margin = 1.28,
+      least = 0.05 * this.model.box.size;
+    const width = Math.max(high.x - low.x, least) * margin,
+      height = Math.max(high.y - low.y, least) * margin;
     this.camera.zoom = Math.min(
-      (this.camera.right - this.camera.left) / width, (this.camera.top - this.camera.bottom) / height);
+      (this.camera.right - this.camera.left) / width,
+      (this.camera.top - this.camera.bottom) / height,
+    );
     this.camera.updateProjectionMatrix();
   }
 
@@ -132,7 +172,10 @@ export function deformable(material, factor) {
   material.onBeforeCompile = (shader) => {
     shader.uniforms.factor = factor;
     shader.vertexShader = shader.vertexShader
-      .replace("#include <common>", "#include <common>\nattribute vec3 displacement;\nuniform float factor;")
+      .replace(
+        "#include <common>",
+        "#include <common>\nattribute vec3 displacement;\nuniform float factor;",
+      )
       .replace("#include <begin_vertex>", "vec3 transformed = position + factor * displacement;");
   };
   return material;
@@ -140,7 +183,8 @@ export function deformable(material, factor) {
 
 /** A geometry at nodes (places in the model's list) that can be deformed. */
 export function geometryAt(model, nodes) {
-  const position = new Float32Array(3 * nodes.length), displacement = new Float32Array(3 * nodes.length);
+  const position = new Float32Array(3 * nodes.length),
+    displacement = new Float32Array(3 * nodes.length);
   for (let i = 0; i < nodes.length; ++i) {
     for (let k = 0; k < 3; ++k) {
       position[3 * i + k] = model.local[3 * nodes[i] + k];

@@ -6,10 +6,16 @@ import { vertexValues } from "./fields.js";
 import { deformable, geometryAt } from "./scene.js";
 import { trianglesOf } from "./surfaces.js";
 
-const PLAIN = 0xc9d6e2, EDGE = 0x31404d, GHOST = 0x9aa5ae;
+const PLAIN = 0xc9d6e2,
+  EDGE = 0x31404d,
+  GHOST = 0x9aa5ae;
 
 function lines(model, nodes, colour, opacity, factor) {
-  const material = new THREE.LineBasicMaterial({ color: colour, transparent: opacity < 1, opacity });
+  const material = new THREE.LineBasicMaterial({
+    color: colour,
+    transparent: opacity < 1,
+    opacity,
+  });
   return new THREE.LineSegments(geometryAt(model, nodes), deformable(material, factor));
 }
 
@@ -20,9 +26,15 @@ export class SurfaceView {
     if (this.triangles.nodes.length === 0) return;
     this.material = deformable(
       new THREE.MeshLambertMaterial({
-        color: PLAIN, side: THREE.DoubleSide, flatShading: true,
-        polygonOffset: true, polygonOffsetFactor: 1, polygonOffsetUnits: 1,
-      }), factor);
+        color: PLAIN,
+        side: THREE.DoubleSide,
+        flatShading: true,
+        polygonOffset: true,
+        polygonOffsetFactor: 1,
+        polygonOffsetUnits: 1,
+      }),
+      factor,
+    );
     const geometry = geometryAt(model, this.triangles.nodes);
     this.places = new THREE.BufferAttribute(new Float32Array(2 * this.triangles.nodes.length), 2);
     geometry.setAttribute("uv", this.places);
@@ -49,7 +61,8 @@ export class SurfaceView {
     if (this.isEmpty) return;
     const values = field ? vertexValues(field, this.triangles, shells, smooth) : null;
     const shown = values !== null && !Number.isNaN(values[0]);
-    for (let i = 0; shown && i < values.length; ++i) this.places.setXY(i, scale.place(values[i]), 0.5);
+    for (let i = 0; shown && i < values.length; ++i)
+      this.places.setXY(i, scale.place(values[i]), 0.5);
     this.places.needsUpdate = true;
     this.material.map?.dispose();
     this.material.map = shown ? bandTexture(scale) : null;

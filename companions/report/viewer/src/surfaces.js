@@ -7,7 +7,12 @@ import { SHELL, SOLID } from "./model.js";
 const PIECES = { 3: [0, 1, 2], 6: [0, 3, 5, 3, 1, 4, 5, 4, 2, 3, 4, 5] };
 
 // Faces of a tetrahedron by their corners, and the middle nodes of its edges.
-const FACES = [[0, 2, 1], [0, 1, 3], [1, 2, 3], [0, 3, 2]];
+const FACES = [
+  [0, 2, 1],
+  [0, 1, 3],
+  [1, 2, 3],
+  [0, 3, 2],
+];
 const MIDDLES = { "0,1": 4, "1,2": 5, "0,2": 6, "0,3": 7, "1,3": 8, "2,3": 9 };
 
 /** Places, from 0, of the nodes of a face of a solid: its corners, and the middles between them. */
@@ -62,7 +67,11 @@ class Collector {
  */
 export function trianglesOf(model, mesh) {
   const { elements } = model;
-  const out = { nodes: new Collector(Int32Array), owner: new Collector(Int32Array), corner: new Collector(Uint8Array) };
+  const out = {
+    nodes: new Collector(Int32Array),
+    owner: new Collector(Int32Array),
+    corner: new Collector(Uint8Array),
+  };
   const edges = new EdgeSet(model.nodeCount);
   const addFace = (element, places) => {
     for (const [i, place] of PIECES[places.length].entries()) {
@@ -86,7 +95,12 @@ export function trianglesOf(model, mesh) {
     const element = face >> 2;
     addFace(element, faceNodes(FACES[face & 3], elements.nodeCounts[element]));
   }
-  return { nodes: out.nodes.take(), owner: out.owner.take(), corner: out.corner.take(), edges: edges.take() };
+  return {
+    nodes: out.nodes.take(),
+    owner: out.owner.take(),
+    corner: out.corner.take(),
+    edges: edges.take(),
+  };
 }
 
 /** Pairs of nodes, each once. */

@@ -5,7 +5,11 @@ import { mergeGeometries } from "three/examples/jsm/utils/BufferGeometryUtils.js
 import { unpack } from "./data.js";
 import { triples, unit } from "./model.js";
 
-const SUPPORT = 0x2e7d5b, SPRING = 0xb07d12, LOAD = 0xb4441c, REACTION = 0x6a3d9a, HINGE = 0xf2f5f7;
+const SUPPORT = 0x2e7d5b,
+  SPRING = 0xb07d12,
+  LOAD = 0xb4441c,
+  REACTION = 0x6a3d9a,
+  HINGE = 0xf2f5f7;
 const MOST_SURFACE_ARROWS = 1500;
 const UP = new THREE.Vector3(0, 1, 0);
 
@@ -41,14 +45,22 @@ function groupOf(...instances) {
 
 /** The axes of a support: global, or by its Euler angles. */
 function supportAxes(table, row) {
-  const angles = ["Euler1", "Euler2", "Euler3"].map((name) => table.column(name)?.cell(row) ?? null);
-  if (angles[0] === null) return [[1, 0, 0], [0, 1, 0], [0, 0, 1]];
+  const angles = ["Euler1", "Euler2", "Euler3"].map(
+    (name) => table.column(name)?.cell(row) ?? null,
+  );
+  if (angles[0] === null)
+    return [
+      [1, 0, 0],
+      [0, 1, 0],
+      [0, 0, 1],
+    ];
   return axesOfEuler(angles);
 }
 
 /** Axes x', y', z' of Euler angles. */
 export function axesOfEuler([a1, a2, a3]) {
-  const [c1, c2, c3] = [a1, a2, a3].map(Math.cos), [s1, s2, s3] = [a1, a2, a3].map(Math.sin);
+  const [c1, c2, c3] = [a1, a2, a3].map(Math.cos),
+    [s1, s2, s3] = [a1, a2, a3].map(Math.sin);
   return [
     [c3 * c1 - c2 * s1 * s3, -s3 * c1 - c2 * s1 * c3, s2 * s1],
     [c3 * s1 + c2 * c1 * s3, -s3 * s1 + c2 * c1 * c3, -s2 * c1],
@@ -72,7 +84,9 @@ export function supportSymbols(report, model, size) {
   const down = model.plane ? [0, 1, 0] : [0, 0, 1];
   for (let row = 0; row < table.rows; ++row) {
     const place = model.place(model.nodeAt.get(table.column("node").cell(row)));
-    const flags = Array.from({ length: components }, (_, k) => table.column(`flag${k + 1}`).cell(row));
+    const flags = Array.from({ length: components }, (_, k) =>
+      table.column(`flag${k + 1}`).cell(row),
+    );
     if (components > translations && flags.every((flag) => flag === 1)) {
       blocks.add(place, down, size, size);
       continue;
@@ -94,9 +108,19 @@ export function hingeSymbols(report, model, size) {
   for (const element of model.beams) {
     const code = codes.cell(element);
     const ends = [0, 1].map((i) => model.place(model.node(element, i)));
-    const [a, b] = ends, inset = Math.min(0.1, (4 * size) / model.lengthOf(element));
-    for (const [held, t] of [[code >= 10, inset], [code % 10 === 1, 1 - inset]]) {
-      if (!held) balls.add(a.map((x, k) => x + t * (b[k] - x)), [0, 1, 0], size, size);
+    const [a, b] = ends,
+      inset = Math.min(0.1, (4 * size) / model.lengthOf(element));
+    for (const [held, t] of [
+      [code >= 10, inset],
+      [code % 10 === 1, 1 - inset],
+    ]) {
+      if (!held)
+        balls.add(
+          a.map((x, k) => x + t * (b[k] - x)),
+          [0, 1, 0],
+          size,
+          size,
+        );
     }
   }
   return groupOf(balls);
@@ -108,8 +132,14 @@ class Arrows {
   constructor(colour, length, many = false) {
     this.length = length;
     const sides = many ? 3 : 12;
-    this.shafts = new Instances(new THREE.CylinderGeometry(1, 1, 1, many ? 3 : 8, 1, many).translate(0, -0.5, 0), colour);
-    this.heads = new Instances(new THREE.ConeGeometry(1, 1, sides, 1, many).translate(0, -0.5, 0), colour);
+    this.shafts = new Instances(
+      new THREE.CylinderGeometry(1, 1, 1, many ? 3 : 8, 1, many).translate(0, -0.5, 0),
+      colour,
+    );
+    this.heads = new Instances(
+      new THREE.ConeGeometry(1, 1, sides, 1, many).translate(0, -0.5, 0),
+      colour,
+    );
     this.arcs = new Instances(arc(), colour);
     this.labels = [];
   }
@@ -118,9 +148,15 @@ class Arrows {
     const size = Math.hypot(...force);
     if (!(size > 1e-6 * largest)) return null;
     const direction = unit(force);
-    const length = this.length * (0.25 + (0.75 * size) / largest), head = 0.24 * this.length;
+    const length = this.length * (0.25 + (0.75 * size) / largest),
+      head = 0.24 * this.length;
     const tail = tip.map((x, k) => x - length * direction[k]);
-    this.shafts.add(tip.map((x, k) => x - 0.8 * head * direction[k]), direction, length - 0.8 * head, 0.028 * this.length);
+    this.shafts.add(
+      tip.map((x, k) => x - 0.8 * head * direction[k]),
+      direction,
+      length - 0.8 * head,
+      0.028 * this.length,
+    );
     this.heads.add(tip, direction, head, 0.1 * this.length);
     if (text) this.labels.push({ place: tail, text });
     return tail;
@@ -164,12 +200,15 @@ function wrenches(table) {
 
 function addNodal(arrows, table, model, units) {
   const { forces, moments } = wrenches(table);
-  const force = largestOf(forces), moment = largestOf(moments);
+  const force = largestOf(forces),
+    moment = largestOf(moments);
   const labelled = table.rows <= 60;
   for (let row = 0; row < table.rows; ++row) {
     const place = model.place(model.nodeAt.get(table.column("node").cell(row)));
-    const f = Array.from(forces.subarray(3 * row, 3 * row + 3)), m = Array.from(moments.subarray(3 * row, 3 * row + 3));
-    const text = (values, unitName) => (labelled ? `${short(Math.hypot(...values))}${unitName ? ` ${unitName}` : ""}` : null);
+    const f = Array.from(forces.subarray(3 * row, 3 * row + 3)),
+      m = Array.from(moments.subarray(3 * row, 3 * row + 3));
+    const text = (values, unitName) =>
+      labelled ? `${short(Math.hypot(...values))}${unitName ? ` ${unitName}` : ""}` : null;
     arrows.force(place, f, force, text(f, units.named ? units.force : ""));
     arrows.moment(place, m, moment, text(m, units.named ? units.moment : ""));
   }
@@ -177,18 +216,29 @@ function addNodal(arrows, table, model, units) {
 
 /** Loads along beams as rows of arrows whose tails a line connects. */
 function addLinear(arrows, report, model, group, length) {
-  const beams = unpack(report.loads.beams), q = unpack(report.loads.q);
-  const largest = largestOf(q), outline = [];
+  const beams = unpack(report.loads.beams),
+    q = unpack(report.loads.q);
+  const largest = largestOf(q),
+    outline = [];
   const unitName = model.units.named ? ` ${model.units.forcePerLength}` : "";
   beams.forEach((element, i) => {
     const load = Array.from(q.subarray(3 * i, 3 * i + 3));
-    const a = model.place(model.node(element, 0)), b = model.place(model.node(element, 1));
-    const count = beams.length > 2000 ? 1 : Math.max(2, Math.min(12, Math.round(model.lengthOf(element) / (0.55 * length))));
+    const a = model.place(model.node(element, 0)),
+      b = model.place(model.node(element, 1));
+    const count =
+      beams.length > 2000
+        ? 1
+        : Math.max(2, Math.min(12, Math.round(model.lengthOf(element) / (0.55 * length))));
     let last = null;
     for (let k = 0; k <= count; ++k) {
       const tip = a.map((x, c) => x + (k / count) * (b[c] - x));
       const middle = beams.length <= 60 && k === count >> 1;
-      const tail = arrows.force(tip, load, largest, middle ? short(Math.hypot(...load)) + unitName : null);
+      const tail = arrows.force(
+        tip,
+        load,
+        largest,
+        middle ? short(Math.hypot(...load)) + unitName : null,
+      );
       if (last && tail) outline.push(...last, ...tail);
       last = tail;
     }
@@ -204,13 +254,15 @@ function addLinear(arrows, report, model, group, length) {
  * many nodes only at some.
  */
 export function loadSymbols(report, model, length) {
-  const nodal = new Arrows(LOAD, length), linear = new Arrows(LOAD, 0.6 * length);
+  const nodal = new Arrows(LOAD, length),
+    linear = new Arrows(LOAD, 0.6 * length);
   const crowd = Math.min(1, 18 / Math.sqrt(Math.min(model.nodeCount, MOST_SURFACE_ARROWS)));
   const surface = new Arrows(LOAD, 0.55 * crowd * length, true);
   const group = new THREE.Group();
   if (report.table("nodal_loads")) addNodal(nodal, report.table("nodal_loads"), model, model.units);
   addLinear(linear, report, model, group, 0.6 * length);
-  const forces = unpack(report.loads.surfaces), largest = largestOf(forces);
+  const forces = unpack(report.loads.surfaces),
+    largest = largestOf(forces);
   const step = Math.ceil(model.nodeCount / MOST_SURFACE_ARROWS);
   for (let node = 0; largest > 0 && node < model.nodeCount; node += step) {
     surface.force(model.place(node), Array.from(forces.subarray(3 * node, 3 * node + 3)), largest);

@@ -2,28 +2,44 @@
 
 import { format, h } from "./dom.js";
 
-const ROW = 25, SPARE = 8;
+const ROW = 25,
+  SPARE = 8;
 
 const TITLES = {
-  nodes: "Nodes", elements: "Elements", materials: "Materials", supports: "Supports",
-  nodal_loads: "Nodal loads", element_loads: "Element loads", displacements: "Displacements",
-  reactions: "Reactions", beam_diagrams: "Beam diagrams", beam_end_forces: "Beam end forces",
-  shell_forces: "Shell forces", stresses: "Stresses",
+  nodes: "Nodes",
+  elements: "Elements",
+  materials: "Materials",
+  supports: "Supports",
+  nodal_loads: "Nodal loads",
+  element_loads: "Element loads",
+  displacements: "Displacements",
+  reactions: "Reactions",
+  beam_diagrams: "Beam diagrams",
+  beam_end_forces: "Beam end forces",
+  shell_forces: "Shell forces",
+  stresses: "Stresses",
 };
 
 export const titleOf = (table) => TITLES[table.name] ?? table.name;
 
 /** A heading: name and unit. */
-export const headOf = (column) => [column.name.replaceAll("_", " "), column.unit ? h("small", {}, column.unit) : null];
+export const headOf = (column) => [
+  column.name.replaceAll("_", " "),
+  column.unit ? h("small", {}, column.unit) : null,
+];
 
 /** Places of the rows in the order of a column; empty cells at the end. */
 export function sortedRows(column, rows, descending) {
   const order = Uint32Array.from({ length: rows }, (_, i) => i);
   const sign = descending ? -1 : 1;
-  if (column.words) return order.sort((a, b) => sign * String(column.cell(a)).localeCompare(String(column.cell(b))) || a - b);
+  if (column.words)
+    return order.sort(
+      (a, b) => sign * String(column.cell(a)).localeCompare(String(column.cell(b))) || a - b,
+    );
   const values = Float64Array.from({ length: rows }, (_, i) => column.cell(i) ?? NaN);
   return order.sort((a, b) => {
-    if (Number.isNaN(values[a]) || Number.isNaN(values[b])) return Number.isNaN(values[a]) - Number.isNaN(values[b]) || a - b;
+    if (Number.isNaN(values[a]) || Number.isNaN(values[b]))
+      return Number.isNaN(values[a]) - Number.isNaN(values[b]) || a - b;
     return sign * (values[a] - values[b]) || a - b;
   });
 }
@@ -33,16 +49,34 @@ export class TableView {
   constructor(tables, onrow) {
     this.tables = tables;
     this.onrow = onrow;
-    this.tabs = h("div", { class: "tabs", role: "tablist" }, tables.map((table) =>
-      h("button", { role: "tab", "data-table": table.name, onclick: () => this.open(table) },
-        titleOf(table), h("small", {}, format(table.rows)))));
-    this.search = h("input", { type: "search", placeholder: "number", "aria-label": "number of a node or element" });
+    this.tabs = h(
+      "div",
+      { class: "tabs", role: "tablist" },
+      tables.map((table) =>
+        h(
+          "button",
+          { role: "tab", "data-table": table.name, onclick: () => this.open(table) },
+          titleOf(table),
+          h("small", {}, format(table.rows)),
+        ),
+      ),
+    );
+    this.search = h("input", {
+      type: "search",
+      placeholder: "number",
+      "aria-label": "number of a node or element",
+    });
     this.search.addEventListener("input", () => this.arrange());
     this.head = h("thead");
     this.body = h("tbody");
     this.scroller = h("div", { class: "rows" }, h("table", {}, this.head, this.body));
     this.scroller.addEventListener("scroll", () => this.drawRows());
-    this.element = h("div", { class: "tables" }, h("div", { class: "tablebar" }, this.tabs, this.search), this.scroller);
+    this.element = h(
+      "div",
+      { class: "tables" },
+      h("div", { class: "tablebar" }, this.tabs, this.search),
+      this.scroller,
+    );
     this.open(tables.find((table) => table.name === "reactions") ?? tables[0]);
   }
 
@@ -51,7 +85,8 @@ export class TableView {
     this.sortedBy = null;
     this.descending = false;
     this.search.value = "";
-    for (const tab of this.tabs.children) tab.setAttribute("aria-selected", tab.dataset.table === table.name);
+    for (const tab of this.tabs.children)
+      tab.setAttribute("aria-selected", tab.dataset.table === table.name);
     this.scroller.scrollTop = 0;
     this.arrange();
   }
@@ -72,11 +107,26 @@ export class TableView {
     const wanted = this.search.value.trim();
     if (wanted) {
       const keys = columns.filter((column) => /^(node|element|material)\d*$/.test(column.name));
-      this.order = this.order.filter((row) => keys.some((column) => String(column.cell(row)) === wanted));
+      this.order = this.order.filter((row) =>
+        keys.some((column) => String(column.cell(row)) === wanted),
+      );
     }
-    const mark = (column) => (column !== this.sortedBy ? null : this.descending ? " \u25be" : " \u25b4");
-    this.head.replaceChildren(h("tr", {}, columns.map((column) =>
-      h("th", { onclick: () => this.sortBy(column), class: column.words ? "word" : "" }, headOf(column), mark(column)))));
+    const mark = (column) =>
+      column !== this.sortedBy ? null : this.descending ? " \u25be" : " \u25b4";
+    this.head.replaceChildren(
+      h(
+        "tr",
+        {},
+        columns.map((column) =>
+          h(
+            "th",
+            { onclick: () => this.sortBy(column), class: column.words ? "word" : "" },
+            headOf(column),
+            mark(column),
+          ),
+        ),
+      ),
+    );
     this.drawRows();
   }
 
@@ -110,11 +160,39 @@ function cellsOf(table, row) {
 
 /** All tables with at most `most` rows, for the printer; of the others only a note. */
 export function printedTables(tables, most) {
-  const short = tables.filter((table) => table.rows <= most), long = tables.filter((table) => table.rows > most);
-  const whole = (table) => h("section", { class: "printed" }, h("h3", {}, titleOf(table)),
-    h("table", {}, h("thead", {}, h("tr", {}, table.columns.map((column) => h("th", {}, headOf(column))))),
-      h("tbody", {}, Array.from({ length: table.rows }, (_, row) => h("tr", {}, cellsOf(table, row))))));
-  const note = long.length === 0 ? null : h("p", {},
-    `Tables with more than ${most} rows are not printed: ${long.map((table) => `${titleOf(table)} (${table.rows})`).join(", ")}.`);
+  const short = tables.filter((table) => table.rows <= most),
+    long = tables.filter((table) => table.rows > most);
+  const whole = (table) =>
+    h(
+      "section",
+      { class: "printed" },
+      h("h3", {}, titleOf(table)),
+      h(
+        "table",
+        {},
+        h(
+          "thead",
+          {},
+          h(
+            "tr",
+            {},
+            table.columns.map((column) => h("th", {}, headOf(column))),
+          ),
+        ),
+        h(
+          "tbody",
+          {},
+          Array.from({ length: table.rows }, (_, row) => h("tr", {}, cellsOf(table, row))),
+        ),
+      ),
+    );
+  const note =
+    long.length === 0
+      ? null
+      : h(
+          "p",
+          {},
+          `Tables with more than ${most} rows are not printed: ${long.map((table) => `${titleOf(table)} (${table.rows})`).join(", ")}.`,
+        );
   return h("div", { class: "print-only" }, short.map(whole), note);
 }

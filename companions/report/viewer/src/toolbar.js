@@ -1,0 +1,100 @@
+// The controls above the view. Each sets something in the report's view and draws it anew.
+
+import { DIAGRAMS } from "./diagrams.js";
+import { checkbox, h, select } from "./dom.js";
+
+const SPACE_LOOKS = [
+  ["iso", "3D"],
+  ["front", "XZ"],
+  ["side", "YZ"],
+  ["top", "XY"],
+];
+const PLANE_LOOKS = [["top", "Fit"]];
+
+const tool = (text, ...parts) => h("label", { class: "tool" }, h("span", {}, text), parts);
+
+function range(id, attributes, oninput) {
+  const input = h("input", { type: "range", id, ...attributes });
+  input.addEventListener("input", oninput);
+  return input;
+}
+
+function fieldGroups(fields) {
+  const names = [...new Set(fields.map(({ group }) => group))];
+  return names.map((label) => ({
+    label,
+    options: fields.filter(({ group }) => group === label).map((field) => [field.id, field.label]),
+  }));
+}
+
+export class Toolbar {
+  constructor(view) {
+    const { model, report } = view;
+    const diagrams = Object.entries(DIAGRAMS).filter(([name]) => model.diagrams?.column(name));
+    this.colours = select("colours", [["", "none"], ...fieldGroups(view.fields)], () =>
+      view.colour(),
+    );
+    this.smooth = checkbox("smooth", "smooth", true, () => view.colour());
+    this.diagram = select(
+      "diagram",
+      [["", "none"], ...diagrams.map(([name, { title }]) => [name, title])],
+      () => view.showDiagram(),
+    );
+    this.diagramSize = range(
+      "diagram-size",
+      { min: 0.1, max: 3, step: 0.05, value: 1, "aria-label": "size of the diagram" },
+      () => view.showDiagram(),
+    );
+    this.directions = select(
+      "directions",
+      [
+        ["", "none"],
+        ["N", "membrane forces"],
+        ["M", "moments"],
+      ],
+      () => view.showDirections(),
+    );
+    this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () =>
+      view.deform(),
+    );
+    this.factor = h("output", { id: "factor" });
+    this.element = h(
+      "div",
+      { class: "toolbar" },
+      tool("Colours", this.colours, report.table("shell_forces") ? this.smooth : null),
+      diagrams.length ? tool("Diagram", this.diagram, this.diagramSize) : null,
+      report.table("shell_forces") ? tool("Principal", this.directions) : null,
+      tool("Deformed", this.deformation, this.factor),
+      h("span", { class: "tool" }, this.symbolChecks(view), this.meshChecks(view)),
+      h(
+        "span",
+        { class: "tool looks" },
+        (model.plane ? PLANE_LOOKS : SPACE_LOOKS).map(([name, text]) =>
+          h("button", { "data-look": name, onclick: () => view.stage.look(name) }, text),
+        ),
+      ),
+    );
+  }
+
+  symbolChecks(view) {
+    const symbol = (name, shown) => checkbox(name, name, shown, (on) => view.showSymbols(name, on));
+    return [
+      symbol("supports", true),
+      symbol("loads", true),
+      symbol("reactions", false),
+      checkbox("numbers", "numbers", false, (on) => view.showNumbers(on)),
+    ];
+  }
+
+  meshChecks(view) {
+    const { meshes } = view.report.model;
+    if (meshes < 2) return [];
+    return Array.from({ length: meshes }, (_, i) =>
+      checkbox(`mesh${i + 1}`, `mesh ${i + 1}`, true, (on) => view.showMesh(i, on)),
+    );
+  }
+
+  get isSmooth() {
+    return this.smooth.querySelector("input").checked;
+  }
+}

@@ -142,6 +142,7 @@ function memberPanel(report, model, element) {
   const table = report.table("elements");
   const nodes = [0, 1].map((i) => model.nodeNumbers[model.node(element, i)]);
   const length = model.lengthOf(element);
+  const lengthUnit = units.named ? units.length : "";
   const readout = h("div", { class: "readout" }, "Move over a diagram for its values.");
   const diagrams = diagramsOf(model, element);
   const drawn = diagrams.map((diagram) => ({ diagram, ...drawDiagram(diagram) }));
@@ -151,7 +152,7 @@ function memberPanel(report, model, element) {
       cursor.setAttribute("x2", x(i));
       cursor.setAttribute("visibility", "visible");
     }
-    const place = withUnit((i / (model.points - 1)) * length, units.length, 4);
+    const place = withUnit((i / (model.points - 1)) * length, lengthUnit, 4);
     readout.textContent = [
       `x\u2032 = ${place}`,
       ...diagrams.map(({ name, values }) => `${name} = ${format(values[i], 5)}`),
@@ -168,7 +169,7 @@ function memberPanel(report, model, element) {
       "table",
       { class: "facts pairs" },
       fact("Nodes", `${nodes[0]} (end 1) to ${nodes[1]} (end 2)`),
-      fact("Length", withUnit(length, units.length)),
+      fact("Length", withUnit(length, lengthUnit)),
       fact("Material", format(table.column("material").cell(element))),
       fact("Ends", hinges(table.column("hinge_code").cell(element))),
     ),

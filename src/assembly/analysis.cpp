@@ -6,6 +6,7 @@
 #include "assembly/support_axes.h"
 #include "base/array_size.h"
 #include "base/errorwriter.h"
+#include "base/read_observer.h"
 #include "base/stprintf.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -23,12 +24,16 @@ namespace {
 // From this number of equations on, the automatic choice is the sparse solver.
 constexpr int kSparseFrom = 15000;
 
+void RequireLength(const Elem& beam)
+{
+  if (!(dist2(beam(0), beam(1)) > 0.0))
+    Fatal("error: element ", beam.Num(), " has no length\n");
+}
+
 void CheckLengths(const Mesh& beams)
 {
-  for (const Elem& elem : Each<Elem>(*beams.GiveElemPlex())) {
-    if (!(dist2(elem(0), elem(1)) > 0.0))
-      Fatal("error: element ", elem.Num(), " has no length\n");
-  }
+  for (const Elem& elem : Each<Elem>(*beams.GiveElemPlex()))
+    AttemptOn(ReadItem::Element, elem.Num(), [&] { RequireLength(elem); });
 }
 
 }  // namespace
@@ -110,8 +115,7 @@ void Project::Solve(std::FILE* info)
 void Project::CheckModel() const
 {
   for (const auto& mesh : meshes) {
-    if (FamilyOf(*mesh).spaceOnly && problemType == kPlane)
-      Fatal("error: elements of type ", ElemTypeName(mesh->GiveElemType()), " need a 3d problem\n");
+    Attempt(nullptr, [&] { RequireFamily(*mesh); });
     if (mesh->GiveElemType() == Linear)
       CheckLengths(*mesh);
   }
@@ -119,8 +123,15 @@ void Project::CheckModel() const
   Matriu T;
   for (const auto [number, node] : EachNumbered<Node>(GiveNodes())) {
     if (node.constraint)
-      node.constraint->CalcTransfMatFromEuler(number, T, freeDegrees, 1);
+      AttemptOn(ReadItem::Support, number,
+                [&] { node.constraint->CalcTransfMatFromEuler(number, T, freeDegrees, 1); });
   }
+}
+
+void Project::RequireFamily(const Mesh& mesh) const
+{
+  if (FamilyOf(mesh).spaceOnly && problemType == kPlane)
+    Fatal("error: elements of type ", ElemTypeName(mesh.GiveElemType()), " need a 3d problem\n");
 }
 
 void Project::ChooseSolver()

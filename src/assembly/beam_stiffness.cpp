@@ -9,6 +9,7 @@
 
 #include "base/constants.h"
 #include "base/errorwriter.h"
+#include "base/read_observer.h"
 #include "model/material.h"
 #include "numeric/matriu.h"
 
@@ -38,7 +39,8 @@ struct BeamBlocks
 void Require(double value, const char* what, int elemNumber)
 {
   if (!(value >= EPSILON))
-    Fatal("error: ", what, " is 0 for element ", elemNumber, "\n");
+    AttemptOn(ReadItem::Element, elemNumber,
+              [&] { Fatal("error: ", what, " is 0 for element ", elemNumber, "\n"); });
 }
 
 void CheckValues(const Material& m, int elemNumber, PROBLEMTYPE type)

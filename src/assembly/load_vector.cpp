@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/constants.h"
+#include "base/read_observer.h"
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
@@ -58,45 +59,57 @@ SpanLoad Project::LoadOn(const BeamSpan& beam) const
 void Project::AddLoadsOnBeams(Mesh* mesh)
 {
   Matriu T;
-  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-    const BeamSpan beam = SpanOf(elem, T);
-    const SpanLoad load = LoadOn(beam);
-    if (!load.IsZero())
-      load.AddToLoadVectorBeam(beam, Equation(*elem(0), 1), Equation(*elem(1), 1), displacements);
-  }
+  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
+    AttemptOn(ReadItem::Element, elem.Num(), [&] { AddLoadsOnBeam(elem, T); });
+}
+
+void Project::AddLoadsOnBeam(const Elem& elem, Matriu& T)
+{
+  const BeamSpan beam = SpanOf(elem, T);
+  const SpanLoad load = LoadOn(beam);
+  if (!load.IsZero())
+    load.AddToLoadVectorBeam(beam, Equation(*elem(0), 1), Equation(*elem(1), 1), displacements);
 }
 
 void Project::AddLoadsOnTriangles(Mesh* mesh)
 {
   Matriu T, Tbig;
-  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-    const Material& material = RequireMaterial(elem);
-    const double weight = material.Weight * material.t;
-    const BaseElemLoads* load = Find<BaseElemLoads>(elemLoads, elem.Num());
-    if (!(weight > EPSILON) && !load)
-      continue;
-    elem.CalcTransfMatrixTriangle(T, Tbig, &material);
-    if (weight > EPSILON) {
-      PreassureLT selfWeight(PreassureLT_type::Global);
-      selfWeight.EnterWeight(weight, gravityDirection, problemType);
-      selfWeight.AddToLoadVectorTriangle(elem, T, displacements);
-    }
-    for (; load; load = load->Next())
-      load->AddToLoadVectorTriangle(elem, T, displacements);
+  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
+    AttemptOn(ReadItem::Element, elem.Num(), [&] { AddLoadsOnTriangle(elem, T, Tbig); });
+}
+
+void Project::AddLoadsOnTriangle(const Elem& elem, Matriu& T, Matriu& Tbig)
+{
+  const Material& material = RequireMaterial(elem);
+  const double weight = material.Weight * material.t;
+  const BaseElemLoads* load = Find<BaseElemLoads>(elemLoads, elem.Num());
+  if (!(weight > EPSILON) && !load)
+    return;
+  elem.CalcTransfMatrixTriangle(T, Tbig, &material);
+  if (weight > EPSILON) {
+    PreassureLT selfWeight(PreassureLT_type::Global);
+    selfWeight.EnterWeight(weight, gravityDirection, problemType);
+    selfWeight.AddToLoadVectorTriangle(elem, T, displacements);
   }
+  for (; load; load = load->Next())
+    load->AddToLoadVectorTriangle(elem, T, displacements);
 }
 
 void Project::AddLoadsOnTetras(Mesh* mesh)
 {
-  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-    const double weight = RequireMaterial(elem).Weight;
-    if (weight > EPSILON) {
-      PreassureLT selfWeight(PreassureLT_type::Global);
-      selfWeight.EnterWeight(weight, gravityDirection, kSpace);  // whatever the header says
-      selfWeight.AddToLoadVectorTetra(elem, displacements);
-    }
-    for (const BaseElemLoads* load = Find<BaseElemLoads>(elemLoads, elem.Num()); load;
-         load = load->Next())
-      load->AddToLoadVectorTetra(elem, displacements);
+  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
+    AttemptOn(ReadItem::Element, elem.Num(), [&] { AddLoadsOnTetra(elem); });
+}
+
+void Project::AddLoadsOnTetra(const Elem& elem)
+{
+  const double weight = RequireMaterial(elem).Weight;
+  if (weight > EPSILON) {
+    PreassureLT selfWeight(PreassureLT_type::Global);
+    selfWeight.EnterWeight(weight, gravityDirection, kSpace);  // whatever the header says
+    selfWeight.AddToLoadVectorTetra(elem, displacements);
   }
+  for (const BaseElemLoads* load = Find<BaseElemLoads>(elemLoads, elem.Num()); load;
+       load = load->Next())
+    load->AddToLoadVectorTetra(elem, displacements);
 }

@@ -7,9 +7,11 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
+#include "base/read_observer.h"
 
 namespace {
 
@@ -108,6 +110,7 @@ const std::string& TextScan::ReadRestOfLine()
   const char* start = next;
   SkipLine();
   const char* stop = (next != start && next[-1] == '\n') ? next - 1 : next;
+  lineStart = start;
   line.assign(start, std::min(static_cast<std::size_t>(stop - start), kLimit));
   return line;
 }
@@ -143,27 +146,47 @@ int TextScan::TakeOutSpaces()
 
 TextScan::Place TextScan::Where() const
 {
-  const char* lineStart = begin;
+  const char* start = begin;
   int lines = 1;
-  while (const void* newline =
-             std::memchr(lineStart, '\n', static_cast<std::size_t>(next - lineStart))) {
-    lineStart = static_cast<const char*>(newline) + 1;
+  while (const void* newline = std::memchr(start, '\n', static_cast<std::size_t>(next - start))) {
+    start = static_cast<const char*>(newline) + 1;
     ++lines;
   }
-  return {lines, static_cast<int>(next - lineStart) + 1};
+  return {lines, static_cast<int>(next - start) + 1};
+}
+
+std::string_view TextScan::LineAhead() const
+{
+  return {next, std::find(next, end, '\n')};
+}
+
+std::ptrdiff_t TextScan::OffsetOf(const char* place) const
+{
+  const std::less_equal<> before;
+  if (before(begin, place) && before(place, end))
+    return place - begin;
+  if (lineStart && before(line.data(), place) && before(place, line.data() + line.size()))
+    return lineStart - begin + (place - line.data());
+  return -1;
 }
 
 void FindThisWord(TextScan& text, const char* word)
 {
+  const char* const from = text.Here();
   for (;;) {
     const std::string_view found = text.ReadWord();
-    if (text.AtEnd())
+    if (text.AtEnd()) {
+      Note(ReadEvent::SearchFailed, {from, text.Here()}, word);
       Fatal("can't find word ***", word, "*** in input file\n");
+    }
     std::string lower(found);
     std::transform(lower.begin(), lower.end(), lower.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    if (lower.find(word) != std::string::npos)
-      return;
+    if (lower.find(word) == std::string::npos)
+      continue;
+    Note(ReadEvent::SkippedText, {from, found.data()}, word);
+    Note(ReadEvent::WordPart, found, word);
+    return;
   }
 }
 
@@ -207,6 +230,12 @@ std::string_view ItemScanner::Token(std::string_view skipped, std::string_view e
   const std::string_view token = rest.substr(start, stop - start);
   rest.remove_prefix(stop);
   return token;
+}
+
+double NumberOfItem(std::string_view value)
+{
+  NoteNumber(value);
+  return ToDouble(std::string(value).c_str());
 }
 
 int EulerIndex(std::string_view key)

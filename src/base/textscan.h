@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -52,6 +53,12 @@ public:
   int TakeOutSpaces();
 
   Place Where() const;
+  /// The place reached, and the rest of its line without the newline: views of the text.
+  const char* Here() const { return next; }
+  std::string_view LineAhead() const;
+  /// Bytes from the beginning of the text to a place in it or in the line that ReadRestOfLine
+  /// has given last; -1 for other places.
+  std::ptrdiff_t OffsetOf(const char* place) const;
 
 private:
   void SkipWhite();
@@ -60,6 +67,7 @@ private:
   const char* next;
   const char* end;
   std::string line;
+  const char* lineStart = nullptr;  ///< of `line` in the text
 };
 
 /// Reads words up to and including the first that contains `word` (lower case),
@@ -106,6 +114,9 @@ private:
 
   std::string_view rest;
 };
+
+/// The number that the value of an item begins with; 0 when there is none.
+double NumberOfItem(std::string_view value);
 
 /// One item of a record that gives an Euler angle: "Euler1" to "Euler3" in any
 /// case gives 0 to 2, another key that begins with "Euler" is fatal, others give -1.

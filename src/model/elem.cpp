@@ -6,11 +6,36 @@
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
+#include "base/read_observer.h"
 #include "base/textscan.h"
 #include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
+
+namespace {
+
+// Nodes missing in a line are taken from the next one.
+void NoteElementNodes(const char* from, const TextScan& text)
+{
+  const std::string_view numbers(from, text.Here());
+  if (readObserver && numbers.find('\n') != std::string_view::npos)
+    Note(ReadEvent::LineBreak, numbers);
+}
+
+// A leading 0 makes it octal or hexadecimal, other characters end it.
+void NoteMaterialNumber(std::string_view item)
+{
+  if (!readObserver || item.empty())
+    return;
+  const std::size_t digits = std::min(item.find_first_not_of("0123456789"), item.size());
+  if (item[0] == '0' && item.size() > 1)
+    Note(ReadEvent::NotDecimal, item);
+  else if (item.substr(digits).find_first_not_of("\r") != std::string_view::npos)
+    Note(ReadEvent::NumberPart, item);
+}
+
+}  // namespace
 
 const char* ElemTypeName(ElemType type)
 {
@@ -166,6 +191,7 @@ int Elem::ReadFromAscii(TextScan& text, const VoidPlex* nodePlex, const Units* u
 {
   if (!text.ReadInt(number))
     return 0;
+  const char* const from = text.Here();
   int numbers[2] = {0, 0};
   for (int i = 0; i < nodes.Size(); ++i) {
     int n = 0;
@@ -174,6 +200,7 @@ int Elem::ReadFromAscii(TextScan& text, const VoidPlex* nodePlex, const Units* u
     nodes[i] = Find<Node>(*nodePlex, n);
     numbers[std::min(i, 1)] = n;
   }
+  NoteElementNodes(from, text);
   if (nodes.Size() == 2 && numbers[0] == numbers[1])
     Fatal("error: element: ", number, "  have both nodes equal\n");
   if (!text.ReadLastNumber(materialNumber))
@@ -187,6 +214,7 @@ void Elem::ReadMaterial(const char* text, const Units* units)
   text += std::strspn(text, kDelimiters);
   const char* item = text;
   text += std::strcspn(text, kDelimiters);
+  NoteMaterialNumber({item, text});
   ScanInt(item, materialNumber, 0, 0);
   if (*text)
     ++text;  // the delimiter

@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include "base/errorwriter.h"
+#include "base/read_observer.h"
 #include "model/material.h"
 #include "numeric/matriu.h"
 
@@ -8,9 +9,9 @@
 
 namespace {
 
-[[noreturn]] void Refuse(int elemNumber, const char* text)
+void Refuse(int elemNumber, const char* text)
 {
-  Fatal("error in element ", elemNumber, text);
+  AttemptOn(ReadItem::Element, elemNumber, [&] { Fatal("error in element ", elemNumber, text); });
 }
 
 void RequirePositive(double value, int elemNumber, const char* text)

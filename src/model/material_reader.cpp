@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "base/errorwriter.h"
-#include "base/number_text.h"
+#include "base/read_observer.h"
 #include "base/textscan.h"
 #include "model/material.h"
 #include "model/units.h"
@@ -62,6 +62,7 @@ constexpr KeyRule kRules[] = {
     {kBeginning, "E", {}, 0, 0, nullptr, kNoYoung},
     {kBeginning, "Iy", {&M::Iy}, 0, 4},
     {kBeginning, "Ix", {}, 0, 0, nullptr, kNoInertia},
+    {kWhole, "Iz", {&M::Iz}, 0, 4},
     {kBeginning, "I", {&M::Iz}, 0, 4},
     {kBeginning, "Gxy", {&M::Gxy}, 1, -2},
     {kBeginning, "Gxz", {&M::Gxz}, 1, -2},
@@ -93,6 +94,8 @@ const KeyRule& RequireRule(std::string_view key)
     Fatal("Input of materials not correct. Unknown char: '", key, "'\n");
   if (rule->refusal)
     Fatal(rule->refusal);
+  if (key.size() > rule->key.size())
+    Note(ReadEvent::Prefix, key, rule->key);
   return *rule;
 }
 
@@ -131,11 +134,11 @@ int Material::ReadFromAsciiNoNum(std::string_view text, const Units* units)
   ItemScanner items(text);
   int result = -1;
   for (std::string_view key = items.Key(); !key.empty(); key = items.Key()) {
-    const std::string valueText(items.Value());
+    const std::string_view valueText = items.Value();
     result = valueText.empty() ? 0 : 1;
     if (result == 0)
       break;
-    const double value = ToDouble(valueText.c_str());
+    const double value = HasPrefix(key, "units") ? 0.0 : NumberOfItem(valueText);
     if (const int angle = EulerIndex(key); angle >= 0) {
       eulerGiven = 1;
       Euler[angle] = value;

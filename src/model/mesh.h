@@ -72,8 +72,11 @@ public:
 
 private:
   void ReadNodes(TextScan& text, double lengthFactor);
+  void RequireAllNumbers(int count) const;
+  bool ReadNode(TextScan& text, double lengthFactor);
   void StoreNode(std::unique_ptr<Node> node);
   void ReadElems(TextScan& text, const Units* units);
+  bool ReadElem(TextScan& text, const Units* units);
 
   int word = 0;  ///< kept 0
   int ndime;

@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include "base/errorwriter.h"
+#include "base/read_observer.h"
 #include "base/textscan.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -14,8 +15,10 @@ namespace {
 int ReadIntBehind(TextScan& text, const char* keyword)
 {
   FindThisWord(text, keyword);
+  const char* const from = text.Here();
   if (!text.FindDigit())
     Fatal("end of file and no digit found\n");
+  Note(ReadEvent::SkippedText, {from, text.Here()}, "digit");
   int value = 0;
   return text.ReadInt(value) ? value : 0;
 }
@@ -41,8 +44,11 @@ ElemType FindType(TextScan& text)
       {"l", Linear}, {"h", Hexahedra}, {"q", Quadrilateral}, {"tr", Triangle}, {"te", Tetrahedra}};
   const std::string_view word = text.ReadWord();
   for (const auto& candidate : words) {
-    if (HasPrefix(word, candidate.beginning))
-      return candidate.type;
+    if (!HasPrefix(word, candidate.beginning))
+      continue;
+    if (!EqualsNoCase(word, ElemTypeName(candidate.type)))
+      Note(ReadEvent::Prefix, word, ElemTypeName(candidate.type));
+    return candidate.type;
   }
   Fatal("ElemType must be: Linear,Triangle,Quadrilateral, Tetrahedra or Hexahedra\n");
 }
@@ -69,13 +75,16 @@ void Mesh::ReadNodes(TextScan& text, double lengthFactor)
   int count = 0;
   for (;; ++count) {
     SkipComments(text);
-    auto node = std::make_unique<Node>(ndime);
-    if (!node->ReadFromAscii(text))
+    bool more = true;
+    Attempt(&text, [&] { more = ReadNode(text, lengthFactor); });
+    if (!more)
       break;
-    *node *= lengthFactor;
-    RequireFinite(*node);
-    StoreNode(std::move(node));
   }
+  Attempt(nullptr, [&] { RequireAllNumbers(count); });
+}
+
+void Mesh::RequireAllNumbers(int count) const
+{
   if (nodes->Last() == 0)
     Fatal("error: list of nodes does not contain any node\n");
   const bool gaps = nodes->Count() != nodes->Last();
@@ -83,11 +92,23 @@ void Mesh::ReadNodes(TextScan& text, double lengthFactor)
     Fatal("error: list of nodes does not contain all numbers\n");
 }
 
+bool Mesh::ReadNode(TextScan& text, double lengthFactor)
+{
+  auto node = std::make_unique<Node>(ndime);
+  if (!node->ReadFromAscii(text))
+    return false;
+  *node *= lengthFactor;
+  RequireFinite(*node);
+  StoreNode(std::move(node));
+  return true;
+}
+
 // A node listed again, by this mesh or an earlier one, only moves: elements, supports
 // and loads that point at it stay right.
 void Mesh::StoreNode(std::unique_ptr<Node> node)
 {
   const int number = node->number;
+  NoteStored(ReadItem::Node, number);
   if (Node* known = Find<Node>(*nodes, number))
     known->MoveTo(*node);
   else
@@ -98,11 +119,21 @@ void Mesh::ReadElems(TextScan& text, const Units* units)
 {
   for (;;) {
     SkipComments(text);
-    auto elem = std::make_unique<Elem>(this, nullptr);
-    if (!elem->ReadFromAscii(text, nodes, units))
+    bool more = true;
+    Attempt(&text, [&] { more = ReadElem(text, units); });
+    if (!more)
       return;
-    std::unique_ptr<Elem> replaced(Find<Elem>(*elems, elem->Num()));
-    elems->replace_at(elem->Num(), elem.get());
-    elem.release();
   }
+}
+
+bool Mesh::ReadElem(TextScan& text, const Units* units)
+{
+  auto elem = std::make_unique<Elem>(this, nullptr);
+  if (!elem->ReadFromAscii(text, nodes, units))
+    return false;
+  std::unique_ptr<Elem> replaced(Find<Elem>(*elems, elem->Num()));
+  elems->replace_at(elem->Num(), elem.get());
+  NoteStored(ReadItem::Element, elem->Num());
+  elem.release();
+  return true;
 }

@@ -3,16 +3,19 @@
 #include <algorithm>
 #include <iomanip>
 
+#include "base/read_observer.h"
 #include "base/textscan.h"
 
 int Node::ReadFromAscii(TextScan& text)
 {
   if (!text.ReadInt(number))
     return 0;
+  const char* const from = text.Here();
   for (int i = 1; i <= Size(); ++i) {
     if (!text.ReadDouble((*this)(i)))
       return 0;
   }
+  NoteRecordEnd(from, text);
   text.SkipLine();
   return 1;
 }

@@ -5,6 +5,7 @@
 
 #include "base/constants.h"
 #include "base/errorwriter.h"
+#include "base/read_observer.h"
 
 namespace {
 
@@ -61,6 +62,7 @@ const UnitsBase* Units::GiveUnitsBase(std::string_view name) const
                        [](const UnitsBase& base, std::string_view key) { return base.name < key; });
   if (found == bases.end() || found->name != name)
     Fatal("error: Unit name '", name, "' has not been previously defined\n");
+  Note(ReadEvent::UnitsUsed, found->name);
   return &*found;
 }
 
@@ -81,5 +83,6 @@ const UnitsBase* Units::GiveUnitsBaseFromLength(std::string_view name) const
                                   [name](const UnitsBase& base) { return base.nameM == name; });
   if (found == bases.end())
     Fatal("error: Unit length name '", name, "' has not been previously defined\n");
+  Note(ReadEvent::UnitsUsed, found->name);
   return &*found;
 }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/errorwriter.h"
+#include "base/read_observer.h"
 #include "numeric/plex_range.h"
 #include "problem/elem_loads.h"
 #include "problem/pressure_load.h"
@@ -67,14 +68,17 @@ int Project::ReadElemLoad(TextScan& text, std::string_view word)
   if (!make)
     return -1;
   // No comments here: a '#' is one more word that is no number.
-  for (int number = 0; text.ReadInt(number);) {
-    const Elem* elem = GiveElem(number);
-    if (!elem)
-      Fatal("error: trying to assign load to element number ", number, " and it does not exist\n");
-    std::unique_ptr<BaseElemLoads> load = make();
-    load->ReadYourLoad(number, problemType, text.ReadRestOfLine().c_str(), *this, elem->ElemType());
-    Attach(elemLoads, number, std::move(load));
-  }
+  for (int number = 0; text.ReadInt(number);)
+    Attempt(&text, [&] { ReadOneLoad(text, number, make()); });
   SkipBlockEnd(text);
   return 0;
+}
+
+void Project::ReadOneLoad(TextScan& text, int number, std::unique_ptr<BaseElemLoads> load)
+{
+  const Elem* elem = GiveElem(number);
+  if (!elem)
+    Fatal("error: trying to assign load to element number ", number, " and it does not exist\n");
+  load->ReadYourLoad(number, problemType, text.ReadRestOfLine().c_str(), *this, elem->ElemType());
+  Attach(elemLoads, number, std::move(load));
 }

@@ -4,6 +4,7 @@
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
+#include "base/read_observer.h"
 #include "problem/beam_span.h"
 
 // One load after the other: a long chain must not nest its destructors.
@@ -25,6 +26,7 @@ void TemperatureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE, const char* text, 
 {
   if (!ScanDouble(text, values[0]) || !ScanDouble(text, values[1]))
     Fatal("Not reading correctly temperature_loads. ElemNum=", elemNumber, "\n");
+  Note(ReadEvent::LineTail, text);
 }
 
 void TemperatureLT::AddToSpanLoad(const BeamSpan&, SpanLoad& load) const

@@ -4,6 +4,7 @@
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
+#include "base/read_observer.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -41,37 +42,46 @@ int Project::GiveHingeCode(int elemNumber) const
 
 void Project::ReadFARotules(TextScan& text)
 {
-  for (int number = 0; ReadRecordNumber(text, number);) {
-    Node* node = FindNode(number);
-    if (!node)
-      Fatal("error: Trying to assign rotule to unknown node\n");
-    node->hasRotule = true;
-    hasHinges = true;
-    if (text.ReadRestOfLine().empty())
-      Fatal("Not reading correctly the rotules. Number=", number, "\n");
-  }
+  for (int number = 0; ReadRecordNumber(text, number);)
+    Attempt(&text, [&] { ReadHinge(text, number); });
   SkipBlockEnd(text);
+}
+
+void Project::ReadHinge(TextScan& text, int number)
+{
+  Node* node = FindNode(number);
+  if (!node)
+    Fatal("error: Trying to assign rotule to unknown node\n");
+  node->hasRotule = true;
+  hasHinges = true;
+  if (text.ReadRestOfLine().empty())
+    Fatal("Not reading correctly the rotules. Number=", number, "\n");
 }
 
 void Project::ReadFARotulesElems(TextScan& text)
 {
-  for (int number = 0; ReadRecordNumber(text, number);) {
-    if (!GiveElem(number))
-      Fatal("error: trying to assign a rotule to element number ", number,
-            " and it does not exist\n");
-    const std::string& line = text.ReadRestOfLine();
-    if (line.empty())
-      Fatal("Not reading correctly the rotules -a-. Number=", number, "\n");
-    int code = 0;
-    const char* p = line.c_str();
-    if (!ScanInt(p, code, 10, 2))
-      Fatal("Not reading correctly the rotules -b-. Number=", number, "\n");
-    if (!IsHingeCode(code))
-      Fatal("error: hinge code of element ", number, " must be 11, 10, 01 or 00\n");
-    hingeCodes[number] = code;
-    hasHinges = true;
-  }
+  for (int number = 0; ReadRecordNumber(text, number);)
+    Attempt(&text, [&] { ReadElemHinges(text, number); });
   SkipBlockEnd(text);
+}
+
+void Project::ReadElemHinges(TextScan& text, int number)
+{
+  if (!GiveElem(number))
+    Fatal("error: trying to assign a rotule to element number ", number,
+          " and it does not exist\n");
+  const std::string& line = text.ReadRestOfLine();
+  if (line.empty())
+    Fatal("Not reading correctly the rotules -a-. Number=", number, "\n");
+  int code = 0;
+  const char* p = line.c_str();
+  if (!ScanInt(p, code, 10, 2))
+    Fatal("Not reading correctly the rotules -b-. Number=", number, "\n");
+  Note(ReadEvent::LineTail, p);
+  if (!IsHingeCode(code))
+    Fatal("error: hinge code of element ", number, " must be 11, 10, 01 or 00\n");
+  hingeCodes[number] = code;
+  hasHinges = true;
 }
 
 void Project::CalcElemsRotules()

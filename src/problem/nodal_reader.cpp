@@ -6,6 +6,7 @@
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
+#include "base/read_observer.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
 #include "problem/constraint.h"
@@ -50,15 +51,17 @@ void ScanItems(const char* tail, const Units& units, bool withAngles, const char
 {
   ItemScanner items(tail);
   for (std::string_view key = items.Key(); !key.empty(); key = items.Key()) {
-    const std::string value(items.Value());
+    const std::string_view value = items.Value();
     if (value.empty())
       Fatal(misread, node, "\n");
     const int angle = withAngles ? EulerIndex(key) : -1;
     if (angle >= 0) {
       record.anglesGiven = true;
-      record.angles[angle] = ToDouble(value.c_str());
+      record.angles[angle] = NumberOfItem(value);
     } else if (HasPrefix(key, "units")) {
       record.ratios = units.RatiosOf(*units.GiveUnitsBase(value));
+    } else {
+      Note(ReadEvent::IgnoredKey, key);
     }
   }
 }
@@ -67,48 +70,57 @@ void ScanItems(const char* tail, const Units& units, bool withAngles, const char
 
 void Project::ReadFAConstraints(TextScan& text)
 {
-  const int n = freeDegrees;
-  for (int number = 0; ReadRecordNumber(text, number);) {
-    Node* node = FindNode(number);
-    if (!node)
-      Fatal("error: Trying to assign constrain to unknown node\n");
-    NodalRecord record{.ratios = DefaultRatios()};
-    const char* p = text.ReadRestOfLine().c_str();
-    if (!ScanFlags(p, n, record.flags) || !ScanValues(p, n, record.values))
-      Fatal(n == 3 ? "Not reading correctly the constraints. Number="
-                   : "Not reading correctly the constraints. -A- Number=",
-            number, "\n");
-    ScanItems(p, *this, true, "Not reading correctly the constraints. -B- Number=", number, record);
-    if (!node->constraint)
-      node->constraint = std::make_unique<Constraint>(n, translations);
-    node->constraint->EnterValuesAndFlags(record.flags, record.values, n, record.ratios.force,
-                                          record.ratios.length);
-    if (record.anglesGiven)
-      node->constraint->EnterEulerAngles(record.angles);
-  }
+  for (int number = 0; ReadRecordNumber(text, number);)
+    Attempt(&text, [&] { ReadConstraint(text, number); });
   SkipBlockEnd(text);
+}
+
+void Project::ReadConstraint(TextScan& text, int number)
+{
+  const int n = freeDegrees;
+  Node* node = FindNode(number);
+  if (!node)
+    Fatal("error: Trying to assign constrain to unknown node\n");
+  NodalRecord record{.ratios = DefaultRatios()};
+  const char* p = text.ReadRestOfLine().c_str();
+  if (!ScanFlags(p, n, record.flags) || !ScanValues(p, n, record.values))
+    Fatal(n == 3 ? "Not reading correctly the constraints. Number="
+                 : "Not reading correctly the constraints. -A- Number=",
+          number, "\n");
+  ScanItems(p, *this, true, "Not reading correctly the constraints. -B- Number=", number, record);
+  if (!node->constraint)
+    node->constraint = std::make_unique<Constraint>(n, translations);
+  node->constraint->EnterValuesAndFlags(record.flags, record.values, n, record.ratios.force,
+                                        record.ratios.length);
+  if (record.anglesGiven)
+    node->constraint->EnterEulerAngles(record.angles);
+  NoteStored(ReadItem::Support, number);
 }
 
 void Project::ReadFALoads(TextScan& text)
 {
-  const int n = freeDegrees;
-  for (int number = 0; ReadRecordNumber(text, number);) {
-    Node* node = FindNode(number);
-    if (!node)
-      Fatal("error: Trying to assign Load to unknown node\n");
-    NodalRecord record{.ratios = DefaultRatios()};
-    const std::string& line = text.ReadRestOfLine();
-    if (line.empty())
-      Fatal("Not reading correctly the loads A. Number=", number, "\n");
-    const char* p = line.c_str();
-    if (!ScanValues(p, n, record.values))
-      Fatal(n == 3 ? "Not reading correctly the loads B. Number="
-                   : "Not reading correctly the loads C. Number=",
-            number, "\n");
-    ScanItems(p, *this, false, "Not reading correctly the loads. -D- Number=", number, record);
-    if (!node->load)
-      node->load = std::make_unique<Load>(n, translations);
-    node->load->AddValues(record.values, n, record.ratios.force, record.ratios.length);
-  }
+  for (int number = 0; ReadRecordNumber(text, number);)
+    Attempt(&text, [&] { ReadNodalLoad(text, number); });
   SkipBlockEnd(text);
+}
+
+void Project::ReadNodalLoad(TextScan& text, int number)
+{
+  const int n = freeDegrees;
+  Node* node = FindNode(number);
+  if (!node)
+    Fatal("error: Trying to assign Load to unknown node\n");
+  NodalRecord record{.ratios = DefaultRatios()};
+  const std::string& line = text.ReadRestOfLine();
+  if (line.empty())
+    Fatal("Not reading correctly the loads A. Number=", number, "\n");
+  const char* p = line.c_str();
+  if (!ScanValues(p, n, record.values))
+    Fatal(n == 3 ? "Not reading correctly the loads B. Number="
+                 : "Not reading correctly the loads C. Number=",
+          number, "\n");
+  ScanItems(p, *this, false, "Not reading correctly the loads. -D- Number=", number, record);
+  if (!node->load)
+    node->load = std::make_unique<Load>(n, translations);
+  node->load->AddValues(record.values, n, record.ratios.force, record.ratios.length);
 }

@@ -6,6 +6,7 @@
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
+#include "base/read_observer.h"
 #include "base/textscan.h"
 #include "model/euler.h"
 #include "model/node.h"
@@ -72,15 +73,17 @@ LoadItems ScanItems(const char* tail, const Units& units, int elemNumber)
   LoadItems found{.ratios = units.DefaultRatios()};
   ItemScanner items(tail);
   for (std::string_view key = items.Key(); !key.empty(); key = items.Key()) {
-    const std::string value(items.Value());
+    const std::string_view value = items.Value();
     if (value.empty())
       Fatal("Not reading correctly the preassure_loads. ElemNum=", elemNumber, "\n");
     const int angle = EulerIndex(key);
     if (angle >= 0) {
       found.anglesGiven = true;
-      found.angles[angle] = ToDouble(value.c_str());
+      found.angles[angle] = NumberOfItem(value);
     } else if (HasPrefix(key, "units")) {
       found.ratios = units.RatiosOf(*units.GiveUnitsBase(value));
+    } else {
+      Note(ReadEvent::IgnoredKey, key);
     }
   }
   return found;

@@ -7,6 +7,7 @@
 #include "base/errorwriter.h"
 #include "base/large_memory.h"
 #include "base/memory_limit.h"
+#include "base/read_observer.h"
 #include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -52,6 +53,11 @@ Content ReadWholeStream(std::ifstream& in)
   }
 }
 
+[[noreturn]] void RefuseHeight(int node)
+{
+  Fatal("error: node ", node, " has a z coordinate in a 2d problem\n");
+}
+
 // What is left of a word behind its keyword, or else the next word with something in it.
 std::string ReadValue(TextScan& text, std::string_view glued)
 {
@@ -65,6 +71,15 @@ std::string ReadValue(TextScan& text, std::string_view glued)
   }
 }
 
+// A keyword ends at a blank, '=' or ':', or at the number that is its value.
+void NoteGlued(std::string_view word, std::string_view name, bool takesValue)
+{
+  const std::string_view glued = word.substr(name.size());
+  constexpr std::string_view kEnds = "=:+-.0123456789";
+  if (!glued.empty() && kEnds.substr(0, takesValue ? kEnds.size() : 2).find(glued[0]) == kEnds.npos)
+    Note(ReadEvent::Prefix, word, name);
+}
+
 }  // namespace
 
 void Project::ReadFromAscii(std::ifstream& in)
@@ -76,17 +91,27 @@ void Project::ReadFromAscii(std::ifstream& in)
 
 void Project::ReadFromAscii(TextScan& text)
 {
-  ReadHeader(text);
+  if (!Attempt(&text, [&] { ReadHeader(text); }))
+    return;
   while (!text.AtEnd()) {
-    const std::string word(text.ReadWord());
-    if (word.empty())
-      continue;
-    if (word[0] == '#')
-      text.SkipLine();
-    else if (!ReadKeyword(text, word) && ReadElemLoad(text, word) == -1)
-      Fatal("Unknown key name=", word, "\n");
+    const bool read = Attempt(&text, [&] { ReadWord(text); });
+    if (!read && !meshes.empty() && meshes.back()->GiveFvType() == 0)
+      return;  // without the head of a mesh its lists have no meaning
   }
-  FinishReading();
+  Attempt(nullptr, [&] { FinishReading(); });
+}
+
+void Project::ReadWord(TextScan& text)
+{
+  const std::string_view place = text.ReadWord();
+  if (place.empty())
+    return;
+  if (place[0] == '#')
+    return text.SkipLine();
+  const std::string word(place);
+  Note(ReadEvent::Keyword, place);
+  if (!ReadKeyword(text, word) && ReadElemLoad(text, word) == -1)
+    Fatal("Unknown key name=", word, "\n");
 }
 
 void Project::ReadHeader(TextScan& text)
@@ -142,6 +167,7 @@ bool Project::ReadKeyword(TextScan& text, std::string_view word)
     const std::string_view name = keyword.name;
     if (keyword.readBlock ? !EqualsNoCase(word, name) : !HasPrefix(word, name))
       continue;
+    NoteGlued(word, name, keyword.set == nullptr);
     if (keyword.readBlock)
       (this->*keyword.readBlock)(text);
     else if (keyword.readValue)
@@ -186,8 +212,7 @@ void Project::FinishReading()
 {
   if (meshes.empty())
     Fatal("error: it is necessary at least one mesh\n");
-  if (const int number = CheckElementsNumbers())
-    Fatal("error: All elements must have different number. Check elm num: ", number, "\n");
+  Attempt(nullptr, [this] { RequireDifferentNumbers(); });
   bool solids = false;
   bool others = false;
   for (const auto& mesh : meshes)
@@ -205,6 +230,12 @@ void Project::FinishReading()
   SetNodeDimensions(solids);
 }
 
+void Project::RequireDifferentNumbers() const
+{
+  if (const int number = CheckElementsNumbers())
+    Fatal("error: All elements must have different number. Check elm num: ", number, "\n");
+}
+
 // Nodes given with two coordinates stand at z = 0 in space; a plane frame has no z.
 void Project::SetNodeDimensions(bool solids)
 {
@@ -213,6 +244,6 @@ void Project::SetNodeDimensions(bool solids)
     if (space)
       node.resize(3, 0.0);
     else if (node.Size() == 3 && node(3) != 0.0)
-      Fatal("error: node ", number, " has a z coordinate in a 2d problem\n");
+      AttemptOn(ReadItem::Node, number, [number] { RefuseHeight(number); });
   }
 }

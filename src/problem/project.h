@@ -19,6 +19,7 @@
 #include "problem/settings.h"
 
 class BSolver;
+class BaseElemLoads;
 class EdgeNodes;
 class Elem;
 class Material;
@@ -136,6 +137,11 @@ public:
   /// From the model to the displacements, with progress on info (may be null).
   /// renumber 0 keeps the numbers of the file.
   void Calc(int renumber, std::FILE* info);
+  /// Refuses what is no model for the analysis although it refers to nothing unknown.
+  void CheckModel() const;
+  /// Chooses the solver where the file leaves it open.
+  void ChooseSolver();
+  void AddNodalLoads();
   void FillMatrixVectorAndSolve(std::FILE* info);
   /// Gives the triangles of a mesh nodes in the middle of their edges.
   void ConvertTriangleTo6nod(Mesh* mesh, EdgeNodes& edges);
@@ -232,8 +238,15 @@ public:
 private:
   // Readers of single keywords.
   void ReadHeader(TextScan& text);
+  void ReadWord(TextScan& text);
   bool ReadKeyword(TextScan& text, std::string_view word);
   void ReadMesh(TextScan& text);
+  bool ReadMaterial(TextScan& text);
+  void ReadConstraint(TextScan& text, int number);
+  void ReadNodalLoad(TextScan& text, int number);
+  void ReadOneLoad(TextScan& text, int number, std::unique_ptr<BaseElemLoads> load);
+  void ReadHinge(TextScan& text, int number);
+  void ReadElemHinges(TextScan& text, int number);
   void ReadUnitsMesh(TextScan& text, const std::string& value);
   void ReadUnitsMatAndLoad(TextScan& text, const std::string& value);
   void ReadUnitsRes(TextScan& text, const std::string& value);
@@ -245,14 +258,14 @@ private:
 
   // Closing checks.
   void FinishReading();
+  void RequireDifferentNumbers() const;
   void SetNodeDimensions(bool solids);
 
   // Steps of the analysis.
-  void CheckModel() const;
+  void RequireFamily(const Mesh& mesh) const;
   void PreSolve(int renumber, std::FILE* info);
   void ConvertTriangles(std::FILE* info);
   void MarkCoplanarNodes(std::FILE* info);
-  void ChooseSolver();
   void Solve(std::FILE* info);
   void MakeSolver();
   std::unique_ptr<double[]> StartFromPreSolve() const;
@@ -262,10 +275,12 @@ private:
   void CreateMatrix();
   void AssembleStiffness(int applyLocalAxes);
   void MergeHinges(const Elem& elem);
-  void AddNodalLoads();
   void SolveSystem(std::FILE* info);
   ComponentScale ScaleOfComponents() const;
   void StartReactions();
+  void AddLoadsOnBeam(const Elem& elem, Matriu& T);
+  void AddLoadsOnTriangle(const Elem& elem, Matriu& T, Matriu& Tbig);
+  void AddLoadsOnTetra(const Elem& elem);
   void ApplySupports();
   [[noreturn]] void SolverFailed(int result) const;
 

@@ -1,6 +1,7 @@
 #include "problem/references.h"
 
 #include "base/errorwriter.h"
+#include "base/read_observer.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "numeric/plex_range.h"
@@ -24,9 +25,9 @@ void CheckReferences(const Project& project)
   for (const auto& mesh : project.meshes) {
     const bool analysed = FindFamily(*mesh) != nullptr;
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-      RequireNodes(elem);
+      AttemptOn(ReadItem::Element, elem.Num(), [&] { RequireNodes(elem); });
       if (analysed)
-        project.RequireMaterial(elem);
+        AttemptOn(ReadItem::Element, elem.Num(), [&] { project.RequireMaterial(elem); });
     }
   }
 }

@@ -12,6 +12,7 @@
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
+#include "base/read_observer.h"
 #include "model/material.h"
 #include "numeric/plex_range.h"
 #include "problem/project.h"
@@ -24,13 +25,14 @@ constexpr const char* kWhite = " \t\n\v\f\r";
 // is taken as the largest number of its sign.
 int ToInt(const std::string& text)
 {
+  NoteNumber(text);
   return static_cast<int>(
       std::clamp<long>(std::strtol(text.c_str(), nullptr, 10), INT_MIN, INT_MAX));
 }
 
 double ReadNumberWord(TextScan& text)
 {
-  return ToDouble(std::string(text.ReadWord()).c_str());
+  return NumberOfItem(text.ReadWord());
 }
 
 bool IsAngle(double angle)
@@ -63,6 +65,8 @@ UnitsBase ReadUnitsBase(const std::string& line)
     *name = ScanName(p);
   if (!ScanDouble(p, base.facN) || !ScanDouble(p, base.facM))
     Fatal("error: 'units_names' items should be: name nameN nameM namePa facN facM\n");
+  if (p[std::strspn(p, kWhite)])
+    Note(ReadEvent::LineTail, p);
   return base;
 }
 
@@ -107,14 +111,14 @@ void Project::ReadNumOfDivisions(TextScan&, const std::string& value)
 void Project::ReadDoSmoothing(TextScan&, const std::string& value)
 {
   smoothing.on = true;
-  smoothing.angle = ToDouble(value.c_str());
+  smoothing.angle = NumberOfItem(value);
   if (!IsAngle(smoothing.angle))
     Fatal("error: DoSmoothing must have angle >0 and <PI rad\n");
 }
 
 void Project::ReadCoplanarityAngle(TextScan&, const std::string& value)
 {
-  coplanarityAngle = ToDouble(value.c_str());
+  coplanarityAngle = NumberOfItem(value);
   if (!IsAngle(coplanarityAngle))
     Fatal("error: CoplanarityAngle must have angle >0 and <PI rad\n");
 }
@@ -133,6 +137,8 @@ void Project::ReadSolver(TextScan& text, const std::string& value)
                                    [&](const auto& s) { return HasPrefix(value, s.name); });
   if (named == std::end(solvers))
     Fatal("error: type of solver must be: Automatic, SkyLine, Double or Sparse\n");
+  if (value.size() > std::strlen(named->name))
+    Note(ReadEvent::Prefix, value, named->name);
   solverSettings.type = named->type;
   if (named->type != SolverType::Sparse)
     return;
@@ -151,7 +157,7 @@ void Project::ReadSolver(TextScan& text, const std::string& value)
 
 void Project::ReadGravityDirection(TextScan& text, const std::string& value)
 {
-  const double x = ToDouble(value.c_str());
+  const double x = NumberOfItem(value);
   const double y = ReadNumberWord(text);
   gravityDirection = ReaVec(x, y, ReadNumberWord(text));
   const double length = std::hypot(gravityDirection(1), gravityDirection(2), gravityDirection(3));
@@ -177,7 +183,7 @@ void Project::ReadFAUnitsNames(TextScan& text)
       continue;
     if (HasPrefix(line, "end"))
       return enterBatch();
-    batch.push_back(ReadUnitsBase(line));
+    Attempt(&text, [&] { batch.push_back(ReadUnitsBase(line)); });
     if (batch.size() >= std::max(kBatch, bases.size()))  // sorting stays in proportion
       enterBatch();
   }
@@ -187,10 +193,20 @@ void Project::ReadFAMaterials(TextScan& text)
 {
   for (;;) {
     SkipComments(text);
-    auto material = std::make_unique<Material>();
-    if (!material->ReadFromAscii(text, this))
+    bool more = true;
+    Attempt(&text, [&] { more = ReadMaterial(text); });
+    if (!more)
       return SkipBlockEnd(text);
-    const int number = material->number;
-    Store(materials, number, std::move(material));
   }
+}
+
+bool Project::ReadMaterial(TextScan& text)
+{
+  auto material = std::make_unique<Material>();
+  if (!material->ReadFromAscii(text, this))
+    return false;
+  const int number = material->number;
+  Store(materials, number, std::move(material));
+  NoteStored(ReadItem::Material, number);
+  return true;
 }

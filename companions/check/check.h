@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "check/problems.h"
+#include "check/summary.h"
+
+namespace check {
+
+struct Report
+{
+  std::vector<Located> problems;   ///< by place
+  std::optional<Summary> summary;  ///< only without errors
+  int errors = 0;
+  int warnings = 0;
+};
+
+/// Reads the text of a problem file as the program does and judges it. Ends the run of nothing.
+Report CheckText(std::string_view text);
+
+/// The report as one JSON object; `file` is named in it.
+std::string JsonOf(const Report& report, const std::string& file);
+
+}  // namespace check

@@ -1,0 +1,215 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <unordered_map>
+
+#include "check/checks.h"
+#include "check/recorder.h"
+#include "model/node.h"
+
+namespace check {
+namespace {
+
+// Of the size of the model: closer nodes count as one place.
+constexpr double kCoincident = 1e-6;
+// Shapes below are slivers; 1 is the equilateral element.
+constexpr double kSliverTriangle = 0.05;
+constexpr double kSliverSolid = 0.02;
+
+double SizeOf(const std::vector<const Node*>& nodes)
+{
+  Point low = PlaceOf(*nodes.front());
+  Point high = low;
+  for (const Node* node : nodes) {
+    const Point place = PlaceOf(*node);
+    for (int k = 0; k < 3; ++k) {
+      low[k] = std::min(low[k], place[k]);
+      high[k] = std::max(high[k], place[k]);
+    }
+  }
+  const Point d = Minus(high, low);
+  return std::sqrt(Dot(d, d));
+}
+
+/// Nodes by the cell of a grid that they stand in.
+class Grid
+{
+public:
+  explicit Grid(double cellSize) : size(cellSize) {}
+
+  /// A node already there within the cell size of this one, which is added; else null.
+  const Node* Enter(const Node& node)
+  {
+    const Point place = PlaceOf(node);
+    const Node* near = Near(place);
+    cells.emplace(Key(CellOf(place)), &node);
+    return near;
+  }
+
+private:
+  using Cell = std::array<std::int64_t, 3>;
+
+  Cell CellOf(const Point& place) const
+  {
+    Cell cell;
+    for (int k = 0; k < 3; ++k)
+      cell[k] = std::llround(std::floor(place[k] / size / 2.0));
+    return cell;
+  }
+
+  static std::uint64_t Key(const Cell& cell)
+  {
+    std::uint64_t key = 0;
+    for (const std::int64_t k : cell)
+      key = (key ^ static_cast<std::uint64_t>(k)) * 0x9e3779b97f4a7c15u + (key >> 29);
+    return key;
+  }
+
+  // A node within the size stands in a cell that the ends of its range on every axis reach.
+  const Node* Near(const Point& place) const
+  {
+    Cell low = CellOf(Minus(place, {size, size, size}));
+    Cell high = CellOf(Minus(place, {-size, -size, -size}));
+    for (Cell c = low; c[0] <= high[0]; ++c[0]) {
+      for (c[1] = low[1]; c[1] <= high[1]; ++c[1]) {
+        for (c[2] = low[2]; c[2] <= high[2]; ++c[2]) {
+          const auto [first, last] = cells.equal_range(Key(c));
+          for (auto entry = first; entry != last; ++entry) {
+            const Point d = Minus(place, PlaceOf(*entry->second));
+            if (Dot(d, d) <= size * size)
+              return entry->second;
+          }
+        }
+      }
+    }
+    return nullptr;
+  }
+
+  double size;
+  std::unordered_multimap<std::uint64_t, const Node*> cells;
+};
+
+void CheckCoincidence(const Subject& subject, Recorder& recorder)
+{
+  const double size = SizeOf(subject.nodes);
+  if (!(size > 0.0 && std::isfinite(size)))
+    return;
+  Grid grid(kCoincident * size);
+  for (const Node* node : subject.nodes) {
+    if (const Node* other = grid.Enter(*node))
+      recorder.Warn(recorder.PlaceOf(ReadItem::Node, node->number), "node ", node->number,
+                    " stands at the place of node ", other->number);
+  }
+}
+
+Point NormalOf(const Elem& elem)
+{
+  const Point a = PlaceOf(*elem(0));
+  return Cross(Minus(PlaceOf(*elem(1)), a), Minus(PlaceOf(*elem(2)), a));
+}
+
+double SumOfSquares(const Elem& elem, int corners)
+{
+  double sum = 0.0;
+  for (int i = 0; i < corners; ++i) {
+    for (int j = i + 1; j < corners; ++j)
+      sum += dist2(elem(i), elem(j));
+  }
+  return sum;
+}
+
+// 4·√3·A over the sum of the squared edges.
+double TriangleShape(const Elem& elem)
+{
+  const Point n = NormalOf(elem);
+  return 2.0 * std::sqrt(3.0 * Dot(n, n)) / SumOfSquares(elem, 3);
+}
+
+// 6·√2·V over the cube of the root mean square of the edges; negative for a turned element.
+double SolidShape(const Elem& elem)
+{
+  const double volume = Dot(NormalOf(elem), Minus(PlaceOf(*elem(3)), PlaceOf(*elem(0)))) / 6.0;
+  return 6.0 * std::sqrt(2.0) * volume / std::pow(SumOfSquares(elem, 4) / 6.0, 1.5);
+}
+
+void CheckShape(const Elem& elem, Recorder& recorder)
+{
+  if (elem.ElemType() == Linear)
+    return;
+  const bool solid = elem.ElemType() == Tetrahedra;
+  const double shape = solid ? SolidShape(elem) : TriangleShape(elem);
+  const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Element, elem.Num());
+  const std::string name = Joined("element ", elem.Num());
+  if (!(std::fabs(shape) > 0.0))
+    recorder.Error(place, name, (solid ? " has no volume" : " has no area"));
+  else if (shape < 0.0)
+    recorder.Error(place, name, " is turned: its fourth node stands on the wrong side");
+  else if (shape < (solid ? kSliverSolid : kSliverTriangle))
+    recorder.Warn(place, name, " is a sliver");
+}
+
+/// An edge of a triangle in the direction in which the triangle runs through it.
+struct Edge
+{
+  const Elem* elem;
+  int low, high;  ///< numbers of its ends
+  bool upwards;
+};
+
+std::vector<Edge> EdgesOf(const std::vector<const Elem*>& elements)
+{
+  std::vector<Edge> edges;
+  for (const Elem* elem : elements) {
+    if (elem->ElemType() != Triangle)
+      continue;
+    for (int i = 0; i < 3; ++i) {
+      const int a = (*elem)(i)->number;
+      const int b = (*elem)((i + 1) % 3)->number;
+      edges.push_back({elem, std::min(a, b), std::max(a, b), a < b});
+    }
+  }
+  std::stable_sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) {
+    return a.low != b.low ? a.low < b.low : a.high < b.high;
+  });
+  return edges;
+}
+
+// Whether the normals are more than 120 degrees apart: at a corner of walls they say nothing.
+bool AreFolded(const Elem& a, const Elem& b)
+{
+  const Point n = NormalOf(a);
+  const Point m = NormalOf(b);
+  return Dot(n, m) < -0.5 * std::sqrt(Dot(n, n) * Dot(m, m));
+}
+
+// Two triangles at an edge run through it in opposite directions unless one is turned.
+void CheckNeighbours(const Subject& subject, Recorder& recorder)
+{
+  const std::vector<Edge> edges = EdgesOf(subject.elements);
+  for (std::size_t i = 0; i < edges.size();) {
+    std::size_t last = i + 1;
+    while (last < edges.size() && edges[last].low == edges[i].low &&
+           edges[last].high == edges[i].high)
+      ++last;
+    if (last - i == 2 && edges[i].upwards == edges[i + 1].upwards &&
+        AreFolded(*edges[i].elem, *edges[i + 1].elem))
+      recorder.Warn(recorder.PlaceOf(ReadItem::Element, edges[i + 1].elem->Num()), "element ",
+                    edges[i + 1].elem->Num(), " is turned against its neighbour ",
+                    edges[i].elem->Num(), ": their normals are opposite");
+    i = last;
+  }
+}
+
+}  // namespace
+
+void CheckGeometry(const Subject& subject, Recorder& recorder)
+{
+  if (subject.nodes.empty())
+    return;
+  CheckCoincidence(subject, recorder);
+  for (const Elem* elem : subject.elements)
+    CheckShape(*elem, recorder);
+  CheckNeighbours(subject, recorder);
+}
+
+}  // namespace check

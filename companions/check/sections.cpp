@@ -1,0 +1,76 @@
+#include <array>
+#include <set>
+#include <string>
+
+#include "check/checks.h"
+#include "check/recorder.h"
+#include "common/shortest.h"
+#include "model/material.h"
+#include "model/node.h"
+#include "numeric/matriu.h"
+#include "problem/project.h"
+
+namespace check {
+namespace {
+
+// The matrices that the analysis makes first of a material: they refuse what is missing.
+void MakeStiffness(const Elem& elem, const Material& material, PROBLEMTYPE problem)
+{
+  if (elem.ElemType() == Linear) {
+    Matriu K11, K12, K22;
+    material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(elem(0), elem(1)), problem, 11);
+  } else if (elem.ElemType() == Triangle) {
+    Matriu Dm(3, 3), Db(3, 3), Ds(2, 2);
+    material.GiveDMatrix(elem.Num(), Dm, Db, Ds);
+  } else {
+    Matriu D(6, 6);
+    material.GiveDMatrixTetra(elem.Num(), D);
+  }
+}
+
+// The ratio that makes an orthotropic material symmetric.
+std::string PassingPair(const Material& material, std::string_view message)
+{
+  if (message.find("Ex*nuXY must be equal to Ey*nuYX") == message.npos || material.E2 == 0.0)
+    return {};
+  std::string text = ": nuXY=";
+  AppendNumber(text, material.nuXY);
+  text += " needs nuYX=";
+  AppendNumber(text, material.nuXY * material.E1 / material.E2);
+  return text;
+}
+
+// Also what its local axes, given by angles, do not fit.
+void MakeAxes(const Elem& elem, const Material& material, PROBLEMTYPE problem)
+{
+  Matriu T, bigT;
+  if (elem.ElemType() == Linear)
+    elem.CalcTransfMatrixBeam(T, &material, problem);
+  else if (elem.ElemType() == Triangle)
+    elem.CalcTransfMatrixTriangle(T, bigT, &material);
+}
+
+}  // namespace
+
+// A material is judged once for each kind of element, at the first of them.
+void CheckSections(const Subject& subject, Recorder& recorder)
+{
+  std::set<std::pair<const Material*, ElemType>> judged;
+  for (const Elem* elem : subject.elements) {
+    const Material* material = elem->GiveMaterial(&subject.project.materials);
+    if (!material)
+      continue;
+    const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Element, elem->Num());
+    if (material->eulerGiven)
+      recorder.AttemptAt(place, [&] { MakeAxes(*elem, *material, subject.project.problemType); });
+    if (!judged.insert({material, elem->ElemType()}).second)
+      continue;
+    const int number = elem->GiveMaterialNum();
+    recorder.AttemptAt(
+        number ? recorder.PlaceOf(ReadItem::Material, number) : place,
+        [&] { MakeStiffness(*elem, *material, subject.project.problemType); },
+        [&](std::string_view message) { return PassingPair(*material, message); });
+  }
+}
+
+}  // namespace check

@@ -1,0 +1,238 @@
+// A part is held when the rows of its supports, each a linear form on the rigid motions, have
+// full rank. A motion is (t, w·L): the displacement of the centre and the rotation, times the
+// size of the part so that all six numbers are comparable.
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "check/checks.h"
+#include "check/recorder.h"
+#include "model/node.h"
+#include "numeric/matriu.h"
+#include "problem/constraint.h"
+#include "problem/project.h"
+
+namespace check {
+namespace {
+
+using Motion = std::array<double, 6>;
+
+// Of the largest entry: what is left of a dependent row.
+constexpr double kDependent = 1e-7;
+
+/// Independent rows, reduced against each other: each has a 1 in its own column, where the
+/// others have 0 (Gauss and Jordan).
+class RowSpace
+{
+public:
+  void Add(Motion row)
+  {
+    const double before = Largest(row);
+    for (const Reduced& known : rows)
+      Subtract(row, known.values, row[known.column]);
+    const int column = LargestColumn(row);
+    if (!(std::fabs(row[column]) > kDependent * before))
+      return;
+    const double pivot = row[column];
+    for (double& value : row)
+      value /= pivot;
+    for (Reduced& known : rows)
+      Subtract(known.values, row, known.values[column]);
+    rows.push_back({column, row});
+  }
+
+  /// A motion that all rows leave free, for each column that is not a row's own.
+  std::vector<Motion> FreeMotions(const std::vector<int>& columns) const
+  {
+    std::vector<Motion> motions;
+    for (const int column : columns) {
+      if (std::any_of(rows.begin(), rows.end(),
+                      [column](const Reduced& r) { return r.column == column; }))
+        continue;
+      Motion motion{};
+      motion[column] = 1.0;
+      for (const Reduced& known : rows)
+        motion[known.column] = -known.values[column];
+      motions.push_back(motion);
+    }
+    return motions;
+  }
+
+private:
+  struct Reduced
+  {
+    int column;
+    Motion values;
+  };
+
+  static void Subtract(Motion& row, const Motion& other, double factor)
+  {
+    for (int k = 0; k < 6; ++k)
+      row[k] -= factor * other[k];
+  }
+
+  static int LargestColumn(const Motion& row)
+  {
+    return static_cast<int>(
+        std::max_element(row.begin(), row.end(),
+                         [](double a, double b) { return std::fabs(a) < std::fabs(b); }) -
+        row.begin());
+  }
+
+  static double Largest(const Motion& row) { return std::fabs(row[LargestColumn(row)]); }
+
+  std::vector<Reduced> rows;
+};
+
+/// A part with its centre and its size.
+struct Body
+{
+  const std::vector<const Node*>& nodes;
+  Point centre{};
+  double size = 0.0;
+};
+
+Body BodyOf(const std::vector<const Node*>& nodes)
+{
+  Body body{.nodes = nodes};
+  for (const Node* node : nodes) {
+    const Point place = PlaceOf(*node);
+    for (int k = 0; k < 3; ++k)
+      body.centre[k] += place[k] / static_cast<double>(nodes.size());
+  }
+  for (const Node* node : nodes) {
+    const Point r = Minus(PlaceOf(*node), body.centre);
+    body.size = std::max(body.size, std::sqrt(Dot(r, r)));
+  }
+  return body;
+}
+
+// The component of the rigid motion along a displacement u and a rotation a at a place.
+Motion RowOf(const Body& body, const Point& place, const Point& u, const Point& a)
+{
+  const Point moment = Cross(Minus(place, body.centre), u);
+  Motion row;
+  for (int k = 0; k < 3; ++k) {
+    row[k] = u[k];
+    row[3 + k] = (moment[k] + a[k]) / body.size;
+  }
+  return row;
+}
+
+bool Holds(const Constraint& support, int k)
+{
+  return support.flags[k] == Constraint::kPrescribed ||
+         (support.flags[k] == Constraint::kSpring && support.values[k] > 0.0);
+}
+
+// The direction of component k of a support: its displacement and its rotation.
+std::pair<Point, Point> DirectionOf(const Project& project, const Matriu* T, int k)
+{
+  std::pair<Point, Point> direction{};
+  for (int i = 0; i < project.freeDegrees; ++i) {
+    const double value = T ? (*T)(i + 1, k + 1) : (i == k ? 1.0 : 0.0);
+    if (i < project.translations)
+      direction.first[i] = value;
+    else
+      direction.second[project.freeDegrees == 3 ? 2 : i - 3] = value;
+  }
+  return direction;
+}
+
+void AddSupport(const Project& project, const Body& body, const Node& node, RowSpace& rows)
+{
+  Matriu T;
+  const bool turned =
+      node.constraint->CalcTransfMatFromEuler(node.number, T, project.freeDegrees, 0) == 0;
+  for (int k = 0; k < project.freeDegrees; ++k) {
+    if (!Holds(*node.constraint, k))
+      continue;
+    const auto [u, a] = DirectionOf(project, turned ? &T : nullptr, k);
+    rows.Add(RowOf(body, PlaceOf(node), u, a));
+  }
+}
+
+std::string Rounded(double value)
+{
+  char text[32];
+  std::snprintf(text, sizeof text, "%.4g", std::fabs(value) < 1e-9 ? 0.0 : value);
+  return text;
+}
+
+std::string Listed(const Point& p)
+{
+  return Joined("(", Rounded(p[0]), ", ", Rounded(p[1]), ", ", Rounded(p[2]), ")");
+}
+
+std::string DirectionName(Point d)
+{
+  const double length = std::sqrt(Dot(d, d));
+  for (int k = 0; k < 3; ++k) {
+    d[k] /= length;
+    if (std::fabs(d[k]) > 1.0 - 1e-9)
+      return std::string(1, "XYZ"[k]);
+  }
+  return Listed(d);
+}
+
+// A motion with a rotation is one about an axis; a shift along it is left to other motions.
+std::string MotionName(const Body& body, const Point& t, const Point& w)
+{
+  const double turn = Dot(w, w);
+  if (turn * body.size * body.size < 1e-12)
+    return Joined("move along ", DirectionName(t));
+  Point on = Cross(w, t);
+  for (int k = 0; k < 3; ++k)
+    on[k] = body.centre[k] + on[k] / turn;
+  const bool screw = std::fabs(Dot(w, t)) > 1e-6 * turn * body.size;
+  return Joined("turn about the axis along ", DirectionName(w), " through ", Listed(on),
+                screw ? " while moving along it" : "");
+}
+
+const Node& MostMoved(const Body& body, const Point& t, const Point& w)
+{
+  const Node* most = body.nodes.front();
+  double largest = 0.0;
+  for (const Node* node : body.nodes) {
+    Point u = Cross(w, Minus(PlaceOf(*node), body.centre));
+    for (int k = 0; k < 3; ++k)
+      u[k] += t[k];
+    if (Dot(u, u) > largest * (1.0 + 1e-9)) {
+      largest = Dot(u, u);
+      most = node;
+    }
+  }
+  return *most;
+}
+
+}  // namespace
+
+void CheckSupports(const Subject& subject, Recorder& recorder)
+{
+  const Project& project = subject.project;
+  const bool plane = project.problemType == kPlane && project.translations == 2;
+  const std::vector<int> columns = plane ? std::vector{0, 1, 5} : std::vector{0, 1, 2, 3, 4, 5};
+  for (const Subject::Part& part : subject.parts) {
+    const Body body = BodyOf(part.nodes);
+    if (!(body.size > 0.0))
+      continue;
+    RowSpace rows;
+    for (const Node* node : part.nodes) {
+      if (node->constraint)
+        AddSupport(project, body, *node, rows);
+    }
+    const int first = part.nodes.front()->number;
+    const std::string name =
+        subject.parts.size() == 1 ? "the model" : Joined("the part of node ", first);
+    for (const Motion& motion : rows.FreeMotions(columns)) {
+      const Point t = {motion[0], motion[1], motion[2]};
+      const Point w = {motion[3] / body.size, motion[4] / body.size, motion[5] / body.size};
+      const int node = MostMoved(body, t, w).number;
+      recorder.Error(recorder.PlaceOf(ReadItem::Node, node), "the supports let ", name, " ",
+                     MotionName(body, t, w), ": node ", node, " moves most");
+    }
+  }
+}
+
+}  // namespace check

@@ -1,0 +1,344 @@
+#include "check/check.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "base/errorwriter.h"
+#include "base/read_observer.h"
+
+using Lines = std::vector<std::string>;
+
+namespace {
+
+// A plane cantilever on which there is nothing to say.
+constexpr const char* kBeam = R"(problem type: 2d
+mesh dimension = 2 elemtype Linear nnode = 2
+coordinates
+1 0 0
+2 2 0
+3 4 0
+end coordinates
+elements
+1 1 2 1
+2 2 3 1
+end elements
+materials
+1 E=1e6 A=0.1 Iz=0.01
+end materials
+constraints
+1 111 0 0 0
+end constraints
+nodal_point_loads
+3 0 -3 0
+end nodal_point_loads
+)";
+
+// A square plate of two triangles in space, held at one corner.
+constexpr const char* kPlate = R"(problem type: 3d
+mesh dimension = 3 elemtype Triangle nnode = 3
+coordinates
+1 0 0 0
+2 1 0 0
+3 1 1 0
+4 0 1 0
+end coordinates
+elements
+1 1 2 3 1
+2 1 3 4 1
+end elements
+materials
+1 E=1e6 nu=0.25 G=4e5 t=0.1
+end materials
+constraints
+1 111111 0 0 0 0 0 0
+end constraints
+)";
+
+constexpr const char* kSolid = R"(problem type: 3d
+mesh dimension = 3 elemtype Tetrahedra nnode = 4
+coordinates
+1 0 0 0
+2 1 0 0
+3 0 1 0
+4 0 0 1
+end coordinates
+elements
+1 1 2 3 4 1
+end elements
+materials
+1 E=1e6 nu=0.25
+end materials
+constraints
+1 111 0 0 0
+2 111 0 0 0
+3 111 0 0 0
+end constraints
+)";
+
+std::string With(std::string text, const std::string& old, const std::string& replacement)
+{
+  const std::size_t place = text.find(old);
+  EXPECT_NE(place, std::string::npos) << old;
+  return text.replace(place, old.size(), replacement);
+}
+
+Lines Messages(const std::string& text)
+{
+  Lines lines;
+  for (const check::Located& problem : check::CheckText(text).problems)
+    lines.push_back(check::LineOf(problem, "m"));
+  return lines;
+}
+
+}  // namespace
+
+TEST(Check, SaysNothingAboutSoundModels)
+{
+  for (const char* model : {kBeam, kPlate, kSolid}) {
+    EXPECT_EQ(Messages(model), Lines{});
+    EXPECT_TRUE(check::CheckText(model).summary);
+  }
+}
+
+TEST(Check, GoesOnBehindErrorsInRecords)
+{
+  std::string text = With(kBeam, "1 111 0 0 0", "1 131 0 0 0\n9 111 0 0 0\n1 111 0 0 0");
+  text = With(text, "3 0 -3 0", "3 0 -3\n8 1 1 1\n3 0 -3 0");
+  text = With(text, "1 E=1e6", "4 E=1 foo=3\n5 Ex\n1 E=1e6");
+  EXPECT_EQ(Messages(text),
+            (Lines{"m:13:1: error: Input of materials not correct. Unknown char: 'foo'",
+                   "m:14:1: warning: material 5 is not used",
+                   "m:18:1: error: Not reading correctly the constraints. Number=1",
+                   "m:19:1: error: Trying to assign constrain to unknown node",
+                   "m:23:1: error: Not reading correctly the loads B. Number=3",
+                   "m:24:1: error: Trying to assign Load to unknown node"}));
+}
+
+TEST(Check, ReportsAnUnknownKeywordOnceForItsBlock)
+{
+  const std::string text =
+      With(With(kBeam, "constraints\n", "constrants\n"), "end constraints", "end constrants");
+  EXPECT_EQ(Messages(text), Lines{"m:15:1: error: Unknown key name=constrants"});
+}
+
+TEST(Check, StopsWhereTheProgramCannotKnowWhatFollows)
+{
+  EXPECT_EQ(Messages("problem type: 4d\nmesh\n"),
+            Lines{"m:1:1: error: Type of problem unknown. Only 2d and 3d"});
+  EXPECT_EQ(Messages(With(kBeam, "dimension = 2", "dimension = 4")),
+            Lines{"m:2:1: error: mesh dimension must be 2 or 3"});
+  EXPECT_EQ(Messages("problem type: 2d\n"), Lines{"m: error: it is necessary at least one mesh"});
+}
+
+TEST(Check, NamesTheListThatEndsAtATypo)
+{
+  EXPECT_EQ(Messages(With(kBeam, "1 111 0 0 0\n", "1 111 0 0 0\nx2 111 0 0 0\n")),
+            Lines{"m:17:1: warning: the list ends at 'x2 111 0 0 0': all up to 'end' in line 18 is "
+                  "skipped"});
+}
+
+TEST(Check, NamesTheListThatIsNotClosed)
+{
+  EXPECT_EQ(Messages(With(kBeam, "end nodal_point_loads\n", "")),
+            Lines{"m:18:1: error: can't find word ***end*** in input file"});
+}
+
+TEST(Check, WarnsOfWhatTheReadersIgnore)
+{
+  const auto expect = [](const char* old, const char* replacement, const std::string& message) {
+    EXPECT_EQ(Messages(With(kBeam, old, replacement)), Lines{message});
+  };
+  expect("2 2 0\n", "2 2 0 0.5\n", "m:5:7: warning: ignored: '0.5'");
+  expect("3 0 -3 0\n", "3 0 -3 0 colour=red\n", "m:19:10: warning: ignored: the key 'colour'");
+  expect("3 0 -3 0\n", "3 0 -3 0 Euler1=1\n", "m:19:10: warning: ignored: the key 'Euler1'");
+  expect("A=0.1", "A=0.1m2", "m:13:11: warning: '0.1m2' is no number as a whole: read as 0.1");
+  expect("elemtype Linear", "elemtype Lines", "m:2:29: warning: 'Lines' is read as 'Linear'");
+  expect("Iz=0.01", "Izz=0.01", "m:13:15: warning: 'Izz' is read as 'I'");
+  expect("mesh", "MainStressesAll\nmesh",
+         "m:2:1: warning: 'MainStressesAll' is read as 'MainStresses'");
+  expect("mesh dimension = 2", "mesh of dimension = 2",
+         "m:2:6: warning: skipped in front of 'dimension': 'of'");
+  expect("nnode = 2", "nnode = -2", "m:2:44: warning: skipped in front of the number: '-'");
+  expect("end coordinates", "endcoordinates",
+         "m:7:1: warning: 'endcoordinates' is taken for 'end'");
+}
+
+TEST(Check, WarnsOfMaterialNumbersThatAreNotDecimal)
+{
+  const std::string text = With(With(kBeam, "1 E=1e6", "8 E=1e6"), "1 1 2 1", "1 1 2 010");
+  EXPECT_EQ(Messages(With(text, "2 2 3 1", "2 2 3 8")),
+            Lines{"m:9:7: warning: the material number '010' is not decimal: read as 8"});
+}
+
+TEST(Check, WarnsOfRecordsThatRunIntoTheNextLine)
+{
+  EXPECT_EQ(Messages(With(kBeam, "2 2 3 1\n", "2 2\n3 1\n")),
+            Lines{"m:10:1: warning: values are missing in this line: they are taken from the next "
+                  "one"});
+}
+
+TEST(Check, WarnsOfUnitSystemsThatNothingUses)
+{
+  const std::string units =
+      "units_names\nkN kN m kPa 1000 1\nlb lb ft psf 4.4 0.3\nend\nunits_mesh m\n"
+      "units_mat_and_load kN\nunits_res kN\nmesh";
+  EXPECT_EQ(Messages(With(kBeam, "mesh", units)),
+            Lines{"m:2:1: warning: the unit system 'lb' is not used"});
+}
+
+TEST(Check, ReportsWhatElementsReferTo)
+{
+  EXPECT_EQ(Messages(With(With(kBeam, "2 2 3 1\n", "2 2 9 1\n3 3 2 5\n"), "1 1 2 1", "3 1 2 1")),
+            (Lines{"m:10:1: error: element 2 has an unknown node",
+                   "m:11:1: error: Material in element: 3 doesn't exist",
+                   "m:11:1: warning: element 3 is given again: line 9 has it too"}));
+}
+
+TEST(Check, ReportsNodesAndMaterialsThatNothingUses)
+{
+  const std::string text = With(With(kBeam, "3 4 0\n", "3 4 0\n4 5 5\n5 6 6\n"), "1 111 0 0 0",
+                                "1 111 0 0 0\n5 111 0 0 0");
+  EXPECT_EQ(Messages(With(text, "1 E=1e6", "7 E=1\n1 E=1e6")),
+            (Lines{"m:7:1: error: node 4 belongs to no element and is not held: the system cannot "
+                   "be solved",
+                   "m:8:1: warning: node 5 belongs to no element",
+                   "m:15:1: warning: material 7 is not used"}));
+}
+
+TEST(Check, WarnsOfNodesAtOnePlace)
+{
+  const std::string text =
+      With(With(kBeam, "3 4 0\n", "3 4 0\n4 2.0000001 0\n"), "2 2 3 1", "2 4 3 1");
+  EXPECT_EQ(
+      Messages(text),
+      (Lines{"m:6:1: error: the supports let the part of node 3 move along X: node 3 moves most",
+             "m:6:1: error: the supports let the part of node 3 move along Y: node 3 moves most",
+             "m:6:1: error: the supports let the part of node 3 turn about the axis along Z "
+             "through (3, 0, 0): node 3 moves most",
+             "m:6:1: warning: the part of node 3 (2 nodes) is not connected with that of node 1",
+             "m:7:1: warning: node 4 stands at the place of node 2"}));
+}
+
+TEST(Check, ReportsBeamsWithoutLength)
+{
+  EXPECT_EQ(
+      Messages(With(With(kBeam, "3 4 0", "3 2 0"), "nodal_point_loads\n3", "nodal_point_loads\n2")),
+      (Lines{"m:6:1: warning: node 3 stands at the place of node 2",
+             "m:10:1: error: element 2 has no length"}));
+}
+
+TEST(Check, ReportsSliversAndTurnedElements)
+{
+  EXPECT_EQ(Messages(With(kPlate, "2 1 3 4 1", "2 1 4 3 1")),
+            Lines{"m:11:1: warning: element 2 is turned against its neighbour 1: their normals are "
+                  "opposite"});
+  EXPECT_EQ(Messages(With(kPlate, "4 0 1 0", "4 0.49 0.51 0")),
+            Lines{"m:11:1: warning: element 2 is a sliver"});
+  EXPECT_EQ(Messages(With(kPlate, "4 0 1 0", "4 0.5 0.5 0")),
+            Lines{"m:11:1: error: element 2 has no area"});
+  EXPECT_EQ(Messages(With(kSolid, "1 1 2 3 4 1", "1 1 3 2 4 1")),
+            Lines{"m:10:1: error: element 1 is turned: its fourth node stands on the wrong side"});
+  EXPECT_EQ(Messages(With(kSolid, "4 0 0 1", "4 0.3 0.3 0.001")),
+            Lines{"m:10:1: warning: element 1 is a sliver"});
+}
+
+TEST(Check, ReportsEveryMissingValueOfASection)
+{
+  EXPECT_EQ(Messages(With(kBeam, "E=1e6 A=0.1 Iz=0.01", "E=1e6")),
+            (Lines{"m:13:1: error: section parameter A is 0 for element 1",
+                   "m:13:1: error: section parameter Iz is 0 for element 1"}));
+  EXPECT_EQ(Messages(With(kPlate, "G=4e5 t=0.1", "")),
+            (Lines{"m:14:1: error: error in element 1 Gxy is 0",
+                   "m:14:1: error: error in element 1 Gxz is 0",
+                   "m:14:1: error: error in element 1 Gyz is 0",
+                   "m:14:1: error: error in element 1 Shell thickness is 0"}));
+  EXPECT_EQ(Messages(With(kSolid, "nu=0.25", "nu=0.5")),
+            Lines{"m:13:1: error: error in element 1 nu is 0.5"});
+}
+
+TEST(Check, GivesThePairThatPassesTheSymmetryTest)
+{
+  EXPECT_EQ(Messages(With(kPlate, "E=1e6 nu=0.25", "Ex=1e6 Ey=5e5 nuXY=0.25 nuYX=0.25")),
+            Lines{"m:14:1: error: error in element 1 Ex*nuXY must be equal to Ey*nuYX: nuXY=0.25 "
+                  "needs nuYX=0.5"});
+  EXPECT_EQ(Messages(With(kPlate, "E=1e6 nu=0.25", "Ex=1e6 Ey=5e5 nuXY=0.25 nuYX=0.5")), Lines{});
+}
+
+TEST(Check, WarnsOfWeightWithoutADirection)
+{
+  EXPECT_EQ(Messages(With(kPlate, "t=0.1", "t=0.1 Weight=2")),
+            Lines{"m:14:1: warning: weight without GravityDirection: it acts along +Z"});
+  EXPECT_EQ(Messages(With(With(kPlate, "t=0.1", "t=0.1 Weight=2"), "mesh",
+                          "GravityDirection 0 0 -1\nmesh")),
+            Lines{});
+}
+
+TEST(Check, NamesTheMotionThatNothingHolds)
+{
+  const auto expect = [](const char* model, const char* old, const char* replacement,
+                         const Lines& messages) {
+    EXPECT_EQ(Messages(With(model, old, replacement)), messages);
+  };
+  expect(kBeam, "1 111 0 0 0", "1 011 0 0 0",
+         {"m:4:1: error: the supports let the model move along X: node 1 moves most"});
+  expect(kBeam, "1 111 0 0 0", "1 110 0 0 0",
+         {"m:6:1: error: the supports let the model turn about the axis along Z through (0, 0, 0): "
+          "node 3 moves most"});
+  expect(kBeam, "1 111 0 0 0", "1 112 0 0 5", {});
+  expect(kBeam, "1 111 0 0 0", "1 110 0 0 0\n3 010 0 0 0", {});
+  // A roller turned by a right angle holds what the pin holds already.
+  expect(kBeam, "1 111 0 0 0",
+         "1 110 0 0 0\n3 010 0 0 0 Euler1=0 Euler2=0 Euler3=1.5707963267948966",
+         {"m:6:1: error: the supports let the model turn about the axis along Z through (0, 0, 0): "
+          "node 3 moves most"});
+  expect(
+      kPlate, "1 111111 0 0 0 0 0 0", "1 111000 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0",
+      {"m:6:1: error: the supports let the model turn about the axis along X through (0.5, 0, 0): "
+       "node 3 moves most"});
+  expect(kSolid, "3 111 0 0 0\n", "",
+         {"m:6:1: error: the supports let the model turn about the axis along X through "
+          "(0.25, 0, 0): node 3 moves most"});
+}
+
+TEST(Check, RefusesLoadsThatTheProgramRefuses)
+{
+  EXPECT_EQ(Messages(std::string(kPlate) + "temperature_loads\n2 1 1\nend\n"),
+            Lines{"m:11:1: error: temperature for triangles not implemented yet"});
+}
+
+TEST(Check, SummarisesTheModel)
+{
+  const std::string text =
+      With(With(kBeam, "Iz=0.01", "Iz=0.01 Weight=20"), "mesh", "GravityDirection 0 -1 0\nmesh");
+  const check::Report report = check::CheckText(text);
+  ASSERT_TRUE(report.summary);
+  EXPECT_EQ(check::TextOf(*report.summary),
+            "problem:    2d\n"
+            "nodes:      3 in 1 part\n"
+            "elements:   2 beams, 0 shells, 0 solids\n"
+            "box:        (0, 0) to (4, 0) m\n"
+            "materials:  used 1; unused none\n"
+            "total load: (0, -11) N, with weight (0, -8)\n"
+            "units:      results in N and m\n"
+            "equations:  9, solver SkyLine, matrix of 36 numbers (0.000274658 MiB)\n");
+}
+
+TEST(Check, WritesProblemsAsJson)
+{
+  const std::string json = check::JsonOf(check::CheckText("problem type: 2d\n"), "m.dat");
+  EXPECT_NE(json.find("\"file\": \"m.dat\",\n \"errors\": 1,\n \"warnings\": 0,"), json.npos);
+  EXPECT_NE(json.find("\"line\": 0,\n   \"column\": 0,\n   \"message\": \"it is necessary at least "
+                      "one mesh\""),
+            json.npos);
+}
+
+TEST(Check, LeavesTheEndOfRunAsItWas)
+{
+  const auto end = [](std::string_view) {};
+  const ErrorWriter::EndOfRun before = errorwriter.SetEndOfRun(end);
+  check::CheckText(kBeam);
+  EXPECT_EQ(errorwriter.SetEndOfRun(before), static_cast<ErrorWriter::EndOfRun>(end));
+  EXPECT_EQ(readObserver, nullptr);
+}

@@ -14,6 +14,7 @@
 #include "support/fatal.h"
 #include "support/frame.h"
 #include "support/loaded_beams.h"
+#include "support/run.h"
 #include "support/shell_model.h"
 #include "support/solid_model.h"
 #include "support/solved.h"
@@ -125,6 +126,16 @@ Frame Storeys(int columns, int storeys, const std::array<int, 6>& feet)
   return frame;
 }
 
+/// A beam whose ends slide along slopes: the first of 1 to 2, the other at this angle (Euler1).
+Frame OnSkewRollers(double other)
+{
+  Frame frame = Chain(4, false);
+  frame.supports = {{1, kRollerInX, {}, Vector3{-0.4636476090008061, 0, 0}},
+                    {5, kRollerInX, {}, Vector3{other, 0, 0}},
+                    {3, {0, 0, 1}}};
+  return frame;
+}
+
 /// A tower of square storeys in space on four feet.
 Frame Tower(int storeys, const std::array<int, 6>& feet)
 {
@@ -192,6 +203,16 @@ void AddPlaneMechanisms(std::vector<Model>& models)
                                  Hinged(3 * storeys - 2, 3 * storeys - 1));
                  });
   }
+  AddWithLoads(models, "SkewRollersOnOneSlope", {{"Driven", {1, 0, 0}}, {"NotDriven", {-1, 2, 0}}},
+               [](const std::string& settings, const Vector3& load) {
+                 return Loaded(OnSkewRollers(-0.4636476090008061), settings, 3, load);
+               });
+  AddWithLoads(models, "SpringAcrossTheSway", {{"Driven", {1, 0, 0}}, {"NotDriven", {0, -1, 0}}},
+               [](const std::string& settings, const Vector3& load) {
+                 Frame frame = Storeys(4, 24, kRollerInX);
+                 frame.supports.push_back({50, {0, 2, 2}, {0, 100, 100}});
+                 return Loaded(frame, settings, 9, load);
+               });
   AddWithLoads(models, "ThreeHingesInARow", {{"Driven", {0, -1, 0}}, {"NotDriven", {1, 0, 0}}},
                [](const std::string& settings, const Vector3& load) {
                  Frame frame = Chain(4, false);
@@ -426,6 +447,9 @@ void AddFrames(std::vector<Model>& models)
                         support.values[0] = 1e-3;  // kN/m, under 1e6
                       return Loaded(frame, settings, 9, {1, -1, 0});
                     }});
+  models.push_back({"SkewRollersOnTwoSlopes", [](const std::string& settings) {
+                      return Loaded(OnSkewRollers(0.3), settings, 3, {1, -1, 0});
+                    }});
   models.push_back({"SettlementOnly", [](const std::string& settings) {
                       Frame frame = Storeys(4, 20, kClamped);
                       frame.supports[0].values[1] = -0.01;
@@ -565,6 +589,15 @@ TEST_P(Mechanism, IsRefusedInEveryUnit)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Mechanism, testing::ValuesIn(Mechanisms()), NameOf);
+
+TEST(ResidualCheck, EndsTheRunWithStatus2)
+{
+  Frame frame = Storeys(4, 99, kRollerInX);
+  frame.loads = {{9, {0, -1}}};
+  const RunResult run = RunOnProblem(ProblemText(frame));
+  EXPECT_EQ(run.status, 2);
+  EXPECT_TRUE(IsRefusal(run.err)) << run.err;
+}
 
 class StandingStructure : public testing::TestWithParam<Model>
 {

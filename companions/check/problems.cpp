@@ -42,12 +42,16 @@ std::vector<Located> Locate(std::vector<Problem> problems, std::string_view text
   return located;
 }
 
+std::string PlaceOf(const Located& problem, const std::string& file)
+{
+  return problem.line == 0
+             ? file
+             : file + ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column);
+}
+
 std::string LineOf(const Located& problem, const std::string& file)
 {
-  const std::string place = problem.line == 0 ? file
-                                              : file + ":" + std::to_string(problem.line) + ":" +
-                                                    std::to_string(problem.column);
-  return place + ": " + SeverityName(problem.severity) + ": " + problem.message;
+  return PlaceOf(problem, file) + ": " + SeverityName(problem.severity) + ": " + problem.message;
 }
 
 const char* SeverityName(Severity severity)

@@ -34,6 +34,9 @@ struct Located
 /// The problems by place in the text, each once; those of the whole file come last.
 std::vector<Located> Locate(std::vector<Problem> problems, std::string_view text);
 
+/// "file:line:column", or the file alone.
+std::string PlaceOf(const Located& problem, const std::string& file);
+
 /// "model.dat:47:12: error: ..." without a newline.
 std::string LineOf(const Located& problem, const std::string& file);
 

@@ -3,10 +3,13 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/errorwriter.h"
+#include "check/check.h"
 #include "common/command_line.h"
 #include "common/input_files.h"
 #include "common/model_data.h"
@@ -45,6 +48,19 @@ void ReadProject(const fs::path& file, Project& project)
   if (!in)
     Fatal("can't open file ", file.string(), "\n");
   project.ReadFromAscii(in);
+}
+
+// What morlen-check says of the problem file.
+std::vector<Finding> FindingsIn(const fs::path& file)
+{
+  std::ifstream in(file, std::ios::binary);
+  const std::string text(std::istreambuf_iterator<char>(in), {});
+  std::vector<Finding> findings;
+  for (const check::Located& problem : check::CheckText(text).problems)
+    findings.push_back({.error = problem.severity == check::Severity::Error,
+                        .place = check::PlaceOf(problem, file.filename().string()),
+                        .text = problem.message});
+  return findings;
 }
 
 // What to do about loads that the reactions do not carry.
@@ -88,7 +104,7 @@ ExitStatus Report(const Options& options)
                       .loads = loads,
                       .equilibrium = equilibrium,
                       .advice = advice,
-                      .check = std::nullopt}));
+                      .check = FindingsIn(file)}));
   return PrintBalance(equilibrium, advice);
 }
 

@@ -58,7 +58,7 @@ struct LoadCase
 {
   ReaVecV loads;  ///< all of them
   ReaVecV displacements;
-  double force = 0.0;   ///< largest of the right-hand side on the free components
+  double force = 0.0;   ///< what the forces missed are compared with
   double moment = 0.0;  ///< likewise; both at least what the other makes at one length
 };
 

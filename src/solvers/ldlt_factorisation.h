@@ -11,7 +11,7 @@ struct LdltOptions
 {
   const LdltKernel* kernel;         ///< one of LdltKernels()
   std::function<void(int)> onRow;   ///< called with each finished row, before its pivot is judged
-  std::size_t keptBytes = 4 << 20;  ///< how much of the finished rows may be kept, besides a part
+  std::size_t keptBytes = 12 << 20;  ///< how much of the finished rows may be kept, besides a part
                                     ///< of what the matrix takes
 };
 

@@ -34,6 +34,9 @@ std::optional<Summary> CheckProject(Project& project, Recorder& recorder)
   if (recorder.HasErrors())
     return std::nullopt;
   project.CheckModel();
+  if (std::any_of(subject.elements.begin(), subject.elements.end(),
+                  [](const Elem* elem) { return elem->ElemType() == Triangle; }))
+    recorder.AttemptAt(kWholeFile, [&] { project.CalcCoplanarityVector(); });
   if (recorder.HasErrors())
     return std::nullopt;
   Summary summary = Summarise(project, subject);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <unordered_map>
 
+#include "base/constants.h"
 #include "check/checks.h"
 #include "check/recorder.h"
 #include "model/node.h"
@@ -118,18 +119,21 @@ double SumOfSquares(const Elem& elem, int corners)
   return sum;
 }
 
-// 4·√3·A over the sum of the squared edges.
-double TriangleShape(const Elem& elem)
+// Twice the area, or six times the volume, which is negative for a turned element: the
+// determinant that the analysis divides by.
+double DeterminantOf(const Elem& elem)
 {
   const Point n = NormalOf(elem);
-  return 2.0 * std::sqrt(3.0 * Dot(n, n)) / SumOfSquares(elem, 3);
+  return elem.ElemType() == Triangle ? std::sqrt(Dot(n, n))
+                                     : Dot(n, Minus(PlaceOf(*elem(3)), PlaceOf(*elem(0))));
 }
 
-// 6·√2·V over the cube of the root mean square of the edges; negative for a turned element.
-double SolidShape(const Elem& elem)
+// 4·√3·A over the sum of the squared edges, or 6·√2·V over the cube of their root mean square.
+double ShapeOf(const Elem& elem, double determinant)
 {
-  const double volume = Dot(NormalOf(elem), Minus(PlaceOf(*elem(3)), PlaceOf(*elem(0)))) / 6.0;
-  return 6.0 * std::sqrt(2.0) * volume / std::pow(SumOfSquares(elem, 4) / 6.0, 1.5);
+  if (elem.ElemType() == Triangle)
+    return 2.0 * std::sqrt(3.0) * determinant / SumOfSquares(elem, 3);
+  return std::sqrt(2.0) * determinant / std::pow(SumOfSquares(elem, 4) / 6.0, 1.5);
 }
 
 void CheckShape(const Elem& elem, Recorder& recorder)
@@ -137,14 +141,14 @@ void CheckShape(const Elem& elem, Recorder& recorder)
   if (elem.ElemType() == Linear)
     return;
   const bool solid = elem.ElemType() == Tetrahedra;
-  const double shape = solid ? SolidShape(elem) : TriangleShape(elem);
+  const double determinant = DeterminantOf(elem);
   const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Element, elem.Num());
   const std::string name = Joined("element ", elem.Num());
-  if (!(std::fabs(shape) > 0.0))
-    recorder.Error(place, name, (solid ? " has no volume" : " has no area"));
-  else if (shape < 0.0)
+  if (!(std::fabs(determinant) >= EPSILON))
+    recorder.Error(place, name, solid ? " has no volume" : " has no area");
+  else if (determinant < 0.0)
     recorder.Error(place, name, " is turned: its fourth node stands on the wrong side");
-  else if (shape < (solid ? kSliverSolid : kSliverTriangle))
+  else if (ShapeOf(elem, determinant) < (solid ? kSliverSolid : kSliverTriangle))
     recorder.Warn(place, name, " is a sliver");
 }
 

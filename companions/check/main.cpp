@@ -1,8 +1,8 @@
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "check/check.h"
 #include "common/command_line.h"
@@ -13,9 +13,12 @@ std::optional<std::string> ReadText(const std::string& name)
 {
   std::ifstream in(name, std::ios::binary);
   std::string text;
-  if (in)
-    text.assign(std::istreambuf_iterator<char>(in), {});
-  if (!in || in.bad())
+  std::vector<char> part(std::size_t{1} << 16);
+  while (in) {
+    in.read(part.data(), static_cast<std::streamsize>(part.size()));
+    text.append(part.data(), static_cast<std::size_t>(in.gcount()));
+  }
+  if (in.bad() || !in.eof())
     return std::nullopt;
   return text;
 }

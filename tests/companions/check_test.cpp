@@ -231,9 +231,12 @@ TEST(Check, ReportsBeamsWithoutLength)
 
 TEST(Check, ReportsSliversAndTurnedElements)
 {
-  EXPECT_EQ(Messages(With(kPlate, "2 1 3 4 1", "2 1 4 3 1")),
-            Lines{"m:11:1: warning: element 2 is turned against its neighbour 1: their normals are "
-                  "opposite"});
+  EXPECT_EQ(
+      Messages(With(kPlate, "2 1 3 4 1", "2 1 4 3 1")),
+      (Lines{"m:11:1: warning: element 2 is turned against its neighbour 1: their normals are "
+             "opposite",
+             "m: error: Elements 1 and 2 have normals in opposite directions. It is necessary "
+             "to swap normals"}));
   EXPECT_EQ(Messages(With(kPlate, "4 0 1 0", "4 0.49 0.51 0")),
             Lines{"m:11:1: warning: element 2 is a sliver"});
   EXPECT_EQ(Messages(With(kPlate, "4 0 1 0", "4 0.5 0.5 0")),

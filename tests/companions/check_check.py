@@ -1,0 +1,83 @@
+#!/usr/bin/env python3
+"""Checks morlen-check as an executable: its streams, its exit status, and that it agrees with the program.
+
+    check_check.py MORLEN MORLEN_CHECK EXAMPLES
+"""
+
+import json
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+MORLEN, CHECK, EXAMPLES = sys.argv[1:4]
+
+
+class Check(unittest.TestCase):
+    def setUp(self):
+        self.temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(self.temporary.cleanup)
+        self.folder = pathlib.Path(self.temporary.name)
+        self.portal = (pathlib.Path(EXAMPLES) / "portal_frame.dat").read_text()
+
+    def check(self, *arguments):
+        return subprocess.run([CHECK, *arguments], capture_output=True, text=True, cwd=self.folder)
+
+    def check_text(self, text, *options):
+        (self.folder / "m.dat").write_text(text)
+        return self.check("m.dat", *options)
+
+    def test_help_and_version(self):
+        for option, beginning in (("--help", "Reports every problem"), ("--version", "morlen-check ")):
+            run = self.check(option)
+            self.assertEqual((run.returncode, run.stderr), (0, ""))
+            self.assertTrue(run.stdout.startswith(beginning), run.stdout)
+
+    def test_examples_have_no_errors(self):
+        examples = sorted(pathlib.Path(EXAMPLES).glob("*.dat"))
+        self.assertTrue(examples)
+        for example in examples:
+            run = self.check(example)
+            self.assertEqual((run.returncode, run.stderr), (0, ""), example)
+            self.assertTrue(run.stdout.endswith("0 errors, 0 warnings\n"))
+
+    def test_warnings_leave_the_status(self):
+        run = self.check_text(self.portal.replace("20    0   0", "20    0   0  note=1"))
+        self.assertEqual((run.returncode, run.stderr),
+                         (0, "m.dat:49:20: warning: ignored: the key 'note'\n"))
+        self.assertTrue(run.stdout.endswith("0 errors, 1 warning\n"))
+
+    def test_errors_are_those_of_the_program(self):
+        for old, new in (("1   111   0 0 0", "1   100   0 0 0"), ("1   2   1", "1   9   1"),
+                         ("constraints\n#", "constrants\n#"), ("A = 78.08e-4", ""),
+                         ("problem type: 2d", "problem type: 5d")):
+            text = self.portal.replace(old, new, 1).replace("6   111", "6   010")
+            run = self.check_text(text)
+            self.assertEqual(run.returncode, 1, old)
+            self.assertNotIn("nodes:", run.stdout)
+            self.assertRegex(run.stderr, r"^m\.dat:\d+:\d+: error: ")
+            self.assertEqual(subprocess.run([MORLEN, "m.dat"], cwd=self.folder,
+                                            capture_output=True).returncode, 2, old)
+
+    def test_json(self):
+        run = self.check_text(self.portal.replace("A = 78.08e-4", ""), "--json")
+        self.assertEqual((run.returncode, run.stderr), (1, ""))
+        report = json.loads(run.stdout)
+        self.assertEqual(report["problems"],
+                         [{"severity": "error", "line": 36, "column": 3,
+                           "message": "section parameter A is 0 for element 1"}])
+        self.assertIsNone(report["summary"])
+        report = json.loads(self.check_text(self.portal, "--json").stdout)
+        self.assertEqual((report["errors"], report["summary"]["load"]), (0, [20, -120, 0]))
+
+    def test_a_file_that_cannot_be_read(self):
+        for name in ("none.dat", "."):
+            run = self.check(name)
+            self.assertEqual((run.returncode, run.stdout, run.stderr),
+                             (2, "", f"can't read file {name}\n"))
+        self.assertEqual(self.check().returncode, 2)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

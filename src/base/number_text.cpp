@@ -148,8 +148,10 @@ bool ScanPlainExponent(const char*& p, const char* end, int& exponent)
   const char* const first = p;
   std::uint64_t size = 0;
   AppendDigits(p, end, size);
+  if (p == first || p - first > 3)
+    return false;
   exponent = negative ? -static_cast<int>(size) : static_cast<int>(size);
-  return p != first && p - first <= 3;
+  return true;
 }
 
 // Whether a number that ended at p would go on for another reader.

@@ -43,6 +43,7 @@ TEST(NumberText, ScanDoubleReadsAsScanf)
                                       "2.1e11",
                                       "1e308",
                                       "4.9e-324",
+                                      "5e-2147483648",
                                       "1-2",
                                       "1+2",
                                       "-0",

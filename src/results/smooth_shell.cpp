@@ -167,12 +167,14 @@ void Project::SmoothVariable(int mesh, int variableNumber, ReaVecV& values,
   CornerValues corners(result.points);
   std::vector<std::array<int, 3>> groupsOf;  // of each element, at its corners
   groupsOf.reserve(result.numbers.size());
-  double* first = values.Data() + variable.First();
+  const auto valuesAt = [&](int place) {  // of an element
+    return values.Data() + variable.First() + place * result.blockSize;
+  };
   for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
     const int place = static_cast<int>(groupsOf.size());
     const Triple axes = AxesOfValues(elem, &RequireMaterial(elem), mainAngles,
                                      place * 6 * result.points, result.points, variable);
-    const std::array<Triple, 3> given = corners.FromPoints(first + place * result.blockSize);
+    const std::array<Triple, 3> given = corners.FromPoints(valuesAt(place));
     std::array<int, 3>& own = groupsOf.emplace_back();
     for (int corner = 0; corner < 3; ++corner) {
       own[corner] = groups.Find(elem(corner)->number, axes);
@@ -183,7 +185,7 @@ void Project::SmoothVariable(int mesh, int variableNumber, ReaVecV& values,
   for (std::size_t place = 0; place < groupsOf.size(); ++place) {
     const std::array<int, 3>& own = groupsOf[place];
     corners.ToPoints({groups.Values(own[0]), groups.Values(own[1]), groups.Values(own[2])},
-                     first + static_cast<int>(place) * result.blockSize);
+                     valuesAt(static_cast<int>(place)));
   }
 }
 

@@ -292,9 +292,10 @@ bool operator==(const A& a, const B& b)
   return std::equal(a.begin(), a.end(), b.begin(), b.end());
 }
 
-/// True when every component equals the value.
-template <DenseVector V>
-bool operator==(const V& v, double value)
+/// True when every component equals the value. (The value's type is a parameter because of
+/// compilers that look at the types before the concepts, and see one of two numbers.)
+template <DenseVector V, std::convertible_to<double> Value>
+bool operator==(const V& v, Value value)
 {
   return std::all_of(v.begin(), v.end(), [value](double component) { return component == value; });
 }

@@ -25,6 +25,13 @@ bool IsDigit(char c)
   return c >= '0' && c <= '9';
 }
 
+// As much of a number as a message needs.
+std::string_view FirstDigits(const char* first, const char* last)
+{
+  constexpr std::ptrdiff_t kMost = 30;
+  return {first, static_cast<std::size_t>(std::min(last - first, kMost))};
+}
+
 // The slow way for what from_chars calls out of range: strtod tells the tiny
 // numbers, which count as 0 or denormal, from the infinite ones.
 bool TinyNumber(const char* first, const char* last, double& value)
@@ -53,6 +60,9 @@ bool TextScan::ReadInt(int& value)
   if (plus && (digits == end || !IsDigit(*digits)))
     return false;
   const auto [stop, fault] = std::from_chars(digits, end, value);
+  // Not read as the end of a block, which would lose all that follows.
+  if (fault == std::errc::result_out_of_range)
+    Fatal("error: the number ", FirstDigits(digits, stop), " is too large\n");
   next = stop;
   return fault == std::errc();
 }

@@ -14,6 +14,8 @@ constexpr int kPanelRows = 24;
 /// Columns of a chunk, whole panels: the panel's part of a chunk stays in the first cache.
 constexpr int kChunkColumns = 96;
 constexpr int kPanelsPerChunk = kChunkColumns / kPanelRows;
+/// Right-hand sides that are carried along, see PivotCheck.
+constexpr int kProbes = 2;
 constexpr int kBlockSize = kPanelRows * kChunkColumns;
 
 /// The columns of a panel that belong to the rows of one block, and what is subtracted there:
@@ -33,9 +35,10 @@ struct LdltStep
 /// A column that is eliminated from the rest of its panel.
 struct LdltPivot
 {
-  double* group;  ///< the panel's columns of the group that it belongs to
-  double* block;  ///< the panel's own block at this column: element 0 of the first group
-  int column;     ///< within the panel
+  double* group;   ///< the panel's columns of the group that it belongs to
+  double* probes;  ///< kProbes columns
+  double* block;   ///< the panel's own block at this column: element 0 of the first group
+  int column;      ///< within the panel
 };
 
 /// A family of processors. `groupRows` and `tileRows` divide kPanelRows.
@@ -56,6 +59,6 @@ struct LdltKernel
   void (*divide)(const double* panel, const double* pivots, double* block, int count);
 
   /// Takes the finished column G(j,k) of a panel, whose pivot is G(k,k), out of the columns of
-  /// its group behind it, and puts L(j,k) into the block.
+  /// its group behind it and of the probes, and puts L(j,k) into the block.
   void (*eliminate)(const LdltPivot& pivot);
 };

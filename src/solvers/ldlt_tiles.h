@@ -28,6 +28,7 @@ private:
   static constexpr int kGroups = kPanelRows / Columns;
   static constexpr int kGroupSize = kChunkColumns * Columns;
   static_assert(kPanelRows % kTileRows == 0 && kPanelRows % Columns == 0);
+  static_assert(Columns >= kProbes);
 
   static void Load(Vector& v, const double* from) { __builtin_memcpy(&v, from, sizeof v); }
   static void Store(double* to, const Vector& v) { __builtin_memcpy(to, &v, sizeof v); }
@@ -132,6 +133,10 @@ private:
     const double* const l = pivot.block + pivot.column / Columns * kGroupSize;
     for (int c = index + 1; c < Columns; ++c)
       SubtractColumn(pivot.group + c * kPanelRows, column, l[c]);
+    for (int probe = 0; probe < kProbes; ++probe) {
+      double* const w = pivot.probes + probe * kPanelRows;
+      SubtractColumn(w, column, w[pivot.column] / d);
+    }
   }
 };
 

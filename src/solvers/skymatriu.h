@@ -48,8 +48,8 @@ public:
   int Solver(ReaVecV& b, std::FILE* info) override;
 
   /// Factorises in place, without pivoting. Returns 0, or the first equation whose pivot is
-  /// refused: not a number, below 1e-15, or not above 1e-14 of its diagonal entry. Progress every
-  /// 500 equations.
+  /// refused: not a number, below 1e-15, or nothing but rounding error (see PivotCheck). Progress
+  /// every 500 equations.
   int Txolesky(std::FILE* info);
 
   /// Solves with the factors that Txolesky has left: b becomes the solution.

@@ -540,6 +540,34 @@ TEST(SkyMatriu, ProgressComesBeforeTheTestOfThePivot)
             "Solving degree 500 of 600\n");
 }
 
+TEST(SkyMatriu, FreeChainOfSpringsIsRefusedAtItsEnd)
+{
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> exponent(3.0, 9.0);
+  for (const int n : {2, 3, 10, 200, 3000}) {
+    std::vector<double> springs;
+    for (int i = 1; i < n; ++i)
+      springs.push_back(std::pow(10.0, exponent(random)));
+    SkyMatriu matrix(n);
+    CreateChain(matrix, springs);
+    ReaVecV b(n);
+    b = 1.0;
+    EXPECT_EQ(matrix.Solver(b, nullptr), n);
+  }
+}
+
+TEST(SkyMatriu, BeamThatCanTurnIsRefusedAtItsEnd)
+{
+  for (const int elements : {1, 2, 7, 50, 400}) {
+    SkyMatriu matrix(2 * elements + 2);
+    CreateBeam(matrix, elements, 0.7);
+    ReaVecV b(2 * elements + 2);
+    b = 1.0;
+    matrix.ApplyConstraint(1, 0.0, b);
+    EXPECT_EQ(matrix.Solver(b, nullptr), 2 * elements + 2) << elements;
+  }
+}
+
 TEST(SkyMatriu, LongCantileverIsSolved)
 {
   static const struct

@@ -5,6 +5,7 @@ add_library(morlen_sanitizers INTERFACE)
 if(MORLEN_SANITIZE)
   target_compile_options(morlen_sanitizers INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
-    -Wno-maybe-uninitialized)  # instrumented standard headers give false alarms
+    # Instrumented standard headers give false alarms.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(morlen_sanitizers INTERFACE -fsanitize=address,undefined)
 endif()

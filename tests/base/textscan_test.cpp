@@ -42,11 +42,13 @@ TEST(TextScan, IntegersAsAFormattedStreamReadsThem)
 TEST(TextScan, NumbersBeyondIntEndTheRun)
 {
   for (const std::string number : {"2147483648", "-2147483649", "99999999999"}) {
-    TextScan text(" " + number + " 1\n");
+    const std::string line = " " + number + " 1\n";
+    TextScan text(line);
     int value = 0;
     ExpectFatal([&] { text.ReadInt(value); }, "error: the number " + number + " is too large\n");
   }
-  TextScan text("+" + std::string(100, '9'));
+  const std::string digits = "+" + std::string(100, '9');
+  TextScan text(digits);
   int value = 0;
   ExpectFatal([&] { text.ReadInt(value); },
               "error: the number " + std::string(30, '9') + " is too large\n");

@@ -78,6 +78,8 @@ std::string Shown(double number)
 
 Recorder::Recorder(std::string_view text, TextScan& scanner) : content(text), scan(scanner)
 {
+  for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1))
+    newlines.push_back(static_cast<std::ptrdiff_t>(at));
   previousEnd = errorwriter.SetEndOfRun(
       [](std::string_view message) { throw RunEnded{std::string(message)}; });
   readObserver = this;
@@ -267,7 +269,9 @@ std::ptrdiff_t Recorder::RecordStart(std::ptrdiff_t offset) const
 
 int Recorder::LineNumber(std::ptrdiff_t offset) const
 {
-  return static_cast<int>(std::count(content.begin(), content.begin() + offset, '\n')) + 1;
+  return static_cast<int>(std::lower_bound(newlines.begin(), newlines.end(), offset) -
+                          newlines.begin()) +
+         1;
 }
 
 }  // namespace check

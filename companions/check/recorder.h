@@ -72,6 +72,7 @@ private:
   static constexpr int kItems = 4;
 
   std::string_view content;
+  std::vector<std::ptrdiff_t> newlines;  ///< their offsets, ascending
   TextScan& scan;
   ErrorWriter::EndOfRun previousEnd;
   std::vector<Problem> problems;

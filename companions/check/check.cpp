@@ -34,6 +34,8 @@ std::optional<Summary> CheckProject(Project& project, Recorder& recorder)
   if (recorder.HasErrors())
     return std::nullopt;
   project.CheckModel();
+  if (project.solverSettings.type == SolverType::Double)
+    recorder.AttemptAt(recorder.PlaceOfKeyword("Solver"), [&] { project.CheckDoubleSolver(); });
   if (std::any_of(subject.elements.begin(), subject.elements.end(),
                   [](const Elem* elem) { return elem->ElemType() == Triangle; }))
     recorder.AttemptAt(kWholeFile, [&] { project.CalcCoplanarityVector(); });

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "check/checks.h"
 #include "check/recorder.h"
@@ -140,12 +142,88 @@ std::pair<Point, Point> DirectionOf(const Project& project, const Matriu* T, int
   return direction;
 }
 
-void AddSupport(const Project& project, const Body& body, const Node& node, RowSpace& rows)
+/// How hinges bear on the motions of parts.
+struct Hinges
+{
+  /// Nodes where every end is hinged. The analysis holds their rotations, which only the torsion
+  /// of their beams feels.
+  std::unordered_set<const Node*> loose;
+  /// Axes of the beams from a node that turns with its part to a loose one.
+  std::unordered_map<const Node*, std::vector<Point>> spins;
+};
+
+bool IsContinuous(const Project& project, const Elem& elem, int end)
+{
+  if (elem.ElemType() != Linear)
+    return true;
+  const int code = project.GiveHingeCode(elem.Num());
+  return !elem(end)->hasRotule && (end == 0 ? code / 10 : code % 10) == 1;
+}
+
+Hinges HingesOf(const Subject& subject)
+{
+  Hinges hinges;
+  if (!subject.project.hasHinges)
+    return hinges;
+  hinges.loose.insert(subject.nodes.begin(), subject.nodes.end());
+  for (const Elem* elem : subject.elements) {
+    for (int i = 0; i < elem->Nnode(); ++i) {
+      if (IsContinuous(subject.project, *elem, i))
+        hinges.loose.erase((*elem)(i));
+    }
+  }
+  for (const Elem* elem : subject.elements) {
+    if (elem->ElemType() != Linear || subject.project.problemType == kPlane)
+      continue;
+    for (int i = 0; i < 2; ++i) {
+      if (!hinges.loose.contains((*elem)(i)) && hinges.loose.contains((*elem)(1 - i)))
+        hinges.spins[(*elem)(i)].push_back(Minus(PlaceOf(*(*elem)(1)), PlaceOf(*(*elem)(0))));
+    }
+  }
+  return hinges;
+}
+
+// The torsion of beams between nodes that turn with the part and others that are held.
+void AddSpins(const Hinges& hinges, const Body& body, const Node& node, RowSpace& rows)
+{
+  const auto found = hinges.spins.find(&node);
+  if (found == hinges.spins.end())
+    return;
+  for (Point axis : found->second) {
+    const double length = std::sqrt(Dot(axis, axis));
+    for (double& component : axis)
+      component /= length;
+    rows.Add(RowOf(body, body.centre, {}, axis));
+  }
+}
+
+// A straight part whose nodes are all loose has nothing that turns about its own line.
+void AddLine(const Hinges& hinges, const Body& body, RowSpace& rows)
+{
+  Point line{};
+  for (const Node* node : body.nodes) {
+    if (!hinges.loose.contains(node))
+      return;
+    const Point r = Minus(PlaceOf(*node), body.centre);
+    line = Dot(r, r) > Dot(line, line) ? r : line;
+  }
+  const double limit = kDependent * Dot(line, line);
+  for (const Node* node : body.nodes) {
+    const Point away = Cross(line, Minus(PlaceOf(*node), body.centre));
+    if (Dot(away, away) > limit * limit)
+      return;
+  }
+  rows.Add(RowOf(body, body.centre, {}, line));
+}
+
+// Rotations that are held at a loose node hold nothing else.
+void AddSupport(const Project& project, const Body& body, const Node& node, bool loose,
+                RowSpace& rows)
 {
   Matriu T;
   const bool turned =
       node.constraint->CalcTransfMatFromEuler(node.number, T, project.freeDegrees, 0) == 0;
-  for (int k = 0; k < project.freeDegrees; ++k) {
+  for (int k = 0; k < (loose ? project.translations : project.freeDegrees); ++k) {
     if (!Holds(*node.constraint, k))
       continue;
     const auto [u, a] = DirectionOf(project, turned ? &T : nullptr, k);
@@ -190,6 +268,18 @@ std::string MotionName(const Body& body, const Point& t, const Point& w)
                 screw ? " while moving along it" : "");
 }
 
+RowSpace RowsOf(const Project& project, const Hinges& hinges, const Body& body)
+{
+  RowSpace rows;
+  for (const Node* node : body.nodes) {
+    if (node->constraint)
+      AddSupport(project, body, *node, hinges.loose.contains(node), rows);
+    AddSpins(hinges, body, *node, rows);
+  }
+  AddLine(hinges, body, rows);
+  return rows;
+}
+
 const Node& MostMoved(const Body& body, const Point& t, const Point& w)
 {
   const Node* most = body.nodes.front();
@@ -213,15 +303,12 @@ void CheckSupports(const Subject& subject, Recorder& recorder)
   const Project& project = subject.project;
   const bool plane = project.problemType == kPlane && project.translations == 2;
   const std::vector<int> columns = plane ? std::vector{0, 1, 5} : std::vector{0, 1, 2, 3, 4, 5};
+  const Hinges hinges = HingesOf(subject);
   for (const Subject::Part& part : subject.parts) {
     const Body body = BodyOf(part.nodes);
     if (!(body.size > 0.0))
       continue;
-    RowSpace rows;
-    for (const Node* node : part.nodes) {
-      if (node->constraint)
-        AddSupport(project, body, *node, rows);
-    }
+    const RowSpace rows = RowsOf(project, hinges, body);
     const int first = part.nodes.front()->number;
     const std::string name =
         subject.parts.size() == 1 ? "the model" : Joined("the part of node ", first);

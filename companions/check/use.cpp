@@ -5,6 +5,7 @@
 #include "check/checks.h"
 #include "check/recorder.h"
 #include "model/material.h"
+#include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
 #include "problem/constraint.h"
@@ -13,8 +14,10 @@
 namespace check {
 namespace {
 
-bool IsHeld(const Node& node, int components)
+// Where there are hinges, the analysis holds the rotations of nodes that no element holds.
+bool IsHeld(const Project& project, const Node& node)
 {
+  const int components = project.hasHinges ? project.translations : project.freeDegrees;
   if (!node.constraint)
     return false;
   const auto& flags = node.constraint->flags;
@@ -22,7 +25,8 @@ bool IsHeld(const Node& node, int components)
                       [](int flag) { return flag == Constraint::kFree; });
 }
 
-// Its equations are empty: the solution stops at them, whatever acts on the node.
+// Its equations are empty: the solution stops at them, whatever acts on the node, unless they
+// are held. With solids the results stop at a node without elements in any case.
 void CheckNodes(const Subject& subject, Recorder& recorder)
 {
   const std::set<const Node*> used(subject.nodes.begin(), subject.nodes.end());
@@ -31,7 +35,9 @@ void CheckNodes(const Subject& subject, Recorder& recorder)
       continue;
     const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Node, number);
     const std::string name = Joined("node ", number, " belongs to no element");
-    if (IsHeld(node, subject.project.freeDegrees))
+    if (subject.project.meshes.front()->GiveElemType() == Tetrahedra)
+      recorder.Error(place, name, ": the results of solids need one");
+    else if (IsHeld(subject.project, node))
       recorder.Warn(place, name);
     else
       recorder.Error(place, name, " and is not held: the system cannot be solved");

@@ -60,12 +60,7 @@ void Project::Calc(int renumber, std::FILE* info)
 // of the sparse solver for the model of six-node triangles.
 void Project::PreSolve(int renumber, std::FILE* info)
 {
-  for (const auto& mesh : meshes) {
-    if (mesh->GiveElemType() == Triangle && mesh->GiveNnode() != 3)
-      Fatal("error: Solver DOUBLE needs a shell mesh of 3-noded triangles\n");
-    if (mesh->GiveElemType() == Tetrahedra)
-      Fatal("error: Double solver not implemented for tetrahedras\n");
-  }
+  CheckDoubleSolver();
   if (renumber)
     meshes.front()->RenumberNodes();
   Progress(info, "Running a pre-solver to prepare initial values\n");
@@ -77,6 +72,16 @@ void Project::PreSolve(int renumber, std::FILE* info)
   preSolved = true;
   solverSettings.type = SolverType::Sparse;
   convertTo6Nodes = true;
+}
+
+void Project::CheckDoubleSolver() const
+{
+  for (const auto& mesh : meshes) {
+    if (mesh->GiveElemType() == Triangle && mesh->GiveNnode() != 3)
+      Fatal("error: Solver DOUBLE needs a shell mesh of 3-noded triangles\n");
+    if (mesh->GiveElemType() == Tetrahedra)
+      Fatal("error: Double solver not implemented for tetrahedras\n");
+  }
 }
 
 void Project::ConvertTriangles(std::FILE* info)

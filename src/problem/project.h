@@ -139,6 +139,8 @@ public:
   void Calc(int renumber, std::FILE* info);
   /// Refuses what is no model for the analysis although it refers to nothing unknown.
   void CheckModel() const;
+  /// Refuses meshes that `Solver Double` does not take.
+  void CheckDoubleSolver() const;
   /// Chooses the solver where the file leaves it open.
   void ChooseSolver();
   void AddNodalLoads();

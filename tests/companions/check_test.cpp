@@ -56,6 +56,46 @@ constraints
 end constraints
 )";
 
+// A bar in space, held at both ends, but not against its spin.
+constexpr const char* kBar = R"(problem type: 3d
+mesh dimension = 3 elemtype Linear nnode = 2
+coordinates
+1 0 0 0
+2 3 0 0
+end coordinates
+elements
+1 1 2 1
+end elements
+materials
+1 E=2e8 G=8e7 A=0.01 Iy=1e-5 Iz=1e-5 J=1e-5
+end materials
+constraints
+1 111000 0 0 0 0 0 0
+2 011000 0 0 0 0 0 0
+end constraints
+)";
+
+constexpr const char* kSixNodes = R"(problem type: 3d
+mesh dimension = 3 elemtype Triangle nnode = 6
+coordinates
+1 0 0 0
+2 2 0 0
+3 0 2 0
+4 1 0 0
+5 1 1 0
+6 0 1 0
+end coordinates
+elements
+1 1 2 3 4 5 6 1
+end elements
+materials
+1 E=1e6 nu=0.25 G=4e5 t=0.1
+end materials
+constraints
+1 111111 0 0 0 0 0 0
+end constraints
+)";
+
 constexpr const char* kSolid = R"(problem type: 3d
 mesh dimension = 3 elemtype Tetrahedra nnode = 4
 coordinates
@@ -207,6 +247,17 @@ TEST(Check, ReportsNodesAndMaterialsThatNothingUses)
                    "m:15:1: warning: material 7 is not used"}));
 }
 
+TEST(Check, KnowsWhereNodesNeedElements)
+{
+  EXPECT_EQ(Messages(With(With(kSolid, "4 0 0 1\n", "4 0 0 1\n5 3 3 3\n"), "constraints\n",
+                          "constraints\n5 111 0 0 0\n")),
+            Lines{"m:8:1: error: node 5 belongs to no element: the results of solids need one"});
+  const std::string hinged = With(With(kBar, "2 3 0 0\n", "2 3 0 0\n3 9 9 9\n"), "constraints\n",
+                                  "constraints\n3 111000 0 0 0 0 0 0\n") +
+                             "rotules\n1 hinge\nend\n";
+  EXPECT_EQ(Messages(hinged), Lines{"m:6:1: warning: node 3 belongs to no element"});
+}
+
 TEST(Check, WarnsOfNodesAtOnePlace)
 {
   const std::string text =
@@ -305,10 +356,49 @@ TEST(Check, NamesTheMotionThatNothingHolds)
           "(0.25, 0, 0): node 3 moves most"});
 }
 
+TEST(Check, LeavesRotationsAtHingesFree)
+{
+  const Lines turning = {
+      "m:6:1: error: the supports let the model turn about the axis along Z through (0, 0, 0): "
+      "node 3 moves most"};
+  const std::string beam = kBeam;
+  EXPECT_EQ(Messages(beam + "rotules\n1 hinge\nend\n"), turning);
+  EXPECT_EQ(Messages(beam + "elem_rotules\n1 01\nend\n"), turning);
+  EXPECT_EQ(Messages(beam + "rotules\n3 hinge\nend\n"), Lines{});
+  EXPECT_EQ(
+      Messages(With(kBeam, "1 111 0 0 0", "1 111 0 0 0\n3 010 0 0 0") + "rotules\n1 hinge\nend\n"),
+      Lines{});
+}
+
+TEST(Check, HoldsTheSpinOfBeamsAtHinges)
+{
+  const std::string bar = kBar;
+  EXPECT_EQ(Messages(bar + "rotules\n1 hinge\n2 hinge\nend\n"), Lines{});
+  EXPECT_EQ(Messages(bar + "rotules\n1 hinge\nend\n"), Lines{});
+  EXPECT_EQ(Messages(bar),
+            Lines{"m:4:1: error: the supports let the model turn about the axis along X through "
+                  "(1.5, 0, 0): node 1 moves most"});
+  // Torsion alone does not hold a triangle of bars that turns about one of its sides.
+  const std::string triangle = With(With(bar, "2 3 0 0\n", "2 3 0 0\n3 0 3 0\n"), "1 1 2 1\n",
+                                    "1 1 2 1\n2 2 3 1\n3 1 3 1\n");
+  EXPECT_EQ(Messages(triangle + "rotules\n1 hinge\n2 hinge\n3 hinge\nend\n"),
+            Lines{"m:6:1: error: the supports let the model turn about the axis along X through "
+                  "(1, 0, 0): node 3 moves most"});
+}
+
 TEST(Check, RefusesLoadsThatTheProgramRefuses)
 {
   EXPECT_EQ(Messages(std::string(kPlate) + "temperature_loads\n2 1 1\nend\n"),
             Lines{"m:11:1: error: temperature for triangles not implemented yet"});
+}
+
+TEST(Check, RefusesMeshesThatTheDoubleSolverRefuses)
+{
+  EXPECT_EQ(Messages(With(kSolid, "mesh", "Solver Double\nmesh")),
+            Lines{"m:2:1: error: Double solver not implemented for tetrahedras"});
+  EXPECT_EQ(Messages(With(kSixNodes, "mesh", "Solver Double\nmesh")),
+            Lines{"m:2:1: error: Solver DOUBLE needs a shell mesh of 3-noded triangles"});
+  EXPECT_EQ(Messages(With(kPlate, "mesh", "Solver Double\nmesh")), Lines{});
 }
 
 TEST(Check, SummarisesTheModel)

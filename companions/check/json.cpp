@@ -9,6 +9,12 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// Null where the file does not name the unit.
+Json UnitOf(const std::string& name)
+{
+  return name.empty() ? Json(nullptr) : Json(name);
+}
+
 Json JsonOf(const Summary& s)
 {
   return {{"problem", s.plane ? "2d" : "3d"},
@@ -20,8 +26,8 @@ Json JsonOf(const Summary& s)
           {"box", {s.low, s.high}},
           {"materials", s.materials},
           {"unusedMaterials", s.unusedMaterials},
-          {"force", ToUtf8(s.force)},
-          {"length", ToUtf8(s.length)},
+          {"force", UnitOf(s.units.force)},
+          {"length", UnitOf(s.units.length)},
           {"load", s.load},
           {"weight", s.weight},
           {"equations", s.equations},

@@ -138,15 +138,12 @@ int MidSideNodes(const Subject& subject)
 
 void AddSolver(Project& project, const Subject& subject, Summary& summary)
 {
-  const bool twice = project.solverSettings.type == SolverType::Double;
-  const int added = project.convertTo6Nodes || twice ? MidSideNodes(subject) : 0;
-  project.numNodes += added;  // as the run does before it chooses
-  project.ChooseSolver();
-  summary.equations = project.numNodes * project.freeDegrees;
-  const bool profile = project.solverSettings.type == SolverType::SkyLine;
-  summary.solver = twice ? "Double" : profile ? "SkyLine" : "Sparse";
-  if (added > 0)
+  const SolverTaken taken = SolverOf(project, subject);
+  summary.solver = taken.name;
+  summary.equations = (project.numNodes + taken.addedNodes) * project.freeDegrees;
+  if (taken.addedNodes > 0)
     return;
+  const bool profile = project.solverSettings.type == SolverType::SkyLine;
   if (profile)
     project.meshes.front()->RenumberNodes();
   summary.entries = profile ? ProfileEntries(project, subject) : BlockEntries(project, subject);
@@ -177,15 +174,31 @@ std::string Numbers(const std::vector<int>& numbers)
   return text.empty() ? " none" : text;
 }
 
+// In brackets what is measured, where the file does not name the unit.
+std::string UnitName(const std::string& name, const char* measured)
+{
+  return name.empty() ? Joined("[", measured, "]") : name;
+}
+
 }  // namespace
+
+SolverTaken SolverOf(Project& project, const Subject& subject)
+{
+  const bool twice = project.solverSettings.type == SolverType::Double;
+  const int added = project.convertTo6Nodes || twice ? MidSideNodes(subject) : 0;
+  project.numNodes += added;  // as the run does before it chooses
+  project.ChooseSolver();
+  project.numNodes -= added;
+  const bool profile = project.solverSettings.type == SolverType::SkyLine;
+  return {twice ? "Double" : profile ? "SkyLine" : "Sparse", added};
+}
 
 Summary Summarise(Project& project, const Subject& subject)
 {
   Summary summary;
   AddCounts(project, subject, summary);
   AddMaterials(project, subject, summary);
-  summary.force = project.resForceName;
-  summary.length = project.resLengthName;
+  summary.units = model::UnitsOf(project);
   AddLoads(project, subject, summary);
   AddSolver(project, subject, summary);
   return summary;
@@ -193,6 +206,8 @@ Summary Summarise(Project& project, const Subject& subject)
 
 std::string TextOf(const Summary& s)
 {
+  const std::string force = UnitName(s.units.force, "force");
+  const std::string length = UnitName(s.units.length, "length");
   const std::string counted =
       s.entries > 0 ? Joined(", matrix of ", s.entries, " numbers (",
                              Rounded(static_cast<double>(s.entries) * 8.0 / 1048576.0), " MiB)")
@@ -200,11 +215,11 @@ std::string TextOf(const Summary& s)
   return Joined("problem:    ", s.plane ? "2d" : "3d", "\nnodes:      ", s.nodes, " in ", s.parts,
                 s.parts == 1 ? " part" : " parts", "\nelements:   ", s.beams, " beams, ", s.shells,
                 " shells, ", s.solids, " solids\nbox:        (", Listed(s.low, s.plane), ") to (",
-                Listed(s.high, s.plane), ") ", s.length, "\nmaterials:  used", Numbers(s.materials),
+                Listed(s.high, s.plane), ") ", length, "\nmaterials:  used", Numbers(s.materials),
                 "; unused", Numbers(s.unusedMaterials), "\ntotal load: (", Listed(s.load, s.plane),
-                ") ", s.force, ", with weight (", Listed(s.weight, s.plane),
-                ")\nunits:      results in ", s.force, " and ", s.length,
-                "\nequations:  ", s.equations, ", solver ", s.solver, counted, "\n");
+                ") ", force, ", with weight (", Listed(s.weight, s.plane),
+                ")\nunits:      results in ", force, " and ", length, "\nequations:  ", s.equations,
+                ", solver ", s.solver, counted, "\n");
 }
 
 }  // namespace check

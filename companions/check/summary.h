@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "check/checks.h"
+#include "common/model_data.h"
 
 class Project;
 
@@ -20,13 +21,23 @@ struct Summary
   int parts = 0;
   Point low{}, high{};  ///< bounding box of all nodes
   std::vector<int> materials, unusedMaterials;
-  std::string force, length;  ///< names of the units of the results; as read, or "N" and "m"
-  Point load{};               ///< sum of all loads, weight included
-  Point weight{};             ///< sum of the weight
+  model::Units units;  ///< of the results
+  Point load{};        ///< sum of all loads, weight included
+  Point weight{};      ///< sum of the weight
   int equations = 0;
-  std::string solver;        ///< as in the problem file, never "Automatic"
+  std::string solver;        ///< as SolverTaken has it
   std::int64_t entries = 0;  ///< stored numbers of the matrix; 0 where triangles get more nodes
 };
+
+/// The solver that a run takes, as in the problem file, never "Automatic".
+struct SolverTaken
+{
+  std::string name;
+  int addedNodes = 0;  ///< in the middle of the edges of triangles, before the solution
+};
+
+/// Settles what the project leaves open.
+SolverTaken SolverOf(Project& project, const Subject& subject);
 
 /// The loads are summed by the program's own functions: their errors go to the observer. The
 /// model must be free of errors up to here. Renumbers the nodes of the project, so it comes last.

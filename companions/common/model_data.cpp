@@ -45,7 +45,6 @@ private:
   void AddElements(int mesh);
   void AddElement(const Elem& elem, Kind kind, int mesh);
   void AddElementLoads();
-  Units UnitNames() const;
   int PointsOf(Kind kind, int nodeCount) const;
   std::array<Vec3, 3> AxesOf(const Elem& elem, Kind kind);
 
@@ -64,25 +63,7 @@ void Builder::AddSettings()
   result.solids = project.meshes.front()->GiveElemType() == Tetrahedra;
   result.beamDivisions = project.numOfDivisions;
   result.meshes = static_cast<int>(project.meshes.size());
-  result.units = UnitNames();
-}
-
-// Without a unit system for the results the names in the project are only its defaults; then
-// the first system of the same size tells them, if there is one.
-Units Builder::UnitNames() const
-{
-  Units found;
-  for (const UnitsBase& base : project.bases) {
-    if (base.facN != project.resForce || base.facM != project.resLength)
-      continue;
-    const bool exact = base.nameN == project.resForceName && base.nameM == project.resLengthName &&
-                       base.namePa == project.resPressureName;
-    if (exact || found.force.empty())
-      found = {ToUtf8(base.nameN), ToUtf8(base.nameM), ToUtf8(base.namePa)};
-    if (exact)
-      break;
-  }
-  return found;
+  result.units = UnitsOf(project);
 }
 
 void Builder::AddNodes()
@@ -188,6 +169,22 @@ Model ReadModel(const std::filesystem::path& file)
   Project project(100);
   project.ReadFromAscii(in);
   return ModelOf(project);
+}
+
+Units UnitsOf(const Project& project)
+{
+  Units found;
+  for (const UnitsBase& base : project.bases) {
+    if (base.facN != project.resForce || base.facM != project.resLength)
+      continue;
+    const bool exact = base.nameN == project.resForceName && base.nameM == project.resLengthName &&
+                       base.namePa == project.resPressureName;
+    if (exact || found.force.empty())
+      found = {ToUtf8(base.nameN), ToUtf8(base.nameM), ToUtf8(base.namePa)};
+    if (exact)
+      break;
+  }
+  return found;
 }
 
 Model ModelOf(const Project& project)

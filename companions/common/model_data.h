@@ -109,6 +109,10 @@ Model ReadModel(const std::filesystem::path& file);
 /// The data of a project that has been read and not yet analysed.
 Model ModelOf(const Project& project);
 
+/// The names of the units of the results. Without a unit system for them the names in the project
+/// are only its defaults; then the first system of the same size tells them, if there is one.
+Units UnitsOf(const Project& project);
+
 /// Place of a division point of a beam, from 0; they stand at equal distances.
 Vec3 PointOfBeam(const Model& model, const Element& beam, int point);
 

@@ -82,8 +82,29 @@ Equilibrium EquilibriumOf(const model::Model& model, const std::vector<Wrench>& 
   found.reactions = reactions.sum;
   const double force = std::max(applied.forces, reactions.forces);
   const double moment = force * arm + std::max(applied.moments, reactions.moments);
-  found.residual =
-      std::max(Ratio(LargestOfSum(found.loads.force, found.reactions.force), force),
-               Ratio(LargestOfSum(found.loads.moment, found.reactions.moment), moment));
+  found.forceResidual = Ratio(LargestOfSum(found.loads.force, found.reactions.force), force);
+  found.residual = std::max(
+      found.forceResidual, Ratio(LargestOfSum(found.loads.moment, found.reactions.moment), moment));
   return found;
+}
+
+std::string AdviceOf(const Equilibrium& equilibrium, const model::Model& model, bool iterated)
+{
+  if (equilibrium.IsBalanced())
+    return {};
+  const bool shells =
+      std::any_of(model.elements.begin(), model.elements.end(),
+                  [](const model::Element& e) { return e.kind == model::Kind::Shell; });
+  std::string advice;
+  if (shells && equilibrium.forceResidual <= Equilibrium::kLimit)
+    advice =
+        "Only the moments differ: the stiffness of shells against turning about their normal takes "
+        "moments about it, which no reaction balances.";
+  if (iterated)
+    advice += std::string(advice.empty() ? "" : " ") +
+              "The iteration of the equations may have ended too early, as it does with thin "
+              "curved shells: solve with `Solver SkyLine`.";
+  if (!advice.empty())
+    return advice;
+  return "The structure may be close to a mechanism, or its stiffnesses too far apart.";
 }

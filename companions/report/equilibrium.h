@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "common/model_data.h"
@@ -19,9 +20,14 @@ struct Equilibrium
   /// that is larger, of all reactions; moments relative to this sum at half the box's diagonal
   /// and the sizes of the moments.
   double residual = 0.0;
+  double forceResidual = 0.0;  ///< of the forces alone
 
   bool IsBalanced() const { return residual <= kLimit; }
 };
+
+/// What to do about loads that the reactions do not carry; empty when they do.
+/// iterated tells whether the equations have been solved by iteration.
+std::string AdviceOf(const Equilibrium& equilibrium, const model::Model& model, bool iterated);
 
 /// The balance of loads by position in the model's list and the reactions of the results.
 Equilibrium EquilibriumOf(const model::Model& model, const std::vector<Wrench>& loads,

@@ -63,17 +63,6 @@ std::vector<Finding> FindingsIn(const fs::path& file)
   return findings;
 }
 
-// What to do about loads that the reactions do not carry.
-std::string AdviceOf(const Equilibrium& equilibrium, const Project& project)
-{
-  if (equilibrium.IsBalanced())
-    return {};
-  if (project.solverSettings.type == SolverType::SkyLine)
-    return "The structure may be close to a mechanism, or its stiffnesses too far apart.";
-  return "The iteration of the equations may have ended too early, as it does with thin curved "
-         "shells: solve with `Solver SkyLine`.";
-}
-
 ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advice)
 {
   std::printf("residual of equilibrium: %.2g\n", equilibrium.residual);
@@ -94,7 +83,8 @@ ExitStatus Report(const Options& options)
   const results::Results results = results::ReadResults(model, options.input.Files());
   const AppliedLoads loads = AppliedLoadsOf(project, model);
   const Equilibrium equilibrium = EquilibriumOf(model, loads.nodes, results);
-  const std::string advice = AdviceOf(equilibrium, project);
+  const bool iterated = check::SolverOf(project, check::SubjectOf(project)).name != "SkyLine";
+  const std::string advice = AdviceOf(equilibrium, model, iterated);
   const std::string name = file.filename().string();
   WritePage(output, name,
             PageData({.file = name,

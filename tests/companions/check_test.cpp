@@ -411,11 +411,27 @@ TEST(Check, SummarisesTheModel)
             "problem:    2d\n"
             "nodes:      3 in 1 part\n"
             "elements:   2 beams, 0 shells, 0 solids\n"
-            "box:        (0, 0) to (4, 0) m\n"
+            "box:        (0, 0) to (4, 0) [length]\n"
             "materials:  used 1; unused none\n"
-            "total load: (0, -11) N, with weight (0, -8)\n"
-            "units:      results in N and m\n"
+            "total load: (0, -11) [force], with weight (0, -8)\n"
+            "units:      results in [force] and [length]\n"
             "equations:  9, solver SkyLine, matrix of 36 numbers (0.000274658 MiB)\n");
+}
+
+TEST(Check, NamesTheUnitsOfTheSummary)
+{
+  const std::string units =
+      "units_names\nkN kN m kPa 1000 1\nend\nunits_mesh m\nunits_mat_and_load kN\nunits_res kN\n";
+  const std::string named = With(kBeam, "mesh", (units + "mesh").c_str());
+  const check::Report report = check::CheckText(named);
+  ASSERT_TRUE(report.summary);
+  EXPECT_NE(check::TextOf(*report.summary).find("units:      results in kN and m\n"),
+            std::string::npos);
+  EXPECT_NE(check::JsonOf(report, "m").find("\"force\": \"kN\",\n  \"length\": \"m\""),
+            std::string::npos);
+  EXPECT_NE(
+      check::JsonOf(check::CheckText(kBeam), "m").find("\"force\": null,\n  \"length\": null"),
+      std::string::npos);
 }
 
 TEST(Check, WritesProblemsAsJson)

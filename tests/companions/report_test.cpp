@@ -172,6 +172,31 @@ TEST(Equilibrium, SeesAMomentThatIsMissing)
   EXPECT_NEAR(found.residual, 15.0 / (39.0 * 2.0 + 28.0 / 3.0 * 2.0 + 9.0), 1e-12);
 }
 
+TEST(Equilibrium, AdvisesByTheSolverThatRanAndByWhatDiffers)
+{
+  const std::string iterate =
+      "The iteration of the equations may have ended too early, as it does with thin curved "
+      "shells: solve with `Solver SkyLine`.";
+  const std::string mechanism =
+      "The structure may be close to a mechanism, or its stiffnesses too far apart.";
+  const std::string drilling =
+      "Only the moments differ: the stiffness of shells against turning about their normal takes "
+      "moments about it, which no reaction balances.";
+  Equilibrium off;
+  model::Model model;
+  EXPECT_EQ(AdviceOf(off, model, true), "");
+  off.residual = 0.5;
+  model.elements.resize(1);
+  model.elements[0].kind = model::Kind::Beam;
+  EXPECT_EQ(AdviceOf(off, model, true), iterate);
+  EXPECT_EQ(AdviceOf(off, model, false), mechanism);
+  model.elements[0].kind = model::Kind::Shell;
+  EXPECT_EQ(AdviceOf(off, model, true), drilling + " " + iterate);
+  EXPECT_EQ(AdviceOf(off, model, false), drilling);
+  off.forceResidual = 0.5;
+  EXPECT_EQ(AdviceOf(off, model, false), mechanism);
+}
+
 TEST(Equilibrium, OfNothingIsBalanced)
 {
   const Loaded loaded(kCantilever);

@@ -383,7 +383,7 @@ test("reactions that do not carry the loads are told everywhere", async () => {
   assert.equal(made.status, 1);
   assert.match(
     made.stderr,
-    /^warning: loads and reactions are not in equilibrium\. .*`Solver SkyLine`/,
+    /^warning: loads and reactions are not in equilibrium\. The structure may be close to a mechanism/,
   );
   const residual = 0.03 / 8.03; // of the force; the sizes of the reactions are 5 and 3.03
   assertNear(
@@ -399,7 +399,7 @@ test("reactions that do not carry the loads are told everywhere", async () => {
   );
   assert.match(
     await page.evaluate("document.querySelector('#equilibrium .verdict.bad').textContent"),
-    /above 1e-4\. .*`Solver SkyLine`/,
+    /above 1e-4\. The structure may be close to a mechanism/,
   );
   await page.close();
 });

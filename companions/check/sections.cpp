@@ -1,11 +1,15 @@
 #include <array>
+#include <cmath>
+#include <limits>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "check/checks.h"
 #include "check/recorder.h"
 #include "common/shortest.h"
 #include "model/material.h"
+#include "model/material_symmetry.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "problem/project.h"
@@ -28,16 +32,49 @@ void MakeStiffness(const Elem& elem, const Material& material, PROBLEMTYPE probl
   }
 }
 
-// The ratio that makes an orthotropic material symmetric.
+/// A number and those beside it, nearest first.
+std::vector<double> Neighbourhood(double number)
+{
+  constexpr int kEachSide = 8;
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  std::vector<double> numbers = {number};
+  double above = number;
+  double below = number;
+  for (int i = 0; i < kEachSide; ++i) {
+    numbers.push_back(above = std::nextafter(above, kInfinity));
+    numbers.push_back(below = std::nextafter(below, -kInfinity));
+  }
+  return numbers;
+}
+
+// The products are compared exactly, so the quotient may not pass, nor any number beside it:
+// then the given ratio moves by its last digits.
+bool MakeSymmetric(Material& material)
+{
+  for (const double nuXY : Neighbourhood(material.nuXY)) {
+    material.nuXY = nuXY;
+    for (const double nuYX : Neighbourhood(nuXY * material.E1 / material.E2)) {
+      material.nuYX = nuYX;
+      if (IsSymmetric(material))
+        return true;
+    }
+  }
+  return false;
+}
+
+// The ratio that makes an orthotropic material symmetric; empty when there is none.
 std::string PassingPair(const Material& material, std::string_view message)
 {
-  if (message.find("Ex*nuXY must be equal to Ey*nuYX") == message.npos || material.E2 == 0.0)
+  Material symmetric = material;
+  if (message.find("Ex*nuXY must be equal to Ey*nuYX") == message.npos || material.E2 == 0.0 ||
+      !MakeSymmetric(symmetric))
     return {};
+  const bool given = symmetric.nuXY == material.nuXY;
   std::string text = ": nuXY=";
-  AppendNumber(text, material.nuXY);
-  text += " needs nuYX=";
-  AppendNumber(text, material.nuXY * material.E1 / material.E2);
-  return text;
+  AppendNumber(text, symmetric.nuXY);
+  text += given ? " needs nuYX=" : " and nuYX=";
+  AppendNumber(text, symmetric.nuYX);
+  return given ? text : text + " pass";
 }
 
 // Also what its local axes, given by angles, do not fit.

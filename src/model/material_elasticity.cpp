@@ -3,6 +3,7 @@
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
 #include "model/material.h"
+#include "model/material_symmetry.h"
 #include "numeric/matriu.h"
 
 // Stress-strain matrices. Every check is written so that a value that is no number fails it.
@@ -36,7 +37,7 @@ void RequireShellValues(const Material& m, int elemNumber)
   RequirePositive(m.Gyz, elemNumber, " Gyz is 0\n");
   RequireDifferent(m.nuXY, 1.0, elemNumber, " nuXY is 1\n");
   RequireDifferent(m.nuYX, 1.0, elemNumber, " nuYX is 1\n");
-  if (!(std::fabs(m.nuXY * m.E1 - m.nuYX * m.E2) <= EPSILON))
+  if (!IsSymmetric(m))
     Refuse(elemNumber, " Ex*nuXY must be equal to Ey*nuYX\n");
   RequireDifferent(m.nuXY * m.nuYX, 1.0, elemNumber, " nuXY*nuYX is 1\n");
 }
@@ -50,6 +51,12 @@ void RequireSolidValues(const Material& m, int elemNumber)
 }
 
 }  // namespace
+
+bool IsSymmetric(const Material& material)
+{
+  const double difference = material.nuXY * material.E1 - material.nuYX * material.E2;
+  return std::fabs(difference) <= EPSILON;
+}
 
 void Material::GiveDMatrix(int elemNumber, Matriu& Dm, Matriu& Db, Matriu& Ds) const
 {

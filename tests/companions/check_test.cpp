@@ -320,6 +320,16 @@ TEST(Check, GivesThePairThatPassesTheSymmetryTest)
   EXPECT_EQ(Messages(With(kPlate, "E=1e6 nu=0.25", "Ex=1e6 Ey=5e5 nuXY=0.25 nuYX=0.5")), Lines{});
 }
 
+TEST(Check, GivesAPairThatPassesWhereTheQuotientDoesNot)
+{
+  EXPECT_EQ(Messages(With(kPlate, "E=1e6 nu=0.25", "Ex=1.1e7 Ey=3e6 nuXY=0.3 nuYX=1.1")),
+            Lines{"m:14:1: error: error in element 1 Ex*nuXY must be equal to Ey*nuYX: "
+                  "nuXY=0.30000000000000004 and nuYX=1.1 pass"});
+  EXPECT_EQ(
+      Messages(With(kPlate, "E=1e6 nu=0.25", "Ex=1.1e7 Ey=3e6 nuXY=0.30000000000000004 nuYX=1.1")),
+      Lines{});
+}
+
 TEST(Check, WarnsOfWeightWithoutADirection)
 {
   EXPECT_EQ(Messages(With(kPlate, "t=0.1", "t=0.1 Weight=2")),
@@ -422,7 +432,7 @@ TEST(Check, NamesTheUnitsOfTheSummary)
 {
   const std::string units =
       "units_names\nkN kN m kPa 1000 1\nend\nunits_mesh m\nunits_mat_and_load kN\nunits_res kN\n";
-  const std::string named = With(kBeam, "mesh", (units + "mesh").c_str());
+  const std::string named = With(kBeam, "mesh", units + "mesh");
   const check::Report report = check::CheckText(named);
   ASSERT_TRUE(report.summary);
   EXPECT_NE(check::TextOf(*report.summary).find("units:      results in kN and m\n"),

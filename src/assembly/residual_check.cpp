@@ -99,3 +99,16 @@ bool ResidualCheck::Holds(const LoadCase& loadCase, ReaVecV& forces) const
   });
   return holds;
 }
+
+bool ResidualCheck::HoldsProbe(const LoadCase& probe, ReaVecV& forces) const
+{
+  const bool holds = Holds(probe, forces);
+  double missed = 0.0;
+  double work = 0.0;
+  ForEachFree(nodes, scale.components, [&](int equation, int, double spring) {
+    const double u = probe.displacements(equation);
+    missed += (forces(equation) + spring * u - probe.loads(equation)) * u;
+    work += probe.loads(equation) * u;
+  });
+  return holds && std::fabs(missed) <= kMissingPart * std::fabs(work);
+}

@@ -32,6 +32,10 @@ public:
   /// supports, makes of them (K·u by equation); used as scratch.
   bool Holds(const LoadCase& loadCase, ReaVecV& forces) const;
 
+  /// The same for the probe; also whether the work of what is missing is small beside that of
+  /// the loads: in a long motion it is spread over many nodes.
+  bool HoldsProbe(const LoadCase& probe, ReaVecV& forces) const;
+
   /// The displacements in global axes.
   ReaVecV InGlobalAxes(const LoadCase& loadCase) const;
 

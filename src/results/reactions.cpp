@@ -45,7 +45,7 @@ void Project::CheckResiduals(const ReaVecV& forcesOfModel)
   bool holds = check.Holds(model, forces);
   if (holds) {
     solver->Multiply(check.InGlobalAxes(probe), forces);
-    holds = check.Holds(probe, forces);
+    holds = check.HoldsProbe(probe, forces);
   }
   if (!holds)
     SolverFailed(-1);

@@ -88,14 +88,12 @@ ReaVecV ResidualCheck::InGlobalAxes(const LoadCase& loadCase) const
 
 bool ResidualCheck::Holds(const LoadCase& loadCase, ReaVecV& forces) const
 {
-  ConvertGlobalLoadToLocal(nodes, forces, scale.components);
+  FindMissing(loadCase, forces);
   bool holds = true;
-  ForEachFree(nodes, scale.components, [&](int equation, int component, double spring) {
-    const double missing =
-        forces(equation) + spring * loadCase.displacements(equation) - loadCase.loads(equation);
+  ForEachFree(nodes, scale.components, [&](int equation, int component, double) {
     const double largest = component <= scale.translations ? loadCase.force : loadCase.moment;
     // Written so that what is not a number does not hold.
-    holds = holds && std::fabs(missing) <= kMissingPart * largest;
+    holds = holds && std::fabs(forces(equation)) <= kMissingPart * largest;
   });
   return holds;
 }
@@ -105,10 +103,19 @@ bool ResidualCheck::HoldsProbe(const LoadCase& probe, ReaVecV& forces) const
   const bool holds = Holds(probe, forces);
   double missed = 0.0;
   double work = 0.0;
-  ForEachFree(nodes, scale.components, [&](int equation, int, double spring) {
-    const double u = probe.displacements(equation);
-    missed += (forces(equation) + spring * u - probe.loads(equation)) * u;
-    work += probe.loads(equation) * u;
+  ForEachFree(nodes, scale.components, [&](int equation, int, double) {
+    missed += forces(equation) * probe.displacements(equation);
+    work += probe.loads(equation) * probe.displacements(equation);
   });
   return holds && std::fabs(missed) <= kMissingPart * std::fabs(work);
+}
+
+// From the forces K·u in global axes to K·u - f on the free components, in those of the supports.
+void ResidualCheck::FindMissing(const LoadCase& loadCase, ReaVecV& forces) const
+{
+  ConvertGlobalLoadToLocal(nodes, forces, scale.components);
+  ForEachFree(nodes, scale.components, [&](int equation, int, double spring) {
+    forces(equation) =
+        forces(equation) + spring * loadCase.displacements(equation) - loadCase.loads(equation);
+  });
 }

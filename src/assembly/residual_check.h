@@ -29,7 +29,7 @@ public:
   void FindScales(const ReaVecV& rightHandSide, LoadCase& loadCase) const;
 
   /// Whether the displacements hold the loads. forces: what the matrix, in global axes without
-  /// supports, makes of them (K·u by equation); used as scratch.
+  /// supports, makes of them (K·u by equation); becomes what is missing of the loads.
   bool Holds(const LoadCase& loadCase, ReaVecV& forces) const;
 
   /// The same for the probe; also whether the work of what is missing is small beside that of
@@ -40,6 +40,8 @@ public:
   ReaVecV InGlobalAxes(const LoadCase& loadCase) const;
 
 private:
+  void FindMissing(const LoadCase& loadCase, ReaVecV& forces) const;
+
   const VoidPlex& nodes;
   ComponentScale scale;
 };

@@ -64,24 +64,35 @@ void Project::FillMatrixVectorAndSolve(std::FILE* info)
   Progress(info, "Solver finished\n");
 }
 
-// A direct solution is kept, with that of a probe, until the matrix is at hand again to check
-// them.
 void Project::SolveSystem(std::FILE* info)
 {
-  const bool checked = solverSettings.type == SolverType::SkyLine;
-  const ResidualCheck check(GiveNodes(), ScaleOfComponents());
-  LoadCase model;
-  if (checked)
-    model.loads = displacements;
+  if (solverSettings.type == SolverType::SkyLine) {
+    SolveChecked(info);
+    return;
+  }
   ApplySupports();
+  SolveSupported(info);
+}
+
+void Project::SolveSupported(std::FILE* info)
+{
   Progress(info, "Just before Solver\n");
-  check.FindScales(displacements, model);
   if (const int result = solver->Solver(displacements, info))
     SolverFailed(result);
   if (!AllFinite(displacements))
     SolverFailed(-1);
-  if (!checked)
-    return;
+}
+
+// A direct solution is kept, with that of a probe, until the matrix is at hand again to check
+// them.
+void Project::SolveChecked(std::FILE* info)
+{
+  const ResidualCheck check(GiveNodes(), ScaleOfComponents());
+  LoadCase model;
+  model.loads = displacements;
+  ApplySupports();
+  check.FindScales(displacements, model);
+  SolveSupported(info);
   model.displacements = displacements;
   LoadCase probe = check.Probe(displacements.Size());
   static_cast<SkyMatriu&>(*solver).Substitute(probe.displacements, nullptr);

@@ -278,6 +278,8 @@ private:
   void AssembleStiffness(int applyLocalAxes);
   void MergeHinges(const Elem& elem);
   void SolveSystem(std::FILE* info);
+  void SolveSupported(std::FILE* info);
+  void SolveChecked(std::FILE* info);
   ComponentScale ScaleOfComponents() const;
   void StartReactions();
   void AddLoadsOnBeam(const Elem& elem, Matriu& T);

@@ -212,7 +212,7 @@ ReaVecV SolveBySkyline(SkyMatriu& matrix, const System& system, Times& times)
   Refill(matrix, system);
   ReaVecV x = system.loads;
   times = {Seconds(1, [&] { matrix.Txolesky(nullptr); }),
-           Seconds(1, [&] { matrix.Substitute(x, nullptr); })};
+           Seconds(1, [&] { matrix.Substitute({&x}, nullptr); })};
   return x;
 }
 

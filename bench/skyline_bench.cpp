@@ -71,7 +71,7 @@ void MeasureSubstitution(benchmark::State& state, SkyMatriu& matrix)
   ReaVecV b(matrix.GiveSize());
   for (auto _ : state) {
     b = 1.0;
-    matrix.Substitute(b, nullptr);
+    matrix.Substitute({&b}, nullptr);
     benchmark::DoNotOptimize(b.Data());
   }
   // Forwards and backwards: the profile is read twice.

@@ -71,16 +71,8 @@ void Project::SolveSystem(std::FILE* info)
     return;
   }
   ApplySupports();
-  SolveSupported(info);
-}
-
-void Project::SolveSupported(std::FILE* info)
-{
   Progress(info, "Just before Solver\n");
-  if (const int result = solver->Solver(displacements, info))
-    SolverFailed(result);
-  if (!AllFinite(displacements))
-    SolverFailed(-1);
+  RequireSolution(solver->Solver(displacements, info));
 }
 
 // A direct solution is kept, with that of a probe, until the matrix is at hand again to check
@@ -92,11 +84,20 @@ void Project::SolveChecked(std::FILE* info)
   model.loads = displacements;
   ApplySupports();
   check.FindScales(displacements, model);
-  SolveSupported(info);
-  model.displacements = displacements;
   LoadCase probe = check.Probe(displacements.Size());
-  static_cast<SkyMatriu&>(*solver).Substitute(probe.displacements, nullptr);
+  Progress(info, "Just before Solver\n");
+  auto& matrix = static_cast<SkyMatriu&>(*solver);
+  RequireSolution(matrix.Solver({&displacements, &probe.displacements}, info));
+  model.displacements = displacements;
   checkedSolution = {std::move(model), std::move(probe)};
+}
+
+void Project::RequireSolution(int result) const
+{
+  if (result)
+    SolverFailed(result);
+  if (!AllFinite(displacements))
+    SolverFailed(-1);
 }
 
 ComponentScale Project::ScaleOfComponents() const

@@ -278,8 +278,8 @@ private:
   void AssembleStiffness(int applyLocalAxes);
   void MergeHinges(const Elem& elem);
   void SolveSystem(std::FILE* info);
-  void SolveSupported(std::FILE* info);
   void SolveChecked(std::FILE* info);
+  void RequireSolution(int result) const;
   ComponentScale ScaleOfComponents() const;
   void StartReactions();
   void AddLoadsOnBeam(const Elem& elem, Matriu& T);

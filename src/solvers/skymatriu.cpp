@@ -161,35 +161,47 @@ int SkyMatriu::Txolesky(std::FILE* info)
   return refused + 1;
 }
 
-void SkyMatriu::Substitute(ReaVecV& b, std::FILE* info) const
+// Each row serves all sides while it is in the cache.
+void SkyMatriu::Substitute(const RightHandSides& sides, std::FILE* info) const
 {
-  assert(factorised && b.Size() == n);
+  assert(factorised);
   Progress(info, "Beginning 1st substitution in LU system\n");
-  // Reversed like the rows, the vector can be walked in step with them.
-  double* const x = b.Data();
-  std::reverse(x, x + n);
+  // Reversed like the rows, a vector can be walked in step with them.
+  for (ReaVecV* const b : sides)
+    std::reverse(b->Data(), b->Data() + n);
   for (int i = 0; i < n; ++i) {
-    double* const xi = x + (n - 1 - i);
-    *xi -= DotProduct(rows[i] + 1, xi + 1, heights[i] - 1);
+    for (ReaVecV* const b : sides) {
+      double* const xi = b->Data() + (n - 1 - i);
+      *xi -= DotProduct(rows[i] + 1, xi + 1, heights[i] - 1);
+    }
   }
-  for (int i = 0; i < n; ++i)
-    x[n - 1 - i] /= rows[i][0];
 
   Progress(info, "Beginning 2nd substitution in LU system\n");
+  for (ReaVecV* const b : sides)
+    for (int i = 0; i < n; ++i)
+      b->Data()[n - 1 - i] /= rows[i][0];
   for (int i = n - 1; i > 0; --i) {
-    double* const xi = x + (n - 1 - i);
-    SubtractMultiple(xi + 1, rows[i] + 1, *xi, heights[i] - 1);
+    for (ReaVecV* const b : sides) {
+      double* const xi = b->Data() + (n - 1 - i);
+      SubtractMultiple(xi + 1, rows[i] + 1, *xi, heights[i] - 1);
+    }
   }
-  std::reverse(x, x + n);
+  for (ReaVecV* const b : sides)
+    std::reverse(b->Data(), b->Data() + n);
 }
 
 int SkyMatriu::Solver(ReaVecV& b, std::FILE* info)
+{
+  return Solver({&b}, info);
+}
+
+int SkyMatriu::Solver(const RightHandSides& sides, std::FILE* info)
 {
   const int refused = Txolesky(info);
   if (refused)
     return refused;
   Progress(info, "Txolesky finished\n");
-  Substitute(b, info);
+  Substitute(sides, info);
   return 0;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <ostream>
 #include <vector>
 
@@ -47,13 +48,19 @@ public:
   /// was. Factorises at every call: to be called once for an assembled matrix.
   int Solver(ReaVecV& b, std::FILE* info) override;
 
+  /// Right-hand sides, each of GiveSize() components.
+  using RightHandSides = std::initializer_list<ReaVecV*>;
+
+  /// The same for several right-hand sides, of which each becomes its solution.
+  int Solver(const RightHandSides& sides, std::FILE* info);
+
   /// Factorises in place, without pivoting. Returns 0, or the first equation whose pivot is
   /// refused: not a number, below 1e-15, or nothing but rounding error (see PivotCheck). Progress
   /// every 500 equations.
   int Txolesky(std::FILE* info);
 
-  /// Solves with the factors that Txolesky has left: b becomes the solution.
-  void Substitute(ReaVecV& b, std::FILE* info) const;
+  /// Solves with the factors that Txolesky has left: the right-hand sides become solutions.
+  void Substitute(const RightHandSides& sides, std::FILE* info) const;
 
   /// Moves column eq to the right-hand side and leaves a 1 on its diagonal, so that the
   /// matrix stays symmetric. Work: the rows that reach column eq, see lastRow.

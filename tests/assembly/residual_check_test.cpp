@@ -221,6 +221,41 @@ void AddPlaneMechanisms(std::vector<Model>& models)
                });
 }
 
+/// What a large mechanism misses of its loads is spread over many nodes.
+void AddLargePlaneMechanisms(std::vector<Model>& models)
+{
+  const std::vector<std::pair<std::string, Vector3>> loads = {{"Driven", {0, -1, 0}},
+                                                              {"Unloaded", {}}};
+  for (const int beams : {800, 5000}) {
+    for (const int degrees : {0, 17, 31, 57, 83}) {
+      AddWithLoads(models,
+                   "LineOnOneHinge" + std::to_string(beams) + "At" + std::to_string(degrees), loads,
+                   [=](const std::string& settings, const Vector3& load) {
+                     const double angle = degrees * std::acos(-1.0) / 180;
+                     Frame frame = Chain(beams, false, {std::cos(angle), std::sin(angle), 0});
+                     frame.supports = {{1, kPin}};
+                     return Loaded(frame, settings, beams + 1, load);
+                   });
+    }
+  }
+  for (const int storeys : {40, 150}) {
+    AddWithLoads(models, "FrameOnOneFoot" + std::to_string(storeys), loads,
+                 [=](const std::string& settings, const Vector3& load) {
+                   Frame frame = Storeys(5, storeys, kPin);
+                   frame.supports.resize(1);
+                   return Loaded(frame, settings, 5, load);
+                 });
+  }
+  // The columns of the storey at half the height turn on hinges.
+  constexpr int kStoreys = 400;
+  const int first = 1 + kStoreys / 2 * 5;
+  AddWithLoads(models, "TallFrameWithHingedStorey", {{"Driven", {1, 0, 0}}, {"Unloaded", {}}},
+               [=](const std::string& settings, const Vector3& load) {
+                 return Loaded(Storeys(3, kStoreys, kClamped), settings, 3 * kStoreys, load,
+                               Hinged(first, first + 2));
+               });
+}
+
 void AddSpaceMechanisms(std::vector<Model>& models)
 {
   for (const int beams : {1, 5, 300}) {
@@ -397,6 +432,7 @@ std::vector<Model> Mechanisms()
 {
   std::vector<Model> models;
   AddPlaneMechanisms(models);
+  AddLargePlaneMechanisms(models);
   AddSpaceMechanisms(models);
   AddShellMechanisms(models);
   AddHingedEdges(models);

@@ -449,9 +449,25 @@ TEST(SkyMatriu, FactorsServeSeveralRightHandSides)
   for (unsigned seed = 1; seed <= 2; ++seed) {
     ReaVecV b = RandomVector(profile.n, seed);
     const std::vector<double> expected = DenseSolve(a, ToStd(b));
-    matrix.Substitute(b, nullptr);
+    matrix.Substitute({&b}, nullptr);
     ExpectNear(b, expected, 1e-12);
   }
+}
+
+TEST(SkyMatriu, SolverTakesSeveralRightHandSidesAtOnce)
+{
+  const Profile profile = Profiles()[8];
+  SkyMatriu matrix(profile.n);
+  CreateWith(matrix, profile);
+  const Dense a = RandomMatrix(profile, 1);
+  Fill(matrix, a);
+  ReaVecV first = RandomVector(profile.n, 1);
+  ReaVecV second = RandomVector(profile.n, 2);
+  const std::vector<double> firstExpected = DenseSolve(a, ToStd(first));
+  const std::vector<double> secondExpected = DenseSolve(a, ToStd(second));
+  ASSERT_EQ(matrix.Solver({&first, &second}, nullptr), 0);
+  ExpectNear(first, firstExpected, 1e-12);
+  ExpectNear(second, secondExpected, 1e-12);
 }
 
 TEST(SkyMatriu, SolverReportsItsSteps)

@@ -7,12 +7,6 @@
 
 #include "base/errorwriter.h"
 
-namespace {
-
-constexpr int kUsualSize = 100;  // of the chunks of nodes and elements
-
-}  // namespace
-
 void VoidChunk::reset(int i, int size)
 {
   low = (i - 1) / size * size + 1;
@@ -38,7 +32,7 @@ void VoidPlex::StartAt(int i)
   chunks.clear();
   head = lastChunk = &chunks.try_emplace(LowOf(i), chunkSize).first->second;
   head->reset(i, chunkSize);
-  shortcuts.assign(1, head);
+  ResetShortcuts(1);
 }
 
 // To itself it appends a copy of what it held before.
@@ -53,22 +47,26 @@ VoidPlex& VoidPlex::operator=(const VoidPlex& source)
   return *this;
 }
 
+void VoidPlex::ResetShortcuts(std::size_t count) const
+{
+  shortcuts.assign(count, {head->low, head->slots.get(), head});
+  lastShortcut = static_cast<unsigned>(count - 1);
+}
+
 // The chunk of number i among those that exist, or null.
 VoidChunk* VoidPlex::FindChunk(int i) const
 {
   if (lastChunk->Covers(i))
     return lastChunk;
-  // By a constant a division is a multiplication.
-  const int place = chunkSize == kUsualSize ? (i - 1) / kUsualSize : (i - 1) / chunkSize;
-  const auto block = static_cast<std::size_t>(place);
-  VoidChunk*& shortcut = shortcuts[block & (shortcuts.size() - 1)];
-  if (!shortcut->Covers(i)) {
+  Shortcut& shortcut = ShortcutFor(i);
+  if (!shortcut.chunk->Covers(i)) {
     const auto found = chunks.find(LowOf(i));
     if (found == chunks.end())
       return nullptr;
-    shortcut = &found->second;
+    VoidChunk& chunk = found->second;
+    shortcut = {chunk.low, chunk.slots.get(), &chunk};
   }
-  return shortcut;
+  return shortcut.chunk;
 }
 
 VoidChunk* VoidPlex::MakeChunk(int i) const
@@ -84,7 +82,7 @@ VoidChunk* VoidPlex::MakeChunk(int i) const
   before->nextChunk = after->prevChunk = chunk;
   head = &chunks.begin()->second;
   if (chunks.size() > shortcuts.size())
-    shortcuts.assign(2 * shortcuts.size(), head);
+    ResetShortcuts(2 * shortcuts.size());
   return chunk;
 }
 
@@ -155,7 +153,7 @@ int VoidPlex::appendFirst(void* p)
   return number;
 }
 
-void* VoidPlex::At(int i) const
+void* VoidPlex::SearchAt(int i) const
 {
   if (i < 1 || i < first || i > last)
     return nullptr;
@@ -237,6 +235,6 @@ void VoidPlex::clear()
   head = lastChunk = &chunks.begin()->second;
   head->nextChunk = head->prevChunk = head;
   head->clear();
-  shortcuts.assign(1, head);
+  ResetShortcuts(1);
   first = last = taken = 0;
 }

@@ -63,7 +63,13 @@ public:
   /// end. A loop starts from i = 0.
   void* next(int& i) const;
   /// The pointer at number i, null when there is none, whatever the number.
-  void* At(int i) const;
+  void* At(int i) const
+  {
+    const Shortcut& shortcut = ShortcutFor(i);
+    if (i >= shortcut.low && i - shortcut.low < chunkSize)
+      return shortcut.slots[i - shortcut.low];
+    return SearchAt(i);
+  }
   /// Whether nothing is stored at number i.
   bool free(int i) const { return At(i) == nullptr; }
 
@@ -90,8 +96,29 @@ public:
 private:
   using Index = std::map<int, VoidChunk>;
 
+  /// A chunk, with what a look-up takes from it.
+  struct Shortcut
+  {
+    int low;
+    void** slots;
+    VoidChunk* chunk;
+  };
+
+  static constexpr unsigned kUsualSize = 100;  ///< of the chunks of nodes and elements
+
+  /// Where the chunk of number i is looked for first.
+  Shortcut& ShortcutFor(int i) const
+  {
+    const unsigned place = static_cast<unsigned>(i) - 1;
+    const unsigned size = static_cast<unsigned>(chunkSize);
+    // By a constant a division is a multiplication.
+    return shortcuts[(size == kUsualSize ? place / kUsualSize : place / size) & lastShortcut];
+  }
+
   int LowOf(int i) const { return (i - 1) / chunkSize * chunkSize + 1; }
   void StartAt(int i);
+  void* SearchAt(int i) const;
+  void ResetShortcuts(std::size_t count) const;
   VoidChunk* FindChunk(int i) const;
   VoidChunk* MakeChunk(int i) const;
   VoidChunk* ChunkToSet(int i);
@@ -105,7 +132,8 @@ private:
   mutable Index chunks;  ///< by their lowest number; never without one
   /// Chunks used before, by their place in the row of all ranges modulo the length, a
   /// power of 2; any chunk where none is known.
-  mutable std::vector<VoidChunk*> shortcuts;
+  mutable std::vector<Shortcut> shortcuts;
+  mutable unsigned lastShortcut = 0;  ///< the length less 1
   mutable VoidChunk* head;
   mutable VoidChunk* lastChunk;  ///< used last
 };

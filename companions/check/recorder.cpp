@@ -60,10 +60,8 @@ std::string OneLine(std::string_view message)
 // An octal, hexadecimal or decimal number.
 int AnyBase(std::string_view item)
 {
-  const std::string copy(item);
-  const char* p = copy.c_str();
   int number = 0;
-  ScanInt(p, number, 0, 0);
+  ScanInt(item, number, 0, 0);
   return number;
 }
 
@@ -225,8 +223,7 @@ void Recorder::Notice(ReadEvent event, std::string_view place, std::string_view 
     case ReadEvent::IgnoredKey:
       return Warn(at, "ignored: the key ", quoted);
     case ReadEvent::NumberPart:
-      return Warn(at, quoted, " is no number as a whole: read as ",
-                  Shown(ToDouble(std::string(place).c_str())));
+      return Warn(at, quoted, " is no number as a whole: read as ", Shown(ToDouble(place)));
     case ReadEvent::NotDecimal:
       return Warn(at, "the material number ", quoted, " is not decimal: read as ", AnyBase(place));
     case ReadEvent::Keyword:

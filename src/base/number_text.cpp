@@ -1,31 +1,37 @@
 #include "base/number_text.h"
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <string_view>
 
 namespace {
 
-const char* SkipWhite(const char* p)
+const char* SkipWhite(const char* p, const char* end)
 {
-  while (*p == ' ' || (*p >= '\t' && *p <= '\r'))
+  while (p != end && (*p == ' ' || (*p >= '\t' && *p <= '\r')))
     ++p;
   return p;
 }
 
-bool IsDigit(char c)
+// Whether one of these letters stands at p.
+bool IsAt(const char* p, const char* end, std::string_view letters)
 {
-  return c >= '0' && c <= '9';
+  return p != end && letters.find(*p) != std::string_view::npos;
 }
 
-bool HasHexPrefix(const char* p)
+bool HasHexPrefix(const char* p, const char* end)
 {
-  return p[0] == '0' && (p[1] == 'x' || p[1] == 'X');
+  return end - p >= 2 && p[0] == '0' && (p[1] == 'x' || p[1] == 'X');
+}
+
+// Behind all characters from p on that are among these.
+const char* SkipAmong(const char* p, const char* end, std::string_view characters)
+{
+  return std::find_if(p, end, [&](char c) { return characters.find(c) == characters.npos; });
 }
 
 // Whether a number that from_chars finds out of range is too small, not too large: by the
@@ -49,18 +55,18 @@ bool IsTiny(std::string_view digits, bool hex)
 }
 
 // The longest number that the text begins with: its end and its value; null for none.
-const char* ParseDouble(const char* text, double& v)
+const char* ParseDouble(const char* text, const char* textEnd, double& v)
 {
-  const char* p = SkipWhite(text);
-  const bool negative = *p == '-';
-  if (*p == '-' || *p == '+')
+  const char* p = SkipWhite(text, textEnd);
+  const bool negative = IsAt(p, textEnd, "-");
+  if (IsAt(p, textEnd, "+-"))
     ++p;
-  const bool hex = HasHexPrefix(p);
+  const bool hex = HasHexPrefix(p, textEnd);
   if (hex)
     p += 2;
-  else if (!IsDigit(*p) && *p != '.')  // from_chars knows "inf", "nan" and "-"
+  else if (!IsAt(p, textEnd, "0123456789."))  // from_chars knows "inf", "nan" and "-"
     return nullptr;
-  const char* end = p + std::strspn(p, hex ? "0123456789abcdefABCDEF.pP+-" : "0123456789.eE+-");
+  const char* end = SkipAmong(p, textEnd, hex ? "0123456789abcdefABCDEF.pP+-" : "0123456789.eE+-");
   if (p == end || *p == '+' || *p == '-')
     return nullptr;
 
@@ -88,27 +94,17 @@ void AppendDigits(const char*& p, const char* end, std::uint64_t& number)
     number = 10 * number + static_cast<std::uint64_t>(*p - '0');
 }
 
-// The same with eight at a time as long as there are so many: whether bytes are digits, and
-// their value by pairs, fours and eights, with few multiplications of all at once.
+// The same for as many as decimals often are.
 void AppendManyDigits(const char*& p, const char* end, std::uint64_t& number)
 {
-  constexpr std::uint64_t kZeros = 0x3030303030303030;
-  constexpr std::uint64_t kHighHalves = 0xf0f0f0f0f0f0f0f0;
-  constexpr std::uint64_t kToSixteen = 0x0606060606060606;  // behind '9'
-  constexpr std::uint64_t kPairs = 0x000000ff000000ff;      // every other one
-  if constexpr (std::endian::native == std::endian::little) {
-    while (end && end - p >= 8) {
-      std::uint64_t bytes = 0;
-      std::memcpy(&bytes, p, 8);
-      if ((bytes & kHighHalves) != kZeros || ((bytes + kToSixteen) & kHighHalves) != kZeros)
-        break;
-      bytes -= kZeros;
-      bytes = 10 * bytes + (bytes >> 8);
-      const std::uint64_t first = (bytes & kPairs) * (100 + (std::uint64_t{1000000} << 32));
-      const std::uint64_t second = (bytes >> 16 & kPairs) * (1 + (std::uint64_t{10000} << 32));
-      number = 100000000 * number + ((first + second) >> 32);
-      p += 8;
-    }
+  static constexpr std::uint64_t kPowers[] = {1,      10,      100,      1000,     10000,
+                                              100000, 1000000, 10000000, 100000000};
+  while (end - p >= 8) {
+    const DigitRun run = LeadingDigits(p);
+    number = kPowers[run.count] * number + run.number;
+    p += run.count;
+    if (run.count < 8)
+      return;
   }
   AppendDigits(p, end, number);
 }
@@ -161,14 +157,14 @@ bool EndsAtLetterOfNumbers(const char* p, const char* end)
 }
 
 // Whether an exponent without digits follows the number that ends at stop.
-bool HasBareExponent(const char* number, const char* stop)
+bool HasBareExponent(const char* number, const char* stop, const char* end)
 {
-  if (*stop == '\0' || !std::strchr("eEpP", *stop))
+  if (!IsAt(stop, end, "eEpP"))
     return false;
   const std::string_view text(number, stop);
   const bool hex = text.find_first_of("xX") != std::string_view::npos;
-  const char* letters = hex ? "pP" : "eE";
-  return std::strchr(letters, *stop) && text.find_first_of(letters) == std::string_view::npos;
+  const std::string_view letters = hex ? "pP" : "eE";
+  return IsAt(stop, end, letters) && text.find_first_of(letters) == std::string_view::npos;
 }
 
 // Digits of a number in some base, and its base.
@@ -182,9 +178,9 @@ Notation IntNotation(const char* p, const char* end, int base)
 {
   if (base != 0)
     return {p, base};
-  if (end - p >= 2 && HasHexPrefix(p))
+  if (HasHexPrefix(p, end))
     return {p + 2, 16};
-  return {p, *p == '0' ? 8 : 10};
+  return {p, IsAt(p, end, "0") ? 8 : 10};
 }
 
 }  // namespace
@@ -218,7 +214,7 @@ bool ScanPlainDouble(const char*& p, const char* end, double& v)
   return true;
 }
 
-bool ScanPlainInt(const char*& p, const char* end, int& v)
+bool ScanAnyPlainInt(const char*& p, const char* end, int& v)
 {
   constexpr std::ptrdiff_t kMostDigits = 9;
   const char* next = p;
@@ -235,29 +231,30 @@ bool ScanPlainInt(const char*& p, const char* end, int& v)
   return true;
 }
 
-bool ScanDouble(const char*& p, double& v)
+bool ScanDouble(std::string_view& text, double& v)
 {
-  const char* number = SkipWhite(p);
-  if (ScanPlainDouble(number, nullptr, v)) {
-    p = number;
-    return true;
-  }
+  const char* const end = text.data() + text.size();
+  const char* stop = SkipWhite(text.data(), end);
   double value = 0.0;
-  const char* stop = ParseDouble(p, value);
-  if (!stop || HasBareExponent(p, stop))
-    return false;
-  p = stop;
+  if (!ScanPlainDouble(stop, end, value)) {
+    stop = ParseDouble(text.data(), end, value);
+    if (!stop || HasBareExponent(text.data(), stop, end))
+      return false;
+  }
+  text = {stop, end};
   v = value;
   return true;
 }
 
-bool ScanInt(const char*& p, int& v, int base, int maxDigits)
+bool ScanInt(std::string_view& text, int& v, int base, int maxDigits)
 {
-  const char* number = SkipWhite(p);
-  const std::size_t length = std::strspn(number, "+-0123456789xXabcdefABCDEF");
-  const char* end = number + (maxDigits > 0 ? std::min<std::size_t>(length, maxDigits) : length);
-  const bool negative = number != end && *number == '-';
-  if (number != end && (*number == '-' || *number == '+'))
+  const char* const textEnd = text.data() + text.size();
+  const char* number = SkipWhite(text.data(), textEnd);
+  const char* end = SkipAmong(number, textEnd, "+-0123456789xXabcdefABCDEF");
+  if (maxDigits > 0)
+    end = number + std::min<std::ptrdiff_t>(maxDigits, end - number);
+  const bool negative = IsAt(number, end, "-");
+  if (IsAt(number, end, "+-"))
     ++number;
   const Notation notation = IntNotation(number, end, base);
   std::uint32_t value = 0;
@@ -265,14 +262,14 @@ bool ScanInt(const char*& p, int& v, int base, int maxDigits)
   const std::uint32_t limit = std::numeric_limits<std::int32_t>::max() + (negative ? 1u : 0u);
   if (fault != std::errc() || value > limit)
     return false;
-  p = stop;
+  text = {stop, textEnd};
   v = static_cast<int>(negative ? 0u - value : value);
   return true;
 }
 
-double ToDouble(const char* text)
+double ToDouble(std::string_view text)
 {
   double value = 0.0;
-  ParseDouble(text, value);
+  ParseDouble(text.data(), text.data() + text.size(), value);
   return value;
 }

@@ -1,7 +1,5 @@
 #include "base/read_observer.h"
 
-#include <string>
-
 #include "base/number_text.h"
 #include "base/textscan.h"
 
@@ -21,9 +19,8 @@ void NoteNumber(std::string_view value)
 {
   if (!readObserver)
     return;
-  const std::string copy(value);
-  const char* p = copy.c_str();
+  std::string_view rest = UpToNull(value);
   double number = 0.0;
-  if (!ScanDouble(p, number) || *p)
+  if (!ScanDouble(rest, number) || !rest.empty())
     Note(ReadEvent::NumberPart, value);
 }

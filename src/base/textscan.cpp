@@ -15,16 +15,6 @@
 
 namespace {
 
-bool IsWhite(char c)
-{
-  return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-bool IsDigit(char c)
-{
-  return c >= '0' && c <= '9';
-}
-
 // As much of a number as a message needs.
 std::string_view FirstDigits(const char* first, const char* last)
 {
@@ -42,17 +32,8 @@ bool TinyNumber(const char* first, const char* last, double& value)
 
 }  // namespace
 
-void TextScan::SkipWhite()
+bool TextScan::ReadOtherInt(int& value)
 {
-  while (next != end && IsWhite(*next))
-    ++next;
-}
-
-bool TextScan::ReadInt(int& value)
-{
-  SkipWhite();
-  if (ScanPlainInt(next, end, value))
-    return true;
   const char* digits = next;
   if (digits != end && *digits == '+')
     ++digits;
@@ -115,14 +96,12 @@ std::string_view TextScan::ReadWord()
   return {word, std::min(static_cast<std::size_t>(next - word), kLimit)};
 }
 
-const std::string& TextScan::ReadRestOfLine()
+std::string_view TextScan::ReadRestOfLine()
 {
   const char* start = next;
   SkipLine();
   const char* stop = (next != start && next[-1] == '\n') ? next - 1 : next;
-  lineStart = start;
-  line.assign(start, std::min(static_cast<std::size_t>(stop - start), kLimit));
-  return line;
+  return {start, std::min(static_cast<std::size_t>(stop - start), kLimit)};
 }
 
 void TextScan::SkipLine()
@@ -173,11 +152,7 @@ std::string_view TextScan::LineAhead() const
 std::ptrdiff_t TextScan::OffsetOf(const char* place) const
 {
   const std::less_equal<> before;
-  if (before(begin, place) && before(place, end))
-    return place - begin;
-  if (lineStart && before(line.data(), place) && before(place, line.data() + line.size()))
-    return lineStart - begin + (place - line.data());
-  return -1;
+  return before(begin, place) && before(place, end) ? place - begin : -1;
 }
 
 void FindThisWord(TextScan& text, const char* word)
@@ -245,7 +220,12 @@ std::string_view ItemScanner::Token(std::string_view skipped, std::string_view e
 double NumberOfItem(std::string_view value)
 {
   NoteNumber(value);
-  return ToDouble(std::string(value).c_str());
+  return ToDouble(value);
+}
+
+std::string_view UpToNull(std::string_view text)
+{
+  return text.substr(0, text.find('\0'));
 }
 
 int EulerIndex(std::string_view key)

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/number_text.h"
+
 /// The text of a problem file and the place reached in it.
 ///
 /// Numbers and words are read as a formatted input stream reads them (leading
@@ -31,7 +33,11 @@ public:
   explicit TextScan(std::string&& text) = delete;  // it would be gone
 
   bool AtEnd() const { return next == end; }
-  bool ReadInt(int& value);
+  bool ReadInt(int& value)
+  {
+    SkipWhite();
+    return ScanPlainInt(next, end, value) || ReadOtherInt(value);
+  }
   bool ReadDouble(double& value);
 
   /// Reads the rest of the line when it is nothing but one plain whole number above 0 without
@@ -41,8 +47,8 @@ public:
   /// The next word between white space; empty at the end of the text.
   std::string_view ReadWord();
 
-  /// From here to the end of the line, which is consumed. Valid until the next call.
-  const std::string& ReadRestOfLine();
+  /// From here to the end of the line, which is consumed: a view of the text.
+  std::string_view ReadRestOfLine();
   void SkipLine();
 
   /// Skips up to a decimal digit; false when there is none.
@@ -56,18 +62,23 @@ public:
   /// The place reached, and the rest of its line without the newline: views of the text.
   const char* Here() const { return next; }
   std::string_view LineAhead() const;
-  /// Bytes from the beginning of the text to a place in it or in the line that ReadRestOfLine
-  /// has given last; -1 for other places.
+  /// Bytes from the beginning of the text to a place in it; -1 for other places.
   std::ptrdiff_t OffsetOf(const char* place) const;
 
 private:
-  void SkipWhite();
+  static bool IsWhite(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+  void SkipWhite()
+  {
+    const char* p = next;
+    while (p != end && IsWhite(*p))
+      ++p;
+    next = p;
+  }
+  bool ReadOtherInt(int& value);
 
   const char* begin;
   const char* next;
   const char* end;
-  std::string line;
-  const char* lineStart = nullptr;  ///< of `line` in the text
 };
 
 /// Reads words up to and including the first that contains `word` (lower case),
@@ -117,6 +128,9 @@ private:
 
 /// The number that the value of an item begins with; 0 when there is none.
 double NumberOfItem(std::string_view value);
+
+/// A text up to its first null character, if it has one: where records of one line end.
+std::string_view UpToNull(std::string_view text);
 
 /// One item of a record that gives an Euler angle: "Euler1" to "Euler3" in any
 /// case gives 0 to 2, another key that begins with "Euler" is fatal, others give -1.

@@ -1,7 +1,6 @@
 #include "model/elem.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iomanip>
 
 #include "base/errorwriter.h"
@@ -204,21 +203,19 @@ int Elem::ReadFromAscii(TextScan& text, const VoidPlex* nodePlex, const Units* u
   if (nodes.Size() == 2 && numbers[0] == numbers[1])
     Fatal("error: element: ", number, "  have both nodes equal\n");
   if (!text.ReadLastNumber(materialNumber))
-    ReadMaterial(text.ReadRestOfLine().c_str(), units);
+    ReadMaterial(UpToNull(text.ReadRestOfLine()), units);
   return 1;
 }
 
-void Elem::ReadMaterial(const char* text, const Units* units)
+void Elem::ReadMaterial(std::string_view text, const Units* units)
 {
   constexpr const char* kDelimiters = " \t:=";
-  text += std::strspn(text, kDelimiters);
-  const char* item = text;
-  text += std::strcspn(text, kDelimiters);
-  NoteMaterialNumber({item, text});
+  text.remove_prefix(std::min(text.find_first_not_of(kDelimiters), text.size()));
+  std::string_view item = text.substr(0, text.find_first_of(kDelimiters));
+  text.remove_prefix(std::min(item.size() + 1, text.size()));  // with the delimiter
+  NoteMaterialNumber(item);
   ScanInt(item, materialNumber, 0, 0);
-  if (*text)
-    ++text;  // the delimiter
-  if (!text[std::strspn(text, " \t\r")])
+  if (text.find_first_not_of(" \t\r") == std::string_view::npos)
     return;
   material = std::make_unique<Material>();
   material->SetToNegative();

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <ostream>
+#include <string_view>
 
 #include "base/constants.h"
 #include "base/object_pool.h"
@@ -132,7 +133,7 @@ public:
 
 private:
   void CopyNodesFrom(const Elem& el, int count, int first);
-  void ReadMaterial(const char* text, const Units* units);
+  void ReadMaterial(std::string_view text, const Units* units);
 
   int number = 0;
   int materialNumber = 0;

@@ -79,6 +79,6 @@ void Project::ReadOneLoad(TextScan& text, int number, std::unique_ptr<BaseElemLo
   const Elem* elem = GiveElem(number);
   if (!elem)
     Fatal("error: trying to assign load to element number ", number, " and it does not exist\n");
-  load->ReadYourLoad(number, problemType, text.ReadRestOfLine().c_str(), *this, elem->ElemType());
+  load->ReadYourLoad(number, problemType, UpToNull(text.ReadRestOfLine()), *this, elem->ElemType());
   Attach(elemLoads, number, std::move(load));
 }

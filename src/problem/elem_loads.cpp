@@ -21,7 +21,7 @@ void BaseElemLoads::Append(std::unique_ptr<BaseElemLoads> load)
   last = added;
 }
 
-void TemperatureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE, const char* text, const Units&,
+void TemperatureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE, std::string_view text, const Units&,
                                  ElemType)
 {
   if (!ScanDouble(text, values[0]) || !ScanDouble(text, values[1]))

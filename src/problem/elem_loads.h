@@ -2,6 +2,7 @@
 
 #include <array>
 #include <memory>
+#include <string_view>
 
 #include "base/constants.h"
 #include "model/elem.h"
@@ -31,8 +32,8 @@ public:
   virtual ~BaseElemLoads();
 
   /// Takes the values from the rest of a record, converted to the units of the results.
-  virtual void ReadYourLoad(int elemNumber, PROBLEMTYPE type, const char* text, const Units& units,
-                            ElemType elemType) = 0;
+  virtual void ReadYourLoad(int elemNumber, PROBLEMTYPE type, std::string_view text,
+                            const Units& units, ElemType elemType) = 0;
 
   /// Adds what the load is to a beam.
   virtual void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const = 0;
@@ -60,7 +61,7 @@ private:
 class TemperatureLT : public BaseElemLoads
 {
 public:
-  void ReadYourLoad(int elemNumber, PROBLEMTYPE type, const char* text, const Units& units,
+  void ReadYourLoad(int elemNumber, PROBLEMTYPE type, std::string_view text, const Units& units,
                     ElemType elemType) override;
   void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const override;
   /// Fatal: beams only.

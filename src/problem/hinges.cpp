@@ -1,5 +1,6 @@
 // Hinges: at nodes, where every beam end is hinged, and at the ends of single beams.
 
+#include <string_view>
 #include <vector>
 
 #include "base/errorwriter.h"
@@ -70,14 +71,14 @@ void Project::ReadElemHinges(TextScan& text, int number)
   if (!GiveElem(number))
     Fatal("error: trying to assign a rotule to element number ", number,
           " and it does not exist\n");
-  const std::string& line = text.ReadRestOfLine();
+  const std::string_view line = text.ReadRestOfLine();
   if (line.empty())
     Fatal("Not reading correctly the rotules -a-. Number=", number, "\n");
   int code = 0;
-  const char* p = line.c_str();
-  if (!ScanInt(p, code, 10, 2))
+  std::string_view tail = UpToNull(line);
+  if (!ScanInt(tail, code, 10, 2))
     Fatal("Not reading correctly the rotules -b-. Number=", number, "\n");
-  Note(ReadEvent::LineTail, p);
+  Note(ReadEvent::LineTail, tail);
   if (!IsHingeCode(code))
     Fatal("error: hinge code of element ", number, " must be 11, 10, 01 or 00\n");
   hingeCodes[number] = code;

@@ -2,7 +2,7 @@
 // "node [flags] values items".
 
 #include <memory>
-#include <string>
+#include <string_view>
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
@@ -25,20 +25,20 @@ struct NodalRecord
 };
 
 // n one-digit flags, each 0, 1 or 2.
-bool ScanFlags(const char*& p, int n, int* flags)
+bool ScanFlags(std::string_view& text, int n, int* flags)
 {
   for (int i = 0; i < n; ++i) {
-    if (!ScanInt(p, flags[i], 10, 1) || flags[i] < Constraint::kFree ||
+    if (!ScanInt(text, flags[i], 10, 1) || flags[i] < Constraint::kFree ||
         flags[i] > Constraint::kSpring)
       return false;
   }
   return true;
 }
 
-bool ScanValues(const char*& p, int n, double* values)
+bool ScanValues(std::string_view& text, int n, double* values)
 {
   for (int i = 0; i < n; ++i) {
-    if (!ScanDouble(p, values[i]))
+    if (!ScanDouble(text, values[i]))
       return false;
   }
   return true;
@@ -46,8 +46,8 @@ bool ScanValues(const char*& p, int n, double* values)
 
 // The items behind the values; keys that are not known are ignored, angles where they
 // are not asked for too.
-void ScanItems(const char* tail, const Units& units, bool withAngles, const char* misread, int node,
-               NodalRecord& record)
+void ScanItems(std::string_view tail, const Units& units, bool withAngles, const char* misread,
+               int node, NodalRecord& record)
 {
   ItemScanner items(tail);
   for (std::string_view key = items.Key(); !key.empty(); key = items.Key()) {
@@ -82,12 +82,13 @@ void Project::ReadConstraint(TextScan& text, int number)
   if (!node)
     Fatal("error: Trying to assign constrain to unknown node\n");
   NodalRecord record{.ratios = DefaultRatios()};
-  const char* p = text.ReadRestOfLine().c_str();
-  if (!ScanFlags(p, n, record.flags) || !ScanValues(p, n, record.values))
+  std::string_view tail = UpToNull(text.ReadRestOfLine());
+  if (!ScanFlags(tail, n, record.flags) || !ScanValues(tail, n, record.values))
     Fatal(n == 3 ? "Not reading correctly the constraints. Number="
                  : "Not reading correctly the constraints. -A- Number=",
           number, "\n");
-  ScanItems(p, *this, true, "Not reading correctly the constraints. -B- Number=", number, record);
+  ScanItems(tail, *this, true, "Not reading correctly the constraints. -B- Number=", number,
+            record);
   if (!node->constraint)
     node->constraint = std::make_unique<Constraint>(n, translations);
   node->constraint->EnterValuesAndFlags(record.flags, record.values, n, record.ratios.force,
@@ -111,15 +112,15 @@ void Project::ReadNodalLoad(TextScan& text, int number)
   if (!node)
     Fatal("error: Trying to assign Load to unknown node\n");
   NodalRecord record{.ratios = DefaultRatios()};
-  const std::string& line = text.ReadRestOfLine();
+  const std::string_view line = text.ReadRestOfLine();
   if (line.empty())
     Fatal("Not reading correctly the loads A. Number=", number, "\n");
-  const char* p = line.c_str();
-  if (!ScanValues(p, n, record.values))
+  std::string_view tail = UpToNull(line);
+  if (!ScanValues(tail, n, record.values))
     Fatal(n == 3 ? "Not reading correctly the loads B. Number="
                  : "Not reading correctly the loads C. Number=",
           number, "\n");
-  ScanItems(p, *this, false, "Not reading correctly the loads. -D- Number=", number, record);
+  ScanItems(tail, *this, false, "Not reading correctly the loads. -D- Number=", number, record);
   if (!node->load)
     node->load = std::make_unique<Load>(n, translations);
   node->load->AddValues(record.values, n, record.ratios.force, record.ratios.length);

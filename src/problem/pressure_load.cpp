@@ -24,26 +24,22 @@ struct RecordShape
   int least, most;
 };
 
-bool ScanRecord(const char*& text, const RecordShape& shape, double* values, int& face)
+bool ScanRecord(std::string_view& text, const RecordShape& shape, double* values, int& face)
 {
-  const char* p = text;
-  if (shape.withFace && !ScanInt(p, face, 0, 0))
+  std::string_view rest = text;
+  if (shape.withFace && !ScanInt(rest, face, 0, 0))
     return false;
-  for (int i = 0; i < shape.most; ++i) {
-    const char* before = p;
-    if (ScanDouble(p, values[i]))
-      continue;
-    if (i < shape.least)
-      return false;
-    p = before;
-    break;
-  }
-  text = p;
+  int given = 0;
+  while (given < shape.most && ScanDouble(rest, values[given]))
+    ++given;
+  if (given < shape.least)
+    return false;
+  text = rest;
   return true;
 }
 
-bool ScanNumbers(const char*& text, PROBLEMTYPE problem, ElemType elemType, PreassureLT_type type,
-                 int elemNumber, double* values, int& face)
+bool ScanNumbers(std::string_view& text, PROBLEMTYPE problem, ElemType elemType,
+                 PreassureLT_type type, int elemNumber, double* values, int& face)
 {
   if (elemType == Tetrahedra)
     return ScanRecord(text, {true, 3, 3}, values, face);
@@ -68,7 +64,7 @@ struct LoadItems
   Units::Ratios ratios;
 };
 
-LoadItems ScanItems(const char* tail, const Units& units, int elemNumber)
+LoadItems ScanItems(std::string_view tail, const Units& units, int elemNumber)
 {
   LoadItems found{.ratios = units.DefaultRatios()};
   ItemScanner items(tail);
@@ -118,7 +114,7 @@ double ProjectedPart(const BeamSpan& beam, const ReaVec& load)
 
 }  // namespace
 
-void PreassureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE problem, const char* text,
+void PreassureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE problem, std::string_view text,
                                const Units& units, ElemType elemType)
 {
   if (!ScanNumbers(text, problem, elemType, type, elemNumber, values, face))

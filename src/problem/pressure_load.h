@@ -26,7 +26,7 @@ class PreassureLT : public BaseElemLoads
 public:
   explicit PreassureLT(PreassureLT_type loadType) : type(loadType) {}
 
-  void ReadYourLoad(int elemNumber, PROBLEMTYPE problem, const char* text, const Units& units,
+  void ReadYourLoad(int elemNumber, PROBLEMTYPE problem, std::string_view text, const Units& units,
                     ElemType elemType) override;
   void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const override;
   void AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, ReaVecV& loads) const override;

@@ -47,26 +47,26 @@ void RequirePositive(double factor, const char* message)
 }
 
 // The next word of at most 20 characters; a longer one is cut, and its rest is the next.
-std::string ScanName(const char*& p)
+std::string ScanName(std::string_view& text)
 {
   constexpr std::size_t kLongest = 20;
-  p += std::strspn(p, kWhite);
-  const char* start = p;
-  p += std::min(std::strcspn(p, kWhite), kLongest);
-  return {start, p};
+  text.remove_prefix(std::min(text.find_first_not_of(kWhite), text.size()));
+  const std::string_view name = text.substr(0, std::min(text.find_first_of(kWhite), kLongest));
+  text.remove_prefix(name.size());
+  return std::string(name);
 }
 
 // A line "name nameN nameM namePa facN facM".
-UnitsBase ReadUnitsBase(const std::string& line)
+UnitsBase ReadUnitsBase(std::string_view line)
 {
   UnitsBase base;
-  const char* p = line.c_str();
+  std::string_view tail = UpToNull(line);
   for (std::string* name : {&base.name, &base.nameN, &base.nameM, &base.namePa})
-    *name = ScanName(p);
-  if (!ScanDouble(p, base.facN) || !ScanDouble(p, base.facM))
+    *name = ScanName(tail);
+  if (!ScanDouble(tail, base.facN) || !ScanDouble(tail, base.facM))
     Fatal("error: 'units_names' items should be: name nameN nameM namePa facN facM\n");
-  if (p[std::strspn(p, kWhite)])
-    Note(ReadEvent::LineTail, p);
+  if (tail.find_first_not_of(kWhite) != std::string_view::npos)
+    Note(ReadEvent::LineTail, tail);
   return base;
 }
 
@@ -178,7 +178,7 @@ void Project::ReadFAUnitsNames(TextScan& text)
     const int comment = text.TakeOutSpaces();
     if (comment == -1)
       Fatal("error: 'units_names' should finish with the 'end' word\n");
-    const std::string& line = text.ReadRestOfLine();
+    const std::string_view line = text.ReadRestOfLine();
     if (comment == 1)
       continue;
     if (HasPrefix(line, "end"))

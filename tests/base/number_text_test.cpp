@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <random>
 #include <string>
+#include <string_view>
 
 #include "base/textscan.h"
 
@@ -70,22 +71,22 @@ TEST(NumberText, ScanDoubleReadsAsScanf)
     double expected = -7.0;
     int length = 0;
     const bool isNumber = std::sscanf(text, "%lf%n", &expected, &length) == 1;
-    const char* p = text;
+    std::string_view rest = text;
     double value = -7.0;
-    EXPECT_EQ(ScanDouble(p, value), isNumber) << text;
+    EXPECT_EQ(ScanDouble(rest, value), isNumber) << text;
     EXPECT_EQ(value, expected) << text;
     EXPECT_EQ(std::signbit(value), std::signbit(expected)) << text;
-    EXPECT_EQ(p - text, isNumber ? length : 0) << text;
+    EXPECT_EQ(rest.data() - text, isNumber ? length : 0) << text;
   }
 }
 
 TEST(NumberText, AnExponentNeedsDigits)
 {
   for (const char* text : {"1e", "1e ", "1ex", "-2.5E", "1e+", "1e-x", "0x1p", "0x1p-"}) {
-    const char* p = text;
+    std::string_view rest = text;
     double value = 3.0;
-    EXPECT_FALSE(ScanDouble(p, value)) << text;
-    EXPECT_EQ(p, text);
+    EXPECT_FALSE(ScanDouble(rest, value)) << text;
+    EXPECT_EQ(rest, text);
   }
 }
 
@@ -97,12 +98,12 @@ TEST(NumberText, ScanDoubleRefusesWhatIsNotFinite)
         std::string("1e400"), std::string("-1e309"), std::string("1e99999999999999999999"),
         std::string("0.001e999"), long400, long400 + "e-50", std::string("0x1p1024"),
         std::string("0x1p+99999999999")}) {
-    const char* p = text.c_str();
+    std::string_view rest = text;
     double value = 3.0;
-    EXPECT_FALSE(ScanDouble(p, value)) << text;
+    EXPECT_FALSE(ScanDouble(rest, value)) << text;
     EXPECT_EQ(value, 3.0) << text;
-    EXPECT_EQ(p, text.c_str());
-    EXPECT_EQ(ToDouble(text.c_str()), 0.0) << text;
+    EXPECT_EQ(rest, text);
+    EXPECT_EQ(ToDouble(text), 0.0) << text;
   }
 }
 
@@ -126,12 +127,12 @@ TEST(NumberText, TooSmallNumbersAreZeroOrDenormal)
                {"0x0.0001p-1080", 0.0},
                {"0." + zeros + "1e401", 1.0}};
   for (const auto& c : cases) {
-    const char* p = c.text.c_str();
+    std::string_view rest = c.text;
     double value = 3.0;
-    EXPECT_TRUE(ScanDouble(p, value)) << c.text;
+    EXPECT_TRUE(ScanDouble(rest, value)) << c.text;
     EXPECT_EQ(value, c.expected) << c.text;
     EXPECT_EQ(std::signbit(value), std::signbit(c.expected)) << c.text;
-    EXPECT_EQ(*p, '\0') << c.text;
+    EXPECT_EQ(rest, "") << c.text;
   }
 }
 
@@ -153,11 +154,11 @@ TEST(NumberText, ScanIntReadsAsScanf)
       int expected = -7;
       int length = 0;
       const bool isNumber = std::sscanf(text, c.format, &expected, &length) == 1;
-      const char* p = text;
+      std::string_view rest = text;
       int value = -7;
-      EXPECT_EQ(ScanInt(p, value, c.base, c.maxDigits), isNumber) << c.format << ' ' << text;
+      EXPECT_EQ(ScanInt(rest, value, c.base, c.maxDigits), isNumber) << c.format << ' ' << text;
       EXPECT_EQ(value, expected) << c.format << ' ' << text;
-      EXPECT_EQ(p - text, isNumber ? length : 0) << c.format << ' ' << text;
+      EXPECT_EQ(rest.data() - text, isNumber ? length : 0) << c.format << ' ' << text;
     }
   }
 }
@@ -170,10 +171,10 @@ TEST(NumberText, ScanIntPrefixNeedsDigits)
     int maxDigits;
   } cases[] = {{"0x", 0}, {"-0X", 0}, {"0xg", 0}, {"0x1F", 2}, {"-0x1F", 3}};
   for (const auto& c : cases) {
-    const char* p = c.text;
+    std::string_view rest = c.text;
     int value = 3;
-    EXPECT_FALSE(ScanInt(p, value, 0, c.maxDigits)) << c.text;
-    EXPECT_EQ(p, c.text);
+    EXPECT_FALSE(ScanInt(rest, value, 0, c.maxDigits)) << c.text;
+    EXPECT_EQ(rest, c.text);
   }
 }
 
@@ -181,11 +182,11 @@ TEST(NumberText, ScanIntRefusesWhatDoesNotFit)
 {
   for (const char* text : {"2147483648", "-2147483649", "4294967295", "4294967296",
                            "99999999999999999999999", "0x80000000", "0x100000001"}) {
-    const char* p = text;
+    std::string_view rest = text;
     int value = 3;
-    EXPECT_FALSE(ScanInt(p, value, 0, 0)) << text;
+    EXPECT_FALSE(ScanInt(rest, value, 0, 0)) << text;
     EXPECT_EQ(value, 3) << text;
-    EXPECT_EQ(p, text);
+    EXPECT_EQ(rest, text);
   }
 }
 
@@ -238,18 +239,18 @@ TEST(NumberText, AMillionNumbersBitForBitAsStrtod)
     const std::string number = RandomNumber(random);
     const std::string text = number + (i % 2 ? " 7" : "");
     const double expected = std::strtod(text.c_str(), nullptr);
-    const char* p = text.c_str();
+    std::string_view rest = text;
     double value = -7.0;
     double streamed = -7.0;
     TextScan scan(text);
-    ASSERT_EQ(ScanDouble(p, value), std::isfinite(expected)) << text;
+    ASSERT_EQ(ScanDouble(rest, value), std::isfinite(expected)) << text;
     ASSERT_EQ(scan.ReadDouble(streamed), std::isfinite(expected)) << text;
     if (!std::isfinite(expected))
       continue;
     ASSERT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(expected)) << text;
     ASSERT_EQ(std::bit_cast<std::uint64_t>(streamed), std::bit_cast<std::uint64_t>(expected))
         << text;
-    ASSERT_EQ(static_cast<std::size_t>(p - text.c_str()), number.size()) << text;
+    ASSERT_EQ(text.size() - rest.size(), number.size()) << text;
     ASSERT_EQ(scan.Where().column, static_cast<int>(number.size()) + 1) << text;
   }
 }

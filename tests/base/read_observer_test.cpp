@@ -78,14 +78,14 @@ TEST(ReadObserver, HearsOfValuesThatAreNoNumbersAsAWhole)
   EXPECT_EQ(listener.lines, std::vector{Line(ReadEvent::NumberPart, "1,5|")});
 }
 
-TEST(TextScan, KnowsPlacesInTheTextAndInTheLineRead)
+TEST(TextScan, KnowsPlacesInTheText)
 {
   const char* content = "ab\ncdef\n";
   TextScan text(content);
   text.SkipLine();
   EXPECT_EQ(text.LineAhead(), "cdef");
   EXPECT_EQ(text.OffsetOf(text.Here()), 3);
-  const std::string& line = text.ReadRestOfLine();
+  const std::string_view line = text.ReadRestOfLine();
   EXPECT_EQ(text.OffsetOf(line.data() + 2), 5);
   EXPECT_EQ(text.OffsetOf("elsewhere"), -1);
 }

@@ -5,6 +5,8 @@
 LargeBlock AllocateLarge(std::size_t bytes)
 {
   const bool large = bytes >= kLargePage;
+  if (large)
+    bytes += -bytes % kLargePage;  // whole pages
   const std::align_val_t alignment{large ? kLargePage : alignof(std::max_align_t)};
   LargeBlock block(static_cast<char*>(::operator new[](bytes, alignment)), ReleaseLarge{alignment});
   if (large)

@@ -4,6 +4,8 @@
 #include <memory>
 #include <ostream>
 
+#include "base/object_pool.h"
+
 class Matriu;
 class ReaVecV;
 
@@ -21,7 +23,7 @@ constexpr int TranslationsOf(int n)
 ///
 /// Components are in the support's own axes when it has Euler angles, otherwise global.
 /// Reactions are always in global axes.
-class Constraint
+class Constraint : public Pooled<Constraint>
 {
 public:
   enum Flag : int

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/constants.h"
+#include "base/object_pool.h"
 #include "model/elem.h"
 
 class Matriu;
@@ -58,7 +59,7 @@ private:
 
 /// Change of temperature of a beam: its free strain is the product of the two values, the
 /// coefficient of expansion and the change of temperature.
-class TemperatureLT : public BaseElemLoads
+class TemperatureLT : public BaseElemLoads, public Pooled<TemperatureLT>
 {
 public:
   void ReadYourLoad(int elemNumber, PROBLEMTYPE type, std::string_view text, const Units& units,

@@ -6,7 +6,7 @@
 #include "problem/constraint.h"
 
 /// The forces and moments on one node, in global axes.
-class Load
+class Load : public Pooled<Load>
 {
 public:
   explicit Load(int n) : Load(n, TranslationsOf(n)) {}

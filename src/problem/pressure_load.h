@@ -21,7 +21,7 @@ constexpr const char* KeywordOf(PreassureLT_type type)
 }
 
 /// Load per length of a beam or an edge, per area of a shell or a face, per volume of a solid.
-class PreassureLT : public BaseElemLoads
+class PreassureLT : public BaseElemLoads, public Pooled<PreassureLT>
 {
 public:
   explicit PreassureLT(PreassureLT_type loadType) : type(loadType) {}

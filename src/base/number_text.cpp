@@ -1,21 +1,16 @@
 #include "base/number_text.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <string_view>
 
 namespace {
-
-const char* SkipWhite(const char* p, const char* end)
-{
-  while (p != end && (*p == ' ' || (*p >= '\t' && *p <= '\r')))
-    ++p;
-  return p;
-}
 
 // Whether one of these letters stands at p.
 bool IsAt(const char* p, const char* end, std::string_view letters)
@@ -54,10 +49,11 @@ bool IsTiny(std::string_view digits, bool hex)
   return place * (hex ? 4 : 1) + exponent < 0;
 }
 
-// The longest number that the text begins with: its end and its value; null for none.
-const char* ParseDouble(const char* text, const char* textEnd, double& v)
+// The longest number that the text begins with.
+Scanned<double> ParseDouble(const char* text, const char* textEnd)
 {
-  const char* p = SkipWhite(text, textEnd);
+  constexpr Scanned<double> kNone = {nullptr, 0.0};
+  const char* p = text;
   const bool negative = IsAt(p, textEnd, "-");
   if (IsAt(p, textEnd, "+-"))
     ++p;
@@ -65,95 +61,86 @@ const char* ParseDouble(const char* text, const char* textEnd, double& v)
   if (hex)
     p += 2;
   else if (!IsAt(p, textEnd, "0123456789."))  // from_chars knows "inf", "nan" and "-"
-    return nullptr;
+    return kNone;
   const char* end = SkipAmong(p, textEnd, hex ? "0123456789abcdefABCDEF.pP+-" : "0123456789.eE+-");
   if (p == end || *p == '+' || *p == '-')
-    return nullptr;
+    return kNone;
 
   double value = 0.0;
   const auto format = hex ? std::chars_format::hex : std::chars_format::general;
   const auto [stop, fault] = std::from_chars(p, end, value, format);
   if (fault == std::errc::invalid_argument)
-    return nullptr;
+    return kNone;
   if (fault == std::errc::result_out_of_range) {
     if (!IsTiny({p, stop}, hex))
-      return nullptr;
+      return kNone;
     value = 0.0;
   }
   if (!std::isfinite(value))
-    return nullptr;
-  v = negative ? -value : value;
-  return stop;
+    return kNone;
+  return {stop, negative ? -value : value};
 }
 
-// The digits from p on, which moves behind them, are appended to the number; more than 19 in
-// all overflow.
-void AppendDigits(const char*& p, const char* end, std::uint64_t& number)
+// The same with eight at a time as long as there are so many: whether bytes are digits, and
+// their value by pairs, fours and eights, with few multiplications of all at once.
+DigitRun ScanManyDigits(const char* p, const char* end, std::uint64_t number)
 {
-  for (; p != end && IsDigit(*p); ++p)
-    number = 10 * number + static_cast<std::uint64_t>(*p - '0');
-}
-
-// The same for as many as decimals often are.
-void AppendManyDigits(const char*& p, const char* end, std::uint64_t& number)
-{
-  static constexpr std::uint64_t kPowers[] = {1,      10,      100,      1000,     10000,
-                                              100000, 1000000, 10000000, 100000000};
-  while (end - p >= 8) {
-    const DigitRun run = LeadingDigits(p);
-    number = kPowers[run.count] * number + run.number;
-    p += run.count;
-    if (run.count < 8)
-      return;
+  constexpr std::uint64_t kZeros = 0x3030303030303030;
+  constexpr std::uint64_t kHighHalves = 0xf0f0f0f0f0f0f0f0;
+  constexpr std::uint64_t kToSixteen = 0x0606060606060606;  // behind '9'
+  constexpr std::uint64_t kPairs = 0x000000ff000000ff;      // every other one
+  if constexpr (std::endian::native == std::endian::little) {
+    while (end - p >= 8) {
+      std::uint64_t bytes = 0;
+      std::memcpy(&bytes, p, 8);
+      if ((bytes & kHighHalves) != kZeros || ((bytes + kToSixteen) & kHighHalves) != kZeros)
+        break;
+      bytes -= kZeros;
+      bytes = 10 * bytes + (bytes >> 8);
+      const std::uint64_t first = (bytes & kPairs) * (100 + (std::uint64_t{1000000} << 32));
+      const std::uint64_t second = (bytes >> 16 & kPairs) * (1 + (std::uint64_t{10000} << 32));
+      number = 100000000 * number + ((first + second) >> 32);
+      p += 8;
+    }
   }
-  AppendDigits(p, end, number);
+  return ScanDigits(p, end, number);
 }
 
-// Digits with a point among them: the number that they are without it, how many there are, and
-// how many of them stand behind it.
+// Digits with a point among them: the number that they are without it, how many there are, how
+// many of them stand behind the point, and the place behind all.
 struct PlainMantissa
 {
   std::uint64_t number;
   std::ptrdiff_t digits;
   std::ptrdiff_t decimals;
+  const char* stop;
 };
 
-PlainMantissa ScanPlainMantissa(const char*& p, const char* end)
+PlainMantissa ScanPlainMantissa(const char* text, const char* end)
 {
-  const char* const first = p;
-  std::uint64_t number = 0;
-  AppendDigits(p, end, number);
-  const std::ptrdiff_t digits = p - first;
-  if (p == end || *p != '.')
-    return {number, digits, 0};
-  const char* const point = ++p;
-  AppendManyDigits(p, end, number);
-  return {number, digits + (p - point), p - point};
+  const DigitRun whole = ScanDigits(text, end);
+  const std::ptrdiff_t digits = whole.stop - text;
+  if (whole.stop == end || *whole.stop != '.')
+    return {whole.number, digits, 0, whole.stop};
+  const char* const point = whole.stop + 1;
+  const DigitRun all = ScanManyDigits(point, end, whole.number);
+  const std::ptrdiff_t decimals = all.stop - point;
+  return {all.number, digits + decimals, decimals, all.stop};
 }
 
-// Reads "e" with its digits, if p stands there, into an exponent. False for one that is not
-// complete or has more than three digits.
-bool ScanPlainExponent(const char*& p, const char* end, int& exponent)
+// "e" with its digits, if p stands there. None when they are not complete or more than three.
+Scanned<int> ScanPlainExponent(const char* p, const char* end)
 {
-  if (p == end || (*p != 'e' && *p != 'E'))
-    return true;
+  if (!IsAt(p, end, "eE"))
+    return {p, 0};
   ++p;
-  const bool negative = p != end && *p == '-';
-  if (p != end && (*p == '-' || *p == '+'))
+  const bool negative = IsAt(p, end, "-");
+  if (IsAt(p, end, "+-"))
     ++p;
-  const char* const first = p;
-  std::uint64_t size = 0;
-  AppendDigits(p, end, size);
-  if (p == first || p - first > 3)
-    return false;
-  exponent = negative ? -static_cast<int>(size) : static_cast<int>(size);
-  return true;
-}
-
-// Whether a number that ended at p would go on for another reader.
-bool EndsAtLetterOfNumbers(const char* p, const char* end)
-{
-  return p != end && (*p == 'e' || *p == 'E' || *p == 'x' || *p == 'X');
+  const DigitRun run = ScanDigits(p, end);
+  if (run.stop == p || run.stop - p > 3)
+    return {nullptr, 0};
+  return {run.stop, negative ? -static_cast<int>(run.number) : static_cast<int>(run.number)};
 }
 
 // Whether an exponent without digits follows the number that ends at stop.
@@ -187,7 +174,7 @@ Notation IntNotation(const char* p, const char* end, int base)
 
 // Mantissa and power of ten are exact doubles, so that the one operation on them rounds once:
 // W. D. Clinger, How to read floating point numbers accurately, PLDI 1990.
-bool ScanPlainDouble(const char*& p, const char* end, double& v)
+Scanned<double> ScanPlainDouble(const char* text, const char* end)
 {
   static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
@@ -195,54 +182,51 @@ bool ScanPlainDouble(const char*& p, const char* end, double& v)
   constexpr int kLargest = 22;
   constexpr std::ptrdiff_t kMostDigits = 19;
   constexpr std::uint64_t kMantissaEnd = std::uint64_t{1} << 53;
-  const char* next = p;
-  const bool negative = next != end && *next == '-';
-  if (negative)
-    ++next;
-  const PlainMantissa mantissa = ScanPlainMantissa(next, end);
-  int exponent = 0;
-  if (mantissa.digits == 0 || mantissa.digits > kMostDigits ||
-      !ScanPlainExponent(next, end, exponent) || EndsAtLetterOfNumbers(next, end))
-    return false;
-  const int power = exponent - static_cast<int>(mantissa.decimals);
-  if (mantissa.number > kMantissaEnd || power > kLargest || power < -kLargest)
-    return false;
-  const double size = static_cast<double>(static_cast<std::int64_t>(mantissa.number));
-  const double value = power < 0 ? size / kPowers[-power] : size * kPowers[power];
-  p = next;
-  v = negative ? -value : value;
-  return true;
+  const bool negative = text != end && *text == '-';
+  const PlainMantissa mantissa = ScanPlainMantissa(text + (negative ? 1 : 0), end);
+  const char* stop = mantissa.stop;
+  int power = static_cast<int>(-mantissa.decimals);
+  if (stop != end && *stop > ' ') {
+    const Scanned<int> exponent = ScanPlainExponent(stop, end);
+    if (!exponent.stop || IsAt(exponent.stop, end, "eExX"))  // would go on for another reader
+      return {nullptr, 0.0};
+    stop = exponent.stop;
+    power += exponent.value;
+  }
+  if (mantissa.digits == 0 || mantissa.digits > kMostDigits || mantissa.number > kMantissaEnd ||
+      power > kLargest || power < -kLargest)
+    return {nullptr, 0.0};
+  double value = static_cast<double>(static_cast<std::int64_t>(mantissa.number));
+  if (power < 0)
+    value /= kPowers[-power];
+  else if (power > 0)
+    value *= kPowers[power];
+  return {stop, negative ? -value : value};
 }
 
-bool ScanAnyPlainInt(const char*& p, const char* end, int& v)
+Scanned<int> ScanSignedInt(const char* text, const char* end)
 {
   constexpr std::ptrdiff_t kMostDigits = 9;
-  const char* next = p;
-  const bool negative = next != end && *next == '-';
-  if (negative)
-    ++next;
-  const char* const first = next;
-  std::uint64_t size = 0;
-  AppendDigits(next, end, size);
-  if (next == first || next - first > kMostDigits)
-    return false;
-  p = next;
-  v = negative ? -static_cast<int>(size) : static_cast<int>(size);
-  return true;
+  const bool negative = IsAt(text, end, "-");
+  const char* const first = text + (negative ? 1 : 0);
+  const DigitRun run = ScanDigits(first, end);
+  if (run.stop == first || run.stop - first > kMostDigits)
+    return {nullptr, 0};
+  return {run.stop, negative ? -static_cast<int>(run.number) : static_cast<int>(run.number)};
 }
 
 bool ScanDouble(std::string_view& text, double& v)
 {
   const char* const end = text.data() + text.size();
-  const char* stop = SkipWhite(text.data(), end);
-  double value = 0.0;
-  if (!ScanPlainDouble(stop, end, value)) {
-    stop = ParseDouble(text.data(), end, value);
-    if (!stop || HasBareExponent(text.data(), stop, end))
+  const char* const number = SkipWhite(text.data(), end);
+  Scanned<double> scanned = ScanPlainDouble(number, end);
+  if (!scanned.stop) {
+    scanned = ParseDouble(number, end);
+    if (!scanned.stop || HasBareExponent(number, scanned.stop, end))
       return false;
   }
-  text = {stop, end};
-  v = value;
+  text = {scanned.stop, end};
+  v = scanned.value;
   return true;
 }
 
@@ -269,7 +253,6 @@ bool ScanInt(std::string_view& text, int& v, int base, int maxDigits)
 
 double ToDouble(std::string_view text)
 {
-  double value = 0.0;
-  ParseDouble(text.data(), text.data() + text.size(), value);
-  return value;
+  const char* const end = text.data() + text.size();
+  return ParseDouble(SkipWhite(text.data(), end), end).value;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include "base/digits.h"
@@ -21,30 +22,36 @@ bool ScanDouble(std::string_view& text, double& v);
 /// On success the text begins behind the number; else it and v stay.
 bool ScanInt(std::string_view& text, int& v, int base, int maxDigits);
 
+/// A number and the place behind it in the text; null when there is none.
+template <class T>
+struct Scanned
+{
+  const char* stop;
+  T value;
+};
+
 /// Reads the numbers that most are, fast: "12", "-0.5", "1.25e-3". Exact, that is: what
 /// ScanDouble gives, as far as a number has at most 19 digits that fit into 53 bits and a power
-/// of ten up to 22 in size.
-///
-/// On success p stands behind the number; else p and v stay: the text up to `end` begins with
-/// something else, which may be a number all the same.
-bool ScanPlainDouble(const char*& p, const char* end, double& v);
+/// of ten up to 22 in size. The text up to `end` may begin with a number all the same when there
+/// is none here.
+Scanned<double> ScanPlainDouble(const char* text, const char* end);
 
-/// Likewise for integers of at most nine decimal digits; any of them, at the end of the text too.
-bool ScanAnyPlainInt(const char*& p, const char* end, int& v);
+/// Likewise for integers of at most nine decimal digits, with a sign or at the end of the text too.
+Scanned<int> ScanSignedInt(const char* text, const char* end);
 
-/// The same, in place for short numbers that do not end the text.
-inline bool ScanPlainInt(const char*& p, const char* end, int& v)
+/// The same, in place for those that begin with a digit.
+inline Scanned<int> ScanPlainInt(const char* text, const char* end)
 {
-  if (end - p <= 8)
-    return ScanAnyPlainInt(p, end, v);
-  const bool negative = *p == '-';
-  const char* const first = p + (negative ? 1 : 0);
-  const DigitRun run = LeadingDigits(first);
-  if (run.count == 0 || run.count == 8)
-    return ScanAnyPlainInt(p, end, v);
-  p = first + run.count;
-  v = negative ? -static_cast<int>(run.number) : static_cast<int>(run.number);
-  return true;
+  constexpr int kMostDigits = 9;
+  if (end - text <= kMostDigits || !IsDigit(*text))
+    return ScanSignedInt(text, end);
+  unsigned number = 0;
+  int digits = 0;
+  for (; digits < kMostDigits && IsDigit(text[digits]); ++digits)
+    number = 10 * number + static_cast<unsigned>(text[digits] - '0');
+  if (IsDigit(text[digits]))
+    return {nullptr, 0};
+  return {text + digits, static_cast<int>(number)};
 }
 
 /// The number the text begins with, as atof finds it ("1e" is 1); 0 when there is none.

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
-ObjectPool::ObjectPool(std::size_t objectSize) : size(std::max(objectSize, sizeof(Place)))
+#include "base/large_array.h"
+
+ObjectPool::ObjectPool(std::size_t objectSize) : size(objectSize)
 {
-  constexpr std::size_t kAlignment = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
+  constexpr std::size_t kAlignment = alignof(Place);
   size = (size + kAlignment - 1) / kAlignment * kAlignment;
 }
 
@@ -36,15 +38,13 @@ void ObjectPool::Return(void* object)
 
 void ObjectPool::AddSlab()
 {
-  constexpr std::size_t kFirstPlaces = 64;
-  constexpr std::size_t kLargest = std::size_t{1} << 21;
-  slabPlaces = std::clamp(8 * slabPlaces, kFirstPlaces, std::max(kLargest / size, kFirstPlaces));
-  // The largest are whole pages.
-  const bool whole = slabPlaces == kLargest / size;
-  const std::size_t bytes = whole ? std::max(kLargest, slabPlaces * size) : slabPlaces * size;
+  constexpr std::size_t kFirst = std::size_t{1} << 12;
+  constexpr std::size_t kLargest = kLargePage;
+  slabBytes = std::clamp(8 * slabBytes, kFirst, kLargest);
+  const std::size_t bytes = std::max(slabBytes, size);
   slabs.push_back(AllocateLarge(bytes));
   next = slabs.back().get();
-  end = next + slabPlaces * size;
+  end = next + bytes / size * size;
 }
 
 void ObjectPool::ReleaseSlabs()
@@ -52,5 +52,5 @@ void ObjectPool::ReleaseSlabs()
   slabs.clear();
   returned = nullptr;
   next = end = nullptr;
-  slabPlaces = 0;
+  slabBytes = 0;
 }

@@ -11,7 +11,7 @@
 class ObjectPool
 {
 public:
-  /// At most the alignment that new gives by itself.
+  /// The size is a multiple of the objects' alignment, which is at most what new gives by itself.
   explicit ObjectPool(std::size_t objectSize);
   ObjectPool(const ObjectPool&) = delete;
   ObjectPool& operator=(const ObjectPool&) = delete;
@@ -36,7 +36,7 @@ private:
   Place* returned = nullptr;
   char* next = nullptr;  ///< places of the last slab not yet used: next to end
   char* end = nullptr;
-  std::size_t slabPlaces = 0;  ///< of the last slab
+  std::size_t slabBytes = 0;  ///< of the last slab
   std::vector<LargeBlock> slabs;
 };
 

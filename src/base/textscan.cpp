@@ -48,11 +48,8 @@ bool TextScan::ReadOtherInt(int& value)
   return fault == std::errc();
 }
 
-bool TextScan::ReadDouble(double& value)
+bool TextScan::ReadOtherDouble(double& value)
 {
-  SkipWhite();
-  if (ScanPlainDouble(next, end, value))
-    return true;
   const char* first = next;
   if (first != end && *first == '+')
     ++first;
@@ -75,21 +72,24 @@ bool TextScan::ReadLastNumber(int& value)
   const char* p = next;
   while (p != end && (*p == ' ' || *p == '\t'))
     ++p;
-  int number = 0;
-  if (p == end || *p < '1' || *p > '9' || !ScanPlainInt(p, end, number))
+  if (p == end || *p < '1' || *p > '9')
     return false;
+  const Scanned<int> number = ScanPlainInt(p, end);
+  if (!number.stop)
+    return false;
+  p = number.stop;
   while (p != end && (*p == ' ' || *p == '\t' || *p == '\r'))
     ++p;
   if ((p != end && *p != '\n') || p - next > static_cast<std::ptrdiff_t>(kLimit))
     return false;
   next = p == end ? end : p + 1;
-  value = number;
+  value = number.value;
   return true;
 }
 
 std::string_view TextScan::ReadWord()
 {
-  SkipWhite();
+  next = SkipWhite(next, end);
   const char* word = next;
   while (next != end && !IsWhite(*next))
     ++next;
@@ -173,18 +173,6 @@ void FindThisWord(TextScan& text, const char* word)
     Note(ReadEvent::WordPart, found, word);
     return;
   }
-}
-
-void SkipComments(TextScan& text)
-{
-  while (text.TakeOutSpaces() == 1)
-    text.SkipLine();
-}
-
-bool ReadRecordNumber(TextScan& text, int& number)
-{
-  SkipComments(text);
-  return text.ReadInt(number);
 }
 
 void SkipBlockEnd(TextScan& text)

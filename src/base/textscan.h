@@ -33,12 +33,27 @@ public:
   explicit TextScan(std::string&& text) = delete;  // it would be gone
 
   bool AtEnd() const { return next == end; }
+  bool AtDigit() const { return next != end && IsDigit(*next); }
   bool ReadInt(int& value)
   {
-    SkipWhite();
-    return ScanPlainInt(next, end, value) || ReadOtherInt(value);
+    next = SkipWhite(next, end);
+    const Scanned<int> number = ScanPlainInt(next, end);
+    if (!number.stop)
+      return ReadOtherInt(value);
+    next = number.stop;
+    value = number.value;
+    return true;
   }
-  bool ReadDouble(double& value);
+  bool ReadDouble(double& value)
+  {
+    next = SkipWhite(next, end);
+    const Scanned<double> number = ScanPlainDouble(next, end);
+    if (!number.stop)
+      return ReadOtherDouble(value);
+    next = number.stop;
+    value = number.value;
+    return true;
+  }
 
   /// Reads the rest of the line when it is nothing but one plain whole number above 0 without
   /// leading zeros, and consumes the line; else false, and everything stays.
@@ -66,15 +81,8 @@ public:
   std::ptrdiff_t OffsetOf(const char* place) const;
 
 private:
-  static bool IsWhite(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-  void SkipWhite()
-  {
-    const char* p = next;
-    while (p != end && IsWhite(*p))
-      ++p;
-    next = p;
-  }
   bool ReadOtherInt(int& value);
+  bool ReadOtherDouble(double& value);
 
   const char* begin;
   const char* next;
@@ -92,11 +100,19 @@ inline int TakeOutSpaces(TextScan& text)
 }
 
 /// Skips blanks and comment lines, up to the next record of a block.
-void SkipComments(TextScan& text);
+inline void SkipComments(TextScan& text)
+{
+  while (!text.AtDigit() && text.TakeOutSpaces() == 1)
+    text.SkipLine();
+}
 
 /// Starts the next record of a block: skips comments and reads the record's number. False at a word
 /// that is no number, which ends the block.
-bool ReadRecordNumber(TextScan& text, int& number);
+inline bool ReadRecordNumber(TextScan& text, int& number)
+{
+  SkipComments(text);
+  return text.ReadInt(number);
+}
 
 /// Consumes the "end" that closes a block, with the rest of its line.
 void SkipBlockEnd(TextScan& text);

@@ -89,6 +89,7 @@ public:
   Node*& operator()(int i) { return nodes[i]; }  ///< from 0
   Node* operator()(int i) const { return nodes[i]; }
 
+  bool HasOwnMaterial() const { return material != nullptr; }
   /// The material's number; 0 when the element has a material of its own.
   int GiveMaterialNum() const { return material ? 0 : materialNumber; }
 

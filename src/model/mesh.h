@@ -34,6 +34,8 @@ public:
   ElemType GiveElemType() const { return elemType; }
   int GiveNnode() const { return nnode; }
   int GiveNdime() const { return ndime; }
+  /// Whether an element that this mesh has read came with a material of its own.
+  bool HasOwnMaterials() const { return ownMaterials; }
 
   /// The mesh listing: numbers of the file (useOld 1) or of the system, materials
   /// without the word "Mat:" when bare is 1 (only together with useOld).
@@ -83,6 +85,7 @@ private:
   int nnode;
   ElemType elemType;
   int fvType = 0;
+  bool ownMaterials = false;
   std::unique_ptr<VoidPlex> ownNodes;  ///< null when the nodes are another mesh's
   VoidPlex* nodes;
   std::unique_ptr<VoidPlex> elems;

@@ -131,6 +131,7 @@ bool Mesh::ReadElem(TextScan& text, const Units* units)
   auto elem = std::make_unique<Elem>(this, nullptr);
   if (!elem->ReadFromAscii(text, nodes, units))
     return false;
+  ownMaterials = ownMaterials || elem->HasOwnMaterial();
   std::unique_ptr<Elem> replaced(Find<Elem>(*elems, elem->Num()));
   elems->replace_at(elem->Num(), elem.get());
   NoteStored(ReadItem::Element, elem->Num());

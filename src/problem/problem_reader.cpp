@@ -223,11 +223,18 @@ void Project::FinishReading()
     smoothing.on = true;
     freeDegrees = translations = 3;
   }
+  ComposeMaterials();
+  SetNodeDimensions(solids);
+}
+
+void Project::ComposeMaterials()
+{
   for (const auto& mesh : meshes) {
+    if (!mesh->HasOwnMaterials())
+      continue;  // saves a pass over all elements
     for (Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
       elem.ComposeYourMaterial(&materials);
   }
-  SetNodeDimensions(solids);
 }
 
 void Project::RequireDifferentNumbers() const

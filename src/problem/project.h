@@ -260,6 +260,7 @@ private:
 
   // Closing checks.
   void FinishReading();
+  void ComposeMaterials();
   void RequireDifferentNumbers() const;
   void SetNodeDimensions(bool solids);
 

@@ -259,37 +259,42 @@ TEST(NumberText, PlainNumbersEndWithTheText)
 {
   const std::string text = "12.5e1234";
   for (std::size_t length : {1, 2, 3, 4}) {
-    const char* p = text.data();
-    double value = 0.0;
-    EXPECT_TRUE(ScanPlainDouble(p, text.data() + length, value));
-    EXPECT_EQ(value, length == 1 ? 1.0 : length == 4 ? 12.5 : 12.0);
-    EXPECT_EQ(static_cast<std::size_t>(p - text.data()), length);
+    const Scanned<double> number = ScanPlainDouble(text.data(), text.data() + length);
+    EXPECT_EQ(number.value, length == 1 ? 1.0 : length == 4 ? 12.5 : 12.0);
+    EXPECT_EQ(number.stop, text.data() + length);
   }
-  const char* p = text.data();
-  int value = 0;
-  EXPECT_TRUE(ScanPlainInt(p, text.data() + 1, value));
-  EXPECT_EQ(value, 1);
-  EXPECT_EQ(p, text.data() + 1);
+  const Scanned<int> number = ScanPlainInt(text.data(), text.data() + 1);
+  EXPECT_EQ(number.value, 1);
+  EXPECT_EQ(number.stop, text.data() + 1);
 }
 
 TEST(NumberText, WhatIsNotPlainStaysForTheOtherReaders)
 {
   for (const std::string text :
        {"", "-", "+1", " 1", ".", "-.", "e5", "1e", "1e+", "1e1e", "1x", "0x10", "1e23", "1e1000",
-        "9007199254740993", "12345678901234567890", "0.00000000000000000001", "inf", "nan"}) {
-    const char* p = text.data();
-    double value = 3.0;
-    EXPECT_FALSE(ScanPlainDouble(p, text.data() + text.size(), value)) << text;
-    EXPECT_EQ(value, 3.0);
-    EXPECT_EQ(p, text.data());
+        "9007199254740993", "12345678901234567890", "0.00000000000000000001", "inf", "nan"})
+    EXPECT_EQ(ScanPlainDouble(text.data(), text.data() + text.size()).stop, nullptr) << text;
+}
+
+// Whatever stands behind a number, and however much of it.
+TEST(NumberText, PlainIntegersGoToTheFirstOtherCharacter)
+{
+  for (const std::string digits :
+       {"0", "7", "42", "0042", "1234567", "12345678", "123456789", "999999999", "1234567890",
+        "0000000001", "18446744073709551617"}) {
+    for (const std::string& number : {digits, "-" + digits}) {
+      for (const std::string behind : {"", " ", " 1 2 3 4 5 6", "x23456789", "\n", "-1234567890"}) {
+        const std::string text = number + behind;
+        const Scanned<int> scanned = ScanPlainInt(text.data(), text.data() + text.size());
+        const bool isPlain = digits.size() <= 9;
+        EXPECT_EQ(scanned.stop, isPlain ? text.data() + number.size() : nullptr) << text;
+        EXPECT_EQ(scanned.value, isPlain ? std::atoi(number.c_str()) : 0) << text;
+      }
+    }
   }
-  for (const std::string text : {"", "-", "+1", " 1", "x", "1234567890", "0000000001"}) {
-    const char* p = text.data();
-    int value = 3;
-    EXPECT_FALSE(ScanPlainInt(p, text.data() + text.size(), value)) << text;
-    EXPECT_EQ(value, 3);
-    EXPECT_EQ(p, text.data());
-  }
+  for (const std::string text :
+       {"", "-", "--1", "+1", " 1", "x", "- 1", "+1234567890", "/123456789", ":123456789"})
+    EXPECT_EQ(ScanPlainInt(text.data(), text.data() + text.size()).stop, nullptr) << text;
 }
 
 }  // namespace

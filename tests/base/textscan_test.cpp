@@ -15,16 +15,10 @@ TEST(TextScan, IntegersAsAFormattedStreamReadsThem)
     int value;
     const char* rest;
   } cases[] = {
-      {" 12 3", true, 12, " 3"},
-      {"\n\t-7x", true, -7, "x"},
-      {"+5", true, 5, ""},
+      {" 12 3", true, 12, " 3"}, {"\n\t-7x", true, -7, "x"}, {"+5", true, 5, ""},
       {"010", true, 10, ""},  // decimal
-      {"1.5", true, 1, ".5"},
-      {"0x10", true, 0, "x10"},
-      {"2147483647", true, 2147483647, ""},
-      {"end", false, 0, "end"},
-      {"+-1", false, 0, "+-1"},
-      {"", false, 0, ""},
+      {"1.5", true, 1, ".5"},    {"0x10", true, 0, "x10"},   {"2147483647", true, 2147483647, ""},
+      {"end", false, 0, "end"},  {"+-1", false, 0, "+-1"},   {"", false, 0, ""},
       {"  ", false, 0, ""},
   };
   for (const auto& c : cases) {
@@ -227,6 +221,15 @@ TEST(ItemScanner, CutsKeysAndValues)
   EXPECT_EQ(items.Key(), "A");
   EXPECT_EQ(items.Value(), "");
   EXPECT_EQ(items.Key(), "");
+}
+
+TEST(TextScan, RecordsEndAtANullCharacter)
+{
+  using namespace std::string_view_literals;
+  EXPECT_EQ(UpToNull("1 2"), "1 2");
+  EXPECT_EQ(UpToNull("1 2\0 3\0"sv), "1 2");
+  EXPECT_EQ(UpToNull("\0 3"sv), "");
+  EXPECT_EQ(UpToNull(""), "");
 }
 
 TEST(ItemScanner, ValuesMayHoldTheDelimitersOfKeys)

@@ -1,5 +1,8 @@
 #include "assembly/element_assembly.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <span>
 #include <utility>
 
 #include "assembly/support_axes.h"
@@ -35,11 +38,22 @@ BlockAssembler::BlockAssembler(BSolver& matrix, int components, int applyLocalAx
 {
 }
 
-bool BlockAssembler::Takes(const Elem& elem) const
+void BlockAssembler::Take(const Matriu& K)
 {
-  if (!onlyAtSupports)
-    return true;
-  const int nnode = elem.Nnode();
+  std::copy_n(K.Data(), K.Size(), NextBlock());
+}
+
+void BlockAssembler::MakeRoom(int nodesOfElement)
+{
+  // What the blocks of a group take should fit into the first cache.
+  constexpr std::size_t kNodesOfGroup = 32;
+  nnode = nodesOfElement;
+  group.reserve(std::max(kNodesOfGroup / nnode, std::size_t{1}));
+  blocks.resize(static_cast<std::size_t>(nnode) * (nnode + 1) / 2 * n * n);
+}
+
+bool BlockAssembler::IsSupported(const Elem& elem) const
+{
   for (int i = 0; i < nnode; ++i) {
     if (elem(i)->constraint)
       return true;
@@ -47,37 +61,56 @@ bool BlockAssembler::Takes(const Elem& elem) const
   return false;
 }
 
-void BlockAssembler::Add(const Node& a, const Node& b, Matriu& K)
+void BlockAssembler::Expect()
 {
-  const Node* row = &a;
-  const Node* column = &b;
-  if (row->number > column->number) {
-    std::swap(row, column);
-    TransposeInPlace(K);
+  numbers.clear();
+  for (const Elem* elem : group) {
+    for (int i = 0; i < nnode; ++i)
+      numbers.push_back((*elem)(i)->number);
   }
-  if (toSupportAxes && (row->constraint || column->constraint))
-    ApplyLocalAxestoKMatrix(K, row, column, n);
-  solver.AddSubMatriu((row->number - 1) * n + 1, (column->number - 1) * n + 1, K);
+  solver.Expect(numbers, nnode);
+}
+
+void BlockAssembler::Add(std::size_t k)
+{
+  if (toSupportAxes && IsSupported(*group[k]))
+    TurnToSupports(*group[k]);
+  const std::span<const int> all = numbers;
+  solver.AddElement({all.subspan(k * nnode, nnode), n, blocks.data()});
+}
+
+// The lower number has the rows meanwhile, so that rounding does not depend on the order in the
+// element.
+void BlockAssembler::TurnToSupports(const Elem& elem)
+{
+  Matriu K(n, n);
+  double* block = blocks.data();
+  for (int i = 0; i < nnode; ++i) {
+    for (int j = i; j < nnode; ++j, block += n * n) {
+      const bool swapped = elem(i)->number > elem(j)->number;
+      std::copy_n(block, n * n, K.Data());
+      if (swapped)
+        TransposeInPlace(K);
+      ApplyLocalAxestoKMatrix(K, elem(swapped ? j : i), elem(swapped ? i : j), n);
+      if (swapped)
+        TransposeInPlace(K);
+      std::copy_n(K.Data(), n * n, block);
+    }
+  }
 }
 
 void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes)
 {
   Matriu K11, K12, K22, T;  // allocated once for the mesh
   BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
-  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-    if (!assembler.Takes(elem))
-      continue;
-    const Node& first = *elem(0);
-    const Node& second = *elem(1);
+  assembler.Assemble(*mesh, [&](const Elem& elem) {
     const BeamSpan beam = SpanOf(elem, T);
-    beam.material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(&first, &second), problemType,
+    beam.material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(elem(0), elem(1)), problemType,
                                   beam.hingeCode);
     for (Matriu* K : {&K11, &K12, &K22}) {
       TurnRows(T, Turn::ToGlobal, *K);
       TurnColumns(T, Turn::ToGlobal, *K);
+      assembler.Take(*K);
     }
-    assembler.Add(first, first, K11);
-    assembler.Add(first, second, K12);
-    assembler.Add(second, second, K22);
-  }
+  });
 }

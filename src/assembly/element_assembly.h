@@ -1,9 +1,14 @@
 #pragma once
 
+#include <cstddef>
+#include <vector>
+
+#include "model/elem.h"
+#include "model/mesh.h"
+#include "numeric/plex_range.h"
+
 class BSolver;
-class Elem;
 class Matriu;
-class Node;
 
 // Values of applyLocalAxes: in which axes the stiffness of the elements is added.
 constexpr int kInGlobalAxes = 0;
@@ -12,24 +17,64 @@ constexpr int kInSupportAxes = 1;
 /// only those of these nodes are complete.
 constexpr int kOnlyAtSupports = -1;
 
-/// Where the node blocks of the elements of one kind go: the matrix, with the number of
-/// components of a node.
+/// Takes the stiffness of the elements of a mesh to the matrix, in blocks of their nodes.
 class BlockAssembler
 {
 public:
+  /// components: of a node.
   BlockAssembler(BSolver& matrix, int components, int applyLocalAxes);
 
-  /// Whether the stiffness of the element is wanted.
-  bool Takes(const Elem& elem) const;
+  /// Adds the elements whose stiffness is wanted to the matrix: calculate(elem) hands over
+  /// their blocks in global axes. The solver gets to know of some elements at a time before
+  /// their turn.
+  template <class Calculate>
+  void Assemble(const Mesh& mesh, Calculate calculate)
+  {
+    MakeRoom(mesh.GiveNnode());
+    const auto addGroup = [&] {
+      Expect();
+      for (std::size_t k = 0; k < group.size(); ++k) {
+        next = blocks.data();
+        calculate(*group[k]);
+        Add(k);
+      }
+      group.clear();
+    };
+    for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+      if (onlyAtSupports && !IsSupported(elem))
+        continue;
+      group.push_back(&elem);
+      if (group.size() == group.capacity())
+        addGroup();
+    }
+    addGroup();
+  }
 
-  /// Adds the block K (n×n, global axes) between the components of a (rows) and b
-  /// (columns), its mirror image included. K is used as scratch. The solver gets the
-  /// block with the lower system number in its rows.
-  void Add(const Node& a, const Node& b, Matriu& K);
+  /// The room for the next block, n×n numbers row by row, between the nodes i and j (from 0)
+  /// of the element at work: those for j from i on, one i after the other.
+  double* NextBlock()
+  {
+    double* const block = next;
+    next += n * n;
+    return block;
+  }
+  /// Hands over the next block.
+  void Take(const Matriu& K);
 
 private:
+  void MakeRoom(int nodesOfElement);
+  bool IsSupported(const Elem& elem) const;
+  void Expect();
+  void Add(std::size_t k);
+  void TurnToSupports(const Elem& elem);
+
   BSolver& solver;
   int n;
   bool toSupportAxes;
   bool onlyAtSupports;
+  int nnode = 0;
+  std::vector<const Elem*> group;  ///< elements of which the solver knows
+  std::vector<int> numbers;        ///< of their nodes
+  std::vector<double> blocks;      ///< of the element at work
+  double* next = nullptr;          ///< where its next block begins
 };

@@ -24,26 +24,6 @@ struct PlaneBlock
 
 }  // namespace
 
-void AddtoKMatrix(const PairSums& sums, const Matriu& D, Matriu& K)
-{
-  assert(D.Size() == 36 && K.Size() == 9);
-  const auto& M = sums.M;
-  const double* d = D.Data();
-  const double xy = d[6 * 3 + 3];
-  const double xz = d[6 * 4 + 4];
-  const double yz = d[6 * 5 + 5];
-  double* k = K.Data();
-  k[0] = d[0] * M[0][0] + xy * M[1][1] + xz * M[2][2];
-  k[1] = d[1] * M[0][1] + xy * M[1][0];
-  k[2] = d[2] * M[0][2] + xz * M[2][0];
-  k[3] = d[6] * M[1][0] + xy * M[0][1];
-  k[4] = d[7] * M[1][1] + xy * M[0][0] + yz * M[2][2];
-  k[5] = d[8] * M[1][2] + yz * M[2][1];
-  k[6] = d[12] * M[2][0] + xz * M[0][2];
-  k[7] = d[13] * M[2][1] + yz * M[1][2];
-  k[8] = d[14] * M[2][2] + xz * M[0][0] + yz * M[1][1];
-}
-
 // Bending and shear are written over the slopes θa, θb of the normal (∂w/∂x', ∂w/∂y' when
 // there is no shear strain); the nodes have the rotations r about x' and y', with θa = -r_y'
 // and θb = r_x'. So the column of r_x' is that of θb, and the column of r_y' minus that of θa.

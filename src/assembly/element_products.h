@@ -2,7 +2,8 @@
 
 #include <array>
 
-class Matriu;
+#include "numeric/matriu.h"
+
 class ReaVecV;
 
 // What a node of a solid or a shell has at a point of integration is three numbers, of which
@@ -31,8 +32,24 @@ struct PairSums
   double M[3][3] = {};
 };
 
-/// K = Σ w·Bᵢᵀ·D·Bⱼ of a solid: K 3×3, D 6×6, both of their size before.
-void AddtoKMatrix(const PairSums& sums, const Matriu& D, Matriu& K);
+/// K = Σ w·Bᵢᵀ·D·Bⱼ of a solid: K nine numbers row by row, D 6×6.
+inline void AddtoKMatrix(const PairSums& sums, const Matriu& D, double* K)
+{
+  const auto& M = sums.M;
+  const double* d = D.Data();
+  const double xy = d[6 * 3 + 3];
+  const double xz = d[6 * 4 + 4];
+  const double yz = d[6 * 5 + 5];
+  K[0] = d[0] * M[0][0] + xy * M[1][1] + xz * M[2][2];
+  K[1] = d[1] * M[0][1] + xy * M[1][0];
+  K[2] = d[2] * M[0][2] + xz * M[2][0];
+  K[3] = d[6] * M[1][0] + xy * M[0][1];
+  K[4] = d[7] * M[1][1] + xy * M[0][0] + yz * M[2][2];
+  K[5] = d[8] * M[1][2] + yz * M[2][1];
+  K[6] = d[12] * M[2][0] + xz * M[0][2];
+  K[7] = d[13] * M[2][1] + yz * M[1][2];
+  K[8] = d[14] * M[2][2] + xz * M[0][0] + yz * M[1][1];
+}
 
 /// The same of a shell, in the axes of the element: K 6×6, over the displacements and the
 /// rotations of the nodes, 0 for those about the normal; Dm, Db (3×3) and Ds (2×2): membrane,

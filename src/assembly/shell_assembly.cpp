@@ -16,9 +16,7 @@ void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
   Matriu K(6, 6);
   const int nnode = mesh->GiveNnode();
   BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
-  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-    if (!assembler.Takes(elem))
-      continue;
+  assembler.Assemble(*mesh, [&](const Elem& elem) {
     const Material& material = RequireMaterial(elem);
     shell.Evaluate(elem, material);
     std::array<bool, 6> folded{};
@@ -33,8 +31,8 @@ void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
           K(6, 6) += shell.Area() * material.E1;
         TurnRows(shell.Frame(), Turn::ToGlobal, K);
         TurnColumns(shell.Frame(), Turn::ToGlobal, K);
-        assembler.Add(*elem(i), *elem(j), K);
+        assembler.Take(K);
       }
     }
-  }
+  });
 }

@@ -83,7 +83,7 @@ void SolidEvaluator::Evaluate(const Elem& elem, const Material& material)
     point[g].weight = ConstructB10nodesAndJ(elem, d, functions[g], point[g].B) / 24.0;
 }
 
-void SolidEvaluator::CalcStiffness(int i, int j, Matriu& K) const
+void SolidEvaluator::CalcStiffness(int i, int j, double* K) const
 {
   PairSums sums;
   for (int g = 0; g < points; ++g)

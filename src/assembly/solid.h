@@ -48,8 +48,8 @@ public:
 
   int PointCount() const { return points; }
 
-  /// Stiffness between the nodes i and j (from 0), 3×3, global axes. K has its size before.
-  void CalcStiffness(int i, int j, Matriu& K) const;
+  /// Stiffness between the nodes i and j (from 0), 3×3, global axes: nine numbers row by row.
+  void CalcStiffness(int i, int j, double* K) const;
 
   /// The six stresses of every point, in the order of the strains, from the displacements of
   /// the nodes, three each; added to res(offset + 1, ...).

@@ -9,18 +9,13 @@
 void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes)
 {
   SolidEvaluator solid;
-  Matriu K(3, 3);
   const int nnode = mesh->GiveNnode();
   BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
-  for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-    if (!assembler.Takes(elem))
-      continue;
+  assembler.Assemble(*mesh, [&](const Elem& elem) {
     solid.Evaluate(elem, RequireMaterial(elem));
     for (int i = 0; i < nnode; ++i) {
-      for (int j = i; j < nnode; ++j) {
-        solid.CalcStiffness(i, j, K);
-        assembler.Add(*elem(i), *elem(j), K);
-      }
+      for (int j = i; j < nnode; ++j)
+        solid.CalcStiffness(i, j, assembler.NextBlock());
     }
-  }
+  });
 }

@@ -2,6 +2,9 @@
 
 #include <cstdio>
 #include <fstream>
+#include <span>
+
+#include "solvers/element_blocks.h"
 
 class Matriu;
 class ReaVecV;
@@ -10,7 +13,7 @@ class ReaVecV;
 /// assembly and analysis need not know the storage.
 ///
 /// Equations, rows and columns run from 1. Order of use: EnterMaxDiff for every two
-/// nodes that share an element, Create, AddSubMatriu for every block,
+/// nodes that share an element, Create, AddElement or AddSubMatriu for every block,
 /// ApplyConstraint for every prescribed unknown, Solver.
 class BSolver
 {
@@ -35,6 +38,14 @@ public:
 
   /// Adds the dense block m with its entry (1, 1) at (row, col).
   virtual void AddSubMatriu(int row, int col, const Matriu& m) = 0;
+
+  /// Adds each block of an element between its nodes by AddSubMatriu, or as that would; the
+  /// node with the lower number has the rows.
+  virtual void AddElement(const ElementBlocks& element);
+
+  /// Tells that elements of these nodes, `count` each, are going to be added in this order, so
+  /// that the way to their blocks can be prepared. Changes nothing.
+  virtual void Expect(std::span<const int> /*nodes*/, int /*count*/) {}
 
   /// Solves in place: b is the right-hand side and becomes the solution. Returns 0 on
   /// success. Messages go to info when it is not null.

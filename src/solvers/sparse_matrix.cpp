@@ -38,20 +38,6 @@ int SeparateColumn(int blockColumn, int blockSize, int b)
   return blockColumn < 0 ? ~(~blockColumn * blockSize + b) : blockColumn * blockSize + b;
 }
 
-/// Adds a block given row by row, or its transpose, to one kept column by column.
-template <int size>
-void AddByRows(const double* m, bool transposed, double* value)
-{
-  if (transposed) {
-    for (int k = 0; k < size * size; ++k)
-      value[k] += m[k];
-    return;
-  }
-  for (int b = 0; b < size; ++b)
-    for (int a = 0; a < size; ++a)
-      value[b * size + a] += m[a * size + b];
-}
-
 void CheckSlots(const NodePattern& pattern, int ndof)
 {
   if (pattern.Lines() < 1 || ndof < 1)
@@ -172,25 +158,6 @@ void SparseMatrix::addToLhs(int i, int j, double v)
     ClearOthers(block, value);
   Give(block, q);
   value += v;
-}
-
-void SparseMatrix::AddNodeBlock(int p, int q, const double* m, bool transposed)
-{
-  const int block = size == ndof ? FindBlock(p, q) : EndOfBlocks();
-  if (block == EndOfBlocks()) {
-    for (int a = 0; a < ndof; ++a)
-      for (int b = 0; b < ndof; ++b)
-        addToLhs(p * ndof + a, q * ndof + b, transposed ? m[b * ndof + a] : m[a * ndof + b]);
-    return;
-  }
-  Give(block, q);
-  double* const value = &values[Place(block, 0, 0)];
-  if (size == 3)
-    AddByRows<3>(m, transposed, value);
-  else if (size == 6)
-    AddByRows<6>(m, transposed, value);
-  else
-    *value += *m;
 }
 
 // What a fixed row has put into the other entries of a free block was left out of everything.

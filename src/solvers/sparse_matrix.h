@@ -3,11 +3,13 @@
 #include <climits>
 #include <cstddef>
 #include <ostream>
+#include <span>
 #include <vector>
 
 #include "base/large_array.h"
 #include "solvers/block_kernel.h"
 #include "solvers/compressed_rows.h"
+#include "solvers/element_blocks.h"
 #include "solvers/node_couplings.h"
 
 /// Square matrix in compressed storage; rows, columns and slots run from 0.
@@ -47,6 +49,14 @@ public:
   /// Adds an ndof×ndof block, given row by row, or its transpose at the nodes p and q, ndof as
   /// the matrix was made. Fatal as addToLhs.
   void AddNodeBlock(int p, int q, const double* m, bool transposed);
+
+  /// Adds the blocks of an element, ndof as the matrix was made, and their mirror images, for
+  /// each as AddNodeBlock; that between places of one node without a mirror image.
+  void AddElement(const ElementBlocks& element);
+
+  /// Finds the blocks of elements that are to be added next, in this order, and asks for their
+  /// memory; nodes: theirs from 1, `count` for each. Changes nothing.
+  void Expect(std::span<const int> nodes, int count);
 
   /// y = A·x.
   void mult(const double* x, double* y) const;
@@ -105,6 +115,22 @@ private:
   /// none.
   int FindBlock(int p, int q) const;
   int FindOrdered(int p, int q) const;
+
+  /// The blocks of the elements that are to be added next.
+  struct Expected
+  {
+    std::vector<int> nodes;   ///< as given
+    std::size_t count = 0;    ///< of each element
+    std::vector<int> places;  ///< of the blocks, for each element in rows of nodes
+    std::size_t added = 0;    ///< nodes of the elements that have been added
+    bool complete = false;    ///< all blocks were found
+    bool someFree = false;    ///< some of them were free
+  };
+  const int* PlacesOf(std::span<const int> nodes);
+  void FindInLine(int line, std::span<const int> nodes, int* places);
+  void GiveAll(std::span<const int> nodes, const int* places);
+  template <int blockSize>
+  void AddAtPlaces(const ElementBlocks& element, const int* places);
   /// The first free block of line p; EndOfBlocks() when there is none.
   int FindFree(int p) const;
   void Give(int block, int column);
@@ -123,6 +149,7 @@ private:
   std::vector<int> columns;   ///< of every block, in blocks
   LargeArray<double> values;  ///< of the blocks, each column by column; kBlockPadding more
   int freeBlocks;             ///< how many there are
+  Expected expected;
 };
 
 /// One line a row: four blanks, the column from 1, ':' and the value for every slot that has

@@ -42,6 +42,8 @@ public:
   /// Adds m, and its mirror image too unless it begins on the diagonal, so that the caller
   /// hands over each block of two nodes once. Fatal outside the pattern.
   void AddSubMatriu(int row, int col, const Matriu& m) override;
+  void AddElement(const ElementBlocks& element) override;
+  void Expect(std::span<const int> nodes, int count) override;
 
   /// Solves from the starting vector, which is used up. b becomes the solution when the
   /// result is 0; else it stays. The result is -1 after a breakdown, or minus the number of
@@ -71,6 +73,7 @@ public:
   const SparseMatrix* GiveMatrix() const { return matrix.get(); }
 
 private:
+  void RequireNodes(std::span<const int> nodes) const;
   void AddNeighbour(int node, int neighbour);
 
   std::unique_ptr<double[]> TakeStart(const ReaVecV& b);

@@ -96,7 +96,7 @@ TEST(ElementProducts, OfASolidAreThoseOfItsBlocks)
     }
     Matriu K(3, 3);
     K = 7.0;  // what was there has no meaning
-    AddtoKMatrix(sums, D, K);
+    AddtoKMatrix(sums, D, K.Data());
     ExpectValues(Entries(K), expected, 1e-13);
   }
 }

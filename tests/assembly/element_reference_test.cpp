@@ -275,6 +275,16 @@ private:
   std::mt19937 engine{5};
 };
 
+void Block(const SolidEvaluator& element, int i, int j, Matriu& K)
+{
+  element.CalcStiffness(i, j, K.Data());
+}
+
+void Block(const ShellEvaluator& element, int i, int j, Matriu& K)
+{
+  element.CalcStiffness(i, j, K);
+}
+
 template <class Evaluator>
 Rows Stiffness(const Evaluator& element, int nnode, int components)
 {
@@ -282,7 +292,7 @@ Rows Stiffness(const Evaluator& element, int nnode, int components)
   Matriu K(components, components);
   for (int i = 0; i < nnode; ++i) {
     for (int j = 0; j < nnode; ++j) {
-      element.CalcStiffness(i, j, K);
+      Block(element, i, j, K);
       for (int a = 0; a < components; ++a) {
         for (int b = 0; b < components; ++b)
           all[i * components + a][j * components + b] = K(a + 1, b + 1);

@@ -53,7 +53,7 @@ public:
     Matriu K(3, 3);
     for (int i = 0; i < nnode; ++i) {
       for (int j = 0; j < nnode; ++j) {
-        solid.CalcStiffness(i, j, K);
+        solid.CalcStiffness(i, j, K.Data());
         for (int a = 0; a < 3; ++a) {
           for (int b = 0; b < 3; ++b)
             forces[3 * i + a] += K(a + 1, b + 1) * u[3 * j + b];
@@ -177,12 +177,12 @@ TEST(SolidBlocks, StiffnessOfTheUnitSolid)
 {
   const OneElement element(UnitSolid(4));
   Matriu K(3, 3);
-  element.Solid().CalcStiffness(1, 1, K);
+  element.Solid().CalcStiffness(1, 1, K.Data());
   const Doubles diagonal = {200, 0, 0, 0, 400.0 / 6, 0, 0, 0, 400.0 / 6};
   for (int i = 0; i < 9; ++i)
     EXPECT_NEAR(Entries(K)[i], diagonal[i], 1e-12);
   // Between the second and third corner: rows x, y, z of the second; D12 = 400.
-  element.Solid().CalcStiffness(1, 2, K);
+  element.Solid().CalcStiffness(1, 2, K.Data());
   const Doubles coupling = {0, 400.0 / 6, 0, 400.0 / 6, 0, 0, 0, 0, 0};
   for (int i = 0; i < 9; ++i)
     EXPECT_NEAR(Entries(K)[i], coupling[i], 1e-12);
@@ -210,8 +210,8 @@ TEST_P(Solid, StiffnessIsSymmetric)
   Matriu K(3, 3), Kt(3, 3);
   for (int i = 0; i < GetParam(); ++i) {
     for (int j = 0; j <= i; ++j) {
-      element.Solid().CalcStiffness(i, j, K);
-      element.Solid().CalcStiffness(j, i, Kt);
+      element.Solid().CalcStiffness(i, j, K.Data());
+      element.Solid().CalcStiffness(j, i, Kt.Data());
       for (int a = 1; a <= 3; ++a) {
         for (int b = 1; b <= 3; ++b)
           EXPECT_NEAR(K(a, b), Kt(b, a), 1e-10);

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <limits>
+#include <vector>
 
 #include "numeric/matriu.h"
 #include "solvers/skymatriu.h"
@@ -44,6 +46,64 @@ TEST(AreEqual, ComparesAllEntriesOfAnyTwoSolvers)
     Fill(sparse, c.first, c.beside, c.last);
     EXPECT_EQ(AreEqual(sky, sparse, c.tol), c.equal);
     EXPECT_EQ(AreEqual(sparse, sky, c.tol), c.equal);
+  }
+}
+
+/// Entry (i, j), from 0, of the stiffness of an element: symmetric.
+double Stiffness(int i, int j)
+{
+  return 1.0 / (i + j + 1);
+}
+
+TEST(BSolver, AddsTheBlocksOfElements)
+{
+  constexpr int kNodes = 4;
+  for (const int ndof : {1, 3, 6}) {
+    SkyMatriu sky(kNodes * ndof);
+    SparseSolver sparse(kNodes, ndof);
+    Matriu expected(kNodes * ndof, kNodes * ndof);
+    expected = 0.0;
+    for (BSolver* solver : std::initializer_list<BSolver*>{&sky, &sparse}) {
+      for (int p = 1; p <= kNodes; ++p)
+        for (int q = p + 1; q <= kNodes; ++q)
+          solver->EnterMaxDiff(p, q, ndof);
+      solver->Create(ndof);
+    }
+    for (const std::vector<int>& nodes : {std::vector{1, 2, 3, 4}, {3, 1, 4, 2}, {4, 2}}) {
+      const int size = static_cast<int>(nodes.size());
+      std::vector<double> blocks;
+      for (int i = 0; i < size; ++i)
+        for (int j = 0; j < size; ++j)
+          for (int k = 0; k < ndof * ndof; ++k) {
+            const double value = Stiffness(i * ndof + k / ndof, j * ndof + k % ndof);
+            expected((nodes[i] - 1) * ndof + k / ndof + 1, (nodes[j] - 1) * ndof + k % ndof + 1) +=
+                value;
+            if (j >= i)
+              blocks.push_back(value);
+          }
+      for (BSolver* solver : std::initializer_list<BSolver*>{&sky, &sparse}) {
+        solver->Expect(nodes, size);
+        solver->AddElement({nodes, ndof, blocks.data()});
+      }
+    }
+    EXPECT_TRUE(AreEqual(sky, sparse, 1e-14));
+    for (int i = 1; i <= sparse.GiveSize(); ++i)
+      for (int j = 1; j <= sparse.GiveSize(); ++j)
+        EXPECT_NEAR(sparse(i, j), expected(i, j), 1e-14);
+  }
+}
+
+TEST(BSolver, ElementsOutsideTheMatrixAreRefused)
+{
+  const std::vector<double> blocks(3, 1.0);
+  for (const int node : {0, 3}) {
+    SparseSolver solver(2, 1);
+    solver.EnterMaxDiff(1, 2, 1);
+    solver.Create(1);
+    const std::vector<int> nodes = {1, node};
+    constexpr const char* kMessage = "Sparse Matrix accessing exception -- out of bounds.";
+    ExpectFatal([&] { solver.Expect(nodes, 2); }, kMessage);
+    ExpectFatal([&] { solver.AddElement({nodes, 1, blocks.data()}); }, kMessage);
   }
 }
 

@@ -342,6 +342,113 @@ TEST(SparseMatrixOfNodes, FixedRowPutsOneIntoFreeSlots)
   }
 }
 
+namespace {
+
+/// A pattern in which all of the nodes, some more than four, are coupled except 0 and 1.
+SparseMatrix NearlyFull(int nodes, int ndof)
+{
+  NodeCouplings couplings(nodes, 200);
+  for (int p = 0; p < nodes; ++p)
+    for (int q = 0; q < nodes; ++q)
+      if (p != q && p + q > 1)
+        couplings.Add(p, q);
+  return SparseMatrix(couplings.TakePattern(), ndof);
+}
+
+/// Adds an element entry by entry to a dense matrix.
+void AddPlainly(const ElementBlocks& element, DenseRows& a)
+{
+  const int ndof = element.ndof;
+  const double* m = element.values;
+  for (std::size_t i = 0; i < element.nodes.size(); ++i)
+    for (std::size_t j = i; j < element.nodes.size(); ++j, m += ndof * ndof)
+      for (int k = 0; k < ndof * ndof; ++k) {
+        const int row = (element.nodes[i] - 1) * ndof + k / ndof;
+        const int column = (element.nodes[j] - 1) * ndof + k % ndof;
+        a[row][column] += m[k];
+        if (element.nodes[i] != element.nodes[j])
+          a[column][row] += m[k];
+      }
+}
+
+void ExpectEntries(const SparseMatrix& matrix, const DenseRows& a)
+{
+  for (int i = 0; i < matrix.GiveSize(); ++i)
+    for (int j = 0; j < matrix.GiveSize(); ++j)
+      EXPECT_EQ(matrix(i, j), a[i][j]) << i << " " << j;
+}
+
+const std::vector<std::vector<int>> kElements = {
+    {5, 2}, {1, 3}, {7, 4, 1}, {6, 3, 5, 7}, {2, 7, 3, 4, 6, 5}, {3, 3}, {4}};
+
+}  // namespace
+
+TEST(SparseMatrixOfNodes, ElementsAreAddedWithTheirMirrorImages)
+{
+  for (const int ndof : kNodeSizes) {
+    SparseMatrix matrix = NearlyFull(7, ndof);
+    DenseRows a = DenseZero(7 * ndof);
+    unsigned seed = 0;
+    for (int round = 0; round < 2; ++round)
+      for (const std::vector<int>& nodes : kElements) {
+        const std::vector<double> m = RandomVector(21 * ndof * ndof, ++seed);
+        matrix.AddElement({nodes, ndof, m.data()});
+        AddPlainly({nodes, ndof, m.data()}, a);
+      }
+    ExpectEntries(matrix, a);
+    EXPECT_EQ(matrix.BlockSize(), ndof == 3 || ndof == 6 ? ndof : 1);
+    // Blocks that no element has named are still free.
+    const std::vector<double> x = RandomVector(7 * ndof, 50);
+    std::vector<double> y(7 * ndof, 99.0);
+    matrix.mult(x.data(), y.data());
+    EXPECT_LE(LargestDifference(y, DenseProduct(a, x)), 1e-13);
+  }
+}
+
+TEST(SparseMatrixOfNodes, ExpectedElementsMayComeOrNot)
+{
+  const std::vector<int> expected = {5, 2, 1, 3, 6, 7};
+  const std::vector<std::vector<std::vector<int>>> added = {
+      {{5, 2}, {1, 3}, {6, 7}}, {{5, 2}, {6, 7}},   {{1, 3}, {5, 2}, {1, 3}},
+      {{5, 2, 6}, {5, 2}},      {{5}, {2}, {5, 2}}, {{5, 2}, {1, 3}, {6, 7}, {5, 2}}};
+  for (const int ndof : {1, 3, 6})
+    for (const auto& elements : added) {
+      SparseMatrix matrix = NearlyFull(7, ndof);
+      DenseRows a = DenseZero(7 * ndof);
+      const std::vector<double> m = RandomVector(6 * ndof * ndof, 1);
+      matrix.Expect(expected, 2);
+      EXPECT_EQ(Text(matrix), std::string(7 * ndof, '\n'));
+      for (const std::vector<int>& nodes : elements) {
+        matrix.AddElement({nodes, ndof, m.data()});
+        AddPlainly({nodes, ndof, m.data()}, a);
+      }
+      ExpectEntries(matrix, a);
+    }
+}
+
+TEST(SparseMatrixOfNodes, ElementOutsideThePatternTakesFreeSlots)
+{
+  for (const int ndof : kNodeSizes) {
+    const std::vector<double> m = RandomVector(3 * ndof * ndof, 1);
+    SparseMatrix matrix = NearlyFull(7, ndof);
+    DenseRows a = DenseZero(7 * ndof);
+    for (const std::vector<int>& nodes : {std::vector{1, 2}, {1, 3}, {4, 5}}) {
+      matrix.AddElement({nodes, ndof, m.data()});
+      AddPlainly({nodes, ndof, m.data()}, a);
+    }
+    ExpectEntries(matrix, a);
+    EXPECT_EQ(matrix.BlockSize(), 1);
+    SparseMatrix chain = Chain(ndof);
+    for (const std::vector<int>& nodes : {std::vector{1, 2}, {2, 3}})
+      chain.AddElement({nodes, ndof, m.data()});
+    ExpectFatal(
+        [&] {
+          chain.AddElement({std::vector{1, 3}, ndof, m.data()});
+        },
+        "Wrong Row 0 definition: Row length " + std::to_string(2 * ndof));
+  }
+}
+
 TEST(SparseMatrixOfNodes, SizesOutOfRangeAreRefused)
 {
   ExpectFatal([] { SparseMatrix(NodePattern(), 3); }, "Sparse Matrix size must be greater than 0");

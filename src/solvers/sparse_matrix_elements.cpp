@@ -1,0 +1,156 @@
+// The way of the elements into the matrix.
+
+#include <algorithm>
+#include <cstddef>
+
+#include "solvers/sparse_matrix.h"
+
+namespace {
+
+/// Adds a block given row by row, or its transpose, to one kept column by column.
+template <int size>
+void AddByRows(const double* m, bool transposed, double* value)
+{
+  double sums[size * size];
+  for (int b = 0; b < size; ++b)
+    for (int a = 0; a < size; ++a)
+      sums[b * size + a] = value[b * size + a] + (transposed ? m[b * size + a] : m[a * size + b]);
+  std::copy_n(sums, size * size, value);
+}
+
+/// Nodes that are looked for in a line at once.
+constexpr std::size_t kKeys = 4;
+using Keys [[gnu::vector_size(kKeys * sizeof(int))]] = int;
+
+/// For each of at most kKeys nodes, from 1, how many of the columns, which may be free, are
+/// before it; kKeys counts are written.
+void CountBefore(const int* columns, int length, std::span<const int> nodes, int* counts)
+{
+  Keys keys{};
+  for (std::size_t k = 0; k < nodes.size(); ++k)
+    keys[k] = nodes[k] - 1;
+  Keys before{};
+  for (int s = 0; s < length; ++s)
+    before -= (columns[s] ^ (columns[s] >> 31)) < keys;
+  for (std::size_t k = 0; k < kKeys; ++k)
+    counts[k] = before[k];
+}
+
+}  // namespace
+
+void SparseMatrix::AddNodeBlock(int p, int q, const double* m, bool transposed)
+{
+  const int block = size == ndof ? FindBlock(p, q) : EndOfBlocks();
+  if (block == EndOfBlocks()) {
+    for (int a = 0; a < ndof; ++a)
+      for (int b = 0; b < ndof; ++b)
+        addToLhs(p * ndof + a, q * ndof + b, transposed ? m[b * ndof + a] : m[a * ndof + b]);
+    return;
+  }
+  Give(block, q);
+  double* const value = &values[Place(block, 0, 0)];
+  if (size == 3)
+    AddByRows<3>(m, transposed, value);
+  else if (size == 6)
+    AddByRows<6>(m, transposed, value);
+  else
+    *value += *m;
+}
+
+void SparseMatrix::AddElement(const ElementBlocks& element)
+{
+  const int* const places = size > 1 ? PlacesOf(element.nodes) : nullptr;
+  if (places) {
+    GiveAll(element.nodes, places);
+    size == 3 ? AddAtPlaces<3>(element, places) : AddAtPlaces<6>(element, places);
+    return;
+  }
+  const double* m = element.values;
+  for (std::size_t i = 0; i < element.nodes.size(); ++i) {
+    for (std::size_t j = i; j < element.nodes.size(); ++j, m += ndof * ndof) {
+      const int p = element.nodes[i] - 1;
+      const int q = element.nodes[j] - 1;
+      AddNodeBlock(p, q, m, false);
+      if (p != q)
+        AddNodeBlock(q, p, m, true);
+    }
+  }
+}
+
+// Null when one of the blocks is missing.
+const int* SparseMatrix::PlacesOf(std::span<const int> nodes)
+{
+  const auto isNext = [&] {
+    const std::span<const int> rest = std::span(expected.nodes).subspan(expected.added);
+    return expected.count == nodes.size() && rest.size() >= nodes.size() &&
+           std::equal(nodes.begin(), nodes.end(), rest.begin());
+  };
+  if (!isNext())
+    Expect(nodes, static_cast<int>(nodes.size()));
+  const std::size_t before = expected.added * nodes.size();
+  expected.added += nodes.size();
+  return expected.complete ? &expected.places[before] : nullptr;
+}
+
+void SparseMatrix::Expect(std::span<const int> nodes, int count)
+{
+  if (size == 1)
+    return;
+  for (const int node : nodes)
+    __builtin_prefetch(&columns[starts[node - 1]]);
+  expected.nodes.assign(nodes.begin(), nodes.end());
+  expected.count = static_cast<std::size_t>(count);
+  expected.places.resize(nodes.size() * expected.count + kKeys);
+  expected.added = 0;
+  expected.complete = true;
+  expected.someFree = false;
+  int* places = expected.places.data();
+  for (std::size_t k = 0; k < nodes.size(); ++k, places += count)
+    FindInLine(nodes[k] - 1, nodes.subspan(k - k % expected.count, expected.count), places);
+}
+
+// Behind the places of the line it writes up to kKeys − 1 numbers without meaning.
+void SparseMatrix::FindInLine(int line, std::span<const int> nodes, int* places)
+{
+  const int first = starts[line];
+  const int length = starts[line + 1] - first;
+  for (std::size_t k = 0; k < nodes.size(); k += kKeys)
+    CountBefore(&columns[first], length, nodes.subspan(k, std::min(kKeys, nodes.size() - k)),
+                places + k);
+  for (std::size_t k = 0; k < nodes.size(); ++k) {
+    if (places[k] == length) {
+      expected.complete = false;
+      continue;
+    }
+    places[k] += first;
+    const int column = columns[places[k]];
+    expected.someFree |= column < 0;
+    expected.complete &= (column ^ (column >> 31)) == nodes[k] - 1;
+    const double* const value = &values[Place(places[k], 0, 0)];
+    __builtin_prefetch(value, 1);
+    __builtin_prefetch(value + size * size - 1, 1);
+  }
+}
+
+void SparseMatrix::GiveAll(std::span<const int> nodes, const int* places)
+{
+  if (!expected.someFree)
+    return;
+  for (std::size_t i = 0; i < nodes.size(); ++i)
+    for (const int node : nodes)
+      Give(*places++, node - 1);
+}
+
+template <int blockSize>
+void SparseMatrix::AddAtPlaces(const ElementBlocks& element, const int* places)
+{
+  const std::size_t count = element.nodes.size();
+  const double* m = element.values;
+  for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t j = i; j < count; ++j, m += blockSize * blockSize) {
+      AddByRows<blockSize>(m, false, &values[Place(places[i * count + j], 0, 0)]);
+      if (element.nodes[i] != element.nodes[j])
+        AddByRows<blockSize>(m, true, &values[Place(places[j * count + i], 0, 0)]);
+    }
+  }
+}

@@ -45,21 +45,33 @@ const char* ElemTypeName(ElemType type)
 
 void NodePlaces::Resize(int n)
 {
-  if (n > std::max(size, kFew)) {
-    auto larger = std::make_unique<Node*[]>(static_cast<std::size_t>(n));
-    std::copy_n(places, size, larger.get());
-    many = std::move(larger);
-    places = many.get();
+  const int kept = std::min(n, size);
+  if (n > kFew) {
+    auto places = std::make_unique<Node*[]>(static_cast<std::size_t>(n));
+    std::copy_n(begin(), kept, places.get());
+    Release();
+    many = places.release();
+  } else {
+    Node* places[kFew] = {};
+    std::copy_n(begin(), kept, places);
+    Release();
+    std::copy_n(places, kFew, few);
   }
-  std::fill(places + std::min(n, size), places + size, nullptr);
   size = n;
+}
+
+void NodePlaces::Release()
+{
+  if (!AreFew())
+    delete[] many;
 }
 
 Elem::Elem(Mesh* ownMesh, Elem* boundElem) : Elem(ownMesh->GiveNnode(), ownMesh, boundElem) {}
 
-Elem::Elem(int nnode, Mesh* ownMesh, Elem* boundElem)
-    : mesh(ownMesh), bound(boundElem), nodes(nnode)
+Elem::Elem(int nnode, Mesh* ownMesh, Elem* boundElem) : mesh(ownMesh), nodes(nnode)
 {
+  if (boundElem)
+    MakeRare().bound = boundElem;
 }
 
 Elem::Elem(Elem* el, Node* node, Mesh* ownMesh, Elem* boundElem)
@@ -91,6 +103,14 @@ Elem::Elem(Elem* el, int face) : Elem(std::max(el->Nnode() - 1, 0), nullptr, nul
 }
 
 Elem::~Elem() = default;
+Elem::Rare::~Rare() = default;
+
+Elem::Rare& Elem::MakeRare()
+{
+  if (!rare)
+    rare = std::make_unique<Rare>();
+  return *rare;
+}
 
 void Elem::CopyNodesFrom(const Elem& el, int count, int first)
 {
@@ -115,13 +135,14 @@ int Elem::Nnode() const
 
 Material* Elem::GiveMaterial(const VoidPlex* materials) const
 {
-  return material ? material.get() : Find<Material>(*materials, materialNumber);
+  Material* const own = OwnMaterial();
+  return own ? own : Find<Material>(*materials, materialNumber);
 }
 
 void Elem::ComposeYourMaterial(const VoidPlex* materials)
 {
-  if (material)
-    material->ComposeMaterial(Find<Material>(*materials, materialNumber));
+  if (Material* const own = OwnMaterial())
+    own->ComposeMaterial(Find<Material>(*materials, materialNumber));
 }
 
 void Elem::GiveEI(const VoidPlex* materials, double& EIy, double& EIz, double& EA) const
@@ -162,12 +183,13 @@ void Elem::PrintTo(std::ostream& out, int useOld, int bare) const
   out << std::setw(5) << number << "   ";
   for (int i = 0; i < Nnode(); ++i)
     out << std::setw(5) << (useOld ? mesh->GiveOldNumber(nodes[i]) : NumberOf(nodes[i]));
-  if (material && !bare) {
+  const Material* const own = OwnMaterial();
+  if (own && !bare) {
     out << "  Mat: ";
-    material->PrintTo(out);
+    own->PrintTo(out);
     return;
   }
-  if (material)
+  if (own)
     out << " 0";
   else if (materialNumber)
     out << (bare ? " " : "  Mat: ") << materialNumber;
@@ -217,7 +239,8 @@ void Elem::ReadMaterial(std::string_view text, const Units* units)
   ScanInt(item, materialNumber, 0, 0);
   if (text.find_first_not_of(" \t\r") == std::string_view::npos)
     return;
-  material = std::make_unique<Material>();
-  material->SetToNegative();
-  material->ReadFromAsciiNoNum(text, units);
+  std::unique_ptr<Material>& own = MakeRare().material;
+  own = std::make_unique<Material>();
+  own->SetToNegative();
+  own->ReadFromAsciiNoNum(text, units);
 }

@@ -32,25 +32,31 @@ const char* ElemTypeName(ElemType type);
 class NodePlaces
 {
 public:
-  explicit NodePlaces(int n) { Resize(n); }
+  explicit NodePlaces(int n) : few{}, size(0) { Resize(n); }
   NodePlaces(const NodePlaces&) = delete;
   NodePlaces& operator=(const NodePlaces&) = delete;
+  ~NodePlaces() { Release(); }
 
   int Size() const { return size; }
   /// Makes it n places, the new ones null.
   void Resize(int n);
 
-  Node*& operator[](int i) { return places[i]; }
-  Node* operator[](int i) const { return places[i]; }
-  Node* const* begin() const { return places; }
+  Node*& operator[](int i) { return begin()[i]; }
+  Node* operator[](int i) const { return begin()[i]; }
+  Node** begin() { return AreFew() ? few : many; }
+  Node* const* begin() const { return AreFew() ? few : many; }
 
 private:
   static constexpr int kFew = 4;
 
-  int size = 0;
-  Node* few[kFew] = {};
-  std::unique_ptr<Node*[]> many;  ///< null while the places are few
-  Node** places = few;
+  bool AreFew() const { return size <= kFew; }
+  void Release();
+
+  union {
+    Node* few[kFew];
+    Node** many;  ///< owned
+  };
+  int size;
 };
 
 /// An element: its number, its nodes, and its material by number or of its own.
@@ -85,13 +91,13 @@ public:
   ::ElemType ElemType() const;
   int Ndime() const;
   int Nnode() const;
-  Elem* IsInBound() const { return bound; }
+  Elem* IsInBound() const { return rare ? rare->bound : nullptr; }
   Node*& operator()(int i) { return nodes[i]; }  ///< from 0
   Node* operator()(int i) const { return nodes[i]; }
 
-  bool HasOwnMaterial() const { return material != nullptr; }
+  bool HasOwnMaterial() const { return OwnMaterial() != nullptr; }
   /// The material's number; 0 when the element has a material of its own.
-  int GiveMaterialNum() const { return material ? 0 : materialNumber; }
+  int GiveMaterialNum() const { return HasOwnMaterial() ? 0 : materialNumber; }
 
   /// The element's own material, else the numbered one; null when there is none.
   Material* GiveMaterial(const VoidPlex* materials) const;
@@ -136,11 +142,20 @@ private:
   void CopyNodesFrom(const Elem& el, int count, int first);
   void ReadMaterial(std::string_view text, const Units* units);
 
+  /// What few elements have.
+  struct Rare
+  {
+    ~Rare();
+    std::unique_ptr<Material> material;
+    Elem* bound = nullptr;
+  };
+  Rare& MakeRare();
+  Material* OwnMaterial() const { return rare ? rare->material.get() : nullptr; }
+
   int number = 0;
   int materialNumber = 0;
-  std::unique_ptr<Material> material;
+  std::unique_ptr<Rare> rare;  ///< null in most elements
   Mesh* mesh;
-  Elem* bound;
   NodePlaces nodes;
 };
 

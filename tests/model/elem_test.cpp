@@ -208,7 +208,11 @@ TEST(NodePlaces, KeepTheirNodesWhileTheyGrow)
       EXPECT_EQ(places[i], i < 3 ? &nodes[i] : nullptr);
     places[size - 1] = nullptr;
   }
+  places.Resize(5);
+  EXPECT_EQ(places[2], &nodes[2]);
+  EXPECT_EQ(places[4], nullptr);
   places.Resize(2);
+  EXPECT_EQ(places.Size(), 2);
   places.Resize(4);
   EXPECT_EQ(places[1], &nodes[1]);
   EXPECT_EQ(places[2], nullptr);

@@ -194,7 +194,8 @@ int CG(const SparseMatrix& A, double* x, const double* b, const Preconditioner& 
   Run run(A, x, b, {max_iter, tol}, info);
   const int n = run.Size();
   double* const r = run.Residual();
-  const WorkArray p = Work(n), z = Work(n), q = Work(n);
+  const WorkArray p = Work(n);
+  const WorkArray z = Work(n);  // M⁻¹·r, and A·p once p has taken that up
   fill_Real_array(p.get(), n, 0.0);
   double rhoBefore = 1.0;  // p = z in the first iteration
   return run.Iterate([&](int i) {
@@ -205,13 +206,13 @@ int CG(const SparseMatrix& A, double* x, const double* b, const Preconditioner& 
     if (!CanDivideBy(rho))
       return false;
     ScaleAndAdd(p.get(), rho / rhoBefore, z.get(), n);
-    A.mult(p.get(), q.get());
-    const double pq = dot(p.get(), q.get(), n);
+    A.mult(p.get(), z.get());
+    const double pq = dot(p.get(), z.get(), n);
     if (!(pq > 0.0 && std::isfinite(pq)))
       return false;
     const double alpha = rho / pq;
     AddMultiple(x, alpha, p.get(), n);
-    run.Reduce(alpha, q.get());
+    run.Reduce(alpha, z.get());
     if (run.Reached())
       Progress(info, "Converged it number. %i resid=%g tol=%g\n", i, run.Relative(), tol);
     rhoBefore = rho;

@@ -46,7 +46,7 @@ void BlockAssembler::Take(const Matriu& K)
 void BlockAssembler::MakeRoom(int nodesOfElement)
 {
   // What the blocks of a group take should fit into the first cache.
-  constexpr std::size_t kNodesOfGroup = 32;
+  constexpr std::size_t kNodesOfGroup = 64;
   nnode = nodesOfElement;
   group.reserve(std::max(kNodesOfGroup / nnode, std::size_t{1}));
   blocks.resize(static_cast<std::size_t>(nnode) * (nnode + 1) / 2 * n * n);

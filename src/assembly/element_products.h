@@ -19,13 +19,24 @@ using NodeNumbers = std::array<double, 3>;
 /// The sum M over the points of integration for a pair of nodes.
 struct PairSums
 {
-  /// M += weight·a·bᵀ.
-  void Add(double weight, const NodeNumbers& a, const NodeNumbers& b)
+  PairSums() = default;
+  /// M = weight·a·bᵀ.
+  PairSums(double weight, const NodeNumbers& a, const NodeNumbers& b)
   {
     for (int r = 0; r < 3; ++r) {
       const double factor = weight * a[r];
       for (int c = 0; c < 3; ++c)
-        M[r][c] += factor * b[c];
+        M[r][c] = factor * b[c];
+    }
+  }
+
+  /// M += weight·a·bᵀ.
+  void Add(double weight, const NodeNumbers& a, const NodeNumbers& b)
+  {
+    const PairSums more(weight, a, b);
+    for (int r = 0; r < 3; ++r) {
+      for (int c = 0; c < 3; ++c)
+        M[r][c] += more.M[r][c];
     }
   }
 

@@ -105,8 +105,8 @@ void ShellEvaluator::EvaluateSixNodes(const Elem& elem)
 
 void ShellEvaluator::CalcStiffness(int i, int j, Matriu& K) const
 {
-  PairSums sums;
-  for (int g = 0; g < points; ++g)
+  PairSums sums(point[0].weight, point[0].B[i], point[0].B[j]);
+  for (int g = 1; g < points; ++g)
     sums.Add(point[g].weight, point[g].B[i], point[g].B[j]);
   AddtoKMatrix(sums, Dm, Db, Ds, K);
 }

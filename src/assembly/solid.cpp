@@ -85,8 +85,8 @@ void SolidEvaluator::Evaluate(const Elem& elem, const Material& material)
 
 void SolidEvaluator::CalcStiffness(int i, int j, double* K) const
 {
-  PairSums sums;
-  for (int g = 0; g < points; ++g)
+  PairSums sums(point[0].weight, point[0].B[i], point[0].B[j]);
+  for (int g = 1; g < points; ++g)
     sums.Add(point[g].weight, point[g].B[i], point[g].B[j]);
   AddtoKMatrix(sums, D, K);
 }

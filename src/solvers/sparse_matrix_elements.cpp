@@ -117,19 +117,24 @@ void SparseMatrix::FindInLine(int line, std::span<const int> nodes, int* places)
   for (std::size_t k = 0; k < nodes.size(); k += kKeys)
     CountBefore(&columns[first], length, nodes.subspan(k, std::min(kKeys, nodes.size() - k)),
                 places + k);
+  bool complete = true;
+  bool someFree = false;
+  const int square = size * size;
   for (std::size_t k = 0; k < nodes.size(); ++k) {
     if (places[k] == length) {
-      expected.complete = false;
+      complete = false;
       continue;
     }
     places[k] += first;
     const int column = columns[places[k]];
-    expected.someFree |= column < 0;
-    expected.complete &= (column ^ (column >> 31)) == nodes[k] - 1;
+    someFree |= column < 0;
+    complete &= (column ^ (column >> 31)) == nodes[k] - 1;
     const double* const value = &values[Place(places[k], 0, 0)];
     __builtin_prefetch(value, 1);
-    __builtin_prefetch(value + size * size - 1, 1);
+    __builtin_prefetch(value + square - 1, 1);
   }
+  expected.complete &= complete;
+  expected.someFree |= someFree;
 }
 
 void SparseMatrix::GiveAll(std::span<const int> nodes, const int* places)

@@ -6,6 +6,19 @@
 
 #include "numeric/matriu.h"
 
+namespace {
+
+/// m = the transpose of a block as large, given row by row.
+void CopyTransposed(const double* block, Matriu& m)
+{
+  for (int j = 1; j <= m.Cols(); ++j) {
+    for (int i = 1; i <= m.Rows(); ++i)
+      m(i, j) = *block++;
+  }
+}
+
+}  // namespace
+
 void BSolver::AddElement(const ElementBlocks& element)
 {
   const int n = element.ndof;
@@ -14,11 +27,10 @@ void BSolver::AddElement(const ElementBlocks& element)
   for (std::size_t i = 0; i < element.nodes.size(); ++i) {
     for (std::size_t j = i; j < element.nodes.size(); ++j, block += n * n) {
       const auto [row, column] = std::minmax(element.nodes[i], element.nodes[j]);
-      const bool turned = row != element.nodes[i];
-      for (int a = 0; a < n; ++a) {
-        for (int b = 0; b < n; ++b)
-          m(a + 1, b + 1) = turned ? block[b * n + a] : block[a * n + b];
-      }
+      if (row == element.nodes[i])
+        std::copy_n(block, n * n, m.Data());
+      else
+        CopyTransposed(block, m);
       AddSubMatriu((row - 1) * n + 1, (column - 1) * n + 1, m);
     }
   }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <span>
 #include <vector>
 
 /// Which blocks the line of each node has in a matrix of node blocks: the nodes columns[s]
@@ -21,8 +20,7 @@ struct NodePattern
 ///
 /// The list of a node takes every mention of a neighbour until it is full; only then are the
 /// repeats taken out, by a mark on each node seen, so that a mention costs the same on
-/// average however many neighbours there are. All lists stand in one array, which is given back
-/// as a whole; one that grows moves to its end.
+/// average however many neighbours there are.
 class NodeCouplings
 {
 public:
@@ -39,23 +37,13 @@ public:
   NodePattern TakePattern();
 
 private:
-  /// Part of the array: `size` numbers from `start` on, with room for `capacity`.
-  struct List
-  {
-    std::size_t start = 0;
-    int size = 0;
-    int capacity = 0;
-  };
-
-  std::span<int> Numbers(const List& list);
-  void TakeOutRepeats(List& list);
+  void TakeOutRepeats(std::vector<int>& list);
   /// False when the list cannot take one more.
-  bool MakeRoom(List& list);
+  bool MakeRoom(std::vector<int>& list);
   std::vector<int> LineStarts();
 
-  int limit;
-  std::vector<List> lists;
-  std::vector<int> numbers;  ///< of all lists
-  std::vector<int> marks;    ///< the last round in which a node was seen
+  std::size_t limit;
+  std::vector<std::vector<int>> lists;
+  std::vector<int> marks;  ///< the last round in which a node was seen
   int round;
 };

@@ -43,7 +43,7 @@ public:
     for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
       if (onlyAtSupports && !IsSupported(elem))
         continue;
-      group.push_back(&elem);
+      Collect(elem);
       if (group.size() == group.capacity())
         addGroup();
     }
@@ -64,6 +64,13 @@ public:
 private:
   void MakeRoom(int nodesOfElement);
   bool IsSupported(const Elem& elem) const;
+  /// Takes the element into the group and asks for the memory of its nodes.
+  void Collect(const Elem& elem)
+  {
+    group.push_back(&elem);
+    for (int i = 0; i < nnode; ++i)
+      __builtin_prefetch(elem(i));
+  }
   void Expect();
   void Add(std::size_t k);
   void TurnToSupports(const Elem& elem);

@@ -21,16 +21,27 @@ void AddByRows(const double* m, bool transposed, double* value)
 /// Nodes that are looked for in a line at once.
 constexpr std::size_t kKeys = 4;
 using Keys [[gnu::vector_size(kKeys * sizeof(int))]] = int;
+using LooseKeys [[gnu::vector_size(kKeys * sizeof(int)), gnu::aligned(4), gnu::may_alias]] = int;
 
 /// For each of at most kKeys nodes, from 1, how many of the columns, which may be free, are
-/// before it; kKeys counts are written.
+/// before it; kKeys counts are written. A free column is stored as its complement, which the
+/// sign tells.
 void CountBefore(const int* columns, int length, std::span<const int> nodes, int* counts)
 {
   Keys keys{};
   for (std::size_t k = 0; k < nodes.size(); ++k)
     keys[k] = nodes[k] - 1;
   Keys before{};
-  for (int s = 0; s < length; ++s)
+  int s = 0;
+  for (; s + 4 <= length; s += 4) {
+    Keys four = *reinterpret_cast<const LooseKeys*>(columns + s);
+    four ^= four >> 31;
+    before -= __builtin_shufflevector(four, four, 0, 0, 0, 0) < keys;
+    before -= __builtin_shufflevector(four, four, 1, 1, 1, 1) < keys;
+    before -= __builtin_shufflevector(four, four, 2, 2, 2, 2) < keys;
+    before -= __builtin_shufflevector(four, four, 3, 3, 3, 3) < keys;
+  }
+  for (; s < length; ++s)
     before -= (columns[s] ^ (columns[s] >> 31)) < keys;
   for (std::size_t k = 0; k < kKeys; ++k)
     counts[k] = before[k];

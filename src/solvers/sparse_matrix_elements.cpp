@@ -11,11 +11,16 @@ namespace {
 template <int size>
 void AddByRows(const double* m, bool transposed, double* value)
 {
-  double sums[size * size];
-  for (int b = 0; b < size; ++b)
-    for (int a = 0; a < size; ++a)
-      sums[b * size + a] = value[b * size + a] + (transposed ? m[b * size + a] : m[a * size + b]);
-  std::copy_n(sums, size * size, value);
+  // One column at a time when it is whole pairs of numbers, else all: they are added in pairs.
+  constexpr int kColumns = size % 2 == 0 ? 1 : size;
+  for (int first = 0; first < size; first += kColumns) {
+    double sums[kColumns * size];
+    double* sum = sums;
+    for (int b = first; b < first + kColumns; ++b)
+      for (int a = 0; a < size; ++a)
+        *sum++ = value[b * size + a] + (transposed ? m[b * size + a] : m[a * size + b]);
+    std::copy_n(sums, kColumns * size, value + first * size);
+  }
 }
 
 /// Nodes that are looked for in a line at once.

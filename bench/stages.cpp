@@ -261,7 +261,7 @@ double CountWords(const fs::path& path)
 /// The runs as one, with the median of every stage.
 Run MedianOf(const std::vector<Run>& runs)
 {
-  Run median = runs.front();
+  Run median = runs.at(0);
   for (int stage = 0; stage < kStages; ++stage) {
     std::vector<double> seconds;
     for (const Run& run : runs)

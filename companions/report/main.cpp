@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -54,7 +54,9 @@ void ReadProject(const fs::path& file, Project& project)
 std::vector<Finding> FindingsIn(const fs::path& file)
 {
   std::ifstream in(file, std::ios::binary);
-  const std::string text(std::istreambuf_iterator<char>(in), {});
+  std::ostringstream content;
+  content << in.rdbuf();
+  const std::string text = content.str();
   std::vector<Finding> findings;
   for (const check::Located& problem : check::CheckText(text).problems)
     findings.push_back({.error = problem.severity == check::Severity::Error,

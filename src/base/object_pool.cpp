@@ -40,7 +40,7 @@ void ObjectPool::AddSlab()
 {
   constexpr std::size_t kFirst = std::size_t{1} << 12;
   constexpr std::size_t kLargest = kLargePage;
-  slabBytes = std::clamp(8 * slabBytes, kFirst, kLargest);
+  slabBytes = std::clamp(4 * slabBytes, kFirst, kLargest);
   const std::size_t bytes = std::max(slabBytes, size);
   slabs.push_back(AllocateLarge(bytes));
   next = slabs.back().get();

@@ -77,7 +77,7 @@ TEST(TextForms, ForeignBytesEndInResultsOrAMessage)
 {
   const std::string problem = Problem();
   std::string binary;
-  for (int i = 0; i < 100000; ++i)
+  for (unsigned i = 0; i < 100000; ++i)
     binary += static_cast<char>(i * i / 7);
   const std::string forms[] = {Replaced(problem, " ", "\t"),
                                Replaced(problem, "\n", "\r"),

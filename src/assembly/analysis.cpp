@@ -128,8 +128,9 @@ void Project::CheckModel() const
   Matriu T;
   for (const auto [number, node] : EachNumbered<Node>(GiveNodes())) {
     if (node.constraint)
-      AttemptOn(ReadItem::Support, number,
-                [&] { node.constraint->CalcTransfMatFromEuler(number, T, freeDegrees, 1); });
+      AttemptOn(ReadItem::Support, number, [&, &support = *node.constraint, number = number] {
+        support.CalcTransfMatFromEuler(number, T, freeDegrees, 1);
+      });
   }
 }
 

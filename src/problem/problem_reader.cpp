@@ -251,6 +251,6 @@ void Project::SetNodeDimensions(bool solids)
     if (space)
       node.resize(3, 0.0);
     else if (node.Size() == 3 && node(3) != 0.0)
-      AttemptOn(ReadItem::Node, number, [number] { RefuseHeight(number); });
+      AttemptOn(ReadItem::Node, number, [number = number] { RefuseHeight(number); });
   }
 }

@@ -75,7 +75,7 @@ void SkyMatriu::Create(int ndof)
 void SkyMatriu::AllocateRows()
 {
   const std::size_t bytes = StorageBytes();
-  values = {};
+  values = LargeArray<double>();  // unlike {}, gives the memory back
   RequireMemory(bytes);
   values.resize(bytes / sizeof(double), 0.0);
   double* next = values.data();

@@ -114,6 +114,7 @@ private:
   std::vector<double> probeRows;
   Panel panels[kPanelsPerChunk];
   std::vector<double> packed;  ///< a block that is not kept
+  RowFetcher nextRows;         ///< of the chunk behind the one at work
 };
 
 Factorisation::Factorisation(const ProfileRows& rows, int size, const LdltOptions& ldltOptions)
@@ -128,7 +129,8 @@ Factorisation::Factorisation(const ProfileRows& rows, int size, const LdltOption
       check(matrix, n),
       pivots(static_cast<std::size_t>(RoundUp(n, kPanelRows))),
       probeRows(pivots.size() * static_cast<std::size_t>(kernel.groupRows)),
-      packed(kBlockSize)
+      packed(kBlockSize),
+      nextRows(rows)
 {
 }
 
@@ -152,6 +154,8 @@ int Factorisation::FactoriseChunk(int ownChunk)
     Load(panels[count], firstPanel + count);
     firstChunk = std::min(firstChunk, blocks.FirstChunk(firstPanel + count));
   }
+  const int nextRow = std::min(n, (ownChunk + 1) * kChunkColumns);
+  nextRows.Begin(nextRow, std::min(n, nextRow + kChunkColumns));
   const std::span<Panel> batch(panels, static_cast<std::size_t>(count));
   for (int chunk = firstChunk; chunk < ownChunk; ++chunk) {
     for (Panel& panel : batch)
@@ -160,6 +164,7 @@ int Factorisation::FactoriseChunk(int ownChunk)
   }
   for (Panel& panel : batch) {
     FinishInChunk(panel, ownChunk);
+    nextRows.FetchSome();
     const int refused = Eliminate(panel);
     StoreRows(panel, refused < 0 ? RowsOf(panel) : refused + 1);
     if (refused >= 0)
@@ -236,9 +241,12 @@ void Factorisation::TakeOutChunk(std::span<Panel> batch, int chunk)
     if (blocks.PanelStart(other) >= end)
       continue;
     const double* const block = FindOrPack(other, chunk);
-    for (Panel& panel : batch)
-      if (panel.number > other && panel.first < end)
-        kernel.subtract(StepFor(panel, chunk, end, other, block), groups);
+    for (Panel& panel : batch) {
+      if (panel.number <= other || panel.first >= end)
+        continue;
+      nextRows.FetchSome();
+      kernel.subtract(StepFor(panel, chunk, end, other, block), groups);
+    }
   }
   for (Panel& panel : batch)
     for (int group = 0; group < groups && panel.first < end; ++group)

@@ -28,15 +28,19 @@ private:
   static constexpr int kGroups = kPanelRows / Columns;
   static constexpr int kGroupSize = kChunkColumns * Columns;
   static_assert(kPanelRows % kTileRows == 0 && kPanelRows % Columns == 0);
-  static_assert(Columns >= kProbes);
+  static_assert(Columns % Width == 0 && Columns >= kProbes);
 
-  static void Load(Vector& v, const double* from) { __builtin_memcpy(&v, from, sizeof v); }
-  static void Store(double* to, const Vector& v) { __builtin_memcpy(to, &v, sizeof v); }
+  using VectorInMemory
+      [[gnu::vector_size(Width * sizeof(double)), gnu::aligned(8), gnu::may_alias]] = double;
+
+  static Vector Load(const double* from) { return *reinterpret_cast<const VectorInMemory*>(from); }
+  static void Store(double* to, Vector v) { *reinterpret_cast<VectorInMemory*>(to) = v; }
 
   /// target(r, c) -= Σ panel(r, k)·group(k, c) over 0 <= k < count; then, if Solves, takes the
   /// tile's columns out of each other by the rows `count` to count + Columns - 1 of the group.
   /// The sum is taken before the entry comes in: where the entry is large, no rounding is of its
-  /// size but the last.
+  /// size but the last. Loops that are left to the compiler's limits would move the sums from
+  /// registers to memory.
   template <bool Solves>
   static void Tile(double* target, const double* panel, const double* group, int count)
   {
@@ -44,20 +48,19 @@ private:
     for (int k = 0; k < count; ++k) {
       Vector g[Vectors];
       for (int v = 0; v < Vectors; ++v)
-        Load(g[v], panel + v * Width);
+        g[v] = Load(panel + v * Width);
       for (int c = 0; c < Columns; ++c)
         for (int v = 0; v < Vectors; ++v)
           sums[c][v] += g[v] * group[c];
       panel += kPanelRows;
       group += Columns;
     }
+#pragma GCC unroll 8
     for (int c = 0; c < Columns; ++c)
-      for (int v = 0; v < Vectors; ++v) {
-        Vector entry;
-        Load(entry, target + c * kPanelRows + v * Width);
-        sums[c][v] = entry - sums[c][v];
-      }
+      for (int v = 0; v < Vectors; ++v)
+        sums[c][v] = Load(target + c * kPanelRows + v * Width) - sums[c][v];
     if constexpr (Solves) {
+#pragma GCC unroll 8
       for (int k = 0; k < Columns; ++k, group += Columns)
         for (int c = k + 1; c < Columns; ++c)
           for (int v = 0; v < Vectors; ++v)
@@ -68,7 +71,10 @@ private:
         Store(target + c * kPanelRows + v * Width, sums[c][v]);
   }
 
-  static int Later(int a, int b) { return a > b ? a : b; }
+  static int Later(int a, int b)
+  {
+    return a > b ? a : b;
+  }
 
   /// All tiles of a group of the step; sums end before column `end`.
   template <bool Solves>
@@ -104,24 +110,19 @@ private:
   static void Divide(const double* panel, const double* pivots, double* block, int count)
   {
     for (int k = 0; k < count; ++k) {
-      const double pivot = pivots[k];
+      const double inverse = 1.0 / pivots[k];
       for (int group = 0; group < kGroups; ++group)
-        for (int c = 0; c < Columns; ++c)
-          block[group * kGroupSize + k * Columns + c] =
-              panel[k * kPanelRows + group * Columns + c] / pivot;
+        for (int c = 0; c < Columns; c += Width)
+          Store(block + group * kGroupSize + k * Columns + c,
+                Load(panel + k * kPanelRows + group * Columns + c) * inverse);
     }
   }
 
   /// y -= x·factor over the rows of a panel.
   static void SubtractColumn(double* y, const double* x, double factor)
   {
-    for (int row = 0; row < kPanelRows; row += Width) {
-      Vector sum, product;
-      Load(sum, y + row);
-      Load(product, x + row);
-      sum -= product * factor;
-      Store(y + row, sum);
-    }
+    for (int row = 0; row < kPanelRows; row += Width)
+      Store(y + row, Load(y + row) - Load(x + row) * factor);
   }
 
   static void Eliminate(const LdltPivot& pivot)

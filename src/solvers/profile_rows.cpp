@@ -4,8 +4,31 @@ namespace {
 
 /// Sums that run side by side, so that no addition waits for the one before it.
 constexpr int kLanes = 8;
+/// Doubles in a line of the cache.
+constexpr int kLineEntries = 8;
+/// Lines that RowFetcher asks for at a time: about as many as a core can wait for.
+constexpr int kLinesAtATime = 48;
 
 }  // namespace
+
+void RowFetcher::Begin(int first, int end)
+{
+  row = first;
+  endRow = end;
+  entry = 0;
+}
+
+void RowFetcher::FetchSome()
+{
+  for (int line = 0; line < kLinesAtATime && row < endRow; ++line) {
+    __builtin_prefetch(rows.rows[row] + entry);
+    entry += kLineEntries;
+    if (entry >= rows.heights[row]) {
+      entry = 0;
+      ++row;
+    }
+  }
+}
 
 double DotProduct(const double* a, const double* b, int count)
 {

@@ -13,6 +13,24 @@ struct ProfileRows
   int FirstColumn(int i) const { return i - heights[i] + 1; }
 };
 
+/// Asks for rows of a profile before they are read, a few lines of the cache at a time, so that
+/// they come while there is other work.
+class RowFetcher
+{
+public:
+  explicit RowFetcher(const ProfileRows& matrix) : rows(matrix) {}
+
+  /// Starts with row `first`; ends before row `end`.
+  void Begin(int first, int end);
+  void FetchSome();
+
+private:
+  ProfileRows rows;
+  int row = 0;
+  int endRow = 0;
+  int entry = 0;  ///< of the row, where to go on
+};
+
 /// Σ a[k]·b[k] over 0 <= k < count.
 double DotProduct(const double* a, const double* b, int count);
 

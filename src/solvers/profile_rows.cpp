@@ -11,6 +11,12 @@ constexpr int kLinesAtATime = 48;
 
 }  // namespace
 
+void FetchRow(const double* row, int height)
+{
+  for (int entry = 0; entry < height; entry += kLineEntries)
+    __builtin_prefetch(row + entry);
+}
+
 void RowFetcher::Begin(int first, int end)
 {
   row = first;

@@ -13,8 +13,10 @@ struct ProfileRows
   int FirstColumn(int i) const { return i - heights[i] + 1; }
 };
 
-/// Asks for rows of a profile before they are read, a few lines of the cache at a time, so that
-/// they come while there is other work.
+/// Asks for a row before it is read, so that it comes while there is other work.
+void FetchRow(const double* row, int height);
+
+/// The same for many rows, a few lines of the cache at a time.
 class RowFetcher
 {
 public:

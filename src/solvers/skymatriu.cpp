@@ -18,6 +18,9 @@
 namespace {
 
 constexpr int kEquationsPerMessage = 500;
+/// How many rows ahead the second substitution asks for memory: it goes backwards, which the
+/// processor does not foresee.
+constexpr int kRowsAhead = 4;
 
 bool IsZero(double value)
 {
@@ -181,6 +184,8 @@ void SkyMatriu::Substitute(const RightHandSides& sides, std::FILE* info) const
     for (int i = 0; i < n; ++i)
       b->Data()[n - 1 - i] /= rows[i][0];
   for (int i = n - 1; i > 0; --i) {
+    if (i > kRowsAhead)
+      FetchRow(rows[i - kRowsAhead], heights[i - kRowsAhead]);
     for (ReaVecV* const b : sides) {
       double* const xi = b->Data() + (n - 1 - i);
       SubtractMultiple(xi + 1, rows[i] + 1, *xi, heights[i] - 1);

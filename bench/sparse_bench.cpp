@@ -8,6 +8,7 @@
 #include "measure.h"
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
+#include "solvers/block_factors.h"
 #include "solvers/ilu_preconditioner.h"
 #include "solvers/krylov.h"
 #include "solvers/sparse_solver.h"
@@ -206,7 +207,7 @@ void Iteration(benchmark::State& state, const Grid& grid)
 {
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
   const SparseMatrix& A = *solver->GiveMatrix();
-  const ILUPreconditioner M(A);
+  const BlockFactors M(A, {});
   const ReaVecV load = grid.Load();
   ReadLoop read;
   std::vector<double> iterations, reads;
@@ -229,7 +230,7 @@ void IterationInCache(benchmark::State& state, const Grid& grid)
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
   const SparseMatrix& A = *solver->GiveMatrix();
   const SparseMatrix rows = InRows(A);
-  const ILUPreconditioner M(A);
+  const BlockFactors M(A, {});
   const ILUPreconditioner rowsM(rows);
   const ReaVecV load = grid.Load();
   std::vector<double> blockTimes, rowTimes;
@@ -258,7 +259,7 @@ void Product(benchmark::State& state, const Grid& grid)
 void Preconditioning(benchmark::State& state, const Grid& grid)
 {
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
-  const ILUPreconditioner M(*solver->GiveMatrix());
+  const BlockFactors M(*solver->GiveMatrix(), {});
   std::vector<double> x(static_cast<std::size_t>(grid.Equations()), 1.0), y = x;
   for (auto _ : state) {
     M.solve(x.data(), y.data());
@@ -271,11 +272,11 @@ void Factors(benchmark::State& state, const Grid& grid)
 {
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
   const SparseMatrix& A = *solver->GiveMatrix();
-  const double iteration = SecondsPerIteration(A, ILUPreconditioner(A), grid.Load());
+  const double iteration = SecondsPerIteration(A, BlockFactors(A, {}), grid.Load());
   std::vector<double> seconds;
   for (auto _ : state)
     seconds.push_back(
-        Seconds(1, [&] { benchmark::DoNotOptimize(ILUPreconditioner(A).IsComplete()); }));
+        Seconds(1, [&] { benchmark::DoNotOptimize(BlockFactors(A, {}).IsComplete()); }));
   state.counters["iterations"] = Median(seconds) / iteration;
 }
 
@@ -292,7 +293,7 @@ void Assembly(benchmark::State& state, const Grid& grid)
 {
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
   const SparseMatrix& A = *solver->GiveMatrix();
-  const double iteration = SecondsPerIteration(A, ILUPreconditioner(A), grid.Load());
+  const double iteration = SecondsPerIteration(A, BlockFactors(A, {}), grid.Load());
   std::vector<double> seconds;
   for (auto _ : state) {
     solver->SetToZero();

@@ -1,8 +1,10 @@
 #include "solvers/block_factors.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
+#include "base/errorwriter.h"
 #include "solvers/sparse_matrix.h"
 
 namespace {
@@ -39,152 +41,139 @@ bool Invert(int size, double* block, double* work)
   return true;
 }
 
+/// to = fromᵀ.
+void CopyTransposed(int size, const double* from, double* to)
+{
+  for (int a = 0; a < size; ++a)
+    for (int b = 0; b < size; ++b)
+      to[a * size + b] = from[b * size + a];
+}
+
 }  // namespace
 
-void BlockRows::Reserve(std::size_t lines, std::size_t blocks)
+BlockFactors::BlockFactors(const SparseMatrix& matrix, std::span<const int> prescribed)
+    : Preconditioner("ILU"),
+      size(matrix.BlockSize()),
+      kernels(GiveBlockKernels(size, ThisProcessor()))
 {
-  values.reserve(blocks * size * size + kBlockPadding);
-  columns.reserve(blocks);
-  starts.reserve(lines + 1);
-}
-
-void BlockRows::Add(int column, const double* block)
-{
-  columns.push_back(column);
-  values.insert(values.end(), block, block + size * size);
-}
-
-std::size_t BlockRows::StorageBytes() const
-{
-  return values.size() * sizeof(double) + (columns.size() + starts.size()) * sizeof(int);
-}
-
-BlockFactors::BlockFactors(const SparseMatrix& matrix)
-    : size(matrix.BlockSize()),
-      kernels(GiveBlockKernels(size, ThisProcessor())),
-      lower{size, {}, {}},
-      upper{size, {}, {}}
-{
-  Split(matrix);
+  assert(kernels);
+  CopyUpperHalf(matrix);
+  ClearColumns(prescribed);
   complete = Factorise();
 }
 
-void BlockFactors::Split(const SparseMatrix& matrix)
+void BlockFactors::CopyUpperHalf(const SparseMatrix& matrix)
 {
   const BlockLines A = matrix.Blocks();
-  const int square = size * size;
-  std::size_t below = 0;
-  std::size_t others = 0;
+  std::size_t above = 0;
   for (int i = 0; i < A.lines; ++i)
     for (int s = A.starts[i]; s < A.starts[i + 1]; ++s)
-      if (A.columns[s] >= 0)
-        ++(A.columns[s] < i ? below : others);
-  const auto block = [&](int s) { return A.values + static_cast<std::size_t>(s) * square; };
-
-  lower.Reserve(A.lines, below);
+      above += A.columns[s] > i;
+  values.assign(above * Square() + kBlockPadding, 0.0);
+  diagonal.assign(A.lines * Square() + kBlockPadding, 0.0);
+  columns.reserve(above);
+  starts.reserve(static_cast<std::size_t>(A.lines) + 1);
   for (int i = 0; i < A.lines; ++i) {
-    for (int s = A.starts[i]; s < A.starts[i + 1]; ++s)
-      if (A.columns[s] >= 0 && A.columns[s] < i)
-        lower.Add(A.columns[s], block(s));
-    lower.EndLine();
+    for (int s = A.starts[i]; s < A.starts[i + 1]; ++s) {
+      const double* const block = A.values + s * Square();
+      if (A.columns[s] == i)
+        CopyTransposed(size, block, Diagonal(i));
+      if (A.columns[s] <= i)
+        continue;
+      CopyTransposed(size, block, Block(static_cast<int>(columns.size())));
+      columns.push_back(A.columns[s]);
+    }
+    starts.push_back(static_cast<int>(columns.size()));
   }
-  upper.Reserve(A.lines, others);
-  for (int i = A.lines - 1; i >= 0; --i) {
-    const int* const line = A.columns + A.starts[i];
-    const int length = A.starts[i + 1] - A.starts[i];
-    const int own = static_cast<int>(std::find(line, line + length, i) - line);
-    if (own < length)
-      upper.Add(i, block(A.starts[i] + own));
-    for (int s = length - 1; s > own; --s)
-      if (line[s] >= 0)
-        upper.Add(line[s], block(A.starts[i] + s));
-    upper.EndLine();
-  }
-  for (BlockRows* const rows : {&lower, &upper})
-    rows->values.resize(rows->values.size() + kBlockPadding, 0.0);
 }
 
-// Node by node: S_ij = A_ij − Σ S_ik·U'_kj over k < min(i, j), dropped outside the pattern;
-// then D_i = S_ii, U'_ij = D_i⁻¹·S_ij, L'_ij = S_ij·D_j⁻¹. The blocks of the line at work are
-// known by their columns, so that nothing is searched.
+void BlockFactors::ClearColumns(std::span<const int> equations)
+{
+  std::vector<bool> isCleared(static_cast<std::size_t>(Nodes()) * size, false);
+  for (const int equation : equations) {
+    isCleared[equation] = true;
+    const int b = equation % size;
+    double* const own = Diagonal(equation / size);
+    for (int a = 0; a < size; ++a)
+      if (a != b)
+        own[a * size + b] = 0.0;
+  }
+  for (int s = 0; s < starts.back(); ++s)
+    for (int b = 0; b < size; ++b)
+      for (int a = 0; a < size && isCleared[columns[s] * size + b]; ++a)
+        Block(s)[a * size + b] = 0.0;
+}
+
+// Line by line: U_kj = D_k⁻¹·S_kj; then S_ij −= S_kiᵀ·U_kj for the nodes i and j of the line,
+// dropped outside the pattern. The blocks of the line at work are known by their columns, so
+// that nothing is searched.
 bool BlockFactors::Factorise()
 {
-  const int n = Nodes();
-  std::vector<double*> target(static_cast<std::size_t>(n), nullptr);
-  const auto mark = [&](BlockRows& rows, int line, bool present) {
-    for (int s = rows.starts[line]; s < rows.starts[line + 1]; ++s)
-      target[rows.columns[s]] = present ? rows.Block(s) : nullptr;
-  };
-  std::vector<double> work(static_cast<std::size_t>(size) * size);
-  for (int i = 0; i < n; ++i) {
-    mark(lower, i, true);
-    mark(upper, UpperLine(i), true);
-    if (!target[i])
+  std::vector<int> place(static_cast<std::size_t>(Nodes()), -1);
+  std::vector<double> work(Square());
+  for (int k = 0; k < Nodes(); ++k) {
+    if (!Invert(size, Diagonal(k), work.data()))
       return false;
-    EliminateLine(i, target.data());
-    if (!FinishLine(i, work.data()))
-      return false;
-    mark(lower, i, false);
-    mark(upper, UpperLine(i), false);
+    KeepLine(k);
+    const int first = starts[k];
+    const int count = starts[k + 1] - first;
+    kernels->scale(Block(first), count, Diagonal(k));
+    for (int t = 0; t < count; ++t)
+      place[columns[first + t]] = t;
+    TakeOutLine(k, place.data());
+    for (int t = 0; t < count; ++t)
+      place[columns[first + t]] = -1;
   }
   return true;
 }
 
-// Which blocks meet one in the line is found before they are used, without jumps that depend
+void BlockFactors::KeepLine(int line)
+{
+  const int count = starts[line + 1] - starts[line];
+  kept.resize(std::max(kept.size(), count * Square() + kBlockPadding));
+  for (int t = 0; t < count; ++t)
+    CopyTransposed(size, Block(starts[line] + t), kept.data() + t * Square());
+}
+
+// Which blocks meet one of the line is found before they are used, without jumps that depend
 // on it.
-void BlockFactors::EliminateLine(int i, double* const* target)
+void BlockFactors::TakeOutLine(int line, const int* place)
 {
-  for (int s = lower.starts[i]; s < lower.starts[i + 1]; ++s) {
-    const int line = UpperLine(lower.columns[s]);
-    const int first = upper.starts[line] + 1;
-    const int length = upper.starts[line + 1] - first;
-    if (static_cast<std::size_t>(length) > updates.size())
-      updates.resize(static_cast<std::size_t>(length));
-    int count = 0;
-    for (int t = 0; t < length; ++t) {
-      double* const place = target[upper.columns[first + t]];
-      updates[count] = {t, place};
-      count += place != nullptr;
+  const int first = starts[line];
+  for (int t = 0; first + t < starts[line + 1]; ++t) {
+    const int i = columns[first + t];
+    const int length = starts[i + 1] - starts[i];
+    updates.resize(std::max(updates.size(), static_cast<std::size_t>(length) + 2));
+    updates[0] = {t, Diagonal(i)};
+    int count = 1;
+    for (int s = starts[i]; s < starts[i + 1]; ++s) {
+      const int met = place[columns[s]];
+      updates[count] = {met, Block(s)};
+      count += met >= 0;
     }
-    kernels->addProducts(lower.Block(s), upper.Block(first), updates.data(), count);
-    kernels->scaleRight(lower.Block(s), upper.Block(first - 1));
+    kernels->addProducts(kept.data() + t * Square(), Block(first), updates.data(), count);
   }
 }
 
-bool BlockFactors::FinishLine(int i, double* work)
+void BlockFactors::solve(const double* x, double* y) const
 {
-  const int line = UpperLine(i);
-  const int own = upper.starts[line];
-  if (!Invert(size, upper.Block(own), work))
-    return false;
-  kernels->scaleLeft(upper.Block(own), upper.Block(own + 1), upper.starts[line + 1] - own - 1);
-  return true;
+  if (!complete) {
+    FillWithNaN(y, Nodes() * size);
+    return;
+  }
+  if (x != y)
+    std::copy_n(x, Nodes() * size, y);
+  kernels->forward(Lines(), y);
+  kernels->backward(Lines(), diagonal.data(), y);
 }
 
-void BlockFactors::Solve(const double* x, double* y) const
+void BlockFactors::New_Matrix(const SparseMatrix&)
 {
-  kernels->forward(lower.View(), x, y);
-  kernels->backward(upper.View(), y);
+  Fatal("Wrong use of BlockFactors::New_Matrix");
 }
 
-void BlockFactors::TransSolve(const double* x, double* y) const
+std::size_t BlockFactors::StorageBytes() const
 {
-  const int n = Nodes();
-  std::copy_n(x, n * size, y);
-  std::vector<double> node(static_cast<std::size_t>(size));
-  const auto scatter = [&](const BlockRows& rows, int s) {
-    AddTransposedBlock(size, rows.Block(s), node.data(), y + rows.columns[s] * size);
-  };
-  for (int i = 0; i < n; ++i) {
-    const int line = UpperLine(i);
-    std::copy_n(y + i * size, size, node.data());
-    std::fill_n(y + i * size, size, 0.0);
-    for (int s = upper.starts[line]; s < upper.starts[line + 1]; ++s)
-      scatter(upper, s);
-  }
-  for (int i = n - 1; i >= 0; --i) {
-    std::copy_n(y + i * size, size, node.data());
-    for (int s = lower.starts[i]; s < lower.starts[i + 1]; ++s)
-      scatter(lower, s);
-  }
+  return (diagonal.size() + values.size()) * sizeof(double) +
+         (columns.size() + starts.size()) * sizeof(int);
 }

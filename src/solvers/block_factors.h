@@ -1,75 +1,66 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
 #include "base/large_array.h"
 #include "solvers/block_kernel.h"
+#include "solvers/preconditioner.h"
 
 class SparseMatrix;
 
-/// Lines of blocks that are filled one after the other.
-struct BlockRows
-{
-  int size;
-  LargeArray<double> values;
-  std::vector<int> columns;
-  std::vector<int> starts = {0};
-
-  void Reserve(std::size_t lines, std::size_t blocks);
-  void Add(int column, const double* block);
-  void EndLine() { starts.push_back(static_cast<int>(columns.size())); }
-  double* Block(int s) { return values.data() + static_cast<std::size_t>(s) * size * size; }
-  const double* Block(int s) const { return const_cast<BlockRows*>(this)->Block(s); }
-
-  BlockLines View() const
-  {
-    return {static_cast<int>(starts.size()) - 1, values.data(), columns.data(), starts.data()};
-  }
-  std::size_t StorageBytes() const;
-};
-
-/// The incomplete factors without fill of a matrix of node blocks, in blocks.
+/// The incomplete factors without fill of a symmetric matrix of node blocks, in blocks.
 ///
 /// The pattern of the matrix is whole blocks, and so is that of its scalar factors L·U. With
-/// the blocks L_ii, U_ii of their diagonals taken out, L·U = (I + L')·D·(I + U'), where
-/// D_i = L_ii·U_ii, L'_ij = L_ij·L_jj⁻¹ and U'_ij = U_ii⁻¹·U_ij: the same matrix, but what a
-/// node waits for in a substitution is one product with a block. −L', −U' and D⁻¹ are kept,
-/// in the order in which they are used.
-class BlockFactors
+/// the blocks of their diagonals taken out, L·U = (I + Uᵀ)·D·(I + U), U strictly above the
+/// diagonal: the same matrix, but kept in half the memory, and what a node waits for in a
+/// substitution is a product with one block. D⁻¹ and −U are kept.
+///
+/// A row that prescribes a value is one of the unit matrix, and its column is left out: where
+/// the residual of the row is 0, as it is when the iteration starts from the prescribed values,
+/// the column meets nothing but zeros.
+class BlockFactors : public Preconditioner
 {
 public:
-  /// The matrix must be stored in blocks of nodes. Blocks that are free count as missing.
-  explicit BlockFactors(const SparseMatrix& matrix);
+  /// The matrix must be stored in blocks of nodes and, but for the columns of the prescribed
+  /// rows, from 0, be symmetric: what is below its diagonal is not looked at. Blocks that are
+  /// free count as missing.
+  BlockFactors(const SparseMatrix& matrix, std::span<const int> prescribed);
 
   /// False when a pivot of the scalar factors was missing, 0 or not finite; nothing can be
   /// solved then.
   bool IsComplete() const { return complete; }
 
-  /// y = (L·U)⁻¹·x; y may be x.
-  void Solve(const double* x, double* y) const;
-  /// y = (L·U)⁻ᵀ·x; y may be x.
-  void TransSolve(const double* x, double* y) const;
+  void solve(const double* x, double* y) const override;
+  void trans_solve(const double* x, double* y) const override { solve(x, y); }
+  void New_Matrix(const SparseMatrix& matrix) override;
 
-  std::size_t StorageBytes() const { return lower.StorageBytes() + upper.StorageBytes(); }
+  std::size_t StorageBytes() const;
 
 private:
-  int Nodes() const { return static_cast<int>(lower.starts.size()) - 1; }
-  /// The line of a node in `upper`.
-  int UpperLine(int node) const { return Nodes() - 1 - node; }
+  int Nodes() const { return static_cast<int>(starts.size()) - 1; }
+  std::size_t Square() const { return static_cast<std::size_t>(size) * size; }
+  double* Diagonal(int node) { return diagonal.data() + node * Square(); }
+  double* Block(int s) { return values.data() + s * Square(); }
+  BlockLines Lines() const { return {Nodes(), values.data(), columns.data(), starts.data()}; }
 
-  void Split(const SparseMatrix& matrix);
+  void CopyUpperHalf(const SparseMatrix& matrix);
+  void ClearColumns(std::span<const int> equations);
   bool Factorise();
-  /// Takes off the line of node i what the nodes before it bring; target[j] points to block
-  /// (i, j), null when it is not in the pattern.
-  void EliminateLine(int i, double* const* target);
-  /// Turns the block of D that the elimination left into its inverse, and scales −U'.
-  bool FinishLine(int i, double* work);
+  /// Keeps the blocks of a line, transposed, before they are divided by D.
+  void KeepLine(int line);
+  /// Takes a finished line off the lines that it reaches; place[j] is the place of the block in
+  /// column j within the line, -1 when there is none.
+  void TakeOutLine(int line, const int* place);
 
   int size;
   const BlockKernels* kernels;
-  BlockRows lower;                   ///< line i: −L'_ij, j ascending
-  BlockRows upper;                   ///< line n − 1 − i: D_i⁻¹, then −U'_ij, j descending
+  LargeArray<double> diagonal;  ///< D⁻¹, a block for each node
+  LargeArray<double> values;    ///< −U by lines, columns ascending, each block row by row
+  std::vector<int> columns;
+  std::vector<int> starts = {0};
+  std::vector<double> kept;          ///< scratch of the elimination, see KeepLine
   std::vector<BlockUpdate> updates;  ///< scratch of the elimination
   bool complete;
 };

@@ -3,9 +3,8 @@
 #include "base/processor.h"
 
 /// Lines of square blocks in compressed storage, borrowed: line i has the blocks from
-/// starts[i] to starts[i + 1] - 1. A block has size² values, column by column; columns[s] is
-/// the node, from 0, whose `size` unknowns block s multiplies. Behind the last block
-/// kBlockPadding more values can be read.
+/// starts[i] to starts[i + 1] - 1. A block has size² values; columns[s] is the node, from 0,
+/// whose `size` unknowns block s multiplies. Behind the last block stand kBlockPadding zeros.
 struct BlockLines
 {
   int lines;
@@ -25,29 +24,28 @@ struct BlockUpdate
 };
 
 /// The loops over blocks of one size, compiled for one set of instructions; another set sums
-/// in the same order but may round less often.
+/// in the same order but may round less often. The blocks of a matrix A are stored column by
+/// column; those of a triangle −U, strictly above the diagonal, row by row, so that it and its
+/// transpose both meet the unknowns of a node as they stand.
 struct BlockKernels
 {
   /// y of node i = line i times x, for all i.
   void (*product)(const BlockLines& A, const double* x, double* y);
 
-  /// y of node i = b of node i plus line i times y, i ascending: the blocks meet what was
-  /// found before, the last one what was found last. y may be b.
-  void (*forward)(const BlockLines& L, const double* b, double* y);
+  /// Solves (I + Uᵀ)·y = b, where y holds b.
+  void (*forward)(const BlockLines& U, double* y);
 
-  /// y of node i = line n - 1 - i times y, i descending from n - 1. The first block of a line
-  /// is the node's own and meets what y held.
-  void (*backward)(const BlockLines& U, double* y);
+  /// Solves (I + U)·y = D⁻¹·b, where y holds b; `inverse` has a block of D⁻¹ for every node,
+  /// column by column, and the padding of BlockLines.
+  void (*backward)(const BlockLines& U, const double* inverse, double* y);
 
-  /// *updates[k].target += factor·block `updates[k].block` of a row of blocks.
+  /// *updates[k].target += block `updates[k].block` of a row of blocks times factor, all
+  /// column by column.
   void (*addProducts)(const double* factor, const double* blocks, const BlockUpdate* updates,
                       int count);
 
-  /// Each of `count` blocks in a row becomes −factor·block.
-  void (*scaleLeft)(const double* factor, double* blocks, int count);
-
-  /// block = −block·factor.
-  void (*scaleRight)(double* block, const double* factor);
+  /// Each of `count` blocks in a row becomes −block·factor, all column by column.
+  void (*scale)(double* blocks, int count, const double* factor);
 };
 
 /// The loops for blocks of this size on a processor; null for sizes other than 3 and 6.

@@ -49,10 +49,11 @@ struct NodePacks
   Pack packs[kPacks];
 };
 
-template <class Node>
+/// What is added up side by side for a node.
+template <class Node, int count = kSums>
 struct Sums
 {
-  Node of[kSums];
+  Node of[count];
 };
 
 /// The last numbers of a node, fewer than fill a pack; zeros behind them.
@@ -96,26 +97,42 @@ template <class Node>
   }
 }
 
-/// sums += block times the numbers at x.
+/// Pack k of a line of a block: of a column or of a row, as it is stored.
 template <class Node>
-[[gnu::always_inline]] inline void AddBlock(const double* block, const double* x, Sums<Node>& sums)
+[[gnu::always_inline]] inline typename Node::Pack LinePack(const double* block, int line, int k)
 {
-  using Pack = typename Node::Pack;
+  return *reinterpret_cast<const typename Node::Loose*>(block + line * Node::size +
+                                                        k * Node::lanes);
+}
+
+/// Adds each line of a block times its x, a number or a pack of it, to the sums.
+template <class Node, int count, class Number>
+[[gnu::always_inline]] inline void AddBlock(const double* block, const Number* x,
+                                            Sums<Node, count>& sums)
+{
   for (int b = 0; b < Node::size; ++b) {
-    const Pack factor = x[b] - Pack{};
-    for (int k = 0; k < Node::kPacks; ++k) {
-      const double* const column = block + b * Node::size + k * Node::lanes;
-      sums.of[b % kSums].packs[k] +=
-          factor * *reinterpret_cast<const typename Node::Loose*>(column);
-    }
+    const typename Node::Pack factor = x[b] - typename Node::Pack{};
+    for (int k = 0; k < Node::kPacks; ++k)
+      sums.of[b % count].packs[k] += factor * LinePack<Node>(block, b, k);
   }
 }
 
-template <class Node>
-[[gnu::always_inline]] inline void AddUp(const Sums<Node>& sums, Node& total)
+/// Adds the sums up in the first of them.
+template <class Node, int count>
+[[gnu::always_inline]] inline const Node& AddUp(Sums<Node, count>& sums)
 {
-  for (int k = 0; k < Node::kPacks; ++k)
-    total.packs[k] = (sums.of[0].packs[k] + sums.of[1].packs[k]) + sums.of[2].packs[k];
+  for (int sum = 1; sum < count; ++sum)
+    for (int k = 0; k < Node::kPacks; ++k)
+      sums.of[0].packs[k] += sums.of[sum].packs[k];
+  return sums.of[0];
+}
+
+/// Asks for the memory of a block.
+template <class Node>
+[[gnu::always_inline]] inline void FetchBlock(const double* block)
+{
+  for (int k = 0; k + 8 <= Node::size * Node::size; k += 8)
+    __builtin_prefetch(block + k);
 }
 
 /// sums += line times x.
@@ -127,8 +144,7 @@ template <class Node>
   const int end = A.starts[line + 1];
   const double* block = A.values + static_cast<long long>(A.starts[line]) * kSquare;
   for (int s = A.starts[line]; s < end; ++s, block += kSquare) {
-    for (int k = 0; k + 8 <= kSquare; k += 8)
-      __builtin_prefetch(block + kAhead + k);
+    FetchBlock<Node>(block + kAhead);
     AddBlock(block, x + static_cast<long long>(A.columns[s]) * Node::size, sums);
   }
 }
@@ -139,32 +155,95 @@ void Product(const BlockLines& A, const double* x, double* y)
   for (int i = 0; i < A.lines; ++i, y += Node::size) {
     Sums<Node> sums = {};
     AddLine(A, i, x, sums);
-    AddUp(sums, sums.of[0]);
-    Store(sums.of[0], y);
+    Store(AddUp(sums), y);
   }
 }
 
+// Takes what was found for a node out of the nodes behind it. The next node comes first, since
+// it is waited for.
 template <class Node>
-void Forward(const BlockLines& L, const double* b, double* y)
+void Forward(const BlockLines& U, double* y)
 {
-  for (int i = 0; i < L.lines; ++i) {
-    const long long first = static_cast<long long>(i) * Node::size;
-    Sums<Node> sums = {};
-    Load(b + first, sums.of[0]);
-    AddLine(L, i, y, sums);
-    AddUp(sums, sums.of[0]);
-    Store(sums.of[0], y + first);
+  constexpr int kSquare = Node::size * Node::size;
+  const double* block = U.values;
+  for (int i = 0; i < U.lines; ++i) {
+    typename Node::Pack own[Node::size];
+    for (int a = 0; a < Node::size; ++a)
+      own[a] = y[static_cast<long long>(i) * Node::size + a] - typename Node::Pack{};
+    for (int s = U.starts[i]; s < U.starts[i + 1]; ++s, block += kSquare) {
+      FetchBlock<Node>(block + kAhead);
+      double* const other = y + static_cast<long long>(U.columns[s]) * Node::size;
+      Sums<Node, Node::size / 3> sums = {};
+      Load(other, sums.of[0]);
+      AddBlock(block, own, sums);
+      Store(AddUp(sums), other);
+    }
   }
 }
 
+/// A sum for each row of a block, still apart by the places of the packs.
 template <class Node>
-void Backward(const BlockLines& U, double* y)
+struct RowSums
 {
-  for (int line = 0; line < U.lines; ++line) {
+  using Pack = typename Node::Pack;
+  static constexpr int kRows = Node::kPacks * Node::lanes;  ///< those behind the last are 0
+
+  Pack of[kRows];
+
+  /// Adds block·x, the block row by row; x has zeros behind its last number.
+  [[gnu::always_inline]] void Add(const double* block, const Node& x)
+  {
+    for (int a = 0; a < Node::size; ++a)
+      for (int k = 0; k < Node::kPacks; ++k)
+        of[a] += LinePack<Node>(block, a, k) * x.packs[k];
+  }
+
+  [[gnu::always_inline]] void AddTo(Node& total) const
+  {
+    for (int k = 0; k < Node::kPacks; ++k)
+      total.packs[k] += Across(of + k * Node::lanes);
+  }
+
+private:
+  /// The sums over the places of as many packs as these are.
+  [[gnu::always_inline]] static Pack Across(const Pack* p)
+  {
+    if constexpr (Node::lanes == 2) {
+      return __builtin_shufflevector(p[0], p[1], 0, 2) + __builtin_shufflevector(p[0], p[1], 1, 3);
+    } else {
+      const Pack low = __builtin_shufflevector(p[0], p[1], 0, 4, 2, 6) +
+                       __builtin_shufflevector(p[0], p[1], 1, 5, 3, 7);
+      const Pack high = __builtin_shufflevector(p[2], p[3], 0, 4, 2, 6) +
+                        __builtin_shufflevector(p[2], p[3], 1, 5, 3, 7);
+      return __builtin_shufflevector(low, high, 0, 1, 4, 5) +
+             __builtin_shufflevector(low, high, 2, 3, 6, 7);
+    }
+  }
+};
+
+// The next node comes last in a line, since it is waited for.
+template <class Node>
+void Backward(const BlockLines& U, const double* inverse, double* y)
+{
+  constexpr int kSquare = Node::size * Node::size;
+  const double* block = U.values + static_cast<long long>(U.starts[U.lines]) * kSquare;
+  for (int i = U.lines - 1; i >= 0; --i) {
+    double* const own = y + static_cast<long long>(i) * Node::size;
+    const double* const divisor = inverse + static_cast<long long>(i) * kSquare;
+    FetchBlock<Node>(divisor - kAhead);
     Sums<Node> sums = {};
-    AddLine(U, line, y, sums);
-    AddUp(sums, sums.of[0]);
-    Store(sums.of[0], y + static_cast<long long>(U.lines - 1 - line) * Node::size);
+    AddBlock(divisor, own, sums);
+    Node total = AddUp(sums);
+    RowSums<Node> rows = {};
+    for (int s = U.starts[i + 1] - 1; s >= U.starts[i]; --s) {
+      block -= kSquare;
+      FetchBlock<Node>(block - kAhead);
+      Node x;
+      Load(y + static_cast<long long>(U.columns[s]) * Node::size, x);
+      rows.Add(block, x);
+    }
+    rows.AddTo(total);
+    Store(total, own);
   }
 }
 
@@ -177,8 +256,7 @@ template <class Node, bool add>
     if constexpr (add)
       Load(target + b, sums.of[0]);
     AddBlock(left, right + b, sums);
-    AddUp(sums, sums.of[0]);
-    Store(sums.of[0], target + b);
+    Store(AddUp(sums), target + b);
   }
 }
 
@@ -187,43 +265,26 @@ void AddProducts(const double* factor, const double* blocks, const BlockUpdate* 
 {
   constexpr long long kSquare = Node::size * Node::size;
   for (int k = 0; k < count; ++k)
-    Multiply<Node, true>(factor, blocks + updates[k].block * kSquare, updates[k].target);
+    Multiply<Node, true>(blocks + updates[k].block * kSquare, factor, updates[k].target);
 }
 
-/// The opposite of a block, which a product may then replace.
 template <class Node>
-struct Opposite
+void Scale(double* blocks, int count, const double* factor)
 {
-  static constexpr int kSquare = Node::size * Node::size;
-  explicit Opposite(const double* block)
-  {
+  constexpr int kSquare = Node::size * Node::size;
+  double opposite[kSquare + kBlockPadding];
+  for (double* block = blocks; block < blocks + count * kSquare; block += kSquare) {
     for (int k = 0; k < kSquare; ++k)
-      values[k] = -block[k];
+      opposite[k] = -block[k];
+    Multiply<Node, false>(opposite, factor, block);
   }
-  double values[kSquare + kBlockPadding];
-};
-
-template <class Node>
-void ScaleLeft(const double* factor, double* blocks, int count)
-{
-  const Opposite<Node> opposite(factor);
-  for (int k = 0; k < count; ++k, blocks += Node::size * Node::size)
-    Multiply<Node, false>(opposite.values, blocks, blocks);
-}
-
-template <class Node>
-void ScaleRight(double* block, const double* factor)
-{
-  const Opposite<Node> opposite(block);
-  Multiply<Node, false>(opposite.values, factor, block);
 }
 
 template <int size, int lanes>
 constexpr BlockKernels MakeKernels()
 {
   using Node = NodePacks<size, lanes>;
-  return {Product<Node>,     Forward<Node>,   Backward<Node>,
-          AddProducts<Node>, ScaleLeft<Node>, ScaleRight<Node>};
+  return {Product<Node>, Forward<Node>, Backward<Node>, AddProducts<Node>, Scale<Node>};
 }
 
 }  // namespace

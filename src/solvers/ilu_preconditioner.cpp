@@ -18,11 +18,6 @@ constexpr int kNoScaling = 1;
 ILUPreconditioner::ILUPreconditioner(const SparseMatrix& matrix)
     : Preconditioner("ILU"), n(matrix.GiveSize())
 {
-  if (matrix.BlockSize() > 1) {
-    blocks = std::make_unique<BlockFactors>(matrix);
-    complete = blocks->IsComplete();
-    return;
-  }
   Split(matrix);
   SortLines(lower);
   SortLines(upper);
@@ -47,7 +42,7 @@ void ILUPreconditioner::Split(const SparseMatrix& matrix)
 
 std::size_t ILUPreconditioner::StorageBytes() const
 {
-  return blocks ? blocks->StorageBytes() : lower.StorageBytes() + upper.StorageBytes();
+  return lower.StorageBytes() + upper.StorageBytes();
 }
 
 bool ILUPreconditioner::HasPivot(int i) const
@@ -99,10 +94,6 @@ void ILUPreconditioner::solve(const double* x, double* y) const
     FillWithNaN(y, n);
     return;
   }
-  if (blocks) {
-    blocks->Solve(x, y);
-    return;
-  }
   dcsrsm(0, kNoScaling, kUnitLower, lower.View(), x, y);
   dcsrsm(0, kNoScaling, kStoredUpper, upper.View(), y, y);
 }
@@ -111,10 +102,6 @@ void ILUPreconditioner::trans_solve(const double* x, double* y) const
 {
   if (!complete) {
     FillWithNaN(y, n);
-    return;
-  }
-  if (blocks) {
-    blocks->TransSolve(x, y);
     return;
   }
   dcsrsm(1, kNoScaling, kStoredUpper, upper.View(), x, y);

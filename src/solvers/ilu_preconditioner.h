@@ -1,13 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
-#include "solvers/block_factors.h"
+#include "solvers/compressed_rows.h"
 #include "solvers/preconditioner.h"
 
 /// Incomplete factors L·U without fill: L has ones on its diagonal and the slots below it, U
-/// the slots on and above it. Of a matrix that is stored in blocks of nodes, so are they.
+/// the slots on and above it.
 class ILUPreconditioner : public Preconditioner
 {
 public:
@@ -17,7 +16,6 @@ public:
   void trans_solve(const double* x, double* y) const override;
   void New_Matrix(const SparseMatrix& matrix) override;
 
-  // Both are empty for a matrix stored in blocks of nodes.
   /// By rows, columns ascending, without the ones of the diagonal.
   CompressedView GiveL() const { return lower.View(); }
   /// By rows, columns ascending, the diagonal first.
@@ -38,6 +36,5 @@ private:
   int n;
   CompressedRows lower;
   CompressedRows upper;
-  std::unique_ptr<BlockFactors> blocks;  ///< null for a matrix in single entries
   bool complete;
 };

@@ -30,11 +30,12 @@ private:
   static_assert(kPanelRows % kTileRows == 0 && kPanelRows % Columns == 0);
   static_assert(Columns % Width == 0 && Columns >= kProbes);
 
-  using VectorInMemory
-      [[gnu::vector_size(Width * sizeof(double)), gnu::aligned(8), gnu::may_alias]] = double;
+  /// A vector as it stands in an array, at any place.
+  using InMemory [[gnu::vector_size(Width * sizeof(double)), gnu::aligned(8), gnu::may_alias]] =
+      double;
 
-  static Vector Load(const double* from) { return *reinterpret_cast<const VectorInMemory*>(from); }
-  static void Store(double* to, Vector v) { *reinterpret_cast<VectorInMemory*>(to) = v; }
+  static const InMemory& At(const double* p) { return *reinterpret_cast<const InMemory*>(p); }
+  static InMemory& At(double* p) { return *reinterpret_cast<InMemory*>(p); }
 
   /// target(r, c) -= Σ panel(r, k)·group(k, c) over 0 <= k < count; then, if Solves, takes the
   /// tile's columns out of each other by the rows `count` to count + Columns - 1 of the group.
@@ -48,7 +49,7 @@ private:
     for (int k = 0; k < count; ++k) {
       Vector g[Vectors];
       for (int v = 0; v < Vectors; ++v)
-        g[v] = Load(panel + v * Width);
+        g[v] = At(panel + v * Width);
       for (int c = 0; c < Columns; ++c)
         for (int v = 0; v < Vectors; ++v)
           sums[c][v] += g[v] * group[c];
@@ -58,7 +59,7 @@ private:
 #pragma GCC unroll 8
     for (int c = 0; c < Columns; ++c)
       for (int v = 0; v < Vectors; ++v)
-        sums[c][v] = Load(target + c * kPanelRows + v * Width) - sums[c][v];
+        sums[c][v] = At(target + c * kPanelRows + v * Width) - sums[c][v];
     if constexpr (Solves) {
 #pragma GCC unroll 8
       for (int k = 0; k < Columns; ++k, group += Columns)
@@ -68,7 +69,7 @@ private:
     }
     for (int c = 0; c < Columns; ++c)
       for (int v = 0; v < Vectors; ++v)
-        Store(target + c * kPanelRows + v * Width, sums[c][v]);
+        At(target + c * kPanelRows + v * Width) = sums[c][v];
   }
 
   static int Later(int a, int b)
@@ -110,11 +111,11 @@ private:
   static void Divide(const double* panel, const double* pivots, double* block, int count)
   {
     for (int k = 0; k < count; ++k) {
-      const double inverse = 1.0 / pivots[k];
+      const Vector pivot = pivots[k] - Vector{};
       for (int group = 0; group < kGroups; ++group)
         for (int c = 0; c < Columns; c += Width)
-          Store(block + group * kGroupSize + k * Columns + c,
-                Load(panel + k * kPanelRows + group * Columns + c) * inverse);
+          At(block + group * kGroupSize + k * Columns + c) =
+              At(panel + k * kPanelRows + group * Columns + c) / pivot;
     }
   }
 
@@ -122,7 +123,7 @@ private:
   static void SubtractColumn(double* y, const double* x, double factor)
   {
     for (int row = 0; row < kPanelRows; row += Width)
-      Store(y + row, Load(y + row) - Load(x + row) * factor);
+      At(y + row) -= At(x + row) * factor;
   }
 
   static void Eliminate(const LdltPivot& pivot)

@@ -11,6 +11,7 @@
 #include "base/stprintf.h"
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
+#include "solvers/block_factors.h"
 #include "solvers/ilu_preconditioner.h"
 #include "solvers/krylov.h"
 
@@ -57,8 +58,8 @@ void SparseSolver::Create([[maybe_unused]] int ndofOfNodes)
   assert(ndofOfNodes == ndof && !matrix);
   NodePattern pattern = couplings.TakePattern();
   const auto entries = static_cast<std::uint64_t>(ndof) * ndof * pattern.columns.size();
-  constexpr std::uint64_t kEntry = 2 * sizeof(double);  // of the matrix and of its factors
-  RequireMemory(kEntry * entries);
+  const std::uint64_t ofFactors = (entries + static_cast<std::uint64_t>(n) * ndof) / 2;
+  RequireMemory((entries + ofFactors) * sizeof(double));
   matrix = std::make_unique<SparseMatrix>(std::move(pattern), ndof);
 }
 
@@ -149,6 +150,13 @@ std::unique_ptr<double[]> SparseSolver::TakeStart(const ReaVecV& b)
   return x;
 }
 
+std::unique_ptr<Preconditioner> SparseSolver::MakePreconditioner() const
+{
+  if (matrix->BlockSize() > 1)
+    return std::make_unique<BlockFactors>(*matrix, prescribed);
+  return std::make_unique<ILUPreconditioner>(*matrix);
+}
+
 int SparseSolver::Solver(ReaVecV& b, std::FILE* info)
 {
   assert(matrix && b.Size() == n);
@@ -156,7 +164,7 @@ int SparseSolver::Solver(ReaVecV& b, std::FILE* info)
   int iterations = MaxIterations;
   double residual = tolerance1;
   const bool converged =
-      CG(*matrix, x.get(), b.Data(), ILUPreconditioner(*matrix), iterations, residual, info) == 0;
+      CG(*matrix, x.get(), b.Data(), *MakePreconditioner(), iterations, residual, info) == 0;
   if (residual < 0.0)
     return -1;
   if (!converged && residual > tolerance2) {

@@ -6,6 +6,7 @@
 
 #include "solvers/bsolver.h"
 #include "solvers/node_couplings.h"
+#include "solvers/preconditioner.h"
 #include "solvers/sparse_matrix.h"
 
 /// The whole matrix, both triangles, in blocks of nodes, solved by conjugate gradients with
@@ -77,6 +78,8 @@ private:
   void AddNeighbour(int node, int neighbour);
 
   std::unique_ptr<double[]> TakeStart(const ReaVecV& b);
+  /// The incomplete factors of the matrix.
+  std::unique_ptr<Preconditioner> MakePreconditioner() const;
 
   int n;
   int ndof;

@@ -16,6 +16,7 @@
 
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
+#include "solvers/block_factors.h"
 #include "solvers/ilu_preconditioner.h"
 #include "solvers/krylov.h"
 #include "solvers/skymatriu.h"
@@ -612,7 +613,7 @@ TEST(SparseSolver, SecondToleranceDecidesAtTheLimit)
     std::vector<double> x(90, 0.0);
     int iterations = 3;
     double reached = 1e-12;
-    CG(*solver.GiveMatrix(), x.data(), load.data(), ILUPreconditioner(*solver.GiveMatrix()),
+    CG(*solver.GiveMatrix(), x.data(), load.data(), BlockFactors(*solver.GiveMatrix(), {}),
        iterations, reached, nullptr);
     char line[100];
     std::snprintf(line, sizeof line, "After 3 Iterations, accepted tolerance of %lf\n", reached);

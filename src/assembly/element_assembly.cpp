@@ -30,8 +30,8 @@ void TransposeInPlace(Matriu& K)
 
 }  // namespace
 
-BlockAssembler::BlockAssembler(BSolver& matrix, int components, int applyLocalAxes)
-    : solver(matrix),
+BlockAssembler::BlockAssembler(ElementSink& sink_, int components, int applyLocalAxes)
+    : sink(sink_),
       n(components),
       toSupportAxes(applyLocalAxes > 0),
       onlyAtSupports(applyLocalAxes == kOnlyAtSupports)
@@ -68,7 +68,7 @@ void BlockAssembler::Expect()
     for (int i = 0; i < nnode; ++i)
       numbers.push_back((*elem)(i)->number);
   }
-  solver.Expect(numbers, nnode);
+  sink.Expect(numbers, nnode);
 }
 
 void BlockAssembler::Add(std::size_t k)
@@ -76,7 +76,7 @@ void BlockAssembler::Add(std::size_t k)
   if (toSupportAxes && IsSupported(*group[k]))
     TurnToSupports(*group[k]);
   const std::span<const int> all = numbers;
-  solver.AddElement({all.subspan(k * nnode, nnode), n, blocks.data()});
+  sink.AddElement({all.subspan(k * nnode, nnode), n, blocks.data()});
 }
 
 // The lower number has the rows meanwhile, so that rounding does not depend on the order in the
@@ -102,7 +102,7 @@ void BlockAssembler::TurnToSupports(const Elem& elem)
 void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes)
 {
   Matriu K11, K12, K22, T;  // allocated once for the mesh
-  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
+  BlockAssembler assembler(StiffnessSink(), freeDegrees, applyLocalAxes);
   assembler.Assemble(*mesh, [&](const Elem& elem) {
     const BeamSpan beam = SpanOf(elem, T);
     beam.material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(elem(0), elem(1)), problemType,

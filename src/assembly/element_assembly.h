@@ -7,7 +7,7 @@
 #include "model/mesh.h"
 #include "numeric/plex_range.h"
 
-class BSolver;
+class ElementSink;
 class Matriu;
 
 // Values of applyLocalAxes: in which axes the stiffness of the elements is added.
@@ -17,16 +17,16 @@ constexpr int kInSupportAxes = 1;
 /// only those of these nodes are complete.
 constexpr int kOnlyAtSupports = -1;
 
-/// Takes the stiffness of the elements of a mesh to the matrix, in blocks of their nodes.
+/// Takes the stiffness of the elements of a mesh to the matrix or whatever else is made of it, in
+/// blocks of their nodes.
 class BlockAssembler
 {
 public:
   /// components: of a node.
-  BlockAssembler(BSolver& matrix, int components, int applyLocalAxes);
+  BlockAssembler(ElementSink& sink, int components, int applyLocalAxes);
 
-  /// Adds the elements whose stiffness is wanted to the matrix: calculate(elem) hands over
-  /// their blocks in global axes. The solver gets to know of some elements at a time before
-  /// their turn.
+  /// Adds the elements whose stiffness is wanted: calculate(elem) hands over their blocks in
+  /// global axes. The sink gets to know of some elements at a time before their turn.
   template <class Calculate>
   void Assemble(const Mesh& mesh, Calculate calculate)
   {
@@ -75,12 +75,12 @@ private:
   void Add(std::size_t k);
   void TurnToSupports(const Elem& elem);
 
-  BSolver& solver;
+  ElementSink& sink;
   int n;
   bool toSupportAxes;
   bool onlyAtSupports;
   int nnode = 0;
-  std::vector<const Elem*> group;  ///< elements of which the solver knows
+  std::vector<const Elem*> group;  ///< elements of which the sink knows
   std::vector<int> numbers;        ///< of their nodes
   std::vector<double> blocks;      ///< of the element at work
   double* next = nullptr;          ///< where its next block begins

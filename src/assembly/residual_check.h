@@ -14,7 +14,8 @@
 /// motions that the loads of the model do not drive; the sum of its loads is kept small, and
 /// it is compared with one of them.
 ///
-/// The matrix is at hand again only for the reactions, so the load cases are kept until then.
+/// The stiffness of the elements is calculated again for the reactions only, so the load cases
+/// are kept until then.
 class ResidualCheck
 {
 public:
@@ -28,8 +29,8 @@ public:
   /// Finds the sums of the sizes of the entries of the right-hand side that the solver gets.
   void FindScales(const ReaVecV& rightHandSide, LoadCase& loadCase) const;
 
-  /// Whether the displacements hold the loads. forces: what the matrix, in global axes without
-  /// supports, makes of them (K·u by equation); becomes what is missing of the loads.
+  /// Whether the displacements hold the loads. forces: what the elements, in global axes without
+  /// supports, make of them (K·u by equation); becomes what is missing of the loads.
   bool Holds(const LoadCase& loadCase, ReaVecV& forces) const;
 
   /// The same for the probe; also whether the work of what is missing is small beside that of

@@ -15,7 +15,7 @@ void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
   ShellEvaluator shell;
   Matriu K(6, 6);
   const int nnode = mesh->GiveNnode();
-  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
+  BlockAssembler assembler(StiffnessSink(), freeDegrees, applyLocalAxes);
   assembler.Assemble(*mesh, [&](const Elem& elem) {
     const Material& material = RequireMaterial(elem);
     shell.Evaluate(elem, material);

@@ -10,7 +10,7 @@ void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes)
 {
   SolidEvaluator solid;
   const int nnode = mesh->GiveNnode();
-  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
+  BlockAssembler assembler(StiffnessSink(), freeDegrees, applyLocalAxes);
   assembler.Assemble(*mesh, [&](const Elem& elem) {
     solid.Evaluate(elem, RequireMaterial(elem));
     for (int i = 0; i < nnode; ++i) {

@@ -50,7 +50,7 @@ void Project::FillMatrixVectorAndSolve(std::FILE* info)
   if (info)
     solver->PrintInfoMem(info);
   Progress(info, "Just before filling global stiffness matrix\n");
-  AssembleStiffness(kInSupportAxes);
+  AssembleStiffness(*solver, kInSupportAxes);
   Progress(info, "Stiffness matrix filled\n");
   AddNodalLoads();
   for (const auto& mesh : meshes)
@@ -75,8 +75,8 @@ void Project::SolveSystem(std::FILE* info)
   RequireSolution(solver->Solver(displacements, info));
 }
 
-// A direct solution is kept, with that of a probe, until the matrix is at hand again to check
-// them.
+// A direct solution is kept, with that of a probe, until the stiffness of the elements is at hand
+// again to check them.
 void Project::SolveChecked(std::FILE* info)
 {
   const ResidualCheck check(GiveNodes(), ScaleOfComponents());
@@ -118,10 +118,17 @@ void Project::CreateMatrix()
   solver->Create(freeDegrees);
 }
 
-void Project::AssembleStiffness(int applyLocalAxes)
+void Project::AssembleStiffness(ElementSink& sink, int applyLocalAxes)
 {
+  stiffnessSink = &sink;
   for (const auto& mesh : meshes)
     (this->*FamilyOf(*mesh).addStiffness)(mesh.get(), applyLocalAxes);
+  stiffnessSink = nullptr;
+}
+
+ElementSink& Project::StiffnessSink() const
+{
+  return stiffnessSink ? *stiffnessSink : *solver;
 }
 
 // A reaction starts at minus the load on its component, taken in global axes before any

@@ -22,6 +22,7 @@ class BSolver;
 class BaseElemLoads;
 class EdgeNodes;
 class Elem;
+class ElementSink;
 class Material;
 class Matriu;
 class Mesh;
@@ -152,8 +153,8 @@ public:
   /// Merges the hinges of nodes into the codes of the beams, and fixes the rotations of
   /// nodes that no connection holds.
   void CalcElemsRotules();
-  /// Adds the stiffness of a mesh to the matrix; applyLocalAxes 0 leaves it in global
-  /// axes at supports that have their own.
+  /// Adds the stiffness of a mesh to the matrix, or to StiffnessSink(); applyLocalAxes 0 leaves it
+  /// in global axes at supports that have their own.
   void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes);
   void AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes);
   void AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes);
@@ -276,7 +277,9 @@ private:
   /// Whether the analysis has made the node.
   bool IsAddedNode(const Node& node) const;
   void CreateMatrix();
-  void AssembleStiffness(int applyLocalAxes);
+  void AssembleStiffness(ElementSink& sink, int applyLocalAxes);
+  /// Where the stiffness of the elements goes: the matrix, if AssembleStiffness says nothing else.
+  ElementSink& StiffnessSink() const;
   void MergeHinges(const Elem& elem);
   void SolveSystem(std::FILE* info);
   void SolveChecked(std::FILE* info);
@@ -289,7 +292,8 @@ private:
   void ApplySupports();
   [[noreturn]] void SolverFailed(int result) const;
 
-  void CheckResiduals(const ReaVecV& forcesOfModel);
+  ReaVecV CheckedForces();
+  ReaVecV ForcesAtSupports();
   void HandOverMidSideReactions();
 
   // Blocks of the post-process results.
@@ -302,4 +306,6 @@ private:
   void WriteKivReactionBlock(TextOut& res, int first, int last) const;
 
   void PrintHinges(std::ofstream& out) const;
+
+  ElementSink* stiffnessSink = nullptr;  ///< during AssembleStiffness
 };

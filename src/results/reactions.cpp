@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include "assembly/element_assembly.h"
+#include "assembly/element_forces.h"
 #include "assembly/residual_check.h"
 #include "base/constants.h"
 #include "model/elem.h"
@@ -10,16 +11,12 @@
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 
-// The matrix is assembled again, in global axes and without supports: its product with the
-// displacements is the forces that the nodes exert on the elements. Where only the rows of
-// supported nodes are asked for, only these are complete.
+// The stiffness of the elements is calculated again, in global axes: with the displacements it
+// gives the forces that the nodes exert on the elements. The matrix is not needed any more.
 void Project::CalcReactions()
 {
-  solver->SetToZero();
-  AssembleStiffness(checkedSolution ? kInGlobalAxes : kOnlyAtSupports);
-  ReaVecV forces(displacements.Size());
-  solver->Multiply(displacements, forces);
-  CheckResiduals(forces);
+  solver.reset();
+  const ReaVecV forces = checkedSolution ? CheckedForces() : ForcesAtSupports();
   for (const Node& node : Each<Node>(GiveNodes())) {
     if (!node.constraint)
       continue;
@@ -30,26 +27,30 @@ void Project::CalcReactions()
       node.constraint->AddToReaction(k, force);
     }
   }
-  solver.reset();
   if (convertTo6Nodes)
     HandOverMidSideReactions();
 }
 
-void Project::CheckResiduals(const ReaVecV& forcesOfModel)
+ReaVecV Project::ForcesAtSupports()
 {
-  if (!checkedSolution)
-    return;
+  ElementForces elements({&displacements});
+  AssembleStiffness(elements, kOnlyAtSupports);
+  return elements.Forces(0);
+}
+
+// Fatal when they miss the loads.
+ReaVecV Project::CheckedForces()
+{
   const auto& [model, probe] = *checkedSolution;
   const ResidualCheck check(GiveNodes(), ScaleOfComponents());
-  ReaVecV forces = forcesOfModel;
-  bool holds = check.Holds(model, forces);
-  if (holds) {
-    solver->Multiply(check.InGlobalAxes(probe), forces);
-    holds = check.HoldsProbe(probe, forces);
-  }
-  if (!holds)
+  const ReaVecV ofProbe = check.InGlobalAxes(probe);
+  ElementForces elements({&displacements, &ofProbe});
+  AssembleStiffness(elements, kInGlobalAxes);
+  ReaVecV missing = elements.Forces(0);
+  if (!check.Holds(model, missing) || !check.HoldsProbe(probe, elements.Forces(1)))
     SolverFailed(-1);
   checkedSolution.reset();
+  return elements.Forces(0);
 }
 
 double Project::GiveReaction(const Elem& elem, int dof, double t) const

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <fstream>
-#include <span>
 
 #include "solvers/element_blocks.h"
 
@@ -15,11 +14,9 @@ class ReaVecV;
 /// Equations, rows and columns run from 1. Order of use: EnterMaxDiff for every two
 /// nodes that share an element, Create, AddElement or AddSubMatriu for every block,
 /// ApplyConstraint for every prescribed unknown, Solver.
-class BSolver
+class BSolver : public ElementSink
 {
 public:
-  virtual ~BSolver() = default;
-
   /// Number of equations.
   virtual int GiveSize() const = 0;
 
@@ -41,11 +38,7 @@ public:
 
   /// Adds each block of an element between its nodes by AddSubMatriu, or as that would; the
   /// node with the lower number has the rows.
-  virtual void AddElement(const ElementBlocks& element);
-
-  /// Tells that elements of these nodes, `count` each, are going to be added in this order, so
-  /// that the way to their blocks can be prepared. Changes nothing.
-  virtual void Expect(std::span<const int> /*nodes*/, int /*count*/) {}
+  void AddElement(const ElementBlocks& element) override;
 
   /// Solves in place: b is the right-hand side and becomes the solution. Returns 0 on
   /// success. Messages go to info when it is not null.
@@ -56,9 +49,6 @@ public:
 
   /// The product of row i with v.
   virtual double ReturnRowPerVector(int i, const ReaVecV& v) const = 0;
-
-  /// The product of the matrix with v; the same sums as row by row, in one pass.
-  virtual void Multiply(const ReaVecV& v, ReaVecV& product) const = 0;
 
   /// Text dump.
   virtual void PrintTo(std::ofstream& out) const = 0;

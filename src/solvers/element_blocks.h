@@ -11,3 +11,21 @@ struct ElementBlocks
   /// the other.
   const double* values;
 };
+
+/// What takes the stiffness of the elements of a model, one after the other.
+class ElementSink
+{
+public:
+  virtual ~ElementSink() = default;
+
+  virtual void AddElement(const ElementBlocks& element) = 0;
+
+  /// Tells that elements of these nodes, `count` each, are going to be added in this order, so
+  /// that the way to them can be prepared. Changes nothing.
+  virtual void Expect(std::span<const int> /*nodes*/, int /*count*/) {}
+
+protected:
+  ElementSink() = default;
+  ElementSink(const ElementSink&) = default;
+  ElementSink& operator=(const ElementSink&) = default;
+};

@@ -235,23 +235,6 @@ double SkyMatriu::ReturnRowPerVector(int i, const ReaVecV& v) const
   return sum;
 }
 
-// Reversed like the rows, the vectors can be walked in step with them. Row i brings its terms up
-// to the diagonal; as column i it brings the others, to the sums before it.
-void SkyMatriu::Multiply(const ReaVecV& v, ReaVecV& product) const
-{
-  assert(v.Size() == n);
-  product.resize(n, 0.0);
-  const std::vector<double> x(std::make_reverse_iterator(v.Data() + n),
-                              std::make_reverse_iterator(v.Data()));
-  double* const y = product.Data();
-  for (int i = 0; i < n; ++i) {
-    const std::size_t place = static_cast<std::size_t>(n - 1 - i);
-    y[place] = DotProduct(rows[i], &x[place], heights[i]);
-    SubtractMultiple(y + place + 1, rows[i] + 1, -x[place], heights[i] - 1);
-  }
-  std::reverse(y, y + n);
-}
-
 int SkyMatriu::HasVoidRows() const
 {
   std::vector<bool> isVoid(static_cast<std::size_t>(n), true);

@@ -70,7 +70,6 @@ public:
   void EraseRowColumn(int eq);
 
   double ReturnRowPerVector(int i, const ReaVecV& v) const override;
-  void Multiply(const ReaVecV& v, ReaVecV& product) const override;
 
   /// The first equation all of whose entries are 0 (below 1e-15); 0 when there is none.
   int HasVoidRows() const;

@@ -133,13 +133,6 @@ double SparseSolver::ReturnRowPerVector(int i, const ReaVecV& v) const
   return matrix->MultiplyVector(i - 1, v.Data());
 }
 
-void SparseSolver::Multiply(const ReaVecV& v, ReaVecV& product) const
-{
-  assert(v.Size() == n);
-  product.resize(n, 0.0);
-  matrix->mult(v.Data(), product.Data());
-}
-
 std::unique_ptr<double[]> SparseSolver::TakeStart(const ReaVecV& b)
 {
   std::unique_ptr<double[]> x = std::move(initialValues);

@@ -57,7 +57,6 @@ public:
   int ApplyConstraint(int eq, double value, ReaVecV& b) override;
 
   double ReturnRowPerVector(int i, const ReaVecV& v) const override;
-  void Multiply(const ReaVecV& v, ReaVecV& product) const override;
   void PrintTo(std::ofstream& out) const override;
 
   /// Not available: fatal.

@@ -151,7 +151,6 @@ public:
   int Solver(ReaVecV&, std::FILE*) override { return 0; }
   int ApplyConstraint(int eq, double, ReaVecV&) override { return eq; }
   double ReturnRowPerVector(int, const ReaVecV&) const override { return 0.0; }
-  void Multiply(const ReaVecV&, ReaVecV&) const override {}
   void PrintTo(std::ofstream&) const override {}
   void CopyFromYouToMat(Matriu&) const override {}
   void WriteForKiv(std::ofstream&, std::ofstream&) const override {}

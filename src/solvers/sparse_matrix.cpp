@@ -46,6 +46,11 @@ void CheckSlots(const NodePattern& pattern, int ndof)
     Fatal("Not space available on heap");
 }
 
+[[noreturn]] void OutOfBounds()
+{
+  Fatal("Sparse Matrix accessing exception -- out of bounds.");
+}
+
 }  // namespace
 
 SparseMatrix::SparseMatrix(int n_, const int* rowLengths)
@@ -78,7 +83,13 @@ SparseMatrix::SparseMatrix(NodePattern pattern, int ndof_)
 void SparseMatrix::RequireInside(int i, int j) const
 {
   if (!IsInside(i, j))
-    Fatal("Sparse Matrix accessing exception -- out of bounds.");
+    OutOfBounds();
+}
+
+void SparseMatrix::RequireNode(int node) const
+{
+  if (node < 1 || node > n / ndof)
+    OutOfBounds();
 }
 
 // The number of columns before q, without a jump that depends on them: lines are short.

@@ -55,7 +55,7 @@ public:
   void AddElement(const ElementBlocks& element);
 
   /// Finds the blocks of elements that are to be added next, in this order, and asks for their
-  /// memory; nodes: theirs from 1, `count` for each. Changes nothing.
+  /// memory; nodes: theirs from 1, `count` for each. Changes nothing; fatal as addToLhs.
   void Expect(std::span<const int> nodes, int count);
 
   /// y = A·x.
@@ -109,6 +109,8 @@ private:
   }
   bool IsInside(int i, int j) const { return i >= 0 && i < n && j >= 0 && j < n; }
   void RequireInside(int i, int j) const;
+  /// A node from 1.
+  void RequireNode(int node) const;
   int EndOfBlocks() const { return starts.back(); }
 
   /// The block of line p that has column q or is set aside for it; EndOfBlocks() when there is

@@ -81,6 +81,8 @@ void SparseMatrix::AddElement(const ElementBlocks& element)
     size == 3 ? AddAtPlaces<3>(element, places) : AddAtPlaces<6>(element, places);
     return;
   }
+  for (const int node : element.nodes)
+    RequireNode(node);
   const double* m = element.values;
   for (std::size_t i = 0; i < element.nodes.size(); ++i) {
     for (std::size_t j = i; j < element.nodes.size(); ++j, m += ndof * ndof) {
@@ -110,6 +112,8 @@ const int* SparseMatrix::PlacesOf(std::span<const int> nodes)
 
 void SparseMatrix::Expect(std::span<const int> nodes, int count)
 {
+  for (const int node : nodes)
+    RequireNode(node);
   if (size == 1)
     return;
   for (const int node : nodes)

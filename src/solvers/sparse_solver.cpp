@@ -96,24 +96,14 @@ void SparseSolver::AddSubMatriu(int row, int col, const Matriu& m)
   }
 }
 
-void SparseSolver::RequireNodes(std::span<const int> nodes) const
-{
-  const int last = n / ndof;
-  for (const int node : nodes)
-    if (node < 1 || node > last)
-      Fatal("Sparse Matrix accessing exception -- out of bounds.");
-}
-
 void SparseSolver::AddElement(const ElementBlocks& element)
 {
   assert(element.ndof == ndof);
-  RequireNodes(element.nodes);
   matrix->AddElement(element);
 }
 
 void SparseSolver::Expect(std::span<const int> nodes, int count)
 {
-  RequireNodes(nodes);
   matrix->Expect(nodes, count);
 }
 

@@ -73,7 +73,6 @@ public:
   const SparseMatrix* GiveMatrix() const { return matrix.get(); }
 
 private:
-  void RequireNodes(std::span<const int> nodes) const;
   void AddNeighbour(int node, int neighbour);
 
   std::unique_ptr<double[]> TakeStart(const ReaVecV& b);

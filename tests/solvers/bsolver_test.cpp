@@ -93,20 +93,6 @@ TEST(BSolver, AddsTheBlocksOfElements)
   }
 }
 
-TEST(BSolver, ElementsOutsideTheMatrixAreRefused)
-{
-  const std::vector<double> blocks(3, 1.0);
-  for (const int node : {0, 3}) {
-    SparseSolver solver(2, 1);
-    solver.EnterMaxDiff(1, 2, 1);
-    solver.Create(1);
-    const std::vector<int> nodes = {1, node};
-    constexpr const char* kMessage = "Sparse Matrix accessing exception -- out of bounds.";
-    ExpectFatal([&] { solver.Expect(nodes, 2); }, kMessage);
-    ExpectFatal([&] { solver.AddElement({nodes, 1, blocks.data()}); }, kMessage);
-  }
-}
-
 TEST(AreEqual, SizesMustAgree)
 {
   SkyMatriu two(2), three(3);

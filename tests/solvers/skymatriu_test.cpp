@@ -438,36 +438,45 @@ TEST(SkyMatriu, SetToZeroPreparesAnotherAssembly)
   ExpectNear(b, expected, 1e-12);
 }
 
-TEST(SkyMatriu, FactorsServeSeveralRightHandSides)
+/// A filled matrix and two right-hand sides with their solutions.
+class SkyMatriuSides : public testing::Test
 {
-  const Profile profile = Profiles()[8];
-  SkyMatriu matrix(profile.n);
-  CreateWith(matrix, profile);
-  const Dense a = RandomMatrix(profile, 1);
-  Fill(matrix, a);
-  ASSERT_EQ(matrix.Txolesky(nullptr), 0);
-  for (unsigned seed = 1; seed <= 2; ++seed) {
-    ReaVecV b = RandomVector(profile.n, seed);
-    const std::vector<double> expected = DenseSolve(a, ToStd(b));
-    matrix.Substitute({&b}, nullptr);
-    ExpectNear(b, expected, 1e-12);
+protected:
+  SkyMatriuSides()
+  {
+    CreateWith(matrix, profile);
+    const Dense a = RandomMatrix(profile, 1);
+    Fill(matrix, a);
+    for (const unsigned seed : {1u, 2u}) {
+      sides.push_back(RandomVector(profile.n, seed));
+      expected.push_back(DenseSolve(a, ToStd(sides.back())));
+    }
   }
+
+  void ExpectSolved() const
+  {
+    for (std::size_t k = 0; k < sides.size(); ++k)
+      ExpectNear(sides[k], expected[k], 1e-12);
+  }
+
+  const Profile profile = Profiles()[8];
+  SkyMatriu matrix{profile.n};
+  std::vector<ReaVecV> sides;
+  std::vector<std::vector<double>> expected;
+};
+
+TEST_F(SkyMatriuSides, AreServedByTheSameFactors)
+{
+  ASSERT_EQ(matrix.Txolesky(nullptr), 0);
+  for (ReaVecV& b : sides)
+    matrix.Substitute({&b}, nullptr);
+  ExpectSolved();
 }
 
-TEST(SkyMatriu, SolverTakesSeveralRightHandSidesAtOnce)
+TEST_F(SkyMatriuSides, AreSolvedAtOnce)
 {
-  const Profile profile = Profiles()[8];
-  SkyMatriu matrix(profile.n);
-  CreateWith(matrix, profile);
-  const Dense a = RandomMatrix(profile, 1);
-  Fill(matrix, a);
-  ReaVecV first = RandomVector(profile.n, 1);
-  ReaVecV second = RandomVector(profile.n, 2);
-  const std::vector<double> firstExpected = DenseSolve(a, ToStd(first));
-  const std::vector<double> secondExpected = DenseSolve(a, ToStd(second));
-  ASSERT_EQ(matrix.Solver({&first, &second}, nullptr), 0);
-  ExpectNear(first, firstExpected, 1e-12);
-  ExpectNear(second, secondExpected, 1e-12);
+  ASSERT_EQ(matrix.Solver({&sides[0], &sides[1]}, nullptr), 0);
+  ExpectSolved();
 }
 
 TEST(SkyMatriu, SolverReportsItsSteps)

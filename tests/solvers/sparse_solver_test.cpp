@@ -282,6 +282,22 @@ TEST(SparseSolver, BlocksOutsideThePattern)
                 "Sparse Matrix accessing exception -- out of bounds.");
 }
 
+TEST(SparseSolver, ElementsOfOtherNodesAreRefused)
+{
+  constexpr const char* kMessage = "Sparse Matrix accessing exception -- out of bounds.";
+  for (const int ndof : {1, 2, 3, 6}) {
+    SparseSolver solver(3, ndof);
+    solver.EnterMaxDiff(1, 3, ndof);
+    solver.Create(ndof);
+    const std::vector<double> values(3 * ndof * ndof, 1.0);
+    for (const int node : {0, -1, 4, std::numeric_limits<int>::max()}) {
+      const std::vector<int> nodes = {1, node};
+      ExpectFatal([&] { solver.AddElement({nodes, ndof, values.data()}); }, kMessage);
+      ExpectFatal([&] { solver.Expect(nodes, 2); }, kMessage);
+    }
+  }
+}
+
 TEST(SparseSolver, FreeSlotOfARowTakesAColumnOutsideThePattern)
 {
   SparseSolver solver(3, 1);

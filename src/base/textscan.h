@@ -34,25 +34,10 @@ public:
 
   bool AtEnd() const { return next == end; }
   bool AtDigit() const { return next != end && IsDigit(*next); }
-  bool ReadInt(int& value)
-  {
-    next = SkipWhite(next, end);
-    const Scanned<int> number = ScanPlainInt(next, end);
-    if (!number.stop)
-      return ReadOtherInt(value);
-    next = number.stop;
-    value = number.value;
-    return true;
-  }
+  bool ReadInt(int& value) { return Read(value, ScanPlainInt, &TextScan::ReadOtherInt); }
   bool ReadDouble(double& value)
   {
-    next = SkipWhite(next, end);
-    const Scanned<double> number = ScanPlainDouble(next, end);
-    if (!number.stop)
-      return ReadOtherDouble(value);
-    next = number.stop;
-    value = number.value;
-    return true;
+    return Read(value, ScanPlainDouble, &TextScan::ReadOtherDouble);
   }
 
   /// Reads the rest of the line when it is nothing but one plain whole number above 0 without
@@ -81,6 +66,19 @@ public:
   std::ptrdiff_t OffsetOf(const char* place) const;
 
 private:
+  /// Reads what most numbers are here, and the rest elsewhere.
+  template <class T>
+  bool Read(T& value, Scanned<T> (*scanPlain)(const char*, const char*),
+            bool (TextScan::*readOther)(T&))
+  {
+    next = SkipWhite(next, end);
+    const Scanned<T> number = scanPlain(next, end);
+    if (!number.stop)
+      return (this->*readOther)(value);
+    next = number.stop;
+    value = number.value;
+    return true;
+  }
   bool ReadOtherInt(int& value);
   bool ReadOtherDouble(double& value);
 

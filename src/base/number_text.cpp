@@ -15,7 +15,7 @@ namespace {
 // Whether one of these letters stands at p.
 bool IsAt(const char* p, const char* end, std::string_view letters)
 {
-  return p != end && letters.find(*p) != std::string_view::npos;
+  return p != end && std::any_of(letters.begin(), letters.end(), [p](char c) { return c == *p; });
 }
 
 bool HasHexPrefix(const char* p, const char* end)
@@ -81,51 +81,19 @@ Scanned<double> ParseDouble(const char* text, const char* textEnd)
   return {stop, negative ? -value : value};
 }
 
-// The same with eight at a time as long as there are so many: whether bytes are digits, and
-// their value by pairs, fours and eights, with few multiplications of all at once.
-DigitRun ScanManyDigits(const char* p, const char* end, std::uint64_t number)
+// The same with eight at a time as long as there are so many.
+DigitRun ScanManyDigits(const char* text, const char* end, std::uint64_t number)
 {
-  constexpr std::uint64_t kZeros = 0x3030303030303030;
-  constexpr std::uint64_t kHighHalves = 0xf0f0f0f0f0f0f0f0;
-  constexpr std::uint64_t kToSixteen = 0x0606060606060606;  // behind '9'
-  constexpr std::uint64_t kPairs = 0x000000ff000000ff;      // every other one
-  if constexpr (std::endian::native == std::endian::little) {
-    while (end - p >= 8) {
-      std::uint64_t bytes = 0;
-      std::memcpy(&bytes, p, 8);
-      if ((bytes & kHighHalves) != kZeros || ((bytes + kToSixteen) & kHighHalves) != kZeros)
-        break;
-      bytes -= kZeros;
-      bytes = 10 * bytes + (bytes >> 8);
-      const std::uint64_t first = (bytes & kPairs) * (100 + (std::uint64_t{1000000} << 32));
-      const std::uint64_t second = (bytes >> 16 & kPairs) * (1 + (std::uint64_t{10000} << 32));
-      number = 100000000 * number + ((first + second) >> 32);
-      p += 8;
-    }
+  static constexpr std::uint64_t kPowers[] = {1,      10,      100,      1000,     10000,
+                                              100000, 1000000, 10000000, 100000000};
+  while (kScansGroups && end - text >= 8) {
+    const DigitGroup group = ScanGroup(text);
+    number = kPowers[group.count] * number + group.number;
+    text += group.count;
+    if (group.count < 8)
+      return {text, number};
   }
-  return ScanDigits(p, end, number);
-}
-
-// Digits with a point among them: the number that they are without it, how many there are, how
-// many of them stand behind the point, and the place behind all.
-struct PlainMantissa
-{
-  std::uint64_t number;
-  std::ptrdiff_t digits;
-  std::ptrdiff_t decimals;
-  const char* stop;
-};
-
-PlainMantissa ScanPlainMantissa(const char* text, const char* end)
-{
-  const DigitRun whole = ScanDigits(text, end);
-  const std::ptrdiff_t digits = whole.stop - text;
-  if (whole.stop == end || *whole.stop != '.')
-    return {whole.number, digits, 0, whole.stop};
-  const char* const point = whole.stop + 1;
-  const DigitRun all = ScanManyDigits(point, end, whole.number);
-  const std::ptrdiff_t decimals = all.stop - point;
-  return {all.number, digits + decimals, decimals, all.stop};
+  return ScanDigits(text, end, number);
 }
 
 // "e" with its digits, if p stands there. None when they are not complete or more than three.
@@ -174,7 +142,7 @@ Notation IntNotation(const char* p, const char* end, int base)
 
 // Mantissa and power of ten are exact doubles, so that the one operation on them rounds once:
 // W. D. Clinger, How to read floating point numbers accurately, PLDI 1990.
-Scanned<double> ScanPlainDouble(const char* text, const char* end)
+Scanned<double> ScanPlainFraction(const char* text, DigitRun whole, const char* end)
 {
   static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
@@ -182,10 +150,12 @@ Scanned<double> ScanPlainDouble(const char* text, const char* end)
   constexpr int kLargest = 22;
   constexpr std::ptrdiff_t kMostDigits = 19;
   constexpr std::uint64_t kMantissaEnd = std::uint64_t{1} << 53;
-  const bool negative = text != end && *text == '-';
-  const PlainMantissa mantissa = ScanPlainMantissa(text + (negative ? 1 : 0), end);
-  const char* stop = mantissa.stop;
-  int power = static_cast<int>(-mantissa.decimals);
+  const bool hasPoint = whole.stop != end && *whole.stop == '.';
+  const char* const decimals = whole.stop + (hasPoint ? 1 : 0);
+  const DigitRun all = hasPoint ? ScanManyDigits(decimals, end, whole.number) : whole;
+  const std::ptrdiff_t digits = (whole.stop - text) + (all.stop - decimals);
+  const char* stop = all.stop;
+  int power = static_cast<int>(decimals - stop);
   if (stop != end && *stop > ' ') {
     const Scanned<int> exponent = ScanPlainExponent(stop, end);
     if (!exponent.stop || IsAt(exponent.stop, end, "eExX"))  // would go on for another reader
@@ -193,18 +163,14 @@ Scanned<double> ScanPlainDouble(const char* text, const char* end)
     stop = exponent.stop;
     power += exponent.value;
   }
-  if (mantissa.digits == 0 || mantissa.digits > kMostDigits || mantissa.number > kMantissaEnd ||
-      power > kLargest || power < -kLargest)
+  if (digits == 0 || digits > kMostDigits || all.number > kMantissaEnd || power > kLargest ||
+      power < -kLargest)
     return {nullptr, 0.0};
-  double value = static_cast<double>(static_cast<std::int64_t>(mantissa.number));
-  if (power < 0)
-    value /= kPowers[-power];
-  else if (power > 0)
-    value *= kPowers[power];
-  return {stop, negative ? -value : value};
+  const auto mantissa = static_cast<double>(static_cast<std::int64_t>(all.number));
+  return {stop, power < 0 ? mantissa / kPowers[-power] : mantissa * kPowers[power]};
 }
 
-Scanned<int> ScanSignedInt(const char* text, const char* end)
+Scanned<int> ScanPlainInt(const char* text, const char* end)
 {
   constexpr std::ptrdiff_t kMostDigits = 9;
   const bool negative = IsAt(text, end, "-");
@@ -215,16 +181,13 @@ Scanned<int> ScanSignedInt(const char* text, const char* end)
   return {run.stop, negative ? -static_cast<int>(run.number) : static_cast<int>(run.number)};
 }
 
-bool ScanDouble(std::string_view& text, double& v)
+bool ScanOtherDouble(std::string_view& text, double& v)
 {
   const char* const end = text.data() + text.size();
   const char* const number = SkipWhite(text.data(), end);
-  Scanned<double> scanned = ScanPlainDouble(number, end);
-  if (!scanned.stop) {
-    scanned = ParseDouble(number, end);
-    if (!scanned.stop || HasBareExponent(number, scanned.stop, end))
-      return false;
-  }
+  const Scanned<double> scanned = ParseDouble(number, end);
+  if (!scanned.stop || HasBareExponent(number, scanned.stop, end))
+    return false;
   text = {scanned.stop, end};
   v = scanned.value;
   return true;

@@ -67,7 +67,7 @@ bool TextScan::ReadOtherDouble(double& value)
   return fault == std::errc() || TinyNumber(first, stop, value);
 }
 
-bool TextScan::ReadLastNumber(int& value)
+bool TextScan::ReadOtherLastNumber(int& value)
 {
   const char* p = next;
   while (p != end && (*p == ' ' || *p == '\t'))
@@ -104,12 +104,8 @@ std::string_view TextScan::ReadRestOfLine()
   return {start, std::min(static_cast<std::size_t>(stop - start), kLimit)};
 }
 
-void TextScan::SkipLine()
+void TextScan::SkipRestOfLine()
 {
-  if (next != end && *next == '\n') {
-    ++next;
-    return;
-  }
   const void* newline = std::memchr(next, '\n', static_cast<std::size_t>(end - next));
   next = newline ? static_cast<const char*>(newline) + 1 : end;
 }

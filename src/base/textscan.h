@@ -34,7 +34,11 @@ public:
 
   bool AtEnd() const { return next == end; }
   bool AtDigit() const { return next != end && IsDigit(*next); }
-  bool ReadInt(int& value) { return Read(value, ScanPlainInt, &TextScan::ReadOtherInt); }
+  bool ReadInt(int& value)
+  {
+    return Take(ScanShortInt(next, end), value) ||
+           Read(value, ScanPlainInt, &TextScan::ReadOtherInt);
+  }
   bool ReadDouble(double& value)
   {
     return Read(value, ScanPlainDouble, &TextScan::ReadOtherDouble);
@@ -42,14 +46,29 @@ public:
 
   /// Reads the rest of the line when it is nothing but one plain whole number above 0 without
   /// leading zeros, and consumes the line; else false, and everything stays.
-  bool ReadLastNumber(int& value);
+  bool ReadLastNumber(int& value)
+  {
+    const Scanned<int> number = ScanShortInt(next, end);
+    const bool isPlain = number.stop && *number.stop == '\n' && *next == ' ' && next[1] != '0';
+    if (!isPlain)
+      return ReadOtherLastNumber(value);
+    next = number.stop + 1;
+    value = number.value;
+    return true;
+  }
 
   /// The next word between white space; empty at the end of the text.
   std::string_view ReadWord();
 
   /// From here to the end of the line, which is consumed: a view of the text.
   std::string_view ReadRestOfLine();
-  void SkipLine();
+  void SkipLine()
+  {
+    if (next != end && *next == '\n')
+      ++next;
+    else
+      SkipRestOfLine();
+  }
 
   /// Skips up to a decimal digit; false when there is none.
   bool FindDigit();
@@ -72,15 +91,21 @@ private:
             bool (TextScan::*readOther)(T&))
   {
     next = SkipWhite(next, end);
-    const Scanned<T> number = scanPlain(next, end);
+    return Take(scanPlain(next, end), value) || (this->*readOther)(value);
+  }
+  template <class T>
+  bool Take(const Scanned<T>& number, T& value)
+  {
     if (!number.stop)
-      return (this->*readOther)(value);
+      return false;
     next = number.stop;
     value = number.value;
     return true;
   }
   bool ReadOtherInt(int& value);
   bool ReadOtherDouble(double& value);
+  bool ReadOtherLastNumber(int& value);
+  void SkipRestOfLine();
 
   const char* begin;
   const char* next;

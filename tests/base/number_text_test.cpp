@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -274,6 +275,50 @@ TEST(NumberText, WhatIsNotPlainStaysForTheOtherReaders)
        {"", "-", "+1", " 1", ".", "-.", "e5", "1e", "1e+", "1e1e", "1x", "0x10", "1e23", "1e1000",
         "9007199254740993", "12345678901234567890", "0.00000000000000000001", "inf", "nan"})
     EXPECT_EQ(ScanPlainDouble(text.data(), text.data() + text.size()).stop, nullptr) << text;
+}
+
+// Every number of digits before every other character, with any bytes behind.
+TEST(NumberText, DigitsInGroupsAsOneByOne)
+{
+  if constexpr (!kScansGroups)
+    GTEST_SKIP();
+  std::mt19937_64 random(2);
+  for (int count = 0; count <= 8; ++count) {
+    for (int other = 0; other < 256; ++other) {
+      char text[8];
+      std::generate(std::begin(text), std::end(text), [&] { return static_cast<char>(random()); });
+      std::generate_n(text, count, [&] { return static_cast<char>('0' + random() % 10); });
+      if (count < 8)
+        text[count] = static_cast<char>(other);
+      const DigitRun run = ScanDigits(text, text + 8);
+      const DigitGroup group = ScanGroup(text);
+      ASSERT_EQ(group.count, static_cast<std::size_t>(run.stop - text)) << count << ' ' << other;
+      ASSERT_EQ(group.number, run.number) << count << ' ' << other;
+    }
+  }
+}
+
+TEST(NumberText, ShortIntegersBehindABlank)
+{
+  if constexpr (!kScansGroups)
+    GTEST_SKIP();
+  static const struct
+  {
+    const char* text;
+    int length;  // 0: no number
+    int value;
+  } cases[] = {
+      {"7       x", 1, 7},   {" 42     x", 3, 42},  {" 1234567\n", 8, 1234567},
+      {"0042\n12 3", 4, 42}, {" 0x10 1 2", 2, 0},   {"12345678 1", 0, 0},
+      {" 12345678 1", 0, 0}, {"  1 2 3 4 5", 0, 0}, {" -1 2 3 4 5", 0, 0},
+      {"\t1 2 3 4 5", 0, 0}, {" 7 1 2 3", 0, 0},    {"", 0, 0},
+  };
+  for (const auto& c : cases) {
+    const std::string_view text = c.text;
+    const Scanned<int> number = ScanShortInt(text.data(), text.data() + text.size());
+    EXPECT_EQ(number.stop, c.length == 0 ? nullptr : text.data() + c.length) << text;
+    EXPECT_EQ(number.value, c.value) << text;
+  }
 }
 
 // Whatever stands behind a number, and however much of it.

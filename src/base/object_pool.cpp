@@ -12,45 +12,41 @@ ObjectPool::ObjectPool(std::size_t objectSize) : size(objectSize)
 
 ObjectPool::~ObjectPool() = default;
 
-void* ObjectPool::Take()
+// A place given back, or the first of another slab.
+void* ObjectPool::TakeOther()
 {
-  if (!returned && next == end)
-    AddSlab();
-  ++taken;
   if (returned) {
-    Place* const place = returned;
-    returned = place->following;
-    return place;
+    ++taken;
+    return std::exchange(returned, returned->following);
   }
-  char* const place = next;
-  next += size;
-  return place;
+  if (used == slabs.size())
+    AddSlab();
+  const Slab& slab = slabs[used++];
+  next = slab.memory.get();
+  end = next + slab.bytes / size * size;
+  return Take();
 }
 
 void ObjectPool::Return(void* object)
 {
-  if (--taken == 0) {
-    ReleaseSlabs();
-    return;
-  }
-  returned = new (object) Place{returned};
+  if (--taken == 0)
+    StartAnew();
+  else
+    returned = new (object) Place{returned};
 }
 
 void ObjectPool::AddSlab()
 {
   constexpr std::size_t kFirst = std::size_t{1} << 12;
   constexpr std::size_t kLargest = kLargePage;
-  slabBytes = std::clamp(4 * slabBytes, kFirst, kLargest);
-  const std::size_t bytes = std::max(slabBytes, size);
-  slabs.push_back(AllocateLarge(bytes));
-  next = slabs.back().get();
-  end = next + bytes / size * size;
+  const std::size_t before = slabs.empty() ? 0 : slabs.back().bytes;
+  const std::size_t bytes = std::max(std::clamp(4 * before, kFirst, kLargest), size);
+  slabs.push_back({AllocateLarge(bytes), bytes});
 }
 
-void ObjectPool::ReleaseSlabs()
+void ObjectPool::StartAnew()
 {
-  slabs.clear();
   returned = nullptr;
   next = end = nullptr;
-  slabBytes = 0;
+  used = 0;
 }

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "base/large_memory.h"
 
 /// Places of one size, cut from slabs that grow with their number. Places given back are
-/// used again; with the last of them all slabs are released. Builds with sanitizers have
-/// object_pool_plain.cpp instead, which leaves each place to new and delete.
+/// used again. With the last of them the pool begins anew, in the slabs that it has: memory that
+/// the system hands out first has to be cleared, which takes as long as filling it. Builds with
+/// sanitizers have object_pool_plain.cpp instead, which leaves each place to new and delete.
 class ObjectPool
 {
 public:
@@ -18,7 +20,13 @@ public:
   ~ObjectPool();
 
   /// Fatal when there is no memory.
-  void* Take();
+  void* Take()
+  {
+    if (next == end || returned)
+      return TakeOther();
+    ++taken;
+    return std::exchange(next, next + size);
+  }
   void Return(void* object);
 
 private:
@@ -28,16 +36,23 @@ private:
     Place* following;
   };
 
+  struct Slab
+  {
+    LargeBlock memory;
+    std::size_t bytes;
+  };
+
+  void* TakeOther();
   void AddSlab();
-  void ReleaseSlabs();
+  void StartAnew();
 
   std::size_t size;
   std::size_t taken = 0;
   Place* returned = nullptr;
-  char* next = nullptr;  ///< places of the last slab not yet used: next to end
+  char* next = nullptr;  ///< places of the slab used last that are free since then: next to end
   char* end = nullptr;
-  std::size_t slabBytes = 0;  ///< of the last slab
-  std::vector<LargeBlock> slabs;
+  std::size_t used = 0;  ///< slabs that places were taken from, the first of all
+  std::vector<Slab> slabs;
 };
 
 /// Base class of a class T whose objects are many: its new and delete take their places from

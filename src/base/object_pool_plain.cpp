@@ -6,7 +6,7 @@ ObjectPool::ObjectPool(std::size_t objectSize) : size(objectSize) {}
 
 ObjectPool::~ObjectPool() = default;
 
-void* ObjectPool::Take()
+void* ObjectPool::TakeOther()
 {
   return ::operator new(size);
 }

@@ -17,8 +17,10 @@ namespace {
 // Nodes missing in a line are taken from the next one.
 void NoteElementNodes(const char* from, const TextScan& text)
 {
+  if (!readObserver)
+    return;
   const std::string_view numbers(from, text.Here());
-  if (readObserver && numbers.find('\n') != std::string_view::npos)
+  if (numbers.find('\n') != std::string_view::npos)
     Note(ReadEvent::LineBreak, numbers);
 }
 
@@ -34,6 +36,14 @@ void NoteMaterialNumber(std::string_view item)
     Note(ReadEvent::NumberPart, item);
 }
 
+// The places of elements with more nodes than most: each usual number of them has a pool.
+ObjectPool* PoolOfPlaces(int n)
+{
+  static ObjectPool six(6 * sizeof(Node*));
+  static ObjectPool ten(10 * sizeof(Node*));
+  return n == 6 ? &six : n == 10 ? &ten : nullptr;
+}
+
 }  // namespace
 
 const char* ElemTypeName(ElemType type)
@@ -43,14 +53,23 @@ const char* ElemTypeName(ElemType type)
   return type >= Linear && type <= Hexahedra ? names[type] : names[0];
 }
 
+Node** NodePlaces::MakeMany(int n)
+{
+  ObjectPool* const pool = PoolOfPlaces(n);
+  const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(Node*);
+  auto* const places = static_cast<Node**>(pool ? pool->Take() : ::operator new(bytes));
+  std::uninitialized_fill_n(places, n, nullptr);
+  return places;
+}
+
 void NodePlaces::Resize(int n)
 {
   const int kept = std::min(n, size);
   if (n > kFew) {
-    auto places = std::make_unique<Node*[]>(static_cast<std::size_t>(n));
-    std::copy_n(begin(), kept, places.get());
+    Node** const places = MakeMany(n);
+    std::copy_n(begin(), kept, places);
     Release();
-    many = places.release();
+    many = places;
   } else {
     Node* places[kFew] = {};
     std::copy_n(begin(), kept, places);
@@ -60,10 +79,12 @@ void NodePlaces::Resize(int n)
   size = n;
 }
 
-void NodePlaces::Release()
+void NodePlaces::ReleaseMany()
 {
-  if (!AreFew())
-    delete[] many;
+  if (ObjectPool* const pool = PoolOfPlaces(size))
+    pool->Return(many);
+  else
+    ::operator delete(many);
 }
 
 Elem::Elem(Mesh* ownMesh, Elem* boundElem) : Elem(ownMesh->GiveNnode(), ownMesh, boundElem) {}
@@ -213,16 +234,18 @@ int Elem::ReadFromAscii(TextScan& text, const VoidPlex* nodePlex, const Units* u
   if (!text.ReadInt(number))
     return 0;
   const char* const from = text.Here();
-  int numbers[2] = {0, 0};
+  int first = 0;
+  int last = 0;
+  Node** const places = nodes.begin();
   for (int i = 0; i < nodes.Size(); ++i) {
-    int n = 0;
-    if (!text.ReadInt(n))
+    if (!text.ReadInt(last))
       return 0;
-    nodes[i] = Find<Node>(*nodePlex, n);
-    numbers[std::min(i, 1)] = n;
+    places[i] = Find<Node>(*nodePlex, last);
+    if (i == 0)
+      first = last;
   }
   NoteElementNodes(from, text);
-  if (nodes.Size() == 2 && numbers[0] == numbers[1])
+  if (nodes.Size() == 2 && first == last)
     Fatal("error: element: ", number, "  have both nodes equal\n");
   if (!text.ReadLastNumber(materialNumber))
     ReadMaterial(UpToNull(text.ReadRestOfLine()), units);

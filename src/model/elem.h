@@ -32,7 +32,11 @@ const char* ElemTypeName(ElemType type);
 class NodePlaces
 {
 public:
-  explicit NodePlaces(int n) : few{}, size(0) { Resize(n); }
+  explicit NodePlaces(int n) : few{}, size(n)
+  {
+    if (!AreFew())
+      many = MakeMany(n);
+  }
   NodePlaces(const NodePlaces&) = delete;
   NodePlaces& operator=(const NodePlaces&) = delete;
   ~NodePlaces() { Release(); }
@@ -50,7 +54,14 @@ private:
   static constexpr int kFew = 4;
 
   bool AreFew() const { return size <= kFew; }
-  void Release();
+  /// Null places, owned by the caller.
+  static Node** MakeMany(int n);
+  void ReleaseMany();
+  void Release()
+  {
+    if (!AreFew())
+      ReleaseMany();
+  }
 
   union {
     Node* few[kFew];

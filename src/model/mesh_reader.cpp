@@ -26,8 +26,8 @@ int ReadIntBehind(TextScan& text, const char* keyword)
 // A unit of length may make it infinite.
 void RequireFinite(const Node& node)
 {
-  for (int i = 1; i <= node.Size(); ++i) {
-    if (!std::isfinite(node(i)))
+  for (const double coordinate : node) {
+    if (!std::isfinite(coordinate))
       Fatal("error: node ", node.number, " has a coordinate that is not finite\n");
   }
 }
@@ -132,9 +132,8 @@ bool Mesh::ReadElem(TextScan& text, const Units* units)
   if (!elem->ReadFromAscii(text, nodes, units))
     return false;
   ownMaterials = ownMaterials || elem->HasOwnMaterial();
-  std::unique_ptr<Elem> replaced(Find<Elem>(*elems, elem->Num()));
-  elems->replace_at(elem->Num(), elem.get());
-  NoteStored(ReadItem::Element, elem->Num());
-  elem.release();
+  const int number = elem->Num();
+  const std::unique_ptr<Elem> replaced = Replace(*elems, number, std::move(elem));
+  NoteStored(ReadItem::Element, number);
   return true;
 }

@@ -11,8 +11,8 @@ int Node::ReadFromAscii(TextScan& text)
   if (!text.ReadInt(number))
     return 0;
   const char* const from = text.Here();
-  for (int i = 1; i <= Size(); ++i) {
-    if (!text.ReadDouble((*this)(i)))
+  for (double& coordinate : *this) {
+    if (!text.ReadDouble(coordinate))
       return 0;
   }
   NoteRecordEnd(from, text);

@@ -97,6 +97,15 @@ T& Store(VoidPlex& plex, int number, std::unique_ptr<T> object)
   return *object.release();
 }
 
+/// The same where the number may be taken: the object that had it is handed back.
+template <class T>
+std::unique_ptr<T> Replace(VoidPlex& plex, int number, std::unique_ptr<T> object)
+{
+  std::unique_ptr<T> replaced(static_cast<T*>(plex.replace_at(number, object.get())));
+  object.release();
+  return replaced;
+}
+
 /// Deletes the objects and clears the container.
 template <class T>
 void DeleteAll(VoidPlex& plex)

@@ -109,22 +109,24 @@ VoidChunk* VoidPlex::ChunkToSet(int i)
   return lastChunk;
 }
 
-void VoidPlex::Write(VoidChunk* chunk, int i, void* p)
+// Returns what was there.
+void* VoidPlex::Write(VoidChunk* chunk, int i, void* p)
 {
-  chunk->Slot(i) = p;
+  void* const before = std::exchange(chunk->Slot(i), p);
   if (p)
-    return;
+    return before;
   taken = std::min(taken, i - 1);
   if (i != first)
-    return;
+    return before;
   int number = i;
   if (next(number))
     first = number;
   else
     clear();
+  return before;
 }
 
-void VoidPlex::set_at(int i, void* p)
+void VoidPlex::SetOther(int i, void* p)
 {
   VoidChunk* chunk = ChunkToSet(i);
   if (p && chunk->Slot(i))
@@ -132,9 +134,9 @@ void VoidPlex::set_at(int i, void* p)
   Write(chunk, i, p);
 }
 
-void VoidPlex::replace_at(int i, void* p)
+void* VoidPlex::ReplaceOther(int i, void* p)
 {
-  Write(ChunkToSet(i), i, p);
+  return Write(ChunkToSet(i), i, p);
 }
 
 int VoidPlex::NumberBehindLast() const
@@ -161,7 +163,7 @@ void* VoidPlex::SearchAt(int i) const
   return chunk ? chunk->Slot(i) : nullptr;
 }
 
-void* VoidPlex::NextFrom(VoidChunk*& chunk, int& i) const
+void* VoidPlex::SearchFrom(VoidChunk*& chunk, int& i) const
 {
   const std::int64_t from = std::max(std::int64_t{i} + 1, std::int64_t{first});
   i = 0;
@@ -183,9 +185,13 @@ void* VoidPlex::NextFrom(VoidChunk*& chunk, int& i) const
 
 void* VoidPlex::next(int& i) const
 {
+  if (first == 0) {
+    i = 0;
+    return nullptr;
+  }
   const int from = i < first ? first : i < last ? i + 1 : last;
   VoidChunk* chunk = FindChunk(from);
-  if (!chunk && first > 0)
+  if (!chunk)
     chunk = &chunks.lower_bound(LowOf(from))->second;
   void* p = NextFrom(chunk, i);
   if (p)
@@ -195,10 +201,15 @@ void* VoidPlex::next(int& i) const
 
 int VoidPlex::Count() const
 {
-  int count = 0;
-  for (int i = 0; next(i);)
-    ++count;
-  return count;
+  std::ptrdiff_t count = 0;
+  const VoidChunk* chunk = head;
+  do {
+    void* const* const slots = &chunk->Slot(chunk->low);
+    const std::ptrdiff_t size = std::ptrdiff_t{chunk->high} - chunk->low + 1;
+    count += size - std::count(slots, slots + size, nullptr);
+    chunk = chunk->nextChunk;
+  } while (chunk != head);
+  return static_cast<int>(count);
 }
 
 void VoidPlex::ReCalcLast()

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 /// One chunk of a VoidPlex: the slots of an aligned range of numbers. With the size
@@ -50,9 +52,15 @@ public:
 
   /// Stores p at number i; null empties the place. Fatal when i is below 1, and when
   /// a pointer would be replaced by another.
-  void set_at(int i, void* p);
-  /// As set_at, but a pointer may be replaced by another.
-  void replace_at(int i, void* p);
+  void set_at(int i, void* p)
+  {
+    if (IsPlain(i, p) && !lastChunk->Slot(i))
+      WritePlain(i, p);
+    else
+      SetOther(i, p);
+  }
+  /// As set_at, but a pointer may be replaced by another; the one replaced is returned.
+  void* replace_at(int i, void* p) { return IsPlain(i, p) ? WritePlain(i, p) : ReplaceOther(i, p); }
   /// Stores p at the lowest free number, which is returned.
   int appendFirst(void* p);
 
@@ -76,7 +84,16 @@ public:
   /// The next stored pointer after number i, searched from the given chunk on, which
   /// must not lie behind i; both are updated. Null at the end. Leaves the chunk used
   /// last alone.
-  void* NextFrom(VoidChunk*& chunk, int& i) const;
+  void* NextFrom(VoidChunk*& chunk, int& i) const
+  {
+    if (i >= chunk->low && i < chunk->high && i < last) {
+      if (void* p = chunk->Slot(i + 1)) {
+        ++i;
+        return p;
+      }
+    }
+    return SearchFrom(chunk, i);
+  }
 
   int Count() const;
   /// Lowest and highest number set since the container was empty; 0 when it is.
@@ -122,7 +139,21 @@ private:
   VoidChunk* FindChunk(int i) const;
   VoidChunk* MakeChunk(int i) const;
   VoidChunk* ChunkToSet(int i);
-  void Write(VoidChunk* chunk, int i, void* p);
+  void* SearchFrom(VoidChunk*& chunk, int& i) const;
+  void* Write(VoidChunk* chunk, int i, void* p);
+  void SetOther(int i, void* p);
+  void* ReplaceOther(int i, void* p);
+
+  /// Whether writing concerns nothing but a slot of the chunk used last, and the last number.
+  bool IsPlain(int i, const void* p) const
+  {
+    return p && first != 0 && i > first && lastChunk->Covers(i);
+  }
+  void* WritePlain(int i, void* p)
+  {
+    last = std::max(last, i);
+    return std::exchange(lastChunk->Slot(i), p);
+  }
   int NumberBehindLast() const;
 
   int chunkSize;

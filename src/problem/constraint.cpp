@@ -13,10 +13,7 @@
 #include "problem/nodal_load.h"
 
 // Here, because here the types of what a node owns are complete.
-Node::Node(int ndime) : ReaVec(ndime)
-{
-  ReaVec::operator=(0.0);
-}
+Node::Node(int ndime) : ReaVec(ndime) {}
 
 Node::~Node() = default;
 

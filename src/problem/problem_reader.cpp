@@ -248,9 +248,11 @@ void Project::SetNodeDimensions(bool solids)
 {
   const bool space = problemType == kSpace || solids;
   for (auto [number, node] : EachNumbered<Node>(GiveNodes())) {
-    if (space)
-      node.resize(3, 0.0);
-    else if (node.Size() == 3 && node(3) != 0.0)
+    if (node.Size() < 3) {
+      if (space)
+        node.resize(3, 0.0);
+    } else if (!space && node(3) != 0.0) {
       AttemptOn(ReadItem::Node, number, [number = number] { RefuseHeight(number); });
+    }
   }
 }

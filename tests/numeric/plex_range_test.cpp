@@ -99,6 +99,16 @@ TEST_F(PlexRange, StoreDeletesWhatIsRefused)
   EXPECT_EQ(Thing::alive, 1);
 }
 
+TEST_F(PlexRange, ReplaceHandsBackWhatWasThere)
+{
+  Fill({5, 7});
+  EXPECT_EQ(Replace(plex, 6, std::make_unique<Thing>(1)), nullptr);
+  EXPECT_EQ(Replace(plex, 5, std::make_unique<Thing>(2))->value, 50);
+  EXPECT_EQ(Find<Thing>(plex, 5)->value, 2);
+  ExpectFatal([&] { Replace(plex, 0, std::make_unique<Thing>(3)); }, "Invalid void index 0");
+  EXPECT_EQ(Thing::alive, 3);
+}
+
 TEST_F(PlexRange, DeleteAllDeletesAndClears)
 {
   Fill({5, 60, 900});

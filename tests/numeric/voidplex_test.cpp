@@ -54,9 +54,14 @@ TEST(VoidPlex, BeginsEmptyWithOneChunk)
   EXPECT_EQ(plex.Last(), 0);
   EXPECT_EQ(plex.Count(), 0);
   EXPECT_EQ(Chunks(plex), (Ranges{{1, 100}}));
-  int i = 7;
-  EXPECT_EQ(plex.next(i), nullptr);
-  EXPECT_EQ(i, 0);
+  const VoidPlex narrow(1);
+  for (const VoidPlex* empty : {&plex, &narrow}) {
+    for (int from : {-3, 0, 7}) {
+      int i = from;
+      EXPECT_EQ(empty->next(i), nullptr);
+      EXPECT_EQ(i, 0);
+    }
+  }
 }
 
 TEST(VoidPlex, RefusesChunksWithoutPlaces)
@@ -97,7 +102,7 @@ TEST(VoidPlex, RefusesARepeatedNumber)
   plex.set_at(8, nullptr);
   plex.set_at(8, Mark(1));
   EXPECT_EQ(plex.At(8), Mark(1));
-  plex.replace_at(8, Mark(2));
+  EXPECT_EQ(plex.replace_at(8, Mark(2)), Mark(1));
   EXPECT_EQ(plex.At(8), Mark(2));
 }
 
@@ -319,7 +324,8 @@ TEST(VoidPlex, AgreesWithAnOrderedMap)
   for (int step = 0; step < 20000; ++step) {
     const int i = 1 + static_cast<int>(random() % 500);
     void* p = random() % 3 ? Mark(static_cast<int>(random() % 2000)) : nullptr;
-    plex.replace_at(i, p);
+    const auto before = model.find(i);
+    ASSERT_EQ(plex.replace_at(i, p), before == model.end() ? nullptr : before->second);
     if (p)
       model[i] = p;
     else
@@ -332,6 +338,9 @@ TEST(VoidPlex, AgreesWithAnOrderedMap)
     ASSERT_EQ(plex.next(n), after == model.end() ? nullptr : after->second);
     ASSERT_EQ(n, after == model.end() ? 0 : after->first);
     ASSERT_EQ(plex.First(), model.empty() ? 0 : model.begin()->first);
+    if (step % 100 == 0) {
+      ASSERT_EQ(plex.Count(), static_cast<int>(model.size()));
+    }
   }
   EXPECT_EQ(plex.Count(), static_cast<int>(model.size()));
   Chunks(plex);

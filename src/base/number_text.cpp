@@ -181,13 +181,18 @@ Scanned<int> ScanPlainInt(const char* text, const char* end)
   return {run.stop, negative ? -static_cast<int>(run.number) : static_cast<int>(run.number)};
 }
 
-bool ScanOtherDouble(std::string_view& text, double& v)
+bool ScanAnyDouble(std::string_view& text, double& v)
 {
   const char* const end = text.data() + text.size();
   const char* const number = SkipWhite(text.data(), end);
-  const Scanned<double> scanned = ParseDouble(number, end);
-  if (!scanned.stop || HasBareExponent(number, scanned.stop, end))
+  if (number == end)
     return false;
+  Scanned<double> scanned = ScanPlainDouble(number, end);
+  if (!scanned.stop) {
+    scanned = ParseDouble(number, end);
+    if (!scanned.stop || HasBareExponent(number, scanned.stop, end))
+      return false;
+  }
   text = {scanned.stop, end};
   v = scanned.value;
   return true;

@@ -32,6 +32,24 @@ bool TinyNumber(const char* first, const char* last, double& value)
 
 }  // namespace
 
+template <class T>
+bool TextScan::Read(T& value, Scanned<T> (*scanPlain)(const char*, const char*),
+                    bool (TextScan::*readOther)(T&))
+{
+  next = SkipWhite(next, end);
+  return Take(scanPlain(next, end), value) || (this->*readOther)(value);
+}
+
+bool TextScan::ReadAnyInt(int& value)
+{
+  return Read(value, ScanPlainInt, &TextScan::ReadOtherInt);
+}
+
+bool TextScan::ReadAnyDouble(double& value)
+{
+  return Read(value, ScanPlainDouble, &TextScan::ReadOtherDouble);
+}
+
 bool TextScan::ReadOtherInt(int& value)
 {
   const char* digits = next;

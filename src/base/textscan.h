@@ -34,14 +34,10 @@ public:
 
   bool AtEnd() const { return next == end; }
   bool AtDigit() const { return next != end && IsDigit(*next); }
-  bool ReadInt(int& value)
-  {
-    return Take(ScanShortInt(next, end), value) ||
-           Read(value, ScanPlainInt, &TextScan::ReadOtherInt);
-  }
+  bool ReadInt(int& value) { return Take(ScanShortInt(next, end), value) || ReadAnyInt(value); }
   bool ReadDouble(double& value)
   {
-    return Read(value, ScanPlainDouble, &TextScan::ReadOtherDouble);
+    return Take(ScanDigitBetweenBlanks(next, end), value) || ReadAnyDouble(value);
   }
 
   /// Reads the rest of the line when it is nothing but one plain whole number above 0 without
@@ -85,14 +81,6 @@ public:
   std::ptrdiff_t OffsetOf(const char* place) const;
 
 private:
-  /// Reads what most numbers are here, and the rest elsewhere.
-  template <class T>
-  bool Read(T& value, Scanned<T> (*scanPlain)(const char*, const char*),
-            bool (TextScan::*readOther)(T&))
-  {
-    next = SkipWhite(next, end);
-    return Take(scanPlain(next, end), value) || (this->*readOther)(value);
-  }
   template <class T>
   bool Take(const Scanned<T>& number, T& value)
   {
@@ -102,6 +90,12 @@ private:
     value = number.value;
     return true;
   }
+  bool ReadAnyInt(int& value);
+  bool ReadAnyDouble(double& value);
+  /// Reads what most numbers are by the one, and the rest by the other.
+  template <class T>
+  bool Read(T& value, Scanned<T> (*scanPlain)(const char*, const char*),
+            bool (TextScan::*readOther)(T&));
   bool ReadOtherInt(int& value);
   bool ReadOtherDouble(double& value);
   bool ReadOtherLastNumber(int& value);

@@ -247,6 +247,9 @@ void Project::RequireDifferentNumbers() const
 void Project::SetNodeDimensions(bool solids)
 {
   const bool space = problemType == kSpace || solids;
+  const auto fits = [space](const auto& mesh) { return mesh->GiveNdime() == (space ? 3 : 2); };
+  if (std::all_of(meshes.begin(), meshes.end(), fits))
+    return;  // saves a pass over all nodes
   for (auto [number, node] : EachNumbered<Node>(GiveNodes())) {
     if (node.Size() < 3) {
       if (space)

@@ -28,11 +28,11 @@ public:
   /// Takes the coordinates of the other node, and its dimension.
   void MoveTo(const Node& other) { ReaVec::operator=(other); }
 
-  int number = 0;  ///< the user's number; after a renumbering the system number
-  std::unique_ptr<Constraint> constraint;
-  std::unique_ptr<Load> load;
+  int number = 0;          ///< the user's number; after a renumbering the system number
   int word = 0;            ///< scratch of the renumbering
   bool hasRotule = false;  ///< every beam end at this node is hinged
+  std::unique_ptr<Constraint> constraint;
+  std::unique_ptr<Load> load;
 };
 
 inline TextScan& operator>>(TextScan& text, Node& node)

@@ -20,8 +20,8 @@ public:
 
   ReaVec() = default;
   explicit ReaVec(int length) : n(RequireSize(length)) {}  ///< zeros
-  ReaVec(double x, double y) : n(2), components{x, y, 0.0} {}
-  ReaVec(double x, double y, double z) : n(3), components{x, y, z} {}
+  ReaVec(double x, double y) : components{x, y, 0.0}, n(2) {}
+  ReaVec(double x, double y, double z) : components{x, y, z}, n(3) {}
   explicit ReaVec(const Matriu& column) { *this = column; }
   explicit ReaVec(MatriuT& column) { *this = column; }  ///< leaves the temporary empty
   explicit ReaVec(MatriuT&& column) { *this = column; }
@@ -58,8 +58,8 @@ private:
     return i;
   }
 
-  int n = 0;
   double components[kMaxSize] = {};  ///< the first n are meaningful
+  int n = 0;                         ///< last, so that a derived class can go on behind it
 };
 
 /// Square of the distance between two points.

@@ -38,8 +38,8 @@ public:
   void EnterWeight(double weight, const ReaVec& gravity, PROBLEMTYPE problem);
 
   PreassureLT_type type;
-  double values[6] = {};  ///< forces along x, y, z and moments, in the units of the results
   int face = -1;          ///< index of the face or edge; -1 without one
+  double values[6] = {};  ///< forces along x, y, z and moments, in the units of the results
 
 private:
   /// A load per length on the edge `face`, from node `face` (from 0) to the next corner.

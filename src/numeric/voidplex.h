@@ -86,7 +86,8 @@ public:
   /// last alone.
   void* NextFrom(VoidChunk*& chunk, int& i) const
   {
-    if (i >= chunk->low && i < chunk->high && i < last) {
+    // The last number first: where everything has been emptied, the chunk is gone.
+    if (i < last && i >= chunk->low && i < chunk->high) {
       if (void* p = chunk->Slot(i + 1)) {
         ++i;
         return p;

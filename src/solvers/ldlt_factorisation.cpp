@@ -321,6 +321,8 @@ void Factorisation::StoreRows(const Panel& panel, int count) const
 {
   for (int r = 0; r < count; ++r) {
     const int row = panel.Row() + r;
+    if (r + 1 < count)
+      FetchRow(matrix.rows[row + 1], matrix.heights[row + 1]);
     double* const entries = matrix.rows[row];
     entries[0] = pivots[row];
     for (int k = matrix.FirstColumn(row), end; k < row; k = end) {

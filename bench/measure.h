@@ -56,8 +56,8 @@ double ReadBandwidth();
 /// Multiplications and additions in the sums of the factorisation of this profile.
 double FactorisationFlops(const SkyMatriu& matrix);
 
-/// Bytes of the matrix and its factors without fill: twice a double for every entry, an int
-/// for every block and for every line of blocks.
+/// Bytes of the matrix and of the passes through its factor without fill: twice a double for
+/// every entry, an int for every block and for every line of blocks.
 double IterationStorage(const SparseMatrix& matrix);
 
 /// What an iteration of conjugate gradients has to move at least: matrix and factors are read;

@@ -16,7 +16,9 @@ void AddProducts(int n, const double* block, const double* x, double* y, const d
     for (int b = 0; b < n; ++b)
       sum += block[b] * x[b];
     y[a] += sum;
-    for (int b = 0; b < n && mirrorY; ++b)
+    if (!mirrorY)
+      continue;
+    for (int b = 0; b < n; ++b)
       mirrorY[b] += block[b] * mirrorX[a];
   }
 }

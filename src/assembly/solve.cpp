@@ -120,10 +120,14 @@ void Project::CreateMatrix()
 
 void Project::AssembleStiffness(ElementSink& sink, int applyLocalAxes)
 {
+  struct Restoring  // a fatal error may be thrown
+  {
+    ~Restoring() { member = nullptr; }
+    ElementSink*& member;
+  } const restoring{stiffnessSink};
   stiffnessSink = &sink;
   for (const auto& mesh : meshes)
     (this->*FamilyOf(*mesh).addStiffness)(mesh.get(), applyLocalAxes);
-  stiffnessSink = nullptr;
 }
 
 ElementSink& Project::StiffnessSink() const

@@ -64,8 +64,8 @@ inline Scanned<int> ScanShortInt(const char* text, const char* end)
   return {text + group.count, static_cast<int>(group.number)};
 }
 
-/// A single digit behind a blank, and behind it another, a control character or the end: what
-/// most numbers of loads are.
+/// A single digit behind a blank, and behind it another, a control character, one beyond ASCII
+/// or the end: what most numbers of loads are.
 inline Scanned<double> ScanDigitBetweenBlanks(const char* text, const char* end)
 {
   const std::ptrdiff_t length = end - text;

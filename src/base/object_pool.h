@@ -10,6 +10,8 @@
 /// used again. With the last of them the pool begins anew, in the slabs that it has: memory that
 /// the system hands out first has to be cleared, which takes as long as filling it. Builds with
 /// sanitizers have object_pool_plain.cpp instead, which leaves each place to new and delete.
+///
+/// Pools are static: an object that takes its place from one must not be.
 class ObjectPool
 {
 public:

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <iomanip>
+#include <memory>
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
+#include "base/object_pool.h"
 #include "base/read_observer.h"
 #include "base/textscan.h"
 #include "model/material.h"

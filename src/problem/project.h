@@ -153,8 +153,8 @@ public:
   /// Merges the hinges of nodes into the codes of the beams, and fixes the rotations of
   /// nodes that no connection holds.
   void CalcElemsRotules();
-  /// Adds the stiffness of a mesh to the matrix, or to StiffnessSink(); applyLocalAxes 0 leaves it
-  /// in global axes at supports that have their own.
+  /// Adds the stiffness of a mesh to StiffnessSink(), usually the matrix; applyLocalAxes 0 leaves
+  /// it in global axes at supports that have their own.
   void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes);
   void AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes);
   void AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <iterator>
 
 #include "base/constants.h"
 #include "base/errorwriter.h"

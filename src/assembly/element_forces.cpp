@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "numeric/reavecv.h"
-
 namespace {
 
 /// y += block·x and, where they are different nodes, mirrorY += blockᵀ·mirrorX; the block of n²

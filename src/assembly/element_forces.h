@@ -1,11 +1,10 @@
 #pragma once
 
-#include <span>
+#include <cstddef>
 #include <vector>
 
+#include "numeric/reavecv.h"
 #include "solvers/element_blocks.h"
-
-class ReaVecV;
 
 /// The forces that the nodes exert on the elements when they are displaced: K·u, element by
 /// element, without the matrix K.

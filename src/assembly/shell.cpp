@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr int kComponents = 5;
-
 // Part of the bending stiffness that resists the turn of a node of a fold about the normals
 // beside it. Where the planes differ by rounding errors of the coordinates (1e-7), it holds
 // them together as one plate; a fold that is meant is too steep to feel it.

@@ -75,7 +75,7 @@ bool Round(std::uint64_t bits, Decimal& decimal)
   const int binary = biased - kBias;
   int exponent = FloorLog10OfPower(binary);
   const PowerOfTen next = GivePowerOfTen(exponent + 1);
-  exponent += (binary == next.exponent + 63) & (mantissa >= next.mantissa) ? 1 : 0;
+  exponent += ((binary == next.exponent + 63) & (mantissa >= next.mantissa)) ? 1 : 0;
 
   const PowerOfTen scale = GivePowerOfTen(n - 1 - exponent);
   const std::uint64_t product = UpperProduct(mantissa, scale.mantissa);

@@ -29,7 +29,7 @@ constexpr BendingCoefficients kHingedSecond = {3, 3, 0, 3, 0, 0};
 constexpr BendingCoefficients kHingedFirst = {3, 0, 3, 0, 3, 0};
 constexpr BendingCoefficients kHingedBoth = {0, 0, 0, 0, 0, 0};
 
-struct BeamBlocks
+struct LocalBlocks
 {
   Matriu& K11;
   Matriu& K12;
@@ -64,7 +64,7 @@ void Clear(Matriu& K, int n)
 }
 
 // A bar: axial force or torque, between component k of both ends.
-void AddBar(const BeamBlocks& blocks, int k, double stiffness)
+void AddBar(const LocalBlocks& blocks, int k, double stiffness)
 {
   blocks.K11(k, k) = stiffness;
   blocks.K12(k, k) = -stiffness;
@@ -73,7 +73,7 @@ void AddBar(const BeamBlocks& blocks, int k, double stiffness)
 
 // Bending with deflection v and rotation r (components from 1); sign is -1 where a
 // positive rotation lowers the deflection.
-void AddBending(const BeamBlocks& blocks, const BendingCoefficients& c, int v, int r, double EI,
+void AddBending(const LocalBlocks& blocks, const BendingCoefficients& c, int v, int r, double EI,
                 double L, double sign)
 {
   const double k2 = EI / L;
@@ -91,7 +91,7 @@ void AddBending(const BeamBlocks& blocks, const BendingCoefficients& c, int v, i
   blocks.K22(r, r) = c.second2 * k2;
 }
 
-void Construct(const Material& m, int elemNumber, const BeamBlocks& blocks, double L2,
+void Construct(const Material& m, int elemNumber, const LocalBlocks& blocks, double L2,
                PROBLEMTYPE type, const BendingCoefficients& bending)
 {
   CheckValues(m, elemNumber, type);

@@ -5,6 +5,7 @@
 #include <span>
 #include <utility>
 
+#include "assembly/beam_blocks.h"
 #include "assembly/support_axes.h"
 #include "base/errorwriter.h"
 #include "model/elem.h"
@@ -31,10 +32,7 @@ void TransposeInPlace(Matriu& K)
 }  // namespace
 
 BlockAssembler::BlockAssembler(ElementSink& sink_, int components, int applyLocalAxes)
-    : sink(sink_),
-      n(components),
-      toSupportAxes(applyLocalAxes > 0),
-      onlyAtSupports(applyLocalAxes == kOnlyAtSupports)
+    : sink(sink_), n(components), toSupportAxes(applyLocalAxes > 0)
 {
 }
 
@@ -101,13 +99,12 @@ void BlockAssembler::TurnToSupports(const Elem& elem)
 
 void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes)
 {
-  Matriu K11, K12, K22, T;  // allocated once for the mesh
+  BeamBlocks blocks;  // allocated once for the mesh
+  Matriu T;
   BlockAssembler assembler(StiffnessSink(), freeDegrees, applyLocalAxes);
   assembler.Assemble(*mesh, [&](const Elem& elem) {
-    const BeamSpan beam = SpanOf(elem, T);
-    beam.material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(elem(0), elem(1)), problemType,
-                                  beam.hingeCode);
-    for (Matriu* K : {&K11, &K12, &K22}) {
+    blocks.Construct(SpanOf(elem, T));
+    for (Matriu* K : {&blocks.K11, &blocks.K12, &blocks.K22}) {
       TurnRows(T, Turn::ToGlobal, *K);
       TurnColumns(T, Turn::ToGlobal, *K);
       assembler.Take(*K);

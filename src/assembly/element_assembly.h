@@ -13,9 +13,6 @@ class Matriu;
 // Values of applyLocalAxes: in which axes the stiffness of the elements is added.
 constexpr int kInGlobalAxes = 0;
 constexpr int kInSupportAxes = 1;
-/// In global axes, and only the elements at supported nodes, so that of the rows of the matrix
-/// only those of these nodes are complete.
-constexpr int kOnlyAtSupports = -1;
 
 /// Takes the stiffness of the elements of a mesh to the matrix or whatever else is made of it, in
 /// blocks of their nodes.
@@ -25,8 +22,8 @@ public:
   /// components: of a node.
   BlockAssembler(ElementSink& sink, int components, int applyLocalAxes);
 
-  /// Adds the elements whose stiffness is wanted: calculate(elem) hands over their blocks in
-  /// global axes. The sink gets to know of some elements at a time before their turn.
+  /// Adds all elements: calculate(elem) hands over their blocks in global axes. The sink gets to
+  /// know of some elements at a time before their turn.
   template <class Calculate>
   void Assemble(const Mesh& mesh, Calculate calculate)
   {
@@ -41,8 +38,6 @@ public:
       group.clear();
     };
     for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
-      if (onlyAtSupports && !IsSupported(elem))
-        continue;
       Collect(elem);
       if (group.size() == group.capacity())
         addGroup();
@@ -78,7 +73,6 @@ private:
   ElementSink& sink;
   int n;
   bool toSupportAxes;
-  bool onlyAtSupports;
   int nnode = 0;
   std::vector<const Elem*> group;  ///< elements of which the sink knows
   std::vector<int> numbers;        ///< of their nodes

@@ -1,5 +1,8 @@
 #include "assembly/shell.h"
 
+#include <algorithm>
+
+#include "assembly/relative_motion.h"
 #include "base/constants.h"
 #include "base/errorwriter.h"
 #include "model/elem.h"
@@ -126,27 +129,85 @@ void ShellEvaluator::AddTurnsAboutNormal(int i, int j, const std::array<bool, 6>
   }
 }
 
+std::array<double, 8> ShellEvaluator::StrainsAt(const ShellPoint& at, const double* local) const
+{
+  std::array<double, 8> strains = {};
+  for (int i = 0; i < nnode; ++i) {
+    const auto [Nx, Ny, N] = at.B[i];
+    const double* u = local + 6 * i;
+    const double slopes[] = {-u[4], u[3]};
+    strains[0] += Nx * u[0];
+    strains[1] += Ny * u[1];
+    strains[2] += Ny * u[0] + Nx * u[1];
+    strains[3] -= Nx * slopes[0];
+    strains[4] -= Ny * slopes[1];
+    strains[5] -= Ny * slopes[0] + Nx * slopes[1];
+    strains[6] += Nx * u[2] - N * slopes[0];
+    strains[7] += Ny * u[2] - N * slopes[1];
+  }
+  return strains;
+}
+
 void ShellEvaluator::AddStrengths(const double* local, ReaVecV& res, int offset) const
 {
   constexpr int kValues = 8;
   for (int g = 0; g < points; ++g) {
-    double membrane[3] = {}, bending[3] = {}, shear[2] = {};
+    const std::array<double, 8> strains = StrainsAt(point[g], local);
+    const int start = offset + g * kValues;
+    AddToStrengthVec(res, start, Dm, &strains[0]);
+    AddToStrengthVec(res, start + 3, Db, &strains[3]);
+    AddToStrengthVec(res, start + 6, Ds, &strains[6]);
+  }
+}
+
+void ShellEvaluator::TakeRelative(const Elem& elem, const std::array<bool, 6>& folded,
+                                  const SplitView& u, double* local) const
+{
+  TakeRelativeShell(elem, T, x, y, folded, u, local);
+}
+
+void ShellEvaluator::CalcForces(const double* local, const std::array<bool, 6>& folded,
+                                double* forces) const
+{
+  std::fill_n(forces, 6 * nnode, 0.0);
+  for (int g = 0; g < points; ++g) {
+    const std::array<double, 8> e = StrainsAt(point[g], local);
+    double n[3], m[3], q[2];
+    for (int i = 0; i < 3; ++i) {
+      n[i] = point[g].weight * (Dm(i + 1, 1) * e[0] + Dm(i + 1, 2) * e[1] + Dm(i + 1, 3) * e[2]);
+      m[i] = point[g].weight * (Db(i + 1, 1) * e[3] + Db(i + 1, 2) * e[4] + Db(i + 1, 3) * e[5]);
+    }
+    for (int i = 0; i < 2; ++i)
+      q[i] = point[g].weight * (Ds(i + 1, 1) * e[6] + Ds(i + 1, 2) * e[7]);
     for (int i = 0; i < nnode; ++i) {
       const auto [Nx, Ny, N] = point[g].B[i];
-      const double* u = local + 6 * i;
-      const double slopes[] = {-u[4], u[3]};
-      membrane[0] += Nx * u[0];
-      membrane[1] += Ny * u[1];
-      membrane[2] += Ny * u[0] + Nx * u[1];
-      bending[0] -= Nx * slopes[0];
-      bending[1] -= Ny * slopes[1];
-      bending[2] -= Ny * slopes[0] + Nx * slopes[1];
-      shear[0] += Nx * u[2] - N * slopes[0];
-      shear[1] += Ny * u[2] - N * slopes[1];
+      double* f = forces + 6 * i;
+      f[0] += Nx * n[0] + Ny * n[2];
+      f[1] += Ny * n[1] + Nx * n[2];
+      f[2] += Nx * q[0] + Ny * q[1];
+      f[3] -= Ny * m[1] + Nx * m[2] + N * q[1];
+      f[4] += Nx * m[0] + Ny * m[2] + N * q[0];
     }
-    const int start = offset + g * kValues;
-    AddToStrengthVec(res, start, Dm, membrane);
-    AddToStrengthVec(res, start + 3, Db, bending);
-    AddToStrengthVec(res, start + 6, Ds, shear);
+  }
+  AddTurningForces(local, folded, forces);
+}
+
+void ShellEvaluator::AddTurningForces(const double* local, const std::array<bool, 6>& folded,
+                                      double* forces) const
+{
+  double membraneTurn = 0.0;
+  for (int i = 0; i < nnode; ++i)
+    membraneTurn += turn[i][0] * local[6 * i] + turn[i][1] * local[6 * i + 1];
+  double sum = 0.0;
+  for (int k = 0; k < nnode; ++k) {
+    const double own = local[6 * k + 5];
+    const double moment =
+        folded[k] ? kTurnAboutNormal * Db(1, 1) * (membraneTurn + own) : TurnAgainstGround() * own;
+    forces[6 * k + 5] += moment;
+    sum += folded[k] ? moment : 0.0;
+  }
+  for (int i = 0; i < nnode; ++i) {
+    forces[6 * i] += turn[i][0] * sum;
+    forces[6 * i + 1] += turn[i][1] * sum;
   }
 }

@@ -3,11 +3,12 @@
 #include <array>
 
 #include "assembly/element_products.h"
+#include "model/material.h"
 #include "model/shape_functions.h"
 #include "numeric/matriu.h"
+#include "numeric/split_vector.h"
 
 class Elem;
-class Material;
 class ReaVecV;
 
 // The flat shell element of three nodes (one point, the centroid) or six (three points):
@@ -57,6 +58,19 @@ public:
   /// rotation about the normal. K has its size before.
   void CalcStiffness(int i, int j, Matriu& K) const;
 
+  /// The displacements of the nodes in local axes, six each, without the rigid motion (see
+  /// relative_motion.h); u: by equation, global axes.
+  void TakeRelative(const Elem& elem, const std::array<bool, 6>& folded, const SplitView& u,
+                    double* local) const;
+
+  /// The forces of the nodes for these relative displacements, both in local axes, six each:
+  /// what CalcStiffness, AddTurnsAboutNormal and TurnAgainstGround make of them together.
+  void CalcForces(const double* local, const std::array<bool, 6>& folded, double* forces) const;
+
+  /// The stiffness against the ground of the rotation about the normal of a node in a plane,
+  /// which has no other.
+  double TurnAgainstGround() const { return area * materialOfD->E1; }
+
   /// Adds a small resistance of the nodes k that are folded against turning about the normal
   /// by more than the membrane does; a rigid motion does not meet it.
   void AddTurnsAboutNormal(int i, int j, const std::array<bool, 6>& folded, Matriu& K) const;
@@ -69,6 +83,10 @@ private:
   void EvaluateThreeNodes(const Elem& elem);
   void EvaluateSixNodes(const Elem& elem);
   void CalcTurns();
+  /// Membrane strains, curvatures and shear strains at a point, eight numbers.
+  std::array<double, 8> StrainsAt(const ShellPoint& at, const double* local) const;
+  void AddTurningForces(const double* local, const std::array<bool, 6>& folded,
+                        double* forces) const;
 
   std::array<SixNodeFunctions, 3> functions;  ///< at the points of the six-node element
   int nnode = 0;

@@ -10,6 +10,14 @@
 #include "numeric/plex_range.h"
 #include "problem/project.h"
 
+std::array<bool, 6> Project::FoldedNodes(const Elem& shell) const
+{
+  std::array<bool, 6> folded{};
+  for (int i = 0; i < shell.Nnode(); ++i)
+    folded[i] = coplanarity[shell(i)->number - 1] != 1;
+  return folded;
+}
+
 void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
 {
   ShellEvaluator shell;
@@ -19,16 +27,13 @@ void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
   assembler.Assemble(*mesh, [&](const Elem& elem) {
     const Material& material = RequireMaterial(elem);
     shell.Evaluate(elem, material);
-    std::array<bool, 6> folded{};
-    for (int i = 0; i < nnode; ++i)
-      folded[i] = coplanarity[elem(i)->number - 1] != 1;
+    const std::array<bool, 6> folded = FoldedNodes(elem);
     for (int i = 0; i < nnode; ++i) {
       for (int j = i; j < nnode; ++j) {
         shell.CalcStiffness(i, j, K);
         shell.AddTurnsAboutNormal(i, j, folded, K);
-        // The rotation about the normal of a plane has no stiffness of its own.
         if (i == j && !folded[i])
-          K(6, 6) += shell.Area() * material.E1;
+          K(6, 6) += shell.TurnAgainstGround();
         TurnRows(shell.Frame(), Turn::ToGlobal, K);
         TurnColumns(shell.Frame(), Turn::ToGlobal, K);
         assembler.Take(K);

@@ -1,5 +1,7 @@
 #include "assembly/solid.h"
 
+#include <algorithm>
+
 #include "base/constants.h"
 #include "base/errorwriter.h"
 #include "model/elem.h"
@@ -91,18 +93,43 @@ void SolidEvaluator::CalcStiffness(int i, int j, double* K) const
   AddtoKMatrix(sums, D, K);
 }
 
+std::array<double, kStresses> SolidEvaluator::StrainsAt(const SolidPoint& at, const double* u) const
+{
+  double H[3][3] = {};  // the derivatives of the displacements (columns) by x, y, z (rows)
+  for (int i = 0; i < nnode; ++i) {
+    for (int r = 0; r < 3; ++r) {
+      for (int c = 0; c < 3; ++c)
+        H[r][c] += at.B[i][r] * u[3 * i + c];
+    }
+  }
+  return {H[0][0], H[1][1], H[2][2], H[1][0] + H[0][1], H[2][0] + H[0][2], H[2][1] + H[1][2]};
+}
+
 void SolidEvaluator::AddStrengths(const double* u, ReaVecV& res, int offset) const
 {
+  for (int g = 0; g < points; ++g)
+    AddToStrengthVec(res, offset + kStresses * g, D, StrainsAt(point[g], u).data());
+}
+
+void SolidEvaluator::CalcForces(const double* u, double* forces) const
+{
+  std::fill_n(forces, 3 * nnode, 0.0);
+  const double* d = D.Data();
   for (int g = 0; g < points; ++g) {
-    double H[3][3] = {};  // the derivatives of the displacements (columns) by x, y, z (rows)
-    for (int i = 0; i < nnode; ++i) {
-      for (int r = 0; r < 3; ++r) {
-        for (int c = 0; c < 3; ++c)
-          H[r][c] += point[g].B[i][r] * u[3 * i + c];
-      }
+    const std::array<double, kStresses> strains = StrainsAt(point[g], u);
+    double s[kStresses];
+    for (int i = 0; i < kStresses; ++i) {
+      s[i] = 0.0;
+      for (int j = 0; j < kStresses; ++j)
+        s[i] += d[kStresses * i + j] * strains[j];
+      s[i] *= point[g].weight;
     }
-    const double strain[kStresses] = {H[0][0],           H[1][1],           H[2][2],
-                                      H[1][0] + H[0][1], H[2][0] + H[0][2], H[2][1] + H[1][2]};
-    AddToStrengthVec(res, offset + kStresses * g, D, strain);
+    for (int i = 0; i < nnode; ++i) {
+      const auto [x, y, z] = point[g].B[i];
+      double* f = forces + 3 * i;
+      f[0] += x * s[0] + y * s[3] + z * s[4];
+      f[1] += y * s[1] + x * s[3] + z * s[5];
+      f[2] += z * s[2] + x * s[4] + y * s[5];
+    }
   }
 }

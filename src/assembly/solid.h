@@ -51,11 +51,17 @@ public:
   /// Stiffness between the nodes i and j (from 0), 3×3, global axes: nine numbers row by row.
   void CalcStiffness(int i, int j, double* K) const;
 
+  /// The forces of the nodes for these displacements, three each, global axes: what CalcStiffness
+  /// makes of them.
+  void CalcForces(const double* u, double* forces) const;
+
   /// The six stresses of every point, in the order of the strains, from the displacements of
   /// the nodes, three each; added to res(offset + 1, ...).
   void AddStrengths(const double* u, ReaVecV& res, int offset) const;
 
 private:
+  std::array<double, 6> StrainsAt(const SolidPoint& at, const double* u) const;
+
   std::array<TenNodeFunctions, 4> functions;  ///< at the points of the ten-node element
   int nnode = 0;
   int points = 0;

@@ -1,9 +1,13 @@
 // The system of equations of the model: filled, supported, solved.
 
+#include <algorithm>
 #include <cmath>
+#include <sstream>
+#include <utility>
 
 #include "assembly/element_assembly.h"
-#include "assembly/residual_check.h"
+#include "assembly/free_equations.h"
+#include "assembly/refinement.h"
 #include "assembly/support_axes.h"
 #include "base/errorwriter.h"
 #include "base/stprintf.h"
@@ -26,6 +30,35 @@ bool AllFinite(const ReaVecV& v)
       return false;
   }
   return true;
+}
+
+/// Euclidean norm over the equations without a prescribed displacement; scaled, so that no
+/// square leaves the range of numbers.
+double NormOnFree(const VoidPlex& nodes, int components, const ReaVecV& v)
+{
+  double largest = 0.0;
+  ForEachFree(nodes, components, [&](int equation, int, double) {
+    largest = std::max(largest, std::fabs(v(equation)));
+  });
+  if (largest == 0.0)
+    return 0.0;
+  double squares = 0.0;
+  ForEachFree(nodes, components, [&](int equation, int, double) {
+    squares += (v(equation) / largest) * (v(equation) / largest);
+  });
+  return largest * std::sqrt(squares);
+}
+
+/// Why a model that may stand is refused all the same.
+std::string RoughModelHint(const RefinedCase& model, const RefinedCase& probe)
+{
+  const double worse = std::max(model.LastCorrection(), probe.LastCorrection());
+  std::ostringstream text;
+  stprintf(text,
+           "The model is too rough: stiffnesses or lengths differ so much that the displacements "
+           "cannot be computed (relative error %.1e)\n",
+           worse);
+  return text.str();
 }
 
 /// Mean distance of the first two nodes of the elements.
@@ -61,35 +94,60 @@ void Project::FillMatrixVectorAndSolve(std::FILE* info)
   ConvertGlobalLoadToLocal(GiveNodes(), displacements, freeDegrees);
   SolveSystem(info);
   ConvertLocalResultsToGlobal(GiveNodes(), displacements, freeDegrees);
+  ConvertLocalResultsToGlobal(GiveNodes(), displacementRests, freeDegrees);
   Progress(info, "Solver finished\n");
 }
 
 void Project::SolveSystem(std::FILE* info)
 {
   if (solverSettings.type == SolverType::SkyLine) {
-    SolveChecked(info);
+    SolveDirectly(info);
     return;
   }
   ApplySupports();
+  elementForces = ReaVecV();  // of a pre-solve
   Progress(info, "Just before Solver\n");
   RequireSolution(solver->Solver(displacements, info));
+  displacementRests.resize(displacements.Size(), 0.0);
+  displacementRests = 0.0;
 }
 
-// A direct solution is kept, with that of a probe, until the stiffness of the elements is at hand
-// again to check them.
-void Project::SolveChecked(std::FILE* info)
+void Project::SolveDirectly(std::FILE* info)
 {
-  const ResidualCheck check(GiveNodes(), ScaleOfComponents());
-  LoadCase model;
-  model.loads = displacements;
+  const ComponentScale scale = ScaleOfComponents();
+  ReaVecV loads = displacements;
   ApplySupports();
-  check.FindScales(displacements, model);
-  LoadCase probe = check.Probe(displacements.Size());
+  const double loadNorm = NormOnFree(GiveNodes(), freeDegrees, displacements);
+  ReaVecV probeLoads = ProbeLoad(GiveNodes(), scale, displacements.Size());
+  ReaVecV ofProbe = probeLoads;
   Progress(info, "Just before Solver\n");
-  auto& matrix = static_cast<SkyMatriu&>(*solver);
-  RequireSolution(matrix.Solver({&displacements, &probe.displacements}, info));
-  model.displacements = displacements;
-  checkedSolution = {std::move(model), std::move(probe)};
+  auto& factors = static_cast<SkyMatriu&>(*solver);
+  RequireSolution(factors.Solver({&displacements, &ofProbe}, info));
+  RefinedCase model(std::move(loads), std::move(displacements));
+  RefinedCase probe(std::move(probeLoads), std::move(ofProbe));
+  Refinement refinement(factors, GiveNodes(), scale, [this](InternalForces& f) { AddForces(f); });
+  const Refinement::Verdict verdict = refinement.Run(model, probe);
+  if (verdict == Refinement::Verdict::Moves)
+    SolverFailed(refinement.LargestMotion(probe));
+  if (verdict == Refinement::Verdict::TooRough)
+    SolverFailed(-1, RoughModelHint(model, probe));
+  accuracy.error = model.LastCorrection();
+  const double missing = NormOnFree(GiveNodes(), freeDegrees, refinement.Residual());
+  accuracy.residual = loadNorm > 0.0 ? missing / loadNorm : missing;
+  displacements = std::move(model.u.value);
+  displacementRests = std::move(model.u.rest);
+  elementForces = std::move(refinement.ElementForces());
+  TellAccuracy(info);
+}
+
+void Project::TellAccuracy(std::FILE* info) const
+{
+  Progress(info, "Estimated relative error of the displacements= %.1e, residual= %.1e\n",
+           accuracy.error, accuracy.residual);
+  constexpr double kWarned = 1e-6;
+  if (accuracy.error > kWarned)
+    Warn(info, "warning: the model is rough: its displacements have a relative error of %.1e\n",
+         accuracy.error);
 }
 
 void Project::RequireSolution(int result) const
@@ -167,14 +225,14 @@ void Project::ApplySupports()
   }
 }
 
-void Project::SolverFailed(int result) const
+void Project::SolverFailed(int result, const std::string& hint) const
 {
   CheckTypicalConstraintsErrors();
   if (result == -1)
-    Fatal("error when solving system. Probably boundary conditions are not correct\n");
+    Fatal("error when solving system. Probably boundary conditions are not correct\n", hint);
   if (result < 0)
     Fatal("error when solving system. Stopped after ", -result,
-          " iterations.Probably boundary conditions are not correct\n");
+          " iterations.Probably boundary conditions are not correct\n", hint);
   // Six components a node whatever the problem: plane problems name another one.
   constexpr int kComponents = 6;
   static const char* const names[kComponents] = {"X displ.",   "Y displ.",   "Z displ.",
@@ -183,5 +241,5 @@ void Project::SolverFailed(int result) const
   const int degree = (result - 1) % kComponents + 1;
   Fatal("error when solving system(", result, ").\nOne diagonal=0 in node=", node,
         " (Use Meshing->Mesh View).\nDegree of freedom ", degree, " from 6 (", names[degree - 1],
-        ")\nCould not solve system. Probably boundary conditions are not correct\n");
+        ")\nCould not solve system. Probably boundary conditions are not correct\n", hint);
 }

@@ -2,6 +2,18 @@
 
 #include <cstdarg>
 
+namespace {
+
+void PrintTo(std::FILE* out, const char* format, std::va_list args)
+{
+  if (!out)
+    return;
+  std::vfprintf(out, format, args);
+  std::fflush(out);
+}
+
+}  // namespace
+
 void stprintf(std::ostream& out, const char* format, ...)
 {
   char text[512];
@@ -14,11 +26,18 @@ void stprintf(std::ostream& out, const char* format, ...)
 
 void Progress(std::FILE* info, const char* format, ...)
 {
-  if (!info)
-    return;
   std::va_list args;
   va_start(args, format);
-  std::vfprintf(info, format, args);
+  PrintTo(info, format, args);
   va_end(args);
-  std::fflush(info);
+}
+
+void Warn(std::FILE* info, const char* format, ...)
+{
+  for (std::FILE* out : {stderr, info}) {
+    std::va_list args;
+    va_start(args, format);
+    PrintTo(out, format, args);
+    va_end(args);
+  }
 }

@@ -2,6 +2,7 @@
 
 #include "model/elem.h"
 
+class InternalForces;
 class Mesh;
 class Project;
 class TextOut;
@@ -15,6 +16,8 @@ struct ElementFamily
   bool spaceOnly;  ///< refused in plane problems
 
   void (Project::*addStiffness)(Mesh* mesh, int applyLocalAxes);
+  /// The forces of the elements for given displacements.
+  void (Project::*addForces)(const Mesh& mesh, InternalForces& forces) const;
   /// Self-weight and element loads.
   void (Project::*addLoads)(Mesh* mesh);
   void (Project::*calcStrengths)(int mesh);

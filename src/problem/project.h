@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
-#include <optional>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -23,12 +23,14 @@ class BaseElemLoads;
 class EdgeNodes;
 class Elem;
 class ElementSink;
+class InternalForces;
 class Material;
 class Matriu;
 class Mesh;
 class Node;
 class TextOut;
 struct BeamEnds;
+struct ComponentScale;
 struct ElementFamily;
 
 /// Results of the elements of one mesh, one block of values for each element.
@@ -45,29 +47,11 @@ struct MeshResults
   int Block(int elemNumber) const;
 };
 
-/// How the components of the nodes are counted, and a length that makes a force comparable
-/// with a moment.
-struct ComponentScale
+/// How far the displacements can be trusted.
+struct SolutionAccuracy
 {
-  int components = 0;    ///< of a node
-  int translations = 0;  ///< the first of them; the others are rotations
-  double length = 1.0;   ///< about the size of an element
-};
-
-/// Loads with the displacements that should hold them, by equation, in the axes of the supports.
-struct LoadCase
-{
-  ReaVecV loads;  ///< all of them
-  ReaVecV displacements;
-  double force = 0.0;   ///< what the forces missed are compared with
-  double moment = 0.0;  ///< likewise; both at least what the other makes at one length
-};
-
-/// What a direct solver has to show, see ResidualCheck.
-struct CheckedSolution
-{
-  LoadCase model;
-  LoadCase probe;
+  double error = 0.0;     ///< estimated, relative to the displacements
+  double residual = 0.0;  ///< ‖f − K·u‖ / ‖f‖ over the free equations
 };
 
 /// Everything of one run: what the problem file says, the system of equations, and the
@@ -158,6 +142,13 @@ public:
   void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes);
   void AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes);
   void AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes);
+  /// Adds the forces K·u of the elements, or of those of one mesh, for given displacements.
+  void AddForces(InternalForces& forces) const;
+  void AddForcesOfBeams(const Mesh& mesh, InternalForces& forces) const;
+  void AddForcesOfTriangles(const Mesh& mesh, InternalForces& forces) const;
+  void AddForcesOfTetras(const Mesh& mesh, InternalForces& forces) const;
+  /// Which nodes of a shell do not have all their triangles in one plane.
+  std::array<bool, 6> FoldedNodes(const Elem& shell) const;
   /// Adds the self-weight and the loads of the elements of a mesh to the load vector.
   void AddLoadsOnBeams(Mesh* mesh);
   void AddLoadsOnTriangles(Mesh* mesh);
@@ -231,10 +222,12 @@ public:
   // --- The system and the results ---
 
   std::unique_ptr<BSolver> solver;
-  std::optional<CheckedSolution> checkedSolution;  ///< of a direct solver, until it is checked
-  bool preSolved = false;                          ///< displacements are those of a coarser model
+  bool preSolved = false;        ///< displacements are those of a coarser model
   std::vector<int> coplanarity;  ///< by system number less 1: 1 where a shell is flat
   ReaVecV displacements;         ///< by equation; before the solution the loads
+  ReaVecV displacementRests;     ///< digits that the displacements lack, see SplitVector
+  ReaVecV elementForces;         ///< K·u, when known: by equation, global axes; until the reactions
+  SolutionAccuracy accuracy;
   std::vector<MeshResults> results;
   ReaVecV nodalStresses;  ///< of solids, six for each node by its system number
 
@@ -282,18 +275,19 @@ private:
   ElementSink& StiffnessSink() const;
   void MergeHinges(const Elem& elem);
   void SolveSystem(std::FILE* info);
-  void SolveChecked(std::FILE* info);
+  void SolveDirectly(std::FILE* info);
   void RequireSolution(int result) const;
+  void TellAccuracy(std::FILE* info) const;
   ComponentScale ScaleOfComponents() const;
   void StartReactions();
   void AddLoadsOnBeam(const Elem& elem, Matriu& T);
   void AddLoadsOnTriangle(const Elem& elem, Matriu& T, Matriu& Tbig);
   void AddLoadsOnTetra(const Elem& elem);
   void ApplySupports();
-  [[noreturn]] void SolverFailed(int result) const;
+  /// hint: a line after the message; empty for none.
+  [[noreturn]] void SolverFailed(int result, const std::string& hint = "") const;
 
-  ReaVecV CheckedForces();
-  ReaVecV ForcesAtSupports();
+  ReaVecV ForcesAtSupports() const;
   void HandOverMidSideReactions();
 
   // Blocks of the post-process results.

@@ -7,6 +7,8 @@
 #include <iterator>
 #include <span>
 
+#include "assembly/beam_blocks.h"
+#include "assembly/relative_motion.h"
 #include "base/array_size.h"
 #include "model/elem.h"
 #include "model/material.h"
@@ -49,16 +51,6 @@ double Cubic(double t, double L, double v1, double slope1, double v2, double slo
          (3.0 * t2 - 2.0 * t3) * v2 + (t3 - t2) * L * slope2;
 }
 
-// K·a + L·b for one end: its block with itself, and with the other end.
-double RowTimes(const Matriu& own, const double* a, const Matriu& other, bool transposed,
-                const double* b, int i)
-{
-  double sum = 0.0;
-  for (int j = 1; j <= own.Cols(); ++j)
-    sum += own(i, j) * a[j - 1] + (transposed ? other(j, i) : other(i, j)) * b[j - 1];
-  return sum;
-}
-
 }  // namespace
 
 BeamEnds Project::GiveBeamEnds(const Elem& elem, const Matriu& T) const
@@ -80,17 +72,16 @@ void Project::CalcStrengthsBeams(int mesh)
   MeshResults& result = results[mesh];
   result.blockSize = 2 * n;
   result.strengths.resize(ArrayLength(std::ssize(result.numbers), result.blockSize), 0.0);
-  Matriu K11, K12, K22, T;
-  int place = 0;
+  BeamBlocks K;
+  Matriu T;
+  double local[2 * kMaxComponents];
+  int place = 1;
   for (const Elem& elem : Each<Elem>(elems)) {
     const BeamSpan beam = SpanOf(elem, T);
-    beam.material.ConstructLocalK(elem.Num(), K11, K12, K22, dist2(elem(0), elem(1)), problemType,
-                                  beam.hingeCode);
-    const BeamEnds ends = GiveBeamEnds(elem, T);
-    for (int i = 1; i <= n; ++i)
-      result.strengths(++place) = RowTimes(K11, ends.first, K12, false, ends.second, i);
-    for (int i = 1; i <= n; ++i)
-      result.strengths(++place) = RowTimes(K22, ends.second, K12, true, ends.first, i);
+    K.Construct(beam);
+    TakeRelativeBeam(elem, beam.hingeCode, n, T, {displacements, displacementRests}, local);
+    K.Multiply(local, &result.strengths(place));
+    place += result.blockSize;
   }
 }
 

@@ -1,8 +1,7 @@
 #include <cmath>
+#include <utility>
 
-#include "assembly/element_assembly.h"
-#include "assembly/element_forces.h"
-#include "assembly/residual_check.h"
+#include "assembly/internal_forces.h"
 #include "base/constants.h"
 #include "model/elem.h"
 #include "model/node.h"
@@ -11,12 +10,12 @@
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 
-// The stiffness of the elements is calculated again, in global axes: with the displacements it
-// gives the forces that the nodes exert on the elements. The matrix is not needed any more.
+// A reaction is the force that the node exerts on the elements, less its load. The matrix is not
+// needed any more.
 void Project::CalcReactions()
 {
   solver.reset();
-  const ReaVecV forces = checkedSolution ? CheckedForces() : ForcesAtSupports();
+  const ReaVecV forces = elementForces.Size() > 0 ? std::move(elementForces) : ForcesAtSupports();
   for (const Node& node : Each<Node>(GiveNodes())) {
     if (!node.constraint)
       continue;
@@ -31,26 +30,12 @@ void Project::CalcReactions()
     HandOverMidSideReactions();
 }
 
-ReaVecV Project::ForcesAtSupports()
+ReaVecV Project::ForcesAtSupports() const
 {
-  ElementForces elements({&displacements});
-  AssembleStiffness(elements, kOnlyAtSupports);
-  return elements.Forces(0);
-}
-
-// Fatal when they miss the loads.
-ReaVecV Project::CheckedForces()
-{
-  const auto& [model, probe] = *checkedSolution;
-  const ResidualCheck check(GiveNodes(), ScaleOfComponents());
-  const ReaVecV ofProbe = check.InGlobalAxes(probe);
-  ElementForces elements({&displacements, &ofProbe});
-  AssembleStiffness(elements, kInGlobalAxes);
-  ReaVecV missing = elements.Forces(0);
-  if (!check.Holds(model, missing) || !check.HoldsProbe(probe, elements.Forces(1)))
-    SolverFailed(-1);
-  checkedSolution.reset();
-  return elements.Forces(0);
+  InternalForces forces({{displacements, displacementRests}}, displacements.Size(), freeDegrees,
+                        InternalForces::Elements::AtSupports);
+  AddForces(forces);
+  return std::move(forces.Forces(0));
 }
 
 double Project::GiveReaction(const Elem& elem, int dof, double t) const

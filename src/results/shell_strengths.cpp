@@ -32,10 +32,7 @@ void Project::CalcStrengthsTriangles(int mesh)
   int place = 0;
   for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
     shell.Evaluate(elem, RequireMaterial(elem));
-    for (int i = 0; i < nnode; ++i) {
-      std::copy_n(&displacements(Equation(*elem(i), 1)), 6, local + 6 * i);
-      TurnVector(shell.Frame(), Turn::ToLocal, 6, local + 6 * i);
-    }
+    shell.TakeRelative(elem, FoldedNodes(elem), {displacements, displacementRests}, local);
     const int offset = place * result.blockSize;
     shell.AddStrengths(local, result.strengths, offset);
     if (stressOutput != StressOutput::Local)

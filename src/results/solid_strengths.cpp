@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "assembly/relative_motion.h"
 #include "assembly/solid.h"
 #include "base/array_size.h"
 #include "model/elem.h"
@@ -22,8 +23,7 @@ void Project::CalcStrengthsTetras(int mesh)
   int offset = 0;
   for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
     solid.Evaluate(elem, RequireMaterial(elem));
-    for (int i = 0; i < nnode; ++i)
-      std::copy_n(&displacements(Equation(*elem(i), 1)), 3, u + 3 * i);
+    TakeRelativeSolid(elem, {displacements, displacementRests}, u);
     solid.AddStrengths(u, result.strengths, offset);
     offset += result.blockSize;
   }

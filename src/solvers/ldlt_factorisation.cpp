@@ -65,7 +65,7 @@ struct Panel
   int origin;  ///< first column held, that of a chunk
   int first;   ///< first column worked on, that of a panel
   std::vector<Column> columns;
-  std::vector<Column> probes;  ///< as many as a group of the kernel has rows
+  double diagonal[kPanelRows];  ///< entries of the matrix on the diagonal
 };
 
 /// One factorisation.
@@ -84,9 +84,7 @@ private:
   void FinishInChunk(Panel& panel, int chunk);
   void TakeOutChunk(std::span<Panel> batch, int chunk);
   void ReduceOwnGroup(Panel& panel, int chunk, int group);
-  void ReduceProbes(Panel& panel, int chunk, int end);
   int Eliminate(Panel& panel);
-  bool Accepts(const Panel& panel, int index);
   void StoreRows(const Panel& panel, int count) const;
 
   /// A step of the chunk for the rows of a block.
@@ -107,11 +105,7 @@ private:
   const std::vector<int> groupStarts;
   const std::vector<int> tileStarts;
   LdltBlocks blocks;
-  PivotCheck check;
   std::vector<double> pivots;
-
-  /// w/D of the probes, group by group like a block: what the panels are reduced by.
-  std::vector<double> probeRows;
   Panel panels[kPanelsPerChunk];
   std::vector<double> packed;  ///< a block that is not kept
   RowFetcher nextRows;         ///< of the chunk behind the one at work
@@ -126,9 +120,7 @@ Factorisation::Factorisation(const ProfileRows& rows, int size, const LdltOption
       groupStarts(FirstColumns(matrix, n, kernel.groupRows)),
       tileStarts(FirstColumns(matrix, n, kernel.tileRows)),
       blocks(FirstColumns(matrix, n, kPanelRows), KeptBytes(matrix, n, ldltOptions)),
-      check(matrix, n),
       pivots(static_cast<std::size_t>(RoundUp(n, kPanelRows))),
-      probeRows(pivots.size() * static_cast<std::size_t>(kernel.groupRows)),
       packed(kBlockSize),
       nextRows(rows)
 {
@@ -182,10 +174,8 @@ void Factorisation::Load(Panel& panel, int number)
   panel.first = blocks.PanelStart(number) / kPanelRows * kPanelRows;
   panel.columns.resize(
       std::max(panel.columns.size(), static_cast<std::size_t>(end - panel.origin)));
-  panel.probes.assign(static_cast<std::size_t>(kernel.groupRows), {});
   for (int r = 0; r < RowsOf(panel); ++r)
-    check.Begin(panel.Row() + r, matrix.rows[panel.Row() + r][0], panel.probes[0].values + r,
-                kPanelRows);
+    panel.diagonal[r] = matrix.rows[panel.Row() + r][0];
   for (int first = panel.first; first < end; first += kPanelRows)
     LoadColumns(panel, first, first + kPanelRows);
 }
@@ -230,7 +220,6 @@ void Factorisation::FinishInChunk(Panel& panel, int chunk)
                  groups);
   kernel.divide(panel.At(first), &pivots[first],
                 own + (first - chunk * kChunkColumns) * kernel.groupRows, end - first);
-  ReduceProbes(panel, chunk, end);
 }
 
 /// Takes the chunk out of the columns of the panels behind it.
@@ -266,16 +255,6 @@ void Factorisation::ReduceOwnGroup(Panel& panel, int chunk, int group)
   kernel.subtract(step, 1);
 }
 
-void Factorisation::ReduceProbes(Panel& panel, int chunk, int end)
-{
-  static constexpr int kStart = 0;
-  LdltStep step = StepFor(panel, chunk, end, panel.number, nullptr);
-  step.target = panel.probes[0].values;
-  step.block = &probeRows[static_cast<std::size_t>(chunk) * kChunkColumns * kernel.groupRows];
-  step.groupStarts = &kStart;
-  kernel.subtract(step, 1);
-}
-
 /// Factorises the block of the panel on the diagonal. Returns the index of the refused row, or -1.
 int Factorisation::Eliminate(Panel& panel)
 {
@@ -288,32 +267,13 @@ int Factorisation::Eliminate(Panel& panel)
       ReduceOwnGroup(panel, chunk, group);
     pivots[row] = panel.At(row)[r];
     options.onRow(row);
-    if (!Accepts(panel, r))
+    if (!AcceptsPivot(pivots[row], panel.diagonal[r]))
       return r;
     kernel.eliminate({.group = panel.At(panel.Row() + group * kernel.groupRows),
-                      .probes = panel.probes[0].values,
                       .block = own + row % kChunkColumns * kernel.groupRows,
                       .column = r});
-    double* const kept = &probeRows[static_cast<std::size_t>(row) * kernel.groupRows];
-    for (int probe = 0; probe < kProbes; ++probe)
-      kept[probe] = panel.probes[probe].values[r] / pivots[row];
   }
   return -1;
-}
-
-bool Factorisation::Accepts(const Panel& panel, int index)
-{
-  const int row = panel.Row() + index;
-  switch (check.Judge(row, pivots[row], panel.probes[0].values + index, kPanelRows)) {
-    case PivotCheck::Verdict::kAccepted:
-      return true;
-    case PivotCheck::Verdict::kRefused:
-      return false;
-    case PivotCheck::Verdict::kDoubtful:
-      break;
-  }
-  StoreRows(panel, index + 1);
-  return check.AcceptsMotion(row, pivots[row]);
 }
 
 /// Puts the first `count` rows of the panel, which are finished, into the matrix.

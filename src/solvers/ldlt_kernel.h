@@ -14,8 +14,6 @@ constexpr int kPanelRows = 24;
 /// Columns of a chunk, whole panels: the panel's part of a chunk stays in the first cache.
 constexpr int kChunkColumns = 96;
 constexpr int kPanelsPerChunk = kChunkColumns / kPanelRows;
-/// Right-hand sides that are carried along, see PivotCheck.
-constexpr int kProbes = 2;
 constexpr int kBlockSize = kPanelRows * kChunkColumns;
 
 /// The columns of a panel that belong to the rows of one block, and what is subtracted there:
@@ -35,10 +33,9 @@ struct LdltStep
 /// A column that is eliminated from the rest of its panel.
 struct LdltPivot
 {
-  double* group;   ///< the panel's columns of the group that it belongs to
-  double* probes;  ///< kProbes columns
-  double* block;   ///< the panel's own block at this column: element 0 of the first group
-  int column;      ///< within the panel
+  double* group;  ///< the panel's columns of the group that it belongs to
+  double* block;  ///< the panel's own block at this column: element 0 of the first group
+  int column;     ///< within the panel
 };
 
 /// A family of processors. `groupRows` and `tileRows` divide kPanelRows.
@@ -58,7 +55,7 @@ struct LdltKernel
   /// L(j,k) = G(j,k) / D(k) for `count` columns; block as in LdltPivot.
   void (*divide)(const double* panel, const double* pivots, double* block, int count);
 
-  /// Takes the finished column G(j,k) of a panel, whose pivot is G(k,k), out of the columns of
-  /// its group behind it and of the probes, and puts L(j,k) into the block.
+  /// Takes the finished column G(j,k) of a panel, whose pivot is G(k,k), out of the later columns
+  /// of its group, and puts L(j,k) into the block.
   void (*eliminate)(const LdltPivot& pivot);
 };

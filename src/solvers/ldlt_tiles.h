@@ -28,7 +28,7 @@ private:
   static constexpr int kGroups = kPanelRows / Columns;
   static constexpr int kGroupSize = kChunkColumns * Columns;
   static_assert(kPanelRows % kTileRows == 0 && kPanelRows % Columns == 0);
-  static_assert(Columns % Width == 0 && Columns >= kProbes);
+  static_assert(Columns % Width == 0);
 
   /// A vector as it stands in an array, at any place.
   using InMemory [[gnu::vector_size(Width * sizeof(double)), gnu::aligned(8), gnu::may_alias]] =
@@ -135,10 +135,6 @@ private:
     const double* const l = pivot.block + pivot.column / Columns * kGroupSize;
     for (int c = index + 1; c < Columns; ++c)
       SubtractColumn(pivot.group + c * kPanelRows, column, l[c]);
-    for (int probe = 0; probe < kProbes; ++probe) {
-      double* const w = pivot.probes + probe * kPanelRows;
-      SubtractColumn(w, column, w[pivot.column] / d);
-    }
   }
 };
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <initializer_list>
 #include <ostream>
 #include <vector>
 
@@ -49,7 +48,7 @@ public:
   int Solver(ReaVecV& b, std::FILE* info) override;
 
   /// Right-hand sides, each of GiveSize() components.
-  using RightHandSides = std::initializer_list<ReaVecV*>;
+  using RightHandSides = std::vector<ReaVecV*>;
 
   /// The same for several right-hand sides, of which each becomes its solution.
   int Solver(const RightHandSides& sides, std::FILE* info);

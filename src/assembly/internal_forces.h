@@ -1,0 +1,44 @@
+#pragma once
+
+#include <vector>
+
+#include "numeric/split_vector.h"
+
+class Elem;
+
+/// The forces that the nodes exert on the elements when they are displaced: K·u by equation in
+/// global axes, element by element, without the matrix K and for several u at once.
+///
+/// Every element works with its relative displacements (relative_motion.h), so that the forces
+/// are as accurate as the displacements allow, however large its rigid motion is.
+class InternalForces
+{
+public:
+  /// Which elements count.
+  enum class Elements
+  {
+    All,
+    AtSupports  ///< the forces of supported nodes are complete, those of others are not
+  };
+
+  /// For vectors of `equations` displacements, global axes, `components` a node.
+  InternalForces(std::vector<SplitView> displacements, int equations, int components,
+                 Elements elements = Elements::All);
+
+  int Count() const { return static_cast<int>(displacements.size()); }
+  const SplitView& Displacements(int index) const { return displacements[index]; }
+  bool Wants(const Elem& elem) const;
+
+  /// Adds the forces of an element's nodes, all components of a node after those of another, to
+  /// those of the vector of this index.
+  void Add(const Elem& elem, int index, const double* forces);
+
+  /// Those of the vector of this index, from 0.
+  ReaVecV& Forces(int index) { return sums[index]; }
+
+private:
+  std::vector<SplitView> displacements;
+  std::vector<ReaVecV> sums;
+  int components;
+  Elements which;
+};

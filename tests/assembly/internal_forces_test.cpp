@@ -1,0 +1,243 @@
+// Forces of elements from given displacements, against the assembled matrix and for rigid motions.
+
+#include "assembly/internal_forces.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+#include "problem/constraint.h"
+#include "problem/element_family.h"
+#include "solvers/skymatriu.h"
+#include "support/shell_model.h"
+#include "support/solid_model.h"
+#include "support/solved.h"
+#include "support/sparse.h"
+
+namespace {
+
+/// A model ready for its elements' forces: coplanarity is known, hinges are merged.
+struct Prepared
+{
+  explicit Prepared(const std::string& problem) : project(ReadProject(problem))
+  {
+    if (project->hasHinges)
+      project->CalcElemsRotules();
+    if (project->meshes.front()->GiveElemType() == Triangle)
+      project->CalcCoplanarityVector();
+    equations = project->numNodes * project->freeDegrees;
+    project->displacements.resize(equations, 0.0);
+  }
+
+  ReaVecV ForcesOf(const SplitView& u, InternalForces::Elements which) const
+  {
+    InternalForces forces({u}, equations, project->freeDegrees, which);
+    project->AddForces(forces);
+    return std::move(forces.Forces(0));
+  }
+
+  std::unique_ptr<Project> project;
+  int equations;
+};
+
+ReaVecV VectorOf(const std::vector<double>& values)
+{
+  ReaVecV v(static_cast<int>(values.size()));
+  std::copy(values.begin(), values.end(), v.Data());
+  return v;
+}
+
+/// The matrix of the elements of all meshes times u, in global axes.
+ReaVecV ByMatrix(const Prepared& model, const ReaVecV& u)
+{
+  Project& project = *model.project;
+  project.solver = std::make_unique<SkyMatriu>(model.equations);
+  for (int node = 1; node <= project.numNodes; ++node)
+    project.solver->EnterMaxDiff(1, node, project.freeDegrees);
+  project.solver->Create(project.freeDegrees);
+  for (const auto& mesh : project.meshes)
+    (project.*FamilyOf(*mesh).addStiffness)(mesh.get(), 0);
+  ReaVecV product(model.equations);
+  for (int i = 1; i <= model.equations; ++i)
+    product(i) = project.solver->ReturnRowPerVector(i, u);
+  return product;
+}
+
+double LargestOf(const ReaVecV& v)
+{
+  double largest = 0.0;
+  for (int i = 1; i <= v.Size(); ++i)
+    largest = std::max(largest, std::fabs(v(i)));
+  return largest;
+}
+
+/// The displacements of a rotation about an axis through a point, small against 1; nodes with
+/// rotations turn with it.
+ReaVecV RigidMotion(const Prepared& model, const Vector3& turn, const Vector3& shift)
+{
+  const Project& project = *model.project;
+  ReaVecV u;
+  u.resize(model.equations, 0.0);
+  for (const Node& node : Each<Node>(project.GiveNodes())) {
+    const Vector3 x = {node(1), node(2), node.Size() == 3 ? node(3) : 0.0};
+    const Vector3 v = shift + Cross(turn, x);
+    const int first = project.Equation(node, 1);
+    for (int k = 0; k < project.translations; ++k)
+      u(first + k) = v[k];
+    if (project.freeDegrees == 3 && project.translations == 2)
+      u(first + 2) = turn[2];
+    for (int k = 0; k < 3 && project.freeDegrees == 6; ++k)
+      u(first + 3 + k) = turn[k];
+  }
+  return u;
+}
+
+const std::string kHinged =
+    "problem type 3d\n"
+    "mesh dimension = 3 elemtype Linear nnode = 2\n"
+    "coordinates\n1 0 0 0\n2 2 1 0\n3 4 1 1\n4 6 0 1\n5 7 3 2\n6 8 5 1\n7 9 6 3\nend coordinates\n"
+    "elements\n1 1 2 1\n2 2 3 1\n3 3 4 1\n4 4 5 1\n5 5 6 1\n6 6 7 1\nend elements\n"
+    "materials\n1 E=200 G=80 A=2 Iy=1 Iz=3 J=1\nend materials\n"
+    "constraints\n1 111111 0 0 0 0 0 0 Euler1=0.3 Euler2=0.2 Euler3=0.1\nend constraints\n"
+    "elem_rotules\n2 10\n3 01\n4 00\nend\n";
+
+const std::string kPlaneHinged =
+    "problem type 2d\n"
+    "mesh dimension = 2 elemtype Linear nnode = 2\n"
+    "coordinates\n1 0 0\n2 2 1\n3 4 1\n4 6 0\n5 7 3\n6 8 5\n7 9 6\nend coordinates\n"
+    "elements\n1 1 2 1\n2 2 3 1\n3 3 4 1\n4 4 5 1\n5 5 6 1\n6 6 7 1\nend elements\n"
+    "materials\n1 E=200 A=2 Iz=3\nend materials\n"
+    "constraints\n1 111 0 0 0\nend constraints\n"
+    "elem_rotules\n2 10\n3 01\n4 00\nend\n";
+
+/// A strip with one plane end, where nodes are held against turning about the normal, and a
+/// curved one, where they are not.
+ShellModel Strip()
+{
+  ShellModel model = GridShell(4, 2, [](double u, double v) {
+    return Vector3{3.0 * u, 2.0 * v, std::max(0.0, u - 0.5) * std::max(0.0, u - 0.5)};
+  });
+  model.Hold(1, "111111");
+  model.Hold(6, "111000");
+  return model;
+}
+
+std::vector<std::string> Problems()
+{
+  std::vector<std::string> problems = {kHinged, kPlaneHinged, Strip().Text(),
+                                       WithMidSideNodes(Strip()).Text()};
+  for (const int nnode : {4, 10}) {
+    SolidModel model = SolidBlock({3, 1, 1}, {3.0, 1.0, 1.0}, nnode);
+    model.Map(Rotated);
+    model.supports[1] = {};
+    problems.push_back(model.Text());
+  }
+  return problems;
+}
+
+// The rotation about the normal of a plane is held by the ground.
+bool IsHeldByTheGround(const Prepared& model, const Node& node)
+{
+  return !model.project->coplanarity.empty() && model.project->coplanarity[node.number - 1] == 1;
+}
+
+}  // namespace
+
+TEST(InternalForces, AreTheProductWithTheMatrix)
+{
+  for (const std::string& problem : Problems()) {
+    const Prepared model(problem);
+    const ReaVecV u = VectorOf(RandomVector(model.equations, 1));
+    const ReaVecV rest = VectorOf(RandomVector(model.equations, 2));
+    ReaVecV sum(model.equations);
+    for (int i = 1; i <= model.equations; ++i)
+      sum(i) = u(i) + rest(i);
+    const ReaVecV expected = ByMatrix(model, sum);
+    const ReaVecV forces = model.ForcesOf({u, rest}, InternalForces::Elements::All);
+    for (int i = 1; i <= model.equations; ++i)
+      EXPECT_NEAR(forces(i), expected(i), 1e-13 * LargestOf(expected)) << i;  // rounding
+  }
+}
+
+TEST(InternalForces, RigidMotionsNeedNone)
+{
+  for (const std::string& problem : Problems()) {
+    const Prepared model(problem);
+    const bool plane = model.project->problemType == kPlane;
+    const Vector3 turn = plane ? Vector3{0, 0, 0.7} : Vector3{0.3, -0.5, 0.7};
+    const Vector3 shift = plane ? Vector3{1e6, -1e6, 0} : Vector3{1e6, -1e6, 1e6};
+    const ReaVecV u = RigidMotion(model, turn, shift);
+    const ReaVecV forces = model.ForcesOf(u, InternalForces::Elements::All);
+    for (const Node& node : Each<Node>(model.project->GiveNodes())) {
+      const int first = model.project->Equation(node, 1);
+      for (int k = 0; k < model.project->freeDegrees; ++k) {
+        if (k >= 3 && IsHeldByTheGround(model, node))
+          continue;
+        // The turn is lost in displacements of 1e6: their last digit is worth 1e-10.
+        EXPECT_NEAR(forces(first + k), 0.0, 1e-6) << node.number << " " << k;
+      }
+    }
+  }
+}
+
+// Next to a large rigid motion the second part of the displacements keeps all of its digits.
+TEST(InternalForces, RestCountsBesideLargeDisplacements)
+{
+  for (const std::string& problem : Problems()) {
+    const Prepared model(problem);
+    if (!model.project->coplanarity.empty())
+      continue;  // its turns are held
+    const bool plane = model.project->problemType == kPlane;
+    const ReaVecV large = RigidMotion(model, plane ? Vector3{0, 0, 1} : Vector3{1, 2, 3}, {});
+    const ReaVecV base = model.ForcesOf(large, InternalForces::Elements::All);
+    ReaVecV rest = VectorOf(RandomVector(model.equations, 3));
+    for (int i = 1; i <= model.equations; ++i)
+      rest(i) *= 1e-17;
+    const ReaVecV expected = ByMatrix(model, rest);
+    const ReaVecV forces = model.ForcesOf({large, rest}, InternalForces::Elements::All);
+    for (int i = 1; i <= model.equations; ++i) {
+      // Of the differences of the rigid motion, some 1e-16 are left, which round the rest to 1e-32.
+      EXPECT_NEAR(forces(i) - base(i), expected(i), 1e-9 * LargestOf(expected)) << i;
+    }
+  }
+}
+
+TEST(InternalForces, OfElementsAtSupportsAreThoseOfTheSupports)
+{
+  for (const std::string& problem : Problems()) {
+    const Prepared model(problem);
+    const ReaVecV u = VectorOf(RandomVector(model.equations, 4));
+    const ReaVecV all = model.ForcesOf(u, InternalForces::Elements::All);
+    const ReaVecV some = model.ForcesOf(u, InternalForces::Elements::AtSupports);
+    int supported = 0, shorter = 0;
+    for (const Node& node : Each<Node>(model.project->GiveNodes())) {
+      for (int k = 1; k <= model.project->freeDegrees; ++k) {
+        const int equation = model.project->Equation(node, k);
+        const bool equal = all(equation) == some(equation);
+        if (node.constraint) {
+          ++supported;
+          EXPECT_TRUE(equal) << equation;
+        } else {
+          shorter += !equal;
+        }
+      }
+    }
+    EXPECT_GT(supported, 0);
+    EXPECT_GT(shorter, 0) << problem;
+  }
+}
+
+TEST(InternalForces, WithoutElementsThereAreNone)
+{
+  const ReaVecV u = VectorOf(RandomVector(6, 1));
+  InternalForces forces({u}, 6, 3);
+  for (int i = 1; i <= 6; ++i)
+    EXPECT_EQ(forces.Forces(0)(i), 0.0);
+}

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <set>
 
+#include "assembly/solver_choice.h"
 #include "check/joined.h"
 #include "model/material.h"
 #include "model/mesh.h"
@@ -141,7 +142,7 @@ void AddSolver(Project& project, const Subject& subject, Summary& summary)
   const SolverTaken taken = SolverOf(project, subject);
   summary.solver = taken.name;
   summary.equations = (project.numNodes + taken.addedNodes) * project.freeDegrees;
-  if (taken.addedNodes > 0)
+  if (taken.addedNodes > 0 || project.solverSettings.type == SolverType::Automatic)
     return;
   const bool profile = project.solverSettings.type == SolverType::SkyLine;
   if (profile)
@@ -180,17 +181,32 @@ std::string UnitName(const std::string& name, const char* measured)
   return name.empty() ? Joined("[", measured, "]") : name;
 }
 
+const char* NameOf(SolverType type)
+{
+  switch (type) {
+    case SolverType::SkyLine:
+      return "SkyLine";
+    case SolverType::Sparse:
+      return "Sparse";
+    case SolverType::Double:
+      return "Double";
+    default:
+      return "Automatic";
+  }
+}
+
 }  // namespace
 
 SolverTaken SolverOf(Project& project, const Subject& subject)
 {
-  const bool twice = project.solverSettings.type == SolverType::Double;
-  const int added = project.convertTo6Nodes || twice ? MidSideNodes(subject) : 0;
-  project.numNodes += added;  // as the run does before it chooses
-  project.ChooseSolver();
-  project.numNodes -= added;
-  const bool profile = project.solverSettings.type == SolverType::SkyLine;
-  return {twice ? "Double" : profile ? "SkyLine" : "Sparse", added};
+  SolverType& type = project.solverSettings.type;
+  const int added =
+      project.convertTo6Nodes || type == SolverType::Double ? MidSideNodes(subject) : 0;
+  const long long equations =
+      static_cast<long long>(project.numNodes + added) * project.freeDegrees;
+  if (type == SolverType::Automatic && equations < kChoiceFrom)
+    type = SolverType::SkyLine;
+  return {NameOf(type), added};
 }
 
 Summary Summarise(Project& project, const Subject& subject)

@@ -26,10 +26,12 @@ struct Summary
   Point weight{};      ///< sum of the weight
   int equations = 0;
   std::string solver;        ///< as SolverTaken has it
-  std::int64_t entries = 0;  ///< stored numbers of the matrix; 0 where triangles get more nodes
+  std::int64_t entries = 0;  ///< stored numbers of the matrix; 0 where triangles get more nodes,
+                             ///< and where the run chooses the solver by the work
 };
 
-/// The solver that a run takes, as in the problem file, never "Automatic".
+/// The solver that a run takes, as in the problem file; "Automatic" for a large model, whose run
+/// chooses by the work.
 struct SolverTaken
 {
   std::string name;

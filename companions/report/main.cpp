@@ -85,7 +85,8 @@ ExitStatus Report(const Options& options)
   const results::Results results = results::ReadResults(model, options.input.Files());
   const AppliedLoads loads = AppliedLoadsOf(project, model);
   const Equilibrium equilibrium = EquilibriumOf(model, loads.nodes, results);
-  const bool iterated = check::SolverOf(project, check::SubjectOf(project)).name != "SkyLine";
+  const SolverType solver = project.solverSettings.type;
+  const bool iterated = solver == SolverType::Sparse || solver == SolverType::Double;
   const std::string advice = AdviceOf(equilibrium, model, iterated);
   const std::string name = file.filename().string();
   WritePage(output, name,

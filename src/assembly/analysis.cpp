@@ -1,11 +1,17 @@
 // The order of the analysis: from the model as read to the displacements.
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <sstream>
+#include <string>
 
 #include "assembly/six_nodes.h"
+#include "assembly/solver_choice.h"
 #include "assembly/support_axes.h"
 #include "base/array_size.h"
 #include "base/errorwriter.h"
+#include "base/memory_limit.h"
 #include "base/read_observer.h"
 #include "base/stprintf.h"
 #include "model/mesh.h"
@@ -21,8 +27,23 @@
 
 namespace {
 
-// From this number of equations on, the automatic choice is the sparse solver.
-constexpr int kSparseFrom = 15000;
+const char* NameOf(SolverType type)
+{
+  return type == SolverType::SkyLine ? "SkyLine" : "Sparse";
+}
+
+/// Why a model that is too large for the direct solver is refused.
+std::string NoSolverHint(const IterationReport& report, const SolverWork& work)
+{
+  std::ostringstream text;
+  stprintf(text,
+           "The iteration ended after %i iterations with a residual of %.1e, and the direct solver "
+           "would need %.0f Mb of memory. Give it so much, or more iterations by a line "
+           "\"Solver: Sparse 1e-5 1e-5 20000\"\n",
+           report.iterations, report.residual,
+           static_cast<double>(work.DirectBytes()) / (1024.0 * 1024.0));
+  return text.str();
+}
 
 void RequireLength(const Elem& beam)
 {
@@ -48,12 +69,54 @@ void Project::Calc(int renumber, std::FILE* info)
     PreSolve(renumber, info);
   if (convertTo6Nodes)
     ConvertTriangles(info);
-  ChooseSolver();
-  if (renumber && solverSettings.type == SolverType::SkyLine)
-    meshes.front()->RenumberNodes();
+  if (solverSettings.type == SolverType::Automatic) {
+    CalcAutomatically(renumber, info);
+    return;
+  }
+  Progress(info, "Solver %s taken, as the problem file asks\n", NameOf(solverSettings.type));
+  Number(renumber);
   MarkCoplanarNodes(info);
   MakeSolver();
-  Solve(info);
+  FillMatrixVectorAndSolve(info);
+}
+
+// Small models are solved directly. For large ones the faster solver is taken, and where that is
+// the iteration and it fails, the direct one after it.
+void Project::CalcAutomatically(int renumber, std::FILE* info)
+{
+  const std::optional<SolverWork> work = ChooseSolver(renumber, info);
+  MarkCoplanarNodes(info);
+  if (solverSettings.type == SolverType::SkyLine) {
+    MakeSolver();
+    FillMatrixVectorAndSolve(info);
+    return;
+  }
+  const std::uint64_t memory = MemoryLimit();
+  const bool fits = work->FitsDirectly(memory);
+  MakeIteration(fits ? work->IterationsWorthTrying() : SparseSolver::kMaxIterations);
+  PrepareSystem(info);
+  if (IterateToTheEnd(info)) {
+    FinishSolution(info);
+    return;
+  }
+  const IterationReport& report = static_cast<const SparseSolver&>(*solver).ModelReport();
+  if (!fits)
+    SolverFailed(-std::max(report.iterations, 1), NoSolverHint(report, *work));
+  Progress(info, "Solver SkyLine taken instead: after %i iterations the residual is %g\n",
+           report.iterations, report.residual);
+  solver.reset();
+  solverSettings.type = SolverType::SkyLine;
+  Number(renumber);
+  MarkCoplanarNodes(nullptr);
+  MakeSolver();
+  FillMatrixVectorAndSolve(info);
+}
+
+// The iteration runs on the numbers of the file.
+void Project::Number(int renumber)
+{
+  if (renumber && solverSettings.type == SolverType::SkyLine)
+    meshes.front()->RenumberNodes();
 }
 
 // The model as it stands, by the skyline solver: its displacements are the starting vector
@@ -66,7 +129,7 @@ void Project::PreSolve(int renumber, std::FILE* info)
   Progress(info, "Running a pre-solver to prepare initial values\n");
   MarkCoplanarNodes(info);
   solver = std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees));
-  Solve(info);
+  FillMatrixVectorAndSolve(info);
   solver.reset();
   coplanarity.clear();
   preSolved = true;
@@ -110,13 +173,6 @@ void Project::MarkCoplanarNodes(std::FILE* info)
            static_cast<int>(std::count(coplanarity.begin(), coplanarity.end(), 1)), numNodes);
 }
 
-void Project::Solve(std::FILE* info)
-{
-  displacements.resize(ArrayLength(numNodes, freeDegrees), 0.0);
-  displacements = 0.0;
-  FillMatrixVectorAndSolve(info);
-}
-
 void Project::CheckModel() const
 {
   for (const auto& mesh : meshes) {
@@ -140,12 +196,26 @@ void Project::RequireFamily(const Mesh& mesh) const
     Fatal("error: elements of type ", ElemTypeName(mesh.GiveElemType()), " need a 3d problem\n");
 }
 
-void Project::ChooseSolver()
+// Leaves the nodes with the numbers that the chosen solver works on. Small models have no
+// estimate.
+std::optional<SolverWork> Project::ChooseSolver(int renumber, std::FILE* info)
 {
-  if (solverSettings.type != SolverType::Automatic)
-    return;
-  const bool small = static_cast<long long>(numNodes) * freeDegrees < kSparseFrom;
-  solverSettings.type = small ? SolverType::SkyLine : SolverType::Sparse;
+  solverSettings.type = SolverType::SkyLine;
+  Number(renumber);
+  const long long equations = static_cast<long long>(numNodes) * freeDegrees;
+  if (equations < kChoiceFrom) {
+    Progress(info, "Solver SkyLine taken: %lld equations are less than %lld\n", equations,
+             kChoiceFrom);
+    return std::nullopt;
+  }
+  MarkCoplanarNodes(nullptr);
+  const SolverWork work = EstimateWork(*this);
+  const SolverChoice choice = FasterSolver(work, MemoryLimit());
+  solverSettings.type = choice.type;
+  Progress(info, "Solver %s taken: %s\n", NameOf(choice.type), choice.reason.c_str());
+  if (choice.type == SolverType::Sparse && renumber)
+    meshes.front()->RestoreNumbers();
+  return work;
 }
 
 void Project::MakeSolver()
@@ -163,6 +233,17 @@ void Project::MakeSolver()
                                                      s.tolerance2, s.maxIterations);
   if (preSolved)
     sparse->EnterInitialvalues(StartFromPreSolve());
+  solver = std::move(sparse);
+}
+
+// With the defaults but for the limit, and goes on until the results are good.
+void Project::MakeIteration(int mostIterations)
+{
+  auto sparse = std::make_unique<SparseSolver>(
+      numNodes, freeDegrees, SparseSolver::kTolerance1, SparseSolver::kTolerance2,
+      std::min(mostIterations, SparseSolver::kMaxIterations), solverSettings.processor);
+  sparse->Demand(
+      {.error = IterationDemands::kGoodError, .quotient = IterationDemands::kLeastQuotient});
   solver = std::move(sparse);
 }
 

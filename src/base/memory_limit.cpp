@@ -15,9 +15,16 @@ namespace {
 
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
-std::uint64_t Left(std::uint64_t limit, std::uint64_t used)
+/// Which bytes are asked for.
+enum class Bytes
 {
-  return limit == kNoLimit ? kNoLimit : limit - std::min(limit, used);
+  All,  ///< of a limit
+  Left  ///< without those in use
+};
+
+std::uint64_t BytesOf(Bytes which, std::uint64_t limit, std::uint64_t used)
+{
+  return limit == kNoLimit || which == Bytes::All ? limit : limit - std::min(limit, used);
 }
 
 // The number that a file holds; `otherwise` when there is none ("max", no such file).
@@ -40,11 +47,11 @@ std::uint64_t NumberBehind(const std::string& key, const std::string& file, std:
   return otherwise;
 }
 
-std::uint64_t LeftOfMachine(const MemorySources& sources)
+std::uint64_t OfMachine(Bytes which, const MemorySources& sources)
 {
   constexpr std::uint64_t kUnit = 1024;
-  const std::uint64_t free =
-      NumberBehind("MemAvailable:", sources.processes + "/meminfo", kNoLimit);
+  const char* const key = which == Bytes::All ? "MemTotal:" : "MemAvailable:";
+  const std::uint64_t free = NumberBehind(key, sources.processes + "/meminfo", kNoLimit);
   return free > kNoLimit / kUnit ? kNoLimit : free * kUnit;
 }
 
@@ -55,13 +62,14 @@ std::uint64_t LimitOf(__rlimit_resource resource)
                                                                              : limit.rlim_cur;
 }
 
-std::uint64_t LeftOfProcess(const MemorySources& sources)
+std::uint64_t OfProcess(Bytes which, const MemorySources& sources)
 {
   std::ifstream in(sources.processes + "/self/statm");  // in pages
   std::uint64_t size = 0, resident = 0, shared = 0, text = 0, libraries = 0, data = 0;
   in >> size >> resident >> shared >> text >> libraries >> data;
   const auto page = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
-  return std::min(Left(LimitOf(RLIMIT_AS), size * page), Left(LimitOf(RLIMIT_DATA), data * page));
+  return std::min(BytesOf(which, LimitOf(RLIMIT_AS), size * page),
+                  BytesOf(which, LimitOf(RLIMIT_DATA), data * page));
 }
 
 // The names of a group's files by the version of the control groups.
@@ -76,7 +84,7 @@ constexpr GroupFiles kVersion1 = {
     "memory.limit_in_bytes", "memory.usage_in_bytes", {"total_inactive_file", "total_active_file"}};
 constexpr GroupFiles kVersion2 = {"memory.max", "memory.current", {"inactive_file", "active_file"}};
 
-std::uint64_t LeftOfGroup(const std::string& folder, const GroupFiles& files)
+std::uint64_t OfGroup(Bytes which, const std::string& folder, const GroupFiles& files)
 {
   const std::uint64_t limit = NumberIn(folder + files.limit, kNoLimit);
   if (limit == kNoLimit)
@@ -84,18 +92,19 @@ std::uint64_t LeftOfGroup(const std::string& folder, const GroupFiles& files)
   std::uint64_t used = NumberIn(folder + files.usage, 0);
   for (const char* key : files.cache)
     used -= std::min(used, NumberBehind(key, folder + "memory.stat", 0));
-  return Left(limit, used);
+  return BytesOf(which, limit, used);
 }
 
 // Of a group and all those that it is in, up to the root.
-std::uint64_t LeftOfGroups(const std::string& root, std::string path, const GroupFiles& files)
+std::uint64_t OfGroups(Bytes which, const std::string& root, std::string path,
+                       const GroupFiles& files)
 {
-  std::uint64_t left = LeftOfGroup(root + "/", files);
+  std::uint64_t least = OfGroup(which, root + "/", files);
   while (path.size() > 1) {
-    left = std::min(left, LeftOfGroup(root + path + "/", files));
+    least = std::min(least, OfGroup(which, root + path + "/", files));
     path.resize(path.rfind('/'));
   }
-  return left;
+  return least;
 }
 
 // Whether the word is in a list of words between commas.
@@ -111,10 +120,10 @@ bool Lists(std::string_view list, std::string_view word)
 }
 
 // Lines "number:controllers:path"; the second version names no controllers.
-std::uint64_t LeftOfContainer(const MemorySources& sources)
+std::uint64_t OfContainer(Bytes which, const MemorySources& sources)
 {
   std::ifstream in(sources.processes + "/self/cgroup");
-  std::uint64_t left = kNoLimit;
+  std::uint64_t least = kNoLimit;
   for (std::string line; std::getline(in, line);) {
     const std::size_t first = line.find(':');
     const std::size_t second = line.find(':', first + 1);
@@ -124,18 +133,29 @@ std::uint64_t LeftOfContainer(const MemorySources& sources)
     const std::string controllers = line.substr(first + 1, second - first - 1);
     const std::string path = line.substr(second + 1);
     if (controllers.empty())
-      left = std::min(left, LeftOfGroups(sources.groups, path, kVersion2));
+      least = std::min(least, OfGroups(which, sources.groups, path, kVersion2));
     else if (Lists(controllers, "memory"))
-      left = std::min(left, LeftOfGroups(sources.groups + "/memory", path, kVersion1));
+      least = std::min(least, OfGroups(which, sources.groups + "/memory", path, kVersion1));
   }
-  return left;
+  return least;
+}
+
+std::uint64_t LeastOf(Bytes which, const MemorySources& sources)
+{
+  return std::min(
+      {OfProcess(which, sources), OfContainer(which, sources), OfMachine(which, sources)});
 }
 
 }  // namespace
 
 std::uint64_t AvailableMemory(const MemorySources& sources)
 {
-  return std::min({LeftOfProcess(sources), LeftOfContainer(sources), LeftOfMachine(sources)});
+  return LeastOf(Bytes::Left, sources);
+}
+
+std::uint64_t MemoryLimit(const MemorySources& sources)
+{
+  return LeastOf(Bytes::All, sources);
 }
 
 void RequireMemory(std::uint64_t bytes)

@@ -15,6 +15,10 @@ struct MemorySources
 /// What cannot be found out sets no limit.
 std::uint64_t AvailableMemory(const MemorySources& sources = {});
 
+/// The bytes that a process may take here when nothing else runs: the same limits, whatever is in
+/// use at the moment.
+std::uint64_t MemoryLimit(const MemorySources& sources = {});
+
 /// Fatal ("Not space available on heap") when the process cannot take this much more memory,
 /// or when no array can be so large.
 /// Called before a large array is allocated: the system may grant it, and end the process

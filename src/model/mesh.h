@@ -71,6 +71,8 @@ public:
   /// Numbers the nodes 1, 2, ... by their distance from the node farthest from the
   /// centroid, for a narrow profile. The numbers in the file stay known to GiveOldNumber.
   void RenumberNodes();
+  /// Gives the nodes back the numbers from before RenumberNodes.
+  void RestoreNumbers();
 
 private:
   void ReadNodes(TextScan& text, double lengthFactor);

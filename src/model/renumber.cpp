@@ -80,3 +80,12 @@ void Mesh::RenumberNodes()
   }
   oldNumbers = std::move(old);
 }
+
+void Mesh::RestoreNumbers()
+{
+  if (oldNumbers.empty())
+    return;
+  for (Node& node : Each<Node>(*nodes))
+    node.number = GiveOldNumber(&node);
+  oldNumbers.clear();
+}

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -32,6 +33,7 @@ class TextOut;
 struct BeamEnds;
 struct ComponentScale;
 struct ElementFamily;
+struct SolverWork;
 
 /// Results of the elements of one mesh, one block of values for each element.
 struct MeshResults
@@ -126,8 +128,6 @@ public:
   void CheckModel() const;
   /// Refuses meshes that `Solver Double` does not take.
   void CheckDoubleSolver() const;
-  /// Chooses the solver where the file leaves it open.
-  void ChooseSolver();
   void AddNodalLoads();
   void FillMatrixVectorAndSolve(std::FILE* info);
   /// Gives the triangles of a mesh nodes in the middle of their edges.
@@ -263,8 +263,11 @@ private:
   void PreSolve(int renumber, std::FILE* info);
   void ConvertTriangles(std::FILE* info);
   void MarkCoplanarNodes(std::FILE* info);
-  void Solve(std::FILE* info);
+  void CalcAutomatically(int renumber, std::FILE* info);
+  void Number(int renumber);
+  std::optional<SolverWork> ChooseSolver(int renumber, std::FILE* info);
   void MakeSolver();
+  void MakeIteration(int mostIterations);
   std::unique_ptr<double[]> StartFromPreSolve() const;
   Node& AddMidSideNode(const Node& a, const Node& b);
   /// Whether the analysis has made the node.
@@ -274,8 +277,12 @@ private:
   /// Where the stiffness of the elements goes: the matrix, if AssembleStiffness says nothing else.
   ElementSink& StiffnessSink() const;
   void MergeHinges(const Elem& elem);
-  void SolveSystem(std::FILE* info);
+  void PrepareSystem(std::FILE* info);
   void SolveDirectly(std::FILE* info);
+  void SolveByIteration(std::FILE* info);
+  bool IterateToTheEnd(std::FILE* info);
+  int Iterate(std::FILE* info);
+  void FinishSolution(std::FILE* info);
   void RequireSolution(int result) const;
   void TellAccuracy(std::FILE* info) const;
   ComponentScale ScaleOfComponents() const;

@@ -49,6 +49,17 @@ TEST_F(MemoryLimitTest, IsWhatTheMachineHas)
   EXPECT_EQ(Available(), 8 * kGiga);
 }
 
+TEST_F(MemoryLimitTest, LimitDoesNotDependOnWhatIsInUse)
+{
+  const std::string root = folder.Path().string();
+  const MemorySources sources = {root + "/proc", root + "/groups"};
+  EXPECT_EQ(MemoryLimit(sources), 16 * kGiga);
+  folder.Write("proc/self/cgroup", "0::/one\n");
+  WriteGroup("/one", std::to_string(3 * kGiga), kGiga);
+  EXPECT_EQ(MemoryLimit(sources), 3 * kGiga);
+  EXPECT_EQ(Available(), 2 * kGiga);
+}
+
 TEST_F(MemoryLimitTest, NothingIsLimitedWhereNothingIsKnown)
 {
   const std::string nowhere = folder.Path().string() + "/nowhere";

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "problem/settings.h"
+
+class Project;
+
+/// From this number of equations on, the automatic choice depends on the work.
+constexpr long long kChoiceFrom = 15000;
+
+/// The work that both equation solvers would have with a model. Times are those of the
+/// processor on which the constants in solver_choice.cpp were measured: only their ratio counts.
+struct SolverWork
+{
+  double profileEntries = 0.0;  ///< of the skyline matrix
+  double operations = 0.0;      ///< multiplications and additions of its factorisation
+  double sparseEntries = 0.0;   ///< of the sparse matrix
+  double iterations = 0.0;      ///< until the sparse solver has converged, about
+
+  double DirectSeconds() const;
+  /// Of one iteration for two right-hand sides.
+  double IterationSeconds() const;
+  double SparseSeconds() const;
+  /// Bytes of the skyline matrix and of the copies that its factorisation keeps.
+  std::uint64_t DirectBytes() const;
+  /// Whether these are not more than the limit.
+  bool FitsDirectly(std::uint64_t memoryLimit) const { return DirectBytes() <= memoryLimit; }
+  /// After so many iterations the direct solver would have been faster.
+  int IterationsWorthTrying() const;
+};
+
+/// The work with the numbers that the nodes have now, from the elements alone. The project's
+/// coplanarity marks must be set.
+SolverWork EstimateWork(const Project& project);
+
+/// The faster solver of those that fit, and why, in words.
+struct SolverChoice
+{
+  SolverType type = SolverType::SkyLine;
+  std::string reason;
+};
+
+SolverChoice FasterSolver(const SolverWork& work, std::uint64_t memoryLimit);

@@ -93,7 +93,9 @@ void Project::CalcAutomatically(int renumber, std::FILE* info)
   }
   const std::uint64_t memory = MemoryLimit();
   const bool fits = work->FitsDirectly(memory);
-  MakeIteration(fits ? work->IterationsWorthTrying() : SparseSolver::kMaxIterations);
+  MakeIteration();
+  if (fits)
+    static_cast<SparseSolver&>(*solver).LimitIterations(work->IterationsWorthTrying());
   PrepareSystem(info);
   if (IterateToTheEnd(info)) {
     FinishSolution(info);
@@ -236,12 +238,10 @@ void Project::MakeSolver()
   solver = std::move(sparse);
 }
 
-// With the defaults but for the limit, and goes on until the results are good.
-void Project::MakeIteration(int mostIterations)
+// With the defaults, but it goes on until the results are good.
+void Project::MakeIteration()
 {
-  auto sparse = std::make_unique<SparseSolver>(
-      numNodes, freeDegrees, SparseSolver::kTolerance1, SparseSolver::kTolerance2,
-      std::min(mostIterations, SparseSolver::kMaxIterations), solverSettings.processor);
+  auto sparse = std::make_unique<SparseSolver>(numNodes, freeDegrees);
   sparse->Demand(
       {.error = IterationDemands::kGoodError, .quotient = IterationDemands::kLeastQuotient});
   solver = std::move(sparse);

@@ -31,14 +31,18 @@ void AddRest(const double* rest, int count, double* out)
     out[k] += rest[k];
 }
 
-/// u −= ω × d, of which u has the first `count` components.
+/// u −= ω × d, of which u has the first `count` components. Extended precision keeps the digits
+/// in which u and the product, nearly equal, differ.
 void SubtractTurn(const std::array<double, 3>& turn, const std::array<double, 3>& d, int count,
                   double* u)
 {
-  u[0] -= turn[1] * d[2] - turn[2] * d[1];
-  u[1] -= turn[2] * d[0] - turn[0] * d[2];
-  if (count > 2)
-    u[2] -= turn[0] * d[1] - turn[1] * d[0];
+  for (int k = 0; k < count; ++k) {
+    const int k1 = (k + 1) % 3;
+    const int k2 = (k + 2) % 3;
+    const long double first = static_cast<long double>(turn[k1]) * d[k2];
+    const long double second = static_cast<long double>(turn[k2]) * d[k1];
+    u[k] = static_cast<double>(u[k] - (first - second));
+  }
 }
 
 /// The node whose end of the beam is not hinged, from 0; -1 when both are.

@@ -267,7 +267,7 @@ private:
   void Number(int renumber);
   std::optional<SolverWork> ChooseSolver(int renumber, std::FILE* info);
   void MakeSolver();
-  void MakeIteration(int mostIterations);
+  void MakeIteration();
   std::unique_ptr<double[]> StartFromPreSolve() const;
   Node& AddMidSideNode(const Node& a, const Node& b);
   /// Whether the analysis has made the node.

@@ -109,6 +109,15 @@ Point NormalOf(const Elem& elem)
   return Cross(Minus(PlaceOf(*elem(1)), a), Minus(PlaceOf(*elem(2)), a));
 }
 
+// The determinant of edges as long as those at the first corner, but at right angles.
+double LargestDeterminant(const Elem& elem)
+{
+  double product = 1.0;
+  for (int i = 1; i < (elem.ElemType() == Triangle ? 3 : 4); ++i)
+    product *= std::sqrt(dist2(elem(0), elem(i)));
+  return product;
+}
+
 double SumOfSquares(const Elem& elem, int corners)
 {
   double sum = 0.0;
@@ -144,7 +153,7 @@ void CheckShape(const Elem& elem, Recorder& recorder)
   const double determinant = DeterminantOf(elem);
   const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Element, elem.Num());
   const std::string name = Joined("element ", elem.Num());
-  if (!(std::fabs(determinant) >= EPSILON))
+  if (!ExceedsRounding(std::fabs(determinant), LargestDeterminant(elem)))
     recorder.Error(place, name, solid ? " has no volume" : " has no area");
   else if (determinant < 0.0)
     recorder.Error(place, name, " is turned: its fourth node stands on the wrong side");

@@ -231,16 +231,18 @@ void AddSupport(const Project& project, const Body& body, const Node& node, bool
   }
 }
 
-std::string Rounded(double value)
+std::string Rounded(double value, double size)
 {
   char text[32];
-  std::snprintf(text, sizeof text, "%.4g", std::fabs(value) < 1e-9 ? 0.0 : value);
+  std::snprintf(text, sizeof text, "%.4g", std::fabs(value) < 1e-9 * size ? 0.0 : value);
   return text;
 }
 
-std::string Listed(const Point& p)
+// What is small beside the size is rounding error.
+std::string Listed(const Point& p, double size)
 {
-  return Joined("(", Rounded(p[0]), ", ", Rounded(p[1]), ", ", Rounded(p[2]), ")");
+  return Joined("(", Rounded(p[0], size), ", ", Rounded(p[1], size), ", ", Rounded(p[2], size),
+                ")");
 }
 
 std::string DirectionName(Point d)
@@ -251,7 +253,7 @@ std::string DirectionName(Point d)
     if (std::fabs(d[k]) > 1.0 - 1e-9)
       return std::string(1, "XYZ"[k]);
   }
-  return Listed(d);
+  return Listed(d, 1.0);
 }
 
 // A motion with a rotation is one about an axis; a shift along it is left to other motions.
@@ -264,7 +266,7 @@ std::string MotionName(const Body& body, const Point& t, const Point& w)
   for (int k = 0; k < 3; ++k)
     on[k] = body.centre[k] + on[k] / turn;
   const bool screw = std::fabs(Dot(w, t)) > 1e-6 * turn * body.size;
-  return Joined("turn about the axis along ", DirectionName(w), " through ", Listed(on),
+  return Joined("turn about the axis along ", DirectionName(w), " through ", Listed(on, body.size),
                 screw ? " while moving along it" : "");
 }
 

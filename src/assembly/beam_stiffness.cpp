@@ -38,7 +38,7 @@ struct LocalBlocks
 
 void Require(double value, const char* what, int elemNumber)
 {
-  if (!(value >= EPSILON))
+  if (!(value > 0.0))
     AttemptOn(ReadItem::Element, elemNumber,
               [&] { Fatal("error: ", what, " is 0 for element ", elemNumber, "\n"); });
 }

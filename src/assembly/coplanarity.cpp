@@ -17,9 +17,11 @@ constexpr int kMostElementsAround = 25;
 
 ReaVec UnitNormal(const Elem& elem)
 {
-  const ReaVec normal = VectorProd(*elem(1) - *elem(0), *elem(2) - *elem(0));
+  const ReaVec first = *elem(1) - *elem(0);
+  const ReaVec second = *elem(2) - *elem(0);
+  const ReaVec normal = VectorProd(first, second);
   const double length = normal.modul();
-  if (!(length >= EPSILON))
+  if (!ExceedsRounding(length, first.modul() * second.modul()))
     Fatal("error: element ", elem.Num(), " is not correct\n");
   return normal / length;
 }

@@ -45,7 +45,7 @@ SpanLoad Project::LoadOn(const BeamSpan& beam) const
 {
   SpanLoad sum;
   const double weight = beam.material.Weight * beam.material.A;
-  if (weight > EPSILON) {
+  if (weight > 0.0) {
     PreassureLT selfWeight(PreassureLT_type::Global);
     selfWeight.EnterWeight(weight, gravityDirection, problemType);
     selfWeight.AddToSpanLoad(beam, sum);
@@ -83,10 +83,10 @@ void Project::AddLoadsOnTriangle(const Elem& elem, Matriu& T, Matriu& Tbig)
   const Material& material = RequireMaterial(elem);
   const double weight = material.Weight * material.t;
   const BaseElemLoads* load = Find<BaseElemLoads>(elemLoads, elem.Num());
-  if (!(weight > EPSILON) && !load)
+  if (!(weight > 0.0) && !load)
     return;
   elem.CalcTransfMatrixTriangle(T, Tbig, &material);
-  if (weight > EPSILON) {
+  if (weight > 0.0) {
     PreassureLT selfWeight(PreassureLT_type::Global);
     selfWeight.EnterWeight(weight, gravityDirection, problemType);
     selfWeight.AddToLoadVectorTriangle(elem, T, displacements);
@@ -104,7 +104,7 @@ void Project::AddLoadsOnTetras(Mesh* mesh)
 void Project::AddLoadsOnTetra(const Elem& elem)
 {
   const double weight = RequireMaterial(elem).Weight;
-  if (weight > EPSILON) {
+  if (weight > 0.0) {
     PreassureLT selfWeight(PreassureLT_type::Global);
     selfWeight.EnterWeight(weight, gravityDirection, kSpace);  // whatever the header says
     selfWeight.AddToLoadVectorTetra(elem, displacements);

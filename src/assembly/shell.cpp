@@ -1,6 +1,7 @@
 #include "assembly/shell.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "assembly/relative_motion.h"
 #include "base/constants.h"
@@ -29,7 +30,7 @@ double ConstructB6nodesAndJ(const Elem& elem, const double* x, const double* y,
 {
   double J[2][2];
   const double det = CalcJ6nod(x, y, at, J);
-  if (!(det >= EPSILON))
+  if (!ExceedsRounding(det, std::hypot(J[0][0], J[0][1]) * std::hypot(J[1][0], J[1][1])))
     Fatal("error: element ", elem.Num(), " has jacobian 0\n");
   for (int i = 0; i < 6; ++i) {
     const double Nxi = at.slopes[0][i];
@@ -80,7 +81,8 @@ void ShellEvaluator::CalcTurns()
 void ShellEvaluator::EvaluateThreeNodes(const Elem& elem)
 {
   const double twoA = (x[1] - x[0]) * (y[2] - y[0]) - (x[2] - x[0]) * (y[1] - y[0]);
-  if (!(twoA >= EPSILON))
+  if (!ExceedsRounding(twoA,
+                       std::hypot(x[1] - x[0], y[1] - y[0]) * std::hypot(x[2] - x[0], y[2] - y[0])))
     Fatal("error: element ", elem.Num(), " has jacobian <=0\n");
   double a[3], b[3], c[3];
   for (int i = 0; i < 3; ++i) {

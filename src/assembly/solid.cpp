@@ -1,6 +1,7 @@
 #include "assembly/solid.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "base/constants.h"
 #include "base/errorwriter.h"
@@ -32,13 +33,24 @@ NodeNumbers CrossOver(const double a[3], const double b[3], double divisor)
           (a[0] * b[1] - a[1] * b[0]) / divisor};
 }
 
+// The volume of a box whose edges have the lengths of these three.
+double BoxVolume(const double (*edges)[3])
+{
+  double volume = 1.0;
+  for (int i = 0; i < 3; ++i) {
+    const double* e = edges[i];
+    volume *= std::sqrt(e[0] * e[0] + e[1] * e[1] + e[2] * e[2]);
+  }
+  return volume;
+}
+
 }  // namespace
 
 double ConstructBtetra(const Elem& elem, const double (*d)[3], std::array<NodeNumbers, 10>& B)
 {
   const NodeNumbers n = CrossOver(d[2], d[3], 1.0);
   const double det = d[1][0] * n[0] + d[1][1] * n[1] + d[1][2] * n[2];
-  if (!(det >= EPSILON))
+  if (!ExceedsRounding(det, BoxVolume(d + 1)))
     Fatal("error: element ", elem.Num(), " has jacobian <=0\n");
   B[1] = CrossOver(d[2], d[3], det);
   B[2] = CrossOver(d[3], d[1], det);
@@ -53,7 +65,7 @@ double ConstructB10nodesAndJ(const Elem& elem, const double (*d)[3], const TenNo
 {
   double J[3][3], inverse[3][3];
   const double det = CalcJ10nod(d, at, J);
-  if (!(det >= EPSILON))
+  if (!ExceedsRounding(det, BoxVolume(J)))
     Fatal("error: element ", elem.Num(), " has jacobian 0\n");
   Invert(J, det, inverse);
   for (int i = 0; i < 10; ++i) {

@@ -52,7 +52,7 @@ void Material::SetToNegative()
 void Material::ComposeMaterial(const Material* base)
 {
   for (double Material::*value : kValues) {
-    if (this->*value < -EPSILON)
+    if (this->*value < 0.0)
       this->*value = base ? base->*value : 0.0;
   }
   if (eulerGiven || !base || !base->eulerGiven)

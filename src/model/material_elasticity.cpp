@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include "base/errorwriter.h"
@@ -17,7 +18,7 @@ void Refuse(int elemNumber, const char* text)
 
 void RequirePositive(double value, int elemNumber, const char* text)
 {
-  if (!(value >= EPSILON))
+  if (!(value > 0.0))
     Refuse(elemNumber, text);
 }
 
@@ -54,8 +55,10 @@ void RequireSolidValues(const Material& m, int elemNumber)
 
 bool IsSymmetric(const Material& material)
 {
-  const double difference = material.nuXY * material.E1 - material.nuYX * material.E2;
-  return std::fabs(difference) <= EPSILON;
+  constexpr double kLastDigits = 1e-12;
+  const double x = material.nuXY * material.E1;
+  const double y = material.nuYX * material.E2;
+  return std::fabs(x - y) <= kLastDigits * std::max(std::fabs(x), std::fabs(y));
 }
 
 void Material::GiveDMatrix(int elemNumber, Matriu& Dm, Matriu& Db, Matriu& Ds) const

@@ -3,5 +3,5 @@
 class Material;
 
 /// Whether the ratios of an orthotropic material make its matrix symmetric: Ex*nuXY = Ey*nuYX,
-/// to an absolute 1e-15, which is exact for all but the smallest moduli.
+/// to 1e-12 of the larger product.
 bool IsSymmetric(const Material& material);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/constants.h"
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
 
@@ -27,6 +26,11 @@ std::string_view BehindUnitsWord(std::string_view line)
 
 }  // namespace
 
+bool IsFactor(double size)
+{
+  return size > 0.0 && std::isfinite(size);
+}
+
 int CompareUnitsBase(const UnitsBase& a, const UnitsBase& b)
 {
   return a.name.compare(b.name);
@@ -39,7 +43,7 @@ double Units::Ratios::Of(int forcePower, int lengthPower) const
 
 Units::Ratios Units::RatiosOf(const UnitsBase& given) const
 {
-  if (!(given.facN >= EPSILON && given.facM >= EPSILON))
+  if (!IsFactor(given.facN) || !IsFactor(given.facM))
     Fatal("error: Unit name '", given.name, "' must have two positive numbers\n");
   return {given.facN / resForce, given.facM / resLength};
 }

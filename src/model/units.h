@@ -16,6 +16,9 @@ struct UnitsBase
   double facM = 1.0;        ///< size of the length unit
 };
 
+/// Whether the size of a unit can be one: positive and finite.
+bool IsFactor(double size);
+
 /// Order of two unit systems by name, byte by byte: below, equal to or above 0.
 int CompareUnitsBase(const UnitsBase& a, const UnitsBase& b);
 

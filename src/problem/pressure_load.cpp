@@ -102,7 +102,7 @@ double UnitFactor(ElemType elemType, int face, const Units::Ratios& ratios)
 double ProjectedPart(const BeamSpan& beam, const ReaVec& load)
 {
   const double size = load.modul();
-  if (!(size >= EPSILON))
+  if (!(size > 0.0))
     return 1.0;
   const Node& first = *beam.elem(0);
   const Node& second = *beam.elem(1);
@@ -110,6 +110,12 @@ double ProjectedPart(const BeamSpan& beam, const ReaVec& load)
   for (int k = 1; k <= second.Size(); ++k)
     d(k) = second(k) - first(k);
   return VectorProd(d, load).modul() / (beam.L * size);
+}
+
+bool LeavesPlane(const double* force)
+{
+  const double size = std::hypot(force[0], force[1], force[2]);
+  return !(std::fabs(force[2]) <= EPSILON * size);
 }
 
 }  // namespace
@@ -124,7 +130,7 @@ void PreassureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE problem, std::string_
     Matriu T;
     FillFrame(AxesFromEuler(items.angles), 3, T);
     TurnVector(T, Turn::ToGlobal, 3, values);
-    if (problem == kPlane && elemType != Tetrahedra && !(std::fabs(values[2]) <= EPSILON))
+    if (problem == kPlane && elemType != Tetrahedra && LeavesPlane(values))
       Fatal("error: Local z axe must be (0,0,1) for 2D problems.Element:", elemNumber, "\n");
   }
   const double factor = UnitFactor(elemType, face, items.ratios);

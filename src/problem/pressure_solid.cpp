@@ -123,7 +123,7 @@ ReaVec PreassureLT::OnSurface(const ReaVec& normal) const
     return axes.x * load(1) + axes.y * load(2) + axes.z * load(3);
   }
   const double size = load.modul();
-  if (type == PreassureLT_type::GlobalProjected && size >= EPSILON)
+  if (type == PreassureLT_type::GlobalProjected && size > 0.0)
     return load * (std::fabs(normal * load) / size);
   return load;
 }

@@ -61,7 +61,7 @@ void PreassureLT::AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, Rea
     TurnVector(T, Turn::ToGlobal, kComponents, load);
   } else if (type == PreassureLT_type::GlobalProjected) {
     const double size = std::hypot(load[0], load[1], load[2]);
-    if (size >= EPSILON)
+    if (size > 0.0)
       factor = std::fabs(T(1, 3) * load[0] + T(2, 3) * load[1] + T(3, 3) * load[2]) / size;
   }
   double x[6], y[6], areas[6];

@@ -40,9 +40,9 @@ bool IsAngle(double angle)
   return angle >= EPSILON && angle <= std::numbers::pi;
 }
 
-void RequirePositive(double factor, const char* message)
+void RequireFactor(double size, const char* message)
 {
-  if (!(factor >= EPSILON))
+  if (!IsFactor(size))
     Fatal(message);
 }
 
@@ -75,7 +75,7 @@ UnitsBase ReadUnitsBase(std::string_view line)
 void Project::ReadUnitsMesh(TextScan&, const std::string& value)
 {
   meshLength = GiveUnitsBaseFromLength(value)->facM;
-  RequirePositive(meshLength, "error: Units_mesh must be a positive number\n");
+  RequireFactor(meshLength, "error: Units_mesh must be a positive number\n");
 }
 
 void Project::ReadUnitsMatAndLoad(TextScan&, const std::string& value)
@@ -83,8 +83,8 @@ void Project::ReadUnitsMatAndLoad(TextScan&, const std::string& value)
   const UnitsBase& base = *GiveUnitsBase(value);
   matLoadForce = base.facN;
   matLoadLength = base.facM;
-  RequirePositive(std::min(matLoadForce, matLoadLength),
-                  "error: units_mat_and_load must be two positive numbers\n");
+  for (const double size : {matLoadForce, matLoadLength})
+    RequireFactor(size, "error: units_mat_and_load must be two positive numbers\n");
 }
 
 void Project::ReadUnitsRes(TextScan&, const std::string& value)
@@ -95,8 +95,8 @@ void Project::ReadUnitsRes(TextScan&, const std::string& value)
   resForceName = base.nameN;
   resLengthName = base.nameM;
   resPressureName = base.namePa;
-  RequirePositive(std::min(resForce, resLength),
-                  "error: units_res must be two positive numbers and three names\n");
+  for (const double size : {resForce, resLength})
+    RequireFactor(size, "error: units_res must be two positive numbers and three names\n");
 }
 
 void Project::ReadNumOfDivisions(TextScan&, const std::string& value)

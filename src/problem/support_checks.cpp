@@ -36,11 +36,12 @@ void CheckOneSupport(const Node& node, int components, std::ostream& message)
 void CheckTwoSupports(const Node& a, const Node& b, int components, std::ostream& message)
 {
   ReaVec d = b - a;
-  if (!(d.modul() > EPSILON) || a.constraint->localAxes || b.constraint->localAxes)
+  const double distance = d.modul();
+  if (!(distance > 0.0) || a.constraint->localAxes || b.constraint->localAxes)
     return;
   for (int axis = 1; axis <= d.Size() && components == 6; ++axis) {
     const bool held = IsPrescribed(a, 3 + axis) || IsPrescribed(b, 3 + axis);
-    if (held && std::fabs(d(axis)) > EPSILON)
+    if (held && ExceedsRounding(std::fabs(d(axis)), distance))
       return;
   }
   message << "There are only two prescribed nodes in the model!!!\n"

@@ -1,17 +1,29 @@
 #include "results/principal_values.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
 #include "base/constants.h"
 #include "numeric/reavecv.h"
 
-void CalcMainValuesAndAngle(double a, double b, double c, double& first, double& second,
-                            double& angle)
+namespace {
+
+double LargestOf(const double* tensor)
 {
-  if (std::fabs(c) < EPSILON)
+  return std::max({std::fabs(tensor[0]), std::fabs(tensor[1]), std::fabs(tensor[2])});
+}
+
+}  // namespace
+
+void CalcMainValuesAndAngle(double a, double b, double c, double& first, double& second,
+                            double& angle, double sizeOfOthers)
+{
+  const double size = std::max({std::fabs(a), std::fabs(b), std::fabs(c), sizeOfOthers});
+  const double rounding = EPSILON * size;
+  if (std::fabs(c) <= rounding)
     angle = 0.0;
-  else if (std::fabs(a - b) < EPSILON)
+  else if (std::fabs(a - b) <= rounding)
     angle = std::numbers::pi / 4.0;
   else
     angle = 0.5 * std::atan2(2.0 * c / (b - a), 1.0);
@@ -29,15 +41,16 @@ void CalcNewEulerAngles(const Axes& axes, double angle, double euler[3])
 }
 
 void ConvertResultsToMainValues(ReaVecV& values, int offset, int points, ReaVecV& angles,
-                                int angleOffset, const Axes& axes, ReaVecV* out)
+                                int angleOffset, const Axes& axes, ReaVecV* out, double length)
 {
   for (int point = 0; point < points; ++point, offset += 8, angleOffset += 6) {
     const double* v = &values(offset + 1);
     double main[8] = {};
     double angle = 0.0;
-    CalcMainValuesAndAngle(v[0], v[1], v[2], main[0], main[1], angle);
+    const double ofMoments = length > 0.0 ? LargestOf(v + 3) / length : 0.0;
+    CalcMainValuesAndAngle(v[0], v[1], v[2], main[0], main[1], angle, ofMoments);
     CalcNewEulerAngles(axes, angle, &angles(angleOffset + 1));
-    CalcMainValuesAndAngle(v[3], v[4], v[5], main[3], main[4], angle);
+    CalcMainValuesAndAngle(v[3], v[4], v[5], main[3], main[4], angle, LargestOf(v) * length);
     CalcNewEulerAngles(axes, angle, &angles(angleOffset + 4));
     main[6] = std::cos(angle) * v[6] + std::sin(angle) * v[7];
     main[7] = -std::sin(angle) * v[6] + std::cos(angle) * v[7];

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include "assembly/shell.h"
 #include "base/array_size.h"
@@ -39,7 +40,8 @@ void Project::CalcStrengthsTriangles(int mesh)
       ConvertResultsToMainValues(
           result.strengths, offset, points, result.mainAngles, place * kAngles * points,
           AxesFromMatriu(shell.Frame()),
-          stressOutput == StressOutput::MainAndLocal ? &result.mainStrengths : nullptr);
+          stressOutput == StressOutput::MainAndLocal ? &result.mainStrengths : nullptr,
+          std::sqrt(shell.Area()));
     ++place;
   }
 }

@@ -211,7 +211,7 @@ int SkyMatriu::Solver(const RightHandSides& sides, std::FILE* info)
 
 int SkyMatriu::ApplyConstraint(int eq, double value, ReaVecV& b)
 {
-  if (std::fabs(value) >= EPSILON)
+  if (value != 0.0)
     ForEachInRow(eq, [&](int i, double entry) { b(i) -= value * entry; });
   EraseRowColumn(eq);
   val(eq, eq) = 1.0;

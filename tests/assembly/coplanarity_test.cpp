@@ -146,6 +146,20 @@ TEST(Coplanarity, RefusesATriangleWithoutANormal)
   ExpectFatal([&] { Solved{model.Text()}; }, "error: element 3 is not correct\n");
 }
 
+TEST(Coplanarity, JudgesTrianglesOfAnySize)
+{
+  for (const double unit : {1e-12, 1.0, 1e12}) {
+    ShellModel model = GridShell(1, 1, [unit](double u, double v) {
+      return Vector3{unit * u, unit * v, 0.0};
+    });
+    EXPECT_EQ(MarksOf(model), (std::vector<int>{1, 1, 1, 1}));
+    // On a line but for rounding.
+    model.nodes = {
+        {0, 0, 0}, {0.1 * unit, 0.3 * unit, 0}, {0.2 * unit, 0, 0}, {0.7 * unit, 2.1 * unit, 0}};
+    ExpectFatal([&] { MarksOf(model); }, "error: element 1 is not correct\n");
+  }
+}
+
 TEST(Coplanarity, TakesTwentyFiveTrianglesAroundANodeAndNoMore)
 {
   const std::string message = "error: Node 1 has too many elements around (more than 25)\n";

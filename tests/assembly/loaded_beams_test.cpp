@@ -582,7 +582,7 @@ TEST(SelfWeight, RespectsHinges)
 
 TEST(SelfWeight, WithoutWeightThereIsNone)
 {
-  for (const char* weight : {"", " Weight 0", " Weight 1e-16"}) {
+  for (const char* weight : {"", " Weight 0", " Weight -1e-16"}) {
     const ProblemParts parts =
         Heavy(false, "").With(&ProblemParts::materials, std::string("1 E 200 A 3 Iz 7") + weight);
     const Solved solved(parts.Text());  // gravity along z does not matter

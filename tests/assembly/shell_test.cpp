@@ -147,8 +147,21 @@ TEST(Shell, RefusesADegenerateTriangle)
   ShellModel model = OneTriangle(3);
   model.nodes[2] = model.nodes[0];
   ExpectFatal([&] { OneElement{model}; }, "error: element 1 has jacobian <=0\n");
-  model.nodes = {{0, 0, 0}, {1e-8, 0, 0}, {0, 1e-8, 0}};
-  ExpectFatal([&] { OneElement{model}; }, "error: element 1 has jacobian <=0\n");
+  // The corners are on a line but for the rounding of their coordinates, in whatever unit.
+  for (const double unit : {1e-9, 1.0, 1e9}) {
+    model.nodes = {{0, 0, 0}, {0.1 * unit, 0.3 * unit, 0}, {0.7 * unit, 2.1 * unit, 0}};
+    ExpectFatal([&] { OneElement{model}; }, "error: element 1 has jacobian <=0\n");
+  }
+}
+
+TEST(Shell, OfAnySizeIsAccepted)
+{
+  for (const int nnode : {3, 6}) {
+    ShellModel model = OneTriangle(nnode);
+    for (Vector3& node : model.nodes)
+      node = 1e-12 * node;
+    const OneElement one(model);
+  }
 }
 
 TEST(Shell, RefusesASixNodeTriangleFoldedOntoItself)

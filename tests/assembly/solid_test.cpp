@@ -284,13 +284,24 @@ TEST(SolidBlocks, FaultyShapesAreRefused)
     ExpectFatal([&] { OneElement element(c.model); }, c.message);
 }
 
-TEST_P(Solid, VolumeBelowTheLimitIsRefused)
+TEST_P(Solid, OfAnySizeIsAccepted)
 {
-  // 1e-15 is the smallest determinant.
-  const SolidModel good = UnitSolid(GetParam()).Map([](const Vector3& x) { return 1.1e-5 * x; });
-  const SolidModel small = UnitSolid(GetParam()).Map([](const Vector3& x) { return 0.9e-5 * x; });
-  OneElement element(good);
-  EXPECT_NE(FatalCaught([&] { OneElement refused(small); }), "(the run went on)");
+  for (const double size : {1e-12, 1e12})
+    OneElement element(UnitSolid(GetParam()).Map([size](const Vector3& x) { return size * x; }));
+}
+
+// The corners are in a plane but for the rounding of their coordinates, in whatever unit.
+TEST_P(Solid, FlatButForRoundingIsRefused)
+{
+  for (const double size : {1e-9, 1.0, 1e9}) {
+    for (const double height : {1e-16, 3e-16}) {
+      const SolidModel flat = UnitSolid(GetParam()).Map([=](const Vector3& x) {
+        return Vector3{size * (x[0] + 0.3 * x[2]), size * (x[1] + 0.3 * x[2]),
+                       size * height * x[2]};
+      });
+      EXPECT_NE(FatalCaught([&] { OneElement refused(flat); }), "(the run went on)");
+    }
+  }
 }
 
 TEST_P(Solid, MaterialsThatDoNotFitAreRefused)

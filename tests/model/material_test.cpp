@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/textscan.h"
+#include "model/material_symmetry.h"
 #include "model/units.h"
 #include "numeric/matriu.h"
 #include "numeric/matriu_arithmetic.h"
@@ -292,6 +293,17 @@ TEST(Material, OwnMaterialIsCompletedFromABase)
   EXPECT_EQ(own.Euler[1], 0.4);
 }
 
+TEST(Material, NegativeValuesOfAnElementAreNotGiven)
+{
+  Material base;
+  base.Weight = 3.0;
+  Material own;
+  own.SetToNegative();
+  own.Weight = -1e-20;
+  own.ComposeMaterial(&base);
+  EXPECT_EQ(own.Weight, 3.0);
+}
+
 TEST(Material, OwnAnglesAndZerosAreKept)
 {
   Material base = Isotropic(2e11, 0.3);
@@ -431,7 +443,7 @@ TEST(Material, ShellMatricesNeedTheirValues)
       {&Material::t, 0.0, "error in element 12 Shell thickness is 0\n"},
       {&Material::t, -1.0, "error in element 12 Shell thickness is 0\n"},
       {&Material::t, kNaN, "error in element 12 Shell thickness is 0\n"},
-      {&Material::E1, 0.9e-15, "error in element 12 Ex is 0\n"},
+      {&Material::E1, 0.0, "error in element 12 Ex is 0\n"},
       {&Material::E2, 0.0, "error in element 12 Ey is 0\n"},
       {&Material::Gxy, 0.0, "error in element 12 Gxy is 0\n"},
       {&Material::Gxz, 0.0, "error in element 12 Gxz is 0\n"},
@@ -457,6 +469,38 @@ TEST(Material, ShellMatricesNeedTheirValues)
   m = Isotropic(1.0, 0.1);
   m.nuXY = m.nuYX = -1.0;
   ExpectFatal([&] { m.GiveDMatrix(12, Dm, Db, Ds); }, "error in element 12 nuXY*nuYX is 1\n");
+}
+
+TEST(Material, SmallValuesOfShellsCount)
+{
+  Matriu Dm(3, 3), Db(3, 3), Ds(2, 2);
+  Material m = Isotropic(1e-16, 0.0);
+  m.Gxy = m.Gxz = m.Gyz = 1e-17;
+  m.t = 1e-18;
+  m.GiveDMatrix(1, Dm, Db, Ds);
+  EXPECT_DOUBLE_EQ(Dm(1, 1), 1e-34);
+  EXPECT_DOUBLE_EQ(Dm(3, 3), 1e-35);
+}
+
+// The two products may differ by 1e-12 of themselves, whatever the unit of the moduli.
+TEST(Material, SymmetryIsJudgedInAnyUnit)
+{
+  for (const double unit : {1e-25, 1e-9, 1.0, 3.3e11}) {
+    Material m = Isotropic(1.1 * unit, 0.21);
+    m.E2 = 3.3 * unit;
+    for (const double part : {-9e-13, 0.0, 9e-13}) {
+      m.nuYX = 0.07 * (1.0 + part);
+      EXPECT_TRUE(IsSymmetric(m)) << unit << " " << part;
+    }
+    for (const double part : {-1.1e-12, 1.1e-12, kNaN}) {
+      m.nuYX = 0.07 * (1.0 + part);
+      EXPECT_FALSE(IsSymmetric(m)) << unit << " " << part;
+    }
+  }
+  Material m = Isotropic(1e-25, 0.0);
+  EXPECT_TRUE(IsSymmetric(m));
+  m.nuXY = 1e-3;
+  EXPECT_FALSE(IsSymmetric(m));
 }
 
 // The inverse is Hooke's law: 1/E, -nu/E, 2(1 + nu)/E.

@@ -1,6 +1,7 @@
 #include "model/units.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -179,8 +180,19 @@ TEST(Units, RecordsRefuseFactorsThatAreNotPositive)
   const char* const message = "error: Unit name 'A' must have two positive numbers\n";
   ExpectFatal([&] { units.RatiosOf(base); }, message);
   base.facN = 1.0;
-  base.facM = -1000.0;
-  ExpectFatal([&] { units.RatiosOf(base); }, message);
+  for (const double factor : {-1000.0, std::nan(""), HUGE_VAL}) {
+    base.facM = factor;
+    ExpectFatal([&] { units.RatiosOf(base); }, message);
+  }
+}
+
+TEST(Units, FactorsMayBeSmall)
+{
+  Units units;
+  units.resForce = 1e-18;
+  const Units::Ratios ratios = units.RatiosOf({.facN = 1e-20, .facM = 1e-30});
+  EXPECT_DOUBLE_EQ(ratios.force, 1e-2);
+  EXPECT_DOUBLE_EQ(ratios.length, 1e-30);
 }
 
 }  // namespace

@@ -205,6 +205,12 @@ TEST(PreassureLT, EulerAnglesTurnTheValues)
   expected[3] = 5;
   ExpectValues(ReadRecord(Local, kSpace, Linear, std::string(" 1 -2 3 5") + items).values, expected,
                1e-15);
+  // In the plane what leaves it is compared with the load.
+  ExpectRefused(Global, kPlane, Linear, " 3e-20 4e-20 Euler2=0.5",
+                "error: Local z axe must be (0,0,1) for 2D problems.Element:7\n");
+  ExpectValues(
+      ReadRecord(Global, kPlane, Linear, " 3e20 4e20 Euler2=" + Digits(std::numbers::pi)).values,
+      {3e20, -4e20, 0, 0, 0, 0}, 1e-15);
   // In the plane: clockwise by a quarter turn.
   ExpectValues(
       ReadRecord(Global, kPlane, Linear, " 3 4 Euler1=" + Digits(std::numbers::pi / 2)).values,
@@ -307,6 +313,12 @@ TEST(PreassureLT, ABeamAlongAProjectedLoadCarriesNone)
   }
   const auto upright = SpaceProblem().With(&ProblemParts::coordinates, "1 0 0 0\n2 0 0 3");
   EXPECT_EQ(OnBeam(upright, GlobalProjected, {0, 0, -10}), Doubles(4, 0.0));
+}
+
+TEST(PreassureLT, ASmallProjectedLoadIsProjected)
+{
+  ExpectValues(OnBeam(TiltedBeam(), GlobalProjected, {0, 0, -1e-20}), {-4.8e-21, 0, -6.4e-21, 0},
+               1e-14);
 }
 
 TEST(PreassureLT, AProjectedLoadOfNothingIsNothing)

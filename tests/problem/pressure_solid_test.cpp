@@ -315,6 +315,15 @@ TEST(PressureOnSolids, ProjectedOnACurvedFace)
 }
 
 // Two corners in one place with their middle: a face without area takes no load.
+TEST(PressureOnSolids, ProjectsASmallLoad)
+{
+  // The face 1 of the unit solid has the normal (1,1,1)/√3 and a shadow of 1/2 along z.
+  SolidModel model = UnitSolid(4);
+  model.rest = "global_projected_pressure_loads\n1 1 0 0 -1e-20\nend\n";
+  const Resultant sum = ResultantOf(model, ElementLoads(model));
+  EXPECT_NEAR(sum.force[2], -0.5e-20, 1e-33);  // rounding
+}
+
 TEST(PressureOnSolids, FaceWithoutAreaTakesNoLoad)
 {
   SolidModel model = UnitSolid(4);

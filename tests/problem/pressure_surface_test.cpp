@@ -118,6 +118,15 @@ TEST(PressureOnTriangle, HasTheDirectionsOfItsKind)
   }
 }
 
+TEST(PressureOnTriangle, ProjectsASmallLoad)
+{
+  const auto loads = LoadsOf(Roof(), PreassureLT_type::GlobalProjected, "0 0 -1e-20");
+  double sum = 0.0;
+  for (const auto& load : loads)
+    sum += load[2];
+  EXPECT_NEAR(sum, -3.0 * 0.8 * 1e-20, 1e-33);  // rounding
+}
+
 TEST(PressureOnTriangle, TakesAFourthLocalValueAsAMomentAboutX)
 {
   const auto loads = LoadsOf(Roof(), PreassureLT_type::Local, "0 0 0 7");

@@ -317,12 +317,14 @@ TEST(ProblemUnits, FactorsMustBePositive)
   const char* const res = "error: units_res must be two positive numbers and three names\n";
   ExpectRefused(table("1 0") + "units_mesh b", mesh);
   ExpectRefused(table("1 -1") + "units_mesh b", mesh);
-  ExpectRefused(table("1 9e-16") + "units_mesh b", mesh);
+  EXPECT_EQ(ReadWith(table("1 1e-18") + "units_mesh b")->meshLength, 1e-18);
   EXPECT_EQ(ReadWith(table("0 1") + "units_mesh b")->meshLength, 1.0);
-  for (const char* factors : {"0 1", "1 0", "-1 1", "1 9e-16"}) {
+  for (const char* factors : {"0 1", "1 0", "-1 1", "1 -1e-18"}) {
     ExpectRefused(table(factors) + "units_mat_and_load bad", matAndLoad);
     ExpectRefused(table(factors) + "units_res bad", res);
   }
+  EXPECT_EQ(ReadWith(table("1e-18 1") + "units_mat_and_load bad")->matLoadForce, 1e-18);
+  EXPECT_EQ(ReadWith(table("1 1e-18") + "units_res bad")->resLength, 1e-18);
 }
 
 TEST(ProblemUnits, TableOf120LinesIsSorted)

@@ -138,6 +138,14 @@ TEST(SupportChecks, TwoSupportsInOnePlaceOrWithAxesOfTheirOwnAreNotJudged)
   EXPECT_EQ(SpaceCheck("1 111000 0 0 0 0 0 0 Euler1=0\n2 111000 0 0 0 0 0 0"), "");
 }
 
+TEST(SupportChecks, ShortLinesAreJudgedLikeLongOnes)
+{
+  const char* const second = "1e-17 -2e-17 0";
+  EXPECT_EQ(SpaceCheck("1 111001 0 0 0 0 0 0\n2 111001 0 0 0 0 0 0", second),
+            CanRotate("   1.000000e-17  -2.000000e-17   0.000000e+00"));
+  EXPECT_EQ(SpaceCheck("1 111000 0 0 0 0 0 0\n2 000100 0 0 0 0 0 0", second), "");
+}
+
 TEST(SupportChecks, WithThreeComponentsRotationsAreNotPrescribed)
 {
   EXPECT_EQ(TwoMeshCheck("1 111 0 0 0\n3 111 0 0 0"), CanRotate("   3.000000e+00   4.000000e+00"));

@@ -69,6 +69,26 @@ TEST(PrincipalValues, KeepTheOrderOfTheAxes)
   EXPECT_NEAR(other.second, 0.0, 1e-15);
 }
 
+// The angle is that of the tensor, whatever the unit of its values; rounding is relative.
+TEST(PrincipalValues, HaveAnAngleInAnyUnit)
+{
+  for (const double unit : {0x1p-100, 0x1p-40, 0x1p40, 0x1p100}) {  // scale without rounding
+    for (const double c : {-4.0, -0.1, 1e-14, 2.0}) {
+      for (const double b : {-2.0, 0.0, 4.0}) {
+        const Main one = MainOf(3.0, b, c);
+        const Main other = MainOf(3.0 * unit, b * unit, c * unit);
+        EXPECT_EQ(other.angle, one.angle);
+        EXPECT_EQ(other.first, one.first * unit);
+        EXPECT_EQ(other.second, one.second * unit);
+      }
+    }
+    EXPECT_EQ(MainOf(2.0 * unit, 5.0 * unit, 4e-15 * unit).angle, 0.0);
+    EXPECT_EQ(MainOf(5.0 * unit, 5.0 * unit * (1.0 - 0x1p-51), 2.0 * unit).angle, kPi / 4);
+    EXPECT_EQ(MainOf(5.0 * unit, 5.0 * unit, 0.0).angle, 0.0);
+  }
+  EXPECT_EQ(MainOf(0.0, 0.0, 0.0).angle, 0.0);
+}
+
 TEST(PrincipalValues, AreTheEigenvaluesWhateverTheTensor)
 {
   for (const double a : {-3.0, 0.0, 1.0, 7.5}) {
@@ -100,6 +120,28 @@ TEST(PrincipalAxes, AreTheLocalOnesTurnedAboutTheNormal)
       EXPECT_NEAR(turned.x(k), x(k), 1e-12);
       EXPECT_NEAR(turned.z(k), axes.z(k), 1e-12);
     }
+  }
+}
+
+// Moments of 1e-17 beside forces of 4 on an element of 0.5 are rounding errors, and so are such
+// forces beside moments; their axes are the local ones.
+TEST(MainValues, OfRoundingErrorsKeepTheLocalAxes)
+{
+  const double noise[] = {3e-17, -1e-17, 2e-17};
+  const double strong[] = {1, 4, 2};
+  for (const double unit : {1e-20, 1.0, 1e20}) {
+    ReaVecV values(16), angles(12);
+    for (int k = 0; k < 3; ++k) {
+      values(k + 1) = values(k + 12) = unit * strong[k];
+      values(k + 4) = values(k + 9) = unit * noise[k];
+      values(7) = values(8) = values(15) = values(16) = 0.0;
+    }
+    ConvertResultsToMainValues(values, 0, 2, angles, 0, AxesWith({0, 0, 0}), nullptr, 0.5);
+    const double half = 0.5 * std::atan(4.0 / 3.0);
+    ExpectValues(Values(angles), {0, 0, 2 * kPi - half, 0, 0, 0, 0, 0, 0, 0, 0, 2 * kPi - half},
+                 1e-12);
+    EXPECT_EQ(values(4), unit * noise[0]);
+    EXPECT_EQ(values(9), unit * noise[0]);
   }
 }
 

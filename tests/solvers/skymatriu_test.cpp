@@ -635,7 +635,7 @@ TEST(SkyMatriu, SupportedChainOfSpringsStretches)
 
 TEST(SkyMatriu, ConstraintOfZeroLeavesTheRightHandSide)
 {
-  for (const double value : {0.0, 9e-16, -9e-16}) {
+  for (const double value : {0.0, -0.0}) {
     SkyMatriu matrix(3);
     CreateSmall(matrix);
     matrix(2, 1) = -1e20;  // would show in b
@@ -658,6 +658,18 @@ TEST(SkyMatriu, ConstraintMovesItsColumn)
   EXPECT_EQ(matrix.ApplyConstraint(2, 2.0, b), 2);
   EXPECT_EQ(ToStd(b), (std::vector<double>{13.0, 2.0, 9.5}));
   ExpectMatrix(matrix, {{4, 0, 0}, {0, 1, 0}, {0, 0, 6}});
+}
+
+TEST(SkyMatriu, ASmallConstraintMovesItsColumn)
+{
+  SkyMatriu matrix(3);
+  CreateSmall(matrix);
+  ReaVecV b(3);
+  b = 0.0;
+  constexpr double kSmall = 0x1p-51;  // 4.4e-16
+  matrix.ApplyConstraint(2, kSmall, b);
+  // The entries (1,2) and (3,2) of the matrix are -1.5 and 0.25.
+  EXPECT_EQ(ToStd(b), (std::vector<double>{1.5 * kSmall, kSmall, -0.25 * kSmall}));
 }
 
 TEST(SkyMatriu, PrescribedValuesGiveTheDenseSolution)

@@ -20,7 +20,10 @@ struct RoughModel
 {
   std::string text;  ///< what it is, for the table
   std::function<Structure()> make;
-  bool solvable = true;  ///< whether it must not be refused
+  /// Whether it must not be refused. That is so where factors in double precision take away 9/10
+  /// of an error or more, and hold against the rounding of pivots: refinement by exact residuals,
+  /// tried with the reference, then needs at most six steps.
+  bool solvable = true;
 };
 
 void PrintTo(const RoughModel& model, std::ostream* out)
@@ -64,7 +67,7 @@ void AddChains(std::vector<RoughModel>& models)
                s.HoldNode(1, kClamped);
                return all ? s.LoadAll({0, -1}) : s.Load(beams + 1, {0, -1});
              },
-             beams < 4000 || (angle == 0.0 && beams < 5000)});
+             beams <= 2000 || (angle == 0.0 && beams < 5000)});
       }
     }
   }
@@ -77,14 +80,16 @@ void AddChains(std::vector<RoughModel>& models)
                           s.HoldNode(1, kPin).HoldNode(beams + 1, kRollerInX);
                           return s.LoadAll({0, -1});
                         },
-                        beams < 4000 || angle == 0.0});
+                        beams <= 2000 || angle == 0.0});
     }
   }
   for (const int beams : {1000, 2490}) {
-    models.push_back({"cantilever in space of " + std::to_string(beams) + " beams, oblique", [=] {
+    models.push_back({"cantilever in space of " + std::to_string(beams) + " beams, oblique",
+                      [=] {
                         Structure s = Chain(beams, true, {0.48, 0.6, 0.64});
                         return s.HoldNode(1, kClamped).Load(beams + 1, {1, 1, -1, 2, 0, 0});
-                      }});
+                      },
+                      beams == 1000});
   }
 }
 
@@ -169,15 +174,18 @@ void AddLinks(std::vector<RoughModel>& models)
     for (const double factor : {1e4, 1e8})
       models.push_back({"girders joined by links of " + Text("%g m, ", length) +
                             Text("%g times stiffer", factor),
-                        [=] { return LinkedGirders(length, factor, 0.3); }});
+                        [=] { return LinkedGirders(length, factor, 0.3); },
+                        length > 0.1 && factor < 1e5});
   }
   for (const double length : {1e-1, 1e-2, 1e-3}) {
-    models.push_back({"beams of 1 m and of " + Text("%g m by turns", length), [=] {
+    models.push_back({"beams of 1 m and of " + Text("%g m by turns", length),
+                      [=] {
                         Structure s = Chain(200, false, Inclined(0.3));
                         for (int i = 0; i <= 200; ++i)
                           s.nodes[i] = ((i + 1) / 2 + i / 2 * length) * Inclined(0.3);
                         return s.HoldNode(1, kClamped).Load(201, {0, -1});
-                      }});
+                      },
+                      length > 1e-3});
   }
 }
 
@@ -237,7 +245,8 @@ void AddCables(std::vector<RoughModel>& models)
                           s.sections[0].J *= factor;
                           s.HoldNode(1, kClamped).HoldNode(beams + 1, kBall);
                           return s.LoadAll({1e-3, 0, -1e-2, 0, 0, 0});
-                        }});
+                        },
+                        factor == 1e-3 || (factor == 1e-6 && beams == 20)});
     }
   }
 }
@@ -245,12 +254,14 @@ void AddCables(std::vector<RoughModel>& models)
 void AddSpringsAndSolids(std::vector<RoughModel>& models)
 {
   for (const double stiffness : {1e-6, 1e10, 1e20, 1e30}) {
-    models.push_back({"frame on springs of " + Text("%g kN/m", stiffness), [=] {
+    models.push_back({"frame on springs of " + Text("%g kN/m", stiffness),
+                      [=] {
                         Structure s = Storeys(4, 20, {2, 2, 2, 0, 0, 0});
                         for (Frame::Support& support : s.supports)
                           support.values = {stiffness, stiffness, stiffness};
                         return s.Load(81, {1, -1});
-                      }});
+                      },
+                      stiffness > 1.0});
   }
   for (const int nnode : {4, 10}) {
     for (const double nu : {0.49, 0.4999, 0.4999999}) {

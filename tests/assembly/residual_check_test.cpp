@@ -8,6 +8,7 @@
 #include <cmath>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "support/shell_model.h"
 #include "support/solid_model.h"
 #include "support/solved.h"
+#include "support/structure.h"
 
 namespace {
 
@@ -50,6 +52,12 @@ std::string NameOf(const testing::TestParamInfo<Model>& info)
   return info.param.name;
 }
 
+/// Directions of chains; horizontal ones lose least by rounding.
+const std::vector<std::pair<std::string, Vector3>> kInclined = {
+    {"", {1, 0, 0}},
+    {"Inclined", {std::cos(0.3), std::sin(0.3), 0}},
+    {"Steep", {std::cos(1.4), std::sin(1.4), 0}}};
+
 std::string EndOf(const Model& model, const std::string& units)
 {
   const std::string problem = model.problem(ComputedIn(units));
@@ -77,85 +85,6 @@ void AddWithLoads(std::vector<Model>& models, const std::string& name,
 
 // --- Beams ---
 
-constexpr std::array<int, 6> kPin = {1, 1, 0, 0, 0, 0};
-constexpr std::array<int, 6> kRollerInX = {0, 1, 0, 0, 0, 0};
-constexpr std::array<int, 6> kBall = {1, 1, 1, 0, 0, 0};
-
-/// A steel section, HEB 200 or so.
-Frame::Section Steel()
-{
-  return {.E = 2.1e8, .G = 8.1e7, .A = 78e-4, .Iy = 20e-6, .Iz = 57e-6, .J = 0.6e-6};
-}
-
-Frame SteelFrame(bool space)
-{
-  Frame frame;
-  frame.space = space;
-  frame.sections = {Steel()};
-  return frame;
-}
-
-/// Beams one behind the other along a direction, 1 m each.
-Frame Chain(int beams, bool space, const Vector3& direction = {1, 0, 0})
-{
-  Frame frame = SteelFrame(space);
-  for (int i = 0; i <= beams; ++i)
-    frame.nodes.push_back(static_cast<double>(i) * direction);
-  for (int i = 1; i <= beams; ++i)
-    frame.beams.push_back({i, i + 1});
-  return frame;
-}
-
-/// Columns in rows of `columns` nodes, `storeys` high, with girders; feet first.
-Frame Storeys(int columns, int storeys, const std::array<int, 6>& feet)
-{
-  Frame frame = SteelFrame(false);
-  for (int j = 0; j <= storeys; ++j) {
-    for (int i = 0; i < columns; ++i)
-      frame.nodes.push_back({5.0 * i, 3.0 * j, 0});
-  }
-  const auto at = [&](int i, int j) { return 1 + i + j * columns; };
-  for (int j = 0; j < storeys; ++j) {
-    for (int i = 0; i < columns; ++i)
-      frame.beams.push_back({at(i, j), at(i, j + 1)});
-    for (int i = 0; i + 1 < columns; ++i)
-      frame.beams.push_back({at(i, j + 1), at(i + 1, j + 1)});
-  }
-  for (int i = 0; i < columns; ++i)
-    frame.supports.push_back({at(i, 0), feet});
-  return frame;
-}
-
-/// A beam whose ends slide along slopes: the first of 1 to 2, the other at this angle (Euler1).
-Frame OnSkewRollers(double other)
-{
-  Frame frame = Chain(4, false);
-  frame.supports = {{1, kRollerInX, {}, Vector3{-0.4636476090008061, 0, 0}},
-                    {5, kRollerInX, {}, Vector3{other, 0, 0}},
-                    {3, {0, 0, 1}}};
-  return frame;
-}
-
-/// A tower of square storeys in space on four feet.
-Frame Tower(int storeys, const std::array<int, 6>& feet)
-{
-  Frame frame = SteelFrame(true);
-  for (int j = 0; j <= storeys; ++j) {
-    for (const Vector3& corner : {Vector3{0, 0, 0}, {5, 0, 0}, {5, 5, 0}, {0, 5, 0}})
-      frame.nodes.push_back({corner[0], corner[1], 3.0 * j});
-  }
-  for (int j = 0; j < storeys; ++j) {
-    for (int i = 0; i < 4; ++i) {
-      const int above = 5 + 4 * j + i;
-      frame.beams.push_back({above - 4, above});
-      frame.beams.push_back({above, 5 + 4 * j + (i + 1) % 4});
-    }
-  }
-  for (int i = 1; i <= 4; ++i)
-    frame.supports.push_back({i, feet});
-  return frame;
-}
-
 std::string Loaded(Frame frame, const std::string& settings, int node, const Vector3& load,
                    const std::string& rest = "")
 {
@@ -175,20 +104,27 @@ std::string Hinged(int first, int last)
 void AddPlaneMechanisms(std::vector<Model>& models)
 {
   for (const int beams : {1, 7, 400}) {
-    AddWithLoads(models, "PlaneChainWithoutRotationSupport" + std::to_string(beams),
-                 {{"Turned", {0, -1, 0}}, {"Pulled", {1, 0, 0}}, {"Unloaded", {}}},
-                 [=](const std::string& settings, const Vector3& load) {
-                   Frame frame = Chain(beams, false, {0.8, 0.6, 0});
-                   frame.supports = {{1, kPin}};
-                   return Loaded(frame, settings, beams + 1, load);
-                 });
-    AddWithLoads(models, "PlaneBeamOnRollers" + std::to_string(beams),
-                 {{"Driven", {1, -1, 0}}, {"Across", {0, 0, 1}}},
-                 [=](const std::string& settings, const Vector3& load) {
-                   Frame frame = Chain(beams, false);
-                   frame.supports = {{1, kRollerInX}, {beams + 1, kRollerInX}};
-                   return Loaded(frame, settings, beams / 2 + 1, load);
-                 });
+    for (const auto& [inclined, direction] : kInclined) {
+      AddWithLoads(models, "PlaneChainWithoutRotationSupport" + std::to_string(beams) + inclined,
+                   {{"Turned", {0, -1, 0}}, {"Pulled", {1, 0, 0}}, {"Unloaded", {}}},
+                   [=, along = direction](const std::string& settings, const Vector3& load) {
+                     Frame frame = Chain(beams, false, along);
+                     frame.supports = {{1, kPin}};
+                     return Loaded(frame, settings, beams + 1, load);
+                   });
+      // Its rollers let it slide along its axis.
+      const std::optional<Vector3> axes =
+          inclined.empty() ? std::optional<Vector3>()
+                           : Vector3{-std::atan2(direction[1], direction[0]), 0, 0};
+      AddWithLoads(
+          models, "PlaneBeamOnRollers" + std::to_string(beams) + inclined,
+          {{"Driven", {1, -1, 0}}, {"Across", {0, 0, 1}}},
+          [=, along = direction](const std::string& settings, const Vector3& load) {
+            Frame frame = Chain(beams, false, along);
+            frame.supports = {{1, kRollerInX, {}, axes}, {beams + 1, kRollerInX, {}, axes}};
+            return Loaded(frame, settings, beams / 2 + 1, load);
+          });
+    }
   }
   for (const int storeys : {2, 24, 99}) {
     AddWithLoads(models, "FreeSwayFrame" + std::to_string(12 * (storeys + 1)),
@@ -213,12 +149,15 @@ void AddPlaneMechanisms(std::vector<Model>& models)
                  frame.supports.push_back({50, {0, 2, 2}, {0, 100, 100}});
                  return Loaded(frame, settings, 9, load);
                });
-  AddWithLoads(models, "ThreeHingesInARow", {{"Driven", {0, -1, 0}}, {"NotDriven", {1, 0, 0}}},
-               [](const std::string& settings, const Vector3& load) {
-                 Frame frame = Chain(4, false);
-                 frame.supports = {{1, kClamped}, {5, kClamped}};
-                 return Loaded(frame, settings, 3, load, Hinged(2, 3));
-               });
+  for (const auto& [inclined, direction] : kInclined) {
+    AddWithLoads(models, "ThreeHingesInARow" + inclined,
+                 {{"Driven", {0, -1, 0}}, {"NotDriven", direction}},
+                 [along = direction](const std::string& settings, const Vector3& load) {
+                   Frame frame = Chain(4, false, along);
+                   frame.supports = {{1, kClamped}, {5, kClamped}};
+                   return Loaded(frame, settings, 3, load, Hinged(2, 3));
+                 });
+  }
 }
 
 /// What a large mechanism misses of its loads is spread over many nodes.
@@ -259,23 +198,26 @@ void AddLargePlaneMechanisms(std::vector<Model>& models)
 void AddSpaceMechanisms(std::vector<Model>& models)
 {
   for (const int beams : {1, 5, 300}) {
-    for (const Vector3& direction : {Vector3{1, 0, 0}, {0.48, 0.6, 0.64}}) {
-      AddWithLoads(models,
-                   "FreeTorsion" + std::to_string(beams) + (direction[0] == 1 ? "" : "Oblique"),
+    auto directions = kInclined;
+    directions.push_back({"Oblique", {0.48, 0.6, 0.64}});
+    for (const auto& [inclined, direction] : directions) {
+      AddWithLoads(models, "FreeTorsion" + std::to_string(beams) + inclined,
                    {{"Across", {0, 0, -1}}, {"Unloaded", {}}},
-                   [=](const std::string& settings, const Vector3& load) {
-                     Frame frame = Chain(beams, true, direction);
+                   [=, along = direction](const std::string& settings, const Vector3& load) {
+                     Frame frame = Chain(beams, true, along);
                      frame.supports = {{1, kBall}, {beams + 1, kBall}};
                      return Loaded(frame, settings, beams / 2 + 1, load);
                    });
     }
-    AddWithLoads(models, "SpaceChainOnABall" + std::to_string(beams),
-                 {{"Driven", {0, 1, -1}}, {"Pulled", {1, 0, 0}}},
-                 [=](const std::string& settings, const Vector3& load) {
-                   Frame frame = Chain(beams, true);
-                   frame.supports = {{1, kBall}};
-                   return Loaded(frame, settings, beams + 1, load);
-                 });
+    for (const auto& [inclined, direction] : kInclined) {
+      AddWithLoads(models, "SpaceChainOnABall" + std::to_string(beams) + inclined,
+                   {{"Driven", {0, 1, -1}}, {"Pulled", {1, 0, 0}}},
+                   [=, along = direction](const std::string& settings, const Vector3& load) {
+                     Frame frame = Chain(beams, true, along);
+                     frame.supports = {{1, kBall}};
+                     return Loaded(frame, settings, beams + 1, load);
+                   });
+    }
   }
   const std::array<int, 6> slides = {0, 1, 1, 0, 0, 0};
   const std::array<int, 6> turns = {0, 0, 1, 0, 0, 0};

@@ -32,7 +32,9 @@ std::string Numbers(const double* values, int count)
   return text;
 }
 
-std::string NodeLines(const Frame& frame)
+}  // namespace
+
+std::string NodeRecords(const Frame& frame)
 {
   std::string lines;
   for (std::size_t i = 0; i < frame.nodes.size(); ++i)
@@ -40,7 +42,7 @@ std::string NodeLines(const Frame& frame)
   return lines;
 }
 
-std::string BeamLines(const Frame& frame)
+std::string BeamRecords(const Frame& frame)
 {
   std::string lines;
   for (std::size_t i = 0; i < frame.beams.size(); ++i) {
@@ -51,7 +53,7 @@ std::string BeamLines(const Frame& frame)
   return lines;
 }
 
-std::string SectionLines(const Frame& frame)
+std::string SectionRecords(const Frame& frame)
 {
   std::string lines;
   for (std::size_t i = 0; i < frame.sections.size(); ++i) {
@@ -63,38 +65,36 @@ std::string SectionLines(const Frame& frame)
   return lines;
 }
 
-std::string SupportLines(const Frame& frame)
+std::string SupportRecords(const Frame& frame, int components)
 {
   std::string lines;
   for (const Frame::Support& support : frame.supports) {
     lines += std::to_string(support.node) + " ";
-    for (int i = 0; i < frame.Components(); ++i)
+    for (int i = 0; i < components; ++i)
       lines += std::to_string(support.flags[i]);
-    lines += Numbers(support.values.data(), frame.Components()) + EulerItems(support.euler) + "\n";
+    lines += Numbers(support.values.data(), components) + EulerItems(support.euler) + "\n";
   }
   return lines;
 }
 
-std::string LoadLines(const Frame& frame)
+std::string LoadRecords(const Frame& frame, int components)
 {
   std::string lines;
   for (const Frame::NodalLoad& load : frame.loads)
-    lines += std::to_string(load.node) + Numbers(load.values.data(), frame.Components()) + "\n";
+    lines += std::to_string(load.node) + Numbers(load.values.data(), components) + "\n";
   return lines;
 }
-
-}  // namespace
 
 std::string ProblemText(const Frame& frame, const std::string& settings)
 {
   return ProblemParts{.header = frame.space ? "problem type 3d" : "problem type 2d",
                       .settings = settings,
                       .dimension = frame.space ? 3 : 2,
-                      .coordinates = NodeLines(frame),
-                      .elements = BeamLines(frame),
-                      .materials = SectionLines(frame),
-                      .constraints = SupportLines(frame),
-                      .loads = LoadLines(frame)}
+                      .coordinates = NodeRecords(frame),
+                      .elements = BeamRecords(frame),
+                      .materials = SectionRecords(frame),
+                      .constraints = SupportRecords(frame, frame.Components()),
+                      .loads = LoadRecords(frame, frame.Components())}
       .Text();
 }
 

@@ -60,6 +60,13 @@ constexpr std::array<int, 6> kClamped = {1, 1, 1, 1, 1, 1};
 /// The frame as a problem file; `settings` are lines behind its header.
 std::string ProblemText(const Frame& frame, const std::string& settings = "");
 
+// The records of a frame, one a line; supports and loads have this many components.
+std::string NodeRecords(const Frame& frame);
+std::string BeamRecords(const Frame& frame);
+std::string SectionRecords(const Frame& frame);
+std::string SupportRecords(const Frame& frame, int components);
+std::string LoadRecords(const Frame& frame, int components);
+
 /// The parts of a problem file, for files that are written by hand. Values that do not
 /// matter are left out.
 struct ProblemParts

@@ -9,8 +9,8 @@
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
 #include "solvers/block_factors.h"
+#include "solvers/conjugate_gradients.h"
 #include "solvers/ilu_preconditioner.h"
-#include "solvers/krylov.h"
 #include "solvers/sparse_solver.h"
 
 // The sparse solver on grids of beams, of solids with four and with ten nodes: once far beyond
@@ -20,6 +20,7 @@
 //                   0.85 (beams)
 //   rows_ratio      time of an iteration over that in single entries by rows; small grids, to
 //                   be at most 0.33
+//   second_ratio    time of an iteration of two right-hand sides over that of one, less 1
 //   iterations      time in iterations: of the factors, to be at most 20; of the assembly
 //   us_per_element  of the assembly
 //   peak_ratio      peak memory over 1.15·16 bytes an entry and 400 bytes a node, at most 1
@@ -189,16 +190,22 @@ SparseMatrix InRows(const SparseMatrix& matrix)
   return rows;
 }
 
-/// Processor time of an iteration;
-double SecondsPerIteration(const SparseMatrix& A, const Preconditioner& M, const ReaVecV& b)
+/// Processor time of an iteration of so many right-hand sides.
+double SecondsPerIteration(const SparseMatrix& A, const Preconditioner& M, const ReaVecV& b,
+                           std::size_t sides = 1)
 {
   constexpr int iterations = 15;  // not so many that the residual underflows
   return Seconds(A.GiveSize() < 30000 ? 15 : 3,
                  [&] {
-                   std::vector<double> x(static_cast<std::size_t>(A.GiveSize()), 0.0);
-                   int done = iterations;
-                   double tol = 0.0;
-                   benchmark::DoNotOptimize(CG(A, x.data(), b.Data(), M, done, tol, nullptr));
+                   std::vector<double> x(sides * b.Size(), 0.0);
+                   std::vector<CgSystem> all;
+                   all.reserve(sides);
+                   std::vector<CgSystem*> systems;
+                   for (std::size_t k = 0; k < sides; ++k)
+                     systems.push_back(&all.emplace_back(A, &x[k * b.Size()], b.Data()));
+                   for (int i = 0; i < iterations; ++i)
+                     CgSystem::Advance(A, M, systems);
+                   benchmark::DoNotOptimize(all.front().Residual());
                  }) /
          iterations;
 }
@@ -210,9 +217,10 @@ void Iteration(benchmark::State& state, const Grid& grid)
   const BlockFactors M(A, {});
   const ReaVecV load = grid.Load();
   ReadLoop read;
-  std::vector<double> iterations, reads;
+  std::vector<double> iterations, pairs, reads;
   for (auto _ : state) {  // in turns, so that both meet the machine in the same state
     iterations.push_back(SecondsPerIteration(A, M, load));
+    pairs.push_back(SecondsPerIteration(A, M, load, 2));
     reads.push_back(Seconds(1, read));
   }
   benchmark::DoNotOptimize(read.Total());
@@ -220,6 +228,7 @@ void Iteration(benchmark::State& state, const Grid& grid)
   const double readRate = ReadLoop::kBytes / Median(reads);
   state.counters["equations"] = A.GiveSize();
   state.counters["ms_per_iteration"] = 1e3 * Median(iterations);
+  state.counters["second_ratio"] = Median(pairs) / Median(iterations) - 1.0;
   state.counters["GB/s"] = 1e-9 * rate;
   state.counters["read_GB/s"] = 1e-9 * readRate;
   state.counters["read_ratio"] = rate / readRate;
@@ -233,13 +242,15 @@ void IterationInCache(benchmark::State& state, const Grid& grid)
   const BlockFactors M(A, {});
   const ILUPreconditioner rowsM(rows);
   const ReaVecV load = grid.Load();
-  std::vector<double> blockTimes, rowTimes;
+  std::vector<double> blockTimes, pairTimes, rowTimes;
   for (auto _ : state) {
     blockTimes.push_back(SecondsPerIteration(A, M, load));
+    pairTimes.push_back(SecondsPerIteration(A, M, load, 2));
     rowTimes.push_back(SecondsPerIteration(rows, rowsM, load));
   }
   state.counters["equations"] = A.GiveSize();
   state.counters["us_per_iteration"] = 1e6 * Median(blockTimes);
+  state.counters["second_ratio"] = Median(pairTimes) / Median(blockTimes) - 1.0;
   state.counters["rows_ratio"] = Median(blockTimes) / Median(rowTimes);
 }
 

@@ -52,9 +52,7 @@ void CopyTransposed(int size, const double* from, double* to)
 }  // namespace
 
 BlockFactors::BlockFactors(const SparseMatrix& matrix, std::span<const int> prescribed)
-    : Preconditioner("ILU"),
-      size(matrix.BlockSize()),
-      kernels(GiveBlockKernels(size, ThisProcessor()))
+    : Preconditioner("ILU"), size(matrix.BlockSize()), kernels(matrix.Kernels())
 {
   assert(kernels);
   CopyUpperHalf(matrix);
@@ -165,6 +163,20 @@ void BlockFactors::solve(const double* x, double* y) const
     std::copy_n(x, Nodes() * size, y);
   kernels->forward(Lines(), y);
   kernels->backward(Lines(), diagonal.data(), y);
+}
+
+void BlockFactors::SolveTwo(const double* const x[2], double* const y[2]) const
+{
+  for (int v = 0; v < 2; ++v) {
+    if (!complete)
+      FillWithNaN(y[v], Nodes() * size);
+    else if (x[v] != y[v])
+      std::copy_n(x[v], Nodes() * size, y[v]);
+  }
+  if (!complete)
+    return;
+  kernels->forwardOfTwo(Lines(), y);
+  kernels->backwardOfTwo(Lines(), diagonal.data(), y);
 }
 
 void BlockFactors::New_Matrix(const SparseMatrix&)

@@ -33,6 +33,7 @@ public:
   bool IsComplete() const { return complete; }
 
   void solve(const double* x, double* y) const override;
+  void SolveTwo(const double* const x[2], double* const y[2]) const override;
   void trans_solve(const double* x, double* y) const override { solve(x, y); }
   void New_Matrix(const SparseMatrix& matrix) override;
 

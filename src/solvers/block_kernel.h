@@ -39,6 +39,11 @@ struct BlockKernels
   /// column by column, and the padding of BlockLines.
   void (*backward)(const BlockLines& U, const double* inverse, double* y);
 
+  /// The same for two vectors in one pass over the blocks, each with the same bits as by itself.
+  void (*productOfTwo)(const BlockLines& A, const double* const x[2], double* const y[2]);
+  void (*forwardOfTwo)(const BlockLines& U, double* const y[2]);
+  void (*backwardOfTwo)(const BlockLines& U, const double* inverse, double* const y[2]);
+
   /// *updates[k].target += block `updates[k].block` of a row of blocks times factor, all
   /// column by column.
   void (*addProducts)(const double* factor, const double* blocks, const BlockUpdate* updates,

@@ -49,11 +49,19 @@ struct NodePacks
   Pack packs[kPacks];
 };
 
-/// What is added up side by side for a node.
-template <class Node, int count = kSums>
+/// One for each of the vectors that are worked on side by side: every block is loaded once for
+/// all of them, and each gets the same bits as by itself.
+template <class Type, int vectors>
+struct PerVector
+{
+  Type of[vectors];
+};
+
+/// What is added up side by side for a node, for each of the vectors.
+template <class Node, int count = kSums, int vectors = 1>
 struct Sums
 {
-  Node of[count];
+  Node of[vectors][count];
 };
 
 /// The last numbers of a node, fewer than fill a pack; zeros behind them.
@@ -105,26 +113,32 @@ template <class Node>
                                                         k * Node::lanes);
 }
 
-/// Adds each line of a block times its x, a number or a pack of it, to the sums.
-template <class Node, int count, class Number>
-[[gnu::always_inline]] inline void AddBlock(const double* block, const Number* x,
-                                            Sums<Node, count>& sums)
+/// Adds each line of a block times its x to the sums; x(v, b): number b of vector v, or a pack
+/// of it.
+template <class Node, int count, int vectors, class Numbers>
+[[gnu::always_inline]] inline void AddBlock(const double* block, Numbers x,
+                                            Sums<Node, count, vectors>& sums)
 {
   for (int b = 0; b < Node::size; ++b) {
-    const typename Node::Pack factor = x[b] - typename Node::Pack{};
-    for (int k = 0; k < Node::kPacks; ++k)
-      sums.of[b % count].packs[k] += factor * LinePack<Node>(block, b, k);
+    typename Node::Pack factors[vectors];
+    for (int v = 0; v < vectors; ++v)
+      factors[v] = x(v, b) - typename Node::Pack{};
+    for (int k = 0; k < Node::kPacks; ++k) {
+      const typename Node::Pack line = LinePack<Node>(block, b, k);
+      for (int v = 0; v < vectors; ++v)
+        sums.of[v][b % count].packs[k] += factors[v] * line;
+    }
   }
 }
 
-/// Adds the sums up in the first of them.
+/// Adds the sums of a vector up in the first of them.
 template <class Node, int count>
-[[gnu::always_inline]] inline const Node& AddUp(Sums<Node, count>& sums)
+[[gnu::always_inline]] inline const Node& AddUp(Node (&sums)[count])
 {
   for (int sum = 1; sum < count; ++sum)
     for (int k = 0; k < Node::kPacks; ++k)
-      sums.of[0].packs[k] += sums.of[sum].packs[k];
-  return sums.of[0];
+      sums[0].packs[k] += sums[sum].packs[k];
+  return sums[0];
 }
 
 /// Asks for the memory of a block.
@@ -136,72 +150,85 @@ template <class Node>
 }
 
 /// sums += line times x.
-template <class Node>
-[[gnu::always_inline]] inline void AddLine(const BlockLines& A, int line, const double* x,
-                                           Sums<Node>& sums)
+template <class Node, int vectors>
+[[gnu::always_inline]] inline void AddLine(const BlockLines& A, int line,
+                                           const PerVector<const double*, vectors>& x,
+                                           Sums<Node, kSums, vectors>& sums)
 {
   constexpr int kSquare = Node::size * Node::size;
   const int end = A.starts[line + 1];
   const double* block = A.values + static_cast<long long>(A.starts[line]) * kSquare;
   for (int s = A.starts[line]; s < end; ++s, block += kSquare) {
     FetchBlock<Node>(block + kAhead);
-    AddBlock(block, x + static_cast<long long>(A.columns[s]) * Node::size, sums);
+    const long long first = static_cast<long long>(A.columns[s]) * Node::size;
+    AddBlock(
+        block, [&](int v, int b) { return x.of[v][first + b]; }, sums);
   }
 }
 
-template <class Node>
-void Product(const BlockLines& A, const double* x, double* y)
+template <class Node, int vectors>
+[[gnu::always_inline]] inline void MultiplyLines(const BlockLines& A,
+                                                 PerVector<const double*, vectors> x,
+                                                 PerVector<double*, vectors> y)
 {
-  for (int i = 0; i < A.lines; ++i, y += Node::size) {
-    Sums<Node> sums = {};
+  for (int i = 0; i < A.lines; ++i) {
+    Sums<Node, kSums, vectors> sums = {};
     AddLine(A, i, x, sums);
-    Store(AddUp(sums), y);
+    for (int v = 0; v < vectors; ++v)
+      Store(AddUp(sums.of[v]), y.of[v] + static_cast<long long>(i) * Node::size);
   }
 }
 
 // Takes what was found for a node out of the nodes behind it. The next node comes first, since
 // it is waited for.
-template <class Node>
-void Forward(const BlockLines& U, double* y)
+template <class Node, int vectors>
+[[gnu::always_inline]] inline void SolveForward(const BlockLines& U, PerVector<double*, vectors> y)
 {
   constexpr int kSquare = Node::size * Node::size;
   const double* block = U.values;
   for (int i = 0; i < U.lines; ++i) {
-    typename Node::Pack own[Node::size];
-    for (int a = 0; a < Node::size; ++a)
-      own[a] = y[static_cast<long long>(i) * Node::size + a] - typename Node::Pack{};
+    typename Node::Pack own[vectors][Node::size];
+    for (int v = 0; v < vectors; ++v)
+      for (int a = 0; a < Node::size; ++a)
+        own[v][a] = y.of[v][static_cast<long long>(i) * Node::size + a] - typename Node::Pack{};
     for (int s = U.starts[i]; s < U.starts[i + 1]; ++s, block += kSquare) {
       FetchBlock<Node>(block + kAhead);
-      double* const other = y + static_cast<long long>(U.columns[s]) * Node::size;
-      Sums<Node, Node::size / 3> sums = {};
-      Load(other, sums.of[0]);
-      AddBlock(block, own, sums);
-      Store(AddUp(sums), other);
+      const long long other = static_cast<long long>(U.columns[s]) * Node::size;
+      Sums<Node, Node::size / 3, vectors> sums = {};
+      for (int v = 0; v < vectors; ++v)
+        Load(y.of[v] + other, sums.of[v][0]);
+      AddBlock(
+          block, [&](int v, int b) { return own[v][b]; }, sums);
+      for (int v = 0; v < vectors; ++v)
+        Store(AddUp(sums.of[v]), y.of[v] + other);
     }
   }
 }
 
 /// A sum for each row of a block, still apart by the places of the packs.
-template <class Node>
+template <class Node, int vectors>
 struct RowSums
 {
   using Pack = typename Node::Pack;
   static constexpr int kRows = Node::kPacks * Node::lanes;  ///< those behind the last are 0
 
-  Pack of[kRows];
+  Pack of[vectors][kRows];
 
   /// Adds block·x, the block row by row; x has zeros behind its last number.
-  [[gnu::always_inline]] void Add(const double* block, const Node& x)
+  [[gnu::always_inline]] void Add(const double* block, const PerVector<Node, vectors>& x)
   {
     for (int a = 0; a < Node::size; ++a)
-      for (int k = 0; k < Node::kPacks; ++k)
-        of[a] += LinePack<Node>(block, a, k) * x.packs[k];
+      for (int k = 0; k < Node::kPacks; ++k) {
+        const Pack line = LinePack<Node>(block, a, k);
+        for (int v = 0; v < vectors; ++v)
+          of[v][a] += line * x.of[v].packs[k];
+      }
   }
 
-  [[gnu::always_inline]] void AddTo(Node& total) const
+  [[gnu::always_inline]] void AddTo(int vector, Node& total) const
   {
     for (int k = 0; k < Node::kPacks; ++k)
-      total.packs[k] += Across(of + k * Node::lanes);
+      total.packs[k] += Across(of[vector] + k * Node::lanes);
   }
 
 private:
@@ -222,29 +249,70 @@ private:
 };
 
 // The next node comes last in a line, since it is waited for.
-template <class Node>
-void Backward(const BlockLines& U, const double* inverse, double* y)
+template <class Node, int vectors>
+[[gnu::always_inline]] inline void SolveBackward(const BlockLines& U, const double* inverse,
+                                                 PerVector<double*, vectors> y)
 {
   constexpr int kSquare = Node::size * Node::size;
   const double* block = U.values + static_cast<long long>(U.starts[U.lines]) * kSquare;
   for (int i = U.lines - 1; i >= 0; --i) {
-    double* const own = y + static_cast<long long>(i) * Node::size;
+    const long long own = static_cast<long long>(i) * Node::size;
     const double* const divisor = inverse + static_cast<long long>(i) * kSquare;
     FetchBlock<Node>(divisor - kAhead);
-    Sums<Node> sums = {};
-    AddBlock(divisor, own, sums);
-    Node total = AddUp(sums);
-    RowSums<Node> rows = {};
+    Sums<Node, kSums, vectors> sums = {};
+    AddBlock(
+        divisor, [&](int v, int b) { return y.of[v][own + b]; }, sums);
+    RowSums<Node, vectors> rows = {};
     for (int s = U.starts[i + 1] - 1; s >= U.starts[i]; --s) {
       block -= kSquare;
       FetchBlock<Node>(block - kAhead);
-      Node x;
-      Load(y + static_cast<long long>(U.columns[s]) * Node::size, x);
+      PerVector<Node, vectors> x;
+      for (int v = 0; v < vectors; ++v)
+        Load(y.of[v] + static_cast<long long>(U.columns[s]) * Node::size, x.of[v]);
       rows.Add(block, x);
     }
-    rows.AddTo(total);
-    Store(total, own);
+    for (int v = 0; v < vectors; ++v) {
+      Node total = AddUp(sums.of[v]);
+      rows.AddTo(v, total);
+      Store(total, y.of[v] + own);
+    }
   }
+}
+
+template <class Node>
+void Product(const BlockLines& A, const double* x, double* y)
+{
+  MultiplyLines<Node, 1>(A, {x}, {y});
+}
+
+template <class Node>
+void ProductOfTwo(const BlockLines& A, const double* const* x, double* const* y)
+{
+  MultiplyLines<Node, 2>(A, {x[0], x[1]}, {y[0], y[1]});
+}
+
+template <class Node>
+void Forward(const BlockLines& U, double* y)
+{
+  SolveForward<Node, 1>(U, {y});
+}
+
+template <class Node>
+void ForwardOfTwo(const BlockLines& U, double* const* y)
+{
+  SolveForward<Node, 2>(U, {y[0], y[1]});
+}
+
+template <class Node>
+void Backward(const BlockLines& U, const double* inverse, double* y)
+{
+  SolveBackward<Node, 1>(U, inverse, {y});
+}
+
+template <class Node>
+void BackwardOfTwo(const BlockLines& U, const double* inverse, double* const* y)
+{
+  SolveBackward<Node, 2>(U, inverse, {y[0], y[1]});
 }
 
 /// target = start·target + left·right, start 0 or 1.
@@ -254,9 +322,10 @@ template <class Node, bool add>
   for (int b = 0; b < Node::size * Node::size; b += Node::size) {
     Sums<Node> sums = {};
     if constexpr (add)
-      Load(target + b, sums.of[0]);
-    AddBlock(left, right + b, sums);
-    Store(AddUp(sums), target + b);
+      Load(target + b, sums.of[0][0]);
+    AddBlock(
+        left, [&](int, int a) { return right[b + a]; }, sums);
+    Store(AddUp(sums.of[0]), target + b);
   }
 }
 
@@ -284,7 +353,8 @@ template <int size, int lanes>
 constexpr BlockKernels MakeKernels()
 {
   using Node = NodePacks<size, lanes>;
-  return {Product<Node>, Forward<Node>, Backward<Node>, AddProducts<Node>, Scale<Node>};
+  return {Product<Node>,      Forward<Node>,       Backward<Node>,    ProductOfTwo<Node>,
+          ForwardOfTwo<Node>, BackwardOfTwo<Node>, AddProducts<Node>, Scale<Node>};
 }
 
 }  // namespace

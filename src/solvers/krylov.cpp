@@ -2,84 +2,23 @@
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 
 #include "base/stprintf.h"
+#include "solvers/conjugate_gradients.h"
 #include "solvers/preconditioner.h"
 #include "solvers/sparse_matrix.h"
+#include "solvers/vector_loops.h"
 
 // The methods as they stand in R. Barrett et al., Templates for the Solution of Linear
-// Systems: Building Blocks for Iterative Methods, SIAM, Philadelphia 1994. What works on the
-// same vectors is done in one pass over them, since memory is what limits the speed.
+// Systems: Building Blocks for Iterative Methods, SIAM, Philadelphia 1994.
 
 namespace {
-
-constexpr int kIterationsPerMessage = 10;
-
-using WorkArray = std::unique_ptr<double[]>;
-
-WorkArray Work(int n)
-{
-  return std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(n));
-}
 
 WorkArray CopyOf(const double* x, int n)
 {
   WorkArray copy = Work(n);
   std::copy_n(x, n, copy.get());
   return copy;
-}
-
-// The sum of the terms of 0, 1, ..., n - 1, in four sums so that no addition waits.
-template <class Term>
-double Sum(int n, Term term)
-{
-  double sum0 = 0.0, sum1 = 0.0, sum2 = 0.0, sum3 = 0.0;
-  int i = 0;
-  for (; i + 4 <= n; i += 4) {
-    sum0 += term(i);
-    sum1 += term(i + 1);
-    sum2 += term(i + 2);
-    sum3 += term(i + 3);
-  }
-  for (; i < n; ++i)
-    sum0 += term(i);
-  return (sum0 + sum1) + (sum2 + sum3);
-}
-
-// The root of a sum of squares of x; scaled when the sum has left the range in which it is
-// accurate.
-double NormFromSquares(double sum, const double* x, int n)
-{
-  constexpr double kSmallest = 1e-280;
-  constexpr double kLargest = 1e300;
-  if (sum >= kSmallest && sum <= kLargest)
-    return std::sqrt(sum);
-  double largest = 0.0;
-  for (int i = 0; i < n; ++i)
-    largest = std::fabs(x[i]) <= largest ? largest : std::fabs(x[i]);
-  if (largest == 0.0 || !std::isfinite(largest))
-    return largest;
-  return largest * std::sqrt(Sum(n, [&](int i) { return (x[i] / largest) * (x[i] / largest); }));
-}
-
-// y = x + factor·y.
-void ScaleAndAdd(double* y, double factor, const double* x, int n)
-{
-  for (int i = 0; i < n; ++i)
-    y[i] = x[i] + factor * y[i];
-}
-
-// x += factor·p.
-void AddMultiple(double* x, double factor, const double* p, int n)
-{
-  for (int i = 0; i < n; ++i)
-    x[i] += factor * p[i];
-}
-
-bool CanDivideBy(double value)
-{
-  return value != 0.0 && std::isfinite(value);
 }
 
 struct Limits
@@ -112,15 +51,7 @@ public:
   void SetResidual(double norm) { resid = norm / normb; }
   void MeasureResidual() { SetResidual(norm(r.get(), n)); }
 
-  // r -= factor·q, with its norm.
-  void Reduce(double factor, const double* q)
-  {
-    const double squares = Sum(n, [&, r = r.get()](int i) {
-      r[i] -= factor * q[i];
-      return r[i] * r[i];
-    });
-    SetResidual(NormFromSquares(squares, r.get(), n));
-  }
+  void Reduce(double factor, const double* q) { SetResidual(::Reduce(r.get(), factor, q, n)); }
 
   // Calls step(i) for i = 1, 2, ... until the residual is small enough, a step breaks down
   // (returns false), or the limit is reached. Returns what the method returns.
@@ -191,33 +122,27 @@ void fill_int_array(int* a, int n, int value)
 int CG(const SparseMatrix& A, double* x, const double* b, const Preconditioner& M, int& max_iter,
        double& tol, std::FILE* info)
 {
-  Run run(A, x, b, {max_iter, tol}, info);
-  const int n = run.Size();
-  double* const r = run.Residual();
-  const WorkArray p = Work(n);
-  const WorkArray z = Work(n);  // M⁻¹·r, and A·p once p has taken that up
-  fill_Real_array(p.get(), n, 0.0);
-  double rhoBefore = 1.0;  // p = z in the first iteration
-  return run.Iterate([&](int i) {
-    if (i % kIterationsPerMessage == 0)
-      Progress(info, "iteration number %i resid=%g tol=%g\n", i, run.Relative(), tol);
-    M.solve(r, z.get());
-    const double rho = dot(r, z.get(), n);
-    if (!CanDivideBy(rho))
-      return false;
-    ScaleAndAdd(p.get(), rho / rhoBefore, z.get(), n);
-    A.mult(p.get(), z.get());
-    const double pq = dot(p.get(), z.get(), n);
-    if (!(pq > 0.0 && std::isfinite(pq)))
-      return false;
-    const double alpha = rho / pq;
-    AddMultiple(x, alpha, p.get(), n);
-    run.Reduce(alpha, z.get());
-    if (run.Reached())
-      Progress(info, "Converged it number. %i resid=%g tol=%g\n", i, run.Relative(), tol);
-    rhoBefore = rho;
-    return true;
-  });
+  CgSystem system(A, x, b);
+  CgSystem* const systems[] = {&system};
+  const auto reached = [&] { return system.Residual() <= tol; };
+  while (!system.IsBroken() && !reached() && system.Iterations() < max_iter) {
+    AnnounceIteration(system.Iterations() + 1, system.Residual(), tol, info);
+    CgSystem::Advance(A, M, systems);
+  }
+  if (system.IsBroken()) {
+    tol = -1.0;
+    return 1;
+  }
+  const bool converged = reached();
+  if (converged) {
+    Progress(info,
+             system.Iterations() == 0 ? "iteration number %i OK resid=%g tol=%g\n"
+                                      : "Converged it number. %i resid=%g tol=%g\n",
+             system.Iterations(), system.Residual(), tol);
+    max_iter = system.Iterations();
+  }
+  tol = system.Residual();
+  return converged ? 0 : 1;
 }
 
 int BiCG(const SparseMatrix& A, double* x, const double* b, const Preconditioner& M, int& max_iter,

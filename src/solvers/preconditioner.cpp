@@ -15,6 +15,12 @@ bool Preconditioner::AreYou(const char* text) const
   return EqualsNoCase(text, name) || EqualsNoCase(text, "Preconditioner");
 }
 
+void Preconditioner::SolveTwo(const double* const x[2], double* const y[2]) const
+{
+  for (int v = 0; v < 2; ++v)
+    solve(x[v], y[v]);
+}
+
 void SortLines(CompressedRows& matrix)
 {
   const CompressedView view = matrix.View();

@@ -18,6 +18,8 @@ public:
 
   /// y = M⁻¹·x.
   virtual void solve(const double* x, double* y) const = 0;
+  /// The same for two vectors, with the same bits; by default one after the other.
+  virtual void SolveTwo(const double* const x[2], double* const y[2]) const;
   /// y = M⁻ᵀ·x.
   virtual void trans_solve(const double* x, double* y) const = 0;
   /// Always fatal: a preconditioner belongs to the matrix it was made from.

@@ -65,8 +65,12 @@ SparseMatrix::SparseMatrix(int n_, const int* rowLengths)
 {
 }
 
-SparseMatrix::SparseMatrix(NodePattern pattern, int ndof_)
-    : n(pattern.Lines() * ndof_), size(ndof_), ndof(ndof_), ordered(true)
+SparseMatrix::SparseMatrix(NodePattern pattern, int ndof_, Processor processor)
+    : n(pattern.Lines() * ndof_),
+      size(ndof_),
+      kernels(GiveBlockKernels(size, processor)),
+      ndof(ndof_),
+      ordered(true)
 {
   CheckSlots(pattern, ndof);
   starts = std::move(pattern.starts);
@@ -74,7 +78,7 @@ SparseMatrix::SparseMatrix(NodePattern pattern, int ndof_)
   for (int& column : columns)
     column = column == NodePattern::kNoNode ? kFree : ~column;
   freeBlocks = EndOfBlocks();
-  if (GiveBlockKernels(size, ThisProcessor()))
+  if (kernels)
     values.assign(ValuesOf(freeBlocks, size), 0.0);
   else
     Separate();
@@ -182,6 +186,7 @@ void SparseMatrix::ClearOthers(int block, double& value)
 void SparseMatrix::Separate()
 {
   const int blockSize = std::exchange(size, 1);
+  kernels = nullptr;
   const std::vector<int> lineStarts = std::exchange(starts, {0});
   const std::vector<int> blockColumns = std::exchange(columns, {});
   const LargeArray<double> blockValues = std::exchange(values, {});
@@ -207,10 +212,20 @@ void SparseMatrix::mult(const double* x, double* y) const
     for (int i = 0; i < n; ++i)
       y[i] = MultiplyVector(i, x);
   } else if (size > 1) {
-    GiveBlockKernels(size, ThisProcessor())->product(Blocks(), x, y);
+    kernels->product(Blocks(), x, y);
   } else {
     CompRowMatVec(Rows(), x, y);
   }
+}
+
+void SparseMatrix::MultiplyTwo(const double* const x[2], double* const y[2]) const
+{
+  if (kernels && freeBlocks == 0) {
+    kernels->productOfTwo(Blocks(), x, y);
+    return;
+  }
+  for (int v = 0; v < 2; ++v)
+    mult(x[v], y[v]);
 }
 
 void SparseMatrix::trans_mult(const double* x, double* y) const

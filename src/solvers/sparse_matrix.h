@@ -30,7 +30,8 @@ public:
   /// For nodes of ndof equations: equation a of node p is p·ndof + a. A slot is set aside in
   /// each of the rows of a node for all columns of the nodes in its line of the pattern; it is
   /// free until it is added to. Fatal when there are no nodes, or too many slots.
-  SparseMatrix(NodePattern pattern, int ndof);
+  /// Blocks are multiplied with the instructions of the processor, which this one must have.
+  SparseMatrix(NodePattern pattern, int ndof, Processor processor = ThisProcessor());
 
   int GiveSize() const { return n; }
   int GiveColumns() const { return n; }
@@ -60,6 +61,8 @@ public:
 
   /// y = A·x.
   void mult(const double* x, double* y) const;
+  /// The same for two vectors, with the same bits, in one pass over the blocks of nodes.
+  void MultiplyTwo(const double* const x[2], double* const y[2]) const;
   /// y = Aᵀ·x.
   void trans_mult(const double* x, double* y) const;
   /// Row i times x.
@@ -90,6 +93,9 @@ public:
 
   /// Blocks by lines; those that are free have negative columns.
   BlockLines Blocks() const { return {n / size, values.data(), columns.data(), starts.data()}; }
+
+  /// The loops over the blocks of nodes; null when single entries are stored.
+  const BlockKernels* Kernels() const { return kernels; }
 
   /// A double and an int for every slot, an int for every row: what the matrix takes in single
   /// entries, whatever its blocks.
@@ -144,7 +150,8 @@ private:
   void Separate();
 
   int n;
-  int size;                   ///< rows and columns of a block
+  int size;  ///< rows and columns of a block
+  const BlockKernels* kernels = nullptr;
   int ndof;                   ///< equations of a node
   bool ordered;               ///< the columns of each line, held or set aside, ascend
   std::vector<int> starts;    ///< line p has the blocks starts[p] to starts[p + 1] - 1

@@ -4,7 +4,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/processor.h"
 #include "solvers/bsolver.h"
+#include "solvers/checked_iteration.h"
 #include "solvers/node_couplings.h"
 #include "solvers/preconditioner.h"
 #include "solvers/sparse_matrix.h"
@@ -21,11 +23,17 @@ public:
   /// The most neighbours of a node.
   static constexpr int MAXNUMNODESAROUNDNODE = 200;
 
-  SparseSolver(int nnodes, int ndof);
+  /// Works with the instructions of the processor, which this one must have.
+  SparseSolver(int nnodes, int ndof, Processor processor = ThisProcessor());
 
   /// The iteration stops at the relative residual tolerance1, or after MaxIterations, when
   /// tolerance2 is still accepted.
-  SparseSolver(int nnodes, int ndof, double tolerance1, double tolerance2, int MaxIterations);
+  SparseSolver(int nnodes, int ndof, double tolerance1, double tolerance2, int MaxIterations,
+               Processor processor = ThisProcessor());
+
+  void Demand(const IterationDemands& demands_) { demands = demands_; }
+  /// The tolerance of the relative residual of a probe.
+  void EnterProbeTolerance(double tolerance) { probeTolerance = tolerance; }
 
   int GiveSize() const override { return n; }
 
@@ -49,7 +57,21 @@ public:
   /// Solves from the starting vector, which is used up. b becomes the solution when the
   /// result is 0; else it stays. The result is -1 after a breakdown, or minus the number of
   /// iterations (at least 1) when they were not enough.
+  ///
+  /// Where the recurrence claims that a tolerance is reached, the residual is formed afresh. When
+  /// that is more than ten times the tolerance, of all loads, the iteration starts again with it,
+  /// at most three times. All starts share the limit of iterations.
   int Solver(ReaVecV& b, std::FILE* info) override;
+
+  /// The same, together with a second right-hand side, a probe, from 0 on and to its own
+  /// tolerance; it is to be 0 in the prescribed equations. The probe becomes its latest iterate.
+  /// The result is that of b; but where the probe fails first, by a breakdown, its restarts or
+  /// its quotient, the iteration of b is left where it stands, as if the limit were reached.
+  int Solver(ReaVecV& b, ReaVecV& probe, std::FILE* info);
+
+  /// How the latest iterations have ended; that of the probe is empty without one.
+  const IterationReport& ModelReport() const { return modelReport; }
+  const IterationReport& ProbeReport() const { return probeReport; }
 
   /// Replaces row eq only: the column stays, and the matrix is no longer symmetric. Since
   /// the starting vector holds the prescribed values, the residual of their rows is exactly
@@ -76,6 +98,11 @@ private:
   void AddNeighbour(int node, int neighbour);
 
   std::unique_ptr<double[]> TakeStart(const ReaVecV& b);
+  /// ‖b − K·u‖ / ‖b‖ for the displacements u that are 0 where nothing is prescribed; at least 1.
+  double AllLoads(const ReaVecV& b) const;
+  int Solve(ReaVecV& b, ReaVecV* probe, std::FILE* info);
+  /// The result for the outcome of the right-hand side of the model, which is told.
+  int Judge(std::FILE* info) const;
   /// The incomplete factors of the matrix.
   std::unique_ptr<Preconditioner> MakePreconditioner() const;
 
@@ -84,6 +111,11 @@ private:
   double tolerance1;
   double tolerance2;
   int MaxIterations;
+  Processor processor;
+  IterationDemands demands;
+  double probeTolerance;
+  IterationReport modelReport;
+  IterationReport probeReport;
 
   NodeCouplings couplings;  ///< until Create
   std::unique_ptr<SparseMatrix> matrix;

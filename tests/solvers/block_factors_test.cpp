@@ -107,6 +107,13 @@ void ExpectSameSolutions(const SparseMatrix& blocks, const std::vector<int>& pre
   EXPECT_EQ(inPlace, y);
   M.trans_solve(b.data(), inPlace.data());
   EXPECT_EQ(inPlace, y);
+  std::vector<double> other(n), otherAlone(n);
+  M.solve(inPlace.data(), otherAlone.data());
+  const double* const both[2] = {inPlace.data(), b.data()};
+  double* const solutions[2] = {other.data(), b.data()};
+  M.SolveTwo(both, solutions);
+  EXPECT_EQ(other, otherAlone);
+  EXPECT_EQ(b, y);
 }
 
 TEST(BlockFactors, SolveLikeTheScalarFactors)
@@ -210,6 +217,10 @@ TEST(BlockFactors, WithoutAPivotNothingIsSolved)
       EXPECT_TRUE(std::isnan(y[5]));
       M.trans_solve(y.data(), y.data());
       EXPECT_TRUE(std::isnan(y[5]));
+      std::vector<double> first(24, 0.0), second(24, 0.0);
+      double* const both[2] = {first.data(), second.data()};
+      M.SolveTwo(both, both);
+      EXPECT_TRUE(std::isnan(first[5]) && std::isnan(second[5]));
     }
   NodeCouplings couplings(2, 200);
   SparseMatrix empty(couplings.TakePattern(), 3);

@@ -170,6 +170,56 @@ TEST_P(BlockKernelTest, BackwardScalesAndSolvesWithTheTriangle)
   }
 }
 
+/// Two vectors for some nodes, a number behind each that must stay.
+struct TwoVectors
+{
+  TwoVectors(int n, unsigned seed) : first(Guarded(n, seed)), second(Guarded(n, seed + 1)) {}
+
+  std::vector<double> first, second;
+};
+
+TEST_P(BlockKernelTest, TwoVectorsGetTheBitsOfEachByItself)
+{
+  const int size = Size();
+  for (const int n : kLines) {
+    RandomLines A(size, n, 14);
+    for (int i = 0; i < n; ++i) {
+      A.AddSome(0, n);
+      A.EndLine();
+    }
+    RandomLines U = RandomTriangle(size, n);
+    RandomLines inverse(size, n, 15);
+    for (int i = 0; i < n; ++i) {
+      inverse.AddBlock(i);
+      inverse.EndLine();
+    }
+    const double* const divisors = inverse.View().values;
+    TwoVectors x(n * size, 16);
+    TwoVectors y(n * size, 18);
+    TwoVectors expected = y;
+    double* const both[2] = {y.first.data(), y.second.data()};
+    const auto expectSame = [&](const char* what) {
+      EXPECT_EQ(y.first, expected.first) << what;
+      EXPECT_EQ(y.second, expected.second) << what;
+    };
+
+    const double* const bothX[2] = {x.first.data(), x.second.data()};
+    Kernels().productOfTwo(A.View(), bothX, both);
+    Kernels().product(A.View(), x.first.data(), expected.first.data());
+    Kernels().product(A.View(), x.second.data(), expected.second.data());
+    expectSame("product");
+    Kernels().forwardOfTwo(U.View(0.0), both);
+    Kernels().forward(U.View(0.0), expected.first.data());
+    Kernels().forward(U.View(0.0), expected.second.data());
+    expectSame("forward");
+    Kernels().backwardOfTwo(U.View(0.0), divisors, both);
+    Kernels().backward(U.View(0.0), divisors, expected.first.data());
+    Kernels().backward(U.View(0.0), divisors, expected.second.data());
+    expectSame("backward");
+    EXPECT_NE(y.first, y.second);
+  }
+}
+
 /// a·b of square blocks, column by column.
 std::vector<double> BlockProduct(int size, const double* a, const double* b)
 {

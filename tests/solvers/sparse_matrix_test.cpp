@@ -113,6 +113,23 @@ TEST(SparseMatrix, SetNeedsASlotWithTheColumn)
     ExpectFatal([&] { matrix.set(c.i, c.j); }, c.message);
 }
 
+/// Expects that two vectors in one pass get the bits of each by itself.
+void ExpectTwoLikeOne(const SparseMatrix& matrix)
+{
+  const int n = matrix.GiveSize();
+  const std::vector<double> x[] = {RandomVector(n, 51), RandomVector(n, 52)};
+  std::vector<double> y[2], expected(n);
+  y[0].resize(n);
+  y[1].resize(n);
+  const double* const from[2] = {x[0].data(), x[1].data()};
+  double* const to[2] = {y[0].data(), y[1].data()};
+  matrix.MultiplyTwo(from, to);
+  for (int v = 0; v < 2; ++v) {
+    matrix.mult(x[v].data(), expected.data());
+    EXPECT_EQ(y[v], expected);
+  }
+}
+
 TEST(SparseMatrix, ProductsLeaveFreeSlotsOut)
 {
   for (const int freeSlots : {0, 2})
@@ -128,6 +145,7 @@ TEST(SparseMatrix, ProductsLeaveFreeSlotsOut)
         EXPECT_NEAR(matrix.MultiplyVector(i, x.data()), y[i], 1e-14);
       matrix.trans_mult(x.data(), y.data());
       EXPECT_LE(LargestDifference(y, DenseProduct(Transposed(a), x)), 1e-14);
+      ExpectTwoLikeOne(matrix);
     }
 }
 
@@ -272,6 +290,7 @@ TEST(SparseMatrixOfNodes, ProductsLeaveFreeBlocksOut)
         EXPECT_NEAR(matrix.MultiplyVector(i, x.data()), y[i], 1e-14);
       matrix.trans_mult(x.data(), y.data());
       EXPECT_LE(LargestDifference(y, DenseProduct(Transposed(a), x)), 1e-14);
+      ExpectTwoLikeOne(matrix);
     }
 }
 
@@ -402,6 +421,7 @@ TEST(SparseMatrixOfNodes, ElementsAreAddedWithTheirMirrorImages)
     std::vector<double> y(7 * ndof, 99.0);
     matrix.mult(x.data(), y.data());
     EXPECT_LE(LargestDifference(y, DenseProduct(a, x)), 1e-13);
+    ExpectTwoLikeOne(matrix);
   }
 }
 

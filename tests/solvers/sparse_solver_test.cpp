@@ -641,6 +641,175 @@ TEST(SparseSolver, SecondToleranceDecidesAtTheLimit)
   }
 }
 
+int Count(const std::string& text, const std::string& part)
+{
+  int count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+    ++count;
+  return count;
+}
+
+/// ‖b − A·x‖ / ‖b‖.
+double TrueResidual(const DenseRows& a, const std::vector<double>& x, const std::vector<double>& b)
+{
+  std::vector<double> r = DenseProduct(a, x);
+  for (std::size_t i = 0; i < b.size(); ++i)
+    r[i] = b[i] - r[i];
+  const int n = static_cast<int>(b.size());
+  return norm(r.data(), n) / norm(b.data(), n);
+}
+
+TEST(SparseSolver, StartsAgainWhereTheTrueResidualIsLarge)
+{
+  // The iterates begin so large that their rounding stays in the residual.
+  const Model model = GridModel(6, 5, 3);
+  SparseSolver solver(model.nodes, 3, 1e-11, 1e-11, 1000);
+  model.Couple(solver);
+  model.Assemble(solver);
+  auto start = std::make_unique<double[]>(90);
+  const std::vector<double> random = RandomVector(90, 5);
+  std::transform(random.begin(), random.end(), start.get(), [](double x) { return 1e9 * x; });
+  solver.EnterInitialvalues(std::move(start));
+  const std::vector<double> load = RandomVector(90, 6);
+  ReaVecV b = ToVector(load);
+  const std::string messages =
+      MessagesOf([&](std::FILE* info) { EXPECT_EQ(solver.Solver(b, info), 0); });
+  const int again = Count(messages, ", starting again\n");
+  EXPECT_GE(again, 1) << messages;
+  EXPECT_LE(again, 3) << messages;
+  EXPECT_EQ(Count(messages, "Converged it number. "), 1) << messages;
+  const IterationReport& report = solver.ModelReport();
+  EXPECT_TRUE(report.reached);
+  EXPECT_FALSE(report.left || report.broken);
+  EXPECT_LE(report.residual, 1e-10);
+  EXPECT_NEAR(report.residual, TrueResidual(model.Dense(), Values(b), load), 1e-14);
+  EXPECT_LE(LargestDifference(Values(b), DenseSolve(model.Dense(), load)), 1e-9);
+}
+
+TEST(SparseSolver, AToleranceOutOfReachIsJudgedByTheSecondOne)
+{
+  const Model model = GridModel(6, 5, 3);
+  for (const bool accepted : {true, false}) {
+    SparseSolver solver(model.nodes, 3, 1e-18, accepted ? 1e-12 : 1e-18, 1000);
+    model.Couple(solver);
+    model.Assemble(solver);
+    const std::vector<double> load = RandomVector(90, 6);
+    ReaVecV b = ToVector(load);
+    int result = 0;
+    const std::string messages =
+        MessagesOf([&](std::FILE* info) { result = solver.Solver(b, info); });
+    const IterationReport& report = solver.ModelReport();
+    EXPECT_EQ(Count(messages, ", starting again\n"), 3) << messages;
+    EXPECT_EQ(Count(messages, "Converged"), 0) << messages;
+    EXPECT_FALSE(report.reached || report.left || report.broken);
+    EXPECT_GT(report.residual, 1e-17);
+    EXPECT_LT(report.iterations, 1000);
+    EXPECT_EQ(result, accepted ? 0 : -report.iterations);
+    const std::string count = std::to_string(report.iterations);
+    EXPECT_TRUE(messages.ends_with(accepted ? "\nAfter " + count +
+                                                  " Iterations, accepted tolerance of 0.000000\n"
+                                            : "\nNot Solved after " + count + " Iterations\n"))
+        << messages;
+    if (!accepted) {
+      EXPECT_EQ(Values(b), load);
+    }
+  }
+}
+
+TEST(SparseSolver, AProbeIsIteratedAlong)
+{
+  const Model model = GridModel(6, 5, 3);
+  const DenseRows a = model.Dense();
+  for (const double tolerance : {1e-2, 1e-12}) {
+    SparseSolver alone(model.nodes, 3, 1e-9, 1e-9, 1000), both(model.nodes, 3, 1e-9, 1e-9, 1000);
+    both.EnterProbeTolerance(tolerance);
+    const std::vector<double> load = RandomVector(90, 6), other = RandomVector(90, 7);
+    ReaVecV b = ToVector(load), bAlone = b, probe = ToVector(other);
+    for (SparseSolver* solver : {&alone, &both}) {
+      model.Couple(*solver);
+      model.Assemble(*solver);
+    }
+    EXPECT_EQ(alone.Solver(bAlone, nullptr), 0);
+    EXPECT_EQ(alone.ProbeReport().iterations, 0);
+    const std::string messages =
+        MessagesOf([&](std::FILE* info) { EXPECT_EQ(both.Solver(b, probe, info), 0); });
+    EXPECT_EQ(Values(b), Values(bAlone));
+    EXPECT_EQ(both.ModelReport().iterations, alone.ModelReport().iterations);
+    const IterationReport& report = both.ProbeReport();
+    EXPECT_TRUE(report.reached);
+    EXPECT_EQ(report.iterations<both.ModelReport().iterations, tolerance> 1e-9);
+    EXPECT_LE(report.residual, 10.0 * tolerance);
+    EXPECT_NEAR(report.residual, TrueResidual(a, Values(probe), other), 1e-14);
+    EXPECT_GT(report.smallestQuotient, 1e-3);
+    EXPECT_EQ(Count(messages, "probe: converged after " + std::to_string(report.iterations) +
+                                  " iterations, resid="),
+              1)
+        << messages;
+  }
+}
+
+/// A grid of springs whose stiffness is full, all equal, free to move but for the first equations.
+std::unique_ptr<SparseSolver> Springs(int held)
+{
+  const Model grid = GridModel(9, 8, 3);
+  auto solver = std::make_unique<SparseSolver>(grid.nodes, 3, 1e-8, 0.1, 1000);
+  grid.Couple(*solver);
+  const Matriu own = MatriuOf(3, 3, {2.1, 0.3, 0.2, 0.3, 1.7, 0.1, 0.2, 0.1, 1.3});
+  Matriu apart = own;
+  apart *= -1.0;
+  for (const auto& [p, q] : grid.elements) {
+    solver->AddSubMatriu(3 * p - 2, 3 * p - 2, own);
+    solver->AddSubMatriu(3 * p - 2, 3 * q - 2, apart);
+    solver->AddSubMatriu(3 * q - 2, 3 * q - 2, own);
+  }
+  ReaVecV none(grid.Equations());
+  for (int k = 1; k <= held; ++k)
+    solver->ApplyConstraint(k, 0.0, none);
+  return solver;
+}
+
+TEST(SparseSolver, AProbeTellsWhatCanMove)
+{
+  for (const int held : {0, 1, 2, 3}) {
+    const std::unique_ptr<SparseSolver> solver = Springs(held);
+    solver->Demand({.quotient = IterationDemands::kLeastQuotient});
+    ReaVecV b(216), probe = ToVector(RandomVector(216, 8));
+    b = 0.0;
+    b(10) = 1.0;  // a pair of forces, which needs no support
+    b(100) = -1.0;
+    for (int k = 1; k <= held; ++k)
+      probe(k) = 0.0;
+    const int result = solver->Solver(b, probe, nullptr);
+    const IterationReport& report = solver->ProbeReport();
+    EXPECT_EQ(report.reached, held == 3) << held;
+    if (held == 3) {
+      EXPECT_EQ(result, 0);
+      EXPECT_GT(report.smallestQuotient, 1e-4);
+    } else {
+      EXPECT_TRUE(report.broken || report.left) << held;
+      EXPECT_LT(report.smallestQuotient, IterationDemands::kLeastQuotient) << held;
+      EXPECT_TRUE(result < 0 || solver->ModelReport().reached) << held;
+    }
+  }
+}
+
+TEST(SparseSolver, IteratesUntilTheErrorIsAsSmallAsDemanded)
+{
+  int before = 0;
+  for (const double error : {1.0, 1e-6, 1e-9}) {
+    const std::unique_ptr<SparseSolver> solver = Springs(3);
+    solver->Demand({.error = error});
+    ReaVecV b(216);
+    b = 1.0;
+    for (int k = 1; k <= 3; ++k)
+      b(k) = 0.0;
+    EXPECT_EQ(solver->Solver(b, nullptr), 0);
+    EXPECT_LE(solver->ModelReport().error, error);
+    EXPECT_GT(solver->ModelReport().iterations, before);
+    before = solver->ModelReport().iterations;
+  }
+}
+
 TEST(SparseSolver, BreakdownsReturnMinusOneAndLeaveTheLoad)
 {
   const Model model = GridModel(4, 3, 2);

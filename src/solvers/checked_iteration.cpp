@@ -1,0 +1,87 @@
+#include "solvers/checked_iteration.h"
+
+#include "base/stprintf.h"
+#include "solvers/sparse_matrix.h"
+
+namespace {
+
+constexpr int kMaxRestarts = 3;
+/// The largest true residual that is taken, in tolerances.
+constexpr double kTolerances = 10.0;
+
+}  // namespace
+
+CheckedIteration::CheckedIteration(const SparseMatrix& A, double* x, const double* b,
+                                   const IterationGoal& goal_)
+    : system(A, x, b), goal(goal_)
+{
+  report.reached = system.Residual() <= goal.tolerance;
+  ended = report.reached || system.IsBroken();
+}
+
+bool CheckedIteration::Claims() const
+{
+  return system.Residual() <= goal.tolerance && system.Error() <= goal.demands.error;
+}
+
+void CheckedIteration::Check(const char* name, std::FILE* info)
+{
+  report.left = system.SmallestQuotient() < goal.demands.quotient;
+  ended = system.IsBroken() || report.left;
+  if (ended || !Claims())
+    return;
+  system.Renew();
+  report.reached = system.Residual() <= kTolerances * goal.tolerance * goal.loads;
+  ended = report.reached || restarts == kMaxRestarts || system.IsBroken();
+  if (ended)
+    return;
+  ++restarts;
+  Progress(info, "%strue residual %g, starting again\n", name, system.Residual());
+}
+
+void CheckedIteration::Finish(int limit)
+{
+  report.left = report.left || (!ended && system.Iterations() < limit);
+  if (!report.reached)
+    system.Renew();
+  report.iterations = system.Iterations();
+  report.residual = system.Residual();
+  report.error = system.Error();
+  report.smallestQuotient = system.SmallestQuotient();
+  report.broken = system.IsBroken();
+}
+
+void CheckedIteration::Run(const SparseMatrix& A, const Preconditioner& M, CheckedIteration& model,
+                           CheckedIteration* probe, int limit, std::FILE* info)
+{
+  if (model.report.reached)
+    Progress(info, "iteration number 0 OK resid=%g tol=%g\n", model.system.Residual(),
+             model.goal.tolerance);
+  for (int done = 0; done < limit; ++done) {
+    CgSystem* systems[2];
+    std::size_t count = 0;
+    for (CheckedIteration* const each : {&model, probe})
+      if (each && !each->ended)
+        systems[count++] = &each->system;
+    if (count == 0 || model.HasFailed() || (probe && probe->HasFailed()))
+      break;
+    if (!model.ended)
+      AnnounceIteration(done + 1, model.system.Residual(), model.goal.tolerance, info);
+    CgSystem::Advance(A, M, {systems, count});
+    if (!model.ended) {
+      model.Check("", info);
+      if (model.report.reached)
+        Progress(info, "Converged it number. %i resid=%g tol=%g\n", done + 1,
+                 model.system.Residual(), model.goal.tolerance);
+    }
+    if (probe && !probe->ended)
+      probe->Check("probe: ", info);
+  }
+  model.Finish(limit);
+  if (!probe)
+    return;
+  probe->Finish(limit);
+  Progress(info, "probe: %s after %i iterations, resid=%g tol=%g\n",
+           probe->report.reached ? "converged" : "not solved", probe->report.iterations,
+           probe->report.residual, probe->goal.tolerance);
+}

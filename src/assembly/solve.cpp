@@ -94,10 +94,10 @@ double MeanElementLength(const std::vector<std::unique_ptr<Mesh>>& meshes)
 void Project::FillMatrixVectorAndSolve(std::FILE* info)
 {
   PrepareSystem(info);
-  if (solverSettings.type == SolverType::SkyLine)
-    SolveDirectly(info);
-  else
+  if (solverSettings.type == SolverType::Sparse)
     SolveByIteration(info);
+  else
+    SolveDirectly(info);
   FinishSolution(info);
 }
 
@@ -205,7 +205,7 @@ void Project::TellAccuracy(std::FILE* info) const
   Progress(info, "Estimated relative error of the displacements= %.1e, residual= %.1e\n",
            accuracy.error, accuracy.residual);
   constexpr double kRough = 1e-6;
-  if (solverSettings.type == SolverType::SkyLine && accuracy.error > kRough)
+  if (solverSettings.type != SolverType::Sparse && accuracy.error > kRough)
     Warn(info, "warning: the model is rough: its displacements have a relative error of %.1e\n",
          accuracy.error);
 }

@@ -25,17 +25,20 @@
 namespace {
 
 // Seconds an operation, or an entry of a matrix that is read once, on one core.
-constexpr double kSecondsPerOperation = 5e-11;
-constexpr double kSecondsPerProfileEntry = 8e-9;  ///< cleared, copied, substituted
-constexpr double kSecondsPerSparseEntry = 1e-9;   ///< of an iteration for two vectors
+constexpr double kSecondsPerOperation = 4e-11;
+constexpr double kSecondsPerProfileEntry = 1e-8;  ///< cleared, copied, substituted
+constexpr double kSecondsPerSparseEntry = 8e-10;  ///< of an iteration for two vectors
 /// What the incomplete factors take, in iterations.
 constexpr double kIterationsOfFactors = 12.0;
 
 // Iterations for each element between the supports and the farthest node.
-constexpr double kPlaneFrame = 2.5;
-constexpr double kSpaceFrame = 5.5;
-constexpr double kSolid = 5.5;
-constexpr double kPlate = 7.5;  ///< thicker than its elements are wide; else as in PlateFactor
+constexpr double kPlaneFrame = 2.8;
+constexpr double kSpaceFrame = 7.0;
+constexpr double kFourNodeSolid = 6.5;
+constexpr double kTenNodeSolid = 13.0;
+constexpr double kThreeNodePlate = 10.0;
+constexpr double kSixNodePlate =
+    25.0;  ///< thicker than its elements are wide; else as in PlateFactor
 constexpr double kCurvedShell = 250.0;
 
 /// The elements at each node, by system number less 1.
@@ -158,7 +161,7 @@ double PlateFactor(const Project& project)
       slender = std::max(slender, dist2(elem(0), elem(1)) / (t * t));
     }
   }
-  return kPlate * slender;
+  return slender;
 }
 
 double FactorOf(const Project& project, const Mesh& mesh)
@@ -168,10 +171,12 @@ double FactorOf(const Project& project, const Mesh& mesh)
       return project.freeDegrees == 3 ? kPlaneFrame : kSpaceFrame;
     case Triangle: {
       const auto flat = std::count(project.coplanarity.begin(), project.coplanarity.end(), 1);
-      return flat < project.numNodes ? kCurvedShell : PlateFactor(project);
+      if (flat < project.numNodes)
+        return kCurvedShell;
+      return PlateFactor(project) * (mesh.GiveNnode() == 3 ? kThreeNodePlate : kSixNodePlate);
     }
     default:
-      return kSolid;
+      return mesh.GiveNnode() == 4 ? kFourNodeSolid : kTenNodeSolid;
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -30,6 +31,9 @@ public:
   /// tolerance2 is still accepted.
   SparseSolver(int nnodes, int ndof, double tolerance1, double tolerance2, int MaxIterations,
                Processor processor = ThisProcessor());
+
+  /// Lowers the limit of iterations to this.
+  void LimitIterations(int most) { MaxIterations = std::min(MaxIterations, most); }
 
   void Demand(const IterationDemands& demands_) { demands = demands_; }
   /// The tolerance of the relative residual of a probe.

@@ -46,14 +46,21 @@ Refinement::Verdict Judge(const std::vector<double>& corrections)
 
 }  // namespace
 
+bool RefinedCase::Diverges() const
+{
+  const double ofMotion = 1.0 / (1.0 + static_cast<double>(corrections.size()));
+  return !(LastCorrection() <= 2.0 * ofMotion);
+}
+
 Refinement::Refinement(const SkyMatriu& factors_, const VoidPlex& nodes_,
                        const ComponentScale& scale_, AddForces addForces_)
     : factors(factors_), nodes(nodes_), scale(scale_), addForces(std::move(addForces_))
 {
 }
 
-Refinement::Verdict Refinement::Run(RefinedCase& model, RefinedCase& probe)
+Refinement::Verdict Refinement::Run(RefinedCases& cases)
 {
+  auto& [model, probe] = cases;
   Correct({&model, &probe});
   for (int step = 2; step <= kMostSteps; ++step) {
     std::vector<RefinedCase*> open;

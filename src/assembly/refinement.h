@@ -13,16 +13,27 @@ class VoidPlex;
 /// One load case that a factorisation has solved, in the axes of the supports.
 struct RefinedCase
 {
+  RefinedCase() = default;
   /// The displacements u hold the prescribed values where there are some.
   RefinedCase(ReaVecV loads_, ReaVecV u_) : loads(std::move(loads_)), u(std::move(u_)) {}
 
   double LastCorrection() const { return corrections.back(); }
+  /// Whether the corrections stay larger than those of a structure that can move: the factors
+  /// have lost its softest motion.
+  bool Diverges() const;
 
   ReaVecV loads;  ///< all of them, by equation
   SplitVector u;
   /// The size of each correction relative to that of u, in order. Sizes are the largest of the
   /// nodes' translations and rotations times length; without displacements a correction is 0.
   std::vector<double> corrections;
+};
+
+/// The loads of the model, and loads that drive every motion.
+struct RefinedCases
+{
+  RefinedCase model;
+  RefinedCase probe;
 };
 
 /// Iterative refinement of a direct solution, and the test by it for structures that can move.
@@ -57,7 +68,7 @@ public:
 
   /// Corrects both cases until the model's correction has become negligible and that of the
   /// probe shows that the structure stands, or eight times.
-  Verdict Run(RefinedCase& model, RefinedCase& probe);
+  Verdict Run(RefinedCases& cases);
 
   /// The elements' forces K·u of the model in global axes, by equation, for its refined u.
   ReaVecV& ElementForces() { return elementForces; }

@@ -51,16 +51,13 @@ double NormOnFree(const VoidPlex& nodes, int components, const ReaVecV& v)
   return largest * std::sqrt(squares);
 }
 
-/// Why a model that may stand is refused all the same.
-std::string RoughModelHint(const RefinedCase& model, const RefinedCase& probe)
+/// A line for a model that is refused although it may stand; empty for one that can move.
+std::string RoughModelHint(const RefinedCases& cases, Refinement::Verdict verdict)
 {
-  const double worse = std::max(model.LastCorrection(), probe.LastCorrection());
-  std::ostringstream text;
-  stprintf(text,
-           "The model is too rough: stiffnesses or lengths differ so much that the displacements "
-           "cannot be computed (relative error %.1e)\n",
-           worse);
-  return text.str();
+  if (verdict == Refinement::Verdict::Moves && !cases.probe.Diverges())
+    return "";
+  return "The model is too rough: its stiffnesses or lengths differ so much that the digits of the "
+         "arithmetic are not enough for its displacements\n";
 }
 
 /// Why an iteration that has converged is refused.
@@ -174,30 +171,66 @@ void Project::SolveByIteration(std::FILE* info)
 
 void Project::SolveDirectly(std::FILE* info)
 {
-  const ComponentScale scale = ScaleOfComponents();
-  ReaVecV loads = displacements;
+  const ReaVecV loads = displacements;
   ApplySupports();
   const double loadNorm = NormOnFree(GiveNodes(), freeDegrees, displacements);
-  ReaVecV probeLoads = ProbeLoad(GiveNodes(), scale, displacements.Size());
-  ReaVecV ofProbe = probeLoads;
   Progress(info, "Just before Solver\n");
-  auto& factors = static_cast<SkyMatriu&>(*solver);
-  RequireSolution(factors.Solver({&displacements, &ofProbe}, info));
-  RefinedCase model(std::move(loads), std::move(displacements));
-  RefinedCase probe(std::move(probeLoads), std::move(ofProbe));
-  Refinement refinement(factors, GiveNodes(), scale, [this](InternalForces& f) { AddForces(f); });
-  const Refinement::Verdict verdict = refinement.Run(model, probe);
+  RefinedCases cases;
+  if (const int failed = SolveCases(loads, cases, info))
+    SolverFailed(failed, RefusedPivotHint(loads));
+  Refinement refinement = MakeRefinement();
+  const Refinement::Verdict verdict = refinement.Run(cases);
   if (verdict == Refinement::Verdict::Moves)
-    SolverFailed(refinement.LargestMotion(probe));
+    SolverFailed(refinement.LargestMotion(cases.probe), RoughModelHint(cases, verdict));
   if (verdict == Refinement::Verdict::TooRough)
-    SolverFailed(-1, RoughModelHint(model, probe));
-  accuracy.error = model.LastCorrection();
+    SolverFailed(-1, RoughModelHint(cases, verdict));
   const double missing = NormOnFree(GiveNodes(), freeDegrees, refinement.Residual());
-  accuracy.residual = loadNorm > 0.0 ? missing / loadNorm : missing;
-  displacements = std::move(model.u.value);
-  displacementRests = std::move(model.u.rest);
+  accuracy = {.error = cases.model.LastCorrection(),
+              .residual = loadNorm > 0.0 ? missing / loadNorm : missing};
+  displacements = std::move(cases.model.u.value);
+  displacementRests = std::move(cases.model.u.rest);
   elementForces = std::move(refinement.ElementForces());
   TellAccuracy(info);
+}
+
+// From the right-hand side in the displacements to the solutions before their refinement. Returns
+// what SolverFailed takes, or 0.
+int Project::SolveCases(const ReaVecV& loads, RefinedCases& cases, std::FILE* info)
+{
+  const ReaVecV probeLoads = ProbeLoad(GiveNodes(), ScaleOfComponents(), loads.Size());
+  ReaVecV ofProbe = probeLoads;
+  if (const int refused = Skyline().Solver({&displacements, &ofProbe}, info))
+    return refused;
+  if (!AllFinite(displacements))
+    return -1;
+  cases.model = RefinedCase(loads, displacements);
+  cases.probe = RefinedCase(probeLoads, std::move(ofProbe));
+  return 0;
+}
+
+// A refused pivot tells nothing about why it is small. Without the limit for pivots that have lost
+// digits, the refinement can often tell.
+std::string Project::RefusedPivotHint(const ReaVecV& loads)
+{
+  Skyline().SetToZero();
+  AssembleStiffness(*solver, kInSupportAxes);
+  displacements = loads;
+  ApplySupports();
+  Skyline().AcceptLostPivots();
+  RefinedCases cases;
+  if (SolveCases(loads, cases, nullptr) != 0)
+    return "";
+  return RoughModelHint(cases, MakeRefinement().Run(cases));
+}
+
+SkyMatriu& Project::Skyline() const
+{
+  return static_cast<SkyMatriu&>(*solver);
+}
+
+Refinement Project::MakeRefinement() const
+{
+  return {Skyline(), GiveNodes(), ScaleOfComponents(), [this](InternalForces& f) { AddForces(f); }};
 }
 
 void Project::TellAccuracy(std::FILE* info) const
@@ -205,9 +238,13 @@ void Project::TellAccuracy(std::FILE* info) const
   Progress(info, "Estimated relative error of the displacements= %.1e, residual= %.1e\n",
            accuracy.error, accuracy.residual);
   constexpr double kRough = 1e-6;
-  if (solverSettings.type != SolverType::Sparse && accuracy.error > kRough)
-    Warn(info, "warning: the model is rough: its displacements have a relative error of %.1e\n",
-         accuracy.error);
+  if (solverSettings.type == SolverType::Sparse)
+    return;
+  if (accuracy.error > kRough || accuracy.residual > kRough)
+    Warn(info,
+         "warning: the model is rough: the displacements have a relative error of %.1e, and the "
+         "forces miss the loads by %.1e of them\n",
+         accuracy.error, accuracy.residual);
 }
 
 void Project::RequireSolution(int result) const

@@ -9,6 +9,7 @@
 /// difference of nearly equal displacements, of which a double keeps few digits.
 struct SplitVector
 {
+  SplitVector() = default;
   /// The rest is 0.
   explicit SplitVector(ReaVecV v);
 

@@ -29,10 +29,13 @@ class Material;
 class Matriu;
 class Mesh;
 class Node;
+class Refinement;
+class SkyMatriu;
 class TextOut;
 struct BeamEnds;
 struct ComponentScale;
 struct ElementFamily;
+struct RefinedCases;
 struct SolverWork;
 
 /// Results of the elements of one mesh, one block of values for each element.
@@ -279,6 +282,10 @@ private:
   void MergeHinges(const Elem& elem);
   void PrepareSystem(std::FILE* info);
   void SolveDirectly(std::FILE* info);
+  int SolveCases(const ReaVecV& loads, RefinedCases& cases, std::FILE* info);
+  std::string RefusedPivotHint(const ReaVecV& loads);
+  SkyMatriu& Skyline() const;
+  Refinement MakeRefinement() const;
   void SolveByIteration(std::FILE* info);
   bool IterateToTheEnd(std::FILE* info);
   int Iterate(std::FILE* info);

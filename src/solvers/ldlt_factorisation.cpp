@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "solvers/ldlt_blocks.h"
-#include "solvers/pivot_check.h"
 
 // Row j of the product A = L·D·Lᵀ gives, for the columns i <= j from the first of its profile,
 //
@@ -267,7 +266,7 @@ int Factorisation::Eliminate(Panel& panel)
       ReduceOwnGroup(panel, chunk, group);
     pivots[row] = panel.At(row)[r];
     options.onRow(row);
-    if (!AcceptsPivot(pivots[row], panel.diagonal[r]))
+    if (!AcceptsPivot(pivots[row], panel.diagonal[r], options.lostPart))
       return r;
     kernel.eliminate({.group = panel.At(panel.Row() + group * kernel.groupRows),
                       .block = own + row % kChunkColumns * kernel.groupRows,

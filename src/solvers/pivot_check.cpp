@@ -4,10 +4,9 @@
 
 #include "base/constants.h"
 
-bool AcceptsPivot(double pivot, double diagonal)
+bool AcceptsPivot(double pivot, double diagonal, double lostPart)
 {
-  constexpr double kLostPart = 1e-14;
   const double size = std::fabs(pivot);
   // The comparisons are written so that a pivot that is not a number is refused.
-  return size >= EPSILON && size > kLostPart * std::fabs(diagonal);
+  return size >= EPSILON && size > lostPart * std::fabs(diagonal);
 }

@@ -157,8 +157,9 @@ int SkyMatriu::Txolesky(std::FILE* info)
     if ((row + 1) % kEquationsPerMessage == 0)
       Progress(info, "Solving degree %i of %i\n", row + 1, n);
   };
-  const int refused = FactoriseLdlt({rows.data(), heights.data()}, n,
-                                    {.kernel = LdltKernels().front(), .onRow = report});
+  const int refused =
+      FactoriseLdlt({rows.data(), heights.data()}, n,
+                    {.kernel = LdltKernels().front(), .onRow = report, .lostPart = lostPart});
   factorised = refused < 0;
   return refused + 1;
 }

@@ -6,6 +6,7 @@
 
 #include "base/large_array.h"
 #include "solvers/bsolver.h"
+#include "solvers/pivot_check.h"
 
 /// Symmetric matrix stored by profile, factorised in place as L·D·Lᵀ.
 ///
@@ -54,9 +55,12 @@ public:
   int Solver(const RightHandSides& sides, std::FILE* info);
 
   /// Factorises in place, without pivoting. Returns 0, or the first equation whose pivot is
-  /// refused: not a number, below 1e-15, or nothing but rounding error (see PivotCheck). Progress
+  /// refused: not a number, below 1e-15, or nothing but rounding error (see AcceptsPivot). Progress
   /// every 500 equations.
   int Txolesky(std::FILE* info);
+
+  /// Pivots that have lost digits are no longer refused, as long as they are not 0.
+  void AcceptLostPivots() { lostPart = 0.0; }
 
   /// Solves with the factors that Txolesky has left: the right-hand sides become solutions.
   void Substitute(const RightHandSides& sides, std::FILE* info) const;
@@ -133,4 +137,5 @@ private:
 
   double outside = 0.0;  ///< what operator() refers to outside the profile
   bool factorised = false;
+  double lostPart = kLostPart;
 };

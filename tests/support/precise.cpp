@@ -762,10 +762,10 @@ int Translations(const Structure& s)
 }
 
 /// The improvement of a solution by the factors of a less precise matrix.
-class Refinement
+class CaseRefinement
 {
 public:
-  explicit Refinement(const Structure& structure)
+  explicit CaseRefinement(const Structure& structure)
       : s(structure),
         n(s.Components()),
         supports(s),
@@ -879,7 +879,7 @@ PreciseResults ResultsOf(const Structure& s, const std::vector<R>& u)
 
 PreciseResults SolvePrecisely(const Structure& structure)
 {
-  Refinement refinement(structure);
+  CaseRefinement refinement(structure);
   if (!refinement.Improve<long double>() && !refinement.Improve<Quad>())
     ADD_FAILURE() << "the reference does not converge";
   return ResultsOf(structure, refinement.Displacements());

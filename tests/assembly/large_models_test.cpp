@@ -373,7 +373,7 @@ void AddFrames(std::vector<LargeModel>& models)
                       Structure s = Chain(2600, true, {std::cos(0.3), 0, std::sin(0.3)});
                       for (const int node : {1, 651, 1301, 1951, 2601})
                         s.HoldNode(node, kClamped);
-                      return s.LoadAll({0.1, 0.2, -1, 0, 0, 0});
+                      return s.LoadAll(kLoad);
                     }});
   models.push_back({"ContinuousBeam10000", [] {
                       Structure s = Chain(10000, false, kIncline);
@@ -433,9 +433,8 @@ void AddTrusses(std::vector<LargeModel>& models)
       {"SimpleTrussGirder", [] {
          return TrussGirder(2600).HoldNode(1, kPin).HoldNode(5201, kRollerInX).LoadAll({0, -1, 0});
        }});
-  models.push_back({"TrussMast", [] {
-                      return TrussMast(700).Hold(At(2, 0), kBall).LoadAll({0.1, 0.2, -1, 0, 0, 0});
-                    }});
+  models.push_back(
+      {"TrussMast", [] { return TrussMast(700).Hold(At(2, 0), kBall).LoadAll(kLoad); }});
   models.push_back({"TrussWall", [] {
                       return TrussWall(70, 75).Hold(At(1, 0), kPin).LoadAll({0.5, -1, 0});
                     }});
@@ -472,13 +471,12 @@ void AddShells(std::vector<LargeModel>& models)
       {"LargePlate", [] { return ShellOn(Flat, 120, 120, 0.05).Hold(At(0, 0)); }, kSag});
   models.push_back({"PlateUnderLoads", [] {
                       Structure s = Sheet(Flat, 0.02, 3);
-                      return s.Hold(At(0, 0)).LoadAll({0.1, 0.2, -1, 0, 0, 0});
+                      return s.Hold(At(0, 0)).LoadAll(kLoad);
                     }});
-  models.push_back(
-      {"ObliquePlateUnderLoads", [] {
-         Structure s = Sheet(Flat, 0.02, 3).Hold(At(0, 0)).LoadAll({0.1, 0.2, -1, 0, 0, 0});
-         return Tilted(s);
-       }});
+  models.push_back({"ObliquePlateUnderLoads", [] {
+                      Structure s = Sheet(Flat, 0.02, 3).Hold(At(0, 0)).LoadAll(kLoad);
+                      return Tilted(s);
+                    }});
   models.push_back({"RoofUnderLoads", [] {
                       Structure s = Sheet(Roof, 0.05, 3);
                       return s.Hold(At(0, 0)).Hold(At(0, 4), kSlide).LoadAll({0, 0.2, -1, 0, 0, 0});
@@ -493,6 +491,7 @@ void AddShells(std::vector<LargeModel>& models)
                         s.HoldNode(node, kClamped).HoldNode(node + 4, kClamped);
                       return s.LoadAll({0, 0, -1, 0, 0, 0});
                     }});
+  models.push_back({"SlabsAndWalls", [] { return SlabsAndWalls(10).LoadAll(kLoad); }, {}, true});
   models.push_back(
       {"StiffenedPlate", [] { return Stiffened(Sheet(Flat, 0.02, 3)).Hold(At(0, 0)); }, kSag});
   models.push_back(

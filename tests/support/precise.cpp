@@ -18,7 +18,12 @@
 
 namespace {
 
+// Numbers of 113 bits: where there is no such type of its own, long double has them.
+#ifdef __SIZEOF_FLOAT128__
 __extension__ typedef __float128 Quad;
+#else
+using Quad = long double;
+#endif
 
 template <class R>
 using Vec = std::array<R, 3>;
@@ -635,21 +640,23 @@ public:
     values.assign(starts.back(), R(0));
   }
 
-  R& At(std::size_t i, std::size_t j) { return values[starts[i] + j - first[i]]; }
+  /// The entry (i, j), first <= j <= i.
+  R& At(std::size_t i, std::size_t j) { return values[starts[i] + (j - first[i])]; }
 
   /// False when the matrix is not positive definite.
   bool Factorise()
   {
     for (std::size_t i = 0; i < first.size(); ++i) {
-      R* const row = &At(i, first[i]) - first[i];
-      for (std::size_t j = first[i]; j < i; ++j)
-        row[j] -= Product(i, j, std::max(first[i], first[j]), j);
-      for (std::size_t j = first[i]; j < i; ++j) {
-        const R ratio = row[j] / At(j, j);
-        row[i] -= ratio * row[j];
-        row[j] = ratio;
+      const std::size_t begin = first[i];
+      for (std::size_t j = begin; j < i; ++j)
+        At(i, j) -= Product(i, j);
+      R& diagonal = At(i, i);
+      for (std::size_t j = begin; j < i; ++j) {
+        const R ratio = At(i, j) / At(j, j);
+        diagonal -= ratio * At(i, j);
+        At(i, j) = ratio;
       }
-      if (!(row[i] > R(0)))
+      if (!(diagonal > R(0)))
         return false;
     }
     return true;
@@ -670,12 +677,16 @@ public:
   }
 
 private:
-  R Product(std::size_t i, std::size_t j, std::size_t begin, std::size_t end)
+  /// Of the rows i and j, as far as both go, before column j.
+  R Product(std::size_t i, std::size_t j)
   {
-    const R* const a = &At(i, first[i]) - first[i];
-    const R* const b = &At(j, first[j]) - first[j];
+    const std::size_t begin = std::max(first[i], first[j]);
+    if (begin >= j)
+      return R(0);
+    const R* const a = &At(i, begin);
+    const R* const b = &At(j, begin);
     R sum(0);
-    for (std::size_t k = begin; k < end; ++k)
+    for (std::size_t k = 0; k < j - begin; ++k)
       sum += a[k] * b[k];
     return sum;
   }

@@ -162,8 +162,24 @@ Structure LinkedGirders(double length, double factor, double angle)
   return s.HoldNode(1, kClamped).HoldNode(2, kClamped).Load(101, {0, -1, 1, 0, 0, 0});
 }
 
+/// A cantilever of 40 beams, every fourth of them stiffer.
+Structure ChainWithLinks(double factor, double angle)
+{
+  Structure s = Chain(40, false, Inclined(angle));
+  s.sections.push_back(Stiffer(factor));
+  for (std::size_t i = 3; i < s.beams.size(); i += 4)
+    s.beams[i].section = 2;
+  return s.HoldNode(1, kClamped).Load(41, {0, -1});
+}
+
 void AddLinks(std::vector<RoughModel>& models)
 {
+  for (const double factor : {1e4, 1e6, 1e8, 1e10, 1e12}) {
+    for (const double angle : {0.0, 0.3})
+      models.push_back({"beams with links between them " + Text("%g times stiffer", factor) +
+                            (angle == 0.0 ? "" : ", inclined by 0.3"),
+                        [=] { return ChainWithLinks(factor, angle); }, factor < 1e9});
+  }
   for (const double factor : {1e4, 1e6, 1e8, 1e10, 1e12}) {
     for (const double angle : {0.0, 0.3})
       models.push_back({"girder on links " + Text("%g times stiffer", factor) +
@@ -175,7 +191,7 @@ void AddLinks(std::vector<RoughModel>& models)
       models.push_back({"girders joined by links of " + Text("%g m, ", length) +
                             Text("%g times stiffer", factor),
                         [=] { return LinkedGirders(length, factor, 0.3); },
-                        length > 0.1 && factor < 1e5});
+                        length > 0.01 && factor < 1e5});
   }
   for (const double length : {1e-1, 1e-2, 1e-3}) {
     models.push_back({"beams of 1 m and of " + Text("%g m by turns", length),
@@ -363,21 +379,12 @@ Judged Outcome(const RoughModel& model, const Structure& structure)
   return Judge(structure, "NumOfDivisions 1\n", &exact);
 }
 
-/// The last five cells of a line of the table.
-std::string Cells(const Judged& judged)
+/// How a run ended, as the table has it.
+std::string Ending(const Judged& judged)
 {
-  if (!judged.IsSolved()) {
-    const std::size_t last = judged.message.rfind('\n', judged.message.size() - 2);
-    const std::string line =
-        last == std::string::npos ? judged.message : judged.message.substr(last + 1);
-    return "refused: " + line.substr(0, line.find('\n')) + " | | | |";
-  }
-  const Errors& e = judged.errors;
-  char cells[100];
-  std::snprintf(cells, sizeof cells, "%.0e | %.0e | %.0e | %.0e | %.0e%s", e.displacement,
-                e.rotation, e.force, e.moment, std::max(e.reaction, e.reactionMoment),
-                judged.warned ? ", warned" : "");
-  return cells;
+  if (judged.IsSolved())
+    return Text("%.0e", judged.errors.Largest()) + (judged.warned ? ", warned of" : "");
+  return judged.IsTooRough() ? "refused" : "refused: " + judged.message;
 }
 
 }  // namespace
@@ -397,16 +404,13 @@ TEST_P(RoughModelTest, IsRightOrRefusedAsTooRough)
 
 INSTANTIATE_TEST_SUITE_P(All, RoughModelTest, testing::ValuesIn(RoughModels()), NameOf);
 
-// Prints the table of docs/verification.md; scripts/rough_models.sh runs it.
+// Prints the lines of the table of docs/verification.md; scripts/rough_models.sh runs it.
 TEST(RoughModels, DISABLED_Table)
 {
-  std::printf(
-      "| model | equations | displacements | rotations | forces | moments | reactions |\n"
-      "|---|---|---|---|---|---|---|\n");
   for (const RoughModel& model : RoughModels()) {
     const Structure structure = model.make();
-    const Judged judged = Outcome(model, structure);
-    std::printf("| %s | %d | %s |\n", model.text.c_str(), structure.Equations(),
-                Cells(judged).c_str());
+    std::string ending = Ending(Outcome(model, structure));
+    std::replace(ending.begin(), ending.end(), '\n', ' ');
+    std::printf("| %s | %d | %s |\n", model.text.c_str(), structure.Equations(), ending.c_str());
   }
 }

@@ -7,7 +7,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "support/fatal.h"
+#include "support/messages.h"
+#include "support/run_ended.h"
 
 std::string Judged::Text() const
 {
@@ -28,10 +29,13 @@ Judged Judge(const Structure& structure, const std::string& settings, const Prec
   std::unique_ptr<Solved> solved;
   testing::internal::CaptureStderr();
   const auto begin = std::chrono::steady_clock::now();
-  judged.message = FatalCaught([&] { solved = std::make_unique<Solved>(problem); });
+  judged.info = MessagesOf([&](std::FILE* info) {
+    judged.message = FatalCaught([&] { solved = std::make_unique<Solved>(problem, true, info); });
+  });
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
   judged.seconds = time.count();
-  judged.warned = testing::internal::GetCapturedStderr().find("warning") != std::string::npos;
+  const std::string errors = testing::internal::GetCapturedStderr();
+  judged.warned = (judged.info + errors).find("warning") != std::string::npos;
   if (!solved)
     return judged;
   judged.message.clear();

@@ -8,7 +8,8 @@
 struct Judged
 {
   std::string message;  ///< that ended the run; empty when it was solved
-  bool warned = false;  ///< on standard error
+  std::string info;     ///< the information stream
+  bool warned = false;  ///< there or on standard error
   bool direct = false;  ///< which solver it was
   double seconds = 0.0;
   Errors errors;

@@ -125,10 +125,11 @@ std::unique_ptr<Project> ReadProject(const std::string& problem)
   return project;
 }
 
-Solved::Solved(const std::string& problem, bool renumber) : project(ReadProject(problem))
+Solved::Solved(const std::string& problem, bool renumber, std::FILE* info)
+    : project(ReadProject(problem))
 {
-  project->Calc(renumber, nullptr);
-  project->CalcStrengthsAndReactions(nullptr);
+  project->Calc(renumber, info);
+  project->CalcStrengthsAndReactions(info);
 }
 
 std::vector<double> Solved::Displacement(int node) const

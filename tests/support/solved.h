@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,7 +15,7 @@ std::unique_ptr<Project> ReadProject(const std::string& problem);
 class Solved
 {
 public:
-  explicit Solved(const std::string& problem, bool renumber = true);
+  explicit Solved(const std::string& problem, bool renumber = true, std::FILE* info = nullptr);
 
   std::vector<double> Displacement(int node) const;
   /// Fails the test, and is empty, for a node without a support.

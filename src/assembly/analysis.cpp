@@ -65,7 +65,8 @@ void Project::PreSolve(int renumber, std::FILE* info)
     meshes.front()->RenumberNodes();
   Progress(info, "Running a pre-solver to prepare initial values\n");
   MarkCoplanarNodes(info);
-  solver = std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees));
+  solver =
+      std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees), solverSettings.processor);
   Solve(info);
   solver.reset();
   coplanarity.clear();
@@ -152,15 +153,15 @@ void Project::MakeSolver()
 {
   const SolverSettings& s = solverSettings;
   if (s.type == SolverType::SkyLine) {
-    solver = std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees));
+    solver = std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees), s.processor);
     return;
   }
   if (s.type != SolverType::Sparse)
     Fatal("error: unknown solver\n");
   auto sparse = s.maxIterations == 0
-                    ? std::make_unique<SparseSolver>(numNodes, freeDegrees)
+                    ? std::make_unique<SparseSolver>(numNodes, freeDegrees, s.processor)
                     : std::make_unique<SparseSolver>(numNodes, freeDegrees, s.tolerance1,
-                                                     s.tolerance2, s.maxIterations);
+                                                     s.tolerance2, s.maxIterations, s.processor);
   if (preSolved)
     sparse->EnterInitialvalues(StartFromPreSolve());
   solver = std::move(sparse);

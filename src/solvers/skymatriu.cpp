@@ -28,7 +28,7 @@ bool IsZero(double value)
 
 }  // namespace
 
-SkyMatriu::SkyMatriu(int n_) : n(n_)
+SkyMatriu::SkyMatriu(int n_, Processor processor) : n(n_), kernel(LdltKernels(processor).front())
 {
   if (n < 0)
     Fatal("Not space available on heap");
@@ -157,8 +157,8 @@ int SkyMatriu::Txolesky(std::FILE* info)
     if ((row + 1) % kEquationsPerMessage == 0)
       Progress(info, "Solving degree %i of %i\n", row + 1, n);
   };
-  const int refused = FactoriseLdlt({rows.data(), heights.data()}, n,
-                                    {.kernel = LdltKernels().front(), .onRow = report});
+  const int refused =
+      FactoriseLdlt({rows.data(), heights.data()}, n, {.kernel = kernel, .onRow = report});
   factorised = refused < 0;
   return refused + 1;
 }

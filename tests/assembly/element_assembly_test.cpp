@@ -16,6 +16,7 @@
 #include "problem/constraint.h"
 #include "problem/element_family.h"
 #include "solvers/skymatriu.h"
+#include "support/processor.h"
 #include "support/shell_model.h"
 #include "support/solid_model.h"
 #include "support/solved.h"
@@ -26,7 +27,8 @@ namespace {
 Matriu Assembled(Project& project, int applyLocalAxes)
 {
   Mesh& mesh = *project.meshes.front();
-  project.solver = std::make_unique<SkyMatriu>(project.numNodes * project.freeDegrees);
+  project.solver =
+      std::make_unique<SkyMatriu>(project.numNodes * project.freeDegrees, TestedProcessor());
   project.solver->EnterMaxDiff(1, project.numNodes, project.freeDegrees);
   for (int node = 1; node <= project.numNodes; ++node)
     project.solver->EnterMaxDiff(1, node, project.freeDegrees);

@@ -8,6 +8,7 @@
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
 #include "solvers/skymatriu.h"
+#include "support/processor.h"
 #include "support/sparse.h"
 
 namespace {
@@ -50,7 +51,7 @@ TEST(ElementForces, AreTheProductWithTheMatrixOfTheElements)
     const std::vector<RandomElement> elements = {
         {{1, 2}, ndof, 1}, {{4, 2, 7, 1}, ndof, 2}, {{7, 6, 5}, ndof, 3}, {{3, 3}, ndof, 4}};
     const int n = kNodes * ndof;
-    SkyMatriu matrix(n);
+    SkyMatriu matrix(n, TestedProcessor());
     for (int node = 2; node <= kNodes; ++node)
       matrix.EnterMaxDiff(1, node, ndof);
     matrix.Create(ndof);

@@ -687,6 +687,34 @@ TEST(SparseSolver, StartsAgainWhereTheTrueResidualIsLarge)
   EXPECT_LE(LargestDifference(Values(b), DenseSolve(model.Dense(), load)), 1e-9);
 }
 
+TEST(SparseSolver, ADemandedErrorNeedsTheResidualThatIsClaimed)
+{
+  // Ten tolerances are above what rounding leaves at first, but the recurrence goes far below.
+  // What the iteration adds to the solution is nearly all to make up for the start.
+  const Model model = GridModel(6, 5, 3);
+  for (const bool demanded : {false, true}) {
+    SparseSolver solver(model.nodes, 3, 1e-6, 1e-6, 1000, TestedProcessor());
+    if (demanded)
+      solver.Demand({.error = 1e-20});
+    model.Couple(solver);
+    model.Assemble(solver);
+    auto start = std::make_unique<double[]>(90);
+    const std::vector<double> random = RandomVector(90, 5);
+    std::transform(random.begin(), random.end(), start.get(), [](double x) { return 1e10 * x; });
+    solver.EnterInitialvalues(std::move(start));
+    ReaVecV b = ToVector(RandomVector(90, 6));
+    const std::string messages =
+        MessagesOf([&](std::FILE* info) { EXPECT_EQ(solver.Solver(b, info), 0); });
+    EXPECT_TRUE(solver.ModelReport().reached);
+    EXPECT_EQ(Count(messages, ", starting again\n") > 0, demanded) << messages;
+    if (demanded) {
+      EXPECT_LE(solver.ModelReport().residual, 1e-7);
+    } else {
+      EXPECT_GT(solver.ModelReport().residual, 1e-7);
+    }
+  }
+}
+
 TEST(SparseSolver, AToleranceOutOfReachIsJudgedByTheSecondOne)
 {
   const Model model = GridModel(6, 5, 3);

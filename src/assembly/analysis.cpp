@@ -1,8 +1,6 @@
 // The order of the analysis: from the model as read to the displacements.
 
 #include <algorithm>
-#include <cstdint>
-#include <optional>
 #include <sstream>
 #include <string>
 
@@ -73,9 +71,9 @@ void Project::Calc(int renumber, std::FILE* info)
     CalcAutomatically(renumber, info);
     return;
   }
-  Progress(info, "Solver %s taken, as the problem file asks\n", NameOf(solverSettings.type));
   Number(renumber);
   MarkCoplanarNodes(info);
+  Progress(info, "Solver %s taken: the problem file asks for it\n", NameOf(solverSettings.type));
   MakeSolver();
   FillMatrixVectorAndSolve(info);
 }
@@ -84,26 +82,23 @@ void Project::Calc(int renumber, std::FILE* info)
 // the iteration and it fails, the direct one after it.
 void Project::CalcAutomatically(int renumber, std::FILE* info)
 {
-  const std::optional<SolverWork> work = ChooseSolver(renumber, info);
+  const SolverChoice choice = ChooseSolver(renumber);
   MarkCoplanarNodes(info);
-  if (solverSettings.type == SolverType::SkyLine) {
+  Progress(info, "Solver %s taken: %s\n", NameOf(choice.type), choice.reason.c_str());
+  if (choice.type == SolverType::SkyLine) {
     MakeSolver();
     FillMatrixVectorAndSolve(info);
     return;
   }
-  const std::uint64_t memory = MemoryLimit();
-  const bool fits = work->FitsDirectly(memory);
-  MakeIteration();
-  if (fits)
-    static_cast<SparseSolver&>(*solver).LimitIterations(work->IterationsWorthTrying());
+  MakeIteration(choice);
   PrepareSystem(info);
   if (IterateToTheEnd(info)) {
     FinishSolution(info);
     return;
   }
   const IterationReport& report = static_cast<const SparseSolver&>(*solver).ModelReport();
-  if (!fits)
-    SolverFailed(-std::max(report.iterations, 1), NoSolverHint(report, *work));
+  if (!choice.fitsDirectly)
+    SolverFailed(-std::max(report.iterations, 1), NoSolverHint(report, choice.work));
   Progress(info, "Solver SkyLine taken instead: after %i iterations the residual is %g\n",
            report.iterations, report.residual);
   solver.reset();
@@ -130,7 +125,8 @@ void Project::PreSolve(int renumber, std::FILE* info)
     meshes.front()->RenumberNodes();
   Progress(info, "Running a pre-solver to prepare initial values\n");
   MarkCoplanarNodes(info);
-  solver = std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees));
+  solver =
+      std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees), solverSettings.processor);
   FillMatrixVectorAndSolve(info);
   solver.reset();
   coplanarity.clear();
@@ -198,52 +194,51 @@ void Project::RequireFamily(const Mesh& mesh) const
     Fatal("error: elements of type ", ElemTypeName(mesh.GiveElemType()), " need a 3d problem\n");
 }
 
-// Leaves the nodes with the numbers that the chosen solver works on. Small models have no
-// estimate.
-std::optional<SolverWork> Project::ChooseSolver(int renumber, std::FILE* info)
+// Leaves the nodes with the numbers that the chosen solver works on.
+SolverChoice Project::ChooseSolver(int renumber)
 {
   solverSettings.type = SolverType::SkyLine;
   Number(renumber);
   const long long equations = static_cast<long long>(numNodes) * freeDegrees;
-  if (equations < kChoiceFrom) {
-    Progress(info, "Solver SkyLine taken: %lld equations are less than %lld\n", equations,
-             kChoiceFrom);
-    return std::nullopt;
-  }
+  if (equations < kChoiceFrom)
+    return {.reason = std::to_string(equations) + " equations are less than " +
+                      std::to_string(kChoiceFrom)};
   MarkCoplanarNodes(nullptr);
-  const SolverWork work = EstimateWork(*this);
-  const SolverChoice choice = FasterSolver(work, MemoryLimit());
+  SolverChoice choice = FasterSolver(EstimateWork(*this), MemoryLimit());
   solverSettings.type = choice.type;
-  Progress(info, "Solver %s taken: %s\n", NameOf(choice.type), choice.reason.c_str());
   if (choice.type == SolverType::Sparse && renumber)
     meshes.front()->RestoreNumbers();
-  return work;
+  return choice;
 }
 
 void Project::MakeSolver()
 {
   const SolverSettings& s = solverSettings;
   if (s.type == SolverType::SkyLine) {
-    solver = std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees));
+    solver = std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees), s.processor);
     return;
   }
   if (s.type != SolverType::Sparse)
     Fatal("error: unknown solver\n");
   auto sparse = s.maxIterations == 0
-                    ? std::make_unique<SparseSolver>(numNodes, freeDegrees)
+                    ? std::make_unique<SparseSolver>(numNodes, freeDegrees, s.processor)
                     : std::make_unique<SparseSolver>(numNodes, freeDegrees, s.tolerance1,
-                                                     s.tolerance2, s.maxIterations);
+                                                     s.tolerance2, s.maxIterations, s.processor);
+  sparse->Demand({.quotient = IterationDemands::kLeastQuotient});
   if (preSolved)
     sparse->EnterInitialvalues(StartFromPreSolve());
   solver = std::move(sparse);
 }
 
-// With the defaults, but it goes on until the results are good.
-void Project::MakeIteration()
+// With the defaults, but it goes on until the results are good, or the direct solver would have
+// been faster.
+void Project::MakeIteration(const SolverChoice& choice)
 {
-  auto sparse = std::make_unique<SparseSolver>(numNodes, freeDegrees);
+  auto sparse = std::make_unique<SparseSolver>(numNodes, freeDegrees, solverSettings.processor);
   sparse->Demand(
       {.error = IterationDemands::kGoodError, .quotient = IterationDemands::kLeastQuotient});
+  if (choice.fitsDirectly)
+    sparse->LimitIterations(choice.work.IterationsWorthTrying());
   solver = std::move(sparse);
 }
 

@@ -31,6 +31,10 @@ constexpr double kSecondsPerSparseEntry = 8e-10;  ///< of an iteration for two v
 /// What the incomplete factors take, in iterations.
 constexpr double kIterationsOfFactors = 12.0;
 
+/// The iteration is taken only if the direct solver would need so many times as long: the number of
+/// iterations may be underestimated.
+constexpr double kLeastGain = 1.25;
+
 // Iterations for each element between the supports and the farthest node.
 constexpr double kPlaneFrame = 2.8;
 constexpr double kSpaceFrame = 7.0;
@@ -223,13 +227,13 @@ SolverWork EstimateWork(const Project& project)
 
 SolverChoice FasterSolver(const SolverWork& work, std::uint64_t memoryLimit)
 {
-  const bool fits = work.FitsDirectly(memoryLimit);
-  const bool direct = fits && work.DirectSeconds() <= work.SparseSeconds();
+  const bool fits = work.DirectBytes() <= memoryLimit;
+  const bool direct = fits && work.DirectSeconds() <= kLeastGain * work.SparseSeconds();
   std::ostringstream reason;
-  stprintf(reason, "estimated %.2g s and %.0f Mb, %.0f iterations %.2g s", work.DirectSeconds(),
-           static_cast<double>(work.DirectBytes()) / (1024.0 * 1024.0), work.iterations,
-           work.SparseSeconds());
+  stprintf(reason, "estimated %.2g s and %.0f Mb, against %.0f iterations in %.2g s",
+           work.DirectSeconds(), static_cast<double>(work.DirectBytes()) / (1024.0 * 1024.0),
+           work.iterations, work.SparseSeconds());
   if (!fits)
     reason << "; the direct solver does not fit into memory";
-  return {direct ? SolverType::SkyLine : SolverType::Sparse, reason.str()};
+  return {direct ? SolverType::SkyLine : SolverType::Sparse, reason.str(), work, fits};
 }

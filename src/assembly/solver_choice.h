@@ -25,8 +25,6 @@ struct SolverWork
   double SparseSeconds() const;
   /// Bytes of the skyline matrix and of the copies that its factorisation keeps.
   std::uint64_t DirectBytes() const;
-  /// Whether these are not more than the limit.
-  bool FitsDirectly(std::uint64_t memoryLimit) const { return DirectBytes() <= memoryLimit; }
   /// After so many iterations the direct solver would have been faster.
   int IterationsWorthTrying() const;
 };
@@ -35,11 +33,14 @@ struct SolverWork
 /// coplanarity marks must be set.
 SolverWork EstimateWork(const Project& project);
 
-/// The faster solver of those that fit, and why, in words.
+/// A solver, and why, in words.
 struct SolverChoice
 {
   SolverType type = SolverType::SkyLine;
   std::string reason;
+  SolverWork work = {};      ///< of a large model
+  bool fitsDirectly = true;  ///< the skyline matrix into memory
 };
 
+/// The faster solver of those that the memory has room for.
 SolverChoice FasterSolver(const SolverWork& work, std::uint64_t memoryLimit);

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
-#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -36,7 +35,7 @@ struct BeamEnds;
 struct ComponentScale;
 struct ElementFamily;
 struct RefinedCases;
-struct SolverWork;
+struct SolverChoice;
 
 /// Results of the elements of one mesh, one block of values for each element.
 struct MeshResults
@@ -268,9 +267,9 @@ private:
   void MarkCoplanarNodes(std::FILE* info);
   void CalcAutomatically(int renumber, std::FILE* info);
   void Number(int renumber);
-  std::optional<SolverWork> ChooseSolver(int renumber, std::FILE* info);
+  SolverChoice ChooseSolver(int renumber);
   void MakeSolver();
-  void MakeIteration();
+  void MakeIteration(const SolverChoice& choice);
   std::unique_ptr<double[]> StartFromPreSolve() const;
   Node& AddMidSideNode(const Node& a, const Node& b);
   /// Whether the analysis has made the node.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/processor.h"
+
 /// Largest number of divisions of a beam in the results.
 constexpr int kMaxDivisions = 100000;
 
@@ -18,6 +20,8 @@ struct SolverSettings
   double tolerance1 = -1.0;
   double tolerance2 = -1.0;
   int maxIterations = 0;
+  /// By whose instructions the equations are solved; not read from the file.
+  Processor processor = ThisProcessor();
 };
 
 struct SmoothingSettings

@@ -51,8 +51,9 @@ struct IterationGoal
 /// bears it out.
 ///
 /// Where the recurrence claims that the tolerance is reached, the residual is formed afresh. When
-/// that is more than ten times the tolerance of all loads, the iteration starts again with it, at
-/// most three times; then it has failed.
+/// that is more than ten times the tolerance of all loads (where an error is demanded: ten times
+/// the residual of the recurrence), the iteration starts again with it, at most three times; then
+/// it has failed.
 class CheckedIteration
 {
 public:
@@ -72,6 +73,9 @@ public:
 private:
   bool HasFailed() const { return ended && !report.reached; }
   bool Claims() const;
+  /// The residual that is claimed: the tolerance, or, where an error is demanded, that of the
+  /// recurrence.
+  double Claimed() const;
   /// Looks, after an iteration, whether this one was the last. name: begins the messages.
   void Check(const char* name, std::FILE* info);
   void Finish(int limit);

@@ -1,13 +1,11 @@
 #include "solvers/ldlt_kernels.h"
 
-#include "base/processor.h"
-
-std::span<const LdltKernel* const> LdltKernels()
+std::span<const LdltKernel* const> LdltKernels(Processor processor)
 {
   static constexpr const LdltKernel* kernels[] = {&kAvx512LdltKernel, &kAvx2LdltKernel,
                                                   &kPlainLdltKernel};
   const std::span<const LdltKernel* const> all(kernels);
-  switch (ThisProcessor()) {
+  switch (processor) {
     case Processor::kAvx512:
       return all;
     case Processor::kAvx2:

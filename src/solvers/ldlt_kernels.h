@@ -2,10 +2,11 @@
 
 #include <span>
 
+#include "base/processor.h"
 #include "solvers/ldlt_kernel.h"
 
-/// The kernels that this processor can run, the fastest first; at least one.
-std::span<const LdltKernel* const> LdltKernels();
+/// The kernels that a processor can run, the fastest first; at least one.
+std::span<const LdltKernel* const> LdltKernels(Processor processor = ThisProcessor());
 
 // The kernels by the file that each is compiled in.
 

@@ -28,7 +28,7 @@ bool IsZero(double value)
 
 }  // namespace
 
-SkyMatriu::SkyMatriu(int n_) : n(n_)
+SkyMatriu::SkyMatriu(int n_, Processor processor) : n(n_), kernel(LdltKernels(processor).front())
 {
   if (n < 0)
     Fatal("Not space available on heap");
@@ -159,7 +159,7 @@ int SkyMatriu::Txolesky(std::FILE* info)
   };
   const int refused =
       FactoriseLdlt({rows.data(), heights.data()}, n,
-                    {.kernel = LdltKernels().front(), .onRow = report, .lostPart = lostPart});
+                    {.kernel = kernel, .onRow = report, .lostPart = lostPart});
   factorised = refused < 0;
   return refused + 1;
 }

@@ -5,8 +5,11 @@
 #include <vector>
 
 #include "base/large_array.h"
+#include "base/processor.h"
 #include "solvers/bsolver.h"
 #include "solvers/pivot_check.h"
+
+struct LdltKernel;
 
 /// Symmetric matrix stored by profile, factorised in place as L·D·Lᵀ.
 ///
@@ -19,7 +22,8 @@
 class SkyMatriu : public BSolver
 {
 public:
-  explicit SkyMatriu(int n);
+  /// Factorises with the instructions of the processor, which this one must have.
+  explicit SkyMatriu(int n, Processor processor = ThisProcessor());
 
   int GiveSize() const override { return n; }
   void EnterMaxDiff(int node1, int node2, int ndof) override;
@@ -96,6 +100,9 @@ public:
   /// Number of entries of row i that are stored.
   int GiveHeight(int i) const { return heights[i - 1]; }
 
+  /// The loops of the factorisation.
+  const LdltKernel& Kernel() const { return *kernel; }
+
   /// True while the storage holds the factors.
   bool IsFactorised() const { return factorised; }
 
@@ -125,6 +132,7 @@ private:
   void PrintRowTo(std::ostream& out, int i) const;
 
   int n;
+  const LdltKernel* kernel;
   std::vector<int> heights;   ///< of row i at i - 1: entries from the diagonal leftwards
   LargeArray<double> values;  ///< one array for all rows; empty before Create
   std::vector<double*> rows;  ///< into values; element d of row i is entry (i, i - d)

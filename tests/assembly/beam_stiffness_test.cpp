@@ -13,6 +13,7 @@
 #include "support/dense.h"
 #include "support/fatal.h"
 #include "support/frame.h"
+#include "support/processor.h"
 #include "support/solved.h"
 
 namespace {
@@ -277,7 +278,8 @@ const char* const kSlope = "1 0 0\n2 3 4";
 Matriu GlobalMatrix(const std::string& problem, int applyLocalAxes)
 {
   const auto project = ReadProject(problem);
-  project->solver = std::make_unique<SkyMatriu>(project->numNodes * project->freeDegrees);
+  project->solver =
+      std::make_unique<SkyMatriu>(project->numNodes * project->freeDegrees, TestedProcessor());
   project->solver->EnterMaxDiff(1, 2, project->freeDegrees);
   project->solver->Create(project->freeDegrees);
   project->AddKToGlobalMatrixBeams(project->meshes[0].get(), applyLocalAxes);

@@ -10,6 +10,7 @@
 
 #include "solvers/ilu_preconditioner.h"
 #include "solvers/krylov.h"
+#include "support/processor.h"
 #include "support/sparse.h"
 
 namespace {
@@ -31,7 +32,7 @@ public:
       couplings.Add(p, q);
       couplings.Add(q, p);
     });
-    SparseMatrix matrix(couplings.TakePattern(), ndof);
+    SparseMatrix matrix(couplings.TakePattern(), ndof, TestedProcessor());
     unsigned seed = 0;
     ForEachPair([&](int p, int q) { AddSpring(matrix, p, q, ++seed); });
     for (int i = 0; i < matrix.GiveSize(); ++i)
@@ -192,7 +193,7 @@ TEST(BlockFactors, FreeBlocksAreLeftOut)
   NodeCouplings couplings(3, 200);
   for (const auto& [p, q] : {std::pair{0, 1}, {1, 0}, {1, 2}, {2, 1}, {2, 2}})
     couplings.Add(p, q);
-  SparseMatrix matrix(couplings.TakePattern(), 3);
+  SparseMatrix matrix(couplings.TakePattern(), 3, TestedProcessor());
   const double block[] = {4, 1, 0, 1, 5, 2, 0, 2, 6};
   const double weak[] = {1, 0, 1, 0, 2, 1, 1, 1, 1};
   for (int p = 0; p < 3; ++p)
@@ -223,7 +224,7 @@ TEST(BlockFactors, WithoutAPivotNothingIsSolved)
       EXPECT_TRUE(std::isnan(first[5]) && std::isnan(second[5]));
     }
   NodeCouplings couplings(2, 200);
-  SparseMatrix empty(couplings.TakePattern(), 3);
+  SparseMatrix empty(couplings.TakePattern(), 3, TestedProcessor());
   EXPECT_FALSE(BlockFactors(empty, {}).IsComplete());
 }
 

@@ -11,6 +11,7 @@
 #include "solvers/sparse_solver.h"
 #include "support/dense.h"
 #include "support/fatal.h"
+#include "support/processor.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ void Fill(BSolver& matrix, double first, double beside, double last)
 
 TEST(AreEqual, ComparesAllEntriesOfAnyTwoSolvers)
 {
-  SkyMatriu sky(2);
+  SkyMatriu sky(2, TestedProcessor());
   Fill(sky, 4.0, 1.0, 5.0);
   static const struct
   {
@@ -42,7 +43,7 @@ TEST(AreEqual, ComparesAllEntriesOfAnyTwoSolvers)
       {4.0, 1.0, std::numeric_limits<double>::quiet_NaN(), 1.0, false},
   };
   for (const auto& c : cases) {
-    SparseSolver sparse(2, 1);
+    SparseSolver sparse(2, 1, TestedProcessor());
     Fill(sparse, c.first, c.beside, c.last);
     EXPECT_EQ(AreEqual(sky, sparse, c.tol), c.equal);
     EXPECT_EQ(AreEqual(sparse, sky, c.tol), c.equal);
@@ -59,8 +60,8 @@ TEST(BSolver, AddsTheBlocksOfElements)
 {
   constexpr int kNodes = 4;
   for (const int ndof : {1, 3, 6}) {
-    SkyMatriu sky(kNodes * ndof);
-    SparseSolver sparse(kNodes, ndof);
+    SkyMatriu sky(kNodes * ndof, TestedProcessor());
+    SparseSolver sparse(kNodes, ndof, TestedProcessor());
     Matriu expected(kNodes * ndof, kNodes * ndof);
     expected = 0.0;
     for (BSolver* solver : std::initializer_list<BSolver*>{&sky, &sparse}) {
@@ -95,7 +96,7 @@ TEST(BSolver, AddsTheBlocksOfElements)
 
 TEST(AreEqual, SizesMustAgree)
 {
-  SkyMatriu two(2), three(3);
+  SkyMatriu two(2), three(3, TestedProcessor());
   two.Create(1);
   three.Create(1);
   EXPECT_FALSE(AreEqual(two, three, 1e9));
@@ -104,9 +105,9 @@ TEST(AreEqual, SizesMustAgree)
 
 TEST(AreEqual, EntriesThatASolverDoesNotHaveEndTheRun)
 {
-  SkyMatriu sky(2);
+  SkyMatriu sky(2, TestedProcessor());
   sky.Create(1);
-  SparseSolver sparse(2, 1);
+  SparseSolver sparse(2, 1, TestedProcessor());
   sparse.Create(1);
   ExpectFatal([&] { AreEqual(sky, sparse, 1.0); },
               "Sparse Matrix element (0,0) not in sparse structure -- cannot assign.");

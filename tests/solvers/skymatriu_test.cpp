@@ -18,6 +18,7 @@
 #include "numeric/reavecv.h"
 #include "support/fatal.h"
 #include "support/messages.h"
+#include "support/processor.h"
 
 namespace {
 
@@ -233,7 +234,7 @@ void CreateSmall(SkyMatriu& matrix)
 
 TEST(SkyMatriu, NodesOneAndThreeReachAcross)
 {
-  SkyMatriu matrix(9);
+  SkyMatriu matrix(9, TestedProcessor());
   matrix.EnterMaxDiff(1, 3, 3);
   matrix.Create(3);
   const int expected[] = {1, 2, 3, 1, 2, 3, 7, 8, 9};
@@ -248,8 +249,8 @@ TEST(SkyMatriu, HeightsFollowFromEveryPairOfEquations)
     int node1, node2, ndof;
   } cases[] = {{1, 3, 3}, {3, 1, 3}, {2, 2, 6}, {4, 2, 6}, {1, 4, 1}, {3, 4, 2}};
   for (const auto& c : cases) {
-    SkyMatriu byNodes(24);
-    SkyMatriu byEquations(24);
+    SkyMatriu byNodes(24, TestedProcessor());
+    SkyMatriu byEquations(24, TestedProcessor());
     byNodes.EnterMaxDiff(c.node1, c.node2, c.ndof);
     for (int a = 1; a <= c.ndof; ++a)
       for (int b = 1; b <= c.ndof; ++b)
@@ -262,7 +263,7 @@ TEST(SkyMatriu, HeightsFollowFromEveryPairOfEquations)
 
 TEST(SkyMatriu, ASmallerCouplingKeepsTheHeight)
 {
-  SkyMatriu matrix(6);
+  SkyMatriu matrix(6, TestedProcessor());
   matrix.EnterMaxDiff(6, 2);
   matrix.EnterMaxDiff(5, 6);
   EXPECT_EQ(matrix.GiveHeight(6), 5);
@@ -270,7 +271,7 @@ TEST(SkyMatriu, ASmallerCouplingKeepsTheHeight)
 
 TEST(SkyMatriu, CreateStoresTheBlockOfEveryNode)
 {
-  SkyMatriu matrix(8);  // the last node is not complete
+  SkyMatriu matrix(8, TestedProcessor());  // the last node is not complete
   matrix.EnterMaxDiff(4, 1);
   matrix.Create(3);
   const int expected[] = {1, 2, 3, 4, 2, 3, 1, 2};
@@ -281,7 +282,7 @@ TEST(SkyMatriu, CreateStoresTheBlockOfEveryNode)
 
 TEST(SkyMatriu, StorageBytesTellWhatCreateTakes)
 {
-  SkyMatriu matrix(9);
+  SkyMatriu matrix(9, TestedProcessor());
   matrix.EnterMaxDiff(1, 3, 3);
   EXPECT_EQ(matrix.StorageBytes(3), (1 + 2 + 3 + 1 + 2 + 3 + 7 + 8 + 9) * sizeof(double));
   EXPECT_EQ(matrix.StorageBytes(), (6 + 7 + 8 + 9) * sizeof(double));
@@ -291,7 +292,7 @@ TEST(SkyMatriu, StorageBytesTellWhatCreateTakes)
 
 TEST(SkyMatriu, StorageBytesAreComputedIn64Bits)
 {
-  SkyMatriu matrix(100000);
+  SkyMatriu matrix(100000, TestedProcessor());
   for (int i = 1; i <= 100000; ++i)
     matrix.EnterMaxDiff(1, i);
   EXPECT_EQ(matrix.StorageBytes(), 40000400000u);
@@ -299,12 +300,12 @@ TEST(SkyMatriu, StorageBytesAreComputedIn64Bits)
 
 TEST(SkyMatriu, NegativeSizeIsRefused)
 {
-  ExpectFatal([] { SkyMatriu matrix(-1); }, "Not space available on heap");
+  ExpectFatal([] { SkyMatriu matrix(-1, TestedProcessor()); }, "Not space available on heap");
 }
 
 TEST(SkyMatriu, AccessIsSymmetric)
 {
-  SkyMatriu matrix(3);
+  SkyMatriu matrix(3, TestedProcessor());
   CreateSmall(matrix);
   ExpectMatrix(matrix, {{4, -1.5, 0}, {-1.5, 5, 0.25}, {0, 0.25, 6}});
   EXPECT_EQ(&matrix(2, 3), &matrix(3, 2));
@@ -314,7 +315,7 @@ TEST(SkyMatriu, AccessIsSymmetric)
 
 TEST(SkyMatriu, WritingOutsideTheProfileChangesNothing)
 {
-  SkyMatriu matrix(3);
+  SkyMatriu matrix(3, TestedProcessor());
   CreateSmall(matrix);
   matrix(1, 3) = 77;
   matrix(3, 1) += 5;
@@ -340,7 +341,7 @@ TEST(SkyMatriu, BlocksAddTheirUpperPart)
       {"across it", 2, 1, {{0, 0, 0, 0}, {0, 2, 0, 0}, {0, 0, 0, 0}, {0, 0, 0, 0}}},
   };
   for (const auto& c : cases) {
-    SkyMatriu matrix(4);
+    SkyMatriu matrix(4, TestedProcessor());
     matrix.EnterMaxDiff(1, 2, 2);
     matrix.Create(2);
     matrix.AddSubMatriu(c.row, c.col, block);
@@ -353,7 +354,7 @@ TEST(SkyMatriu, BlocksAddTheirUpperPart)
 TEST(SkyMatriu, FactorsMultiplyBackToTheMatrix)
 {
   for (const Profile& profile : Profiles()) {
-    SkyMatriu matrix(profile.n);
+    SkyMatriu matrix(profile.n, TestedProcessor());
     CreateWith(matrix, profile);
     const Dense a = RandomMatrix(profile, 1);
     Fill(matrix, a);
@@ -372,7 +373,7 @@ TEST(SkyMatriu, FactorsMultiplyBackToTheMatrix)
 
 TEST(SkyMatriu, IndefiniteMatrixIsFactorisedToo)
 {
-  SkyMatriu matrix(2);
+  SkyMatriu matrix(2, TestedProcessor());
   matrix.EnterMaxDiff(1, 2);
   matrix.Create(1);
   matrix(1, 1) = -2;
@@ -388,7 +389,7 @@ TEST(SkyMatriu, SolvesLikeDenseElimination)
 {
   for (const Profile& profile : Profiles())
     for (unsigned seed = 1; seed <= 3; ++seed) {
-      SkyMatriu matrix(profile.n);
+      SkyMatriu matrix(profile.n, TestedProcessor());
       CreateWith(matrix, profile);
       const Dense a = RandomMatrix(profile, seed);
       Fill(matrix, a);
@@ -401,7 +402,7 @@ TEST(SkyMatriu, SolvesLikeDenseElimination)
 
 TEST(SkyMatriu, OneEquation)
 {
-  SkyMatriu matrix(1);
+  SkyMatriu matrix(1, TestedProcessor());
   matrix.Create(1);
   matrix(1, 1) = 8;
   ReaVecV b(1);
@@ -412,7 +413,7 @@ TEST(SkyMatriu, OneEquation)
 
 TEST(SkyMatriu, NoEquationsAreSolved)
 {
-  SkyMatriu matrix(0);
+  SkyMatriu matrix(0, TestedProcessor());
   matrix.Create(3);
   EXPECT_EQ(matrix.Txolesky(nullptr), 0);
   EXPECT_EQ(matrix.HasVoidRows(), 0);
@@ -421,7 +422,7 @@ TEST(SkyMatriu, NoEquationsAreSolved)
 TEST(SkyMatriu, SetToZeroPreparesAnotherAssembly)
 {
   const Profile profile = Profiles()[5];
-  SkyMatriu matrix(profile.n);
+  SkyMatriu matrix(profile.n, TestedProcessor());
   CreateWith(matrix, profile);
   Fill(matrix, RandomMatrix(profile, 1));
   ReaVecV b = RandomVector(profile.n, 1);
@@ -460,7 +461,7 @@ protected:
   }
 
   const Profile profile = Profiles()[8];
-  SkyMatriu matrix{profile.n};
+  SkyMatriu matrix{profile.n, TestedProcessor()};
   std::vector<ReaVecV> sides;
   std::vector<std::vector<double>> expected;
 };
@@ -492,7 +493,7 @@ TEST(SkyMatriu, SolverReportsItsSteps)
       {1001, "Solving degree 500 of 1001\nSolving degree 1000 of 1001\n"},
   };
   for (const auto& c : cases) {
-    SkyMatriu matrix(c.n);
+    SkyMatriu matrix(c.n, TestedProcessor());
     CreateDiagonal(matrix, 2.0);
     ReaVecV b(c.n);
     b = 1.0;
@@ -519,7 +520,7 @@ TEST(SkyMatriu, RefusedPivotNamesItsEquation)
       {"infinite", std::numeric_limits<double>::infinity(), true},
   };
   for (const auto& c : cases) {
-    SkyMatriu matrix(7);
+    SkyMatriu matrix(7, TestedProcessor());
     CreateDiagonal(matrix, 1.0);
     matrix(5, 5) = c.diagonal;
     EXPECT_EQ(matrix.Txolesky(nullptr), c.refused ? 5 : 0) << c.label;
@@ -538,7 +539,7 @@ TEST(SkyMatriu, PivotIsComparedWithItsDiagonalEntry)
       {1.0, 0.0, 2}, {1e8, 5e-15, 2}, {1e8, 2e-14, 0}, {1e-3, 5e-15, 2}, {1e12, 1e-10, 0},
   };
   for (const auto& c : cases) {
-    SkyMatriu matrix(2);
+    SkyMatriu matrix(2, TestedProcessor());
     CreateChain(matrix, {c.scale});
     matrix(2, 2) += c.scale * c.part;
     EXPECT_EQ(matrix.Txolesky(nullptr), c.expected) << c.scale << " " << c.part;
@@ -547,7 +548,7 @@ TEST(SkyMatriu, PivotIsComparedWithItsDiagonalEntry)
 
 TEST(SkyMatriu, FailureLeavesTheRightHandSideAndSaysNothing)
 {
-  SkyMatriu matrix(3);
+  SkyMatriu matrix(3, TestedProcessor());
   CreateDiagonal(matrix, 1.0);
   matrix(2, 2) = 0.0;
   ReaVecV b = RandomVector(3, 1);
@@ -558,7 +559,7 @@ TEST(SkyMatriu, FailureLeavesTheRightHandSideAndSaysNothing)
 
 TEST(SkyMatriu, ProgressComesBeforeTheTestOfThePivot)
 {
-  SkyMatriu matrix(600);
+  SkyMatriu matrix(600, TestedProcessor());
   CreateDiagonal(matrix, 1.0);
   matrix(500, 500) = 0.0;
   EXPECT_EQ(MessagesOf([&](std::FILE* info) { EXPECT_EQ(matrix.Txolesky(info), 500); }),
@@ -573,7 +574,7 @@ TEST(SkyMatriu, FreeChainOfSpringsIsRefusedAtItsEnd)
     std::vector<double> springs;
     for (int i = 1; i < n; ++i)
       springs.push_back(std::pow(10.0, exponent(random)));
-    SkyMatriu matrix(n);
+    SkyMatriu matrix(n, TestedProcessor());
     CreateChain(matrix, springs);
     ReaVecV b(n);
     b = 1.0;
@@ -584,7 +585,7 @@ TEST(SkyMatriu, FreeChainOfSpringsIsRefusedAtItsEnd)
 TEST(SkyMatriu, BeamThatCanTurnIsRefusedAtItsEnd)
 {
   for (const int elements : {1, 2, 7, 50, 400}) {
-    SkyMatriu matrix(2 * elements + 2);
+    SkyMatriu matrix(2 * elements + 2, TestedProcessor());
     CreateBeam(matrix, elements, 0.7);
     ReaVecV b(2 * elements + 2);
     b = 1.0;
@@ -601,7 +602,7 @@ TEST(SkyMatriu, LongCantileverIsSolved)
     double tolerance;  // relative; the condition of the matrix grows with elements^4
   } cases[] = {{1, 1e-14}, {10, 1e-11}, {100, 1e-7}, {600, 1e-4}};
   for (const auto& c : cases) {
-    SkyMatriu matrix(2 * c.elements + 2);
+    SkyMatriu matrix(2 * c.elements + 2, TestedProcessor());
     CreateBeam(matrix, c.elements, 1.0);
     ReaVecV b(2 * c.elements + 2);
     b = 0.0;
@@ -616,14 +617,14 @@ TEST(SkyMatriu, LongCantileverIsSolved)
 
 TEST(SkyMatriu, TheFirstOfTwoFreePartsIsNamed)
 {
-  SkyMatriu matrix(6);
+  SkyMatriu matrix(6, TestedProcessor());
   CreateChain(matrix, {1.0, 1.0, 0.0, 1.0, 1.0});
   EXPECT_EQ(matrix.Txolesky(nullptr), 3);
 }
 
 TEST(SkyMatriu, SupportedChainOfSpringsStretches)
 {
-  SkyMatriu matrix(4);
+  SkyMatriu matrix(4, TestedProcessor());
   CreateChain(matrix, {2.0, 4.0, 8.0});
   ReaVecV b(4);
   b = 0.0;
@@ -636,7 +637,7 @@ TEST(SkyMatriu, SupportedChainOfSpringsStretches)
 TEST(SkyMatriu, ConstraintOfZeroLeavesTheRightHandSide)
 {
   for (const double value : {0.0, -0.0}) {
-    SkyMatriu matrix(3);
+    SkyMatriu matrix(3, TestedProcessor());
     CreateSmall(matrix);
     matrix(2, 1) = -1e20;  // would show in b
     ReaVecV b(3);
@@ -651,7 +652,7 @@ TEST(SkyMatriu, ConstraintOfZeroLeavesTheRightHandSide)
 
 TEST(SkyMatriu, ConstraintMovesItsColumn)
 {
-  SkyMatriu matrix(3);
+  SkyMatriu matrix(3, TestedProcessor());
   CreateSmall(matrix);
   ReaVecV b(3);
   b = 10.0;
@@ -675,7 +676,7 @@ TEST(SkyMatriu, ASmallConstraintMovesItsColumn)
 TEST(SkyMatriu, PrescribedValuesGiveTheDenseSolution)
 {
   for (const Profile& profile : Profiles()) {
-    SkyMatriu matrix(profile.n);
+    SkyMatriu matrix(profile.n, TestedProcessor());
     CreateWith(matrix, profile);
     Dense a = RandomMatrix(profile, 4);
     Fill(matrix, a);
@@ -698,7 +699,7 @@ TEST(SkyMatriu, EraseRowColumnKeepsTheDiagonal)
 {
   for (const Profile& profile : Profiles())
     for (int eq = 1; eq <= profile.n; eq += 3) {
-      SkyMatriu matrix(profile.n);
+      SkyMatriu matrix(profile.n, TestedProcessor());
       CreateWith(matrix, profile);
       Dense a = RandomMatrix(profile, 6);
       Fill(matrix, a);
@@ -713,7 +714,7 @@ TEST(SkyMatriu, EraseRowColumnKeepsTheDiagonal)
 TEST(SkyMatriu, RowTimesVector)
 {
   for (const Profile& profile : Profiles()) {
-    SkyMatriu matrix(profile.n);
+    SkyMatriu matrix(profile.n, TestedProcessor());
     CreateWith(matrix, profile);
     const Dense a = RandomMatrix(profile, 7);
     Fill(matrix, a);
@@ -729,7 +730,7 @@ TEST(SkyMatriu, RowTimesVector)
 
 TEST(SkyMatriu, CopiesIntoADenseMatrix)
 {
-  SkyMatriu matrix(3);
+  SkyMatriu matrix(3, TestedProcessor());
   CreateSmall(matrix);
   matrix(1, 3) = 9;  // outside
   Matriu m(1, 2);
@@ -744,7 +745,7 @@ TEST(SkyMatriu, CopiesIntoADenseMatrix)
 
 TEST(SkyMatriu, FindsTheFirstVoidRow)
 {
-  SkyMatriu matrix(4);
+  SkyMatriu matrix(4, TestedProcessor());
   matrix.EnterMaxDiff(4, 1);
   matrix.Create(1);
   EXPECT_EQ(matrix.HasVoidRows(), 1);
@@ -782,7 +783,7 @@ TEST(SkyMatriu, CheckDegreeWarnsOfMultiples)
   TakeWarnings();
   for (const auto& c : cases) {
     const int n = static_cast<int>(c.a.size());
-    SkyMatriu matrix(n);
+    SkyMatriu matrix(n, TestedProcessor());
     matrix.EnterMaxDiff(1, 1, n);
     matrix.Create(n);
     Fill(matrix, c.a);
@@ -793,7 +794,7 @@ TEST(SkyMatriu, CheckDegreeWarnsOfMultiples)
 
 TEST(SkyMatriu, CheckDegreeSeesOutsideTheProfile)
 {
-  SkyMatriu matrix(4);  // entries (3, 1) and (4, 1) are not stored
+  SkyMatriu matrix(4, TestedProcessor());  // entries (3, 1) and (4, 1) are not stored
   matrix.EnterMaxDiff(2, 1);
   matrix.EnterMaxDiff(3, 2);
   matrix.EnterMaxDiff(4, 2);
@@ -814,7 +815,7 @@ TEST(SkyMatriu, CheckDegreeSeesOutsideTheProfile)
 
 TEST(SkyMatriu, MemoryReport)
 {
-  SkyMatriu matrix(9);
+  SkyMatriu matrix(9, TestedProcessor());
   matrix.EnterMaxDiff(1, 3, 3);
   matrix.Create(3);  // 36 positions
   EXPECT_EQ(MessagesOf([&](std::FILE* info) { matrix.PrintInfoMem(info); }),
@@ -829,7 +830,7 @@ TEST(SkyMatriu, MemoryReport)
 
 TEST(SkyMatriu, MemoryReportRoundsDown)
 {
-  SkyMatriu matrix(600);
+  SkyMatriu matrix(600, TestedProcessor());
   for (int i = 1; i <= 600; ++i)
     matrix.EnterMaxDiff(1, i);
   matrix.Create(1);  // 180300 positions, 1.3756 Mb, 300.5 in a row
@@ -844,7 +845,7 @@ TEST(SkyMatriu, MemoryReportRoundsDown)
 
 TEST(SkyMatriu, MemoryReportOfNoEquations)
 {
-  SkyMatriu matrix(0);
+  SkyMatriu matrix(0, TestedProcessor());
   EXPECT_EQ(MessagesOf([&](std::FILE* info) { matrix.PrintInfoMem(info); }),
             "\nINFORMATION ABOUT STIFFNESS MATRIX\n"
             "Sky matrix storage with Txolesky\n"
@@ -856,7 +857,7 @@ TEST(SkyMatriu, MemoryReportOfNoEquations)
 
 TEST(SkyMatriu, PrintsItsRows)
 {
-  SkyMatriu matrix(3);
+  SkyMatriu matrix(3, TestedProcessor());
   CreateSmall(matrix);
   matrix(3, 3) = 1234567.5;
   OutputFile file(".txt");
@@ -870,7 +871,7 @@ TEST(SkyMatriu, PrintsItsRows)
 
 TEST(SkyMatriu, PrintsEmptyRowsBeforeCreate)
 {
-  SkyMatriu matrix(2);
+  SkyMatriu matrix(2, TestedProcessor());
   OutputFile file(".txt");
   matrix.PrintTo(file.stream);
   EXPECT_EQ(file.Text(),
@@ -881,7 +882,7 @@ TEST(SkyMatriu, PrintsEmptyRowsBeforeCreate)
 
 TEST(SkyMatriu, PrintsTheWholeMatrix)
 {
-  SkyMatriu matrix(3);
+  SkyMatriu matrix(3, TestedProcessor());
   CreateSmall(matrix);
   std::ostringstream out;
   matrix.PrintToFull(out);
@@ -895,7 +896,7 @@ TEST(SkyMatriu, PrintsTheWholeMatrix)
 
 TEST(SkyMatriu, DrawsItselfForThePostProcessor)
 {
-  SkyMatriu matrix(2);
+  SkyMatriu matrix(2, TestedProcessor());
   matrix.EnterMaxDiff(1, 2);
   matrix.Create(1);
   matrix(1, 1) = 3;
@@ -923,7 +924,7 @@ TEST(SkyMatriu, DrawsItselfForThePostProcessor)
 
 TEST(SkyMatriu, DrawsEntriesOutsideTheProfileAsZero)
 {
-  SkyMatriu matrix(2);
+  SkyMatriu matrix(2, TestedProcessor());
   CreateDiagonal(matrix, 2.0);
   OutputFile mesh(".bon");
   OutputFile res(".res");
@@ -936,7 +937,7 @@ TEST(SkyMatriu, DrawsEntriesOutsideTheProfileAsZero)
 
 TEST(SkyMatriu, ServesThroughTheInterface)
 {
-  const std::unique_ptr<BSolver> solver = std::make_unique<SkyMatriu>(4);
+  const std::unique_ptr<BSolver> solver = std::make_unique<SkyMatriu>(4, TestedProcessor());
   solver->EnterMaxDiff(1, 2, 2);
   solver->Create(2);
   EXPECT_EQ(solver->GiveSize(), 4);

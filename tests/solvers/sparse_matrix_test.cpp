@@ -8,6 +8,7 @@
 
 #include "support/dense.h"
 #include "support/fatal.h"
+#include "support/processor.h"
 #include "support/sparse.h"
 
 namespace {
@@ -223,7 +224,7 @@ SparseMatrix Chain(int ndof)
   NodeCouplings couplings(3, 200);
   for (const auto& [p, q] : {std::pair{0, 1}, {1, 0}, {1, 2}, {2, 1}})
     couplings.Add(p, q);
-  return SparseMatrix(couplings.TakePattern(), ndof);
+  return SparseMatrix(couplings.TakePattern(), ndof, TestedProcessor());
 }
 
 std::vector<double> Counted(int count)
@@ -371,7 +372,7 @@ SparseMatrix NearlyFull(int nodes, int ndof)
     for (int q = 0; q < nodes; ++q)
       if (p != q && p + q > 1)
         couplings.Add(p, q);
-  return SparseMatrix(couplings.TakePattern(), ndof);
+  return SparseMatrix(couplings.TakePattern(), ndof, TestedProcessor());
 }
 
 /// Adds an element entry by entry to a dense matrix.

@@ -23,6 +23,7 @@
 #include "support/dense.h"
 #include "support/fatal.h"
 #include "support/messages.h"
+#include "support/processor.h"
 #include "support/sparse.h"
 
 namespace {
@@ -106,7 +107,7 @@ Model GridModel(int width, int height, int ndof)
 
 SparseSolver PreciseSolver(const Model& model)
 {
-  return SparseSolver(model.nodes, model.ndof, 1e-13, 1e-13, 1000);
+  return SparseSolver(model.nodes, model.ndof, 1e-13, 1e-13, 1000, TestedProcessor());
 }
 
 ReaVecV ToVector(const std::vector<double>& x)
@@ -140,7 +141,7 @@ std::string InfoMem(const BSolver& solver)
 TEST(SparseSolver, NeighbourhoodOf200IsAcceptedAndTheNextRefused)
 {
   for (const bool first : {true, false}) {
-    SparseSolver solver(300, 1);
+    SparseSolver solver(300, 1, TestedProcessor());
     const auto couple = [&](int other) {
       first ? solver.EnterMaxDiff(7, other, 1) : solver.EnterMaxDiff(other, 7, 1);
     };
@@ -158,7 +159,7 @@ TEST(SparseSolver, PatternHasABlockForEveryCoupling)
   // Node 1: 3 blocks, 2: 2, 3: 2, 4: 1; each 2×2. Order and repeats do not matter.
   const Pairs orders[] = {{{1, 2}, {1, 3}}, {{3, 1}, {2, 1}, {1, 2}, {3, 1}}};
   for (const Pairs& pairs : orders) {
-    SparseSolver solver(4, 2);
+    SparseSolver solver(4, 2, TestedProcessor());
     for (const auto& [p, q] : pairs)
       solver.EnterMaxDiff(p, q, 2);
     solver.Create(2);
@@ -175,7 +176,7 @@ TEST(SparseSolver, PatternHasABlockForEveryCoupling)
 
 TEST(SparseSolver, NodeCoupledWithItselfGetsABlockMore)
 {
-  SparseSolver solver(1, 3);
+  SparseSolver solver(1, 3, TestedProcessor());
   solver.EnterMaxDiff(1, 1, 3);
   solver.Create(3);
   EXPECT_EQ(solver.GiveMatrix()->GiveSlots(), 18);
@@ -188,7 +189,7 @@ TEST(SparseSolver, NodeCoupledWithItselfGetsABlockMore)
 
 TEST(SparseSolver, MemoryIsTwelveBytesAPositionAndFourARow)
 {
-  SparseSolver solver(60, 6);
+  SparseSolver solver(60, 6, TestedProcessor());
   for (int p = 1; p <= 60; ++p)
     for (int q = 1; q < p; ++q)
       solver.EnterMaxDiff(p, q, 6);
@@ -212,7 +213,7 @@ TEST(SparseSolver, SizesOutOfRangeAreRefused)
 TEST(SparseSolver, MorePositionsThanAnIntCountsAreRefused)
 {
   // 12,000 nodes of 30 components, each with the 199 or 200 nearest: over 2³¹ positions.
-  SparseSolver solver(12000, 30);
+  SparseSolver solver(12000, 30, TestedProcessor());
   for (int p = 1; p <= 12000; ++p)
     for (int q = p + 1; q <= std::min(p + 100, 12000); ++q)
       solver.EnterMaxDiff(p, q, 30);
@@ -223,7 +224,7 @@ TEST(SparseSolver, BlocksAreAddedWithTheirMirrorImage)
 {
   for (const int ndof : {1, 3, 6}) {
     const Model model = GridModel(4, 3, ndof);
-    SparseSolver solver(model.nodes, ndof);
+    SparseSolver solver(model.nodes, ndof, TestedProcessor());
     model.Couple(solver);
     const DenseRows a = model.Dense();
     for (int round = 0; round < 2; ++round) {
@@ -243,7 +244,7 @@ TEST(SparseSolver, BlocksAreAddedWithTheirMirrorImage)
 TEST(SparseSolver, ColumnsOfARowAscend)
 {
   const Model model = GridModel(5, 4, 3);
-  SparseSolver solver(model.nodes, 3);
+  SparseSolver solver(model.nodes, 3, TestedProcessor());
   model.Couple(solver);
   model.Assemble(solver);
   for (int i = 0; i < model.Equations(); ++i) {
@@ -257,7 +258,7 @@ TEST(SparseSolver, ColumnsOfARowAscend)
 
 TEST(SparseSolver, BlocksThatAreNotThoseOfTwoNodes)
 {
-  SparseSolver solver(2, 2);
+  SparseSolver solver(2, 2, TestedProcessor());
   solver.EnterMaxDiff(1, 2, 2);
   solver.Create(2);
   solver.AddSubMatriu(1, 2, MatriuOf(1, 2, {5.0, 7.0}));    // (1,2), (1,3), (2,1), (3,1)
@@ -270,7 +271,7 @@ TEST(SparseSolver, BlocksThatAreNotThoseOfTwoNodes)
 
 TEST(SparseSolver, BlocksOutsideThePattern)
 {
-  SparseSolver solver(3, 1);
+  SparseSolver solver(3, 1, TestedProcessor());
   solver.EnterMaxDiff(1, 2, 1);
   solver.Create(1);
   const Matriu one = MatriuOf(1, 1, {1.0});
@@ -286,7 +287,7 @@ TEST(SparseSolver, ElementsOfOtherNodesAreRefused)
 {
   constexpr const char* kMessage = "Sparse Matrix accessing exception -- out of bounds.";
   for (const int ndof : {1, 2, 3, 6}) {
-    SparseSolver solver(3, ndof);
+    SparseSolver solver(3, ndof, TestedProcessor());
     solver.EnterMaxDiff(1, 3, ndof);
     solver.Create(ndof);
     const std::vector<double> values(3 * ndof * ndof, 1.0);
@@ -300,7 +301,7 @@ TEST(SparseSolver, ElementsOfOtherNodesAreRefused)
 
 TEST(SparseSolver, FreeSlotOfARowTakesAColumnOutsideThePattern)
 {
-  SparseSolver solver(3, 1);
+  SparseSolver solver(3, 1, TestedProcessor());
   solver.EnterMaxDiff(1, 2, 1);
   solver.EnterMaxDiff(3, 2, 1);
   solver.Create(1);
@@ -316,7 +317,7 @@ TEST(SparseSolver, FreeSlotOfARowTakesAColumnOutsideThePattern)
 
 TEST(SparseSolver, EntriesMustHaveBeenAddedBefore)
 {
-  SparseSolver solver(2, 1);
+  SparseSolver solver(2, 1, TestedProcessor());
   solver.EnterMaxDiff(1, 2, 1);
   solver.Create(1);
   ExpectFatal([&] { solver(1, 2); },
@@ -332,7 +333,7 @@ TEST(SparseSolver, EntriesMustHaveBeenAddedBefore)
 TEST(SparseSolver, SetToZeroKeepsThePattern)
 {
   const Model model = GridModel(2, 2, 2);
-  SparseSolver solver(4, 2);
+  SparseSolver solver(4, 2, TestedProcessor());
   model.Couple(solver);
   model.Assemble(solver);
   solver.SetToZero();
@@ -362,7 +363,7 @@ TEST(SparseSolver, ConstraintReplacesItsRowOnly)
 TEST(SparseSolver, RowTimesVector)
 {
   const Model model = GridModel(3, 3, 3);
-  SparseSolver solver(9, 3);
+  SparseSolver solver(9, 3, TestedProcessor());
   model.Couple(solver);
   model.Assemble(solver);
   const std::vector<double> x = RandomVector(27, 3);
@@ -427,8 +428,8 @@ TEST(SparseSolver, SettlementsAgreeWithADenseSolution)
 TEST(SparseSolver, AgreesWithTheSkyline)
 {
   const Model model = GridModel(8, 7, 6);
-  SkyMatriu sky(model.Equations());
-  SparseSolver sparse(model.nodes, 6, 1e-10, 1e-10, 1000);
+  SkyMatriu sky(model.Equations(), TestedProcessor());
+  SparseSolver sparse(model.nodes, 6, 1e-10, 1e-10, 1000, TestedProcessor());
   std::vector<ReaVecV> solutions;
   for (BSolver* solver : {static_cast<BSolver*>(&sky), static_cast<BSolver*>(&sparse)}) {
     model.Couple(*solver);
@@ -478,7 +479,7 @@ TEST(SparseSolver, StartsFromTheInitialValues)
   const Supports& supports = kSupports[2];
   const std::vector<double> solution = supports.DenseSolution(model.Dense(), load);
   for (const bool beforeCreate : {true, false}) {
-    SparseSolver solver(model.nodes, 3, 1e-6, 1e-6, 1000);
+    SparseSolver solver(model.nodes, 3, 1e-6, 1e-6, 1000, TestedProcessor());
     if (beforeCreate)
       solver.EnterInitialvalues(ArrayOf(solution));
     model.Couple(solver);
@@ -501,7 +502,7 @@ TEST(SparseSolver, StartsFromTheInitialValues)
 TEST(SparseSolver, NoLoadIsSolvedAtOnce)
 {
   const Model model = GridModel(3, 3, 3);
-  SparseSolver solver(model.nodes, 3);
+  SparseSolver solver(model.nodes, 3, TestedProcessor());
   model.Couple(solver);
   model.Assemble(solver);
   ReaVecV b(27);
@@ -517,7 +518,7 @@ TEST(SparseSolver, NoLoadIsSolvedAtOnce)
 class Plate
 {
 public:
-  Plate() : solver(kPoints * kPoints + 1, 1)
+  Plate() : solver(kPoints * kPoints + 1, 1, TestedProcessor())
   {
     for (const bool filling : {false, true}) {
       for (int x = 0; x < kPoints; ++x)
@@ -606,7 +607,7 @@ TEST(SparseSolver, WithoutConvergenceTheLoadStays)
     int limit, result;
   } cases[] = {{2, -2}, {1, -1}, {0, -1}, {-7, -1}};
   for (const auto& c : cases) {
-    SparseSolver solver(model.nodes, 3, 1e-12, 1e-11, c.limit);
+    SparseSolver solver(model.nodes, 3, 1e-12, 1e-11, c.limit, TestedProcessor());
     model.Couple(solver);
     model.Assemble(solver);
     const std::vector<double> load = RandomVector(90, 2);
@@ -623,7 +624,7 @@ TEST(SparseSolver, SecondToleranceDecidesAtTheLimit)
   const Model model = GridModel(6, 5, 3);
   const std::vector<double> load = RandomVector(90, 2);
   for (const bool accepted : {true, false}) {
-    SparseSolver solver(model.nodes, 3, 1e-12, accepted ? 10.0 : 1e-12, 3);
+    SparseSolver solver(model.nodes, 3, 1e-12, accepted ? 10.0 : 1e-12, 3, TestedProcessor());
     model.Couple(solver);
     model.Assemble(solver);
     std::vector<double> x(90, 0.0);
@@ -663,7 +664,7 @@ TEST(SparseSolver, StartsAgainWhereTheTrueResidualIsLarge)
 {
   // The iterates begin so large that their rounding stays in the residual.
   const Model model = GridModel(6, 5, 3);
-  SparseSolver solver(model.nodes, 3, 1e-11, 1e-11, 1000);
+  SparseSolver solver(model.nodes, 3, 1e-11, 1e-11, 1000, TestedProcessor());
   model.Couple(solver);
   model.Assemble(solver);
   auto start = std::make_unique<double[]>(90);
@@ -686,11 +687,39 @@ TEST(SparseSolver, StartsAgainWhereTheTrueResidualIsLarge)
   EXPECT_LE(LargestDifference(Values(b), DenseSolve(model.Dense(), load)), 1e-9);
 }
 
+TEST(SparseSolver, ADemandedErrorNeedsTheResidualThatIsClaimed)
+{
+  // Ten tolerances are above what rounding leaves at first, but the recurrence goes far below.
+  // What the iteration adds to the solution is nearly all to make up for the start.
+  const Model model = GridModel(6, 5, 3);
+  for (const bool demanded : {false, true}) {
+    SparseSolver solver(model.nodes, 3, 1e-6, 1e-6, 1000, TestedProcessor());
+    if (demanded)
+      solver.Demand({.error = 1e-20});
+    model.Couple(solver);
+    model.Assemble(solver);
+    auto start = std::make_unique<double[]>(90);
+    const std::vector<double> random = RandomVector(90, 5);
+    std::transform(random.begin(), random.end(), start.get(), [](double x) { return 1e10 * x; });
+    solver.EnterInitialvalues(std::move(start));
+    ReaVecV b = ToVector(RandomVector(90, 6));
+    const std::string messages =
+        MessagesOf([&](std::FILE* info) { EXPECT_EQ(solver.Solver(b, info), 0); });
+    EXPECT_TRUE(solver.ModelReport().reached);
+    EXPECT_EQ(Count(messages, ", starting again\n") > 0, demanded) << messages;
+    if (demanded) {
+      EXPECT_LE(solver.ModelReport().residual, 1e-7);
+    } else {
+      EXPECT_GT(solver.ModelReport().residual, 1e-7);
+    }
+  }
+}
+
 TEST(SparseSolver, AToleranceOutOfReachIsJudgedByTheSecondOne)
 {
   const Model model = GridModel(6, 5, 3);
   for (const bool accepted : {true, false}) {
-    SparseSolver solver(model.nodes, 3, 1e-18, accepted ? 1e-12 : 1e-18, 1000);
+    SparseSolver solver(model.nodes, 3, 1e-18, accepted ? 1e-12 : 1e-18, 1000, TestedProcessor());
     model.Couple(solver);
     model.Assemble(solver);
     const std::vector<double> load = RandomVector(90, 6);
@@ -721,7 +750,8 @@ TEST(SparseSolver, AProbeIsIteratedAlong)
   const Model model = GridModel(6, 5, 3);
   const DenseRows a = model.Dense();
   for (const double tolerance : {1e-2, 1e-12}) {
-    SparseSolver alone(model.nodes, 3, 1e-9, 1e-9, 1000), both(model.nodes, 3, 1e-9, 1e-9, 1000);
+    SparseSolver alone(model.nodes, 3, 1e-9, 1e-9, 1000, TestedProcessor()),
+        both(model.nodes, 3, 1e-9, 1e-9, 1000, TestedProcessor());
     both.EnterProbeTolerance(tolerance);
     const std::vector<double> load = RandomVector(90, 6), other = RandomVector(90, 7);
     ReaVecV b = ToVector(load), bAlone = b, probe = ToVector(other);
@@ -752,7 +782,7 @@ TEST(SparseSolver, AProbeIsIteratedAlong)
 std::unique_ptr<SparseSolver> Springs(int held)
 {
   const Model grid = GridModel(9, 8, 3);
-  auto solver = std::make_unique<SparseSolver>(grid.nodes, 3, 1e-8, 0.1, 1000);
+  auto solver = std::make_unique<SparseSolver>(grid.nodes, 3, 1e-8, 0.1, 1000, TestedProcessor());
   grid.Couple(*solver);
   const Matriu own = MatriuOf(3, 3, {2.1, 0.3, 0.2, 0.3, 1.7, 0.1, 0.2, 0.1, 1.3});
   Matriu apart = own;
@@ -814,7 +844,7 @@ TEST(SparseSolver, BreakdownsReturnMinusOneAndLeaveTheLoad)
 {
   const Model model = GridModel(4, 3, 2);
   const auto broken = [&](int i, int j, double value, double load) {
-    SparseSolver solver(model.nodes, 2);
+    SparseSolver solver(model.nodes, 2, TestedProcessor());
     model.Couple(solver);
     model.Assemble(solver);
     solver(i, j) = value;
@@ -833,7 +863,7 @@ TEST(SparseSolver, BreakdownsReturnMinusOneAndLeaveTheLoad)
 
 TEST(SparseSolver, MatrixOfNaNBreaksDown)
 {
-  SparseSolver solver(2, 1);
+  SparseSolver solver(2, 1, TestedProcessor());
   solver.EnterMaxDiff(1, 2, 1);
   solver.Create(1);
   for (const auto& [row, col] : Pairs{{1, 1}, {1, 2}, {2, 2}})
@@ -846,7 +876,7 @@ TEST(SparseSolver, MatrixOfNaNBreaksDown)
 TEST(SparseSolver, NodeWithoutElements)
 {
   for (const bool supported : {true, false}) {
-    SparseSolver solver(3, 2, 1e-12, 1e-12, 100);
+    SparseSolver solver(3, 2, 1e-12, 1e-12, 100, TestedProcessor());
     solver.EnterMaxDiff(1, 3, 2);
     solver.Create(2);
     for (const auto& [row, col] : Pairs{{1, 1}, {1, 5}, {5, 5}})
@@ -871,7 +901,7 @@ TEST(SparseSolver, NodeWithoutElements)
 
 TEST(SparseSolver, PrintsItsRows)
 {
-  SparseSolver solver(2, 1);
+  SparseSolver solver(2, 1, TestedProcessor());
   solver.EnterMaxDiff(1, 2, 1);
   solver.Create(1);
   solver.AddSubMatriu(1, 2, MatriuOf(1, 1, {-1.5}));
@@ -882,7 +912,7 @@ TEST(SparseSolver, PrintsItsRows)
 
 TEST(SparseSolver, DenseCopyAndPictureAreNotAvailable)
 {
-  SparseSolver solver(1, 1);
+  SparseSolver solver(1, 1, TestedProcessor());
   solver.Create(1);
   Matriu m;
   ExpectFatal([&] { solver.CopyFromYouToMat(m); },

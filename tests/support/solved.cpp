@@ -14,6 +14,7 @@
 #include "numeric/plex_range.h"
 #include "problem/constraint.h"
 #include "problem/nodal_load.h"
+#include "support/processor.h"
 
 namespace {
 
@@ -120,6 +121,7 @@ Wrench EndForce(const Solved& solved, const Elem& elem, int end)
 std::unique_ptr<Project> ReadProject(const std::string& problem)
 {
   auto project = std::make_unique<Project>(100);
+  project->solverSettings.processor = TestedProcessor();
   TextScan text(problem);
   project->ReadFromAscii(text);
   return project;

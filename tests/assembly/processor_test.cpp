@@ -1,0 +1,97 @@
+// The choice of vector instructions reaches the loops that solve.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "problem/project.h"
+#include "solvers/block_kernel.h"
+#include "solvers/ldlt_kernels.h"
+#include "solvers/skymatriu.h"
+#include "solvers/sparse_solver.h"
+#include "support/frame.h"
+#include "support/processor.h"
+#include "support/solved.h"
+
+namespace {
+
+std::string SpaceFrame(const std::string& settings)
+{
+  return SpaceProblem().With(&ProblemParts::settings, settings).Text();
+}
+
+// Beams along the edges of a square tower, clamped at its feet; no two of a corner are alike.
+Frame Tower(int storeys)
+{
+  Frame frame;
+  frame.sections = {{.E = 2.1e8, .G = 8.1e7, .A = 0.013, .Iy = 1.7e-5, .Iz = 2.3e-4, .J = 1.1e-6}};
+  for (int level = 0; level <= storeys; ++level) {
+    for (int corner = 1; corner <= 4; ++corner) {
+      const int node = 4 * level + corner;
+      frame.nodes.push_back({corner % 3 == 1 ? 0.1 : 5.3, corner > 2 ? 4.7 : 0.2, 3.1 * level});
+      if (level == 0) {
+        frame.supports.push_back({.node = node, .flags = kClamped});
+        continue;
+      }
+      frame.beams.push_back({node - 4, node, 1});
+      frame.beams.push_back({node, corner == 4 ? node - 3 : node + 1, 1});
+      frame.loads.push_back({.node = node, .values = {1.3, 0.7 * corner, -9.1, 0, 0, 0.3}});
+    }
+  }
+  return frame;
+}
+
+std::vector<double> Displacements(const std::string& problem, Processor processor)
+{
+  const std::unique_ptr<Project> project = ReadProject(problem);
+  project->solverSettings.processor = processor;
+  project->Calc(1, nullptr);
+  return {project->displacements.begin(), project->displacements.end()};
+}
+
+}  // namespace
+
+TEST(ChosenProcessor, FactorisesTheSkyline)
+{
+  const std::unique_ptr<Project> project = ReadProject(SpaceFrame("Solver SkyLine"));
+  EXPECT_EQ(project->solverSettings.processor, TestedProcessor());
+  project->Calc(1, nullptr);
+  const LdltKernel& kernel = static_cast<const SkyMatriu&>(*project->solver).Kernel();
+  switch (TestedProcessor()) {
+    case Processor::kPlain:
+      EXPECT_EQ(&kernel, &kPlainLdltKernel);
+      break;
+    case Processor::kAvx2:
+      EXPECT_EQ(&kernel, &kAvx2LdltKernel);
+      break;
+    case Processor::kAvx512:
+      EXPECT_EQ(&kernel, &kAvx512LdltKernel);
+      break;
+  }
+}
+
+TEST(ChosenProcessor, MultipliesTheBlocksOfTheSparseMatrix)
+{
+  for (const char* const settings : {"Solver Sparse 1e-9 1e-9 100", "Solver Sparse 1e-5 0.1 20"}) {
+    const std::unique_ptr<Project> project = ReadProject(SpaceFrame(settings));
+    project->Calc(1, nullptr);
+    const SparseMatrix& matrix = *static_cast<const SparseSolver&>(*project->solver).GiveMatrix();
+    EXPECT_EQ(matrix.Kernels(), GiveBlockKernels(6, TestedProcessor()));
+    EXPECT_EQ(matrix.Kernels() == GiveBlockKernels(6, Processor::kPlain),
+              TestedProcessor() == Processor::kPlain);
+  }
+}
+
+// Plain loops round after every multiplication, the others only after the addition.
+TEST(ChosenProcessor, DecidesOnTheLastDigits)
+{
+  for (const char* const settings : {"Solver SkyLine", "Solver Sparse 1e-12 1e-12 1000"}) {
+    const std::string problem = ProblemText(Tower(12), settings);
+    const std::vector<double> plain = Displacements(problem, Processor::kPlain);
+    const std::vector<double> chosen = Displacements(problem, TestedProcessor());
+    EXPECT_EQ(chosen == plain, TestedProcessor() == Processor::kPlain) << settings;
+    ExpectValues(chosen, plain, 1e-8);  // rounding times the condition of the matrix
+  }
+}

@@ -18,14 +18,33 @@ constexpr const char* kSettings = "NumOfDivisions 1\n";
 constexpr int kLarge = 15000;
 constexpr double kPi = 3.14159265358979323846;
 
+enum class Reference
+{
+  Solved,   ///< by the reference alone
+  Refined,  ///< by runs of the program, where the profile is too large for that
+  Bent      ///< the loads follow from displacements
+};
+
 struct LargeModel
 {
   std::string name;
   std::function<Structure()> make;
-  /// Bends from which the loads follow; where there are none, the reference is solved.
+  Reference reference = Reference::Solved;
   std::vector<Bend> bends = {};
-  bool wide = false;  ///< too wide to be solved by the reference alone
 };
+
+PreciseResults ExactResults(const LargeModel& model, Structure& structure)
+{
+  switch (model.reference) {
+    case Reference::Solved:
+      return SolvePrecisely(structure);
+    case Reference::Refined:
+      return RefinePrecisely(structure);
+    case Reference::Bent:
+      break;
+  }
+  return LoadFor(structure, BentDisplacements(structure, model.bends));
+}
 
 void PrintTo(const LargeModel& model, std::ostream* out)
 {
@@ -45,12 +64,6 @@ constexpr std::array<int, 6> kSlide = {0, 1, 1, 0, 0, 0};
 Structure::Places Between(int axis, double low, double high)
 {
   return [=](const Vector3& p) { return p[axis] > low && p[axis] < high; };
-}
-
-/// The plane z = 0 of a structure without supports, moved out of all special directions.
-Structure Tilted(Structure s)
-{
-  return s.Map(Rotated);
 }
 
 // --- Shells and solids of the size that both parts use ---
@@ -315,7 +328,7 @@ void AddSolidMechanisms(std::vector<LargeModel>& models)
   for (const int nnode : {4, 10}) {
     const std::string nodes = std::to_string(nnode);
     AddWithLoads(models, "SolidOnTwoNodes" + nodes,
-                 [=] { return Tilted(Cube(nnode)).HoldNode(1, kBall).HoldNode(18, kBall); },
+                 [=] { return Cube(nnode).Map(Rotated).HoldNode(1, kBall).HoldNode(18, kBall); },
                  {{"Driven", 400, {1, 2, -1}}, kUnloaded});
     AddWithLoads(models, "SolidThatSlides" + nodes,
                  [=] { return Cube(nnode).Hold(At(2, 0), kProp); },
@@ -400,19 +413,18 @@ void AddFrames(std::vector<LargeModel>& models)
                         support.values = {1e4, 1e4, 1e6};
                       return s.LoadAll({0.1, 0.03, -1, 0, 0, 0});
                     }});
-  models.push_back({"TallBuilding", [] { return WindOn(Building(8, 8, 35, kClamped)); }, {}, true});
+  models.push_back(
+      {"TallBuilding", [] { return WindOn(Building(8, 8, 35, kClamped)); }, Reference::Refined});
   models.push_back({"LoadedBuilding",
                     [] {
                       return Building(8, 8, 35, kClamped).LoadAll({0.1, 0.03, -1, 0, 0, 0});
                     },
-                    {},
-                    true});
+                    Reference::Refined});
   models.push_back({"LargeBuilding",
                     [] {
                       return Building(10, 10, 50, kClamped).LoadAll({0.1, 0.03, -1, 0, 0, 0});
                     },
-                    {},
-                    true});
+                    Reference::Refined});
   models.push_back({"WideBuilding", [] {
                       return Building(50, 12, 3, kClamped).LoadAll({0.1, 0.03, -1, 0, 0, 0});
                     }});
@@ -438,8 +450,10 @@ void AddTrusses(std::vector<LargeModel>& models)
   models.push_back({"TrussWall", [] {
                       return TrussWall(70, 75).Hold(At(1, 0), kPin).LoadAll({0.5, -1, 0});
                     }});
-  models.push_back(
-      {"LongTrussWall", [] { return TrussWall(200, 60).Hold(At(0, 0), kPin); }, {{0, 1, 1e-4}}});
+  models.push_back({"LongTrussWall",
+                    [] { return TrussWall(200, 60).Hold(At(0, 0), kPin); },
+                    Reference::Bent,
+                    {{0, 1, 1e-4}}});
 }
 
 void AddShells(std::vector<LargeModel>& models)
@@ -452,9 +466,10 @@ void AddShells(std::vector<LargeModel>& models)
       for (const auto& [name, surface] : kSurfaces) {
         const auto sheet = [=, on = surface] { return Sheet(on, t, nnode).Hold(At(0, 0)); };
         if (nnode == 3)
-          models.push_back({name + kind, sheet, kSag});
+          models.push_back({name + kind, sheet, Reference::Bent, kSag});
         else
-          models.push_back({name + kind, [=] { return sheet().LoadAll(kLoad); }, {}, true});
+          models.push_back(
+              {name + kind, [=] { return sheet().LoadAll(kLoad); }, Reference::Refined});
       }
     }
     models.push_back({"Tank" + std::to_string(nnode),
@@ -463,19 +478,19 @@ void AddShells(std::vector<LargeModel>& models)
                                        nnode)
                             .Hold(At(2, 0));
                       },
-                      kSway});
+                      Reference::Bent, kSway});
   }
-  models.push_back(
-      {"LargeTank", [] { return ShellOn(Tank, 160, 80, 0.01).Hold(At(2, 0)); }, kSway});
-  models.push_back(
-      {"LargePlate", [] { return ShellOn(Flat, 120, 120, 0.05).Hold(At(0, 0)); }, kSag});
+  models.push_back({"LargeTank", [] { return ShellOn(Tank, 160, 80, 0.01).Hold(At(2, 0)); },
+                    Reference::Bent, kSway});
+  models.push_back({"LargePlate", [] { return ShellOn(Flat, 120, 120, 0.05).Hold(At(0, 0)); },
+                    Reference::Bent, kSag});
   models.push_back({"PlateUnderLoads", [] {
                       Structure s = Sheet(Flat, 0.02, 3);
                       return s.Hold(At(0, 0)).LoadAll(kLoad);
                     }});
   models.push_back({"ObliquePlateUnderLoads", [] {
                       Structure s = Sheet(Flat, 0.02, 3).Hold(At(0, 0)).LoadAll(kLoad);
-                      return Tilted(s);
+                      return s.Map(Rotated);
                     }});
   models.push_back({"RoofUnderLoads", [] {
                       Structure s = Sheet(Roof, 0.05, 3);
@@ -491,11 +506,12 @@ void AddShells(std::vector<LargeModel>& models)
                         s.HoldNode(node, kClamped).HoldNode(node + 4, kClamped);
                       return s.LoadAll({0, 0, -1, 0, 0, 0});
                     }});
-  models.push_back({"SlabsAndWalls", [] { return SlabsAndWalls(10).LoadAll(kLoad); }, {}, true});
   models.push_back(
-      {"StiffenedPlate", [] { return Stiffened(Sheet(Flat, 0.02, 3)).Hold(At(0, 0)); }, kSag});
-  models.push_back(
-      {"StiffenedRoof", [] { return Stiffened(Sheet(Roof, 0.02, 3)).Hold(At(0, 0)); }, kSag});
+      {"SlabsAndWalls", [] { return SlabsAndWalls(10).LoadAll(kLoad); }, Reference::Refined});
+  models.push_back({"StiffenedPlate", [] { return Stiffened(Sheet(Flat, 0.02, 3)).Hold(At(0, 0)); },
+                    Reference::Bent, kSag});
+  models.push_back({"StiffenedRoof", [] { return Stiffened(Sheet(Roof, 0.02, 3)).Hold(At(0, 0)); },
+                    Reference::Bent, kSag});
 }
 
 /// A rod of the length 8 whose ends are wider and round, curved as a whole.
@@ -512,19 +528,21 @@ void AddSolids(std::vector<LargeModel>& models)
 {
   for (const int nnode : {4, 10}) {
     const std::string nodes = std::to_string(nnode);
-    models.push_back({"Cube" + nodes, [=] { return Cube(nnode).Hold(At(2, 0), kBall); }, kSway});
+    models.push_back({"Cube" + nodes, [=] { return Cube(nnode).Hold(At(2, 0), kBall); },
+                      Reference::Bent, kSway});
     models.push_back({"TiltedCube" + nodes,
                       [=] {
                         Structure s = Cube(nnode).Hold(At(2, 0), kBall);
-                        return Tilted(s);
+                        return s.Map(Rotated);
                       },
-                      kSway});
+                      Reference::Bent, kSway});
     models.push_back({"LargeBlock" + nodes,
                       [=] {
                         const int n = nnode == 4 ? 1 : 2;
                         return SolidOf(SolidBlock({40 / n, 24 / n, 24 / n}, {4, 2, 2}, nnode))
                             .Hold(At(0, 0), kBall);
                       },
+                      Reference::Bent,
                       {{0, 1, 1e-3}, {0, 2, 1e-3}}});
     models.push_back({"ConnectingRod" + nodes,
                       [=] {
@@ -540,8 +558,7 @@ void AddSolids(std::vector<LargeModel>& models)
                         }
                         return s.LoadAll({0.1, 0.2, -1});
                       },
-                      {},
-                      true});
+                      Reference::Refined});
   }
   models.push_back({"Bar4", [] {
                       // Numbered across, so that the reference can be solved.
@@ -582,16 +599,13 @@ class LargeStructure : public testing::TestWithParam<LargeModel>
 
 TEST_P(LargeStructure, IsRight)
 {
-  constexpr double kDirect = 1e-5;  // where six digits count, less than anything else is known
+  // Of refined solutions far less remains; this is what whoever relies on them may expect.
+  constexpr double kDirect = 1e-5;
   constexpr double kIterated = 1e-4;
   Structure structure = GetParam().make();
   ASSERT_GE(structure.Equations(), kLarge);
   ASSERT_LE(structure.Equations(), 100000);
-  const std::vector<Bend>& bends = GetParam().bends;
-  const PreciseResults exact = GetParam().wide ? RefinePrecisely(structure)
-                               : bends.empty()
-                                   ? SolvePrecisely(structure)
-                                   : LoadFor(structure, BentDisplacements(structure, bends));
+  const PreciseResults exact = ExactResults(GetParam(), structure);
   const Judged judged = Judge(structure, kSettings, &exact);
   ASSERT_TRUE(judged.IsSolved()) << judged.message;
   EXPECT_LE(judged.errors.Largest(), judged.direct ? kDirect : kIterated) << judged.Text();

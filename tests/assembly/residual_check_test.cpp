@@ -408,6 +408,17 @@ void AddFrames(std::vector<Model>& models)
       [](const std::string& settings, const Vector3& load) {
         return LongChain(settings, load, "");
       });
+  for (const int beams : {1000, 2000}) {
+    for (const auto& [inclined, direction] : kInclined) {
+      AddWithLoads(models, "Cantilever" + std::to_string(beams) + inclined,
+                   {{"Loaded", {1, -1, 0}}, {"Unloaded", {}}},
+                   [=, along = direction](const std::string& settings, const Vector3& load) {
+                     Frame frame = Chain(beams, false, along);
+                     frame.supports = {{1, kClamped}};
+                     return Loaded(frame, settings, beams + 1, load);
+                   });
+    }
+  }
   models.push_back({"LongChainAlongIt", [](const std::string& settings) {
                       return LongChain(settings, {},
                                        Block("local_pressure_loads", AlongAll(5000, "0 -1")));

@@ -18,7 +18,7 @@
 
 namespace {
 
-// Numbers of 113 bits: where there is no such type of its own, long double has them.
+// Numbers of 113 bits. Where the compiler has no such type, its long double is one.
 #ifdef __SIZEOF_FLOAT128__
 __extension__ typedef __float128 Quad;
 #else

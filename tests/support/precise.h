@@ -10,7 +10,7 @@
 struct PreciseResults
 {
   std::vector<double> displacements;  ///< node after node, global axes
-  std::vector<double> reactions;      ///< likewise; 0 where nothing holds
+  std::vector<double> reactions;      ///< node after node, global axes; 0 where nothing holds
   std::vector<double> beams;          ///< end forces, beam after beam
   std::vector<double> triangles;      ///< eight forces a point
   std::vector<double> tetrahedra;     ///< six stresses a point

@@ -25,11 +25,6 @@
 
 namespace {
 
-const char* NameOf(SolverType type)
-{
-  return type == SolverType::SkyLine ? "SkyLine" : "Sparse";
-}
-
 /// Why a model that is too large for the direct solver is refused.
 std::string NoSolverHint(const IterationReport& report, const SolverWork& work)
 {
@@ -73,7 +68,7 @@ void Project::Calc(int renumber, std::FILE* info)
   }
   Number(renumber);
   MarkCoplanarNodes(info);
-  Progress(info, "Solver %s taken: the problem file asks for it\n", NameOf(solverSettings.type));
+  solverReason = "the problem file asks for it";
   MakeSolver();
   FillMatrixVectorAndSolve(info);
 }
@@ -84,7 +79,7 @@ void Project::CalcAutomatically(int renumber, std::FILE* info)
 {
   const SolverChoice choice = ChooseSolver(renumber);
   MarkCoplanarNodes(info);
-  Progress(info, "Solver %s taken: %s\n", NameOf(choice.type), choice.reason.c_str());
+  solverReason = choice.reason;
   if (choice.type == SolverType::SkyLine) {
     MakeSolver();
     FillMatrixVectorAndSolve(info);
@@ -99,8 +94,9 @@ void Project::CalcAutomatically(int renumber, std::FILE* info)
   const IterationReport& report = static_cast<const SparseSolver&>(*solver).ModelReport();
   if (!choice.fitsDirectly)
     SolverFailed(-std::max(report.iterations, 1), NoSolverHint(report, choice.work));
-  Progress(info, "Solver SkyLine taken instead: after %i iterations the residual is %g\n",
-           report.iterations, report.residual);
+  std::ostringstream reason;
+  stprintf(reason, "after %i iterations the residual is %g", report.iterations, report.residual);
+  solverReason = reason.str();
   solver.reset();
   solverSettings.type = SolverType::SkyLine;
   Number(renumber);
@@ -224,7 +220,6 @@ void Project::MakeSolver()
                     ? std::make_unique<SparseSolver>(numNodes, freeDegrees, s.processor)
                     : std::make_unique<SparseSolver>(numNodes, freeDegrees, s.tolerance1,
                                                      s.tolerance2, s.maxIterations, s.processor);
-  sparse->Demand({.quotient = IterationDemands::kLeastQuotient});
   if (preSolved)
     sparse->EnterInitialvalues(StartFromPreSolve());
   solver = std::move(sparse);

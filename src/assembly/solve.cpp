@@ -105,6 +105,10 @@ void Project::PrepareSystem(std::FILE* info)
   displacements = 0.0;
   elementForces = ReaVecV();
   CreateMatrix();
+  if (!solverReason.empty())
+    Progress(info, "Solver %s taken: %s\n",
+             solverSettings.type == SolverType::Sparse ? "Sparse" : "SkyLine",
+             solverReason.c_str());
   if (info)
     solver->PrintInfoMem(info);
   Progress(info, "Just before filling global stiffness matrix\n");
@@ -153,19 +157,22 @@ bool Project::IterateToTheEnd(std::FILE* info)
   return true;
 }
 
-// As the problem file asks for it: a residual within the second tolerance is taken, with a warning.
+// As the problem file asks for it: a residual within the second tolerance is taken, with a warning,
+// unless the probe shows that the structure can move.
 void Project::SolveByIteration(std::FILE* info)
 {
   RequireSolution(Iterate(info));
   const auto& sparse = static_cast<const SparseSolver&>(*solver);
   const IterationReport& model = sparse.ModelReport();
+  const IterationReport& probe = sparse.ProbeReport();
+  const bool moves = probe.smallestQuotient < IterationDemands::kLeastQuotient;
+  if (!probe.reached && (model.reached || moves))
+    SolverFailed(-std::max(probe.iterations, 1), UnprovenHint(probe));
   if (!model.reached)
     Warn(info,
          "warning: the iteration ended before its tolerance, with a residual of %.1e. The results "
          "may be wrong by much more than that\n",
          model.residual);
-  else if (!sparse.ProbeReport().reached)
-    SolverFailed(-std::max(sparse.ProbeReport().iterations, 1), UnprovenHint(sparse.ProbeReport()));
   TellAccuracy(info);
 }
 

@@ -230,6 +230,7 @@ public:
   ReaVecV displacementRests;     ///< digits that the displacements lack, see SplitVector
   ReaVecV elementForces;         ///< K·u, when known: by equation, global axes; until the reactions
   SolutionAccuracy accuracy;
+  std::string solverReason;  ///< why this solver, for the information stream
   std::vector<MeshResults> results;
   ReaVecV nodalStresses;  ///< of solids, six for each node by its system number
 

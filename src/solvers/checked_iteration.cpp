@@ -11,6 +11,8 @@ namespace {
 constexpr int kMaxRestarts = 3;
 /// The largest true residual that is taken, in tolerances, or in residuals that are claimed.
 constexpr double kTolerances = 10.0;
+/// A residual of rounding errors: nothing is left that the steps of the iteration could tell.
+constexpr double kRounding = 1e-12;
 /// Where an error is demanded: residuals that need not be told apart, in tolerances.
 constexpr double kNegligible = 1e-2;
 
@@ -60,7 +62,7 @@ void CheckedIteration::Finish(int limit)
     system.Renew();
   report.iterations = system.Iterations();
   report.residual = system.Residual();
-  report.error = system.Error();
+  report.error = report.residual <= kRounding ? report.residual : system.Error();
   report.smallestQuotient = system.SmallestQuotient();
   report.broken = system.IsBroken();
 }

@@ -131,6 +131,37 @@ int Structure::NodeAt(const Vector3& place) const
   return static_cast<int>(nearest - nodes.begin()) + 1;
 }
 
+double Structure::MeanLength() const
+{
+  double sum = 0.0;
+  int count = 0;
+  const auto add = [&](int a, int b) {
+    const Vector3 d = nodes[b - 1] - nodes[a - 1];
+    sum += std::sqrt(Dot(d, d));
+    ++count;
+  };
+  for (const Frame::Beam& beam : beams)
+    add(beam.first, beam.second);
+  for (const auto* elements : {&triangles, &tetrahedra}) {
+    for (const std::vector<int>& element : *elements)
+      add(element[0], element[1]);
+  }
+  return sum / count;
+}
+
+Vector3 Structure::Extent() const
+{
+  Vector3 low = nodes[0];
+  Vector3 high = low;
+  for (const Vector3& node : nodes) {
+    for (int k = 0; k < 3; ++k) {
+      low[k] = std::min(low[k], node[k]);
+      high[k] = std::max(high[k], node[k]);
+    }
+  }
+  return high - low;
+}
+
 Structure::Places At(int axis, double value)
 {
   return [=](const Vector3& node) { return std::fabs(node[axis] - value) < 1e-9; };

@@ -57,8 +57,14 @@ struct Structure : Frame
 
   int NodeCount() const { return static_cast<int>(nodes.size()); }
   int Equations() const { return NodeCount() * Components(); }
+  /// How many components of a node are displacements.
+  int Translations() const { return space ? 3 : 2; }
   /// The node next to a place.
   int NodeAt(const Vector3& place) const;
+  /// Mean distance of the first two nodes of the elements.
+  double MeanLength() const;
+  /// Lengths of the box around all nodes.
+  Vector3 Extent() const;
 };
 
 constexpr std::array<int, 6> kPin = {1, 1, 0, 0, 0, 0};

@@ -236,6 +236,7 @@ TEST_F(DriverTest, InformationIsWrittenInOrderAndEndsWithTheTime)
   const std::string info = folder.Read("info.txt");
   // A profile of two coupled nodes with three components: rows of 1 to 6 entries.
   const std::regex expected(
+      "Solver SkyLine taken: 6 equations are less than 15000\n"
       "\nINFORMATION ABOUT STIFFNESS MATRIX\n"
       "Sky matrix storage with Txolesky\n"
       "Degrees of freedom= 6\n"
@@ -250,6 +251,7 @@ TEST_F(DriverTest, InformationIsWrittenInOrderAndEndsWithTheTime)
       "Txolesky finished\n"
       "Beginning 1st substitution in LU system\n"
       "Beginning 2nd substitution in LU system\n"
+      "Estimated relative error of the displacements= [0-9.e+-]+, residual= [0-9.e+-]+\n"
       "Solver finished\n"
       "Beginning calc strengths and reactions\n"
       "End of calc strengths and reactions\n"

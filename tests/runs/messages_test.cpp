@@ -315,13 +315,14 @@ TEST(Messages, RefuseSolutionsThatAreNotFinite)
 
 TEST(Messages, TiltedPlaneSupportIsNamedByItsNumberInTheFile)
 {
-  ExpectRefused({"problem type 2d\n"
-                 "mesh dimension 2 elemtype Linear nnode 2\n"
-                 "coordinates\n1 0 0\n2 1 0\n3 3 0\n4 2 0\nend coordinates\n"
-                 "elements\n1 1 2 1\n2 2 4 1\n3 4 3 1\nend elements\n"
-                 "materials\n1 E=1 A=1 Iz=1\nend\n"
-                 "constraints\n1 111 0 0 0\n4 010 0 0 0 Euler2=0.3\nend\n",
-                 "error: Local z axe must be (0,0,1) for 2D problems.Node: 4\n"});
+  ExpectRefused(
+      {"problem type 2d\n"
+       "mesh dimension 2 elemtype Linear nnode 2\n"
+       "coordinates\n1 0 0\n2 1 0\n3 3 0\n4 2 0\nend coordinates\n"
+       "elements\n1 1 2 1\n2 2 4 1\n3 4 3 1\nend elements\n"
+       "materials\n1 E=1 A=1 Iz=1\nend\n"
+       "constraints\n1 111 0 0 0\n4 010 0 0 0 Euler2=0.3\nend\n",
+       "error: Local z axe must be (0,0,1) for 2D problems.Node: 4\n"});
 }
 
 TEST(SolverChoice, SkylineUpTo14999Equations)
@@ -335,13 +336,17 @@ TEST(SolverChoice, SkylineUpTo14999Equations)
   EXPECT_NE(run.out.find("Solving degree 14500 of 14997\n"), std::string::npos);
 }
 
-TEST(SolverChoice, NoSkylineFrom15000Equations)
+TEST(SolverChoice, From15000EquationsTheWorkDecides)
 {
   const TemporaryFolder folder;
-  folder.Write("model.dat", LongChain(5000, ""));
-  EXPECT_EQ(RunProgram(folder, {"-i", "-", "model.dat"}).out.find("Sky matrix"), std::string::npos);
-  folder.Write("model.dat", LongChain(5000, "Solver SkyLine"));
-  const RunResult run = RunProgram(folder, {"-i", "-", "model.dat"});
-  EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_NE(run.out.find("Degrees of freedom= 15000\n"), std::string::npos);
+  for (const char* solver : {"", "Solver SkyLine"}) {
+    folder.Write("model.dat", LongChain(5000, solver));
+    const RunResult run = RunProgram(folder, {"-i", "-", "model.dat"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("Sky matrix storage with Txolesky\nDegrees of freedom= 15000\n"),
+              std::string::npos);
+    EXPECT_TRUE(run.out.starts_with(*solver ? "Solver SkyLine taken: the problem file asks for it\n"
+                                            : "Solver SkyLine taken: estimated "))
+        << run.out;
+  }
 }

@@ -200,7 +200,7 @@ SolverChoice Project::ChooseSolver(int renumber)
     return {.reason = std::to_string(equations) + " equations are less than " +
                       std::to_string(kChoiceFrom)};
   MarkCoplanarNodes(nullptr);
-  SolverChoice choice = FasterSolver(EstimateWork(*this), MemoryLimit());
+  SolverChoice choice = FasterSolver(EstimateWork(*this), UsableMemory(MemoryLimit()));
   solverSettings.type = choice.type;
   if (choice.type == SolverType::Sparse && renumber)
     meshes.front()->RestoreNumbers();
@@ -225,15 +225,17 @@ void Project::MakeSolver()
   solver = std::move(sparse);
 }
 
-// With the defaults, but it goes on until the results are good, or the direct solver would have
-// been faster.
+// With the defaults, but it goes on until the results are good. Where the direct solver can take
+// over, it is left as soon as that would have been faster, or a structure seems to move.
 void Project::MakeIteration(const SolverChoice& choice)
 {
   auto sparse = std::make_unique<SparseSolver>(numNodes, freeDegrees, solverSettings.processor);
-  sparse->Demand(
-      {.error = IterationDemands::kGoodError, .quotient = IterationDemands::kLeastQuotient});
-  if (choice.fitsDirectly)
+  IterationDemands demands = {.error = IterationDemands::kGoodError};
+  if (choice.fitsDirectly) {
+    demands.quotient = IterationDemands::kLeastQuotient;
     sparse->LimitIterations(choice.work.IterationsWorthTrying());
+  }
+  sparse->Demand(demands);
   solver = std::move(sparse);
 }
 

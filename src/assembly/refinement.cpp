@@ -40,8 +40,8 @@ Refinement::Verdict Judge(const std::vector<double>& corrections)
   if (last < kStands)
     return Refinement::Verdict::Accepted;
   const double before = corrections.size() > 1 ? corrections[corrections.size() - 2] : last;
-  const bool slow = last > kMoves && !(last < before / 2.0);
-  return slow || std::isnan(last) ? Refinement::Verdict::Moves : Refinement::Verdict::TooRough;
+  const bool slow = last > kMoves && last >= before / 2.0;
+  return slow ? Refinement::Verdict::Moves : Refinement::Verdict::TooRough;
 }
 
 }  // namespace

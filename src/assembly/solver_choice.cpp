@@ -225,9 +225,14 @@ SolverWork EstimateWork(const Project& project)
   return work;
 }
 
-SolverChoice FasterSolver(const SolverWork& work, std::uint64_t memoryLimit)
+std::uint64_t UsableMemory(std::uint64_t limit)
 {
-  const bool fits = work.DirectBytes() <= memoryLimit;
+  return limit / 4 * 3;
+}
+
+SolverChoice FasterSolver(const SolverWork& work, std::uint64_t usableMemory)
+{
+  const bool fits = work.DirectBytes() <= usableMemory;
   const bool direct = fits && work.DirectSeconds() <= kLeastGain * work.SparseSeconds();
   std::ostringstream reason;
   stprintf(reason, "estimated %.2g s and %.0f Mb, against %.0f iterations in %.2g s",

@@ -42,5 +42,8 @@ struct SolverChoice
   bool fitsDirectly = true;  ///< the skyline matrix into memory
 };
 
+/// The part of a limit of memory that the matrix may take; the rest is for the model.
+std::uint64_t UsableMemory(std::uint64_t limit);
+
 /// The faster solver of those that the memory has room for.
-SolverChoice FasterSolver(const SolverWork& work, std::uint64_t memoryLimit);
+SolverChoice FasterSolver(const SolverWork& work, std::uint64_t usableMemory);

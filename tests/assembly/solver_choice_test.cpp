@@ -1,0 +1,189 @@
+// What the estimate of the solvers' work is made of, against the matrices themselves, and what
+// follows from it.
+
+#include "assembly/solver_choice.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "model/elem.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
+#include "problem/constraint.h"
+#include "problem/project.h"
+#include "solvers/skymatriu.h"
+#include "solvers/sparse_solver.h"
+#include "support/fatal.h"
+#include "support/messages.h"
+#include "support/run.h"
+#include "support/solid_model.h"
+#include "support/solved.h"
+#include "support/structure.h"
+
+namespace {
+
+constexpr std::uint64_t kAnyMemory = std::numeric_limits<std::uint64_t>::max();
+
+void EnterCouplings(const Project& project, BSolver& matrix)
+{
+  for (const auto& mesh : project.meshes) {
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+      for (int i = 0; i < elem.Nnode(); ++i) {
+        for (int j = i + 1; j < elem.Nnode(); ++j)
+          matrix.EnterMaxDiff(elem(i)->number, elem(j)->number, project.freeDegrees);
+      }
+    }
+  }
+  matrix.Create(project.freeDegrees);
+}
+
+std::unique_ptr<Project> Prepared(const Structure& structure)
+{
+  auto project = ReadProject(structure.Text());
+  if (!structure.triangles.empty())
+    project->CalcCoplanarityVector();
+  return project;
+}
+
+std::string Calculated(Project& project)
+{
+  return MessagesOf([&](std::FILE* info) { project.Calc(1, info); });
+}
+
+/// A bar of 25,200 tetrahedra, clamped at one end and bent at the other. The iteration is expected
+/// to be the faster solver, and does not get there where the material is nearly incompressible.
+std::string Bar(const std::string& nu, const std::string& settings = "")
+{
+  SolidModel bar = SolidBlock({42, 10, 10}, {4.2, 1, 1}, 4);
+  bar.settings = settings;
+  bar.material = "E 2.1e8 nu " + nu;
+  for (std::size_t i = 0; i < bar.nodes.size(); ++i) {
+    if (bar.nodes[i][0] == 0.0)
+      bar.supports[static_cast<int>(i) + 1] = {};
+  }
+  bar.loads[bar.NodeAt({4.2, 1, 1})] = {1, 2, -3};
+  return bar.Text();
+}
+
+constexpr const char* kStiff = "0.49999";
+
+}  // namespace
+
+TEST(SolverWork, CountsTheEntriesOfBothMatrices)
+{
+  const Structure structures[] = {Building(3, 2, 4, kClamped), Storeys(4, 6, kPin)};
+  for (const Structure& structure : structures) {
+    const auto project = Prepared(structure);
+    const int n = project->numNodes * project->freeDegrees;
+    SkyMatriu profile(n);
+    EnterCouplings(*project, profile);
+    SparseSolver sparse(project->numNodes, project->freeDegrees);
+    EnterCouplings(*project, sparse);
+    const SolverWork work = EstimateWork(*project);
+    double operations = 0.0;
+    for (int i = 1; i <= n; ++i)
+      operations += std::pow(profile.GiveHeight(i), 2);
+    EXPECT_EQ(work.profileEntries * sizeof(double), profile.StorageBytes());
+    EXPECT_EQ(work.operations, operations);
+    EXPECT_EQ(work.sparseEntries, sparse.GiveMatrix()->GiveSlots());
+  }
+}
+
+TEST(SolverWork, IterationsGrowWithTheDistanceFromTheSupports)
+{
+  const double low = EstimateWork(*Prepared(Building(3, 2, 5, kClamped))).iterations;
+  const double high = EstimateWork(*Prepared(Building(3, 2, 20, kClamped))).iterations;
+  EXPECT_DOUBLE_EQ(high / low, 21.0 / 6.0);  // the supported nodes count as well
+}
+
+TEST(SolverWork, NodesWithoutElementsHaveTheirOwnBlock)
+{
+  Structure s = Chain(2, false);
+  s.HoldNode(1, kClamped).HoldNode(3, kClamped);
+  s.nodes.push_back({9, 9, 0});
+  s.HoldNode(4, kClamped);
+  const SolverWork work = EstimateWork(*Prepared(s));
+  EXPECT_EQ(work.sparseEntries, 9.0 * (3 + 2 * 2 + 1));
+}
+
+TEST(FasterSolver, TakesTheOneWithLessWorkThatFits)
+{
+  const SolverWork wide = {
+      .profileEntries = 1e8, .operations = 1e12, .sparseEntries = 1e6, .iterations = 50};
+  EXPECT_EQ(FasterSolver(wide, kAnyMemory).type, SolverType::Sparse);
+  EXPECT_TRUE(FasterSolver(wide, kAnyMemory).fitsDirectly);
+  const SolverWork slow = {
+      .profileEntries = 1e6, .operations = 1e8, .sparseEntries = 1e6, .iterations = 3000};
+  EXPECT_EQ(FasterSolver(slow, kAnyMemory).type, SolverType::SkyLine);
+  EXPECT_EQ(FasterSolver(slow, slow.DirectBytes()).type, SolverType::SkyLine);
+  const SolverChoice tooLarge = FasterSolver(slow, slow.DirectBytes() - 1);
+  EXPECT_EQ(tooLarge.type, SolverType::Sparse);
+  EXPECT_FALSE(tooLarge.fitsDirectly);
+  EXPECT_TRUE(tooLarge.reason.ends_with("; the direct solver does not fit into memory"))
+      << tooLarge.reason;
+}
+
+TEST(Automatic, FallsBackToTheDirectSolverOnItsOwnNumbering)
+{
+  const auto project = ReadProject(Bar(kStiff));
+  const std::string info = Calculated(*project);
+  EXPECT_NE(info.find("Solver Sparse taken: estimated "), std::string::npos) << info;
+  EXPECT_NE(info.find("Solver SkyLine taken: after "), std::string::npos) << info;
+  EXPECT_EQ(info.find("accepted tolerance"), std::string::npos);
+  EXPECT_EQ(project->solverSettings.type, SolverType::SkyLine);
+  project->CalcStrengthsAndReactions(nullptr);
+  // The direct solution to the last bit.
+  const Solved direct(Bar(kStiff, "Solver SkyLine"));
+  for (const auto [number, node] : EachNumbered<Node>(project->GiveNodes())) {
+    const std::vector<double> expected = direct.Displacement(number);
+    for (int k = 1; k <= 3; ++k)
+      EXPECT_EQ(project->displacements(project->Equation(node, k)), expected[k - 1]);
+    if (node.constraint) {
+      EXPECT_EQ(node.constraint->reactions[2], direct.Reaction(number)[2]);
+    }
+  }
+}
+
+TEST(Automatic, WithoutRenumberingTheFallbackKeepsTheNumbersOfTheFile)
+{
+  const auto project = ReadProject(Bar(kStiff));
+  const std::string info = MessagesOf([&](std::FILE* file) { project->Calc(0, file); });
+  EXPECT_NE(info.find("Solver SkyLine taken: after "), std::string::npos) << info;
+  EXPECT_EQ(project->FindNode(4000)->number, 4000);
+}
+
+TEST(Automatic, TheIterationRunsOnTheNumbersOfTheFile)
+{
+  const auto project = ReadProject(Bar("0.3"));
+  const std::string info = Calculated(*project);
+  EXPECT_EQ(project->solverSettings.type, SolverType::Sparse) << info;
+  EXPECT_EQ(project->FindNode(4000)->number, 4000);
+}
+
+TEST(Automatic, WhatNeitherSolverCanDoIsRefusedWithTheReason)
+{
+  // The profile of this bar takes 60 MB and more.
+  const TemporaryFolder folder;
+  folder.Write("model.dat", Bar(kStiff));
+  const RunResult run =
+      RunProgram(folder, {"-i", "info.txt", "model.dat"}, {.addressSpace = 80L << 20});
+  EXPECT_EQ(run.status, 2);
+  const std::string info = folder.Read("info.txt");
+  EXPECT_NE(info.find("; the direct solver does not fit into memory\n"), std::string::npos) << info;
+  const std::regex expected(
+      "error when solving system\\. Stopped after ([0-9]+) iterations\\.Probably boundary "
+      "conditions are not correct\n"
+      "The iteration ended after ([0-9]+) iterations with a residual of [0-9.e+-]+, and the direct "
+      "solver would need ([0-9]+) Mb of memory\\. [^\n]*\n");
+  std::smatch numbers;
+  ASSERT_TRUE(std::regex_match(run.err, numbers, expected)) << run.err;
+  EXPECT_EQ(numbers[1], numbers[2]);
+  EXPECT_GT(std::stoi(numbers[3]), 60);
+}

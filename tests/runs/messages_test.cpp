@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <regex>
 #include <string>
 #include <vector>
 
 #include "support/frame.h"
 #include "support/run.h"
+#include "support/structure.h"
 
 namespace {
 
@@ -349,4 +352,131 @@ TEST(SolverChoice, From15000EquationsTheWorkDecides)
                                             : "Solver SkyLine taken: estimated "))
         << run.out;
   }
+}
+
+namespace {
+
+/// A cantilever of beams of one metre, inclined, with a load across its tip. Rounding of the
+/// stiffness changes its softest motion the more the longer it is.
+std::string InclinedCantilever(int beams)
+{
+  Structure s = Chain(beams, false, {std::cos(0.7), std::sin(0.7), 0});
+  s.HoldNode(1, kClamped).Load(beams + 1, {0, -1});
+  return s.Text("NumOfDivisions 1\n");
+}
+
+const std::string kTooRough =
+    "The model is too rough: its stiffnesses or lengths differ so much that the digits of the "
+    "arithmetic are not enough for its displacements\n";
+
+}  // namespace
+
+TEST(RoughModelMessages, AWarningGoesToStandardErrorAndTheInformation)
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", InclinedCantilever(4500));
+  const RunResult run = RunProgram(folder, {"-i", "info.txt", "-e", "errors.txt", "model.dat"});
+  EXPECT_EQ(run.status, 0);
+  const std::regex warning(
+      "warning: the model is rough: the displacements have a relative error of ([0-9.e+-]+), and "
+      "the forces miss the loads by [0-9.e+-]+ of them\n");
+  std::smatch error;
+  ASSERT_TRUE(std::regex_match(run.err, error, warning)) << run.err;
+  EXPECT_GT(std::stod(error[1]), 1e-6);
+  EXPECT_LT(std::stod(error[1]), 1e-3);
+  EXPECT_NE(folder.Read("info.txt").find(run.err), std::string::npos);
+  EXPECT_EQ(folder.Read("errors.txt"), "");
+}
+
+TEST(RoughModelMessages, ARefusalSaysThatTheModelIsTooRough)
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", InclinedCantilever(4990));
+  const RunResult run = RunProgram(folder, {"model.dat"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.err, "error when solving system. Probably boundary conditions are not correct\n" +
+                         kTooRough);
+  EXPECT_FALSE(folder.Has("model.morlen.res"));
+}
+
+// A link of 5 mm between two beams, 1e7 times stiffer: of the pivot after it 3e-15 of the diagonal
+// entry is left, though nothing can move.
+TEST(RoughModelMessages, ARefusedPivotOfAStructureThatStandsIsExplained)
+{
+  Structure s = Chain(3, false);
+  s.nodes[2][0] = 1.005;
+  s.nodes[3][0] = 2.005;
+  s.sections.push_back(s.sections.front());
+  s.sections.back().E *= 1e7;
+  s.beams[1].section = 2;
+  s.HoldNode(1, kClamped).Load(4, {1, -1});
+  const TemporaryFolder folder;
+  folder.Write("model.dat", s.Text());
+  const RunResult run = RunProgram(folder, {"model.dat"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_TRUE(run.err.starts_with("error when solving system(")) << run.err;
+  EXPECT_TRUE(run.err.ends_with(
+      "Could not solve system. Probably boundary conditions are not correct\n" + kTooRough))
+      << run.err;
+}
+
+TEST(RoughModelMessages, NothingIsSaidOfStructuresThatMove)
+{
+  Structure s = Storeys(2, 30, kRollerInX);
+  s.Load(5, {0, -1});
+  const TemporaryFolder folder;
+  folder.Write("model.dat", s.Text());
+  const RunResult run = RunProgram(folder, {"model.dat"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_TRUE(run.err.ends_with("Probably boundary conditions are not correct\n")) << run.err;
+}
+
+TEST(IterationMessages, AnAcceptedResidualIsWarnedOf)
+{
+  const TemporaryFolder folder;
+  const Structure s = Building(3, 2, 4, kClamped).LoadAll({1, 0, -1});
+  folder.Write("model.dat", s.Text("Solver Sparse 1e-10 0.5 12"));
+  const RunResult run = RunProgram(folder, {"-i", "info.txt", "-e", "errors.txt", "model.dat"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  const std::string info = folder.Read("info.txt");
+  std::smatch accepted, warned;
+  const std::regex line("After 12 Iterations, accepted tolerance of ([0-9.]+)\n");
+  ASSERT_TRUE(std::regex_search(info, accepted, line)) << info;
+  const std::regex warning(
+      "warning: the iteration ended before its tolerance, with a residual of ([0-9.e+-]+). The "
+      "results may be wrong by much more than that\n");
+  ASSERT_TRUE(std::regex_match(run.err, warned, warning)) << run.err;
+  // Two digits are written.
+  EXPECT_NEAR(std::stod(warned[1]) / std::stod(accepted[1]), 1.0, 0.05);
+  EXPECT_NE(info.find(run.err), std::string::npos);
+  EXPECT_EQ(folder.Read("errors.txt"), "");
+}
+
+TEST(IterationMessages, AToleranceThatRoundingForbidsIsJudgedByTheSecond)
+{
+  const TemporaryFolder folder;
+  const Structure s = Building(3, 2, 4, kClamped).LoadAll({1, 0, -1});
+  for (const char* second : {"1e-9", "1e-17"}) {
+    folder.Write("model.dat", s.Text("Solver Sparse 1e-17 " + std::string(second) + " 3000"));
+    const RunResult run = RunProgram(folder, {"-i", "info.txt", "model.dat"});
+    const bool accepted = std::string(second) == "1e-9";
+    EXPECT_EQ(run.status, accepted ? 0 : 2) << run.err;
+    EXPECT_NE(run.err.find(accepted ? "warning: the iteration ended before its tolerance"
+                                    : "error when solving system. Stopped after "),
+              std::string::npos)
+        << run.err;
+  }
+}
+
+// A load in every storey's plane holds a frame on rollers that it does not push.
+TEST(IterationMessages, AMechanismThatTheLoadsDoNotDriveIsRefused)
+{
+  Structure s = Storeys(6, 40, kRollerInX);
+  s.LoadAll({0, -1});
+  const TemporaryFolder folder;
+  folder.Write("model.dat", s.Text("Solver Sparse 1e-6 0.1 3000"));
+  const RunResult run = RunProgram(folder, {"model.dat"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_NE(run.err.find("Probably boundary conditions are not correct\n"), std::string::npos)
+      << run.err;
 }

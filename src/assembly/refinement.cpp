@@ -13,6 +13,9 @@ namespace {
 constexpr int kMostSteps = 8;
 /// A correction of the model that is not worth another: the next one is smaller again.
 constexpr double kNegligible = 1e-10;
+/// A residual that is not worth another correction. Forces of stiff parts may still be wrong when
+/// no displacement changes any more.
+constexpr double kNegligibleResidual = 1e-9;
 /// A correction of the model up to which rounding may stop the refinement.
 constexpr double kGood = 1e-6;
 /// The largest correction of the probe, and of the model, in a structure that stands.
@@ -20,18 +23,25 @@ constexpr double kStands = 1e-3;
 /// Corrections of a structure that can move stay above this, and above half the one before.
 constexpr double kMoves = 0.1;
 
-/// Whether more steps would not help: written so that a correction that is not a number ends them.
+/// Whether the last value is negligible, or more than half of the one before. Written so that
+/// what is not a number is settled.
+bool IsSettled(const std::vector<double>& values, double negligible)
+{
+  const double last = values.back();
+  return !(last > negligible) || (values.size() > 1 && !(last <= values[values.size() - 2] / 2.0));
+}
+
+/// Whether more steps would not help.
 bool IsDone(const RefinedCase& model)
 {
-  const std::vector<double>& c = model.corrections;
-  if (!(c.back() > kNegligible))
-    return true;
-  return c.size() > 1 && c.back() <= kGood && c.back() > c[c.size() - 2] / 2.0;
+  return !model.corrections.empty() && !(model.LastCorrection() > kGood) &&
+         IsSettled(model.corrections, kNegligible) &&
+         IsSettled(model.residuals, kNegligibleResidual);
 }
 
 bool Stands(const RefinedCase& one)
 {
-  return one.LastCorrection() < kStands;
+  return !one.corrections.empty() && one.LastCorrection() < kStands;
 }
 
 Refinement::Verdict Judge(const std::vector<double>& corrections)
@@ -46,6 +56,11 @@ Refinement::Verdict Judge(const std::vector<double>& corrections)
 
 }  // namespace
 
+RefinedCase::RefinedCase(ReaVecV loads_, double norm, ReaVecV u_)
+    : loads(std::move(loads_)), loadNorm(norm), u(std::move(u_))
+{
+}
+
 bool RefinedCase::Diverges() const
 {
   const double ofMotion = 1.0 / (1.0 + static_cast<double>(corrections.size()));
@@ -58,11 +73,11 @@ Refinement::Refinement(const SkyMatriu& factors_, const VoidPlex& nodes_,
 {
 }
 
-Refinement::Verdict Refinement::Run(RefinedCases& cases)
+Refinement::Verdict Refinement::Run(RefinedCases& cases) const
 {
   auto& [model, probe] = cases;
-  Correct({&model, &probe});
-  for (int step = 2; step <= kMostSteps; ++step) {
+  FindResiduals({&model, &probe});
+  for (int step = 1; step <= kMostSteps; ++step) {
     std::vector<RefinedCase*> open;
     if (!IsDone(model))
       open.push_back(&model);
@@ -71,69 +86,76 @@ Refinement::Verdict Refinement::Run(RefinedCases& cases)
     if (open.empty())
       break;
     Correct(open);
+    if (Stands(probe))
+      std::erase(open, &probe);
+    FindResiduals(open);
   }
-  residual = std::move(Residuals({&model}).front());
   const Verdict verdict = Judge(probe.corrections);
   if (verdict != Verdict::Accepted || Stands(model))
     return verdict;
   return Verdict::TooRough;
 }
 
-void Refinement::Correct(const std::vector<RefinedCase*>& cases)
+void Refinement::Correct(const std::vector<RefinedCase*>& cases) const
 {
-  std::vector<ReaVecV> corrections = Residuals(cases);
   std::vector<ReaVecV*> sides;
-  for (ReaVecV& correction : corrections)
-    sides.push_back(&correction);
+  for (RefinedCase* one : cases)
+    sides.push_back(&one->residual);
   factors.Substitute(sides, nullptr);
-  for (std::size_t k = 0; k < cases.size(); ++k) {
-    cases[k]->u.Add(corrections[k]);
-    const double size = Size(cases[k]->u.value);
-    const double correction = Size(corrections[k]);
-    cases[k]->corrections.push_back(correction == 0.0 ? 0.0 : correction / size);
+  for (RefinedCase* one : cases) {
+    const ReaVecV& correction = one->residual;
+    one->u.Add(correction);
+    const double size = Size(correction);
+    one->corrections.push_back(size == 0.0 ? 0.0 : size / Size(one->u.value));
   }
 }
 
-std::vector<ReaVecV> Refinement::Residuals(const std::vector<RefinedCase*>& cases)
+void Refinement::FindResiduals(const std::vector<RefinedCase*>& cases) const
 {
+  if (cases.empty())
+    return;
   std::vector<SplitVector> global;
   for (const RefinedCase* one : cases) {
     global.push_back(one->u);
     ConvertLocalResultsToGlobal(nodes, global.back().value, scale.components);
     ConvertLocalResultsToGlobal(nodes, global.back().rest, scale.components);
   }
-  InternalForces forces({global.begin(), global.end()}, cases.front()->u.value.Size(),
+  InternalForces forces({global.begin(), global.end()}, cases.front()->loads.Size(),
                         scale.components);
   addForces(forces);
-  std::vector<ReaVecV> residuals(cases.size());
-  for (std::size_t k = 0; k < cases.size(); ++k)
-    TakeOutForces(*cases[k], forces.Forces(static_cast<int>(k)), residuals[k]);
-  elementForces = std::move(forces.Forces(0));
-  return residuals;
+  for (std::size_t k = 0; k < cases.size(); ++k) {
+    cases[k]->elementForces = std::move(forces.Forces(static_cast<int>(k)));
+    TakeOutForces(*cases[k]);
+  }
 }
 
-void Refinement::TakeOutForces(const RefinedCase& one, ReaVecV forces, ReaVecV& missing) const
+void Refinement::TakeOutForces(RefinedCase& one) const
 {
+  ReaVecV forces = one.elementForces;
   ConvertGlobalLoadToLocal(nodes, forces, scale.components);
-  missing.resize(forces.Size(), 0.0);
+  one.residual.resize(forces.Size(), 0.0);
+  one.residual = 0.0;
   ForEachFree(nodes, scale.components, [&](int equation, int, double spring) {
-    missing(equation) = one.loads(equation) - forces(equation);
+    double& missing = one.residual(equation);
+    missing = one.loads(equation) - forces(equation);
     if (spring != 0.0)
-      missing(equation) -= spring * one.u.value(equation) + spring * one.u.rest(equation);
+      missing -= spring * one.u.value(equation) + spring * one.u.rest(equation);
   });
+  const double norm = NormOnFree(nodes, scale.components, one.residual);
+  one.residuals.push_back(one.loadNorm > 0.0 ? norm / one.loadNorm : norm);
 }
 
 double Refinement::Size(const ReaVecV& u) const
 {
   double largest = 0.0;
   for (int node = 0; node < u.Size(); node += scale.components) {
-    double squares[2] = {};  // of translations and of rotations
+    double sizes[2] = {};  // of translations and of rotations
     for (int k = 0; k < scale.components; ++k) {
-      const double value = u.Data()[node + k];
-      squares[k < scale.translations ? 0 : 1] += value * value;
+      double& size = sizes[k < scale.translations ? 0 : 1];
+      size = std::hypot(size, u.Data()[node + k]);
     }
     // Written so that the size of a vector that is not a number is not a number.
-    for (const double size : {std::sqrt(squares[0]), scale.length * std::sqrt(squares[1])})
+    for (const double size : {sizes[0], scale.length * sizes[1]})
       largest = size <= largest ? largest : size;
   }
   return largest;

@@ -14,19 +14,26 @@ class VoidPlex;
 struct RefinedCase
 {
   RefinedCase() = default;
-  /// The displacements u hold the prescribed values where there are some.
-  RefinedCase(ReaVecV loads_, ReaVecV u_) : loads(std::move(loads_)), u(std::move(u_)) {}
+  /// loads: all of them, by equation; u holds the prescribed values where there are some. norm:
+  /// of the right-hand side that the factors have solved, on the free equations.
+  RefinedCase(ReaVecV loads_, double norm, ReaVecV u_);
 
   double LastCorrection() const { return corrections.back(); }
+  double LastResidual() const { return residuals.back(); }
   /// Whether the corrections stay larger than those of a structure that can move: the factors
   /// have lost its softest motion.
   bool Diverges() const;
 
-  ReaVecV loads;  ///< all of them, by equation
+  ReaVecV loads;
+  double loadNorm = 0.0;
   SplitVector u;
+  ReaVecV elementForces;  ///< K·u of the elements in global axes, by equation
+  ReaVecV residual;       ///< f − K·u on the free equations, else 0
   /// The size of each correction relative to that of u, in order. Sizes are the largest of the
   /// nodes' translations and rotations times length; without displacements a correction is 0.
   std::vector<double> corrections;
+  /// Norms of the residual relative to the loads, before each correction and after the last.
+  std::vector<double> residuals;
 };
 
 /// The loads of the model, and loads that drive every motion.
@@ -66,28 +73,21 @@ public:
   Refinement(const SkyMatriu& factors, const VoidPlex& nodes, const ComponentScale& scale,
              AddForces addForces);
 
-  /// Corrects both cases until the model's correction has become negligible and that of the
-  /// probe shows that the structure stands, or eight times.
-  Verdict Run(RefinedCases& cases);
-
-  /// The elements' forces K·u of the model in global axes, by equation, for its refined u.
-  ReaVecV& ElementForces() { return elementForces; }
-  /// Its residual f − K·u on the free equations in the axes of the supports.
-  const ReaVecV& Residual() const { return residual; }
+  /// Corrects both cases until the model's correction and residual have become negligible or fall
+  /// no more, and the probe's correction shows that the structure stands; at most eight times.
+  Verdict Run(RefinedCases& cases) const;
 
   /// The free equation in which u moves most, a rotation by its length.
   int LargestMotion(const RefinedCase& probe) const;
 
 private:
-  void Correct(const std::vector<RefinedCase*>& cases);
-  std::vector<ReaVecV> Residuals(const std::vector<RefinedCase*>& cases);
-  void TakeOutForces(const RefinedCase& one, ReaVecV forces, ReaVecV& residual) const;
+  void Correct(const std::vector<RefinedCase*>& cases) const;
+  void FindResiduals(const std::vector<RefinedCase*>& cases) const;
+  void TakeOutForces(RefinedCase& one) const;
   double Size(const ReaVecV& u) const;
 
   const SkyMatriu& factors;
   const VoidPlex& nodes;
   ComponentScale scale;
   AddForces addForces;
-  ReaVecV elementForces;
-  ReaVecV residual;
 };

@@ -1,6 +1,7 @@
 #include "assembly/relative_motion.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 #include "model/elem.h"
@@ -31,17 +32,18 @@ void AddRest(const double* rest, int count, double* out)
     out[k] += rest[k];
 }
 
-/// u −= ω × d, of which u has the first `count` components. Extended precision keeps the digits
-/// in which u and the product, nearly equal, differ.
-void SubtractTurn(const std::array<double, 3>& turn, const std::array<double, 3>& d, int count,
-                  double* u)
+/// out = u − base − ω × d for the first `count` components. Extended precision keeps the digits in
+/// which the terms, nearly equal, differ: a rounding error here would be a force of the element.
+void SubtractMotion(const double* u, const double* base, const std::array<double, 3>& turn,
+                    const double* d, int count, double* out)
 {
   for (int k = 0; k < count; ++k) {
     const int k1 = (k + 1) % 3;
     const int k2 = (k + 2) % 3;
     const long double first = static_cast<long double>(turn[k1]) * d[k2];
     const long double second = static_cast<long double>(turn[k2]) * d[k1];
-    u[k] = static_cast<double>(u[k] - (first - second));
+    const long double moved = static_cast<long double>(u[k]) - base[k];
+    out[k] = static_cast<double>(moved - (first - second));
   }
 }
 
@@ -78,17 +80,25 @@ std::array<double, 3> TurnOfNode(int components, const double* rotations)
   return {0.0, 0.0, rotations[0]};
 }
 
-/// The rotations about x' and y' of the plane through the corners of a shell, and the turn of
-/// its first edge; local: six components a node.
-std::array<double, 3> TurnOfShell(const double* x, const double* y, const double* local)
+/// The rotation of a shell in global axes: the tilt of the plane through its corners and the turn
+/// of its first edge.
+std::array<double, 3> TurnOfShell(const Elem& shell, const Matriu& T, const double* x,
+                                  const double* y, const double* u)
 {
-  const double* second = local + 6;
-  const double* third = local + 12;
+  double corners[3][3];
+  for (int i = 0; i < 3; ++i) {
+    Difference(PartOf(*shell(i), 6, u), PartOf(*shell(0), 6, u), 3, corners[i]);
+    TurnVector(T, Turn::ToLocal, 3, corners[i]);
+  }
+  const double* second = corners[1];
+  const double* third = corners[2];
   const double twoA = x[1] * y[2] - x[2] * y[1];
   const double slopeX = (second[2] * y[2] - third[2] * y[1]) / twoA;
   const double slopeY = (third[2] * x[1] - second[2] * x[2]) / twoA;
-  const double turn = (x[1] * second[1] - y[1] * second[0]) / (x[1] * x[1] + y[1] * y[1]);
-  return {slopeY, -slopeX, turn};
+  const double inPlane = (x[1] * second[1] - y[1] * second[0]) / (x[1] * x[1] + y[1] * y[1]);
+  std::array<double, 3> turn = {slopeY, -slopeX, inPlane};
+  TurnVector(T, Turn::ToGlobal, 3, turn.data());
+  return turn;
 }
 
 /// Half the curl of the linear field that has the displacements u, relative to the first node,
@@ -121,25 +131,48 @@ std::array<double, 3> TurnOfSolid(const double (*d)[3], const double* u)
   return turn;
 }
 
+/// The normal of the corners d of a shell, on the side of the third axis of T. Of a turn about an
+/// axis in the plane, a normal of 16 digits would take a part that the ground resists.
+std::array<long double, 3> NormalOf(const double (*d)[3], const Matriu& T)
+{
+  std::array<long double, 3> normal;
+  long double squares = 0.0L;
+  long double side = 0.0L;
+  for (int k = 0; k < 3; ++k) {
+    const int k1 = (k + 1) % 3;
+    const int k2 = (k + 2) % 3;
+    normal[k] = static_cast<long double>(d[1][k1]) * d[2][k2] -
+                static_cast<long double>(d[1][k2]) * d[2][k1];
+    squares += normal[k] * normal[k];
+    side += normal[k] * T(k + 1, 3);
+  }
+  const long double length = std::copysign(std::sqrt(squares), side);
+  for (long double& component : normal)
+    component /= length;
+  return normal;
+}
+
 }  // namespace
 
 void TakeRelativeBeam(const Elem& beam, int hingeCode, int components, const Matriu& T,
                       const SplitView& u, double* local)
 {
   const int translations = components == 6 ? 3 : 2;
+  const int rotations = components - translations;
   const int end = ContinuousEnd(hingeCode);
   const double* const base = PartOf(*beam(0), components, u.value);
-  const double* const turn = PartOf(*beam(end < 0 ? 0 : end), components, u.value) + translations;
-  for (int i = 0; i < 2; ++i) {
-    double* const out = local + i * components;
-    const double* const own = PartOf(*beam(i), components, u.value);
-    Difference(own, base, translations, out);
-    Difference(own + translations, turn, components - translations, out + translations);
-  }
+  const double* const other = PartOf(*beam(1), components, u.value);
+  const double* const turned = (end == 1 ? other : base) + translations;
   const std::array<double, 3> d = SpanFrom(beam, components);
+  double moved[3];
+  Difference(other, base, translations, moved);
+  const std::array<double, 3> turn =
+      end < 0 ? TurnOfChord(d, components, moved) : TurnOfNode(components, turned);
   double* const second = local + components;
-  SubtractTurn(end < 0 ? TurnOfChord(d, components, second) : TurnOfNode(components, turn), d,
-               translations, second);
+  std::fill_n(local, translations, 0.0);
+  SubtractMotion(other, base, turn, d.data(), translations, second);
+  Difference(base + translations, turned, rotations, local + translations);
+  Difference(other + translations, turned, rotations, second + translations);
   for (int i = 0; i < 2; ++i) {
     if (u.rest)
       AddRest(PartOf(*beam(i), components, u.rest), components, local + i * components);
@@ -150,26 +183,27 @@ void TakeRelativeBeam(const Elem& beam, int hingeCode, int components, const Mat
 void TakeRelativeShell(const Elem& shell, const Matriu& T, const double* x, const double* y,
                        const std::array<bool, 6>& folded, const SplitView& u, double* local)
 {
+  const std::array<double, 3> turn = TurnOfShell(shell, T, x, y, u.value);
   const double* const base = PartOf(*shell(0), 6, u.value);
   const int nnode = shell.Nnode();
+  double d[6][3];
+  CalcPlacesFromFirst(shell, nnode, d);
+  const std::array<long double, 3> normal = NormalOf(d, T);
   for (int i = 0; i < nnode; ++i) {
     double* const out = local + 6 * i;
     const double* const own = PartOf(*shell(i), 6, u.value);
-    Difference(own, base, 3, out);
-    std::copy_n(own + 3, 3, out + 3);
+    SubtractMotion(own, base, turn, d[i], 3, out);
+    Difference(own + 3, turn.data(), 3, out + 3);
+    if (u.rest)
+      AddRest(PartOf(*shell(i), 6, u.rest), 6, out);
     TurnVector(T, Turn::ToLocal, 6, out);
-  }
-  const std::array<double, 3> turn = TurnOfShell(x, y, local);
-  for (int i = 0; i < nnode; ++i) {
-    double* const out = local + 6 * i;
-    SubtractTurn(turn, {x[i], y[i], 0.0}, 3, out);
-    Difference(out + 3, turn.data(), folded[i] ? 3 : 2, out + 3);
-    if (!u.rest)
+    if (folded[i])
       continue;
-    double rest[6];
-    std::copy_n(PartOf(*shell(i), 6, u.rest), 6, rest);
-    TurnVector(T, Turn::ToLocal, 6, rest);
-    AddRest(rest, 6, out);
+    long double aboutNormal = 0.0L;
+    for (int k = 0; k < 3; ++k)
+      aboutNormal +=
+          normal[k] * (own[3 + k] + (u.rest ? PartOf(*shell(i), 6, u.rest)[3 + k] : 0.0L));
+    out[5] = static_cast<double>(aboutNormal);
   }
 }
 
@@ -179,11 +213,12 @@ void TakeRelativeSolid(const Elem& solid, const SplitView& u, double* relative)
   double d[10][3];
   CalcPlacesFromFirst(solid, nnode, d);
   const double* const base = PartOf(*solid(0), 3, u.value);
-  for (int i = 0; i < nnode; ++i)
-    Difference(PartOf(*solid(i), 3, u.value), base, 3, relative + 3 * i);
-  const std::array<double, 3> turn = TurnOfSolid(d, relative);
+  double corners[3 * 4];
+  for (int i = 0; i < 4; ++i)
+    Difference(PartOf(*solid(i), 3, u.value), base, 3, corners + 3 * i);
+  const std::array<double, 3> turn = TurnOfSolid(d, corners);
   for (int i = 0; i < nnode; ++i) {
-    SubtractTurn(turn, {d[i][0], d[i][1], d[i][2]}, 3, relative + 3 * i);
+    SubtractMotion(PartOf(*solid(i), 3, u.value), base, turn, d[i], 3, relative + 3 * i);
     if (u.rest)
       AddRest(PartOf(*solid(i), 3, u.rest), 3, relative + 3 * i);
   }

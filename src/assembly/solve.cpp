@@ -34,23 +34,6 @@ bool AllFinite(const ReaVecV& v)
   return true;
 }
 
-/// Euclidean norm over the equations without a prescribed displacement; scaled, so that no
-/// square leaves the range of numbers.
-double NormOnFree(const VoidPlex& nodes, int components, const ReaVecV& v)
-{
-  double largest = 0.0;
-  ForEachFree(nodes, components, [&](int equation, int, double) {
-    largest = std::max(largest, std::fabs(v(equation)));
-  });
-  if (largest == 0.0)
-    return 0.0;
-  double squares = 0.0;
-  ForEachFree(nodes, components, [&](int equation, int, double) {
-    squares += (v(equation) / largest) * (v(equation) / largest);
-  });
-  return largest * std::sqrt(squares);
-}
-
 /// A line for a model that is refused although it may stand; empty for one that can move.
 std::string RoughModelHint(const RefinedCases& cases, Refinement::Verdict verdict)
 {
@@ -180,23 +163,20 @@ void Project::SolveDirectly(std::FILE* info)
 {
   const ReaVecV loads = displacements;
   ApplySupports();
-  const double loadNorm = NormOnFree(GiveNodes(), freeDegrees, displacements);
   Progress(info, "Just before Solver\n");
   RefinedCases cases;
   if (const int failed = SolveCases(loads, cases, info))
     SolverFailed(failed, RefusedPivotHint(loads));
-  Refinement refinement = MakeRefinement();
+  const Refinement refinement = MakeRefinement();
   const Refinement::Verdict verdict = refinement.Run(cases);
   if (verdict == Refinement::Verdict::Moves)
     SolverFailed(refinement.LargestMotion(cases.probe), RoughModelHint(cases, verdict));
   if (verdict == Refinement::Verdict::TooRough)
     SolverFailed(-1, RoughModelHint(cases, verdict));
-  const double missing = NormOnFree(GiveNodes(), freeDegrees, refinement.Residual());
-  accuracy = {.error = cases.model.LastCorrection(),
-              .residual = loadNorm > 0.0 ? missing / loadNorm : missing};
+  accuracy = {.error = cases.model.LastCorrection(), .residual = cases.model.LastResidual()};
   displacements = std::move(cases.model.u.value);
   displacementRests = std::move(cases.model.u.rest);
-  elementForces = std::move(refinement.ElementForces());
+  elementForces = std::move(cases.model.elementForces);
   TellAccuracy(info);
 }
 
@@ -206,12 +186,14 @@ int Project::SolveCases(const ReaVecV& loads, RefinedCases& cases, std::FILE* in
 {
   const ReaVecV probeLoads = ProbeLoad(GiveNodes(), ScaleOfComponents(), loads.Size());
   ReaVecV ofProbe = probeLoads;
+  const double norm = NormOnFree(GiveNodes(), freeDegrees, displacements);
+  const double normOfProbe = NormOnFree(GiveNodes(), freeDegrees, ofProbe);
   if (const int refused = Skyline().Solver({&displacements, &ofProbe}, info))
     return refused;
   if (!AllFinite(displacements))
     return -1;
-  cases.model = RefinedCase(loads, displacements);
-  cases.probe = RefinedCase(probeLoads, std::move(ofProbe));
+  cases.model = RefinedCase(loads, norm, displacements);
+  cases.probe = RefinedCase(probeLoads, normOfProbe, std::move(ofProbe));
   return 0;
 }
 

@@ -573,3 +573,44 @@ TEST_P(StandingStructure, IsSolvedInAnyUnit)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, StandingStructure, testing::ValuesIn(StandingStructures()), NameOf);
+
+// The motion is a shift of the whole tower, so that no other component moves as much.
+TEST(Refinement, NamesTheComponentThatMovesMost)
+{
+  static const struct
+  {
+    std::array<int, 6> feet;
+    const char* name;
+  } cases[] = {{{0, 1, 1, 0, 0, 0}, "Degree of freedom 1 from 6 (X displ.)\n"},
+               {{1, 0, 1, 0, 0, 0}, "Degree of freedom 2 from 6 (Y displ.)\n"}};
+  for (const auto& c : cases) {
+    for (const int storeys : {5, 20, 50}) {
+      Structure tower = Tower(storeys, c.feet);
+      tower.LoadAll({0.1, 0.2, -1});
+      const std::string message = FatalCaught([&] { Solved(tower.Text("Solver SkyLine\n")); });
+      EXPECT_NE(message.find(c.name), std::string::npos) << message;
+    }
+  }
+}
+
+// A correction of nothing is nothing, not 0 / 0.
+TEST(Refinement, WithoutLoadsTheErrorIsZero)
+{
+  Structure tower = Tower(5, kClamped);
+  const Solved solved(tower.Text("Solver SkyLine\n"));
+  EXPECT_EQ(solved.Model().accuracy.error, 0.0);
+  EXPECT_EQ(solved.Model().accuracy.residual, 0.0);
+}
+
+// Forces of a stiff and of a soft part of one model: the digits of each are its own.
+TEST(Refinement, KeepsTheForcesOfAStiffPartBesideASoftOne)
+{
+  Structure s = Chain(2, false);
+  s.sections.push_back(s.sections.front());
+  s.sections.back().E *= 1e10;
+  s.beams[1].section = 2;
+  s.HoldNode(1, kClamped).Load(3, {1, -1});
+  const Solved solved(s.Text("Solver SkyLine\n"));
+  // The second beam carries the load at its end: N = 1, V = -1, M = -1 at its beginning.
+  ExpectValues(solved.EndForces(2), {-1, 1, 1, 1, -1, 0}, 1e-12);  // rounding of 1e10 x 1e-16
+}

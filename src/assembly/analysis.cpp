@@ -25,15 +25,28 @@
 
 namespace {
 
+/// What an iteration has come to that cannot be used.
+std::string Outcome(const SparseSolver& sparse)
+{
+  const IterationReport& model = sparse.ModelReport();
+  const IterationReport& probe = sparse.ProbeReport();
+  std::ostringstream text;
+  stprintf(
+      text,
+      "after %i iterations the residual is %.1e, the error about %.1e, and the residual of the "
+      "probe %.1e",
+      std::max(model.iterations, probe.iterations), model.residual, model.error, probe.residual);
+  return text.str();
+}
+
 /// Why a model that is too large for the direct solver is refused.
-std::string NoSolverHint(const IterationReport& report, const SolverWork& work)
+std::string NoSolverHint(const SparseSolver& sparse, const SolverWork& work)
 {
   std::ostringstream text;
+  text << "The iteration has not converged: " << Outcome(sparse);
   stprintf(text,
-           "The iteration ended after %i iterations with a residual of %.1e, and the direct solver "
-           "would need %.0f Mb of memory. Give it so much, or more iterations by a line "
-           "\"Solver: Sparse 1e-5 1e-5 20000\"\n",
-           report.iterations, report.residual,
+           ". The direct solver would need %.0f Mb of memory. Where nothing can move, give it so "
+           "much, or more iterations by a line \"Solver: Sparse 1e-5 1e-5 20000\"\n",
            static_cast<double>(work.DirectBytes()) / (1024.0 * 1024.0));
   return text.str();
 }
@@ -91,12 +104,10 @@ void Project::CalcAutomatically(int renumber, std::FILE* info)
     FinishSolution(info);
     return;
   }
-  const IterationReport& report = static_cast<const SparseSolver&>(*solver).ModelReport();
+  const auto& sparse = static_cast<const SparseSolver&>(*solver);
   if (!choice.fitsDirectly)
-    SolverFailed(-std::max(report.iterations, 1), NoSolverHint(report, choice.work));
-  std::ostringstream reason;
-  stprintf(reason, "after %i iterations the residual is %g", report.iterations, report.residual);
-  solverReason = reason.str();
+    SolverFailed(-std::max(sparse.ModelReport().iterations, 1), NoSolverHint(sparse, choice.work));
+  solverReason = Outcome(sparse);
   solver.reset();
   solverSettings.type = SolverType::SkyLine;
   Number(renumber);

@@ -91,7 +91,7 @@ double CgSystem::Error() const
 {
   if (resid == 0.0)
     return 0.0;
-  const int latest = std::min({10 + iterations / 20, std::max(iterations / 2, 1), kTerms});
+  const int latest = std::min({10 + iterations / 20, std::max(iterations / 4, 1), kTerms});
   double sum = 0.0;
   for (int i = 0; i < latest; ++i)
     sum += added[(iterations - i) % kTerms];

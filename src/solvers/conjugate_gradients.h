@@ -40,7 +40,7 @@ public:
   /// has added to x: from the energy that they have added, which is what was missing before but
   /// for what is missing still (Z. Strakoš, P. Tichý, On error estimation in the conjugate
   /// gradient method and why it works in finite precision computations, Electronic Transactions
-  /// on Numerical Analysis 13, 2002). The latest are half of all, or ten and a twentieth of
+  /// on Numerical Analysis 13, 2002). The latest are a quarter of all, or ten and a twentieth of
   /// all where that is less. 1 before the first iteration, 0 when nothing is left.
   double Error() const;
 

@@ -201,7 +201,8 @@ int SparseSolver::Judge(std::FILE* info) const
     return -1;
   if (report.reached)
     return 0;
-  if (report.left || !(report.residual <= tolerance2)) {
+  const bool acceptable = std::isinf(demands.error) && !report.left;
+  if (!acceptable || !(report.residual <= tolerance2)) {
     Progress(info, "Not Solved after %i Iterations\n", std::min(report.iterations, MaxIterations));
     return -std::max(report.iterations, 1);
   }

@@ -388,7 +388,9 @@ std::string Ending(const Judged& judged)
 {
   if (judged.IsSolved())
     return Text("%.0e", judged.errors.Largest()) + (judged.warned ? ", warned of" : "");
-  return judged.IsTooRough() ? "refused" : "refused: " + judged.message;
+  if (judged.IsTooRough())
+    return "refused";
+  return judged.IsSolverRefusal() ? "refused as movable" : "refused: " + judged.message;
 }
 
 }  // namespace

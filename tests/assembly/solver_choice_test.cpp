@@ -180,8 +180,9 @@ TEST(Automatic, WhatNeitherSolverCanDoIsRefusedWithTheReason)
   const std::regex expected(
       "error when solving system\\. Stopped after ([0-9]+) iterations\\.Probably boundary "
       "conditions are not correct\n"
-      "The iteration ended after ([0-9]+) iterations with a residual of [0-9.e+-]+, and the direct "
-      "solver would need ([0-9]+) Mb of memory\\. [^\n]*\n");
+      "The iteration has not converged: after ([0-9]+) iterations the residual is [0-9.e+-]+, the "
+      "error about [0-9.e+-]+, and the residual of the probe [0-9.e+-]+\\. The direct solver would "
+      "need ([0-9]+) Mb of memory\\. [^\n]*\n");
   std::smatch numbers;
   ASSERT_TRUE(std::regex_match(run.err, numbers, expected)) << run.err;
   EXPECT_EQ(numbers[1], numbers[2]);

@@ -241,7 +241,10 @@ void Project::MakeSolver()
 void Project::MakeIteration(const SolverChoice& choice)
 {
   auto sparse = std::make_unique<SparseSolver>(numNodes, freeDegrees, solverSettings.processor);
-  IterationDemands demands = {.error = IterationDemands::kGoodError};
+  IterationDemands demands = {.error = IterationDemands::kGoodError,
+                              .change = IterationDemands::kGoodChange,
+                              .components = freeDegrees,
+                              .translations = translations};
   if (choice.fitsDirectly) {
     demands.quotient = IterationDemands::kLeastQuotient;
     sparse->LimitIterations(choice.work.IterationsWorthTrying());

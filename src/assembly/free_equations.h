@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cmath>
 
 #include "model/node.h"
@@ -24,18 +23,40 @@ void ForEachFree(const VoidPlex& nodes, int components, Visit visit)
   }
 }
 
-/// Euclidean norm over those equations; scaled, so that no square leaves the range of numbers.
-inline double NormOnFree(const VoidPlex& nodes, int components, const ReaVecV& v)
+/// How the components of the nodes are counted, and a length that makes a rotation comparable
+/// with a translation and a moment with a force.
+struct ComponentScale
+{
+  int components = 0;    ///< of a node
+  int translations = 0;  ///< the first of them; the others are rotations
+  double length = 1.0;   ///< the mean size of the elements
+
+  /// What a force of 1 is as a component (from 1) of a load: 1, or a moment of that length.
+  double Unit(int component) const { return component <= translations ? 1.0 : length; }
+};
+
+/// The largest size of the entries of a vector of loads on those equations, moments by the
+/// length. Written so that of what is not a number it is not a number.
+inline double LargestOnFree(const VoidPlex& nodes, const ComponentScale& scale, const ReaVecV& v)
 {
   double largest = 0.0;
-  ForEachFree(nodes, components, [&](int equation, int, double) {
-    largest = std::max(largest, std::fabs(v(equation)));
+  ForEachFree(nodes, scale.components, [&](int equation, int component, double) {
+    const double size = std::fabs(v(equation)) / scale.Unit(component);
+    largest = size <= largest ? largest : size;
   });
-  if (largest == 0.0)
-    return 0.0;
+  return largest;
+}
+
+/// Their Euclidean norm; scaled, so that no square leaves the range of numbers.
+inline double NormOnFree(const VoidPlex& nodes, const ComponentScale& scale, const ReaVecV& v)
+{
+  const double largest = LargestOnFree(nodes, scale, v);
+  if (largest == 0.0 || !std::isfinite(largest))
+    return largest;
   double squares = 0.0;
-  ForEachFree(nodes, components, [&](int equation, int, double) {
-    squares += (v(equation) / largest) * (v(equation) / largest);
+  ForEachFree(nodes, scale.components, [&](int equation, int component, double) {
+    const double part = v(equation) / scale.Unit(component) / largest;
+    squares += part * part;
   });
   return largest * std::sqrt(squares);
 }

@@ -26,7 +26,7 @@ ReaVecV ProbeLoad(const VoidPlex& nodes, const ComponentScale& scale, int equati
                        (sum + size < kLargestSum && random() < std::minstd_rand::max() / 2);
     const double load = rises ? size : -size;
     sum += load;
-    loads(equation) = load * (component <= scale.translations ? 1.0 : scale.length);
+    loads(equation) = load * scale.Unit(component);
   });
   return loads;
 }

@@ -3,15 +3,7 @@
 #include "numeric/reavecv.h"
 
 class VoidPlex;
-
-/// How the components of the nodes are counted, and a length that makes a rotation comparable
-/// with a translation and a force with a moment.
-struct ComponentScale
-{
-  int components = 0;    ///< of a node
-  int translations = 0;  ///< the first of them; the others are rotations
-  double length = 1.0;   ///< the mean size of the elements
-};
+struct ComponentScale;
 
 /// Loads in every free equation, in the axes of the supports and the same in every run: they
 /// drive every motion that the structure has, whatever the loads of the model are.

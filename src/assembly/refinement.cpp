@@ -20,6 +20,8 @@ constexpr double kNegligibleResidual = 1e-9;
 constexpr double kGood = 1e-6;
 /// The largest correction of the probe, and of the model, in a structure that stands.
 constexpr double kStands = 1e-3;
+/// The largest part of the loads that may be missing: of the model in all, of the probe anywhere.
+constexpr double kHeld = 1e-3;
 /// Corrections of a structure that can move stay above this, and above half the one before.
 constexpr double kMoves = 0.1;
 
@@ -39,26 +41,30 @@ bool IsDone(const RefinedCase& model)
          IsSettled(model.residuals, kNegligibleResidual);
 }
 
+/// Whether displacements and forces of a structure that stands can be told.
 bool Stands(const RefinedCase& one)
 {
-  return !one.corrections.empty() && one.LastCorrection() < kStands;
+  return !one.corrections.empty() && one.LastCorrection() < kStands && one.LastResidual() < kHeld;
 }
 
-Refinement::Verdict Judge(const std::vector<double>& corrections)
+bool Moves(const RefinedCase& probe)
 {
-  const double last = corrections.back();
-  if (last < kStands)
-    return Refinement::Verdict::Accepted;
-  const double before = corrections.size() > 1 ? corrections[corrections.size() - 2] : last;
-  const bool slow = last > kMoves && last >= before / 2.0;
-  return slow ? Refinement::Verdict::Moves : Refinement::Verdict::TooRough;
+  const std::vector<double>& c = probe.corrections;
+  return c.back() > kMoves && (c.size() == 1 || c.back() >= c[c.size() - 2] / 2.0);
 }
 
 }  // namespace
 
-RefinedCase::RefinedCase(ReaVecV loads_, double norm, ReaVecV u_)
-    : loads(std::move(loads_)), loadNorm(norm), u(std::move(u_))
+RefinedCase::RefinedCase(ReaVecV loads_, Norm norm_, double size, ReaVecV u_)
+    : loads(std::move(loads_)), norm(norm_), loadSize(size), u(std::move(u_))
 {
+}
+
+double SizeOnFree(RefinedCase::Norm norm, const VoidPlex& nodes, const ComponentScale& scale,
+                  const ReaVecV& loads)
+{
+  return norm == RefinedCase::Norm::Largest ? LargestOnFree(nodes, scale, loads)
+                                            : NormOnFree(nodes, scale, loads);
 }
 
 bool RefinedCase::Diverges() const
@@ -90,10 +96,9 @@ Refinement::Verdict Refinement::Run(RefinedCases& cases) const
       std::erase(open, &probe);
     FindResiduals(open);
   }
-  const Verdict verdict = Judge(probe.corrections);
-  if (verdict != Verdict::Accepted || Stands(model))
-    return verdict;
-  return Verdict::TooRough;
+  if (Stands(probe) && Stands(model))
+    return Verdict::Accepted;
+  return Moves(probe) ? Verdict::Moves : Verdict::TooRough;
 }
 
 void Refinement::Correct(const std::vector<RefinedCase*>& cases) const
@@ -141,8 +146,8 @@ void Refinement::TakeOutForces(RefinedCase& one) const
     if (spring != 0.0)
       missing -= spring * one.u.value(equation) + spring * one.u.rest(equation);
   });
-  const double norm = NormOnFree(nodes, scale.components, one.residual);
-  one.residuals.push_back(one.loadNorm > 0.0 ? norm / one.loadNorm : norm);
+  const double size = SizeOnFree(one.norm, nodes, scale, one.residual);
+  one.residuals.push_back(one.loadSize > 0.0 ? size / one.loadSize : size);
 }
 
 double Refinement::Size(const ReaVecV& u) const

@@ -3,8 +3,8 @@
 #include <functional>
 #include <vector>
 
+#include "assembly/free_equations.h"
 #include "assembly/internal_forces.h"
-#include "assembly/probe_load.h"
 #include "numeric/split_vector.h"
 
 class SkyMatriu;
@@ -13,10 +13,17 @@ class VoidPlex;
 /// One load case that a factorisation has solved, in the axes of the supports.
 struct RefinedCase
 {
+  /// How a residual is measured, moments by the mean length of the elements.
+  enum class Norm
+  {
+    Euclidean,
+    Largest
+  };
+
   RefinedCase() = default;
-  /// loads: all of them, by equation; u holds the prescribed values where there are some. norm:
-  /// of the right-hand side that the factors have solved, on the free equations.
-  RefinedCase(ReaVecV loads_, double norm, ReaVecV u_);
+  /// loads: all of them, by equation; u holds the prescribed values where there are some. size:
+  /// of the right-hand side that the factors have solved, by that norm on the free equations.
+  RefinedCase(ReaVecV loads_, Norm norm_, double size, ReaVecV u_);
 
   double LastCorrection() const { return corrections.back(); }
   double LastResidual() const { return residuals.back(); }
@@ -25,16 +32,22 @@ struct RefinedCase
   bool Diverges() const;
 
   ReaVecV loads;
-  double loadNorm = 0.0;
+  Norm norm = Norm::Euclidean;
+  double loadSize = 0.0;
   SplitVector u;
   ReaVecV elementForces;  ///< K·u of the elements in global axes, by equation
   ReaVecV residual;       ///< f − K·u on the free equations, else 0
   /// The size of each correction relative to that of u, in order. Sizes are the largest of the
   /// nodes' translations and rotations times length; without displacements a correction is 0.
   std::vector<double> corrections;
-  /// Norms of the residual relative to the loads, before each correction and after the last.
+  /// Sizes of the residual relative to that of the loads, before each correction and, where it
+  /// was needed, after the last.
   std::vector<double> residuals;
 };
+
+/// The size of loads by a norm, on the free equations.
+double SizeOnFree(RefinedCase::Norm norm, const VoidPlex& nodes, const ComponentScale& scale,
+                  const ReaVecV& loads);
 
 /// The loads of the model, and loads that drive every motion.
 struct RefinedCases
@@ -56,6 +69,9 @@ struct RefinedCases
 /// displacement. But no residual changes by it: each step adds the same displacement again, and
 /// the corrections are 1/2, 1/3, 1/4 ... of u. Corrections of a structure that stands become
 /// small, at once or step by step.
+///
+/// Beside a part that is much softer still, the corrections of a motion may be small. But nothing
+/// resists the probe's loads along the motion, and what is missing stays in the residual.
 class Refinement
 {
 public:
@@ -63,7 +79,7 @@ public:
   {
     Accepted,
     Moves,    ///< the structure can move
-    TooRough  ///< it may stand, but the arithmetic cannot tell its displacements
+    TooRough  ///< it may stand, but the arithmetic cannot tell its displacements or forces
   };
 
   /// Adds K·u of the elements for every displacement of the argument.

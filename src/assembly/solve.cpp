@@ -7,6 +7,7 @@
 
 #include "assembly/element_assembly.h"
 #include "assembly/free_equations.h"
+#include "assembly/probe_load.h"
 #include "assembly/refinement.h"
 #include "assembly/support_axes.h"
 #include "base/array_size.h"
@@ -41,6 +42,19 @@ std::string RoughModelHint(const RefinedCases& cases, Refinement::Verdict verdic
     return "";
   return "The model is too rough: its stiffnesses or lengths differ so much that the digits of the "
          "arithmetic are not enough for its displacements\n";
+}
+
+/// Whether the iteration of a probe has met a motion without energy.
+bool MovesFreely(const IterationReport& probe)
+{
+  return probe.smallestQuotient >= 0.0 && probe.smallestQuotient < IterationDemands::kLeastQuotient;
+}
+
+/// Whether a probe has come so far that most structures that can move are ruled out.
+bool HasAlmostConverged(const IterationReport& probe, double tolerance)
+{
+  constexpr double kAlmost = 1e-2;
+  return probe.residual <= std::max(tolerance, kAlmost);
 }
 
 /// Why an iteration that has converged is refused.
@@ -148,14 +162,19 @@ void Project::SolveByIteration(std::FILE* info)
   const auto& sparse = static_cast<const SparseSolver&>(*solver);
   const IterationReport& model = sparse.ModelReport();
   const IterationReport& probe = sparse.ProbeReport();
-  const bool moves = probe.smallestQuotient < IterationDemands::kLeastQuotient;
-  if (!probe.reached && (model.reached || moves))
+  const bool unproven = model.reached && !HasAlmostConverged(probe, sparse.Tolerance());
+  if (!probe.reached && (unproven || MovesFreely(probe)))
     SolverFailed(-std::max(probe.iterations, 1), UnprovenHint(probe));
   if (!model.reached)
     Warn(info,
          "warning: the iteration ended before its tolerance, with a residual of %.1e. The results "
          "may be wrong by much more than that\n",
          model.residual);
+  else if (!probe.reached)
+    Warn(info,
+         "warning: a test with a load in every equation has not converged (residual %.1e): the "
+         "structure may be able to move\n",
+         probe.residual);
   TellAccuracy(info);
 }
 
@@ -184,16 +203,18 @@ void Project::SolveDirectly(std::FILE* info)
 // what SolverFailed takes, or 0.
 int Project::SolveCases(const ReaVecV& loads, RefinedCases& cases, std::FILE* info)
 {
-  const ReaVecV probeLoads = ProbeLoad(GiveNodes(), ScaleOfComponents(), loads.Size());
+  using Norm = RefinedCase::Norm;
+  const ComponentScale scale = ScaleOfComponents();
+  const ReaVecV probeLoads = ProbeLoad(GiveNodes(), scale, loads.Size());
   ReaVecV ofProbe = probeLoads;
-  const double norm = NormOnFree(GiveNodes(), freeDegrees, displacements);
-  const double normOfProbe = NormOnFree(GiveNodes(), freeDegrees, ofProbe);
+  const double size = SizeOnFree(Norm::Euclidean, GiveNodes(), scale, displacements);
+  const double sizeOfProbe = SizeOnFree(Norm::Largest, GiveNodes(), scale, ofProbe);
   if (const int refused = Skyline().Solver({&displacements, &ofProbe}, info))
     return refused;
   if (!AllFinite(displacements))
     return -1;
-  cases.model = RefinedCase(loads, norm, displacements);
-  cases.probe = RefinedCase(probeLoads, normOfProbe, std::move(ofProbe));
+  cases.model = RefinedCase(loads, Norm::Euclidean, size, displacements);
+  cases.probe = RefinedCase(probeLoads, Norm::Largest, sizeOfProbe, std::move(ofProbe));
   return 0;
 }
 
@@ -226,10 +247,11 @@ void Project::TellAccuracy(std::FILE* info) const
 {
   Progress(info, "Estimated relative error of the displacements= %.1e, residual= %.1e\n",
            accuracy.error, accuracy.residual);
-  constexpr double kRough = 1e-6;
+  constexpr double kRoughError = 1e-6;
+  constexpr double kRoughResidual = 1e-5;
   if (solverSettings.type == SolverType::Sparse)
     return;
-  if (accuracy.error > kRough || accuracy.residual > kRough)
+  if (accuracy.error > kRoughError || accuracy.residual > kRoughResidual)
     Warn(info,
          "warning: the model is rough: the displacements have a relative error of %.1e, and the "
          "forces miss the loads by %.1e of them\n",

@@ -21,6 +21,7 @@
 #include "numeric/plex_range.h"
 #include "problem/constraint.h"
 #include "problem/project.h"
+#include "solvers/sparse_solver.h"
 
 namespace {
 
@@ -122,6 +123,7 @@ void AddMatrices(const Project& project, Neighbours& neighbours, SolverWork& wor
       blocks += 1.0;
     });
     work.sparseEntries += std::max(blocks, 1.0) * n * n;
+    work.canIterate = work.canIterate && blocks - 1.0 <= SparseSolver::MAXNUMNODESAROUNDNODE;
     for (int k = 1; k <= n; ++k) {
       const double height = static_cast<double>(node - first) * n + k;
       work.profileEntries += height;
@@ -233,6 +235,8 @@ std::uint64_t UsableMemory(std::uint64_t limit)
 SolverChoice FasterSolver(const SolverWork& work, std::uint64_t usableMemory)
 {
   const bool fits = work.DirectBytes() <= usableMemory;
+  if (!work.canIterate)
+    return {SolverType::SkyLine, "a node has too many neighbours for an iteration", work, true};
   const bool direct = fits && work.DirectSeconds() <= kLeastGain * work.SparseSeconds();
   std::ostringstream reason;
   stprintf(reason, "estimated %.2g s and %.0f Mb, against %.0f iterations in %.2g s",

@@ -18,6 +18,7 @@ struct SolverWork
   double operations = 0.0;      ///< multiplications and additions of its factorisation
   double sparseEntries = 0.0;   ///< of the sparse matrix
   double iterations = 0.0;      ///< until the sparse solver has converged, about
+  bool canIterate = true;       ///< no node has more neighbours than the sparse matrix takes
 
   double DirectSeconds() const;
   /// Of one iteration for two right-hand sides.

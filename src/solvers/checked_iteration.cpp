@@ -11,16 +11,16 @@ namespace {
 constexpr int kMaxRestarts = 3;
 /// The largest true residual that is taken, in tolerances, or in residuals that are claimed.
 constexpr double kTolerances = 10.0;
-/// A residual of rounding errors: nothing is left that the steps of the iteration could tell.
-constexpr double kRounding = 1e-12;
+/// So few iterations leave no steps that tell the error.
+constexpr int kFewIterations = 8;
 /// Where an error is demanded: residuals that need not be told apart, in tolerances.
 constexpr double kNegligible = 1e-2;
 
 }  // namespace
 
-CheckedIteration::CheckedIteration(const SparseMatrix& A, double* x, const double* b,
+CheckedIteration::CheckedIteration(const SparseMatrix& A, double* x_, const double* b,
                                    const IterationGoal& goal_)
-    : system(A, x, b), goal(goal_)
+    : system(A, x_, b), x(x_), n(A.GiveSize()), goal(goal_)
 {
   report.reached = system.Residual() <= goal.tolerance;
   ended = report.reached || system.IsBroken();
@@ -28,20 +28,45 @@ CheckedIteration::CheckedIteration(const SparseMatrix& A, double* x, const doubl
 
 bool CheckedIteration::Claims() const
 {
-  return system.Residual() <= goal.tolerance && system.Error() <= goal.demands.error;
+  return system.Residual() <= goal.tolerance && system.Error() <= goal.demands.error &&
+         (change <= goal.demands.change || std::isinf(goal.demands.change));
+}
+
+void CheckedIteration::MeasureChange()
+{
+  if (std::isinf(goal.demands.change) ||
+      system.Iterations() - measuredAt < 10 + system.Iterations() / 20)
+    return;
+  before.resize(static_cast<std::size_t>(n), 0.0);
+  double moved[2] = {};  // the largest change of the translations and of the rotations
+  double largest[2] = {};
+  for (int i = 0; i < n; ++i) {
+    const int kind = i % goal.demands.components < goal.demands.translations ? 0 : 1;
+    moved[kind] = std::max(moved[kind], std::fabs(x[i] - before[i]));
+    largest[kind] = std::max(largest[kind], std::fabs(x[i]));
+  }
+  change = 0.0;
+  for (int kind = 0; kind < 2; ++kind) {
+    if (moved[kind] > 0.0)
+      change = std::max(change, moved[kind] / largest[kind]);
+  }
+  std::copy_n(x, n, before.begin());
+  measuredAt = system.Iterations();
 }
 
 // The estimate of the error knows the recurrence only, so that the residual must be as small as
 // this says; far below the tolerance that does not matter.
 double CheckedIteration::Claimed() const
 {
-  const bool boundsError = std::isfinite(goal.demands.error);
-  return boundsError ? std::max(system.Residual(), kNegligible * goal.tolerance) : goal.tolerance;
+  return goal.demands.AreMade() ? std::max(system.Residual(), kNegligible * goal.tolerance)
+                                : goal.tolerance;
 }
 
 void CheckedIteration::Check(const char* name, std::FILE* info)
 {
-  report.left = system.SmallestQuotient() < goal.demands.quotient;
+  MeasureChange();
+  report.left =
+      system.SmallestQuotient() >= 0.0 && system.SmallestQuotient() < goal.demands.quotient;
   ended = system.IsBroken() || report.left;
   if (ended || !Claims())
     return;
@@ -55,14 +80,14 @@ void CheckedIteration::Check(const char* name, std::FILE* info)
   Progress(info, "%strue residual %g, starting again\n", name, system.Residual());
 }
 
-void CheckedIteration::Finish(int limit)
+void CheckedIteration::Finish(const Preconditioner& M, int limit)
 {
   report.left = report.left || (!ended && system.Iterations() < limit);
   if (!report.reached)
     system.Renew();
   report.iterations = system.Iterations();
   report.residual = system.Residual();
-  report.error = report.residual <= kRounding ? report.residual : system.Error();
+  report.error = system.Iterations() < kFewIterations ? system.RemainingError(M) : system.Error();
   report.smallestQuotient = system.SmallestQuotient();
   report.broken = system.IsBroken();
 }
@@ -93,10 +118,10 @@ void CheckedIteration::Run(const SparseMatrix& A, const Preconditioner& M, Check
     if (probe && !probe->ended)
       probe->Check("probe: ", info);
   }
-  model.Finish(limit);
+  model.Finish(M, limit);
   if (!probe)
     return;
-  probe->Finish(limit);
+  probe->Finish(M, limit);
   Progress(info, "probe: %s after %i iterations, resid=%g tol=%g\n",
            probe->report.reached ? "converged" : "not solved", probe->report.iterations,
            probe->report.residual, probe->goal.tolerance);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cmath>
 #include <cstdio>
 #include <limits>
+#include <vector>
 
 #include "solvers/conjugate_gradients.h"
 
@@ -24,18 +26,27 @@ struct IterationReport
 /// What an iteration has to show besides its tolerance; nothing unless told.
 struct IterationDemands
 {
-  /// A limit of the error with which displacements, rotations and the forces of elements are right
-  /// to 1e-4 of the largest and better: the largest seen were 25 times the error in the energy
-  /// norm, but 280 times for the rotations of a wide and flat frame.
-  static constexpr double kGoodError = 1e-7;
+  /// A limit of the error with which the displacements of most models are right to 1e-4.
+  static constexpr double kGoodError = 1e-6;
+  /// A limit of the change for those that are not: the error is one of energy, of which soft parts
+  /// of a structure have little however much they move.
+  static constexpr double kGoodChange = 1e-5;
   /// A limit of the quotient: structures that can move came to 2e-13 at most, stable ones to 1e-6
   /// at least.
   static constexpr double kLeastQuotient = 1e-11;
 
-  /// The iteration goes on until the estimate of its error is as small.
+  /// The iteration goes on until the estimate of its error is as small,
   double error = std::numeric_limits<double>::infinity();
-  /// It is given up as soon as its smallest quotient is less.
+  /// and until the largest translation and the largest rotation have changed by no more than this
+  /// part over the latest iterations: ten and a twentieth of all.
+  double change = std::numeric_limits<double>::infinity();
+  int components = 1;    ///< of a node
+  int translations = 1;  ///< the first of them
+  /// It is given up as soon as its smallest quotient is less, but not negative: that tells of the
+  /// preconditioner, not of the structure.
   double quotient = -std::numeric_limits<double>::infinity();
+
+  bool AreMade() const { return std::isfinite(error) || std::isfinite(change); }
 };
 
 struct IterationGoal
@@ -78,11 +89,18 @@ private:
   double Claimed() const;
   /// Looks, after an iteration, whether this one was the last. name: begins the messages.
   void Check(const char* name, std::FILE* info);
-  void Finish(int limit);
+  void Finish(const Preconditioner& M, int limit);
+  /// Compares x with that of some iterations before.
+  void MeasureChange();
 
   CgSystem system;
+  const double* x;
+  int n;
   IterationGoal goal;
   IterationReport report;
   int restarts = 0;
   bool ended = false;
+  std::vector<double> before;  ///< x when the change was measured last
+  int measuredAt = 0;          ///< the iteration of that
+  double change = std::numeric_limits<double>::infinity();
 };

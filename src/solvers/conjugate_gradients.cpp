@@ -91,11 +91,19 @@ double CgSystem::Error() const
 {
   if (resid == 0.0)
     return 0.0;
-  const int latest = std::min({10 + iterations / 20, std::max(iterations / 4, 1), kTerms});
+  const int latest = std::min({10 + iterations / 20, std::max(iterations / 2, 1), kTerms});
   double sum = 0.0;
   for (int i = 0; i < latest; ++i)
     sum += added[(iterations - i) % kTerms];
   return energy > 0.0 ? std::sqrt(std::max(sum, 0.0) / energy) : 1.0;
+}
+
+double CgSystem::RemainingError(const Preconditioner& M)
+{
+  if (resid == 0.0 || !(energy > 0.0))
+    return resid;
+  M.solve(r.get(), z.get());
+  return std::sqrt(std::max(dot(r.get(), z.get(), n), 0.0) / energy);
 }
 
 void AnnounceIteration(int next, double residual, double tolerance, std::FILE* info)

@@ -40,9 +40,12 @@ public:
   /// has added to x: from the energy that they have added, which is what was missing before but
   /// for what is missing still (Z. Strakoš, P. Tichý, On error estimation in the conjugate
   /// gradient method and why it works in finite precision computations, Electronic Transactions
-  /// on Numerical Analysis 13, 2002). The latest are a quarter of all, or ten and a twentieth of
+  /// on Numerical Analysis 13, 2002). The latest are half of all, or ten and a twentieth of
   /// all where that is less. 1 before the first iteration, 0 when nothing is left.
   double Error() const;
+
+  /// The error in the energy norm, relative as before, if M were A: r·M⁻¹·r is what is missing.
+  double RemainingError(const Preconditioner& M);
 
   /// The smallest p·A·p / p·M·p of the search directions p, no less than the smallest
   /// eigenvalue of M⁻¹·A; infinite before the first iteration. Negative when M is indefinite.

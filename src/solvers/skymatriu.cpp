@@ -157,9 +157,8 @@ int SkyMatriu::Txolesky(std::FILE* info)
     if ((row + 1) % kEquationsPerMessage == 0)
       Progress(info, "Solving degree %i of %i\n", row + 1, n);
   };
-  const int refused =
-      FactoriseLdlt({rows.data(), heights.data()}, n,
-                    {.kernel = kernel, .onRow = report, .lostPart = lostPart});
+  const int refused = FactoriseLdlt({rows.data(), heights.data()}, n,
+                                    {.kernel = kernel, .onRow = report, .lostPart = lostPart});
   factorised = refused < 0;
   return refused + 1;
 }

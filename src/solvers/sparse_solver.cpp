@@ -201,7 +201,7 @@ int SparseSolver::Judge(std::FILE* info) const
     return -1;
   if (report.reached)
     return 0;
-  const bool acceptable = std::isinf(demands.error) && !report.left;
+  const bool acceptable = !demands.AreMade() && !report.left;
   if (!acceptable || !(report.residual <= tolerance2)) {
     Progress(info, "Not Solved after %i Iterations\n", std::min(report.iterations, MaxIterations));
     return -std::max(report.iterations, 1);

@@ -40,6 +40,8 @@ public:
   void EnterProbeTolerance(double tolerance) { probeTolerance = tolerance; }
 
   int GiveSize() const override { return n; }
+  /// The relative residual at which the iteration stops.
+  double Tolerance() const { return tolerance1; }
 
   /// Fatal when one of the nodes gets more than MAXNUMNODESAROUNDNODE neighbours.
   void EnterMaxDiff(int node1, int node2, int ndof) override;

@@ -1,6 +1,7 @@
 // Structures that can move must be refused, whatever they are loaded with, and stable ones must
 // not, however soft, slender or oddly loaded they are.
 
+#include "assembly/probe_load.h"
 #include "assembly/refinement.h"
 
 #include <gtest/gtest.h>

@@ -399,13 +399,13 @@ class RoughModelTest : public testing::TestWithParam<RoughModel>
 {
 };
 
-TEST_P(RoughModelTest, IsRightOrRefusedAsTooRough)
+TEST_P(RoughModelTest, IsRightOrRefused)
 {
   const Judged judged = Outcome(GetParam(), GetParam().make());
   if (judged.IsSolved())
     EXPECT_LE(judged.errors.Largest(), judged.warned ? kWarned : kReliable) << judged.Text();
   else
-    EXPECT_TRUE(judged.IsTooRough() || !GetParam().solvable) << judged.message;
+    EXPECT_TRUE(judged.IsSolverRefusal() && !GetParam().solvable) << judged.message;
 }
 
 INSTANTIATE_TEST_SUITE_P(All, RoughModelTest, testing::ValuesIn(RoughModels()), NameOf);

@@ -27,3 +27,11 @@ TEST(PivotCheck, ComparesWithZeroAndWithTheDiagonal)
   for (const auto& c : cases)
     EXPECT_EQ(AcceptsPivot(c.pivot, c.diagonal), c.accepted) << c.pivot << " " << c.diagonal;
 }
+
+TEST(PivotCheck, AcceptsAnyNumberButZeroWithoutALimit)
+{
+  EXPECT_TRUE(AcceptsPivot(1e-300, 1.0, 0.0));
+  EXPECT_TRUE(AcceptsPivot(-1e-300, 1.0, 0.0));
+  EXPECT_FALSE(AcceptsPivot(0.0, 1.0, 0.0));
+  EXPECT_FALSE(AcceptsPivot(std::numeric_limits<double>::quiet_NaN(), 1.0, 0.0));
+}

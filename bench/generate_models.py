@@ -6,6 +6,8 @@
     frame3d NX NY STOREYS    building of NX by NY bays, concrete columns and beams
     portal2d BAYS STOREYS    plane steel frame of a building
     plate N                  square plate of 2 N^2 three-node shells, simply supported
+    sheet N                  the same, thinner than its elements are wide
+    plate6 N                 the plate as six-node shells
     roof N                   cylindrical roof of 2 N^2 three-node shells on two diaphragms
     block N                  cube of 6 N^3 four-node tetrahedra, held on one side
     block10 N                the same of ten-node tetrahedra
@@ -40,6 +42,7 @@ class Model:
     elements: list = dataclasses.field(default_factory=list)  # (nodes, material)
     supports: list = dataclasses.field(default_factory=list)
     loads: list = dataclasses.field(default_factory=list)
+    settings: list = dataclasses.field(default_factory=list)  # lines behind the header
 
     def components(self):
         """Of a support or a load."""
@@ -147,14 +150,24 @@ def load_area(model, pressure):
     model.loads = [(k, (0.0, 0.0, f, 0.0, 0.0, 0.0)) for k, f in enumerate(forces, 1)]
 
 
-def plate(n):
+def plate(n, thickness=0.22):
     side, lines = 8.0, range(n + 1)
     model, node = shell_grid(n, f"Concrete slab of {side:g} x {side:g} m; N and m.",
-                             "E = 3.1e10 nu = 0.2 G = 1.2916667e10 t = 0.22",
+                             f"E = 3.1e10 nu = 0.2 G = 1.2916667e10 t = {thickness:g}",
                              lambda u, v: (side * u, side * v, 0.0))
     edge = {node(i, j) for i in lines for j in lines if i in (0, n) or j in (0, n)}
     model.supports = [(k, "111000") for k in sorted(edge)]
     load_area(model, 6000.0)
+    return model
+
+
+def sheet(n):
+    return plate(n, 0.02)
+
+
+def plate6(n):
+    model = plate(n)
+    model.settings = ["ConvertTo6Nodes"]
     return model
 
 
@@ -203,6 +216,8 @@ FAMILIES = {
     "frame3d": (frame3d, ("nx", "ny", "storeys")),
     "portal2d": (portal2d, ("bays", "storeys")),
     "plate": (plate, ("n",)),
+    "sheet": (sheet, ("n",)),
+    "plate6": (plate6, ("n",)),
     "roof": (roof, ("n",)),
     "block": (block, ("n",)),
     "block10": (block10, ("n",)),
@@ -248,7 +263,7 @@ def main():
     if options.peer:
         peer_input.write(model, options.peer, sys.stdout)
     else:
-        write(model, options.setting, sys.stdout)
+        write(model, model.settings + options.setting, sys.stdout)
 
 
 if __name__ == "__main__":

@@ -64,8 +64,13 @@ double IterationStorage(const SparseMatrix& matrix)
 
 double IterationTraffic(const SparseMatrix& matrix)
 {
+  return IterationStorage(matrix) + VectorTraffic(matrix);
+}
+
+double VectorTraffic(const SparseMatrix& matrix)
+{
   constexpr double kVectors = 5.0;
-  return IterationStorage(matrix) + kVectors * 2.0 * sizeof(double) * matrix.GiveSize();
+  return kVectors * 2.0 * sizeof(double) * matrix.GiveSize();
 }
 
 double MemoryNow()

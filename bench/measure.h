@@ -63,6 +63,8 @@ double IterationStorage(const SparseMatrix& matrix);
 /// What an iteration of conjugate gradients has to move at least: matrix and factors are read;
 /// x, r, p, q and z are read and written.
 double IterationTraffic(const SparseMatrix& matrix);
+/// The part of the five vectors, which a second right-hand side adds.
+double VectorTraffic(const SparseMatrix& matrix);
 
 /// Memory of this process in bytes: now, and the most it had; 0 where the system does not say.
 double MemoryNow();

@@ -6,9 +6,11 @@
     report.py whole WHOLE                  whole runs against the peer's
     report.py growth RUNS                  growth with the number of equations
     report.py cholmod PAIRS                the skyline solver against CHOLMOD
+    report.py choice CHOICES               the automatic choice against both solvers
+    report.py refinement RUNS              the part of the refinement in direct runs
 
 RUNS is the output of morlen_stages, WHOLE that of whole_runs.py, LIMITS that of morlen_limits,
-PAIRS that of morlen_cholmod.
+PAIRS that of morlen_cholmod, CHOICES that of choice_runs.py.
 """
 
 import argparse
@@ -40,6 +42,9 @@ CHOLMOD = {"plate": 1.3, "roof": 1.3, "frame3d": 0.6, "portal2d": 1.0, "block": 
 GROWTH_OF_FACTORISATION = {"block": 2.35, "block10": 2.35, "plate": 2.0, "roof": 2.0}
 GROWTH_OF_ITERATIONS = {"block": 1.35, "block10": 1.35, "plate": 1.6, "frame3d": 1.6}
 GROWTH_ALLOWANCE = 0.15
+# Times of the better solver, and part of a direct run.
+CHOICE = 1.2
+REFINEMENT = 0.15
 # Shorter stages are all noise.
 SHORTEST = 0.005
 
@@ -210,10 +215,37 @@ def print_cholmod(pairs):
               "with zeros", "with renumbering"), cells)
 
 
+# ---------------------------------------------------------------- the choice and the refinement
+
+def print_choice(runs):
+    def cell(seconds):
+        return f"{seconds:.2f}" if seconds else "-"
+
+    cells = []
+    for run in runs:
+        automatic, skyline, sparse = (run["seconds"][key] for key in ("automatic", "skyline", "sparse"))
+        best = min((seconds for seconds in (skyline, sparse) if seconds), default=None)
+        ratio = f"{automatic / best:.2f}" if automatic and best else "-"
+        cells.append((run["model"], str(run["equations"]), run["chosen"], cell(automatic),
+                      cell(skyline), cell(sparse), ratio, f"≤ {CHOICE:g}"))
+    markdown(("model", "equations", "chosen", "Automatic, s", "SkyLine, s", "Sparse, s", "ratio",
+              "target"), cells)
+
+
+def print_refinement(runs):
+    cells = []
+    for run in runs:
+        total, refine = sum(run["seconds"].values()), run["seconds"]["refine"]
+        cells.append((run["model"], str(run["equations"]), f"{1e3 * refine:.1f}", f"{1e3 * total:.1f}",
+                      f"{refine / total:.3f}", f"≤ {REFINEMENT:g}"))
+    markdown(("model", "equations", "refinement, ms", "run, ms", "part", "target"), cells)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("table", choices=("stages", "kernels", "whole", "growth", "cholmod"))
+    parser.add_argument("table", choices=("stages", "kernels", "whole", "growth", "cholmod",
+                                          "choice", "refinement"))
     parser.add_argument("runs")
     parser.add_argument("limits", nargs="?")
     options = parser.parse_args()
@@ -222,7 +254,8 @@ def main():
         print_kernels(runs, read_lines(options.limits)[0] if options.limits else {})
     else:
         {"stages": print_stages, "whole": print_whole, "growth": print_growth,
-         "cholmod": print_cholmod}[options.table](runs)
+         "cholmod": print_cholmod, "choice": print_choice,
+         "refinement": print_refinement}[options.table](runs)
 
 
 if __name__ == "__main__":

@@ -19,6 +19,7 @@
 #include <string_view>
 #include <vector>
 
+#include "assembly/solver_choice.h"
 #include "measure.h"
 #include "message_stream.h"
 #include "model/mesh.h"
@@ -38,15 +39,16 @@ class MessageLog
 public:
   std::FILE* File() const { return stream.File(); }
 
-  /// When the first message came that begins so; 0 when there was none.
+  /// When the last message came that begins so; 0 when there was none. When an iteration has
+  /// failed, the direct solver comes after it, with the same messages.
   double TimeOf(std::string_view beginning) const
   {
     const Message* found = Find(beginning);
     return found ? found->seconds : 0.0;
   }
 
-  /// The whole number behind this beginning of a message; 0 when there was none.
-  int NumberBehind(std::string_view beginning) const
+  /// The whole number after this beginning of a message; 0 when there was none.
+  int NumberAfter(std::string_view beginning) const
   {
     const Message* found = Find(beginning);
     return found ? std::atoi(found->text.c_str() + beginning.size()) : 0;
@@ -61,11 +63,10 @@ private:
 
   const Message* Find(std::string_view beginning) const
   {
-    for (const Message& message : messages) {
-      if (message.text.starts_with(beginning))
-        return &message;
-    }
-    return nullptr;
+    const auto found =
+        std::find_if(messages.rbegin(), messages.rend(),
+                     [&](const Message& message) { return message.text.starts_with(beginning); });
+    return found == messages.rend() ? nullptr : &*found;
   }
 
   std::vector<Message> messages;
@@ -78,6 +79,7 @@ enum Stage
 {
   kRead,
   kRenumber,
+  kChoose,
   kProfile,
   kAssemble,
   kLoads,
@@ -85,6 +87,7 @@ enum Stage
   kFactorise,
   kIterate,
   kSubstitute,
+  kRefine,
   kResults,
   kWriteText,
   kWritePost,
@@ -92,9 +95,10 @@ enum Stage
   kStages
 };
 
-constexpr const char* kStageNames[kStages] = {
-    "read",    "renumber",   "profile", "assemble",   "loads",      "supports", "factorise",
-    "iterate", "substitute", "results", "write text", "write post", "release"};
+constexpr const char* kStageNames[kStages] = {"read",       "renumber",   "choose",   "profile",
+                                              "assemble",   "loads",      "supports", "factorise",
+                                              "iterate",    "substitute", "refine",   "results",
+                                              "write text", "write post", "release"};
 
 /// What one run took and was.
 struct Run
@@ -104,11 +108,13 @@ struct Run
   int equations = 0;
   int nodes = 0;
   int elements = 0;
-  int iterations = 0;
+  int iterations = 0;        ///< for the loads and the probe together, as far as both went
+  int singleIterations = 0;  ///< of them, those for one of the two alone
   double factorisationFlops = 0.0;
   double storage = 0.0;           ///< bytes of the profile, or of matrix and factors
   double entries = 0.0;           ///< of the sparse matrix
-  double iterationTraffic = 0.0;  ///< bytes
+  double iterationTraffic = 0.0;  ///< of one iteration for one right-hand side; bytes
+  double vectorTraffic = 0.0;     ///< of a further right-hand side; bytes
   double bytesRead = 0.0;
   double bytesText = 0.0;
   double bytesPost = 0.0;
@@ -132,34 +138,50 @@ private:
   double last = ProcessorSeconds();
 };
 
-// Iteration i is announced at its beginning when it is a multiple of ten, and the last at its
-// end. What the announced ones do not account for went into the factors.
+// Iteration i of the model is announced at its beginning when it is a multiple of ten, and its last
+// at its end. What the announced ones do not account for went into the factors. The probe may go
+// on alone.
 void SplitIterations(const MessageLog& log, StopWatch& watch, Run& run)
 {
   const bool converged = log.TimeOf("Converged it number. ") > 0.0;
   const char* const last = converged ? "Converged it number. " : "After ";
+  const int ofModel = log.NumberAfter(last);
+  const int ofProbe = log.NumberAfter("probe: converged after ");
   const double end = log.TimeOf(last);
   const double tenth = log.TimeOf("iteration number 10 ");
-  run.iterations = log.NumberBehind(last);
-  const int fromTenth = run.iterations - 9;
-  const double each = tenth > 0.0 ? (end - tenth) / fromTenth : 0.0;
+  const double each = tenth > 0.0 ? (end - tenth) / (ofModel - 9) : 0.0;
   if (each > 0.0)
-    run.seconds[kFactorise] = watch.LapAt(end - each * run.iterations);
-  if (run.iterations > 0)
-    run.seconds[kIterate] = watch.LapAt(end);
+    run.seconds[kFactorise] = watch.LapAt(end - each * ofModel);
+  run.iterations = std::max(ofModel, ofProbe);
+  run.singleIterations = std::abs(ofModel - ofProbe);
+  if (ofModel > 0)
+    run.seconds[kIterate] = watch.LapAt(std::max(end, log.TimeOf("probe: ")));
+}
+
+// The second substitution takes as long as the first one; the refinement comes after both.
+void SplitDirectSolution(const MessageLog& log, StopWatch& watch, Run& run)
+{
+  const double factorised = log.TimeOf("Txolesky finished");
+  const double half = log.TimeOf("Beginning 2nd substitution") - factorised;
+  run.seconds[kFactorise] = watch.LapAt(factorised);
+  run.seconds[kSubstitute] = watch.LapAt(factorised + 2.0 * half);
+  run.seconds[kRefine] = watch.LapAt(log.TimeOf("Estimated relative error"));
 }
 
 void SplitAnalysis(const MessageLog& log, StopWatch& watch, Run& run)
 {
+  // An iteration that has failed before the direct solver was taken.
+  if (run.direct && log.TimeOf("probe: ") > 0.0)
+    run.seconds[kIterate] = watch.LapAt(log.TimeOf("probe: "));
   run.seconds[kProfile] = watch.LapAt(log.TimeOf("\nINFORMATION"));
   run.seconds[kAssemble] = watch.LapAt(log.TimeOf("Stiffness matrix filled"));
   run.seconds[kLoads] = watch.LapAt(log.TimeOf("Load vector constructed"));
   run.seconds[kSupports] = watch.LapAt(log.TimeOf("Just before Solver"));
   if (run.direct)
-    run.seconds[kFactorise] = watch.LapAt(log.TimeOf("Txolesky finished"));
+    SplitDirectSolution(log, watch, run);
   else
     SplitIterations(log, watch, run);
-  run.seconds[kSubstitute] = watch.LapAt(log.TimeOf("Solver finished"));
+  run.seconds[kSubstitute] += watch.LapAt(log.TimeOf("Solver finished"));
 }
 
 void Describe(const Project& project, Run& run)
@@ -178,6 +200,7 @@ void Describe(const Project& project, Run& run)
     run.storage = IterationStorage(matrix);
     run.entries = matrix.GiveSlots();
     run.iterationTraffic = IterationTraffic(matrix);
+    run.vectorTraffic = VectorTraffic(matrix);
   }
 }
 
@@ -202,9 +225,28 @@ private:
   fs::path base;
 };
 
-/// Runs a problem file. `renumber` does so before the analysis, which then keeps the numbers,
-/// so that it can be timed by itself.
-Run RunOnce(const std::string& file, const ResultFiles& results, bool renumber)
+/// What goes before the matrix, timed by itself: the analysis, which does it again, tells nothing
+/// of it. Leaves the numbers of the file.
+void TimeChoice(Project& project, StopWatch& watch, Run& run)
+{
+  if (project.solverSettings.type == SolverType::Sparse)
+    return;
+  Mesh& mesh = *project.meshes.front();
+  watch.Lap();
+  mesh.RenumberNodes();
+  run.seconds[kRenumber] = watch.Lap();
+  const long long equations = static_cast<long long>(project.numNodes) * project.freeDegrees;
+  if (project.solverSettings.type == SolverType::Automatic && equations >= kChoiceFrom) {
+    project.CalcCoplanarityVector();
+    EstimateWork(project);
+    run.seconds[kChoose] = watch.Lap();
+    project.coplanarity.clear();
+  }
+  mesh.RestoreNumbers();
+}
+
+/// Runs a problem file.
+Run RunOnce(const std::string& file, const ResultFiles& results)
 {
   Run run;
   MessageLog log;
@@ -214,13 +256,13 @@ Run RunOnce(const std::string& file, const ResultFiles& results, bool renumber)
     std::ifstream in(file);
     project.ReadFromAscii(in);
     run.seconds[kRead] = watch.Lap();
-    if (renumber)
-      project.meshes.front()->RenumberNodes();
-    run.seconds[kRenumber] = watch.Lap();
-    project.Calc(0, log.File());
+    TimeChoice(project, watch, run);
+    watch.Lap();
+    project.Calc(1, log.File());
     // Counting what was done is not part of the run.
     Describe(project, run);
     SplitAnalysis(log, watch, run);
+    run.seconds[kProfile] -= run.seconds[kRenumber] + run.seconds[kChoose];
     watch.Lap();
     project.CalcStrengthsAndReactions(nullptr);
     run.seconds[kResults] = watch.Lap();
@@ -271,6 +313,14 @@ Run MedianOf(const std::vector<Run>& runs)
   return median;
 }
 
+/// Bytes of an iteration, with the second vectors in those that have two.
+double MeanTraffic(const Run& run)
+{
+  const int iterations = std::max(run.iterations, 1);
+  const double both = static_cast<double>(run.iterations - run.singleIterations) / iterations;
+  return run.iterationTraffic + both * run.vectorTraffic;
+}
+
 /// One object of JSON in one line: what report.py takes.
 void PrintJson(const std::string& file, const Run& run, double peak, double readBandwidth)
 {
@@ -279,7 +329,7 @@ void PrintJson(const std::string& file, const Run& run, double peak, double read
   std::printf("\"direct\": %s, \"iterations\": %d, \"factorisation_flops\": %.6g, ",
               run.direct ? "true" : "false", run.iterations, run.factorisationFlops);
   std::printf("\"storage\": %.0f, \"entries\": %.0f, \"iteration_traffic\": %.0f, ", run.storage,
-              run.entries, run.iterationTraffic);
+              run.entries, MeanTraffic(run));
   std::printf("\"bytes_read\": %.0f, \"bytes_text\": %.0f, \"bytes_post\": %.0f, ", run.bytesRead,
               run.bytesText, run.bytesPost);
   std::printf("\"words_written\": %.0f, \"peak_memory\": %.0f, \"read_bandwidth\": %.6g, ",
@@ -293,11 +343,11 @@ void PrintJson(const std::string& file, const Run& run, double peak, double read
 void Measure(const std::string& file, int repetitions)
 {
   const ResultFiles results;
-  const bool direct = RunOnce(file, results, false).direct;
+  RunOnce(file, results);
   std::vector<Run> runs;
   const double peak = MemoryPeak();
   for (int k = 0; k < repetitions; ++k)
-    runs.push_back(RunOnce(file, results, direct));
+    runs.push_back(RunOnce(file, results));
   Run median = MedianOf(runs);
   median.wordsWritten = CountWords(results.Text()) + CountWords(results.Post());
   PrintJson(file, median, peak, ReadBandwidth());

@@ -12,6 +12,7 @@ import argparse
 import json
 import os
 import pathlib
+import resource
 import shutil
 import statistics
 import subprocess
@@ -27,19 +28,21 @@ ONE_THREAD = {"OMP_NUM_THREADS": "1", "OPENBLAS_NUM_THREADS": "1"}
 TIME_LIMIT = 1800
 
 
+def of_children():
+    usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return usage.ru_utime + usage.ru_stime
+
+
 def processor_seconds(command, folder):
     """None when the command fails."""
-    before = os.times()
+    before = of_children()
     with open(os.devnull, "w", encoding="ascii") as nowhere:
         try:
             result = subprocess.run(command, cwd=folder, stdout=nowhere, stderr=nowhere, check=False,
                                     env={**os.environ, **ONE_THREAD}, timeout=TIME_LIMIT)
         except subprocess.TimeoutExpired:
             return None
-    after = os.times()
-    if result.returncode != 0:
-        return None
-    return after.children_user + after.children_system - before.children_user - before.children_system
+    return of_children() - before if result.returncode == 0 else None
 
 
 def median_seconds(command, folder, repetitions):

@@ -1,20 +1,22 @@
 #!/bin/sh
 # Measures the speed of the program: builds it optimised with the benchmarks and prints tables
 # of figures, targets and ratios.
-#   scripts/bench.sh kernels   every stage of the program, and the kernels by themselves
-#   scripts/bench.sh whole     whole runs beside CalculiX, where `ccx` is installed
-#   scripts/bench.sh cholmod   the skyline solver beside CHOLMOD on the same matrices
-#   scripts/bench.sh growth    growth with the number of equations
-#   scripts/bench.sh linear    growth with the length of the input
-#   scripts/bench.sh           all that
+#   scripts/bench.sh kernels     every stage of the program, and the kernels by themselves
+#   scripts/bench.sh whole       whole runs beside CalculiX, where `ccx` is installed
+#   scripts/bench.sh cholmod     the skyline solver beside CHOLMOD on the same matrices
+#   scripts/bench.sh choice      the automatic choice of the solver beside both solvers
+#   scripts/bench.sh refinement  the part of the refinement in direct runs
+#   scripts/bench.sh growth      growth with the number of equations
+#   scripts/bench.sh linear      growth with the length of the input
+#   scripts/bench.sh             all that
 # Models and measurements are left in build/bench.
 set -eu
 cd "$(dirname "$0")/.."
 part="${1:-all}"
 case "$part" in
-  all | kernels | whole | cholmod | growth | linear) ;;
+  all | kernels | whole | cholmod | choice | refinement | growth | linear) ;;
   *)
-    echo "usage: scripts/bench.sh [kernels|whole|cholmod|growth|linear]" >&2
+    echo "usage: scripts/bench.sh [kernels|whole|cholmod|choice|refinement|growth|linear]" >&2
     exit 2
     ;;
 esac
@@ -64,16 +66,28 @@ plate 181
 frame3d 10 10 68
 frame3d 15 15 130"
 
+# Models near the place where both solvers take as long, and families that favour one of them.
+further_models="roof 70
+sheet 90
+plate6 40
+plate 56
+portal2d 20 400
+portal2d 60 110
+frame3d 4 4 120
+frame3d 8 8 50
+frame3d 30 30 3"
+
 bin=build/bench/bench
 models=build/bench/models
 
-# Generates the models of a list, one a line, and prints their files.
+# Generates the models of a list, one a line, and prints their files. A second argument is the
+# solver of the models, a line of their settings.
 generate() {
   mkdir -p "$models"
   echo "$1" | while read -r family numbers; do
-    file="$models/${family}_$(echo "$numbers" | tr ' ' '_').dat"
+    file="$models/${family}_$(echo "$numbers" | tr ' ' '_')${2:+_$2}.dat"
     # shellcheck disable=SC2086  # one word per number
-    [ -s "$file" ] || bench/generate_models.py "$family" $numbers >"$file"
+    [ -s "$file" ] || bench/generate_models.py ${2:+--setting "Solver $2"} "$family" $numbers >"$file"
     echo "$file"
   done
 }
@@ -107,6 +121,20 @@ if [ "$part" = cholmod ] || [ "$part" = all ]; then
   # shellcheck disable=SC2086  # one word per file
   "$bin"/morlen_cholmod $files >build/bench/cholmod.json
   bench/report.py cholmod build/bench/cholmod.json
+fi
+if [ "$part" = choice ] || [ "$part" = all ]; then
+  printf '%s\n%s' "$peer_models" "$further_models" | tr '\n' '\0' |
+    xargs -0 bench/choice_runs.py --folder build/bench build/bench/morlen >build/bench/choice.json
+  bench/report.py choice build/bench/choice.json
+fi
+if [ "$part" = refinement ] || [ "$part" = all ]; then
+  files=$(generate "$direct_models
+$further_models
+plate 90
+frame3d 10 10 68" SkyLine)
+  # shellcheck disable=SC2086  # one word per file
+  "$bin"/morlen_stages $files >build/bench/refinement.json
+  bench/report.py refinement build/bench/refinement.json
 fi
 if [ "$part" = growth ] || [ "$part" = all ]; then
   files=$(generate "$growing_models")

@@ -7,14 +7,17 @@
 
 namespace {
 
-/// The sum of K·a and L·b, or Lᵀ·b, in row i of a beam's end.
-double RowTimes(const Matriu& own, const double* a, const Matriu& other, bool transposed,
-                const double* b, int i)
+/// forces = own·a + other·b by row, of n×n numbers each; `step` entries of `other` lie between the
+/// rows, `stride` between the columns.
+void MultiplyEnd(int n, const double* own, const double* a, const double* other, int step,
+                 int stride, const double* b, double* forces)
 {
-  double sum = 0.0;
-  for (int j = 1; j <= own.Cols(); ++j)
-    sum += own(i, j) * a[j - 1] + (transposed ? other(j, i) : other(i, j)) * b[j - 1];
-  return sum;
+  for (int i = 0; i < n; ++i) {
+    double sum = 0.0;
+    for (int j = 0; j < n; ++j)
+      sum += own[i * n + j] * a[j] + other[i * step + j * stride] * b[j];
+    forces[i] = sum;
+  }
 }
 
 }  // namespace
@@ -28,10 +31,7 @@ void BeamBlocks::Construct(const BeamSpan& beam)
 void BeamBlocks::Multiply(const double* local, double* forces) const
 {
   const int n = K11.Rows();
-  const double* const first = local;
   const double* const second = local + n;
-  for (int i = 1; i <= n; ++i) {
-    forces[i - 1] = RowTimes(K11, first, K12, false, second, i);
-    forces[n + i - 1] = RowTimes(K22, second, K12, true, first, i);
-  }
+  MultiplyEnd(n, K11.Data(), local, K12.Data(), n, 1, second, forces);
+  MultiplyEnd(n, K22.Data(), second, K12.Data(), 1, n, local, forces + n);
 }

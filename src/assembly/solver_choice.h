@@ -14,6 +14,7 @@ constexpr long long kChoiceFrom = 15000;
 /// processor on which the constants in solver_choice.cpp were measured: only their ratio counts.
 struct SolverWork
 {
+  double equations = 0.0;
   double profileEntries = 0.0;  ///< of the skyline matrix
   double operations = 0.0;      ///< multiplications and additions of its factorisation
   double sparseEntries = 0.0;   ///< of the sparse matrix

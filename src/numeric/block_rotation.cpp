@@ -9,9 +9,12 @@ struct Rotation
 {
   Rotation(const Matriu& T, Turn turn)
   {
+    const double* const t = T.Data();
+    const int toNextRow = turn == Turn::ToGlobal ? T.Cols() : 1;
+    const int toNextColumn = turn == Turn::ToGlobal ? 1 : T.Cols();
     for (int i = 0; i < 3; ++i) {
       for (int j = 0; j < 3; ++j)
-        r[i][j] = turn == Turn::ToGlobal ? T(i + 1, j + 1) : T(j + 1, i + 1);
+        r[i][j] = t[i * toNextRow + j * toNextColumn];
     }
   }
 

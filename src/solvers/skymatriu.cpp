@@ -17,8 +17,8 @@
 namespace {
 
 constexpr int kEquationsPerMessage = 500;
-/// How many rows ahead the second substitution asks for memory: it goes backwards, which the
-/// processor does not foresee.
+/// How many rows ahead the substitutions ask for memory: the processor by itself does not look
+/// beyond the end of a row, nor backwards.
 constexpr int kRowsAhead = 4;
 
 bool IsZero(double value)
@@ -172,6 +172,8 @@ void SkyMatriu::Substitute(const RightHandSides& sides, std::FILE* info) const
   for (ReaVecV* const b : sides)
     std::reverse(b->Data(), b->Data() + n);
   for (int i = 0; i < n; ++i) {
+    if (i + kRowsAhead < n)
+      FetchRow(rows[i + kRowsAhead], heights[i + kRowsAhead]);
     for (ReaVecV* const b : sides) {
       double* const xi = b->Data() + (n - 1 - i);
       *xi -= DotProduct(rows[i] + 1, xi + 1, heights[i] - 1);

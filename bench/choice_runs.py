@@ -1,0 +1,79 @@
+#!/usr/bin/env python3
+"""Measures whole runs by `Solver Automatic` and by each of both solvers, in processor time, and
+prints a line of JSON for each model.
+
+    choice_runs.py [-n REPETITIONS] [--folder FOLDER] PROGRAM MODEL...
+
+A MODEL is a family and its numbers, as in "frame3d 5 5 68". The three runs take turns; each figure
+is the median, or one run where it is far from the best. The direct solver is left out where it would
+take long, as it is not the better one. A run that fails has no figure. Models and results go to a new folder below FOLDER.
+"""
+
+import argparse
+import json
+import pathlib
+import re
+import statistics
+import tempfile
+
+from whole_runs import generate, processor_seconds
+
+SETTINGS = {"automatic": "Solver Automatic", "skyline": "Solver SkyLine",
+            "sparse": "Solver Sparse 1e-5 0.1 3000"}
+# Seconds that the program estimates for the direct solver.
+LONG = 60.0
+# Processor seconds from which three runs are enough.
+LONG_RUN = 5.0
+# Times of the fastest from which one run is enough.
+FAR = 2.0
+
+
+def find(pattern, text, default=""):
+    found = re.search(pattern, text)
+    return found.group(1) if found else default
+
+
+def measure(program, model, folder, repetitions):
+    words = model.split()
+    for key, setting in SETTINGS.items():
+        generate(words, folder / f"{key}.dat", "--setting", setting)
+
+    def seconds(key):
+        return processor_seconds([program, "-i", f"{key}.info", f"{key}.dat"], folder)
+
+    first = seconds("automatic")  # warms up, and tells the choice
+    info = (folder / "automatic.info").read_text(encoding="utf-8")
+    keys = [key for key in SETTINGS
+            if key != "skyline" or float(find(r"estimated (\S+) s and", info, "0")) <= LONG]
+    times = {key: [seconds(key)] for key in keys}
+    ran = {key: of[0] for key, of in times.items() if of[0] is not None}
+    near = [key for key, one in ran.items() if one <= FAR * min(ran.values())]
+    repetitions = repetitions if (first or 0.0) < LONG_RUN else min(repetitions, 3)
+    for _ in range(repetitions - 1):
+        for key in near:
+            times[key].append(seconds(key))
+    run = {"model": "_".join(words), "equations": int(find(r"Degrees of freedom= *(\d+)", info, "0")),
+           "chosen": " then ".join(re.findall(r"Solver (\S+) taken", info)),
+           "reason": find(r"taken: (.*)", info),
+           "seconds": {key: None for key in SETTINGS}}
+    for key in keys:
+        run["seconds"][key] = None if None in times[key] else statistics.median(times[key])
+    print(json.dumps(run), flush=True)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("-n", type=int, default=5)
+    parser.add_argument("--folder")
+    parser.add_argument("program")
+    parser.add_argument("models", nargs="+")
+    options = parser.parse_args()
+    program = str(pathlib.Path(options.program).resolve())
+    for model in options.models:
+        with tempfile.TemporaryDirectory(dir=options.folder) as folder:
+            measure(program, model, pathlib.Path(folder), options.n)
+
+
+if __name__ == "__main__":
+    main()

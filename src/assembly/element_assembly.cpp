@@ -101,7 +101,7 @@ void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes)
 {
   BeamBlocks blocks;  // allocated once for the mesh
   Matriu T;
-  BlockAssembler assembler(StiffnessSink(), freeDegrees, applyLocalAxes);
+  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
   assembler.Assemble(*mesh, [&](const Elem& elem) {
     blocks.Construct(SpanOf(elem, T));
     for (Matriu* K : {&blocks.K11, &blocks.K12, &blocks.K22}) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 
 #include "model/node.h"
@@ -59,4 +60,11 @@ inline double NormOnFree(const VoidPlex& nodes, const ComponentScale& scale, con
     squares += part * part;
   });
   return largest * std::sqrt(squares);
+}
+
+/// Whether all entries are finite numbers.
+inline bool AllFinite(const ReaVecV& v)
+{
+  const double* const values = v.Data();
+  return std::all_of(values, values + v.Size(), [](double value) { return std::isfinite(value); });
 }

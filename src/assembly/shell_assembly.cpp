@@ -9,6 +9,7 @@
 #include "numeric/block_rotation.h"
 #include "numeric/plex_range.h"
 #include "problem/project.h"
+#include "solvers/bsolver.h"
 
 std::array<bool, 6> Project::FoldedNodes(const Elem& shell) const
 {
@@ -23,7 +24,7 @@ void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
   ShellEvaluator shell;
   Matriu K(6, 6);
   const int nnode = mesh->GiveNnode();
-  BlockAssembler assembler(StiffnessSink(), freeDegrees, applyLocalAxes);
+  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
   assembler.Assemble(*mesh, [&](const Elem& elem) {
     const Material& material = RequireMaterial(elem);
     shell.Evaluate(elem, material);

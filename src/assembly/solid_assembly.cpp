@@ -5,12 +5,13 @@
 #include "model/node.h"
 #include "numeric/plex_range.h"
 #include "problem/project.h"
+#include "solvers/bsolver.h"
 
 void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes)
 {
   SolidEvaluator solid;
   const int nnode = mesh->GiveNnode();
-  BlockAssembler assembler(StiffnessSink(), freeDegrees, applyLocalAxes);
+  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
   assembler.Assemble(*mesh, [&](const Elem& elem) {
     solid.Evaluate(elem, RequireMaterial(elem));
     for (int i = 0; i < nnode; ++i) {

@@ -26,49 +26,6 @@
 
 namespace {
 
-bool AllFinite(const ReaVecV& v)
-{
-  for (int i = 1; i <= v.Size(); ++i) {
-    if (!std::isfinite(v(i)))
-      return false;
-  }
-  return true;
-}
-
-/// A line for a model that is refused although it may stand; empty for one that can move.
-std::string RoughModelHint(const RefinedCases& cases, Refinement::Verdict verdict)
-{
-  if (verdict == Refinement::Verdict::Moves && !cases.probe.Diverges())
-    return "";
-  return "The model is too rough: its stiffnesses or lengths differ so much that the digits of the "
-         "arithmetic are not enough for its displacements\n";
-}
-
-/// Whether the iteration of a probe has met a motion without energy.
-bool MovesFreely(const IterationReport& probe)
-{
-  return probe.smallestQuotient >= 0.0 && probe.smallestQuotient < IterationDemands::kLeastQuotient;
-}
-
-/// Whether a probe has come so far that most structures that can move are ruled out.
-bool HasAlmostConverged(const IterationReport& probe, double tolerance)
-{
-  constexpr double kAlmost = 1e-2;
-  return probe.residual <= std::max(tolerance, kAlmost);
-}
-
-/// Why an iteration that has converged is refused.
-std::string UnprovenHint(const IterationReport& probe)
-{
-  std::ostringstream text;
-  stprintf(
-      text,
-      "The loads are held, but a test with a load in every equation has not converged (residual "
-      "%.1e): the structure may be able to move\n",
-      probe.residual);
-  return text.str();
-}
-
 /// Mean distance of the first two nodes of the elements.
 double MeanElementLength(const std::vector<std::unique_ptr<Mesh>>& meshes)
 {
@@ -109,7 +66,7 @@ void Project::PrepareSystem(std::FILE* info)
   if (info)
     solver->PrintInfoMem(info);
   Progress(info, "Just before filling global stiffness matrix\n");
-  AssembleStiffness(*solver, kInSupportAxes);
+  AssembleStiffness();
   Progress(info, "Stiffness matrix filled\n");
   AddNodalLoads();
   for (const auto& mesh : meshes)
@@ -125,122 +82,6 @@ void Project::FinishSolution(std::FILE* info)
   ConvertLocalResultsToGlobal(GiveNodes(), displacements, freeDegrees);
   ConvertLocalResultsToGlobal(GiveNodes(), displacementRests, freeDegrees);
   Progress(info, "Solver finished\n");
-}
-
-// The result of SparseSolver::Solver. A probe is iterated as well.
-int Project::Iterate(std::FILE* info)
-{
-  ApplySupports();
-  ReaVecV probe = ProbeLoad(GiveNodes(), ScaleOfComponents(), displacements.Size());
-  auto& sparse = static_cast<SparseSolver&>(*solver);
-  Progress(info, "Just before Solver\n");
-  const int result = sparse.Solver(displacements, probe, info);
-  accuracy.error = sparse.ModelReport().error;
-  accuracy.residual = sparse.ModelReport().residual;
-  displacementRests.resize(displacements.Size(), 0.0);
-  displacementRests = 0.0;
-  return result;
-}
-
-// False when the iteration has not come to an end that can be trusted.
-bool Project::IterateToTheEnd(std::FILE* info)
-{
-  const int result = Iterate(info);
-  const auto& sparse = static_cast<const SparseSolver&>(*solver);
-  const bool reached = sparse.ModelReport().reached && sparse.ProbeReport().reached;
-  if (result != 0 || !reached || !AllFinite(displacements))
-    return false;
-  TellAccuracy(info);
-  return true;
-}
-
-// As the problem file asks for it: a residual within the second tolerance is taken, with a warning,
-// unless the probe shows that the structure can move.
-void Project::SolveByIteration(std::FILE* info)
-{
-  RequireSolution(Iterate(info));
-  const auto& sparse = static_cast<const SparseSolver&>(*solver);
-  const IterationReport& model = sparse.ModelReport();
-  const IterationReport& probe = sparse.ProbeReport();
-  const bool unproven = model.reached && !HasAlmostConverged(probe, sparse.Tolerance());
-  if (!probe.reached && (unproven || MovesFreely(probe)))
-    SolverFailed(-std::max(probe.iterations, 1), UnprovenHint(probe));
-  if (!model.reached)
-    Warn(info,
-         "warning: the iteration ended before its tolerance, with a residual of %.1e. The results "
-         "may be wrong by much more than that\n",
-         model.residual);
-  else if (!probe.reached)
-    Warn(info,
-         "warning: a test with a load in every equation has not converged (residual %.1e): the "
-         "structure may be able to move\n",
-         probe.residual);
-  TellAccuracy(info);
-}
-
-void Project::SolveDirectly(std::FILE* info)
-{
-  const ReaVecV loads = displacements;
-  ApplySupports();
-  Progress(info, "Just before Solver\n");
-  RefinedCases cases;
-  if (const int failed = SolveCases(loads, cases, info))
-    SolverFailed(failed, RefusedPivotHint(loads));
-  const Refinement refinement = MakeRefinement();
-  const Refinement::Verdict verdict = refinement.Run(cases);
-  if (verdict == Refinement::Verdict::Moves)
-    SolverFailed(refinement.LargestMotion(cases.probe), RoughModelHint(cases, verdict));
-  if (verdict == Refinement::Verdict::TooRough)
-    SolverFailed(-1, RoughModelHint(cases, verdict));
-  accuracy = {.error = cases.model.LastCorrection(), .residual = cases.model.LastResidual()};
-  displacements = std::move(cases.model.u.value);
-  displacementRests = std::move(cases.model.u.rest);
-  elementForces = std::move(cases.model.elementForces);
-  TellAccuracy(info);
-}
-
-// From the right-hand side in the displacements to the solutions before their refinement. Returns
-// what SolverFailed takes, or 0.
-int Project::SolveCases(const ReaVecV& loads, RefinedCases& cases, std::FILE* info)
-{
-  using Norm = RefinedCase::Norm;
-  const ComponentScale scale = ScaleOfComponents();
-  const ReaVecV probeLoads = ProbeLoad(GiveNodes(), scale, loads.Size());
-  ReaVecV ofProbe = probeLoads;
-  const double size = SizeOnFree(Norm::Euclidean, GiveNodes(), scale, displacements);
-  const double sizeOfProbe = SizeOnFree(Norm::Largest, GiveNodes(), scale, ofProbe);
-  if (const int refused = Skyline().Solver({&displacements, &ofProbe}, info))
-    return refused;
-  if (!AllFinite(displacements))
-    return -1;
-  cases.model = RefinedCase(loads, Norm::Euclidean, size, displacements);
-  cases.probe = RefinedCase(probeLoads, Norm::Largest, sizeOfProbe, std::move(ofProbe));
-  return 0;
-}
-
-// A refused pivot tells nothing about why it is small. Without the limit for pivots that have lost
-// digits, the refinement can often tell.
-std::string Project::RefusedPivotHint(const ReaVecV& loads)
-{
-  Skyline().SetToZero();
-  AssembleStiffness(*solver, kInSupportAxes);
-  displacements = loads;
-  ApplySupports();
-  Skyline().AcceptLostPivots();
-  RefinedCases cases;
-  if (SolveCases(loads, cases, nullptr) != 0)
-    return "";
-  return RoughModelHint(cases, MakeRefinement().Run(cases));
-}
-
-SkyMatriu& Project::Skyline() const
-{
-  return static_cast<SkyMatriu&>(*solver);
-}
-
-Refinement Project::MakeRefinement() const
-{
-  return {Skyline(), GiveNodes(), ScaleOfComponents(), [this](InternalForces& f) { AddForces(f); }};
 }
 
 void Project::TellAccuracy(std::FILE* info) const
@@ -284,21 +125,10 @@ void Project::CreateMatrix()
   solver->Create(freeDegrees);
 }
 
-void Project::AssembleStiffness(ElementSink& sink, int applyLocalAxes)
+void Project::AssembleStiffness()
 {
-  struct Restoring  // a fatal error may be thrown
-  {
-    ~Restoring() { member = nullptr; }
-    ElementSink*& member;
-  } const restoring{stiffnessSink};
-  stiffnessSink = &sink;
   for (const auto& mesh : meshes)
-    (this->*FamilyOf(*mesh).addStiffness)(mesh.get(), applyLocalAxes);
-}
-
-ElementSink& Project::StiffnessSink() const
-{
-  return stiffnessSink ? *stiffnessSink : *solver;
+    (this->*FamilyOf(*mesh).addStiffness)(mesh.get(), kInSupportAxes);
 }
 
 // A reaction starts at minus the load on its component, taken in global axes before any

@@ -45,9 +45,9 @@ constexpr double kPlaneFrame = 2.8;
 constexpr double kSpaceFrame = 7.0;
 constexpr double kFourNodeSolid = 6.5;
 constexpr double kTenNodeSolid = 13.0;
+// Plates at least as thick as their elements are wide; thinner ones see PlateFactor.
 constexpr double kThreeNodePlate = 10.0;
-constexpr double kSixNodePlate =
-    25.0;  ///< thicker than its elements are wide; else as in PlateFactor
+constexpr double kSixNodePlate = 25.0;
 constexpr double kCurvedShell = 250.0;
 
 /// A list of numbers for each of many things, all from 0.
@@ -149,6 +149,8 @@ int Distance(const Project& project, const Connections& connections)
     if (node.constraint)
       reach(node.number - 1, front);
   }
+  if (front.empty())
+    return project.numNodes;  // nothing holds the structure
   int steps = 0;
   for (std::vector<int> next; !front.empty(); front.swap(next), ++steps) {
     next.clear();
@@ -165,6 +167,7 @@ int Distance(const Project& project, const Connections& connections)
 /// Thin plates are as much slower as their elements are wider than thick, squared.
 double PlateFactor(const Project& project)
 {
+  constexpr double kMost = 1e6;  // without a thickness it would be infinite
   double slender = 1.0;
   for (const auto& mesh : project.meshes) {
     if (mesh->GiveElemType() != Triangle)
@@ -174,7 +177,7 @@ double PlateFactor(const Project& project)
       slender = std::max(slender, dist2(elem(0), elem(1)) / (t * t));
     }
   }
-  return slender;
+  return std::min(slender, kMost);
 }
 
 double FactorOf(const Project& project, const Mesh& mesh)

@@ -22,7 +22,6 @@ class BSolver;
 class BaseElemLoads;
 class EdgeNodes;
 class Elem;
-class ElementSink;
 class InternalForces;
 class Material;
 class Matriu;
@@ -139,7 +138,7 @@ public:
   /// Merges the hinges of nodes into the codes of the beams, and fixes the rotations of
   /// nodes that no connection holds.
   void CalcElemsRotules();
-  /// Adds the stiffness of a mesh to StiffnessSink(), usually the matrix; applyLocalAxes 0 leaves
+  /// Adds the stiffness of a mesh to the matrix of the solver; applyLocalAxes 0 leaves
   /// it in global axes at supports that have their own.
   void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes);
   void AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes);
@@ -228,7 +227,7 @@ public:
   std::vector<int> coplanarity;  ///< by system number less 1: 1 where a shell is flat
   ReaVecV displacements;         ///< by equation; before the solution the loads
   ReaVecV displacementRests;     ///< digits that the displacements lack, see SplitVector
-  ReaVecV elementForces;         ///< K·u, when known: by equation, global axes; until the reactions
+  ReaVecV elementForces;  ///< K·u, when known: by equation, global axes; until the reactions
   SolutionAccuracy accuracy;
   std::string solverReason;  ///< why this solver, for the information stream
   std::vector<MeshResults> results;
@@ -276,9 +275,7 @@ private:
   /// Whether the analysis has made the node.
   bool IsAddedNode(const Node& node) const;
   void CreateMatrix();
-  void AssembleStiffness(ElementSink& sink, int applyLocalAxes);
-  /// Where the stiffness of the elements goes: the matrix, if AssembleStiffness says nothing else.
-  ElementSink& StiffnessSink() const;
+  void AssembleStiffness();
   void MergeHinges(const Elem& elem);
   void PrepareSystem(std::FILE* info);
   void SolveDirectly(std::FILE* info);
@@ -314,6 +311,4 @@ private:
   void WriteKivReactionBlock(TextOut& res, int first, int last) const;
 
   void PrintHinges(std::ofstream& out) const;
-
-  ElementSink* stiffnessSink = nullptr;  ///< during AssembleStiffness
 };

@@ -607,6 +607,7 @@ TEST_P(LargeStructure, IsRight)
   ASSERT_LE(structure.Equations(), 100000);
   const PreciseResults exact = ExactResults(GetParam(), structure);
   const Judged judged = Judge(structure, kSettings, &exact);
+  RecordProperty("outcome", judged.Text());
   ASSERT_TRUE(judged.IsSolved()) << judged.message;
   EXPECT_LE(judged.errors.Largest(), judged.direct ? kDirect : kIterated) << judged.Text();
   EXPECT_FALSE(judged.warned);

@@ -615,3 +615,21 @@ TEST(Refinement, KeepsTheForcesOfAStiffPartBesideASoftOne)
   // The second beam carries the load at its end: N = 1, V = -1, M = -1 at its beginning.
   ExpectValues(solved.EndForces(2), {-1, 1, 1, 1, -1, 0}, 1e-12);  // rounding of 1e10 x 1e-16
 }
+
+// The largest displacement is that of the soft part, beside which the corrections of the motion are
+// small.
+TEST(Refinement, FindsAMotionBesideASoftPart)
+{
+  for (const double spring : {1e-6, 1e-8, 1e-10}) {
+    for (const bool moves : {true, false}) {
+      Structure s = Storeys(4, 24, moves ? kRollerInX : kClamped);
+      s.Load(9, {0, -1});
+      s.nodes.push_back({100, 0, 0});
+      const int loose = s.NodeCount();
+      s.supports.push_back({loose, {2, 2, 2}, {spring, spring, spring}});
+      s.Load(loose, {1e-9, 0, 0});
+      const std::string message = FatalCaught([&] { Solved(s.Text("Solver SkyLine\n")); });
+      EXPECT_EQ(IsRefusal(message), moves) << spring << ": " << message;
+    }
+  }
+}

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -187,4 +188,53 @@ TEST(Automatic, WhatNeitherSolverCanDoIsRefusedWithTheReason)
   ASSERT_TRUE(std::regex_match(run.err, numbers, expected)) << run.err;
   EXPECT_EQ(numbers[1], numbers[2]);
   EXPECT_GT(std::stoi(numbers[3]), 60);
+}
+
+TEST(Automatic, SolvesDirectlyWhatHasTooManyNeighboursForTheIteration)
+{
+  Structure s = Chain(5000, false);
+  for (int node = 12; node <= 2012; node += 10)
+    s.AddBeams({1, node});
+  s.HoldNode(1, kClamped).HoldNode(5001, kClamped).Load(2500, {0, -1});
+  const auto project = ReadProject(s.Text());
+  const std::string info = Calculated(*project);
+  EXPECT_NE(info.find("Solver SkyLine taken: a node has too many neighbours for an iteration\n"),
+            std::string::npos)
+      << info;
+}
+
+// The soft frame has next to nothing of the energy and of the loads, but the largest displacements.
+TEST(Automatic, IteratesUntilSoftPartsAreRightToo)
+{
+  Structure s = Building(30, 30, 1, kClamped);
+  s.LoadAll({1, 0.5, -1});
+  Structure soft = Building(30, 30, 1, kClamped);
+  const int nodes = s.NodeCount();
+  s.sections.push_back(s.sections.front());
+  s.sections.back().E *= 1e-8;
+  s.sections.back().G *= 1e-8;
+  for (const Vector3& place : soft.nodes)
+    s.nodes.push_back({place[0], place[1] + 1000, place[2]});
+  for (const Frame::Beam& beam : soft.beams)
+    s.beams.push_back({beam.first + nodes, beam.second + nodes, 2});
+  for (Frame::Support support : soft.supports) {
+    support.node += nodes;
+    s.supports.push_back(support);
+  }
+  s.Load(s.NodeCount(), {1e-4, 0, 0});
+  const Solved iterated(s.Text());
+  EXPECT_EQ(iterated.Model().solverSettings.type, SolverType::Sparse);
+  const Solved direct(s.Text("Solver SkyLine\n"));
+  double largest[2] = {};
+  double error[2] = {};
+  for (int node = 1; node <= s.NodeCount(); ++node) {
+    const std::vector<double> u = iterated.Displacement(node);
+    const std::vector<double> expected = direct.Displacement(node);
+    for (int k = 0; k < 6; ++k) {
+      largest[k / 3] = std::max(largest[k / 3], std::fabs(expected[k]));
+      error[k / 3] = std::max(error[k / 3], std::fabs(u[k] - expected[k]));
+    }
+  }
+  EXPECT_LE(error[0], 1e-4 * largest[0]);
+  EXPECT_LE(error[1], 1e-4 * largest[1]);
 }

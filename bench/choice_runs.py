@@ -9,14 +9,11 @@ is the median, or one run where it is far from the best. The direct solver is le
 take long, as it is not the better one. A run that fails has no figure. Models and results go to a new folder below FOLDER.
 """
 
-import argparse
 import json
-import pathlib
 import re
 import statistics
-import tempfile
 
-from whole_runs import generate, processor_seconds
+from whole_runs import generate, measure_models, processor_seconds
 
 SETTINGS = {"automatic": "Solver Automatic", "skyline": "Solver SkyLine",
             "sparse": "Solver Sparse 1e-5 0.1 3000"}
@@ -63,19 +60,5 @@ def measure(program, model, folder, repetitions):
     print(json.dumps(run), flush=True)
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__,
-                                     formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("-n", type=int, default=5)
-    parser.add_argument("--folder")
-    parser.add_argument("program")
-    parser.add_argument("models", nargs="+")
-    options = parser.parse_args()
-    program = str(pathlib.Path(options.program).resolve())
-    for model in options.models:
-        with tempfile.TemporaryDirectory(dir=options.folder) as folder:
-            measure(program, model, pathlib.Path(folder), options.n)
-
-
 if __name__ == "__main__":
-    main()
+    measure_models(measure, __doc__)

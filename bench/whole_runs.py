@@ -87,8 +87,10 @@ def measure(program, model, folder, repetitions):
     print(json.dumps(run), flush=True)
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__,
+def measure_models(measure_one, description):
+    """The command line of a script that measures models: calls measure_one(program, model, folder,
+    repetitions) for each, with a folder that is removed afterwards."""
+    parser = argparse.ArgumentParser(description=description,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("-n", type=int, default=5)
     parser.add_argument("--folder")
@@ -98,8 +100,8 @@ def main():
     program = str(pathlib.Path(options.program).resolve())
     for model in options.models:
         with tempfile.TemporaryDirectory(dir=options.folder) as folder:
-            measure(program, model, pathlib.Path(folder), options.n)
+            measure_one(program, model, pathlib.Path(folder), options.n)
 
 
 if __name__ == "__main__":
-    main()
+    measure_models(measure, __doc__)

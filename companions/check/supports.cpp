@@ -238,7 +238,7 @@ std::string Rounded(double value, double size)
   return text;
 }
 
-// What is small beside the size is rounding error.
+// Components that are rounding errors beside the size become 0.
 std::string Listed(const Point& p, double size)
 {
   return Joined("(", Rounded(p[0], size), ", ", Rounded(p[1], size), ", ", Rounded(p[2], size),

@@ -32,12 +32,13 @@ struct ComponentScale
   int translations = 0;  ///< the first of them; the others are rotations
   double length = 1.0;   ///< the mean size of the elements
 
-  /// What a force of 1 is as a component (from 1) of a load: 1, or a moment of that length.
+  /// 1 for a translation, the length for a rotation (components from 1). A rotation times it
+  /// compares with a translation, a moment divided by it with a force.
   double Unit(int component) const { return component <= translations ? 1.0 : length; }
 };
 
-/// The largest size of the entries of a vector of loads on those equations, moments by the
-/// length. Written so that of what is not a number it is not a number.
+/// The largest absolute load on those equations; moments are divided by the length. The result is
+/// NaN when an entry is.
 inline double LargestOnFree(const VoidPlex& nodes, const ComponentScale& scale, const ReaVecV& v)
 {
   double largest = 0.0;
@@ -48,7 +49,7 @@ inline double LargestOnFree(const VoidPlex& nodes, const ComponentScale& scale, 
   return largest;
 }
 
-/// Their Euclidean norm; scaled, so that no square leaves the range of numbers.
+/// The Euclidean norm of the same loads. Scaling keeps the squares in the range of numbers.
 inline double NormOnFree(const VoidPlex& nodes, const ComponentScale& scale, const ReaVecV& v)
 {
   const double largest = LargestOnFree(nodes, scale, v);

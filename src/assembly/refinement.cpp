@@ -11,22 +11,23 @@
 namespace {
 
 constexpr int kMostSteps = 8;
-/// A correction of the model that is not worth another: the next one is smaller again.
+/// The refinement of the model ends at this correction: the next one would be smaller again.
 constexpr double kNegligible = 1e-10;
-/// A residual that is not worth another correction. Forces of stiff parts may still be wrong when
-/// no displacement changes any more.
+/// The refinement of the model ends at this residual. It has a limit beside that of the correction,
+/// since forces of stiff parts may be wrong when no displacement changes any more.
 constexpr double kNegligibleResidual = 1e-9;
-/// A correction of the model up to which rounding may stop the refinement.
+/// A model whose corrections fall no more is good enough below this correction.
 constexpr double kGood = 1e-6;
-/// The largest correction of the probe, and of the model, in a structure that stands.
+/// A case with a larger last correction is refused.
 constexpr double kStands = 1e-3;
-/// The largest part of the loads that may be missing: of the model in all, of the probe anywhere.
+/// A case with a larger last residual is refused.
 constexpr double kHeld = 1e-3;
-/// Corrections of a structure that can move stay above this, and above half the one before.
+/// A structure can move when the last correction of the probe is above this, and is at least half
+/// the one before.
 constexpr double kMoves = 0.1;
 
-/// Whether the last value is negligible, or more than half of the one before. Written so that
-/// what is not a number is settled.
+/// Whether the last value is negligible, or more than half of the one before. NaN counts as
+/// settled.
 bool IsSettled(const std::vector<double>& values, double negligible)
 {
   const double last = values.back();
@@ -41,12 +42,13 @@ bool IsDone(const RefinedCase& model)
          IsSettled(model.residuals, kNegligibleResidual);
 }
 
-/// Whether displacements and forces of a structure that stands can be told.
+/// Whether the case has been corrected, and both its correction and its residual are small enough.
 bool Stands(const RefinedCase& one)
 {
   return !one.corrections.empty() && one.LastCorrection() < kStands && one.LastResidual() < kHeld;
 }
 
+/// Whether the corrections of the probe are those of a structure that can move.
 bool Moves(const RefinedCase& probe)
 {
   const std::vector<double>& c = probe.corrections;
@@ -159,7 +161,7 @@ double Refinement::Size(const ReaVecV& u) const
       double& size = sizes[k < scale.translations ? 0 : 1];
       size = std::hypot(size, u.Data()[node + k]);
     }
-    // Written so that the size of a vector that is not a number is not a number.
+    // The comparison keeps a NaN.
     for (const double size : {sizes[0], scale.length * sizes[1]})
       largest = size <= largest ? largest : size;
   }
@@ -171,8 +173,7 @@ int Refinement::LargestMotion(const RefinedCase& probe) const
   int found = 1;
   double largest = -1.0;
   ForEachFree(nodes, scale.components, [&](int equation, int component, double) {
-    const double unit = component <= scale.translations ? 1.0 : scale.length;
-    const double motion = unit * std::fabs(probe.u.value(equation));
+    const double motion = scale.Unit(component) * std::fabs(probe.u.value(equation));
     if (motion > largest) {
       largest = motion;
       found = equation;

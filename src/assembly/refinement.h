@@ -65,13 +65,12 @@ struct RefinedCases
 /// Processes, HMSO, London 1963, section 3.4, and N. J. Higham, Accuracy and Stability of
 /// Numerical Algorithms, 2nd ed., SIAM, Philadelphia 2002, chapter 12.
 ///
-/// A motion without strain has a pivot that is a rounding error, so that the factors give it a
-/// displacement. But no residual changes by it: each step adds the same displacement again, and
-/// the corrections are 1/2, 1/3, 1/4 ... of u. Corrections of a structure that stands become
-/// small, at once or step by step.
+/// The pivot of a motion without strain is a rounding error, so that the factors give the motion a
+/// displacement. The displacement does not change the residual. Each step therefore adds it again,
+/// and the corrections are 1/2, 1/3, 1/4 ... of u. In a stable structure the corrections fall.
 ///
-/// Beside a part that is much softer still, the corrections of a motion may be small. But nothing
-/// resists the probe's loads along the motion, and what is missing stays in the residual.
+/// A much softer part has larger displacements, beside which the corrections of a motion are small.
+/// The residual shows the motion then: no element resists the probe's loads along it.
 class Refinement
 {
 public:
@@ -89,8 +88,8 @@ public:
   Refinement(const SkyMatriu& factors, const VoidPlex& nodes, const ComponentScale& scale,
              AddForces addForces);
 
-  /// Corrects both cases until the model's correction and residual have become negligible or fall
-  /// no more, and the probe's correction shows that the structure stands; at most eight times.
+  /// Corrects the model until its correction and its residual are negligible or fall no more, and
+  /// the probe until both are small enough to accept the structure. Takes at most eight steps.
   Verdict Run(RefinedCases& cases) const;
 
   /// The free equation in which u moves most, a rotation by its length.

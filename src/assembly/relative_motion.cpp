@@ -9,6 +9,7 @@
 #include "model/shape_functions.h"
 #include "numeric/block_rotation.h"
 #include "numeric/matriu.h"
+#include "problem/constraint.h"
 
 namespace {
 
@@ -157,7 +158,7 @@ std::array<long double, 3> NormalOf(const double (*d)[3], const Matriu& T)
 void TakeRelativeBeam(const Elem& beam, int hingeCode, int components, const Matriu& T,
                       const SplitView& u, double* local)
 {
-  const int translations = components == 6 ? 3 : 2;
+  const int translations = TranslationsOf(components);
   const int rotations = components - translations;
   const int end = ContinuousEnd(hingeCode);
   const double* const base = PartOf(*beam(0), components, u.value);

@@ -1,14 +1,9 @@
 // The system of equations of the model: filled, supported, solved.
 
-#include <algorithm>
 #include <cmath>
-#include <sstream>
-#include <utility>
 
 #include "assembly/element_assembly.h"
 #include "assembly/free_equations.h"
-#include "assembly/probe_load.h"
-#include "assembly/refinement.h"
 #include "assembly/support_axes.h"
 #include "base/array_size.h"
 #include "base/errorwriter.h"
@@ -21,8 +16,6 @@
 #include "problem/element_family.h"
 #include "problem/project.h"
 #include "solvers/bsolver.h"
-#include "solvers/skymatriu.h"
-#include "solvers/sparse_solver.h"
 
 namespace {
 

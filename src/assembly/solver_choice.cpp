@@ -1,9 +1,9 @@
 // Which equation solver a large model gets.
 //
-// The profile follows from the numbers of the nodes, and with it the direct solver's work. The
-// number of iterations does not follow from anything that is cheap to find. What the supports do
-// has to pass through the structure, about one element an iteration, and several times to and fro:
-// so it is the number of elements from the supports to the farthest node, times a factor of the
+// The numbers of the nodes give the profile and with it the work of the direct solver. The number
+// of iterations has to be guessed. An iteration carries the effect of a support about one element
+// further, and the effect passes through the structure several times. The estimate is therefore
+// the number of elements from the supports to the farthest node, times a factor of the element
 // family. The factors are measured, see bench/README.md.
 
 #include "assembly/solver_choice.h"
@@ -33,7 +33,7 @@ constexpr double kSecondsPerProfileEntry = 1e-8;
 constexpr double kCachedBytes = 5e7;
 constexpr double kSecondsPerCachedByte = 4e-11;
 constexpr double kSecondsPerFarByte = 8.5e-11;
-/// What the incomplete factors take, in iterations.
+/// Time of the incomplete factorisation, in iterations.
 constexpr double kIterationsOfFactors = 12.0;
 
 /// The iteration is taken only if the direct solver would need so many times as long: the number of

@@ -27,6 +27,8 @@
 #include "problem/project.h"
 #include "solvers/skymatriu.h"
 
+using namespace morlen;
+
 namespace {
 
 constexpr int kRepetitions = 5;

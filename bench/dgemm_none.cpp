@@ -1,6 +1,10 @@
 #include "dgemm.h"
 
+namespace morlen {
+
 double DgemmRate()
 {
   return 0.0;
 }
+
+}  // namespace morlen

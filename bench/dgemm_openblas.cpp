@@ -6,6 +6,8 @@
 #include "dgemm.h"
 #include "measure.h"
 
+using namespace morlen;
+
 extern "C" void openblas_set_num_threads(int threads);
 
 double DgemmRate()

@@ -11,6 +11,8 @@
 #include "dgemm.h"
 #include "measure.h"
 
+using namespace morlen;
+
 int main()
 {
   std::printf("{\"dgemm\": %.6g, \"read_bandwidth\": %.6g}\n", DgemmRate(), ReadBandwidth());

@@ -6,6 +6,8 @@
 #include "solvers/skymatriu.h"
 #include "solvers/sparse_matrix.h"
 
+namespace morlen {
+
 namespace {
 
 /// A figure of this process's memory in bytes.
@@ -87,3 +89,5 @@ void ResetMemoryPeak()
 {
   std::ofstream("/proc/self/clear_refs") << "5";
 }
+
+}  // namespace morlen

@@ -5,6 +5,8 @@
 #include <ctime>
 #include <vector>
 
+namespace morlen {
+
 class SkyMatriu;
 class SparseMatrix;
 
@@ -71,3 +73,5 @@ double MemoryNow();
 double MemoryPeak();
 /// Begins the peak anew.
 void ResetMemoryPeak();
+
+}  // namespace morlen

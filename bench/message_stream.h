@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+namespace morlen {
+
 /// An information stream for an analysis: hands over every message at the moment when it comes.
 class MessageStream
 {
@@ -30,3 +32,5 @@ private:
   std::function<void(std::string_view)> visit;
   std::FILE* file;
 };
+
+}  // namespace morlen

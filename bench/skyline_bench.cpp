@@ -9,6 +9,8 @@
 #include "numeric/reavecv.h"
 #include "solvers/skymatriu.h"
 
+namespace morlen {
+
 // Factorisation and substitution on profiles like those of renumbered models. Counters:
 // "bytes" of stored entries, "flops" multiplications and additions of the sums in a second,
 // "bytes_per_second" how fast the profile is read.
@@ -217,3 +219,5 @@ BENCHMARK(RaggedFactorisation)->Apply(RaggedProfiles);
 BENCHMARK(RaggedSubstitution)->Apply(RaggedProfiles);
 
 }  // namespace
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "solvers/ilu_preconditioner.h"
 #include "solvers/sparse_solver.h"
 
+namespace morlen {
+
 // The sparse solver on grids of beams, of solids with four and with ten nodes: once far beyond
 // the last cache, once ("Small") within it. The counters that matter:
 //   read_ratio      what an iteration moves at least, a second, over what a loop reaches that
@@ -378,3 +380,5 @@ void RegisterAll()
 const bool kRegistered = (RegisterAll(), true);
 
 }  // namespace
+
+}  // namespace morlen

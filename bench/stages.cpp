@@ -27,6 +27,8 @@
 #include "solvers/skymatriu.h"
 #include "solvers/sparse_solver.h"
 
+using namespace morlen;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -20,6 +20,8 @@
 #include "model/node.h"
 #include "numeric/plex_range.h"
 
+namespace morlen {
+
 // Text in and out: numbers a second and bytes a second (items_per_second, bytes_per_second) of
 // formatting and of reading, and of whole mesh blocks with the objects that they make.
 // "libc_ratio" is the time over that of snprintf or strtod on the same numbers, measured in
@@ -238,3 +240,5 @@ void FindMaterials(benchmark::State& state)
 BENCHMARK(FindMaterials);
 
 }  // namespace
+
+}  // namespace morlen

@@ -12,6 +12,8 @@
 
 #include "support/processor.h"
 
+using namespace morlen;
+
 namespace {
 
 constexpr int kLacking = 77;
@@ -36,7 +38,7 @@ std::optional<Processor> Named(std::string_view name)
 
 }  // namespace
 
-Processor TestedProcessor()
+Processor morlen::TestedProcessor()
 {
   return tested;
 }

@@ -7,7 +7,7 @@
 #include "problem/project.h"
 #include "problem/references.h"
 
-namespace check {
+namespace morlen::check {
 namespace {
 
 // Each check waits for what it stands on: where a list could not be read, all that is missing
@@ -65,4 +65,4 @@ Report CheckText(std::string_view text)
   return report;
 }
 
-}  // namespace check
+}  // namespace morlen::check

@@ -8,7 +8,7 @@
 #include "check/problems.h"
 #include "check/summary.h"
 
-namespace check {
+namespace morlen::check {
 
 struct Report
 {
@@ -24,4 +24,4 @@ Report CheckText(std::string_view text);
 /// The report as one JSON object; `file` is named in it.
 std::string JsonOf(const Report& report, const std::string& file);
 
-}  // namespace check
+}  // namespace morlen::check

@@ -5,6 +5,8 @@
 
 #include "model/elem.h"
 
+namespace morlen {
+
 class Material;
 class Node;
 class Project;
@@ -50,3 +52,5 @@ void CheckSupports(const Subject& subject, Recorder& recorder);
 void CheckUse(const Subject& subject, Recorder& recorder);
 
 }  // namespace check
+
+}  // namespace morlen

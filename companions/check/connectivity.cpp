@@ -4,7 +4,7 @@
 #include "check/recorder.h"
 #include "model/node.h"
 
-namespace check {
+namespace morlen::check {
 
 void CheckConnectivity(const Subject& subject, Recorder& recorder)
 {
@@ -17,4 +17,4 @@ void CheckConnectivity(const Subject& subject, Recorder& recorder)
   }
 }
 
-}  // namespace check
+}  // namespace morlen::check

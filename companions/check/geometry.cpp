@@ -8,7 +8,7 @@
 #include "check/recorder.h"
 #include "model/node.h"
 
-namespace check {
+namespace morlen::check {
 namespace {
 
 // Of the size of the model: closer nodes count as one place.
@@ -225,4 +225,4 @@ void CheckGeometry(const Subject& subject, Recorder& recorder)
   CheckNeighbours(subject, recorder);
 }
 
-}  // namespace check
+}  // namespace morlen::check

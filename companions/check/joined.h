@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace check {
+namespace morlen::check {
 
 inline void AppendPart(std::string& text, std::string_view part)
 {
@@ -26,4 +26,4 @@ std::string Joined(const Parts&... parts)
   return text;
 }
 
-}  // namespace check
+}  // namespace morlen::check

@@ -4,7 +4,7 @@
 #include "common/command_line.h"
 #include "common/utf8.h"
 
-namespace check {
+namespace morlen::check {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -56,4 +56,4 @@ std::string JsonOf(const Report& report, const std::string& file)
   return whole.dump(1) + "\n";
 }
 
-}  // namespace check
+}  // namespace morlen::check

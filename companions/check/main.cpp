@@ -7,6 +7,8 @@
 #include "check/check.h"
 #include "common/command_line.h"
 
+using namespace morlen;
+
 namespace {
 
 std::optional<std::string> ReadText(const std::string& name)

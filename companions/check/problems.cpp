@@ -5,7 +5,7 @@
 
 #include "check/joined.h"
 
-namespace check {
+namespace morlen::check {
 namespace {
 
 auto KeyOf(const Problem& problem)
@@ -59,4 +59,4 @@ const char* SeverityName(Severity severity)
   return severity == Severity::Error ? "error" : "warning";
 }
 
-}  // namespace check
+}  // namespace morlen::check

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace check {
+namespace morlen::check {
 
 enum class Severity : int
 {
@@ -42,4 +42,4 @@ std::string LineOf(const Located& problem, const std::string& file);
 
 const char* SeverityName(Severity severity);
 
-}  // namespace check
+}  // namespace morlen::check

@@ -6,7 +6,7 @@
 #include "base/number_text.h"
 #include "common/shortest.h"
 
-namespace check {
+namespace morlen::check {
 namespace {
 
 /// Thrown in place of the end of the run.
@@ -271,4 +271,4 @@ int Recorder::LineNumber(std::ptrdiff_t offset) const
          1;
 }
 
-}  // namespace check
+}  // namespace morlen::check

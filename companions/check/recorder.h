@@ -13,7 +13,7 @@
 #include "check/joined.h"
 #include "check/problems.h"
 
-namespace check {
+namespace morlen::check {
 
 /// Follows the core's readers over a text and collects what they refuse and what they pass over.
 ///
@@ -92,4 +92,4 @@ private:
   std::set<std::string> usedUnits;
 };
 
-}  // namespace check
+}  // namespace morlen::check

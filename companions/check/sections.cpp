@@ -12,7 +12,7 @@
 #include "numeric/matriu.h"
 #include "problem/project.h"
 
-namespace check {
+namespace morlen::check {
 namespace {
 
 // The matrices that the analysis makes first of a material: they refuse what is missing.
@@ -79,4 +79,4 @@ void CheckSections(const Subject& subject, Recorder& recorder)
   }
 }
 
-}  // namespace check
+}  // namespace morlen::check

@@ -10,7 +10,7 @@
 #include "problem/element_family.h"
 #include "problem/project.h"
 
-namespace check {
+namespace morlen::check {
 namespace {
 
 /// Sets of positions that grow together.
@@ -123,4 +123,4 @@ Subject SubjectOf(const Project& project)
   return subject;
 }
 
-}  // namespace check
+}  // namespace morlen::check

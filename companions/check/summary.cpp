@@ -13,7 +13,7 @@
 #include "problem/element_family.h"
 #include "problem/project.h"
 
-namespace check {
+namespace morlen::check {
 namespace {
 
 void AddCounts(const Project& project, const Subject& subject, Summary& summary)
@@ -238,4 +238,4 @@ std::string TextOf(const Summary& s)
                 ", solver ", s.solver, counted, "\n");
 }
 
-}  // namespace check
+}  // namespace morlen::check

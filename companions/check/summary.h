@@ -8,6 +8,8 @@
 #include "check/checks.h"
 #include "common/model_data.h"
 
+namespace morlen {
+
 class Project;
 
 namespace check {
@@ -49,3 +51,5 @@ Summary Summarise(Project& project, const Subject& subject);
 std::string TextOf(const Summary& summary);
 
 }  // namespace check
+
+}  // namespace morlen

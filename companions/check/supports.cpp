@@ -15,7 +15,7 @@
 #include "problem/constraint.h"
 #include "problem/project.h"
 
-namespace check {
+namespace morlen::check {
 namespace {
 
 using Motion = std::array<double, 6>;
@@ -324,4 +324,4 @@ void CheckSupports(const Subject& subject, Recorder& recorder)
   }
 }
 
-}  // namespace check
+}  // namespace morlen::check

@@ -11,7 +11,7 @@
 #include "problem/constraint.h"
 #include "problem/project.h"
 
-namespace check {
+namespace morlen::check {
 namespace {
 
 // Where there are hinges, the analysis holds the rotations of nodes that no element holds.
@@ -91,4 +91,4 @@ void CheckUse(const Subject& subject, Recorder& recorder)
   CheckGravity(subject, recorder);
 }
 
-}  // namespace check
+}  // namespace morlen::check

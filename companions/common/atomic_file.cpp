@@ -11,6 +11,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -102,3 +104,5 @@ void AtomicFile::RemoveTemporary()
     unlink(temporary.c_str());
   temporary.clear();
 }
+
+}  // namespace morlen

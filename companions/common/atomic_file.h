@@ -4,6 +4,8 @@
 #include <fstream>
 #include <string_view>
 
+namespace morlen {
+
 /// A file that appears whole or not at all: it is written under a temporary name in the
 /// folder of its target and takes the target's name at the end.
 ///
@@ -34,3 +36,5 @@ private:
   int descriptor = -1;
   std::ofstream stream;
 };
+
+}  // namespace morlen

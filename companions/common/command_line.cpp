@@ -2,6 +2,8 @@
 
 #include <iostream>
 
+namespace morlen {
+
 CommandLine::CommandLine(const std::string& name, const std::string& purpose) : app(purpose, name)
 {
   app.set_version_flag("--version", name + " " + ProgramVersion());
@@ -23,3 +25,5 @@ const char* ProgramVersion()
 {
   return MORLEN_VERSION;
 }
+
+}  // namespace morlen

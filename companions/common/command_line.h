@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+namespace morlen {
+
 // What the command lines of all companions have in common: --help and --version, messages on
 // standard error, and the exit status.
 
@@ -33,3 +35,5 @@ private:
 
 /// The version of the program and its companions.
 const char* ProgramVersion();
+
+}  // namespace morlen

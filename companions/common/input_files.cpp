@@ -4,6 +4,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 namespace fs = std::filesystem;
 
 void InputFiles::Declare(CLI::App& app)
@@ -41,3 +43,5 @@ void InputFiles::Keep(std::span<const std::optional<fs::path>> outputs) const
     }
   }
 }
+
+}  // namespace morlen

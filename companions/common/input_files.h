@@ -7,6 +7,8 @@
 
 #include "common/result_data.h"
 
+namespace morlen {
+
 /// The problem file and the result files that a companion reads, as its command line names them.
 class InputFiles
 {
@@ -26,3 +28,5 @@ private:
   std::optional<std::filesystem::path> post, text;
   bool anyTime = false;
 };
+
+}  // namespace morlen

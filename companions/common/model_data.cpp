@@ -17,7 +17,7 @@
 #include "problem/nodal_load.h"
 #include "problem/project.h"
 
-namespace model {
+namespace morlen::model {
 namespace {
 
 /// Builds the lists of a model and knows their positions.
@@ -30,7 +30,7 @@ public:
   {
     AddSettings();
     AddNodes();
-    for (const ::Material& material : Each<::Material>(project.materials))
+    for (const morlen::Material& material : Each<morlen::Material>(project.materials))
       AddMaterial(material);
     for (int mesh = 0; mesh < result.meshes; ++mesh)
       AddElements(mesh);
@@ -41,7 +41,7 @@ public:
 private:
   void AddSettings();
   void AddNodes();
-  void AddMaterial(const ::Material& material);
+  void AddMaterial(const morlen::Material& material);
   void AddElements(int mesh);
   void AddElement(const Elem& elem, Kind kind, int mesh);
   void AddElementLoads();
@@ -52,7 +52,7 @@ private:
   Model result;
   std::unordered_map<int, int> nodeAt;     ///< position by number
   std::unordered_map<int, int> elementAt;  ///< likewise
-  std::map<const ::Material*, int> materialAt;
+  std::map<const morlen::Material*, int> materialAt;
   Matriu T, bigT;
 };
 
@@ -68,7 +68,7 @@ void Builder::AddSettings()
 
 void Builder::AddNodes()
 {
-  for (const auto [number, node] : EachNumbered<const ::Node>(project.GiveNodes())) {
+  for (const auto [number, node] : EachNumbered<const morlen::Node>(project.GiveNodes())) {
     const int position = static_cast<int>(result.nodes.size());
     nodeAt[number] = position;
     Node& added = result.nodes.emplace_back(Node{number, {}});
@@ -81,7 +81,7 @@ void Builder::AddNodes()
   }
 }
 
-void Builder::AddMaterial(const ::Material& m)
+void Builder::AddMaterial(const morlen::Material& m)
 {
   materialAt[&m] = static_cast<int>(result.materials.size());
   result.materials.push_back({m.number, m.E1, m.E2, m.nuXY, m.nuYX, m.Gxy, m.Gxz, m.Gyz, m.A, m.Iy,
@@ -101,7 +101,7 @@ void Builder::AddElements(int mesh)
 
 void Builder::AddElement(const Elem& elem, Kind kind, int mesh)
 {
-  const ::Material* material = elem.GiveMaterial(&project.materials);
+  const morlen::Material* material = elem.GiveMaterial(&project.materials);
   if (material && !materialAt.contains(material))
     AddMaterial(*material);
   Element added{};
@@ -134,7 +134,7 @@ int Builder::PointsOf(Kind kind, int nodeCount) const
 std::array<Vec3, 3> Builder::AxesOf(const Elem& elem, Kind kind)
 {
   std::array<Vec3, 3> axes{{{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}};
-  const ::Material* material = elem.GiveMaterial(&project.materials);
+  const morlen::Material* material = elem.GiveMaterial(&project.materials);
   if (kind == Kind::Beam)
     elem.CalcTransfMatrixBeam(T, material, project.problemType);
   else if (kind == Kind::Shell)
@@ -205,4 +205,4 @@ const char* KindName(Kind kind)
   return kind == Kind::Beam ? "beam" : kind == Kind::Shell ? "shell" : "solid";
 }
 
-}  // namespace model
+}  // namespace morlen::model

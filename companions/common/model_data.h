@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace morlen {
+
 class Project;
 
 /// A vector in global axes; plane models leave what they lack at 0.
@@ -120,3 +122,5 @@ Vec3 PointOfBeam(const Model& model, const Element& beam, int point);
 const char* KindName(Kind kind);
 
 }  // namespace model
+
+}  // namespace morlen

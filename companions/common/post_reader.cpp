@@ -9,7 +9,7 @@
 #include "common/result_lines.h"
 #include "common/result_reader.h"
 
-namespace results {
+namespace morlen::results {
 namespace {
 
 constexpr std::string_view kFixedFields = "4 1.0 Estatic";
@@ -268,4 +268,4 @@ bool ReadPostResults(const model::Model& model, const Positions& positions,
   return reader.Has("Displacements");
 }
 
-}  // namespace results
+}  // namespace morlen::results

@@ -9,7 +9,7 @@
 
 /// The results of a run as plain data, in the order of the model's lists. Signs and axes are
 /// those of the result files.
-namespace results {
+namespace morlen::results {
 
 struct Node
 {
@@ -69,4 +69,4 @@ Files UsualFiles(const std::filesystem::path& model);
 /// or damaged, or that belong to another model or to two different runs.
 Results ReadResults(const model::Model& model, const Files& files);
 
-}  // namespace results
+}  // namespace morlen::results

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <fstream>
 
-namespace results {
+namespace morlen::results {
 
 void NumberLine::SkipBlanks()
 {
@@ -78,4 +78,4 @@ bool IsValueLine(std::string_view line)
          (line[first] == '-' || std::isdigit(static_cast<unsigned char>(line[first])));
 }
 
-}  // namespace results
+}  // namespace morlen::results

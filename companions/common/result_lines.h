@@ -6,7 +6,7 @@
 
 #include "base/errorwriter.h"
 
-namespace results {
+namespace morlen::results {
 
 /// The numbers of one line, one after the other.
 class NumberLine
@@ -57,4 +57,4 @@ private:
 /// Whether the text begins with a blank and a number, or a number: a line of values.
 bool IsValueLine(std::string_view line);
 
-}  // namespace results
+}  // namespace morlen::results

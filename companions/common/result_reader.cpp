@@ -8,6 +8,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 namespace fs = std::filesystem;
 
 namespace results {
@@ -107,3 +109,5 @@ Results ReadResults(const model::Model& model, const Files& files)
 }
 
 }  // namespace results
+
+}  // namespace morlen

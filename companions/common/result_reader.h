@@ -6,7 +6,7 @@
 #include "common/model_data.h"
 #include "common/result_data.h"
 
-namespace results {
+namespace morlen::results {
 
 /// Positions in the lists of a model by the numbers in its files.
 struct Positions
@@ -32,4 +32,4 @@ bool ReadPostResults(const model::Model& model, const Positions& positions,
 TextDisplacements ReadTextResults(const model::Model& model, const Positions& positions,
                                   const std::filesystem::path& file, Results& results);
 
-}  // namespace results
+}  // namespace morlen::results

@@ -2,6 +2,8 @@
 
 #include <charconv>
 
+namespace morlen {
+
 namespace {
 
 template <class Number>
@@ -22,3 +24,5 @@ void AppendNumber(std::string& text, int number)
 {
   Append(text, number);
 }
+
+}  // namespace morlen

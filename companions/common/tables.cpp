@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace tables {
+namespace morlen::tables {
 namespace {
 
 using Names = std::initializer_list<const char*>;
@@ -326,4 +326,4 @@ std::vector<Table> AllTables(const model::Model& model, const results::Results& 
   return Maker(model, results).All();
 }
 
-}  // namespace tables
+}  // namespace morlen::tables

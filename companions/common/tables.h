@@ -8,7 +8,7 @@
 #include "common/model_data.h"
 #include "common/result_data.h"
 
-namespace tables {
+namespace morlen::tables {
 
 /// A value of a table: nothing, a number, or a word.
 using Cell = std::variant<std::monostate, int, double, const char*>;
@@ -55,4 +55,4 @@ private:
 /// The whole model and its results as tables; those that would be empty are left out.
 std::vector<Table> AllTables(const model::Model& model, const results::Results& results);
 
-}  // namespace tables
+}  // namespace morlen::tables

@@ -5,7 +5,7 @@
 #include "common/result_lines.h"
 #include "common/result_reader.h"
 
-namespace results {
+namespace morlen::results {
 namespace {
 
 class TextReader
@@ -125,4 +125,4 @@ TextDisplacements ReadTextResults(const model::Model& model, const Positions& po
   return TextReader(model, positions, file, results).Read();
 }
 
-}  // namespace results
+}  // namespace morlen::results

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace morlen {
+
 namespace {
 
 // Bytes of the character that the text begins with; 0 when it begins with none. Source: The
@@ -48,3 +50,5 @@ std::string ToUtf8(std::string_view text)
   }
   return result;
 }
+
+}  // namespace morlen

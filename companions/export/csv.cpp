@@ -7,6 +7,8 @@
 #include "common/atomic_file.h"
 #include "common/shortest.h"
 
+namespace morlen {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -75,3 +77,5 @@ void WriteCsv(std::span<const tables::Table> tables, const fs::path& folder)
   for (const tables::Table& table : tables)
     WriteTable(table, folder / (table.name + ".csv"));
 }
+
+}  // namespace morlen

@@ -7,6 +7,8 @@
 #include "common/command_line.h"
 #include "common/utf8.h"
 
+namespace morlen {
+
 using Json = nlohmann::ordered_json;
 
 namespace {
@@ -82,3 +84,5 @@ void WriteJson(const model::Model& model, const std::filesystem::path& modelFile
   file.Write("}}\n");
   file.Commit();
 }
+
+}  // namespace morlen

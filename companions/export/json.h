@@ -6,6 +6,8 @@
 #include "common/model_data.h"
 #include "common/tables.h"
 
+namespace morlen {
+
 /// Version of the layout below; it rises when readers must change.
 constexpr int kJsonFormatVersion = 1;
 
@@ -14,3 +16,5 @@ constexpr int kJsonFormatVersion = 1;
 /// (name, unit) and its "rows".
 void WriteJson(const model::Model& model, const std::filesystem::path& modelFile,
                std::span<const tables::Table> tables, const std::filesystem::path& name);
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "export/json.h"
 #include "export/vtu.h"
 
+using namespace morlen;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -9,6 +9,8 @@
 #include "common/shortest.h"
 #include "common/tables.h"
 
+namespace morlen {
+
 namespace {
 
 using Values = std::span<const double>;
@@ -359,3 +361,5 @@ void WriteVtu(const model::Model& model, const results::Results& results,
   document.save(file.Stream(), "", pugi::format_raw);
   file.Commit();
 }
+
+}  // namespace morlen

@@ -5,6 +5,8 @@
 #include "common/model_data.h"
 #include "common/result_data.h"
 
+namespace morlen {
+
 /// Writes an unstructured grid of VTK (XML, text) for ParaView.
 ///
 /// Its points are the nodes, then the division points of the beams, which have points of their
@@ -13,3 +15,5 @@
 /// Shells get the mean of their points. What a point or cell does not have is 0.
 void WriteVtu(const model::Model& model, const results::Results& results,
               const std::filesystem::path& name);
+
+}  // namespace morlen

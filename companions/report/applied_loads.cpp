@@ -10,6 +10,8 @@
 #include "problem/project.h"
 #include "problem/references.h"
 
+namespace morlen {
+
 namespace {
 
 // The first components of a node are displacements; a single rotation is that about z.
@@ -83,3 +85,5 @@ AppliedLoads AppliedLoadsOf(Project& project, const model::Model& model)
   loads.onBeams = LoadsOnBeams(project, model);
   return loads;
 }
+
+}  // namespace morlen

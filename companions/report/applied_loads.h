@@ -5,6 +5,8 @@
 
 #include "common/model_data.h"
 
+namespace morlen {
+
 class Project;
 
 /// A force and a moment, in global axes.
@@ -33,3 +35,5 @@ struct AppliedLoads
 /// The loads of a project that has been read and not analysed; model: its data. Fatal where the
 /// program refuses an element's load or material. The load vector of the project is used for it.
 AppliedLoads AppliedLoadsOf(Project& project, const model::Model& model);
+
+}  // namespace morlen

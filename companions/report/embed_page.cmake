@@ -12,7 +12,7 @@ foreach(begin RANGE 0 ${length} ${step})
 endforeach()
 file(WRITE ${OUTPUT} "#include \"report/viewer_page.h\"
 
-std::string_view ViewerPage()
+std::string_view morlen::ViewerPage()
 {
   return {
 ${pieces}      , ${length}};

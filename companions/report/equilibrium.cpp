@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace morlen {
+
 namespace {
 
 /// Adds wrenches at nodes up, and their sizes.
@@ -108,3 +110,5 @@ std::string AdviceOf(const Equilibrium& equilibrium, const model::Model& model, 
     return advice;
   return "The structure may be close to a mechanism, or its stiffnesses too far apart.";
 }
+
+}  // namespace morlen

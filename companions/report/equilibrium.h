@@ -7,6 +7,8 @@
 #include "common/result_data.h"
 #include "report/applied_loads.h"
 
+namespace morlen {
+
 /// The loads and the reactions of a structure, each as one force and one moment.
 struct Equilibrium
 {
@@ -32,3 +34,5 @@ std::string AdviceOf(const Equilibrium& equilibrium, const model::Model& model, 
 /// The balance of loads by position in the model's list and the reactions of the results.
 Equilibrium EquilibriumOf(const model::Model& model, const std::vector<Wrench>& loads,
                           const results::Results& results);
+
+}  // namespace morlen

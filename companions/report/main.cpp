@@ -20,6 +20,8 @@
 #include "report/page.h"
 #include "report/page_data.h"
 
+using namespace morlen;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -9,6 +9,8 @@
 #include <type_traits>
 #include <utility>
 
+namespace morlen {
+
 using Json = nlohmann::ordered_json;
 
 static_assert(std::endian::native == std::endian::little, "the page reads little-endian values");
@@ -150,3 +152,5 @@ Json Packed(const tables::Table& table)
   }
   return {{"name", table.name}, {"rows", table.Rows()}, {"columns", std::move(columns)}};
 }
+
+}  // namespace morlen

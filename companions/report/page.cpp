@@ -3,6 +3,8 @@
 #include "common/atomic_file.h"
 #include "report/viewer_page.h"
 
+namespace morlen {
+
 namespace {
 
 // The page up to a mark, which is taken out with it.
@@ -68,3 +70,5 @@ void WritePage(const std::filesystem::path& file, std::string_view title, std::s
   out.Write(page);
   out.Commit();
 }
+
+}  // namespace morlen

@@ -7,6 +7,8 @@
 #include "common/tables.h"
 #include "report/packed.h"
 
+namespace morlen {
+
 using Json = nlohmann::ordered_json;
 
 namespace {
@@ -174,3 +176,5 @@ std::string PageData(const ReportContent& content)
                      {"tables", Tables(content)}};
   return WithoutMarkup(data.dump(-1, ' ', true, Json::error_handler_t::replace));
 }
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "report/applied_loads.h"
 #include "report/equilibrium.h"
 
+namespace morlen {
+
 /// A finding of the check of a problem file.
 struct Finding
 {
@@ -37,3 +39,5 @@ std::vector<std::string> DescriptionOf(const std::filesystem::path& file);
 
 /// The content as JSON for the page. No character of it begins or ends markup.
 std::string PageData(const ReportContent& content);
+
+}  // namespace morlen

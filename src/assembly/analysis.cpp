@@ -23,6 +23,8 @@
 #include "solvers/skymatriu.h"
 #include "solvers/sparse_solver.h"
 
+namespace morlen {
+
 namespace {
 
 /// What an iteration has come to that cannot be used.
@@ -274,3 +276,5 @@ std::unique_ptr<double[]> Project::StartFromPreSolve() const
   std::copy_n(start.Data(), start.Size(), values.get());
   return values;
 }
+
+}  // namespace morlen

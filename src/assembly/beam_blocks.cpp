@@ -5,6 +5,8 @@
 #include "model/node.h"
 #include "problem/beam_span.h"
 
+namespace morlen {
+
 namespace {
 
 /// forces = own·a + other·b by row, of n×n numbers each; `step` entries of `other` lie between the
@@ -35,3 +37,5 @@ void BeamBlocks::Multiply(const double* local, double* forces) const
   MultiplyEnd(n, K11.Data(), local, K12.Data(), n, 1, second, forces);
   MultiplyEnd(n, K22.Data(), second, K12.Data(), 1, n, local, forces + n);
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 struct BeamSpan;
 
 /// The stiffness of a beam in its local axes, in blocks of its ends, each of as many rows as a
@@ -16,3 +18,5 @@ struct BeamBlocks
 
   Matriu K11, K12, K22;
 };
+
+}  // namespace morlen

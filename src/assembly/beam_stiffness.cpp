@@ -13,6 +13,8 @@
 #include "model/material.h"
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 namespace {
 
 // Multiples of EI/L³, EI/L² and EI/L, in that order, for a plane of bending.
@@ -152,3 +154,5 @@ void Material::ConstructLocalK0(int elemNumber, Matriu& K11, Matriu& K12, Matriu
 {
   Construct(*this, elemNumber, {K11, K12, K22}, L2, type, kHingedBoth);
 }
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "numeric/plex_range.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kMostElementsAround = 25;
@@ -147,3 +149,5 @@ void Project::CalcCoplanarityVector()
   }
   coplanarity = test.Marks();
 }
+
+}  // namespace morlen

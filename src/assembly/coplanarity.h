@@ -4,6 +4,8 @@
 
 #include "numeric/reavec.h"
 
+namespace morlen {
+
 class Mesh;
 
 /// Finds the nodes around which all triangles lie in one plane, over all triangle meshes.
@@ -32,3 +34,5 @@ private:
 /// Number of triangles of a mesh around each node, at its system number less 1. Fatal when
 /// there are more than 25.
 std::vector<int> CountElementsAround(const Mesh& mesh, int nodes, const Mesh& fileNumbers);
+
+}  // namespace morlen

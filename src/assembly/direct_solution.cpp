@@ -10,6 +10,8 @@
 #include "problem/project.h"
 #include "solvers/skymatriu.h"
 
+namespace morlen {
+
 namespace {
 
 /// A line for a model that is refused although it may stand; empty for one that can move.
@@ -87,3 +89,5 @@ Refinement Project::MakeRefinement() const
 {
   return {Skyline(), GiveNodes(), ScaleOfComponents(), [this](InternalForces& f) { AddForces(f); }};
 }
+
+}  // namespace morlen

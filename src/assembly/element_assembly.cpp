@@ -19,6 +19,8 @@
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 
+namespace morlen {
+
 namespace {
 
 void TransposeInPlace(Matriu& K)
@@ -111,3 +113,5 @@ void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes)
     }
   });
 }
+
+}  // namespace morlen

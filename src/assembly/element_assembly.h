@@ -7,6 +7,8 @@
 #include "model/mesh.h"
 #include "numeric/plex_range.h"
 
+namespace morlen {
+
 class ElementSink;
 class Matriu;
 
@@ -79,3 +81,5 @@ private:
   std::vector<double> blocks;      ///< of the element at work
   double* next = nullptr;          ///< where its next block begins
 };
+
+}  // namespace morlen

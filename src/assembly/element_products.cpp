@@ -6,6 +6,8 @@
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
 
+namespace morlen {
+
 namespace {
 
 // Stiffness of the membrane, or of bending over the slopes of the normal: 2×2.
@@ -59,3 +61,5 @@ void AddToStrengthVec(ReaVecV& res, int offset, const Matriu& D, const double* s
       res(offset + i) += D(i, r) * strain[r - 1];
   }
 }
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 class ReaVecV;
 
 // What a node of a solid or a shell has at a point of integration is three numbers, of which
@@ -70,3 +72,5 @@ void AddtoKMatrix(const PairSums& sums, const Matriu& Dm, const Matriu& Db, cons
 
 /// res(offset + 1, ...) += D·strain, for as many strains as D has columns.
 void AddToStrengthVec(ReaVecV& res, int offset, const Matriu& D, const double* strain);
+
+}  // namespace morlen

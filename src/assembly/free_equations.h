@@ -8,6 +8,8 @@
 #include "numeric/reavecv.h"
 #include "problem/constraint.h"
 
+namespace morlen {
+
 /// Calls visit(equation, component from 1, stiffness of a spring there) for every component of
 /// a node that has no prescribed displacement.
 template <class Visit>
@@ -69,3 +71,5 @@ inline bool AllFinite(const ReaVecV& v)
   const double* const values = v.Data();
   return std::all_of(values, values + v.Size(), [](double value) { return std::isfinite(value); });
 }
+
+}  // namespace morlen

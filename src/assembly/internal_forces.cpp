@@ -19,6 +19,8 @@
 #include "problem/element_family.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 InternalForces::InternalForces(std::vector<SplitView> displacements_, int equations,
                                int components_, Elements elements)
     : displacements(std::move(displacements_)), components(components_), which(elements)
@@ -113,3 +115,5 @@ void Project::AddForces(InternalForces& forces) const
   for (const auto& mesh : meshes)
     (this->*FamilyOf(*mesh).addForces)(*mesh, forces);
 }
+
+}  // namespace morlen

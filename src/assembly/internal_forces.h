@@ -4,6 +4,8 @@
 
 #include "numeric/split_vector.h"
 
+namespace morlen {
+
 class Elem;
 
 /// The forces that the nodes exert on the elements when they are displaced: K·u by equation in
@@ -42,3 +44,5 @@ private:
   int components;
   Elements which;
 };
+
+}  // namespace morlen

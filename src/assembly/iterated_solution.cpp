@@ -10,6 +10,8 @@
 #include "problem/project.h"
 #include "solvers/sparse_solver.h"
 
+namespace morlen {
+
 namespace {
 
 /// Whether the iteration of a probe has met a motion without energy.
@@ -89,3 +91,5 @@ void Project::SolveByIteration(std::FILE* info)
          probe.residual);
   TellAccuracy(info);
 }
+
+}  // namespace morlen

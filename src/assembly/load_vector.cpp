@@ -14,6 +14,8 @@
 #include "problem/pressure_load.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 void Project::AddNodalLoads()
 {
   for (const Node& node : Each<Node>(GiveNodes())) {
@@ -113,3 +115,5 @@ void Project::AddLoadsOnTetra(const Elem& elem)
        load = load->Next())
     load->AddToLoadVectorTetra(elem, displacements);
 }
+
+}  // namespace morlen

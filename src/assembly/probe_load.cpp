@@ -5,6 +5,8 @@
 
 #include "assembly/free_equations.h"
 
+namespace morlen {
+
 namespace {
 
 /// Limits of the sum of the loads along one component, in largest loads.
@@ -30,3 +32,5 @@ ReaVecV ProbeLoad(const VoidPlex& nodes, const ComponentScale& scale, int equati
   });
   return loads;
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "numeric/reavecv.h"
 
+namespace morlen {
+
 class VoidPlex;
 struct ComponentScale;
 
@@ -13,3 +15,5 @@ struct ComponentScale;
 /// stays within limits: a motion meets some of it, yet a slender structure need not carry much
 /// more than a single load.
 ReaVecV ProbeLoad(const VoidPlex& nodes, const ComponentScale& scale, int equations);
+
+}  // namespace morlen

@@ -8,6 +8,8 @@
 #include "assembly/support_axes.h"
 #include "solvers/skymatriu.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kMostSteps = 8;
@@ -181,3 +183,5 @@ int Refinement::LargestMotion(const RefinedCase& probe) const
   });
   return found;
 }
+
+}  // namespace morlen

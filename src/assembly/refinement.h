@@ -7,6 +7,8 @@
 #include "assembly/internal_forces.h"
 #include "numeric/split_vector.h"
 
+namespace morlen {
+
 class SkyMatriu;
 class VoidPlex;
 
@@ -106,3 +108,5 @@ private:
   ComponentScale scale;
   AddForces addForces;
 };
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "numeric/matriu.h"
 #include "problem/constraint.h"
 
+namespace morlen {
+
 namespace {
 
 /// The components of a node in a vector by equation, from 0.
@@ -224,3 +226,5 @@ void TakeRelativeSolid(const Elem& solid, const SplitView& u, double* relative)
       AddRest(PartOf(*solid(i), 3, u.rest), 3, relative + 3 * i);
   }
 }
+
+}  // namespace morlen

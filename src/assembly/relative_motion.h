@@ -4,6 +4,8 @@
 
 #include "numeric/split_vector.h"
 
+namespace morlen {
+
 class Elem;
 class Matriu;
 
@@ -34,3 +36,5 @@ void TakeRelativeShell(const Elem& shell, const Matriu& T, const double* x, cons
 /// Of a solid, three components a node, in global axes: the motion is the first node's
 /// translation and half the curl of the displacements of the corners.
 void TakeRelativeSolid(const Elem& solid, const SplitView& u, double* relative);
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "model/material.h"
 #include "numeric/reavecv.h"
 
+namespace morlen {
+
 namespace {
 
 // Part of the bending stiffness that resists the turn of a node of a fold about the normals
@@ -213,3 +215,5 @@ void ShellEvaluator::AddTurningForces(const double* local, const std::array<bool
     forces[6 * i + 1] += turn[i][1] * sum;
   }
 }
+
+}  // namespace morlen

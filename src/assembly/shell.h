@@ -8,6 +8,8 @@
 #include "numeric/matriu.h"
 #include "numeric/split_vector.h"
 
+namespace morlen {
+
 class Elem;
 class ReaVecV;
 
@@ -98,3 +100,5 @@ private:
   const Material* materialOfD = nullptr;  ///< borrowed, only compared
   Matriu T, Tbig, Dm, Db, Ds;
 };
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 
+namespace morlen {
+
 std::array<bool, 6> Project::FoldedNodes(const Elem& shell) const
 {
   std::array<bool, 6> folded{};
@@ -42,3 +44,5 @@ void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes)
     }
   });
 }
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "problem/constraint.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 Node*& EdgeNodes::Between(const Node& a, const Node& b)
 {
   const auto [low, high] = std::minmax(a.number, b.number);
@@ -55,3 +57,5 @@ Node& Project::AddMidSideNode(const Node& a, const Node& b)
   node->number = ++numNodes;
   return Store(GiveNodes(), numNodes, std::move(node));
 }
+
+}  // namespace morlen

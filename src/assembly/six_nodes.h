@@ -2,6 +2,8 @@
 
 #include <vector>
 
+namespace morlen {
+
 class Node;
 
 /// The nodes made in the middle of edges, one for each edge of the model.
@@ -24,3 +26,5 @@ private:
   std::vector<int> first;  ///< of each lower node, by its number; -1: none
   std::vector<Edge> edges;
 };
+
+}  // namespace morlen

@@ -9,6 +9,8 @@
 #include "model/material.h"
 #include "numeric/reavecv.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kStresses = 6;
@@ -145,3 +147,5 @@ void SolidEvaluator::CalcForces(const double* u, double* forces) const
     }
   }
 }
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 #include "model/shape_functions.h"
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 class Elem;
 class Material;
 class ReaVecV;
@@ -69,3 +71,5 @@ private:
   const Material* materialOfD = nullptr;  ///< borrowed, only compared
   Matriu D;
 };
+
+}  // namespace morlen

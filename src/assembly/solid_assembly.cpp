@@ -7,6 +7,8 @@
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 
+namespace morlen {
+
 void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes)
 {
   SolidEvaluator solid;
@@ -20,3 +22,5 @@ void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes)
     }
   });
 }
+
+}  // namespace morlen

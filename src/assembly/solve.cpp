@@ -17,6 +17,8 @@
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 
+namespace morlen {
+
 namespace {
 
 /// Mean distance of the first two nodes of the elements.
@@ -174,3 +176,5 @@ void Project::SolverFailed(int result, const std::string& hint) const
         " (Use Meshing->Mesh View).\nDegree of freedom ", degree, " from 6 (", names[degree - 1],
         ")\nCould not solve system. Probably boundary conditions are not correct\n", hint);
 }
+
+}  // namespace morlen

@@ -23,6 +23,8 @@
 #include "problem/project.h"
 #include "solvers/sparse_solver.h"
 
+namespace morlen {
+
 namespace {
 
 // Seconds on one core, about the mean of those with AVX-512 and with AVX2.
@@ -262,3 +264,5 @@ SolverChoice FasterSolver(const SolverWork& work, std::uint64_t usableMemory)
     reason << "; the direct solver does not fit into memory";
   return {direct ? SolverType::SkyLine : SolverType::Sparse, reason.str(), work, fits};
 }
+
+}  // namespace morlen

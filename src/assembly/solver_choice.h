@@ -5,6 +5,8 @@
 
 #include "problem/settings.h"
 
+namespace morlen {
+
 class Project;
 
 /// From this number of equations on, the automatic choice depends on the work.
@@ -49,3 +51,5 @@ std::uint64_t UsableMemory(std::uint64_t limit);
 
 /// The faster solver of those that the memory has room for.
 SolverChoice FasterSolver(const SolverWork& work, std::uint64_t usableMemory);
+
+}  // namespace morlen

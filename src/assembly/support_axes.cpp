@@ -7,6 +7,8 @@
 #include "numeric/reavecv.h"
 #include "problem/constraint.h"
 
+namespace morlen {
+
 namespace {
 
 // Fills T with the axes of the node's support; false, T untouched, when it has none.
@@ -44,3 +46,5 @@ void ConvertLocalResultsToGlobal(const VoidPlex& nodes, ReaVecV& vector, int n)
 {
   TurnAll(nodes, Turn::ToGlobal, vector, n);
 }
+
+}  // namespace morlen

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace morlen {
+
 class Matriu;
 class Node;
 class ReaVecV;
@@ -13,3 +15,5 @@ void ApplyLocalAxestoKMatrix(Matriu& K, const Node* a, const Node* b, int n);
 /// by equation from global axes into those of the support, or back.
 void ConvertGlobalLoadToLocal(const VoidPlex& nodes, ReaVecV& vector, int n);
 void ConvertLocalResultsToGlobal(const VoidPlex& nodes, ReaVecV& vector, int n);
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 int ArrayLength(long long count, int each)
 {
   constexpr int kMost = std::numeric_limits<int>::max();
@@ -11,3 +13,5 @@ int ArrayLength(long long count, int each)
     Fatal("Not space available on heap");
   return static_cast<int>(count * each);
 }
+
+}  // namespace morlen

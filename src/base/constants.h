@@ -1,5 +1,7 @@
 #pragma once
 
+namespace morlen {
+
 /// Limit of pure numbers: cosines, radians, Poisson's ratios, places along an element. A value
 /// with a unit is compared with 0, or with this part of another of its unit, so that no system
 /// of units decides.
@@ -20,3 +22,5 @@ enum PROBLEMTYPE : int
   kPlane = 0,
   kSpace = 1
 };
+
+}  // namespace morlen

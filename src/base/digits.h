@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+namespace morlen {
+
 constexpr bool IsDigit(char c)
 {
   return c >= '0' && c <= '9';
@@ -71,3 +73,5 @@ inline const char* SkipWhite(const char* text, const char* end)
     ++text;
   return text;
 }
+
+}  // namespace morlen

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <new>
 
+namespace morlen {
+
 ErrorWriter errorwriter;
 
 std::string_view ErrorWriter::FixedBuffer::Text() const
@@ -37,3 +39,5 @@ void ErrorWriter::WriteErrorAndQuit()
   std::fflush(file);
   std::exit(kExitStatus);
 }
+
+}  // namespace morlen

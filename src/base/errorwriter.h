@@ -5,6 +5,8 @@
 #include <streambuf>
 #include <string_view>
 
+namespace morlen {
+
 /// The one way a fatal error ends the run: its text is inserted into Stream(),
 /// then WriteErrorAndQuit prints it and ends the process with exit status 2.
 ///
@@ -60,3 +62,5 @@ template <class... Parts>
   (errorwriter.Stream() << ... << parts);
   errorwriter.WriteErrorAndQuit();
 }
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 #include <new>
 #include <vector>
 
+namespace morlen {
+
 /// Tells the system that an array is worth large pages, where it has them: reading an array
 /// from end to end then meets far fewer page borders, and filling it fewer page faults. The
 /// array must begin at a multiple of kLargePage.
@@ -47,3 +49,5 @@ struct LargeArrayAllocator
 
 template <class T>
 using LargeArray = std::vector<T, LargeArrayAllocator<T>>;
+
+}  // namespace morlen

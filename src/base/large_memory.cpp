@@ -2,6 +2,8 @@
 
 #include "base/large_array.h"
 
+namespace morlen {
+
 LargeBlock AllocateLarge(std::size_t bytes)
 {
   const bool large = bytes >= kLargePage;
@@ -13,3 +15,5 @@ LargeBlock AllocateLarge(std::size_t bytes)
     AskForLargePages(block.get(), bytes);
   return block;
 }
+
+}  // namespace morlen

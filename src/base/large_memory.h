@@ -4,6 +4,8 @@
 #include <memory>
 #include <new>
 
+namespace morlen {
+
 /// Memory of a LargeBlock on its way back.
 struct ReleaseLarge
 {
@@ -18,3 +20,5 @@ using LargeBlock = std::unique_ptr<char[], ReleaseLarge>;
 
 /// Not initialised. Fatal when there is no memory.
 LargeBlock AllocateLarge(std::size_t bytes);
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
@@ -164,3 +166,5 @@ void RequireMemory(std::uint64_t bytes)
   if (bytes > PTRDIFF_MAX || (bytes >= kSmall && bytes > AvailableMemory()))
     Fatal("Not space available on heap");
 }
+
+}  // namespace morlen

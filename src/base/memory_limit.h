@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+namespace morlen {
+
 /// Where the system tells about memory; tests put files of their own there.
 struct MemorySources
 {
@@ -24,3 +26,5 @@ std::uint64_t MemoryLimit(const MemorySources& sources = {});
 /// Called before a large array is allocated: the system may grant it, and end the process
 /// when it is filled.
 void RequireMemory(std::uint64_t bytes);
+
+}  // namespace morlen

@@ -14,6 +14,8 @@
 
 #include "base/powers_of_ten.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
@@ -178,3 +180,5 @@ char* FormatScientific(char* to, double number)
   WriteWithPoint(first, decimal, 1);
   return WriteExponent(first + kDigits + 1, decimal.exponent);
 }
+
+}  // namespace morlen

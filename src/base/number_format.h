@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+namespace morlen {
+
 // Numbers as text, as printf writes them in the "C" locale. Each function writes where
 // kLongestNumber characters have room and returns the end of the number; what stands behind it
 // within that room may be changed, and no null follows.
@@ -14,3 +16,5 @@ char* FormatInt(char* to, int number);
 char* FormatGeneral(char* to, double number);
 /// As "%.6e": seven significant digits and an exponent.
 char* FormatScientific(char* to, double number);
+
+}  // namespace morlen

@@ -8,6 +8,8 @@
 #include <limits>
 #include <string_view>
 
+namespace morlen {
+
 namespace {
 
 // Whether one of these letters stands at p.
@@ -222,3 +224,5 @@ double ToDouble(std::string_view text)
   const char* const end = text.data() + text.size();
   return ParseDouble(SkipWhite(text.data(), end), end).value;
 }
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 
 #include "base/digits.h"
 
+namespace morlen {
+
 // Numbers in the text of records, read as libc reads them, except that what is not
 // finite ("inf", "nan", 1e400) or does not fit into an int is no number. Whatever the
 // locale, the point is '.'.
@@ -94,3 +96,5 @@ inline bool ScanDouble(std::string_view& text, double& v)
 
 /// The number the text begins with, as atof finds it ("1e" is 1); 0 when there is none.
 double ToDouble(std::string_view text);
+
+}  // namespace morlen

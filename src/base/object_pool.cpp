@@ -4,6 +4,8 @@
 
 #include "base/large_array.h"
 
+namespace morlen {
+
 ObjectPool::ObjectPool(std::size_t objectSize) : size(objectSize)
 {
   constexpr std::size_t kAlignment = alignof(Place);
@@ -50,3 +52,5 @@ void ObjectPool::StartAnew()
   next = end = nullptr;
   used = 0;
 }
+
+}  // namespace morlen

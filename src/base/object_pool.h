@@ -6,6 +6,8 @@
 
 #include "base/large_memory.h"
 
+namespace morlen {
+
 /// Places of one size, cut from slabs that grow with their number. Places given back are
 /// used again. With the last of them the pool begins anew, in the slabs that it has: memory that
 /// the system hands out first has to be cleared, which takes as long as filling it. Builds with
@@ -83,3 +85,5 @@ private:
     return pool;
   }
 };
+
+}  // namespace morlen

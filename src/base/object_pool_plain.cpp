@@ -2,6 +2,8 @@
 
 #include "base/object_pool.h"
 
+namespace morlen {
+
 ObjectPool::ObjectPool(std::size_t objectSize) : size(objectSize) {}
 
 ObjectPool::~ObjectPool() = default;
@@ -15,3 +17,5 @@ void ObjectPool::Return(void* object)
 {
   ::operator delete(object);
 }
+
+}  // namespace morlen

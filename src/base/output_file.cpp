@@ -2,6 +2,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 void OpenOutput(std::ofstream& file, const std::string& name)
 {
   file.open(name);
@@ -15,3 +17,5 @@ void CloseOutput(std::ofstream& file)
   if (!file)
     Fatal("error: Failed writing to disk. Probably the disk is full\n");
 }
+
+}  // namespace morlen

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdint>
 
+namespace morlen {
+
 // Powers of ten as binary floating-point numbers of 64 bits:
 // 10^p = mantissa · 2^exponent, 2^63 <= mantissa < 2^64, both a little too small at most.
 
@@ -82,3 +84,5 @@ constexpr PowerOfTen GivePowerOfTen(int p)
   return {kMantissasOfPowers[static_cast<std::size_t>(p + kLargestPower)],
           FloorLog2OfPower(p) - 63};
 }
+
+}  // namespace morlen

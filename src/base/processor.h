@@ -1,5 +1,7 @@
 #pragma once
 
+namespace morlen {
+
 /// Vector instructions beyond the base set of the build; each set includes those before it.
 enum class Processor
 {
@@ -10,3 +12,5 @@ enum class Processor
 
 /// What the processor of this run offers.
 Processor ThisProcessor();
+
+}  // namespace morlen

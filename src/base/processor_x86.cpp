@@ -1,5 +1,7 @@
 #include "base/processor.h"
 
+namespace morlen {
+
 Processor ThisProcessor()
 {
   if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma"))
@@ -8,3 +10,5 @@ Processor ThisProcessor()
                     __builtin_cpu_supports("avx512dq");
   return wide ? Processor::kAvx512 : Processor::kAvx2;
 }
+
+}  // namespace morlen

@@ -3,6 +3,8 @@
 #include "base/number_text.h"
 #include "base/textscan.h"
 
+namespace morlen {
+
 ReadObserver* readObserver = nullptr;
 
 void NoteRecordEnd(const char* from, const TextScan& text)
@@ -24,3 +26,5 @@ void NoteNumber(std::string_view value)
   if (!ScanDouble(rest, number) || !rest.empty())
     Note(ReadEvent::NumberPart, value);
 }
+
+}  // namespace morlen

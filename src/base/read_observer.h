@@ -3,6 +3,8 @@
 #include <functional>
 #include <string_view>
 
+namespace morlen {
+
 class TextScan;
 
 /// What a reader passes over without a message, and a few facts that it alone knows. The first
@@ -89,3 +91,5 @@ void NoteRecordEnd(const char* from, const TextScan& text);
 
 /// Notes a value that is not one number from end to end.
 void NoteNumber(std::string_view value);
+
+}  // namespace morlen

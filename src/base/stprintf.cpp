@@ -2,6 +2,8 @@
 
 #include <cstdarg>
 
+namespace morlen {
+
 namespace {
 
 void PrintTo(std::FILE* out, const char* format, std::va_list args)
@@ -41,3 +43,5 @@ void Warn(std::FILE* info, const char* format, ...)
     va_end(args);
   }
 }
+
+}  // namespace morlen

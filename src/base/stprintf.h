@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <ostream>
 
+namespace morlen {
+
 /// Writes printf-style formatted text to the stream (at most 511 characters).
 [[gnu::format(printf, 2, 3)]] void stprintf(std::ostream& out, const char* format, ...);
 
@@ -11,3 +13,5 @@
 
 /// Writes a progress message and flushes; does nothing without a stream.
 [[gnu::format(printf, 2, 3)]] void Progress(std::FILE* info, const char* format, ...);
+
+}  // namespace morlen

@@ -1,5 +1,7 @@
 #include "base/text_out.h"
 
+namespace morlen {
+
 TextOut::TextOut(std::ostream& target)
     : stream(target), block(std::make_unique_for_overwrite<char[]>(kBlock)), next(block.get())
 {
@@ -36,3 +38,5 @@ bool TextOut::Ok()
   Flush();
   return static_cast<bool>(stream.flush());
 }
+
+}  // namespace morlen

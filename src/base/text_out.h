@@ -7,6 +7,8 @@
 
 #include "base/number_format.h"
 
+namespace morlen {
+
 /// Formats result files fast: text, integers, and numbers exactly as printf's "%g"
 /// gives them, gathered into blocks for a stream that the caller owns.
 ///
@@ -73,3 +75,5 @@ private:
   std::unique_ptr<char[]> block;
   char* next;
 };
+
+}  // namespace morlen

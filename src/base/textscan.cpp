@@ -13,6 +13,8 @@
 #include "base/number_text.h"
 #include "base/read_observer.h"
 
+namespace morlen {
+
 namespace {
 
 // As much of a number as a message needs.
@@ -239,3 +241,5 @@ int EulerIndex(std::string_view key)
     Fatal("error: Euler angles must be: Euler1,Euler2 or Euler3\n");
   return digit - '1';
 }
+
+}  // namespace morlen

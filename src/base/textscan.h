@@ -6,6 +6,8 @@
 
 #include "base/number_text.h"
 
+namespace morlen {
+
 /// The text of a problem file and the place reached in it.
 ///
 /// Numbers and words are read as a formatted input stream reads them (leading
@@ -168,3 +170,5 @@ std::string_view UpToNull(std::string_view text);
 /// One item of a record that gives an Euler angle: "Euler1" to "Euler3" in any
 /// case gives 0 to 2, another key that begins with "Euler" is fatal, others give -1.
 int EulerIndex(std::string_view key);
+
+}  // namespace morlen

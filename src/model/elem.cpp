@@ -14,6 +14,8 @@
 #include "model/node.h"
 #include "numeric/plex_range.h"
 
+namespace morlen {
+
 namespace {
 
 // Nodes missing in a line are taken from the next one.
@@ -141,9 +143,9 @@ void Elem::CopyNodesFrom(const Elem& el, int count, int first)
     nodes[i] = el.nodes[(first + i) % el.Nnode()];
 }
 
-::ElemType Elem::ElemType() const
+morlen::ElemType Elem::ElemType() const
 {
-  return mesh ? mesh->GiveElemType() : ::ElemType(0);
+  return mesh ? mesh->GiveElemType() : morlen::ElemType(0);
 }
 
 int Elem::Ndime() const
@@ -269,3 +271,5 @@ void Elem::ReadMaterial(std::string_view text, const Units* units)
   own->SetToNegative();
   own->ReadFromAsciiNoNum(text, units);
 }
+
+}  // namespace morlen

@@ -8,6 +8,8 @@
 #include "base/object_pool.h"
 #include "numeric/reavec.h"
 
+namespace morlen {
+
 class Material;
 class Matriu;
 class Mesh;
@@ -99,7 +101,7 @@ public:
   void NewNum(int n) { number = n; }
   void NewMesh(Mesh* m) { mesh = m; }
   void NewMaterial(int n) { materialNumber = n; }
-  ::ElemType ElemType() const;
+  morlen::ElemType ElemType() const;
   int Ndime() const;
   int Nnode() const;
   Elem* IsInBound() const { return rare ? rare->bound : nullptr; }
@@ -175,3 +177,5 @@ inline std::ostream& operator<<(std::ostream& out, const Elem& el)
   el.PrintTo(out, 0, 0);
   return out;
 }
+
+}  // namespace morlen

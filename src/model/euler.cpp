@@ -8,6 +8,8 @@
 #include "base/constants.h"
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 ReaVec Normalized(const ReaVec& v)
 {
   return v / v.modul();
@@ -178,3 +180,5 @@ void MeanEulerAngles(const double a[3], const double b[3], const double c[3], do
 {
   MeanOf({a, b, c}, mean);
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "numeric/reavec.h"
 
+namespace morlen {
+
 class Matriu;
 
 // Local axes and their Euler angles. The global axes are the local ones turned by a[0]
@@ -51,3 +53,5 @@ int AreEulerAnglesEqual(const double a[3], const double b[3], double tol);
 /// as it is and y last; the angles of a when the axes cancel each other.
 void MeanEulerAngles(const double a[3], const double b[3], double mean[3]);
 void MeanEulerAngles(const double a[3], const double b[3], const double c[3], double mean[3]);
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "model/node.h"
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 namespace {
 
 // From a to b, always in space.
@@ -128,3 +130,5 @@ void Elem::GiveEulerAnglesTriangle(double a[3], const Material* m) const
   CalcTransfMatrixTriangle(T, Tbig, m);
   GiveAnglesFromMatriu(T, a);
 }
+
+}  // namespace morlen

@@ -7,6 +7,8 @@
 #include "base/stprintf.h"
 #include "model/euler.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double Material::*kValues[] = {
@@ -101,3 +103,5 @@ void Material::PrintTo(std::ostream& out) const
            "Weight=%g t=%g\n",
            number, E1, E2, nuXY, nuYX, Iy, Iz, Gxy, Gxz, Gyz, J, A, Weight, t);
 }
+
+}  // namespace morlen

@@ -5,6 +5,8 @@
 
 #include "base/constants.h"
 
+namespace morlen {
+
 class Matriu;
 class TextScan;
 class Units;
@@ -81,3 +83,5 @@ public:
   int eulerGiven = 0;                 ///< 1 when there are angles
   double Euler[3] = {0.0, 0.0, 0.0};  ///< of the local axes, in radians
 };
+
+}  // namespace morlen

@@ -7,6 +7,8 @@
 #include "model/material_symmetry.h"
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 // Stress-strain matrices. Every check is written so that a value that is no number fails it.
 
 namespace {
@@ -91,3 +93,5 @@ void Material::GiveDMatrixTetra(int elemNumber, Matriu& D) const
     D(i + 3, i + 3) = c * (1.0 - 2.0 * nu) / (2.0 - 2.0 * nu);
   }
 }
+
+}  // namespace morlen

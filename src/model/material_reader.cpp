@@ -9,6 +9,8 @@
 #include "model/material.h"
 #include "model/units.h"
 
+namespace morlen {
+
 namespace {
 
 /// Widths of a rectangular section; not given while negative.
@@ -151,3 +153,5 @@ int Material::ReadFromAsciiNoNum(std::string_view text, const Units* units)
     CalcOtherParametersForRecSec(widths.y, widths.z);
   return result;
 }
+
+}  // namespace morlen

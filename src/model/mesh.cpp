@@ -6,6 +6,8 @@
 #include "model/node.h"
 #include "numeric/plex_range.h"
 
+namespace morlen {
+
 namespace {
 
 struct FemviewCode
@@ -116,3 +118,5 @@ int CompareEdgePointers(const void* a, const void* b)
   const int k = first[0] != second[0] ? 0 : 1;
   return (first[k] > second[k]) - (first[k] < second[k]);
 }
+
+}  // namespace morlen

@@ -8,6 +8,8 @@
 #include "model/elem.h"
 #include "numeric/voidplex.h"
 
+namespace morlen {
+
 /// The nodes and the elements of one kind, as one mesh block of the file gives them.
 ///
 /// Several meshes of a problem share the node container of the first. The containers
@@ -108,3 +110,5 @@ int CompareNodePointers(const void* a, const void* b);
 
 /// Order of two pairs of integers: by the first, then by the second.
 int CompareEdgePointers(const void* a, const void* b);
+
+}  // namespace morlen

@@ -8,6 +8,8 @@
 #include "model/units.h"
 #include "numeric/plex_range.h"
 
+namespace morlen {
+
 namespace {
 
 // The integer behind a keyword, whatever stands between the two; 0 when it is too
@@ -137,3 +139,5 @@ bool Mesh::ReadElem(TextScan& text, const Units* units)
   NoteStored(ReadItem::Element, number);
   return true;
 }
+
+}  // namespace morlen

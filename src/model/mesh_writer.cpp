@@ -6,6 +6,8 @@
 #include "model/node.h"
 #include "numeric/plex_range.h"
 
+namespace morlen {
+
 namespace {
 
 // The last part of a path, or its last 6 characters when it has more.
@@ -46,3 +48,5 @@ void Mesh::PrintToFemview(std::ostream& out, const char* fileName) const
     elem.PrintToFemview(out);
   out << " -3\n 9999\n";
 }
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 #include "base/read_observer.h"
 #include "base/textscan.h"
 
+namespace morlen {
+
 int Node::ReadFromAscii(TextScan& text)
 {
   if (!text.ReadInt(number))
@@ -43,3 +45,5 @@ double dist2(const Node* a, const Node* b)
   }
   return sum;
 }
+
+}  // namespace morlen

@@ -7,6 +7,8 @@
 #include "base/object_pool.h"
 #include "numeric/reavec.h"
 
+namespace morlen {
+
 class Constraint;
 class Load;
 class TextScan;
@@ -56,3 +58,5 @@ void WriteNodeLine(std::ostream& out, int number, const Node& node);
 
 /// Squared distance of two points, which may have two coordinates or three.
 double dist2(const Node* a, const Node* b);
+
+}  // namespace morlen

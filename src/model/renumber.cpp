@@ -10,6 +10,8 @@
 #include "model/node.h"
 #include "numeric/plex_range.h"
 
+namespace morlen {
+
 const Node* mxnod = nullptr;
 
 namespace {
@@ -89,3 +91,5 @@ void Mesh::RestoreNumbers()
     node.number = GiveOldNumber(&node);
   oldNumbers.clear();
 }
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 #include "model/node.h"
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 double GiveN6nod(int node, double xi, double eta)
 {
   const double L = 1.0 - xi - eta;
@@ -159,3 +161,5 @@ double CalcTetraDeterminant(const Elem& elem)
   const ReaVec origin = *elem(0);
   return (*elem(1) - origin) * VectorProd(*elem(2) - origin, *elem(3) - origin);
 }
+
+}  // namespace morlen

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace morlen {
+
 class Elem;
 class Matriu;
 
@@ -87,3 +89,5 @@ double CalcJ10nod(const double (*d)[3], const TenNodeFunctions& at, double J[3][
 
 /// Six times the volume of the tetrahedron of the four corners, negative when they are turned.
 double CalcTetraDeterminant(const Elem& elem);
+
+}  // namespace morlen

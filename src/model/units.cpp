@@ -6,6 +6,8 @@
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
 
+namespace morlen {
+
 namespace {
 
 bool Precedes(const UnitsBase& a, const UnitsBase& b)
@@ -90,3 +92,5 @@ const UnitsBase* Units::GiveUnitsBaseFromLength(std::string_view name) const
   Note(ReadEvent::UnitsUsed, found->name);
   return &*found;
 }
+
+}  // namespace morlen

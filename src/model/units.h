@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+namespace morlen {
+
 /// A named unit system. Its factors are relative to a reference of the user's choice,
 /// the same for all systems of a file: only their ratios count.
 struct UnitsBase
@@ -68,3 +70,5 @@ public:
   std::string resPressureName = "Pa";
   std::vector<UnitsBase> bases;  ///< in the order of CompareUnitsBase
 };
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 namespace {
 
 // A 3×3 rotation, read once for many triples.
@@ -55,3 +57,5 @@ void TurnVector(const Matriu& T, Turn turn, int n, double* v)
   for (int triple = 0; triple < n; triple += 3)
     rotation.Apply(v + triple, 1);
 }
+
+}  // namespace morlen

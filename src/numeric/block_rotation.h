@@ -1,5 +1,7 @@
 #pragma once
 
+namespace morlen {
+
 class Matriu;
 
 /// Which way a frame T, whose columns are the local axes, turns components.
@@ -21,3 +23,5 @@ void TurnColumns(const Matriu& T, Turn turn, Matriu& K);
 
 /// The n components at v (n = 3 or 6) ← T·v (to global) or Tᵀ·v (to local).
 void TurnVector(const Matriu& T, Turn turn, int n, double* v);
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "numeric/reavec.h"
 #include "numeric/reavecv.h"
 
+namespace morlen {
+
 namespace {
 
 std::span<double> Entries(Matriu& m)
@@ -294,3 +296,5 @@ std::ostream& operator<<(std::ostream& out, const Matriu& m)
   }
   return out;
 }
+
+}  // namespace morlen

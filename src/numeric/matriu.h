@@ -7,6 +7,8 @@
 #include <memory>
 #include <utility>
 
+namespace morlen {
+
 class MatriuT;
 class ReaVec;
 class ReaVecV;
@@ -195,3 +197,5 @@ int LULinSolve(const Matriu& lu, ReaVecV& b);
 
 /// Column numbers, then each row with its number; not ended by a newline.
 std::ostream& operator<<(std::ostream& out, const Matriu& m);
+
+}  // namespace morlen

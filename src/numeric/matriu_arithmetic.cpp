@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace morlen {
+
 namespace {
 
 using namespace matriu_kernels;
@@ -108,3 +110,5 @@ bool operator==(const Matriu& a, const Matriu& b)
   return a.Rows() == b.Rows() && a.Cols() == b.Cols() &&
          std::equal(a.Data(), a.Data() + a.Size(), b.Data());
 }
+
+}  // namespace morlen

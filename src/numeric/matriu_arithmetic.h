@@ -6,6 +6,8 @@
 #include "numeric/matriu_kernels.h"
 #include "numeric/vector_functions.h"
 
+namespace morlen {
+
 /// A matrix seen transposed; no entry is moved. The view borrows its source,
 /// which must outlive it, or owns it when made from a temporary.
 ///
@@ -108,3 +110,5 @@ MatriuT operator|(const Matriu& a, const Matriu& b);
 
 /// True when shapes and all entries are equal.
 bool operator==(const Matriu& a, const Matriu& b);
+
+}  // namespace morlen

@@ -8,6 +8,8 @@
 #include "numeric/reavec.h"
 #include "numeric/reavecv.h"
 
+namespace morlen {
+
 class Transpose;
 
 /// What the matrix operators take: a matrix, a temporary or a transposed view,
@@ -207,3 +209,5 @@ typename V::Temporary Product(const M& m, const V& v)
 }
 
 }  // namespace matriu_kernels
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "numeric/reavec.h"
 #include "numeric/reavecv.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kPivotThreshold = 1e-30;
@@ -249,3 +251,5 @@ int LULinSolve(const Matriu& lu, ReaVecV& b)
       b(i) -= lu(i, k) * b(k);
   return 0;
 }
+
+}  // namespace morlen

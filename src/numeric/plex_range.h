@@ -6,6 +6,8 @@
 
 #include "numeric/voidplex.h"
 
+namespace morlen {
+
 // The typed side of VoidPlex: the only casts from its untyped pointers. A container
 // is read back with the very type it was filled with (for a hierarchy, its base).
 
@@ -114,3 +116,5 @@ void DeleteAll(VoidPlex& plex)
     delete &object;
   plex.clear();
 }
+
+}  // namespace morlen

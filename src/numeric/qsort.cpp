@@ -6,6 +6,8 @@
 
 #include "numeric/reavec.h"
 
+namespace morlen {
+
 // Quicksort with the median of three as pivot, which leaves short ranges alone, and a
 // straight insertion sort over the whole (R. Sedgewick, "Implementing Quicksort
 // programs", Communications of the ACM 21, 1978).
@@ -155,3 +157,5 @@ void QSort(ReaVec& v, int start, int n)
   if (n > 0)
     QSort(v.Data(), ResolveRange(v.Size(), start, n).first, n);
 }
+
+}  // namespace morlen

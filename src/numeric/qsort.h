@@ -1,5 +1,7 @@
 #pragma once
 
+namespace morlen {
+
 class ReaVec;
 
 // Sort in increasing order the n elements of a from position `start` on (from 0); b is
@@ -12,3 +14,5 @@ void QSort(int* a, int* b, int start, int n);
 void QSort(int* a, double* b, int start, int n);
 /// Positions from 1.
 void QSort(ReaVec& v, int start, int n);
+
+}  // namespace morlen

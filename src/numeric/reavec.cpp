@@ -4,6 +4,8 @@
 
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 ReaVec& ReaVec::operator=(double value)
 {
   std::fill(begin(), end(), value);
@@ -41,3 +43,5 @@ ReaVec ReaVec::subVec(int start, int length) const
   std::copy_n(begin() + range.first, range.length, part.begin());
   return part;
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "numeric/vector_functions.h"
 
+namespace morlen {
+
 class Matriu;
 class MatriuT;
 
@@ -67,3 +69,5 @@ inline double distance2(const ReaVec& a, const ReaVec& b)
 {
   return (a - b).sumsq();
 }
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 namespace {
 
 std::unique_ptr<double[]> NewArray(int length)
@@ -91,3 +93,5 @@ ReaVecV& ReaVecV::CopyFrom(const double* values, int length)
   std::copy_n(values, length, begin());
   return *this;
 }
+
+}  // namespace morlen

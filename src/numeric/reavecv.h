@@ -6,6 +6,8 @@
 #include "numeric/reavec.h"
 #include "numeric/vector_functions.h"
 
+namespace morlen {
+
 class Matriu;
 class MatriuT;
 class ReaVecVT;
@@ -105,3 +107,5 @@ inline ReaVecVT& ReaVecVT::operator=(ReaVecVT& v) noexcept
   ReaVecV::operator=(v);
   return *this;
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace morlen {
+
 namespace {
 
 /// The sum of a and b rounded, and its rounding error, exactly (D. E. Knuth, The Art of Computer
@@ -30,3 +32,5 @@ void SplitVector::Add(const ReaVecV& correction)
     value(i) = SumWithError(sum, rest(i) + error, rest(i));
   }
 }
+
+}  // namespace morlen

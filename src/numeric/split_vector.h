@@ -2,6 +2,8 @@
 
 #include "numeric/reavecv.h"
 
+namespace morlen {
+
 /// A vector of about twice the digits of a double: component i is value(i) + rest(i), and
 /// value(i) is that sum rounded.
 ///
@@ -30,3 +32,5 @@ struct SplitView
   const double* value;
   const double* rest = nullptr;
 };
+
+}  // namespace morlen

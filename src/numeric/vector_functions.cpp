@@ -5,6 +5,8 @@
 
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 VectorRange ResolveRange(int n, int start, int length)
 {
   const long long first = start < 0 ? static_cast<long long>(n) + start : start - 1LL;
@@ -57,3 +59,5 @@ void WriteVector(std::ostream& out, std::span<const double> values)
   out.flags(flags);
   out.flush();
 }
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 class Matriu;
 class ReaVecV;
 
@@ -389,3 +391,5 @@ int VectorMembers<V>::FirstBest(Better better) const
   const double* best = std::min_element(begin(), end(), better);
   return best == end() ? 0 : static_cast<int>(best - begin()) + 1;
 }
+
+}  // namespace morlen

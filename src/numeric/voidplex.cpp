@@ -7,6 +7,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 void VoidChunk::reset(int i, int size)
 {
   low = (i - 1) / size * size + 1;
@@ -249,3 +251,5 @@ void VoidPlex::clear()
   ResetShortcuts(1);
   first = last = taken = 0;
 }
+
+}  // namespace morlen

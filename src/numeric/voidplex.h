@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+namespace morlen {
+
 /// One chunk of a VoidPlex: the slots of an aligned range of numbers. With the size
 /// 100 these ranges are 1..100, 101..200 and so on; the last one ends at INT_MAX.
 ///
@@ -169,3 +171,5 @@ private:
   mutable VoidChunk* head;
   mutable VoidChunk* lastChunk;  ///< used last
 };
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "numeric/block_rotation.h"
 #include "numeric/reavecv.h"
 
+namespace morlen {
+
 namespace {
 
 // How a component of the internal forces follows from the load.
@@ -155,3 +157,5 @@ void SpanLoad::AddToDisplacementVectors(const BeamSpan& beam, double t, double* 
   for (int k = 0; k < beam.Translations(); ++k)
     displacement[k] += local[k];
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "base/constants.h"
 
+namespace morlen {
+
 class Elem;
 class Material;
 class Matriu;
@@ -73,3 +75,5 @@ struct SpanLoad
 private:
   double Strength(const BeamSpan& beam, int component, double t) const;
 };
+
+}  // namespace morlen

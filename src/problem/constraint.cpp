@@ -12,6 +12,8 @@
 #include "numeric/reavecv.h"
 #include "problem/nodal_load.h"
 
+namespace morlen {
+
 // Here, because here the types of what a node owns are complete.
 Node::Node(int ndime) : ReaVec(ndime) {}
 
@@ -117,3 +119,5 @@ std::unique_ptr<Constraint> MergeTwoConstraints(int n, const Constraint* a, cons
     MeanEulerAngles(a->euler.data(), b->euler.data(), merged->euler.data());
   return merged;
 }
+
+}  // namespace morlen

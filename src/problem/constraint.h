@@ -6,6 +6,8 @@
 
 #include "base/object_pool.h"
 
+namespace morlen {
+
 class Matriu;
 class ReaVecV;
 
@@ -74,3 +76,5 @@ private:
 /// share, with mean values. Null when there is none, or when their axes differ.
 std::unique_ptr<Constraint> MergeTwoConstraints(int n, const Constraint* a, const Constraint* b,
                                                 double);
+
+}  // namespace morlen

@@ -14,6 +14,8 @@
 #include "problem/process_streams.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr const char* kResultsEnding = ".morlen.res";
@@ -150,3 +152,5 @@ int RunMorlen(int argc, char** argv)
   }
   return 0;
 }
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "problem/pressure_load.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 template <PreassureLT_type type>
@@ -82,3 +84,5 @@ void Project::ReadOneLoad(TextScan& text, int number, std::unique_ptr<BaseElemLo
   load->ReadYourLoad(number, problemType, UpToNull(text.ReadRestOfLine()), *this, elem->ElemType());
   Attach(elemLoads, number, std::move(load));
 }
+
+}  // namespace morlen

@@ -7,6 +7,8 @@
 #include "base/read_observer.h"
 #include "problem/beam_span.h"
 
+namespace morlen {
+
 // One load after the other: a long chain must not nest its destructors.
 BaseElemLoads::~BaseElemLoads()
 {
@@ -48,3 +50,5 @@ ElemLoadRecord TemperatureLT::Describe() const
 {
   return {"temperature_loads", {values[0], values[1]}, -1};
 }
+
+}  // namespace morlen

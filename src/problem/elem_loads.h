@@ -8,6 +8,8 @@
 #include "base/object_pool.h"
 #include "model/elem.h"
 
+namespace morlen {
+
 class Matriu;
 class ReaVecV;
 class Units;
@@ -73,3 +75,5 @@ public:
 
   double values[2] = {};
 };
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 #include "model/mesh.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr ElementFamily kBeams = {.type = Linear,
@@ -65,3 +67,5 @@ const ElementFamily& FamilyOf(const Mesh& mesh)
     Fatal("error: elemtype unknown\n");
   return *family;
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "model/elem.h"
 
+namespace morlen {
+
 class InternalForces;
 class Mesh;
 class Project;
@@ -34,3 +36,5 @@ const ElementFamily* FindFamily(const Mesh& mesh);
 
 /// The same. Fatal for elements that cannot be analysed.
 const ElementFamily& FamilyOf(const Mesh& mesh);
+
+}  // namespace morlen

@@ -12,6 +12,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -73,3 +75,5 @@ void RequireDifferentFiles(const std::vector<RunFile>& files)
     identities.push_back(own);
   }
 }
+
+}  // namespace morlen

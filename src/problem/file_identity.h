@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace morlen {
+
 /// A file that a run reads or writes.
 struct RunFile
 {
@@ -14,3 +16,5 @@ struct RunFile
 /// Fatal when two of the files are one: the same regular file, under whatever names, or one
 /// that does not exist yet. Devices and pipes may stand several times.
 void RequireDifferentFiles(const std::vector<RunFile>& files);
+
+}  // namespace morlen

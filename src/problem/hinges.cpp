@@ -13,6 +13,8 @@
 #include "problem/constraint.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 bool IsHingeCode(int code)
@@ -116,3 +118,5 @@ void Project::MergeHinges(const Elem& elem)
   if (const int merged = 10 * first + second; merged != own)
     hingeCodes[elem.Num()] = merged;
 }
+
+}  // namespace morlen

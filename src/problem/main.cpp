@@ -1,5 +1,7 @@
 #include "problem/driver.h"
 
+using namespace morlen;
+
 int main(int argc, char** argv)
 {
   return RunMorlen(argc, argv);

@@ -2,6 +2,8 @@
 
 #include "base/stprintf.h"
 
+namespace morlen {
+
 void Load::AddValues(const double* given, int n, double forceFactor, double lengthFactor)
 {
   for (int i = 0; i < n; ++i)
@@ -15,3 +17,5 @@ void Load::PrintTo(std::ostream& out, int n) const
     stprintf(out, i == 0 ? "%g" : " %g", values[i]);
   out << '\n';
 }
+
+}  // namespace morlen

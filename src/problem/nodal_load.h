@@ -5,6 +5,8 @@
 
 #include "problem/constraint.h"
 
+namespace morlen {
+
 /// The forces and moments on one node, in global axes.
 class Load : public Pooled<Load>
 {
@@ -26,3 +28,5 @@ public:
 private:
   int translations;
 };
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "problem/nodal_load.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 struct NodalRecord
@@ -125,3 +127,5 @@ void Project::ReadNodalLoad(TextScan& text, int number)
     node->load = std::make_unique<Load>(n, translations);
   node->load->AddValues(record.values, n, record.ratios.force, record.ratios.length);
 }
+
+}  // namespace morlen

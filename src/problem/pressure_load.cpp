@@ -15,6 +15,8 @@
 #include "numeric/matriu.h"
 #include "problem/beam_span.h"
 
+namespace morlen {
+
 namespace {
 
 // The numbers of a record by its shape: an optional face index, then `least` to `most` values.
@@ -169,3 +171,5 @@ ElemLoadRecord PreassureLT::Describe() const
   std::copy_n(values, 6, record.values.begin());
   return record;
 }
+
+}  // namespace morlen

@@ -3,6 +3,8 @@
 #include "numeric/reavec.h"
 #include "problem/elem_loads.h"
 
+namespace morlen {
+
 /// In which axes the values of a distributed load are given.
 enum class PreassureLT_type : int
 {
@@ -49,3 +51,5 @@ private:
   void AddToLoadVectorFaceTetra(const Elem& elem, ReaVecV& loads) const;
   ReaVec OnSurface(const ReaVec& normal) const;
 };
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "numeric/reavecv.h"
 #include "problem/pressure_load.h"
 
+namespace morlen {
+
 namespace {
 
 void AddToNode(const Node& node, const ReaVec& load, double share, ReaVecV& loads)
@@ -127,3 +129,5 @@ ReaVec PreassureLT::OnSurface(const ReaVec& normal) const
     return load * (std::fabs(normal * load) / size);
   return load;
 }
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "numeric/reavecv.h"
 #include "problem/pressure_load.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kComponents = 6;
@@ -85,3 +87,5 @@ void PreassureLT::AddToLoadVectorFaceTriangle(const Elem& elem, ReaVecV& loads) 
   if (middle)
     AddToNode(*middle, values, lengths[2], loads);
 }
+
+}  // namespace morlen

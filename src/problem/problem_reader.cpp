@@ -14,6 +14,8 @@
 #include "numeric/plex_range.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 struct Content
@@ -185,9 +187,9 @@ void Project::ReadMesh(TextScan& text)
     Fatal("error: maximum number of meshes is: ", kMaxMeshes, "\n");
   constexpr int kChunk = 100;
   if (meshes.empty())
-    meshes.push_back(std::make_unique<Mesh>(kChunk, kChunk, 0, ::ElemType(0), 0));
+    meshes.push_back(std::make_unique<Mesh>(kChunk, kChunk, 0, morlen::ElemType(0), 0));
   else
-    meshes.push_back(std::make_unique<Mesh>(&GiveNodes(), kChunk, 0, ::ElemType(0), 0));
+    meshes.push_back(std::make_unique<Mesh>(&GiveNodes(), kChunk, 0, morlen::ElemType(0), 0));
   meshes.back()->TakeOldNumbersOf(*meshes.front());
   meshes.back()->ReadFromAscii(text, this);
   initialNumNodes = numNodes = GiveNodes().Last();
@@ -259,3 +261,5 @@ void Project::SetNodeDimensions(bool solids)
     }
   }
 }
+
+}  // namespace morlen

@@ -5,6 +5,8 @@
 
 #include <csignal>
 
+namespace morlen {
+
 void ProtectStreams()
 {
   // The lowest free descriptor is taken, so each one fills the first gap. Opened the wrong
@@ -16,3 +18,5 @@ void ProtectStreams()
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
 }
+
+}  // namespace morlen

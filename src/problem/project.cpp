@@ -11,6 +11,8 @@
 #include "problem/elem_loads.h"
 #include "solvers/bsolver.h"
 
+namespace morlen {
+
 int MeshResults::Block(int elemNumber) const
 {
   // Elements are mostly numbered without gaps.
@@ -77,3 +79,5 @@ Material& Project::RequireMaterial(const Elem& elem) const
     Fatal("error: Material in element: ", elem.Num(), " doesn't exist\n");
   return *material;
 }
+
+}  // namespace morlen

@@ -18,6 +18,8 @@
 #include "problem/beam_span.h"
 #include "problem/settings.h"
 
+namespace morlen {
+
 class BSolver;
 class BaseElemLoads;
 class EdgeNodes;
@@ -312,3 +314,5 @@ private:
 
   void PrintHinges(std::ofstream& out) const;
 };
+
+}  // namespace morlen

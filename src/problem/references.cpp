@@ -8,6 +8,8 @@
 #include "problem/element_family.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 void RequireNodes(const Elem& elem)
@@ -31,3 +33,5 @@ void CheckReferences(const Project& project)
     }
   }
 }
+
+}  // namespace morlen

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace morlen {
+
 class Project;
 
 /// Refuses, by its name, what the elements refer to and the file does not give: nodes, and
@@ -7,3 +9,5 @@ class Project;
 /// before anything follows a reference. Supports, loads and hinges are refused where they
 /// are read.
 void CheckReferences(const Project& project);
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "base/processor.h"
 
+namespace morlen {
+
 /// Largest number of divisions of a beam in the results.
 constexpr int kMaxDivisions = 100000;
 
@@ -37,3 +39,5 @@ enum class StressOutput : int
   Main,
   MainAndLocal
 };
+
+}  // namespace morlen

@@ -17,6 +17,8 @@
 #include "numeric/plex_range.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr const char* kWhite = " \t\n\v\f\r";
@@ -210,3 +212,5 @@ bool Project::ReadMaterial(TextScan& text)
   NoteStored(ReadItem::Material, number);
   return true;
 }
+
+}  // namespace morlen

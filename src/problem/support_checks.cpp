@@ -7,6 +7,8 @@
 #include "problem/constraint.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 bool IsPrescribed(const Node& node, int k)
@@ -73,3 +75,5 @@ void Project::CheckTypicalConstraintsErrors() const
   else
     CheckTwoSupports(*supported[0], *supported[1], freeDegrees, message);
 }
+
+}  // namespace morlen

@@ -20,6 +20,8 @@
 #include "problem/constraint.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 // A plane of bending: its deflection and its rotation (components from 0), with the sign
@@ -147,3 +149,5 @@ void Project::SetDisplacementVectors(const Elem& elem, const Matriu& T, int divi
     std::copy_n(local, count, out + i * count);
   }
 }
+
+}  // namespace morlen

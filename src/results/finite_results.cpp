@@ -11,6 +11,8 @@
 #include "problem/constraint.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 // Leaves room for sums of several values.
@@ -95,3 +97,5 @@ bool AreResultsFinite(const Project& project)
   }
   return true;
 }
+
+}  // namespace morlen

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace morlen {
+
 class Project;
 
 /// Whether every number that the result files will hold is finite: displacements, strengths,
@@ -8,3 +10,5 @@ class Project;
 /// Values that are combined further must leave room for that: they are bounded, not only
 /// finite.
 bool AreResultsFinite(const Project& project);
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "problem/constraint.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 struct ForceBlock
@@ -106,3 +108,5 @@ void Project::WriteKivBeamAxes(int mesh, TextOut& res) const
     }
   }
 }
+
+}  // namespace morlen

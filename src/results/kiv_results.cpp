@@ -12,6 +12,8 @@
 #include "problem/element_family.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 void WriteMeshFile(const Project& project, const char* fileName)
@@ -102,3 +104,5 @@ void Project::WriteKivResultsReactions(TextOut& res) const
     return;
   WriteKivReactionBlock(res, forces + 1, freeDegrees);
 }
+
+}  // namespace morlen

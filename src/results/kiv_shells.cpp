@@ -8,6 +8,8 @@
 #include "numeric/plex_range.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 struct ShellBlock
@@ -100,3 +102,5 @@ void Project::WriteKivMainAxes(int mesh, const char* header, int first, TextOut&
     }
   }
 }
+
+}  // namespace morlen

@@ -9,6 +9,8 @@
 #include "numeric/plex_range.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 // Of the stresses divided by the largest, whose squares stay in the range of numbers.
@@ -53,3 +55,5 @@ void Project::WriteKivResultsTetra(int mesh, TextOut& res) const
     res << number << ' ' << VonMises(nodalStresses.Data() + (node.number - 1) * 6) << '\n';
   });
 }
+
+}  // namespace morlen

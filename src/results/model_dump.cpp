@@ -7,6 +7,8 @@
 #include "problem/nodal_load.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 void Project::PrintTo(std::ofstream& out) const
 {
   out << "\nProblemType=" << problemType << "\nFreeDegrees=" << freeDegrees
@@ -51,3 +53,5 @@ void Project::PrintHinges(std::ofstream& out) const
     }
   }
 }
+
+}  // namespace morlen

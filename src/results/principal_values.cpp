@@ -7,6 +7,8 @@
 #include "base/constants.h"
 #include "numeric/reavecv.h"
 
+namespace morlen {
+
 namespace {
 
 double LargestOf(const double* tensor)
@@ -57,3 +59,5 @@ void ConvertResultsToMainValues(ReaVecV& values, int offset, int points, ReaVecV
     std::copy_n(main, 8, &(out ? *out : values)(offset + 1));
   }
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "model/euler.h"
 
+namespace morlen {
+
 class ReaVecV;
 
 /// Principal values of the symmetric tensor with a and b on its diagonal and c off it, and
@@ -22,3 +24,5 @@ void CalcNewEulerAngles(const Axes& axes, double angle, double euler[3]);
 void ConvertResultsToMainValues(ReaVecV& values, int offset, int points, ReaVecV& angles,
                                 int angleOffset, const Axes& axes, ReaVecV* out,
                                 double length = 0.0);
+
+}  // namespace morlen

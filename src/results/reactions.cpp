@@ -10,6 +10,8 @@
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 
+namespace morlen {
+
 // A reaction is the force that the node exerts on the elements, less its load. The matrix is not
 // needed any more.
 void Project::CalcReactions()
@@ -44,3 +46,5 @@ double Project::GiveReaction(const Elem& elem, int dof, double t) const
   const Node* node = t <= EPSILON ? elem(0) : t >= kEnd ? elem(1) : nullptr;
   return node && node->constraint ? node->constraint->reactions[dof - 1] : 0.0;
 }
+
+}  // namespace morlen

@@ -12,6 +12,8 @@
 #include "problem/project.h"
 #include "results/principal_values.h"
 
+namespace morlen {
+
 void Project::CalcStrengthsTriangles(int mesh)
 {
   constexpr int kValues = 8;
@@ -63,3 +65,5 @@ void Project::HandOverMidSideReactions()
     }
   }
 }
+
+}  // namespace morlen

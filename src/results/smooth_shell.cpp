@@ -15,6 +15,8 @@
 #include "problem/element_family.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kValues = 8;  // of a point
@@ -211,3 +213,5 @@ void Project::Smooth(std::FILE* info)
       (this->*smooth)(mesh);
   }
 }
+
+}  // namespace morlen

@@ -12,6 +12,8 @@
 #include "numeric/plex_range.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kStresses = 6;
@@ -91,3 +93,5 @@ void Project::SmoothVariableTetra(int mesh)
       nodalStresses((node.number - 1) * kStresses + k) /= count;
   }
 }
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "numeric/plex_range.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 void Project::CalcStrengthsTetras(int mesh)
 {
   constexpr int kStresses = 6;
@@ -28,3 +30,5 @@ void Project::CalcStrengthsTetras(int mesh)
     offset += result.blockSize;
   }
 }
+
+}  // namespace morlen

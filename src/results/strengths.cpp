@@ -7,6 +7,8 @@
 #include "problem/project.h"
 #include "results/finite_results.h"
 
+namespace morlen {
+
 void Project::CalcStrengthsAndReactions(std::FILE* info)
 {
   results.resize(meshes.size());
@@ -20,3 +22,5 @@ void Project::CalcStrengthsAndReactions(std::FILE* info)
   if (!AreResultsFinite(*this))
     SolverFailed(-1);
 }
+
+}  // namespace morlen

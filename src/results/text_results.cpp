@@ -11,6 +11,8 @@
 #include "problem/element_family.h"
 #include "problem/project.h"
 
+namespace morlen {
+
 namespace {
 
 // What stands for plane and for space problems. Fatal for another type.
@@ -76,3 +78,5 @@ void Project::WriteBeamStrength(int mesh, TextOut& out) const
     }
   }
 }
+
+}  // namespace morlen

@@ -7,6 +7,8 @@
 #include "base/errorwriter.h"
 #include "solvers/sparse_matrix.h"
 
+namespace morlen {
+
 namespace {
 
 /// Inverts a block in place by elimination without exchange of rows, whose pivots are those of
@@ -189,3 +191,5 @@ std::size_t BlockFactors::StorageBytes() const
   return (diagonal.size() + values.size()) * sizeof(double) +
          (columns.size() + starts.size()) * sizeof(int);
 }
+
+}  // namespace morlen

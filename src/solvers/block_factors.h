@@ -8,6 +8,8 @@
 #include "solvers/block_kernel.h"
 #include "solvers/preconditioner.h"
 
+namespace morlen {
+
 class SparseMatrix;
 
 /// The incomplete factors without fill of a symmetric matrix of node blocks, in blocks.
@@ -65,3 +67,5 @@ private:
   std::vector<BlockUpdate> updates;  ///< scratch of the elimination
   bool complete;
 };
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "solvers/block_kernel_sets.h"
 
+namespace morlen {
+
 const BlockKernels* GiveBlockKernels(int size, Processor processor)
 {
   const bool plain = processor == Processor::kPlain;
@@ -11,3 +13,5 @@ const BlockKernels* GiveBlockKernels(int size, Processor processor)
     return plain ? &kPlainKernels6 : &kAvx2Kernels6;
   return nullptr;
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "base/processor.h"
 
+namespace morlen {
+
 /// Lines of square blocks in compressed storage, borrowed: line i has the blocks from
 /// starts[i] to starts[i + 1] - 1. A block has size² values; columns[s] is the node, from 0,
 /// whose `size` unknowns block s multiplies. Behind the last block stand kBlockPadding zeros.
@@ -63,3 +65,5 @@ inline void AddTransposedBlock(int size, const double* block, const double* x, d
     for (int a = 0; a < size; ++a)
       y[b] += *block++ * x[a];
 }
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 
 #include "solvers/block_kernel.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kSums = 3;
@@ -358,3 +360,5 @@ constexpr BlockKernels MakeKernels()
 }
 
 }  // namespace
+
+}  // namespace morlen

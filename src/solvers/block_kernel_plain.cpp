@@ -3,5 +3,9 @@
 #include "solvers/block_kernel_loops.h"
 #include "solvers/block_kernel_sets.h"
 
+namespace morlen {
+
 const BlockKernels kPlainKernels3 = MakeKernels<3, 2>();
 const BlockKernels kPlainKernels6 = MakeKernels<6, 2>();
+
+}  // namespace morlen

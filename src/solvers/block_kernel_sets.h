@@ -2,6 +2,8 @@
 
 #include "solvers/block_kernel.h"
 
+namespace morlen {
+
 // The loops of block_kernel_loops.h by size of the blocks, as the files of the instruction
 // sets compiled them.
 
@@ -9,3 +11,5 @@ extern const BlockKernels kPlainKernels3;
 extern const BlockKernels kPlainKernels6;
 extern const BlockKernels kAvx2Kernels3;
 extern const BlockKernels kAvx2Kernels6;
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 
 #include "numeric/matriu.h"
 
+namespace morlen {
+
 namespace {
 
 /// m = the transpose of a block as large, given row by row.
@@ -47,3 +49,5 @@ bool AreEqual(BSolver& a, BSolver& b, double tol)
         return false;
   return true;
 }
+
+}  // namespace morlen

@@ -5,6 +5,8 @@
 
 #include "solvers/element_blocks.h"
 
+namespace morlen {
+
 class Matriu;
 class ReaVecV;
 
@@ -71,3 +73,5 @@ protected:
 /// Whether both have the same size and no two entries differ by tol or more. Reads all
 /// entries through operator(), which must therefore know them.
 bool AreEqual(BSolver& a, BSolver& b, double tol);
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 #include "base/stprintf.h"
 #include "solvers/sparse_matrix.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kMaxRestarts = 3;
@@ -126,3 +128,5 @@ void CheckedIteration::Run(const SparseMatrix& A, const Preconditioner& M, Check
            probe->report.reached ? "converged" : "not solved", probe->report.iterations,
            probe->report.residual, probe->goal.tolerance);
 }
+
+}  // namespace morlen

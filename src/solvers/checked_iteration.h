@@ -7,6 +7,8 @@
 
 #include "solvers/conjugate_gradients.h"
 
+namespace morlen {
+
 /// How the iteration of a right-hand side has ended.
 struct IterationReport
 {
@@ -104,3 +106,5 @@ private:
   int measuredAt = 0;          ///< the iteration of that
   double change = std::numeric_limits<double>::infinity();
 };
+
+}  // namespace morlen

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace morlen {
+
 /// A square matrix in compressed storage, borrowed: values and indices of one line after the
 /// other, line i from starts[i] to starts[i + 1] - 1. A line is a row (the indices are
 /// columns) or, in column storage, a column. Everything runs from 0.
@@ -80,3 +82,5 @@ double IndexedDot(const double* values, const int* indices, int count, const dou
   }
   return sum;
 }
+
+}  // namespace morlen

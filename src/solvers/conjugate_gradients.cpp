@@ -9,6 +9,8 @@
 #include "solvers/preconditioner.h"
 #include "solvers/sparse_matrix.h"
 
+namespace morlen {
+
 CgSystem::CgSystem(const SparseMatrix& A_, double* x_, const double* b_)
     : A(A_), n(A_.GiveSize()), x(x_), b(b_), normb(norm(b_, n)), r(Work(n)), p(Work(n)), z(Work(n))
 {
@@ -112,3 +114,5 @@ void AnnounceIteration(int next, double residual, double tolerance, std::FILE* i
   if (next % kIterationsPerMessage == 0)
     Progress(info, "iteration number %i resid=%g tol=%g\n", next, residual, tolerance);
 }
+
+}  // namespace morlen

@@ -7,6 +7,8 @@
 
 #include "solvers/vector_loops.h"
 
+namespace morlen {
+
 class Preconditioner;
 class SparseMatrix;
 
@@ -80,3 +82,5 @@ private:
 
 /// Tells every tenth time what iteration `next` begins with.
 void AnnounceIteration(int next, double residual, double tolerance, std::FILE* info);
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include <span>
 
+namespace morlen {
+
 /// The stiffness of an element, symmetric, in blocks of its nodes; borrowed.
 struct ElementBlocks
 {
@@ -29,3 +31,5 @@ protected:
   ElementSink(const ElementSink&) = default;
   ElementSink& operator=(const ElementSink&) = default;
 };
+
+}  // namespace morlen

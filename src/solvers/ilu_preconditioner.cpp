@@ -7,6 +7,8 @@
 #include "solvers/sparse_matrix.h"
 #include "solvers/triangular_solve.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kUnitLower[3] = {kGeneralMatrix, kLowerTriangle, kUnitDiagonal};
@@ -112,3 +114,5 @@ void ILUPreconditioner::New_Matrix(const SparseMatrix&)
 {
   Fatal("Wrong use of ILUPreconditioner::New_Matrix");
 }
+
+}  // namespace morlen

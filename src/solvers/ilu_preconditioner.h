@@ -5,6 +5,8 @@
 #include "solvers/compressed_rows.h"
 #include "solvers/preconditioner.h"
 
+namespace morlen {
+
 /// Incomplete factors L·U without fill: L has ones on its diagonal and the slots below it, U
 /// the slots on and above it.
 class ILUPreconditioner : public Preconditioner
@@ -38,3 +40,5 @@ private:
   CompressedRows upper;
   bool complete;
 };
+
+}  // namespace morlen

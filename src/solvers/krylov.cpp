@@ -9,6 +9,8 @@
 #include "solvers/sparse_matrix.h"
 #include "solvers/vector_loops.h"
 
+namespace morlen {
+
 // The methods as they stand in R. Barrett et al., Templates for the Solution of Linear
 // Systems: Building Blocks for Iterative Methods, SIAM, Philadelphia 1994.
 
@@ -51,7 +53,7 @@ public:
   void SetResidual(double norm) { resid = norm / normb; }
   void MeasureResidual() { SetResidual(norm(r.get(), n)); }
 
-  void Reduce(double factor, const double* q) { SetResidual(::Reduce(r.get(), factor, q, n)); }
+  void Reduce(double factor, const double* q) { SetResidual(morlen::Reduce(r.get(), factor, q, n)); }
 
   // Calls step(i) for i = 1, 2, ... until the residual is small enough, a step breaks down
   // (returns false), or the limit is reached. Returns what the method returns.
@@ -257,3 +259,5 @@ int BiCGSTAB(const SparseMatrix& A, double* x, const double* b, const Preconditi
     return true;
   });
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+namespace morlen {
+
 class Preconditioner;
 class SparseMatrix;
 
@@ -35,3 +37,5 @@ double norm(const double* x, int n);
 double dot(const double* x, const double* y, int n);
 void fill_Real_array(double* a, int n, double value);
 void fill_int_array(int* a, int n, int value);
+
+}  // namespace morlen

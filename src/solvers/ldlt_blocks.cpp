@@ -4,6 +4,8 @@
 #include <limits>
 #include <utility>
 
+namespace morlen {
+
 namespace {
 
 constexpr std::size_t kBlocksPerSlab = 32;
@@ -85,3 +87,5 @@ void LdltBlocks::EndPanels(int first, int last)
   while (firstKept <= lastChunk && (!isNeeded(firstKept) || used() > mostBlocks))
     ReleaseChunk(firstKept++, last);
 }
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 
 #include "solvers/ldlt_kernel.h"
 
+namespace morlen {
+
 /// The finished rows of L in the form in which the kernel reads them: for every panel of rows
 /// and every chunk of columns that it reaches, a block. They are kept until no later panel
 /// reaches the chunk, or, from the lowest columns on, until they would take too much memory.
@@ -50,3 +52,5 @@ private:
   std::size_t mostBlocks;
   int firstKept = 0;  ///< no block of a chunk before this one is kept
 };
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 
 #include "solvers/ldlt_blocks.h"
 
+namespace morlen {
+
 // Row j of the product A = L·D·Lᵀ gives, for the columns i <= j from the first of its profile,
 //
 //   G(j,i) = A(j,i) - Σ L(i,k)·G(j,k), k < i,   L(j,i) = G(j,i) / D(i),   D(j) = G(j,j).
@@ -319,3 +321,5 @@ int FactoriseLdlt(const ProfileRows& matrix, int n, const LdltOptions& options)
 {
   return Factorisation(matrix, n, options).Run();
 }
+
+}  // namespace morlen

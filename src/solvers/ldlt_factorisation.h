@@ -7,6 +7,8 @@
 #include "solvers/pivot_check.h"
 #include "solvers/profile_rows.h"
 
+namespace morlen {
+
 /// What the factorisation reports, and by what it is done.
 struct LdltOptions
 {
@@ -20,3 +22,5 @@ struct LdltOptions
 /// Factorises n rows in place as L·D·Lᵀ, without pivoting. Returns -1, or the first row whose
 /// pivot is refused (see AcceptsPivot); what the rows from there on hold is then undefined.
 int FactoriseLdlt(const ProfileRows& matrix, int n, const LdltOptions& options);
+
+}  // namespace morlen

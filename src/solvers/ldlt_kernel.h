@@ -1,5 +1,7 @@
 #pragma once
 
+namespace morlen {
+
 /// The inner loops of the L·D·Lᵀ factorisation, for one family of processors each.
 ///
 /// They work on copies of rows, so that vectors run across rows and every load is a contiguous
@@ -59,3 +61,5 @@ struct LdltKernel
   /// of its group, and puts L(j,k) into the block.
   void (*eliminate)(const LdltPivot& pivot);
 };
+
+}  // namespace morlen

@@ -1,5 +1,7 @@
 #include "solvers/ldlt_kernels.h"
 
+namespace morlen {
+
 std::span<const LdltKernel* const> LdltKernels(Processor processor)
 {
   static constexpr const LdltKernel* kernels[] = {&kAvx512LdltKernel, &kAvx2LdltKernel,
@@ -15,3 +17,5 @@ std::span<const LdltKernel* const> LdltKernels(Processor processor)
   }
   return all.subspan(2);
 }
+
+}  // namespace morlen

@@ -5,6 +5,8 @@
 #include "base/processor.h"
 #include "solvers/ldlt_kernel.h"
 
+namespace morlen {
+
 /// The kernels that a processor can run, the fastest first; at least one.
 std::span<const LdltKernel* const> LdltKernels(Processor processor = ThisProcessor());
 
@@ -16,3 +18,5 @@ extern const LdltKernel kPlainLdltKernel;
 extern const LdltKernel kAvx2LdltKernel;
 /// Vectors of eight.
 extern const LdltKernel kAvx512LdltKernel;
+
+}  // namespace morlen

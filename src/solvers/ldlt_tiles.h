@@ -2,6 +2,8 @@
 
 #include "solvers/ldlt_kernel.h"
 
+namespace morlen {
+
 // The loops of LdltKernel for any length of vectors. A tile of Vectors × Width rows of the panel
 // and Columns columns is kept in registers while the sum runs over the columns of the chunk:
 // Vectors loads and Columns broadcasts for Vectors·Columns multiplications (K. Goto, R. A. van de
@@ -139,3 +141,5 @@ private:
 };
 
 }  // namespace
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 NodeCouplings::NodeCouplings(int nodes, int limit_)
     : limit(static_cast<std::size_t>(limit_)),
       lists(static_cast<std::size_t>(std::max(nodes, 0))),
@@ -85,3 +87,5 @@ NodePattern NodeCouplings::TakePattern()
   marks = std::vector<int>();
   return pattern;
 }
+
+}  // namespace morlen

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace morlen {
+
 /// Which blocks the line of each node has in a matrix of node blocks: the nodes columns[s]
 /// for s from starts[p] to starts[p + 1] - 1, ascending, everything from 0. kNoNode stands
 /// behind them for a block that belongs to no node yet.
@@ -47,3 +49,5 @@ private:
   std::vector<int> marks;  ///< the last round in which a node was seen
   int round;
 };
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "solvers/sparse_matrix.h"
 #include "solvers/triangular_solve.h"
 
+namespace morlen {
+
 bool Preconditioner::AreYou(const char* text) const
 {
   return EqualsNoCase(text, name) || EqualsNoCase(text, "Preconditioner");
@@ -133,3 +135,5 @@ void ICPreconditioner::New_Matrix(const SparseMatrix&)
 {
   Fatal("Wrong use of ICPreconditioner::New_Matrix");
 }
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 
 #include "solvers/compressed_rows.h"
 
+namespace morlen {
+
 class SparseMatrix;
 
 /// An approximation M of a matrix whose systems are cheap to solve.
@@ -85,3 +87,5 @@ void SortLines(CompressedRows& matrix);
 
 /// What a preconditioner gives that could not be computed.
 void FillWithNaN(double* y, int n);
+
+}  // namespace morlen

@@ -1,5 +1,7 @@
 #include "solvers/profile_rows.h"
 
+namespace morlen {
+
 namespace {
 
 /// Sums that run side by side, so that no addition waits for the one before it.
@@ -56,3 +58,5 @@ void SubtractMultiple(double* y, const double* x, double factor, int count)
   for (int k = 0; k < count; ++k)
     y[k] -= factor * x[k];
 }
+
+}  // namespace morlen

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace morlen {
+
 /// Symmetric matrices by the rows of their profile, and the loops of the substitutions on them.
 /// Everything here counts from 0; nothing is checked.
 
@@ -38,3 +40,5 @@ double DotProduct(const double* a, const double* b, int count);
 
 /// y[k] -= factor·x[k] over 0 <= k < count; x and y do not overlap.
 void SubtractMultiple(double* y, const double* x, double factor, int count);
+
+}  // namespace morlen

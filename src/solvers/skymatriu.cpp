@@ -14,6 +14,8 @@
 #include "solvers/ldlt_kernels.h"
 #include "solvers/profile_rows.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kEquationsPerMessage = 500;
@@ -276,3 +278,5 @@ bool SkyMatriu::IsMultiple(int i, const std::vector<double>& row,
       i, [&](int j, double entry) { isZero = isZero && (!IsZero(row[j - 1]) || IsZero(entry)); });
   return isZero;
 }
+
+}  // namespace morlen

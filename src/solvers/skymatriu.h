@@ -9,6 +9,8 @@
 #include "solvers/bsolver.h"
 #include "solvers/pivot_check.h"
 
+namespace morlen {
+
 struct LdltKernel;
 
 /// Symmetric matrix stored by profile, factorised in place as L·D·Lᵀ.
@@ -147,3 +149,5 @@ private:
   bool factorised = false;
   double lostPart = kLostPart;
 };
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 #include "numeric/matriu.h"
 #include "solvers/skymatriu.h"
 
+namespace morlen {
+
 void SkyMatriu::CopyFromYouToMat(Matriu& m) const
 {
   m.redimension(n, n);
@@ -102,3 +104,5 @@ void SkyMatriu::WriteForKiv(std::ofstream& mesh, std::ofstream& res) const
       for (int corner = 0; corner < 4; ++corner)
         res << ++node << " " << Value(i, j) << "\n";
 }
+
+}  // namespace morlen

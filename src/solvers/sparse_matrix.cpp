@@ -8,6 +8,8 @@
 #include "base/errorwriter.h"
 #include "solvers/triangular_solve.h"
 
+namespace morlen {
+
 namespace {
 
 std::vector<int> RunningSums(int n, const int* lengths)
@@ -280,3 +282,5 @@ std::ostream& operator<<(std::ostream& out, const SparseMatrix& matrix)
   }
   return out;
 }
+
+}  // namespace morlen

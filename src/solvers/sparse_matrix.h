@@ -12,6 +12,8 @@
 #include "solvers/element_blocks.h"
 #include "solvers/node_couplings.h"
 
+namespace morlen {
+
 /// Square matrix in compressed storage; rows, columns and slots run from 0.
 ///
 /// Each row has a fixed number of slots. A slot is free until a number added to the row gives
@@ -164,3 +166,5 @@ private:
 /// One line a row: four blanks, the column from 1, ':' and the value for every slot that has
 /// a column.
 std::ostream& operator<<(std::ostream& out, const SparseMatrix& matrix);
+
+}  // namespace morlen

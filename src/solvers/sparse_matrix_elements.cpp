@@ -5,6 +5,8 @@
 
 #include "solvers/sparse_matrix.h"
 
+namespace morlen {
+
 namespace {
 
 /// Adds a block given row by row, or its transpose, to one kept column by column.
@@ -179,3 +181,5 @@ void SparseMatrix::AddAtPlaces(const ElementBlocks& element, const int* places)
     }
   }
 }
+
+}  // namespace morlen

@@ -18,6 +18,8 @@
 #include "solvers/ilu_preconditioner.h"
 #include "solvers/krylov.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kTolerance1 = 1e-05;
@@ -236,3 +238,5 @@ void SparseSolver::PrintInfoMem(std::FILE* info) const
            "Amount of memory= %.1fMb\n\n",
            n, matrix->GiveSlots(), static_cast<double>(matrix->StorageBytes()) / (1024.0 * 1024.0));
 }
+
+}  // namespace morlen

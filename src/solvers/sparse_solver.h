@@ -12,6 +12,8 @@
 #include "solvers/preconditioner.h"
 #include "solvers/sparse_matrix.h"
 
+namespace morlen {
+
 /// The whole matrix, both triangles, in blocks of nodes, solved by conjugate gradients with
 /// an incomplete LU preconditioner.
 ///
@@ -128,3 +130,5 @@ private:
   std::vector<int> prescribed;  ///< equations whose rows are replaced, from 0
   std::unique_ptr<double[]> initialValues;
 };
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 namespace {
 
 enum class Diagonal
@@ -175,3 +177,5 @@ void dcsrsm(int transa, int unitd, const int descra[3], const CompressedView& T,
   CheckDescriptor(unitd, descra);
   SolveStored(true, transa, descra, T, b, x);
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include "solvers/compressed_rows.h"
 
+namespace morlen {
+
 // Products and triangular solves on compressed storage, by columns (CompCol_...) or by rows
 // (CompRow_...). "Unit": the diagonal is 1 and not stored. "Diag": it is stored, first in a
 // line of a lower triangle by columns or of an upper one by rows, else last. The other
@@ -39,3 +41,5 @@ void dcscsm(int transa, int unitd, const int descra[3], const CompressedView& T,
 /// The same with T in row storage.
 void dcsrsm(int transa, int unitd, const int descra[3], const CompressedView& T, const double* b,
             double* x);
+
+}  // namespace morlen

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <memory>
 
+namespace morlen {
+
 // Loops over plain arrays of n doubles that the iterative methods share. What works on the same
 // vectors is done in one pass over them, since memory is what limits the speed.
 
@@ -77,3 +79,5 @@ inline bool CanDivideBy(double value)
 {
   return value != 0.0 && std::isfinite(value);
 }
+
+}  // namespace morlen

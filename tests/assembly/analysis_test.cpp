@@ -16,6 +16,8 @@
 #include "support/reference_frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -607,3 +609,5 @@ TEST(Analysis, RenumberingBelongsToTheSkylineSolver)
   renumbered->Calc(1, nullptr);
   EXPECT_EQ(renumbered->meshes[0]->GiveOldNumber(1), 3);
 }
+
+}  // namespace morlen

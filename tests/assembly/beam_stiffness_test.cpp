@@ -16,6 +16,8 @@
 #include "support/processor.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kL = 2.0;
@@ -353,3 +355,5 @@ TEST(BeamAssembly, MissingMaterialIsRefused)
     ExpectFatal([&] { Solved(ProblemParts().With(&ProblemParts::elements, element).Text()); },
                 "error: Material in element: 1 doesn't exist\n");
 }
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "support/reference_frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Components = std::array<double, 6>;
@@ -227,3 +229,5 @@ TEST(Cantilever, ManyElementsGiveTheSame)
   ExpectValues(many.Reaction(1), one.Reaction(1), 1e-10);
   ExpectEquilibrium(many);
 }
+
+}  // namespace morlen

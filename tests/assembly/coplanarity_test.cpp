@@ -12,6 +12,8 @@
 #include "support/messages.h"
 #include "support/shell_model.h"
 
+namespace morlen {
+
 namespace {
 
 // Two squares of two triangles each; the second is turned up by the angle about the edge
@@ -259,3 +261,5 @@ TEST(Coplanarity, RefusesOppositeFlangesOfATeeInAnyOrder)
   model.triangles = {{1, 2, 3}, {1, 2, 4}, {2, 1, 5}};
   EXPECT_EQ(MarksOf(model), (std::vector<int>{0, 0, 1, 1, 1}));
 }
+
+}  // namespace morlen

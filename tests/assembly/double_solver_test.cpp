@@ -12,6 +12,8 @@
 #include "support/shell_model.h"
 #include "support/solid_model.h"
 
+namespace morlen {
+
 namespace {
 
 // A fold clamped at both ends under weight, a spring in its middle.
@@ -146,3 +148,5 @@ TEST(DoubleSolver, KeepsAxesOfSupports)
   for (int node = 1; node <= 35; ++node)
     ExpectValues(a.Displacement(node), b.Displacement(node), 1e-5, 1e-4);
 }
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "support/dense.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Rows = std::vector<std::vector<double>>;
@@ -136,3 +138,5 @@ TEST(ElementProducts, AddStrengthsOfTheMaterial)
   AddToStrengthVec(res, 1, D, strain);
   EXPECT_EQ(Values(res), (std::vector<double>{1, 22, 39, 1}));
 }
+
+}  // namespace morlen

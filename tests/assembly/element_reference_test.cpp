@@ -22,6 +22,8 @@
 #include "support/shell_model.h"
 #include "support/solid_model.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kElements = 20;
@@ -389,3 +391,5 @@ TEST_P(ShellReferenceOfNodes, StiffnessAndForcesAreThoseOfThePlainComputation)
     ExpectEqual(shell, GetParam(), 6, u, ShellReference(GetParam(), x, y, material.D(), u));
   }
 }
+
+}  // namespace morlen

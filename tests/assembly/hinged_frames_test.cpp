@@ -13,6 +13,8 @@
 #include "support/reference_frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -408,3 +410,5 @@ TEST(HallFrame, HingedFeetWeightSnowAndWind)
   EXPECT_NEAR(LoadedStrength(solved, 1, 3, 0.0), 0.0, 1e-10);
   EXPECT_NEAR(LoadedStrength(solved, 4, 3, 1.0), 0.0, 1e-10);
 }
+
+}  // namespace morlen

@@ -21,6 +21,8 @@
 #include "support/solved.h"
 #include "support/sparse.h"
 
+namespace morlen {
+
 namespace {
 
 /// A model ready for its elements' forces: coplanarity is known, hinges are merged.
@@ -241,3 +243,5 @@ TEST(InternalForces, WithoutElementsThereAreNone)
   for (int i = 1; i <= 6; ++i)
     EXPECT_EQ(forces.Forces(0)(i), 0.0);
 }
+
+}  // namespace morlen

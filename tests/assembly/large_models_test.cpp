@@ -12,6 +12,8 @@
 #include "support/precise.h"
 #include "support/structure.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr const char* kSettings = "NumOfDivisions 1\n";
@@ -614,3 +616,5 @@ TEST_P(LargeStructure, IsRight)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, LargeStructure, testing::ValuesIn(StandingStructures()), NameOf);
+
+}  // namespace morlen

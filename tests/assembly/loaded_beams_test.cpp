@@ -13,6 +13,8 @@
 #include "support/reference_frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Axes = std::array<Vector3, 3>;
@@ -622,3 +624,5 @@ TEST(LoadedBeam, UnitsOfLoads)
     ExpectValues(r, {0, 15000, 0, -6000, 0, 22500}, 1e-12);
   }
 }
+
+}  // namespace morlen

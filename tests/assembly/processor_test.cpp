@@ -15,6 +15,8 @@
 #include "support/processor.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 std::string SpaceFrame(const std::string& settings)
@@ -95,3 +97,5 @@ TEST(ChosenProcessor, DecidesOnTheLastDigits)
     ExpectValues(chosen, plain, 1e-8);  // rounding times the condition of the matrix
   }
 }
+
+}  // namespace morlen

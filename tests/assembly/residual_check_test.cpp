@@ -22,6 +22,8 @@
 #include "support/solved.h"
 #include "support/structure.h"
 
+namespace morlen {
+
 namespace {
 
 /// The models are written in kN and m, and computed in each of these.
@@ -633,3 +635,5 @@ TEST(Refinement, FindsAMotionBesideASoftPart)
     }
   }
 }
+
+}  // namespace morlen

@@ -14,6 +14,8 @@
 #include "support/precise.h"
 #include "support/structure.h"
 
+namespace morlen {
+
 namespace {
 
 struct RoughModel
@@ -420,3 +422,5 @@ TEST(RoughModels, DISABLED_Table)
     std::printf("| %s | %d | %s |\n", model.text.c_str(), structure.Equations(), ending.c_str());
   }
 }
+
+}  // namespace morlen

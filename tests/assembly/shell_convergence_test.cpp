@@ -12,6 +12,8 @@
 #include "support/loaded_beams.h"
 #include "support/shell_model.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kPi = std::numbers::pi;
@@ -336,3 +338,5 @@ TEST(ShellConvergence, TwistedStripIsTooSoftInTriangles)
       {[] { return TwistedStrip(2, 2); }, false, 0.5, 0.7},
   });
 }
+
+}  // namespace morlen

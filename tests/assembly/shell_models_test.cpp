@@ -11,6 +11,8 @@
 #include "support/reference_frame.h"
 #include "support/shell_model.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kThickness = 0.2;
@@ -373,3 +375,5 @@ TEST(ShellModels, NeedSpace)
   text.replace(text.find("3d"), 2, "2d");
   EXPECT_NE(FatalCaught([&] { Solved{text}; }), "(the run went on)");
 }
+
+}  // namespace morlen

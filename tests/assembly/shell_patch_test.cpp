@@ -13,6 +13,8 @@
 #include "support/reference_frame.h"
 #include "support/shell_model.h"
 
+namespace morlen {
+
 namespace {
 
 using Components = std::array<double, 6>;
@@ -230,3 +232,5 @@ TEST(PatchTest, BendingOfThreeNodeTrianglesConverges)
     EXPECT_LT(errors[2], 0.4 * errors[1]) << t;
   }
 }
+
+}  // namespace morlen

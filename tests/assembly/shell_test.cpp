@@ -16,6 +16,8 @@
 #include "support/fatal.h"
 #include "support/shell_model.h"
 
+namespace morlen {
+
 namespace {
 
 // The numbers of a node whose shape function has these derivatives and this value.
@@ -309,3 +311,5 @@ TEST(Shell, EnergyOfTheStiffnessIsThatOfTheForces)
     EXPECT_NEAR(energy, fromForces, 1e-11 * energy);
   }
 }
+
+}  // namespace morlen

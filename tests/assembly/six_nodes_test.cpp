@@ -16,6 +16,8 @@
 #include "support/run.h"
 #include "support/shell_model.h"
 
+namespace morlen {
+
 namespace {
 
 // A square of two triangles, 1 2 3 and 1 3 4.
@@ -207,3 +209,5 @@ TEST(SixNodes, MixWithSixNodeTrianglesOfTheFile)
   EXPECT_EQ(ForcesOf(solved, 1).size(), 3U);
   EXPECT_EQ(ForcesOf(solved, 7).size(), 1U);
 }
+
+}  // namespace morlen

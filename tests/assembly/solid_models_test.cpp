@@ -13,6 +13,8 @@
 #include "support/solid_model.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kE = 1000.0;
@@ -472,3 +474,5 @@ TEST_P(SolidModels, ProgressNamesTheSmoothing)
   EXPECT_EQ(MessagesOf([&](std::FILE* info) { project->CalcStrengthsAndReactions(info); }),
             "Beginning smooth of the gaussian variables\n");
 }
+
+}  // namespace morlen

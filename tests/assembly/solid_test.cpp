@@ -21,6 +21,8 @@
 #include "support/fatal.h"
 #include "support/solid_model.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -347,3 +349,5 @@ TEST_P(Solid, EveryBlockGoesIntoTheMatrixOnce)
   std::sort(places.begin(), places.end());
   EXPECT_EQ(places, expected);
 }
+
+}  // namespace morlen

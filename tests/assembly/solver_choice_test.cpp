@@ -29,6 +29,8 @@
 #include "support/solved.h"
 #include "support/structure.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr std::uint64_t kAnyMemory = std::numeric_limits<std::uint64_t>::max();
@@ -241,3 +243,5 @@ TEST(Automatic, IteratesUntilSoftPartsAreRightToo)
   EXPECT_LE(error[0], 1e-4 * largest[0]);
   EXPECT_LE(error[1], 1e-4 * largest[1]);
 }
+
+}  // namespace morlen

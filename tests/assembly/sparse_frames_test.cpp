@@ -27,6 +27,8 @@
 #include "support/run.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -617,3 +619,5 @@ TEST(SparseFrames, SpringsMayBeAllThatANodeHas)
     EXPECT_NEAR(solved.Displacement(2)[0], 7.0 * 2.0 / 2000.0, 1e-12);
   }
 }
+
+}  // namespace morlen

@@ -12,6 +12,8 @@
 #include "support/frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 // Support axes of angle a in the plane: x = (cos a, -sin a), y = (sin a, cos a).
@@ -79,3 +81,5 @@ TEST(SupportAxes, TurnRowsByTheFirstNodeAndColumnsByTheSecond)
       {c - 2 * s, s + 2 * c, 3, 4 * c - 5 * s, 4 * s + 5 * c, 6, 7 * c - 8 * s, 7 * s + 8 * c, 9},
       1e-15);
 }
+
+}  // namespace morlen

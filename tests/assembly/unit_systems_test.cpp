@@ -18,6 +18,8 @@
 #include "support/solid_model.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 struct UnitSystem
@@ -341,3 +343,5 @@ TEST(UnitSystems, EndWithStatusZero)
     }
   }
 }
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 
 #include "support/fatal.h"
 
+namespace morlen {
+
 TEST(ArrayLength, IsTheProduct)
 {
   EXPECT_EQ(ArrayLength(0, 6), 0);
@@ -24,3 +26,5 @@ TEST(ArrayLength, IsRefusedWhereAnIntEnds)
   for (const auto& r : refused)
     ExpectFatal([&] { ArrayLength(r.count, r.each); }, "Not space available on heap");
 }
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 
 #include "support/fatal.h"
 
+namespace morlen {
+
 TEST(ErrorWriter, MessageIsThePartsInOrder)
 {
   ExpectFatal([] { Fatal("error: element ", 7, " at ", 1.5, "\n"); }, "error: element 7 at 1.5\n");
@@ -60,3 +62,5 @@ TEST(ErrorWriter, FailedAllocationIsFatal)
 {
   ExpectFatal([] { std::get_new_handler()(); }, "Not space available on heap");
 }
+
+}  // namespace morlen

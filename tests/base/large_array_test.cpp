@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdint>
 
+namespace morlen {
+
 namespace {
 
 TEST(LargeArray, KeepsItsNumbersWhateverItsSize)
@@ -28,3 +30,5 @@ TEST(LargeArray, BeginsOnALargePage)
 }
 
 }  // namespace
+
+}  // namespace morlen

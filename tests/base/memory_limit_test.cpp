@@ -10,6 +10,8 @@
 #include "support/fatal.h"
 #include "support/run.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr std::uint64_t kMega = 1 << 20;
@@ -127,3 +129,5 @@ TEST(RequireMemory, RefusesWhatNoMachineHas)
   ExpectFatal([] { RequireMemory(UINT64_MAX); }, "Not space available on heap");
   ExpectFatal([] { RequireMemory(std::uint64_t{1} << 60); }, "Not space available on heap");
 }
+
+}  // namespace morlen

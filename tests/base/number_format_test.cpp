@@ -13,6 +13,8 @@
 
 #include "base/powers_of_ten.h"
 
+namespace morlen {
+
 namespace {
 
 template <class Number>
@@ -171,3 +173,5 @@ TEST(PowersOfTen, ExponentsOfThePowersOfTwo)
     EXPECT_EQ(FloorLog10OfPower(b), std::stoi(text.substr(text.find('e') + 1))) << b;
   }
 }
+
+}  // namespace morlen

@@ -14,6 +14,8 @@
 
 #include "base/textscan.h"
 
+namespace morlen {
+
 namespace {
 
 TEST(NumberText, ScanDoubleReadsAsScanf)
@@ -343,3 +345,5 @@ TEST(NumberText, PlainIntegersGoToTheFirstOtherCharacter)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 
 #include "base/large_memory.h"
 
+namespace morlen {
+
 namespace {
 
 class Thing : public Pooled<Thing>
@@ -99,3 +101,5 @@ TEST(LargeMemory, BlocksOfAnySizeCanBeWritten)
               static_cast<std::ptrdiff_t>(bytes));
   }
 }
+
+}  // namespace morlen

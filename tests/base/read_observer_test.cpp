@@ -8,6 +8,8 @@
 #include "base/textscan.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 /// Keeps what it is told as lines; runs steps as they are.
@@ -89,3 +91,5 @@ TEST(TextScan, KnowsPlacesInTheText)
   EXPECT_EQ(text.OffsetOf(line.data() + 2), 5);
   EXPECT_EQ(text.OffsetOf("elsewhere"), -1);
 }
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 
 #include "base/stprintf.h"
 
+namespace morlen {
+
 namespace {
 
 std::string Printed(const char* format, double number)
@@ -93,3 +95,5 @@ TEST(Progress, DoesNothingWithoutAStream)
 {
   Progress(nullptr, "text %i\n", 1);
 }
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 
 #include "support/fatal.h"
 
+namespace morlen {
+
 TEST(TextScan, IntegersAsAFormattedStreamReadsThem)
 {
   static const struct
@@ -257,3 +259,5 @@ TEST(Prefix, IgnoresCase)
   EXPECT_TRUE(EqualsNoCase("MESH", "mesh"));
   EXPECT_FALSE(EqualsNoCase("meshes", "mesh"));
 }
+
+}  // namespace morlen

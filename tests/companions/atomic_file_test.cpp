@@ -6,6 +6,8 @@
 #include "support/fatal.h"
 #include "support/run.h"
 
+namespace morlen {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -96,3 +98,5 @@ TEST(AtomicFile, EndsTheRunWhenTheFolderIsGoneAtTheEnd)
   ExpectFatal([&] { file.Commit(); }, "can't write file " + (folder.Path() / "sub" / "a").string() +
                                           ": No such file or directory\n");
 }
+
+}  // namespace morlen

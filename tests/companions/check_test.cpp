@@ -8,6 +8,8 @@
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
 
+namespace morlen {
+
 using Lines = std::vector<std::string>;
 
 namespace {
@@ -474,3 +476,5 @@ TEST(Check, LeavesTheEndOfRunAsItWas)
   EXPECT_EQ(errorwriter.SetEndOfRun(before), static_cast<ErrorWriter::EndOfRun>(end));
   EXPECT_EQ(readObserver, nullptr);
 }
+
+}  // namespace morlen

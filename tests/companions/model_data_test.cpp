@@ -5,6 +5,8 @@
 #include "support/fatal.h"
 #include "support/run.h"
 
+namespace morlen {
+
 using model::Kind;
 using model::Model;
 
@@ -167,3 +169,5 @@ TEST(ModelData, WhatTheProgramRefusesIsRefused)
   ExpectFatal([] { Read("problem type: 1d"); }, "Type of problem unknown. Only 2d and 3d\n");
   ExpectFatal([] { model::ReadModel("/none.dat"); }, "can't open file /none.dat\n");
 }
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "report/viewer_page.h"
 #include "support/run.h"
 
+namespace morlen {
+
 namespace {
 
 /// A model and all that acts on it, read from the text of a problem file.
@@ -318,3 +320,5 @@ TEST(WritePage, PutsTitleAndDataIntoTheirPlaces)
   EXPECT_NE(page.find("<title>a&lt;b</title>"), std::string::npos);
   EXPECT_NE(page.find("id=\"data\">{\"@DATA@\":1}</script>"), std::string::npos);
 }
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 #include "common/result_data.h"
 #include "support/run.h"
 
+namespace morlen {
+
 using model::Model;
 using results::Results;
 
@@ -138,3 +140,5 @@ TEST(ResultReader, StressesOfOneTetrahedron)
     EXPECT_NEAR(node.vonMises, std::sqrt(36.0 * 36.0 + 3.0 * 144.0), 1e-3);
   }
 }
+
+}  // namespace morlen

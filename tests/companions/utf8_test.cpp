@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace morlen {
+
 TEST(ToUtf8, KeepsCharactersAndReplacesOtherBytes)
 {
   static const struct
@@ -25,3 +27,5 @@ TEST(ToUtf8, KeepsCharactersAndReplacesOtherBytes)
   for (const auto& c : cases)
     EXPECT_EQ(ToUtf8(c.given), c.expected) << c.expected;
 }
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "fuzz/targets.h"
 #include "support/run.h"
 
+namespace morlen {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -38,3 +40,5 @@ TEST(FuzzCorpus, IsSolvedWithFiniteResultsOrRefusedWithAMessage)
 }
 
 }  // namespace
+
+}  // namespace morlen

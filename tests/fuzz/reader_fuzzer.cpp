@@ -4,6 +4,8 @@
 
 #include "fuzz/targets.h"
 
+using namespace morlen;
+
 /// What libFuzzer calls with every text that it makes.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

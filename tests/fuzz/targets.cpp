@@ -11,6 +11,8 @@
 #include "problem/project.h"
 #include "support/run_ended.h"
 
+namespace morlen {
+
 namespace {
 
 // The name of a file in memory, made once for the process.
@@ -87,3 +89,5 @@ Outcome AnalyseText(std::string_view text)
   outcome.finite = finite || NamesNoNumber(text);
   return outcome;
 }
+
+}  // namespace morlen

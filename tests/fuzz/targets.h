@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+namespace morlen {
+
 // What is done with the text of a problem file, whatever it is. The fuzzers make such texts;
 // the tests repeat those that are kept.
 
@@ -21,3 +23,5 @@ Outcome ReadText(std::string_view text);
 /// Two settings are bounded, so that a small text takes a small time: the divisions of beams
 /// and the iterations of the sparse solver.
 Outcome AnalyseText(std::string_view text);
+
+}  // namespace morlen

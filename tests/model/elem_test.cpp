@@ -11,6 +11,8 @@
 #include "model/node.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 // Nodes 1 to 4 and an element of each kind on them.
@@ -218,3 +220,5 @@ TEST(NodePlaces, KeepTheirNodesWhileTheyGrow)
   EXPECT_EQ(places[2], nullptr);
   EXPECT_EQ(NodePlaces(0).Size(), 0);
 }
+
+}  // namespace morlen

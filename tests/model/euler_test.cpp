@@ -10,6 +10,8 @@
 #include "numeric/matriu.h"
 #include "numeric/matriu_arithmetic.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kPi = std::numbers::pi;
@@ -322,3 +324,5 @@ TEST(Euler, MeanOfOppositeAxesIsTheFirst)
 }
 
 }  // namespace
+
+}  // namespace morlen

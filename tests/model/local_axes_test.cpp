@@ -10,6 +10,8 @@
 #include "numeric/matriu.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kTol = 1e-14;
@@ -249,3 +251,5 @@ TEST(TriangleAxes, MaterialXAlongTheNormalIsRefused)
   ExpectFatal([&] { shell.Frame(&identity); },
               "error in element 4. Normal to element and X local are parallel\n");
 }
+
+}  // namespace morlen

@@ -12,6 +12,8 @@
 #include "numeric/matriu_arithmetic.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -544,3 +546,5 @@ TEST(Material, SolidMatrixNeedsItsValues)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "numeric/plex_range.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 // A mesh that deletes what it has read.
@@ -390,3 +392,5 @@ TEST(Renumber, NullEntriesSortLast)
   EXPECT_GT(CompareNodePointers(&none, &node), 0);
   EXPECT_EQ(CompareNodePointers(&none, &none), 0);
 }
+
+}  // namespace morlen

@@ -8,6 +8,8 @@
 #include "numeric/matriu.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kNodes[6][2] = {{0, 0}, {1, 0}, {0, 1}, {0.5, 0}, {0.5, 0.5}, {0, 0.5}};
@@ -135,3 +137,5 @@ TEST(LocalCoordinates, BeginAtTheFirstNodeAndFollowTheFrame)
     EXPECT_NEAR(y[i], expected[i][1], 1e-14);
   }
 }
+
+}  // namespace morlen

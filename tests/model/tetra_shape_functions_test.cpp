@@ -12,6 +12,8 @@
 #include "support/solid_model.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 // The places of the nodes, corners first.
@@ -143,3 +145,5 @@ TEST(TetraShapeFunctions, JacobianOfACurvedEdge)
   EXPECT_NEAR(J[2][2], 1.0 - 4.0 * d * kXi, 1e-15);
   EXPECT_NEAR(J[0][0], 1.0, 1e-15);
 }
+
+}  // namespace morlen

@@ -7,6 +7,8 @@
 
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 std::vector<std::string> Names(const Units& units)
@@ -196,3 +198,5 @@ TEST(Units, FactorsMayBeSmall)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "support/dense.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -349,3 +351,5 @@ TEST_F(MatriuArithmetic, Equality)
 }
 
 }  // namespace
+
+}  // namespace morlen

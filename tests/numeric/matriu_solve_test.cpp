@@ -11,6 +11,8 @@
 #include "support/dense.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -276,3 +278,5 @@ TEST(LULinSolve, StopsAtANegligiblePivot)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -15,6 +15,8 @@
 #include "support/dense.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -378,3 +380,5 @@ TEST(Matriu, WritesATable)
 }
 
 }  // namespace
+
+}  // namespace morlen

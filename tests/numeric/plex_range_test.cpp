@@ -5,6 +5,8 @@
 
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 struct Thing
@@ -119,3 +121,5 @@ TEST_F(PlexRange, DeleteAllDeletesAndClears)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 
 #include "numeric/reavec.h"
 
+namespace morlen {
+
 namespace {
 
 // Keys in the orders that give a quicksort trouble.
@@ -133,3 +135,5 @@ TEST(QSort, NoNumbersComeLast)
 }
 
 }  // namespace
+
+}  // namespace morlen

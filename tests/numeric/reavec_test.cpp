@@ -10,6 +10,8 @@
 #include "support/dense.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -118,3 +120,5 @@ TEST(ReaVec, SquaredDistance)
 }
 
 }  // namespace
+
+}  // namespace morlen

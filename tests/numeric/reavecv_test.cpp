@@ -11,6 +11,8 @@
 #include "support/dense.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -225,3 +227,5 @@ TEST(ReaVecVT, OperatorsReturnTemporaries)
 }
 
 }  // namespace
+
+}  // namespace morlen

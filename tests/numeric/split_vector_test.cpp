@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace morlen {
+
 namespace {
 
 ReaVecV Single(double value)
@@ -44,3 +46,5 @@ TEST(SplitVector, ValueIsTheSumRounded)
   EXPECT_EQ(v.value(1), 0x1p60);
   EXPECT_EQ(v.rest(1), 1.0 + 0x1p-52);
 }
+
+}  // namespace morlen

@@ -12,6 +12,8 @@
 #include "support/dense.h"
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -334,3 +336,5 @@ TYPED_TEST(BothVectors, ReadsIntoTheExistingComponents)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -8,6 +8,8 @@
 
 #include "support/fatal.h"
 
+namespace morlen {
+
 namespace {
 
 int marks[2000];
@@ -360,3 +362,5 @@ TEST(VoidPlex, FarNumbersAreFoundWithoutAWalk)
 }
 
 }  // namespace
+
+}  // namespace morlen

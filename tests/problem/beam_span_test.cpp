@@ -13,6 +13,8 @@
 #include "support/loaded_beams.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr int kCodes[] = {11, 10, 1, 0};
@@ -314,3 +316,5 @@ TEST(SpanLoad, ShowsWhetherThereIsAny)
   EXPECT_FALSE((SpanLoad{.q = {0, 0, 0, 1}}).IsZero());
   EXPECT_FALSE((SpanLoad{.strain = 1e-6}).IsZero());
 }
+
+}  // namespace morlen

@@ -14,6 +14,8 @@
 #include "support/fatal.h"
 #include "support/reference_frame.h"
 
+namespace morlen {
+
 namespace {
 
 using Components = std::array<double, kMaxComponents>;
@@ -270,3 +272,5 @@ TEST(Load, PrintToWritesOneLine)
   load.PrintTo(out, 3);
   EXPECT_EQ(out.str(), "values=1 -2.5 1e-07\n");
 }
+
+}  // namespace morlen

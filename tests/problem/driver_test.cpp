@@ -9,6 +9,8 @@
 #include "support/frame.h"
 #include "support/run.h"
 
+namespace morlen {
+
 namespace {
 
 const char* const kUsage =
@@ -316,3 +318,5 @@ TEST_F(DriverTest, AFolderIsAProblemFileWithoutWords)
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.err, "can't find word ***problem*** in input file\n");
 }
+
+}  // namespace morlen

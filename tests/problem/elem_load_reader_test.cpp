@@ -15,6 +15,8 @@
 #include "support/run.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 // A cantilever of three beams in two meshes, with these lines at the end of the file.
@@ -237,3 +239,5 @@ TEST(ReadElemLoad, LoadsOnHugeElementNumbersCostNothing)
                          .With(&ProblemParts::rest, Block("face_loads", "2147483647 0 -2"));
   ExpectValues(Solved(parts.Text()).Reaction(1), {0, 2, 1}, 1e-12);
 }
+
+}  // namespace morlen

@@ -12,6 +12,8 @@
 #include "support/frame.h"
 #include "support/run.h"
 
+namespace morlen {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -131,3 +133,5 @@ TEST_F(FileIdentityTest, FoldersThatDoNotExistAreLeftToTheOpening)
       },
       "accepted");
 }
+
+}  // namespace morlen

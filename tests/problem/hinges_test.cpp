@@ -16,6 +16,8 @@
 #include "support/run.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -243,3 +245,5 @@ TEST(Hinges, AreListedInTheModel)
   }
   EXPECT_EQ(folder.Read("plain.txt").find("rotule"), std::string::npos);
 }
+
+}  // namespace morlen

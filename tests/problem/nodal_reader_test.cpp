@@ -13,6 +13,8 @@
 #include "support/frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 // kN_mm: a force unit of 1000, a length unit of 0.001.
@@ -283,3 +285,5 @@ TEST(LoadRecords, BlockMustEnd)
   ExpectFatal([] { ReadProject(ProblemParts().Text() + "nodal_point_loads\n1 0 0 0\nstop it\n"); },
               "can't find word ***end*** in input file\n");
 }
+
+}  // namespace morlen

@@ -18,6 +18,8 @@
 #include "support/reference_frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -336,3 +338,5 @@ TEST(TemperatureLT, ReadsTwoNumbers)
     ExpectFatal([&] { load.ReadYourLoad(7, kSpace, text, {}, Linear); },
                 "Not reading correctly temperature_loads. ElemNum=7\n");
 }
+
+}  // namespace morlen

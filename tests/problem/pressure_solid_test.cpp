@@ -10,6 +10,8 @@
 #include "support/fatal.h"
 #include "support/solid_model.h"
 
+namespace morlen {
+
 namespace {
 
 const std::vector<Vector3> kCorners = {
@@ -331,3 +333,5 @@ TEST(PressureOnSolids, FaceWithoutAreaTakesNoLoad)
   model.rest = Record("local_pressure_loads", 0, {1, 2, 3});
   ExpectForces(model, std::vector<Vector3>(4));
 }
+
+}  // namespace morlen

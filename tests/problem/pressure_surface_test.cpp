@@ -16,6 +16,8 @@
 #include "support/loaded_beams.h"
 #include "support/shell_model.h"
 
+namespace morlen {
+
 namespace {
 
 // One triangle in an oblique plane: area 3, normal (-0.6, 0, 0.8), x' = Y.
@@ -265,3 +267,5 @@ TEST(PressureOnTriangle, IsInEquilibriumWithTheReactions)
     }
   }
 }
+
+}  // namespace morlen

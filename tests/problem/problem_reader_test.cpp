@@ -14,6 +14,8 @@
 #include "support/frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 const char* const kUnits =
@@ -509,3 +511,5 @@ TEST(ProblemMaterials, OwnMaterialsOfElementsAreCompleted)
   EXPECT_EQ(alone.E1, 7.0);
   EXPECT_EQ(alone.A, 0.0);
 }
+
+}  // namespace morlen

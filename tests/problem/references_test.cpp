@@ -9,6 +9,8 @@
 #include "support/fatal.h"
 #include "support/frame.h"
 
+namespace morlen {
+
 namespace {
 
 // The message with which the references of a problem are refused.
@@ -76,3 +78,5 @@ TEST(References, AreSeenInEveryMesh)
       "mesh dimension 3 elemtype Linear nnode 2 coordinates\nend\nelements\n9 1 5 1\nend\n";
   EXPECT_EQ(Refusal(SpaceProblem().Text() + second), "error: element 9 has an unknown node\n");
 }
+
+}  // namespace morlen

@@ -14,6 +14,8 @@
 #include "support/run.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 const char* const kNone = "There are no prescribed nodes in the model!!!\n";
@@ -194,3 +196,5 @@ TEST(SupportChecks, APlaneMechanismGetsTheSolversMessageOnly)
                      .With(&ProblemParts::rest, second),
                  std::string(kOne) + kThreeNeeded, ZeroDiagonal(6, 1, 6, "Z rotation"));
 }
+
+}  // namespace morlen

@@ -14,6 +14,8 @@
 #include "support/run.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -200,3 +202,5 @@ TEST(BeamLoadFiles, NodesWhoseRotationIsFixedStandAmongTheReactions)
   ASSERT_EQ(text.reactions.size(), 3u);
   EXPECT_EQ(text.reactions.at(2), (Doubles{0, 0, 0}));
 }
+
+}  // namespace morlen

@@ -9,6 +9,8 @@
 #include "support/frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -196,3 +198,5 @@ TEST(ReleaseHingedRotations, InThePlane)
   EXPECT_DOUBLE_EQ(ends.first[2], 0.25);
   EXPECT_DOUBLE_EQ(ends.second[2], 0.25);
 }
+
+}  // namespace morlen

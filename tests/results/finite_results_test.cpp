@@ -10,6 +10,8 @@
 #include "support/frame.h"
 #include "support/run.h"
 
+namespace morlen {
+
 namespace {
 
 const char* const kNoSolution =
@@ -85,3 +87,5 @@ TEST(FiniteResults, CoordinatesInOtherUnits)
   ExpectAccepted(problem("1e305"));
   ExpectRefused(problem("1e307"), "error: node 3 has a coordinate that is not finite\n");
 }
+
+}  // namespace morlen

@@ -9,6 +9,8 @@
 #include "support/run.h"
 #include "support/shell_model.h"
 
+namespace morlen {
+
 namespace {
 
 // A triangle all of whose values are round: N = (4, 8, 1), M = (2, 1, 0.5), Q = (3, 6).
@@ -160,3 +162,5 @@ TEST(KivShells, AreWrittenForEveryMesh)
   for (std::size_t i = 0; i < names.size(); ++i)
     EXPECT_EQ(Trimmed(names[i]), expected[i]);
 }
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "support/solid_model.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 // Strains 0.01, -0.02, 0.03, 0.004, 0.005, 0.006 of a material with λ = G = 400: the stresses
@@ -147,3 +149,5 @@ TEST(KivSolids, SecondMeshIsRefused)
   EXPECT_EQ(run.err, "tetrahedra elements cannot be mixed with other elements\n");
   EXPECT_EQ(run.status, 2);
 }
+
+}  // namespace morlen

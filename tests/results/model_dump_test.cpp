@@ -9,6 +9,8 @@
 #include "support/run.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 const std::string kTwoMeshes =
@@ -84,3 +86,5 @@ TEST(ModelDump, ListsTheCoplanarityVector)
   const std::string dump = Dumped(*project);
   EXPECT_TRUE(dump.ends_with("Coplanarity vector:\n1 1\n2 0\n3 1\n")) << dump;
 }
+
+}  // namespace morlen

@@ -12,6 +12,8 @@
 #include "support/reference_frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kPi = std::numbers::pi;
@@ -177,3 +179,5 @@ TEST(MainValues, ReplaceTheEightForcesOfEveryPoint)
                  1e-12);
   }
 }
+
+}  // namespace morlen

@@ -16,6 +16,8 @@
 #include "support/run.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 using Doubles = std::vector<double>;
@@ -242,3 +244,5 @@ TEST(WriteResults, NumbersHaveSixDigitsInTheirShortestForm)
     EXPECT_NE(files.text.find(line), std::string::npos) << files.text;
   }
 }
+
+}  // namespace morlen

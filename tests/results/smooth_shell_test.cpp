@@ -12,6 +12,8 @@
 #include "support/messages.h"
 #include "support/shell_model.h"
 
+namespace morlen {
+
 namespace {
 
 // Two sloping squares at a fold (nodes 2 and 5) of the given angle, all nodes moved in some way
@@ -224,3 +226,5 @@ TEST(SmoothShell, IsReported)
               *settings ? "Beginning smooth of the gaussian variables\n" : "");
   }
 }
+
+}  // namespace morlen

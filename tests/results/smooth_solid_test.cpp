@@ -10,6 +10,8 @@
 #include "support/solid_model.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 namespace {
 
 // Two tetrahedra on the two sides of the face x = 0, with all displacements prescribed.
@@ -146,3 +148,5 @@ TEST_P(SmoothSolid, NodeWithoutElementsEndsTheRun)
     ExpectFatal([&] { Solved solved(model.Text(), renumber); },
                 "error: node 3 has no elements around\n");
 }
+
+}  // namespace morlen

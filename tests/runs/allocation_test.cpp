@@ -13,6 +13,8 @@
 #include "support/run.h"
 #include "support/sanitizer.h"
 
+namespace morlen {
+
 namespace {
 
 using Files = std::map<std::string, std::string>;
@@ -113,3 +115,5 @@ TEST(Allocations, OfTheIterativeSolverFailInTurn)
 {
   FailEach(Triangles("ConvertTo6Nodes\nSolver Sparse 1e-10 1e-8 1000"), 60);
 }
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "support/run.h"
 #include "support/sanitizer.h"
 
+namespace morlen {
+
 namespace {
 
 const char* const kFull = "error: Failed writing to disk. Probably the disk is full\n";
@@ -200,3 +202,5 @@ TEST(Faults, AMatrixThatDoesNotFitIsRefusedBeforeItIsAllocated)
   EXPECT_EQ(run.err, "Not space available on heap");
   EXPECT_EQ(run.out, "");
 }
+
+}  // namespace morlen

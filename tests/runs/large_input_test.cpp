@@ -9,6 +9,8 @@
 #include "support/run.h"
 #include "support/sanitizer.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr long kStack = 256 << 10;
@@ -98,3 +100,5 @@ TEST(LargeInput, AFileWithoutEndIsRefused)
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.err, "Not space available on heap");
 }
+
+}  // namespace morlen

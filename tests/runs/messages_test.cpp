@@ -11,6 +11,8 @@
 #include "support/run.h"
 #include "support/structure.h"
 
+namespace morlen {
+
 namespace {
 
 struct Refused
@@ -480,3 +482,5 @@ TEST(IterationMessages, AMechanismThatTheLoadsDoNotDriveIsRefused)
   EXPECT_NE(run.err.find("Probably boundary conditions are not correct\n"), std::string::npos)
       << run.err;
 }
+
+}  // namespace morlen

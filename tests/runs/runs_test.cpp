@@ -17,6 +17,8 @@
 #include "support/compare.h"
 #include "support/run.h"
 
+namespace morlen {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -89,3 +91,5 @@ TEST_P(Runs, WriteTheExpectedFiles)
 
 INSTANTIATE_TEST_SUITE_P(Cases, Runs, testing::ValuesIn(CaseNames()),
                          [](const auto& instance) { return instance.param; });
+
+}  // namespace morlen

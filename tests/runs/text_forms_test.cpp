@@ -9,6 +9,8 @@
 #include "support/frame.h"
 #include "support/run.h"
 
+namespace morlen {
+
 namespace {
 
 using Files = std::map<std::string, std::string>;
@@ -120,3 +122,5 @@ TEST(TextForms, LongUnknownWordsAreNamedUpToTheLengthKept)
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.err, "Unknown key name=" + std::string(1023, 'w') + "\n");
 }
+
+}  // namespace morlen

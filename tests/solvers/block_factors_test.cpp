@@ -13,6 +13,8 @@
 #include "support/processor.h"
 #include "support/sparse.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -240,3 +242,5 @@ TEST(BlockFactors, OnlyTheUpperHalfIsStored)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -8,6 +8,8 @@
 
 #include "support/sparse.h"
 
+namespace morlen {
+
 namespace {
 
 /// Lines of random blocks, behind them what the loops may read: of a triangle zeros, else NaN,
@@ -283,3 +285,5 @@ TEST(BlockKernel, OtherSizesHaveNone)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "support/fatal.h"
 #include "support/processor.h"
 
+namespace morlen {
+
 namespace {
 
 /// Fills a matrix of two coupled nodes of one component.
@@ -114,3 +116,5 @@ TEST(AreEqual, EntriesThatASolverDoesNotHaveEndTheRun)
 }
 
 }  // namespace
+
+}  // namespace morlen

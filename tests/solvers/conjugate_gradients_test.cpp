@@ -11,6 +11,8 @@
 #include "solvers/krylov.h"
 #include "support/sparse.h"
 
+namespace morlen {
+
 namespace {
 
 using Vector = std::vector<double>;
@@ -187,3 +189,5 @@ TEST(CgSystem, ItsQuotientTellsAnIndefinitePreconditioner)
 }
 
 }  // namespace
+
+}  // namespace morlen

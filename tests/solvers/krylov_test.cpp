@@ -14,6 +14,8 @@
 #include "support/messages.h"
 #include "support/sparse.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -395,3 +397,5 @@ TEST(CG, RhoZeroIsABreakdown)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include "solvers/ldlt_kernels.h"
 #include "solvers/ldlt_tiles.h"
 
+namespace morlen {
+
 namespace {
 
 /// The tiles of wider vectors than this processor may have, and others of uneven shape.
@@ -212,3 +214,5 @@ TEST(LdltFactorisation, LostPivotsAreRefusedUnlessAllAreAccepted)
     }
   }
 }
+
+}  // namespace morlen

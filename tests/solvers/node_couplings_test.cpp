@@ -6,6 +6,8 @@
 #include <set>
 #include <vector>
 
+namespace morlen {
+
 namespace {
 
 void Couple(NodeCouplings& couplings, int p, int q)
@@ -75,3 +77,5 @@ TEST(NodeCouplings, WithoutNodesThereAreNoLines)
 }
 
 }  // namespace
+
+}  // namespace morlen

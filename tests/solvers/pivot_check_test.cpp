@@ -4,6 +4,8 @@
 
 #include <limits>
 
+namespace morlen {
+
 TEST(PivotCheck, ComparesWithZeroAndWithTheDiagonal)
 {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -35,3 +37,5 @@ TEST(PivotCheck, AcceptsAnyNumberButZeroWithoutALimit)
   EXPECT_FALSE(AcceptsPivot(0.0, 1.0, 0.0));
   EXPECT_FALSE(AcceptsPivot(std::numeric_limits<double>::quiet_NaN(), 1.0, 0.0));
 }
+
+}  // namespace morlen

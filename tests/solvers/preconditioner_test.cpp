@@ -13,6 +13,8 @@
 #include "support/fatal.h"
 #include "support/sparse.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -293,3 +295,5 @@ TEST(ILUPreconditioner, ReplacedRowsStayApart)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+namespace morlen {
+
 namespace {
 
 /// Numbers without a pattern in -1..1.
@@ -50,3 +52,5 @@ TEST(ProfileRows, SubtractMultipleTouchesOnlyItsRange)
       EXPECT_NEAR(y[k], k < count ? k - 0.5 * x[k] : k, 1e-15) << count << " " << k;
   }
 }
+
+}  // namespace morlen

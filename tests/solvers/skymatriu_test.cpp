@@ -20,6 +20,8 @@
 #include "support/messages.h"
 #include "support/processor.h"
 
+namespace morlen {
+
 namespace {
 
 using Dense = std::vector<std::vector<double>>;  // indices from 0
@@ -952,3 +954,5 @@ TEST(SkyMatriu, ServesThroughTheInterface)
   EXPECT_EQ(solver->Solver(b, nullptr), 0);
   EXPECT_EQ(ToStd(b), (std::vector<double>{5, 6, 4, 3}));
 }
+
+}  // namespace morlen

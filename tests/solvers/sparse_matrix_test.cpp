@@ -11,6 +11,8 @@
 #include "support/processor.h"
 #include "support/sparse.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr const char* kOutOfBounds = "Sparse Matrix accessing exception -- out of bounds.";
@@ -479,3 +481,5 @@ TEST(SparseMatrixOfNodes, SizesOutOfRangeAreRefused)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -26,6 +26,8 @@
 #include "support/processor.h"
 #include "support/sparse.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -926,3 +928,5 @@ TEST(SparseSolver, DenseCopyAndPictureAreNotAvailable)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -9,6 +9,8 @@
 #include "support/fatal.h"
 #include "support/sparse.h"
 
+namespace morlen {
+
 namespace {
 
 using Solve = void (*)(const CompressedView&, const double*, double*);
@@ -144,3 +146,5 @@ TEST(TriangularSolve, ProductsByRowsAndColumns)
 }
 
 }  // namespace
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "support/solved.h"
 #include "support/verification.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kPi = std::numbers::pi;
@@ -213,3 +215,5 @@ std::vector<VerifiedSection> ClosedForms()
           Supports(),   Shells(), {"Tetrahedra", {PulledBar(4), PulledBar(10)}},
           UnitSystems()};
 }
+
+}  // namespace morlen

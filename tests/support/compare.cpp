@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace morlen {
+
 namespace {
 
 using Lines = std::vector<std::string_view>;
@@ -118,3 +120,5 @@ std::string Difference(std::string_view actual, std::string_view expected, Close
            std::to_string(expectedLines.size()) + "\n";
   return {};
 }
+
+}  // namespace morlen

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+namespace morlen {
+
 /// How close two numbers of a result file must be.
 struct Closeness
 {
@@ -19,3 +21,5 @@ struct Closeness
 /// does not count. Empty when they agree, else a description of the first difference.
 std::string Difference(std::string_view actual, std::string_view expected,
                        Closeness closeness = {});
+
+}  // namespace morlen

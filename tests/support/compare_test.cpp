@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace morlen {
+
 TEST(Compare, AcceptsNumbersThatAreClose)
 {
   static const struct
@@ -47,3 +49,5 @@ TEST(Compare, NamesTheFirstLineThatDiffers)
   EXPECT_EQ(Difference("a\nb\n", "a\nb\nc"), "line 3\n  is       \"\"\n  expected \"c\"\n");
   EXPECT_EQ(Difference("a\n", "a"), "2 lines, expected 1\n");
 }
+
+}  // namespace morlen

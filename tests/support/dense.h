@@ -9,6 +9,8 @@
 #include "numeric/matriu.h"
 #include "numeric/vector_functions.h"
 
+namespace morlen {
+
 /// A vector of class V with these components.
 template <class V>
 V VectorOf(std::initializer_list<double> values)
@@ -47,3 +49,5 @@ std::string Text(const T& value)
   out << value;
   return out.str();
 }
+
+}  // namespace morlen

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+namespace morlen {
+
 namespace {
 
 std::string Number(double value)
@@ -124,3 +126,5 @@ ProblemParts SpaceProblem()
           .constraints = "1 111111 0 0 0 0 0 0",
           .loads = "2 0 0 0 0 0 0"};
 }
+
+}  // namespace morlen

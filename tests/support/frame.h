@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace morlen {
+
 using Vector3 = std::array<double, 3>;
 
 /// A frame as data, from which a problem file is written and the reference solution is
@@ -88,3 +90,5 @@ struct ProblemParts
 
 /// A space cantilever from (0,0,0) to (1,0,0) whose values are all 1.
 ProblemParts SpaceProblem();
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "support/messages.h"
 #include "support/run_ended.h"
 
+namespace morlen {
+
 std::string Judged::Text() const
 {
   char text[200];
@@ -57,3 +59,5 @@ std::string TestName(const std::string& text)
   }
   return name;
 }
+
+}  // namespace morlen

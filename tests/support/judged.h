@@ -4,6 +4,8 @@
 
 #include "support/precise.h"
 
+namespace morlen {
+
 /// How a run in this process ended, and how far its results are from the reference.
 struct Judged
 {
@@ -32,3 +34,5 @@ Judged Judge(const Structure& structure, const std::string& settings,
 
 /// A name of a test from a text: its letters and digits, words with capitals.
 std::string TestName(const std::string& text);
+
+}  // namespace morlen

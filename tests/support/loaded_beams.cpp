@@ -14,6 +14,8 @@
 #include "problem/constraint.h"
 #include "problem/nodal_load.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kRounding = 1e-10;
@@ -253,3 +255,5 @@ std::string Digits(double value)
   std::snprintf(text, sizeof text, " %.17g", value);
   return text;
 }
+
+}  // namespace morlen

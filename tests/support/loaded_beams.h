@@ -5,6 +5,8 @@
 #include "support/frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 // Results of beams in full precision, with what their loads do between their ends.
 
 /// The end forces as the text results have them, first end, then second.
@@ -40,3 +42,5 @@ inline std::string Block(const std::string& keyword, const std::string& records)
 
 /// A number with all its digits.
 std::string Digits(double value);
+
+}  // namespace morlen

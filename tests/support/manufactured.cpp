@@ -12,6 +12,8 @@
 #include "support/solved.h"
 #include "support/verification.h"
 
+namespace morlen {
+
 namespace {
 
 constexpr double kPi = std::numbers::pi;
@@ -290,3 +292,5 @@ VerifiedSection ManufacturedSolutions()
            Order("Solid, 4 nodes", theory, 2, 6, solid(4)),
            Order("Solid, 10 nodes", theory, 3, 3, solid(10))}};
 }
+
+}  // namespace morlen

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <string>
 
+namespace morlen {
+
 /// What the action writes to the information stream that it is given.
 template <class Action>
 std::string MessagesOf(Action action)
@@ -16,3 +18,5 @@ std::string MessagesOf(Action action)
   std::fclose(file);
   return text;
 }
+
+}  // namespace morlen

@@ -8,6 +8,8 @@
 #include "support/result_files.h"
 #include "support/run.h"
 
+namespace morlen {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -239,3 +241,5 @@ OpenCase RunOpenCase(const std::string& name)
   }
   return result;
 }
+
+}  // namespace morlen

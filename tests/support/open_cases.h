@@ -6,6 +6,8 @@
 
 #include "support/verification.h"
 
+namespace morlen {
+
 /// A case of tests/verification: problem files, and in expected.txt lines of
 ///   section, title, source   texts for the manual,
 ///   run NAME FILE            a run of the program,
@@ -28,3 +30,5 @@ std::vector<std::string> OpenCaseNames();
 
 /// Runs the program on the problem files of the case and checks the results.
 OpenCase RunOpenCase(const std::string& name);
+
+}  // namespace morlen

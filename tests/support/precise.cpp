@@ -14,6 +14,8 @@
 
 #include "support/precise_elements.h"
 
+namespace morlen {
+
 namespace {
 
 using namespace precise;
@@ -540,3 +542,5 @@ std::vector<double> BentDisplacements(const Structure& structure, const std::vec
   }
   return displacements;
 }
+
+}  // namespace morlen

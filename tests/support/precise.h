@@ -5,6 +5,8 @@
 #include "support/solved.h"
 #include "support/structure.h"
 
+namespace morlen {
+
 /// Displacements, reactions and element forces of a structure, computed with 113 bits and rounded
 /// at the end; by the numbers of the file.
 struct PreciseResults
@@ -61,3 +63,5 @@ struct Errors
 };
 
 Errors ErrorsOf(const Solved& solved, const Structure& structure, const PreciseResults& exact);
+
+}  // namespace morlen

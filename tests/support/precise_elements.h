@@ -11,7 +11,7 @@
 
 #include "support/structure.h"
 
-namespace precise {
+namespace morlen::precise {
 
 template <class R>
 using Vec = std::array<R, 3>;
@@ -508,4 +508,4 @@ void AddAtNodes(const Element<R>& e, int n, const std::vector<R>& values, std::v
     all[e.nodes[i / n] * n + i % n] += values[i];
 }
 
-}  // namespace precise
+}  // namespace morlen::precise

@@ -7,6 +7,8 @@
 #include "problem/project.h"
 #include "support/precise.h"
 
+namespace morlen {
+
 namespace {
 
 /// Values of one kind: the largest, and the largest difference.
@@ -106,3 +108,5 @@ Errors ErrorsOf(const Solved& solved, const Structure& s, const PreciseResults& 
   take(exact.tetrahedra, 6, 6, 6);
   return errors;
 }
+
+}  // namespace morlen

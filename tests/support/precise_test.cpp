@@ -12,6 +12,8 @@
 #include "model/material.h"
 #include "model/node.h"
 
+namespace morlen {
+
 namespace {
 
 /// Rounding of the expected values themselves.
@@ -201,3 +203,5 @@ TEST(Precise, ProgramReadsTheNumbersOfTheStructure)
   });
   EXPECT_EQ(project->RequireMaterial(*project->GiveElem(1)).Iz, s.sections[0].Iz);
 }
+
+}  // namespace morlen

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <utility>
 
+namespace morlen {
+
 namespace {
 
 using Axes = std::array<Vector3, 3>;  // three unit vectors
@@ -292,3 +294,5 @@ std::array<Vector3, 3> AxesOfAngles(const Vector3& angles)
   return {Vector3{m[0][0], m[1][0], m[2][0]}, Vector3{m[0][1], m[1][1], m[2][1]},
           Vector3{m[0][2], m[1][2], m[2][2]}};
 }
+
+}  // namespace morlen

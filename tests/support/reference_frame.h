@@ -5,6 +5,8 @@
 
 #include "support/frame.h"
 
+namespace morlen {
+
 /// What the reference solution gives, six components a node in global axes, twelve end
 /// forces a beam in its local axes (the forces that the nodes exert on it).
 struct ReferenceSolution
@@ -26,3 +28,5 @@ constexpr int kPlaneComponents[] = {0, 1, 5};
 /// A matrix by columns of unit vectors: the axes with these Euler angles, as the product of
 /// three elementary rotations.
 std::array<Vector3, 3> AxesOfAngles(const Vector3& angles);
+
+}  // namespace morlen

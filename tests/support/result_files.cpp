@@ -2,6 +2,8 @@
 
 #include <sstream>
 
+namespace morlen {
+
 namespace {
 
 std::vector<double> Numbers(const std::string& line)
@@ -88,3 +90,5 @@ std::map<int, std::vector<std::vector<double>>> KivBlock(std::string_view text,
   }
   return block;
 }
+
+}  // namespace morlen

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+namespace morlen {
+
 /// The numbers of a text results file, by node or element.
 struct TextResults
 {
@@ -24,3 +26,5 @@ std::vector<std::string> KivBlockNames(std::string_view text);
 /// values. The name is the beginning of the block's header.
 std::map<int, std::vector<std::vector<double>>> KivBlock(std::string_view text,
                                                          std::string_view name);
+
+}  // namespace morlen

@@ -11,6 +11,8 @@
 #include <fstream>
 #include <iterator>
 
+namespace morlen {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -152,3 +154,5 @@ std::string ReadFile(const fs::path& file)
     ADD_FAILURE() << "cannot read " << file;
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
+
+}  // namespace morlen

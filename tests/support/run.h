@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+namespace morlen {
+
 /// A fresh folder for files of a test; removed with all that is in it.
 class TemporaryFolder
 {
@@ -62,3 +64,5 @@ RunResult RunOnProblem(std::string_view problem);
 
 /// Content of a file outside the folders of tests; fails the test when there is none.
 std::string ReadFile(const std::filesystem::path& file);
+
+}  // namespace morlen

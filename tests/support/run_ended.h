@@ -4,6 +4,8 @@
 
 #include "base/errorwriter.h"
 
+namespace morlen {
+
 /// Thrown in place of the process's end while FatalCaught runs.
 struct RunEnded
 {
@@ -25,3 +27,5 @@ std::string FatalCaught(Action action)
   errorwriter.SetEndOfRun(previous);
   return message;
 }
+
+}  // namespace morlen

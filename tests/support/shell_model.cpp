@@ -12,6 +12,8 @@
 #include "problem/constraint.h"
 #include "support/loaded_beams.h"
 
+namespace morlen {
+
 void ShellModel::Hold(int node, const std::string& flags, const std::array<double, 6>& values)
 {
   constraints += std::to_string(node) + " " + flags;
@@ -178,3 +180,5 @@ Vector3 Turned(const std::array<Vector3, 3>& axes, const Vector3& components)
 {
   return components[0] * axes[0] + components[1] * axes[1] + components[2] * axes[2];
 }
+
+}  // namespace morlen

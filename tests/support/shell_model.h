@@ -9,6 +9,8 @@
 #include "support/solid_model.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 /// A shell of triangles as data, from which a problem file is written. Nodes and triangles are
 /// numbered from 1 in their order; the material has the number 1.
 struct ShellModel
@@ -65,3 +67,5 @@ std::array<double, 6> SumOfReactions(const Solved& solved);
 
 /// A vector with these components in the axes.
 Vector3 Turned(const std::array<Vector3, 3>& axes, const Vector3& components);
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "numeric/plex_range.h"
 #include "problem/constraint.h"
 
+namespace morlen {
+
 namespace {
 
 // Edges by the order of their nodes in a ten-node element.
@@ -319,3 +321,5 @@ Vector3 Rotated(const Vector3& v)
   const Vector3 b = {a[0], c * a[1] - s * a[2], s * a[1] + c * a[2]};
   return {c * b[0] + s * b[2], b[1], -s * b[0] + c * b[2]};
 }
+
+}  // namespace morlen

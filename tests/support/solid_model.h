@@ -9,6 +9,8 @@
 #include "support/frame.h"
 #include "support/solved.h"
 
+namespace morlen {
+
 /// Six stresses or strains: x, y, z, xy, xz, yz.
 using Tensor = std::array<double, 6>;
 
@@ -111,3 +113,5 @@ double Dot(const Vector3& a, const Vector3& b);
 Vector3 Cross(const Vector3& a, const Vector3& b);
 /// A rotation by three angles that are not small.
 Vector3 Rotated(const Vector3& v);
+
+}  // namespace morlen

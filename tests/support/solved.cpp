@@ -16,6 +16,8 @@
 #include "problem/nodal_load.h"
 #include "support/processor.h"
 
+namespace morlen {
+
 namespace {
 
 // Force and moment, of a plane frame too.
@@ -225,3 +227,5 @@ void ExpectEquilibrium(const Solved& solved, double tolerance)
   for (const auto& [node, wrench] : left)
     wrench.ExpectZero(tolerance * nodeScale.force, tolerance * nodeScale.moment);
 }
+
+}  // namespace morlen

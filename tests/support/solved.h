@@ -7,6 +7,8 @@
 
 #include "problem/project.h"
 
+namespace morlen {
+
 /// The project that a problem file describes, read in this process.
 std::unique_ptr<Project> ReadProject(const std::string& problem);
 
@@ -44,3 +46,5 @@ void ExpectValues(const std::vector<double>& actual, const std::vector<double>& 
 /// and that all loads and reactions together have neither a resultant nor a moment. What may
 /// remain is relative to the largest force and moment; iterative solutions need more.
 void ExpectEquilibrium(const Solved& solved, double tolerance = 1e-10);
+
+}  // namespace morlen

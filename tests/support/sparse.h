@@ -9,6 +9,8 @@
 #include "solvers/compressed_rows.h"
 #include "solvers/sparse_matrix.h"
 
+namespace morlen {
+
 /// A dense matrix to compute with independently; indices from 0.
 using DenseRows = std::vector<std::vector<double>>;
 
@@ -155,3 +157,5 @@ inline double LargestDifference(const std::vector<double>& a, const std::vector<
     largest = std::fmax(largest, std::fabs(a[i] - b[i]));
   return largest;
 }
+
+}  // namespace morlen

@@ -5,6 +5,8 @@
 
 #include "support/loaded_beams.h"
 
+namespace morlen {
+
 namespace {
 
 std::string ElementRecords(const std::vector<std::vector<int>>& elements, int before, int material)
@@ -343,3 +345,5 @@ Structure SolidOf(const SolidModel& model, const Structure::Solid& solid)
   structure.solid = solid;
   return structure;
 }
+
+}  // namespace morlen

@@ -10,6 +10,8 @@
 #include "support/shell_model.h"
 #include "support/solid_model.h"
 
+namespace morlen {
+
 /// A model of beams and triangles, or of tetrahedra, as data: a problem file is written from it,
 /// and the reference in higher precision takes it. Elements are numbered from 1: beams, then
 /// triangles, then tetrahedra. Materials are isotropic.
@@ -115,3 +117,5 @@ Structure ShellOn(const std::function<Vector3(double, double)>& place, int nx, i
 
 /// A solid without supports.
 Structure SolidOf(const SolidModel& model, const Structure::Solid& solid = {});
+
+}  // namespace morlen

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstdio>
 
+namespace morlen {
+
 namespace {
 
 std::string Number(double value)
@@ -47,3 +49,5 @@ std::string ManualText(const std::vector<VerifiedSection>& sections)
   }
   return text;
 }
+
+}  // namespace morlen

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace morlen {
+
 /// One line of the verification manual: a result of the program beside a reference.
 struct VerifiedResult
 {
@@ -31,3 +33,5 @@ std::vector<VerifiedSection> ClosedForms();
 
 /// Fields from which loads were derived: the orders at which the elements approach them.
 VerifiedSection ManufacturedSolutions();
+
+}  // namespace morlen

@@ -13,6 +13,8 @@
 #include "support/run.h"
 #include "support/verification.h"
 
+namespace morlen {
+
 namespace {
 
 const std::filesystem::path kManual =
@@ -82,3 +84,5 @@ TEST(Verification, ResultsHoldAndAreThoseOfTheManual)
   else
     EXPECT_EQ(manual.substr(first, end - first), tables) << "run scripts/verification.sh";
 }
+
+}  // namespace morlen

@@ -7,6 +7,8 @@
 #include "model/node.h"
 #include "problem/project.h"
 
+using namespace morlen;
+
 int main(int argc, char** argv)
 {
   if (argc != 3)

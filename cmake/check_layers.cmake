@@ -1,5 +1,5 @@
 # Fails on an include that goes against the layers:
-#   base <- numeric <- model -> problem <- assembly <- results, numeric <- solvers <- problem.
+#   base <- numeric <- model -> problem <- assembly <- results <- run, numeric <- solvers <- problem.
 # Usage: cmake -DSRC=<source folder> -P check_layers.cmake
 cmake_minimum_required(VERSION 3.22)
 
@@ -10,6 +10,7 @@ set(may_include_solvers base numeric solvers)
 set(may_include_problem base numeric model solvers problem)
 set(may_include_assembly base numeric model solvers problem assembly)
 set(may_include_results base numeric model solvers problem assembly results)
+set(may_include_run base numeric model solvers problem assembly results run)
 
 set(faults 0)
 file(GLOB_RECURSE files RELATIVE ${SRC} ${SRC}/*.h ${SRC}/*.cpp)

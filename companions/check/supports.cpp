@@ -10,9 +10,9 @@
 
 #include "check/checks.h"
 #include "check/recorder.h"
+#include "model/constraint.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 
 namespace morlen::check {

@@ -4,11 +4,11 @@
 
 #include "check/checks.h"
 #include "check/recorder.h"
+#include "model/constraint.h"
 #include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 
 namespace morlen::check {

@@ -6,15 +6,15 @@
 
 #include "base/errorwriter.h"
 #include "common/utf8.h"
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
+#include "model/nodal_load.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/elem_loads.h"
-#include "problem/nodal_load.h"
 #include "problem/project.h"
 
 namespace morlen::model {

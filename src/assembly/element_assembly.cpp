@@ -8,6 +8,7 @@
 #include "assembly/beam_blocks.h"
 #include "assembly/support_axes.h"
 #include "base/errorwriter.h"
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
@@ -15,7 +16,6 @@
 #include "numeric/block_rotation.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 

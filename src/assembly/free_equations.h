@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "model/constraint.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
 #include "numeric/reavecv.h"
-#include "problem/constraint.h"
 
 namespace morlen {
 

@@ -8,6 +8,7 @@
 #include "assembly/relative_motion.h"
 #include "assembly/shell.h"
 #include "assembly/solid.h"
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
@@ -15,7 +16,6 @@
 #include "numeric/block_rotation.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/element_family.h"
 #include "problem/project.h"
 

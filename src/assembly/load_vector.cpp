@@ -7,10 +7,10 @@
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
+#include "model/nodal_load.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/nodal_load.h"
 #include "problem/pressure_load.h"
 #include "problem/project.h"
 

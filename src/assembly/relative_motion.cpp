@@ -4,12 +4,12 @@
 #include <cmath>
 #include <cstddef>
 
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/node.h"
 #include "model/shape_functions.h"
 #include "numeric/block_rotation.h"
 #include "numeric/matriu.h"
-#include "problem/constraint.h"
 
 namespace morlen {
 

@@ -7,10 +7,10 @@
 
 #include "assembly/coplanarity.h"
 #include "base/errorwriter.h"
+#include "model/constraint.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 
 namespace morlen {

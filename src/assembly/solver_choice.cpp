@@ -14,12 +14,12 @@
 #include <vector>
 
 #include "base/stprintf.h"
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 #include "solvers/sparse_solver.h"
 

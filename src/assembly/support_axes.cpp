@@ -1,11 +1,11 @@
 #include "assembly/support_axes.h"
 
+#include "model/constraint.h"
 #include "model/node.h"
 #include "numeric/block_rotation.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
 #include "numeric/reavecv.h"
-#include "problem/constraint.h"
 
 namespace morlen {
 

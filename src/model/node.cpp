@@ -5,8 +5,15 @@
 
 #include "base/read_observer.h"
 #include "base/textscan.h"
+#include "model/constraint.h"
+#include "model/nodal_load.h"
 
 namespace morlen {
+
+// Here, where the types that a node owns are complete.
+Node::Node(int ndime) : ReaVec(ndime) {}
+
+Node::~Node() = default;
 
 int Node::ReadFromAscii(TextScan& text)
 {

@@ -6,11 +6,11 @@
 #include "base/errorwriter.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 
 namespace morlen {

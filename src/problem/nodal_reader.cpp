@@ -7,10 +7,10 @@
 #include "base/errorwriter.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "model/constraint.h"
+#include "model/nodal_load.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
-#include "problem/nodal_load.h"
 #include "problem/project.h"
 
 namespace morlen {

@@ -10,6 +10,7 @@
 #include "assembly/beam_blocks.h"
 #include "assembly/relative_motion.h"
 #include "base/array_size.h"
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
@@ -17,7 +18,6 @@
 #include "numeric/block_rotation.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 
 namespace morlen {

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 
 namespace morlen {

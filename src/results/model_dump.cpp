@@ -1,10 +1,10 @@
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
+#include "model/nodal_load.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
-#include "problem/nodal_load.h"
 #include "problem/project.h"
 
 namespace morlen {

@@ -3,10 +3,10 @@
 
 #include "assembly/internal_forces.h"
 #include "base/constants.h"
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 #include "solvers/bsolver.h"
 

@@ -3,12 +3,12 @@
 
 #include "assembly/shell.h"
 #include "base/array_size.h"
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/block_rotation.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 #include "results/principal_values.h"
 

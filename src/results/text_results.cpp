@@ -2,12 +2,12 @@
 
 #include "base/errorwriter.h"
 #include "base/text_out.h"
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/element_family.h"
 #include "problem/project.h"
 

@@ -53,7 +53,10 @@ public:
   void SetResidual(double norm) { resid = norm / normb; }
   void MeasureResidual() { SetResidual(norm(r.get(), n)); }
 
-  void Reduce(double factor, const double* q) { SetResidual(morlen::Reduce(r.get(), factor, q, n)); }
+  void Reduce(double factor, const double* q)
+  {
+    SetResidual(morlen::Reduce(r.get(), factor, q, n));
+  }
 
   // Calls step(i) for i = 1, 2, ... until the residual is small enough, a step breaks down
   // (returns false), or the limit is reached. Returns what the method returns.

@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "model/constraint.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/element_family.h"
 #include "solvers/skymatriu.h"
 #include "support/shell_model.h"

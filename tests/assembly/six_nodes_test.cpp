@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "model/constraint.h"
 #include "model/mesh.h"
 #include "model/node.h"
-#include "problem/constraint.h"
 #include "support/fatal.h"
 #include "support/result_files.h"
 #include "support/run.h"

@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
+#include "model/constraint.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "problem/project.h"
 #include "solvers/skymatriu.h"
 #include "solvers/sparse_solver.h"

@@ -4,10 +4,10 @@
 
 #include <cmath>
 
+#include "model/constraint.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 #include "support/dense.h"
 #include "support/frame.h"
 #include "support/solved.h"

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "model/constraint.h"
 #include "model/node.h"
-#include "problem/constraint.h"
 #include "support/fatal.h"
 #include "support/frame.h"
 #include "support/loaded_beams.h"

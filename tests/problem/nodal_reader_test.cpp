@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "model/constraint.h"
+#include "model/nodal_load.h"
 #include "model/node.h"
-#include "problem/constraint.h"
-#include "problem/nodal_load.h"
 #include "support/fatal.h"
 #include "support/frame.h"
 #include "support/solved.h"

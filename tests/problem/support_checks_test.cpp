@@ -6,8 +6,8 @@
 #include <string>
 
 #include "base/errorwriter.h"
+#include "model/constraint.h"
 #include "model/node.h"
-#include "problem/constraint.h"
 #include "support/fatal.h"
 #include "support/frame.h"
 #include "support/loaded_beams.h"

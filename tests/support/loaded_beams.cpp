@@ -7,12 +7,12 @@
 #include <cmath>
 #include <cstdio>
 
+#include "model/constraint.h"
 #include "model/mesh.h"
+#include "model/nodal_load.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
-#include "problem/nodal_load.h"
 
 namespace morlen {
 

@@ -7,9 +7,9 @@
 #include <map>
 #include <utility>
 
+#include "model/constraint.h"
 #include "model/mesh.h"
 #include "model/node.h"
-#include "problem/constraint.h"
 #include "support/loaded_beams.h"
 
 namespace morlen {

@@ -8,10 +8,10 @@
 #include <set>
 #include <utility>
 
+#include "model/constraint.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
 
 namespace morlen {
 

@@ -8,12 +8,12 @@
 #include <map>
 
 #include "base/textscan.h"
+#include "model/constraint.h"
 #include "model/mesh.h"
+#include "model/nodal_load.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/constraint.h"
-#include "problem/nodal_load.h"
 #include "support/processor.h"
 
 namespace morlen {

@@ -1,4 +1,4 @@
-#include "problem/nodal_load.h"
+#include "model/nodal_load.h"
 
 #include "base/stprintf.h"
 

@@ -1,4 +1,4 @@
-#include "problem/driver.h"
+#include "run/driver.h"
 
 #include <cstdio>
 #include <cstring>
@@ -10,9 +10,9 @@
 #include "base/errorwriter.h"
 #include "base/output_file.h"
 #include "base/stprintf.h"
-#include "problem/file_identity.h"
-#include "problem/process_streams.h"
 #include "problem/project.h"
+#include "run/file_identity.h"
+#include "run/process_streams.h"
 
 namespace morlen {
 

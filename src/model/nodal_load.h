@@ -3,7 +3,7 @@
 #include <array>
 #include <ostream>
 
-#include "problem/constraint.h"
+#include "model/constraint.h"
 
 namespace morlen {
 

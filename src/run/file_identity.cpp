@@ -1,7 +1,7 @@
 // Which names stand for the same file: by device and inode, so that links and other
 // spellings of a name are seen through.
 
-#include "problem/file_identity.h"
+#include "run/file_identity.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "problem/process_streams.h"
+#include "run/process_streams.h"
 
 #include <fcntl.h>
 #include <unistd.h>

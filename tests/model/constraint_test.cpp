@@ -1,4 +1,4 @@
-#include "problem/constraint.h"
+#include "model/constraint.h"
 
 #include <gtest/gtest.h>
 
@@ -7,9 +7,9 @@
 #include <numbers>
 #include <sstream>
 
+#include "model/nodal_load.h"
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
-#include "problem/nodal_load.h"
 #include "support/dense.h"
 #include "support/fatal.h"
 #include "support/reference_frame.h"

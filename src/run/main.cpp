@@ -1,4 +1,4 @@
-#include "problem/driver.h"
+#include "run/driver.h"
 
 using namespace morlen;
 

@@ -1,4 +1,4 @@
-#include "problem/constraint.h"
+#include "model/constraint.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,17 +7,10 @@
 #include "base/errorwriter.h"
 #include "base/stprintf.h"
 #include "model/euler.h"
-#include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
-#include "problem/nodal_load.h"
 
 namespace morlen {
-
-// Here, because here the types of what a node owns are complete.
-Node::Node(int ndime) : ReaVec(ndime) {}
-
-Node::~Node() = default;
 
 Constraint::Constraint(int, int translationCount) : translations(translationCount) {}
 

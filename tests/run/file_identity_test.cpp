@@ -1,6 +1,6 @@
 // No file of a run may be written over another one: refused before anything is opened.
 
-#include "problem/file_identity.h"
+#include "run/file_identity.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Measures whole runs by `Solver Automatic` and by each of both solvers, in processor time, and
+"""Measures the processor time of whole runs by `Solver Automatic` and by each of both solvers, and
 prints a line of JSON for each model.
 
     choice_runs.py [-n REPETITIONS] [--folder FOLDER] PROGRAM MODEL...
 
 A MODEL is a family and its numbers, as in "frame3d 5 5 68". The three runs take turns; each figure
 is the median, or one run where it is far from the best. The direct solver is left out where it would
-take long, as it is not the better one. A run that fails has no figure. Models and results go to a new folder below FOLDER.
+take long, since it is then the slower one. A run that fails has no figure. Models and results go to a
+new folder below FOLDER.
 """
 
 import json
@@ -21,7 +22,7 @@ SETTINGS = {"automatic": "Solver Automatic", "skyline": "Solver SkyLine",
 LONG = 60.0
 # Processor seconds from which three runs are enough.
 LONG_RUN = 5.0
-# Times of the fastest from which one run is enough.
+# A solver this many times slower than the fastest runs once.
 FAR = 2.0
 
 
@@ -38,7 +39,7 @@ def measure(program, model, folder, repetitions):
     def seconds(key):
         return processor_seconds([program, "-i", f"{key}.info", f"{key}.dat"], folder)
 
-    first = seconds("automatic")  # warms up, and tells the choice
+    first = seconds("automatic")  # warms up, and reports the choice
     info = (folder / "automatic.info").read_text(encoding="utf-8")
     keys = [key for key in SETTINGS
             if key != "skyline" or float(find(r"estimated (\S+) s and", info, "0")) <= LONG]
@@ -46,7 +47,7 @@ def measure(program, model, folder, repetitions):
     ran = {key: of[0] for key, of in times.items() if of[0] is not None}
     near = [key for key, one in ran.items() if one <= FAR * min(ran.values())]
     repetitions = repetitions if (first or 0.0) < LONG_RUN else min(repetitions, 3)
-    # Each begins in its turn: the first to need much memory may wait for the system to give it.
+    # Each begins in its turn: the first run that needs much memory may wait for the system.
     for turn in range(1, repetitions):
         start = turn % max(len(near), 1)
         for key in near[start:] + near[:start]:

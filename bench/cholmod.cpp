@@ -24,7 +24,7 @@
 #include "measure.h"
 #include "message_stream.h"
 #include "model/mesh.h"
-#include "problem/project.h"
+#include "run/project.h"
 #include "solvers/skymatriu.h"
 
 using namespace morlen;
@@ -259,17 +259,17 @@ private:
 void Comparison::Analyse()
 {
   const MessageStream stream([&](std::string_view message) {
-    if (project.solverSettings.type != SolverType::SkyLine ||
+    if (project.problem.solverSettings.type != SolverType::SkyLine ||
         !message.starts_with("Just before Solver"))
       return;
     SkyMatriu& matrix = static_cast<SkyMatriu&>(*project.solver);
-    const int ndof = project.freeDegrees;
-    system = EntryPicker(matrix, ndof, Pattern::kNonZeros).Copy(project.displacements);
-    blocks = EntryPicker(matrix, ndof, Pattern::kBlocks).Copy(project.displacements);
+    const int ndof = project.problem.components.count;
+    system = EntryPicker(matrix, ndof, Pattern::kNonZeros).Copy(project.solution.displacements);
+    blocks = EntryPicker(matrix, ndof, Pattern::kBlocks).Copy(project.solution.displacements);
   });
   std::ifstream in(file);
   project.ReadFromAscii(in);
-  renumbering = Seconds(1, [&] { project.meshes.front()->RenumberNodes(); });
+  renumbering = Seconds(1, [&] { project.problem.meshes.front()->RenumberNodes(); });
   project.Calc(0, stream.File());
 }
 

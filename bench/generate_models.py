@@ -12,7 +12,7 @@
     block N                  cube of 6 N^3 four-node tetrahedra, held on one side
     block10 N                the same of ten-node tetrahedra
 
-The same arguments always give the same file. A setting is a line of its own behind the
+The same arguments always give the same file. A setting is a separate line after the
 header, for example --setting "Solver SkyLine". With --peer the same model is written as an
 input file of CalculiX for the solver of that name, for example --peer SPOOLES.
 """
@@ -31,8 +31,8 @@ from solid_mesh import SolidMesh  # noqa: E402
 
 @dataclasses.dataclass
 class Model:
-    """What a family makes. Nodes are numbered from 1 in the order of `coordinates`; supports
-    and loads are (node, flags or values), materials the texts behind their numbers from 1."""
+    """The model of a family. Nodes are numbered from 1 in the order of `coordinates`; supports
+    and loads are (node, flags or values), materials the texts after their numbers, from 1."""
 
     title: str
     header: str  # 2d or 3d
@@ -42,7 +42,7 @@ class Model:
     elements: list = dataclasses.field(default_factory=list)  # (nodes, material)
     supports: list = dataclasses.field(default_factory=list)
     loads: list = dataclasses.field(default_factory=list)
-    settings: list = dataclasses.field(default_factory=list)  # lines behind the header
+    settings: list = dataclasses.field(default_factory=list)  # lines after the header
 
     def components(self):
         """Of a support or a load."""

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """linear_time.py PROGRAM - whether the time of a run grows in proportion to its input.
 
-Writes problem files that are large in one thing, and ten times as large in it, runs PROGRAM on
-both and compares the processor times, less that of a run on nearly nothing. Prints a line for
-each kind; the exit status is 1 when the larger file costs more than 15 times the smaller one.
+Writes problem files that are large in one respect, and ten times as large, runs PROGRAM on both
+and compares the processor times, less that of a run on a tiny file. Prints a line for each kind.
+The exit status is 1 when the larger file takes more than 15 times as long as the smaller one.
 """
 import os
 import resource
@@ -29,7 +29,7 @@ def lines(count, form):
     return "".join(form % (k + 2) if "%d" in form else form for k in range(count))
 
 
-# Each: the smaller count, and the file of a count.
+# For each kind: the smaller count, and the function from a count to the file.
 KINDS = {
     "loads on one element": (
         100000, lambda n: problem(loads="local_pressure_loads\n" + lines(n, "1 0 1\n") + "end\n")),

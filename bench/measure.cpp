@@ -3,8 +3,8 @@
 #include <fstream>
 #include <string>
 
+#include "solvers/node_block_matrix.h"
 #include "solvers/skymatriu.h"
-#include "solvers/sparse_matrix.h"
 
 namespace morlen {
 
@@ -57,19 +57,19 @@ double FactorisationFlops(const SkyMatriu& matrix)
   return 2.0 * terms;
 }
 
-double IterationStorage(const SparseMatrix& matrix)
+double IterationStorage(const NodeBlockMatrix& matrix)
 {
   const BlockLines blocks = matrix.Blocks();
   const double ints = static_cast<double>(blocks.starts[blocks.lines]) + blocks.lines;
   return 2.0 * (sizeof(double) * static_cast<double>(matrix.GiveSlots()) + sizeof(int) * ints);
 }
 
-double IterationTraffic(const SparseMatrix& matrix)
+double IterationTraffic(const NodeBlockMatrix& matrix)
 {
   return IterationStorage(matrix) + VectorTraffic(matrix);
 }
 
-double VectorTraffic(const SparseMatrix& matrix)
+double VectorTraffic(const NodeBlockMatrix& matrix)
 {
   constexpr double kVectors = 5.0;
   return kVectors * 2.0 * sizeof(double) * matrix.GiveSize();

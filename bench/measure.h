@@ -8,7 +8,7 @@
 namespace morlen {
 
 class SkyMatriu;
-class SparseMatrix;
+class NodeBlockMatrix;
 
 // What the benchmarks measure with.
 
@@ -60,13 +60,13 @@ double FactorisationFlops(const SkyMatriu& matrix);
 
 /// Bytes of the matrix and of the passes through its factor without fill: twice a double for
 /// every entry, an int for every block and for every line of blocks.
-double IterationStorage(const SparseMatrix& matrix);
+double IterationStorage(const NodeBlockMatrix& matrix);
 
 /// What an iteration of conjugate gradients has to move at least: matrix and factors are read;
 /// x, r, p, q and z are read and written.
-double IterationTraffic(const SparseMatrix& matrix);
+double IterationTraffic(const NodeBlockMatrix& matrix);
 /// The part of the five vectors, which a second right-hand side adds.
-double VectorTraffic(const SparseMatrix& matrix);
+double VectorTraffic(const NodeBlockMatrix& matrix);
 
 /// Memory of this process in bytes: now, and the most it had; 0 where the system does not say.
 double MemoryNow();

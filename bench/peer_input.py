@@ -9,7 +9,7 @@ PLANE_UNKNOWNS = (1, 2, 6)
 
 
 def number_of(text, name):
-    """The number behind `name = ` in the text of a material; None when it has none."""
+    """The number after `name = ` in the text of a material; None when it has none."""
     words = text.split()
     return float(words[words.index(name) + 2]) if name in words else None
 

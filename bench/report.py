@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes tables, as Markdown, of what the benchmarks have measured.
+"""Makes tables, as Markdown, of the measurements of the benchmarks.
 
     report.py stages RUNS                  where the time of every run goes
     report.py kernels RUNS [LIMITS]        every stage against its target
@@ -36,7 +36,7 @@ PEER = {"block": ((15e3, 1.0), (60e3, 0.35), (1e6, 0.5)),
         "block10": ((15e3, 2.1), (60e3, 0.35), (1e6, 0.5)),
         "plate": ((15e3, 0.4), (60e3, 0.55), (300e3, 0.7)), "roof": ((15e3, 0.4),),
         "frame3d": ((15e3, 0.9), (60e3, 0.5), (300e3, 0.35)), "portal2d": ((15e3, 1.1),)}
-# Parts of CHOLMOD's time; solids have to be the slower for their numbering.
+# Parts of CHOLMOD's time; higher for solids, because of their numbering.
 CHOLMOD = {"plate": 1.3, "roof": 1.3, "frame3d": 0.6, "portal2d": 1.0, "block": 4.5, "block10": 10.0}
 # Exponents: of the factorisation, of all iterations together; of every other stage 1.
 GROWTH_OF_FACTORISATION = {"block": 2.35, "block10": 2.35, "plate": 2.0, "roof": 2.0}
@@ -45,7 +45,7 @@ GROWTH_ALLOWANCE = 0.15
 # Times of the better solver, and part of a direct run.
 CHOICE = 1.2
 REFINEMENT = 0.15
-# Shorter stages are all noise.
+# Shorter stages are too noisy to show.
 SHORTEST = 0.005
 
 MEGA = 1e6
@@ -203,7 +203,7 @@ def print_growth(runs):
 
 def print_cholmod(pairs):
     """Further columns: CHOLMOD with the zeros in the blocks of coupled nodes, from which it finds a
-    better order for some; and with renumbering, our part of what it does in its analysis."""
+    better order for some; and with our renumbering, since CHOLMOD orders in its analysis."""
     cells = []
     for pair in pairs:
         ours, theirs = sum(pair["skyline"]), sum(pair["cholmod"])

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <vector>
 
 #include "measure.h"
@@ -171,8 +172,9 @@ double ProductRate()
   const auto dgemm = reinterpret_cast<Dgemm>(dlsym(library, "cblas_dgemm"));
   constexpr int kOrder = 1024;
   constexpr int kRowMajor = 101, kAsIs = 111;
-  const std::vector<double> a(kOrder * kOrder, 0.5), b(kOrder * kOrder, 0.25);
-  std::vector<double> c(kOrder * kOrder);
+  constexpr std::size_t kEntries = std::size_t{kOrder} * kOrder;
+  const std::vector<double> a(kEntries, 0.5), b(kEntries, 0.25);
+  std::vector<double> c(kEntries);
   setThreads(1);
   return 2.0 * kOrder * kOrder * kOrder / Seconds(5, [&] {
            dgemm(kRowMajor, kAsIs, kAsIs, kOrder, kOrder, kOrder, 1.0, a.data(), kOrder, b.data(),

@@ -99,6 +99,7 @@ void Grid::VisitSolids(int x, int y, int z, Visit visit) const
       corners[k + 1][order[k]] += steps;
     }
     std::vector<int> nodes;
+    nodes.reserve(10);
     for (int a = 0; a < 4; ++a)
       nodes.push_back(Node(corners[a][0], corners[a][1], corners[a][2]));
     for (int a = 0; a < 4 && kind == Kind::kSolids10; ++a)
@@ -181,7 +182,7 @@ std::unique_ptr<SparseSolver> Grid::Filled() const
 }
 
 /// The same matrix in single entries.
-SparseMatrix InRows(const SparseMatrix& matrix)
+SparseMatrix InRows(const NodeBlockMatrix& matrix)
 {
   std::vector<int> lengths(static_cast<std::size_t>(matrix.GiveSize()), 0);
   for (int i = 0; i < matrix.GiveSize(); ++i)
@@ -193,7 +194,7 @@ SparseMatrix InRows(const SparseMatrix& matrix)
 }
 
 /// Processor time of an iteration of so many right-hand sides.
-double SecondsPerIteration(const SparseMatrix& A, const Preconditioner& M, const ReaVecV& b,
+double SecondsPerIteration(const SystemMatrix& A, const Preconditioner& M, const ReaVecV& b,
                            std::size_t sides = 1)
 {
   constexpr int iterations = 15;  // not so many that the residual underflows
@@ -215,7 +216,7 @@ double SecondsPerIteration(const SparseMatrix& A, const Preconditioner& M, const
 void Iteration(benchmark::State& state, const Grid& grid)
 {
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
-  const SparseMatrix& A = *solver->GiveMatrix();
+  const NodeBlockMatrix& A = *solver->GiveBlocks();
   const BlockFactors M(A, {});
   const ReaVecV load = grid.Load();
   ReadLoop read;
@@ -239,7 +240,7 @@ void Iteration(benchmark::State& state, const Grid& grid)
 void IterationInCache(benchmark::State& state, const Grid& grid)
 {
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
-  const SparseMatrix& A = *solver->GiveMatrix();
+  const NodeBlockMatrix& A = *solver->GiveBlocks();
   const SparseMatrix rows = InRows(A);
   const BlockFactors M(A, {});
   const ILUPreconditioner rowsM(rows);
@@ -257,7 +258,7 @@ void IterationInCache(benchmark::State& state, const Grid& grid)
 }
 
 /// The matrix and the passes through its factor take the same.
-void SetTraffic(benchmark::State& state, const SparseMatrix& A)
+void SetTraffic(benchmark::State& state, const NodeBlockMatrix& A)
 {
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(IterationStorage(A) / 2));
 }
@@ -268,28 +269,28 @@ void Product(benchmark::State& state, const Grid& grid)
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
   std::vector<double> x(static_cast<std::size_t>(grid.Equations()), 1.0), y = x;
   for (auto _ : state) {
-    solver->GiveMatrix()->mult(x.data(), y.data());
+    solver->GiveBlocks()->mult(x.data(), y.data());
     benchmark::ClobberMemory();
   }
-  SetTraffic(state, *solver->GiveMatrix());
+  SetTraffic(state, *solver->GiveBlocks());
 }
 
 void Preconditioning(benchmark::State& state, const Grid& grid)
 {
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
-  const BlockFactors M(*solver->GiveMatrix(), {});
+  const BlockFactors M(*solver->GiveBlocks(), {});
   std::vector<double> x(static_cast<std::size_t>(grid.Equations()), 1.0), y = x;
   for (auto _ : state) {
     M.solve(x.data(), y.data());
     benchmark::ClobberMemory();
   }
-  SetTraffic(state, *solver->GiveMatrix());
+  SetTraffic(state, *solver->GiveBlocks());
 }
 
 void Factors(benchmark::State& state, const Grid& grid)
 {
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
-  const SparseMatrix& A = *solver->GiveMatrix();
+  const NodeBlockMatrix& A = *solver->GiveBlocks();
   const double iteration = SecondsPerIteration(A, BlockFactors(A, {}), grid.Load());
   std::vector<double> seconds;
   for (auto _ : state)
@@ -310,7 +311,7 @@ void Pattern(benchmark::State& state, const Grid& grid)
 void Assembly(benchmark::State& state, const Grid& grid)
 {
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
-  const SparseMatrix& A = *solver->GiveMatrix();
+  const NodeBlockMatrix& A = *solver->GiveBlocks();
   const double iteration = SecondsPerIteration(A, BlockFactors(A, {}), grid.Load());
   std::vector<double> seconds;
   for (auto _ : state) {
@@ -333,7 +334,7 @@ void Run(benchmark::State& state, const Grid& grid)
     for (int equation = 1; equation <= grid.ClampedEquations(); ++equation)
       load(equation) = 0.0;
     state.counters["result"] = solver->Solver(load, nullptr);
-    const double allowed = 1.15 * 16.0 * solver->GiveMatrix()->GiveSlots() + 400.0 * grid.Nodes();
+    const double allowed = 1.15 * 16.0 * solver->GiveBlocks()->GiveSlots() + 400.0 * grid.Nodes();
     state.counters["peak_ratio"] = (MemoryPeak() - before) / allowed;
   }
 }

@@ -23,7 +23,7 @@
 #include "measure.h"
 #include "message_stream.h"
 #include "model/mesh.h"
-#include "problem/project.h"
+#include "run/project.h"
 #include "solvers/skymatriu.h"
 #include "solvers/sparse_solver.h"
 
@@ -188,17 +188,17 @@ void SplitAnalysis(const MessageLog& log, StopWatch& watch, Run& run)
 
 void Describe(const Project& project, Run& run)
 {
-  run.equations = project.numNodes * project.freeDegrees;
-  run.nodes = project.numNodes;
-  for (const auto& mesh : project.meshes)
+  run.equations = project.problem.numNodes * project.problem.components.count;
+  run.nodes = project.problem.numNodes;
+  for (const auto& mesh : project.problem.meshes)
     run.elements += mesh->GiveElemPlex()->Count();
-  run.direct = project.solverSettings.type == SolverType::SkyLine;
+  run.direct = project.problem.solverSettings.type == SolverType::SkyLine;
   if (run.direct) {
     const auto& matrix = static_cast<const SkyMatriu&>(*project.solver);
     run.factorisationFlops = FactorisationFlops(matrix);
     run.storage = static_cast<double>(matrix.StorageBytes());
   } else {
-    const SparseMatrix& matrix = *static_cast<const SparseSolver&>(*project.solver).GiveMatrix();
+    const NodeBlockMatrix& matrix = *static_cast<const SparseSolver&>(*project.solver).GiveBlocks();
     run.storage = IterationStorage(matrix);
     run.entries = matrix.GiveSlots();
     run.iterationTraffic = IterationTraffic(matrix);
@@ -231,18 +231,19 @@ private:
 /// of it. Leaves the numbers of the file.
 void TimeChoice(Project& project, StopWatch& watch, Run& run)
 {
-  if (project.solverSettings.type == SolverType::Sparse)
+  if (project.problem.solverSettings.type == SolverType::Sparse)
     return;
-  Mesh& mesh = *project.meshes.front();
+  Mesh& mesh = *project.problem.meshes.front();
   watch.Lap();
   mesh.RenumberNodes();
   run.seconds[kRenumber] = watch.Lap();
-  const long long equations = static_cast<long long>(project.numNodes) * project.freeDegrees;
-  if (project.solverSettings.type == SolverType::Automatic && equations >= kChoiceFrom) {
+  const long long equations =
+      static_cast<long long>(project.problem.numNodes) * project.problem.components.count;
+  if (project.problem.solverSettings.type == SolverType::Automatic && equations >= kChoiceFrom) {
     project.CalcCoplanarityVector();
     EstimateWork(project);
     run.seconds[kChoose] = watch.Lap();
-    project.coplanarity.clear();
+    project.problem.coplanarity.clear();
   }
   mesh.RestoreNumbers();
 }
@@ -308,6 +309,7 @@ Run MedianOf(const std::vector<Run>& runs)
   Run median = runs.at(0);
   for (int stage = 0; stage < kStages; ++stage) {
     std::vector<double> seconds;
+    seconds.reserve(runs.size());
     for (const Run& run : runs)
       seconds.push_back(run.seconds[stage]);
     median.seconds[stage] = Median(seconds);
@@ -347,6 +349,7 @@ void Measure(const std::string& file, int repetitions)
   const ResultFiles results;
   RunOnce(file, results);
   std::vector<Run> runs;
+  runs.reserve(static_cast<std::size_t>(repetitions));
   const double peak = MemoryPeak();
   for (int k = 0; k < repetitions; ++k)
     runs.push_back(RunOnce(file, results));

@@ -210,8 +210,9 @@ void MakeElements(benchmark::State& state)
 {
   std::vector<std::unique_ptr<Elem>> elems(kNumbers);
   for (auto _ : state) {
+    Mesh mesh(100, 100, 0, ElemType(0), 0);
     for (auto& elem : elems)
-      elem = std::make_unique<Elem>(static_cast<int>(state.range(0)), nullptr, nullptr);
+      elem = std::make_unique<Elem>(static_cast<int>(state.range(0)), &mesh, nullptr);
     for (auto& elem : elems)
       elem.reset();
   }

@@ -21,7 +21,7 @@ import tempfile
 
 GENERATOR = pathlib.Path(__file__).resolve().with_name("generate_models.py")
 UNKNOWNS_A_NODE = {"frame3d": 6, "portal2d": 3, "plate": 6, "roof": 6, "block": 3, "block10": 3}
-# Above this number of equations only the peer's solver that is the faster for the family.
+# Above this number of equations the peer runs only its faster solver for the family.
 SMALL = 15000
 DIRECT, ITERATIVE = "SPOOLES", "ITERATIVE CHOLESKY"
 ONE_THREAD = {"OMP_NUM_THREADS": "1", "OPENBLAS_NUM_THREADS": "1"}

@@ -1,5 +1,6 @@
 # The warnings that all of our own code is compiled with; MORLEN_WERROR makes them errors.
 option(MORLEN_WERROR "Treat warnings as errors" OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)  # for clang-tidy
 
 add_library(morlen_warnings INTERFACE)
 target_compile_options(morlen_warnings INTERFACE

@@ -2,13 +2,13 @@
 # Measures the speed of the program: builds it optimised with the benchmarks and prints tables
 # of figures, targets and ratios.
 #   scripts/bench.sh kernels     every stage of the program, and the kernels by themselves
-#   scripts/bench.sh whole       whole runs beside CalculiX, where `ccx` is installed
-#   scripts/bench.sh cholmod     the skyline solver beside CHOLMOD on the same matrices
-#   scripts/bench.sh choice      the automatic choice of the solver beside both solvers
+#   scripts/bench.sh whole       whole runs compared with CalculiX, where `ccx` is installed
+#   scripts/bench.sh cholmod     the skyline solver compared with CHOLMOD on the same matrices
+#   scripts/bench.sh choice      the automatic choice of the solver compared with both solvers
 #   scripts/bench.sh refinement  the part of the refinement in direct runs
 #   scripts/bench.sh growth      growth with the number of equations
 #   scripts/bench.sh linear      growth with the length of the input
-#   scripts/bench.sh             all that
+#   scripts/bench.sh             all of these
 # Models and measurements are left in build/bench.
 set -eu
 cd "$(dirname "$0")/.."
@@ -21,7 +21,7 @@ case "$part" in
     ;;
 esac
 
-# Below the number of equations from which the sparse solver is chosen, and above.
+# Models below and above 15000 equations, from which the sparse solver may be chosen.
 direct_models="block 16
 block10 8
 plate 48
@@ -66,7 +66,7 @@ plate 181
 frame3d 10 10 68
 frame3d 15 15 130"
 
-# Models near the place where both solvers take as long, and families that favour one of them.
+# Models for which both solvers take about as long, and families that favour one of them.
 further_models="roof 70
 sheet 90
 plate6 40
@@ -80,8 +80,8 @@ frame3d 30 30 3"
 bin=build/bench/bench
 models=build/bench/models
 
-# Generates the models of a list, one a line, and prints their files. A second argument is the
-# solver of the models, a line of their settings.
+# Generates the models of a list, one a line, and prints their files. The second argument, if any,
+# is the solver of the models, a line of their settings.
 generate() {
   mkdir -p "$models"
   echo "$1" | while read -r family numbers; do
@@ -107,7 +107,7 @@ $sparse_models")
   "$bin"/morlen_stages $files >build/bench/stages.json
   bench/report.py stages build/bench/stages.json
   bench/report.py kernels build/bench/stages.json build/bench/limits.json
-  # By itself, because the peak of memory counts what was held before.
+  # Separately, because the peak of memory includes memory held before.
   "$bin"/morlen_bench --benchmark_filter=SparseRun
   "$bin"/morlen_bench --benchmark_filter=-SparseRun
 fi

@@ -8,7 +8,7 @@ cantilever, loads on them by its deflection, hinges by elimination from the matr
 beam, a full matrix without renumbering, supports by elimination with multipliers. It reads
 as much of the problem file as the examples of frames need. For every model it prints
 the largest differences in displacements, end forces and reactions, relative to the largest
-of their kind, and what is left of the equilibrium of loads and reactions. Exit status 1
+of their kind, and the residual of the equilibrium of loads and reactions. Exit status 1
 when one exceeds the tolerance. Needs numpy.
 """
 
@@ -25,7 +25,7 @@ TOLERANCE = 2e-5  # the text results have six digits
 
 
 class Model:
-    """What a problem file says, in the units of its results."""
+    """The data of a problem file, in the units of its results."""
 
     def __init__(self, text):
         self.nodes, self.elements, self.materials = {}, {}, {}
@@ -218,7 +218,7 @@ def beam_matrices(model, number):
     m, d = model.section(model.elements[number]), model.nodes[b] - model.nodes[a]
     T, L = beam_axes(d, model.plane), np.linalg.norm(d)
     at_b = np.linalg.inv(cantilever_flexibility(m, L))
-    rigid = np.eye(6)  # movement of b when it goes along rigidly with a
+    rigid = np.eye(6)  # motion of b when the beam moves rigidly with a
     rigid[1, 5], rigid[2, 4] = L, -L
     relative = np.hstack([-rigid, np.eye(6)])
     q, strain = model.load_on(number, T, d)
@@ -298,7 +298,7 @@ def read_results(text):
 def largest_difference(computed, printed, moments):
     """Relative to the largest translation or force, and rotation or moment, apart.
 
-    What is only rounding errors of zero is left out.
+    Rounding errors of zero are left out.
     """
     assert computed.keys() == printed.keys()
     a = np.array([np.atleast_2d(computed[k]) for k in computed])

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Counts which lines the tests run, in build/coverage: the figures of the readers of the problem
-# file, of everything, and the lines that no test runs (build/coverage/uncovered.txt).
+# Counts the lines that the tests run, in build/coverage. Prints the figures of the readers of the
+# problem file and of everything; build/coverage/uncovered.txt lists the lines that no test runs.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/install_tools.sh g++ cmake make libgtest-dev gcovr
@@ -9,7 +9,8 @@ build=build/coverage
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DMORLEN_COVERAGE=ON >/dev/null
 cmake --build "$build" --parallel "$(nproc)" --target morlen morlen_tests
 find "$build" -name '*.gcda' -delete
-# Not the tests of full disks, closed streams and failing allocations: the counts are files, too.
+# Without the tests of full disks, closed streams and failing allocations: these would also hit the
+# files of the counts.
 "$build/tests/morlen_tests" --gtest_brief=1 --gtest_filter='-Faults*:Allocations*'
 
 report() { gcovr --root . --filter src/ "$@" "$build"; }

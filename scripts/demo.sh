@@ -1,6 +1,6 @@
 #!/bin/sh
-# Builds the program optimised, runs it on an example, a multi-storey space frame, and makes the
-# report of it.
+# Builds the program optimised, runs it on an example (a multi-storey space frame), and makes its
+# report.
 set -eu
 cd "$(dirname "$0")/.."
 

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Installs the Debian packages named as arguments that are missing, with sudo unless root.
+# Installs those of the Debian packages named as arguments that are missing; with sudo unless root.
 set -eu
 
 missing=""

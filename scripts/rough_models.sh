@@ -1,6 +1,6 @@
 #!/bin/sh
-# Writes the last column of the table of badly scaled models of docs/verification.md anew from what
-# the program computes, and prints the models that have no line there.
+# Computes the last column of the table of badly scaled models in docs/verification.md again and
+# writes it there. Prints the models that have no line in the table.
 #     scripts/rough_models.sh [build/release]
 set -eu
 cd "$(dirname "$0")/.."

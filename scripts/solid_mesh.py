@@ -3,7 +3,7 @@ of examples and benchmarks and by verify_solids.py; needs the standard library o
 
 import itertools
 
-# The edges on which nodes 5 to 10 of an element stand, by corners from 0.
+# The edges of nodes 5 to 10 of an element, by corners from 0.
 EDGES = ((0, 1), (1, 2), (0, 2), (0, 3), (1, 3), (2, 3))
 
 

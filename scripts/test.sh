@@ -8,9 +8,13 @@ preset="${MORLEN_PRESET:-release}"
 # The companions and the tests that read their files need more than the program does.
 scripts/install_tools.sh g++ cmake make libgtest-dev libcli11-dev nlohmann-json3-dev \
   libpugixml-dev python3-vtk9 dpkg-dev gzip
-# The tests of the reports need a browser; where there is none to install they are skipped.
-command -v chromium >/dev/null || scripts/install_tools.sh chromium || true
+# Tests of the reports need a browser and node, those of the sources' style git, clang and npm.
+# Where these cannot be installed, such tests are skipped.
+for tool in chromium git clang-format clang-tidy npm; do
+  command -v "$tool" >/dev/null || scripts/install_tools.sh "$tool" || true
+done
 command -v node >/dev/null || scripts/install_tools.sh nodejs || true
+scripts/install_viewer_tools.sh || true
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" --parallel "$(nproc)"
 

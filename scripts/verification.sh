@@ -1,5 +1,5 @@
 #!/bin/sh
-# Writes the tables of docs/verification.md anew from what the program computes.
+# Computes the tables of docs/verification.md again and writes them there.
 #     scripts/verification.sh [build/release]
 set -eu
 cd "$(dirname "$0")/.."

@@ -17,7 +17,7 @@ from pathlib import Path
 
 
 class Shell:
-    """A grid of quadrilaterals cut into triangles, and what stands on it."""
+    """A grid of quadrilaterals cut into triangles, with its supports and loads."""
 
     def __init__(self, nx, ny, place, material):
         self.nx, self.ny, self.material = nx, ny, material
@@ -208,7 +208,7 @@ def ritz_clamped(t, a=10.0, E=1e6, q=1.0, terms=4):
     for k in reversed(range(size)):
         rest = K[k][size] - sum(K[k][j] * solution[j] for j in range(k + 1, size))
         solution[k] = rest / K[k][k]
-    # Only x^0 y^0 lives in the middle.
+    # In the middle only x^0 y^0 is not 0.
     return float(solution[0])
 
 

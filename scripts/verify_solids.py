@@ -5,7 +5,7 @@
 
 Cases: cantilever, cylinder, le10 (all of them when none is named). Prints the tables of
 docs/verification.md; exit status 1 when the finest mesh of ten-node elements is farther
-from the reference than the tolerance beside it. Needs the standard library only.
+from the reference than the tolerance of its table. Needs the standard library only.
 """
 
 import math

@@ -2,46 +2,49 @@
 
 #include <algorithm>
 
+#include "assembly/coplanarity.h"
+#include "assembly/model_checks.h"
 #include "check/recorder.h"
 #include "model/mesh.h"
-#include "problem/project.h"
-#include "problem/references.h"
+#include "problem/problem.h"
+#include "problem/problem_reader.h"
+#include "run/element_families.h"
 
 namespace morlen::check {
 namespace {
 
-// Each check waits for what it stands on: where a list could not be read, all that is missing
-// from it would be reported again.
+// A check is left out when the lists that it relies on have errors: it would report their missing
+// records a second time.
 void CheckModelAsRead(const Subject& subject, Recorder& recorder)
 {
   CheckGeometry(subject, recorder);
   CheckSections(subject, recorder);
-  if (!subject.complete || !recorder.IsWhole("mesh"))
+  if (!subject.complete || !recorder.IsWhole(ReadTopic::Mesh))
     return;
   CheckConnectivity(subject, recorder);
   CheckUse(subject, recorder);
-  if (recorder.IsWhole("constraints") && recorder.KnowsAll())
+  if (recorder.IsWhole(ReadTopic::Supports) && recorder.KnowsAll())
     CheckSupports(subject, recorder);
 }
 
-std::optional<Summary> CheckProject(Project& project, Recorder& recorder)
+std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder)
 {
-  if (project.meshes.empty() || project.meshes.back()->GiveFvType() == 0)
+  if (problem.meshes.empty() || problem.meshes.back()->GiveFvType() == 0)
     return std::nullopt;  // the header or the head of a mesh could not be read
-  CheckReferences(project);
-  const Subject subject = SubjectOf(project);
+  CheckReferences(problem, AllFamilies());
+  const Subject subject = SubjectOf(problem);
   CheckModelAsRead(subject, recorder);
   if (recorder.HasErrors())
     return std::nullopt;
-  project.CheckModel();
-  if (project.solverSettings.type == SolverType::Double)
-    recorder.AttemptAt(recorder.PlaceOfKeyword("Solver"), [&] { project.CheckDoubleSolver(); });
+  CheckModel(problem, AllFamilies());
+  if (problem.solverSettings.type == SolverType::Double)
+    recorder.AttemptAt(recorder.PlaceOf(ReadTopic::Solver), [&] { CheckDoubleSolver(problem); });
   if (std::any_of(subject.elements.begin(), subject.elements.end(),
                   [](const Elem* elem) { return elem->ElemType() == Triangle; }))
-    recorder.AttemptAt(kWholeFile, [&] { project.CalcCoplanarityVector(); });
+    recorder.AttemptAt(kWholeFile, [&] { MarkCoplanarNodes(problem); });
   if (recorder.HasErrors())
     return std::nullopt;
-  Summary summary = Summarise(project, subject);
+  Summary summary = Summarise(problem, subject);
   return recorder.HasErrors() ? std::nullopt : std::optional(std::move(summary));
 }
 
@@ -51,13 +54,13 @@ Report CheckText(std::string_view text)
 {
   TextScan scan(text);
   Recorder recorder(text, scan);
-  Project project(100);
+  Problem problem(100);
   Report report;
   recorder.AttemptAt(kWholeFile, [&] {
-    project.ReadFromAscii(scan);
-    report.summary = CheckProject(project, recorder);
+    ReadProblem(scan, problem);
+    report.summary = CheckProblem(problem, recorder);
   });
-  report.problems = Locate(recorder.Problems(), text);
+  report.problems = Locate(recorder.Findings(), text);
   report.errors = static_cast<int>(
       std::count_if(report.problems.begin(), report.problems.end(),
                     [](const Located& p) { return p.severity == Severity::Error; }));

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "check/problems.h"
+#include "check/findings.h"
 #include "check/summary.h"
 
 namespace morlen::check {
@@ -18,7 +18,8 @@ struct Report
   int warnings = 0;
 };
 
-/// Reads the text of a problem file as the program does and judges it. Ends the run of nothing.
+/// Reads the text of a problem file as the program does and judges it. No error in the file ends
+/// the run.
 Report CheckText(std::string_view text);
 
 /// The report as one JSON object; `file` is named in it.

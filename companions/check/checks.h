@@ -1,50 +1,53 @@
 #pragma once
 
-#include <array>
 #include <vector>
 
+#include "common/vec3.h"
 #include "model/elem.h"
 
 namespace morlen {
 
 class Material;
 class Node;
-class Project;
+struct Problem;
 
 namespace check {
 
 class Recorder;
 
-/// What the checks of a model as read walk over: the elements whose nodes are all there.
+/// The parts of a model as read that the checks look at: the elements whose nodes all exist.
 struct Subject
 {
-  /// Nodes that belong to elements of the same part of the model, which share nodes.
+  /// Nodes of elements that are connected with each other by common nodes.
   struct Part
   {
     std::vector<const Node*> nodes;
   };
 
-  const Project& project;
+  const Problem& problem;
   std::vector<const Elem*> elements;
   std::vector<const Node*> nodes;  ///< of the elements, by ascending number
   std::vector<Part> parts;         ///< by their lowest node number
-  bool complete = true;            ///< whether that is all of them
+  bool complete = true;            ///< false when elements were left out
 };
 
-using Point = std::array<double, 3>;
+using Point = Vec3;
 
 Point PlaceOf(const Node& node);
-Point Minus(const Point& a, const Point& b);
-Point Cross(const Point& a, const Point& b);
-double Dot(const Point& a, const Point& b);
 
-Subject SubjectOf(const Project& project);
+/// The normal of the triangle of the first three nodes, twice as long as its area.
+Point NormalOf(const Elem& elem);
+/// The determinant that the analysis divides by: twice the area of a shell element, six times the
+/// volume of a solid one, which is negative for a turned element.
+double DeterminantOf(const Elem& elem);
+
+Subject SubjectOf(const Problem& problem);
 
 /// Coincident nodes, slivers, turned neighbours among shells, turned solids.
 void CheckGeometry(const Subject& subject, Recorder& recorder);
 /// Parts of the model that share no node.
 void CheckConnectivity(const Subject& subject, Recorder& recorder);
-/// Values that the elements' kind needs and their material lacks.
+/// Values that are missing in a material and needed by the kind of its elements.
 void CheckSections(const Subject& subject, Recorder& recorder);
 /// Motions of whole parts that no support or spring holds.
 void CheckSupports(const Subject& subject, Recorder& recorder);

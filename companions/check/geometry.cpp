@@ -11,34 +11,27 @@
 namespace morlen::check {
 namespace {
 
-// Of the size of the model: closer nodes count as one place.
+// Nodes closer than this part of the model's size count as one place.
 constexpr double kCoincident = 1e-6;
-// Shapes below are slivers; 1 is the equilateral element.
+// Elements with a smaller shape measure (see ShapeOf) are slivers.
 constexpr double kSliverTriangle = 0.05;
 constexpr double kSliverSolid = 0.02;
 
 double SizeOf(const std::vector<const Node*>& nodes)
 {
-  Point low = PlaceOf(*nodes.front());
-  Point high = low;
-  for (const Node* node : nodes) {
-    const Point place = PlaceOf(*node);
-    for (int k = 0; k < 3; ++k) {
-      low[k] = std::min(low[k], place[k]);
-      high[k] = std::max(high[k], place[k]);
-    }
-  }
-  const Point d = Minus(high, low);
-  return std::sqrt(Dot(d, d));
+  Box box;
+  for (const Node* node : nodes)
+    box.Add(PlaceOf(*node));
+  return box.Diagonal();
 }
 
-/// Nodes by the cell of a grid that they stand in.
+/// Nodes by their cell of a grid, to find those close to a place.
 class Grid
 {
 public:
-  explicit Grid(double cellSize) : size(cellSize) {}
+  explicit Grid(double distance) : size(distance) {}
 
-  /// A node already there within the cell size of this one, which is added; else null.
+  /// Adds the node. Returns a node added before whose distance is at most the size, or null.
   const Node* Enter(const Node& node)
   {
     const Point place = PlaceOf(node);
@@ -66,7 +59,7 @@ private:
     return key;
   }
 
-  // A node within the size stands in a cell that the ends of its range on every axis reach.
+  // A cell is twice as long as the size: at most two cells per axis are within reach of a place.
   const Node* Near(const Point& place) const
   {
     Cell low = CellOf(Minus(place, {size, size, size}));
@@ -86,7 +79,7 @@ private:
     return nullptr;
   }
 
-  double size;
+  double size;  ///< half the length of a cell
   std::unordered_multimap<std::uint64_t, const Node*> cells;
 };
 
@@ -103,13 +96,8 @@ void CheckCoincidence(const Subject& subject, Recorder& recorder)
   }
 }
 
-Point NormalOf(const Elem& elem)
-{
-  const Point a = PlaceOf(*elem(0));
-  return Cross(Minus(PlaceOf(*elem(1)), a), Minus(PlaceOf(*elem(2)), a));
-}
-
-// The determinant of edges as long as those at the first corner, but at right angles.
+// The determinant of an element with edges of the same lengths at its first corner, but at right
+// angles.
 double LargestDeterminant(const Elem& elem)
 {
   double product = 1.0;
@@ -128,16 +116,9 @@ double SumOfSquares(const Elem& elem, int corners)
   return sum;
 }
 
-// Twice the area, or six times the volume, which is negative for a turned element: the
-// determinant that the analysis divides by.
-double DeterminantOf(const Elem& elem)
-{
-  const Point n = NormalOf(elem);
-  return elem.ElemType() == Triangle ? std::sqrt(Dot(n, n))
-                                     : Dot(n, Minus(PlaceOf(*elem(3)), PlaceOf(*elem(0))));
-}
-
-// 4·√3·A over the sum of the squared edges, or 6·√2·V over the cube of their root mean square.
+// A measure of the shape, 1 for the equilateral element and 0 for a flat one: 4·√3·A over the sum
+// of the squared edges, or 6·√2·V over the cube of their root mean square. Source: J. R. Shewchuk,
+// "What is a good linear finite element?", 2002 (tables of quality measures).
 double ShapeOf(const Elem& elem, double determinant)
 {
   if (elem.ElemType() == Triangle)
@@ -161,12 +142,12 @@ void CheckShape(const Elem& elem, Recorder& recorder)
     recorder.Warn(place, name, " is a sliver");
 }
 
-/// An edge of a triangle in the direction in which the triangle runs through it.
+/// An edge of a triangle, with its direction in the order of the triangle's nodes.
 struct Edge
 {
   const Elem* elem;
   int low, high;  ///< numbers of its ends
-  bool upwards;
+  bool upwards;   ///< from the lower number to the higher
 };
 
 std::vector<Edge> EdgesOf(const std::vector<const Elem*>& elements)
@@ -187,7 +168,8 @@ std::vector<Edge> EdgesOf(const std::vector<const Elem*>& elements)
   return edges;
 }
 
-// Whether the normals are more than 120 degrees apart: at a corner of walls they say nothing.
+// True when the normals are more than 120 degrees apart. At the corner of two walls their
+// directions tell nothing about a turned element.
 bool AreFolded(const Elem& a, const Elem& b)
 {
   const Point n = NormalOf(a);
@@ -195,7 +177,7 @@ bool AreFolded(const Elem& a, const Elem& b)
   return Dot(n, m) < -0.5 * std::sqrt(Dot(n, n) * Dot(m, m));
 }
 
-// Two triangles at an edge run through it in opposite directions unless one is turned.
+// Two triangles at a common edge run through it in opposite directions unless one is turned.
 void CheckNeighbours(const Subject& subject, Recorder& recorder)
 {
   const std::vector<Edge> edges = EdgesOf(subject.elements);

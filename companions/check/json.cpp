@@ -9,7 +9,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Null where the file does not name the unit.
+// The name of a unit; null when the file does not name it.
 Json UnitOf(const std::string& name)
 {
   return name.empty() ? Json(nullptr) : Json(name);
@@ -23,7 +23,7 @@ Json JsonOf(const Summary& s)
           {"beams", s.beams},
           {"shells", s.shells},
           {"solids", s.solids},
-          {"box", {s.low, s.high}},
+          {"box", {s.box.Low(), s.box.High()}},
           {"materials", s.materials},
           {"unusedMaterials", s.unusedMaterials},
           {"force", UnitOf(s.units.force)},

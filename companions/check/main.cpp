@@ -1,33 +1,18 @@
-#include <fstream>
 #include <iostream>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "check/check.h"
 #include "common/command_line.h"
+#include "common/file_text.h"
 
 using namespace morlen;
 
 namespace {
 
-std::optional<std::string> ReadText(const std::string& name)
+std::string Counted(int count, const char* noun)
 {
-  std::ifstream in(name, std::ios::binary);
-  std::string text;
-  std::vector<char> part(std::size_t{1} << 16);
-  while (in) {
-    in.read(part.data(), static_cast<std::streamsize>(part.size()));
-    text.append(part.data(), static_cast<std::size_t>(in.gcount()));
-  }
-  if (in.bad() || !in.eof())
-    return std::nullopt;
-  return text;
-}
-
-std::string Counted(int count, const char* what)
-{
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 void Print(const check::Report& report, const std::string& file)
@@ -55,7 +40,7 @@ int main(int argc, char** argv)
   app.footer("Exit status: 0, 1 when there are errors, 2 when the file cannot be read.");
   if (const std::optional<ExitStatus> end = commandLine.Parse(argc, argv))
     return static_cast<int>(*end);
-  const std::optional<std::string> text = ReadText(file);
+  const std::optional<std::string> text = FileText(file);
   if (!text) {
     std::cerr << "can't read file " << file << "\n";
     return static_cast<int>(ExitStatus::Failed);

@@ -1,7 +1,7 @@
 #include "check/recorder.h"
 
 #include <algorithm>
-#include <cctype>
+#include <utility>
 
 #include "base/number_text.h"
 #include "common/shortest.h"
@@ -15,14 +15,6 @@ struct RunEnded
   std::string message;
 };
 
-std::string Lower(std::string_view text)
-{
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return lower;
-}
-
 std::string_view Trim(std::string_view text, const char* dropped = " \t\r\n\v\f:=")
 {
   const std::size_t first = text.find_first_not_of(dropped);
@@ -31,7 +23,7 @@ std::string_view Trim(std::string_view text, const char* dropped = " \t\r\n\v\f:
   return text.substr(first, text.find_last_not_of(dropped) - first + 1);
 }
 
-// Without the blanks and comment lines at its beginning.
+// The text without its leading blanks and comment lines.
 std::string_view WithoutComments(std::string_view text)
 {
   for (text = Trim(text); !text.empty() && text[0] == '#';)
@@ -39,7 +31,7 @@ std::string_view WithoutComments(std::string_view text)
   return text;
 }
 
-// The beginning of a text on one line, in quotes.
+// The beginning of the text's first line, in quotes.
 std::string Quote(std::string_view text)
 {
   constexpr std::size_t kLongest = 40;
@@ -48,7 +40,7 @@ std::string Quote(std::string_view text)
   return Joined("'", text.substr(0, kLongest), cut ? "...'" : "'");
 }
 
-// A message of the program in one line, without its own "error: ".
+// A message of the program on one line, without its "error: ".
 std::string OneLine(std::string_view message)
 {
   std::string line(Trim(message, " \n"));
@@ -57,8 +49,8 @@ std::string OneLine(std::string_view message)
   return line.starts_with(kPrefix) ? line.substr(kPrefix.size()) : line;
 }
 
-// An octal, hexadecimal or decimal number.
-int AnyBase(std::string_view item)
+// The value of an octal, hexadecimal or decimal number.
+int ValueInItsBase(std::string_view item)
 {
   int number = 0;
   ScanInt(item, number, 0, 0);
@@ -74,18 +66,17 @@ std::string Shown(double number)
 
 }  // namespace
 
-Recorder::Recorder(std::string_view text, TextScan& scanner) : content(text), scan(scanner)
+Recorder::Recorder(std::string_view text, TextScan& scanner)
+    : content(text), scan(scanner), scope(*this)
 {
   for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1))
     newlines.push_back(static_cast<std::ptrdiff_t>(at));
   previousEnd = errorwriter.SetEndOfRun(
       [](std::string_view message) { throw RunEnded{std::string(message)}; });
-  readObserver = this;
 }
 
 Recorder::~Recorder()
 {
-  readObserver = nullptr;
   errorwriter.SetEndOfRun(previousEnd);
 }
 
@@ -98,7 +89,7 @@ bool Recorder::Attempt(TextScan* text, const std::function<void()>& step)
   if (depth == 0)
     keywordSeen = false;
   if (depth == 0 && !text)  // all is read
-    keyword.clear();
+    topic = ReadTopic::Other;
   ++depth;
   const bool done = Run(step);
   --depth;
@@ -120,7 +111,7 @@ bool Recorder::AttemptOn(ReadItem item, int number, const std::function<void()>&
 }
 
 bool Recorder::AttemptAt(std::ptrdiff_t offset, const std::function<void()>& step,
-                         const std::function<std::string(std::string_view)>& remark)
+                         const Remark& remark)
 {
   fixedPlace = offset;
   remarkOn = remark;
@@ -136,11 +127,12 @@ bool Recorder::Run(const std::function<void()>& step)
     step();
     return true;
   } catch (const RunEnded& end) {
-    Refused(end.message);
+    AddError(end.message);
     return false;
   }
 }
 
+// Skips the rest of the record's line unless the reader has crossed its end already.
 void Recorder::SkipBrokenRecord(TextScan& text, std::ptrdiff_t from)
 {
   const std::ptrdiff_t here = text.OffsetOf(text.Here());
@@ -152,27 +144,34 @@ void Recorder::SkipBrokenRecord(TextScan& text, std::ptrdiff_t from)
     text.SkipLine();
 }
 
-void Recorder::Refused(std::string_view message)
+void Recorder::AddError(std::string_view message)
 {
-  const bool unknown = message.starts_with("Unknown key name=");
+  const std::optional<ReadEvent> why = std::exchange(reason, std::nullopt);
+  const std::ptrdiff_t searched = std::exchange(lost, kWholeFile);
+  const bool unknown = why == ReadEvent::UnknownKeyword;
   if (unknown && unknownWords)
     return;
   unknownWords = unknown;
   unknownKeyword = unknownKeyword || unknown;
   if (depth > 0)
-    broken.insert(keyword);
+    broken.insert(topic);
   std::ptrdiff_t place = start;
-  if (lost != kWholeFile)
-    place = lost;
+  if (searched != kWholeFile)
+    place = searched;
   if (fixedPlace != kWholeFile)
     place = fixedPlace;
-  lost = kWholeFile;
-  Error(place, OneLine(message), remarkOn ? remarkOn(message) : std::string());
+  Error(place, OneLine(message), remarkOn ? remarkOn(why) : std::string());
+}
+
+void Recorder::Entered(ReadTopic entered)
+{
+  topic = entered;
+  topics.try_emplace(topic, start);
 }
 
 void Recorder::Stored(ReadItem item, int number)
 {
-  const auto [known, added] = places[static_cast<int>(item)].try_emplace(number, start);
+  const auto [known, added] = places[static_cast<std::size_t>(item)].try_emplace(number, start);
   if (added)
     return;
   if (item == ReadItem::Element && start != known->second)
@@ -181,81 +180,113 @@ void Recorder::Stored(ReadItem item, int number)
   known->second = start;
 }
 
-void Recorder::NoteSkipped(std::ptrdiff_t offset, std::string_view skipped, std::string_view wanted)
-{
-  if (wanted == "elements")  // what "end" closes stands behind it
-    skipped.remove_prefix(std::min(skipped.find('\n'), skipped.size()));
-  const std::string_view rest = WithoutComments(skipped);
-  if (rest.empty())
-    return;
-  const std::ptrdiff_t place = rest.data() - content.data();
-  if (wanted == "end")
-    return Warn(place, "the list ends at ", Quote(rest), ": all up to 'end' in line ",
-                LineNumber(offset + std::ssize(skipped)), " is skipped");
-  const std::string target = wanted == "digit" ? "the number" : Joined("'", wanted, "'");
-  Warn(place, "skipped in front of ", target, ": ", Quote(rest));
-}
-
 void Recorder::Notice(ReadEvent event, std::string_view place, std::string_view detail)
 {
-  const std::ptrdiff_t offset = scan.OffsetOf(place.data());
-  const std::ptrdiff_t at = offset < 0 ? start : offset;
-  const std::string quoted = Quote(place);
+  switch (event) {
+    case ReadEvent::Keyword:
+      return EnterKeyword(OffsetIn(place));
+    case ReadEvent::UnitsUsed:
+      usedUnits.emplace(place);
+      return;
+    case ReadEvent::SearchFailed:
+      lost = OffsetIn(WithoutComments(place));
+      reason = event;
+      return;
+    case ReadEvent::UnknownKeyword:
+    case ReadEvent::AsymmetricMaterial:
+      reason = event;
+      return;
+    default:
+      return WarnOf(event, place, detail);
+  }
+}
+
+void Recorder::EnterKeyword(std::ptrdiff_t offset)
+{
+  start = offset;
+  keywordSeen = true;
+  topic = ReadTopic::Other;
+}
+
+void Recorder::WarnOf(ReadEvent event, std::string_view place, std::string_view detail)
+{
+  const std::ptrdiff_t at = OffsetIn(place);
   switch (event) {
     case ReadEvent::SkippedText:
-      return NoteSkipped(offset, place, detail);
-    case ReadEvent::SearchFailed:
-      lost =
-          WithoutComments(place).empty() ? start : WithoutComments(place).data() - content.data();
-      return;
+      return WarnOfSkipped(place, Joined("'", detail, "'"));
+    case ReadEvent::SkippedAfterBlock:  // the rest of the line belongs to the "end"
+      place.remove_prefix(std::min(place.find('\n'), place.size()));
+      return WarnOfSkipped(place, Joined("'", detail, "'"));
+    case ReadEvent::SkippedToNumber:
+      return WarnOfSkipped(place, "the number");
+    case ReadEvent::SkippedToBlockEnd:
+      return WarnOfListEnd(place);
     case ReadEvent::WordPart:
       if (!EqualsNoCase(Trim(place), detail))
-        Warn(at, quoted, " is taken for '", detail, "'");
+        Warn(at, Quote(place), " is taken for '", detail, "'");
       return;
     case ReadEvent::Prefix:
-      return Warn(at, quoted, " is read as '", detail, "'");
+      return Warn(at, Quote(place), " is read as '", detail, "'");
     case ReadEvent::LineTail:
-      if (const std::string_view tail = Trim(place, " \t\r\n"); !tail.empty() && tail[0] != '#')
-        Warn(at + (tail.data() - place.data()), "ignored: ", Quote(tail));
-      return;
+      return WarnOfTail(place);
     case ReadEvent::LineBreak:
       return Warn(start, "values are missing in this line: they are taken from the next one");
     case ReadEvent::IgnoredKey:
-      return Warn(at, "ignored: the key ", quoted);
+      return Warn(at, "ignored: the key ", Quote(place));
     case ReadEvent::NumberPart:
-      return Warn(at, quoted, " is no number as a whole: read as ", Shown(ToDouble(place)));
+      return Warn(at, Quote(place), " is no number as a whole: read as ", Shown(ToDouble(place)));
     case ReadEvent::NotDecimal:
-      return Warn(at, "the material number ", quoted, " is not decimal: read as ", AnyBase(place));
-    case ReadEvent::Keyword:
-      return EnterKeyword(place, at);
-    case ReadEvent::UnitsUsed:
-      usedUnits.emplace(place);
+      return Warn(at, "the material number ", Quote(place), " is not decimal: read as ",
+                  ValueInItsBase(place));
+    default:
       return;
   }
 }
 
-void Recorder::EnterKeyword(std::string_view word, std::ptrdiff_t offset)
+void Recorder::WarnOfSkipped(std::string_view skipped, std::string_view target)
 {
-  start = offset;
-  keywordSeen = true;
-  keyword = Lower(word.substr(0, word.find_first_of("=:")));
-  keywords.try_emplace(keyword, offset);
+  const std::string_view rest = WithoutComments(skipped);
+  if (!rest.empty())
+    Warn(OffsetIn(rest), "skipped in front of ", target, ": ", Quote(rest));
+}
+
+void Recorder::WarnOfListEnd(std::string_view skipped)
+{
+  const std::string_view rest = WithoutComments(skipped);
+  if (!rest.empty())
+    Warn(OffsetIn(rest), "the list ends at ", Quote(rest), ": all up to 'end' in line ",
+         LineNumber(scan.OffsetOf(skipped.data()) + std::ssize(skipped)), " is skipped");
+}
+
+// A comment may follow the values of a record.
+void Recorder::WarnOfTail(std::string_view tail)
+{
+  const std::string_view rest = Trim(tail, " \t\r\n");
+  if (!rest.empty() && rest[0] != '#')
+    Warn(OffsetIn(tail) + (rest.data() - tail.data()), "ignored: ", Quote(rest));
 }
 
 std::ptrdiff_t Recorder::PlaceOf(ReadItem item, int number) const
 {
-  const auto& known = places[static_cast<int>(item)];
+  const auto& known = places[static_cast<std::size_t>(item)];
   const auto found = known.find(number);
   return found == known.end() ? kWholeFile : found->second;
 }
 
-std::ptrdiff_t Recorder::PlaceOfKeyword(std::string_view name) const
+std::ptrdiff_t Recorder::PlaceOf(ReadTopic wanted) const
 {
-  const auto found = keywords.find(Lower(name));
-  return found == keywords.end() ? kWholeFile : found->second;
+  const auto found = topics.find(wanted);
+  return found == topics.end() ? kWholeFile : found->second;
 }
 
-// The first character of the line, blanks apart.
+// The offset of a part of the text, or of the running step for a view of other memory.
+std::ptrdiff_t Recorder::OffsetIn(std::string_view place) const
+{
+  const std::ptrdiff_t offset = scan.OffsetOf(place.data());
+  return offset < 0 ? start : offset;
+}
+
+// The offset of the first character of the line that is not blank.
 std::ptrdiff_t Recorder::RecordStart(std::ptrdiff_t offset) const
 {
   const std::size_t place = static_cast<std::size_t>(offset);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
 #include <functional>
+#include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -10,14 +13,17 @@
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
 #include "base/textscan.h"
+#include "check/findings.h"
 #include "check/joined.h"
-#include "check/problems.h"
 
 namespace morlen::check {
 
-/// Follows the core's readers over a text and collects what they refuse and what they pass over.
+/// Follows the core's readers over a text and collects the errors that they raise and the text
+/// that they pass over.
 ///
-/// While it lives it is the observer of the readers, and errors end steps instead of the process.
+/// It is the observer of its thread while it exists, and errors of this thread end steps instead
+/// of the process. Its decisions depend on the typed facts of the readers, never on the wording
+/// of a message.
 class Recorder : public ReadObserver
 {
 public:
@@ -30,42 +36,51 @@ public:
   bool Attempt(TextScan* text, const std::function<void()>& step) override;
   bool AttemptOn(ReadItem item, int number, const std::function<void()>& step) override;
   void Notice(ReadEvent event, std::string_view place, std::string_view detail) override;
+  void Entered(ReadTopic topic) override;
   void Stored(ReadItem item, int number) override;
 
-  /// The parts, texts and whole numbers, make up the message.
+  /// The parts, texts and integers, make up the message.
   template <class... Parts>
   void Error(std::ptrdiff_t offset, const Parts&... parts)
   {
     ++errors;
-    problems.push_back({Severity::Error, offset, Joined(parts...)});
+    findings.push_back({Severity::Error, offset, Joined(parts...)});
   }
   template <class... Parts>
   void Warn(std::ptrdiff_t offset, const Parts&... parts)
   {
-    problems.push_back({Severity::Warning, offset, Joined(parts...)});
+    findings.push_back({Severity::Warning, offset, Joined(parts...)});
   }
 
-  /// Runs a step whose errors belong to this place, with `remark` behind their messages.
-  bool AttemptAt(std::ptrdiff_t offset, const std::function<void()>& step,
-                 const std::function<std::string(std::string_view)>& remark = {});
+  /// Text to be added to the message of an error with this reason; none when it is not known.
+  using Remark = std::function<std::string(std::optional<ReadEvent> reason)>;
 
-  /// Where the file gives an item last; kWholeFile when it does not.
+  /// Runs a step whose errors belong to this place; `remark` is asked about each of them.
+  bool AttemptAt(std::ptrdiff_t offset, const std::function<void()>& step,
+                 const Remark& remark = {});
+
+  /// The place where the file gives an item last; kWholeFile when it does not.
   std::ptrdiff_t PlaceOf(ReadItem item, int number) const;
-  std::ptrdiff_t PlaceOfKeyword(std::string_view name) const;
+  /// The place of the first keyword with this topic; kWholeFile when there is none.
+  std::ptrdiff_t PlaceOf(ReadTopic wanted) const;
   bool UsesUnits(const std::string& name) const { return usedUnits.contains(name); }
   bool HasErrors() const { return errors > 0; }
-  /// Whether the blocks of this keyword have been read without errors.
-  bool IsWhole(const std::string& name) const { return !broken.contains(name); }
-  /// Whether every keyword of the top level is known.
+  /// True when the records with this topic have been read without errors.
+  bool IsWhole(ReadTopic wanted) const { return !broken.contains(wanted); }
+  /// True when every keyword of the top level is known.
   bool KnowsAll() const { return !unknownKeyword; }
-  const std::vector<Problem>& Problems() const { return problems; }
+  const std::vector<Finding>& Findings() const { return findings; }
 
 private:
   bool Run(const std::function<void()>& step);
-  void SkipBrokenRecord(TextScan& text, std::ptrdiff_t start);
-  void Refused(std::string_view message);
-  void EnterKeyword(std::string_view word, std::ptrdiff_t offset);
-  void NoteSkipped(std::ptrdiff_t offset, std::string_view skipped, std::string_view wanted);
+  void SkipBrokenRecord(TextScan& text, std::ptrdiff_t from);
+  void AddError(std::string_view message);
+  void EnterKeyword(std::ptrdiff_t offset);
+  void WarnOf(ReadEvent event, std::string_view place, std::string_view detail);
+  void WarnOfSkipped(std::string_view skipped, std::string_view target);
+  void WarnOfListEnd(std::string_view skipped);
+  void WarnOfTail(std::string_view tail);
+  std::ptrdiff_t OffsetIn(std::string_view place) const;
   std::ptrdiff_t RecordStart(std::ptrdiff_t offset) const;
   int LineNumber(std::ptrdiff_t offset) const;
 
@@ -74,21 +89,23 @@ private:
   std::string_view content;
   std::vector<std::ptrdiff_t> newlines;  ///< their offsets, ascending
   TextScan& scan;
+  ObserverScope scope;
   ErrorWriter::EndOfRun previousEnd;
-  std::vector<Problem> problems;
+  std::vector<Finding> findings;
   int errors = 0;
   std::ptrdiff_t start = kWholeFile;  ///< of the running step
-  std::ptrdiff_t lost = kWholeFile;   ///< where a search began that has failed
+  std::optional<ReadEvent> reason;    ///< of the error that follows, where it is known
+  std::ptrdiff_t lost = kWholeFile;   ///< beginning of the search that has failed
   std::ptrdiff_t fixedPlace = kWholeFile;
-  std::function<std::string(std::string_view)> remarkOn;
+  Remark remarkOn;
   bool keywordSeen = false;   ///< in the running step of the top level
-  bool unknownWords = false;  ///< the words behind an unknown keyword belong to it
+  bool unknownWords = false;  ///< the words after an unknown keyword belong to it
   bool unknownKeyword = false;
-  int depth = 0;
-  std::string keyword;  ///< read last, in lower case
-  std::set<std::string> broken;
-  std::unordered_map<int, std::ptrdiff_t> places[kItems];
-  std::unordered_map<std::string, std::ptrdiff_t> keywords;  ///< in lower case
+  int depth = 0;                       ///< of the steps that run inside each other
+  ReadTopic topic = ReadTopic::Other;  ///< of the keyword read last
+  std::set<ReadTopic> broken;
+  std::array<std::unordered_map<int, std::ptrdiff_t>, kItems> places;
+  std::map<ReadTopic, std::ptrdiff_t> topics;  ///< the places of their first keywords
   std::set<std::string> usedUnits;
 };
 

@@ -1,6 +1,6 @@
+#include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include "check/checks.h"
@@ -10,12 +10,12 @@
 #include "model/material_symmetry.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen::check {
 namespace {
 
-// The matrices that the analysis makes first of a material: they refuse what is missing.
+// Makes the matrices that depend on the material only. Their functions refuse missing values.
 void MakeStiffness(const Elem& elem, const Material& material, PROBLEMTYPE problem)
 {
   if (elem.ElemType() == Linear) {
@@ -30,11 +30,9 @@ void MakeStiffness(const Elem& elem, const Material& material, PROBLEMTYPE probl
   }
 }
 
-// The ratio that makes an orthotropic material symmetric; empty when there is none.
-std::string PassingRatio(const Material& material, std::string_view message)
+// The nuYX with which an orthotropic material is symmetric, as a remark; empty without one.
+std::string PassingRatio(const Material& material)
 {
-  if (message.find("Ex*nuXY must be equal to Ey*nuYX") == message.npos)
-    return {};
   Material symmetric = material;
   symmetric.nuYX = material.nuXY * material.E1 / material.E2;
   if (!IsSymmetric(symmetric))
@@ -46,7 +44,7 @@ std::string PassingRatio(const Material& material, std::string_view message)
   return text;
 }
 
-// Also what its local axes, given by angles, do not fit.
+// Makes the local axes, whose functions refuse angles that do not fit the element.
 void MakeAxes(const Elem& elem, const Material& material, PROBLEMTYPE problem)
 {
   Matriu T, bigT;
@@ -63,19 +61,21 @@ void CheckSections(const Subject& subject, Recorder& recorder)
 {
   std::set<std::pair<const Material*, ElemType>> judged;
   for (const Elem* elem : subject.elements) {
-    const Material* material = elem->GiveMaterial(&subject.project.materials);
+    const Material* material = elem->GiveMaterial(&subject.problem.materials);
     if (!material)
       continue;
     const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Element, elem->Num());
     if (material->eulerGiven)
-      recorder.AttemptAt(place, [&] { MakeAxes(*elem, *material, subject.project.problemType); });
+      recorder.AttemptAt(place, [&] { MakeAxes(*elem, *material, subject.problem.problemType); });
     if (!judged.insert({material, elem->ElemType()}).second)
       continue;
     const int number = elem->GiveMaterialNum();
     recorder.AttemptAt(
         number ? recorder.PlaceOf(ReadItem::Material, number) : place,
-        [&] { MakeStiffness(*elem, *material, subject.project.problemType); },
-        [&](std::string_view message) { return PassingRatio(*material, message); });
+        [&] { MakeStiffness(*elem, *material, subject.problem.problemType); },
+        [&](std::optional<ReadEvent> reason) {
+          return reason == ReadEvent::AsymmetricMaterial ? PassingRatio(*material) : std::string();
+        });
   }
 }
 

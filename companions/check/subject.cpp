@@ -7,13 +7,14 @@
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/element_family.h"
-#include "problem/project.h"
+#include "problem/problem.h"
+#include "run/element_families.h"
 
 namespace morlen::check {
 namespace {
 
-/// Sets of positions that grow together.
+/// A partition of the positions 0 to size - 1 into sets that can be joined (union-find with path
+/// halving: R. E. Tarjan and J. van Leeuwen, "Worst-case analysis of set union algorithms", 1984).
 class DisjointSets
 {
 public:
@@ -29,7 +30,7 @@ public:
     return i;
   }
 
-  /// The lower root stays.
+  /// The lower of the two roots becomes the root of both sets.
   void Join(std::size_t a, std::size_t b)
   {
     a = Find(a);
@@ -90,26 +91,24 @@ Point PlaceOf(const Node& node)
   return place;
 }
 
-Point Minus(const Point& a, const Point& b)
+Point NormalOf(const Elem& elem)
 {
-  return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+  const Point a = PlaceOf(*elem(0));
+  return Cross(Minus(PlaceOf(*elem(1)), a), Minus(PlaceOf(*elem(2)), a));
 }
 
-Point Cross(const Point& a, const Point& b)
+double DeterminantOf(const Elem& elem)
 {
-  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+  const Point n = NormalOf(elem);
+  return elem.ElemType() == Triangle ? Length(n)
+                                     : Dot(n, Minus(PlaceOf(*elem(3)), PlaceOf(*elem(0))));
 }
 
-double Dot(const Point& a, const Point& b)
+Subject SubjectOf(const Problem& problem)
 {
-  return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
-Subject SubjectOf(const Project& project)
-{
-  Subject subject{.project = project, .elements = {}, .nodes = {}, .parts = {}};
-  for (const auto& mesh : project.meshes) {
-    if (!FindFamily(*mesh))
+  Subject subject{.problem = problem, .elements = {}, .nodes = {}, .parts = {}};
+  for (const auto& mesh : problem.meshes) {
+    if (!AllFamilies().Find(*mesh))
       continue;
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       if (IsWhole(elem))

@@ -4,100 +4,102 @@
 #include <cmath>
 #include <set>
 
+#include "assembly/load_vector.h"
 #include "assembly/solver_choice.h"
 #include "check/joined.h"
 #include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/element_family.h"
-#include "problem/project.h"
+#include "numeric/reavecv.h"
+#include "problem/problem.h"
+#include "run/element_families.h"
 
 namespace morlen::check {
 namespace {
 
-void AddCounts(const Project& project, const Subject& subject, Summary& summary)
+constexpr int kDigits = 6;  // of the numbers in the text
+
+void AddCounts(const Problem& problem, const Subject& subject, Summary& summary)
 {
-  summary.plane = project.problemType == kPlane && project.translations == 2;
+  summary.plane = problem.problemType == kPlane && problem.components.translations == 2;
   summary.parts = static_cast<int>(subject.parts.size());
   for (const Elem* elem : subject.elements)
     ++(elem->ElemType() == Linear     ? summary.beams
        : elem->ElemType() == Triangle ? summary.shells
                                       : summary.solids);
-  for (const Node& node : Each<Node>(project.GiveNodes())) {
-    const Point place = PlaceOf(node);
-    for (int k = 0; k < 3; ++k) {
-      summary.low[k] = summary.nodes == 0 ? place[k] : std::min(summary.low[k], place[k]);
-      summary.high[k] = summary.nodes == 0 ? place[k] : std::max(summary.high[k], place[k]);
-    }
+  for (const Node& node : Each<Node>(problem.GiveNodes())) {
+    summary.box.Add(PlaceOf(node));
     ++summary.nodes;
   }
 }
 
-void AddMaterials(const Project& project, const Subject& subject, Summary& summary)
+void AddMaterials(const Problem& problem, const Subject& subject, Summary& summary)
 {
   std::set<int> used;
   for (const Elem* elem : subject.elements)
     used.insert(elem->GiveMaterialNum());
-  for (const auto [number, material] : EachNumbered<const Material>(project.materials))
+  for (const auto [number, material] : EachNumbered<const Material>(problem.materials))
     (used.contains(number) ? summary.materials : summary.unusedMaterials).push_back(number);
 }
 
-// The part of the volume that the weight acts on, by the corners.
+// The volume that self-weight acts on, of an element between its corners.
 double VolumeOf(const Elem& elem, const Material& material)
 {
   if (elem.ElemType() == Linear)
     return material.A * std::sqrt(dist2(elem(0), elem(1)));
-  const Point a = PlaceOf(*elem(0));
-  const Point normal = Cross(Minus(PlaceOf(*elem(1)), a), Minus(PlaceOf(*elem(2)), a));
-  if (elem.ElemType() == Triangle)
-    return material.t * std::sqrt(Dot(normal, normal)) / 2.0;
-  return std::fabs(Dot(normal, Minus(PlaceOf(*elem(3)), a))) / 6.0;
+  return elem.ElemType() == Triangle ? material.t * DeterminantOf(elem) / 2.0
+                                     : std::fabs(DeterminantOf(elem)) / 6.0;
 }
 
-void AddLoads(Project& project, const Subject& subject, Summary& summary)
+void AddLoads(const Problem& problem, const Subject& subject, Summary& summary)
 {
-  project.displacements.resize(project.numNodes * project.freeDegrees, 0.0);
-  project.displacements = 0.0;
-  project.AddNodalLoads();
-  for (const auto& mesh : project.meshes)
-    (project.*FamilyOf(*mesh).addLoads)(mesh.get());
-  for (const Node& node : Each<Node>(project.GiveNodes())) {
-    for (int k = 0; k < project.translations; ++k)
-      summary.load[k] += project.displacements(project.Equation(node, k + 1));
+  const ReaVecV loads = AppliedLoads(problem, AllFamilies());
+  for (const Node& node : Each<Node>(problem.GiveNodes())) {
+    for (int k = 0; k < problem.components.translations; ++k)
+      summary.load[k] += loads(problem.Equation(node, k + 1));
   }
   double weight = 0.0;
   for (const Elem* elem : subject.elements) {
-    const Material* material = elem->GiveMaterial(&project.materials);
+    const Material* material = elem->GiveMaterial(&problem.materials);
     weight +=
         material && material->Weight > 0.0 ? material->Weight * VolumeOf(*elem, *material) : 0.0;
   }
-  for (int k = 0; k < project.translations; ++k)
-    summary.weight[k] = weight * project.gravityDirection(k + 1);
+  for (int k = 0; k < problem.components.translations; ++k)
+    summary.weight[k] = weight * problem.gravityDirection(k + 1);
 }
 
-/// Pairs of coupled nodes, the lower number first, each once.
-std::vector<std::uint64_t> CouplingsOf(const Subject& subject)
+// A pair of nodes as one number, whatever their order.
+std::uint64_t PairOf(const Node& a, const Node& b)
 {
-  std::vector<std::uint64_t> pairs;
-  for (const Elem* elem : subject.elements) {
-    for (int i = 0; i < elem->Nnode(); ++i) {
-      for (int j = i + 1; j < elem->Nnode(); ++j) {
-        const auto a = static_cast<std::uint64_t>((*elem)(i)->number);
-        const auto b = static_cast<std::uint64_t>((*elem)(j)->number);
-        pairs.push_back(std::min(a, b) << 32 | std::max(a, b));
-      }
-    }
-  }
+  const auto [low, high] = std::minmax(a.number, b.number);
+  return static_cast<std::uint64_t>(low) << 32 | static_cast<std::uint64_t>(high);
+}
+
+std::vector<std::uint64_t> WithoutRepetitions(std::vector<std::uint64_t> pairs)
+{
   std::sort(pairs.begin(), pairs.end());
   pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
   return pairs;
 }
 
-// Row by row from the first coupled column to the diagonal.
-std::int64_t ProfileEntries(const Project& project, const Subject& subject)
+/// The pairs of nodes that have an element in common.
+std::vector<std::uint64_t> CouplingsOf(const Subject& subject)
 {
-  std::vector<int> lowest(static_cast<std::size_t>(project.numNodes) + 1);
+  std::vector<std::uint64_t> pairs;
+  for (const Elem* elem : subject.elements) {
+    for (int i = 0; i < elem->Nnode(); ++i) {
+      for (int j = i + 1; j < elem->Nnode(); ++j)
+        pairs.push_back(PairOf(*(*elem)(i), *(*elem)(j)));
+    }
+  }
+  return WithoutRepetitions(std::move(pairs));
+}
+
+// Stored numbers of the skyline: each row from its first coupled column to the diagonal.
+std::int64_t ProfileEntries(const Problem& problem, const Subject& subject)
+{
+  std::vector<int> lowest(static_cast<std::size_t>(problem.numNodes) + 1);
   for (std::size_t i = 0; i < lowest.size(); ++i)
     lowest[i] = static_cast<int>(i);
   for (const Elem* elem : subject.elements) {
@@ -109,76 +111,48 @@ std::int64_t ProfileEntries(const Project& project, const Subject& subject)
       known = std::min(known, low);
     }
   }
-  const std::int64_t n = project.freeDegrees;
+  const std::int64_t n = problem.components.count;
   std::int64_t entries = 0;
   for (std::size_t i = 1; i < lowest.size(); ++i)
     entries += n * n * (static_cast<std::int64_t>(i) - lowest[i]) + n * (n + 1) / 2;
   return entries;
 }
 
-std::int64_t BlockEntries(const Project& project, const Subject& subject)
+std::int64_t BlockEntries(const Problem& problem, const Subject& subject)
 {
-  const auto blocks = project.numNodes + 2 * static_cast<std::int64_t>(CouplingsOf(subject).size());
-  return blocks * project.freeDegrees * project.freeDegrees;
+  const auto blocks = problem.numNodes + 2 * static_cast<std::int64_t>(CouplingsOf(subject).size());
+  return blocks * problem.components.count * problem.components.count;
 }
 
-// Nodes in the middle of the edges of three-node triangles.
+// The nodes that the conversion to six-node triangles adds: one on each edge of a three-node
+// triangle.
 int MidSideNodes(const Subject& subject)
 {
   std::vector<std::uint64_t> edges;
   for (const Elem* elem : subject.elements) {
-    for (int i = 0; i < 3 && elem->ElemType() == Triangle && elem->Nnode() == 3; ++i) {
-      const auto a = static_cast<std::uint64_t>((*elem)(i)->number);
-      const auto b = static_cast<std::uint64_t>((*elem)((i + 1) % 3)->number);
-      edges.push_back(std::min(a, b) << 32 | std::max(a, b));
-    }
+    for (int i = 0; i < 3 && elem->ElemType() == Triangle && elem->Nnode() == 3; ++i)
+      edges.push_back(PairOf(*(*elem)(i), *(*elem)((i + 1) % 3)));
   }
-  std::sort(edges.begin(), edges.end());
-  return static_cast<int>(std::unique(edges.begin(), edges.end()) - edges.begin());
+  return static_cast<int>(WithoutRepetitions(std::move(edges)).size());
 }
 
-void AddSolver(Project& project, const Subject& subject, Summary& summary)
+/// The solver of a run; Automatic for a large model, whose run chooses by the work.
+struct SolverPlan
 {
-  const SolverTaken taken = SolverOf(project, subject);
-  summary.solver = taken.name;
-  summary.equations = (project.numNodes + taken.addedNodes) * project.freeDegrees;
-  if (taken.addedNodes > 0 || project.solverSettings.type == SolverType::Automatic)
-    return;
-  const bool profile = project.solverSettings.type == SolverType::SkyLine;
-  if (profile)
-    project.meshes.front()->RenumberNodes();
-  summary.entries = profile ? ProfileEntries(project, subject) : BlockEntries(project, subject);
-}
+  SolverType type;
+  int addedNodes;  ///< by the conversion of triangles, before the solution
+  long long equations;
+};
 
-std::string Rounded(double value)
+SolverPlan SolverOf(const Problem& problem, const Subject& subject)
 {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.6g", value);
-  return text;
-}
-
-// What is small beside the other components is rounding error.
-std::string Listed(Point p, bool plane)
-{
-  const double largest = std::max({std::fabs(p[0]), std::fabs(p[1]), std::fabs(p[2])});
-  for (double& value : p)
-    value = std::fabs(value) > 1e-12 * largest ? value : 0.0;
-  std::string text = Joined(Rounded(p[0]), ", ", Rounded(p[1]));
-  return plane ? text : Joined(text, ", ", Rounded(p[2]));
-}
-
-std::string Numbers(const std::vector<int>& numbers)
-{
-  std::string text;
-  for (const int number : numbers)
-    text += Joined(" ", number);
-  return text.empty() ? " none" : text;
-}
-
-// In brackets what is measured, where the file does not name the unit.
-std::string UnitName(const std::string& name, const char* measured)
-{
-  return name.empty() ? Joined("[", measured, "]") : name;
+  const SolverType type = problem.solverSettings.type;
+  const int added =
+      problem.convertTo6Nodes || type == SolverType::Double ? MidSideNodes(subject) : 0;
+  const long long equations =
+      static_cast<long long>(problem.numNodes + added) * problem.components.count;
+  const bool small = type == SolverType::Automatic && equations < kChoiceFrom;
+  return {small ? SolverType::SkyLine : type, added, equations};
 }
 
 const char* NameOf(SolverType type)
@@ -195,28 +169,53 @@ const char* NameOf(SolverType type)
   }
 }
 
-}  // namespace
-
-SolverTaken SolverOf(Project& project, const Subject& subject)
+void AddSolver(Problem& problem, const Subject& subject, Summary& summary)
 {
-  SolverType& type = project.solverSettings.type;
-  const int added =
-      project.convertTo6Nodes || type == SolverType::Double ? MidSideNodes(subject) : 0;
-  const long long equations =
-      static_cast<long long>(project.numNodes + added) * project.freeDegrees;
-  if (type == SolverType::Automatic && equations < kChoiceFrom)
-    type = SolverType::SkyLine;
-  return {NameOf(type), added};
+  const SolverPlan plan = SolverOf(problem, subject);
+  summary.solver = NameOf(plan.type);
+  summary.equations = static_cast<int>(plan.equations);
+  if (plan.addedNodes > 0 || plan.type == SolverType::Automatic)
+    return;
+  const bool profile = plan.type == SolverType::SkyLine;
+  if (profile)
+    problem.meshes.front()->RenumberNodes();
+  summary.entries = profile ? ProfileEntries(problem, subject) : BlockEntries(problem, subject);
 }
 
-Summary Summarise(Project& project, const Subject& subject)
+// Components that are rounding errors compared with the others become 0.
+std::string Listed(Point p, bool plane)
+{
+  const double largest = std::max({std::fabs(p[0]), std::fabs(p[1]), std::fabs(p[2])});
+  for (double& value : p)
+    value = std::fabs(value) > 1e-12 * largest ? value : 0.0;
+  std::string text = Joined(Rounded(p[0], kDigits), ", ", Rounded(p[1], kDigits));
+  return plane ? text : Joined(text, ", ", Rounded(p[2], kDigits));
+}
+
+std::string Numbers(const std::vector<int>& numbers)
+{
+  std::string text;
+  for (const int number : numbers)
+    text += Joined(" ", number);
+  return text.empty() ? " none" : text;
+}
+
+// The name of a unit; its quantity in brackets when the file does not name it.
+std::string UnitName(const std::string& name, const char* quantity)
+{
+  return name.empty() ? Joined("[", quantity, "]") : name;
+}
+
+}  // namespace
+
+Summary Summarise(Problem& problem, const Subject& subject)
 {
   Summary summary;
-  AddCounts(project, subject, summary);
-  AddMaterials(project, subject, summary);
-  summary.units = model::UnitsOf(project);
-  AddLoads(project, subject, summary);
-  AddSolver(project, subject, summary);
+  AddCounts(problem, subject, summary);
+  AddMaterials(problem, subject, summary);
+  summary.units = model::UnitsOf(problem);
+  AddLoads(problem, subject, summary);
+  AddSolver(problem, subject, summary);
   return summary;
 }
 
@@ -225,15 +224,16 @@ std::string TextOf(const Summary& s)
   const std::string force = UnitName(s.units.force, "force");
   const std::string length = UnitName(s.units.length, "length");
   const std::string counted =
-      s.entries > 0 ? Joined(", matrix of ", s.entries, " numbers (",
-                             Rounded(static_cast<double>(s.entries) * 8.0 / 1048576.0), " MiB)")
-                    : std::string();
+      s.entries > 0
+          ? Joined(", matrix of ", s.entries, " numbers (",
+                   Rounded(static_cast<double>(s.entries) * 8.0 / 1048576.0, kDigits), " MiB)")
+          : std::string();
   return Joined("problem:    ", s.plane ? "2d" : "3d", "\nnodes:      ", s.nodes, " in ", s.parts,
                 s.parts == 1 ? " part" : " parts", "\nelements:   ", s.beams, " beams, ", s.shells,
-                " shells, ", s.solids, " solids\nbox:        (", Listed(s.low, s.plane), ") to (",
-                Listed(s.high, s.plane), ") ", length, "\nmaterials:  used", Numbers(s.materials),
-                "; unused", Numbers(s.unusedMaterials), "\ntotal load: (", Listed(s.load, s.plane),
-                ") ", force, ", with weight (", Listed(s.weight, s.plane),
+                " shells, ", s.solids, " solids\nbox:        (", Listed(s.box.Low(), s.plane),
+                ") to (", Listed(s.box.High(), s.plane), ") ", length, "\nmaterials:  used",
+                Numbers(s.materials), "; unused", Numbers(s.unusedMaterials), "\ntotal load: (",
+                Listed(s.load, s.plane), ") ", force, ", with weight (", Listed(s.weight, s.plane),
                 ")\nunits:      results in ", force, " and ", length, "\nequations:  ", s.equations,
                 ", solver ", s.solver, counted, "\n");
 }

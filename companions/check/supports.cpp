@@ -1,6 +1,9 @@
-// A part is held when the rows of its supports, each a linear form on the rigid motions, have
-// full rank. A motion is (t, w·L): the displacement of the centre and the rotation, times the
-// size of the part so that all six numbers are comparable.
+// Finds the rigid motions that the supports of a part leave free.
+//
+// A rigid motion is (t, w·L): the displacement t of the part's centre and its rotation w, times the
+// size L of the part so that all six numbers are comparable. Each held component of a support is a
+// linear form on these motions, a row of six numbers. The part is held when the rows have full
+// rank; otherwise the null space of the rows are its free motions.
 
 #include <algorithm>
 #include <cmath>
@@ -13,18 +16,18 @@
 #include "model/constraint.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen::check {
 namespace {
 
 using Motion = std::array<double, 6>;
 
-// Of the largest entry: what is left of a dependent row.
+// A row is dependent when the elimination leaves less than this part of its largest entry.
 constexpr double kDependent = 1e-7;
 
-/// Independent rows, reduced against each other: each has a 1 in its own column, where the
-/// others have 0 (Gauss and Jordan).
+/// Independent rows in reduced form (Gauss-Jordan elimination): each has a pivot column, where it
+/// is 1 and the other rows are 0.
 class RowSpace
 {
 public:
@@ -44,7 +47,7 @@ public:
     rows.push_back({column, row});
   }
 
-  /// A motion that all rows leave free, for each column that is not a row's own.
+  /// A basis of the motions that all rows leave free: one for each column that is no pivot column.
   std::vector<Motion> FreeMotions(const std::vector<int>& columns) const
   {
     std::vector<Motion> motions;
@@ -110,7 +113,7 @@ Body BodyOf(const std::vector<const Node*>& nodes)
   return body;
 }
 
-// The component of the rigid motion along a displacement u and a rotation a at a place.
+// The row of a support at a place that holds the displacement along u and the rotation about a.
 Motion RowOf(const Body& body, const Point& place, const Point& u, const Point& a)
 {
   const Point moment = Cross(Minus(place, body.centre), u);
@@ -128,52 +131,52 @@ bool Holds(const Constraint& support, int k)
          (support.flags[k] == Constraint::kSpring && support.values[k] > 0.0);
 }
 
-// The direction of component k of a support: its displacement and its rotation.
-std::pair<Point, Point> DirectionOf(const Project& project, const Matriu* T, int k)
+// The direction of component k of a support, as a displacement and a rotation.
+std::pair<Point, Point> DirectionOf(const Problem& problem, const Matriu* T, int k)
 {
   std::pair<Point, Point> direction{};
-  for (int i = 0; i < project.freeDegrees; ++i) {
+  for (int i = 0; i < problem.components.count; ++i) {
     const double value = T ? (*T)(i + 1, k + 1) : (i == k ? 1.0 : 0.0);
-    if (i < project.translations)
+    if (i < problem.components.translations)
       direction.first[i] = value;
     else
-      direction.second[project.freeDegrees == 3 ? 2 : i - 3] = value;
+      direction.second[problem.components.count == 3 ? 2 : i - 3] = value;
   }
   return direction;
 }
 
-/// How hinges bear on the motions of parts.
+/// The effect of hinges on the motions of parts.
 struct Hinges
 {
-  /// Nodes where every end is hinged. The analysis holds their rotations, which only the torsion
-  /// of their beams feels.
+  /// Nodes where every beam end is hinged. The analysis holds their rotations, which matter only
+  /// to the torsion of their beams.
   std::unordered_set<const Node*> loose;
-  /// Axes of the beams from a node that turns with its part to a loose one.
+  /// For nodes that turn with their part: the axes of their beams to loose nodes.
   std::unordered_map<const Node*, std::vector<Point>> spins;
 };
 
-bool IsContinuous(const Project& project, const Elem& elem, int end)
+bool IsContinuous(const Problem& problem, const Elem& elem, int end)
 {
   if (elem.ElemType() != Linear)
     return true;
-  const int code = project.GiveHingeCode(elem.Num());
-  return !elem(end)->hasRotule && (end == 0 ? code / 10 : code % 10) == 1;
+  const HingeCode code = problem.GiveHingeCode(elem.Num());
+  return !elem(end)->hasRotule && !(end == 0 ? code.FirstHinged() : code.SecondHinged());
 }
 
 Hinges HingesOf(const Subject& subject)
 {
   Hinges hinges;
-  if (!subject.project.hasHinges)
+  if (!subject.problem.hasHinges)
     return hinges;
   hinges.loose.insert(subject.nodes.begin(), subject.nodes.end());
   for (const Elem* elem : subject.elements) {
     for (int i = 0; i < elem->Nnode(); ++i) {
-      if (IsContinuous(subject.project, *elem, i))
+      if (IsContinuous(subject.problem, *elem, i))
         hinges.loose.erase((*elem)(i));
     }
   }
   for (const Elem* elem : subject.elements) {
-    if (elem->ElemType() != Linear || subject.project.problemType == kPlane)
+    if (elem->ElemType() != Linear || subject.problem.problemType == kPlane)
       continue;
     for (int i = 0; i < 2; ++i) {
       if (!hinges.loose.contains((*elem)(i)) && hinges.loose.contains((*elem)(1 - i)))
@@ -183,7 +186,7 @@ Hinges HingesOf(const Subject& subject)
   return hinges;
 }
 
-// The torsion of beams between nodes that turn with the part and others that are held.
+// Torsion holds a node that turns with its part against the rotation about a beam to a loose node.
 void AddSpins(const Hinges& hinges, const Body& body, const Node& node, RowSpace& rows)
 {
   const auto found = hinges.spins.find(&node);
@@ -197,7 +200,7 @@ void AddSpins(const Hinges& hinges, const Body& body, const Node& node, RowSpace
   }
 }
 
-// A straight part whose nodes are all loose has nothing that turns about its own line.
+// A straight part of loose nodes only does not turn about its line.
 void AddLine(const Hinges& hinges, const Body& body, RowSpace& rows)
 {
   Point line{};
@@ -216,33 +219,28 @@ void AddLine(const Hinges& hinges, const Body& body, RowSpace& rows)
   rows.Add(RowOf(body, body.centre, {}, line));
 }
 
-// Rotations that are held at a loose node hold nothing else.
-void AddSupport(const Project& project, const Body& body, const Node& node, bool loose,
+// Held rotations of a loose node do not hold its part.
+void AddSupport(const Problem& problem, const Body& body, const Node& node, bool loose,
                 RowSpace& rows)
 {
   Matriu T;
   const bool turned =
-      node.constraint->CalcTransfMatFromEuler(node.number, T, project.freeDegrees, 0) == 0;
-  for (int k = 0; k < (loose ? project.translations : project.freeDegrees); ++k) {
+      node.constraint->CalcTransfMatFromEuler(node.number, T, problem.components.count, 0) == 0;
+  for (int k = 0; k < (loose ? problem.components.translations : problem.components.count); ++k) {
     if (!Holds(*node.constraint, k))
       continue;
-    const auto [u, a] = DirectionOf(project, turned ? &T : nullptr, k);
+    const auto [u, a] = DirectionOf(problem, turned ? &T : nullptr, k);
     rows.Add(RowOf(body, PlaceOf(node), u, a));
   }
 }
 
-std::string Rounded(double value, double size)
-{
-  char text[32];
-  std::snprintf(text, sizeof text, "%.4g", std::fabs(value) < 1e-9 * size ? 0.0 : value);
-  return text;
-}
-
-// Components that are rounding errors beside the size become 0.
+// Components that are rounding errors compared with the size become 0.
 std::string Listed(const Point& p, double size)
 {
-  return Joined("(", Rounded(p[0], size), ", ", Rounded(p[1], size), ", ", Rounded(p[2], size),
-                ")");
+  const auto shown = [size](double value) {
+    return Rounded(std::fabs(value) < 1e-9 * size ? 0.0 : value, 4);
+  };
+  return Joined("(", shown(p[0]), ", ", shown(p[1]), ", ", shown(p[2]), ")");
 }
 
 std::string DirectionName(Point d)
@@ -256,7 +254,7 @@ std::string DirectionName(Point d)
   return Listed(d, 1.0);
 }
 
-// A motion with a rotation is one about an axis; a shift along it is left to other motions.
+// A motion with a rotation is named by its axis, and by its shift along the axis if it has one.
 std::string MotionName(const Body& body, const Point& t, const Point& w)
 {
   const double turn = Dot(w, w);
@@ -270,12 +268,12 @@ std::string MotionName(const Body& body, const Point& t, const Point& w)
                 screw ? " while moving along it" : "");
 }
 
-RowSpace RowsOf(const Project& project, const Hinges& hinges, const Body& body)
+RowSpace RowsOf(const Problem& problem, const Hinges& hinges, const Body& body)
 {
   RowSpace rows;
   for (const Node* node : body.nodes) {
     if (node->constraint)
-      AddSupport(project, body, *node, hinges.loose.contains(node), rows);
+      AddSupport(problem, body, *node, hinges.loose.contains(node), rows);
     AddSpins(hinges, body, *node, rows);
   }
   AddLine(hinges, body, rows);
@@ -302,15 +300,15 @@ const Node& MostMoved(const Body& body, const Point& t, const Point& w)
 
 void CheckSupports(const Subject& subject, Recorder& recorder)
 {
-  const Project& project = subject.project;
-  const bool plane = project.problemType == kPlane && project.translations == 2;
+  const Problem& problem = subject.problem;
+  const bool plane = problem.problemType == kPlane && problem.components.translations == 2;
   const std::vector<int> columns = plane ? std::vector{0, 1, 5} : std::vector{0, 1, 2, 3, 4, 5};
   const Hinges hinges = HingesOf(subject);
   for (const Subject::Part& part : subject.parts) {
     const Body body = BodyOf(part.nodes);
     if (!(body.size > 0.0))
       continue;
-    const RowSpace rows = RowsOf(project, hinges, body);
+    const RowSpace rows = RowsOf(problem, hinges, body);
     const int first = part.nodes.front()->number;
     const std::string name =
         subject.parts.size() == 1 ? "the model" : Joined("the part of node ", first);

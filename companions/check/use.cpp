@@ -9,15 +9,16 @@
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen::check {
 namespace {
 
-// Where there are hinges, the analysis holds the rotations of nodes that no element holds.
-bool IsHeld(const Project& project, const Node& node)
+// With hinges in the model the analysis itself holds the rotations that no element holds.
+bool IsHeld(const Problem& problem, const Node& node)
 {
-  const int components = project.hasHinges ? project.translations : project.freeDegrees;
+  const int components =
+      problem.hasHinges ? problem.components.translations : problem.components.count;
   if (!node.constraint)
     return false;
   const auto& flags = node.constraint->flags;
@@ -25,19 +26,19 @@ bool IsHeld(const Project& project, const Node& node)
                       [](int flag) { return flag == Constraint::kFree; });
 }
 
-// Its equations are empty: the solution stops at them, whatever acts on the node, unless they
-// are held. With solids the results stop at a node without elements in any case.
+// The equations of a node without elements are empty, and the solution fails at them unless they
+// are held. With solids the results fail at such a node in any case.
 void CheckNodes(const Subject& subject, Recorder& recorder)
 {
   const std::set<const Node*> used(subject.nodes.begin(), subject.nodes.end());
-  for (const auto [number, node] : EachNumbered<const Node>(subject.project.GiveNodes())) {
+  for (const auto [number, node] : EachNumbered<const Node>(subject.problem.GiveNodes())) {
     if (used.contains(&node))
       continue;
     const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Node, number);
     const std::string name = Joined("node ", number, " belongs to no element");
-    if (subject.project.meshes.front()->GiveElemType() == Tetrahedra)
+    if (subject.problem.meshes.front()->GiveElemType() == Tetrahedra)
       recorder.Error(place, name, ": the results of solids need one");
-    else if (IsHeld(subject.project, node))
+    else if (IsHeld(subject.problem, node))
       recorder.Warn(place, name);
     else
       recorder.Error(place, name, " and is not held: the system cannot be solved");
@@ -49,29 +50,29 @@ void CheckMaterials(const Subject& subject, Recorder& recorder)
   std::set<int> used;
   for (const Elem* elem : subject.elements)
     used.insert(elem->GiveMaterialNum());
-  for (const auto [number, material] : EachNumbered<const Material>(subject.project.materials)) {
+  for (const auto [number, material] : EachNumbered<const Material>(subject.problem.materials)) {
     if (!used.contains(number))
       recorder.Warn(recorder.PlaceOf(ReadItem::Material, number), "material ", number,
                     " is not used");
   }
 }
 
-void CheckUnits(const Project& project, Recorder& recorder)
+void CheckUnits(const Problem& problem, Recorder& recorder)
 {
-  for (const UnitsBase& base : project.bases) {
+  for (const UnitsBase& base : problem.units.bases) {
     if (!recorder.UsesUnits(base.name))
-      recorder.Warn(recorder.PlaceOfKeyword("units_names"), "the unit system '", base.name,
+      recorder.Warn(recorder.PlaceOf(ReadTopic::UnitSystems), "the unit system '", base.name,
                     "' is not used");
   }
 }
 
-// Without a direction weight acts along +Z, upwards in most models.
+// Without a direction of gravity, weight acts along +Z, which is upwards in most models.
 void CheckGravity(const Subject& subject, Recorder& recorder)
 {
-  if (recorder.PlaceOfKeyword("GravityDirection") != kWholeFile)
+  if (recorder.PlaceOf(ReadTopic::Gravity) != kWholeFile)
     return;
   for (const Elem* elem : subject.elements) {
-    const Material* material = elem->GiveMaterial(&subject.project.materials);
+    const Material* material = elem->GiveMaterial(&subject.problem.materials);
     if (!material || !(material->Weight > 0.0))
       continue;
     const int number = elem->GiveMaterialNum();
@@ -87,7 +88,7 @@ void CheckUse(const Subject& subject, Recorder& recorder)
 {
   CheckNodes(subject, recorder);
   CheckMaterials(subject, recorder);
-  CheckUnits(subject.project, recorder);
+  CheckUnits(subject.problem, recorder);
   CheckGravity(subject, recorder);
 }
 

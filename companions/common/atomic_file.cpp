@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// What a new file gets: reading and writing for all whom the process does not exclude.
+// The permissions of a new file: reading and writing, less the mask of the process.
 mode_t UsualPermissions()
 {
   const mode_t mask = umask(0);
@@ -25,8 +25,8 @@ mode_t UsualPermissions()
   return 0666 & ~mask;
 }
 
-// Permissions of the file that is there; the usual ones when there is none. Fatal for what
-// is no regular file: a device or a folder must not be replaced.
+// Permissions of the present file, or the usual ones without a file. Fatal when it is not a regular
+// file: a device or a folder must not be replaced.
 mode_t PermissionsFor(const fs::path& target, const fs::path& shown)
 {
   struct stat status;
@@ -37,8 +37,8 @@ mode_t PermissionsFor(const fs::path& target, const fs::path& shown)
   return status.st_mode & 07777;
 }
 
-// The file that the name stands for.
-fs::path BehindLinks(const fs::path& name)
+// The file that a name leads to through symbolic links.
+fs::path ResolveLinks(const fs::path& name)
 {
   std::error_code error;
   const fs::path resolved = fs::weakly_canonical(name, error);
@@ -47,7 +47,7 @@ fs::path BehindLinks(const fs::path& name)
 
 }  // namespace
 
-AtomicFile::AtomicFile(const fs::path& name) : shown(name), target(BehindLinks(name))
+AtomicFile::AtomicFile(const fs::path& name) : shown(name), target(ResolveLinks(name))
 {
   const mode_t permissions = PermissionsFor(target, shown);
   std::string hidden = ".";
@@ -87,7 +87,7 @@ void AtomicFile::Commit()
   std::printf("wrote %s\n", shown.c_str());
 }
 
-// Fatal may end the process, where no destructor runs.
+// Removes the temporary file first: Fatal may end the process, which runs no destructor.
 void AtomicFile::Fail(int error)
 {
   RemoveTemporary();

@@ -9,9 +9,9 @@ namespace morlen {
 /// A file that appears whole or not at all: it is written under a temporary name in the
 /// folder of its target and takes the target's name at the end.
 ///
-/// What the target held stays until then; its permissions are kept. Without Commit
-/// nothing remains. Fatal: a target that is no regular file, a folder or a disk that
-/// does not take the file.
+/// Until then the target keeps its old content; its permissions are kept in any case. Without
+/// Commit no file remains. Fatal: a target that is not a regular file; a folder or a disk where the
+/// file cannot be written.
 class AtomicFile
 {
 public:
@@ -31,7 +31,7 @@ private:
   void RemoveTemporary();
 
   std::filesystem::path shown;   ///< as the user gave it
-  std::filesystem::path target;  ///< behind symbolic links
+  std::filesystem::path target;  ///< the file at the end of symbolic links
   std::filesystem::path temporary;
   int descriptor = -1;
   std::ofstream stream;

@@ -6,14 +6,14 @@
 
 namespace morlen {
 
-// What the command lines of all companions have in common: --help and --version, messages on
+// The common part of the command lines of all companions: --help and --version, messages on
 // standard error, and the exit status.
 
 /// Exit status of a companion.
 enum class ExitStatus : int
 {
   Done = 0,
-  Found = 1,  ///< the work is done and has found errors in what it was to judge
+  Found = 1,  ///< the work is done, and the model or its results have errors
   Failed = 2  ///< the work cannot be done: wrong arguments, unreadable or unwritable files
 };
 
@@ -25,8 +25,8 @@ public:
 
   CLI::App& Options() { return app; }
 
-  /// Parses the arguments. The exit status when the run ends here, with what it has to say
-  /// printed: help and version on standard output, faults on standard error.
+  /// Parses the arguments. Returns the exit status when the run ends here, after printing help or
+  /// version on standard output or the fault on standard error.
   std::optional<ExitStatus> Parse(int argc, char** argv);
 
 private:

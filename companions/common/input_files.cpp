@@ -32,7 +32,7 @@ results::Files InputFiles::Files() const
   return files;
 }
 
-void InputFiles::Keep(std::span<const std::optional<fs::path>> outputs) const
+void InputFiles::RefuseOverwriting(std::span<const std::optional<fs::path>> outputs) const
 {
   const results::Files files = Files();
   for (const std::optional<fs::path>& output : outputs) {

@@ -13,15 +13,15 @@ namespace morlen {
 class InputFiles
 {
 public:
-  /// Declares the model and the options --results, --text and --any-time, which must be parsed
-  /// before the rest is asked for.
+  /// Declares the model and the options --results, --text and --any-time. The other functions are
+  /// valid once the command line has been parsed.
   void Declare(CLI::App& app);
 
   const std::filesystem::path& Model() const { return model; }
   results::Files Files() const;
 
-  /// Fatal when one of the files to be written is one that is read.
-  void Keep(std::span<const std::optional<std::filesystem::path>> outputs) const;
+  /// Fatal when one of the files to be written is also read.
+  void RefuseOverwriting(std::span<const std::optional<std::filesystem::path>> outputs) const;
 
 private:
   std::filesystem::path model;

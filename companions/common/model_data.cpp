@@ -12,10 +12,12 @@
 #include "model/mesh.h"
 #include "model/nodal_load.h"
 #include "model/node.h"
+#include "model/shape_functions.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
 #include "problem/elem_loads.h"
-#include "problem/project.h"
+#include "problem/problem.h"
+#include "problem/problem_reader.h"
 
 namespace morlen::model {
 namespace {
@@ -24,13 +26,13 @@ namespace {
 class Builder
 {
 public:
-  explicit Builder(const Project& source) : project(source) {}
+  explicit Builder(const Problem& source) : problem(source) {}
 
   Model Build()
   {
     AddSettings();
     AddNodes();
-    for (const morlen::Material& material : Each<morlen::Material>(project.materials))
+    for (const morlen::Material& material : Each<morlen::Material>(problem.materials))
       AddMaterial(material);
     for (int mesh = 0; mesh < result.meshes; ++mesh)
       AddElements(mesh);
@@ -48,27 +50,27 @@ private:
   int PointsOf(Kind kind, int nodeCount) const;
   std::array<Vec3, 3> AxesOf(const Elem& elem, Kind kind);
 
-  const Project& project;
+  const Problem& problem;
   Model result;
   std::unordered_map<int, int> nodeAt;     ///< position by number
-  std::unordered_map<int, int> elementAt;  ///< likewise
+  std::unordered_map<int, int> elementAt;  ///< position by number
   std::map<const morlen::Material*, int> materialAt;
   Matriu T, bigT;
 };
 
 void Builder::AddSettings()
 {
-  result.plane = project.problemType == kPlane;
-  result.components = project.freeDegrees;
-  result.solids = project.meshes.front()->GiveElemType() == Tetrahedra;
-  result.beamDivisions = project.numOfDivisions;
-  result.meshes = static_cast<int>(project.meshes.size());
-  result.units = UnitsOf(project);
+  result.plane = problem.problemType == kPlane;
+  result.components = problem.components.count;
+  result.solids = problem.meshes.front()->GiveElemType() == Tetrahedra;
+  result.beamDivisions = problem.numOfDivisions;
+  result.meshes = static_cast<int>(problem.meshes.size());
+  result.units = UnitsOf(problem);
 }
 
 void Builder::AddNodes()
 {
-  for (const auto [number, node] : EachNumbered<const morlen::Node>(project.GiveNodes())) {
+  for (const auto [number, node] : EachNumbered<const morlen::Node>(problem.GiveNodes())) {
     const int position = static_cast<int>(result.nodes.size());
     nodeAt[number] = position;
     Node& added = result.nodes.emplace_back(Node{number, {}});
@@ -90,7 +92,7 @@ void Builder::AddMaterial(const morlen::Material& m)
 
 void Builder::AddElements(int mesh)
 {
-  const Mesh& source = *project.meshes[mesh];
+  const Mesh& source = *problem.meshes[mesh];
   const ElemType type = source.GiveElemType();
   if (type != Linear && type != Triangle && type != Tetrahedra)
     Fatal("error: elemtype unknown\n");
@@ -101,7 +103,7 @@ void Builder::AddElements(int mesh)
 
 void Builder::AddElement(const Elem& elem, Kind kind, int mesh)
 {
-  const morlen::Material* material = elem.GiveMaterial(&project.materials);
+  const morlen::Material* material = elem.GiveMaterial(&problem.materials);
   if (material && !materialAt.contains(material))
     AddMaterial(*material);
   Element added{};
@@ -109,7 +111,7 @@ void Builder::AddElement(const Elem& elem, Kind kind, int mesh)
   added.mesh = mesh;
   added.kind = kind;
   added.material = material ? materialAt[material] : -1;
-  added.hingeCode = project.GiveHingeCode(elem.Num());
+  added.hingeCode = problem.GiveHingeCode(elem.Num()).Value();
   added.nodeCount = elem.Nnode();
   for (int i = 0; i < elem.Nnode(); ++i)
     added.nodes[i] = nodeAt.at(elem(i)->number);
@@ -125,18 +127,18 @@ void Builder::AddElement(const Elem& elem, Kind kind, int mesh)
 int Builder::PointsOf(Kind kind, int nodeCount) const
 {
   if (kind == Kind::Solid)
-    return 0;
+    return 0;  // their results are at the nodes
   if (kind == Kind::Beam)
-    return project.numOfDivisions + 1;
-  return nodeCount == 6 || project.convertTo6Nodes ? 3 : 1;
+    return problem.numOfDivisions + 1;
+  return GaussPointCount(Triangle, problem.convertTo6Nodes ? 6 : nodeCount);
 }
 
 std::array<Vec3, 3> Builder::AxesOf(const Elem& elem, Kind kind)
 {
   std::array<Vec3, 3> axes{{{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}};
-  const morlen::Material* material = elem.GiveMaterial(&project.materials);
+  const morlen::Material* material = elem.GiveMaterial(&problem.materials);
   if (kind == Kind::Beam)
-    elem.CalcTransfMatrixBeam(T, material, project.problemType);
+    elem.CalcTransfMatrixBeam(T, material, problem.problemType);
   else if (kind == Kind::Shell)
     elem.CalcTransfMatrixTriangle(T, bigT, material);
   else
@@ -150,7 +152,7 @@ std::array<Vec3, 3> Builder::AxesOf(const Elem& elem, Kind kind)
 
 void Builder::AddElementLoads()
 {
-  for (const auto [number, chain] : EachNumbered<const BaseElemLoads>(project.elemLoads)) {
+  for (const auto [number, chain] : EachNumbered<const BaseElemLoads>(problem.elemLoads)) {
     for (const BaseElemLoads* load = &chain; load; load = load->Next()) {
       const ElemLoadRecord record = load->Describe();
       result.elementLoads.push_back(
@@ -161,24 +163,30 @@ void Builder::AddElementLoads()
 
 }  // namespace
 
-Model ReadModel(const std::filesystem::path& file)
+void ReadProblemFile(const std::filesystem::path& file, Problem& problem)
 {
   std::ifstream in(file);
   if (!in)
     Fatal("can't open file ", file.string(), "\n");
-  Project project(100);
-  project.ReadFromAscii(in);
-  return ModelOf(project);
+  ReadProblem(in, problem);
 }
 
-Units UnitsOf(const Project& project)
+Model ReadModel(const std::filesystem::path& file)
+{
+  Problem problem(100);
+  ReadProblemFile(file, problem);
+  return ModelOf(problem);
+}
+
+Units UnitsOf(const Problem& problem)
 {
   Units found;
-  for (const UnitsBase& base : project.bases) {
-    if (base.facN != project.resForce || base.facM != project.resLength)
+  for (const UnitsBase& base : problem.units.bases) {
+    if (base.facN != problem.units.resForce || base.facM != problem.units.resLength)
       continue;
-    const bool exact = base.nameN == project.resForceName && base.nameM == project.resLengthName &&
-                       base.namePa == project.resPressureName;
+    const bool exact = base.nameN == problem.units.resForceName &&
+                       base.nameM == problem.units.resLengthName &&
+                       base.namePa == problem.units.resPressureName;
     if (exact || found.force.empty())
       found = {ToUtf8(base.nameN), ToUtf8(base.nameM), ToUtf8(base.namePa)};
     if (exact)
@@ -187,9 +195,9 @@ Units UnitsOf(const Project& project)
   return found;
 }
 
-Model ModelOf(const Project& project)
+Model ModelOf(const Problem& problem)
 {
-  return Builder(project).Build();
+  return Builder(problem).Build();
 }
 
 Vec3 PointOfBeam(const Model& model, const Element& beam, int point)

@@ -5,14 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "common/vec3.h"
+
 namespace morlen {
 
-class Project;
+struct Problem;
 
-/// A vector in global axes; plane models leave what they lack at 0.
-using Vec3 = std::array<double, 3>;
-
-/// A model as plain data: what its problem file says, in the units of the results.
+/// A model as plain data: the content of its problem file, in the units of the results.
 ///
 /// Nodes and elements refer to each other by their positions in the lists, from 0; their
 /// `number` is the one in the problem file.
@@ -34,7 +33,7 @@ struct Node
 /// The values are those of the core's Material; 0 when not given.
 struct Material
 {
-  int number;  ///< 0 for the own material of an element
+  int number;  ///< 0 for a material that belongs to one element
   double E1, E2, nuXY, nuYX, Gxy, Gxz, Gyz;
   double A, Iy, Iz, J, t, weight;
 };
@@ -60,8 +59,8 @@ struct Support
   int node;
   std::array<int, 6> flags;      ///< 0 free, 1 prescribed, 2 spring
   std::array<double, 6> values;  ///< prescribed value or stiffness
-  bool ownAxes;
-  std::array<double, 3> euler;  ///< of its own axes, radians
+  bool ownAxes;                  ///< false: the components are global
+  std::array<double, 3> euler;   ///< of the axes of its components, radians
 };
 
 struct NodalLoad
@@ -92,7 +91,7 @@ struct Model
   int beamDivisions = 0;  ///< of every beam in the results
   int meshes = 0;
   int beamPoints = 0;   ///< result points of all beams
-  int shellPoints = 0;  ///< and of all shells
+  int shellPoints = 0;  ///< result points of all shells
   Units units;
   std::vector<Node> nodes;        ///< by ascending number
   std::vector<Element> elements;  ///< mesh by mesh, by ascending number
@@ -105,17 +104,22 @@ struct Model
   int Translations() const { return plane && !solids ? 2 : 3; }
 };
 
-/// Reads a problem file as the program does: fatal on all that the program refuses.
+/// Reads a problem file into an empty problem as the program does. Fatal: a file that cannot be
+/// opened, and every error of reading.
+void ReadProblemFile(const std::filesystem::path& file, Problem& problem);
+
+/// The model of a problem file; fatal as ReadProblemFile.
 Model ReadModel(const std::filesystem::path& file);
 
-/// The data of a project that has been read and not yet analysed.
-Model ModelOf(const Project& project);
+/// The data of a problem that has been read and not yet analysed.
+Model ModelOf(const Problem& problem);
 
-/// The names of the units of the results. Without a unit system for them the names in the project
-/// are only its defaults; then the first system of the same size tells them, if there is one.
-Units UnitsOf(const Project& project);
+/// The names of the units of the results: those of the unit system whose factors and names are
+/// those of the results, or else of the first system with these factors. Without one the file does
+/// not name them: the names in the problem are only its defaults.
+Units UnitsOf(const Problem& problem);
 
-/// Place of a division point of a beam, from 0; they stand at equal distances.
+/// Place of a division point of a beam, from 0. The points have equal distances.
 Vec3 PointOfBeam(const Model& model, const Element& beam, int point);
 
 /// "beam", "shell" or "solid".

@@ -14,8 +14,9 @@ namespace {
 
 constexpr std::string_view kFixedFields = "4 1.0 Estatic";
 
-/// What a block holds: of the `width` values of a line (0: up to three) `count` from `first` on
-/// go to `place`. A block of an unknown name is refused, one that is not kept has no place.
+/// A block by its name. Each of its lines has `width` values (0: one to three); `count` of them
+/// from position `first` go to `place`, and none without a place. Blocks of other names are
+/// refused.
 template <class Point>
 struct Block
 {
@@ -96,7 +97,7 @@ private:
   const Positions& positions;
   ResultLines lines;
   Results& results;
-  std::map<std::string_view, std::vector<bool>> seen;  ///< by block: what has values
+  std::map<std::string_view, std::vector<bool>> seen;  ///< by block: the points with values
 };
 
 void PostReader::Read()
@@ -178,8 +179,8 @@ bool PostReader::ReadBlockOf(std::span<const Block<Point>> blocks, std::string_v
   return true;
 }
 
-// The number at the beginning of a line: sets the position of the first point, returns their
-// count.
+// Reads the number of the node or element that a line begins with. Returns the count of its points
+// and sets `first` to the position of the first.
 int PostReader::ReadOwner(const Block<Node>&, NumberLine& line, int& first) const
 {
   int number = 0;
@@ -219,7 +220,8 @@ void PostReader::ReadValues(const Block<Point>& block, NumberLine& line, Point& 
     std::copy_n(values + block.first, block.count, block.place(point));
 }
 
-// In the plane the only moment of a reaction is about z, or with solids the third force.
+// The file has the third component of a plane reaction as the first moment: it is the moment about
+// z, or with solids the third force.
 void PostReader::TurnPlaneMoments()
 {
   for (Node& node : results.nodes) {
@@ -245,7 +247,7 @@ void PostReader::CheckCompleteness() const
     Require("Displacements", static_cast<int>(model.nodes.size()));
 }
 
-// Results that would have values in a file of this model.
+// Refuses a file without a result that the model has values of.
 void PostReader::Require(std::string_view name, int count) const
 {
   if (count > 0 && !Has(name))

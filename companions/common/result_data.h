@@ -44,15 +44,17 @@ struct Results
 {
   std::vector<Node> nodes;
   std::vector<BeamPoint> beamPoints;    ///< of element e from e.firstPoint on, e.points of them
-  std::vector<ShellPoint> shellPoints;  ///< likewise
-  std::vector<BeamEnds> beamEnds;       ///< of the beams in their order; empty without text results
-  bool rotations = false;               ///< whether those of the nodes are known
-  bool shellLocal = false;
-  bool shellMain = false;
-  bool stresses = false;
+  std::vector<ShellPoint> shellPoints;  ///< of shells, in the same order
+  std::vector<BeamEnds>
+      beamEnds;  ///< of all beams, in the order of the model; empty without text results
+  // True for the values that the files have:
+  bool rotations = false;   ///< Node::rotation
+  bool shellLocal = false;  ///< ShellPoint::local
+  bool shellMain = false;   ///< ShellPoint::main and mainAngles
+  bool stresses = false;    ///< Node::stress and vonMises
 };
 
-/// The files that a run leaves beside its problem file, or elsewhere.
+/// A problem file and the result files of its run.
 struct Files
 {
   std::filesystem::path model;
@@ -61,8 +63,8 @@ struct Files
   bool anyTime = false;                       ///< take results that are older than the model
 };
 
-/// Where the program puts its results for this problem file; the text results when they stand
-/// under the same name with the ending ".txt".
+/// The names that the program gives its results for this problem file; the text results only when
+/// there are some under the same name with the ending ".txt".
 Files UsualFiles(const std::filesystem::path& model);
 
 /// Reads the results of the model. Fatal: files that are missing, older than the problem file

@@ -18,10 +18,10 @@ bool NumberLine::ReadNumber(Number& value)
 {
   SkipBlanks();
   const char* end = rest.data() + rest.size();
-  const auto [behind, error] = std::from_chars(rest.data(), end, value);
-  if (error != std::errc() || (behind != end && *behind != ' ' && *behind != '\r'))
+  const auto [stop, error] = std::from_chars(rest.data(), end, value);
+  if (error != std::errc() || (stop != end && *stop != ' ' && *stop != '\r'))
     return false;
-  rest.remove_prefix(behind - rest.data());
+  rest.remove_prefix(stop - rest.data());
   return true;
 }
 

@@ -8,14 +8,14 @@
 
 namespace morlen::results {
 
-/// The numbers of one line, one after the other.
+/// Reads the numbers of one line, one after the other.
 class NumberLine
 {
 public:
   explicit NumberLine(std::string_view text) : rest(text) {}
 
   bool Read(int& value);
-  bool Read(double& value);  ///< false also for what is not finite
+  bool Read(double& value);  ///< false also for a number that is not finite
   bool AtEnd();
 
 private:
@@ -54,7 +54,7 @@ private:
   std::string_view line;
 };
 
-/// Whether the text begins with a blank and a number, or a number: a line of values.
+/// True when the first character that is not blank can begin a number: a line of values.
 bool IsValueLine(std::string_view line);
 
 }  // namespace morlen::results

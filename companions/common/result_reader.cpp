@@ -37,8 +37,9 @@ bool AreTextResults(const fs::path& file)
   return std::string_view(text, sizeof text) == kBeginning;
 }
 
-// The end points of beams give what the file for the post-processor says of nodes in frames.
-void TakeDisplacementsOfBeams(const model::Model& model, Results& results)
+// The post-process results of frames have no displacements of nodes: copies those of the end points
+// of their beams.
+void CopyDisplacementsOfBeams(const model::Model& model, Results& results)
 {
   for (const model::Element& element : model.elements) {
     if (element.kind != model::Kind::Beam)
@@ -49,7 +50,7 @@ void TakeDisplacementsOfBeams(const model::Model& model, Results& results)
   }
 }
 
-// Two runs of different models seldom have the same reactions.
+// Fatal when the two files have different reactions, as those of two runs of different models have.
 void RequireSameRun(const Files& files, const TextDisplacements& text, const Results& results)
 {
   constexpr double kTolerance = 1e-4;
@@ -98,7 +99,7 @@ Results ReadResults(const model::Model& model, const Files& files)
   Results results;
   const bool ofNodes = ReadPostResults(model, positions, files.post, results);
   if (!ofNodes)
-    TakeDisplacementsOfBeams(model, results);
+    CopyDisplacementsOfBeams(model, results);
   if (files.text) {
     const TextDisplacements text = ReadTextResults(model, positions, *files.text, results);
     RequireSameRun(files, text, results);

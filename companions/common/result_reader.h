@@ -17,7 +17,7 @@ struct Positions
   std::unordered_map<int, int> elements;
 };
 
-/// What of the text results stands in the other file too.
+/// The part of the text results that the post-process results have too.
 struct TextDisplacements
 {
   std::vector<Vec3> displacements;  ///< of the nodes

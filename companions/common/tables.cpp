@@ -148,13 +148,13 @@ Table Maker::Materials() const
   return table;
 }
 
-// A value is a displacement, a rotation or a stiffness: its column has no one unit.
+// A column of values has no unit: they are displacements, rotations or stiffnesses.
 Table Maker::Supports() const
 {
   Table table{"supports", {{"node", ""}}, {}};
-  for (const char* what : {"flag", "value"}) {
+  for (const char* name : {"flag", "value"}) {
     for (int k = 1; k <= model.components; ++k)
-      table.columns.push_back({what + std::to_string(k), ""});
+      table.columns.push_back({name + std::to_string(k), ""});
   }
   AddColumns(table, {"Euler1", "Euler2", "Euler3"}, "rad");
   for (const model::Support& support : model.supports) {
@@ -179,7 +179,7 @@ Table Maker::NodalLoads() const
   return table;
 }
 
-// Per length, area or volume, or a temperature: no one unit.
+// A column of values has no unit: they are loads per length, area or volume, or temperatures.
 Table Maker::ElementLoads() const
 {
   Table table{"element_loads", {}, {}};

@@ -34,7 +34,7 @@ struct Table
   }
 };
 
-/// Names of units, of derived ones too. Without names in the problem file they say the
+/// Names of units and of derived units. Without names in the problem file they name the
 /// dimension: "force", "length", "force/length2".
 class UnitTexts
 {
@@ -52,7 +52,7 @@ private:
   std::string force, length, pressure;
 };
 
-/// The whole model and its results as tables; those that would be empty are left out.
+/// The whole model and its results as tables. Empty tables are left out.
 std::vector<Table> AllTables(const model::Model& model, const results::Results& results);
 
 }  // namespace morlen::tables

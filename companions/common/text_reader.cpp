@@ -61,8 +61,8 @@ TextDisplacements TextReader::Read()
   return read;
 }
 
-// Lines of a node's number and its components; the rotations go to `second` if it is given,
-// which marks the section with all nodes.
+// Reads lines of a node's number and its components. `second` gets the rotations; it is given for
+// the section that lists all nodes.
 void TextReader::ReadNodes(std::vector<Vec3>& first, std::vector<Vec3>* second)
 {
   while (IsValueLine(lines.Following())) {
@@ -81,7 +81,7 @@ void TextReader::ReadNodes(std::vector<Vec3>& first, std::vector<Vec3>* second)
   }
 }
 
-// As all six in space, in their places.
+// The components as the six of a node in space.
 TextReader::Values TextReader::ReadComponents(NumberLine& line) const
 {
   Values read{};

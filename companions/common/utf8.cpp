@@ -6,8 +6,8 @@ namespace morlen {
 
 namespace {
 
-// Bytes of the character that the text begins with; 0 when it begins with none. Source: The
-// Unicode Standard, version 15.0, table 3-7 (well-formed UTF-8 byte sequences).
+// Bytes of the first character of the text; 0 when it begins with none. Source: The Unicode
+// Standard, version 15.0, table 3-7 (well-formed UTF-8 byte sequences).
 std::size_t CharacterLength(std::string_view text)
 {
   struct Sequence
@@ -21,7 +21,7 @@ std::size_t CharacterLength(std::string_view text)
                                      {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4}};
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   if (byte(0) < 0x80)
-    return byte(0) >= 0x20 && byte(0) != 0x7F ? 1 : 0;
+    return 1;
   for (const Sequence& s : kSequences) {
     if (byte(0) < s.firstLow || byte(0) > s.firstHigh)
       continue;
@@ -35,14 +35,31 @@ std::size_t CharacterLength(std::string_view text)
   return 0;
 }
 
+bool IsControl(char c)
+{
+  const auto byte = static_cast<unsigned char>(c);
+  return byte < 0x20 || byte == 0x7F;
+}
+
 }  // namespace
+
+bool IsUtf8(std::string_view text)
+{
+  while (!text.empty()) {
+    const std::size_t length = CharacterLength(text);
+    if (length == 0)
+      return false;
+    text.remove_prefix(length);
+  }
+  return true;
+}
 
 std::string ToUtf8(std::string_view text)
 {
   std::string result;
   while (!text.empty()) {
     const std::size_t length = CharacterLength(text);
-    if (length > 0)
+    if (length > 0 && !IsControl(text[0]))
       result += text.substr(0, length);
     else
       result += '?';

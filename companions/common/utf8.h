@@ -5,8 +5,11 @@
 
 namespace morlen {
 
-/// The text as UTF-8 that XML, JSON and HTML can hold: '?' for every byte that is no part of a
-/// character (a problem file may be in any encoding) and for control characters.
+/// True for well-formed UTF-8, control characters included.
+bool IsUtf8(std::string_view text);
+
+/// The text as UTF-8 that is allowed in XML, JSON and HTML: '?' replaces every byte that is no part
+/// of a character (a problem file may have any encoding) and every control character.
 std::string ToUtf8(std::string_view text);
 
 }  // namespace morlen

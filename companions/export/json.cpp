@@ -53,7 +53,7 @@ Json Columns(const tables::Table& table)
   return columns;
 }
 
-// One row on a line; the rows of large models never stand in memory together.
+// One row on a line, written row by row: the text of all rows of a large model takes much memory.
 void WriteTable(const tables::Table& table, AtomicFile& file)
 {
   file.Write(Json(table.name).dump() + ":{\"columns\":" + Columns(table).dump() + ",\"rows\":[");

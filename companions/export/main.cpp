@@ -46,7 +46,7 @@ void Export(const Options& options)
     Fatal("error: nothing to write: give --vtu, --csv or --json\n");
   const fs::path& file = options.input.Model();
   const model::Model model = model::ReadModel(file);
-  options.input.Keep(std::array{options.vtu, options.json});
+  options.input.RefuseOverwriting(std::array{options.vtu, options.json});
   const results::Results results = results::ReadResults(model, options.input.Files());
   if (options.vtu)
     WriteVtu(model, results, *options.vtu);

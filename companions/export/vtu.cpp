@@ -64,7 +64,7 @@ private:
 struct ArrayName
 {
   std::string name;
-  std::string unit;                     ///< stands behind the name; empty for none
+  std::string unit;                     ///< in brackets after the name; empty for none
   std::vector<const char*> components;  ///< their names; empty for x, y, z
 };
 
@@ -190,7 +190,7 @@ void Grid::AddCells()
   AddArray(cells, "UInt8", {"types", "", {}}, 1, types);
 }
 
-// The two functions give the values of a node and of a division point of a beam.
+// Adds the values that the two functions give of each node and of each division point of a beam.
 template <class OfNode, class OfBeamPoint>
 void Grid::AddPointArray(const ArrayName& name, OfNode ofNode, OfBeamPoint ofBeamPoint)
 {
@@ -277,7 +277,8 @@ void Grid::AddNumbers()
   });
 }
 
-// The function gives the values of an element, at least as many as the array has components.
+// Adds the values that the function gives of each element, at least as many as the array has
+// components.
 template <class OfElement>
 void Grid::AddCellArray(const ArrayName& name, int components, OfElement ofElement)
 {
@@ -324,7 +325,7 @@ void Grid::AddShellData()
   AddCellArray({"Shear force", units.ForcePer(1), {"Qx'", "Qy'"}}, 2, part(6));
 }
 
-// Principal values at each point by themselves: their means would mean nothing.
+// Principal values are written point by point: their directions differ, so a mean has no sense.
 void Grid::AddMainShellData()
 {
   int most = 0;

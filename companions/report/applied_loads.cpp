@@ -1,14 +1,15 @@
 #include "report/applied_loads.h"
 
-#include "base/array_size.h"
+#include "assembly/model_checks.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/element_family.h"
-#include "problem/project.h"
-#include "problem/references.h"
+#include "numeric/reavecv.h"
+#include "problem/loads_on_element.h"
+#include "problem/problem.h"
+#include "run/element_families.h"
 
 namespace morlen {
 
@@ -26,26 +27,26 @@ void AddComponents(const model::Model& model, const std::array<double, 6>& value
 }
 
 // The equivalent nodal loads of the meshes of beams, or of all others.
-std::vector<Wrench> LoadsOfMeshes(Project& project, const model::Model& model, bool beams)
+std::vector<Wrench> LoadsOfMeshes(const Problem& problem, const model::Model& model, bool beams)
 {
-  project.displacements.resize(ArrayLength(project.numNodes, project.freeDegrees), 0.0);
-  project.displacements = 0.0;
-  for (const auto& mesh : project.meshes) {
+  ReaVecV byEquation;
+  byEquation.resize(problem.Equations(), 0.0);
+  for (const auto& mesh : problem.meshes) {
     if ((mesh->GiveElemType() == Linear) == beams)
-      (project.*FamilyOf(*mesh).addLoads)(mesh.get());
+      AllFamilies().Of(*mesh).addLoads(problem, *mesh, byEquation);
   }
   std::vector<Wrench> loads(model.nodes.size());
   std::size_t position = 0;
-  for (const Node& node : Each<Node>(project.GiveNodes())) {
+  for (const Node& node : Each<Node>(problem.GiveNodes())) {
     std::array<double, 6> values{};
-    for (int k = 0; k < project.freeDegrees; ++k)
-      values[k] = project.displacements(project.Equation(node, k + 1));
+    for (int k = 0; k < problem.components.count; ++k)
+      values[k] = byEquation(problem.Equation(node, k + 1));
     AddComponents(model, values, loads[position++]);
   }
   return loads;
 }
 
-std::vector<LineLoad> LoadsOnBeams(const Project& project, const model::Model& model)
+std::vector<LineLoad> LoadsOnBeams(const Problem& problem, const model::Model& model)
 {
   std::vector<LineLoad> loads;
   Matriu T;
@@ -53,7 +54,7 @@ std::vector<LineLoad> LoadsOnBeams(const Project& project, const model::Model& m
     const model::Element& element = model.elements[i];
     if (element.kind != model::Kind::Beam)
       continue;
-    const SpanLoad load = project.LoadOn(project.SpanOf(*project.GiveElem(element.number), T));
+    const SpanLoad load = LoadOn(problem, MakeSpan(problem, *problem.GiveElem(element.number), T));
     LineLoad added{static_cast<int>(i), {}};
     for (int axis = 0; axis < 3; ++axis) {
       for (int k = 0; k < 3; ++k)
@@ -67,12 +68,12 @@ std::vector<LineLoad> LoadsOnBeams(const Project& project, const model::Model& m
 
 }  // namespace
 
-AppliedLoads AppliedLoadsOf(Project& project, const model::Model& model)
+AppliedLoads AppliedLoadsOf(const Problem& problem, const model::Model& model)
 {
-  CheckReferences(project);
+  CheckReferences(problem, AllFamilies());
   AppliedLoads loads;
-  loads.nodes = LoadsOfMeshes(project, model, true);
-  const std::vector<Wrench> others = LoadsOfMeshes(project, model, false);
+  loads.nodes = LoadsOfMeshes(problem, model, true);
+  const std::vector<Wrench> others = LoadsOfMeshes(problem, model, false);
   for (std::size_t i = 0; i < others.size(); ++i) {
     loads.onSurfaces.push_back(others[i].force);
     for (int k = 0; k < 3; ++k) {
@@ -82,7 +83,7 @@ AppliedLoads AppliedLoadsOf(Project& project, const model::Model& model)
   }
   for (const model::NodalLoad& load : model.nodalLoads)
     AddComponents(model, load.values, loads.nodes[load.node]);
-  loads.onBeams = LoadsOnBeams(project, model);
+  loads.onBeams = LoadsOnBeams(problem, model);
   return loads;
 }
 

@@ -7,7 +7,7 @@
 
 namespace morlen {
 
-class Project;
+struct Problem;
 
 /// A force and a moment, in global axes.
 struct Wrench
@@ -23,17 +23,17 @@ struct LineLoad
   Vec3 q;
 };
 
-/// All that acts on a model, as the analysis takes it: loads on elements and self-weight as
+/// All loads on a model, in the form that the analysis uses: loads on elements and self-weight are
 /// equivalent loads of the nodes.
 struct AppliedLoads
 {
   std::vector<Wrench> nodes;      ///< all loads, by position in the model's list
-  std::vector<Vec3> onSurfaces;   ///< of these, the forces from shells and solids
-  std::vector<LineLoad> onBeams;  ///< those that are not 0
+  std::vector<Vec3> onSurfaces;   ///< the forces among them that come from shells and solids
+  std::vector<LineLoad> onBeams;  ///< without loads of 0
 };
 
-/// The loads of a project that has been read and not analysed; model: its data. Fatal where the
-/// program refuses an element's load or material. The load vector of the project is used for it.
-AppliedLoads AppliedLoadsOf(Project& project, const model::Model& model);
+/// The loads of a problem that has been read and not prepared for an analysis; model: its data.
+/// Fatal where the program refuses the load or the material of an element.
+AppliedLoads AppliedLoadsOf(const Problem& problem, const model::Model& model);
 
 }  // namespace morlen

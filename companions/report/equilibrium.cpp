@@ -7,7 +7,7 @@ namespace morlen {
 
 namespace {
 
-/// Adds wrenches at nodes up, and their sizes.
+/// Sums of wrenches at nodes, and of their sizes.
 class Summer
 {
 public:
@@ -30,28 +30,20 @@ public:
   }
 
   Wrench sum;
-  double forces = 0.0;   ///< sum of the sizes of all components
-  double moments = 0.0;  ///< likewise, of the moments that act on nodes
+  double forces = 0.0;   ///< sum of |component| of all forces
+  double moments = 0.0;  ///< the same for the moments that act on nodes
 
 private:
   const model::Model& model;
   const Vec3& center;
 };
 
-double HalfDiagonal(const model::Model& model, Vec3& center)
+Box BoxOf(const model::Model& model)
 {
-  Vec3 low = model.nodes.front().x;
-  Vec3 high = low;
-  double squares = 0.0;
-  for (int k = 0; k < 3; ++k) {
-    for (const model::Node& node : model.nodes) {
-      low[k] = std::min(low[k], node.x[k]);
-      high[k] = std::max(high[k], node.x[k]);
-    }
-    center[k] = (low[k] + high[k]) / 2.0;
-    squares += (high[k] - low[k]) * (high[k] - low[k]);
-  }
-  return std::sqrt(squares) / 2.0;
+  Box box;
+  for (const model::Node& node : model.nodes)
+    box.Add(node.x);
+  return box;
 }
 
 double LargestOfSum(const Vec3& a, const Vec3& b)
@@ -73,7 +65,9 @@ Equilibrium EquilibriumOf(const model::Model& model, const std::vector<Wrench>& 
                           const results::Results& results)
 {
   Equilibrium found;
-  const double arm = HalfDiagonal(model, found.center);
+  const Box box = BoxOf(model);
+  const double arm = box.Diagonal() / 2.0;
+  found.center = box.Middle();
   Summer applied(model, found.center);
   Summer reactions(model, found.center);
   for (std::size_t i = 0; i < model.nodes.size(); ++i) {

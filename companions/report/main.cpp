@@ -1,20 +1,18 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "base/errorwriter.h"
 #include "check/check.h"
 #include "common/command_line.h"
+#include "common/file_text.h"
 #include "common/input_files.h"
 #include "common/model_data.h"
 #include "common/result_data.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 #include "report/applied_loads.h"
 #include "report/equilibrium.h"
 #include "report/page.h"
@@ -44,21 +42,10 @@ void Declare(CLI::App& app, Options& options)
       "cannot be made.");
 }
 
-void ReadProject(const fs::path& file, Project& project)
-{
-  std::ifstream in(file);
-  if (!in)
-    Fatal("can't open file ", file.string(), "\n");
-  project.ReadFromAscii(in);
-}
-
-// What morlen-check says of the problem file.
+// The problems that morlen-check finds in the problem file.
 std::vector<Finding> FindingsIn(const fs::path& file)
 {
-  std::ifstream in(file, std::ios::binary);
-  std::ostringstream content;
-  content << in.rdbuf();
-  const std::string text = content.str();
+  const std::string text = FileText(file).value_or("");
   std::vector<Finding> findings;
   for (const check::Located& problem : check::CheckText(text).problems)
     findings.push_back({.error = problem.severity == check::Severity::Error,
@@ -80,14 +67,14 @@ ExitStatus Report(const Options& options)
 {
   const fs::path& file = options.input.Model();
   const fs::path output = options.output.value_or(fs::path(file).replace_extension("html"));
-  options.input.Keep(std::array{std::optional(output)});
-  Project project(100);
-  ReadProject(file, project);
-  const model::Model model = model::ModelOf(project);
+  options.input.RefuseOverwriting(std::array{std::optional(output)});
+  Problem problem(100);
+  model::ReadProblemFile(file, problem);
+  const model::Model model = model::ModelOf(problem);
   const results::Results results = results::ReadResults(model, options.input.Files());
-  const AppliedLoads loads = AppliedLoadsOf(project, model);
+  const AppliedLoads loads = AppliedLoadsOf(problem, model);
   const Equilibrium equilibrium = EquilibriumOf(model, loads.nodes, results);
-  const SolverType solver = project.solverSettings.type;
+  const SolverType solver = problem.solverSettings.type;
   const bool iterated = solver == SolverType::Sparse || solver == SolverType::Double;
   const std::string advice = AdviceOf(equilibrium, model, iterated);
   const std::string name = file.filename().string();

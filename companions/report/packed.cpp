@@ -50,7 +50,7 @@ struct CellToNumber
   double operator()(const char*) const { return std::nan(""); }
 };
 
-// What the cells of a column are.
+// The kind of the cells of a column.
 enum class Content : int
 {
   Integers,

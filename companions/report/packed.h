@@ -8,13 +8,13 @@
 
 namespace morlen {
 
-/// Numbers as {"type": name of a number, "data": base64 of little-endian values}; the type is
-/// "i4", or "f4" where 32 bits keep six digits of every value and these are all it has, or "f8".
+/// Numbers as {"type": name of a number, "data": base64 of little-endian values}. The type is "i4"
+/// for integers, "f4" when every value has at most six digits and fits 32 bits, else "f8".
 nlohmann::ordered_json Packed(std::span<const int> values);
 nlohmann::ordered_json Packed(std::span<const double> values);
 
-/// A table by columns. A column of words has their list and its values are places in it, from 0.
-/// Empty cells are NaN among floating numbers, else the least integer.
+/// A table by columns. The values of a column of words are positions in its list "words", from 0.
+/// An empty cell is NaN in a column of floating numbers, else the least integer.
 nlohmann::ordered_json Packed(const tables::Table& table);
 
 /// Base64 (RFC 4648) of bytes.

@@ -6,11 +6,12 @@
 
 namespace morlen {
 
-/// Text with the signs that mean something in HTML written by their names.
+/// Text for HTML: the characters with a meaning there are replaced by their names.
 std::string HtmlText(std::string_view text);
 
-/// Writes the page of a report: the viewer with this title and data. Fatal when it cannot be
-/// written.
+/// Writes the page of a report: the viewer with this title and data. Bytes of the title that are
+/// not ASCII become "?" when it is not UTF-8: browsers would guess the encoding of the whole page.
+/// Fatal when the page cannot be written.
 void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data);
 
 }  // namespace morlen

@@ -66,8 +66,8 @@ Json Check(const ReportContent& content)
   return findings;
 }
 
-// One axis of every element that turns its results: y' of a beam, x' of a shell; 0 of a solid.
-// The others follow from it and from the nodes.
+// One local axis of every element: y' of a beam, x' of a shell, 0 of a solid. The page computes the
+// others from it and from the nodes.
 Json Axes(const model::Model& model)
 {
   std::vector<double> axes;
@@ -95,7 +95,7 @@ Json Loads(const AppliedLoads& loads)
   return {{"surfaces", Packed(surfaces)}, {"beams", Packed(beams)}, {"q", Packed(q)}};
 }
 
-// The places of the division points follow from the nodes.
+// The page computes the places of the division points from the nodes.
 tables::Table WithoutPlaces(const tables::Table& diagrams, int translations)
 {
   constexpr std::size_t kFirst = 2;
@@ -122,7 +122,7 @@ Json Tables(const ReportContent& content)
   return packed;
 }
 
-// JSON may write any character by its number, and in a script these three begin markup.
+// Writes the three characters that begin markup in a script by their numbers, as JSON allows.
 std::string WithoutMarkup(const std::string& json)
 {
   std::string text;
@@ -148,7 +148,7 @@ std::vector<std::string> DescriptionOf(const std::filesystem::path& file)
   constexpr std::size_t kMostCharacters = 200;
   std::vector<std::string> lines;
   std::ifstream in(file);
-  bool first = true;  // the type of the problem may stand before
+  bool first = true;  // the first line may be the type of the problem
   for (std::string line; lines.size() < kMostLines && std::getline(in, line); first = false) {
     const std::size_t begin = line.find_first_not_of(" \t\r");
     if (begin == std::string::npos || line[begin] != '#') {

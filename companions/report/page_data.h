@@ -20,7 +20,7 @@ struct Finding
   std::string text;
 };
 
-/// All that a report shows. What it refers to outlives it.
+/// The content of a report. The objects that it refers to are borrowed.
 struct ReportContent
 {
   std::string file;  ///< name of the problem file
@@ -33,11 +33,11 @@ struct ReportContent
   std::optional<std::vector<Finding>> check;  ///< absent when the problem file was not checked
 };
 
-/// The comment lines at the beginning of a problem file, without their signs: what its author
-/// says of it.
+/// The comment lines at the beginning of a problem file, without their signs: the author's
+/// description of the model.
 std::vector<std::string> DescriptionOf(const std::filesystem::path& file);
 
-/// The content as JSON for the page. No character of it begins or ends markup.
+/// The content as JSON for the page, without characters that begin or end markup.
 std::string PageData(const ReportContent& content);
 
 }  // namespace morlen

@@ -1,25 +1,29 @@
-// The order of the analysis: from the model as read to the displacements.
+// The order of the analysis: from the problem as read to the displacements.
+
+#include "assembly/analysis.h"
 
 #include <algorithm>
 #include <sstream>
 #include <string>
+#include <utility>
 
+#include "assembly/coplanarity.h"
+#include "assembly/direct_solution.h"
+#include "assembly/iterated_solution.h"
+#include "assembly/load_vector.h"
+#include "assembly/model_checks.h"
 #include "assembly/six_nodes.h"
+#include "assembly/solve.h"
 #include "assembly/solver_choice.h"
 #include "assembly/support_axes.h"
-#include "base/array_size.h"
 #include "base/errorwriter.h"
 #include "base/memory_limit.h"
-#include "base/read_observer.h"
 #include "base/stprintf.h"
-#include "model/constraint.h"
 #include "model/mesh.h"
 #include "model/node.h"
-#include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/element_family.h"
-#include "problem/project.h"
-#include "problem/references.h"
+#include "problem/hinges.h"
+#include "problem/problem.h"
 #include "solvers/skymatriu.h"
 #include "solvers/sparse_solver.h"
 
@@ -27,7 +31,7 @@ namespace morlen {
 
 namespace {
 
-/// What an iteration has come to that cannot be used.
+/// The state of an iteration whose result cannot be used.
 std::string Outcome(const SparseSolver& sparse)
 {
   const IterationReport& model = sparse.ModelReport();
@@ -53,200 +57,202 @@ std::string NoSolverHint(const SparseSolver& sparse, const SolverWork& work)
   return text.str();
 }
 
-void RequireLength(const Elem& beam)
+/// The displacements of the three-node model, in the axes of the supports, as the starting vector
+/// of the six-node model. A mid-side node gets the mean of the corners of its edge.
+std::unique_ptr<double[]> StartOfSixNodes(const Problem& problem, ReaVecV start)
 {
-  if (!(dist2(beam(0), beam(1)) > 0.0))
-    Fatal("error: element ", beam.Num(), " has no length\n");
-}
-
-void CheckLengths(const Mesh& beams)
-{
-  for (const Elem& elem : Each<Elem>(*beams.GiveElemPlex()))
-    AttemptOn(ReadItem::Element, elem.Num(), [&] { RequireLength(elem); });
-}
-
-}  // namespace
-
-void Project::Calc(int renumber, std::FILE* info)
-{
-  CheckReferences(*this);
-  CheckModel();
-  if (hasHinges)
-    CalcElemsRotules();
-  if (solverSettings.type == SolverType::Double)
-    PreSolve(renumber, info);
-  if (convertTo6Nodes)
-    ConvertTriangles(info);
-  if (solverSettings.type == SolverType::Automatic) {
-    CalcAutomatically(renumber, info);
-    return;
+  start.resize(problem.Equations(), 0.0);
+  for (const auto& mesh : problem.meshes) {
+    if (mesh->GiveElemType() != Triangle)
+      continue;
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+      for (int i = 0; i < 3; ++i) {
+        for (int k = 1; k <= problem.components.count; ++k)
+          start(problem.Equation(*elem(i + 3), k)) =
+              (start(problem.Equation(*elem(i), k)) +
+               start(problem.Equation(*elem((i + 1) % 3), k))) /
+              2.0;
+      }
+    }
   }
-  Number(renumber);
-  MarkCoplanarNodes(info);
-  solverReason = "the problem file asks for it";
-  MakeSolver();
-  FillMatrixVectorAndSolve(info);
+  ConvertGlobalLoadToLocal(problem.GiveNodes(), start, problem.components.count);
+  auto values = std::make_unique<double[]>(static_cast<std::size_t>(start.Size()));
+  std::copy_n(start.Data(), start.Size(), values.get());
+  return values;
 }
 
-// Small models are solved directly. For large ones the faster solver is taken, and where that is
-// the iteration and it fails, the direct one after it.
-void Project::CalcAutomatically(int renumber, std::FILE* info)
+class Analysis
 {
-  const SolverChoice choice = ChooseSolver(renumber);
-  MarkCoplanarNodes(info);
-  solverReason = choice.reason;
+public:
+  Analysis(Problem& problem_, const ElementFamilies& families_, const AnalysisOptions& options,
+           const MakeLoads& makeLoads_)
+      : problem(problem_),
+        families(families_),
+        renumber(options.renumber),
+        info(options.info),
+        makeLoads(makeLoads_)
+  {
+  }
+
+  Analysed Run()
+  {
+    CheckReferences(problem, families);
+    CheckModel(problem, families);
+    if (problem.hasHinges)
+      MergeHinges(problem);
+    if (Type() == SolverType::Double)
+      PreSolve();
+    if (problem.convertTo6Nodes && ConvertTriangles(problem))
+      Progress(info, "Mesh converted to internal 6-noded representation\n");
+    if (Type() == SolverType::Automatic) {
+      SolveAutomatically();
+    } else {
+      Number();
+      MarkNodes();
+      MakeSolver();
+      SolveBySolver("the problem file asks for it");
+    }
+    return {std::move(solver), std::move(solutions)};
+  }
+
+private:
+  SolverType& Type() { return problem.solverSettings.type; }
+  AnalysisTask Task() const { return {problem, families, info}; }
+
+  void SolveAutomatically();
+  void PreSolve();
+  SolverChoice ChooseSolver();
+  void MakeSolver();
+  void MakeIteration(const SolverChoice& choice);
+
+  // The iteration runs on the numbers of the file.
+  void Number()
+  {
+    if (renumber && Type() == SolverType::SkyLine)
+      problem.meshes.front()->RenumberNodes();
+  }
+
+  void MarkNodes();
+  void MakeSkyline();
+  std::vector<LoadCase> AssembleSystem(const std::string& reason);
+  void SolveBySolver(const std::string& reason);
+
+  Problem& problem;
+  const ElementFamilies& families;
+  bool renumber;
+  std::FILE* info;
+  const MakeLoads& makeLoads;
+  std::unique_ptr<BSolver> solver;
+  std::vector<Solution> solutions;
+  ReaVecV start;  ///< displacements of the pre-solve; empty without one
+};
+
+// For large models the faster solver is taken, and where that is the iteration and it fails, the
+// direct one after it.
+void Analysis::SolveAutomatically()
+{
+  const SolverChoice choice = ChooseSolver();
+  MarkNodes();
   if (choice.type == SolverType::SkyLine) {
     MakeSolver();
-    FillMatrixVectorAndSolve(info);
-    return;
+    return SolveBySolver(choice.reason);
   }
   MakeIteration(choice);
-  PrepareSystem(info);
-  if (IterateToTheEnd(info)) {
-    FinishSolution(info);
+  auto& sparse = static_cast<SparseSolver&>(*solver);
+  std::vector<LoadCase> cases = AssembleSystem(choice.reason);
+  if (IterateToTheEnd(Task(), sparse, cases)) {
+    solutions = FinishSolutions(Task(), std::move(cases));
     return;
   }
-  const auto& sparse = static_cast<const SparseSolver&>(*solver);
   if (!choice.fitsDirectly)
-    SolverFailed(-std::max(sparse.ModelReport().iterations, 1), NoSolverHint(sparse, choice.work));
-  solverReason = Outcome(sparse);
+    SolverFailed(problem, -std::max(sparse.ModelReport().iterations, 1),
+                 NoSolverHint(sparse, choice.work));
+  const std::string reason = Outcome(sparse);
   solver.reset();
-  solverSettings.type = SolverType::SkyLine;
-  Number(renumber);
-  MarkCoplanarNodes(nullptr);
+  Type() = SolverType::SkyLine;
+  Number();
+  MarkCoplanarNodes(problem);
   MakeSolver();
-  FillMatrixVectorAndSolve(info);
+  SolveBySolver(reason);
 }
 
-// The iteration runs on the numbers of the file.
-void Project::Number(int renumber)
+// Solves the model of three-node triangles by the skyline solver: its displacements are the
+// starting vector of the sparse solver for the model of six-node triangles.
+void Analysis::PreSolve()
 {
-  if (renumber && solverSettings.type == SolverType::SkyLine)
-    meshes.front()->RenumberNodes();
-}
-
-// The model as it stands, by the skyline solver: its displacements are the starting vector
-// of the sparse solver for the model of six-node triangles.
-void Project::PreSolve(int renumber, std::FILE* info)
-{
-  CheckDoubleSolver();
+  CheckDoubleSolver(problem);
   if (renumber)
-    meshes.front()->RenumberNodes();
+    problem.meshes.front()->RenumberNodes();
   Progress(info, "Running a pre-solver to prepare initial values\n");
-  MarkCoplanarNodes(info);
-  solver =
-      std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees), solverSettings.processor);
-  FillMatrixVectorAndSolve(info);
+  MarkNodes();
+  MakeSkyline();
+  SolveBySolver("");
+  start = std::move(solutions.front().displacements);
+  solutions.clear();
   solver.reset();
-  coplanarity.clear();
-  preSolved = true;
-  solverSettings.type = SolverType::Sparse;
-  convertTo6Nodes = true;
+  problem.coplanarity.clear();
+  Type() = SolverType::Sparse;
+  problem.convertTo6Nodes = true;
 }
 
-void Project::CheckDoubleSolver() const
+void Analysis::MarkNodes()
 {
-  for (const auto& mesh : meshes) {
-    if (mesh->GiveElemType() == Triangle && mesh->GiveNnode() != 3)
-      Fatal("error: Solver DOUBLE needs a shell mesh of 3-noded triangles\n");
-    if (mesh->GiveElemType() == Tetrahedra)
-      Fatal("error: Double solver not implemented for tetrahedras\n");
-  }
+  MarkCoplanarNodes(problem);
+  const std::vector<int>& marks = problem.coplanarity;
+  if (!marks.empty())
+    Progress(info, "%i out of %i nodes are coplanar\n",
+             static_cast<int>(std::count(marks.begin(), marks.end(), 1)), problem.numNodes);
 }
 
-void Project::ConvertTriangles(std::FILE* info)
+// Leaves the nodes with the numbers on which the chosen solver works.
+SolverChoice Analysis::ChooseSolver()
 {
-  EdgeNodes edges;
-  bool converted = false;
-  for (const auto& mesh : meshes) {
-    if (mesh->GiveElemType() != Triangle || mesh->GiveNnode() != 3)
-      continue;
-    ConvertTriangleTo6nod(mesh.get(), edges);
-    converted = true;
-  }
-  if (converted)
-    Progress(info, "Mesh converted to internal 6-noded representation\n");
-}
-
-void Project::MarkCoplanarNodes(std::FILE* info)
-{
-  const bool shells = std::any_of(meshes.begin(), meshes.end(), [](const auto& mesh) {
-    return mesh->GiveElemType() == Triangle;
-  });
-  if (!shells)
-    return;
-  CalcCoplanarityVector();
-  Progress(info, "%i out of %i nodes are coplanar\n",
-           static_cast<int>(std::count(coplanarity.begin(), coplanarity.end(), 1)), numNodes);
-}
-
-void Project::CheckModel() const
-{
-  for (const auto& mesh : meshes) {
-    Attempt(nullptr, [&] { RequireFamily(*mesh); });
-    if (mesh->GiveElemType() == Linear)
-      CheckLengths(*mesh);
-  }
-  // Once, while the nodes still have the numbers of the file.
-  Matriu T;
-  for (const auto [number, node] : EachNumbered<Node>(GiveNodes())) {
-    if (node.constraint)
-      AttemptOn(ReadItem::Support, number, [&, &support = *node.constraint, number = number] {
-        support.CalcTransfMatFromEuler(number, T, freeDegrees, 1);
-      });
-  }
-}
-
-void Project::RequireFamily(const Mesh& mesh) const
-{
-  if (FamilyOf(mesh).spaceOnly && problemType == kPlane)
-    Fatal("error: elements of type ", ElemTypeName(mesh.GiveElemType()), " need a 3d problem\n");
-}
-
-// Leaves the nodes with the numbers that the chosen solver works on.
-SolverChoice Project::ChooseSolver(int renumber)
-{
-  solverSettings.type = SolverType::SkyLine;
-  Number(renumber);
-  const long long equations = static_cast<long long>(numNodes) * freeDegrees;
+  Type() = SolverType::SkyLine;
+  Number();
+  const long long equations = static_cast<long long>(problem.numNodes) * problem.components.count;
   if (equations < kChoiceFrom)
     return {.reason = std::to_string(equations) + " equations are less than " +
                       std::to_string(kChoiceFrom)};
-  MarkCoplanarNodes(nullptr);
-  SolverChoice choice = FasterSolver(EstimateWork(*this), UsableMemory(MemoryLimit()));
-  solverSettings.type = choice.type;
+  MarkCoplanarNodes(problem);
+  SolverChoice choice = FasterSolver(EstimateWork(problem, families), UsableMemory(MemoryLimit()));
+  Type() = choice.type;
   if (choice.type == SolverType::Sparse && renumber)
-    meshes.front()->RestoreNumbers();
+    problem.meshes.front()->RestoreNumbers();
   return choice;
 }
 
-void Project::MakeSolver()
+void Analysis::MakeSkyline()
 {
-  const SolverSettings& s = solverSettings;
-  if (s.type == SolverType::SkyLine) {
-    solver = std::make_unique<SkyMatriu>(ArrayLength(numNodes, freeDegrees), s.processor);
-    return;
-  }
+  solver = std::make_unique<SkyMatriu>(problem.Equations(), problem.solverSettings.processor);
+}
+
+void Analysis::MakeSolver()
+{
+  const SolverSettings& s = problem.solverSettings;
+  if (s.type == SolverType::SkyLine)
+    return MakeSkyline();
   if (s.type != SolverType::Sparse)
     Fatal("error: unknown solver\n");
+  const int n = problem.components.count;
   auto sparse = s.maxIterations == 0
-                    ? std::make_unique<SparseSolver>(numNodes, freeDegrees, s.processor)
-                    : std::make_unique<SparseSolver>(numNodes, freeDegrees, s.tolerance1,
+                    ? std::make_unique<SparseSolver>(problem.numNodes, n, s.processor)
+                    : std::make_unique<SparseSolver>(problem.numNodes, n, s.tolerance1,
                                                      s.tolerance2, s.maxIterations, s.processor);
-  if (preSolved)
-    sparse->EnterInitialvalues(StartFromPreSolve());
+  if (start.Size() > 0)
+    sparse->EnterInitialvalues(StartOfSixNodes(problem, start));
   solver = std::move(sparse);
 }
 
-// With the defaults, but it goes on until the results are good. Where the direct solver can take
-// over, it is left as soon as that would have been faster, or a structure seems to move.
-void Project::MakeIteration(const SolverChoice& choice)
+// With the default tolerances, but it goes on until the results are good. Where the direct solver
+// can follow, the iteration ends as soon as that would have been faster, or a structure seems to
+// move.
+void Analysis::MakeIteration(const SolverChoice& choice)
 {
-  auto sparse = std::make_unique<SparseSolver>(numNodes, freeDegrees, solverSettings.processor);
+  auto sparse = std::make_unique<SparseSolver>(problem.numNodes, problem.components.count,
+                                               problem.solverSettings.processor);
   IterationDemands demands = {.error = IterationDemands::kGoodError,
                               .change = IterationDemands::kGoodChange,
-                              .components = freeDegrees,
-                              .translations = translations};
+                              .components = problem.components};
   if (choice.fitsDirectly) {
     demands.quotient = IterationDemands::kLeastQuotient;
     sparse->LimitIterations(choice.work.IterationsWorthTrying());
@@ -255,26 +261,49 @@ void Project::MakeIteration(const SolverChoice& choice)
   solver = std::move(sparse);
 }
 
-// The displacements of the pre-solve; a mid-side node takes the mean of its corners'.
-std::unique_ptr<double[]> Project::StartFromPreSolve() const
+std::vector<LoadCase> Analysis::AssembleSystem(const std::string& reason)
 {
-  ReaVecV start = displacements;
-  start.resize(ArrayLength(numNodes, freeDegrees), 0.0);
-  for (const auto& mesh : meshes) {
-    if (mesh->GiveElemType() != Triangle)
-      continue;
-    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-      for (int i = 0; i < 3; ++i) {
-        for (int k = 1; k <= freeDegrees; ++k)
-          start(Equation(*elem(i + 3), k)) =
-              (start(Equation(*elem(i), k)) + start(Equation(*elem((i + 1) % 3), k))) / 2.0;
-      }
-    }
-  }
-  ConvertGlobalLoadToLocal(GiveNodes(), start, freeDegrees);
-  auto values = std::make_unique<double[]>(static_cast<std::size_t>(start.Size()));
-  std::copy_n(start.Data(), start.Size(), values.get());
-  return values;
+  CreateMatrix(problem, *solver);
+  if (!reason.empty())
+    Progress(info, "Solver %s taken: %s\n", Type() == SolverType::Sparse ? "Sparse" : "SkyLine",
+             reason.c_str());
+  if (info)
+    solver->PrintInfoMem(info);
+  Progress(info, "Just before filling global stiffness matrix\n");
+  AddStiffness(Task(), *solver);
+  Progress(info, "Stiffness matrix filled\n");
+  std::vector<ReaVecV> loads = makeLoads(problem, families);
+  Progress(info, "Load vector constructed\n");
+  Progress(info, "Beginning to apply constraints\n");
+  return MakeLoadCases(problem, std::move(loads));
+}
+
+void Analysis::SolveBySolver(const std::string& reason)
+{
+  std::vector<LoadCase> cases = AssembleSystem(reason);
+  if (Type() == SolverType::Sparse)
+    SolveByIteration(Task(), static_cast<SparseSolver&>(*solver), cases);
+  else
+    SolveDirectly(Task(), static_cast<SkyMatriu&>(*solver), cases);
+  solutions = FinishSolutions(Task(), std::move(cases));
+}
+
+}  // namespace
+
+Analysed Analyse(Problem& problem, const ElementFamilies& families, const AnalysisOptions& options,
+                 const MakeLoads& makeLoads)
+{
+  return Analysis(problem, families, options, makeLoads).Run();
+}
+
+Analysed Analyse(Problem& problem, const ElementFamilies& families, const AnalysisOptions& options)
+{
+  return Analyse(problem, families, options,
+                 [](const Problem& prepared, const ElementFamilies& known) {
+                   std::vector<ReaVecV> loads;
+                   loads.push_back(AppliedLoads(prepared, known));
+                   return loads;
+                 });
 }
 
 }  // namespace morlen

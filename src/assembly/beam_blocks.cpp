@@ -27,7 +27,7 @@ void MultiplyEnd(int n, const double* own, const double* a, const double* other,
 void BeamBlocks::Construct(const BeamSpan& beam)
 {
   beam.material.ConstructLocalK(beam.elem.Num(), K11, K12, K22, dist2(beam.elem(0), beam.elem(1)),
-                                beam.type, beam.hingeCode);
+                                beam.type, beam.hingeCode.Value());
 }
 
 void BeamBlocks::Multiply(const double* local, double* forces) const

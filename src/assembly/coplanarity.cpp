@@ -1,5 +1,6 @@
 #include "assembly/coplanarity.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -9,7 +10,7 @@
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen {
 
@@ -140,14 +141,17 @@ std::vector<int> CoplanarityTest::Marks() const
   return marks;
 }
 
-void Project::CalcCoplanarityVector()
+void MarkCoplanarNodes(Problem& problem)
 {
-  CoplanarityTest test(numNodes, coplanarityAngle);
-  for (const auto& mesh : meshes) {
-    if (mesh->GiveElemType() == Triangle)
-      test.Add(*mesh, *meshes.front());
+  const auto isShell = [](const auto& mesh) { return mesh->GiveElemType() == Triangle; };
+  if (std::none_of(problem.meshes.begin(), problem.meshes.end(), isShell))
+    return;
+  CoplanarityTest test(problem.numNodes, problem.coplanarityAngle);
+  for (const auto& mesh : problem.meshes) {
+    if (isShell(mesh))
+      test.Add(*mesh, *problem.meshes.front());
   }
-  coplanarity = test.Marks();
+  problem.coplanarity = test.Marks();
 }
 
 }  // namespace morlen

@@ -7,6 +7,7 @@
 namespace morlen {
 
 class Mesh;
+struct Problem;
 
 /// Finds the nodes around which all triangles lie in one plane, over all triangle meshes.
 class CoplanarityTest
@@ -34,5 +35,8 @@ private:
 /// Number of triangles of a mesh around each node, at its system number less 1. Fatal when
 /// there are more than 25.
 std::vector<int> CountElementsAround(const Mesh& mesh, int nodes, const Mesh& fileNumbers);
+
+/// Sets the coplanarity marks of a problem with shells; others keep none.
+void MarkCoplanarNodes(Problem& problem);
 
 }  // namespace morlen

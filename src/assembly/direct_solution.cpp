@@ -1,13 +1,17 @@
 // The direct solution: factorised, refined, and judged by its refinement.
 
+#include "assembly/direct_solution.h"
+
+#include <algorithm>
 #include <string>
 #include <utility>
 
 #include "assembly/free_equations.h"
+#include "assembly/internal_forces.h"
 #include "assembly/probe_load.h"
 #include "assembly/refinement.h"
 #include "base/stprintf.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 #include "solvers/skymatriu.h"
 
 namespace morlen {
@@ -23,71 +27,106 @@ std::string RoughModelHint(const RefinedCases& cases, Refinement::Verdict verdic
          "arithmetic are not enough for its displacements\n";
 }
 
+/// Solves all load cases and the probe together.
+class DirectSolution
+{
+public:
+  DirectSolution(const AnalysisTask& task_, SkyMatriu& matrix_,
+                 const std::vector<LoadCase>& loadCases_)
+      : task(task_),
+        matrix(matrix_),
+        loadCases(loadCases_),
+        nodes(task.problem.GiveNodes()),
+        scale(ScaleOfComponents(task.problem))
+  {
+  }
+
+  RefinedCases Solve() const
+  {
+    std::vector<ReaVecV> sides = LoadsOf(loadCases);
+    ApplySupports(task.problem, matrix, sides);
+    Progress(task.info, "Just before Solver\n");
+    RefinedCases cases;
+    if (const int refused = SolveCases(std::move(sides), cases, task.info))
+      SolverFailed(task.problem, refused, RefusedPivotHint());
+    const Refinement refinement = MakeRefinement();
+    const Refinement::Verdict verdict = refinement.Run(cases);
+    if (verdict == Refinement::Verdict::Moves)
+      SolverFailed(task.problem, refinement.LargestMotion(cases.probe),
+                   RoughModelHint(cases, verdict));
+    if (verdict == Refinement::Verdict::TooRough)
+      SolverFailed(task.problem, -1, RoughModelHint(cases, verdict));
+    return cases;
+  }
+
+private:
+  // Solves the right-hand sides and the probe; the refinement is still to come. Returns the
+  // argument of SolverFailed, or 0.
+  int SolveCases(std::vector<ReaVecV> sides, RefinedCases& cases, std::FILE* info) const
+  {
+    using Norm = RefinedCase::Norm;
+    const ReaVecV probeLoads = ProbeLoad(nodes, scale, matrix.GiveSize());
+    ReaVecV probe = probeLoads;
+    const double sizeOfProbe = SizeOnFree(Norm::Largest, nodes, scale, probe);
+    std::vector<double> sizes;
+    SkyMatriu::RightHandSides all;
+    for (ReaVecV& side : sides) {
+      sizes.push_back(SizeOnFree(Norm::Euclidean, nodes, scale, side));
+      all.push_back(&side);
+    }
+    all.push_back(&probe);
+    if (const int refused = matrix.Solver(all, info))
+      return refused;
+    if (!std::all_of(sides.begin(), sides.end(), AllFinite))
+      return -1;
+    for (std::size_t k = 0; k < sides.size(); ++k)
+      cases.models.emplace_back(loadCases[k].loads, Norm::Euclidean, sizes[k], std::move(sides[k]));
+    cases.probe = RefinedCase(probeLoads, Norm::Largest, sizeOfProbe, std::move(probe));
+    return 0;
+  }
+
+  // A refused pivot does not tell why it is small. Without the limit for pivots that have lost
+  // digits, the refinement can often tell.
+  std::string RefusedPivotHint() const
+  {
+    matrix.SetToZero();
+    AddStiffness(task, matrix);
+    std::vector<ReaVecV> sides = LoadsOf(loadCases);
+    ApplySupports(task.problem, matrix, sides);
+    matrix.AcceptLostPivots();
+    RefinedCases cases;
+    if (SolveCases(std::move(sides), cases, nullptr) != 0)
+      return "";
+    return RoughModelHint(cases, MakeRefinement().Run(cases));
+  }
+
+  Refinement MakeRefinement() const
+  {
+    return {matrix, nodes, scale,
+            [this](InternalForces& f) { AddForces(task.problem, task.families, f); }};
+  }
+
+  const AnalysisTask& task;
+  SkyMatriu& matrix;
+  const std::vector<LoadCase>& loadCases;
+  const VoidPlex& nodes;
+  ComponentScale scale;
+};
+
 }  // namespace
 
-void Project::SolveDirectly(std::FILE* info)
+void SolveDirectly(const AnalysisTask& task, SkyMatriu& matrix, std::vector<LoadCase>& cases)
 {
-  const ReaVecV loads = displacements;
-  ApplySupports();
-  Progress(info, "Just before Solver\n");
-  RefinedCases cases;
-  if (const int failed = SolveCases(loads, cases, info))
-    SolverFailed(failed, RefusedPivotHint(loads));
-  const Refinement refinement = MakeRefinement();
-  const Refinement::Verdict verdict = refinement.Run(cases);
-  if (verdict == Refinement::Verdict::Moves)
-    SolverFailed(refinement.LargestMotion(cases.probe), RoughModelHint(cases, verdict));
-  if (verdict == Refinement::Verdict::TooRough)
-    SolverFailed(-1, RoughModelHint(cases, verdict));
-  accuracy = {.error = cases.model.LastCorrection(), .residual = cases.model.LastResidual()};
-  displacements = std::move(cases.model.u.value);
-  displacementRests = std::move(cases.model.u.rest);
-  elementForces = std::move(cases.model.elementForces);
-  TellAccuracy(info);
-}
-
-// From the right-hand side in the displacements to the solutions before their refinement. Returns
-// what SolverFailed takes, or 0.
-int Project::SolveCases(const ReaVecV& loads, RefinedCases& cases, std::FILE* info)
-{
-  using Norm = RefinedCase::Norm;
-  const ComponentScale scale = ScaleOfComponents();
-  const ReaVecV probeLoads = ProbeLoad(GiveNodes(), scale, loads.Size());
-  ReaVecV ofProbe = probeLoads;
-  const double size = SizeOnFree(Norm::Euclidean, GiveNodes(), scale, displacements);
-  const double sizeOfProbe = SizeOnFree(Norm::Largest, GiveNodes(), scale, ofProbe);
-  if (const int refused = Skyline().Solver({&displacements, &ofProbe}, info))
-    return refused;
-  if (!AllFinite(displacements))
-    return -1;
-  cases.model = RefinedCase(loads, Norm::Euclidean, size, displacements);
-  cases.probe = RefinedCase(probeLoads, Norm::Largest, sizeOfProbe, std::move(ofProbe));
-  return 0;
-}
-
-// A refused pivot tells nothing about why it is small. Without the limit for pivots that have lost
-// digits, the refinement can often tell.
-std::string Project::RefusedPivotHint(const ReaVecV& loads)
-{
-  Skyline().SetToZero();
-  AssembleStiffness();
-  displacements = loads;
-  ApplySupports();
-  Skyline().AcceptLostPivots();
-  RefinedCases cases;
-  if (SolveCases(loads, cases, nullptr) != 0)
-    return "";
-  return RoughModelHint(cases, MakeRefinement().Run(cases));
-}
-
-SkyMatriu& Project::Skyline() const
-{
-  return static_cast<SkyMatriu&>(*solver);
-}
-
-Refinement Project::MakeRefinement() const
-{
-  return {Skyline(), GiveNodes(), ScaleOfComponents(), [this](InternalForces& f) { AddForces(f); }};
+  RefinedCases refined = DirectSolution(task, matrix, cases).Solve();
+  for (std::size_t k = 0; k < cases.size(); ++k) {
+    RefinedCase& from = refined.models[k];
+    Solution& solution = cases[k].solution;
+    solution.accuracy = {.error = from.LastCorrection(), .residual = from.LastResidual()};
+    solution.displacements = std::move(from.u.value);
+    solution.displacementRests = std::move(from.u.rest);
+    solution.elementForces = std::move(from.elementForces);
+    TellAccuracy(task, solution.accuracy);
+  }
 }
 
 }  // namespace morlen

@@ -5,18 +5,13 @@
 #include <span>
 #include <utility>
 
-#include "assembly/beam_blocks.h"
 #include "assembly/support_axes.h"
-#include "base/errorwriter.h"
 #include "model/constraint.h"
 #include "model/elem.h"
-#include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
-#include "numeric/block_rotation.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
 #include "solvers/bsolver.h"
 
 namespace morlen {
@@ -38,14 +33,14 @@ BlockAssembler::BlockAssembler(ElementSink& sink_, int components, int applyLoca
 {
 }
 
-void BlockAssembler::Take(const Matriu& K)
+void BlockAssembler::Append(const Matriu& K)
 {
   std::copy_n(K.Data(), K.Size(), NextBlock());
 }
 
 void BlockAssembler::MakeRoom(int nodesOfElement)
 {
-  // What the blocks of a group take should fit into the first cache.
+  // The blocks of a group should fit into the first cache.
   constexpr std::size_t kNodesOfGroup = 64;
   nnode = nodesOfElement;
   group.reserve(std::max(kNodesOfGroup / nnode, std::size_t{1}));
@@ -61,14 +56,14 @@ bool BlockAssembler::IsSupported(const Elem& elem) const
   return false;
 }
 
-void BlockAssembler::Expect()
+void BlockAssembler::Prefetch()
 {
   numbers.clear();
   for (const Elem* elem : group) {
     for (int i = 0; i < nnode; ++i)
       numbers.push_back((*elem)(i)->number);
   }
-  sink.Expect(numbers, nnode);
+  sink.Prefetch(numbers, nnode);
 }
 
 void BlockAssembler::Add(std::size_t k)
@@ -79,8 +74,8 @@ void BlockAssembler::Add(std::size_t k)
   sink.AddElement({all.subspan(k * nnode, nnode), n, blocks.data()});
 }
 
-// The lower number has the rows meanwhile, so that rounding does not depend on the order in the
-// element.
+// The node with the lower number has the rows while a block is turned, so that rounding does not
+// depend on the order in the element.
 void BlockAssembler::TurnToSupports(const Elem& elem)
 {
   Matriu K(n, n);
@@ -97,21 +92,6 @@ void BlockAssembler::TurnToSupports(const Elem& elem)
       std::copy_n(K.Data(), n * n, block);
     }
   }
-}
-
-void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes)
-{
-  BeamBlocks blocks;  // allocated once for the mesh
-  Matriu T;
-  BlockAssembler assembler(*solver, freeDegrees, applyLocalAxes);
-  assembler.Assemble(*mesh, [&](const Elem& elem) {
-    blocks.Construct(SpanOf(elem, T));
-    for (Matriu* K : {&blocks.K11, &blocks.K12, &blocks.K22}) {
-      TurnRows(T, Turn::ToGlobal, *K);
-      TurnColumns(T, Turn::ToGlobal, *K);
-      assembler.Take(*K);
-    }
-  });
 }
 
 }  // namespace morlen

@@ -16,22 +16,21 @@ class Matriu;
 constexpr int kInGlobalAxes = 0;
 constexpr int kInSupportAxes = 1;
 
-/// Takes the stiffness of the elements of a mesh to the matrix or whatever else is made of it, in
-/// blocks of their nodes.
+/// Hands the stiffness of the elements of a mesh to a sink, in blocks of their nodes.
 class BlockAssembler
 {
 public:
   /// components: of a node.
   BlockAssembler(ElementSink& sink, int components, int applyLocalAxes);
 
-  /// Adds all elements: calculate(elem) hands over their blocks in global axes. The sink gets to
-  /// know of some elements at a time before their turn.
+  /// Adds all elements: calculate(elem) appends their blocks in global axes, by NextBlock or
+  /// Append. Elements are announced to the sink in groups so that it can prefetch.
   template <class Calculate>
   void Assemble(const Mesh& mesh, Calculate calculate)
   {
     MakeRoom(mesh.GiveNnode());
     const auto addGroup = [&] {
-      Expect();
+      Prefetch();
       for (std::size_t k = 0; k < group.size(); ++k) {
         next = blocks.data();
         calculate(*group[k]);
@@ -47,28 +46,28 @@ public:
     addGroup();
   }
 
-  /// The room for the next block, n×n numbers row by row, between the nodes i and j (from 0)
-  /// of the element at work: those for j from i on, one i after the other.
+  /// The place of the next block of the element at work, n×n numbers row by row. The blocks are
+  /// those between the nodes i and j (from 0), for j from i on, one i after the other.
   double* NextBlock()
   {
     double* const block = next;
     next += n * n;
     return block;
   }
-  /// Hands over the next block.
-  void Take(const Matriu& K);
+  /// Copies K to the place of the next block.
+  void Append(const Matriu& K);
 
 private:
   void MakeRoom(int nodesOfElement);
   bool IsSupported(const Elem& elem) const;
-  /// Takes the element into the group and asks for the memory of its nodes.
+  /// Appends the element to the group and prefetches its nodes.
   void Collect(const Elem& elem)
   {
     group.push_back(&elem);
     for (int i = 0; i < nnode; ++i)
       __builtin_prefetch(elem(i));
   }
-  void Expect();
+  void Prefetch();
   void Add(std::size_t k);
   void TurnToSupports(const Elem& elem);
 
@@ -76,7 +75,7 @@ private:
   int n;
   bool toSupportAxes;
   int nnode = 0;
-  std::vector<const Elem*> group;  ///< elements of which the sink knows
+  std::vector<const Elem*> group;  ///< elements that the sink has been told of
   std::vector<int> numbers;        ///< of their nodes
   std::vector<double> blocks;      ///< of the element at work
   double* next = nullptr;          ///< where its next block begins

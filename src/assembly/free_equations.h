@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/node_components.h"
 #include "model/constraint.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
@@ -13,30 +14,29 @@ namespace morlen {
 /// Calls visit(equation, component from 1, stiffness of a spring there) for every component of
 /// a node that has no prescribed displacement.
 template <class Visit>
-void ForEachFree(const VoidPlex& nodes, int components, Visit visit)
+void ForEachFree(const VoidPlex& nodes, const NodeComponents& components, Visit visit)
 {
   for (const Node& node : Each<Node>(nodes)) {
     const Constraint* support = node.constraint.get();
-    for (int k = 1; k <= components; ++k) {
+    for (int k = 1; k <= components.count; ++k) {
       const int flag = support ? support->flags[k - 1] : Constraint::kFree;
       if (flag != Constraint::kPrescribed)
-        visit((node.number - 1) * components + k, k,
+        visit(components.Equation(node.number, k), k,
               flag == Constraint::kSpring ? support->values[k - 1] : 0.0);
     }
   }
 }
 
-/// How the components of the nodes are counted, and a length that makes a rotation comparable
-/// with a translation and a moment with a force.
+/// The components of a node, and a length that makes a rotation comparable with a translation and
+/// a moment with a force.
 struct ComponentScale
 {
-  int components = 0;    ///< of a node
-  int translations = 0;  ///< the first of them; the others are rotations
-  double length = 1.0;   ///< the mean size of the elements
+  NodeComponents components;
+  double length = 1.0;  ///< the mean size of the elements
 
   /// 1 for a translation, the length for a rotation (components from 1). A rotation times it
   /// compares with a translation, a moment divided by it with a force.
-  double Unit(int component) const { return component <= translations ? 1.0 : length; }
+  double Unit(int component) const { return component <= components.translations ? 1.0 : length; }
 };
 
 /// The largest absolute load on those equations; moments are divided by the length. The result is

@@ -1,23 +1,12 @@
 #include "assembly/internal_forces.h"
 
-#include <array>
 #include <cstddef>
 #include <utility>
 
-#include "assembly/beam_blocks.h"
-#include "assembly/relative_motion.h"
-#include "assembly/shell.h"
-#include "assembly/solid.h"
-#include "model/constraint.h"
-#include "model/elem.h"
-#include "model/material.h"
+#include "assembly/element_family.h"
 #include "model/mesh.h"
 #include "model/node.h"
-#include "numeric/block_rotation.h"
-#include "numeric/matriu.h"
-#include "numeric/plex_range.h"
-#include "problem/element_family.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen {
 
@@ -52,68 +41,10 @@ void InternalForces::Add(const Elem& elem, int index, const double* forces)
   }
 }
 
-void Project::AddForcesOfBeams(const Mesh& mesh, InternalForces& forces) const
+void AddForces(const Problem& problem, const ElementFamilies& families, InternalForces& forces)
 {
-  BeamBlocks K;
-  Matriu T;
-  double local[2 * kMaxComponents];
-  double ends[2 * kMaxComponents];
-  for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
-    if (!forces.Wants(elem))
-      continue;
-    const BeamSpan beam = SpanOf(elem, T);
-    K.Construct(beam);
-    for (int index = 0; index < forces.Count(); ++index) {
-      TakeRelativeBeam(elem, beam.hingeCode, freeDegrees, T, forces.Displacements(index), local);
-      K.Multiply(local, ends);
-      for (double* end : {ends, ends + freeDegrees})
-        TurnVector(T, Turn::ToGlobal, freeDegrees, end);
-      forces.Add(elem, index, ends);
-    }
-  }
-}
-
-void Project::AddForcesOfTriangles(const Mesh& mesh, InternalForces& forces) const
-{
-  ShellEvaluator shell;
-  double local[6 * 6];
-  double nodal[6 * 6];
-  for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
-    if (!forces.Wants(elem))
-      continue;
-    shell.Evaluate(elem, RequireMaterial(elem));
-    const std::array<bool, 6> folded = FoldedNodes(elem);
-    for (int index = 0; index < forces.Count(); ++index) {
-      shell.TakeRelative(elem, folded, forces.Displacements(index), local);
-      shell.CalcForces(local, folded, nodal);
-      for (int i = 0; i < elem.Nnode(); ++i)
-        TurnVector(shell.Frame(), Turn::ToGlobal, 6, nodal + 6 * i);
-      forces.Add(elem, index, nodal);
-    }
-  }
-}
-
-void Project::AddForcesOfTetras(const Mesh& mesh, InternalForces& forces) const
-{
-  SolidEvaluator solid;
-  double relative[3 * 10];
-  double nodal[3 * 10];
-  for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
-    if (!forces.Wants(elem))
-      continue;
-    solid.Evaluate(elem, RequireMaterial(elem));
-    for (int index = 0; index < forces.Count(); ++index) {
-      TakeRelativeSolid(elem, forces.Displacements(index), relative);
-      solid.CalcForces(relative, nodal);
-      forces.Add(elem, index, nodal);
-    }
-  }
-}
-
-void Project::AddForces(InternalForces& forces) const
-{
-  for (const auto& mesh : meshes)
-    (this->*FamilyOf(*mesh).addForces)(*mesh, forces);
+  for (const auto& mesh : problem.meshes)
+    families.Of(*mesh).addForces(problem, *mesh, forces);
 }
 
 }  // namespace morlen

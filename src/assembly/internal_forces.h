@@ -2,11 +2,15 @@
 
 #include <vector>
 
+#include "model/elem.h"
+#include "model/mesh.h"
+#include "numeric/plex_range.h"
 #include "numeric/split_vector.h"
 
 namespace morlen {
 
-class Elem;
+class ElementFamilies;
+struct Problem;
 
 /// The forces that the nodes exert on the elements when they are displaced: K·u by equation in
 /// global axes, element by element, without the matrix K and for several u at once.
@@ -29,7 +33,16 @@ public:
 
   int Count() const { return static_cast<int>(displacements.size()); }
   const SplitView& Displacements(int index) const { return displacements[index]; }
-  bool Wants(const Elem& elem) const;
+
+  /// Calls visit(elem) for the elements of a mesh that count.
+  template <class Visit>
+  void ForEachWanted(const Mesh& mesh, Visit visit) const
+  {
+    for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+      if (Wants(elem))
+        visit(elem);
+    }
+  }
 
   /// Adds the forces of an element's nodes, all components of a node after those of another, to
   /// those of the vector of this index.
@@ -39,10 +52,15 @@ public:
   ReaVecV& Forces(int index) { return sums[index]; }
 
 private:
+  bool Wants(const Elem& elem) const;
+
   std::vector<SplitView> displacements;
   std::vector<ReaVecV> sums;
   int components;
   Elements which;
 };
+
+/// Adds the forces of all elements of a problem.
+void AddForces(const Problem& problem, const ElementFamilies& families, InternalForces& forces);
 
 }  // namespace morlen

@@ -1,13 +1,16 @@
 // The solution by iteration, and when it can be trusted.
 
+#include "assembly/iterated_solution.h"
+
 #include <algorithm>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "assembly/free_equations.h"
 #include "assembly/probe_load.h"
 #include "base/stprintf.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 #include "solvers/sparse_solver.h"
 
 namespace morlen {
@@ -39,57 +42,82 @@ std::string UnprovenHint(const IterationReport& probe)
   return text.str();
 }
 
-}  // namespace
-
-// The result of SparseSolver::Solver. A probe is iterated as well.
-int Project::Iterate(std::FILE* info)
+/// The reports of a load case and of the probe, which is iterated with the first case.
+struct CaseReports
 {
-  ApplySupports();
-  ReaVecV probe = ProbeLoad(GiveNodes(), ScaleOfComponents(), displacements.Size());
-  auto& sparse = static_cast<SparseSolver&>(*solver);
-  Progress(info, "Just before Solver\n");
-  const int result = sparse.Solver(displacements, probe, info);
-  accuracy.error = sparse.ModelReport().error;
-  accuracy.residual = sparse.ModelReport().residual;
-  displacementRests.resize(displacements.Size(), 0.0);
-  displacementRests = 0.0;
-  return result;
-}
+  int result;  ///< of SparseSolver::Solver
+  IterationReport model;
+  IterationReport probe;
+};
 
-// False when the iteration has not come to an end that can be trusted.
-bool Project::IterateToTheEnd(std::FILE* info)
+/// Solves the load cases one after the other and passes judge(solution, reports) each outcome,
+/// until it returns false. Returns whether it never did.
+template <class Judge>
+bool Iterate(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCase>& cases,
+             Judge judge)
 {
-  const int result = Iterate(info);
-  const auto& sparse = static_cast<const SparseSolver&>(*solver);
-  const bool reached = sparse.ModelReport().reached && sparse.ProbeReport().reached;
-  if (result != 0 || !reached || !AllFinite(displacements))
-    return false;
-  TellAccuracy(info);
+  const Problem& problem = task.problem;
+  std::vector<ReaVecV> sides = LoadsOf(cases);
+  ApplySupports(problem, solver, sides);
+  ReaVecV probe = ProbeLoad(problem.GiveNodes(), ScaleOfComponents(problem), solver.GiveSize());
+  CaseReports reports{};
+  solver.KeepPreconditioner(cases.size() > 1);
+  Progress(task.info, "Just before Solver\n");
+  for (std::size_t k = 0; k < cases.size(); ++k) {
+    reports.result =
+        k == 0 ? solver.Solver(sides[k], probe, task.info) : solver.Solver(sides[k], task.info);
+    reports.model = solver.ModelReport();
+    if (k == 0)
+      reports.probe = solver.ProbeReport();
+    Solution& solution = cases[k].solution;
+    solution.displacements = std::move(sides[k]);
+    solution.displacementRests.resize(solution.displacements.Size(), 0.0);
+    solution.displacementRests = 0.0;
+    solution.accuracy = {.error = reports.model.error, .residual = reports.model.residual};
+    if (!judge(solution, reports))
+      return false;
+    TellAccuracy(task, solution.accuracy);
+  }
   return true;
 }
 
-// As the problem file asks for it: a residual within the second tolerance is taken, with a warning,
-// unless the probe shows that the structure can move.
-void Project::SolveByIteration(std::FILE* info)
+/// Refuses a solution that an explicit iteration has not reached, or warns of it.
+void JudgeExplicit(const AnalysisTask& task, const Solution& solution, const CaseReports& reports,
+                   double tolerance)
 {
-  RequireSolution(Iterate(info));
-  const auto& sparse = static_cast<const SparseSolver&>(*solver);
-  const IterationReport& model = sparse.ModelReport();
-  const IterationReport& probe = sparse.ProbeReport();
-  const bool unproven = model.reached && !HasAlmostConverged(probe, sparse.Tolerance());
+  const auto& [result, model, probe] = reports;
+  RequireSolution(task.problem, result, solution.displacements);
+  const bool unproven = model.reached && !HasAlmostConverged(probe, tolerance);
   if (!probe.reached && (unproven || MovesFreely(probe)))
-    SolverFailed(-std::max(probe.iterations, 1), UnprovenHint(probe));
+    SolverFailed(task.problem, -std::max(probe.iterations, 1), UnprovenHint(probe));
   if (!model.reached)
-    Warn(info,
+    Warn(task.info,
          "warning: the iteration ended before its tolerance, with a residual of %.1e. The results "
          "may be wrong by much more than that\n",
          model.residual);
   else if (!probe.reached)
-    Warn(info,
+    Warn(task.info,
          "warning: a test with a load in every equation has not converged (residual %.1e): the "
          "structure may be able to move\n",
          probe.residual);
-  TellAccuracy(info);
+}
+
+}  // namespace
+
+void SolveByIteration(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCase>& cases)
+{
+  Iterate(task, solver, cases, [&](const Solution& solution, const CaseReports& reports) {
+    JudgeExplicit(task, solution, reports, solver.Tolerance());
+    return true;
+  });
+}
+
+bool IterateToTheEnd(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCase>& cases)
+{
+  return Iterate(task, solver, cases, [](const Solution& solution, const CaseReports& reports) {
+    return reports.result == 0 && reports.model.reached && reports.probe.reached &&
+           AllFinite(solution.displacements);
+  });
 }
 
 }  // namespace morlen

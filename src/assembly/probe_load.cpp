@@ -20,7 +20,7 @@ ReaVecV ProbeLoad(const VoidPlex& nodes, const ComponentScale& scale, int equati
   ReaVecV loads;
   loads.resize(equations, 0.0);
   std::minstd_rand random;
-  std::vector<double> sums(static_cast<std::size_t>(scale.components));
+  std::vector<double> sums(static_cast<std::size_t>(scale.components.count));
   ForEachFree(nodes, scale.components, [&](int equation, int component, double) {
     const double size = 0.5 + 0.5 * static_cast<double>(random()) / std::minstd_rand::max();
     double& sum = sums[component - 1];

@@ -85,12 +85,18 @@ Refinement::Refinement(const SkyMatriu& factors_, const VoidPlex& nodes_,
 
 Refinement::Verdict Refinement::Run(RefinedCases& cases) const
 {
-  auto& [model, probe] = cases;
-  FindResiduals({&model, &probe});
+  auto& [models, probe] = cases;
+  std::vector<RefinedCase*> all;
+  for (RefinedCase& model : models)
+    all.push_back(&model);
+  all.push_back(&probe);
+  FindResiduals(all);
   for (int step = 1; step <= kMostSteps; ++step) {
     std::vector<RefinedCase*> open;
-    if (!IsDone(model))
-      open.push_back(&model);
+    for (RefinedCase& model : models) {
+      if (!IsDone(model))
+        open.push_back(&model);
+    }
     if (!Stands(probe))
       open.push_back(&probe);
     if (open.empty())
@@ -100,7 +106,7 @@ Refinement::Verdict Refinement::Run(RefinedCases& cases) const
       std::erase(open, &probe);
     FindResiduals(open);
   }
-  if (Stands(probe) && Stands(model))
+  if (Stands(probe) && std::all_of(models.begin(), models.end(), Stands))
     return Verdict::Accepted;
   return Moves(probe) ? Verdict::Moves : Verdict::TooRough;
 }
@@ -126,22 +132,22 @@ void Refinement::FindResiduals(const std::vector<RefinedCase*>& cases) const
   std::vector<SplitVector> global;
   for (const RefinedCase* one : cases) {
     global.push_back(one->u);
-    ConvertLocalResultsToGlobal(nodes, global.back().value, scale.components);
-    ConvertLocalResultsToGlobal(nodes, global.back().rest, scale.components);
+    ConvertLocalResultsToGlobal(nodes, global.back().value, scale.components.count);
+    ConvertLocalResultsToGlobal(nodes, global.back().rest, scale.components.count);
   }
   InternalForces forces({global.begin(), global.end()}, cases.front()->loads.Size(),
-                        scale.components);
+                        scale.components.count);
   addForces(forces);
   for (std::size_t k = 0; k < cases.size(); ++k) {
     cases[k]->elementForces = std::move(forces.Forces(static_cast<int>(k)));
-    TakeOutForces(*cases[k]);
+    FindResidual(*cases[k]);
   }
 }
 
-void Refinement::TakeOutForces(RefinedCase& one) const
+void Refinement::FindResidual(RefinedCase& one) const
 {
   ReaVecV forces = one.elementForces;
-  ConvertGlobalLoadToLocal(nodes, forces, scale.components);
+  ConvertGlobalLoadToLocal(nodes, forces, scale.components.count);
   one.residual.resize(forces.Size(), 0.0);
   one.residual = 0.0;
   ForEachFree(nodes, scale.components, [&](int equation, int, double spring) {
@@ -156,11 +162,12 @@ void Refinement::TakeOutForces(RefinedCase& one) const
 
 double Refinement::Size(const ReaVecV& u) const
 {
+  const int n = scale.components.count;
   double largest = 0.0;
-  for (int node = 0; node < u.Size(); node += scale.components) {
+  for (int node = 0; node < u.Size(); node += n) {
     double sizes[2] = {};  // of translations and of rotations
-    for (int k = 0; k < scale.components; ++k) {
-      double& size = sizes[k < scale.translations ? 0 : 1];
+    for (int k = 0; k < n; ++k) {
+      double& size = sizes[k < scale.components.translations ? 0 : 1];
       size = std::hypot(size, u.Data()[node + k]);
     }
     // The comparison keeps a NaN.

@@ -51,10 +51,10 @@ struct RefinedCase
 double SizeOnFree(RefinedCase::Norm norm, const VoidPlex& nodes, const ComponentScale& scale,
                   const ReaVecV& loads);
 
-/// The loads of the model, and loads that drive every motion.
+/// The load cases of the model, and loads that drive every motion.
 struct RefinedCases
 {
-  RefinedCase model;
+  std::vector<RefinedCase> models;
   RefinedCase probe;
 };
 
@@ -90,7 +90,7 @@ public:
   Refinement(const SkyMatriu& factors, const VoidPlex& nodes, const ComponentScale& scale,
              AddForces addForces);
 
-  /// Corrects the model until its correction and its residual are negligible or fall no more, and
+  /// Corrects each model until its correction and its residual are negligible or fall no more, and
   /// the probe until both are small enough to accept the structure. Takes at most eight steps.
   Verdict Run(RefinedCases& cases) const;
 
@@ -100,7 +100,7 @@ public:
 private:
   void Correct(const std::vector<RefinedCase*>& cases) const;
   void FindResiduals(const std::vector<RefinedCase*>& cases) const;
-  void TakeOutForces(RefinedCase& one) const;
+  void FindResidual(RefinedCase& one) const;
   double Size(const ReaVecV& u) const;
 
   const SkyMatriu& factors;

@@ -51,11 +51,11 @@ void SubtractMotion(const double* u, const double* base, const std::array<double
 }
 
 /// The node whose end of the beam is not hinged, from 0; -1 when both are.
-int ContinuousEnd(int hingeCode)
+int ContinuousEnd(HingeCode hingeCode)
 {
-  if (hingeCode / 10 == 1)
+  if (!hingeCode.FirstHinged())
     return 0;
-  return hingeCode % 10 == 1 ? 1 : -1;
+  return hingeCode.SecondHinged() ? -1 : 1;
 }
 
 /// Places of the second node of a beam from the first, three numbers.
@@ -157,10 +157,10 @@ std::array<long double, 3> NormalOf(const double (*d)[3], const Matriu& T)
 
 }  // namespace
 
-void TakeRelativeBeam(const Elem& beam, int hingeCode, int components, const Matriu& T,
+void CalcRelativeBeam(const Elem& beam, HingeCode hingeCode, int components, const Matriu& T,
                       const SplitView& u, double* local)
 {
-  const int translations = TranslationsOf(components);
+  const int translations = WithRotations(components).translations;
   const int rotations = components - translations;
   const int end = ContinuousEnd(hingeCode);
   const double* const base = PartOf(*beam(0), components, u.value);
@@ -183,7 +183,7 @@ void TakeRelativeBeam(const Elem& beam, int hingeCode, int components, const Mat
   }
 }
 
-void TakeRelativeShell(const Elem& shell, const Matriu& T, const double* x, const double* y,
+void CalcRelativeShell(const Elem& shell, const Matriu& T, const double* x, const double* y,
                        const std::array<bool, 6>& folded, const SplitView& u, double* local)
 {
   const std::array<double, 3> turn = TurnOfShell(shell, T, x, y, u.value);
@@ -210,7 +210,7 @@ void TakeRelativeShell(const Elem& shell, const Matriu& T, const double* x, cons
   }
 }
 
-void TakeRelativeSolid(const Elem& solid, const SplitView& u, double* relative)
+void CalcRelativeSolid(const Elem& solid, const SplitView& u, double* relative)
 {
   const int nnode = solid.Nnode();
   double d[10][3];

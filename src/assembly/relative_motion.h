@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "model/hinge_code.h"
 #include "numeric/split_vector.h"
 
 namespace morlen {
@@ -23,18 +24,18 @@ class Matriu;
 /// Of a beam, in its local axes T: the motion is the first node's translation, and the rotation
 /// of the first end that is not hinged. Without such an end it is the rotation of the chord, and
 /// the rotations of the nodes are relative to that of the first.
-void TakeRelativeBeam(const Elem& beam, int hingeCode, int components, const Matriu& T,
+void CalcRelativeBeam(const Elem& beam, HingeCode hingeCode, int components, const Matriu& T,
                       const SplitView& u, double* local);
 
 /// Of a shell, six components a node in its local axes T, its nodes at x, y: the motion is the
 /// first node's translation, the tilt of the plane through the corners and the turn of the first
 /// edge about the normal. The last leaves the rotation about the normal of a node alone unless
 /// it is folded: a node in a plane is held against it by the ground.
-void TakeRelativeShell(const Elem& shell, const Matriu& T, const double* x, const double* y,
+void CalcRelativeShell(const Elem& shell, const Matriu& T, const double* x, const double* y,
                        const std::array<bool, 6>& folded, const SplitView& u, double* local);
 
 /// Of a solid, three components a node, in global axes: the motion is the first node's
 /// translation and half the curl of the displacements of the corners.
-void TakeRelativeSolid(const Elem& solid, const SplitView& u, double* relative);
+void CalcRelativeSolid(const Elem& solid, const SplitView& u, double* relative);
 
 }  // namespace morlen

@@ -8,6 +8,7 @@
 #include "base/errorwriter.h"
 #include "model/elem.h"
 #include "model/material.h"
+#include "model/shape_functions.h"
 #include "numeric/reavecv.h"
 
 namespace morlen {
@@ -57,7 +58,7 @@ void ShellEvaluator::Evaluate(const Elem& elem, const Material& material)
     material.GiveDMatrix(elem.Num(), Dm, Db, Ds);
   materialOfD = &material;
   CalcLocalCoordinates(elem, T, x, y);
-  points = nnode == 3 ? 1 : 3;
+  points = GaussPointCount(Triangle, nnode);
   if (nnode == 3)
     EvaluateThreeNodes(elem);
   else
@@ -164,10 +165,10 @@ void ShellEvaluator::AddStrengths(const double* local, ReaVecV& res, int offset)
   }
 }
 
-void ShellEvaluator::TakeRelative(const Elem& elem, const std::array<bool, 6>& folded,
+void ShellEvaluator::CalcRelative(const Elem& elem, const std::array<bool, 6>& folded,
                                   const SplitView& u, double* local) const
 {
-  TakeRelativeShell(elem, T, x, y, folded, u, local);
+  CalcRelativeShell(elem, T, x, y, folded, u, local);
 }
 
 void ShellEvaluator::CalcForces(const double* local, const std::array<bool, 6>& folded,

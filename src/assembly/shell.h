@@ -62,7 +62,7 @@ public:
 
   /// The displacements of the nodes in local axes, six each, without the rigid motion (see
   /// relative_motion.h); u: by equation, global axes.
-  void TakeRelative(const Elem& elem, const std::array<bool, 6>& folded, const SplitView& u,
+  void CalcRelative(const Elem& elem, const std::array<bool, 6>& folded, const SplitView& u,
                     double* local) const;
 
   /// The forces of the nodes for these relative displacements, both in local axes, six each:

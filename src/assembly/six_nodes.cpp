@@ -11,7 +11,7 @@
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen {
 
@@ -29,33 +29,50 @@ Node*& EdgeNodes::Between(const Node& a, const Node& b)
   return edges.back().middle;
 }
 
-void Project::ConvertTriangleTo6nod(Mesh* mesh, EdgeNodes& edges)
+namespace {
+
+Node& AddMidSideNode(const Node& a, const Node& b, Problem& problem)
 {
-  if (mesh->GiveElemType() != Triangle || mesh->GiveNnode() != 3)
+  auto node = std::make_unique<Node>(3);
+  for (int k = 1; k <= 3; ++k)
+    (*node)(k) = (a(k) + b(k)) / 2.0;
+  node->constraint = MergeTwoConstraints(problem.components.count, a.constraint.get(),
+                                         b.constraint.get(), problem.coplanarityAngle);
+  node->number = ++problem.numNodes;
+  return Store(problem.GiveNodes(), problem.numNodes, std::move(node));
+}
+
+}  // namespace
+
+void ConvertTriangleTo6nod(Problem& problem, Mesh& mesh, EdgeNodes& edges)
+{
+  if (mesh.GiveElemType() != Triangle || mesh.GiveNnode() != 3)
     Fatal("error: trying to convert to 6 nodes a mesh that is not 3-noded triangles\n");
-  CountElementsAround(*mesh, numNodes, *meshes.front());
-  mesh->ConvertToNewNnode(6);
-  for (Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+  CountElementsAround(mesh, problem.numNodes, *problem.meshes.front());
+  mesh.ConvertToNewNnode(6);
+  for (Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
     for (int i = 0; i < 3; ++i) {
       const Node& a = *elem(i);
       const Node& b = *elem((i + 1) % 3);
       Node*& middle = edges.Between(a, b);
       if (!middle)
-        middle = &AddMidSideNode(a, b);
+        middle = &AddMidSideNode(a, b, problem);
       elem(i + 3) = middle;
     }
   }
 }
 
-Node& Project::AddMidSideNode(const Node& a, const Node& b)
+bool ConvertTriangles(Problem& problem)
 {
-  auto node = std::make_unique<Node>(3);
-  for (int k = 1; k <= 3; ++k)
-    (*node)(k) = (a(k) + b(k)) / 2.0;
-  node->constraint =
-      MergeTwoConstraints(freeDegrees, a.constraint.get(), b.constraint.get(), coplanarityAngle);
-  node->number = ++numNodes;
-  return Store(GiveNodes(), numNodes, std::move(node));
+  EdgeNodes edges;
+  bool converted = false;
+  for (const auto& mesh : problem.meshes) {
+    if (mesh->GiveElemType() != Triangle || mesh->GiveNnode() != 3)
+      continue;
+    ConvertTriangleTo6nod(problem, *mesh, edges);
+    converted = true;
+  }
+  return converted;
 }
 
 }  // namespace morlen

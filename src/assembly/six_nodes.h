@@ -4,7 +4,9 @@
 
 namespace morlen {
 
+class Mesh;
 class Node;
+struct Problem;
 
 /// The nodes made in the middle of edges, one for each edge of the model.
 class EdgeNodes
@@ -26,5 +28,12 @@ private:
   std::vector<int> first;  ///< of each lower node, by its number; -1: none
   std::vector<Edge> edges;
 };
+
+/// Gives the triangles of a mesh nodes in the middle of their edges, with supports that both ends
+/// of the edge share. Fatal for other meshes, and for more than 25 triangles at a node.
+void ConvertTriangleTo6nod(Problem& problem, Mesh& mesh, EdgeNodes& edges);
+
+/// Converts all meshes of three-node triangles. Returns whether there are any.
+bool ConvertTriangles(Problem& problem);
 
 }  // namespace morlen

@@ -7,6 +7,7 @@
 #include "base/errorwriter.h"
 #include "model/elem.h"
 #include "model/material.h"
+#include "model/shape_functions.h"
 #include "numeric/reavecv.h"
 
 namespace morlen {
@@ -92,7 +93,7 @@ void SolidEvaluator::Evaluate(const Elem& elem, const Material& material)
   materialOfD = &material;
   double d[10][3];
   CalcPlacesFromFirst(elem, nnode, d);
-  points = nnode == 4 ? 1 : 4;
+  points = GaussPointCount(Tetrahedra, nnode);
   if (nnode == 4)
     point[0].weight = ConstructBtetra(elem, d, point[0].B) / 6.0;
   for (int g = 0; g < points && nnode == 10; ++g)

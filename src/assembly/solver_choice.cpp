@@ -13,6 +13,7 @@
 #include <sstream>
 #include <vector>
 
+#include "assembly/element_family.h"
 #include "base/stprintf.h"
 #include "model/constraint.h"
 #include "model/elem.h"
@@ -20,7 +21,7 @@
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 #include "solvers/sparse_solver.h"
 
 namespace morlen {
@@ -42,17 +43,7 @@ constexpr double kIterationsOfFactors = 12.0;
 /// iterations may be underestimated.
 constexpr double kLeastGain = 1.25;
 
-// Iterations for each element between the supports and the farthest node.
-constexpr double kPlaneFrame = 2.8;
-constexpr double kSpaceFrame = 7.0;
-constexpr double kFourNodeSolid = 6.5;
-constexpr double kTenNodeSolid = 13.0;
-// Plates at least as thick as their elements are wide; thinner ones see PlateFactor.
-constexpr double kThreeNodePlate = 10.0;
-constexpr double kSixNodePlate = 25.0;
-constexpr double kCurvedShell = 250.0;
-
-/// A list of numbers for each of many things, all from 0.
+/// A list of numbers for each of several things. Things and numbers count from 0.
 struct NumberLists
 {
   /// Calls visit(number) for those of one thing.
@@ -69,10 +60,10 @@ struct NumberLists
 };
 
 /// The nodes of each element, system numbers less 1.
-NumberLists NodesOfElements(const Project& project)
+NumberLists NodesOfElements(const Problem& problem)
 {
   NumberLists nodes;
-  for (const auto& mesh : project.meshes) {
+  for (const auto& mesh : problem.meshes) {
     const int nnode = mesh->GiveNnode();
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       for (int i = 0; i < nnode; ++i)
@@ -102,8 +93,8 @@ NumberLists Turned(const NumberLists& lists, int count)
 /// Nodes and elements, by system number less 1 and in order of the meshes.
 struct Connections
 {
-  explicit Connections(const Project& project)
-      : nodes(NodesOfElements(project)), elements(Turned(nodes, project.numNodes))
+  explicit Connections(const Problem& problem)
+      : nodes(NodesOfElements(problem)), elements(Turned(nodes, problem.numNodes))
   {
   }
 
@@ -111,11 +102,11 @@ struct Connections
   NumberLists elements;  ///< at each node
 };
 
-void AddMatrices(const Project& project, const Connections& connections, SolverWork& work)
+void AddMatrices(const Problem& problem, const Connections& connections, SolverWork& work)
 {
-  const int n = project.freeDegrees;
-  std::vector<int> seenFrom(static_cast<std::size_t>(project.numNodes), -1);
-  for (int node = 0; node < project.numNodes; ++node) {
+  const int n = problem.components.count;
+  std::vector<int> seenFrom(static_cast<std::size_t>(problem.numNodes), -1);
+  for (int node = 0; node < problem.numNodes; ++node) {
     int first = node;
     int blocks = 1;
     seenFrom[node] = node;
@@ -137,22 +128,22 @@ void AddMatrices(const Project& project, const Connections& connections, SolverW
 }
 
 /// The number of elements from the supports to the farthest node that they reach.
-int Distance(const Project& project, const Connections& connections)
+int Distance(const Problem& problem, const Connections& connections)
 {
   std::vector<int> front;
-  std::vector<char> reached(static_cast<std::size_t>(project.numNodes), 0);
+  std::vector<char> reached(static_cast<std::size_t>(problem.numNodes), 0);
   std::vector<char> passed(static_cast<std::size_t>(connections.nodes.Count()), 0);
   const auto reach = [&](int node, std::vector<int>& to) {
     if (!reached[node])
       to.push_back(node);
     reached[node] = 1;
   };
-  for (const Node& node : Each<Node>(project.GiveNodes())) {
+  for (const Node& node : Each<Node>(problem.GiveNodes())) {
     if (node.constraint)
       reach(node.number - 1, front);
   }
   if (front.empty())
-    return project.numNodes;  // nothing holds the structure
+    return problem.numNodes;  // nothing holds the structure
   int steps = 0;
   for (std::vector<int> next; !front.empty(); front.swap(next), ++steps) {
     next.clear();
@@ -164,38 +155,6 @@ int Distance(const Project& project, const Connections& connections)
       });
   }
   return steps;
-}
-
-/// Thin plates are as much slower as their elements are wider than thick, squared.
-double PlateFactor(const Project& project)
-{
-  constexpr double kMost = 1e6;  // without a thickness it would be infinite
-  double slender = 1.0;
-  for (const auto& mesh : project.meshes) {
-    if (mesh->GiveElemType() != Triangle)
-      continue;
-    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-      const double t = project.RequireMaterial(elem).t;
-      slender = std::max(slender, dist2(elem(0), elem(1)) / (t * t));
-    }
-  }
-  return std::min(slender, kMost);
-}
-
-double FactorOf(const Project& project, const Mesh& mesh)
-{
-  switch (mesh.GiveElemType()) {
-    case Linear:
-      return project.freeDegrees == 3 ? kPlaneFrame : kSpaceFrame;
-    case Triangle: {
-      const auto flat = std::count(project.coplanarity.begin(), project.coplanarity.end(), 1);
-      if (flat < project.numNodes)
-        return kCurvedShell;
-      return PlateFactor(project) * (mesh.GiveNnode() == 3 ? kThreeNodePlate : kSixNodePlate);
-    }
-    default:
-      return mesh.GiveNnode() == 4 ? kFourNodeSolid : kTenNodeSolid;
-  }
 }
 
 }  // namespace
@@ -232,16 +191,16 @@ int SolverWork::IterationsWorthTrying() const
   return static_cast<int>(std::min(kMost, std::max(1.0, DirectSeconds() / IterationSeconds())));
 }
 
-SolverWork EstimateWork(const Project& project)
+SolverWork EstimateWork(const Problem& problem, const ElementFamilies& families)
 {
   SolverWork work;
-  const Connections connections(project);
-  work.equations = static_cast<double>(project.numNodes) * project.freeDegrees;
-  AddMatrices(project, connections, work);
+  const Connections connections(problem);
+  work.equations = static_cast<double>(problem.numNodes) * problem.components.count;
+  AddMatrices(problem, connections, work);
   double factor = 0.0;
-  for (const auto& mesh : project.meshes)
-    factor = std::max(factor, FactorOf(project, *mesh));
-  work.iterations = factor * Distance(project, connections);
+  for (const auto& mesh : problem.meshes)
+    factor = std::max(factor, families.Of(*mesh).iterationFactor(problem, *mesh));
+  work.iterations = factor * Distance(problem, connections);
   return work;
 }
 

@@ -7,7 +7,8 @@
 
 namespace morlen {
 
-class Project;
+class ElementFamilies;
+struct Problem;
 
 /// From this number of equations on, the automatic choice depends on the work.
 constexpr long long kChoiceFrom = 15000;
@@ -33,9 +34,9 @@ struct SolverWork
   int IterationsWorthTrying() const;
 };
 
-/// The work with the numbers that the nodes have now, from the elements alone. The project's
-/// coplanarity marks must be set.
-SolverWork EstimateWork(const Project& project);
+/// The work with the present numbers of the nodes, from the elements alone. The coplanarity marks
+/// of the problem must be set.
+SolverWork EstimateWork(const Problem& problem, const ElementFamilies& families);
 
 /// A solver, and why, in words.
 struct SolverChoice

@@ -2,8 +2,8 @@
 
 namespace morlen {
 
-/// The length of an array of `count` groups of `each` values. Fatal ("Not space available on
-/// heap") when one of the two is negative, or when an int cannot hold the length.
+/// Returns the length of an array of `count` groups of `each` values. Fatal ("Not space available
+/// on heap") when one of the two is negative, or when an int cannot hold the length.
 int ArrayLength(long long count, int each);
 
 }  // namespace morlen

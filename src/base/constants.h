@@ -3,14 +3,14 @@
 namespace morlen {
 
 /// Limit of pure numbers: cosines, radians, Poisson's ratios, places along an element. A value
-/// with a unit is compared with 0, or with this part of another of its unit, so that no system
-/// of units decides.
+/// with a unit is compared with 0, or with EPSILON times another value of that unit, so that
+/// the result does not depend on the system of units.
 constexpr double EPSILON = 1e-15;
-/// Tests on local axes.
+/// Limit of the tests on local axes.
 constexpr double EPSILONB = 1e-05;
 
-/// Whether a sum is more than rounding leaves of terms of this size (same unit, not negative).
-/// False for a sum that is not a number.
+/// True when a sum is more than the rounding error of terms of this size (same unit, not
+/// negative). False for a sum that is not a number.
 constexpr bool ExceedsRounding(double sum, double size)
 {
   return sum > EPSILON * size;

@@ -2,55 +2,44 @@
 
 #include <cstdio>
 #include <ostream>
-#include <streambuf>
 #include <string_view>
 
 namespace morlen {
 
-/// The one way a fatal error ends the run: its text is inserted into Stream(),
-/// then WriteErrorAndQuit prints it and ends the process with exit status 2.
+/// The one way in which a fatal error ends the run: the message is inserted into Stream(), then
+/// WriteErrorAndQuit prints it and ends the process with exit status 2.
 ///
-/// The text is held in a fixed buffer; what does not fit is cut. Nothing on this
-/// path allocates, so that it works when memory has run out.
+/// Each thread has its own message and its own replacement of the end; the error file is common.
+/// A message has at most 2048 characters; the rest is cut. Nothing on this path allocates, so
+/// that it works when memory has run out.
 class ErrorWriter
 {
 public:
   static constexpr int kExitStatus = 2;
 
-  /// What ends the run in place of the process, given the message. It must not
-  /// return: it throws, or jumps. Tests and embedding programs set one.
+  /// Ends the run, given the message, instead of ending the process. It must not return: it
+  /// throws, or jumps. Tests and embedding programs set one.
   using EndOfRun = void (*)(std::string_view message);
 
   /// Also makes a failed allocation end the run ("Not space available on heap").
   ErrorWriter();
 
-  std::ostream& Stream() { return stream; }
-  std::string_view Message() const { return buffer.Text(); }
+  /// The message of the calling thread.
+  std::ostream& Stream();
+  std::string_view Message() const;
 
-  /// Where messages go; null means standard error. The file is not owned.
+  /// Where messages are printed; null means standard error. The file is not owned. Set it before
+  /// other threads run.
   void SetErrorFile(std::FILE* file) { errorFile = file; }
 
-  /// Replaces the end of the process; null restores it. Returns the one set before.
+  /// Replaces the end of the process for the calling thread; null restores it. Returns the
+  /// replacement set before.
   EndOfRun SetEndOfRun(EndOfRun end);
 
   [[noreturn]] void WriteErrorAndQuit();
 
 private:
-  class FixedBuffer : public std::streambuf
-  {
-  public:
-    FixedBuffer() { Clear(); }
-    void Clear() { setp(text, text + sizeof text); }
-    std::string_view Text() const;
-
-  private:
-    char text[2048];
-  };
-
   std::FILE* errorFile = nullptr;
-  EndOfRun endOfRun = nullptr;
-  FixedBuffer buffer;
-  std::ostream stream;
 };
 
 extern ErrorWriter errorwriter;

@@ -4,8 +4,8 @@
 
 namespace morlen {
 
-// A page that the array does not fill is left to what comes behind it. The answer does not
-// matter: without large pages the array is just slower.
+// Only whole pages: the last part of the array shares its page with other memory. The result of
+// the call is not checked: without large pages the array is only slower.
 void AskForLargePages(void* array, std::size_t bytes)
 {
   madvise(array, bytes / kLargePage * kLargePage, MADV_HUGEPAGE);

@@ -1,3 +1,9 @@
+// The memory that a process can allocate has several limits: those of the process (getrlimit),
+// those of its control groups (containers; two versions, each with files of its own names) and the
+// memory of the machine. Each function here gives one limit, or kNoLimit where it is not set or not
+// known. The bytes in use come from /proc and the groups' files. Pages of cached files count as
+// free, because the system drops them when memory is short.
+
 #include "base/memory_limit.h"
 
 #include <sys/resource.h>
@@ -17,11 +23,11 @@ namespace {
 
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
-/// Which bytes are asked for.
+/// The bytes that a function returns.
 enum class Bytes
 {
-  All,  ///< of a limit
-  Left  ///< without those in use
+  All,  ///< the whole limit
+  Left  ///< the limit less the bytes in use
 };
 
 std::uint64_t BytesOf(Bytes which, std::uint64_t limit, std::uint64_t used)
@@ -29,7 +35,7 @@ std::uint64_t BytesOf(Bytes which, std::uint64_t limit, std::uint64_t used)
   return limit == kNoLimit || which == Bytes::All ? limit : limit - std::min(limit, used);
 }
 
-// The number that a file holds; `otherwise` when there is none ("max", no such file).
+// The number in a file; `otherwise` when there is none ("max", no such file).
 std::uint64_t NumberIn(const std::string& file, std::uint64_t otherwise)
 {
   std::ifstream in(file);
@@ -37,8 +43,8 @@ std::uint64_t NumberIn(const std::string& file, std::uint64_t otherwise)
   return in >> number ? number : otherwise;
 }
 
-// The number behind a key in a file of lines "key number"; `otherwise` without such a line.
-std::uint64_t NumberBehind(const std::string& key, const std::string& file, std::uint64_t otherwise)
+// The number after a key in a file of lines "key number"; `otherwise` without such a line.
+std::uint64_t NumberAfter(const std::string& key, const std::string& file, std::uint64_t otherwise)
 {
   std::ifstream in(file);
   std::string word;
@@ -53,7 +59,7 @@ std::uint64_t OfMachine(Bytes which, const MemorySources& sources)
 {
   constexpr std::uint64_t kUnit = 1024;
   const char* const key = which == Bytes::All ? "MemTotal:" : "MemAvailable:";
-  const std::uint64_t free = NumberBehind(key, sources.processes + "/meminfo", kNoLimit);
+  const std::uint64_t free = NumberAfter(key, sources.processes + "/meminfo", kNoLimit);
   return free > kNoLimit / kUnit ? kNoLimit : free * kUnit;
 }
 
@@ -74,12 +80,12 @@ std::uint64_t OfProcess(Bytes which, const MemorySources& sources)
                   BytesOf(which, LimitOf(RLIMIT_DATA), data * page));
 }
 
-// The names of a group's files by the version of the control groups.
+// The names of a group's files in one version of the control groups.
 struct GroupFiles
 {
   const char* limit;
   const char* usage;
-  const char* cache[2];  // keys in memory.stat: pages of files, which give way
+  const char* cache[2];  // keys of memory.stat: pages of cached files
 };
 
 constexpr GroupFiles kVersion1 = {
@@ -93,11 +99,11 @@ std::uint64_t OfGroup(Bytes which, const std::string& folder, const GroupFiles& 
     return kNoLimit;
   std::uint64_t used = NumberIn(folder + files.usage, 0);
   for (const char* key : files.cache)
-    used -= std::min(used, NumberBehind(key, folder + "memory.stat", 0));
+    used -= std::min(used, NumberAfter(key, folder + "memory.stat", 0));
   return BytesOf(which, limit, used);
 }
 
-// Of a group and all those that it is in, up to the root.
+// The least of a group and of all groups that contain it, up to the root.
 std::uint64_t OfGroups(Bytes which, const std::string& root, std::string path,
                        const GroupFiles& files)
 {
@@ -109,7 +115,7 @@ std::uint64_t OfGroups(Bytes which, const std::string& root, std::string path,
   return least;
 }
 
-// Whether the word is in a list of words between commas.
+// True when a list of words, separated by commas, contains the word.
 bool Lists(std::string_view list, std::string_view word)
 {
   while (!list.empty()) {
@@ -121,7 +127,7 @@ bool Lists(std::string_view list, std::string_view word)
   return false;
 }
 
-// Lines "number:controllers:path"; the second version names no controllers.
+// The file has lines "number:controllers:path"; the second version names no controllers.
 std::uint64_t OfContainer(Bytes which, const MemorySources& sources)
 {
   std::ifstream in(sources.processes + "/self/cgroup");
@@ -162,7 +168,7 @@ std::uint64_t MemoryLimit(const MemorySources& sources)
 
 void RequireMemory(std::uint64_t bytes)
 {
-  constexpr std::uint64_t kSmall = 16 << 20;  // not worth the question
+  constexpr std::uint64_t kSmall = 16 << 20;  // not worth the look-up
   if (bytes > PTRDIFF_MAX || (bytes >= kSmall && bytes > AvailableMemory()))
     Fatal("Not space available on heap");
 }

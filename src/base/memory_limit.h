@@ -5,26 +5,25 @@
 
 namespace morlen {
 
-/// Where the system tells about memory; tests put files of their own there.
+/// Folders in which the system describes its memory; tests pass folders with other files.
 struct MemorySources
 {
   std::string processes = "/proc";
   std::string groups = "/sys/fs/cgroup";
 };
 
-/// The bytes that the process can still take: the least of what its limits (address space,
-/// data), the limits of its control groups (both versions of them) and the machine leave.
-/// What cannot be found out sets no limit.
+/// The bytes that the process can still allocate: the smallest rest of its limits (address space,
+/// data), of the limits of its control groups (both versions) and of the machine's memory.
+/// A limit that cannot be read counts as none.
 std::uint64_t AvailableMemory(const MemorySources& sources = {});
 
-/// The bytes that a process may take here when nothing else runs: the same limits, whatever is in
-/// use at the moment.
+/// The bytes that the process could allocate if nothing were in use: the smallest of the same
+/// limits.
 std::uint64_t MemoryLimit(const MemorySources& sources = {});
 
-/// Fatal ("Not space available on heap") when the process cannot take this much more memory,
-/// or when no array can be so large.
-/// Called before a large array is allocated: the system may grant it, and end the process
-/// when it is filled.
+/// Fatal ("Not space available on heap") when the process cannot allocate this many more bytes, or
+/// when no array can be so large. Call it before a large array is allocated: the system may grant
+/// memory that it does not have, and end the process when the array is filled.
 void RequireMemory(std::uint64_t bytes);
 
 }  // namespace morlen

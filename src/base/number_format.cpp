@@ -1,8 +1,8 @@
-// A number is scaled by a power of ten so that its digits are the whole part of the product,
-// in integers of 64 bits; a table gives the powers. The part cut off decides on the rounding,
-// and where it lies too near to one half for the precision of the product, and for numbers
-// that are denormal or not finite, the library converts exactly. After F. Loitsch, Printing
-// floating-point numbers quickly and accurately with integers, PLDI 2010.
+// Numbers to text. A number is multiplied by a power of ten from a table, in integers of 64 bits,
+// so that the whole part of the product holds the digits to print. The fraction decides the
+// rounding. When it is too near to one half for the precision of the product, and for numbers that
+// are denormal or not finite, the library's std::to_chars converts exactly. After F. Loitsch,
+// "Printing floating-point numbers quickly and accurately with integers", PLDI 2010.
 
 #include "base/number_format.h"
 
@@ -35,7 +35,7 @@ std::uint64_t EightDigits(std::uint32_t number)
 
 constexpr std::uint64_t kZeros = 0x3030303030303030;  // "00000000"
 
-// The lowest byte first.
+// Stores the lowest byte first.
 void StoreEight(char* to, std::uint64_t bytes)
 {
   if constexpr (std::endian::native == std::endian::little) {
@@ -54,8 +54,8 @@ std::uint64_t UpperProduct(std::uint64_t a, std::uint64_t b)
   return aHigh * bHigh + (aHigh * (b & 0xffffffff) >> 32) + ((a & 0xffffffff) * bHigh >> 32);
 }
 
-// A positive number rounded to n significant digits: 0.d1d2...d8 · 10^(exponent + 1), the
-// digits behind the n-th zero.
+// A positive number rounded to n significant digits: 0.d1d2...d8 · 10^(exponent + 1); the digits
+// after the n-th are zero.
 struct Decimal
 {
   std::uint64_t digits;  // as of EightDigits
@@ -64,12 +64,12 @@ struct Decimal
   int Significant() const { return (71 - std::countl_zero(digits | 1)) >> 3; }
 };
 
-// False when the number takes the exact way. The bits are those of the number without its sign.
+// Rounds the number with these bits, which hold no sign. False when the exact conversion is needed.
 template <int n>
 bool Round(std::uint64_t bits, Decimal& decimal)
 {
   constexpr std::uint32_t kUnit[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
-  constexpr std::uint64_t kSlack = 5;  // what the product is too small by: 3, and the power 2
+  constexpr std::uint64_t kSlack = 5;  // error of the product: 3 by its computation, 2 by the power
   const int biased = static_cast<int>(bits >> kFractionBits);
   if (biased == 0 || biased == kExponentMask)
     return false;
@@ -81,7 +81,7 @@ bool Round(std::uint64_t bits, Decimal& decimal)
 
   const PowerOfTen scale = GivePowerOfTen(n - 1 - exponent);
   const std::uint64_t product = UpperProduct(mantissa, scale.mantissa);
-  const int point = -(binary + 1 + scale.exponent);  // bits of the product behind the point
+  const int point = -(binary + 1 + scale.exponent);  // bits of the product after the point
   const std::uint64_t half = std::uint64_t{1} << (point - 1);
   const std::uint64_t rest = product & (2 * half - 1);
   if (half - rest <= kSlack)
@@ -95,7 +95,7 @@ bool Round(std::uint64_t bits, Decimal& decimal)
   return true;
 }
 
-// The digits with a point behind the given number of them, without zeros at the end.
+// Writes the digits with a point after the given number of them, without zeros at the end.
 char* WriteWithPoint(char* to, const Decimal& decimal, int before)
 {
   const std::uint64_t text = decimal.digits | kZeros;

@@ -4,9 +4,9 @@
 
 namespace morlen {
 
-// Numbers as text, as printf writes them in the "C" locale. Each function writes where
-// kLongestNumber characters have room and returns the end of the number; what stands behind it
-// within that room may be changed, and no null follows.
+// Numbers as text, as printf writes them in the "C" locale. Each function writes into room for
+// kLongestNumber characters and returns the end of the number. No null follows, and the rest of the
+// room may be overwritten.
 
 inline constexpr std::size_t kLongestNumber = 32;
 

@@ -1,100 +1,73 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <string_view>
 
 #include "base/digits.h"
 
 namespace morlen {
 
-// Numbers in the text of records, read as libc reads them, except that what is not
-// finite ("inf", "nan", 1e400) or does not fit into an int is no number. Whatever the
-// locale, the point is '.'.
+// Numbers in the text of records. There is one grammar for integers and one for floating-point
+// numbers, both without white space in front; the point is '.' in every locale. "inf" and "nan"
+// are no numbers.
 
-/// A number and the place behind it in the text; null when there is none.
+/// The number that a text begins with.
 template <class T>
 struct Scanned
 {
-  const char* stop;
-  T value;
+  const char* stop;  ///< the place after the number; null when the text begins with none
+  T value;           ///< 0 when it is out of range
+  bool fits = true;  ///< false when the number is too large for its type
 };
 
-/// Reads an integer as scanf's "%d" (base 10) or "%i" (base 0: "0x" begins a hexadecimal,
-/// "0" an octal number) does. The number has at most maxDigits characters, sign and prefix
-/// included; 0 sets no limit.
-///
-/// On success the text begins behind the number; else it and v stay.
-bool ScanInt(std::string_view& text, int& v, int base, int maxDigits);
+/// Integer: a sign or none, then digits of the base. Base 0 takes "0x" for the beginning of a
+/// hexadecimal and "0" for that of an octal number.
+Scanned<int> ParseInt(const char* text, const char* end, int base);
 
-/// What ScanPlainDouble gives for a number without a sign that begins with these digits; there
-/// may be none.
-Scanned<double> ScanPlainFraction(const char* text, DigitRun whole, const char* end);
-
-/// Reads the numbers that most are, fast: "12", "-0.5", "1.25e-3". Exact, that is: what
-/// ScanDouble gives, as far as a number has at most 19 digits that fit into 53 bits and a power
-/// of ten up to 22 in size. The text up to `end` may begin with a number all the same when there
-/// is none here.
-inline Scanned<double> ScanPlainDouble(const char* text, const char* end)
+/// Which floating-point numbers a text may hold.
+enum class Radix
 {
-  constexpr std::ptrdiff_t kExactDigits = 15;
+  Decimal,      ///< of "0x1p3" only the 0 is read
+  DecimalOrHex  ///< "0x" begins a hexadecimal number
+};
+
+/// Floating-point number: a sign or none, digits with or without a point, and an exponent or
+/// none. An exponent without digits is not part of the number. Too small a number is 0.
+Scanned<double> ParseDouble(const char* text, const char* end, Radix radix);
+
+/// Fast path of ParseInt for at most nine decimal digits after '-' or no sign; a null stop means
+/// "not handled here".
+inline Scanned<int> ScanPlainInt(const char* text, const char* end)
+{
+  constexpr int kMostDigits = 9;
   const bool negative = text != end && *text == '-';
   const char* const first = text + (negative ? 1 : 0);
-  const DigitRun whole = ScanDigits(first, end);
-  Scanned<double> number = {whole.stop,
-                            static_cast<double>(static_cast<std::int64_t>(whole.number))};
-  if (whole.stop == end || *whole.stop > ' ' || whole.stop == first ||
-      whole.stop - first > kExactDigits)
-    number = ScanPlainFraction(first, whole, end);
-  return {number.stop, negative ? -number.value : number.value};
-}
-
-/// Likewise for integers of at most nine decimal digits, with a sign too.
-Scanned<int> ScanPlainInt(const char* text, const char* end);
-
-/// Integers of less than eight digits, behind a blank perhaps, when some character follows; no
-/// other, and no sign.
-inline Scanned<int> ScanShortInt(const char* text, const char* end)
-{
-  constexpr std::ptrdiff_t kBlankAndGroup = 9;
-  if (!kScansGroups || end - text < kBlankAndGroup)
+  const DigitRun run = ScanDigits(first, end);
+  if (run.stop == first || run.stop - first > kMostDigits)
     return {nullptr, 0};
-  text += *text == ' ' ? 1 : 0;
-  const DigitGroup group = ScanGroup(text);
-  if (group.count == 0 || group.count == 8)
-    return {nullptr, 0};
-  return {text + group.count, static_cast<int>(group.number)};
+  const int value = static_cast<int>(run.number);
+  return {run.stop, negative ? -value : value};
 }
 
-/// A single digit behind a blank, and behind it another, a control character, one beyond ASCII
-/// or the end: what most numbers of loads are.
-inline Scanned<double> ScanDigitBetweenBlanks(const char* text, const char* end)
-{
-  const std::ptrdiff_t length = end - text;
-  if (length < 2 || text[0] != ' ' || !IsDigit(text[1]) || (length > 2 && text[2] > ' '))
-    return {nullptr, 0.0};
-  return {text + 2, static_cast<double>(text[1] - '0')};
-}
+/// Fast path of ParseDouble for plain decimals such as "12", "-0.5" and "1.25e-3": at most 19
+/// digits whose number fits into 53 bits, and a power of ten of at most 22. A null stop means
+/// "not handled here".
+Scanned<double> ScanPlainDouble(const char* text, const char* end);
 
-/// ScanDouble for all that ScanDigitBetweenBlanks does not read.
-bool ScanAnyDouble(std::string_view& text, double& v);
-
-/// Reads a number as scanf's "%lf" does: white space is skipped, then comes a decimal or
-/// hexadecimal number. An exponent begun must be complete ("1e" is no number, "1x" is 1).
+/// Reads an integer as scanf's "%d" (base 10) or "%i" (base 0) does, after white space. The
+/// number has at most maxDigits characters, sign and prefix included; 0 sets no limit. A number
+/// that does not fit into an int is none.
 ///
-/// On success the text begins behind the number; else it and v stay.
-inline bool ScanDouble(std::string_view& text, double& v)
-{
-  const char* const end = text.data() + text.size();
-  const Scanned<double> number = ScanDigitBetweenBlanks(text.data(), end);
-  if (!number.stop)
-    return ScanAnyDouble(text, v);
-  text = {number.stop, end};
-  v = number.value;
-  return true;
-}
+/// On success the text begins after the number; else it and v stay.
+bool ScanInt(std::string_view& text, int& v, int base, int maxDigits);
 
-/// The number the text begins with, as atof finds it ("1e" is 1); 0 when there is none.
+/// Reads a decimal or hexadecimal number as scanf's "%lf" does, after white space. A number that
+/// is not finite is none, and an exponent must be complete ("1e" is no number, "1x" is 1).
+///
+/// On success the text begins after the number; else it and v stay.
+bool ScanDouble(std::string_view& text, double& v);
+
+/// The number that the text begins with, as atof finds it ("1e" is 1); 0 when there is none or
+/// it is not finite.
 double ToDouble(std::string_view text);
 
 }  // namespace morlen

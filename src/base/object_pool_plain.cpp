@@ -8,12 +8,13 @@ ObjectPool::ObjectPool(std::size_t objectSize) : size(objectSize) {}
 
 ObjectPool::~ObjectPool() = default;
 
-void* ObjectPool::TakeOther()
+// All shares stay empty, so that every place is acquired here.
+void* ObjectPool::AcquireSlow(Share&)
 {
   return ::operator new(size);
 }
 
-void ObjectPool::Return(void* object)
+void ObjectPool::Release(Share&, void* object)
 {
   ::operator delete(object);
 }

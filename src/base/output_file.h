@@ -5,11 +5,11 @@
 
 namespace morlen {
 
-/// Opens a file for writing, created or cut to nothing. Fatal when that fails.
+/// Opens a file for writing; it is created or emptied. Fatal when that fails.
 void OpenOutput(std::ofstream& file, const std::string& name);
 
-/// Writes what is still held back and closes the file. Fatal when anything that was written
-/// to it has not arrived, on a full disk say.
+/// Flushes and closes the file. Fatal when anything written to it has been lost, for example
+/// because the disk is full.
 void CloseOutput(std::ofstream& file);
 
 }  // namespace morlen

@@ -5,12 +5,13 @@
 
 namespace morlen {
 
-// Powers of ten as binary floating-point numbers of 64 bits:
-// 10^p = mantissa · 2^exponent, 2^63 <= mantissa < 2^64, both a little too small at most.
+// Powers of ten as binary floating-point numbers of 64 bits: 10^p = mantissa · 2^exponent with
+// 2^63 <= mantissa < 2^64, truncated. The table is computed at compile time, by steps of times ten
+// and over ten in 128 bits.
 
-inline constexpr int kLargestPower = 320;  ///< table of the powers from minus this on
+inline constexpr int kLargestPower = 320;  ///< the table holds the powers from -320 to 320
 
-/// Exponents of the powers of ten, and decimal exponents of those of two.
+/// Binary exponent of 10^p, and decimal exponent of 2^b.
 constexpr int FloorLog2OfPower(int p)
 {
   return (p * 217706) >> 16;  // log2(10)·2^16, exact enough for |p| < 400

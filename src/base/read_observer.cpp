@@ -1,11 +1,23 @@
 #include "base/read_observer.h"
 
+#include <utility>
+
 #include "base/number_text.h"
 #include "base/textscan.h"
 
 namespace morlen {
 
-ReadObserver* readObserver = nullptr;
+constinit thread_local ReadObserver* readObserver = nullptr;
+
+ObserverScope::ObserverScope(ReadObserver& observer)
+    : previous(std::exchange(readObserver, &observer))
+{
+}
+
+ObserverScope::~ObserverScope()
+{
+  readObserver = previous;
+}
 
 void NoteRecordEnd(const char* from, const TextScan& text)
 {

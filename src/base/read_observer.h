@@ -7,21 +7,29 @@ namespace morlen {
 
 class TextScan;
 
-/// What a reader passes over without a message, and a few facts that it alone knows. The first
-/// text of a notice is the place, the second what is said of it here.
+/// A fact about the problem file that only its reader knows: text that it passes over without a
+/// message, a value that it takes for another, or the reason of the error that follows. A notice
+/// has a place, the text that it is about, and with some events a detail.
 enum class ReadEvent : int
 {
-  SkippedText,   ///< text in front of the word or digit looked for, which is the detail
-  SearchFailed,  ///< the text behind which a word is not found; the error follows
-  WordPart,      ///< a word taken for the one that it contains, the detail
-  Prefix,        ///< a word taken for its beginning, the detail
-  LineTail,      ///< text behind the last value of a record
-  LineBreak,     ///< a record that goes on in the next line
-  IgnoredKey,    ///< a key without meaning in its record
-  NumberPart,    ///< a value that is no number as a whole
-  NotDecimal,    ///< an integer that is read as octal or hexadecimal
-  Keyword,       ///< a keyword of the file's top level
-  UnitsUsed      ///< the name of a unit system that is looked up
+  SkippedText,        ///< text before the word searched for; the detail is that word
+  SkippedToBlockEnd,  ///< text between the last record of a block and its "end"
+  SkippedAfterBlock,  ///< text between the "end" of a block and the word searched for, the detail
+  SkippedToNumber,    ///< text before the digit searched for
+  WordPart,           ///< a word accepted because it contains the detail
+  Prefix,             ///< a word read as if it were only its beginning, the detail
+  LineTail,           ///< text after the last value of a record
+  LineBreak,          ///< a record that continues on the next line
+  IgnoredKey,         ///< a key without meaning in its record
+  NumberPart,         ///< a value that is not a number as a whole
+  NotDecimal,         ///< an integer read as octal or hexadecimal
+  Keyword,            ///< a keyword of the top level, known or not
+  UnitsUsed,          ///< the name of a unit system that is looked up
+
+  // Reasons of the error that follows:
+  SearchFailed,       ///< the text does not have the word searched for, the detail
+  UnknownKeyword,     ///< the keyword noticed last is unknown
+  AsymmetricMaterial  ///< Ex*nuXY and Ey*nuYX of a material differ; no place
 };
 
 enum class ReadItem : int
@@ -32,29 +40,60 @@ enum class ReadItem : int
   Support
 };
 
-/// Follows the reading of a problem file and lets it go on behind errors.
+/// The subject of a keyword of the top level.
+enum class ReadTopic : int
+{
+  Other,
+  Mesh,
+  Supports,
+  UnitSystems,
+  Gravity,
+  Solver
+};
+
+/// Follows the reading of a problem file and lets it continue after errors.
 ///
-/// The program has none. A companion that judges problem files sets one, together with an end
-/// of the run (see ErrorWriter::SetEndOfRun) that throws.
+/// The program has none. A companion that judges problem files makes one that of its thread (see
+/// ObserverScope), together with an end of the run (see ErrorWriter::SetEndOfRun) that throws.
 class ReadObserver
 {
 public:
   virtual ~ReadObserver() = default;
 
-  /// Runs one step of the reading, or of what follows it, where text is null. False when an
-  /// error has ended the step; the text then stands behind the line of its record.
+  /// Runs one step of the reading, or with a null text of the checks after it. False when an
+  /// error has ended the step; the line of its record has then been read.
   virtual bool Attempt(TextScan* text, const std::function<void()>& step) = 0;
   /// Runs a step that judges the item with this number.
   virtual bool AttemptOn(ReadItem item, int number, const std::function<void()>& step) = 0;
   virtual void Notice(ReadEvent event, std::string_view place, std::string_view detail) = 0;
+  /// The keyword noticed last is known and has this topic.
+  virtual void Entered(ReadTopic topic) = 0;
   /// The record of the running step has given the item with this number.
   virtual void Stored(ReadItem item, int number) = 0;
 };
 
-/// Borrowed; null in the program.
-extern ReadObserver* readObserver;
+/// The observer of the calling thread, set by an ObserverScope only; null in the program.
+///
+/// The readers find it here and not among their parameters, because some that have something to
+/// note (number texts, unit systems, stress-strain matrices) are far below those that know the
+/// file. Two threads read two files, each with its own observer or with none.
+extern constinit thread_local ReadObserver* readObserver;
 
-/// Runs a step that an observer may outlive the errors of; without one, just runs it.
+/// Makes an observer that of the calling thread, until the scope ends; scopes nest.
+class ObserverScope
+{
+public:
+  explicit ObserverScope(ReadObserver& observer);
+  ObserverScope(const ObserverScope&) = delete;
+  ObserverScope& operator=(const ObserverScope&) = delete;
+  ~ObserverScope();
+
+private:
+  ReadObserver* previous;
+};
+
+/// Runs a step; true when it has ended without an error. Only with an observer does the caller
+/// continue after an error.
 template <class Step>
 bool Attempt(TextScan* text, const Step& step)
 {
@@ -79,14 +118,20 @@ inline void Note(ReadEvent event, std::string_view place, std::string_view detai
     readObserver->Notice(event, place, detail);
 }
 
+inline void NoteTopic(ReadTopic topic)
+{
+  if (readObserver)
+    readObserver->Entered(topic);
+}
+
 inline void NoteStored(ReadItem item, int number)
 {
   if (readObserver)
     readObserver->Stored(item, number);
 }
 
-/// Notes the end of a record's values: whether they have gone over a line's end since `from`,
-/// and what stands behind them.
+/// Notes the end of a record's values, which began at `from`: whether they cross a line end, and
+/// the text after them.
 void NoteRecordEnd(const char* from, const TextScan& text);
 
 /// Notes a value that is not one number from end to end.

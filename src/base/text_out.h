@@ -12,7 +12,7 @@ namespace morlen {
 /// Formats result files fast: text, integers, and numbers exactly as printf's "%g"
 /// gives them, gathered into blocks for a stream that the caller owns.
 ///
-/// What was written reaches the stream by Flush, Ok or the destructor.
+/// The text reaches the stream by Flush, Ok or the destructor.
 class TextOut
 {
 public:
@@ -52,7 +52,7 @@ public:
 
   void Flush();
 
-  /// Flushes; whether the stream has taken everything so far.
+  /// Flushes; true when the stream has accepted everything so far.
   bool Ok();
 
 private:
@@ -68,7 +68,7 @@ private:
     return next;
   }
 
-  /// Writes text that does not fit into what is left of the block.
+  /// Writes text that does not fit into the rest of the block.
   TextOut& WriteAcross(std::string_view text);
 
   std::ostream& stream;

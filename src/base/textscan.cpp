@@ -3,9 +3,6 @@
 #include <strings.h>
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <functional>
 
@@ -24,85 +21,72 @@ std::string_view FirstDigits(const char* first, const char* last)
   return {first, static_cast<std::size_t>(std::min(last - first, kMost))};
 }
 
-// The slow way for what from_chars calls out of range: strtod tells the tiny
-// numbers, which count as 0 or denormal, from the infinite ones.
-bool TinyNumber(const char* first, const char* last, double& value)
+constexpr bool IsBlank(char c)
 {
-  value = std::strtod(std::string(first, last).c_str(), nullptr);
-  return std::isfinite(value);
+  return c == ' ' || c == '\t';
+}
+
+// FindThisWord with the event for skipped text.
+void FindWord(TextScan& text, const char* word, ReadEvent skipped)
+{
+  const char* const from = text.Here();
+  for (;;) {
+    const std::string_view found = text.ReadWord();
+    if (text.AtEnd()) {
+      Note(ReadEvent::SearchFailed, {from, text.Here()}, word);
+      Fatal("can't find word ***", word, "*** in input file\n");
+    }
+    std::string lower(found);
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    if (lower.find(word) == std::string::npos)
+      continue;
+    Note(skipped, {from, found.data()}, word);
+    Note(ReadEvent::WordPart, found, word);
+    return;
+  }
 }
 
 }  // namespace
 
-template <class T>
-bool TextScan::Read(T& value, Scanned<T> (*scanPlain)(const char*, const char*),
-                    bool (TextScan::*readOther)(T&))
+bool TextScan::ReadIntSlow(int& value)
 {
-  next = SkipWhite(next, end);
-  return Take(scanPlain(next, end), value) || (this->*readOther)(value);
-}
-
-bool TextScan::ReadAnyInt(int& value)
-{
-  return Read(value, ScanPlainInt, &TextScan::ReadOtherInt);
-}
-
-bool TextScan::ReadAnyDouble(double& value)
-{
-  return Read(value, ScanPlainDouble, &TextScan::ReadOtherDouble);
-}
-
-bool TextScan::ReadOtherInt(int& value)
-{
-  const char* digits = next;
-  if (digits != end && *digits == '+')
-    ++digits;
-  const bool plus = digits != next;
-  if (plus && (digits == end || !IsDigit(*digits)))
-    return false;
-  const auto [stop, fault] = std::from_chars(digits, end, value);
-  // Not read as the end of a block, which would lose all that follows.
-  if (fault == std::errc::result_out_of_range)
-    Fatal("error: the number ", FirstDigits(digits, stop), " is too large\n");
-  next = stop;
-  return fault == std::errc();
-}
-
-bool TextScan::ReadOtherDouble(double& value)
-{
-  const char* first = next;
-  if (first != end && *first == '+')
-    ++first;
-  const char* digits = first;
-  if (digits == next && digits != end && *digits == '-')
-    ++digits;
-  if (digits == end || !(IsDigit(*digits) || *digits == '.'))  // not "inf", "nan"
-    return false;
-  const auto [stop, fault] = std::from_chars(first, end, value);
-  if (fault == std::errc::invalid_argument)
-    return false;
-  next = stop;
-  if (next != end && (*next == 'e' || *next == 'E'))  // an exponent without digits
-    return false;
-  return fault == std::errc() || TinyNumber(first, stop, value);
-}
-
-bool TextScan::ReadOtherLastNumber(int& value)
-{
-  const char* p = next;
-  while (p != end && (*p == ' ' || *p == '\t'))
-    ++p;
-  if (p == end || *p < '1' || *p > '9')
-    return false;
-  const Scanned<int> number = ScanPlainInt(p, end);
+  const Scanned<int> number = ParseInt(next, end, 10);
   if (!number.stop)
     return false;
-  p = number.stop;
-  while (p != end && (*p == ' ' || *p == '\t' || *p == '\r'))
-    ++p;
-  if ((p != end && *p != '\n') || p - next > static_cast<std::ptrdiff_t>(kLimit))
+  // A reader that took it for a word would end its block and lose all that follows.
+  if (!number.fits)
+    Fatal("error: the number ", FirstDigits(next + (*next == '+' ? 1 : 0), number.stop),
+          " is too large\n");
+  return Accept(number, value);
+}
+
+bool TextScan::ReadDoubleSlow(double& value)
+{
+  const Scanned<double> number = ParseDouble(next, end, Radix::Decimal);
+  if (!number.stop)
     return false;
-  next = p == end ? end : p + 1;
+  next = number.stop;
+  const bool hasBareExponent = next != end && (*next == 'e' || *next == 'E');
+  if (!number.fits || hasBareExponent)
+    return false;
+  value = number.value;
+  return true;
+}
+
+bool TextScan::ReadLastNumber(int& value)
+{
+  const char* const first = std::find_if_not(next, end, IsBlank);
+  if (first == end || *first < '1' || *first > '9')
+    return false;
+  const Scanned<int> number = ScanPlainInt(first, end);
+  if (!number.stop)
+    return false;
+  const char* const stop =
+      std::find_if_not(number.stop, end, [](char c) { return IsBlank(c) || c == '\r'; });
+  if ((stop != end && *stop != '\n') || stop - next > static_cast<std::ptrdiff_t>(kLimit))
+    return false;
+  next = stop == end ? end : stop + 1;
   value = number.value;
   return true;
 }
@@ -173,27 +157,22 @@ std::ptrdiff_t TextScan::OffsetOf(const char* place) const
 
 void FindThisWord(TextScan& text, const char* word)
 {
-  const char* const from = text.Here();
-  for (;;) {
-    const std::string_view found = text.ReadWord();
-    if (text.AtEnd()) {
-      Note(ReadEvent::SearchFailed, {from, text.Here()}, word);
-      Fatal("can't find word ***", word, "*** in input file\n");
-    }
-    std::string lower(found);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    if (lower.find(word) == std::string::npos)
-      continue;
-    Note(ReadEvent::SkippedText, {from, found.data()}, word);
-    Note(ReadEvent::WordPart, found, word);
-    return;
-  }
+  FindWord(text, word, ReadEvent::SkippedText);
+}
+
+void FindBlockEnd(TextScan& text)
+{
+  FindWord(text, "end", ReadEvent::SkippedToBlockEnd);
+}
+
+void FindWordAfterBlock(TextScan& text, const char* word)
+{
+  FindWord(text, word, ReadEvent::SkippedAfterBlock);
 }
 
 void SkipBlockEnd(TextScan& text)
 {
-  FindThisWord(text, "end");
+  FindBlockEnd(text);
   text.SkipLine();
 }
 

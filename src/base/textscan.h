@@ -17,8 +17,7 @@ namespace morlen {
 class TextScan
 {
 public:
-  /// The most characters kept of a word or of the rest of a line; what lies
-  /// beyond is skipped with it.
+  /// The most characters kept of a word or of the rest of a line; the others are skipped.
   static constexpr std::size_t kLimit = 1023;
 
   struct Place
@@ -32,28 +31,24 @@ public:
   {
   }
   explicit TextScan(const char* text) : TextScan(std::string_view(text)) {}
-  explicit TextScan(std::string&& text) = delete;  // it would be gone
+  explicit TextScan(std::string&& text) = delete;  // the view would outlive it
 
   bool AtEnd() const { return next == end; }
   bool AtDigit() const { return next != end && IsDigit(*next); }
-  bool ReadInt(int& value) { return Take(ScanShortInt(next, end), value) || ReadAnyInt(value); }
+  bool ReadInt(int& value)
+  {
+    next = SkipWhite(next, end);
+    return Accept(ScanPlainInt(next, end), value) || ReadIntSlow(value);
+  }
   bool ReadDouble(double& value)
   {
-    return Take(ScanDigitBetweenBlanks(next, end), value) || ReadAnyDouble(value);
+    next = SkipWhite(next, end);
+    return Accept(ScanPlainDouble(next, end), value) || ReadDoubleSlow(value);
   }
 
   /// Reads the rest of the line when it is nothing but one plain whole number above 0 without
   /// leading zeros, and consumes the line; else false, and everything stays.
-  bool ReadLastNumber(int& value)
-  {
-    const Scanned<int> number = ScanShortInt(next, end);
-    const bool isPlain = number.stop && *number.stop == '\n' && *next == ' ' && next[1] != '0';
-    if (!isPlain)
-      return ReadOtherLastNumber(value);
-    next = number.stop + 1;
-    value = number.value;
-    return true;
-  }
+  bool ReadLastNumber(int& value);
 
   /// The next word between white space; empty at the end of the text.
   std::string_view ReadWord();
@@ -84,7 +79,7 @@ public:
 
 private:
   template <class T>
-  bool Take(const Scanned<T>& number, T& value)
+  bool Accept(const Scanned<T>& number, T& value)
   {
     if (!number.stop)
       return false;
@@ -92,15 +87,8 @@ private:
     value = number.value;
     return true;
   }
-  bool ReadAnyInt(int& value);
-  bool ReadAnyDouble(double& value);
-  /// Reads what most numbers are by the one, and the rest by the other.
-  template <class T>
-  bool Read(T& value, Scanned<T> (*scanPlain)(const char*, const char*),
-            bool (TextScan::*readOther)(T&));
-  bool ReadOtherInt(int& value);
-  bool ReadOtherDouble(double& value);
-  bool ReadOtherLastNumber(int& value);
+  bool ReadIntSlow(int& value);
+  bool ReadDoubleSlow(double& value);
   void SkipRestOfLine();
 
   const char* begin;
@@ -109,9 +97,13 @@ private:
 };
 
 /// Reads words up to and including the first that contains `word` (lower case),
-/// whatever the case in the text. Fatal when the text ends first, also right
-/// behind a word that matches.
+/// whatever the case in the text. Fatal when the text ends first, also directly after a word
+/// that matches.
 void FindThisWord(TextScan& text, const char* word);
+/// The same for the "end" that closes a block, and for the first word after a block. Only the
+/// notices of skipped text differ: the line of an "end" may name its block.
+void FindBlockEnd(TextScan& text);
+void FindWordAfterBlock(TextScan& text, const char* word);
 
 inline int TakeOutSpaces(TextScan& text)
 {
@@ -136,7 +128,7 @@ inline bool ReadRecordNumber(TextScan& text, int& number)
 /// Consumes the "end" that closes a block, with the rest of its line.
 void SkipBlockEnd(TextScan& text);
 
-/// Whether text begins with prefix, or equals the other text; case does not count.
+/// True when text begins with prefix, or equals the other text; case does not count.
 bool HasPrefix(std::string_view text, std::string_view prefix);
 bool EqualsNoCase(std::string_view a, std::string_view b);
 
@@ -164,7 +156,7 @@ private:
 /// The number that the value of an item begins with; 0 when there is none.
 double NumberOfItem(std::string_view value);
 
-/// A text up to its first null character, if it has one: where records of one line end.
+/// The text up to its first null character, which ends a record of one line.
 std::string_view UpToNull(std::string_view text);
 
 /// One item of a record that gives an Euler angle: "Euler1" to "Euler3" in any

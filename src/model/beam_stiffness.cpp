@@ -1,15 +1,25 @@
-// The stiffness of the two-node beam in its own axes, by hinge code.
+// Stiffness of the two-node beam in its local axes, without shear deformation.
 //
-// Each plane of bending is one 4×4 stiffness over (v1, θ1, v2, θ2) in which the released
-// rotations are condensed; its coefficients differ by the code only. Bending in the x-y
-// plane couples v with θz; in the x-z plane w with θy, where a positive θy makes the beam
-// fall, so that the coupling entries change sign.
+// The beam is a bar along x (EA/L), in space also a torsion bar (GJ/L), and a bending beam in
+// each plane. Bending in the x-y plane is a 4×4 matrix over (v1, θ1, v2, θ2), θ about z:
+//
+//   EI/L³  [  12    6L   -12    6L  ]
+//          [  6L    4L²  -6L    2L² ]
+//          [ -12   -6L    12   -6L  ]
+//          [  6L    2L²  -6L    4L² ]
+//
+// A hinge releases the moment at its end; its rotation is condensed out of the matrix, which
+// changes the coefficients and leaves zeros for that rotation. Bending in the x-z plane has the
+// same form with w and θy; a positive θy lowers w along the beam, so that the terms that couple
+// w and θy change sign. Source: J. S. Przemieniecki, Theory of Matrix Structural Analysis,
+// McGraw-Hill, 1968, chapter 5.
 
 #include <cmath>
 
 #include "base/constants.h"
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
+#include "model/hinge_code.h"
 #include "model/material.h"
 #include "numeric/matriu.h"
 
@@ -17,7 +27,8 @@ namespace morlen {
 
 namespace {
 
-// Multiples of EI/L³, EI/L² and EI/L, in that order, for a plane of bending.
+// Coefficients of one plane of bending: `shear` times EI/L³, `first` and `second` times EI/L²,
+// the others times EI/L.
 struct BendingCoefficients
 {
   double shear;            ///< v with v
@@ -30,6 +41,13 @@ constexpr BendingCoefficients kContinuous = {12, 6, 6, 4, 4, 2};
 constexpr BendingCoefficients kHingedSecond = {3, 3, 0, 3, 0, 0};
 constexpr BendingCoefficients kHingedFirst = {3, 0, 3, 0, 3, 0};
 constexpr BendingCoefficients kHingedBoth = {0, 0, 0, 0, 0, 0};
+
+const BendingCoefficients& CoefficientsOf(HingeCode hinges)
+{
+  if (hinges.FirstHinged())
+    return hinges.SecondHinged() ? kHingedBoth : kHingedFirst;
+  return hinges.SecondHinged() ? kHingedSecond : kContinuous;
+}
 
 struct LocalBlocks
 {
@@ -65,7 +83,7 @@ void Clear(Matriu& K, int n)
   K = 0.0;
 }
 
-// A bar: axial force or torque, between component k of both ends.
+// A bar between component k of both ends: axial force or torque.
 void AddBar(const LocalBlocks& blocks, int k, double stiffness)
 {
   blocks.K11(k, k) = stiffness;
@@ -73,8 +91,8 @@ void AddBar(const LocalBlocks& blocks, int k, double stiffness)
   blocks.K22(k, k) = stiffness;
 }
 
-// Bending with deflection v and rotation r (components from 1); sign is -1 where a
-// positive rotation lowers the deflection.
+// Bending with deflection v and rotation r (components from 1); `sign` is -1 in the plane where
+// a positive rotation lowers the deflection along the beam.
 void AddBending(const LocalBlocks& blocks, const BendingCoefficients& c, int v, int r, double EI,
                 double L, double sign)
 {
@@ -117,42 +135,32 @@ void Construct(const Material& m, int elemNumber, const LocalBlocks& blocks, dou
 void Material::ConstructLocalK(int elemNumber, Matriu& K11, Matriu& K12, Matriu& K22, double L2,
                                PROBLEMTYPE type, int hingeCode) const
 {
-  switch (hingeCode) {
-    case 11:
-      return ConstructLocalK11(elemNumber, K11, K12, K22, L2, type);
-    case 10:
-      return ConstructLocalK10(elemNumber, K11, K12, K22, L2, type);
-    case 1:
-      return ConstructLocalK1(elemNumber, K11, K12, K22, L2, type);
-    case 0:
-      return ConstructLocalK0(elemNumber, K11, K12, K22, L2, type);
-    default:
-      return;
-  }
+  if (HingeCode::IsValid(hingeCode))
+    Construct(*this, elemNumber, {K11, K12, K22}, L2, type, CoefficientsOf(HingeCode(hingeCode)));
 }
 
 void Material::ConstructLocalK11(int elemNumber, Matriu& K11, Matriu& K12, Matriu& K22, double L2,
                                  PROBLEMTYPE type) const
 {
-  Construct(*this, elemNumber, {K11, K12, K22}, L2, type, kContinuous);
+  ConstructLocalK(elemNumber, K11, K12, K22, L2, type, 11);
 }
 
 void Material::ConstructLocalK10(int elemNumber, Matriu& K11, Matriu& K12, Matriu& K22, double L2,
                                  PROBLEMTYPE type) const
 {
-  Construct(*this, elemNumber, {K11, K12, K22}, L2, type, kHingedSecond);
+  ConstructLocalK(elemNumber, K11, K12, K22, L2, type, 10);
 }
 
 void Material::ConstructLocalK1(int elemNumber, Matriu& K11, Matriu& K12, Matriu& K22, double L2,
                                 PROBLEMTYPE type) const
 {
-  Construct(*this, elemNumber, {K11, K12, K22}, L2, type, kHingedFirst);
+  ConstructLocalK(elemNumber, K11, K12, K22, L2, type, 1);
 }
 
 void Material::ConstructLocalK0(int elemNumber, Matriu& K11, Matriu& K12, Matriu& K22, double L2,
                                 PROBLEMTYPE type) const
 {
-  Construct(*this, elemNumber, {K11, K12, K22}, L2, type, kHingedBoth);
+  ConstructLocalK(elemNumber, K11, K12, K22, L2, type, 0);
 }
 
 }  // namespace morlen

@@ -12,8 +12,6 @@
 
 namespace morlen {
 
-Constraint::Constraint(int, int translationCount) : translations(translationCount) {}
-
 void Constraint::EnterValuesAndFlags(const int* newFlags, const double* newValues, int n,
                                      double forceFactor, double lengthFactor)
 {
@@ -54,7 +52,7 @@ int Constraint::CalcTransfMatFromEuler(int node, Matriu& T, int n, int check) co
 
 void Constraint::AddToReaction(int i, double r)
 {
-  if (Takes(i - 1))
+  if (Carries(i))
     reactions[i - 1] += r;
 }
 
@@ -67,7 +65,7 @@ void Constraint::AddToReaction(const ReaVecV& r, int n)
 void Constraint::TransferYourReaction(int n, Constraint* a, Constraint* b)
 {
   for (int i = 0; i < n; ++i) {
-    if (!Takes(i))
+    if (!Carries(i + 1))
       continue;
     a->reactions[i] += reactions[i] / 2.0;
     b->reactions[i] += reactions[i] / 2.0;

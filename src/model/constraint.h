@@ -4,22 +4,13 @@
 #include <memory>
 #include <ostream>
 
+#include "base/node_components.h"
 #include "base/object_pool.h"
 
 namespace morlen {
 
 class Matriu;
 class ReaVecV;
-
-/// The most components that a node has.
-constexpr int kMaxComponents = 6;
-
-/// Number of components of a node with n that are translations, where it has rotations
-/// as well: 2 of 3 in plane problems, 3 of 6 in space.
-constexpr int TranslationsOf(int n)
-{
-  return (n - 1) / 2 + 1;
-}
 
 /// The support of one node: per component a flag, its value, and the reaction.
 ///
@@ -35,29 +26,35 @@ public:
     kSpring = 2
   };
 
-  explicit Constraint(int n) : Constraint(n, TranslationsOf(n)) {}
-  /// For nodes whose first `translations` components are displacements.
-  Constraint(int n, int translations);
+  /// For nodes of n components that have rotations too.
+  explicit Constraint(int n) : Constraint(WithRotations(n)) {}
+  explicit Constraint(const NodeComponents& components) : translations(components.translations) {}
 
-  /// Takes the components whose given flag is not 0 and converts their values: lengths,
-  /// or stiffnesses (force per length, force times length), by the two unit ratios.
+  /// Sets the components whose given flag is not 0; the others keep flag and value. The two
+  /// unit ratios convert prescribed displacements (length) and stiffnesses (force per length
+  /// of translations, force times length of rotations).
   void EnterValuesAndFlags(const int* flags, const double* values, int n, double forceFactor,
                            double lengthFactor);
   void EnterEulerAngles(const double angles[3]);
 
-  /// Fills T (n×n, its columns the support's axes). Returns 1, T untouched, without axes.
-  /// With check, fatal for a plane node whose z axis is tilted.
+  /// Fills T (n×n; its columns are the support's axes in global coordinates) and returns 0.
+  /// A support in global axes returns 1 and leaves T alone. Fatal, when `check` is set, for a
+  /// plane node whose z axis is tilted.
   int CalcTransfMatFromEuler(int node, Matriu& T, int n, int check) const;
 
-  /// Adds to the reaction of component i (from 1), or of all n components; without axes
-  /// of its own a support only takes flagged components.
+  /// True when the support carries component i (from 1): all components of a support with axes,
+  /// else those that are not free.
+  bool Carries(int i) const { return localAxes || flags[i - 1] != kFree; }
+
+  /// Adds to the reaction of component i (from 1), or of all n components, where the support
+  /// carries them.
   void AddToReaction(int i, double r);
   void AddToReaction(const ReaVecV& r, int n);
 
-  /// Hands the reaction over to a and b, half each.
+  /// Moves the reaction to a and b, half each.
   void TransferYourReaction(int n, Constraint* a, Constraint* b);
 
-  /// One line: flags, values and angles, if any.
+  /// One line: flags, values and angles, if any. Not used by the analysis itself.
   void PrintTo(std::ostream& out, int n) const;
 
   std::array<int, kMaxComponents> flags{};
@@ -67,13 +64,12 @@ public:
   std::array<double, 3> euler{};  ///< radians
 
 private:
-  bool Takes(int i) const { return localAxes || flags[i] != kFree; }
-
   int translations;
 };
 
-/// The support of a node halfway between two supported nodes: the flags that both
-/// share, with mean values. Null when there is none, or when their axes differ.
+/// The support of a node halfway between two supported nodes: the flags that both share, with
+/// the mean of their values. Null when they share none or have different axes; a and b may be
+/// null. The last parameter has no effect.
 std::unique_ptr<Constraint> MergeTwoConstraints(int n, const Constraint* a, const Constraint* b,
                                                 double);
 

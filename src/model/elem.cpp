@@ -6,7 +6,6 @@
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
-#include "base/object_pool.h"
 #include "base/read_observer.h"
 #include "base/textscan.h"
 #include "model/material.h"
@@ -18,7 +17,7 @@ namespace morlen {
 
 namespace {
 
-// Nodes missing in a line are taken from the next one.
+// Reports an element whose nodes continue on the next line.
 void NoteElementNodes(const char* from, const TextScan& text)
 {
   if (!readObserver)
@@ -28,24 +27,17 @@ void NoteElementNodes(const char* from, const TextScan& text)
     Note(ReadEvent::LineBreak, numbers);
 }
 
-// A leading 0 makes it octal or hexadecimal, other characters end it.
+// Reports a material number that a leading 0 makes octal or hexadecimal, or that is followed by
+// other characters.
 void NoteMaterialNumber(std::string_view item)
 {
   if (!readObserver || item.empty())
     return;
   const std::size_t digits = std::min(item.find_first_not_of("0123456789"), item.size());
-  if (item[0] == '0' && item.size() > 1)
+  if (item[0] == '0' && item.find_first_not_of('\r', 1) != std::string_view::npos)
     Note(ReadEvent::NotDecimal, item);
   else if (item.substr(digits).find_first_not_of("\r") != std::string_view::npos)
     Note(ReadEvent::NumberPart, item);
-}
-
-// The places of elements with more nodes than most: each usual number of them has a pool.
-ObjectPool* PoolOfPlaces(int n)
-{
-  static ObjectPool six(6 * sizeof(Node*));
-  static ObjectPool ten(10 * sizeof(Node*));
-  return n == 6 ? &six : n == 10 ? &ten : nullptr;
 }
 
 }  // namespace
@@ -57,43 +49,9 @@ const char* ElemTypeName(ElemType type)
   return type >= Linear && type <= Hexahedra ? names[type] : names[0];
 }
 
-Node** NodePlaces::MakeMany(int n)
-{
-  ObjectPool* const pool = PoolOfPlaces(n);
-  const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(Node*);
-  auto* const places = static_cast<Node**>(pool ? pool->Take() : ::operator new(bytes));
-  std::uninitialized_fill_n(places, n, nullptr);
-  return places;
-}
-
-void NodePlaces::Resize(int n)
-{
-  const int kept = std::min(n, size);
-  if (n > kFew) {
-    Node** const places = MakeMany(n);
-    std::copy_n(begin(), kept, places);
-    Release();
-    many = places;
-  } else {
-    Node* places[kFew] = {};
-    std::copy_n(begin(), kept, places);
-    Release();
-    std::copy_n(places, kFew, few);
-  }
-  size = n;
-}
-
-void NodePlaces::ReleaseMany()
-{
-  if (ObjectPool* const pool = PoolOfPlaces(size))
-    pool->Return(many);
-  else
-    ::operator delete(many);
-}
-
 Elem::Elem(Mesh* ownMesh, Elem* boundElem) : Elem(ownMesh->GiveNnode(), ownMesh, boundElem) {}
 
-Elem::Elem(int nnode, Mesh* ownMesh, Elem* boundElem) : mesh(ownMesh), nodes(nnode)
+Elem::Elem(int nnode, Mesh* ownMesh, Elem* boundElem) : mesh(ownMesh), nodes(MakePlaces(nnode))
 {
   if (boundElem)
     MakeRare().bound = boundElem;
@@ -109,13 +67,14 @@ Elem::Elem(Elem* el, Node* node, Mesh* ownMesh, Elem* boundElem)
 Elem::Elem(Elem* el, Node* node, int face, int, Mesh* ownMesh)
     : Elem(el->Nnode(), ownMesh ? ownMesh : el->mesh, nullptr)
 {
-  if (nodes.Size() == 2 && face == 1) {
+  const int last = el->Nnode() - 1;
+  if (last == 1 && face == 1) {
     nodes[0] = node;
     nodes[1] = el->nodes[1];
     return;
   }
-  CopyNodesFrom(*el, nodes.Size() - 1, face);
-  nodes[nodes.Size() - 1] = node;
+  CopyNodesFrom(*el, last, face);
+  nodes[last] = node;
 }
 
 Elem::Elem(Elem* el, int face) : Elem(std::max(el->Nnode() - 1, 0), nullptr, nullptr)
@@ -124,7 +83,7 @@ Elem::Elem(Elem* el, int face) : Elem(std::max(el->Nnode() - 1, 0), nullptr, nul
     Fatal("error in Elem::Elem(Elem* el,int face). Linear has no faces\n");
   if (el->ElemType() != Triangle && el->ElemType() != Tetrahedra)
     Fatal("error in Elem::Elem(Elem* el,int face). Only Triang. and Tetr. implemented\n");
-  CopyNodesFrom(*el, nodes.Size(), face);
+  CopyNodesFrom(*el, Nnode(), face);
 }
 
 Elem::~Elem() = default;
@@ -135,6 +94,34 @@ Elem::Rare& Elem::MakeRare()
   if (!rare)
     rare = std::make_unique<Rare>();
   return *rare;
+}
+
+// Null places of the mesh, else of the element; never fewer than Nnode().
+Node** Elem::MakePlaces(int n)
+{
+  if (mesh)
+    return mesh->AcquirePlaces(std::max(n, mesh->GiveNnode()));
+  std::vector<Node*>& places = MakeRare().places;
+  places.assign(static_cast<std::size_t>(n), nullptr);
+  return places.data();
+}
+
+void Elem::MoveNodes(Mesh* newMesh, int n)
+{
+  const int kept = std::min(n, Nnode());
+  Node** const old = nodes;
+  std::vector<Node*> oldPlaces;  // keeps them until they are copied
+  if (rare)
+    oldPlaces.swap(rare->places);
+  mesh = newMesh;
+  nodes = MakePlaces(n);
+  std::copy_n(old, kept, nodes);
+}
+
+void Elem::NewMesh(Mesh* m)
+{
+  if (m != mesh)
+    MoveNodes(m, Nnode());
 }
 
 void Elem::CopyNodesFrom(const Elem& el, int count, int first)
@@ -155,7 +142,7 @@ int Elem::Ndime() const
 
 int Elem::Nnode() const
 {
-  return mesh ? mesh->GiveNnode() : nodes.Size();
+  return mesh ? mesh->GiveNnode() : static_cast<int>(rare->places.size());
 }
 
 Material* Elem::GiveMaterial(const VoidPlex* materials) const
@@ -180,7 +167,7 @@ void Elem::GiveEI(const VoidPlex* materials, double& EIy, double& EIz, double& E
 
 void Elem::IncreaseNnode(int n)
 {
-  nodes.Resize(n);
+  MoveNodes(mesh, n);
 }
 
 ReaVec& Elem::MidNode(ReaVec& c) const
@@ -197,9 +184,9 @@ ReaVec& Elem::MidNode(ReaVec& c) const
 
 int Elem::IsInto(const Node* n) const
 {
-  Node* const* const last = nodes.begin() + Nnode();
-  Node* const* const found = std::find(nodes.begin(), last, n);
-  return found == last ? 0 : static_cast<int>(found - nodes.begin()) + 1;
+  Node** const last = nodes + Nnode();
+  Node** const found = std::find(nodes, last, n);
+  return found == last ? 0 : static_cast<int>(found - nodes) + 1;
 }
 
 void Elem::PrintTo(std::ostream& out, int useOld, int bare) const
@@ -240,8 +227,9 @@ int Elem::ReadFromAscii(TextScan& text, const VoidPlex* nodePlex, const Units* u
   const char* const from = text.Here();
   int first = 0;
   int last = 0;
-  Node** const places = nodes.begin();
-  for (int i = 0; i < nodes.Size(); ++i) {
+  const int count = Nnode();
+  Node** const places = nodes;
+  for (int i = 0; i < count; ++i) {
     if (!text.ReadInt(last))
       return 0;
     places[i] = Find<Node>(*nodePlex, last);
@@ -249,7 +237,7 @@ int Elem::ReadFromAscii(TextScan& text, const VoidPlex* nodePlex, const Units* u
       first = last;
   }
   NoteElementNodes(from, text);
-  if (nodes.Size() == 2 && first == last)
+  if (count == 2 && first == last)
     Fatal("error: element: ", number, "  have both nodes equal\n");
   if (!text.ReadLastNumber(materialNumber))
     ReadMaterial(UpToNull(text.ReadRestOfLine()), units);

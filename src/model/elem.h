@@ -3,6 +3,7 @@
 #include <memory>
 #include <ostream>
 #include <string_view>
+#include <vector>
 
 #include "base/constants.h"
 #include "base/object_pool.h"
@@ -30,67 +31,29 @@ enum ElemType : int
 /// The word printed for a type; empty for a value outside the list.
 const char* ElemTypeName(ElemType type);
 
-/// The node places of an element, within the object as long as they are few.
-class NodePlaces
-{
-public:
-  explicit NodePlaces(int n) : few{}, size(n)
-  {
-    if (!AreFew())
-      many = MakeMany(n);
-  }
-  NodePlaces(const NodePlaces&) = delete;
-  NodePlaces& operator=(const NodePlaces&) = delete;
-  ~NodePlaces() { Release(); }
-
-  int Size() const { return size; }
-  /// Makes it n places, the new ones null.
-  void Resize(int n);
-
-  Node*& operator[](int i) { return begin()[i]; }
-  Node* operator[](int i) const { return begin()[i]; }
-  Node** begin() { return AreFew() ? few : many; }
-  Node* const* begin() const { return AreFew() ? few : many; }
-
-private:
-  static constexpr int kFew = 4;
-
-  bool AreFew() const { return size <= kFew; }
-  /// Null places, owned by the caller.
-  static Node** MakeMany(int n);
-  void ReleaseMany();
-  void Release()
-  {
-    if (!AreFew())
-      ReleaseMany();
-  }
-
-  union {
-    Node* few[kFew];
-    Node** many;  ///< owned
-  };
-  int size;
-};
-
-/// An element: its number, its nodes, and its material by number or of its own.
+/// An element: its number, its nodes, and its material, by number or owned by the element.
 ///
-/// The type, the dimension and the number of nodes are those of its mesh, to which the
-/// nodes belong; an entry is null where the file names a node that does not exist.
+/// The type, the dimension and the number of nodes are those of the mesh, which also holds the
+/// node places: the element must not outlive it. An element without a mesh owns its places. A
+/// place is null where the file names a node that does not exist.
 class Elem : public Pooled<Elem>
 {
 public:
-  Elem(Mesh* mesh, Elem* bound);  ///< node array of the mesh's nnode entries
+  Elem(Mesh* mesh, Elem* bound);  ///< as many places as the mesh's elements have nodes
+  /// At least nnode places, all null. The mesh may be null.
   Elem(int nnode, Mesh* mesh, Elem* bound);
 
-  /// The nodes of el, then node.
+  /// The nodes of el, then node. Not used by the analysis itself.
   Elem(Elem* el, Node* node, Mesh* mesh, Elem* bound);
 
   /// A piece of el in mesh (null: el's mesh): the nodes of el from `face` on, cyclically,
   /// with `node` in the last place; a line is cut into (first, node) and (node, second).
+  /// Not used by the analysis itself.
   Elem(Elem* el, Node* node, int face, int, Mesh* mesh);
 
-  /// The face of a triangle (an edge) or of a tetrahedron (a triangle), from 0: the
-  /// nodes of el from `face` on, cyclically, less one. Fatal for other types.
+  /// Face number `face` (from 0) of a triangle (an edge) or of a tetrahedron (a triangle),
+  /// without a mesh: the nodes of el from `face` on, cyclically, less one. Fatal for other
+  /// types. Not used by the analysis itself.
   Elem(Elem* el, int face);
 
   Elem(const Elem&) = delete;
@@ -98,69 +61,80 @@ public:
   virtual ~Elem();
 
   int Num() const { return number; }
-  void NewNum(int n) { number = n; }
-  void NewMesh(Mesh* m) { mesh = m; }
-  void NewMaterial(int n) { materialNumber = n; }
+  void NewNum(int n) { number = n; }  ///< not used by the analysis itself
+  /// Moves the element to mesh m, or to none when m is null; its nodes are kept. Not used by the
+  /// analysis itself.
+  void NewMesh(Mesh* m);
+  void NewMaterial(int n) { materialNumber = n; }  ///< not used by the analysis itself
   morlen::ElemType ElemType() const;
-  int Ndime() const;
+  int Ndime() const;  ///< not used by the analysis itself
   int Nnode() const;
+  /// The element of which this one is a piece, or null. Not used by the analysis itself.
   Elem* IsInBound() const { return rare ? rare->bound : nullptr; }
   Node*& operator()(int i) { return nodes[i]; }  ///< from 0
   Node* operator()(int i) const { return nodes[i]; }
 
   bool HasOwnMaterial() const { return OwnMaterial() != nullptr; }
-  /// The material's number; 0 when the element has a material of its own.
+  /// The material's number; 0 for an element that owns its material.
   int GiveMaterialNum() const { return HasOwnMaterial() ? 0 : materialNumber; }
 
-  /// The element's own material, else the numbered one; null when there is none.
+  /// The material that the element owns, else the numbered one; null when there is none.
   Material* GiveMaterial(const VoidPlex* materials) const;
 
-  /// Completes the element's own material from the numbered one.
+  /// Completes the material that the element owns, if any, from the numbered one.
   void ComposeYourMaterial(const VoidPlex* materials);
 
-  /// E·Iy, E·Iz and E·A of the element's material. Fatal without a material.
+  /// E·Iy, E·Iz and E·A of the element's material. Fatal without a material. Not used by the
+  /// analysis itself.
   void GiveEI(const VoidPlex* materials, double& EIy, double& EIz, double& EA) const;
 
-  /// Replaces the node array by one of n entries, the new ones null. The mesh's
-  /// count is changed by the caller.
+  /// Gives the element n places: the first keep the nodes that the element has by the count of
+  /// its mesh, the others are null. The caller changes the count of the mesh afterwards.
   void IncreaseNnode(int n);
 
-  /// Mean of the nodes' coordinates.
+  /// Sets c to the mean of the nodes' coordinates and returns it. Not used by the analysis itself.
   ReaVec& MidNode(ReaVec& c) const;
 
-  /// Position of n among the nodes, from 1; 0 when absent.
+  /// Position of n among the nodes, from 1; 0 when absent. Not used by the analysis itself.
   int IsInto(const Node* n) const;
 
-  /// One line of the mesh listing.
+  /// One line of the mesh listing; the flags are those of Mesh::PrintTo. Not used by the
+  /// analysis itself.
   void PrintTo(std::ostream& out, int useOld, int bare) const;
-  /// One record of the Femview neutral file.
+  /// One record of the Femview neutral file. Not used by the analysis itself.
   void PrintToFemview(std::ostream& out) const;
 
-  /// Reads "number, nodes, [material number] [own material]" to the end of the line.
-  /// Returns 1, or 0 when there is no such line here. Fatal: a beam with equal nodes.
+  /// Reads "number nodes [material number] [material items]" to the end of the line; items make
+  /// a material that the element owns. Returns 1, or 0 when no such line follows. Fatal for a
+  /// beam whose nodes are equal.
   int ReadFromAscii(TextScan& text, const VoidPlex* nodes, const Units* units);
 
-  /// Frame of a beam: 3×3, or 6×6 (twice the 3×3) in space problems; its columns are
-  /// the local axes in global coordinates. m gives Euler angles, if any.
+  /// Frame of a beam: 3×3 in plane problems; in space 6×6 with the same 3×3 twice on its
+  /// diagonal. Its columns are the local axes in global coordinates. The Euler angles of m, if
+  /// any, turn the axes about the beam; m may be null. Fatal for angles that do not fit.
   void CalcTransfMatrixBeam(Matriu& T, const Material* m, PROBLEMTYPE type) const;
-  /// Frame of a flat triangle, 3×3, and the same twice on the diagonal of Tbig, 6×6.
+  /// Frame of a flat triangle, 3×3, and the same twice on the diagonal of Tbig, 6×6. The Euler
+  /// angles of m, if any, give the direction of local x. Fatal when x is normal to the triangle.
   void CalcTransfMatrixTriangle(Matriu& T, Matriu& Tbig, const Material* m) const;
   /// Euler angles of those frames, in radians.
   void GiveEulerAnglesBeam(double a[3], const Material* m, PROBLEMTYPE type) const;
   void GiveEulerAnglesTriangle(double a[3], const Material* m) const;
 
-  double alpha = 0.0;  ///< turn of a vertical beam's axes about the beam, radians
+  double alpha = 0.0;  ///< angle from global X to local y of a vertical beam, radians
 
 private:
+  Node** MakePlaces(int n);
+  void MoveNodes(Mesh* newMesh, int n);
   void CopyNodesFrom(const Elem& el, int count, int first);
   void ReadMaterial(std::string_view text, const Units* units);
 
-  /// What few elements have.
+  /// Members that few elements need.
   struct Rare
   {
     ~Rare();
     std::unique_ptr<Material> material;
     Elem* bound = nullptr;
+    std::vector<Node*> places;  ///< of an element without a mesh
   };
   Rare& MakeRare();
   Material* OwnMaterial() const { return rare ? rare->material.get() : nullptr; }
@@ -169,9 +143,10 @@ private:
   int materialNumber = 0;
   std::unique_ptr<Rare> rare;  ///< null in most elements
   Mesh* mesh;
-  NodePlaces nodes;
+  Node** nodes;  ///< places of the mesh, else of `rare`
 };
 
+/// The line of the mesh listing with system numbers. Not used by the analysis itself.
 inline std::ostream& operator<<(std::ostream& out, const Elem& el)
 {
   el.PrintTo(out, 0, 0);

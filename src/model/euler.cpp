@@ -1,3 +1,13 @@
+// Euler angles of the sequence z, x, z and the axes that they give.
+//
+// The matrix T, whose columns are the local axes in global coordinates, is the product of three
+// single turns: T = Z(a2) X(a1) Z(a0), where Z(a) has the rows (cos a, sin a, 0), (-sin a, cos a,
+// 0), (0, 0, 1) and X is the same about x. The inverse reads a1 from its cosine T33, and a0 and
+// a2 from the third row and the third column of T, which hold their sines and cosines multiplied
+// by sin a1. When local z is vertical, sin a1 is 0 and only one turn about z remains: a0 is then
+// 0 and a2 is that turn. Source: H. Goldstein, Classical Mechanics, 2nd ed., Addison-Wesley,
+// 1980, section 4-4.
+
 #include "model/euler.h"
 
 #include <algorithm>
@@ -24,14 +34,15 @@ double SafeAcos(double cosine)
   return std::acos(std::clamp(cosine, -1.0, 1.0));
 }
 
-// The angle of this cosine whose sine has the sign of the given one.
+// The angle in [0, 2π] with this cosine and a sine of the given sign.
 double FullAngle(double cosine, double sine)
 {
   const double angle = SafeAcos(cosine);
   return sine < 0.0 ? kFullTurn - angle : angle;
 }
 
-// Direction to build axes on: global Z, or global Y when v is nearly parallel to Z.
+// A direction that is not parallel to the unit vector v: global Z, or global Y when v is nearly
+// vertical.
 ReaVec Auxiliary(const ReaVec& v)
 {
   constexpr double kNearlyZ = 1.0 / 64.0;
@@ -52,7 +63,7 @@ bool AreTurnsEqual(double a, double b, double tol)
   return AreAnglesEqual(a, b, tol) || AreAnglesEqual(aroundZero(a), aroundZero(b), tol);
 }
 
-void MeanOf(std::initializer_list<const double*> triples, double mean[3])
+void CalcMean(std::initializer_list<const double*> triples, double mean[3])
 {
   const double* first = *triples.begin();
   ReaVec x(0.0, 0.0, 0.0);
@@ -67,7 +78,7 @@ void MeanOf(std::initializer_list<const double*> triples, double mean[3])
     std::copy(first, first + 3, mean);
     return;
   }
-  const Axes axes = AxesGivenXY(Normalized(z), Normalized(x));
+  const Axes axes = AxesGivenXY(Normalized(z), Normalized(x));  // z, x, y in this order
   AnglesFromAxes({axes.y, axes.z, axes.x}, mean);
 }
 
@@ -173,12 +184,12 @@ int AreEulerAnglesEqual(const double a[3], const double b[3], double tol)
 
 void MeanEulerAngles(const double a[3], const double b[3], double mean[3])
 {
-  MeanOf({a, b}, mean);
+  CalcMean({a, b}, mean);
 }
 
 void MeanEulerAngles(const double a[3], const double b[3], const double c[3], double mean[3])
 {
-  MeanOf({a, b, c}, mean);
+  CalcMean({a, b, c}, mean);
 }
 
 }  // namespace morlen

@@ -1,5 +1,18 @@
-// The local axes of beams and flat triangles: from Euler angles in the material when it
-// has some, else from the element's geometry.
+// Local axes of beams and flat triangles.
+//
+// Geometry fixes one axis: x of a beam runs from its first node to its second, z of a triangle
+// is its normal by the right-hand rule. The material may give Euler angles for the other two;
+// their axes need not fit the element exactly:
+//
+// - Beam: the Euler axes are reversed in pairs when their x runs against the beam. Within 1e-5 of
+//   the beam's direction (cosine) they are used as they are; else their y gives the plane of x
+//   and y, and y and z are made normal to x. An x at right angles to the beam is refused.
+// - Triangle: when z of the Euler axes is the normal they are used as they are; else their x is
+//   projected into the plane of the triangle.
+//
+// Without angles, y of a beam in space is horizontal and z points upwards; y of a vertical beam
+// has the angle `alpha` from global X. In plane problems z is global Z. A triangle takes its x
+// from AxesGivenZ.
 
 #include <cmath>
 
@@ -14,7 +27,7 @@ namespace morlen {
 
 namespace {
 
-// From a to b, always in space.
+// The vector from a to b, with three components also in plane problems.
 ReaVec Difference(const Node& a, const Node& b)
 {
   ReaVec d(0.0, 0.0, 0.0);
@@ -23,8 +36,8 @@ ReaVec Difference(const Node& a, const Node& b)
   return d;
 }
 
-// Euler axes whose x axis runs against the beam are turned about z, or about y when z
-// does not point upwards.
+// Half a turn for Euler axes whose x runs against the beam: about z when z points upwards, else
+// about y.
 void TurnTowards(const ReaVec& beam, Axes& axes)
 {
   if (Normalized(axes.x) * beam >= -EPSILONB)
@@ -64,7 +77,7 @@ Axes PlaneBeamAxes(const ReaVec& x)
   return {x, ReaVec(-x(2), x(1), 0.0), ReaVec(0.0, 0.0, 1.0)};
 }
 
-// Local y is horizontal and local z points upwards; vertical beams take y from alpha.
+// y is horizontal and z points upwards; y of a vertical beam has the angle alpha from global X.
 Axes SpaceBeamAxes(const ReaVec& x, double alpha)
 {
   const bool vertical = std::fabs(x(1)) < EPSILON && std::fabs(x(2)) < EPSILON;
@@ -81,7 +94,7 @@ Axes SpaceBeamAxes(const ReaVec& x, double alpha)
   return {x, y, VectorProd(x, y)};
 }
 
-// The x axis of the material, laid into the triangle's plane.
+// The Euler axes when their z is the normal n, else their x projected into the plane.
 Axes TriangleAxesFromEuler(const double angles[3], const ReaVec& n, int number)
 {
   constexpr double kParallel = 0.999999999999999;

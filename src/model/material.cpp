@@ -16,9 +16,9 @@ constexpr double Material::*kValues[] = {
     &Material::Iz, &Material::Gxy,    &Material::Gxz,  &Material::Gyz,  &Material::J,
     &Material::A,  &Material::Weight, &Material::t};
 
-// Coefficient of the torsion constant up to a ratio of the widths, itself excluded. The
-// limits lie midway between the ratios of the table of S. Timoshenko and J. N. Goodier,
-// Theory of Elasticity, 1951.
+// Coefficient β of the torsion constant J = β a b³ for ratios of the widths a/b below a limit.
+// Source of the coefficients: the table of S. Timoshenko and J. N. Goodier, Theory of
+// Elasticity, 1951; each limit lies midway between two of its ratios.
 struct TorsionStep
 {
   double below;

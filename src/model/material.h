@@ -11,11 +11,11 @@ class Matriu;
 class TextScan;
 class Units;
 
-/// Elastic constants of a material, which may be orthotropic, with the section values
-/// of the beams or shells made of it, in the units of the results.
+/// Elastic constants of a material, which may be orthotropic, and the section values of the
+/// beams or shells made of it, in the units of the results.
 ///
-/// An element's own material begins as SetToNegative leaves it and is completed by
-/// ComposeMaterial.
+/// A material that an element owns starts with SetToNegative, reads its items and is completed
+/// by ComposeMaterial.
 class Material
 {
 public:
@@ -29,31 +29,36 @@ public:
   /// without value, where reading stops. Fatal at an unknown key.
   int ReadFromAsciiNoNum(std::string_view text, const Units* units);
 
-  /// Marks every value as not given.
+  /// Marks every value as not given, by -1.
   void SetToNegative();
-  /// Takes the values that are not given from the base; without a base they become 0.
+  /// Copies the values that are not given from `base`; a null base makes them 0.
   void ComposeMaterial(const Material* base);
-  /// Sets A, Iy, Iz and J of a rectangular section, its widths along local y and z.
+  /// Sets A, Iy, Iz and J of a rectangular section from its widths along local y and z.
   void CalcOtherParametersForRecSec(double widthY, double widthZ);
 
   void GiveEI(double& EIy, double& EIz, double& EA) const;
-  /// Copies the angles and returns 0; returns 1 when there are none.
+  /// Copies the angles and returns 0; returns 1 when there are none. Not used by the analysis
+  /// itself.
   int GiveEulerAngles(double angles[3]) const;
-  /// Fills the 3×3 T, its columns the axes of the material; returns 1 when it has none.
+  /// Fills the 3×3 T, whose columns are the axes of the material, and returns 0; returns 1 when
+  /// there are no angles. Not used by the analysis itself.
   int CalcTransfMatFromEuler(Matriu& T) const;
 
-  /// Shell matrices, already of their sizes: membrane Dm and bending Db (3×3), shear Ds
-  /// (2×2), all multiplied by the thickness. Fatal when a value is missing or unfit.
+  /// Stress-strain matrices of a shell, integrated over its thickness: membrane Dm and bending
+  /// Db (3×3), transverse shear Ds (2×2). The caller gives matrices of these sizes. Fatal for a
+  /// value that is missing or unfit.
   void GiveDMatrix(int elemNumber, Matriu& Dm, Matriu& Db, Matriu& Ds) const;
-  /// Solid matrix, already 6×6, isotropic from E1 and nuXY; strains εx, εy, εz, γxy, γxz,
-  /// γyz. Fatal when a value is missing or unfit.
+  /// Stress-strain matrix of an isotropic solid from E1 and nuXY; order εx, εy, εz, γxy, γxz,
+  /// γyz. The caller gives a 6×6 matrix. Fatal for a value that is missing or unfit.
   void GiveDMatrixTetra(int elemNumber, Matriu& D) const;
 
-  /// Stiffness blocks of a beam in its local axes, between its first (1) and second (2)
-  /// node; L2 is its squared length. The digits of the hinge code stand for its ends:
-  /// 1 continuous, 0 hinged. Other codes leave the blocks as they are.
+  /// Stiffness blocks of a beam in its local axes: Kij between its nodes i and j (1 or 2), 3×3
+  /// in plane problems and 6×6 in space. L2 is the squared length of the beam; the hinge code is
+  /// that of HingeCode, and other values leave the blocks as they are. Fatal for a value of
+  /// material or section that is missing.
   void ConstructLocalK(int elemNumber, Matriu& K11, Matriu& K12, Matriu& K22, double L2,
                        PROBLEMTYPE type, int hingeCode) const;
+  /// The same for one hinge code each. Not used by the analysis itself.
   void ConstructLocalK11(int elemNumber, Matriu& K11, Matriu& K12, Matriu& K22, double L2,
                          PROBLEMTYPE type) const;
   void ConstructLocalK10(int elemNumber, Matriu& K11, Matriu& K12, Matriu& K22, double L2,
@@ -63,12 +68,13 @@ public:
   void ConstructLocalK0(int elemNumber, Matriu& K11, Matriu& K12, Matriu& K22, double L2,
                         PROBLEMTYPE type) const;
 
-  /// One line with the number and the values, without the angles.
+  /// One line with the number and the values, without the angles. Not used by the analysis
+  /// itself.
   void PrintTo(std::ostream& out) const;
 
-  int number = 0;   ///< 0 for an element's own material
+  int number = 0;   ///< 0 for a material that an element owns
   double E1 = 0.0;  ///< Young's modulus along local x
-  double E2 = 0.0;  ///< and along local y
+  double E2 = 0.0;  ///< Young's modulus along local y
   double nuXY = 0.0;
   double nuYX = 0.0;
   double Iy = 0.0;  ///< second moment of area about local y

@@ -1,3 +1,13 @@
+// Stress-strain matrices of shells and solids.
+//
+// Shell: plane stress of an orthotropic sheet, multiplied by the thickness (membrane) and by
+// t³/12 (bending), and transverse shear with the correction factor 5/6. Source: E. Reissner, The
+// effect of transverse shear deformation on the bending of elastic plates, Journal of Applied
+// Mechanics 12, 1945. Solid: Hooke's law of an isotropic body. Source: S. Timoshenko and J. N.
+// Goodier, Theory of Elasticity, 1951.
+//
+// The checks are negated comparisons, so that NaN fails them.
+
 #include <algorithm>
 #include <cmath>
 
@@ -8,8 +18,6 @@
 #include "numeric/matriu.h"
 
 namespace morlen {
-
-// Stress-strain matrices. Every check is written so that a value that is no number fails it.
 
 namespace {
 
@@ -40,8 +48,10 @@ void RequireShellValues(const Material& m, int elemNumber)
   RequirePositive(m.Gyz, elemNumber, " Gyz is 0\n");
   RequireDifferent(m.nuXY, 1.0, elemNumber, " nuXY is 1\n");
   RequireDifferent(m.nuYX, 1.0, elemNumber, " nuYX is 1\n");
-  if (!IsSymmetric(m))
+  if (!IsSymmetric(m)) {
+    Note(ReadEvent::AsymmetricMaterial, {});
     Refuse(elemNumber, " Ex*nuXY must be equal to Ey*nuYX\n");
+  }
   RequireDifferent(m.nuXY * m.nuYX, 1.0, elemNumber, " nuXY*nuYX is 1\n");
 }
 

@@ -13,7 +13,7 @@ namespace morlen {
 
 namespace {
 
-/// Widths of a rectangular section; not given while negative.
+// Widths of a rectangular section; negative when not given.
 struct Widths
 {
   double y = -1.0;
@@ -22,12 +22,13 @@ struct Widths
 
 enum class Match
 {
-  kBeginning,
-  kWhole,
-  kExactBeginning
-};  // the first two in any case
+  kBeginning,      // the key begins with the rule's word, in any case
+  kWhole,          // the key is the rule's word, in any case
+  kExactBeginning  // the key begins with the rule's word, in the same case
+};
 
-/// What a key does to its value: scales it and stores it in some fields, or refuses it.
+// The meaning of a key: the fields or the width that its value is stored in and the powers of
+// the units that the value has, or the message that refuses the key.
 struct KeyRule
 {
   Match match;
@@ -46,7 +47,7 @@ constexpr const char* kNoYoung = "error in materials. Young Modulus can only be 
 constexpr const char* kNoInertia = "error in materials. Inertia modules cannot be for X axe\n";
 constexpr const char* kNoShear = "error in materials. G can be: G Gxy Gxz or Gyz\n";
 
-// The first rule that matches is taken. "units" is used before the items are read.
+// The first rule that matches applies. The value of "units" is found before the items are read.
 constexpr KeyRule kRules[] = {
     {kBeginning, "units"},
     {kBeginning, "widthY", {}, 0, 1, &Widths::y},

@@ -4,8 +4,8 @@ namespace morlen {
 
 class Material;
 
-/// Whether the ratios of an orthotropic material make its matrix symmetric: Ex*nuXY = Ey*nuYX,
-/// to 1e-12 of the larger product.
+/// True when the Poisson ratios make the stress-strain matrix symmetric: Ex·nuXY = Ey·nuYX, to
+/// 1e-12 of the larger product.
 bool IsSymmetric(const Material& material);
 
 }  // namespace morlen

@@ -109,6 +109,7 @@ void Mesh::ClearAllNodes()
 void Mesh::ClearAllElems()
 {
   DeleteAll<Elem>(*elems);
+  places = NodePlaces();
 }
 
 int CompareEdgePointers(const void* a, const void* b)

@@ -12,20 +12,20 @@ namespace morlen {
 
 namespace {
 
-// The integer behind a keyword, whatever stands between the two; 0 when it is too
-// large for one, which every caller refuses.
-int ReadIntBehind(TextScan& text, const char* keyword)
+// The first integer after a keyword; any text between the two is skipped. 0 when the digits do
+// not fit into an int: every caller refuses 0.
+int ReadIntAfter(TextScan& text, const char* keyword)
 {
   FindThisWord(text, keyword);
   const char* const from = text.Here();
   if (!text.FindDigit())
     Fatal("end of file and no digit found\n");
-  Note(ReadEvent::SkippedText, {from, text.Here()}, "digit");
+  Note(ReadEvent::SkippedToNumber, {from, text.Here()});
   int value = 0;
   return text.ReadInt(value) ? value : 0;
 }
 
-// A unit of length may make it infinite.
+// The ratio of the length units may make a coordinate infinite.
 void RequireFinite(const Node& node)
 {
   for (const double coordinate : node) {
@@ -57,17 +57,17 @@ ElemType FindType(TextScan& text)
 
 void Mesh::ReadFromAscii(TextScan& text, const Units* units)
 {
-  ndime = ReadIntBehind(text, "dimension");
+  ndime = ReadIntAfter(text, "dimension");
   if (ndime != 2 && ndime != 3)
     Fatal("error: mesh dimension must be 2 or 3\n");
   FindThisWord(text, "elemtype");
   elemType = FindType(text);
-  nnode = ReadIntBehind(text, "nnode");
+  nnode = ReadIntAfter(text, "nnode");
   CalcShapeGaussFemv();
   FindThisWord(text, "coordinates");
   ReadNodes(text, units ? units->MeshLengthRatio() : 1.0);
-  FindThisWord(text, "end");
-  FindThisWord(text, "elements");
+  FindBlockEnd(text);
+  FindWordAfterBlock(text, "elements");
   ReadElems(text, units);
   SkipBlockEnd(text);
 }
@@ -105,8 +105,8 @@ bool Mesh::ReadNode(TextScan& text, double lengthFactor)
   return true;
 }
 
-// A node listed again, by this mesh or an earlier one, only moves: elements, supports
-// and loads that point at it stay right.
+// A node that is listed again, in this mesh or in one before, gets new coordinates and stays the
+// same object, so that elements, supports and loads keep pointing at it.
 void Mesh::StoreNode(std::unique_ptr<Node> node)
 {
   const int number = node->number;

@@ -10,7 +10,7 @@ namespace morlen {
 
 namespace {
 
-// The last part of a path, or its last 6 characters when it has more.
+// The file name without its folders; of a longer name the last 6 characters.
 std::string_view FemviewTitle(std::string_view fileName)
 {
   constexpr std::size_t kLongest = 6;

@@ -3,7 +3,8 @@
 #include <array>
 #include <ostream>
 
-#include "model/constraint.h"
+#include "base/node_components.h"
+#include "base/object_pool.h"
 
 namespace morlen {
 
@@ -11,16 +12,16 @@ namespace morlen {
 class Load : public Pooled<Load>
 {
 public:
-  explicit Load(int n) : Load(n, TranslationsOf(n)) {}
-  /// For nodes whose first `translations` components are displacements.
-  Load(int, int translationCount) : translations(translationCount) {}
+  /// For nodes of n components that have rotations too.
+  explicit Load(int n) : Load(WithRotations(n)) {}
+  explicit Load(const NodeComponents& components) : translations(components.translations) {}
 
-  /// Adds n values, converted by the two unit ratios: forces, then moments.
+  /// Adds n values, forces then moments, converted by the two unit ratios.
   void AddValues(const double* given, int n, double forceFactor, double lengthFactor);
-  /// Adds to component i, from 1.
+  /// Adds to component i (from 1). Not used by the analysis itself.
   void AddNewDegree(int i, double v) { values[i - 1] += v; }
 
-  /// One line with the values.
+  /// One line with the values. Not used by the analysis itself.
   void PrintTo(std::ostream& out, int n) const;
 
   std::array<double, kMaxComponents> values{};

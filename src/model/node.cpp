@@ -10,7 +10,7 @@
 
 namespace morlen {
 
-// Here, where the types that a node owns are complete.
+// Not inline: here the types that a node owns are complete.
 Node::Node(int ndime) : ReaVec(ndime) {}
 
 Node::~Node() = default;

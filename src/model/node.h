@@ -27,36 +27,39 @@ public:
   /// the rest of the line. Returns 1, or 0 when there is no such line here.
   int ReadFromAscii(TextScan& text);
 
-  /// Takes the coordinates of the other node, and its dimension.
+  /// Copies the coordinates and the dimension of the other node.
   void MoveTo(const Node& other) { ReaVec::operator=(other); }
 
   int number = 0;          ///< the user's number; after a renumbering the system number
   int word = 0;            ///< scratch of the renumbering
-  bool hasRotule = false;  ///< every beam end at this node is hinged
+  bool hasRotule = false;  ///< true when every beam end at this node is hinged
   std::unique_ptr<Constraint> constraint;
   std::unique_ptr<Load> load;
 };
 
+/// As ReadFromAscii. Not used by the analysis itself.
 inline TextScan& operator>>(TextScan& text, Node& node)
 {
   node.ReadFromAscii(text);
   return text;
 }
-/// A node is more than the coordinates that the vector would read.
+/// Deleted: the operator of the vector would read the coordinates only.
 std::istream& operator>>(std::istream& in, Node& node) = delete;
 
-/// The node's number; 0 for a node that is not there.
+/// The node's number; 0 for null.
 inline int NumberOf(const Node* node)
 {
   return node ? node->number : 0;
 }
 
+/// As WriteNodeLine with the node's number. Not used by the analysis itself.
 std::ostream& operator<<(std::ostream& out, const Node& node);
 
-/// Number (width 5) and coordinates (width 15 each), then a newline.
+/// Writes the number (width 5), the coordinates (width 15 each) and a newline. Not used by the
+/// analysis itself.
 void WriteNodeLine(std::ostream& out, int number, const Node& node);
 
-/// Squared distance of two points, which may have two coordinates or three.
+/// Squared distance of two points; a plane point has z = 0.
 double dist2(const Node* a, const Node* b);
 
 }  // namespace morlen

@@ -1,6 +1,10 @@
-// Numbers the nodes outward from the extreme node of the model. Nodes at a similar
-// distance from it lie in one band of a compact mesh and get neighbouring numbers, which
-// keeps the profile of the skyline matrix narrow.
+// Numbering of the nodes for a narrow profile of the skyline matrix.
+//
+// The node farthest from the centroid of all nodes gets number 1; the others follow by their
+// distance from it. In a compact mesh the nodes of one element have similar distances and so
+// similar numbers: each row of the matrix then begins near its diagonal. Nodes at the same
+// distance keep their order, so that the numbering is the same on every machine. The cost is
+// that of one sort; the connections between the nodes are not used.
 
 #include <algorithm>
 #include <utility>
@@ -12,11 +16,11 @@
 
 namespace morlen {
 
-const Node* mxnod = nullptr;
+constinit thread_local const Node* mxnod = nullptr;
 
 namespace {
 
-// The node farthest from the centroid; the first of several.
+// The node farthest from the centroid; of several, the first.
 const Node* ExtremeNode(const VoidPlex* nodes, int count)
 {
   Node centroid(3);
@@ -37,7 +41,8 @@ const Node* ExtremeNode(const VoidPlex* nodes, int count)
   return extreme;
 }
 
-// A node and the square of its distance, computed once, so that the sort reads no node.
+// A node and the square of its distance. The distances are computed once, so that the sort
+// reads no node.
 struct RankedNode
 {
   double distance;

@@ -1,3 +1,12 @@
+// Quadratic shape functions of the triangle and the tetrahedron, with Jacobians and shares of
+// loads.
+//
+// With the natural coordinates L of the corners (their sum is 1; ξ, η, ζ are those of corners 2,
+// 3, 4), the function of a corner is L (2L - 1) and that of a node on an edge 4 La Lb. A
+// derivative by ξ changes the first corner's L by -1 and the second one's by 1. Source: O. C.
+// Zienkiewicz, R. L. Taylor, The Finite Element Method, vol. 1, Butterworth-Heinemann, 5th ed.
+// 2000, chapter 8.
+
 #include "model/shape_functions.h"
 
 #include <algorithm>

@@ -15,8 +15,8 @@ bool Precedes(const UnitsBase& a, const UnitsBase& b)
   return CompareUnitsBase(a, b) < 0;
 }
 
-// What stands behind the word "units" of a line; empty without such a word.
-std::string_view BehindUnitsWord(std::string_view line)
+// The rest of a line after its word "units"; empty without such a word.
+std::string_view AfterUnitsWord(std::string_view line)
 {
   for (const std::string_view word : {"units", "Units", "UNITS"}) {
     const std::size_t at = line.find(word);
@@ -50,7 +50,8 @@ Units::Ratios Units::RatiosOf(const UnitsBase& given) const
   return {given.facN / resForce, given.facM / resLength};
 }
 
-// Only the new entries are sorted, so that a long table may come in many small parts.
+// Sorts only the new entries, then merges: a long table that comes in many small parts costs
+// no sort of the whole each time.
 void Units::AddUnitsBase(const UnitsBase* list, int n)
 {
   const auto added = bases.insert(bases.end(), list, list + n);
@@ -75,7 +76,7 @@ const UnitsBase* Units::GiveUnitsBase(std::string_view name) const
 const UnitsBase* Units::GiveUnitsBaseFromLine(std::string_view line) const
 {
   constexpr std::size_t kLongest = 99;
-  std::string_view name = BehindUnitsWord(line);
+  std::string_view name = AfterUnitsWord(line);
   const std::size_t start = name.find_first_not_of(" =:\r\n");
   if (start == std::string_view::npos)
     return nullptr;

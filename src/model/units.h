@@ -6,8 +6,8 @@
 
 namespace morlen {
 
-/// A named unit system. Its factors are relative to a reference of the user's choice,
-/// the same for all systems of a file: only their ratios count.
+/// A named unit system. Its factors refer to units that the user chooses, the same for all
+/// systems of a file, so that only their ratios matter.
 struct UnitsBase
 {
   std::string name = {};    ///< key of the table
@@ -18,19 +18,20 @@ struct UnitsBase
   double facM = 1.0;        ///< size of the length unit
 };
 
-/// Whether the size of a unit can be one: positive and finite.
+/// True for a size that a unit can have: positive and finite.
 bool IsFactor(double size);
 
-/// Order of two unit systems by name, byte by byte: below, equal to or above 0.
+/// Order of two unit systems by name, byte by byte: below 0 when a comes first, above 0 when b
+/// does, else 0.
 int CompareUnitsBase(const UnitsBase& a, const UnitsBase& b);
 
-/// The unit systems of a problem file and the factors in force. All computation is in
-/// the units of the results, so every value read is multiplied by the ratios of its own
-/// factors to those.
+/// The unit systems of a problem file, and the factors of the units used. All computation is in
+/// the units of the results: every value read is multiplied by the ratios of the factors of its
+/// units to those of the results.
 class Units
 {
 public:
-  /// What a value of a record is multiplied by, for its power of force and of length.
+  /// Ratios of the units of a record to those of the results.
   struct Ratios
   {
     double force = 1.0;
@@ -40,28 +41,28 @@ public:
     double Of(int forcePower, int lengthPower) const;
   };
 
-  /// Adds n unit systems and sorts the table again. Equal names are not refused; which
-  /// of them a look-up finds is open.
+  /// Adds n unit systems and keeps the table sorted. Equal names are allowed; a look-up finds
+  /// any of them.
   void AddUnitsBase(const UnitsBase* list, int n);
 
   /// The unit system of this name; never null. Fatal when it is not defined, and when
   /// the name has 20 characters or more.
   const UnitsBase* GiveUnitsBase(std::string_view name) const;
-  /// The unit system named behind the first "units" of a line (else the first "Units",
-  /// else "UNITS"); null when there is no such word or nothing follows it.
+  /// The unit system named after the first "units" of a line (else the first "Units", else
+  /// "UNITS"); null when there is no such word or nothing follows it.
   const UnitsBase* GiveUnitsBaseFromLine(std::string_view line) const;
   /// The first unit system whose length unit has this name; fatal when there is none.
   const UnitsBase* GiveUnitsBaseFromLength(std::string_view name) const;
 
-  /// For a material or load record without units of its own.
+  /// For a material or load record that names no unit system.
   Ratios DefaultRatios() const { return {matLoadForce / resForce, matLoadLength / resLength}; }
-  /// For a record given in this unit system. Fatal when its factors are not positive.
+  /// For a record that names this unit system. Fatal when its factors are not positive.
   Ratios RatiosOf(const UnitsBase& given) const;
   /// For mesh coordinates.
   double MeshLengthRatio() const { return meshLength / resLength; }
 
   double meshLength = 1.0;    ///< length factor of mesh coordinates
-  double matLoadForce = 1.0;  ///< factors of materials and loads without units of their own
+  double matLoadForce = 1.0;  ///< factors of materials and loads that name no unit system
   double matLoadLength = 1.0;
   double resForce = 1.0;  ///< factors of the results
   double resLength = 1.0;

@@ -11,9 +11,9 @@ enum class Turn
   ToLocal
 };
 
-// Blocks and vectors of nodes have 3 or 6 components: one or two triples, each turned by
-// the same 3×3 frame. Of T only the leading 3×3 is read, so that it may be the frame itself
-// or its repetition on a diagonal. Nothing is allocated.
+// Blocks and vectors of nodes have 3 or 6 components: one or two triples, each turned by the
+// same 3×3 frame. Only the leading 3×3 block of T is read, so that T may be the frame itself or
+// a diagonal of copies of it. Nothing is allocated.
 
 /// K ← T·K (to global) or Tᵀ·K (to local).
 void TurnRows(const Matriu& T, Turn turn, Matriu& K);

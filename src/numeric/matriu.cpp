@@ -25,7 +25,7 @@ std::span<const double> Entries(const Matriu& m)
   return {m.Data(), static_cast<std::size_t>(m.Size())};
 }
 
-/// Refuses a matrix without entries; the name is that of the quantity asked for.
+/// Refuses a matrix without entries. `name` is the quantity for the message.
 void RequireEntries(const Matriu& m, const char* name)
 {
   if (m.Size() == 0)
@@ -57,7 +57,7 @@ double LargestSum(int kCount, int lCount, Entry entry)
   return largest;
 }
 
-/// Writes `from` over the entries of `to` from (row, col) on, where it fits.
+/// Writes `from` over the entries of `to` from (row, col) on; `to` must be large enough.
 void CopyBlock(const Matriu& from, int row, int col, Matriu& to)
 {
   for (int i = 1; i <= from.Rows(); i++)
@@ -230,7 +230,7 @@ void Matriu::WriteBinary(std::FILE* file) const
   std::fwrite(Data(), sizeof(double), static_cast<std::size_t>(Size()), file);
 }
 
-Matriu& Matriu::Take(Matriu& m) noexcept
+Matriu& Matriu::MoveFrom(Matriu& m) noexcept
 {
   if (this != &m) {
     nrows = std::exchange(m.nrows, 0);
@@ -272,7 +272,7 @@ void Matriu::Enlarge(long long rows, long long cols)
   enlarged = 0.0;
   if (Size() > 0)
     CopyBlock(*this, 1, 1, enlarged);
-  Take(enlarged);
+  MoveFrom(enlarged);
 }
 
 bool AreVeryEqual(const Matriu& a, const Matriu& b, double tol)

@@ -19,9 +19,12 @@ class Transpose;
 ///
 /// Expressions return a MatriuT, whose array the target of an assignment takes
 /// over; taking over works from a named temporary too and leaves it 0×0.
-/// A matrix of size 0 (no rows or no columns) is a legal value, but nearly
-/// every operation refuses it. Where an operation checks more than one thing,
-/// size 0 comes first, then the shape, then values. Sizes beyond 2³¹ − 1 are fatal.
+/// A matrix of size 0 (no rows or no columns) is a legal value, but nearly every operation
+/// refuses it. Operations check size 0 first, then the shape, then values. Sizes beyond
+/// 2³¹ − 1 are fatal.
+///
+/// Not used by the analysis itself: I, subMatriu, AddSubmatriu, GiveColumn, the views t(), norms,
+/// sums and trace, isZero, scorn, i, det, LinSolve and the input and output of matrices.
 class Matriu
 {
 public:
@@ -29,7 +32,7 @@ public:
   /// Values not initialised. The arguments are wide so that a sum of sizes can be passed unchecked.
   Matriu(long long rows, long long cols) { Reshape(rows, cols); }
   Matriu(const Matriu& m) { *this = m; }
-  Matriu(Matriu&& m) noexcept { Take(m); }
+  Matriu(Matriu&& m) noexcept { MoveFrom(m); }
   Matriu(MatriuT& m) noexcept;        ///< leaves the temporary empty
   explicit Matriu(const ReaVec& v);   ///< a column
   explicit Matriu(const ReaVecV& v);  ///< a column
@@ -39,7 +42,7 @@ public:
   static MatriuT I(int n);
 
   Matriu& operator=(const Matriu& m);
-  Matriu& operator=(Matriu&& m) noexcept { return Take(m); }
+  Matriu& operator=(Matriu&& m) noexcept { return MoveFrom(m); }
   Matriu& operator=(MatriuT& m) noexcept;  ///< leaves the temporary empty
   Matriu& operator=(double value);         ///< fills; fatal on size 0
 
@@ -106,7 +109,7 @@ public:
 
 protected:
   /// Takes over the array of m and leaves it 0×0.
-  Matriu& Take(Matriu& m) noexcept;
+  Matriu& MoveFrom(Matriu& m) noexcept;
 
   /// Gives the array away and becomes 0×0.
   std::unique_ptr<double[]> Release() noexcept;
@@ -174,21 +177,22 @@ public:
 
 inline Matriu::Matriu(MatriuT& m) noexcept
 {
-  Take(m);
+  MoveFrom(m);
 }
 
 inline Matriu& Matriu::operator=(MatriuT& m) noexcept
 {
-  return Take(m);
+  return MoveFrom(m);
 }
 
 inline MatriuT& MatriuT::operator=(MatriuT& m) noexcept
 {
-  Take(m);
+  MoveFrom(m);
   return *this;
 }
 
-/// False when the shapes differ or a pair of entries differs by more than tol.
+/// False when the shapes differ or a pair of entries differs by more than tol. Not used by the
+/// analysis itself.
 bool AreVeryEqual(const Matriu& a, const Matriu& b, double tol);
 
 /// Solves with the factors of Matriu::LU, overwriting b with the solution.

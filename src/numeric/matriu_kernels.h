@@ -12,8 +12,8 @@ namespace morlen {
 
 class Transpose;
 
-/// What the matrix operators take: a matrix, a temporary or a transposed view,
-/// seen through Rows(), Cols() and (i, j).
+/// An operand of the matrix operators: a matrix, a temporary or a transposed view, used
+/// through Rows(), Cols() and (i, j).
 template <class M>
 concept MatrixOperand = std::derived_from<M, Matriu> || std::same_as<M, Transpose>;
 
@@ -107,7 +107,7 @@ void RequireEntries(const A& a, const B& b, const char* zeroText)
     Fatal(zeroText);
 }
 
-/// Ends the run with the text and the shapes of the operands, as they are seen.
+/// Ends the run with the text and the shapes of the operands; those of a view are transposed.
 template <MatrixOperand A, MatrixOperand B, class... Text>
 [[noreturn]] void FatalShapes(const A& a, const B& b, const Text&... text)
 {
@@ -168,7 +168,7 @@ Matriu& EntryWiseInPlace(Matriu& a, const Matriu& b, Op op)
   return a;
 }
 
-/// The letter that tells the kinds of the operands of a product in its message.
+/// The letter for the kinds of the operands of a product in its message.
 template <MatrixOperand A, MatrixOperand B>
 constexpr char kProductLabel = "ACBD"[2 * std::same_as<A, Transpose> + std::same_as<B, Transpose>];
 

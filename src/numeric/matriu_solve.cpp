@@ -1,4 +1,10 @@
-// Inverse, determinant and the direct solutions of small dense systems.
+// Inverse, determinant and direct solution of small dense systems.
+//
+// Up to order 4, determinants are expanded by cofactors and the inverse is the adjugate over the
+// determinant; above, the inverse is a Gauss-Jordan elimination in place. LinSolve eliminates
+// (Gauss), LU factors after Crout: L with its diagonal, U with a unit diagonal. Only LinSolve
+// exchanges rows, and only for a pivot below 1e-30. Elimination and factors after G. H. Golub and
+// C. F. Van Loan, "Matrix Computations", 4th ed. 2013, chapter 3.
 
 #include <algorithm>
 #include <cassert>
@@ -30,8 +36,8 @@ bool IsNegligible(double pivot)
   return std::abs(pivot) < kPivotThreshold;
 }
 
-/// Refuses a matrix without entries, and then one that is not square; the name
-/// is that of the result asked for.
+/// Refuses a matrix without entries, then one that is not square. `name` is the result for the
+/// message.
 void RequireSquare(const Matriu& m, const char* name)
 {
   if (m.Size() == 0)
@@ -138,7 +144,7 @@ void ExchangeRows(Matriu& a, V& b, int row1, int row2)
   std::swap(b(row1), b(row2));
 }
 
-/// Takes column k out of the rows below row k.
+/// Eliminates column k from the rows below row k.
 template <DenseVector V>
 void EliminateBelow(Matriu& a, V& b, int k)
 {

@@ -8,7 +8,7 @@
 
 namespace morlen {
 
-// The typed side of VoidPlex: the only casts from its untyped pointers. A container
+// VoidPlex with types. Only this file casts its untyped pointers. A container
 // is read back with the very type it was filled with (for a hierarchy, its base).
 
 /// An object of a container and its number.
@@ -23,7 +23,7 @@ struct Numbered
 /// given as Item: T& or Numbered<T>.
 ///
 /// Loops over one container are independent of each other and of its look-ups.
-/// Storing and emptying places is allowed meanwhile, clearing the container is not.
+/// During a loop places may be filled and emptied, but the container must not be cleared.
 template <class T, class Item>
 class PlexRange
 {
@@ -99,7 +99,7 @@ T& Store(VoidPlex& plex, int number, std::unique_ptr<T> object)
   return *object.release();
 }
 
-/// The same where the number may be taken: the object that had it is handed back.
+/// As Store, but the number may be taken: the object that had it is returned.
 template <class T>
 std::unique_ptr<T> Replace(VoidPlex& plex, int number, std::unique_ptr<T> object)
 {

@@ -61,10 +61,10 @@ private:
   }
 
   double components[kMaxSize] = {};  ///< the first n are meaningful
-  int n = 0;                         ///< last, so that a derived class can go on behind it
+  int n = 0;                         ///< last, so that a derived class can use the padding after it
 };
 
-/// Square of the distance between two points.
+/// Square of the distance between two points. Not used by the analysis itself.
 inline double distance2(const ReaVec& a, const ReaVec& b)
 {
   return (a - b).sumsq();

@@ -73,7 +73,7 @@ ReaVecVT ReaVecV::subVec(int start, int length) const
   return part;
 }
 
-ReaVecV& ReaVecV::Take(ReaVecV& v) noexcept
+ReaVecV& ReaVecV::MoveFrom(ReaVecV& v) noexcept
 {
   if (this != &v) {
     n = std::exchange(v.n, 0);

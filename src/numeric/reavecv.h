@@ -29,7 +29,7 @@ public:
   ReaVecV() = default;
   explicit ReaVecV(int length);  ///< values not initialised
   ReaVecV(const ReaVecV& v) { *this = v; }
-  ReaVecV(ReaVecV&& v) noexcept { Take(v); }
+  ReaVecV(ReaVecV&& v) noexcept { MoveFrom(v); }
   ReaVecV(ReaVecVT& v) noexcept;  ///< leaves the temporary empty
   explicit ReaVecV(const ReaVec& v) { *this = v; }
   explicit ReaVecV(const Matriu& column) { *this = column; }
@@ -38,7 +38,7 @@ public:
   ~ReaVecV() = default;
 
   ReaVecV& operator=(const ReaVecV& v);
-  ReaVecV& operator=(ReaVecV&& v) noexcept { return Take(v); }
+  ReaVecV& operator=(ReaVecV&& v) noexcept { return MoveFrom(v); }
   ReaVecV& operator=(ReaVecVT& v) noexcept;  ///< leaves the temporary empty
   ReaVecV& operator=(const ReaVec& v);
   ReaVecV& operator=(const Matriu& column);
@@ -66,7 +66,7 @@ private:
       FatalVectorIndex();
     return i;
   }
-  ReaVecV& Take(ReaVecV& v) noexcept;
+  ReaVecV& MoveFrom(ReaVecV& v) noexcept;
   /// The array is kept when the length stays.
   ReaVecV& CopyFrom(const double* values, int length);
 
@@ -94,12 +94,12 @@ public:
 
 inline ReaVecV::ReaVecV(ReaVecVT& v) noexcept
 {
-  Take(v);
+  MoveFrom(v);
 }
 
 inline ReaVecV& ReaVecV::operator=(ReaVecVT& v) noexcept
 {
-  return Take(v);
+  return MoveFrom(v);
 }
 
 inline ReaVecVT& ReaVecVT::operator=(ReaVecVT& v) noexcept

@@ -1,3 +1,6 @@
+// A vector with a second part for the digits that a double lacks. Each sum is split into its
+// rounded value and its exact rounding error, so that small corrections are not lost.
+
 #include "numeric/split_vector.h"
 
 #include <utility>

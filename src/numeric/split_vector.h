@@ -7,8 +7,8 @@ namespace morlen {
 /// A vector of about twice the digits of a double: component i is value(i) + rest(i), and
 /// value(i) is that sum rounded.
 ///
-/// Displacements of a long or stiff structure need the second part: a force follows from the
-/// difference of nearly equal displacements, of which a double keeps few digits.
+/// Displacements of a long or stiff structure need the second part: forces follow from the
+/// differences of nearly equal displacements, for which a double leaves too few digits.
 struct SplitVector
 {
   SplitVector() = default;

@@ -40,10 +40,11 @@ int ColumnLength(const Matriu& m);
 /// "Different lenght vectors ".
 [[noreturn]] void FatalVectorLengths(int na, int nb);
 
-/// The text of operator<< below.
+/// Writes the text of operator<< below.
 void WriteVector(std::ostream& out, std::span<const double> values);
 
-/// The members that both vectors share, written once over V::Size() and V::Data().
+/// The members that both vectors share, in terms of V::Size() and V::Data(). The analysis itself
+/// does not use min, max, their positions, index, apply, fill, reverse, product and quotient.
 template <class V>
 class VectorMembers
 {
@@ -65,35 +66,55 @@ public:
   double min() const { return Self()(min_index()); }
   double max() const { return Self()(max_index()); }
   /// Position from 1 of the first smallest or largest component; 0 for an empty vector.
-  int min_index() const { return FirstBest(std::less<>()); }
-  int max_index() const { return FirstBest(std::greater<>()); }
+  int min_index() const { return PositionOf(std::min_element(begin(), end())); }
+  int max_index() const { return PositionOf(std::max_element(begin(), end())); }
 
   /// Position from 1 of the first component that equals the value exactly, or 0.
-  int index(double value) const;
+  int index(double value) const { return PositionOf(std::find(begin(), end(), value)); }
 
   /// Folds f(accumulator, component) from init over the components in order.
   template <class F, class T>
-  T reduce(F f, T init) const;
+  T reduce(F f, T init) const
+  {
+    for (const double component : *this)
+      init = f(init, component);
+    return init;
+  }
   /// Calls f on each component in order.
   template <class F>
-  void apply(F f) const;
+  void apply(F f) const
+  {
+    std::for_each(begin(), end(), f);
+  }
 
   /// Sets `length` components from `start` on, both read as by ResolveRange.
-  void fill(double value, int start, int length);
+  void fill(double value, int start, int length)
+  {
+    const VectorRange range = ResolveRange(Self().Size(), start, length);
+    std::fill_n(begin() + range.first, range.length, value);
+  }
   void reverse() { std::reverse(begin(), end()); }
 
   /// Multiply or divide each component by that of the other vector, of equal length.
   template <class W>
-  V& product(const W& other);
+  V& product(const W& other)
+  {
+    return CombineInPlace(std::multiplies<>(), Self(), other);
+  }
   template <class W>
-  V& quotient(const W& other);
+  V& quotient(const W& other)
+  {
+    return CombineInPlace(std::divides<>(), Self(), other);
+  }
 
 private:
   V& Self() { return static_cast<V&>(*this); }
   const V& Self() const { return static_cast<const V&>(*this); }
 
-  template <class Better>
-  int FirstBest(Better better) const;
+  int PositionOf(const double* component) const
+  {
+    return component == end() ? 0 : static_cast<int>(component - begin()) + 1;
+  }
 };
 
 /// ReaVec, ReaVecV and ReaVecVT. V::Owner is ReaVec or ReaVecV; V::Temporary is
@@ -149,8 +170,8 @@ A& CombineInPlace(F f, A& a, const B& b)
   return a;
 }
 
-/// All components of both, in their order, the next of a coming first while
-/// cmp(next of a, next of b) is below 1.
+/// Merges the components of both in their order; the next of a comes first while
+/// cmp(next of a, next of b) is below 1. Not used by the analysis itself.
 template <DenseVector A, SameFamily<A> B, class Compare>
 typename A::Temporary merge(const A& a, const B& b, Compare cmp)
 {
@@ -294,8 +315,8 @@ bool operator==(const A& a, const B& b)
   return std::equal(a.begin(), a.end(), b.begin(), b.end());
 }
 
-/// True when every component equals the value. (The value's type is a parameter because of
-/// compilers that look at the types before the concepts, and see one of two numbers.)
+/// True when every component equals the value. The value's type is a parameter: with double
+/// some compilers consider this operator for two numbers.
 template <DenseVector V, std::convertible_to<double> Value>
 bool operator==(const V& v, Value value)
 {
@@ -337,59 +358,6 @@ std::istream& operator>>(std::istream& in, V& v)
   for (double& component : v)
     in >> component;
   return in;
-}
-
-template <class V>
-int VectorMembers<V>::index(double value) const
-{
-  const double* found = std::find(begin(), end(), value);
-  return found == end() ? 0 : static_cast<int>(found - begin()) + 1;
-}
-
-template <class V>
-template <class F, class T>
-T VectorMembers<V>::reduce(F f, T init) const
-{
-  for (const double component : *this)
-    init = f(init, component);
-  return init;
-}
-
-template <class V>
-template <class F>
-void VectorMembers<V>::apply(F f) const
-{
-  for (const double component : *this)
-    f(component);
-}
-
-template <class V>
-void VectorMembers<V>::fill(double value, int start, int length)
-{
-  const VectorRange range = ResolveRange(Self().Size(), start, length);
-  std::fill_n(begin() + range.first, range.length, value);
-}
-
-template <class V>
-template <class W>
-V& VectorMembers<V>::product(const W& other)
-{
-  return CombineInPlace(std::multiplies<>(), Self(), other);
-}
-
-template <class V>
-template <class W>
-V& VectorMembers<V>::quotient(const W& other)
-{
-  return CombineInPlace(std::divides<>(), Self(), other);
-}
-
-template <class V>
-template <class Better>
-int VectorMembers<V>::FirstBest(Better better) const
-{
-  const double* best = std::min_element(begin(), end(), better);
-  return best == end() ? 0 : static_cast<int>(best - begin()) + 1;
 }
 
 }  // namespace morlen

@@ -1,9 +1,15 @@
+// A table of pointers by number, in chunks of aligned ranges of numbers. The chunks form a ring in
+// increasing order, along which loops move. Three ways lead to the chunk of a number: the cached
+// chunk (used last), the shortcuts (a table of chunks used before) and the ordered index. The
+// shortcuts are at least as many as the chunks, so that dense numbers never share an entry.
+
 #include "numeric/voidplex.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 #include "base/errorwriter.h"
 
@@ -25,19 +31,19 @@ VoidPlex::VoidPlex(int size) : chunkSize(size)
 {
   if (size < 1)
     Fatal("Invalid constructor specification");
-  StartAt(1);
+  Rebase(1);
 }
 
-// Makes one chunk, covering i, the only one.
-void VoidPlex::StartAt(int i)
+// Makes the only chunk one that covers i.
+void VoidPlex::Rebase(int i)
 {
   chunks.clear();
-  head = lastChunk = &chunks.try_emplace(LowOf(i), chunkSize).first->second;
+  head = cached = &chunks.try_emplace(LowOf(i), chunkSize).first->second;
   head->reset(i, chunkSize);
   ResetShortcuts(1);
 }
 
-// To itself it appends a copy of what it held before.
+// A container assigned to itself appends a copy of its pointers: the loop ends at the old last one.
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 VoidPlex& VoidPlex::operator=(const VoidPlex& source)
 {
@@ -45,21 +51,21 @@ VoidPlex& VoidPlex::operator=(const VoidPlex& source)
   VoidChunk* chunk = source.head;
   int i = 0;
   for (void* p = source.NextFrom(chunk, i); p && i <= end; p = source.NextFrom(chunk, i))
-    set_at(NumberBehindLast(), p);
+    set_at(NumberAfterLast(), p);
   return *this;
 }
 
 void VoidPlex::ResetShortcuts(std::size_t count) const
 {
   shortcuts.assign(count, {head->low, head->slots.get(), head});
-  lastShortcut = static_cast<unsigned>(count - 1);
+  shortcutMask = static_cast<unsigned>(count - 1);
 }
 
-// The chunk of number i among those that exist, or null.
+// The chunk that covers i, or null when there is none.
 VoidChunk* VoidPlex::FindChunk(int i) const
 {
-  if (lastChunk->Covers(i))
-    return lastChunk;
+  if (cached->Covers(i))
+    return cached;
   Shortcut& shortcut = ShortcutFor(i);
   if (!shortcut.chunk->Covers(i)) {
     const auto found = chunks.find(LowOf(i));
@@ -71,7 +77,8 @@ VoidChunk* VoidPlex::FindChunk(int i) const
   return shortcut.chunk;
 }
 
-VoidChunk* VoidPlex::MakeChunk(int i) const
+// Makes the chunk that covers i and links it into the ring, in the order of the ranges.
+VoidChunk* VoidPlex::InsertChunk(int i) const
 {
   const auto place = chunks.try_emplace(LowOf(i), chunkSize).first;
   VoidChunk* chunk = &place->second;
@@ -92,56 +99,63 @@ void VoidPlex::cache(int i) const
 {
   if (i < 1 || i < first || i > last)
     Fatal("Invalid void index -2- ", i);
-  VoidChunk* found = FindChunk(i);
-  lastChunk = found ? found : MakeChunk(i);
+  if (cached->Covers(i))
+    return;
+  VoidChunk* const found = FindChunk(i);
+  cached = found ? found : InsertChunk(i);
 }
 
-VoidChunk* VoidPlex::ChunkToSet(int i)
+// The steps that set_at and replace_at have in common: checks i, moves the first and the last
+// number, and caches the chunk. An empty container moves its chunk to i instead of adding one.
+void*& VoidPlex::SlotToWrite(int i)
 {
   if (i < 1)
     Fatal("Invalid void index ", i);
   if (first == 0) {
-    if (!head->Covers(i))
-      StartAt(i);
-    first = i;
+    if (!cached->Covers(i))
+      Rebase(i);
+    first = last = i;
+  } else {
+    first = std::min(first, i);
+    last = std::max(last, i);
   }
-  first = std::min(first, i);
-  last = std::max(last, i);
   cache(i);
-  return lastChunk;
+  return cached->Slot(i);
 }
 
-// Returns what was there.
-void* VoidPlex::Write(VoidChunk* chunk, int i, void* p)
+// Null has been written at i: the first number advances to the next pointer, and without one the
+// container is cleared.
+void VoidPlex::AfterEmptying(int i)
 {
-  void* const before = std::exchange(chunk->Slot(i), p);
-  if (p)
-    return before;
-  taken = std::min(taken, i - 1);
+  filled = std::min(filled, i - 1);
   if (i != first)
-    return before;
+    return;
   int number = i;
   if (next(number))
     first = number;
   else
     clear();
-  return before;
 }
 
-void VoidPlex::SetOther(int i, void* p)
+void VoidPlex::set_at(int i, void* p)
 {
-  VoidChunk* chunk = ChunkToSet(i);
-  if (p && chunk->Slot(i))
+  void*& slot = SlotToWrite(i);
+  if (p && slot)
     Fatal("Repeated index ", i, " in VoidPlex");
-  Write(chunk, i, p);
+  slot = p;
+  if (!p)
+    AfterEmptying(i);
 }
 
-void* VoidPlex::ReplaceOther(int i, void* p)
+void* VoidPlex::replace_at(int i, void* p)
 {
-  return Write(ChunkToSet(i), i, p);
+  void* const replaced = std::exchange(SlotToWrite(i), p);
+  if (!p)
+    AfterEmptying(i);
+  return replaced;
 }
 
-int VoidPlex::NumberBehindLast() const
+int VoidPlex::NumberAfterLast() const
 {
   if (last == std::numeric_limits<int>::max())
     Fatal("Invalid void index ", std::int64_t{last} + 1);
@@ -150,14 +164,14 @@ int VoidPlex::NumberBehindLast() const
 
 int VoidPlex::appendFirst(void* p)
 {
-  while (taken < last && !free(taken + 1))
-    ++taken;
-  const int number = taken < last ? taken + 1 : NumberBehindLast();
+  while (filled < last && !free(filled + 1))
+    ++filled;
+  const int number = filled < last ? filled + 1 : NumberAfterLast();
   set_at(number, p);
   return number;
 }
 
-void* VoidPlex::SearchAt(int i) const
+void* VoidPlex::AtSlow(int i) const
 {
   if (i < 1 || i < first || i > last)
     return nullptr;
@@ -165,7 +179,7 @@ void* VoidPlex::SearchAt(int i) const
   return chunk ? chunk->Slot(i) : nullptr;
 }
 
-void* VoidPlex::SearchFrom(VoidChunk*& chunk, int& i) const
+void* VoidPlex::NextFromSlow(VoidChunk*& chunk, int& i) const
 {
   const std::int64_t from = std::max(std::int64_t{i} + 1, std::int64_t{first});
   i = 0;
@@ -187,17 +201,19 @@ void* VoidPlex::SearchFrom(VoidChunk*& chunk, int& i) const
 
 void* VoidPlex::next(int& i) const
 {
-  if (first == 0) {
+  if (first == 0 || i >= last) {
     i = 0;
     return nullptr;
   }
-  const int from = i < first ? first : i < last ? i + 1 : last;
+  // Scan from the first number or from i + 1, in the chunk that covers it or the next one, and
+  // move the cache along.
+  const int from = std::max(first, i + 1);
   VoidChunk* chunk = FindChunk(from);
   if (!chunk)
     chunk = &chunks.lower_bound(LowOf(from))->second;
-  void* p = NextFrom(chunk, i);
+  void* const p = NextFrom(chunk, i);
   if (p)
-    lastChunk = chunk;
+    cached = chunk;
   return p;
 }
 
@@ -237,7 +253,7 @@ void VoidPlex::TakeOutHoles()
       continue;
     chunk->Slot(i) = nullptr;
     cache(target);
-    lastChunk->Slot(target) = p;
+    cached->Slot(target) = p;
   }
   last = target;
 }
@@ -245,11 +261,11 @@ void VoidPlex::TakeOutHoles()
 void VoidPlex::clear()
 {
   chunks.erase(std::next(chunks.begin()), chunks.end());
-  head = lastChunk = &chunks.begin()->second;
+  head = cached = &chunks.begin()->second;
   head->nextChunk = head->prevChunk = head;
   head->clear();
   ResetShortcuts(1);
-  first = last = taken = 0;
+  first = last = filled = 0;
 }
 
 }  // namespace morlen

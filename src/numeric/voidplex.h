@@ -1,10 +1,8 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <map>
 #include <memory>
-#include <utility>
 #include <vector>
 
 namespace morlen {
@@ -35,10 +33,11 @@ struct VoidChunk
 /// Table of untyped pointers by number, from 1 to INT_MAX.
 ///
 /// Numbers may be sparse and come in any order: there is storage only for the chunks
-/// in use. A look-up tries the chunk used last, then a table of shortcuts that finds
-/// every chunk of dense numbers, then an ordered index: random access costs at most the
-/// logarithm of the number of chunks and never a walk along the ring. The objects are
-/// not owned, the chunks are.
+/// in use. The chunk used last is cached. A look-up tries it first, then a table of
+/// shortcuts that finds every chunk of dense numbers, then an ordered index: random access
+/// costs at most the logarithm of the number of chunks, never a walk along the ring. The
+/// objects are not owned, the chunks are. Reading moves the cache, so that one container
+/// must not be read by two threads at once.
 ///
 /// Objects are reached with their type through numeric/plex_range.h.
 class VoidPlex
@@ -48,26 +47,20 @@ public:
   explicit VoidPlex(int size);
   VoidPlex(const VoidPlex&) = delete;
 
-  /// Appends the pointers of the source, in their order, behind the last number of
-  /// this container, which is not cleared. Their numbers are not kept.
+  /// Appends the pointers of the source, in their order, after the last number of this
+  /// container, which is not cleared. Their numbers are not kept. Not used by the analysis itself.
   VoidPlex& operator=(const VoidPlex& source);
 
   /// Stores p at number i; null empties the place. Fatal when i is below 1, and when
   /// a pointer would be replaced by another.
-  void set_at(int i, void* p)
-  {
-    if (IsPlain(i, p) && !lastChunk->Slot(i))
-      WritePlain(i, p);
-    else
-      SetOther(i, p);
-  }
+  void set_at(int i, void* p);
   /// As set_at, but a pointer may be replaced by another; the one replaced is returned.
-  void* replace_at(int i, void* p) { return IsPlain(i, p) ? WritePlain(i, p) : ReplaceOther(i, p); }
-  /// Stores p at the lowest free number, which is returned.
+  void* replace_at(int i, void* p);
+  /// Stores p at the lowest free number, which is returned. Not used by the analysis itself.
   int appendFirst(void* p);
 
-  /// Makes the chunk of number i the one where look-ups start, creating it when it
-  /// does not exist. Fatal outside first..last.
+  /// Makes the chunk of number i the cached one, where look-ups start; creates it when it does
+  /// not exist. Fatal outside first..last.
   void cache(int i) const;
   /// The next stored pointer after number i, which is updated; null and i = 0 at the
   /// end. A loop starts from i = 0.
@@ -78,24 +71,24 @@ public:
     const Shortcut& shortcut = ShortcutFor(i);
     if (i >= shortcut.low && i - shortcut.low < chunkSize)
       return shortcut.slots[i - shortcut.low];
-    return SearchAt(i);
+    return AtSlow(i);
   }
   /// Whether nothing is stored at number i.
   bool free(int i) const { return At(i) == nullptr; }
 
-  /// The next stored pointer after number i, searched from the given chunk on, which
-  /// must not lie behind i; both are updated. Null at the end. Leaves the chunk used
-  /// last alone.
+  /// The next stored pointer after number i, searched from the given chunk on, which must not
+  /// lie after i; both are updated. Null and i = 0 at the end. The cached chunk stays, so that
+  /// several loops may run at once.
   void* NextFrom(VoidChunk*& chunk, int& i) const
   {
-    // The last number first: where everything has been emptied, the chunk is gone.
+    // i < last comes first: once the container is empty, the chunk may be gone.
     if (i < last && i >= chunk->low && i < chunk->high) {
       if (void* p = chunk->Slot(i + 1)) {
         ++i;
         return p;
       }
     }
-    return SearchFrom(chunk, i);
+    return NextFromSlow(chunk, i);
   }
 
   int Count() const;
@@ -106,9 +99,11 @@ public:
   /// The chunk with the lowest range.
   VoidChunk* Head() const { return head; }
 
-  /// Lowers the last number to the highest one that holds a pointer.
+  /// Lowers the last number to the highest one that holds a pointer. Not used by the analysis
+  /// itself.
   void ReCalcLast();
-  /// Moves the pointers down over the empty numbers between them, keeping their order.
+  /// Moves the pointers down over the empty numbers between them, keeping their order. Not used by
+  /// the analysis itself.
   void TakeOutHoles();
   /// Frees every chunk but the head and empties that one.
   void clear();
@@ -116,7 +111,7 @@ public:
 private:
   using Index = std::map<int, VoidChunk>;
 
-  /// A chunk, with what a look-up takes from it.
+  /// A chunk, with copies of the two members that a look-up reads, which saves a cache miss.
   struct Shortcut
   {
     int low;
@@ -131,45 +126,32 @@ private:
   {
     const unsigned place = static_cast<unsigned>(i) - 1;
     const unsigned size = static_cast<unsigned>(chunkSize);
-    // By a constant a division is a multiplication.
-    return shortcuts[(size == kUsualSize ? place / kUsualSize : place / size) & lastShortcut];
+    // The compiler replaces the division by a constant with a multiplication.
+    return shortcuts[(size == kUsualSize ? place / kUsualSize : place / size) & shortcutMask];
   }
 
   int LowOf(int i) const { return (i - 1) / chunkSize * chunkSize + 1; }
-  void StartAt(int i);
-  void* SearchAt(int i) const;
+  void Rebase(int i);
   void ResetShortcuts(std::size_t count) const;
   VoidChunk* FindChunk(int i) const;
-  VoidChunk* MakeChunk(int i) const;
-  VoidChunk* ChunkToSet(int i);
-  void* SearchFrom(VoidChunk*& chunk, int& i) const;
-  void* Write(VoidChunk* chunk, int i, void* p);
-  void SetOther(int i, void* p);
-  void* ReplaceOther(int i, void* p);
-
-  /// Whether writing concerns nothing but a slot of the chunk used last, and the last number.
-  bool IsPlain(int i, const void* p) const
-  {
-    return p && first != 0 && i > first && lastChunk->Covers(i);
-  }
-  void* WritePlain(int i, void* p)
-  {
-    last = std::max(last, i);
-    return std::exchange(lastChunk->Slot(i), p);
-  }
-  int NumberBehindLast() const;
+  VoidChunk* InsertChunk(int i) const;
+  void*& SlotToWrite(int i);
+  void AfterEmptying(int i);
+  void* AtSlow(int i) const;
+  void* NextFromSlow(VoidChunk*& chunk, int& i) const;
+  int NumberAfterLast() const;
 
   int chunkSize;
   int first = 0;
   int last = 0;
-  int taken = 0;         ///< numbers 1..taken hold pointers (perhaps more do)
+  int filled = 0;        ///< numbers 1..filled hold pointers, perhaps more do
   mutable Index chunks;  ///< by their lowest number; never without one
-  /// Chunks used before, by their place in the row of all ranges modulo the length, a
-  /// power of 2; any chunk where none is known.
+  /// Chunks used before. Range k, counted from 0, has the entry k modulo the length, a power
+  /// of 2. An entry for which no chunk is known yet holds the head.
   mutable std::vector<Shortcut> shortcuts;
-  mutable unsigned lastShortcut = 0;  ///< the length less 1
+  mutable unsigned shortcutMask = 0;  ///< the length less 1
   mutable VoidChunk* head;
-  mutable VoidChunk* lastChunk;  ///< used last
+  mutable VoidChunk* cached;  ///< used last
 };
 
 }  // namespace morlen

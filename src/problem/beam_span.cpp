@@ -111,13 +111,13 @@ double SpanLoad::Strength(const BeamSpan& beam, int component, double t) const
 {
   const SpanForce& force = ForceOf(beam, component);
   const double value =
-      force.sign * GiveLocalStrength(force.part, t, beam.L, q[force.q], beam.hingeCode);
+      force.sign * GiveLocalStrength(force.part, t, beam.L, q[force.q], beam.hingeCode.Value());
   return force.part == SpanPart::Axial ? value - beam.EA * strain : value;
 }
 
 void SpanLoad::AddToReactionsVecs(const BeamSpan& beam, double* R1, double* R2) const
 {
-  for (int k = 1; k <= beam.Components(); ++k) {
+  for (int k = 1; k <= beam.Components().count; ++k) {
     const double sign = ForceOf(beam, k).endSign;
     R1[k - 1] -= sign * Strength(beam, k, 0.0);
     R2[k - 1] += sign * Strength(beam, k, 1.0);
@@ -129,7 +129,7 @@ void SpanLoad::AddToLoadVectorBeam(const BeamSpan& beam, int first, int second,
 {
   double R1[6] = {};
   double R2[6] = {};
-  const int n = beam.Components();
+  const int n = beam.Components().count;
   AddToReactionsVecs(beam, R1, R2);
   TurnVector(beam.T, Turn::ToGlobal, n, R1);
   TurnVector(beam.T, Turn::ToGlobal, n, R2);
@@ -148,13 +148,15 @@ void SpanLoad::AddToStrengthVectors(const BeamSpan& beam, int component, double 
 void SpanLoad::AddToDisplacementVectors(const BeamSpan& beam, double t, double* displacement) const
 {
   const double stiffness[] = {beam.EA, beam.EIz, beam.EIy};
+  const int translations = beam.Components().translations;
   double local[3] = {};
-  for (int axis = 0; axis < beam.Translations(); ++axis) {
+  for (int axis = 0; axis < translations; ++axis) {
     const SpanPart part = axis == 0 ? SpanPart::Axial : SpanPart::Shear;
-    local[axis] = GiveLocalDisplacement(part, t, beam.L, q[axis], stiffness[axis], beam.hingeCode);
+    local[axis] =
+        GiveLocalDisplacement(part, t, beam.L, q[axis], stiffness[axis], beam.hingeCode.Value());
   }
   TurnVector(beam.T, Turn::ToGlobal, 3, local);
-  for (int k = 0; k < beam.Translations(); ++k)
+  for (int k = 0; k < translations; ++k)
     displacement[k] += local[k];
 }
 

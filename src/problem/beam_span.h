@@ -1,6 +1,8 @@
 #pragma once
 
 #include "base/constants.h"
+#include "base/node_components.h"
+#include "model/hinge_code.h"
 
 namespace morlen {
 
@@ -31,26 +33,24 @@ double GiveLocalStrength(SpanPart part, double t, double L, double q, int hingeC
 double GiveLocalDisplacement(SpanPart part, double t, double L, double q, double stiffness,
                              int hingeCode);
 
-/// A beam as the loads on it see it. T is its frame, which is borrowed.
+/// A beam with the values that its loads need. The frame T is borrowed.
 struct BeamSpan
 {
   const Elem& elem;
   const Material& material;
   const Matriu& T;
   PROBLEMTYPE type;
-  int hingeCode;
+  HingeCode hingeCode;
   double L;
   double EIy, EIz, EA;
 
-  int Components() const { return type == kPlane ? 3 : 6; }
-  int Translations() const { return type == kPlane ? 2 : 3; }
+  NodeComponents Components() const { return ComponentsOf(type); }
 };
 
-/// All that acts on a beam between its ends, in its local axes.
+/// The sum of the loads on a beam between its ends, in its local axes.
 ///
-/// Loads on one beam add up to one of these. The internal forces along the span are given
-/// here for the beam with fixed ends; the end loads are their values at the ends, so that
-/// diagrams, end forces and load vector agree.
+/// The internal forces are those of the beam with fixed ends. The equivalent nodal loads are their
+/// values at the ends, so that diagrams, end forces and load vector agree.
 struct SpanLoad
 {
   double q[4] = {};     ///< per length: axial, along y, along z, torque
@@ -68,8 +68,8 @@ struct SpanLoad
   /// Adds to the internal force `component` (from 1) at t.
   void AddToStrengthVectors(const BeamSpan& beam, int component, double t, double& strength) const;
 
-  /// Adds what the load bends the beam between its ends to the displacement at t: global
-  /// axes, two components in plane problems and three in space.
+  /// Adds the displacement at t of the beam with fixed ends under the load: global axes, the
+  /// translations only.
   void AddToDisplacementVectors(const BeamSpan& beam, double t, double* displacement) const;
 
 private:

@@ -1,14 +1,17 @@
 // The five blocks of element loads: records "element values items".
 
+#include "problem/elem_load_reader.h"
+
 #include <memory>
 #include <string>
 
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
+#include "base/textscan.h"
 #include "numeric/plex_range.h"
 #include "problem/elem_loads.h"
 #include "problem/pressure_load.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen {
 
@@ -62,27 +65,28 @@ void Attach(VoidPlex& elemLoads, int number, std::unique_ptr<BaseElemLoads> load
     Store(elemLoads, number, std::move(load));
 }
 
+void ReadOneLoad(TextScan& text, int number, std::unique_ptr<BaseElemLoads> load, Problem& problem)
+{
+  const Elem* elem = problem.GiveElem(number);
+  if (!elem)
+    Fatal("error: trying to assign load to element number ", number, " and it does not exist\n");
+  load->ReadYourLoad(number, problem.problemType, UpToNull(text.ReadRestOfLine()), problem.units,
+                     elem->ElemType());
+  Attach(problem.elemLoads, number, std::move(load));
+}
+
 }  // namespace
 
-int Project::ReadElemLoad(TextScan& text, std::string_view word)
+bool ReadElemLoad(TextScan& text, std::string_view word, Problem& problem)
 {
   const MakeLoad make = FindLoadType(word);
   if (!make)
-    return -1;
+    return false;
   // No comments here: a '#' is one more word that is no number.
   for (int number = 0; text.ReadInt(number);)
-    Attempt(&text, [&] { ReadOneLoad(text, number, make()); });
+    Attempt(&text, [&] { ReadOneLoad(text, number, make(), problem); });
   SkipBlockEnd(text);
-  return 0;
-}
-
-void Project::ReadOneLoad(TextScan& text, int number, std::unique_ptr<BaseElemLoads> load)
-{
-  const Elem* elem = GiveElem(number);
-  if (!elem)
-    Fatal("error: trying to assign load to element number ", number, " and it does not exist\n");
-  load->ReadYourLoad(number, problemType, UpToNull(text.ReadRestOfLine()), *this, elem->ElemType());
-  Attach(elemLoads, number, std::move(load));
+  return true;
 }
 
 }  // namespace morlen

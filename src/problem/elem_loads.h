@@ -16,7 +16,7 @@ class Units;
 struct BeamSpan;
 struct SpanLoad;
 
-/// What the record of an element load says, in the units of the results.
+/// The record of an element load, in the units of the results.
 struct ElemLoadRecord
 {
   const char* keyword;           ///< of its block
@@ -38,7 +38,7 @@ public:
   virtual void ReadYourLoad(int elemNumber, PROBLEMTYPE type, std::string_view text,
                             const Units& units, ElemType elemType) = 0;
 
-  /// Adds what the load is to a beam.
+  /// Adds the load to the sum of the loads on a beam.
   virtual void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const = 0;
 
   /// Adds the equivalent nodal loads to the load vector by equation. T: the frame (3×3) of

@@ -1,30 +1,25 @@
 // The blocks of supports and nodal loads: records of one line each,
 // "node [flags] values items".
 
+#include "problem/nodal_reader.h"
+
 #include <memory>
 #include <string_view>
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "base/textscan.h"
 #include "model/constraint.h"
 #include "model/nodal_load.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
+#include "problem/record_items.h"
 
 namespace morlen {
 
 namespace {
-
-struct NodalRecord
-{
-  int flags[kMaxComponents] = {};
-  double values[kMaxComponents] = {};
-  bool anglesGiven = false;
-  double angles[3] = {};
-  Units::Ratios ratios;
-};
 
 // n one-digit flags, each 0, 1 or 2.
 bool ScanFlags(std::string_view& text, int n, int* flags)
@@ -46,86 +41,66 @@ bool ScanValues(std::string_view& text, int n, double* values)
   return true;
 }
 
-// The items behind the values; keys that are not known are ignored, angles where they
-// are not asked for too.
-void ScanItems(std::string_view tail, const Units& units, bool withAngles, const char* misread,
-               int node, NodalRecord& record)
+void ReadConstraint(TextScan& text, int number, Problem& problem)
 {
-  ItemScanner items(tail);
-  for (std::string_view key = items.Key(); !key.empty(); key = items.Key()) {
-    const std::string_view value = items.Value();
-    if (value.empty())
-      Fatal(misread, node, "\n");
-    const int angle = withAngles ? EulerIndex(key) : -1;
-    if (angle >= 0) {
-      record.anglesGiven = true;
-      record.angles[angle] = NumberOfItem(value);
-    } else if (HasPrefix(key, "units")) {
-      record.ratios = units.RatiosOf(*units.GiveUnitsBase(value));
-    } else {
-      Note(ReadEvent::IgnoredKey, key);
-    }
-  }
-}
-
-}  // namespace
-
-void Project::ReadFAConstraints(TextScan& text)
-{
-  for (int number = 0; ReadRecordNumber(text, number);)
-    Attempt(&text, [&] { ReadConstraint(text, number); });
-  SkipBlockEnd(text);
-}
-
-void Project::ReadConstraint(TextScan& text, int number)
-{
-  const int n = freeDegrees;
-  Node* node = FindNode(number);
+  const int n = problem.components.count;
+  Node* node = problem.FindNode(number);
   if (!node)
     Fatal("error: Trying to assign constrain to unknown node\n");
-  NodalRecord record{.ratios = DefaultRatios()};
+  int flags[kMaxComponents] = {};
+  double values[kMaxComponents] = {};
   std::string_view tail = UpToNull(text.ReadRestOfLine());
-  if (!ScanFlags(tail, n, record.flags) || !ScanValues(tail, n, record.values))
+  if (!ScanFlags(tail, n, flags) || !ScanValues(tail, n, values))
     Fatal(n == 3 ? "Not reading correctly the constraints. Number="
                  : "Not reading correctly the constraints. -A- Number=",
           number, "\n");
-  ScanItems(tail, *this, true, "Not reading correctly the constraints. -B- Number=", number,
-            record);
+  const RecordItems items =
+      ReadRecordItems(tail, problem.units, AngleItems::kRead,
+                      "Not reading correctly the constraints. -B- Number=", number);
   if (!node->constraint)
-    node->constraint = std::make_unique<Constraint>(n, translations);
-  node->constraint->EnterValuesAndFlags(record.flags, record.values, n, record.ratios.force,
-                                        record.ratios.length);
-  if (record.anglesGiven)
-    node->constraint->EnterEulerAngles(record.angles);
+    node->constraint = std::make_unique<Constraint>(problem.components);
+  node->constraint->EnterValuesAndFlags(flags, values, n, items.ratios.force, items.ratios.length);
+  if (items.anglesGiven)
+    node->constraint->EnterEulerAngles(items.angles);
   NoteStored(ReadItem::Support, number);
 }
 
-void Project::ReadFALoads(TextScan& text)
+void ReadNodalLoad(TextScan& text, int number, Problem& problem)
 {
-  for (int number = 0; ReadRecordNumber(text, number);)
-    Attempt(&text, [&] { ReadNodalLoad(text, number); });
-  SkipBlockEnd(text);
-}
-
-void Project::ReadNodalLoad(TextScan& text, int number)
-{
-  const int n = freeDegrees;
-  Node* node = FindNode(number);
+  const int n = problem.components.count;
+  Node* node = problem.FindNode(number);
   if (!node)
     Fatal("error: Trying to assign Load to unknown node\n");
-  NodalRecord record{.ratios = DefaultRatios()};
+  double values[kMaxComponents] = {};
   const std::string_view line = text.ReadRestOfLine();
   if (line.empty())
     Fatal("Not reading correctly the loads A. Number=", number, "\n");
   std::string_view tail = UpToNull(line);
-  if (!ScanValues(tail, n, record.values))
+  if (!ScanValues(tail, n, values))
     Fatal(n == 3 ? "Not reading correctly the loads B. Number="
                  : "Not reading correctly the loads C. Number=",
           number, "\n");
-  ScanItems(tail, *this, false, "Not reading correctly the loads. -D- Number=", number, record);
+  const RecordItems items = ReadRecordItems(tail, problem.units, AngleItems::kIgnored,
+                                            "Not reading correctly the loads. -D- Number=", number);
   if (!node->load)
-    node->load = std::make_unique<Load>(n, translations);
-  node->load->AddValues(record.values, n, record.ratios.force, record.ratios.length);
+    node->load = std::make_unique<Load>(problem.components);
+  node->load->AddValues(values, n, items.ratios.force, items.ratios.length);
+}
+
+}  // namespace
+
+void ReadConstraints(TextScan& text, Problem& problem)
+{
+  for (int number = 0; ReadRecordNumber(text, number);)
+    Attempt(&text, [&] { ReadConstraint(text, number, problem); });
+  SkipBlockEnd(text);
+}
+
+void ReadNodalLoads(TextScan& text, Problem& problem)
+{
+  for (int number = 0; ReadRecordNumber(text, number);)
+    Attempt(&text, [&] { ReadNodalLoad(text, number, problem); });
+  SkipBlockEnd(text);
 }
 
 }  // namespace morlen

@@ -6,14 +6,13 @@
 
 #include "base/errorwriter.h"
 #include "base/number_text.h"
-#include "base/read_observer.h"
-#include "base/textscan.h"
 #include "model/euler.h"
 #include "model/node.h"
 #include "model/units.h"
 #include "numeric/block_rotation.h"
 #include "numeric/matriu.h"
 #include "problem/beam_span.h"
+#include "problem/record_items.h"
 
 namespace morlen {
 
@@ -59,34 +58,6 @@ bool ScanNumbers(std::string_view& text, PROBLEMTYPE problem, ElemType elemType,
   return ScanRecord(text, {false, 3, 3}, values, face);
 }
 
-struct LoadItems
-{
-  bool anglesGiven = false;
-  double angles[3] = {};
-  Units::Ratios ratios;
-};
-
-LoadItems ScanItems(std::string_view tail, const Units& units, int elemNumber)
-{
-  LoadItems found{.ratios = units.DefaultRatios()};
-  ItemScanner items(tail);
-  for (std::string_view key = items.Key(); !key.empty(); key = items.Key()) {
-    const std::string_view value = items.Value();
-    if (value.empty())
-      Fatal("Not reading correctly the preassure_loads. ElemNum=", elemNumber, "\n");
-    const int angle = EulerIndex(key);
-    if (angle >= 0) {
-      found.anglesGiven = true;
-      found.angles[angle] = NumberOfItem(value);
-    } else if (HasPrefix(key, "units")) {
-      found.ratios = units.RatiosOf(*units.GiveUnitsBase(value));
-    } else {
-      Note(ReadEvent::IgnoredKey, key);
-    }
-  }
-  return found;
-}
-
 // A force per length, area or volume; the factor of a solid fits its volume only while the
 // unit of length stays.
 double UnitFactor(ElemType elemType, int face, const Units::Ratios& ratios)
@@ -127,7 +98,9 @@ void PreassureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE problem, std::string_
 {
   if (!ScanNumbers(text, problem, elemType, type, elemNumber, values, face))
     Fatal("Not reading correctly preassure_loads. ElemNum=", elemNumber, "\n");
-  const LoadItems items = ScanItems(text, units, elemNumber);
+  const RecordItems items =
+      ReadRecordItems(text, units, AngleItems::kRead,
+                      "Not reading correctly the preassure_loads. ElemNum=", elemNumber);
   if (items.anglesGiven) {
     Matriu T;
     FillFrame(AxesFromEuler(items.angles), 3, T);

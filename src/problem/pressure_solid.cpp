@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/errorwriter.h"
+#include "base/node_components.h"
 #include "model/elem.h"
 #include "model/euler.h"
 #include "model/node.h"
@@ -17,7 +18,7 @@ namespace {
 void AddToNode(const Node& node, const ReaVec& load, double share, ReaVecV& loads)
 {
   for (int k = 1; k <= 3; ++k)
-    loads((node.number - 1) * 3 + k) += share * load(k);
+    loads(kSolidComponents.Equation(node.number, k)) += share * load(k);
 }
 
 // A face of a tetrahedron as a triangle of three or six nodes in space.
@@ -73,7 +74,7 @@ struct SolidFace
 
   int nnode;
   const Node* nodes[6] = {};
-  double outwards;  // -1 where the corners turn inwards, seen from the opposite corner
+  double outwards;  // -1 where the turn of the corners points into the element
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/errorwriter.h"
+#include "base/node_components.h"
 #include "model/elem.h"
 #include "model/node.h"
 #include "model/shape_functions.h"
@@ -15,16 +16,16 @@ namespace morlen {
 
 namespace {
 
-constexpr int kComponents = 6;
+constexpr NodeComponents kComponents = ComponentsOf(kSpace);
 
 void AddToNode(const Node& node, const double* load, double share, ReaVecV& loads)
 {
-  for (int k = 0; k < kComponents; ++k)
-    loads((node.number - 1) * kComponents + k + 1) += share * load[k];
+  for (int k = 1; k <= kComponents.count; ++k)
+    loads(kComponents.Equation(node.number, k)) += share * load[k - 1];
 }
 
-// What the nodes of an edge take of a load per length: the integrals of their shape functions
-// along it. The middle node of a six-node triangle may stand off the chord.
+// The lengths over which the nodes of an edge carry a load per length: the integrals of their shape
+// functions along the edge. The middle node of a six-node triangle may lie off the chord.
 void CalcEdgeLengths(const Node& first, const Node* middle, const Node& last, double lengths[3])
 {
   // Gauss points and weights on (-1, 1), degree 5.
@@ -56,11 +57,11 @@ void PreassureLT::AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, Rea
 {
   if (face != -1)
     return AddToLoadVectorFaceTriangle(elem, loads);
-  double load[kComponents];
-  std::copy_n(values, kComponents, load);
+  double load[kMaxComponents];
+  std::copy_n(values, kComponents.count, load);
   double factor = 1.0;
   if (type == PreassureLT_type::Local) {
-    TurnVector(T, Turn::ToGlobal, kComponents, load);
+    TurnVector(T, Turn::ToGlobal, kComponents.count, load);
   } else if (type == PreassureLT_type::GlobalProjected) {
     const double size = std::hypot(load[0], load[1], load[2]);
     if (size > 0.0)

@@ -1,5 +1,7 @@
 // The top level of the problem file: its header, its keywords, and the checks at its end.
 
+#include "problem/problem_reader.h"
+
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -8,11 +10,16 @@
 #include "base/large_memory.h"
 #include "base/memory_limit.h"
 #include "base/read_observer.h"
+#include "base/textscan.h"
 #include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/elem_load_reader.h"
+#include "problem/hinges.h"
+#include "problem/nodal_reader.h"
+#include "problem/problem.h"
+#include "problem/settings_reader.h"
 
 namespace morlen {
 
@@ -35,7 +42,7 @@ std::size_t BytesAhead(std::streambuf& in)
   return static_cast<std::size_t>(end - here);
 }
 
-// What cannot be read (a folder, a faulty disk) counts as the end.
+// A failure to read (a folder, a faulty disk) counts as the end.
 Content ReadWholeStream(std::ifstream& in)
 {
   Content content;
@@ -60,7 +67,8 @@ Content ReadWholeStream(std::ifstream& in)
   Fatal("error: node ", node, " has a z coordinate in a 2d problem\n");
 }
 
-// What is left of a word behind its keyword, or else the next word with something in it.
+// The value of a keyword: the rest of its own word, or else the next word that is not only skipped
+// characters.
 std::string ReadValue(TextScan& text, std::string_view glued)
 {
   constexpr const char* kSkipped = " =:";
@@ -82,41 +90,7 @@ void NoteGlued(std::string_view word, std::string_view name, bool takesValue)
     Note(ReadEvent::Prefix, word, name);
 }
 
-}  // namespace
-
-void Project::ReadFromAscii(std::ifstream& in)
-{
-  const Content content = ReadWholeStream(in);
-  TextScan text(std::string_view(content.block.get(), content.size));
-  ReadFromAscii(text);
-}
-
-void Project::ReadFromAscii(TextScan& text)
-{
-  if (!Attempt(&text, [&] { ReadHeader(text); }))
-    return;
-  while (!text.AtEnd()) {
-    const bool read = Attempt(&text, [&] { ReadWord(text); });
-    if (!read && !meshes.empty() && meshes.back()->GiveFvType() == 0)
-      return;  // without the head of a mesh its lists have no meaning
-  }
-  Attempt(nullptr, [&] { FinishReading(); });
-}
-
-void Project::ReadWord(TextScan& text)
-{
-  const std::string_view place = text.ReadWord();
-  if (place.empty())
-    return;
-  if (place[0] == '#')
-    return text.SkipLine();
-  const std::string word(place);
-  Note(ReadEvent::Keyword, place);
-  if (!ReadKeyword(text, word) && ReadElemLoad(text, word) == -1)
-    Fatal("Unknown key name=", word, "\n");
-}
-
-void Project::ReadHeader(TextScan& text)
+void ReadHeader(TextScan& text, Problem& problem)
 {
   FindThisWord(text, "problem");
   FindThisWord(text, "type");
@@ -125,134 +99,121 @@ void Project::ReadHeader(TextScan& text)
   if (EqualsNoCase(word, "reticulat"))
     word = text.ReadWord();
   if (EqualsNoCase(word, "2d"))
-    problemType = kPlane;
+    problem.problemType = kPlane;
   else if (EqualsNoCase(word, "3d"))
-    problemType = kSpace;
+    problem.problemType = kSpace;
   else
     Fatal("Type of problem unknown. Only 2d and 3d\n");
-  freeDegrees = problemType == kPlane ? 3 : 6;
-  translations = problemType == kPlane ? 2 : 3;
+  problem.components = ComponentsOf(problem.problemType);
 }
 
-bool Project::ReadKeyword(TextScan& text, std::string_view word)
+void ReadMesh(TextScan& text, Problem& problem)
 {
-  struct Keyword
-  {
-    const char* name;
-    void (Project::*readBlock)(TextScan&) = nullptr;  // the whole word must match
-    // A value may be glued to it.
-    void (Project::*readValue)(TextScan&, const std::string&) = nullptr;
-    void (*set)(Project&) = nullptr;  // no value
-  };
-  static constexpr Keyword kKeywords[] = {
-      {.name = "mesh", .readBlock = &Project::ReadMesh},
-      {.name = "units_mesh", .readValue = &Project::ReadUnitsMesh},
-      {.name = "units_mat_and_load", .readValue = &Project::ReadUnitsMatAndLoad},
-      {.name = "units_res", .readValue = &Project::ReadUnitsRes},
-      {.name = "ConvertTo6Nodes", .set = [](Project& p) { p.convertTo6Nodes = true; }},
-      {.name = "MainStresses", .set = [](Project& p) { p.stressOutput = StressOutput::Main; }},
-      {.name = "MainAndLocalStresses",
-       .set = [](Project& p) { p.stressOutput = StressOutput::MainAndLocal; }},
-      {.name = "NumOfDivisions", .readValue = &Project::ReadNumOfDivisions},
-      {.name = "DoSmoothing", .readValue = &Project::ReadDoSmoothing},
-      {.name = "CoplanarityAngle", .readValue = &Project::ReadCoplanarityAngle},
-      {.name = "Solver", .readValue = &Project::ReadSolver},
-      {.name = "GravityDirection", .readValue = &Project::ReadGravityDirection},
-      {.name = "units_names", .readBlock = &Project::ReadFAUnitsNames},
-      {.name = "materials", .readBlock = &Project::ReadFAMaterials},
-      {.name = "constraints", .readBlock = &Project::ReadFAConstraints},
-      {.name = "nodal_point_loads", .readBlock = &Project::ReadFALoads},
-      {.name = "rotules", .readBlock = &Project::ReadFARotules},
-      {.name = "elem_rotules", .readBlock = &Project::ReadFARotulesElems},
-  };
+  auto& meshes = problem.meshes;
+  if (static_cast<int>(meshes.size()) == Problem::kMaxMeshes)
+    Fatal("error: maximum number of meshes is: ", Problem::kMaxMeshes, "\n");
+  constexpr int kChunk = 100;
+  constexpr ElemType kUnknown{};
+  if (meshes.empty())
+    meshes.push_back(std::make_unique<Mesh>(kChunk, kChunk, 0, kUnknown, 0));
+  else
+    meshes.push_back(std::make_unique<Mesh>(&problem.GiveNodes(), kChunk, 0, kUnknown, 0));
+  meshes.back()->ShareNumbering(*meshes.front());
+  meshes.back()->ReadFromAscii(text, &problem.units);
+  problem.initialNumNodes = problem.numNodes = problem.GiveNodes().Last();
+  if (meshes.back()->GiveElemType() == Tetrahedra)
+    problem.components = kSolidComponents;
+}
+
+struct Keyword
+{
+  const char* name;
+  void (*readBlock)(TextScan&, Problem&) = nullptr;  ///< the whole word must match
+  /// Takes a value, which may be glued to the word.
+  void (*readValue)(TextScan&, const std::string&, Problem&) = nullptr;
+  void (*set)(Problem&) = nullptr;  ///< takes no value
+  ReadTopic topic = ReadTopic::Other;
+};
+
+constexpr Keyword kKeywords[] = {
+    {.name = "mesh", .readBlock = ReadMesh, .topic = ReadTopic::Mesh},
+    {.name = "units_mesh", .readValue = ReadUnitsMesh},
+    {.name = "units_mat_and_load", .readValue = ReadUnitsMatAndLoad},
+    {.name = "units_res", .readValue = ReadUnitsRes},
+    {.name = "ConvertTo6Nodes", .set = [](Problem& p) { p.convertTo6Nodes = true; }},
+    {.name = "MainStresses", .set = [](Problem& p) { p.stressOutput = StressOutput::Main; }},
+    {.name = "MainAndLocalStresses",
+     .set = [](Problem& p) { p.stressOutput = StressOutput::MainAndLocal; }},
+    {.name = "NumOfDivisions", .readValue = ReadNumOfDivisions},
+    {.name = "DoSmoothing", .readValue = ReadDoSmoothing},
+    {.name = "CoplanarityAngle", .readValue = ReadCoplanarityAngle},
+    {.name = "Solver", .readValue = ReadSolver, .topic = ReadTopic::Solver},
+    {.name = "GravityDirection", .readValue = ReadGravityDirection, .topic = ReadTopic::Gravity},
+    {.name = "units_names", .readBlock = ReadUnitsNames, .topic = ReadTopic::UnitSystems},
+    {.name = "materials", .readBlock = ReadMaterials},
+    {.name = "constraints", .readBlock = ReadConstraints, .topic = ReadTopic::Supports},
+    {.name = "nodal_point_loads", .readBlock = ReadNodalLoads},
+    {.name = "rotules", .readBlock = ReadNodeHinges},
+    {.name = "elem_rotules", .readBlock = ReadElementHinges},
+};
+
+bool ReadKeyword(TextScan& text, std::string_view word, Problem& problem)
+{
   for (const Keyword& keyword : kKeywords) {
     const std::string_view name = keyword.name;
     if (keyword.readBlock ? !EqualsNoCase(word, name) : !HasPrefix(word, name))
       continue;
+    NoteTopic(keyword.topic);
     NoteGlued(word, name, keyword.set == nullptr);
     if (keyword.readBlock)
-      (this->*keyword.readBlock)(text);
+      keyword.readBlock(text, problem);
     else if (keyword.readValue)
-      (this->*keyword.readValue)(text, ReadValue(text, word.substr(name.size())));
+      keyword.readValue(text, ReadValue(text, word.substr(name.size())), problem);
     else
-      keyword.set(*this);
+      keyword.set(problem);
     return true;
   }
   return false;
 }
 
-void Project::ReadMesh(TextScan& text)
+void ReadWord(TextScan& text, Problem& problem)
 {
-  if (static_cast<int>(meshes.size()) == kMaxMeshes)
-    Fatal("error: maximum number of meshes is: ", kMaxMeshes, "\n");
-  constexpr int kChunk = 100;
-  if (meshes.empty())
-    meshes.push_back(std::make_unique<Mesh>(kChunk, kChunk, 0, morlen::ElemType(0), 0));
-  else
-    meshes.push_back(std::make_unique<Mesh>(&GiveNodes(), kChunk, 0, morlen::ElemType(0), 0));
-  meshes.back()->TakeOldNumbersOf(*meshes.front());
-  meshes.back()->ReadFromAscii(text, this);
-  initialNumNodes = numNodes = GiveNodes().Last();
-  if (meshes.back()->GiveElemType() == Tetrahedra)
-    freeDegrees = translations = 3;
-}
-
-int Project::CheckElementsNumbers() const
-{
-  for (std::size_t later = 1; later < meshes.size(); ++later) {
-    for (const auto [number, elem] : EachNumbered<Elem>(*meshes[later]->GiveElemPlex())) {
-      for (std::size_t earlier = 0; earlier < later; ++earlier) {
-        if (!meshes[earlier]->GiveElemPlex()->free(number))
-          return number;
-      }
-    }
-  }
-  return 0;
-}
-
-void Project::FinishReading()
-{
-  if (meshes.empty())
-    Fatal("error: it is necessary at least one mesh\n");
-  Attempt(nullptr, [this] { RequireDifferentNumbers(); });
-  bool solids = false;
-  bool others = false;
-  for (const auto& mesh : meshes)
-    (mesh->GiveElemType() == Tetrahedra ? solids : others) = true;
-  if (solids && others)
-    Fatal("error: Element tetrahedra cannot be mixed with any other element type");
-  if (solids) {
-    smoothing.on = true;
-    freeDegrees = translations = 3;
-  }
-  ComposeMaterials();
-  SetNodeDimensions(solids);
-}
-
-void Project::ComposeMaterials()
-{
-  for (const auto& mesh : meshes) {
-    if (!mesh->HasOwnMaterials())
-      continue;  // saves a pass over all elements
-    for (Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
-      elem.ComposeYourMaterial(&materials);
+  const std::string_view place = text.ReadWord();
+  if (place.empty())
+    return;
+  if (place[0] == '#')
+    return text.SkipLine();
+  const std::string word(place);
+  Note(ReadEvent::Keyword, place);
+  if (!ReadKeyword(text, word, problem) && !ReadElemLoad(text, word, problem)) {
+    Note(ReadEvent::UnknownKeyword, place);
+    Fatal("Unknown key name=", word, "\n");
   }
 }
 
-void Project::RequireDifferentNumbers() const
+void RequireDifferentNumbers(const Problem& problem)
 {
-  if (const int number = CheckElementsNumbers())
+  if (const int number = problem.CheckElementsNumbers())
     Fatal("error: All elements must have different number. Check elm num: ", number, "\n");
 }
 
-// Nodes given with two coordinates stand at z = 0 in space; a plane frame has no z.
-void Project::SetNodeDimensions(bool solids)
+void ComposeMaterials(const Problem& problem)
 {
-  const bool space = problemType == kSpace || solids;
+  for (const auto& mesh : problem.meshes) {
+    if (!mesh->HasOwnMaterials())
+      continue;  // saves a pass over all elements
+    for (Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
+      elem.ComposeYourMaterial(&problem.materials);
+  }
+}
+
+// A node with two coordinates gets z = 0 in space. A plane frame has no z.
+void SetNodeDimensions(const Problem& problem, bool space)
+{
   const auto fits = [space](const auto& mesh) { return mesh->GiveNdime() == (space ? 3 : 2); };
-  if (std::all_of(meshes.begin(), meshes.end(), fits))
+  if (std::all_of(problem.meshes.begin(), problem.meshes.end(), fits))
     return;  // saves a pass over all nodes
-  for (auto [number, node] : EachNumbered<Node>(GiveNodes())) {
+  for (auto [number, node] : EachNumbered<Node>(problem.GiveNodes())) {
     if (node.Size() < 3) {
       if (space)
         node.resize(3, 0.0);
@@ -260,6 +221,46 @@ void Project::SetNodeDimensions(bool solids)
       AttemptOn(ReadItem::Node, number, [number = number] { RefuseHeight(number); });
     }
   }
+}
+
+void FinishReading(Problem& problem)
+{
+  if (problem.meshes.empty())
+    Fatal("error: it is necessary at least one mesh\n");
+  Attempt(nullptr, [&] { RequireDifferentNumbers(problem); });
+  bool solids = false;
+  bool others = false;
+  for (const auto& mesh : problem.meshes)
+    (mesh->GiveElemType() == Tetrahedra ? solids : others) = true;
+  if (solids && others)
+    Fatal("error: Element tetrahedra cannot be mixed with any other element type");
+  if (solids) {
+    problem.smoothing.on = true;
+    problem.components = kSolidComponents;
+  }
+  ComposeMaterials(problem);
+  SetNodeDimensions(problem, problem.problemType == kSpace || solids);
+}
+
+}  // namespace
+
+void ReadProblem(std::ifstream& in, Problem& problem)
+{
+  const Content content = ReadWholeStream(in);
+  TextScan text(std::string_view(content.block.get(), content.size));
+  ReadProblem(text, problem);
+}
+
+void ReadProblem(TextScan& text, Problem& problem)
+{
+  if (!Attempt(&text, [&] { ReadHeader(text, problem); }))
+    return;
+  while (!text.AtEnd()) {
+    const bool read = Attempt(&text, [&] { ReadWord(text, problem); });
+    if (!read && !problem.meshes.empty() && problem.meshes.back()->GiveFvType() == 0)
+      return;  // without the head of a mesh its lists have no meaning
+  }
+  Attempt(nullptr, [&] { FinishReading(problem); });
 }
 
 }  // namespace morlen

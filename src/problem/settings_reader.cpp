@@ -1,5 +1,7 @@
 // The settings keywords, and the blocks of unit systems and materials.
 
+#include "problem/settings_reader.h"
+
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -13,9 +15,10 @@
 #include "base/errorwriter.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "base/textscan.h"
 #include "model/material.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen {
 
@@ -72,60 +75,74 @@ UnitsBase ReadUnitsBase(std::string_view line)
   return base;
 }
 
-}  // namespace
-
-void Project::ReadUnitsMesh(TextScan&, const std::string& value)
+bool ReadMaterial(TextScan& text, Problem& problem)
 {
-  meshLength = GiveUnitsBaseFromLength(value)->facM;
-  RequireFactor(meshLength, "error: Units_mesh must be a positive number\n");
+  auto material = std::make_unique<Material>();
+  if (!material->ReadFromAscii(text, &problem.units))
+    return false;
+  const int number = material->number;
+  Store(problem.materials, number, std::move(material));
+  NoteStored(ReadItem::Material, number);
+  return true;
 }
 
-void Project::ReadUnitsMatAndLoad(TextScan&, const std::string& value)
+}  // namespace
+
+void ReadUnitsMesh(TextScan&, const std::string& value, Problem& problem)
 {
-  const UnitsBase& base = *GiveUnitsBase(value);
-  matLoadForce = base.facN;
-  matLoadLength = base.facM;
-  for (const double size : {matLoadForce, matLoadLength})
+  Units& units = problem.units;
+  units.meshLength = units.GiveUnitsBaseFromLength(value)->facM;
+  RequireFactor(units.meshLength, "error: Units_mesh must be a positive number\n");
+}
+
+void ReadUnitsMatAndLoad(TextScan&, const std::string& value, Problem& problem)
+{
+  Units& units = problem.units;
+  const UnitsBase& base = *units.GiveUnitsBase(value);
+  units.matLoadForce = base.facN;
+  units.matLoadLength = base.facM;
+  for (const double size : {units.matLoadForce, units.matLoadLength})
     RequireFactor(size, "error: units_mat_and_load must be two positive numbers\n");
 }
 
-void Project::ReadUnitsRes(TextScan&, const std::string& value)
+void ReadUnitsRes(TextScan&, const std::string& value, Problem& problem)
 {
-  const UnitsBase& base = *GiveUnitsBase(value);
-  resForce = base.facN;
-  resLength = base.facM;
-  resForceName = base.nameN;
-  resLengthName = base.nameM;
-  resPressureName = base.namePa;
-  for (const double size : {resForce, resLength})
+  Units& units = problem.units;
+  const UnitsBase& base = *units.GiveUnitsBase(value);
+  units.resForce = base.facN;
+  units.resLength = base.facM;
+  units.resForceName = base.nameN;
+  units.resLengthName = base.nameM;
+  units.resPressureName = base.namePa;
+  for (const double size : {units.resForce, units.resLength})
     RequireFactor(size, "error: units_res must be two positive numbers and three names\n");
 }
 
-void Project::ReadNumOfDivisions(TextScan&, const std::string& value)
+void ReadNumOfDivisions(TextScan&, const std::string& value, Problem& problem)
 {
-  numOfDivisions = ToInt(value);
-  if (numOfDivisions < 1)
+  problem.numOfDivisions = ToInt(value);
+  if (problem.numOfDivisions < 1)
     Fatal("error: Number of divisions must be positive");
-  if (numOfDivisions > kMaxDivisions)
+  if (problem.numOfDivisions > kMaxDivisions)
     Fatal("error: Number of divisions must be at most ", kMaxDivisions);
 }
 
-void Project::ReadDoSmoothing(TextScan&, const std::string& value)
+void ReadDoSmoothing(TextScan&, const std::string& value, Problem& problem)
 {
-  smoothing.on = true;
-  smoothing.angle = NumberOfItem(value);
-  if (!IsAngle(smoothing.angle))
+  problem.smoothing.on = true;
+  problem.smoothing.angle = NumberOfItem(value);
+  if (!IsAngle(problem.smoothing.angle))
     Fatal("error: DoSmoothing must have angle >0 and <PI rad\n");
 }
 
-void Project::ReadCoplanarityAngle(TextScan&, const std::string& value)
+void ReadCoplanarityAngle(TextScan&, const std::string& value, Problem& problem)
 {
-  coplanarityAngle = NumberOfItem(value);
-  if (!IsAngle(coplanarityAngle))
+  problem.coplanarityAngle = NumberOfItem(value);
+  if (!IsAngle(problem.coplanarityAngle))
     Fatal("error: CoplanarityAngle must have angle >0 and <PI rad\n");
 }
 
-void Project::ReadSolver(TextScan& text, const std::string& value)
+void ReadSolver(TextScan& text, const std::string& value, Problem& problem)
 {
   static const struct
   {
@@ -141,15 +158,15 @@ void Project::ReadSolver(TextScan& text, const std::string& value)
     Fatal("error: type of solver must be: Automatic, SkyLine, Double or Sparse\n");
   if (value.size() > std::strlen(named->name))
     Note(ReadEvent::Prefix, value, named->name);
-  solverSettings.type = named->type;
+  problem.solverSettings.type = named->type;
   if (named->type != SolverType::Sparse)
     return;
   const auto isTolerance = [](double t) { return t > 0.0 && t <= 10.0; };
-  solverSettings.tolerance1 = ReadNumberWord(text);
-  solverSettings.tolerance2 = ReadNumberWord(text);
-  solverSettings.maxIterations = ToInt(std::string(text.ReadWord()));
-  if (!isTolerance(solverSettings.tolerance1) || !isTolerance(solverSettings.tolerance2) ||
-      solverSettings.maxIterations < 10)
+  problem.solverSettings.tolerance1 = ReadNumberWord(text);
+  problem.solverSettings.tolerance2 = ReadNumberWord(text);
+  problem.solverSettings.maxIterations = ToInt(std::string(text.ReadWord()));
+  if (!isTolerance(problem.solverSettings.tolerance1) ||
+      !isTolerance(problem.solverSettings.tolerance2) || problem.solverSettings.maxIterations < 10)
     Fatal(
         "Solver Sparse needs three aditional arguments:\n"
         "    Solver: Sparse tolerance1 tolerance2 MaxIterations\n"
@@ -157,23 +174,24 @@ void Project::ReadSolver(TextScan& text, const std::string& value)
         " tolerance1<=tolerance2<10\n");
 }
 
-void Project::ReadGravityDirection(TextScan& text, const std::string& value)
+void ReadGravityDirection(TextScan& text, const std::string& value, Problem& problem)
 {
   const double x = NumberOfItem(value);
   const double y = ReadNumberWord(text);
-  gravityDirection = ReaVec(x, y, ReadNumberWord(text));
-  const double length = std::hypot(gravityDirection(1), gravityDirection(2), gravityDirection(3));
+  ReaVec& direction = problem.gravityDirection;
+  direction = ReaVec(x, y, ReadNumberWord(text));
+  const double length = std::hypot(direction(1), direction(2), direction(3));
   if (!(length >= EPSILON && std::isfinite(length)))
     Fatal("error: GravityDirection must be a vector no null");
-  gravityDirection /= length;
+  direction /= length;
 }
 
-void Project::ReadFAUnitsNames(TextScan& text)
+void ReadUnitsNames(TextScan& text, Problem& problem)
 {
   constexpr std::size_t kBatch = 50;
   std::vector<UnitsBase> batch;
   const auto enterBatch = [&] {
-    AddUnitsBase(batch.data(), static_cast<int>(batch.size()));
+    problem.units.AddUnitsBase(batch.data(), static_cast<int>(batch.size()));
     batch.clear();
   };
   for (;;) {
@@ -186,31 +204,21 @@ void Project::ReadFAUnitsNames(TextScan& text)
     if (HasPrefix(line, "end"))
       return enterBatch();
     Attempt(&text, [&] { batch.push_back(ReadUnitsBase(line)); });
-    if (batch.size() >= std::max(kBatch, bases.size()))  // sorting stays in proportion
+    if (batch.size() >=
+        std::max(kBatch, problem.units.bases.size()))  // sorting stays in proportion
       enterBatch();
   }
 }
 
-void Project::ReadFAMaterials(TextScan& text)
+void ReadMaterials(TextScan& text, Problem& problem)
 {
   for (;;) {
     SkipComments(text);
     bool more = true;
-    Attempt(&text, [&] { more = ReadMaterial(text); });
+    Attempt(&text, [&] { more = ReadMaterial(text, problem); });
     if (!more)
       return SkipBlockEnd(text);
   }
-}
-
-bool Project::ReadMaterial(TextScan& text)
-{
-  auto material = std::make_unique<Material>();
-  if (!material->ReadFromAscii(text, this))
-    return false;
-  const int number = material->number;
-  Store(materials, number, std::move(material));
-  NoteStored(ReadItem::Material, number);
-  return true;
 }
 
 }  // namespace morlen

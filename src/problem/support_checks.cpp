@@ -1,3 +1,5 @@
+#include "problem/support_checks.h"
+
 #include <cmath>
 
 #include "base/errorwriter.h"
@@ -5,7 +7,7 @@
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen {
 
@@ -52,15 +54,16 @@ void CheckTwoSupports(const Node& a, const Node& b, int components, std::ostream
 
 }  // namespace
 
-void Project::CheckTypicalConstraintsErrors() const
+void CheckTypicalConstraintsErrors(const Problem& problem)
 {
-  const bool planeFrame =
-      meshes.size() == 1 && meshes.front()->GiveElemType() == Linear && freeDegrees == 3;
+  const int components = problem.components.count;
+  const bool planeFrame = problem.meshes.size() == 1 &&
+                          problem.meshes.front()->GiveElemType() == Linear && components == 3;
   if (planeFrame)
     return;
   constexpr std::size_t kJudged = 2;
   std::vector<const Node*> supported;
-  for (const Node& node : Each<Node>(GiveNodes())) {
+  for (const Node& node : Each<Node>(problem.GiveNodes())) {
     if (!node.constraint)
       continue;
     if (supported.size() == kJudged)
@@ -71,9 +74,9 @@ void Project::CheckTypicalConstraintsErrors() const
   if (supported.empty())
     message << "There are no prescribed nodes in the model!!!\n";
   else if (supported.size() == 1)
-    CheckOneSupport(*supported[0], freeDegrees, message);
+    CheckOneSupport(*supported[0], components, message);
   else
-    CheckTwoSupports(*supported[0], *supported[1], freeDegrees, message);
+    CheckTwoSupports(*supported[0], *supported[1], components, message);
 }
 
 }  // namespace morlen

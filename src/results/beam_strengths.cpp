@@ -9,8 +9,9 @@
 
 #include "assembly/beam_blocks.h"
 #include "assembly/relative_motion.h"
+#include "assembly/solution.h"
 #include "base/array_size.h"
-#include "model/constraint.h"
+#include "base/node_components.h"
 #include "model/elem.h"
 #include "model/material.h"
 #include "model/mesh.h"
@@ -18,7 +19,9 @@
 #include "numeric/block_rotation.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/loads_on_element.h"
+#include "problem/problem.h"
+#include "results/mesh_output.h"
 
 namespace morlen {
 
@@ -55,49 +58,50 @@ double Cubic(double t, double L, double v1, double slope1, double v2, double slo
 
 }  // namespace
 
-BeamEnds Project::GiveBeamEnds(const Elem& elem, const Matriu& T) const
+BeamEnds GiveBeamEnds(const Problem& problem, const ReaVecV& displacements, const Elem& beam,
+                      const Matriu& T)
 {
+  const int n = problem.components.count;
   BeamEnds ends;
-  const auto take = [&](const Node& node, double* components) {
-    std::copy_n(&displacements.Data()[Equation(node, 1) - 1], freeDegrees, components);
-    TurnVector(T, Turn::ToLocal, freeDegrees, components);
+  const auto copy = [&](const Node& node, double* components) {
+    std::copy_n(&displacements.Data()[problem.Equation(node, 1) - 1], n, components);
+    TurnVector(T, Turn::ToLocal, n, components);
   };
-  take(*elem(0), ends.first);
-  take(*elem(1), ends.second);
+  copy(*beam(0), ends.first);
+  copy(*beam(1), ends.second);
   return ends;
 }
 
-void Project::CalcStrengthsBeams(int mesh)
+void CalcBeamStrengths(const Problem& problem, const Mesh& mesh, const Solution& solution,
+                       MeshResults& results)
 {
-  const VoidPlex& elems = *meshes[mesh]->GiveElemPlex();
-  const int n = freeDegrees;
-  MeshResults& result = results[mesh];
-  result.blockSize = 2 * n;
-  result.strengths.resize(ArrayLength(std::ssize(result.numbers), result.blockSize), 0.0);
+  const int n = problem.components.count;
+  results.blockSize = 2 * n;
+  results.strengths.resize(ArrayLength(std::ssize(results.numbers), results.blockSize), 0.0);
   BeamBlocks K;
   Matriu T;
   double local[2 * kMaxComponents];
   int place = 1;
-  for (const Elem& elem : Each<Elem>(elems)) {
-    const BeamSpan beam = SpanOf(elem, T);
+  for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+    const BeamSpan beam = MakeSpan(problem, elem, T);
     K.Construct(beam);
-    TakeRelativeBeam(elem, beam.hingeCode, n, T, {displacements, displacementRests}, local);
-    K.Multiply(local, &result.strengths(place));
-    place += result.blockSize;
+    CalcRelativeBeam(elem, beam.hingeCode, n, T, solution.Displacements(), local);
+    K.Multiply(local, &results.strengths(place));
+    place += results.blockSize;
   }
 }
 
-double Project::GiveStrength(int mesh, const Elem& elem, int component, double t, double L) const
+double GiveStrength(const MeshResults& results, int elemNumber, int component, double t, double L)
 {
-  if (component < 1 || component > freeDegrees)
+  const int n = results.blockSize / 2;
+  if (component < 1 || component > n)
     return 0.0;
-  const MeshResults& result = results[mesh];
-  const int first = result.Block(elem.Num());
-  const int second = first + freeDegrees;
-  const double S1 = result.strengths(first + component);
-  const double S2 = result.strengths(second + component);
+  const int first = results.Block(elemNumber);
+  const int second = first + n;
+  const double S1 = results.strengths(first + component);
+  const double S2 = results.strengths(second + component);
   const double v = S1 * (1.0 - t) - S2 * t;
-  const bool plane = freeDegrees == 3;
+  const bool plane = n == 3;
   switch (component) {
     case 1:
       return -v;
@@ -105,39 +109,37 @@ double Project::GiveStrength(int mesh, const Elem& elem, int component, double t
     case 4:
       return v;
     case 3:
-      return plane ? -S1 + t * L * result.strengths(first + 2) : v;
+      return plane ? -S1 + t * L * results.strengths(first + 2) : v;
     case 5:
-      return S1 + t * L * result.strengths(first + 3);
+      return S1 + t * L * results.strengths(first + 3);
     default:  // 6
-      return -S1 + t * L * result.strengths(first + 2);
+      return -S1 + t * L * results.strengths(first + 2);
   }
 }
 
-void ReleaseHingedRotations(int hingeCode, double L, int components, BeamEnds& ends)
+void ReleaseHingedRotations(HingeCode hingeCode, double L, int components, BeamEnds& ends)
 {
-  const bool firstHinged = hingeCode / 10 == 0;
-  const bool secondHinged = hingeCode % 10 == 0;
   for (const BendingPlane& plane : BendingPlanes(components)) {
     const double chord = plane.sign * (ends.second[plane.v] - ends.first[plane.v]) / L;
     double& first = ends.first[plane.r];
     double& second = ends.second[plane.r];
-    if (firstHinged && secondHinged)
+    if (hingeCode.FirstHinged() && hingeCode.SecondHinged())
       first = second = chord;
-    else if (firstHinged)
+    else if (hingeCode.FirstHinged())
       first = 1.5 * chord - 0.5 * second;
-    else if (secondHinged)
+    else if (hingeCode.SecondHinged())
       second = 1.5 * chord - 0.5 * first;
   }
 }
 
-void Project::SetDisplacementVectors(const Elem& elem, const Matriu& T, int divisions,
-                                     double* out) const
+void SetDisplacementVectors(const Problem& problem, const ReaVecV& displacements, const Elem& beam,
+                            const Matriu& T, int divisions, double* out)
 {
-  const int components = freeDegrees;
-  const int count = TranslationsOf(components);
-  const double L = std::sqrt(dist2(elem(0), elem(1)));
-  BeamEnds ends = GiveBeamEnds(elem, T);
-  ReleaseHingedRotations(GiveHingeCode(elem.Num()), L, components, ends);
+  const int components = problem.components.count;
+  const int count = problem.components.translations;
+  const double L = std::sqrt(dist2(beam(0), beam(1)));
+  BeamEnds ends = GiveBeamEnds(problem, displacements, beam, T);
+  ReleaseHingedRotations(problem.GiveHingeCode(beam.Num()), L, components, ends);
   for (int i = 0; i <= divisions; ++i) {
     const double t = static_cast<double>(i) / divisions;
     double local[3] = {(1.0 - t) * ends.first[0] + t * ends.second[0], 0.0, 0.0};

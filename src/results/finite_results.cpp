@@ -3,13 +3,16 @@
 #include <algorithm>
 #include <cmath>
 
-#include "model/constraint.h"
+#include "assembly/element_family.h"
+#include "assembly/solution.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/loads_on_element.h"
+#include "problem/problem.h"
+#include "results/mesh_output.h"
 
 namespace morlen {
 
@@ -37,16 +40,9 @@ double LargestOf(const ReaVecV& v)
   return largest;
 }
 
-bool AreReactionsFinite(const Project& project)
+bool AreFinite(const ReaVecV& v)
 {
-  for (const Node& node : Each<Node>(project.GiveNodes())) {
-    if (!node.constraint)
-      continue;
-    const auto& reactions = node.constraint->reactions;
-    if (!std::all_of(reactions.begin(), reactions.end(), [](double r) { return std::isfinite(r); }))
-      return false;
-  }
-  return true;
+  return std::all_of(v.Data(), v.Data() + v.Size(), [](double r) { return std::isfinite(r); });
 }
 
 // Whether the load on a beam stays finite in the moments (by L²) and deflections (by L⁴ over
@@ -65,14 +61,17 @@ bool IsSpanBounded(const BeamSpan& beam, const SpanLoad& load)
          IsBounded(beam.EA * load.strain);
 }
 
-bool AreBeamsBounded(const Project& project, int mesh)
+}  // namespace
+
+bool AreBeamSpansBounded(const MeshOutput& output)
 {
+  const Problem& problem = output.problem;
   const double largest =
-      LargestOf(project.displacements) + LargestOf(project.results[mesh].strengths);
+      LargestOf(output.solution.displacements) + LargestOf(output.results.strengths);
   Matriu T;
-  for (const Elem& elem : Each<Elem>(*project.meshes[mesh]->GiveElemPlex())) {
-    const BeamSpan beam = project.SpanOf(elem, T);
-    const SpanLoad load = project.LoadOn(beam);
+  for (const Elem& elem : Each<Elem>(*output.mesh.GiveElemPlex())) {
+    const BeamSpan beam = MakeSpan(problem, elem, T);
+    const SpanLoad load = LoadOn(problem, beam);
     if (!IsBounded(std::max(1.0, beam.L) * largest) ||
         !(load.IsZero() || IsSpanBounded(beam, load)))
       return false;
@@ -80,19 +79,20 @@ bool AreBeamsBounded(const Project& project, int mesh)
   return true;
 }
 
-}  // namespace
-
-bool AreResultsFinite(const Project& project)
+bool AreResultsFinite(const Problem& problem, const ElementFamilies& families,
+                      const Solution& solution)
 {
-  if (!AreBounded(project.displacements) || !AreBounded(project.nodalStresses) ||
-      !AreReactionsFinite(project))
+  if (!AreBounded(solution.displacements) || !AreBounded(solution.nodalStresses) ||
+      !AreFinite(solution.reactions))
     return false;
-  for (int mesh = 0; mesh < static_cast<int>(project.meshes.size()); ++mesh) {
-    const MeshResults& result = project.results[mesh];
-    if (!AreBounded(result.strengths) || !AreBounded(result.mainStrengths) ||
-        !AreBounded(result.mainAngles))
+  for (std::size_t k = 0; k < problem.meshes.size(); ++k) {
+    const Mesh& mesh = *problem.meshes[k];
+    const MeshResults& results = solution.results[k];
+    if (!AreBounded(results.strengths) || !AreBounded(results.mainStrengths) ||
+        !AreBounded(results.mainAngles))
       return false;
-    if (project.meshes[mesh]->GiveElemType() == Linear && !AreBeamsBounded(project, mesh))
+    const auto areSpansBounded = families.Of(mesh).areSpansBounded;
+    if (areSpansBounded && !areSpansBounded({problem, solution, mesh, results}))
       return false;
   }
   return true;

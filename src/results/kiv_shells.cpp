@@ -1,12 +1,17 @@
 // The blocks of shells in the post-process results: nodal displacements, then forces,
 // moments and axes at the Gauss points.
 
+#include "results/kiv_shells.h"
+
+#include "assembly/solution.h"
 #include "base/text_out.h"
 #include "model/elem.h"
 #include "model/mesh.h"
-#include "model/node.h"
+#include "model/shape_functions.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
+#include "results/kiv_results.h"
+#include "results/mesh_output.h"
 
 namespace morlen {
 
@@ -35,71 +40,72 @@ void WriteValues(TextOut& res, const double* values, int count)
     res << ' ' << values[i];
 }
 
-}  // namespace
-
-void Project::WriteKivDisplacements(TextOut& res) const
+void WriteShellBlock(const MeshOutput& output, const ShellBlock& block, TextOut& res)
 {
-  res << "Displacements   4 1.0 Estatic 2 1 1\nX\nY\nZ\n";
-  ForEachNodeRead([&](int number, const Node& node) {
+  const MeshResults& results = output.results;
+  const bool apart = block.main && output.problem.stressOutput == StressOutput::MainAndLocal;
+  const double* point = (apart ? results.mainStrengths : results.strengths).Data();
+  res << block.header;
+  for (const int number : results.numbers) {
     res << number;
-    WriteValues(res, &displacements.Data()[Equation(node, 1) - 1], 3);
-    res << '\n';
-  });
-}
-
-void Project::WriteKivResultsTriangle(int mesh, TextOut& res) const
-{
-  const bool local = stressOutput != StressOutput::Main;
-  const bool main = stressOutput != StressOutput::Local;
-  const MeshResults& result = results[mesh];
-  WriteKivDisplacements(res);
-  for (const ShellBlock& block : kShellBlocks) {
-    if (block.main ? !main : !local)
-      continue;
-    const bool apart = block.main && stressOutput == StressOutput::MainAndLocal;
-    const double* point = (apart ? result.mainStrengths : result.strengths).Data();
-    res << block.header;
-    for (const int number : result.numbers) {
-      res << number;
-      for (int g = 0; g < result.points; ++g, point += 8) {
-        WriteValues(res, point + block.first - 1, block.values);
-        res << (block.values == 2 ? " 0\n" : "\n");
-      }
+    for (int g = 0; g < results.points; ++g, point += 8) {
+      WriteValues(res, point + block.first - 1, block.values);
+      res << (block.values == 2 ? " 0\n" : "\n");
     }
   }
-  if (local)
-    WriteKivShellAxes(mesh, res);
-  if (main) {
-    WriteKivMainAxes(mesh, "L Axes Axial    4 1.0 Estatic 6 2 0 \"Triangles\"\n", 0, res);
-    WriteKivMainAxes(mesh, "L Axes Momentus 4 1.0 Estatic 6 2 0 \"Triangles\"\n", 3, res);
-  }
 }
 
-void Project::WriteKivShellAxes(int mesh, TextOut& res) const
+void WriteAxes(const MeshOutput& output, TextOut& res)
 {
   res << "Local Axes      4 1.0 Estatic 6 2 0 \"Triangles\"\n";
-  for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
+  for (const Elem& elem : Each<Elem>(*output.mesh.GiveElemPlex())) {
     double angles[3];
-    elem.GiveEulerAnglesTriangle(angles, &RequireMaterial(elem));
+    elem.GiveEulerAnglesTriangle(angles, &output.problem.RequireMaterial(elem));
     res << elem.Num();
-    for (int g = 0; g < results[mesh].points; ++g) {
+    for (int g = 0; g < output.results.points; ++g) {
       WriteValues(res, angles, 3);
       res << '\n';
     }
   }
 }
 
-void Project::WriteKivMainAxes(int mesh, const char* header, int first, TextOut& res) const
+void WriteMainAxes(const MeshResults& results, const char* header, int first, TextOut& res)
 {
-  const MeshResults& result = results[mesh];
-  const double* point = result.mainAngles.Data();
+  const double* point = results.mainAngles.Data();
   res << header;
-  for (const int number : result.numbers) {
+  for (const int number : results.numbers) {
     res << number;
-    for (int g = 0; g < result.points; ++g, point += 6) {
+    for (int g = 0; g < results.points; ++g, point += 6) {
       WriteValues(res, point + first, 3);
       res << '\n';
     }
+  }
+}
+
+}  // namespace
+
+void WriteShellPointSet(const Problem&, const Mesh& mesh, TextOut& res)
+{
+  res << "GaussPoints \"Triangles\" ElemType Triangle\n Number of Gauss Points: "
+      << GaussPointCount(Triangle, mesh.GiveNnode())
+      << "\nNatural Coordinates: Internal\nEnd gausspoints\n";
+}
+
+void WriteShellBlocks(const MeshOutput& output, TextOut& res)
+{
+  const StressOutput stresses = output.problem.stressOutput;
+  const bool local = stresses != StressOutput::Main;
+  const bool main = stresses != StressOutput::Local;
+  WriteKivDisplacements(output.problem, output.solution.displacements, res);
+  for (const ShellBlock& block : kShellBlocks) {
+    if (block.main ? main : local)
+      WriteShellBlock(output, block, res);
+  }
+  if (local)
+    WriteAxes(output, res);
+  if (main) {
+    WriteMainAxes(output.results, "L Axes Axial    4 1.0 Estatic 6 2 0 \"Triangles\"\n", 0, res);
+    WriteMainAxes(output.results, "L Axes Momentus 4 1.0 Estatic 6 2 0 \"Triangles\"\n", 3, res);
   }
 }
 

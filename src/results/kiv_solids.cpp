@@ -1,19 +1,24 @@
 // The blocks of solids in the post-process results: nodal displacements, and nodal stresses
 // where they have been smoothed.
 
+#include "results/kiv_solids.h"
+
 #include <algorithm>
 #include <cmath>
 
+#include "assembly/solution.h"
 #include "base/text_out.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
+#include "results/kiv_results.h"
+#include "results/mesh_output.h"
 
 namespace morlen {
 
 namespace {
 
-// Of the stresses divided by the largest, whose squares stay in the range of numbers.
+// The stresses are divided by the largest, so that their squares stay in the range of numbers.
 double VonMises(const double* stresses)
 {
   double largest = 0.0;
@@ -33,17 +38,19 @@ double VonMises(const double* stresses)
 
 }  // namespace
 
-void Project::WriteKivResultsTetra(int mesh, TextOut& res) const
+void WriteSolidBlocks(const MeshOutput& output, TextOut& res)
 {
-  if (!smoothing.on)
-    res << "gausspoints     0  " << results[mesh].points << "  1  0  0\n";
-  WriteKivDisplacements(res);
-  if (!smoothing.on)
+  const Problem& problem = output.problem;
+  const ReaVecV& nodalStresses = output.solution.nodalStresses;
+  if (!problem.smoothing.on)
+    res << "gausspoints     0  " << output.results.points << "  1  0  0\n";
+  WriteKivDisplacements(problem, output.solution.displacements, res);
+  if (!problem.smoothing.on)
     return;
   // The stresses are kept as x, y, z, xy, xz, yz.
   constexpr int kWritten[] = {0, 1, 2, 3, 5, 4};
   res << "Strengths      4 1.0 Estatic 3 1 1\nSx\nSy\nSz\nTxy\nTyz\nTxz\n";
-  ForEachNodeRead([&](int number, const Node& node) {
+  problem.ForEachNodeRead([&](int number, const Node& node) {
     const double* stresses = nodalStresses.Data() + (node.number - 1) * 6;
     res << number << ' ';
     for (const int k : kWritten)
@@ -51,7 +58,7 @@ void Project::WriteKivResultsTetra(int mesh, TextOut& res) const
     res << '\n';
   });
   res << "Von Misses     4 1.0 Estatic 1 1 1\nVon_Misses\n";
-  ForEachNodeRead([&](int number, const Node& node) {
+  problem.ForEachNodeRead([&](int number, const Node& node) {
     res << number << ' ' << VonMises(nodalStresses.Data() + (node.number - 1) * 6) << '\n';
   });
 }

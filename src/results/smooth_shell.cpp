@@ -1,19 +1,20 @@
 // Averages the forces and moments of shells over the elements that meet at a node and lie in
 // the same plane, and gives the averages back to the elements.
 
+#include "results/smooth_shell.h"
+
 #include <algorithm>
 #include <array>
 #include <vector>
 
-#include "base/stprintf.h"
+#include "assembly/solution.h"
 #include "model/elem.h"
 #include "model/euler.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/element_family.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen {
 
@@ -82,9 +83,12 @@ private:
 // One of the smoothed quantities: three of the eight values of each point.
 struct ShellVariable
 {
-  int number;  // 0 membrane forces, 1 moments
+  int number;
   int First() const { return 3 * number; }
 };
+
+constexpr ShellVariable kMembraneForces = {0};
+constexpr ShellVariable kMoments = {1};
 
 // The axes that decide with which elements an element is averaged: its own, or the principal
 // ones where the values are principal.
@@ -158,59 +162,62 @@ private:
   ReaVecV scratch;
 };
 
-}  // namespace
-
-void Project::SmoothVariable(int mesh, int variableNumber, ReaVecV& values,
-                             const ReaVecV* mainAngles)
+/// Smooths one variable of a mesh of shells.
+class VariableSmoothing
 {
-  const MeshResults& result = results[mesh];
-  const ShellVariable variable{variableNumber};
-  NodeGroups groups(numNodes, smoothing.angle);
-  CornerValues corners(result.points);
-  std::vector<std::array<int, 3>> groupsOf;  // of each element, at its corners
-  groupsOf.reserve(result.numbers.size());
-  const auto valuesAt = [&](int place) {  // of an element
-    return values.Data() + variable.First() + place * result.blockSize;
-  };
-  for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
-    const int place = static_cast<int>(groupsOf.size());
-    const Triple axes = AxesOfValues(elem, &RequireMaterial(elem), mainAngles,
-                                     place * 6 * result.points, result.points, variable);
-    const std::array<Triple, 3> given = corners.FromPoints(valuesAt(place));
-    std::array<int, 3>& own = groupsOf.emplace_back();
-    for (int corner = 0; corner < 3; ++corner) {
-      own[corner] = groups.Find(elem(corner)->number, axes);
-      groups.Add(own[corner], given[corner]);
+public:
+  VariableSmoothing(const Problem& problem_, const Mesh& mesh_, const MeshResults& results_)
+      : problem(problem_), mesh(mesh_), results(results_)
+  {
+  }
+
+  // values: of all elements, smoothed in place. mainAngles: the axes of principal values, null for
+  // local ones.
+  void Run(ShellVariable variable, ReaVecV& values, const ReaVecV* mainAngles) const
+  {
+    NodeGroups groups(problem.numNodes, problem.smoothing.angle);
+    CornerValues corners(results.points);
+    std::vector<std::array<int, 3>> groupsOf;  // of each element, at its corners
+    groupsOf.reserve(results.numbers.size());
+    const auto valuesAt = [&](int place) {  // of an element
+      return values.Data() + variable.First() + place * results.blockSize;
+    };
+    for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+      const int place = static_cast<int>(groupsOf.size());
+      const Triple axes = AxesOfValues(elem, &problem.RequireMaterial(elem), mainAngles,
+                                       place * 6 * results.points, results.points, variable);
+      const std::array<Triple, 3> given = corners.FromPoints(valuesAt(place));
+      std::array<int, 3>& own = groupsOf.emplace_back();
+      for (int corner = 0; corner < 3; ++corner) {
+        own[corner] = groups.Find(elem(corner)->number, axes);
+        groups.Add(own[corner], given[corner]);
+      }
+    }
+    groups.Average();
+    for (std::size_t place = 0; place < groupsOf.size(); ++place) {
+      const std::array<int, 3>& own = groupsOf[place];
+      corners.ToPoints({groups.Values(own[0]), groups.Values(own[1]), groups.Values(own[2])},
+                       valuesAt(static_cast<int>(place)));
     }
   }
-  groups.Average();
-  for (std::size_t place = 0; place < groupsOf.size(); ++place) {
-    const std::array<int, 3>& own = groupsOf[place];
-    corners.ToPoints({groups.Values(own[0]), groups.Values(own[1]), groups.Values(own[2])},
-                     valuesAt(static_cast<int>(place)));
-  }
-}
 
-void Project::SmoothTriangles(int mesh)
-{
-  MeshResults& result = results[mesh];
-  const ReaVecV* own = stressOutput == StressOutput::Main ? &result.mainAngles : nullptr;
-  for (int variable = 0; variable < 2; ++variable)
-    SmoothVariable(mesh, variable, result.strengths, own);
-  if (stressOutput != StressOutput::MainAndLocal)
-    return;
-  for (int variable = 0; variable < 2; ++variable)
-    SmoothVariable(mesh, variable, result.mainStrengths, &result.mainAngles);
-}
+private:
+  const Problem& problem;
+  const Mesh& mesh;
+  const MeshResults& results;
+};
 
-void Project::Smooth(std::FILE* info)
+}  // namespace
+
+void SmoothShells(const Problem& problem, int mesh, Solution& solution)
 {
-  if (!smoothing.on)
-    return;
-  Progress(info, "Beginning smooth of the gaussian variables\n");
-  for (int mesh = 0; mesh < static_cast<int>(meshes.size()); ++mesh) {
-    if (const auto smooth = FamilyOf(*meshes[mesh]).smooth)
-      (this->*smooth)(mesh);
+  MeshResults& results = solution.results[mesh];
+  const VariableSmoothing smoothing(problem, *problem.meshes[mesh], results);
+  const ReaVecV* axes = problem.stressOutput == StressOutput::Main ? &results.mainAngles : nullptr;
+  for (const ShellVariable variable : {kMembraneForces, kMoments}) {
+    smoothing.Run(variable, results.strengths, axes);
+    if (problem.stressOutput == StressOutput::MainAndLocal)
+      smoothing.Run(variable, results.mainStrengths, &results.mainAngles);
   }
 }
 

@@ -1,7 +1,10 @@
 // Stresses at the nodes of solids: the mean over the elements around each node.
 
+#include "results/smooth_solid.h"
+
 #include <vector>
 
+#include "assembly/solution.h"
 #include "base/array_size.h"
 #include "base/errorwriter.h"
 #include "model/elem.h"
@@ -10,7 +13,7 @@
 #include "model/shape_functions.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen {
 
@@ -66,16 +69,17 @@ private:
 
 }  // namespace
 
-void Project::SmoothVariableTetra(int mesh)
+void SmoothSolids(const Problem& problem, int mesh, Solution& solution)
 {
-  const MeshResults& result = results[mesh];
-  nodalStresses.resize(ArrayLength(numNodes, kStresses), 0.0);
+  const MeshResults& result = solution.results[mesh];
+  ReaVecV& nodalStresses = solution.nodalStresses;
+  nodalStresses.resize(ArrayLength(problem.numNodes, kStresses), 0.0);
   nodalStresses = 0.0;
-  std::vector<int> counts(static_cast<std::size_t>(numNodes), 0);
+  std::vector<int> counts(static_cast<std::size_t>(problem.numNodes), 0);
   NodeValues values(result.points);
   double atNodes[10];
   const double* v = result.strengths.Data();
-  for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
+  for (const Elem& elem : Each<Elem>(*problem.meshes[mesh]->GiveElemPlex())) {
     for (int k = 0; k < kStresses; ++k) {
       values.Calc(v + k, elem.Nnode(), atNodes);
       for (int i = 0; i < elem.Nnode(); ++i)
@@ -85,10 +89,11 @@ void Project::SmoothVariableTetra(int mesh)
       ++counts[elem(i)->number - 1];
     v += result.blockSize;
   }
-  for (const Node& node : Each<Node>(GiveNodes())) {
+  for (const Node& node : Each<Node>(problem.GiveNodes())) {
     const int count = counts[node.number - 1];
     if (count == 0)
-      Fatal("error: node ", meshes.front()->GiveOldNumber(&node), " has no elements around\n");
+      Fatal("error: node ", problem.meshes.front()->GiveOldNumber(&node),
+            " has no elements around\n");
     for (int k = 1; k <= kStresses; ++k)
       nodalStresses((node.number - 1) * kStresses + k) /= count;
   }

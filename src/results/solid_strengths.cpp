@@ -1,33 +1,34 @@
-#include <algorithm>
+#include "results/solid_strengths.h"
+
 #include <iterator>
 
 #include "assembly/relative_motion.h"
 #include "assembly/solid.h"
+#include "assembly/solution.h"
 #include "base/array_size.h"
 #include "model/elem.h"
 #include "model/mesh.h"
-#include "model/node.h"
+#include "model/shape_functions.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 
 namespace morlen {
 
-void Project::CalcStrengthsTetras(int mesh)
+void CalcSolidStrengths(const Problem& problem, const Mesh& mesh, const Solution& solution,
+                        MeshResults& results)
 {
   constexpr int kStresses = 6;
-  const int nnode = meshes[mesh]->GiveNnode();
-  MeshResults& result = results[mesh];
-  result.points = nnode == 4 ? 1 : 4;
-  result.blockSize = kStresses * result.points;
-  result.strengths.resize(ArrayLength(std::ssize(result.numbers), result.blockSize), 0.0);
+  results.points = GaussPointCount(Tetrahedra, mesh.GiveNnode());
+  results.blockSize = kStresses * results.points;
+  results.strengths.resize(ArrayLength(std::ssize(results.numbers), results.blockSize), 0.0);
   SolidEvaluator solid;
   double u[3 * 10];
   int offset = 0;
-  for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
-    solid.Evaluate(elem, RequireMaterial(elem));
-    TakeRelativeSolid(elem, {displacements, displacementRests}, u);
-    solid.AddStrengths(u, result.strengths, offset);
-    offset += result.blockSize;
+  for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+    solid.Evaluate(elem, problem.RequireMaterial(elem));
+    CalcRelativeSolid(elem, solution.Displacements(), u);
+    solid.AddStrengths(u, results.strengths, offset);
+    offset += results.blockSize;
   }
 }
 

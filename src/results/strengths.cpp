@@ -1,26 +1,50 @@
 // From displacements to element strengths and support reactions.
 
+#include "results/strengths.h"
+
+#include "assembly/element_family.h"
+#include "assembly/solution.h"
+#include "assembly/solve.h"
 #include "base/stprintf.h"
+#include "model/elem.h"
 #include "model/mesh.h"
 #include "numeric/plex_range.h"
-#include "problem/element_family.h"
-#include "problem/project.h"
+#include "problem/problem.h"
 #include "results/finite_results.h"
+#include "results/reactions.h"
 
 namespace morlen {
 
-void Project::CalcStrengthsAndReactions(std::FILE* info)
+void CalcStrengths(const Problem& problem, const ElementFamilies& families, Solution& solution)
 {
-  results.resize(meshes.size());
-  for (int mesh = 0; mesh < static_cast<int>(meshes.size()); ++mesh) {
-    for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex()))
-      results[mesh].numbers.push_back(elem.Num());
-    (this->*FamilyOf(*meshes[mesh]).calcStrengths)(mesh);
+  for (const auto& mesh : problem.meshes) {
+    MeshResults& results = solution.results.emplace_back();
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
+      results.numbers.push_back(elem.Num());
+    families.Of(*mesh).calcStrengths(problem, *mesh, solution, results);
   }
-  CalcReactions();
-  Smooth(info);
-  if (!AreResultsFinite(*this))
-    SolverFailed(-1);
+}
+
+void Smooth(const Problem& problem, const ElementFamilies& families, Solution& solution,
+            std::FILE* info)
+{
+  if (!problem.smoothing.on)
+    return;
+  Progress(info, "Beginning smooth of the gaussian variables\n");
+  for (int mesh = 0; mesh < static_cast<int>(problem.meshes.size()); ++mesh) {
+    if (const auto smooth = families.Of(*problem.meshes[mesh]).smooth)
+      smooth(problem, mesh, solution);
+  }
+}
+
+void CalcStrengthsAndReactions(const Problem& problem, const ElementFamilies& families,
+                               Solution& solution, std::FILE* info)
+{
+  CalcStrengths(problem, families, solution);
+  CalcReactions(problem, families, solution);
+  Smooth(problem, families, solution, info);
+  if (!AreResultsFinite(problem, families, solution))
+    SolverFailed(problem, -1);
 }
 
 }  // namespace morlen

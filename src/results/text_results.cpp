@@ -1,5 +1,9 @@
 // The text results file: displacements, end forces of beams, reactions.
 
+#include "results/text_results.h"
+
+#include "assembly/element_family.h"
+#include "assembly/solution.h"
 #include "base/errorwriter.h"
 #include "base/text_out.h"
 #include "model/constraint.h"
@@ -8,14 +12,15 @@
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/element_family.h"
-#include "problem/project.h"
+#include "problem/loads_on_element.h"
+#include "problem/problem.h"
+#include "results/mesh_output.h"
 
 namespace morlen {
 
 namespace {
 
-// What stands for plane and for space problems. Fatal for another type.
+// The text for plane or for space problems. Fatal for another type.
 const char* ByProblem(PROBLEMTYPE type, const char* plane, const char* space)
 {
   if (type != kPlane && type != kSpace)
@@ -33,46 +38,51 @@ void WriteLine(TextOut& out, const double* values, int count)
 
 }  // namespace
 
-void Project::WriteResults(std::ofstream& stream) const
+void WriteResults(const Problem& problem, const ElementFamilies& families, const Solution& solution,
+                  std::ofstream& stream)
 {
+  const PROBLEMTYPE type = problem.problemType;
+  const int n = problem.components.count;
   TextOut out(stream);
-  out << ByProblem(problemType, "\n\nNODAL DISPLACEMENTS (x y theta)\n",
+  out << ByProblem(type, "\n\nNODAL DISPLACEMENTS (x y theta)\n",
                    "\n\nNODAL DISPLACEMENTS (x y z thetax thetay thetaz)\n");
-  ForEachNodeRead([&](int number, const Node& node) {
+  problem.ForEachNodeRead([&](int number, const Node& node) {
     out << number << ' ';
-    WriteLine(out, displacements.Data() + Equation(node, 1) - 1, freeDegrees);
+    WriteLine(out, solution.displacements.Data() + problem.Equation(node, 1) - 1, n);
   });
-  for (int mesh = 0; mesh < static_cast<int>(meshes.size()); ++mesh) {
-    if (const auto write = FamilyOf(*meshes[mesh]).writeStrength)
-      (this->*write)(mesh, out);
+  for (std::size_t k = 0; k < problem.meshes.size(); ++k) {
+    const Mesh& mesh = *problem.meshes[k];
+    if (const auto write = families.Of(mesh).writeText)
+      write({problem, solution, mesh, solution.results[k]}, out);
   }
-  out << ByProblem(problemType, "\n\nREACTIONS (Px Py M)\n", "\n\nREACTIONS (Px Py Pz Mx My Mz)\n");
-  ForEachNodeRead([&](int number, const Node& node) {
+  out << ByProblem(type, "\n\nREACTIONS (Px Py M)\n", "\n\nREACTIONS (Px Py Pz Mx My Mz)\n");
+  problem.ForEachNodeRead([&](int number, const Node& node) {
     if (!node.constraint)
       return;
     out << number << ' ';
-    WriteLine(out, node.constraint->reactions.data(), freeDegrees);
+    WriteLine(out, solution.reactions.Data() + problem.Equation(node, 1) - 1, n);
   });
 }
 
-void Project::WriteBeamStrength(int mesh, TextOut& out) const
+void WriteBeamForces(const MeshOutput& output, TextOut& out)
 {
-  const Mesh& nodesOfFile = *meshes.front();
-  out << ByProblem(problemType, "\n\nELEMENT STRENGTH (Px,local  Py,local  Mlocal)\n",
+  const Problem& problem = output.problem;
+  const Mesh& nodesOfFile = *problem.meshes.front();
+  out << ByProblem(problem.problemType, "\n\nELEMENT STRENGTH (Px,local  Py,local  Mlocal)\n",
                    "\n\nELEMENT STRENGTH (Px,local  Py,local  Pz,local  Mx,local  My,local  "
                    "Mz,local)\n");
   Matriu T;
-  for (const Elem& elem : Each<Elem>(*meshes[mesh]->GiveElemPlex())) {
-    const BeamSpan beam = SpanOf(elem, T);
-    double R[2][6] = {};
-    if (const SpanLoad load = LoadOn(beam); !load.IsZero())
+  for (const Elem& elem : Each<Elem>(*output.mesh.GiveElemPlex())) {
+    const BeamSpan beam = MakeSpan(problem, elem, T);
+    double R[2][kMaxComponents] = {};
+    if (const SpanLoad load = LoadOn(problem, beam); !load.IsZero())
       load.AddToReactionsVecs(beam, R[0], R[1]);
     out << "Element " << elem.Num()
         << " local strength. nodes: " << nodesOfFile.GiveOldNumber(elem(0)) << ' '
         << nodesOfFile.GiveOldNumber(elem(1)) << '\n';
-    const double* forces = results[mesh].strengths.Data() + results[mesh].Block(elem.Num());
+    const double* forces = output.results.strengths.Data() + output.results.Block(elem.Num());
     for (const auto& correction : R) {
-      for (int i = 0; i < freeDegrees; ++i)
+      for (int i = 0; i < problem.components.count; ++i)
         out << *forces++ + correction[i] << ' ';
       out << '\n';
     }

@@ -10,9 +10,9 @@
 #include "base/errorwriter.h"
 #include "base/output_file.h"
 #include "base/stprintf.h"
-#include "problem/project.h"
 #include "run/file_identity.h"
 #include "run/process_streams.h"
+#include "run/project.h"
 
 namespace morlen {
 

@@ -1,19 +1,34 @@
 #include "solvers/block_factors.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cmath>
 
 #include "base/errorwriter.h"
-#include "solvers/sparse_matrix.h"
+#include "solvers/node_block_matrix.h"
+
+// Incomplete factors without fill in node blocks.
+//
+// The pattern consists of whole blocks, and so does that of the scalar factors L·U without fill of
+// the same matrix. With the diagonal blocks factored out, L·U = (I + Uᵀ)·D·(I + U): the same
+// preconditioner in half the memory, and a substitution waits for a product with one block where it
+// would wait for each unknown of a node. Stored are D⁻¹ and −U.
+//
+// Elimination line by line (Factorise), with S the blocks that are left of the matrix:
+//
+//   U(k,j) = D(k)⁻¹·S(k,j);   S(i,j) -= S(k,i)ᵀ·U(k,j) for all nodes i <= j of line k,
+//
+// where products outside the pattern are dropped.
+//
+// Source of the scalar method: Y. Saad, Iterative Methods for Sparse Linear Systems, 2nd ed., SIAM,
+// Philadelphia 2003, section 10.3.
 
 namespace morlen {
 
 namespace {
 
-/// Inverts a block in place by elimination without exchange of rows, whose pivots are those of
-/// the scalar factors. `work` is as large as the block. False at a pivot that cannot be
-/// divided by. A row of the identity stays one exactly.
+/// Inverts a block in place by elimination without exchange of rows; the pivots are those of the
+/// scalar factors. `work` is as large as the block. False at a pivot that is 0 or not finite. A row
+/// of the unit matrix is exactly preserved.
 bool Invert(int size, double* block, double* work)
 {
   const auto A = [=](int a, int b) -> double& { return block[b * size + a]; };
@@ -53,16 +68,15 @@ void CopyTransposed(int size, const double* from, double* to)
 
 }  // namespace
 
-BlockFactors::BlockFactors(const SparseMatrix& matrix, std::span<const int> prescribed)
+BlockFactors::BlockFactors(const NodeBlockMatrix& matrix, std::span<const int> prescribed)
     : Preconditioner("ILU"), size(matrix.BlockSize()), kernels(matrix.Kernels())
 {
-  assert(kernels);
   CopyUpperHalf(matrix);
   ClearColumns(prescribed);
   complete = Factorise();
 }
 
-void BlockFactors::CopyUpperHalf(const SparseMatrix& matrix)
+void BlockFactors::CopyUpperHalf(const NodeBlockMatrix& matrix)
 {
   const BlockLines A = matrix.Blocks();
   std::size_t above = 0;
@@ -104,9 +118,7 @@ void BlockFactors::ClearColumns(std::span<const int> equations)
         Block(s)[a * size + b] = 0.0;
 }
 
-// Line by line: U_kj = D_k⁻¹·S_kj; then S_ij −= S_kiᵀ·U_kj for the nodes i and j of the line,
-// dropped outside the pattern. The blocks of the line at work are known by their columns, so
-// that nothing is searched.
+// Marks the blocks of the line in work by their columns, so that none is searched for.
 bool BlockFactors::Factorise()
 {
   std::vector<int> place(static_cast<std::size_t>(Nodes()), -1);
@@ -120,7 +132,7 @@ bool BlockFactors::Factorise()
     kernels->scale(Block(first), count, Diagonal(k));
     for (int t = 0; t < count; ++t)
       place[columns[first + t]] = t;
-    TakeOutLine(k, place.data());
+    SubtractLine(k, place.data());
     for (int t = 0; t < count; ++t)
       place[columns[first + t]] = -1;
   }
@@ -135,9 +147,8 @@ void BlockFactors::KeepLine(int line)
     CopyTransposed(size, Block(starts[line] + t), kept.data() + t * Square());
 }
 
-// Which blocks meet one of the line is found before they are used, without jumps that depend
-// on it.
-void BlockFactors::TakeOutLine(int line, const int* place)
+// Lists the blocks to update first, without a jump for each, then updates them in one call.
+void BlockFactors::SubtractLine(int line, const int* place)
 {
   const int first = starts[line];
   for (int t = 0; first + t < starts[line + 1]; ++t) {

@@ -10,28 +10,22 @@
 
 namespace morlen {
 
-class SparseMatrix;
+class NodeBlockMatrix;
 
-/// The incomplete factors without fill of a symmetric matrix of node blocks, in blocks.
+/// The incomplete factors without fill of a symmetric matrix of node blocks, in blocks:
+/// (I + Uᵀ)·D·(I + U), with D block diagonal and U strictly above the diagonal.
 ///
-/// The pattern of the matrix is whole blocks, and so is that of its scalar factors L·U. With
-/// the blocks of their diagonals taken out, L·U = (I + Uᵀ)·D·(I + U), U strictly above the
-/// diagonal: the same matrix, but kept in half the memory, and what a node waits for in a
-/// substitution is a product with one block. D⁻¹ and −U are kept.
-///
-/// A row that prescribes a value is one of the unit matrix, and its column is left out: where
-/// the residual of the row is 0, as it is when the iteration starts from the prescribed values,
-/// the column meets nothing but zeros.
+/// A row that prescribes a value counts as one of the unit matrix, and its column as 0. That
+/// changes nothing in an iteration that starts from the prescribed values: the residual of these
+/// rows stays 0, so that their columns are only multiplied by zeros.
 class BlockFactors : public Preconditioner
 {
 public:
-  /// The matrix must be stored in blocks of nodes and, but for the columns of the prescribed
-  /// rows, from 0, be symmetric: what is below its diagonal is not looked at. Blocks that are
-  /// free count as missing.
-  BlockFactors(const SparseMatrix& matrix, std::span<const int> prescribed);
+  /// The matrix must be symmetric, except in the columns of the prescribed rows (from 0): its
+  /// blocks below the diagonal are not read.
+  BlockFactors(const NodeBlockMatrix& matrix, std::span<const int> prescribed);
 
-  /// False when a pivot of the scalar factors was missing, 0 or not finite; nothing can be
-  /// solved then.
+  /// False when a pivot was 0 or not finite; solve then gives NaN.
   bool IsComplete() const { return complete; }
 
   void solve(const double* x, double* y) const override;
@@ -48,14 +42,14 @@ private:
   double* Block(int s) { return values.data() + s * Square(); }
   BlockLines Lines() const { return {Nodes(), values.data(), columns.data(), starts.data()}; }
 
-  void CopyUpperHalf(const SparseMatrix& matrix);
+  void CopyUpperHalf(const NodeBlockMatrix& matrix);
   void ClearColumns(std::span<const int> equations);
   bool Factorise();
-  /// Keeps the blocks of a line, transposed, before they are divided by D.
+  /// Copies the blocks of a line, transposed, before they are divided by D.
   void KeepLine(int line);
-  /// Takes a finished line off the lines that it reaches; place[j] is the place of the block in
-  /// column j within the line, -1 when there is none.
-  void TakeOutLine(int line, const int* place);
+  /// Subtracts the products of a finished line from the lines of its nodes; place[j] is the index
+  /// within the line of the block in column j, -1 when there is none.
+  void SubtractLine(int line, const int* place);
 
   int size;
   const BlockKernels* kernels;
@@ -63,7 +57,7 @@ private:
   LargeArray<double> values;    ///< −U by lines, columns ascending, each block row by row
   std::vector<int> columns;
   std::vector<int> starts = {0};
-  std::vector<double> kept;          ///< scratch of the elimination, see KeepLine
+  std::vector<double> kept;          ///< scratch of the elimination: see KeepLine
   std::vector<BlockUpdate> updates;  ///< scratch of the elimination
   bool complete;
 };

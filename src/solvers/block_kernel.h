@@ -6,7 +6,7 @@ namespace morlen {
 
 /// Lines of square blocks in compressed storage, borrowed: line i has the blocks from
 /// starts[i] to starts[i + 1] - 1. A block has size² values; columns[s] is the node, from 0,
-/// whose `size` unknowns block s multiplies. Behind the last block stand kBlockPadding zeros.
+/// whose `size` unknowns block s multiplies. kBlockPadding zeros follow the last block.
 struct BlockLines
 {
   int lines;
@@ -15,10 +15,10 @@ struct BlockLines
   const int* starts;
 };
 
-/// What a vector load may read behind a block.
+/// So many numbers after a block may be read by a vector load.
 inline constexpr int kBlockPadding = 4;
 
-/// A block that is to be changed by one of a row of blocks, counted from 0.
+/// An update of a block by one of consecutive blocks, counted from 0.
 struct BlockUpdate
 {
   int block;
@@ -27,8 +27,8 @@ struct BlockUpdate
 
 /// The loops over blocks of one size, compiled for one set of instructions; another set sums
 /// in the same order but may round less often. The blocks of a matrix A are stored column by
-/// column; those of a triangle −U, strictly above the diagonal, row by row, so that it and its
-/// transpose both meet the unknowns of a node as they stand.
+/// column, those of a triangle −U, strictly above the diagonal, row by row. So every product, also
+/// with the transpose, reads and writes the unknowns of a node in their order.
 struct BlockKernels
 {
   /// y of node i = line i times x, for all i.
@@ -41,17 +41,17 @@ struct BlockKernels
   /// column by column, and the padding of BlockLines.
   void (*backward)(const BlockLines& U, const double* inverse, double* y);
 
-  /// The same for two vectors in one pass over the blocks, each with the same bits as by itself.
+  /// The same for two vectors in one pass over the blocks; each gets the bits that it gets alone.
   void (*productOfTwo)(const BlockLines& A, const double* const x[2], double* const y[2]);
   void (*forwardOfTwo)(const BlockLines& U, double* const y[2]);
   void (*backwardOfTwo)(const BlockLines& U, const double* inverse, double* const y[2]);
 
-  /// *updates[k].target += block `updates[k].block` of a row of blocks times factor, all
-  /// column by column.
+  /// *updates[k].target += block `updates[k].block` of consecutive blocks times factor, all column
+  /// by column.
   void (*addProducts)(const double* factor, const double* blocks, const BlockUpdate* updates,
                       int count);
 
-  /// Each of `count` blocks in a row becomes −block·factor, all column by column.
+  /// Each of `count` consecutive blocks becomes −block·factor, all column by column.
   void (*scale)(double* blocks, int count, const double* factor);
 };
 

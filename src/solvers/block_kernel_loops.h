@@ -1,13 +1,12 @@
 #pragma once
 
-// The loops over blocks, to be compiled once for each set of instructions. Everything is in
-// an anonymous namespace and nothing of the standard library is used, so that no function
-// compiled for one processor can come to be called on another.
+// The loops over blocks, compiled once for each set of instructions. Everything is in an anonymous
+// namespace and nothing of the standard library is used, so that the linker cannot replace a
+// function by a copy that was compiled for another processor.
 //
-// A column of a block is taken in packs of as many numbers as the processor adds at once. The
-// last pack reads into the next column; what that brings to the surplus places of a sum is
-// never stored. Three sums side by side, for every third column, keep the additions from
-// waiting for each other.
+// A column of a block is read in packs of as many numbers as the processor adds at once. The last
+// pack reads into the next column; the surplus lanes of a sum are never stored. Three independent
+// sums, one for every third column, keep the additions from waiting for each other.
 
 #include "solvers/block_kernel.h"
 
@@ -17,8 +16,7 @@ namespace {
 
 constexpr int kSums = 3;
 
-/// How far ahead of a block, in numbers, memory is asked for: what arrives while the blocks
-/// before it are worked on.
+/// Distance of the prefetch, in numbers: memory arrives while the blocks before it are in work.
 constexpr int kAhead = 512;
 
 template <int lanes>
@@ -38,7 +36,7 @@ struct PackOf<4>
   using Loose [[gnu::vector_size(4 * sizeof(double)), gnu::aligned(8), gnu::may_alias]] = double;
 };
 
-/// The numbers of a node in packs; those behind the last are undefined.
+/// The numbers of a node in packs; surplus lanes are undefined.
 template <int size_, int lanes_>
 struct NodePacks
 {
@@ -51,22 +49,22 @@ struct NodePacks
   Pack packs[kPacks];
 };
 
-/// One for each of the vectors that are worked on side by side: every block is loaded once for
-/// all of them, and each gets the same bits as by itself.
+/// One value for each of the vectors that share a pass: every block is loaded once for all of them,
+/// and each gets the bits that it gets alone.
 template <class Type, int vectors>
 struct PerVector
 {
   Type of[vectors];
 };
 
-/// What is added up side by side for a node, for each of the vectors.
+/// The independent sums for a node, for each of the vectors.
 template <class Node, int count = kSums, int vectors = 1>
 struct Sums
 {
   Node of[vectors][count];
 };
 
-/// The last numbers of a node, fewer than fill a pack; zeros behind them.
+/// Loads the last numbers of a node, fewer than fill a pack; the other lanes are 0.
 template <int count, class Pack>
 [[gnu::always_inline]] inline void LoadRest(const double* x, Pack& pack)
 {
@@ -133,7 +131,7 @@ template <class Node, int count, int vectors, class Numbers>
   }
 }
 
-/// Adds the sums of a vector up in the first of them.
+/// Adds the sums of a vector to the first of them.
 template <class Node, int count>
 [[gnu::always_inline]] inline const Node& AddUp(Node (&sums)[count])
 {
@@ -143,7 +141,7 @@ template <class Node, int count>
   return sums[0];
 }
 
-/// Asks for the memory of a block.
+/// Prefetches a block.
 template <class Node>
 [[gnu::always_inline]] inline void FetchBlock(const double* block)
 {
@@ -181,8 +179,8 @@ template <class Node, int vectors>
   }
 }
 
-// Takes what was found for a node out of the nodes behind it. The next node comes first, since
-// it is waited for.
+// Subtracts the products with a node that is found from the nodes that follow. The first block of a
+// line comes first, since its node may be the next one to be solved for.
 template <class Node, int vectors>
 [[gnu::always_inline]] inline void SolveForward(const BlockLines& U, PerVector<double*, vectors> y)
 {
@@ -207,16 +205,16 @@ template <class Node, int vectors>
   }
 }
 
-/// A sum for each row of a block, still apart by the places of the packs.
+/// A pack for each row of a block; the sum of the row is the sum of the lanes.
 template <class Node, int vectors>
 struct RowSums
 {
   using Pack = typename Node::Pack;
-  static constexpr int kRows = Node::kPacks * Node::lanes;  ///< those behind the last are 0
+  static constexpr int kRows = Node::kPacks * Node::lanes;  ///< surplus rows are 0
 
   Pack of[vectors][kRows];
 
-  /// Adds block·x, the block row by row; x has zeros behind its last number.
+  /// Adds block·x, the block row by row; the surplus lanes of x are 0.
   [[gnu::always_inline]] void Add(const double* block, const PerVector<Node, vectors>& x)
   {
     for (int a = 0; a < Node::size; ++a)
@@ -234,7 +232,7 @@ struct RowSums
   }
 
 private:
-  /// The sums over the places of as many packs as these are.
+  /// The sums of the lanes of as many packs as a pack has lanes.
   [[gnu::always_inline]] static Pack Across(const Pack* p)
   {
     if constexpr (Node::lanes == 2) {
@@ -250,7 +248,7 @@ private:
   }
 };
 
-// The next node comes last in a line, since it is waited for.
+// The first block of a line comes last, since its node may just have been solved for.
 template <class Node, int vectors>
 [[gnu::always_inline]] inline void SolveBackward(const BlockLines& U, const double* inverse,
                                                  PerVector<double*, vectors> y)

@@ -4,8 +4,7 @@
 
 namespace morlen {
 
-// The loops of block_kernel_loops.h by size of the blocks, as the files of the instruction
-// sets compiled them.
+// The loops of block_kernel_loops.h by instruction set and size of the blocks.
 
 extern const BlockKernels kPlainKernels3;
 extern const BlockKernels kPlainKernels6;

@@ -10,7 +10,7 @@ namespace morlen {
 
 namespace {
 
-/// m = the transpose of a block as large, given row by row.
+/// m = the transpose of a block of the same size, given row by row.
 void CopyTransposed(const double* block, Matriu& m)
 {
   for (int j = 1; j <= m.Cols(); ++j) {
@@ -36,6 +36,12 @@ void BSolver::AddElement(const ElementBlocks& element)
       AddSubMatriu((row - 1) * n + 1, (column - 1) * n + 1, m);
     }
   }
+}
+
+int BSolver::ApplyConstraint(int eq, double value, ReaVecV& b)
+{
+  ReaVecV* const side = &b;
+  return ApplyConstraint(eq, {&value, 1}, {&side, 1});
 }
 
 bool AreEqual(BSolver& a, BSolver& b, double tol)

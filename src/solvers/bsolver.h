@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <span>
 
 #include "solvers/element_blocks.h"
 
@@ -10,8 +11,8 @@ namespace morlen {
 class Matriu;
 class ReaVecV;
 
-/// The global stiffness matrix together with the way its system is solved, so that
-/// assembly and analysis need not know the storage.
+/// The global stiffness matrix and the solver of its system; hides the storage from assembly and
+/// analysis.
 ///
 /// Equations, rows and columns run from 1. Order of use: EnterMaxDiff for every two
 /// nodes that share an element, Create, AddElement or AddSubMatriu for every block,
@@ -26,20 +27,20 @@ public:
   /// of node p is (p - 1)·ndof + k.
   virtual void EnterMaxDiff(int node1, int node2, int ndof) = 0;
 
-  /// Allocates the storage, all zero, once every coupling has been declared.
+  /// Allocates the storage, all zero. To be called after every coupling has been declared.
   virtual void Create(int ndof) = 0;
 
-  /// Entry (i, j).
+  /// Entry (i, j). Not used by the analysis itself.
   virtual double& operator()(int i, int j) = 0;
 
-  /// Sets every stored entry to 0.
+  /// Sets every stored entry to 0. Not used by the analysis itself.
   virtual void SetToZero() = 0;
 
   /// Adds the dense block m with its entry (1, 1) at (row, col).
   virtual void AddSubMatriu(int row, int col, const Matriu& m) = 0;
 
-  /// Adds each block of an element between its nodes by AddSubMatriu, or as that would; the
-  /// node with the lower number has the rows.
+  /// Adds each block of an element between its nodes as AddSubMatriu does; the node with the lower
+  /// number has the rows.
   void AddElement(const ElementBlocks& element) override;
 
   /// Solves in place: b is the right-hand side and becomes the solution. Returns 0 on
@@ -47,7 +48,14 @@ public:
   virtual int Solver(ReaVecV& b, std::FILE* info) = 0;
 
   /// Imposes u(eq) = value on the matrix and on the right-hand side b. Returns eq.
-  virtual int ApplyConstraint(int eq, double value, ReaVecV& b) = 0;
+  virtual int ApplyConstraint(int eq, double value, ReaVecV& b);
+
+  /// The same for several right-hand sides, each with its own value: the matrix changes once, and
+  /// each side gets the bits that it gets alone. One value for each side. Returns eq.
+  virtual int ApplyConstraint(int eq, std::span<const double> values,
+                              std::span<ReaVecV* const> sides) = 0;
+
+  // The analysis itself uses none of the following operations except PrintInfoMem.
 
   /// The product of row i with v.
   virtual double ReturnRowPerVector(int i, const ReaVecV& v) const = 0;
@@ -70,8 +78,8 @@ protected:
   BSolver& operator=(const BSolver&) = delete;
 };
 
-/// Whether both have the same size and no two entries differ by tol or more. Reads all
-/// entries through operator(), which must therefore know them.
+/// Whether both have the same size and no two entries differ by tol or more. Reads all entries
+/// through operator(), which must not be fatal for any of them. Not used by the analysis itself.
 bool AreEqual(BSolver& a, BSolver& b, double tol);
 
 }  // namespace morlen

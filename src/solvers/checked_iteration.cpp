@@ -4,23 +4,23 @@
 #include <cmath>
 
 #include "base/stprintf.h"
-#include "solvers/sparse_matrix.h"
+#include "solvers/system_matrix.h"
 
 namespace morlen {
 
 namespace {
 
 constexpr int kMaxRestarts = 3;
-/// The largest true residual that is taken, in tolerances, or in residuals that are claimed.
+/// The largest true residual that is accepted, as a multiple of Claimed().
 constexpr double kTolerances = 10.0;
-/// So few iterations leave no steps that tell the error.
+/// With fewer iterations CgSystem::Error has too few terms.
 constexpr int kFewIterations = 8;
-/// Where an error is demanded: residuals that need not be told apart, in tolerances.
+/// With demands: smaller residuals are treated alike; as a multiple of the tolerance.
 constexpr double kNegligible = 1e-2;
 
 }  // namespace
 
-CheckedIteration::CheckedIteration(const SparseMatrix& A, double* x_, const double* b,
+CheckedIteration::CheckedIteration(const SystemMatrix& A, double* x_, const double* b,
                                    const IterationGoal& goal_)
     : system(A, x_, b), x(x_), n(A.GiveSize()), goal(goal_)
 {
@@ -43,7 +43,8 @@ void CheckedIteration::MeasureChange()
   double moved[2] = {};  // the largest change of the translations and of the rotations
   double largest[2] = {};
   for (int i = 0; i < n; ++i) {
-    const int kind = i % goal.demands.components < goal.demands.translations ? 0 : 1;
+    const int kind =
+        i % goal.demands.components.count < goal.demands.components.translations ? 0 : 1;
     moved[kind] = std::max(moved[kind], std::fabs(x[i] - before[i]));
     largest[kind] = std::max(largest[kind], std::fabs(x[i]));
   }
@@ -56,8 +57,8 @@ void CheckedIteration::MeasureChange()
   measuredAt = system.Iterations();
 }
 
-// The estimate of the error knows the recurrence only, so that the residual must be as small as
-// this says; far below the tolerance that does not matter.
+// The estimate of the error follows the recurrence, so that it holds only if the true residual is
+// about as small. Far below the tolerance that does not matter.
 double CheckedIteration::Claimed() const
 {
   return goal.demands.AreMade() ? std::max(system.Residual(), kNegligible * goal.tolerance)
@@ -94,7 +95,7 @@ void CheckedIteration::Finish(const Preconditioner& M, int limit)
   report.broken = system.IsBroken();
 }
 
-void CheckedIteration::Run(const SparseMatrix& A, const Preconditioner& M, CheckedIteration& model,
+void CheckedIteration::Run(const SystemMatrix& A, const Preconditioner& M, CheckedIteration& model,
                            CheckedIteration* probe, int limit, std::FILE* info)
 {
   if (model.report.reached)

@@ -5,79 +5,79 @@
 #include <limits>
 #include <vector>
 
+#include "base/node_components.h"
 #include "solvers/conjugate_gradients.h"
 
 namespace morlen {
 
-/// How the iteration of a right-hand side has ended.
+/// The outcome of the iteration of a right-hand side.
 struct IterationReport
 {
   int iterations = 0;  ///< of all starts together
-  /// Relative, and true: ‖b − A·x‖/‖b‖, formed afresh at the end.
+  /// The true relative residual ‖b − A·x‖/‖b‖, computed from x at the end.
   double residual = 0.0;
   double error = 0.0;  ///< estimated, relative, in the energy norm: CgSystem::Error
-  /// CgSystem::SmallestQuotient: about the size of rounding, or negative, for a structure that can
-  /// move.
+  /// CgSystem::SmallestQuotient. For a structure that can move it is about the size of rounding, or
+  /// negative.
   double smallestQuotient = std::numeric_limits<double>::infinity();
-  bool reached = false;  ///< the tolerance, and what was demanded besides
+  bool reached = false;  ///< the tolerance, and all demands
   bool broken = false;   ///< CgSystem::IsBroken
-  /// Given up before it had ended: for its quotient, or since the other right-hand side failed.
+  /// Stopped early: because of its quotient, or because the other right-hand side failed.
   bool left = false;
 };
 
-/// What an iteration has to show besides its tolerance; nothing unless told.
+/// Demands on an iteration besides its tolerance; none by default.
 struct IterationDemands
 {
-  /// A limit of the error with which the displacements of most models are right to 1e-4.
+  /// A limit of the error at which the displacements of most models are right to 1e-4.
   static constexpr double kGoodError = 1e-6;
-  /// A limit of the change for those that are not: the error is one of energy, of which soft parts
-  /// of a structure have little however much they move.
+  /// A limit of the change, for the other models: the error is measured as energy, and soft parts
+  /// of a structure have little energy however much they move.
   static constexpr double kGoodChange = 1e-5;
-  /// A limit of the quotient: structures that can move came to 2e-13 at most, stable ones to 1e-6
-  /// at least.
+  /// A limit of the quotient: in tests, structures that can move had 2e-13 at most, stable ones
+  /// 1e-6 at least.
   static constexpr double kLeastQuotient = 1e-11;
 
-  /// The iteration goes on until the estimate of its error is as small,
+  /// The iteration goes on until the estimate of its error is at most this,
   double error = std::numeric_limits<double>::infinity();
-  /// and until the largest translation and the largest rotation have changed by no more than this
-  /// part over the latest iterations: ten and a twentieth of all.
+  /// and until the changes of translations and rotations over the latest iterations (ten plus a
+  /// twentieth of all) are at most this part of the largest ones.
   double change = std::numeric_limits<double>::infinity();
-  int components = 1;    ///< of a node
-  int translations = 1;  ///< the first of them
-  /// It is given up as soon as its smallest quotient is less, but not negative: that tells of the
-  /// preconditioner, not of the structure.
+  NodeComponents components = {.count = 1, .translations = 1};
+  /// It stops as soon as its smallest quotient is less than this and not negative; a negative one
+  /// is caused by the preconditioner, not by the structure.
   double quotient = -std::numeric_limits<double>::infinity();
 
   bool AreMade() const { return std::isfinite(error) || std::isfinite(change); }
 };
 
+/// When the iteration of a right-hand side may end.
 struct IterationGoal
 {
   double tolerance;  ///< of the residual
   IterationDemands demands;
-  /// All loads, in ‖b‖: with those of prescribed values, which b has no part of, and whose
-  /// rounding is all that may be left.
+  /// ‖all loads‖ / ‖b‖. All loads include those from prescribed values, which are not in b; their
+  /// rounding limits the residual that can be reached.
   double loads = 1.0;
 };
 
-/// Conjugate gradients for a system A·x = b whose end is believed only when the true residual
-/// bears it out.
+/// Conjugate gradients for a system A·x = b, with a check of the true residual before the end.
 ///
-/// Where the recurrence claims that the tolerance is reached, the residual is formed afresh. When
-/// that is more than ten times the tolerance of all loads (where an error is demanded: ten times
-/// the residual of the recurrence), the iteration starts again with it, at most three times; then
+/// When the residual of the recurrence reaches the tolerance, the true residual is computed. If it
+/// is more than ten times the tolerance of all loads (where an error is demanded: ten times the
+/// residual of the recurrence), the iteration restarts from there, at most three times; after that
 /// it has failed.
 class CheckedIteration
 {
 public:
-  /// Arrays as CgSystem. A matrix of finite numbers and a start that reaches the tolerance end it
-  /// at once.
-  CheckedIteration(const SparseMatrix& A, double* x, const double* b, const IterationGoal& goal);
+  /// Arrays as for CgSystem. The iteration has already ended when the start reaches the tolerance,
+  /// or when a number is not finite.
+  CheckedIteration(const SystemMatrix& A, double* x, const double* b, const IterationGoal& goal);
 
-  /// Iterates the system of a model and, where there is one, of a probe, side by side: until both
-  /// have ended, one of them has failed, or `limit` iterations are done. Progress of the model
-  /// every ten iterations, and how each has ended; of what has failed, the probe's only.
-  static void Run(const SparseMatrix& A, const Preconditioner& M, CheckedIteration& model,
+  /// Iterates the system of a model and that of a probe, unless null, side by side, until both have
+  /// ended, one has failed, or `limit` iterations are done. Writes the progress of the model every
+  /// ten iterations, its end when it has converged, and the end of the probe in any case.
+  static void Run(const SystemMatrix& A, const Preconditioner& M, CheckedIteration& model,
                   CheckedIteration* probe, int limit, std::FILE* info);
 
   /// After Run.
@@ -85,14 +85,15 @@ public:
 
 private:
   bool HasFailed() const { return ended && !report.reached; }
+  /// Whether the tolerance and the demands are reached according to the recurrence.
   bool Claims() const;
-  /// The residual that is claimed: the tolerance, or, where an error is demanded, that of the
-  /// recurrence.
+  /// The residual to be confirmed: the tolerance, or, with demands, that of the recurrence.
   double Claimed() const;
-  /// Looks, after an iteration, whether this one was the last. name: begins the messages.
+  /// Decides after an iteration whether it was the last. `name` begins the messages.
   void Check(const char* name, std::FILE* info);
+  /// Fills in the report.
   void Finish(const Preconditioner& M, int limit);
-  /// Compares x with that of some iterations before.
+  /// Compares x with its values some iterations ago.
   void MeasureChange();
 
   CgSystem system;
@@ -102,8 +103,8 @@ private:
   IterationReport report;
   int restarts = 0;
   bool ended = false;
-  std::vector<double> before;  ///< x when the change was measured last
-  int measuredAt = 0;          ///< the iteration of that
+  std::vector<double> before;  ///< x at the last measurement of the change
+  int measuredAt = 0;          ///< iteration of that measurement
   double change = std::numeric_limits<double>::infinity();
 };
 

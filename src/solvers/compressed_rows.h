@@ -25,7 +25,7 @@ struct CompressedRows
   std::vector<int> indices;
   std::vector<int> starts = {0};
 
-  /// Makes room for exactly so many lines and entries.
+  /// Reserves memory for so many lines and entries.
   void Reserve(std::size_t lines, std::size_t entries)
   {
     values.reserve(entries);
@@ -53,9 +53,9 @@ struct CompressedRows
   }
 };
 
-/// The sum of values[k]·x[indices[k]], k ascending (step 1) or descending (step -1): four sums
-/// side by side, so that no addition waits for the one before. What comes last is added last;
-/// a triangular solve chooses the step so that these are the unknowns found just before.
+/// The sum of values[k]·x[indices[k]], k ascending (step 1) or descending (step -1), in four
+/// independent sums, so that no addition waits for the one before. The last terms are added last:
+/// a triangular solve chooses the step so that these belong to the unknowns found last.
 template <int step>
 double IndexedDot(const double* values, const int* indices, int count, const double* x)
 {

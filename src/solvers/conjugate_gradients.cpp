@@ -7,11 +7,28 @@
 #include "base/stprintf.h"
 #include "solvers/krylov.h"
 #include "solvers/preconditioner.h"
-#include "solvers/sparse_matrix.h"
+#include "solvers/system_matrix.h"
+
+// Preconditioned conjugate gradients with an estimate of the error.
+//
+// An iteration computes (r residual, p direction, M preconditioner, all started from p = 0):
+//
+//   z = M⁻¹·r,  rho = r·z,  p = z + (rho / rho of the iteration before)·p
+//   alpha = rho / p·A·p,  x += alpha·p,  r -= alpha·A·p
+//
+// Each iteration adds the energy alpha·rho to x, and the squared error in the energy norm drops by
+// as much. The sum over some iterations therefore bounds the squared error before them from below.
+// The Rayleigh quotients p·A·p / p·M·p show whether M⁻¹·A is almost singular; p·M·p follows a
+// recurrence without a product with M.
+//
+// Sources: M. R. Hestenes, E. Stiefel, Methods of conjugate gradients for solving linear systems,
+// Journal of Research of the National Bureau of Standards 49 (1952). Estimate: Z. Strakoš, P.
+// Tichý, On error estimation in the conjugate gradient method and why it works in finite precision
+// computations, Electronic Transactions on Numerical Analysis 13 (2002).
 
 namespace morlen {
 
-CgSystem::CgSystem(const SparseMatrix& A_, double* x_, const double* b_)
+CgSystem::CgSystem(const SystemMatrix& A_, double* x_, const double* b_)
     : A(A_), n(A_.GiveSize()), x(x_), b(b_), normb(norm(b_, n)), r(Work(n)), p(Work(n)), z(Work(n))
 {
   if (normb == 0.0)
@@ -36,7 +53,7 @@ void CgSystem::Measure(double norm)
   broken = broken || !std::isfinite(resid);
 }
 
-void CgSystem::Advance(const SparseMatrix& A, const Preconditioner& M,
+void CgSystem::Advance(const SystemMatrix& A, const Preconditioner& M,
                        std::span<CgSystem* const> systems)
 {
   assert(systems.size() == 1 || systems.size() == 2);
@@ -59,7 +76,7 @@ void CgSystem::Advance(const SparseMatrix& A, const Preconditioner& M,
     system->Move();
 }
 
-// pᵀ·M·p = rho + beta²·(the one before), since r is at right angles to the direction before.
+// p·M·p = rho + beta²·(that of the iteration before), since r is orthogonal to the old direction.
 void CgSystem::Turn()
 {
   ++iterations;

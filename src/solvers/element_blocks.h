@@ -9,22 +9,25 @@ struct ElementBlocks
 {
   std::span<const int> nodes;  ///< their numbers, from 1
   int ndof;                    ///< equations of a node
-  /// The blocks (i, j), from 0, of ndof² numbers row by row, for j from i on and one i after
-  /// the other.
+  /// The blocks (i, j), i and j from 0, for i <= j, ordered by i, then by j; each has ndof²
+  /// numbers, row by row.
   const double* values;
 };
 
-/// What takes the stiffness of the elements of a model, one after the other.
+/// Receives the elements of a model one by one: a matrix adds their stiffness, a vector their
+/// forces.
 class ElementSink
 {
 public:
   virtual ~ElementSink() = default;
 
+  /// Adds one element.
   virtual void AddElement(const ElementBlocks& element) = 0;
 
-  /// Tells that elements of these nodes, `count` each, are going to be added in this order, so
-  /// that the way to them can be prepared. Changes nothing.
-  virtual void Expect(std::span<const int> /*nodes*/, int /*count*/) {}
+  /// Announces elements to the sink in groups so that it can prefetch: the elements that come
+  /// next, in this order; `nodes` has the numbers of their nodes, `count` for each element.
+  /// Changes no value.
+  virtual void Prefetch(std::span<const int> /*nodes*/, int /*count*/) {}
 
 protected:
   ElementSink() = default;

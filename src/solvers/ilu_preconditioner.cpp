@@ -7,6 +7,16 @@
 #include "solvers/sparse_matrix.h"
 #include "solvers/triangular_solve.h"
 
+// Incomplete LU factors without fill, ILU(0).
+//
+// Gaussian elimination row by row, restricted to the pattern of the matrix: for each entry (i, k)
+// left of the diagonal, in ascending k, l(i,k) = a(i,k) / u(k,k), then a(i,j) -= l(i,k)·u(k,j) for
+// those j > k where (i, j) is in the pattern; other products are dropped. L and U are kept as two
+// matrices in compressed rows with ascending columns.
+//
+// Source: Y. Saad, Iterative Methods for Sparse Linear Systems, 2nd ed., SIAM, Philadelphia 2003,
+// section 10.3.
+
 namespace morlen {
 
 namespace {
@@ -56,9 +66,7 @@ bool ILUPreconditioner::HasPivot(int i) const
   return pivot != 0.0 && std::isfinite(pivot);
 }
 
-// Elimination row by row on the given pattern (Y. Saad, Iterative Methods for Sparse Linear
-// Systems, 2nd ed., SIAM, Philadelphia 2003, section 10.3). The entries of the row at work
-// are known by their columns, so that nothing is searched.
+// Marks the entries of the row in work by their columns, so that none is searched for.
 bool ILUPreconditioner::Factorise()
 {
   std::vector<double*> entry(static_cast<std::size_t>(n), nullptr);

@@ -7,8 +7,9 @@
 
 namespace morlen {
 
-/// Incomplete factors L·U without fill: L has ones on its diagonal and the slots below it, U
-/// the slots on and above it.
+/// Incomplete factors L·U without fill, for a matrix of single entries: L has ones on its diagonal
+/// and the slots below it, U the slots on and above it. Not used by the analysis itself, whose
+/// nodes have three or six equations: see BlockFactors.
 class ILUPreconditioner : public Preconditioner
 {
 public:
@@ -31,8 +32,8 @@ private:
   /// False at the first pivot that cannot be divided by.
   bool Factorise();
   bool HasPivot(int i) const;
-  /// Subtracts from row i what its entries in L bring; entry[j] points to (i, j), null when
-  /// it is not in the pattern.
+  /// Eliminates the entries of row i left of the diagonal; entry[j] points to (i, j), null when it
+  /// is not in the pattern.
   void EliminateRow(int i, double* const* entry);
 
   int n;

@@ -6,13 +6,20 @@
 #include "base/stprintf.h"
 #include "solvers/conjugate_gradients.h"
 #include "solvers/preconditioner.h"
-#include "solvers/sparse_matrix.h"
+#include "solvers/system_matrix.h"
 #include "solvers/vector_loops.h"
 
 namespace morlen {
 
-// The methods as they stand in R. Barrett et al., Templates for the Solution of Linear
-// Systems: Building Blocks for Iterative Methods, SIAM, Philadelphia 1994.
+// Iterative methods for A·x = b that need only products with A and solutions with M.
+//
+// CG requires symmetric positive definite A and M. BiCG works with A and its transpose side by side
+// and needs no symmetry; CGS squares its polynomials instead of using the transpose; BiCGSTAB
+// smooths the convergence of CGS by a step that minimises the residual. Run holds the parts that
+// all of them share: the first residual, the test after each step, and the report.
+//
+// Source: R. Barrett et al., Templates for the Solution of Linear Systems: Building Blocks for
+// Iterative Methods, SIAM, Philadelphia 1994.
 
 namespace {
 
@@ -29,11 +36,11 @@ struct Limits
   double& tol;
 };
 
-// A run of one of the methods: the residual, the rule by which it stops, and what it tells.
+// The residual of a run of one of the methods, its stopping rule and its messages.
 class Run
 {
 public:
-  Run(const SparseMatrix& A, const double* x, const double* b, Limits limits_, std::FILE* info_)
+  Run(const SystemMatrix& A, const double* x, const double* b, Limits limits_, std::FILE* info_)
       : n(A.GiveSize()), limits(limits_), info(info_), r(Work(n)), normb(norm(b, n))
   {
     A.mult(x, r.get());
@@ -124,7 +131,7 @@ void fill_int_array(int* a, int n, int value)
   std::fill_n(a, n, value);
 }
 
-int CG(const SparseMatrix& A, double* x, const double* b, const Preconditioner& M, int& max_iter,
+int CG(const SystemMatrix& A, double* x, const double* b, const Preconditioner& M, int& max_iter,
        double& tol, std::FILE* info)
 {
   CgSystem system(A, x, b);
@@ -150,7 +157,7 @@ int CG(const SparseMatrix& A, double* x, const double* b, const Preconditioner& 
   return converged ? 0 : 1;
 }
 
-int BiCG(const SparseMatrix& A, double* x, const double* b, const Preconditioner& M, int& max_iter,
+int BiCG(const SystemMatrix& A, double* x, const double* b, const Preconditioner& M, int& max_iter,
          double& tol, std::FILE* info)
 {
   Run run(A, x, b, {max_iter, tol}, info);
@@ -183,7 +190,7 @@ int BiCG(const SparseMatrix& A, double* x, const double* b, const Preconditioner
   });
 }
 
-int CGS(const SparseMatrix& A, double* x, const double* b, const Preconditioner& M, int& max_iter,
+int CGS(const SystemMatrix& A, double* x, const double* b, const Preconditioner& M, int& max_iter,
         double& tol)
 {
   Run run(A, x, b, {max_iter, tol}, nullptr);
@@ -222,7 +229,7 @@ int CGS(const SparseMatrix& A, double* x, const double* b, const Preconditioner&
   });
 }
 
-int BiCGSTAB(const SparseMatrix& A, double* x, const double* b, const Preconditioner& M,
+int BiCGSTAB(const SystemMatrix& A, double* x, const double* b, const Preconditioner& M,
              int& max_iter, double& tol, std::FILE* info)
 {
   Run run(A, x, b, {max_iter, tol}, info);

@@ -42,12 +42,12 @@ double* LdltBlocks::Find(int panel, int chunk) const
 
 double* LdltBlocks::Add(int panel, int chunk)
 {
-  Block* const block = Take();
+  Block* const block = Acquire();
   blocks[Place(panel, chunk)] = block;
   return block->values;
 }
 
-LdltBlocks::Block* LdltBlocks::Take()
+LdltBlocks::Block* LdltBlocks::Acquire()
 {
   if (unused.empty()) {
     slabs.push_back(std::make_unique<Block[]>(kBlocksPerSlab));
@@ -77,7 +77,7 @@ void LdltBlocks::ReleaseChunk(int chunk, int lastPanel)
 
 void LdltBlocks::EndPanels(int first, int last)
 {
-  // Panels that reach further back than what is kept have blocks there.
+  // The new panels may have blocks in chunks that were released before.
   for (int panel = first; panel <= last; ++panel)
     for (int chunk = FirstChunk(panel); chunk < firstKept; ++chunk)
       Release(panel, chunk);

@@ -8,9 +8,14 @@
 
 namespace morlen {
 
-/// The finished rows of L in the form in which the kernel reads them: for every panel of rows
-/// and every chunk of columns that it reaches, a block. They are kept until no later panel
-/// reaches the chunk, or, from the lowest columns on, until they would take too much memory.
+/// The finished rows of L in the form in which the kernel reads them: a block for every panel of
+/// rows and every chunk of columns that the panel reaches.
+///
+/// Method: rows are factorised in order, so that a later panel reads a chunk only if its profile
+/// goes back that far. A chunk is released when no later panel reaches it. When the kept blocks
+/// exceed the limit of memory, the chunks of the lowest columns are released first: they are
+/// needed least often. A block that was released is packed again from the matrix where it is
+/// needed. Memory comes in slabs of several blocks; released blocks are reused.
 ///
 /// Panels, chunks and columns count from 0. Fatal when there is no memory.
 class LdltBlocks
@@ -22,14 +27,14 @@ public:
   int PanelStart(int panel) const { return starts[panel]; }
   int FirstChunk(int panel) const { return starts[panel] / kChunkColumns; }
 
-  /// Null when it is not kept, or when the panel does not reach the chunk.
+  /// The block; null when it is not kept, or when the panel does not reach the chunk.
   double* Find(int panel, int chunk) const;
 
-  /// A block to be filled.
+  /// A new block, to be filled by the caller.
   double* Add(int panel, int chunk);
 
-  /// After the panels first to `last`: gives back what no panel behind them needs, or what there
-  /// is no room for.
+  /// To be called when the panels first to `last` are finished: releases the blocks that no later
+  /// panel reads, and those beyond the limit of memory.
   void EndPanels(int first, int last);
 
 private:
@@ -39,7 +44,7 @@ private:
   };
 
   std::size_t Place(int panel, int chunk) const;
-  Block* Take();
+  Block* Acquire();
   void Release(int panel, int chunk);
   void ReleaseChunk(int chunk, int lastPanel);
 

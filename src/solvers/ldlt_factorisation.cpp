@@ -8,21 +8,34 @@
 
 namespace morlen {
 
-// Row j of the product A = L·D·Lᵀ gives, for the columns i <= j from the first of its profile,
+// The factorisation A = L·D·Lᵀ of a symmetric matrix in profile storage.
 //
-//   G(j,i) = A(j,i) - Σ L(i,k)·G(j,k), k < i,   L(j,i) = G(j,i) / D(i),   D(j) = G(j,j).
+// Row j of the product gives, for the columns i <= j from the first of its profile,
 //
-// Rows are factorised in panels, so that each L(i,k) that is read serves for kPanelRows of them,
-// and the panels whose rows make up a chunk together, so that a block that is read serves for all
-// of these. A panel is copied from its rows, filled up with zeros to the lowest column among them;
-// chunk by chunk of its columns, G is finished there, L is kept as blocks, and the chunk is taken
-// out of all columns behind it. The last chunk holds the panel's own rows, which are eliminated
-// one after another. Storage: A. Jennings, A compact storage scheme for the solution of symmetric
-// linear simultaneous equations, The Computer Journal 9 (1966).
+//   G(j,i) = A(j,i) - Σ L(i,k)·G(j,k) over k < i,   L(j,i) = G(j,i) / D(i),   D(j) = G(j,j).
+//
+// The speed comes from reading each number of L once for many rows:
+//
+//  - kPanelRows rows form a panel. A panel is copied from its rows, with zeros down to the lowest
+//    column among them. An L(i,k) that is read serves all rows of the panel.
+//  - The panels whose rows have the numbers of the columns of a chunk form a batch. A block of L
+//    that is read serves all panels of the batch.
+//
+// For each batch, chunk by chunk of columns (FactoriseChunk):
+//
+//  1. FinishInChunk completes G in the columns of the chunk, divides it by D and keeps the result,
+//     L, as a block.
+//  2. SubtractChunk subtracts the products of this chunk from all later columns of the batch.
+//  3. In the last chunk, that of the batch's own rows, Eliminate works row by row, with the check
+//     of each pivot; StoreRows writes the finished rows back.
+//
+// Storage: A. Jennings, A compact storage scheme for the solution of symmetric linear simultaneous
+// equations, The Computer Journal 9 (1966). Blocks: K. Goto, R. A. van de Geijn, Anatomy of
+// high-performance matrix multiplication, ACM Transactions on Mathematical Software 34 (2008).
 
 namespace {
 
-/// Part of the matrix that may be kept twice.
+/// 1/kKeptPart of the memory of the matrix may be used for blocks, besides keptBytes.
 constexpr std::size_t kKeptPart = 8;
 
 int RoundUp(int value, int multiple)
@@ -30,7 +43,7 @@ int RoundUp(int value, int multiple)
   return (value + multiple - 1) / multiple * multiple;
 }
 
-/// The lowest first column of every `count` rows, and at most their own first row.
+/// For each group of `count` rows: the lowest first column of its rows, and at most its first row.
 std::vector<int> FirstColumns(const ProfileRows& matrix, int n, int count)
 {
   std::vector<int> starts;
@@ -50,7 +63,7 @@ std::size_t KeptBytes(const ProfileRows& matrix, int n, const LdltOptions& optio
   return options.keptBytes + entries * sizeof(double) / kKeptPart;
 }
 
-/// A panel at work.
+/// The panel of rows that is being factorised, column by column.
 struct Panel
 {
   /// A column of the panel's rows.
@@ -74,6 +87,7 @@ class Factorisation
 {
 public:
   Factorisation(const ProfileRows& rows, int size, const LdltOptions& ldltOptions);
+  /// The first row whose pivot is refused, or -1.
   int Run();
 
 private:
@@ -83,16 +97,17 @@ private:
   void Load(Panel& panel, int number);
   void LoadColumns(Panel& panel, int first, int end);
   void FinishInChunk(Panel& panel, int chunk);
-  void TakeOutChunk(std::span<Panel> batch, int chunk);
+  void SubtractChunk(std::span<Panel> batch, int chunk);
   void ReduceOwnGroup(Panel& panel, int chunk, int group);
   int Eliminate(Panel& panel);
   void StoreRows(const Panel& panel, int count) const;
 
-  /// A step of the chunk for the rows of a block.
+  /// The products of the panel with a block of the chunk, up to column `end`.
   LdltStep StepFor(Panel& panel, int chunk, int end, int blockPanel, const double* block);
+  /// The block, as it is kept or packed from the rows of the matrix.
   const double* FindOrPack(int panel, int chunk);
   void PackRow(int row, int chunk);
-  /// Where row r of a panel begins in its blocks.
+  /// The offset of row r of a panel in its blocks.
   int RowInBlock(int r) const
   {
     return r / kernel.groupRows * kernel.groupRows * kChunkColumns + r % kernel.groupRows;
@@ -109,7 +124,7 @@ private:
   std::vector<double> pivots;
   Panel panels[kPanelsPerChunk];
   std::vector<double> packed;  ///< a block that is not kept
-  RowFetcher nextRows;         ///< of the chunk behind the one at work
+  RowFetcher nextRows;         ///< of the next batch
 };
 
 Factorisation::Factorisation(const ProfileRows& rows, int size, const LdltOptions& ldltOptions)
@@ -137,7 +152,7 @@ int Factorisation::Run()
   return -1;
 }
 
-/// Factorises the rows of the same numbers as the columns of the chunk. Returns like Run.
+/// Factorises the batch whose rows have the numbers of the chunk's columns. Returns like Run.
 int Factorisation::FactoriseChunk(int ownChunk)
 {
   const int firstPanel = ownChunk * kPanelsPerChunk;
@@ -153,7 +168,7 @@ int Factorisation::FactoriseChunk(int ownChunk)
   for (int chunk = firstChunk; chunk < ownChunk; ++chunk) {
     for (Panel& panel : batch)
       FinishInChunk(panel, chunk);
-    TakeOutChunk(batch, chunk);
+    SubtractChunk(batch, chunk);
   }
   for (Panel& panel : batch) {
     FinishInChunk(panel, ownChunk);
@@ -206,7 +221,7 @@ LdltStep Factorisation::StepFor(Panel& panel, int chunk, int end, int blockPanel
           .firstTile = 0};
 }
 
-/// Finishes G and L of the panel in the columns of the chunk before its own rows.
+/// Completes G and L of the panel in those columns of the chunk that come before its own rows.
 void Factorisation::FinishInChunk(Panel& panel, int chunk)
 {
   if (chunk < blocks.FirstChunk(panel.number))
@@ -223,8 +238,8 @@ void Factorisation::FinishInChunk(Panel& panel, int chunk)
                 own + (first - chunk * kChunkColumns) * kernel.groupRows, end - first);
 }
 
-/// Takes the chunk out of the columns of the panels behind it.
-void Factorisation::TakeOutChunk(std::span<Panel> batch, int chunk)
+/// Subtracts the products of the chunk from the columns after it.
+void Factorisation::SubtractChunk(std::span<Panel> batch, int chunk)
 {
   const int end = (chunk + 1) * kChunkColumns;
   for (int other = end / kPanelRows; other < batch.back().number; ++other) {
@@ -243,7 +258,7 @@ void Factorisation::TakeOutChunk(std::span<Panel> batch, int chunk)
       ReduceOwnGroup(panel, chunk, group);
 }
 
-// Only the tiles that reach below the diagonal.
+// Works only on the tiles that reach below the diagonal.
 void Factorisation::ReduceOwnGroup(Panel& panel, int chunk, int group)
 {
   const int row = group * kernel.groupRows;
@@ -277,7 +292,7 @@ int Factorisation::Eliminate(Panel& panel)
   return -1;
 }
 
-/// Puts the first `count` rows of the panel, which are finished, into the matrix.
+/// Writes the first `count` rows of the panel, which are finished, into the matrix.
 void Factorisation::StoreRows(const Panel& panel, int count) const
 {
   for (int r = 0; r < count; ++r) {

@@ -9,18 +9,18 @@
 
 namespace morlen {
 
-/// What the factorisation reports, and by what it is done.
+/// Kernel, memory and progress of a factorisation.
 struct LdltOptions
 {
   const LdltKernel* kernel;          ///< one of LdltKernels()
   std::function<void(int)> onRow;    ///< called with each finished row, before its pivot is judged
-  std::size_t keptBytes = 12 << 20;  ///< how much of the finished rows may be kept, besides a part
-                                     ///< of what the matrix takes
+  std::size_t keptBytes = 12 << 20;  ///< limit of the blocks of finished rows that are kept; an
+                                     ///< eighth of the size of the matrix is added
   double lostPart = kLostPart;       ///< see AcceptsPivot
 };
 
 /// Factorises n rows in place as L·D·Lᵀ, without pivoting. Returns -1, or the first row whose
-/// pivot is refused (see AcceptsPivot); what the rows from there on hold is then undefined.
+/// pivot is refused (see AcceptsPivot); the rows from there on are then undefined.
 int FactoriseLdlt(const ProfileRows& matrix, int n, const LdltOptions& options);
 
 }  // namespace morlen

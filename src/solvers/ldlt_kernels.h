@@ -10,13 +10,13 @@ namespace morlen {
 /// The kernels that a processor can run, the fastest first; at least one.
 std::span<const LdltKernel* const> LdltKernels(Processor processor = ThisProcessor());
 
-// The kernels by the file that each is compiled in.
+// One kernel a file, each compiled with its own options.
 
 /// With the instructions that the whole program is compiled for.
 extern const LdltKernel kPlainLdltKernel;
-/// Vectors of four, multiply and add in one.
+/// Vectors of four, fused multiply and add.
 extern const LdltKernel kAvx2LdltKernel;
-/// Vectors of eight.
+/// Vectors of eight, fused multiply and add.
 extern const LdltKernel kAvx512LdltKernel;
 
 }  // namespace morlen

@@ -32,18 +32,18 @@ private:
   static_assert(kPanelRows % kTileRows == 0 && kPanelRows % Columns == 0);
   static_assert(Columns % Width == 0);
 
-  /// A vector as it stands in an array, at any place.
+  /// A vector in an array, at any address.
   using InMemory [[gnu::vector_size(Width * sizeof(double)), gnu::aligned(8), gnu::may_alias]] =
       double;
 
   static const InMemory& At(const double* p) { return *reinterpret_cast<const InMemory*>(p); }
   static InMemory& At(double* p) { return *reinterpret_cast<InMemory*>(p); }
 
-  /// target(r, c) -= Σ panel(r, k)·group(k, c) over 0 <= k < count; then, if Solves, takes the
-  /// tile's columns out of each other by the rows `count` to count + Columns - 1 of the group.
-  /// The sum is taken before the entry comes in: where the entry is large, no rounding is of its
-  /// size but the last. Loops that are left to the compiler's limits would move the sums from
-  /// registers to memory.
+  /// target(r, c) -= Σ panel(r, k)·group(k, c) over 0 <= k < count; then, if Solves, eliminates the
+  /// tile's columns from each other by the rows `count` to count + Columns - 1 of the group.
+  /// The sum is formed first and subtracted from the entry once: where the entry is large, only
+  /// this one rounding is of its size. The loops are unrolled explicitly, because the compiler
+  /// would otherwise move the sums from registers to memory.
   template <bool Solves>
   static void Tile(double* target, const double* panel, const double* group, int count)
   {

@@ -6,6 +6,9 @@
 
 #include "base/errorwriter.h"
 
+// From couplings in any order to a sorted pattern, in time proportional to the mentions: see
+// NodeCouplings for the lists and MakePattern for the order of the lines.
+
 namespace morlen {
 
 NodeCouplings::NodeCouplings(int nodes, int limit_)
@@ -26,17 +29,16 @@ bool NodeCouplings::Add(int node, int neighbour)
   return true;
 }
 
-// A list that stays more than half full without repeats gets twice the room.
 bool NodeCouplings::MakeRoom(std::vector<int>& list)
 {
   constexpr std::size_t kFirst = 8;
-  TakeOutRepeats(list);
+  RemoveRepeats(list);
   if (2 * list.size() >= list.capacity())
     list.reserve(std::min(std::max(2 * list.capacity(), kFirst), limit));
   return list.size() < limit;
 }
 
-void NodeCouplings::TakeOutRepeats(std::vector<int>& list)
+void NodeCouplings::RemoveRepeats(std::vector<int>& list)
 {
   if (round == INT_MAX) {
     std::fill(marks.begin(), marks.end(), 0);
@@ -47,14 +49,14 @@ void NodeCouplings::TakeOutRepeats(std::vector<int>& list)
   list.erase(std::remove_if(list.begin(), list.end(), seen), list.end());
 }
 
-// The length of every line: a block for the node itself and one for each list that names it.
+// A line has a block for its own node and one for each other node whose list names it.
 std::vector<int> NodeCouplings::LineStarts()
 {
   std::vector<long long> lengths(lists.size(), 1);
-  for (std::vector<int>& list : lists) {
-    TakeOutRepeats(list);
-    for (const int q : list)
-      ++lengths[q];
+  for (int p = 0; p < static_cast<int>(lists.size()); ++p) {
+    RemoveRepeats(lists[p]);
+    for (const int q : lists[p])
+      lengths[q] += q != p;
   }
   std::vector<int> starts = {0};
   starts.reserve(lists.size() + 1);
@@ -68,13 +70,13 @@ std::vector<int> NodeCouplings::LineStarts()
   return starts;
 }
 
-// Walking through the nodes in order and adding each to the lines of its neighbours leaves
-// every line in order; coupling is mutual.
-NodePattern NodeCouplings::TakePattern()
+// Adds each node, in ascending order, to the lines of its neighbours: every line comes out
+// sorted without a sort. Couplings are mutual, so that the lists hold the lines' transpose.
+NodePattern NodeCouplings::MakePattern()
 {
   NodePattern pattern;
   pattern.starts = LineStarts();
-  pattern.columns.assign(static_cast<std::size_t>(pattern.starts.back()), NodePattern::kNoNode);
+  pattern.columns.resize(static_cast<std::size_t>(pattern.starts.back()));
   std::vector<int> next(pattern.starts.begin(), pattern.starts.end() - 1);
   for (int p = 0; p < static_cast<int>(lists.size()); ++p) {
     pattern.columns[next[p]++] = p;
@@ -82,7 +84,7 @@ NodePattern NodeCouplings::TakePattern()
       if (q != p)
         pattern.columns[next[q]++] = p;
   }
-  // Not by {}, which would keep the memory of the arrays.
+  // Assigning {} would keep the memory of the arrays.
   lists = std::vector<std::vector<int>>();
   marks = std::vector<int>();
   return pattern;

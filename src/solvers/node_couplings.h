@@ -5,48 +5,47 @@
 
 namespace morlen {
 
-/// Which blocks the line of each node has in a matrix of node blocks: the nodes columns[s]
-/// for s from starts[p] to starts[p + 1] - 1, ascending, everything from 0. kNoNode stands
-/// behind them for a block that belongs to no node yet.
+/// The blocks of a matrix of node blocks: line p has those of the nodes columns[s], ascending, for
+/// s from starts[p] to starts[p + 1] - 1. Everything counts from 0.
 struct NodePattern
 {
-  static constexpr int kNoNode = -1;
-
   std::vector<int> starts = {0};
   std::vector<int> columns;
 
   int Lines() const { return static_cast<int>(starts.size()) - 1; }
 };
 
-/// Collects which nodes are coupled, in whatever order and however often they are named.
+/// Collects which nodes are coupled; pairs may be named in any order and repeatedly.
 ///
-/// The list of a node takes every mention of a neighbour until it is full; only then are the
-/// repeats taken out, by a mark on each node seen, so that a mention costs the same on
-/// average however many neighbours there are.
+/// Method: every mention of a neighbour is appended to the list of its node. When the list is
+/// full, one pass removes the repeats: it marks each node with the number of the round in which it
+/// was seen. If more than half remains, the capacity doubles. A mention therefore costs constant
+/// time on average, whatever the number of neighbours; there is no search and no sort.
 class NodeCouplings
 {
 public:
-  /// A node may have so many neighbours, itself among them if it is named as one.
+  /// A node may have at most `limit` neighbours; itself counts if it is named as one.
   NodeCouplings(int nodes, int limit);
 
-  /// Names `neighbour` as one of `node`, both from 0. Returns false, and leaves the list as it
-  /// is, when that would be one too many.
+  /// Names `neighbour` as a neighbour of `node`, both from 0. Returns false, and leaves the list
+  /// as it is, when that would be one too many.
   bool Add(int node, int neighbour);
 
-  /// The line of every node has a block for itself and one for each of its neighbours, so one
-  /// more than there are nodes in it when the node was named as its own neighbour. The lists
-  /// are given up.
-  NodePattern TakePattern();
+  /// The pattern in which every node has a block for itself and one for each neighbour. Each
+  /// coupling must have been named from both ends. Frees the lists: to be called once, last.
+  NodePattern MakePattern();
 
 private:
-  void TakeOutRepeats(std::vector<int>& list);
-  /// False when the list cannot take one more.
+  /// Removes the repeats from a list.
+  void RemoveRepeats(std::vector<int>& list);
+  /// Makes room for one more neighbour; false when the limit is reached.
   bool MakeRoom(std::vector<int>& list);
+  /// NodePattern::starts.
   std::vector<int> LineStarts();
 
   std::size_t limit;
   std::vector<std::vector<int>> lists;
-  std::vector<int> marks;  ///< the last round in which a node was seen
+  std::vector<int> marks;  ///< by node: the last round of RemoveRepeats in which it was seen
   int round;
 };
 

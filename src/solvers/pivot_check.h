@@ -5,10 +5,10 @@ namespace morlen {
 /// The part of its diagonal entry up to which a pivot counts as a rounding error.
 constexpr double kLostPart = 1e-14;
 
-/// Whether a pivot of a factorisation can be divided by. A pivot below 1e-15 is 0, and one not
-/// larger than this part of the entry that was on the diagonal before is a rounding error; so is
-/// one that is not a number. Structures that can move may pass: see Refinement. With a lostPart of
-/// 0 every pivot that is a number but 0 is accepted.
+/// Whether a factorisation may divide by this pivot. Refused are pivots below 1e-15, those not
+/// larger than lostPart times the original diagonal entry (they are rounding error), and those
+/// that are not a number. With a lostPart of 0, every number except 0 is accepted. A structure
+/// that can move may pass this check: see Refinement.
 bool AcceptsPivot(double pivot, double diagonal, double lostPart = kLostPart);
 
 }  // namespace morlen

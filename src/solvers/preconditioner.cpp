@@ -92,10 +92,11 @@ void ICPreconditioner::CopyLowerTriangle(const SparseMatrix& matrix)
   }
 }
 
-// Row by row: l(i,k) = (a(i,k) − Σ l(i,j)·l(k,j)) / l(k,k) over j < k, l(i,i) the root of what
-// its row leaves; entries outside the pattern are dropped (J. A. Meijerink, H. A. van der
-// Vorst, Mathematics of Computation 31, 1977). Row i is spread over `row` meanwhile, so that
-// row k is walked through once and nothing is searched.
+// Row by row: l(i,k) = (a(i,k) − Σ l(i,j)·l(k,j)) / l(k,k) over j < k, and
+// l(i,i)² = a(i,i) − Σ l(i,k)². Entries outside the pattern are dropped (J. A. Meijerink, H. A. van
+// der Vorst, An iterative solution method for linear systems of which the coefficient matrix is a
+// symmetric M-matrix, Mathematics of Computation 31, 1977). `row` holds row i in full length, so
+// that the sum is one pass through row k without a search.
 bool ICPreconditioner::ICFactor()
 {
   const CompressedView L = lower.View();

@@ -8,11 +8,11 @@ namespace morlen {
 
 class SparseMatrix;
 
-/// An approximation M of a matrix whose systems are cheap to solve.
+/// An approximation M of a matrix, whose systems are cheap to solve.
 ///
-/// The arrays are as long as the matrix has rows; y may be x. A preconditioner that could not
-/// be computed (a pivot that is 0, not finite, or for the Cholesky factor negative) gives
-/// NaN, which the iterative methods report as a breakdown.
+/// The arrays have one number for each row of the matrix; y may be x. When the preconditioner could
+/// not be computed (a pivot is 0, not finite or, in the Cholesky factor, negative), the solutions
+/// are NaN, which the iterative methods report as a breakdown.
 class Preconditioner
 {
 public:
@@ -20,16 +20,17 @@ public:
 
   /// y = M⁻¹·x.
   virtual void solve(const double* x, double* y) const = 0;
-  /// The same for two vectors, with the same bits; by default one after the other.
+  /// The same for two vectors, each with the bits that it gets alone; by default one by one.
   virtual void SolveTwo(const double* const x[2], double* const y[2]) const;
-  /// y = M⁻ᵀ·x.
+  /// y = M⁻ᵀ·x. Not used by the analysis itself.
   virtual void trans_solve(const double* x, double* y) const = 0;
   /// Always fatal: a preconditioner belongs to the matrix it was made from.
   virtual void New_Matrix(const SparseMatrix& matrix) = 0;
 
   const char* Name() const { return name; }
 
-  /// Whether the text is, in any case, the name of this class or "Preconditioner".
+  /// Whether the text is the name of this class or "Preconditioner", in upper or lower case. Not
+  /// used by the analysis itself.
   bool AreYou(const char* text) const;
 
 protected:
@@ -41,7 +42,8 @@ private:
   const char* name;
 };
 
-/// The diagonal of the matrix. Fatal when one of its entries is 0 or has no slot.
+/// The diagonal of the matrix. Fatal when one of its entries is 0 or has no slot. Not used by the
+/// analysis itself.
 class DiagPreconditioner : public Preconditioner
 {
 public:
@@ -57,8 +59,8 @@ private:
   std::vector<double> inverse;
 };
 
-/// Incomplete Cholesky factor L·Lᵀ on the pattern of the matrix's lower triangle; the upper
-/// one is not looked at. Fatal when a row has no slot on the diagonal.
+/// Incomplete Cholesky factors L·Lᵀ on the pattern of the matrix's lower triangle; the upper one is
+/// not read. Fatal when a row has no slot on the diagonal. Not used by the analysis itself.
 class ICPreconditioner : public Preconditioner
 {
 public:
@@ -85,7 +87,7 @@ private:
 /// Sorts each line by index, the values with it.
 void SortLines(CompressedRows& matrix);
 
-/// What a preconditioner gives that could not be computed.
+/// The solution of a preconditioner that could not be computed.
 void FillWithNaN(double* y, int n);
 
 }  // namespace morlen

@@ -4,11 +4,11 @@ namespace morlen {
 
 namespace {
 
-/// Sums that run side by side, so that no addition waits for the one before it.
+/// Independent sums, so that no addition waits for the one before it.
 constexpr int kLanes = 8;
 /// Doubles in a line of the cache.
 constexpr int kLineEntries = 8;
-/// Lines that RowFetcher asks for at a time: about as many as a core can wait for.
+/// Lines that RowFetcher requests at a time: about as many as a core can have outstanding.
 constexpr int kLinesAtATime = 48;
 
 }  // namespace

@@ -15,24 +15,25 @@ struct ProfileRows
   int FirstColumn(int i) const { return i - heights[i] + 1; }
 };
 
-/// Asks for a row before it is read, so that it comes while there is other work.
+/// Prefetches a row.
 void FetchRow(const double* row, int height);
 
-/// The same for many rows, a few lines of the cache at a time.
+/// Prefetches many rows, a few cache lines at a time, so that loads overlap other work.
 class RowFetcher
 {
 public:
   explicit RowFetcher(const ProfileRows& matrix) : rows(matrix) {}
 
-  /// Starts with row `first`; ends before row `end`.
+  /// Sets the rows to prefetch: `first` to end - 1.
   void Begin(int first, int end);
+  /// Prefetches the next few lines.
   void FetchSome();
 
 private:
   ProfileRows rows;
   int row = 0;
   int endRow = 0;
-  int entry = 0;  ///< of the row, where to go on
+  int entry = 0;  ///< of the row, the next to prefetch
 };
 
 /// Σ a[k]·b[k] over 0 <= k < count.

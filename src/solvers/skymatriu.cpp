@@ -19,8 +19,8 @@ namespace morlen {
 namespace {
 
 constexpr int kEquationsPerMessage = 500;
-/// How many rows ahead the substitutions ask for memory: the processor by itself does not look
-/// beyond the end of a row, nor backwards.
+/// Distance in rows of the prefetch in the substitutions: the processor itself does not prefetch
+/// across the end of a row, nor backwards.
 constexpr int kRowsAhead = 4;
 
 bool IsZero(double value)
@@ -141,7 +141,7 @@ void SkyMatriu::AddSubMatriu(int row, int col, const Matriu& m)
 {
   const int cols = m.Cols();
   for (int b = 0; b < cols; ++b) {
-    // Column j of the block is, upwards from the diagonal, row j as it is stored.
+    // Column j of the block, upwards from the diagonal, is row j in the order of its storage.
     const int j = col + b;
     assert(row >= 1 && j <= n && !values.empty());
     double* const entries = rows[j - 1];
@@ -165,12 +165,12 @@ int SkyMatriu::Txolesky(std::FILE* info)
   return refused + 1;
 }
 
-// Each row serves all sides while it is in the cache.
+// Each row is used for all sides while it is in the cache.
 void SkyMatriu::Substitute(const RightHandSides& sides, std::FILE* info) const
 {
   assert(factorised);
   Progress(info, "Beginning 1st substitution in LU system\n");
-  // Reversed like the rows, a vector can be walked in step with them.
+  // The rows are stored from the diagonal leftwards; a reversed vector has the same order.
   for (ReaVecV* const b : sides)
     std::reverse(b->Data(), b->Data() + n);
   for (int i = 0; i < n; ++i) {
@@ -213,13 +213,19 @@ int SkyMatriu::Solver(const RightHandSides& sides, std::FILE* info)
   return 0;
 }
 
-int SkyMatriu::ApplyConstraint(int eq, double value, ReaVecV& b)
+int SkyMatriu::ApplyConstraint(int eq, std::span<const double> prescribed,
+                               std::span<ReaVecV* const> sides)
 {
-  if (value != 0.0)
-    ForEachInRow(eq, [&](int i, double entry) { b(i) -= value * entry; });
+  assert(prescribed.size() == sides.size());
+  for (std::size_t k = 0; k < sides.size(); ++k) {
+    ReaVecV& b = *sides[k];
+    const double value = prescribed[k];
+    if (value != 0.0)
+      ForEachInRow(eq, [&](int i, double entry) { b(i) -= value * entry; });
+    b(eq) = value;
+  }
   EraseRowColumn(eq);
   val(eq, eq) = 1.0;
-  b(eq) = value;
   return eq;
 }
 
@@ -272,7 +278,7 @@ bool SkyMatriu::IsMultiple(int i, const std::vector<double>& row,
     if (!(std::fabs(ratio(j) - ratio(significant.front())) <= EPSILON))
       return false;
 
-  // What row i has beside those columns must be 0.
+  // The other entries of row i must be 0.
   bool isZero = true;
   ForEachInRow(
       i, [&](int j, double entry) { isZero = isZero && (!IsZero(row[j - 1]) || IsZero(entry)); });

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <ostream>
+#include <span>
 #include <vector>
 
 #include "base/large_array.h"
@@ -15,8 +16,8 @@ struct LdltKernel;
 
 /// Symmetric matrix stored by profile, factorised in place as L·D·Lᵀ.
 ///
-/// Row i holds its entries from the diagonal leftwards as far as the first column that was
-/// declared; the upper triangle is the same entries. An entry outside the profile reads as
+/// Row i holds its entries from the diagonal leftwards to the first column that was declared; the
+/// upper triangle has the same entries. An entry outside the profile reads as
 /// 0, and writing it changes nothing in the matrix.
 ///
 /// After Solver the storage holds the factors. SetToZero makes the object ready for another
@@ -33,12 +34,12 @@ public:
   /// Declares that two equations couple.
   void EnterMaxDiff(int eq1, int eq2);
 
-  /// Also stores, whatever was declared, the whole diagonal block of every node. Fatal when
-  /// the profile does not fit into memory.
+  /// Stores also the whole diagonal block of every node, declared or not. Fatal when the profile
+  /// does not fit into memory.
   void Create(int ndof) override;
 
-  /// A reference that stays valid for entries of the profile. Outside it, a scratch value
-  /// shared by all such entries, which every access sets back to 0.
+  /// The entry of the profile. Outside the profile, a scratch value that all such entries share and
+  /// that every access sets to 0.
   double& operator()(int i, int j) override;
 
   /// Entry (j, i), i <= j, which must lie inside the profile.
@@ -46,8 +47,8 @@ public:
 
   void SetToZero() override;
 
-  /// Takes only the part of m that falls on or above the diagonal, so that the caller hands
-  /// over whole symmetric blocks.
+  /// Adds only the part of m on and above the diagonal of the matrix: the caller hands over whole
+  /// symmetric blocks.
   void AddSubMatriu(int row, int col, const Matriu& m) override;
 
   /// Txolesky, then Substitute. The result is that of Txolesky; when it is not 0, b is as it
@@ -61,35 +62,39 @@ public:
   int Solver(const RightHandSides& sides, std::FILE* info);
 
   /// Factorises in place, without pivoting. Returns 0, or the first equation whose pivot is
-  /// refused: not a number, below 1e-15, or nothing but rounding error (see AcceptsPivot). Progress
+  /// refused: not a number, below 1e-15, or only rounding error (see AcceptsPivot). Progress
   /// every 500 equations.
   int Txolesky(std::FILE* info);
 
-  /// Pivots that have lost digits are no longer refused, as long as they are not 0.
+  /// From now on, pivots are accepted whatever digits they have lost, as long as they are not 0.
   void AcceptLostPivots() { lostPart = 0.0; }
 
-  /// Solves with the factors that Txolesky has left: the right-hand sides become solutions.
+  /// Solves with the factors of Txolesky: the right-hand sides become solutions. Further load
+  /// vectors need no further factorisation.
   void Substitute(const RightHandSides& sides, std::FILE* info) const;
 
-  /// Moves column eq to the right-hand side and leaves a 1 on its diagonal, so that the
+  /// Moves column eq to the right-hand sides and leaves a 1 on its diagonal, so that the
   /// matrix stays symmetric. Work: the rows that reach column eq, see lastRow.
-  int ApplyConstraint(int eq, double value, ReaVecV& b) override;
+  int ApplyConstraint(int eq, std::span<const double> prescribed,
+                      std::span<ReaVecV* const> sides) override;
+  using BSolver::ApplyConstraint;
 
   /// Sets row and column eq to 0, except the diagonal.
   void EraseRowColumn(int eq);
 
   double ReturnRowPerVector(int i, const ReaVecV& v) const override;
 
-  /// The first equation all of whose entries are 0 (below 1e-15); 0 when there is none.
+  /// The first equation all of whose entries are 0 (below 1e-15); 0 when there is none. Not used by
+  /// the analysis itself.
   int HasVoidRows() const;
 
-  /// Warns in the stream of the error writer of every equation whose row is a multiple of
-  /// row eq; the run goes on.
+  /// Writes a warning to the stream of the error writer for every equation whose row is a multiple
+  /// of row eq; the run goes on. Not used by the analysis itself.
   void CheckDegree(int eq) const;
 
   void PrintTo(std::ofstream& out) const override;
 
-  /// Like PrintTo, with the entries outside the profile.
+  /// Like PrintTo, with the entries outside the profile. Not used by the analysis itself.
   void PrintToFull(std::ostream& out) const;
 
   void CopyFromYouToMat(Matriu& m) const override;
@@ -108,8 +113,8 @@ public:
   /// True while the storage holds the factors.
   bool IsFactorised() const { return factorised; }
 
-  /// Bytes of the entries that Create(ndof) will take with the couplings declared so far;
-  /// afterwards, with no argument, what they take.
+  /// Before Create: the bytes of the entries that Create(ndof) will allocate with the couplings
+  /// declared so far. After it, without an argument: the bytes that are allocated.
   std::size_t StorageBytes(int ndof = 1) const;
 
 private:
@@ -139,13 +144,13 @@ private:
   LargeArray<double> values;  ///< one array for all rows; empty before Create
   std::vector<double*> rows;  ///< into values; element d of row i is entry (i, i - d)
 
-  /// Of equation i at i - 1: the last row that begins at or before column i. No row behind
-  /// it holds an entry of column i, so that what works on row and column i can stop there
-  /// and needs no pass over all n rows. Found by Create: the last row beginning in each
-  /// column, then the maximum over the columns up to i.
+  /// For equation i, at i - 1: the last row that begins at or before column i. No later row has an
+  /// entry in column i, so that work on row and column i ends there instead of passing over all n
+  /// rows. Create finds it: the last row beginning in each column, then the maximum over the
+  /// columns up to i.
   std::vector<int> lastRow;
 
-  double outside = 0.0;  ///< what operator() refers to outside the profile
+  double outside = 0.0;  ///< target of operator() outside the profile
   bool factorised = false;
   double lostPart = kLostPart;
 };

@@ -77,7 +77,7 @@ void WriteCellNodes(std::ostream& mesh, long long firstNode, int r, int c)
     mesh << firstNode++ << " " << corner.x << " " << static_cast<double>(corner.y) << "\n";
 }
 
-/// Meshes n×n cells with nodes of their own, numbered row by row.
+/// Writes a mesh of n×n cells, row by row; each cell has its own four nodes.
 void WriteCells(std::ostream& mesh, int n)
 {
   const long long cells = static_cast<long long>(n) * n;

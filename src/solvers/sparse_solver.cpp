@@ -25,9 +25,20 @@ namespace {
 constexpr double kTolerance1 = 1e-05;
 constexpr double kTolerance2 = 0.1;
 constexpr int kMaxIterations = 3000;
-/// Times the norm of a probe whose entries have random signs: a motion meets about one part in
-/// √n of it, and less than one part in 1000·√n only once in 1000 times.
+/// Divided by √n. The entries of a probe have random signs: a free motion is about 1/√n of it, and
+/// less than 1/(1000·√n) only once in 1000 cases.
 constexpr double kProbeTolerance = 1e-3;
+
+/// Slots of the rows of a matrix with this pattern.
+std::vector<int> RowLengths(const NodePattern& pattern, int ndof)
+{
+  std::vector<int> lengths;
+  for (int p = 0; p < pattern.Lines(); ++p) {
+    const int blocks = pattern.starts[p + 1] - pattern.starts[p];
+    lengths.insert(lengths.end(), static_cast<std::size_t>(ndof), blocks * ndof);
+  }
+  return lengths;
+}
 
 }  // namespace
 
@@ -66,42 +77,55 @@ void SparseSolver::AddNeighbour(int node, int neighbour)
 void SparseSolver::Create([[maybe_unused]] int ndofOfNodes)
 {
   assert(ndofOfNodes == ndof && !matrix);
-  NodePattern pattern = couplings.TakePattern();
-  const auto entries = static_cast<std::uint64_t>(ndof) * ndof * pattern.columns.size();
-  const std::uint64_t ofFactors = (entries + static_cast<std::uint64_t>(n) * ndof) / 2;
-  RequireMemory((entries + ofFactors) * sizeof(double));
-  matrix = std::make_unique<SparseMatrix>(std::move(pattern), ndof, processor);
+  NodePattern pattern = couplings.MakePattern();
+  const auto slots = static_cast<std::uint64_t>(ndof) * ndof * pattern.columns.size();
+  const std::uint64_t ofFactors = (slots + static_cast<std::uint64_t>(n) * ndof) / 2;
+  RequireMemory((slots + ofFactors) * sizeof(double));
+  if (NodeBlockMatrix::Suits(ndof)) {
+    blocks = std::make_unique<NodeBlockMatrix>(std::move(pattern), ndof, processor);
+    matrix = blocks.get();
+  } else {
+    entries = std::make_unique<SparseMatrix>(n, RowLengths(pattern, ndof).data());
+    matrix = entries.get();
+  }
+}
+
+SystemMatrix& SparseSolver::MatrixToChange()
+{
+  preconditioner.reset();
+  return *matrix;
 }
 
 double& SparseSolver::operator()(int i, int j)
 {
-  return matrix->set(i - 1, j - 1);
+  return MatrixToChange().set(i - 1, j - 1);
 }
 
 void SparseSolver::SetToZero()
 {
-  matrix->NullifyMatrix();
+  MatrixToChange().NullifyMatrix();
   prescribed.clear();
 }
 
 void SparseSolver::AddSubMatriu(int row, int col, const Matriu& m)
 {
   if (row < 1 || col < 1 || row - 1 > n - m.Rows() || col - 1 > n - m.Cols())
-    Fatal("Sparse Matrix accessing exception -- out of bounds.");
-  const int p = (row - 1) / ndof;
-  const int q = (col - 1) / ndof;
+    OutOfBounds();
+  SystemMatrix& sum = MatrixToChange();
   const bool ofNodes = m.Rows() == ndof && m.Cols() == ndof;
-  if (ofNodes && p * ndof == row - 1 && q * ndof == col - 1) {
-    matrix->AddNodeBlock(p, q, m.Data(), false);
+  if (blocks && ofNodes && (row - 1) % ndof == 0 && (col - 1) % ndof == 0) {
+    const int p = (row - 1) / ndof;
+    const int q = (col - 1) / ndof;
+    blocks->AddNodeBlock(p, q, m.Data(), false);
     if (p != q)
-      matrix->AddNodeBlock(q, p, m.Data(), true);
+      blocks->AddNodeBlock(q, p, m.Data(), true);
     return;
   }
   for (int a = 1; a <= m.Rows(); ++a) {
     for (int b = 1; b <= m.Cols(); ++b) {
-      matrix->addToLhs(row - 1 + a - 1, col - 1 + b - 1, m(a, b));
+      sum.addToLhs(row - 1 + a - 1, col - 1 + b - 1, m(a, b));
       if (row != col)
-        matrix->addToLhs(col - 1 + b - 1, row - 1 + a - 1, m(a, b));
+        sum.addToLhs(col - 1 + b - 1, row - 1 + a - 1, m(a, b));
     }
   }
 }
@@ -109,19 +133,30 @@ void SparseSolver::AddSubMatriu(int row, int col, const Matriu& m)
 void SparseSolver::AddElement(const ElementBlocks& element)
 {
   assert(element.ndof == ndof);
-  matrix->AddElement(element);
+  if (blocks) {
+    MatrixToChange();
+    blocks->AddElement(element);
+    return;
+  }
+  for (const int node : element.nodes)
+    if (node < 1 || node > n / ndof)
+      OutOfBounds();
+  BSolver::AddElement(element);
 }
 
-void SparseSolver::Expect(std::span<const int> nodes, int count)
+void SparseSolver::Prefetch(std::span<const int> nodes, int count)
 {
-  matrix->Expect(nodes, count);
+  if (blocks)
+    blocks->Prefetch(nodes, count);
 }
 
-int SparseSolver::ApplyConstraint(int eq, double value, ReaVecV& b)
+int SparseSolver::ApplyConstraint(int eq, std::span<const double> values,
+                                  std::span<ReaVecV* const> sides)
 {
-  assert(b.Size() == n);
-  b(eq) = value;
-  matrix->addToLhs(eq - 1, eq - 1, 0.0);  // a node without elements has no diagonal yet
+  assert(values.size() == sides.size());
+  for (std::size_t k = 0; k < sides.size(); ++k)
+    (*sides[k])(eq) = values[k];
+  MatrixToChange().addToLhs(eq - 1, eq - 1, 0.0);  // a node without elements has no diagonal yet
   matrix->Fix_Row_Dalvek(eq - 1);
   prescribed.push_back(eq - 1);
   return eq;
@@ -133,7 +168,7 @@ double SparseSolver::ReturnRowPerVector(int i, const ReaVecV& v) const
   return matrix->MultiplyVector(i - 1, v.Data());
 }
 
-std::unique_ptr<double[]> SparseSolver::TakeStart(const ReaVecV& b)
+std::unique_ptr<double[]> SparseSolver::ConsumeStart(const ReaVecV& b)
 {
   std::unique_ptr<double[]> x = std::move(initialValues);
   if (!x)
@@ -145,9 +180,9 @@ std::unique_ptr<double[]> SparseSolver::TakeStart(const ReaVecV& b)
 
 std::unique_ptr<Preconditioner> SparseSolver::MakePreconditioner() const
 {
-  if (matrix->BlockSize() > 1)
-    return std::make_unique<BlockFactors>(*matrix, prescribed);
-  return std::make_unique<ILUPreconditioner>(*matrix);
+  if (blocks)
+    return std::make_unique<BlockFactors>(*blocks, prescribed);
+  return std::make_unique<ILUPreconditioner>(*entries);
 }
 
 int SparseSolver::Solver(ReaVecV& b, std::FILE* info)
@@ -158,6 +193,13 @@ int SparseSolver::Solver(ReaVecV& b, std::FILE* info)
 int SparseSolver::Solver(ReaVecV& b, ReaVecV& probe, std::FILE* info)
 {
   return Solve(b, &probe, info);
+}
+
+void SparseSolver::KeepPreconditioner(bool keep)
+{
+  keepsPreconditioner = keep;
+  if (!keep)
+    preconditioner.reset();
 }
 
 double SparseSolver::AllLoads(const ReaVecV& b) const
@@ -177,15 +219,19 @@ double SparseSolver::AllLoads(const ReaVecV& b) const
 int SparseSolver::Solve(ReaVecV& b, ReaVecV* probe, std::FILE* info)
 {
   assert(matrix && b.Size() == n && (!probe || probe->Size() == n));
-  const std::unique_ptr<Preconditioner> factors = MakePreconditioner();
-  const std::unique_ptr<double[]> u = TakeStart(b);
+  if (!preconditioner)
+    preconditioner = MakePreconditioner();
+  const std::unique_ptr<double[]> u = ConsumeStart(b);
   std::vector<double> v(probe ? static_cast<std::size_t>(n) : 0, 0.0);
   CheckedIteration model(*matrix, u.get(), b.Data(), {tolerance1, demands, AllLoads(b)});
   std::optional<CheckedIteration> second;
   if (probe)
     second.emplace(*matrix, v.data(), probe->Data(),
                    IterationGoal{probeTolerance, {.quotient = demands.quotient}});
-  CheckedIteration::Run(*matrix, *factors, model, second ? &*second : nullptr, MaxIterations, info);
+  CheckedIteration::Run(*matrix, *preconditioner, model, second ? &*second : nullptr, MaxIterations,
+                        info);
+  if (!keepsPreconditioner)
+    preconditioner.reset();
   modelReport = model.Report();
   probeReport = second ? second->Report() : IterationReport{};
   if (probe)

@@ -2,24 +2,27 @@
 
 #include <algorithm>
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
 #include "base/processor.h"
 #include "solvers/bsolver.h"
 #include "solvers/checked_iteration.h"
+#include "solvers/node_block_matrix.h"
 #include "solvers/node_couplings.h"
 #include "solvers/preconditioner.h"
 #include "solvers/sparse_matrix.h"
 
 namespace morlen {
 
-/// The whole matrix, both triangles, in blocks of nodes, solved by conjugate gradients with
-/// an incomplete LU preconditioner.
+/// The whole matrix, both triangles, solved by conjugate gradients with an incomplete LU
+/// preconditioner.
 ///
-/// The pattern comes from the couplings of nodes: in the line of a node, a block is set aside
-/// for itself and for every neighbour, in ascending order. What lies outside that pattern
-/// cannot be added.
+/// The pattern comes from the couplings of nodes: the line of a node has a block for itself and
+/// one for every neighbour. The matrix of nodes with three or six equations is a NodeBlockMatrix,
+/// in which all of these blocks exist from the start. That of other nodes is a SparseMatrix, whose
+/// rows have as many slots; the first entries that are added to a row take them.
 class SparseSolver : public BSolver
 {
 public:
@@ -34,11 +37,12 @@ public:
   SparseSolver(int nnodes, int ndof, double tolerance1, double tolerance2, int MaxIterations,
                Processor processor = ThisProcessor());
 
-  /// Lowers the limit of iterations to this.
+  /// Lowers the limit of iterations to `most`.
   void LimitIterations(int most) { MaxIterations = std::min(MaxIterations, most); }
 
+  /// Demands on the iteration of b besides its tolerance.
   void Demand(const IterationDemands& demands_) { demands = demands_; }
-  /// The tolerance of the relative residual of a probe.
+  /// Sets the tolerance of the relative residual of a probe.
   void EnterProbeTolerance(double tolerance) { probeTolerance = tolerance; }
 
   int GiveSize() const override { return n; }
@@ -51,40 +55,47 @@ public:
   /// Fatal when there are no equations, or more entries than an int can count.
   void Create(int ndof) override;
 
-  /// Fatal when nothing was added to (i, j) before.
+  /// Fatal when (i, j) has no slot.
   double& operator()(int i, int j) override;
 
   void SetToZero() override;
 
-  /// Adds m, and its mirror image too unless it begins on the diagonal, so that the caller
-  /// hands over each block of two nodes once. Fatal outside the pattern.
+  /// Adds m, and its mirror image unless it begins on the diagonal, so that the caller hands
+  /// over each block of two nodes once. Fatal where there are no slots.
   void AddSubMatriu(int row, int col, const Matriu& m) override;
   void AddElement(const ElementBlocks& element) override;
-  void Expect(std::span<const int> nodes, int count) override;
+  void Prefetch(std::span<const int> nodes, int count) override;
 
-  /// Solves from the starting vector, which is used up. b becomes the solution when the
-  /// result is 0; else it stays. The result is -1 after a breakdown, or minus the number of
+  /// Solves from the starting vector, which is consumed. b becomes the solution when the result is
+  /// 0; otherwise it is unchanged. The result is -1 after a breakdown, or minus the number of
   /// iterations (at least 1) when they were not enough.
   ///
-  /// Where the recurrence claims that a tolerance is reached, the residual is formed afresh. When
-  /// that is more than ten times the tolerance, of all loads, the iteration starts again with it,
-  /// at most three times. All starts share the limit of iterations.
+  /// The true residual is checked at the end, with at most three restarts: see CheckedIteration.
+  /// All restarts share the limit of iterations.
   int Solver(ReaVecV& b, std::FILE* info) override;
 
-  /// The same, together with a second right-hand side, a probe, from 0 on and to its own
-  /// tolerance; it is to be 0 in the prescribed equations. The probe becomes its latest iterate.
-  /// The result is that of b; but where the probe fails first, by a breakdown, its restarts or
-  /// its quotient, the iteration of b is left where it stands, as if the limit were reached.
+  /// The same, side by side with a second right-hand side, a probe, which starts from 0, has its
+  /// own tolerance and must be 0 in the prescribed equations. The probe becomes its last iterate.
+  /// The result is that of b; but when the probe fails first (breakdown, restarts or quotient), the
+  /// iteration of b stops too, as if the limit were reached.
   int Solver(ReaVecV& b, ReaVecV& probe, std::FILE* info);
 
-  /// How the latest iterations have ended; that of the probe is empty without one.
+  /// With true, Solver keeps its preconditioner for further right-hand sides, each solved by
+  /// another call, until the matrix changes. With false, as at first, every call makes its own,
+  /// and one that is kept is freed.
+  void KeepPreconditioner(bool keep);
+  bool HasPreconditioner() const { return preconditioner != nullptr; }
+
+  /// The outcome of the last call of Solver; that of the probe is empty without one.
   const IterationReport& ModelReport() const { return modelReport; }
   const IterationReport& ProbeReport() const { return probeReport; }
 
-  /// Replaces row eq only: the column stays, and the matrix is no longer symmetric. Since
-  /// the starting vector holds the prescribed values, the residual of their rows is exactly
-  /// 0 from the start, the iteration never moves them, and it works as on the free equations.
-  int ApplyConstraint(int eq, double value, ReaVecV& b) override;
+  /// Replaces row eq only: the column stays, and the matrix is no longer symmetric. The starting
+  /// vector has the prescribed values, so that the residual of their rows is exactly 0: the
+  /// iteration never changes them and works as on the free equations alone.
+  int ApplyConstraint(int eq, std::span<const double> values,
+                      std::span<ReaVecV* const> sides) override;
+  using BSolver::ApplyConstraint;
 
   double ReturnRowPerVector(int i, const ReaVecV& v) const override;
   void PrintTo(std::ofstream& out) const override;
@@ -100,19 +111,25 @@ public:
   void EnterInitialvalues(std::unique_ptr<double[]> x0) { initialValues = std::move(x0); }
 
   /// Null before Create.
-  const SparseMatrix* GiveMatrix() const { return matrix.get(); }
+  const SystemMatrix* GiveMatrix() const { return matrix; }
+  /// The same matrix by its class; the other one is null.
+  const NodeBlockMatrix* GiveBlocks() const { return blocks.get(); }
+  const SparseMatrix* GiveEntries() const { return entries.get(); }
 
 private:
   void AddNeighbour(int node, int neighbour);
 
-  std::unique_ptr<double[]> TakeStart(const ReaVecV& b);
-  /// ‖b − K·u‖ / ‖b‖ for the displacements u that are 0 where nothing is prescribed; at least 1.
+  /// The starting vector for b; consumes the initial values.
+  std::unique_ptr<double[]> ConsumeStart(const ReaVecV& b);
+  /// ‖b − K·u‖ / ‖b‖, at least 1, where u has the prescribed values and is 0 elsewhere.
   double AllLoads(const ReaVecV& b) const;
   int Solve(ReaVecV& b, ReaVecV* probe, std::FILE* info);
-  /// The result for the outcome of the right-hand side of the model, which is told.
+  /// The result for the outcome of b; writes it to info.
   int Judge(std::FILE* info) const;
   /// The incomplete factors of the matrix.
   std::unique_ptr<Preconditioner> MakePreconditioner() const;
+  /// The matrix, to be changed: drops the preconditioner.
+  SystemMatrix& MatrixToChange();
 
   int n;
   int ndof;
@@ -125,9 +142,13 @@ private:
   IterationReport modelReport;
   IterationReport probeReport;
 
-  NodeCouplings couplings;  ///< until Create
-  std::unique_ptr<SparseMatrix> matrix;
-  std::vector<int> prescribed;  ///< equations whose rows are replaced, from 0
+  NodeCouplings couplings;                         ///< until Create
+  std::unique_ptr<NodeBlockMatrix> blocks;         ///< of nodes with three or six equations
+  std::unique_ptr<SparseMatrix> entries;           ///< of other nodes
+  SystemMatrix* matrix = nullptr;                  ///< the one of the two that there is
+  std::vector<int> prescribed;                     ///< equations whose rows are replaced, from 0
+  std::unique_ptr<Preconditioner> preconditioner;  ///< null between calls of Solver unless kept
+  bool keepsPreconditioner = false;
   std::unique_ptr<double[]> initialValues;
 };
 

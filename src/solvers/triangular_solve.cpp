@@ -4,6 +4,14 @@
 
 #include "base/errorwriter.h"
 
+// Substitution in a triangle T, in compressed rows or columns.
+//
+// By rows, each unknown is its right-hand side less the products with the unknowns found before. By
+// columns, each unknown that is found is subtracted, times its column, from the right-hand sides
+// that follow. A lower triangle is solved from the first line, an upper one from the last. The
+// transpose of a matrix by rows is the same arrays read by columns, with the triangles exchanged:
+// one template for rows and one for columns serve all sixteen cases.
+
 namespace morlen {
 
 namespace {
@@ -15,7 +23,7 @@ enum class Diagonal
   kLast
 };
 
-// The part of a line beside its stored diagonal, and that diagonal.
+// The entries of a line except its diagonal, and the diagonal.
 struct Line
 {
   const double* values;
@@ -50,19 +58,19 @@ void InOrder(int n, bool lower, SolveLine solveLine)
   }
 }
 
-// Rows: what the unknowns already found contribute is taken off each right-hand side.
+// Rows: subtracts the products with the unknowns that are already found.
 template <bool lower, Diagonal diagonal>
 void SolveRows(const CompressedView& T, const double* b, double* x)
 {
   InOrder(T.n, lower, [&](int i) {
     const Line line = LineOf<diagonal>(T, i);
-    const double rest =
-        b[i] - IndexedDot < lower ? 1 : -1 > (line.values, line.indices, line.count, x);
+    constexpr int kStep = lower ? 1 : -1;
+    const double rest = b[i] - IndexedDot<kStep>(line.values, line.indices, line.count, x);
     x[i] = diagonal == Diagonal::kUnit ? rest : rest / line.diagonal;
   });
 }
 
-// Columns: each unknown found is taken off the right-hand sides still to come.
+// Columns: subtracts each unknown, once found, from the right-hand sides that follow.
 template <bool lower, Diagonal diagonal>
 void SolveColumns(const CompressedView& T, const double* b, double* x)
 {
@@ -97,7 +105,7 @@ void CheckDescriptor(int unitd, const int descra[3])
     Fatal("Bad descra[2]");
 }
 
-// A matrix by rows is its transpose by columns, in which the triangles have changed places.
+// A matrix by rows is its transpose by columns, with the triangles exchanged.
 void SolveStored(bool byRows, int transa, const int descra[3], const CompressedView& T,
                  const double* b, double* x)
 {

@@ -5,9 +5,11 @@
 namespace morlen {
 
 // Products and triangular solves on compressed storage, by columns (CompCol_...) or by rows
-// (CompRow_...). "Unit": the diagonal is 1 and not stored. "Diag": it is stored, first in a
-// line of a lower triangle by columns or of an upper one by rows, else last. The other
-// entries of a line may have any order. x may be b, except in the products.
+// (CompRow_...). Not used by the analysis itself, whose matrices are blocks or profiles.
+//
+// "Unit": the diagonal is 1 and not stored. "Diag": it is stored, as the first entry of a line in
+// a lower triangle by columns or an upper one by rows, else as the last. The other entries of a
+// line may have any order. x may be b, except in the products.
 
 void CompCol_LowerUnitSolve(const CompressedView& L, const double* b, double* x);
 void CompCol_LowerDiagSolve(const CompressedView& L, const double* b, double* x);
@@ -22,8 +24,7 @@ void CompRow_UpperDiagSolve(const CompressedView& U, const double* b, double* x)
 void CompColMatVec(const CompressedView& A, const double* x, double* y);
 void CompRowMatVec(const CompressedView& A, const double* x, double* y);
 
-/// What the three numbers of a matrix descriptor can be: the kind of matrix, the triangle
-/// that is stored, the diagonal.
+/// The codes of a matrix descriptor, three numbers: kind of matrix, stored triangle, diagonal.
 enum DescriptorCode : int
 {
   kGeneralMatrix = 0,

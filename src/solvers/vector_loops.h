@@ -7,8 +7,8 @@
 
 namespace morlen {
 
-// Loops over plain arrays of n doubles that the iterative methods share. What works on the same
-// vectors is done in one pass over them, since memory is what limits the speed.
+// Loops over plain arrays of n doubles that the iterative methods share. Operations on the same
+// vectors are done in one pass, since memory limits the speed.
 
 using WorkArray = std::unique_ptr<double[]>;
 
@@ -18,7 +18,7 @@ inline WorkArray Work(int n)
   return std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(n));
 }
 
-/// The sum of the terms of 0, 1, ..., n - 1, in four sums so that no addition waits.
+/// The sum of term(i) over 0 <= i < n, in four independent sums so that no addition waits.
 template <class Term>
 double Sum(int n, Term term)
 {
@@ -35,8 +35,8 @@ double Sum(int n, Term term)
   return (sum0 + sum1) + (sum2 + sum3);
 }
 
-/// The root of a sum of squares of x; scaled when the sum has left the range in which it is
-/// accurate.
+/// ‖x‖ from the sum of its squares; computed again, scaled, when the sum is outside the range in
+/// which it is accurate.
 inline double NormFromSquares(double sum, const double* x, int n)
 {
   constexpr double kSmallest = 1e-280;
@@ -75,6 +75,7 @@ inline double Reduce(double* r, double factor, const double* q, int n)
   return NormFromSquares(squares, r, n);
 }
 
+/// Whether the value is finite and not 0.
 inline bool CanDivideBy(double value)
 {
   return value != 0.0 && std::isfinite(value);

@@ -601,13 +601,13 @@ TEST(Analysis, RenumberingBelongsToTheSkylineSolver)
                                        .With(&ProblemParts::elements, "1 1 2 1\n2 1 3 1")
                                        .Text());
   project->Calc(0, nullptr);
-  EXPECT_EQ(project->meshes[0]->GiveOldNumber(1), 1);
+  EXPECT_EQ(project->problem.meshes[0]->GiveOldNumber(1), 1);
   const auto renumbered = ReadProject(ProblemParts()
                                           .With(&ProblemParts::coordinates, "1 1 0\n2 0 0\n3 5 0")
                                           .With(&ProblemParts::elements, "1 1 2 1\n2 1 3 1")
                                           .Text());
   renumbered->Calc(1, nullptr);
-  EXPECT_EQ(renumbered->meshes[0]->GiveOldNumber(1), 3);
+  EXPECT_EQ(renumbered->problem.meshes[0]->GiveOldNumber(1), 3);
 }
 
 }  // namespace morlen

@@ -31,7 +31,7 @@ std::vector<int> MarksOf(const ShellModel& model)
 {
   const auto project = ReadProject(model.Text());
   project->CalcCoplanarityVector();
-  return project->coplanarity;
+  return project->problem.coplanarity;
 }
 
 // `count` triangles around the node 1.
@@ -189,7 +189,7 @@ TEST(Coplanarity, LooksAcrossMeshes)
   const auto marks = [](const std::string& text) {
     const auto project = ReadProject(text);
     project->CalcCoplanarityVector();
-    return project->coplanarity;
+    return project->problem.coplanarity;
   };
   EXPECT_EQ(marks(InTwoMeshes(Fold(0.0), 3)), kAll);
   EXPECT_EQ(marks(InTwoMeshes(Fold(0.3), 3)), kAllButTheFold);

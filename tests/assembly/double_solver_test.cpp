@@ -106,9 +106,8 @@ TEST(DoubleSolver, EndsAsSparseWithSixNodes)
 {
   const auto project = ReadProject(Fold("Solver Double").Text());
   project->Calc(1, nullptr);
-  EXPECT_TRUE(project->preSolved);
-  EXPECT_EQ(project->solverSettings.type, SolverType::Sparse);
-  EXPECT_TRUE(project->convertTo6Nodes);
+  EXPECT_EQ(project->problem.solverSettings.type, SolverType::Sparse);
+  EXPECT_TRUE(project->problem.convertTo6Nodes);
 }
 
 TEST(DoubleSolver, RefusesOtherElements)

@@ -352,7 +352,7 @@ TEST_P(SolidReferenceOfNodes, StiffnessAndStressesAreThoseOfThePlainComputation)
     const Project& project = *projects.emplace_back(ReadProject(model.Text()));
     const Elem& elem = *project.GiveElem(1);
     const Doubles u = random.Vector(3 * model.nodes.size());
-    solid.Evaluate(elem, project.RequireMaterial(elem));
+    solid.Evaluate(elem, project.problem.RequireMaterial(elem));
     std::vector<Vector3> nodes;
     for (int i = 0; i < elem.Nnode(); ++i)
       nodes.push_back({(*elem(i))(1), (*elem(i))(2), (*elem(i))(3)});
@@ -384,7 +384,7 @@ TEST_P(ShellReferenceOfNodes, StiffnessAndForcesAreThoseOfThePlainComputation)
     model.material = material.Text();
     const Project& project = *projects.emplace_back(ReadProject(model.Text()));
     const Elem& elem = *project.GiveElem(1);
-    shell.Evaluate(elem, project.RequireMaterial(elem));
+    shell.Evaluate(elem, project.problem.RequireMaterial(elem));
     double x[6], y[6];
     CalcLocalCoordinates(elem, shell.Frame(), x, y);
     const Doubles u = random.Vector(6 * model.nodes.size());

@@ -10,11 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "assembly/element_assembly.h"
 #include "model/constraint.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/element_family.h"
+#include "run/element_families.h"
 #include "solvers/skymatriu.h"
 #include "support/shell_model.h"
 #include "support/solid_model.h"
@@ -30,18 +31,18 @@ struct Prepared
 {
   explicit Prepared(const std::string& problem) : project(ReadProject(problem))
   {
-    if (project->hasHinges)
+    if (project->problem.hasHinges)
       project->CalcElemsRotules();
-    if (project->meshes.front()->GiveElemType() == Triangle)
+    if (project->problem.meshes.front()->GiveElemType() == Triangle)
       project->CalcCoplanarityVector();
-    equations = project->numNodes * project->freeDegrees;
-    project->displacements.resize(equations, 0.0);
+    equations = project->problem.Equations();
+    project->solution.displacements.resize(equations, 0.0);
   }
 
   ReaVecV ForcesOf(const SplitView& u, InternalForces::Elements which) const
   {
-    InternalForces forces({u}, equations, project->freeDegrees, which);
-    project->AddForces(forces);
+    InternalForces forces({u}, equations, project->problem.components.count, which);
+    AddForces(project->problem, AllFamilies(), forces);
     return std::move(forces.Forces(0));
   }
 
@@ -59,16 +60,16 @@ ReaVecV VectorOf(const std::vector<double>& values)
 /// The matrix of the elements of all meshes times u, in global axes.
 ReaVecV ByMatrix(const Prepared& model, const ReaVecV& u)
 {
-  Project& project = *model.project;
-  project.solver = std::make_unique<SkyMatriu>(model.equations);
-  for (int node = 1; node <= project.numNodes; ++node)
-    project.solver->EnterMaxDiff(1, node, project.freeDegrees);
-  project.solver->Create(project.freeDegrees);
-  for (const auto& mesh : project.meshes)
-    (project.*FamilyOf(*mesh).addStiffness)(mesh.get(), 0);
+  const Problem& problem = model.project->problem;
+  SkyMatriu matrix(model.equations);
+  for (int node = 1; node <= problem.numNodes; ++node)
+    matrix.EnterMaxDiff(1, node, problem.components.count);
+  matrix.Create(problem.components.count);
+  for (const auto& mesh : problem.meshes)
+    AllFamilies().Of(*mesh).addStiffness(problem, *mesh, kInGlobalAxes, matrix);
   ReaVecV product(model.equations);
   for (int i = 1; i <= model.equations; ++i)
-    product(i) = project.solver->ReturnRowPerVector(i, u);
+    product(i) = matrix.ReturnRowPerVector(i, u);
   return product;
 }
 
@@ -87,15 +88,15 @@ ReaVecV RigidMotion(const Prepared& model, const Vector3& turn, const Vector3& s
   const Project& project = *model.project;
   ReaVecV u;
   u.resize(model.equations, 0.0);
-  for (const Node& node : Each<Node>(project.GiveNodes())) {
+  for (const Node& node : Each<Node>(project.problem.GiveNodes())) {
     const Vector3 x = {node(1), node(2), node.Size() == 3 ? node(3) : 0.0};
     const Vector3 v = shift + Cross(turn, x);
     const int first = project.Equation(node, 1);
-    for (int k = 0; k < project.translations; ++k)
+    for (int k = 0; k < project.problem.components.translations; ++k)
       u(first + k) = v[k];
-    if (project.freeDegrees == 3 && project.translations == 2)
+    if (project.problem.components.count == 3 && project.problem.components.translations == 2)
       u(first + 2) = turn[2];
-    for (int k = 0; k < 3 && project.freeDegrees == 6; ++k)
+    for (int k = 0; k < 3 && project.problem.components.count == 6; ++k)
       u(first + 3 + k) = turn[k];
   }
   return u;
@@ -147,7 +148,8 @@ std::vector<std::string> Problems()
 // The rotation about the normal of a plane is held by the ground.
 bool IsHeldByTheGround(const Prepared& model, const Node& node)
 {
-  return !model.project->coplanarity.empty() && model.project->coplanarity[node.number - 1] == 1;
+  return !model.project->problem.coplanarity.empty() &&
+         model.project->problem.coplanarity[node.number - 1] == 1;
 }
 
 }  // namespace
@@ -172,14 +174,14 @@ TEST(InternalForces, RigidMotionsNeedNone)
 {
   for (const std::string& problem : Problems()) {
     const Prepared model(problem);
-    const bool plane = model.project->problemType == kPlane;
+    const bool plane = model.project->problem.problemType == kPlane;
     const Vector3 turn = plane ? Vector3{0, 0, 0.7} : Vector3{0.3, -0.5, 0.7};
     const Vector3 shift = plane ? Vector3{1e6, -1e6, 0} : Vector3{1e6, -1e6, 1e6};
     const ReaVecV u = RigidMotion(model, turn, shift);
     const ReaVecV forces = model.ForcesOf(u, InternalForces::Elements::All);
-    for (const Node& node : Each<Node>(model.project->GiveNodes())) {
+    for (const Node& node : Each<Node>(model.project->problem.GiveNodes())) {
       const int first = model.project->Equation(node, 1);
-      for (int k = 0; k < model.project->freeDegrees; ++k) {
+      for (int k = 0; k < model.project->problem.components.count; ++k) {
         if (k >= 3 && IsHeldByTheGround(model, node))
           continue;
         // The turn is lost in displacements of 1e6: their last digit is worth 1e-10.
@@ -194,9 +196,9 @@ TEST(InternalForces, RestCountsBesideLargeDisplacements)
 {
   for (const std::string& problem : Problems()) {
     const Prepared model(problem);
-    if (!model.project->coplanarity.empty())
+    if (!model.project->problem.coplanarity.empty())
       continue;  // its turns are held
-    const bool plane = model.project->problemType == kPlane;
+    const bool plane = model.project->problem.problemType == kPlane;
     const ReaVecV large = RigidMotion(model, plane ? Vector3{0, 0, 1} : Vector3{1, 2, 3}, {});
     const ReaVecV base = model.ForcesOf(large, InternalForces::Elements::All);
     ReaVecV rest = VectorOf(RandomVector(model.equations, 3));
@@ -219,8 +221,8 @@ TEST(InternalForces, OfElementsAtSupportsAreThoseOfTheSupports)
     const ReaVecV all = model.ForcesOf(u, InternalForces::Elements::All);
     const ReaVecV some = model.ForcesOf(u, InternalForces::Elements::AtSupports);
     int supported = 0, shorter = 0;
-    for (const Node& node : Each<Node>(model.project->GiveNodes())) {
-      for (int k = 1; k <= model.project->freeDegrees; ++k) {
+    for (const Node& node : Each<Node>(model.project->problem.GiveNodes())) {
+      for (int k = 1; k <= model.project->problem.components.count; ++k) {
         const int equation = model.project->Equation(node, k);
         const bool equal = all(equation) == some(equation);
         if (node.constraint) {

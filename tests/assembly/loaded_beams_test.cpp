@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "problem/beam_span.h"
 #include "support/frame.h"
 #include "support/loaded_beams.h"
 #include "support/reference_frame.h"

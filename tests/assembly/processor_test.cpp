@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "problem/project.h"
+#include "run/project.h"
 #include "solvers/block_kernel.h"
 #include "solvers/ldlt_kernels.h"
 #include "solvers/skymatriu.h"
@@ -48,9 +48,9 @@ Frame Tower(int storeys)
 std::vector<double> Displacements(const std::string& problem, Processor processor)
 {
   const std::unique_ptr<Project> project = ReadProject(problem);
-  project->solverSettings.processor = processor;
+  project->problem.solverSettings.processor = processor;
   project->Calc(1, nullptr);
-  return {project->displacements.begin(), project->displacements.end()};
+  return {project->solution.displacements.begin(), project->solution.displacements.end()};
 }
 
 }  // namespace
@@ -58,7 +58,7 @@ std::vector<double> Displacements(const std::string& problem, Processor processo
 TEST(ChosenProcessor, FactorisesTheSkyline)
 {
   const std::unique_ptr<Project> project = ReadProject(SpaceFrame("Solver SkyLine"));
-  EXPECT_EQ(project->solverSettings.processor, TestedProcessor());
+  EXPECT_EQ(project->problem.solverSettings.processor, TestedProcessor());
   project->Calc(1, nullptr);
   const LdltKernel& kernel = static_cast<const SkyMatriu&>(*project->solver).Kernel();
   switch (TestedProcessor()) {
@@ -79,7 +79,8 @@ TEST(ChosenProcessor, MultipliesTheBlocksOfTheSparseMatrix)
   for (const char* const settings : {"Solver Sparse 1e-9 1e-9 100", "Solver Sparse 1e-5 0.1 20"}) {
     const std::unique_ptr<Project> project = ReadProject(SpaceFrame(settings));
     project->Calc(1, nullptr);
-    const SparseMatrix& matrix = *static_cast<const SparseSolver&>(*project->solver).GiveMatrix();
+    const NodeBlockMatrix& matrix =
+        *static_cast<const SparseSolver&>(*project->solver).GiveBlocks();
     EXPECT_EQ(matrix.Kernels(), GiveBlockKernels(6, TestedProcessor()));
     EXPECT_EQ(matrix.Kernels() == GiveBlockKernels(6, Processor::kPlain),
               TestedProcessor() == Processor::kPlain);

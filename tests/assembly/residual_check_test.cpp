@@ -531,7 +531,7 @@ TEST(ProbeLoad, LoadsEveryFreeComponentAndStaysSmallInAll)
   Frame frame = Chain(1000, false);
   frame.supports = {{1, kClamped}};
   const std::unique_ptr<Project> project = ReadProject(ProblemText(frame));
-  const ReaVecV loads = ProbeLoad(project->GiveNodes(), {3, 2, 10.0}, 3003);
+  const ReaVecV loads = ProbeLoad(project->problem.GiveNodes(), {3, 2, 10.0}, 3003);
   double sums[3] = {};
   for (int i = 1; i <= 3003; ++i) {
     const int component = (i - 1) % 3;
@@ -601,8 +601,8 @@ TEST(Refinement, WithoutLoadsTheErrorIsZero)
 {
   Structure tower = Tower(5, kClamped);
   const Solved solved(tower.Text("Solver SkyLine\n"));
-  EXPECT_EQ(solved.Model().accuracy.error, 0.0);
-  EXPECT_EQ(solved.Model().accuracy.residual, 0.0);
+  EXPECT_EQ(solved.Result().accuracy.error, 0.0);
+  EXPECT_EQ(solved.Result().accuracy.residual, 0.0);
 }
 
 // Forces of a stiff and of a soft part of one model: the digits of each are its own.

@@ -18,7 +18,7 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-struct Problem
+struct ConvergenceCase
 {
   ShellModel model;
   int node;       ///< where the displacement is taken
@@ -26,7 +26,7 @@ struct Problem
   double reference;
 };
 
-double Ratio(Problem problem, bool six)
+double Ratio(ConvergenceCase problem, bool six)
 {
   problem.model.settings += std::string("\nSolver SkyLine") + (six ? "\nConvertTo6Nodes" : "");
   return Solved(problem.model.Text()).Displacement(problem.node)[problem.component - 1] /
@@ -79,18 +79,18 @@ private:
 };
 
 // 10 by 2, clamped at x = 0, a load along its tip; a beam with shear.
-Problem Cantilever(int n, double t)
+ConvergenceCase Cantilever(int n, double t)
 {
   const double E = 1e6, L = 10, b = 2, P = 1;
   const int m = std::max(n / 4, 1);
-  Problem p{GridShell(
-                n, m,
-                [&](double u, double v) {
-                  return Vector3{L * u, b * v, 0};
-                },
-                Cut::BothWays),
-            n + 1, 3,
-            P * L * L * L / (3 * E * b * t * t * t / 12) + P * L / (E / 2 * b * t * 5 / 6)};
+  ConvergenceCase p{GridShell(
+                        n, m,
+                        [&](double u, double v) {
+                          return Vector3{L * u, b * v, 0};
+                        },
+                        Cut::BothWays),
+                    n + 1, 3,
+                    P * L * L * L / (3 * E * b * t * t * t / 12) + P * L / (E / 2 * b * t * 5 / 6)};
   p.model.material = Isotropic(E, 0, t);
   GridSupports supports(n, m);
   supports.Column(0, "111111");
@@ -111,16 +111,16 @@ Problem Cantilever(int n, double t)
 
 // A quarter of a plate 10 by 10 under pressure, with its middle in the origin. The deflection
 // there is the factor times q a⁴/D.
-Problem Plate(int n, double t, bool clamped, double factor)
+ConvergenceCase Plate(int n, double t, bool clamped, double factor)
 {
   const double E = 1e6, nu = 0.3;
-  Problem p{GridShell(
-                n, n,
-                [](double u, double v) {
-                  return Vector3{5 * u, 5 * v, 0};
-                },
-                Cut::BothWays),
-            1, 3, factor * 1e4 / (E * t * t * t / 12 / (1 - nu * nu))};
+  ConvergenceCase p{GridShell(
+                        n, n,
+                        [](double u, double v) {
+                          return Vector3{5 * u, 5 * v, 0};
+                        },
+                        Cut::BothWays),
+                    1, 3, factor * 1e4 / (E * t * t * t / 12 / (1 - nu * nu))};
   p.model.material = Isotropic(E, nu, t);
   GridSupports supports(n, n);
   supports.Column(0, "100011");
@@ -149,16 +149,16 @@ double SupportedFactor(double t)
   return sum * D / 1e4;
 }
 
-Problem Roof(int n)
+ConvergenceCase Roof(int n)
 {
   const double R = 25, angle = 40 * kPi / 180;
-  Problem p{GridShell(
-                n, n,
-                [&](double u, double v) {
-                  return Vector3{R * std::sin(angle * u), 25 * v, R * std::cos(angle * u)};
-                },
-                Cut::BothWays),
-            n + 1, 3, -0.3024};
+  ConvergenceCase p{GridShell(
+                        n, n,
+                        [&](double u, double v) {
+                          return Vector3{R * std::sin(angle * u), 25 * v, R * std::cos(angle * u)};
+                        },
+                        Cut::BothWays),
+                    n + 1, 3, -0.3024};
   p.model.material = Isotropic(4.32e8, 0, 0.25) + " Weight=360";
   p.model.settings = "GravityDirection 0 0 -1";
   GridSupports supports(n, n);
@@ -169,15 +169,16 @@ Problem Roof(int n)
   return p;
 }
 
-Problem PinchedCylinder(int n)
+ConvergenceCase PinchedCylinder(int n)
 {
-  Problem p{GridShell(
-                n, n,
-                [](double u, double v) {
-                  return Vector3{300 * std::sin(kPi / 2 * u), 300 * v, 300 * std::cos(kPi / 2 * u)};
-                },
-                Cut::BothWays),
-            1, 3, -1.8248e-5};
+  ConvergenceCase p{
+      GridShell(
+          n, n,
+          [](double u, double v) {
+            return Vector3{300 * std::sin(kPi / 2 * u), 300 * v, 300 * std::cos(kPi / 2 * u)};
+          },
+          Cut::BothWays),
+      1, 3, -1.8248e-5};
   p.model.material = Isotropic(3e6, 0.3, 3);
   GridSupports supports(n, n);
   supports.Column(0, "100011");
@@ -189,17 +190,17 @@ Problem PinchedCylinder(int n)
   return p;
 }
 
-Problem Hemisphere(int n)
+ConvergenceCase Hemisphere(int n)
 {
-  Problem p{GridShell(
-                n, n,
-                [](double u, double v) {
-                  const double a = kPi / 2 * u, b = 72 * kPi / 180 * v;
-                  return Vector3{10 * std::cos(a) * std::cos(b), 10 * std::sin(a) * std::cos(b),
-                                 10 * std::sin(b)};
-                },
-                Cut::BothWays),
-            1, 1, 0.0924};
+  ConvergenceCase p{GridShell(
+                        n, n,
+                        [](double u, double v) {
+                          const double a = kPi / 2 * u, b = 72 * kPi / 180 * v;
+                          return Vector3{10 * std::cos(a) * std::cos(b),
+                                         10 * std::sin(a) * std::cos(b), 10 * std::sin(b)};
+                        },
+                        Cut::BothWays),
+                    1, 1, 0.0924};
   p.model.material = Isotropic(6.825e7, 0.3, 0.04);
   GridSupports supports(n, n);
   supports.Column(0, "010101");
@@ -212,16 +213,17 @@ Problem Hemisphere(int n)
 }
 
 // Twisted by a quarter turn over its length; at the tip its width lies along z.
-Problem TwistedStrip(int n, int component)
+ConvergenceCase TwistedStrip(int n, int component)
 {
-  Problem p{GridShell(
-                6 * n, n,
-                [](double u, double v) {
-                  const double y = 1.1 * (v - 0.5);
-                  return Vector3{12 * u, y * std::cos(kPi / 2 * u), y * std::sin(kPi / 2 * u)};
-                },
-                Cut::BothWays),
-            6 * n + 1 + (6 * n + 1) * (n / 2), component, component == 3 ? 5.424e-3 : 1.754e-3};
+  ConvergenceCase p{
+      GridShell(
+          6 * n, n,
+          [](double u, double v) {
+            const double y = 1.1 * (v - 0.5);
+            return Vector3{12 * u, y * std::cos(kPi / 2 * u), y * std::sin(kPi / 2 * u)};
+          },
+          Cut::BothWays),
+      6 * n + 1 + (6 * n + 1) * (n / 2), component, component == 3 ? 5.424e-3 : 1.754e-3};
   p.model.material = Isotropic(29e6, 0.22, 0.32);
   GridSupports supports(6 * n, n);
   supports.Column(0, "111111");
@@ -234,7 +236,7 @@ Problem TwistedStrip(int n, int component)
 
 struct Band
 {
-  std::function<Problem()> problem;
+  std::function<ConvergenceCase()> problem;
   bool six;
   double low, high;
 };

@@ -42,7 +42,7 @@ struct OneElement
 {
   explicit OneElement(const ShellModel& model) : project(ReadProject(model.Text()))
   {
-    shell.Evaluate(Element(), project->RequireMaterial(Element()));
+    shell.Evaluate(Element(), project->problem.RequireMaterial(Element()));
   }
 
   const Elem& Element() const { return *project->GiveElem(1); }

@@ -34,7 +34,7 @@ std::unique_ptr<Project> Converted(const std::string& text)
 {
   auto project = ReadProject(text);
   EdgeNodes edges;
-  for (const auto& mesh : project->meshes)
+  for (const auto& mesh : project->problem.meshes)
     project->ConvertTriangleTo6nod(mesh.get(), edges);
   return project;
 }
@@ -59,8 +59,8 @@ std::string MeshBlock(const std::string& elements)
 TEST(SixNodes, StandInTheMiddleOfTheEdgesAndAreShared)
 {
   const auto project = Converted(Square().Text());
-  EXPECT_EQ(project->numNodes, 9);
-  EXPECT_EQ(project->initialNumNodes, 4);
+  EXPECT_EQ(project->problem.numNodes, 9);
+  EXPECT_EQ(project->problem.initialNumNodes, 4);
   EXPECT_EQ(NumbersOf(*project, 1), (std::vector<int>{1, 2, 3, 5, 6, 7}));
   EXPECT_EQ(NumbersOf(*project, 2), (std::vector<int>{1, 3, 4, 7, 8, 9}));
   const Vector3 expected[] = {{1, 0, 0}, {2, 1, 0.5}, {1, 1, 0.5}, {1, 2, 1}, {0, 1, 0.5}};
@@ -79,7 +79,7 @@ TEST(SixNodes, AnEdgeOfSeveralTrianglesHasOne)
   model.triangles.push_back({1, 5, 3});
   model.triangles.push_back({3, 1, 6});
   const auto project = Converted(model.Text());
-  EXPECT_EQ(project->numNodes, 6 + 9);
+  EXPECT_EQ(project->problem.numNodes, 6 + 9);
   EXPECT_EQ(NumbersOf(*project, 3)[5], 7 + 2);
   EXPECT_EQ(NumbersOf(*project, 4)[3], 7 + 2);
 }
@@ -90,7 +90,7 @@ TEST(SixNodes, AnEdgeOfSeveralMeshesHasOne)
   model.triangles.pop_back();
   model.rest = MeshBlock("2 1 3 4 1\n");
   const auto project = Converted(model.Text());
-  EXPECT_EQ(project->numNodes, 9);
+  EXPECT_EQ(project->problem.numNodes, 9);
   EXPECT_EQ(NumbersOf(*project, 2), (std::vector<int>{1, 3, 4, 7, 8, 9}));
 }
 
@@ -126,16 +126,16 @@ TEST(SixNodes, TakeWhatTheSupportsOfBothCornersShare)
 TEST(SixNodes, KeepTheirNumbersAfterARenumbering)
 {
   auto project = ReadProject(Square().Text());
-  project->meshes.front()->RenumberNodes();
+  project->problem.meshes.front()->RenumberNodes();
   EdgeNodes edges;
-  project->ConvertTriangleTo6nod(project->meshes.front().get(), edges);
-  project->meshes.front()->RenumberNodes();
+  project->ConvertTriangleTo6nod(project->problem.meshes.front().get(), edges);
+  project->problem.meshes.front()->RenumberNodes();
   std::set<int> old;
   for (int number = 1; number <= 9; ++number)
-    old.insert(project->meshes.front()->GiveOldNumber(number));
+    old.insert(project->problem.meshes.front()->GiveOldNumber(number));
   EXPECT_EQ(old, (std::set<int>{1, 2, 3, 4, 5, 6, 7, 8, 9}));
   for (int number = 1; number <= 9; ++number)
-    EXPECT_EQ(project->meshes.front()->GiveOldNumber(project->FindNode(number)), number);
+    EXPECT_EQ(project->problem.meshes.front()->GiveOldNumber(project->FindNode(number)), number);
 }
 
 TEST(SixNodes, DoNotAppearInTheResults)

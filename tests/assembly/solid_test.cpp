@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -44,7 +45,7 @@ public:
   explicit OneElement(const SolidModel& model) : project(ReadProject(model.Text()))
   {
     const Elem& elem = *project->GiveElem(1);
-    solid.Evaluate(elem, project->RequireMaterial(elem));
+    solid.Evaluate(elem, project->problem.RequireMaterial(elem));
     nnode = elem.Nnode();
   }
 
@@ -151,7 +152,11 @@ public:
     places.emplace_back(row, col);
   }
   int Solver(ReaVecV&, std::FILE*) override { return 0; }
-  int ApplyConstraint(int eq, double, ReaVecV&) override { return eq; }
+  int ApplyConstraint(int eq, std::span<const double>, std::span<ReaVecV* const>) override
+  {
+    return eq;
+  }
+  using BSolver::ApplyConstraint;
   double ReturnRowPerVector(int, const ReaVecV&) const override { return 0.0; }
   void PrintTo(std::ofstream&) const override {}
   void CopyFromYouToMat(Matriu&) const override {}
@@ -339,8 +344,8 @@ TEST_P(Solid, EveryBlockGoesIntoTheMatrixOnce)
   std::reverse(model.nodes.begin(), model.nodes.end());
   const auto project = ReadProject(model.Text());
   std::vector<std::pair<int, int>> places;
-  project->solver = std::make_unique<BlockLog>(places);
-  project->AddKToGlobalMatrixTetras(project->meshes.front().get(), 1);
+  BlockLog log(places);
+  project->AddKToGlobalMatrixTetras(project->problem.meshes.front().get(), 1, log);
   std::vector<std::pair<int, int>> expected;
   for (int row = 0; row < last; ++row) {
     for (int column = row; column < last; ++column)

@@ -18,7 +18,8 @@
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/project.h"
+#include "run/element_families.h"
+#include "run/project.h"
 #include "solvers/skymatriu.h"
 #include "solvers/sparse_solver.h"
 #include "support/fatal.h"
@@ -37,15 +38,15 @@ constexpr std::uint64_t kAnyMemory = std::numeric_limits<std::uint64_t>::max();
 
 void EnterCouplings(const Project& project, BSolver& matrix)
 {
-  for (const auto& mesh : project.meshes) {
+  for (const auto& mesh : project.problem.meshes) {
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       for (int i = 0; i < elem.Nnode(); ++i) {
         for (int j = i + 1; j < elem.Nnode(); ++j)
-          matrix.EnterMaxDiff(elem(i)->number, elem(j)->number, project.freeDegrees);
+          matrix.EnterMaxDiff(elem(i)->number, elem(j)->number, project.problem.components.count);
       }
     }
   }
-  matrix.Create(project.freeDegrees);
+  matrix.Create(project.problem.components.count);
 }
 
 std::unique_ptr<Project> Prepared(const Structure& structure)
@@ -85,12 +86,12 @@ TEST(SolverWork, CountsTheEntriesOfBothMatrices)
   const Structure structures[] = {Building(3, 2, 4, kClamped), Storeys(4, 6, kPin)};
   for (const Structure& structure : structures) {
     const auto project = Prepared(structure);
-    const int n = project->numNodes * project->freeDegrees;
+    const int n = project->problem.numNodes * project->problem.components.count;
     SkyMatriu profile(n);
     EnterCouplings(*project, profile);
-    SparseSolver sparse(project->numNodes, project->freeDegrees);
+    SparseSolver sparse(project->problem.numNodes, project->problem.components.count);
     EnterCouplings(*project, sparse);
-    const SolverWork work = EstimateWork(*project);
+    const SolverWork work = EstimateWork(project->problem, AllFamilies());
     double operations = 0.0;
     for (int i = 1; i <= n; ++i)
       operations += std::pow(profile.GiveHeight(i), 2);
@@ -102,8 +103,10 @@ TEST(SolverWork, CountsTheEntriesOfBothMatrices)
 
 TEST(SolverWork, IterationsGrowWithTheDistanceFromTheSupports)
 {
-  const double low = EstimateWork(*Prepared(Building(3, 2, 5, kClamped))).iterations;
-  const double high = EstimateWork(*Prepared(Building(3, 2, 20, kClamped))).iterations;
+  const double low =
+      EstimateWork(Prepared(Building(3, 2, 5, kClamped))->problem, AllFamilies()).iterations;
+  const double high =
+      EstimateWork(Prepared(Building(3, 2, 20, kClamped))->problem, AllFamilies()).iterations;
   EXPECT_DOUBLE_EQ(high / low, 21.0 / 6.0);  // the supported nodes count as well
 }
 
@@ -113,7 +116,7 @@ TEST(SolverWork, NodesWithoutElementsHaveTheirOwnBlock)
   s.HoldNode(1, kClamped).HoldNode(3, kClamped);
   s.nodes.push_back({9, 9, 0});
   s.HoldNode(4, kClamped);
-  const SolverWork work = EstimateWork(*Prepared(s));
+  const SolverWork work = EstimateWork(Prepared(s)->problem, AllFamilies());
   EXPECT_EQ(work.sparseEntries, 9.0 * (3 + 2 * 2 + 1));
 }
 
@@ -141,14 +144,14 @@ TEST(Automatic, FallsBackToTheDirectSolverOnItsOwnNumbering)
   EXPECT_NE(info.find("Solver Sparse taken: estimated "), std::string::npos) << info;
   EXPECT_NE(info.find("Solver SkyLine taken: after "), std::string::npos) << info;
   EXPECT_EQ(info.find("accepted tolerance"), std::string::npos);
-  EXPECT_EQ(project->solverSettings.type, SolverType::SkyLine);
+  EXPECT_EQ(project->problem.solverSettings.type, SolverType::SkyLine);
   project->CalcStrengthsAndReactions(nullptr);
   // The direct solution to the last bit.
   const Solved direct(Bar(kStiff, "Solver SkyLine"));
-  for (const auto [number, node] : EachNumbered<Node>(project->GiveNodes())) {
+  for (const auto [number, node] : EachNumbered<Node>(project->problem.GiveNodes())) {
     const std::vector<double> expected = direct.Displacement(number);
     for (int k = 1; k <= 3; ++k)
-      EXPECT_EQ(project->displacements(project->Equation(node, k)), expected[k - 1]);
+      EXPECT_EQ(project->solution.displacements(project->Equation(node, k)), expected[k - 1]);
     if (node.constraint) {
       EXPECT_EQ(node.constraint->reactions[2], direct.Reaction(number)[2]);
     }
@@ -167,7 +170,7 @@ TEST(Automatic, TheIterationRunsOnTheNumbersOfTheFile)
 {
   const auto project = ReadProject(Bar("0.3"));
   const std::string info = Calculated(*project);
-  EXPECT_EQ(project->solverSettings.type, SolverType::Sparse) << info;
+  EXPECT_EQ(project->problem.solverSettings.type, SolverType::Sparse) << info;
   EXPECT_EQ(project->FindNode(4000)->number, 4000);
 }
 

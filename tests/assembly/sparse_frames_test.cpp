@@ -371,7 +371,7 @@ TEST(SparseFrames, AutomaticTakesTheDirectSolverForChains)
   for (const int nodes : {4999, 5000}) {
     const auto project = ReadProject(ProblemText(Chain(nodes - 1)));
     const std::string info = MessagesOf([&](std::FILE* file) { project->Calc(1, file); });
-    EXPECT_EQ(project->solverSettings.type, SolverType::SkyLine);
+    EXPECT_EQ(project->problem.solverSettings.type, SolverType::SkyLine);
     EXPECT_NE(info.find("Sky matrix storage with Txolesky\nDegrees of freedom= " +
                         std::to_string(3 * nodes) + "\n"),
               std::string::npos);
@@ -389,7 +389,7 @@ TEST(SparseFrames, AutomaticIteratesForWideFrames)
   const Frame frame = Building(49, 49, 1);  // 2500 nodes a floor
   const auto project = ReadProject(ProblemText(frame));
   const std::string info = MessagesOf([&](std::FILE* file) { project->Calc(1, file); });
-  EXPECT_EQ(project->solverSettings.type, SolverType::Sparse);
+  EXPECT_EQ(project->problem.solverSettings.type, SolverType::Sparse);
   EXPECT_NE(info.find("Solver Sparse taken: estimated "), std::string::npos) << info;
   EXPECT_NE(info.find("Sparse matrix storage with Conjugate gradients\n"
                       "Degrees of freedom= 30000\n"),
@@ -400,8 +400,8 @@ TEST(SparseFrames, AutomaticIteratesForWideFrames)
   ASSERT_GE(lines.size(), 3u);
   const std::size_t converged = FindLine(lines, "Converged it number. ");
   EXPECT_GT(ConvergedAt(lines[converged], 1e-5), 0);
-  EXPECT_LT(project->accuracy.error, 1e-6);
-  EXPECT_LT(project->accuracy.residual, 1e-5);
+  EXPECT_LT(project->solution.accuracy.error, 1e-6);
+  EXPECT_LT(project->solution.accuracy.residual, 1e-5);
 }
 
 TEST(SparseFrames, AutomaticSolvesTallFramesDirectly)
@@ -409,7 +409,7 @@ TEST(SparseFrames, AutomaticSolvesTallFramesDirectly)
   const Frame frame = Building(4, 4, 100);  // 25 nodes a floor
   const auto project = ReadProject(ProblemText(frame));
   const std::string info = MessagesOf([&](std::FILE* file) { project->Calc(1, file); });
-  EXPECT_EQ(project->solverSettings.type, SolverType::SkyLine);
+  EXPECT_EQ(project->problem.solverSettings.type, SolverType::SkyLine);
   EXPECT_NE(info.find("Solver SkyLine taken: estimated "), std::string::npos) << info;
 }
 
@@ -529,7 +529,8 @@ TEST(SparseFrames, ResidualBelowTheSecondToleranceIsAccepted)
   for (const Frame::NodalLoad& load : frame.loads) {
     for (int k = 1; k <= 6; ++k) {
       const int equation = project->Equation(*project->FindNode(load.node), k);
-      const double force = project->solver->ReturnRowPerVector(equation, project->displacements);
+      const double force =
+          project->solver->ReturnRowPerVector(equation, project->solution.displacements);
       residual += std::pow(load.values[k - 1] - force, 2);
       loads += std::pow(load.values[k - 1], 2);
     }

@@ -34,11 +34,11 @@ TEST(SupportAxes, TurnLoadsOfTheirNodeOnly)
 {
   const auto project = ThreeNodes();
   ReaVecV v = VectorOf<ReaVecV>({1, 2, 3, 4, 5, 6, 7, 8, 9});
-  ConvertGlobalLoadToLocal(project->GiveNodes(), v, 3);
+  ConvertGlobalLoadToLocal(project->problem.GiveNodes(), v, 3);
   const double c = std::cos(kAngle);
   const double s = std::sin(kAngle);
   ExpectValues(Values(v), {1, 2, 3, 4 * c - 5 * s, 4 * s + 5 * c, 6, 7, 8, 9}, 1e-15);
-  ConvertLocalResultsToGlobal(project->GiveNodes(), v, 3);
+  ConvertLocalResultsToGlobal(project->problem.GiveNodes(), v, 3);
   ExpectValues(Values(v), {1, 2, 3, 4, 5, 6, 7, 8, 9}, 1e-15);
 }
 
@@ -49,7 +49,7 @@ TEST(SupportAxes, TurnTranslationsAndRotationsInSpace)
           .With(&ProblemParts::constraints, "2 000000 0 0 0 0 0 0 Euler1=1.5707963267948966")
           .Text());
   ReaVecV v = VectorOf<ReaVecV>({1, 2, 3, 4, 5, 6, 1, 2, 3, 4, 5, 6});
-  ConvertGlobalLoadToLocal(project->GiveNodes(), v, 6);
+  ConvertGlobalLoadToLocal(project->problem.GiveNodes(), v, 6);
   // x = (0, -1, 0), y = (1, 0, 0).
   ExpectValues(Values(v), {1, 2, 3, 4, 5, 6, -2, 1, 3, -5, 4, 6}, 1e-15);
 }

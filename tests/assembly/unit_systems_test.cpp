@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "problem/project.h"
+#include "run/project.h"
 #include "support/frame.h"
 #include "support/loaded_beams.h"
 #include "support/run.h"
@@ -105,7 +105,7 @@ Quantities NodalResults(const Solved& solved, const std::vector<int>& supported)
 {
   Quantity places{"displacements", 0, 1, {}}, turns{"rotations", 0, 0, {}};
   Quantity forces{"reactions", 1, 0, {}}, moments{"moments of supports", 1, 1, {}};
-  const std::size_t components = solved.Model().freeDegrees == 6 ? 6 : 3;
+  const std::size_t components = solved.Model().components.count == 6 ? 6 : 3;
   for (int node = 1; node <= solved.Model().numNodes; ++node) {
     const std::vector<double> u = solved.Displacement(node);
     Append(places.values, u, 0, 3);

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <barrier>
 #include <fstream>
 #include <iterator>
 #include <new>
 #include <string>
-#include <vector>
+#include <string_view>
+#include <thread>
 
 #include "support/fatal.h"
 
@@ -37,6 +39,58 @@ TEST(ErrorWriter, NextMessageStartsEmptyAfterACutOne)
 {
   FatalCaught([] { Fatal(std::string(5000, 'x')); });
   ExpectFatal([] { Fatal("again"); }, "again");
+}
+
+// Both threads are in the middle of their messages at the same time, and each ends by its own end.
+TEST(ErrorWriter, ThreadsHaveTheirOwnMessagesAndEnds)
+{
+  struct First
+  {
+    std::string message;
+  };
+  struct Second
+  {
+    std::string message;
+  };
+  static constexpr int kRounds = 200;
+  std::barrier together(2);
+  const auto failures = [&together](auto end, auto caught, const std::string& name) {
+    errorwriter.SetEndOfRun(end);
+    int right = 0;
+    for (int i = 0; i < kRounds; ++i) {
+      const std::string number = std::to_string(i);
+      try {
+        errorwriter.Stream() << name;
+        together.arrive_and_wait();
+        Fatal(' ', number);
+      } catch (const decltype(caught)& end_) {
+        right += end_.message == name + ' ' + number ? 1 : 0;
+      }
+    }
+    return right;
+  };
+  int first = 0;
+  int second = 0;
+  std::thread other([&] {
+    second = failures([](std::string_view text) { throw Second{std::string(text)}; }, Second(),
+                      "second");
+  });
+  const auto previous = errorwriter.SetEndOfRun(nullptr);
+  first = failures([](std::string_view text) { throw First{std::string(text)}; }, First(), "first");
+  other.join();
+  errorwriter.SetEndOfRun(previous);
+  EXPECT_EQ(first, kRounds);
+  EXPECT_EQ(second, kRounds);
+}
+
+TEST(ErrorWriter, AThreadBeginsWithoutAnEnd)
+{
+  const ErrorWriter::EndOfRun end = [](std::string_view) {};
+  const auto previous = errorwriter.SetEndOfRun(end);
+  ErrorWriter::EndOfRun found = end;
+  std::thread([&] { found = errorwriter.SetEndOfRun(nullptr); }).join();
+  EXPECT_EQ(found, nullptr);
+  EXPECT_EQ(errorwriter.SetEndOfRun(previous), end) << "the thread left this one alone";
 }
 
 TEST(ErrorWriterDeath, PrintsToStandardErrorAndEndsWithStatus2)

@@ -1,4 +1,4 @@
-// What memory is left, from the files in which the system says so.
+// The memory left, computed from copies of the system's files.
 
 #include "base/memory_limit.h"
 
@@ -17,7 +17,7 @@ namespace {
 constexpr std::uint64_t kMega = 1 << 20;
 constexpr std::uint64_t kGiga = 1 << 30;
 
-// A machine with 8 GiB available in files of a folder.
+// A folder with the files of a machine that has 8 GiB available.
 class MemoryLimitTest : public testing::Test
 {
 protected:
@@ -34,7 +34,7 @@ protected:
     return AvailableMemory({root + "/proc", root + "/groups"});
   }
 
-  // A group of the second version with these files.
+  // Adds a group of the second version with these files.
   void WriteGroup(const std::string& path, const std::string& most, std::uint64_t current)
   {
     folder.Write("groups" + path + "/memory.max", most + "\n");

@@ -75,7 +75,7 @@ TEST(NumberFormat, NumbersOfAllMagnitudesAsPrinted)
     ExpectAsPrinted((i % 2 ? -1.0 : 1.0) * std::pow(10.0, magnitude(random)));
 }
 
-// Among them many that end in a 5 behind the digits kept: the nearest double lies beside it.
+// Many of them end in a 5 after the digits kept; the nearest double is slightly above or below.
 TEST(NumberFormat, ShortDecimalsAsPrinted)
 {
   std::mt19937_64 random(3);

@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <barrier>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <set>
+#include <thread>
 #include <vector>
 
 #include "base/large_memory.h"
@@ -67,7 +70,7 @@ TEST(ObjectPool, PlacesAreUsedAgainInAnyOrder)
   }
 }
 
-TEST(ObjectPool, StartsAnewWhenEverythingIsReturned)
+TEST(ObjectPool, ResetsWhenEverythingIsReleased)
 {
   for (const int count : {300, 20000, 300, 1, 50000}) {
     std::vector<std::unique_ptr<Thing>> things;
@@ -89,6 +92,60 @@ TEST(ObjectPool, DerivedObjectsGoElsewhereAndBackThroughTheirBase)
   }
   for (int i = 0; i < 100; ++i)
     EXPECT_EQ(things[i]->value, i);
+}
+
+// Each thread makes objects, hands them to another thread, and deletes those that it receives.
+TEST(ObjectPool, ThreadsShareAPool)
+{
+  constexpr int kThreads = 4;
+  constexpr int kRounds = 60;
+  constexpr int kEach = 2500;  // more than a thread borrows at a time
+  std::vector<std::vector<std::unique_ptr<Thing>>> handed(kThreads);
+  std::vector<int> wrong(kThreads, 0);
+  std::barrier together(kThreads);
+  const auto work = [&](int me) {
+    for (int round = 0; round < kRounds; ++round) {
+      std::vector<std::unique_ptr<Thing>> mine;
+      for (int i = 0; i < kEach; ++i)
+        mine.push_back(std::make_unique<Thing>(me * kEach + i));
+      for (int i = 0; i < kEach; ++i)
+        wrong[me] += mine[i]->value != me * kEach + i;
+      const int giver = (me + round) % kThreads;
+      handed[me] = std::move(mine);
+      together.arrive_and_wait();
+      mine = std::move(handed[giver]);
+      for (int i = 0; i < kEach; ++i)
+        wrong[me] += mine[i]->value != giver * kEach + i;
+      for (int i = me; i < kEach; i += 2)
+        mine[i].reset();
+      together.arrive_and_wait();
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int me = 0; me < kThreads; ++me)
+    threads.emplace_back(work, me);
+  for (std::thread& thread : threads)
+    thread.join();
+  EXPECT_EQ(wrong, std::vector<int>(kThreads, 0));
+}
+
+// Threads that make and delete the same number of objects give all their places back.
+TEST(ObjectPool, ThreadsLeaveNoPlacesBehind)
+{
+  const auto place = [] { return std::make_unique<Thing>(0).get(); };
+  if (place() != place())
+    GTEST_SKIP() << "a sanitizer holds places back";
+  std::set<const Thing*> places;
+  for (int i = 0; i < 200; ++i) {
+    std::thread([&] {
+      std::vector<std::unique_ptr<Thing>> things;
+      for (int k = 0; k < 100; ++k) {
+        things.push_back(std::make_unique<Thing>(k));
+        places.insert(things.back().get());
+      }
+    }).join();
+  }
+  EXPECT_LE(places.size(), 2000u) << "of the 20000 objects";
 }
 
 TEST(LargeMemory, BlocksOfAnySizeCanBeWritten)

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "base/textscan.h"
@@ -12,15 +14,10 @@ namespace morlen {
 
 namespace {
 
-/// Keeps what it is told as lines; runs steps as they are.
+/// Keeps the notices as lines; runs steps as they are.
 class Listener : public ReadObserver
 {
 public:
-  Listener() { readObserver = this; }
-  ~Listener() override { readObserver = nullptr; }
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
-
   bool Attempt(TextScan*, const std::function<void()>& step) override
   {
     step();
@@ -36,9 +33,14 @@ public:
     lines.push_back(std::to_string(static_cast<int>(event)) + "|" + std::string(place) + "|" +
                     std::string(detail));
   }
+  void Entered(ReadTopic topic) override { topics.push_back(topic); }
   void Stored(ReadItem, int) override {}
 
   std::vector<std::string> lines;
+  std::vector<ReadTopic> topics;
+
+private:
+  const ObserverScope scope{*this};
 };
 
 std::string Line(ReadEvent event, const std::string& rest)
@@ -55,7 +57,7 @@ TEST(ReadObserver, WithoutOneErrorsEndTheRun)
   EXPECT_TRUE(Attempt(nullptr, [] {}));
 }
 
-TEST(ReadObserver, HearsWhatASearchSkips)
+TEST(ReadObserver, HearsOfTextThatASearchSkips)
 {
   const Listener listener;
   TextScan text("one two Theend 5");
@@ -64,7 +66,7 @@ TEST(ReadObserver, HearsWhatASearchSkips)
                                          Line(ReadEvent::WordPart, "Theend|end")}));
 }
 
-TEST(ReadObserver, HearsWhereASearchThatFailsBegins)
+TEST(ReadObserver, HearsWhereAFailedSearchBegins)
 {
   const Listener listener;
   TextScan text("one two");
@@ -78,6 +80,74 @@ TEST(ReadObserver, HearsOfValuesThatAreNoNumbersAsAWhole)
   EXPECT_EQ(NumberOfItem("1.5"), 1.5);
   EXPECT_EQ(NumberOfItem("1,5"), 1.0);
   EXPECT_EQ(listener.lines, std::vector{Line(ReadEvent::NumberPart, "1,5|")});
+}
+
+TEST(ReadObserver, TellsSearchesApart)
+{
+  const Listener listener;
+  TextScan text("a end b elements c end");
+  FindBlockEnd(text);
+  FindWordAfterBlock(text, "elements");
+  text.ReadWord();
+  FatalCaught([&] { FindBlockEnd(text); });  // nothing follows the word
+  EXPECT_EQ(listener.lines, (std::vector{Line(ReadEvent::SkippedToBlockEnd, "a |end"),
+                                         Line(ReadEvent::WordPart, "end|end"),
+                                         Line(ReadEvent::SkippedAfterBlock, " b |elements"),
+                                         Line(ReadEvent::WordPart, "elements|elements"),
+                                         Line(ReadEvent::SearchFailed, " end|end")}));
+}
+
+TEST(ReadObserver, ScopesNest)
+{
+  const Listener outer;
+  {
+    const Listener inner;
+    EXPECT_EQ(readObserver, &inner);
+  }
+  EXPECT_EQ(readObserver, &outer);
+}
+
+// Each thread searches texts, notes and fails many times over, with nothing between the two but
+// the process.
+TEST(ReadObserver, BelongsToOneThread)
+{
+  constexpr int kTimes = 2000;
+  const Listener ofThisThread;
+  struct Heard
+  {
+    std::vector<std::string> lines;
+    int failures = 0;
+  };
+  const auto listen = [](const std::string& word, Heard& heard) {
+    EXPECT_EQ(readObserver, nullptr);
+    const Listener listener;
+    for (int i = 0; i < kTimes; ++i) {
+      const std::string text = word + " end";
+      TextScan scan(text);
+      const std::string message = FatalCaught([&] { FindThisWord(scan, "end"); });
+      heard.failures += message == "can't find word ***end*** in input file\n";
+      NoteNumber(word);
+    }
+    heard.lines = listener.lines;
+  };
+  Heard first, second;
+  std::thread a(listen, "1x", std::ref(first));
+  std::thread b(listen, "22y", std::ref(second));
+  a.join();
+  b.join();
+  const auto expected = [](const std::string& word) {
+    std::vector<std::string> lines;
+    for (int i = 0; i < kTimes; ++i) {
+      lines.push_back(Line(ReadEvent::SearchFailed, word + " end|end"));
+      lines.push_back(Line(ReadEvent::NumberPart, word + "|"));
+    }
+    return lines;
+  };
+  EXPECT_EQ(first.failures, kTimes);
+  EXPECT_EQ(second.failures, kTimes);
+  EXPECT_EQ(first.lines, expected("1x"));
+  EXPECT_EQ(second.lines, expected("22y"));
+  EXPECT_TRUE(ofThisThread.lines.empty());
 }
 
 TEST(TextScan, KnowsPlacesInTheText)

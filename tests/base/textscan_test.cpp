@@ -34,7 +34,7 @@ TEST(TextScan, IntegersAsAFormattedStreamReadsThem)
   }
 }
 
-// Taken as no number it would end a block and lose what follows.
+// As a word it would end its block, and the following records would be lost.
 TEST(TextScan, NumbersBeyondIntEndTheRun)
 {
   for (const std::string number : {"2147483648", "-2147483649", "99999999999"}) {
@@ -89,7 +89,7 @@ TEST(TextScan, LastNumberOfALineIsTakenWithTheLine)
     const char* text;
     bool read;
     int value;
-    const char* rest;  // of the line where it stands then
+    const char* rest;  // of the line reached
   } cases[] = {
       {" 12\nnext", true, 12, "next"},
       {"\t7 \t\r\nnext", true, 7, "next"},

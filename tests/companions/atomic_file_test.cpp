@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// What AtomicFile prints when it writes this text under the name.
+// The output of AtomicFile when it writes this text under the name.
 std::string Printed(const fs::path& name, std::string_view text)
 {
   testing::internal::CaptureStdout();
@@ -55,7 +55,7 @@ TEST(AtomicFile, LeavesTheOldFileAndNothingElseWithoutCommit)
   EXPECT_EQ(folder.Files(), (std::map<std::string, std::string>{{"a.txt", "old"}}));
 }
 
-TEST(AtomicFile, ReplacesTheFileBehindALinkAndKeepsItsPermissions)
+TEST(AtomicFile, ReplacesTheTargetOfALinkAndKeepsItsPermissions)
 {
   const TemporaryFolder folder;
   folder.Write("real.txt", "old");
@@ -77,7 +77,7 @@ TEST(AtomicFile, NewFilesHaveTheUsualPermissions)
   EXPECT_EQ(fs::status(folder.Path() / "a.txt").permissions(), fs::perms(0640));
 }
 
-TEST(AtomicFile, RefusesWhatIsNoFile)
+TEST(AtomicFile, RefusesTargetsThatAreNotFiles)
 {
   const TemporaryFolder folder;
   const std::string name = folder.Path().string();

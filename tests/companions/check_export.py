@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Runs the program and morlen-export on a problem file and reads back what they wrote.
+"""Runs the program and morlen-export on a problem file and reads their files back.
 
     check_export.py MORLEN MORLEN_EXPORT model.dat
 
 The VTU file is read by VTK, the CSV and JSON files by Python; they are compared with the
-result files, which are read here on their own, with relations among the values (von Mises
+result files, which this script reads itself, with relations among the values (von Mises
 stress, end forces of beams), and with lengths, areas and volumes of the cells. Exit status
 77 when VTK for Python is not installed.
 """
@@ -228,7 +228,7 @@ class Case:
         self.check_beam_ends(lines, numbers, ids)
 
     def check_beam_ends(self, lines, numbers, ids):
-        """End forces: N = -Px1 = Px2 and Mz = -Mz1 = Mz2; the ends stand at the nodes."""
+        """End forces: N = -Px1 = Px2 and Mz = -Mz1 = Mz2; the ends are at the nodes."""
         largest = max(abs(x) for ends in self.ends.values() for end in ends for x in end)
         lengths = self.grid.sizes("Length")
         places = {int(row[0]): [float(x) for x in row[1:]] for row in self.tables["nodes"][1:]}
@@ -267,7 +267,7 @@ class Case:
             self.check_principal(shells, numbers)
 
     def check_principal(self, shells, numbers):
-        """The principal values stand at their points, in every format."""
+        """The principal values are at their points, in every format."""
         main = {number: rows for number, rows in self.post["Main Momentus"]}
         for point in range(3):
             found = [self.grid.cell(f"Principal moment, point {point + 1}")[i] for i in shells]

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks what morlen-export refuses, its exit status and what it leaves behind.
+"""Checks the refusals of morlen-export, its exit status and the files that remain.
 
     check_refusals.py MORLEN MORLEN_EXPORT
 """

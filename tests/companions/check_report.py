@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks what morlen-report writes, prints and refuses, without a browser.
+"""Checks the page, the output and the refusals of morlen-report, without a browser.
 
     check_report.py MORLEN MORLEN_REPORT MODEL
 """

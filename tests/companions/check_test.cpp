@@ -14,7 +14,7 @@ using Lines = std::vector<std::string>;
 
 namespace {
 
-// A plane cantilever on which there is nothing to say.
+// A plane cantilever without problems.
 constexpr const char* kBeam = R"(problem type: 2d
 mesh dimension = 2 elemtype Linear nnode = 2
 coordinates
@@ -136,7 +136,7 @@ Lines Messages(const std::string& text)
 
 }  // namespace
 
-TEST(Check, SaysNothingAboutSoundModels)
+TEST(Check, FindsNothingInSoundModels)
 {
   for (const char* model : {kBeam, kPlate, kSolid}) {
     EXPECT_EQ(Messages(model), Lines{});
@@ -144,7 +144,7 @@ TEST(Check, SaysNothingAboutSoundModels)
   }
 }
 
-TEST(Check, GoesOnBehindErrorsInRecords)
+TEST(Check, ContinuesAfterErrorsInRecords)
 {
   std::string text = With(kBeam, "1 111 0 0 0", "1 131 0 0 0\n9 111 0 0 0\n1 111 0 0 0");
   text = With(text, "3 0 -3 0", "3 0 -3\n8 1 1 1\n3 0 -3 0");
@@ -165,7 +165,7 @@ TEST(Check, ReportsAnUnknownKeywordOnceForItsBlock)
   EXPECT_EQ(Messages(text), Lines{"m:15:1: error: Unknown key name=constrants"});
 }
 
-TEST(Check, StopsWhereTheProgramCannotKnowWhatFollows)
+TEST(Check, StopsWhereTheRestHasNoMeaning)
 {
   EXPECT_EQ(Messages("problem type: 4d\nmesh\n"),
             Lines{"m:1:1: error: Type of problem unknown. Only 2d and 3d"});
@@ -187,7 +187,7 @@ TEST(Check, NamesTheListThatIsNotClosed)
             Lines{"m:18:1: error: can't find word ***end*** in input file"});
 }
 
-TEST(Check, WarnsOfWhatTheReadersIgnore)
+TEST(Check, WarnsOfIgnoredText)
 {
   const auto expect = [](const char* old, const char* replacement, const std::string& message) {
     EXPECT_EQ(Messages(With(kBeam, old, replacement)), Lines{message});
@@ -230,7 +230,7 @@ TEST(Check, WarnsOfUnitSystemsThatNothingUses)
             Lines{"m:2:1: warning: the unit system 'lb' is not used"});
 }
 
-TEST(Check, ReportsWhatElementsReferTo)
+TEST(Check, ReportsWrongReferencesOfElements)
 {
   EXPECT_EQ(Messages(With(With(kBeam, "2 2 3 1\n", "2 2 9 1\n3 3 2 5\n"), "1 1 2 1", "3 1 2 1")),
             (Lines{"m:10:1: error: element 2 has an unknown node",
@@ -300,7 +300,7 @@ TEST(Check, ReportsSliversAndTurnedElements)
             Lines{"m:10:1: warning: element 1 is a sliver"});
 }
 
-// A model has the same problems in whatever unit its lengths are.
+// The problems of a model do not depend on the unit of its lengths.
 TEST(Check, JudgesSmallModelsLikeLargeOnes)
 {
   const std::string plate =
@@ -475,6 +475,25 @@ TEST(Check, LeavesTheEndOfRunAsItWas)
   check::CheckText(kBeam);
   EXPECT_EQ(errorwriter.SetEndOfRun(before), static_cast<ErrorWriter::EndOfRun>(end));
   EXPECT_EQ(readObserver, nullptr);
+}
+
+// Glued to its value, a keyword is the same keyword.
+TEST(Check, FindsKeywordsThatAreGluedToTheirValues)
+{
+  const std::string plate = With(kPlate, "t=0.1", "t=0.1 Weight=2");
+  EXPECT_EQ(Messages(With(plate, "mesh", "GravityDirection0 0 -1\nmesh")), Lines{});
+  EXPECT_EQ(Messages(With(kSolid, "mesh", "Solver=Double\nmesh")),
+            Lines{"m:2:1: error: Double solver not implemented for tetrahedras"});
+}
+
+// The consequences of a broken record are no problems: a node without its element, a model without
+// its support.
+TEST(Check, ReportsNoConsequencesOfErrors)
+{
+  EXPECT_EQ(Messages(With(kBeam, "2 2 3 1\n", "2 2 99999999999 1\n")),
+            Lines{"m:10:1: error: the number 99999999999 is too large"});
+  EXPECT_EQ(Messages(With(kBeam, "1 111 0 0 0", "1 131 0 0 0")),
+            Lines{"m:16:1: error: Not reading correctly the constraints. Number=1"});
 }
 
 }  // namespace morlen

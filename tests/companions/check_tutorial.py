@@ -4,7 +4,7 @@
     check_tutorial.py TUTORIAL FOLDER_OF_PROGRAMS...
 
 Indented blocks are appended to the file that the line before them names ("... `portal.dat`:"), or are commands
-behind "$ " with their output below; "..." stands for any output. A program that is not built is left out.
+after "$ " with their output below; "..." is any output. A program that is not built is left out.
 """
 
 import os

@@ -153,7 +153,7 @@ TEST(ModelData, NamesOfUnits)
       {"", ""},
       {names + "units_res a\n", "kN"},
       {names + "units_res b\n", "N"},
-      {names, "N"},  // the reference that the factors 1 stand for
+      {names, "N"},  // the reference system, with factors 1
       {"units_names\n a kN m kPa 1000 1\nend units_names\n", ""},
   };
   for (const auto& c : cases) {
@@ -164,7 +164,7 @@ TEST(ModelData, NamesOfUnits)
   }
 }
 
-TEST(ModelData, WhatTheProgramRefusesIsRefused)
+TEST(ModelData, RefusesTheSameAsTheProgram)
 {
   ExpectFatal([] { Read("problem type: 1d"); }, "Type of problem unknown. Only 2d and 3d\n");
   ExpectFatal([] { model::ReadModel("/none.dat"); }, "can't open file /none.dat\n");

@@ -4,7 +4,8 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "problem/project.h"
+#include "problem/problem.h"
+#include "problem/problem_reader.h"
 #include "report/applied_loads.h"
 #include "report/equilibrium.h"
 #include "report/packed.h"
@@ -20,17 +21,17 @@ namespace {
 /// A model and all that acts on it, read from the text of a problem file.
 struct Loaded
 {
-  explicit Loaded(std::string_view problem) : project(100)
+  explicit Loaded(std::string_view text) : problem(100)
   {
     const TemporaryFolder folder;
-    folder.Write("m.dat", problem);
+    folder.Write("m.dat", text);
     std::ifstream in(folder.Path() / "m.dat");
-    project.ReadFromAscii(in);
-    model = model::ModelOf(project);
-    loads = AppliedLoadsOf(project, model);
+    ReadProblem(in, problem);
+    model = model::ModelOf(problem);
+    loads = AppliedLoadsOf(problem, model);
   }
 
-  Project project;
+  Problem problem;
   model::Model model;
   AppliedLoads loads;
 };
@@ -111,7 +112,7 @@ TEST(AppliedLoads, OfABeamAreItsEquivalentNodalLoads)
     ExpectVec(force, {});
 }
 
-TEST(AppliedLoads, OfAShellStandAtItsNodes)
+TEST(AppliedLoads, OfAShellActAtItsNodes)
 {
   const Loaded loaded(R"(problem type: 3d
 mesh dimension = 3 elemtype Triangle nnode = 3
@@ -174,7 +175,7 @@ TEST(Equilibrium, SeesAMomentThatIsMissing)
   EXPECT_NEAR(found.residual, 15.0 / (39.0 * 2.0 + 28.0 / 3.0 * 2.0 + 9.0), 1e-12);
 }
 
-TEST(Equilibrium, AdvisesByTheSolverThatRanAndByWhatDiffers)
+TEST(Equilibrium, AdvisesByTheSolverAndTheDifference)
 {
   const std::string iterate =
       "The iteration of the equations may have ended too early, as it does with thin curved "
@@ -206,7 +207,7 @@ TEST(Equilibrium, OfNothingIsBalanced)
   EXPECT_EQ(EquilibriumOf(loaded.model, none, Reactions(loaded.model, {}, {})).residual, 0.0);
 }
 
-TEST(Base64, TestVectorsOfItsStandard)  // RFC 4648, section 10
+TEST(Base64, GivesTheTestVectors)  // RFC 4648, section 10
 {
   for (const auto& [text, coded] : {std::pair{"", ""},
                                     {"f", "Zg=="},

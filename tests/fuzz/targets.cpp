@@ -8,7 +8,7 @@
 
 #include "base/output_file.h"
 #include "base/textscan.h"
-#include "problem/project.h"
+#include "run/project.h"
 #include "support/run_ended.h"
 
 namespace morlen {
@@ -49,8 +49,9 @@ bool WritesNumbers(Write write)
 
 void Bound(Project& project)
 {
-  project.numOfDivisions = std::min(project.numOfDivisions, 20);
-  project.solverSettings.maxIterations = std::min(project.solverSettings.maxIterations, 200);
+  project.problem.numOfDivisions = std::min(project.problem.numOfDivisions, 20);
+  project.problem.solverSettings.maxIterations =
+      std::min(project.problem.solverSettings.maxIterations, 200);
 }
 
 // Names of units may be any word; these texts are not searched.

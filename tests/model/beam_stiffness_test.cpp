@@ -34,7 +34,7 @@ Material Steel()
   return m;
 }
 
-// The 2n×2n stiffness of a beam of length kL by its blocks, by rows from 0.
+// The 2n×2n stiffness of a beam of length kL, assembled from its blocks; rows count from 0.
 using Square = std::vector<std::vector<double>>;
 
 Square Assembled(PROBLEMTYPE type, int hingeCode)
@@ -241,7 +241,7 @@ TEST(BeamStiffness, MissingValuesAreRefusedInOrder)
   };
   Matriu K11, K12, K22;
   for (const int code : {11, 10, 1, 0}) {
-    Material material;  // nothing given: what is missing first is named
+    Material material;  // no values: the message names the first missing one
     for (const auto& c : cases) {
       for (const double tooSmall : {0.0, -1e-30, -5.0, std::nan("")}) {
         material.*c.value = tooSmall;
@@ -276,17 +276,16 @@ namespace {
 // A plane beam from (0,0) to (3,4), by the axes (0.6, 0.8) and (-0.8, 0.6).
 const char* const kSlope = "1 0 0\n2 3 4";
 
-// The global matrix of a problem whose nodes have the numbers of the file.
+// The global matrix, without renumbering.
 Matriu GlobalMatrix(const std::string& problem, int applyLocalAxes)
 {
   const auto project = ReadProject(problem);
-  project->solver =
-      std::make_unique<SkyMatriu>(project->numNodes * project->freeDegrees, TestedProcessor());
-  project->solver->EnterMaxDiff(1, 2, project->freeDegrees);
-  project->solver->Create(project->freeDegrees);
-  project->AddKToGlobalMatrixBeams(project->meshes[0].get(), applyLocalAxes);
+  SkyMatriu matrix(project->problem.Equations(), TestedProcessor());
+  matrix.EnterMaxDiff(1, 2, project->problem.components.count);
+  matrix.Create(project->problem.components.count);
+  project->AddKToGlobalMatrixBeams(project->problem.meshes[0].get(), applyLocalAxes, matrix);
   Matriu K;
-  project->solver->CopyFromYouToMat(K);
+  matrix.CopyFromYouToMat(K);
   return K;
 }
 
@@ -312,7 +311,7 @@ TEST(BeamAssembly, SlopedBeamIsTurnedToGlobalAxes)
 
 TEST(BeamAssembly, FirstNodeMayHaveTheHigherNumber)
 {
-  // The beam from node 2 to node 1, whose places are exchanged: the same beam.
+  // The beam runs from node 2 to node 1 and their coordinates are exchanged: the same beam.
   const Matriu forward =
       GlobalMatrix(ProblemParts().With(&ProblemParts::coordinates, kSlope).Text(), 1);
   const Matriu backward = GlobalMatrix(ProblemParts()
@@ -328,8 +327,8 @@ TEST(BeamAssembly, FirstNodeMayHaveTheHigherNumber)
 
 TEST(BeamAssembly, SupportAxesTurnRowsAndColumns)
 {
-  // Support axes along the beam: x = (cos a, -sin a) with sin a = -0.8. In them the first
-  // end is in the beam's own axes, the second stays in global ones.
+  // The support axes run along the beam: x = (cos a, -sin a) with sin a = -0.8. The first end
+  // then has the beam's local axes, the second keeps the global ones.
   const std::string support = "1 000 0 0 0 Euler1 -0.92729521800161223";
   const std::string problem = ProblemParts()
                                   .With(&ProblemParts::coordinates, kSlope)

@@ -29,7 +29,7 @@ Constraint Support(int n, const Flags& flags, const Components& values)
   return support;
 }
 
-// The sum of a mean of these two supports is taken over n components.
+// The support halfway between two others.
 std::unique_ptr<Constraint> Merge(int n, const Constraint& a, const Constraint& b)
 {
   return MergeTwoConstraints(n, &a, &b, 0.0);
@@ -49,8 +49,8 @@ TEST(Constraint, IsFreeAtFirst)
 
 TEST(Constraint, TranslationsAreTheFirstComponents)
 {
-  EXPECT_EQ(TranslationsOf(3), 2);
-  EXPECT_EQ(TranslationsOf(6), 3);
+  EXPECT_EQ(WithRotations(3).translations, 2);
+  EXPECT_EQ(WithRotations(6).translations, 3);
   // Values of 1 show the factor of every component: force 8, length 2.
   const struct
   {
@@ -67,7 +67,7 @@ TEST(Constraint, TranslationsAreTheFirstComponents)
       {3, 3, Constraint::kSpring, {4, 4, 4}},
   };
   for (const auto& c : cases) {
-    Constraint support(c.n, c.translations);
+    Constraint support(NodeComponents{.count = c.n, .translations = c.translations});
     Flags flags;
     flags.fill(c.flag);
     Components ones;
@@ -228,7 +228,7 @@ TEST(MergeTwoConstraints, IsNullWithoutACommonFlag)
   EXPECT_EQ(Merge(3, Support(3, {1, 2, 0}, {}), Support(3, {2, 1, 0}, {})), nullptr);
 }
 
-TEST(MergeTwoConstraints, TakesMeanAngles)
+TEST(MergeTwoConstraints, HasTheMeanAngles)
 {
   Constraint a = Support(3, {1, 1, 1}, {});
   Constraint b = a;
@@ -271,6 +271,33 @@ TEST(Load, PrintToWritesOneLine)
   std::ostringstream out;
   load.PrintTo(out, 3);
   EXPECT_EQ(out.str(), "values=1 -2.5 1e-07\n");
+}
+
+TEST(Constraint, PlaneAxesMayTiltByRounding)
+{
+  for (const double tilt : {4e-16, -4e-16}) {
+    Constraint support(3);
+    const double angles[3] = {0.0, tilt, 0.0};
+    support.EnterEulerAngles(angles);
+    Matriu T;
+    EXPECT_EQ(support.CalcTransfMatFromEuler(17, T, 3, 1), 0);
+    EXPECT_EQ(T(1, 1), 1.0);
+  }
+}
+
+TEST(MergeTwoConstraints, AxesAreAlikeUpToOneHundredThousandth)
+{
+  const double angles[3] = {0.5, 0.2, 0.1};
+  Constraint a = Support(3, {1, 1, 1}, {});
+  a.EnterEulerAngles(angles);
+  for (int k = 0; k < 3; ++k) {
+    Constraint near = a;
+    near.euler[k] += 0.9e-5;
+    EXPECT_NE(Merge(3, a, near), nullptr) << k;
+    Constraint far = a;
+    far.euler[k] += 1.1e-5;
+    EXPECT_EQ(Merge(3, a, far), nullptr) << k;
+  }
 }
 
 }  // namespace morlen

@@ -174,7 +174,7 @@ TEST(Node, DistanceOfAPlaneAndASpacePoint)
   EXPECT_EQ(dist2(&space, &plane), 169.0);
 }
 
-TEST(Elem, MaterialNumberBehindTheNodes)
+TEST(Elem, MaterialNumberAfterTheNodes)
 {
   static const struct
   {
@@ -197,28 +197,55 @@ TEST(Elem, MaterialNumberBehindTheNodes)
   }
 }
 
-TEST(NodePlaces, KeepTheirNodesWhileTheyGrow)
+TEST(Elem, GiveEIInTheOrderOfItsNames)
 {
-  Node nodes[3] = {Node(3), Node(3), Node(3)};
-  NodePlaces places(3);
-  for (int i = 0; i < 3; ++i)
-    places[i] = &nodes[i];
-  for (const int size : {4, 6, 10, 12}) {
-    places.Resize(size);
-    ASSERT_EQ(places.Size(), size);
-    for (int i = 0; i < size; ++i)
-      EXPECT_EQ(places[i], i < 3 ? &nodes[i] : nullptr);
-    places[size - 1] = nullptr;
+  Pieces p;
+  Material numbered;
+  numbered.E1 = 2.0;
+  numbered.Iy = 3.0;
+  numbered.Iz = 5.0;
+  numbered.A = 7.0;
+  VoidPlex materials(100);
+  materials.set_at(4, &numbered);
+  p.line.NewMaterial(4);
+  double EIy = 0.0, EIz = 0.0, EA = 0.0;
+  p.line.GiveEI(&materials, EIy, EIz, EA);
+  EXPECT_EQ(EIy, 6.0);
+  EXPECT_EQ(EIz, 10.0);
+  EXPECT_EQ(EA, 14.0);
+}
+
+TEST(Elem, GiveEIOfAMaterialOfItsOwn)
+{
+  Pieces p;
+  Material numbered;
+  numbered.E1 = 100.0;
+  numbered.A = 7.0;
+  VoidPlex materials(100);
+  materials.set_at(4, &numbered);
+  TextScan text("1 1 2 4 E=2 Iy=3 Iz=5");
+  VoidPlex nodes(100);
+  for (int i = 0; i < 2; ++i)
+    nodes.set_at(i + 1, &p.nodes[i]);
+  ASSERT_EQ(p.line.ReadFromAscii(text, &nodes, nullptr), 1);
+  p.line.ComposeYourMaterial(&materials);
+  double EIy = 0.0, EIz = 0.0, EA = 0.0;
+  p.line.GiveEI(&materials, EIy, EIz, EA);
+  EXPECT_EQ(EIy, 6.0);
+  EXPECT_EQ(EIz, 10.0);
+  EXPECT_EQ(EA, 14.0);
+}
+
+TEST(Elem, APieceBelongsToTheGivenMesh)
+{
+  Pieces p;
+  Mesh plane(100, 100, 2, Linear, 2);
+  for (const int face : {0, 1}) {
+    const Elem given(&p.line, &p.nodes[3], face, 0, &plane);
+    EXPECT_EQ(given.Ndime(), 2) << face;
+    const Elem same(&p.line, &p.nodes[3], face, 0, nullptr);
+    EXPECT_EQ(same.Ndime(), 3) << face;
   }
-  places.Resize(5);
-  EXPECT_EQ(places[2], &nodes[2]);
-  EXPECT_EQ(places[4], nullptr);
-  places.Resize(2);
-  EXPECT_EQ(places.Size(), 2);
-  places.Resize(4);
-  EXPECT_EQ(places[1], &nodes[1]);
-  EXPECT_EQ(places[2], nullptr);
-  EXPECT_EQ(NodePlaces(0).Size(), 0);
 }
 
 }  // namespace morlen

@@ -42,7 +42,7 @@ TEST(Euler, NoTurnIsTheIdentity)
   EXPECT_TRUE(AreVeryEqual(T, Matriu::I(3), kTight));
 }
 
-// One angle at a time, written out; the columns are the local axes.
+// The columns are the local axes.
 TEST(Euler, MatrixOfSingleTurns)
 {
   const double t = 0.4, c = std::cos(t), s = std::sin(t);
@@ -279,7 +279,7 @@ TEST(Euler, MeanOfEqualAnglesIsThatAngle)
   EXPECT_TRUE(AreEulerAnglesEqual(mean, a, 1e-12));
 }
 
-// Turns about one axis: 350° and 10° have the mean 0, where the numbers have 180°.
+// The mean of the directions 350° and 10° is 0°; the mean of the numbers would be 180°.
 TEST(Euler, MeanIsTakenOfTheAxes)
 {
   const double degree = kPi / 180.0;
@@ -321,6 +321,74 @@ TEST(Euler, MeanOfOppositeAxesIsTheFirst)
   EXPECT_TRUE(AreEulerAnglesEqual(mean, a, 0.0));
   MeanEulerAngles(a, c, mean);
   EXPECT_TRUE(AreEulerAnglesEqual(mean, a, 0.0));
+}
+
+// Up to 1 - cos = 1e-15, z is vertical and the third angle takes the whole turn.
+TEST(Euler, AnglesOfAFrameWithNearlyVerticalZ)
+{
+  static const struct
+  {
+    double tilt;
+    bool vertical;
+    double tolerance;  // a cosine that is 1 to 1e-16 leaves this of the two turns
+  } cases[] = {{1e-3, false, 1e-8}, {1e-7, false, 0.1}, {3e-8, true, 1e-7}};
+  for (const auto& c : cases) {
+    for (const bool down : {false, true}) {
+      const double a[3] = {0.3, down ? kPi - c.tilt : c.tilt, 0.7};
+      double b[3];
+      AnglesFromAxes(AxesFromEuler(a), b);
+      EXPECT_NEAR(b[0], c.vertical ? 0.0 : 0.3, c.tolerance) << c.tilt;
+      EXPECT_NEAR(b[1], a[1], 0.1 * c.tilt) << c.tilt;
+      EXPECT_NEAR(b[2], !c.vertical ? 0.7 : down ? 0.4 : 1.0, c.tolerance) << c.tilt;
+    }
+  }
+}
+
+TEST(Euler, MeanOfNearlyOppositeAxes)
+{
+  // The sum of the x axes has the length 1e-4, which leaves 12 digits.
+  const double x1[3] = {0.0, 0.0, 0.5};
+  const double x2[3] = {0.0, 0.0, 0.5 + kPi - 1e-4};
+  const double halfway[3] = {0.0, 0.0, 0.5 + kPi / 2 - 0.5e-4};
+  double mean[3];
+  MeanEulerAngles(x1, x2, mean);
+  EXPECT_TRUE(AreEulerAnglesEqual(mean, halfway, 1e-10));
+  // That of the z axes; the first angle is the arc cosine of 1, which has half the digits.
+  const double z2[3] = {0.0, kPi - 1e-4, 0.5};
+  const double upright[3] = {0.0, kPi / 2 - 0.5e-4, 0.5};
+  MeanEulerAngles(x1, z2, mean);
+  EXPECT_TRUE(AreEulerAnglesEqual(mean, upright, 1e-6));
+}
+
+TEST(Euler, MeanOfAxesThatCancelIsTheFirst)
+{
+  const double a[3] = {0.0, 0.0, 0.5};
+  double mean[3];
+  for (const double rest : {2e-6, -2e-6}) {
+    const double x[3] = {0.0, 0.0, 0.5 + kPi - rest};
+    MeanEulerAngles(a, x, mean);
+    EXPECT_TRUE(AreEulerAnglesEqual(mean, a, 0.0));
+  }
+  // The sum of the z axes has the length 0.8e-5, its product with that of x twice of it.
+  const double z[3] = {0.0, kPi - 0.8e-5, 0.5};
+  MeanEulerAngles(a, z, mean);
+  EXPECT_TRUE(AreEulerAnglesEqual(mean, a, 0.0));
+}
+
+TEST(Euler, AxesOfDirectionsAgainstTheGlobalAxes)
+{
+  for (const double side : {1.0, -1.0}) {
+    const Axes alongX = AxesGivenX(ReaVec(-1.0, 0.0, 0.0) * side);
+    ExpectNear(alongX.y, 0.0, -side, 0.0);
+    const Axes alongY = AxesGivenX(ReaVec(0.0, -1.0, 0.0) * side);
+    ExpectNear(alongY.y, side, 0.0, 0.0);
+    const Axes wallX = AxesGivenZ(ReaVec(-1.0, 0.0, 0.0) * side);
+    ExpectNear(wallX.x, 0.0, -side, 0.0);
+    ExpectNear(wallX.y, 0.0, 0.0, 1.0);
+    const Axes wallY = AxesGivenZ(ReaVec(0.0, -1.0, 0.0) * side);
+    ExpectNear(wallY.x, side, 0.0, 0.0);
+    ExpectNear(wallY.y, 0.0, 0.0, 1.0);
+  }
 }
 
 }  // namespace

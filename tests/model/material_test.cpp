@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 #include <sstream>
+#include <string>
 #include <vector>
 
 #include "base/textscan.h"
@@ -18,7 +19,7 @@ namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// Results in kN and m; records by default in N and mm; the system "kN-m" defined.
+// Results are in kN and m, records without units in N and mm; the system "kN-m" is defined.
 Units TestUnits()
 {
   const UnitsBase base{"kN-m", "kN", "m", "kPa", 1000.0, 1.0};
@@ -155,7 +156,7 @@ TEST(Material, KeysAreRefused)
     ExpectFatal([&] { Read(c.record); }, c.message);
 }
 
-TEST(Material, EulerAnglesAreTakenAsGiven)
+TEST(Material, EulerAnglesAreNotConverted)
 {
   const Units units = TestUnits();
   Material m;
@@ -209,7 +210,7 @@ TEST(Material, ValuesAreConverted)
       {"E=2.1e8 units kN-m", &Material::E1, 2.1e8},
       {"Units: kN-m A=0.01", &Material::A, 0.01},
       {"t=0.02 UNITS=kN-m", &Material::t, 0.02},
-      {"UnItS kN-m t=20", &Material::t, 0.02},  // no word for the units, but skipped
+      {"UnItS kN-m t=20", &Material::t, 0.02},  // not one of the three spellings
   };
   const Units units = TestUnits();
   for (const auto& c : cases) {
@@ -322,7 +323,7 @@ TEST(Material, OwnAnglesAndZerosAreKept)
   EXPECT_EQ(own.Euler[1], 1.0);
 }
 
-TEST(Material, WithoutABaseWhatIsMissingIsZero)
+TEST(Material, WithoutABaseMissingValuesAreZero)
 {
   const Units units;
   Material own;
@@ -400,7 +401,7 @@ TEST(Material, PrintsOneLine)
             "Weight=78000 t=0.1\n");
 }
 
-// The membrane matrix inverted is the compliance 1/E, -nu/E, 1/G of the plane state.
+// The inverse of the membrane matrix is the compliance of plane stress: 1/E, -nu/E, 1/G.
 TEST(Material, ShellMatrices)
 {
   Material m;
@@ -484,7 +485,7 @@ TEST(Material, SmallValuesOfShellsCount)
   EXPECT_DOUBLE_EQ(Dm(3, 3), 1e-35);
 }
 
-// The two products may differ by 1e-12 of themselves, whatever the unit of the moduli.
+// The two products may differ by 1e-12 of the larger one, in any unit of the moduli.
 TEST(Material, SymmetryIsJudgedInAnyUnit)
 {
   for (const double unit : {1e-25, 1e-9, 1.0, 3.3e11}) {
@@ -505,7 +506,7 @@ TEST(Material, SymmetryIsJudgedInAnyUnit)
   EXPECT_FALSE(IsSymmetric(m));
 }
 
-// The inverse is Hooke's law: 1/E, -nu/E, 2(1 + nu)/E.
+// The inverse of the matrix is Hooke's law: 1/E, -nu/E, 2(1 + nu)/E.
 TEST(Material, SolidMatrixInvertsHookesLaw)
 {
   for (const double nu : {0.0, 0.3, 0.49, -0.5}) {
@@ -543,6 +544,114 @@ TEST(Material, SolidMatrixNeedsItsValues)
     m.nuXY = c.nu;
     ExpectFatal([&] { m.GiveDMatrixTetra(4, D); }, c.message);
   }
+}
+
+// A system of units with a force of 2 and a length of 3 shows every power of both.
+TEST(Material, EveryKeyHasItsPowersOfForceAndLength)
+{
+  const double stress = 2.0 / 9.0;
+  static const struct
+  {
+    const char* key;
+    double Material::*field;
+    double factor;
+  } cases[] = {
+      {"E", &Material::E1, stress},
+      {"E", &Material::E2, stress},
+      {"Ex", &Material::E1, stress},
+      {"ex", &Material::E1, stress},
+      {"Ey", &Material::E2, stress},
+      {"ey", &Material::E2, stress},
+      {"nu", &Material::nuXY, 1.0},
+      {"nu", &Material::nuYX, 1.0},
+      {"nuXY", &Material::nuXY, 1.0},
+      {"nuYX", &Material::nuYX, 1.0},
+      {"G", &Material::Gxy, stress},
+      {"G", &Material::Gxz, stress},
+      {"G", &Material::Gyz, stress},
+      {"Gxy", &Material::Gxy, stress},
+      {"Gxz", &Material::Gxz, stress},
+      {"Gyz", &Material::Gyz, stress},
+      {"Iy", &Material::Iy, 81.0},
+      {"Iz", &Material::Iz, 81.0},
+      {"I", &Material::Iz, 81.0},
+      {"J", &Material::J, 81.0},
+      {"A", &Material::A, 9.0},
+      {"Weight", &Material::Weight, 2.0 / 27.0},
+      {"t", &Material::t, 3.0},
+      {"widthZ=1 widthY", &Material::A, 9.0},
+      {"widthY=1 widthZ", &Material::A, 9.0},
+  };
+  Units units;
+  units.matLoadForce = 2.0;
+  units.matLoadLength = 3.0;
+  for (const auto& c : cases) {
+    Material m;
+    EXPECT_EQ(m.ReadFromAsciiNoNum(std::string(c.key) + "=5", &units), 1) << c.key;
+    EXPECT_DOUBLE_EQ(m.*c.field, 5.0 * c.factor) << c.key;
+  }
+}
+
+// A beam of a few micrometres has a second moment of area of 1e-24 m^4.
+TEST(Material, SmallValuesOfAnElementAreGiven)
+{
+  Material base;
+  base.Iy = 3.0;
+  base.J = 4.0;
+  Material own;
+  own.SetToNegative();
+  own.Iy = 1e-24;
+  own.J = -1e-300;
+  own.ComposeMaterial(&base);
+  EXPECT_EQ(own.Iy, 1e-24);
+  EXPECT_EQ(own.J, 4.0);
+  own.SetToNegative();
+  own.Iy = 1e-24;
+  own.ComposeMaterial(nullptr);
+  EXPECT_EQ(own.Iy, 1e-24);
+  EXPECT_EQ(own.J, 0.0);
+}
+
+// Poisson's ratios are compared with their limits to 1e-15.
+TEST(Material, PoissonRatiosNearTheirLimits)
+{
+  Matriu Dm(3, 3), Db(3, 3), Ds(2, 2), D(6, 6);
+  for (const double rest : {1e-12, -1e-12}) {
+    Isotropic(2.0, 1.0 + rest).GiveDMatrix(12, Dm, Db, Ds);
+    // 1 - nu^2 = -2 rest is a difference that keeps 4 digits.
+    EXPECT_NEAR(Dm(1, 1) * rest, -0.1, 1e-4);
+    for (const double limit : {0.5, -1.0}) {
+      Isotropic(2.0, limit + rest).GiveDMatrixTetra(4, D);
+      EXPECT_GT(std::fabs(D(1, 1)), 1e11);
+    }
+  }
+  for (const double rest : {5e-16, -5e-16}) {
+    const double one = 1.0 + rest;
+    ASSERT_NE(one, 1.0);
+    ExpectFatal([&] { Isotropic(2.0, one).GiveDMatrix(12, Dm, Db, Ds); },
+                "error in element 12 nuXY is 1\n");
+    ExpectFatal([&] { Isotropic(2.0, one).GiveDMatrixTetra(4, D); },
+                "error in element 4 nu is 1\n");
+    ExpectFatal([&] { Isotropic(2.0, 0.5 + rest).GiveDMatrixTetra(4, D); },
+                "error in element 4 nu is 0.5\n");
+    ExpectFatal([&] { Isotropic(2.0, -one).GiveDMatrixTetra(4, D); },
+                "error in element 4 nu is -1\n");
+  }
+}
+
+TEST(Material, UnsetValuesHaveNoAngles)
+{
+  Material base;
+  base.eulerGiven = 1;
+  base.Euler[0] = 0.4;
+  Material own;
+  own.eulerGiven = 1;
+  own.Euler[0] = 0.7;
+  own.SetToNegative();
+  EXPECT_EQ(own.eulerGiven, 0);
+  own.ComposeMaterial(&base);
+  EXPECT_EQ(own.eulerGiven, 1);
+  EXPECT_EQ(own.Euler[0], 0.4);
 }
 
 }  // namespace

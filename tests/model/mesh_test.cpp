@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "base/textscan.h"
 #include "model/material.h"
@@ -17,7 +20,7 @@ namespace morlen {
 
 namespace {
 
-// A mesh that deletes what it has read.
+// A mesh that deletes its nodes and elements.
 class OwnedMesh : public Mesh
 {
 public:
@@ -391,6 +394,268 @@ TEST(Renumber, NullEntriesSortLast)
   EXPECT_LT(CompareNodePointers(&node, &none), 0);
   EXPECT_GT(CompareNodePointers(&none, &node), 0);
   EXPECT_EQ(CompareNodePointers(&none, &none), 0);
+}
+
+TEST(Renumber, ManyNodesAtEqualDistanceKeepTheirOrder)
+{
+  constexpr int kNodes = 300;
+  constexpr int kStep = 101;  // no common divisor with the number of nodes
+  OwnedMesh mesh;
+  std::string nodes;
+  std::vector<std::pair<int, int>> ranked;  // place along an axis, number
+  for (int number = 1; number <= kNodes; ++number) {
+    const int key = number * kStep % kNodes;
+    const int place = key / 3 + 1;
+    int at[3] = {};
+    at[key % 3] = place;
+    for (const int value : {number, at[0], at[1], at[2]})
+      nodes += std::to_string(value) + ' ';
+    nodes += '\n';
+    ranked.emplace_back(place, number);
+  }
+  nodes += std::to_string(kNodes + 1) + " -500 -500 -500\n";
+  std::sort(ranked.begin(), ranked.end());
+  mesh.Read(Block("Linear nnode 2", nodes.c_str(), ""));
+  mesh.RenumberNodes();
+  EXPECT_EQ(mesh.NodeAt(kNodes + 1).number, 1);
+  for (int i = 0; i < kNodes; ++i)
+    ASSERT_EQ(mesh.NodeAt(ranked[i].second).number, i + 2);
+}
+
+TEST(Renumber, NodesCompareByTheirDistanceFromTheReferenceNode)
+{
+  Node reference(3), near(3), far(3), opposite(2);
+  reference(1) = 10.0;
+  near(1) = 7.0;
+  far(1) = 14.0;
+  opposite(1) = 6.0;
+  const Node* n = &near;
+  const Node* f = &far;
+  const Node* o = &opposite;
+  mxnod = &reference;
+  EXPECT_LT(CompareNodePointers(&n, &f), 0);
+  EXPECT_GT(CompareNodePointers(&f, &n), 0);
+  EXPECT_EQ(CompareNodePointers(&f, &o), 0);
+  EXPECT_EQ(CompareNodePointers(&n, &n), 0);
+  mxnod = nullptr;
+}
+
+TEST(Mesh, FemviewWritesZOfSpaceNodes)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 1 2 3\n2 0.5 0 -0.25\n", ""));
+  std::ostringstream out;
+  mesh.PrintToFemview(out, "m");
+  EXPECT_EQ(out.str(),
+            "    1Cm\n"
+            "    2CCOORDE\n"
+            " -1    1 1.00000e+00 2.00000e+00 3.00000e+00 \n"
+            " -1    2 5.00000e-01 0.00000e+00-2.50000e-01 \n"
+            " -3\n"
+            "    3CCONECT\n"
+            " -3\n"
+            " 9999\n");
+}
+
+TEST(Mesh, FemviewTitleIsTheEndOfTheLastPartOfThePath)
+{
+  static const struct
+  {
+    const char* file;
+    const char* title;
+  } cases[] = {
+      {"/a/b/beam", "beam"},   {"models/a", "a"},     {"abcdef", "abcdef"}, {"x/abcdef", "abcdef"},
+      {"x/abcdefg", "bcdefg"}, {"abcdefg", "bcdefg"}, {"models/", ""},      {"", ""}};
+  for (const auto& c : cases) {
+    OwnedMesh mesh;
+    std::ostringstream out;
+    mesh.PrintToFemview(out, c.file);
+    EXPECT_EQ(out.str(),
+              std::string("    1C") + c.title + "\n    2CCOORDE\n -3\n    3CCONECT\n -3\n 9999\n");
+  }
+}
+
+TEST(Mesh, AnElementGetsTheMeshWhereItIsAppended)
+{
+  Mesh mesh(100, 100, 3, Linear, 2);
+  Mesh other(100, 100, 3, Triangle, 3);
+  Elem free(&other, nullptr), taken(&other, nullptr), unnumbered(&other, nullptr);
+  free.NewNum(7);
+  taken.NewNum(7);
+  EXPECT_EQ(mesh.AddElemtoPlex(&free), 7);
+  EXPECT_EQ(mesh.AddElemtoPlex(&taken), 8);
+  EXPECT_EQ(mesh.AddElemtoPlex(&unnumbered), 9);
+  EXPECT_EQ(Find<Elem>(*mesh.GiveElemPlex(), 7), &free);
+  EXPECT_EQ(Find<Elem>(*mesh.GiveElemPlex(), 8), &taken);
+  EXPECT_EQ(Find<Elem>(*mesh.GiveElemPlex(), 9), &unnumbered);
+  EXPECT_EQ(free.ElemType(), Triangle);
+  EXPECT_EQ(taken.ElemType(), Linear);
+  EXPECT_EQ(unnumbered.ElemType(), Linear);
+}
+
+TEST(Mesh, ConvertToFewerNodesLeavesTheCorners)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Triangle nnode 6", "1 0 0 0\n2 2 0 0\n3 0 2 0\n4 1 0 0\n5 1 1 0\n6 0 1 0\n",
+                  "1 1 2 3 4 5 6 9\n"));
+  mesh.ConvertToNewNnode(3);
+  EXPECT_EQ(mesh.GiveNnode(), 3);
+  EXPECT_EQ(mesh.GiveFvType(), 7);
+  const Elem& elem = mesh.ElemAt(1);
+  EXPECT_EQ(elem.Nnode(), 3);
+  EXPECT_EQ(elem.IsInto(&mesh.NodeAt(3)), 3);
+  EXPECT_EQ(elem.IsInto(&mesh.NodeAt(4)), 0);
+  EXPECT_EQ(elem.GiveMaterialNum(), 9);
+  std::ostringstream out;
+  out << elem;
+  EXPECT_EQ(out.str(), "    1       1    2    3  Mat: 9\n");
+  ExpectFatal([&] { mesh.ConvertToNewNnode(4); }, "Unknown Femview type\n");
+}
+
+TEST(Mesh, MoreNodesAfterFewerAreNull)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Triangle nnode 6", "1 0 0 0\n2 2 0 0\n3 0 2 0\n4 1 0 0\n5 1 1 0\n6 0 1 0\n",
+                  "1 1 2 3 4 5 6\n"));
+  mesh.ConvertToNewNnode(3);
+  mesh.ConvertToNewNnode(6);
+  EXPECT_EQ(mesh.GiveFvType(), 8);
+  for (int i = 0; i < 6; ++i)
+    EXPECT_EQ(mesh.ElemAt(1)(i), i < 3 ? &mesh.NodeAt(i + 1) : nullptr) << i;
+}
+
+TEST(Mesh, TheSameNumberOfNodesChangesNothing)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Triangle nnode 3", "1 0 0 0\n2 1 0 0\n3 0 1 0\n", "1 1 2 3\n"));
+  mesh.ConvertToNewNnode(3);
+  EXPECT_EQ(mesh.GiveNnode(), 3);
+  EXPECT_EQ(mesh.GiveFvType(), 7);
+  EXPECT_EQ(mesh.ElemAt(1)(2), &mesh.NodeAt(3));
+}
+
+TEST(Mesh, TheMiddleOfAnElementIsThatOfTheNodesItHas)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Triangle nnode 6", "1 0 0 0\n2 6 0 0\n3 0 3 9\n4 9 9 9\n5 9 9 9\n6 9 9 9\n",
+                  "1 1 2 3 4 5 6\n"));
+  mesh.ConvertToNewNnode(3);
+  ReaVec middle;
+  mesh.ElemAt(1).MidNode(middle);
+  EXPECT_EQ(middle, ReaVec(2.0, 1.0, 3.0));
+}
+
+TEST(Mesh, ClearingDeletesAndForgets)
+{
+  OwnedMesh mesh;
+  const std::string block = Block("Linear nnode 2", "1 0 0 0\n2 1 0 0\n", "1 1 2\n");
+  for (int round = 0; round < 2; ++round) {
+    mesh.Read(block);
+    mesh.ClearAllElems();
+    EXPECT_EQ(mesh.GiveElemPlex()->Count(), 0);
+    EXPECT_EQ(mesh.GiveNodePlex()->Count(), 2);
+    mesh.ClearAllNodes();
+    EXPECT_EQ(mesh.GiveNodePlex()->Count(), 0);
+  }
+}
+
+TEST(Mesh, OwnMaterialsAreKnownFromAnyElement)
+{
+  const char* const nodes = "1 0 0 0\n2 1 0 0\n";
+  static const struct
+  {
+    const char* elems;
+    bool own;
+  } cases[] = {{"1 1 2 3\n2 2 1\n", false},
+               {"1 1 2 3 A=1\n2 2 1 3\n", true},
+               {"1 1 2 3\n2 2 1 3 A=1\n", true}};
+  for (const auto& c : cases) {
+    OwnedMesh mesh;
+    EXPECT_FALSE(mesh.HasOwnMaterials());
+    mesh.Read(Block("Linear nnode 2", nodes, c.elems));
+    EXPECT_EQ(mesh.HasOwnMaterials(), c.own) << c.elems;
+  }
+}
+
+TEST(Mesh, ListingOfRenumberedNodesAndElements)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 1 0 0\n2 9 0 0\n3 0 0 0\n", "1 1 3\n"));
+  mesh.RenumberNodes();  // 2, 1, 3
+  std::ostringstream old, now;
+  mesh.PrintTo(old, 1, 0);
+  mesh.PrintTo(now, 0, 0);
+  EXPECT_NE(old.str().find("\n    1              1 "), std::string::npos);
+  EXPECT_NE(old.str().find("\n    1       1    3\n"), std::string::npos);
+  EXPECT_NE(now.str().find("\n    2              1 "), std::string::npos);
+  EXPECT_NE(now.str().find("\n    1       2    3\n"), std::string::npos);
+}
+
+// A node stored without a number has the number that it got when the nodes were renumbered.
+TEST(Mesh, ListingOfANodeWithoutAnOldNumber)
+{
+  Mesh mesh(100, 100, 2, Linear, 2);
+  Node first(2), unnumbered(2);
+  first.number = 1;
+  first(1) = 4.0;
+  mesh.AddPtstoPlex(&first);
+  mesh.AddPtstoPlex(&unnumbered);
+  mesh.RenumberNodes();
+  std::ostringstream out;
+  mesh.PrintTo(out, 1, 0);
+  EXPECT_NE(out.str().find("\n    1              4              0\n"
+                           "    2              0              0\n"),
+            std::string::npos);
+}
+
+TEST(Renumber, RestoringGivesTheNumbersOfTheFileBack)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "1 1 0 0\n2 9 0 0\n3 0 0 0\n", ""));
+  mesh.RestoreNumbers();
+  EXPECT_EQ(mesh.NodeAt(3).number, 3);
+  mesh.RenumberNodes();
+  mesh.RenumberNodes();
+  EXPECT_EQ(mesh.NodeAt(2).number, 1);
+  mesh.RestoreNumbers();
+  for (int i = 1; i <= 3; ++i) {
+    EXPECT_EQ(mesh.NodeAt(i).number, i);
+    EXPECT_EQ(mesh.GiveOldNumber(i), i);
+  }
+}
+
+TEST(MeshReader, OnlyBeamsMayNotHaveEqualNodes)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Triangle nnode 3", "1 0 0 0\n2 1 0 0\n", "1 1 2 1\n"));
+  EXPECT_EQ(mesh.ElemAt(1)(2), &mesh.NodeAt(1));
+}
+
+TEST(MeshReader, CoordinatesBecomeInfiniteInNoUnit)
+{
+  Units units;
+  units.meshLength = 1e300;
+  OwnedMesh mesh;
+  ExpectFatal([&] { mesh.Read(Block("Linear nnode 2", "1 1 0 0\n2 0 1e10 0\n", ""), &units); },
+              "error: node 2 has a coordinate that is not finite\n");
+}
+
+TEST(MeshReader, ALaterMeshMayListNoNodes)
+{
+  OwnedMesh first;
+  first.Read(Block("Linear nnode 2", "1 0 0 0\n2 1 0 0\n", "1 1 2\n"));
+  Node apart(3);
+  apart.number = 4;
+  first.AddPtstoPlex(&apart);
+  Mesh second(first.GiveNodePlex(), 100, 0, ElemType(0), 0);
+  const std::string block = Block("Linear nnode 2", "", "2 2 4\n");
+  TextScan text(block);
+  second.ReadFromAscii(text, nullptr);
+  const Elem& elem = *Find<Elem>(*second.GiveElemPlex(), 2);
+  EXPECT_EQ(elem(0), &first.NodeAt(2));
+  EXPECT_EQ(elem(1), &apart);
+  second.ClearAllElems();
+  first.GiveNodePlex()->set_at(4, nullptr);
 }
 
 }  // namespace morlen

@@ -130,7 +130,7 @@ TEST(TetraShapeFunctions, UnitSolidHasDeterminantOne)
   EXPECT_EQ(CalcTetraDeterminant(*ReadProject(UnitSolid(4).Text())->GiveElem(1)), 1.0);
 }
 
-// With the middle of the edge from the first corner to the second moved by d, x gains 4ξL·d.
+// Moving the middle of the edge 1-2 by d adds 4ξL·d to x.
 TEST(TetraShapeFunctions, JacobianOfACurvedEdge)
 {
   SolidModel model = UnitSolid(10);

@@ -19,7 +19,7 @@ std::vector<std::string> Names(const Units& units)
   return names;
 }
 
-// Two systems, added in the order that the table does not keep.
+// Two systems, added in the reverse of the table's order.
 Units TwoSystems()
 {
   const UnitsBase list[] = {{"kN-m", "kN", "m", "kPa", 1000.0, 1.0},
@@ -195,6 +195,15 @@ TEST(Units, FactorsMayBeSmall)
   const Units::Ratios ratios = units.RatiosOf({.facN = 1e-20, .facM = 1e-30});
   EXPECT_DOUBLE_EQ(ratios.force, 1e-2);
   EXPECT_DOUBLE_EQ(ratios.length, 1e-30);
+}
+
+TEST(Units, ALineMayComeWithItsEnd)
+{
+  const Units units = TwoSystems();
+  for (const char* line : {"units N-mm\n", "A=2 units=N-mm\r\n"})
+    EXPECT_EQ(units.GiveUnitsBaseFromLine(line), units.GiveUnitsBase("N-mm")) << line;
+  for (const char* line : {"units\n", "units = \r\n"})
+    EXPECT_EQ(units.GiveUnitsBaseFromLine(line), nullptr) << line;
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ namespace {
 
 using Doubles = std::vector<double>;
 
-/// A 2×3, B 3×2 and the shapes in which they are seen.
+/// A is 2×3, B is 3×2; with the shapes of their views.
 class MatriuArithmetic : public testing::Test
 {
 protected:

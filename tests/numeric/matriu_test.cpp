@@ -21,7 +21,7 @@ namespace {
 
 using Doubles = std::vector<double>;
 
-/// A temporary file that is read after it was written.
+/// A temporary file to write and then read.
 class ScratchFile
 {
 public:

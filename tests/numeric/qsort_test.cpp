@@ -15,7 +15,7 @@ namespace morlen {
 
 namespace {
 
-// Keys in the orders that give a quicksort trouble.
+// Keys in orders that are slow or wrong in a careless quicksort.
 std::vector<std::vector<int>> Patterns(int n)
 {
   std::mt19937 random(static_cast<unsigned>(n));

@@ -29,7 +29,7 @@ std::vector<int> Numbers(const VoidPlex& plex)
 
 using Ranges = std::vector<std::pair<int, int>>;
 
-// The ranges of the chunks along the ring, checked backwards too.
+// The ranges of the chunks along the ring; the links back are checked too.
 Ranges Chunks(const VoidPlex& plex)
 {
   Ranges ranges;
@@ -359,6 +359,42 @@ TEST(VoidPlex, FarNumbersAreFoundWithoutAWalk)
     const int i = 1 + static_cast<int>(random() % kChunks);
     ASSERT_EQ(plex.At(i * 10), Mark(i % 2000));
   }
+}
+
+TEST(VoidPlex, ClearForgetsWhichNumbersWereTaken)
+{
+  VoidPlex plex(4);
+  for (int i = 1; i <= 10; ++i)
+    plex.appendFirst(Mark(i));
+  plex.clear();
+  plex.set_at(3, Mark(3));
+  EXPECT_EQ(plex.First(), 3);
+  EXPECT_EQ(plex.Last(), 3);
+  EXPECT_EQ(plex.appendFirst(Mark(1)), 1);
+  EXPECT_EQ(plex.appendFirst(Mark(2)), 2);
+  EXPECT_EQ(plex.appendFirst(Mark(4)), 4);
+  EXPECT_EQ(Numbers(plex), (std::vector<int>{1, 2, 3, 4}));
+}
+
+// A container that has been emptied does as a new one does.
+TEST(VoidPlex, AfterClearEverythingBeginsAnew)
+{
+  VoidPlex plex(10);
+  for (int round = 0; round < 3; ++round) {
+    Fill(plex, {15, 35, 1995, 36});
+    EXPECT_EQ(plex.First(), 15);
+    EXPECT_EQ(plex.Last(), 1995);
+    EXPECT_EQ(Numbers(plex), (std::vector<int>{15, 35, 36, 1995}));
+    plex.clear();
+    for (int i : {15, 35, 36, 1995})
+      EXPECT_TRUE(plex.free(i)) << i;
+    ExpectFatal([&] { plex.cache(35); }, "Invalid void index -2- 35");
+    int i = 0;
+    EXPECT_EQ(plex.next(i), nullptr);
+  }
+  // The only chunk left moves to the first number.
+  Fill(plex, {1500, 1495});
+  EXPECT_EQ(Chunks(plex), (Ranges{{1491, 1500}}));
 }
 
 }  // namespace

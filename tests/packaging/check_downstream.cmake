@@ -13,7 +13,7 @@ function(run)
 endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix --config ${CONFIG})
-foreach(file bin/morlen share/doc/morlen/docs/manual.md include/morlen/problem/project.h
+foreach(file bin/morlen share/doc/morlen/docs/manual.md include/morlen/run/project.h
     share/bash-completion/completions/morlen)
   if(NOT EXISTS ${WORK}/prefix/${file})
     message(FATAL_ERROR "${file} is not installed")

@@ -8,6 +8,7 @@
 #include "model/elem.h"
 #include "numeric/matriu.h"
 #include "numeric/reavecv.h"
+#include "problem/loads_on_element.h"
 #include "support/fatal.h"
 #include "support/frame.h"
 #include "support/loaded_beams.h"
@@ -87,7 +88,8 @@ ProblemParts PlaneBeam(int code)
 struct TestSpan
 {
   explicit TestSpan(const ProblemParts& parts)
-      : project(ReadProject(parts.Text())), beam(project->SpanOf(*project->GiveElem(1), T))
+      : project(ReadProject(parts.Text())),
+        beam(MakeSpan(project->problem, *project->GiveElem(1), T))
   {
   }
 

@@ -37,7 +37,7 @@ std::unique_ptr<Project> ReadWith(const std::string& rest)
 
 const BaseElemLoads* FirstLoad(const Project& project, int elem)
 {
-  return static_cast<BaseElemLoads*>(project.elemLoads.At(elem));
+  return static_cast<BaseElemLoads*>(project.problem.elemLoads.At(elem));
 }
 
 // The first values of the distributed loads on an element, in their order.
@@ -158,7 +158,7 @@ TEST(ReadElemLoad, ABlockEndsAtTheFirstWordThatIsNoNumber)
       "face_loads end\nNumOfDivisions 3\n");
   EXPECT_EQ(ChainOf(*project, 5), (Doubles{1}));
   EXPECT_EQ(FirstLoad(*project, 1), nullptr);
-  EXPECT_EQ(project->numOfDivisions, 3);
+  EXPECT_EQ(project->problem.numOfDivisions, 3);
   ExpectRefused("face_loads\n5 1 0\n", "can't find word ***end*** in input file\n");
 }
 

@@ -52,7 +52,8 @@ std::unique_ptr<Project> Merged(const ProblemParts& parts)
 
 Ints Codes(const Project& project)
 {
-  return {project.GiveHingeCode(1), project.GiveHingeCode(5), project.GiveHingeCode(9)};
+  return {project.problem.GiveHingeCode(1).Value(), project.problem.GiveHingeCode(5).Value(),
+          project.problem.GiveHingeCode(9).Value()};
 }
 
 // Flags of a node; empty without a support.
@@ -61,7 +62,7 @@ Ints Flags(const Project& project, int node)
   const Constraint* support = project.FindNode(node)->constraint.get();
   if (!support)
     return {};
-  return {support->flags.begin(), support->flags.begin() + project.freeDegrees};
+  return {support->flags.begin(), support->flags.begin() + project.problem.components.count};
 }
 
 void ExpectRunRefused(const std::string& rest, const std::string& message)
@@ -78,7 +79,7 @@ TEST(Rotules, MarkNodes)
 {
   const auto project =
       ReadProject(Chain("rotules\n# a comment\n2 hinge\n\n: 4 1 2 3\nend of rotules 1 1\n").Text());
-  EXPECT_TRUE(project->hasHinges);
+  EXPECT_TRUE(project->problem.hasHinges);
   for (int node = 1; node <= 4; ++node)
     EXPECT_EQ(project->FindNode(node)->hasRotule, node % 2 == 0);
   EXPECT_EQ(Codes(*project), (Ints{11, 11, 11}));  // until they are merged
@@ -97,14 +98,17 @@ TEST(ElemRotules, GiveCodes)
 {
   const auto project = ReadProject(
       Chain("elem_rotules\n# a comment\n1 10\n= 5 01\n9\t0 rest\nend elem_rotules\n").Text());
-  EXPECT_TRUE(project->hasHinges);
+  EXPECT_TRUE(project->problem.hasHinges);
   EXPECT_EQ(Codes(*project), (Ints{10, 1, 0}));
-  EXPECT_EQ(project->GiveHingeCode(7), 11);
+  EXPECT_EQ(project->problem.GiveHingeCode(7).Value(), 11);
   static const std::map<std::string, int> codes = {
       {"11", 11}, {"10", 10},   {"01", 1},   {"1", 1},  {"00", 0},    {"0", 0},
       {"+1", 1},  {"10.5", 10}, {"110", 11}, {"1x", 1}, {"   01", 1}, {"11 00", 11}};
   for (const auto& [text, code] : codes)
-    EXPECT_EQ(ReadProject(Chain(Block("elem_rotules", "5 " + text)).Text())->GiveHingeCode(5), code)
+    EXPECT_EQ(ReadProject(Chain(Block("elem_rotules", "5 " + text)).Text())
+                  ->problem.GiveHingeCode(5)
+                  .Value(),
+              code)
         << text;
 }
 
@@ -133,13 +137,13 @@ TEST(ElemRotules, WrongRecordsAreRefused)
 TEST(Hinges, AFileWithoutThemNeverMerges)
 {
   const auto project = ReadProject(Chain("").Text());
-  EXPECT_FALSE(project->hasHinges);
+  EXPECT_FALSE(project->problem.hasHinges);
   project->Calc(0, nullptr);
   EXPECT_EQ(Codes(*project), (Ints{11, 11, 11}));
   for (const int node : {2, 3, 4})
     EXPECT_FALSE(project->FindNode(node)->constraint);
-  EXPECT_FALSE(ReadProject(Chain("rotules\nend\nelem_rotules\nend\n").Text())->hasHinges);
-  EXPECT_TRUE(ReadProject(Chain(Block("elem_rotules", "1 11")).Text())->hasHinges);
+  EXPECT_FALSE(ReadProject(Chain("rotules\nend\nelem_rotules\nend\n").Text())->problem.hasHinges);
+  EXPECT_TRUE(ReadProject(Chain(Block("elem_rotules", "1 11")).Text())->problem.hasHinges);
 }
 
 TEST(Hinges, NodesHingeAllEndsOfTheirBeams)

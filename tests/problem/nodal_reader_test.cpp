@@ -38,7 +38,7 @@ struct ReadSupport
 
   std::vector<int> Flags() const
   {
-    return {support.flags.begin(), support.flags.begin() + project->freeDegrees};
+    return {support.flags.begin(), support.flags.begin() + project->problem.components.count};
   }
 
   std::unique_ptr<Project> project;
@@ -50,7 +50,7 @@ std::vector<double> ReadLoad(const ProblemParts& parts, const std::string& recor
   const auto project = ReadProject(parts.With(&ProblemParts::loads, records).Text());
   const Node& node = *project->FindNode(1);
   EXPECT_TRUE(node.load);
-  return First(node.load->values, project->freeDegrees);
+  return First(node.load->values, project->problem.components.count);
 }
 
 void ExpectRefused(const ProblemParts& parts, std::string ProblemParts::*block,

@@ -12,6 +12,7 @@
 #include "model/units.h"
 #include "numeric/matriu.h"
 #include "problem/beam_span.h"
+#include "problem/loads_on_element.h"
 #include "support/fatal.h"
 #include "support/frame.h"
 #include "support/loaded_beams.h"
@@ -75,7 +76,7 @@ Doubles OnBeam(const ProblemParts& parts, PreassureLT_type type,
   std::copy(values.begin(), values.end(), load.values);
   const auto project = ReadProject(parts.Text());
   Matriu T;
-  const BeamSpan beam = project->SpanOf(*project->GiveElem(1), T);
+  const BeamSpan beam = MakeSpan(project->problem, *project->GiveElem(1), T);
   SpanLoad sum;
   load.AddToSpanLoad(beam, sum);
   EXPECT_EQ(sum.strain, 0.0);

@@ -42,7 +42,7 @@ std::vector<std::array<double, 6>> LoadsOf(const ShellModel& model, PreassureLT_
   Matriu T, Tbig;
   elem.CalcTransfMatrixTriangle(T, Tbig, nullptr);
   ReaVecV vector;
-  vector.resize(6 * project->numNodes, 0.0);
+  vector.resize(6 * project->problem.numNodes, 0.0);
   load.AddToLoadVectorTriangle(elem, T, vector);
   std::vector<std::array<double, 6>> loads(model.nodes.size());
   for (std::size_t i = 0; i < loads.size(); ++i) {

@@ -80,8 +80,8 @@ TEST(ProblemHeader, GivesTheProblemType)
   for (const auto& c : cases) {
     const ProblemParts parts = c.type == kPlane ? ProblemParts() : SpaceProblem();
     const auto project = ReadProject(parts.With(&ProblemParts::header, c.header).Text());
-    EXPECT_EQ(project->problemType, c.type) << c.header;
-    EXPECT_EQ(project->freeDegrees, c.freeDegrees) << c.header;
+    EXPECT_EQ(project->problem.problemType, c.type) << c.header;
+    EXPECT_EQ(project->problem.components.count, c.freeDegrees) << c.header;
   }
 }
 
@@ -114,31 +114,31 @@ TEST(ProblemHeader, IsRefused)
 TEST(ProblemFile, DefaultsHoldWithoutSettings)
 {
   const auto project = ReadWith("");
-  EXPECT_EQ(project->meshLength, 1.0);
-  EXPECT_EQ(project->matLoadForce, 1.0);
-  EXPECT_EQ(project->matLoadLength, 1.0);
-  EXPECT_EQ(project->resForce, 1.0);
-  EXPECT_EQ(project->resLength, 1.0);
-  EXPECT_EQ(project->resForceName, "N");
-  EXPECT_EQ(project->resLengthName, "m");
-  EXPECT_EQ(project->resPressureName, "Pa");
-  EXPECT_TRUE(project->bases.empty());
-  EXPECT_FALSE(project->convertTo6Nodes);
-  EXPECT_EQ(project->stressOutput, StressOutput::Local);
-  EXPECT_EQ(project->initialNumNodes, 2);
-  EXPECT_EQ(project->numNodes, 2);
-  EXPECT_EQ(project->meshes.size(), 1u);
-  EXPECT_EQ(project->solverSettings.type, SolverType::Automatic);
-  EXPECT_EQ(project->solverSettings.tolerance1, -1.0);
-  EXPECT_EQ(project->solverSettings.tolerance2, -1.0);
-  EXPECT_EQ(project->solverSettings.maxIterations, 0);
-  EXPECT_EQ(project->gravityDirection(1), 0.0);
-  EXPECT_EQ(project->gravityDirection(2), 0.0);
-  EXPECT_EQ(project->gravityDirection(3), 1.0);
-  EXPECT_EQ(project->numOfDivisions, 20);
-  EXPECT_EQ(project->coplanarityAngle, 1e-7);
-  EXPECT_FALSE(project->smoothing.on);
-  EXPECT_EQ(project->smoothing.angle, -1.0);
+  EXPECT_EQ(project->problem.units.meshLength, 1.0);
+  EXPECT_EQ(project->problem.units.matLoadForce, 1.0);
+  EXPECT_EQ(project->problem.units.matLoadLength, 1.0);
+  EXPECT_EQ(project->problem.units.resForce, 1.0);
+  EXPECT_EQ(project->problem.units.resLength, 1.0);
+  EXPECT_EQ(project->problem.units.resForceName, "N");
+  EXPECT_EQ(project->problem.units.resLengthName, "m");
+  EXPECT_EQ(project->problem.units.resPressureName, "Pa");
+  EXPECT_TRUE(project->problem.units.bases.empty());
+  EXPECT_FALSE(project->problem.convertTo6Nodes);
+  EXPECT_EQ(project->problem.stressOutput, StressOutput::Local);
+  EXPECT_EQ(project->problem.initialNumNodes, 2);
+  EXPECT_EQ(project->problem.numNodes, 2);
+  EXPECT_EQ(project->problem.meshes.size(), 1u);
+  EXPECT_EQ(project->problem.solverSettings.type, SolverType::Automatic);
+  EXPECT_EQ(project->problem.solverSettings.tolerance1, -1.0);
+  EXPECT_EQ(project->problem.solverSettings.tolerance2, -1.0);
+  EXPECT_EQ(project->problem.solverSettings.maxIterations, 0);
+  EXPECT_EQ(project->problem.gravityDirection(1), 0.0);
+  EXPECT_EQ(project->problem.gravityDirection(2), 0.0);
+  EXPECT_EQ(project->problem.gravityDirection(3), 1.0);
+  EXPECT_EQ(project->problem.numOfDivisions, 20);
+  EXPECT_EQ(project->problem.coplanarityAngle, 1e-7);
+  EXPECT_FALSE(project->problem.smoothing.on);
+  EXPECT_EQ(project->problem.smoothing.angle, -1.0);
 }
 
 TEST(ProblemFile, KeywordsMatchWithoutRegardToCase)
@@ -148,8 +148,8 @@ TEST(ProblemFile, KeywordsMatchWithoutRegardToCase)
   for (char& c : text)
     c = static_cast<char>(std::toupper(c));
   const auto project = ReadProject(text);
-  EXPECT_EQ(project->meshes.size(), 1u);
-  EXPECT_NE(Find<Material>(project->materials, 1), nullptr);
+  EXPECT_EQ(project->problem.meshes.size(), 1u);
+  EXPECT_NE(Find<Material>(project->problem.materials, 1), nullptr);
   EXPECT_TRUE(project->FindNode(1)->constraint);
   EXPECT_TRUE(project->FindNode(2)->load);
 }
@@ -163,7 +163,7 @@ TEST(ProblemFile, CommentLinesAreSkipped)
       std::string(2000, 'x') +
       "\n"
       "NumOfDivisions 9 # NumOfDivisions 10");
-  EXPECT_EQ(project->numOfDivisions, 9);
+  EXPECT_EQ(project->problem.numOfDivisions, 9);
 }
 
 TEST(ProblemFile, UnknownWordsAreRefused)
@@ -175,11 +175,12 @@ TEST(ProblemFile, UnknownWordsAreRefused)
 
 TEST(ProblemFile, FlagsNeedNoValue)
 {
-  EXPECT_TRUE(ReadWith("ConvertTo6Nodes")->convertTo6Nodes);
-  EXPECT_TRUE(ReadWith("converttO6nodes=yes")->convertTo6Nodes);
-  EXPECT_EQ(ReadWith("MainStresses")->stressOutput, StressOutput::Main);
-  EXPECT_EQ(ReadWith("MAINANDLOCALSTRESSES")->stressOutput, StressOutput::MainAndLocal);
-  EXPECT_EQ(ReadWith("MainAndLocalStresses MainStresses")->stressOutput, StressOutput::Main);
+  EXPECT_TRUE(ReadWith("ConvertTo6Nodes")->problem.convertTo6Nodes);
+  EXPECT_TRUE(ReadWith("converttO6nodes=yes")->problem.convertTo6Nodes);
+  EXPECT_EQ(ReadWith("MainStresses")->problem.stressOutput, StressOutput::Main);
+  EXPECT_EQ(ReadWith("MAINANDLOCALSTRESSES")->problem.stressOutput, StressOutput::MainAndLocal);
+  EXPECT_EQ(ReadWith("MainAndLocalStresses MainStresses")->problem.stressOutput,
+            StressOutput::Main);
 }
 
 TEST(ProblemFile, ValuesMayBeGluedToTheirKeyword)
@@ -188,13 +189,13 @@ TEST(ProblemFile, ValuesMayBeGluedToTheirKeyword)
        {"NumOfDivisions 7", "NumOfDivisions=7", "NumOfDivisions: 7", "NumOfDivisions7",
         "numofdivisions = 7", "NumOfDivisions:=:\n= 7", "NumOfDivisions : = =7",
         "NumOfDivisions\n7", "NumOfDivisions 7.9", "NumOfDivisions 007", "NumOfDivisions 7x"})
-    EXPECT_EQ(ReadWith(settings)->numOfDivisions, 7) << settings;
+    EXPECT_EQ(ReadWith(settings)->problem.numOfDivisions, 7) << settings;
 }
 
 TEST(ProblemFile, NumOfDivisionsHasLimits)
 {
-  EXPECT_EQ(ReadWith("NumOfDivisions 1")->numOfDivisions, 1);
-  EXPECT_EQ(ReadWith("NumOfDivisions 100000")->numOfDivisions, 100000);
+  EXPECT_EQ(ReadWith("NumOfDivisions 1")->problem.numOfDivisions, 1);
+  EXPECT_EQ(ReadWith("NumOfDivisions 100000")->problem.numOfDivisions, 100000);
   for (const char* value : {"0", "-3", "x", "-99999999999999999999"})
     ExpectRefused(std::string("NumOfDivisions ") + value,
                   "error: Number of divisions must be positive");
@@ -214,10 +215,11 @@ TEST(ProblemFile, AnglesLieBetweenZeroAndPi)
                   {"3.14159265358979", 3.14159265358979},
                   {"3.141592653589793", std::numbers::pi}};
   for (const auto& c : accepted) {
-    EXPECT_EQ(ReadWith(std::string("CoplanarityAngle ") + c.value)->coplanarityAngle, c.angle);
+    EXPECT_EQ(ReadWith(std::string("CoplanarityAngle ") + c.value)->problem.coplanarityAngle,
+              c.angle);
     const auto project = ReadWith(std::string("DoSmoothing=") + c.value);
-    EXPECT_TRUE(project->smoothing.on);
-    EXPECT_EQ(project->smoothing.angle, c.angle);
+    EXPECT_TRUE(project->problem.smoothing.on);
+    EXPECT_EQ(project->problem.smoothing.angle, c.angle);
   }
   for (const std::string value : {"0", "9e-16", "-1", "4", "3.1416", "nan", "inf", "x"}) {
     ExpectRefused("CoplanarityAngle " + value,
@@ -241,7 +243,7 @@ TEST(ProblemFile, SolverIsChosenByTheBeginningOfItsName)
       {"Solver SkyLine Solver Double", SolverType::Double},
   };
   for (const auto& c : cases)
-    EXPECT_EQ(ReadWith(c.settings)->solverSettings.type, c.type) << c.settings;
+    EXPECT_EQ(ReadWith(c.settings)->problem.solverSettings.type, c.type) << c.settings;
   for (const char* settings : {"Solver Cholesky", "Solver Sky", "Solver=", "Solver 1"})
     ExpectRefused(std::string(settings) + (std::string(settings) == "Solver=" ? " x" : ""),
                   kWrongSolver);
@@ -250,11 +252,11 @@ TEST(ProblemFile, SolverIsChosenByTheBeginningOfItsName)
 TEST(ProblemFile, SparseSolverTakesThreeNumbers)
 {
   const auto project = ReadWith("Solver: Sparse 1e-6 1e-8 10");
-  EXPECT_EQ(project->solverSettings.type, SolverType::Sparse);
-  EXPECT_EQ(project->solverSettings.tolerance1, 1e-6);
-  EXPECT_EQ(project->solverSettings.tolerance2, 1e-8);
-  EXPECT_EQ(project->solverSettings.maxIterations, 10);
-  EXPECT_EQ(ReadWith("Solver sparse 10 10 99")->solverSettings.tolerance1, 10.0);
+  EXPECT_EQ(project->problem.solverSettings.type, SolverType::Sparse);
+  EXPECT_EQ(project->problem.solverSettings.tolerance1, 1e-6);
+  EXPECT_EQ(project->problem.solverSettings.tolerance2, 1e-8);
+  EXPECT_EQ(project->problem.solverSettings.maxIterations, 10);
+  EXPECT_EQ(ReadWith("Solver sparse 10 10 99")->problem.solverSettings.tolerance1, 10.0);
   for (const char* numbers : {"1e-6 1e-6 9", "0 1 10", "1 0 10", "10.5 1 10", "1 10.5 10",
                               "-1 1 10", "1 1 x", "1 x 10", "nan 1 10", "1 nan 10"})
     ExpectRefused(std::string("Solver Sparse ") + numbers, kWrongSparse);
@@ -263,10 +265,10 @@ TEST(ProblemFile, SparseSolverTakesThreeNumbers)
 TEST(ProblemFile, GravityDirectionGetsUnitLength)
 {
   const auto project = ReadWith("GravityDirection = 3 0 -4");
-  EXPECT_DOUBLE_EQ(project->gravityDirection(1), 0.6);
-  EXPECT_DOUBLE_EQ(project->gravityDirection(2), 0.0);
-  EXPECT_DOUBLE_EQ(project->gravityDirection(3), -0.8);
-  EXPECT_DOUBLE_EQ(ReadWith("GravityDirection 0 1e-14 0")->gravityDirection(2), 1.0);
+  EXPECT_DOUBLE_EQ(project->problem.gravityDirection(1), 0.6);
+  EXPECT_DOUBLE_EQ(project->problem.gravityDirection(2), 0.0);
+  EXPECT_DOUBLE_EQ(project->problem.gravityDirection(3), -0.8);
+  EXPECT_DOUBLE_EQ(ReadWith("GravityDirection 0 1e-14 0")->problem.gravityDirection(2), 1.0);
   for (const char* vector : {"0 0 0", "0 1e-16 0", "x y z"})
     ExpectRefused(std::string("GravityDirection ") + vector,
                   "error: GravityDirection must be a vector no null");
@@ -277,7 +279,7 @@ TEST(ProblemUnits, MeshUnitIsAlengthUnit)
   for (const char* settings :
        {"units_mesh=mm", "units_mesh: mm", "units_mesh mm", "UNITS_MESHmm"}) {
     const auto project = ReadWith(std::string(kUnits) + settings);
-    EXPECT_EQ(project->meshLength, 0.001) << settings;
+    EXPECT_EQ(project->problem.units.meshLength, 0.001) << settings;
     EXPECT_EQ((*project->FindNode(2))(1), 0.001) << settings;
   }
   ExpectRefused(std::string(kUnits) + "units_mesh MM",
@@ -289,13 +291,13 @@ TEST(ProblemUnits, MeshUnitIsAlengthUnit)
 TEST(ProblemUnits, SystemsSetTheFactors)
 {
   const auto project = ReadWith(std::string(kUnits) + "units_mat_and_load = kN_mm\nunits_res: cgs");
-  EXPECT_EQ(project->matLoadForce, 1000.0);
-  EXPECT_EQ(project->matLoadLength, 0.001);
-  EXPECT_EQ(project->resForce, 1e-5);
-  EXPECT_EQ(project->resLength, 0.01);
-  EXPECT_EQ(project->resForceName, "dyn");
-  EXPECT_EQ(project->resLengthName, "cm");
-  EXPECT_EQ(project->resPressureName, "Ba");
+  EXPECT_EQ(project->problem.units.matLoadForce, 1000.0);
+  EXPECT_EQ(project->problem.units.matLoadLength, 0.001);
+  EXPECT_EQ(project->problem.units.resForce, 1e-5);
+  EXPECT_EQ(project->problem.units.resLength, 0.01);
+  EXPECT_EQ(project->problem.units.resForceName, "dyn");
+  EXPECT_EQ(project->problem.units.resLengthName, "cm");
+  EXPECT_EQ(project->problem.units.resPressureName, "Ba");
 }
 
 TEST(ProblemUnits, LookUpsAreChecked)
@@ -319,14 +321,15 @@ TEST(ProblemUnits, FactorsMustBePositive)
   const char* const res = "error: units_res must be two positive numbers and three names\n";
   ExpectRefused(table("1 0") + "units_mesh b", mesh);
   ExpectRefused(table("1 -1") + "units_mesh b", mesh);
-  EXPECT_EQ(ReadWith(table("1 1e-18") + "units_mesh b")->meshLength, 1e-18);
-  EXPECT_EQ(ReadWith(table("0 1") + "units_mesh b")->meshLength, 1.0);
+  EXPECT_EQ(ReadWith(table("1 1e-18") + "units_mesh b")->problem.units.meshLength, 1e-18);
+  EXPECT_EQ(ReadWith(table("0 1") + "units_mesh b")->problem.units.meshLength, 1.0);
   for (const char* factors : {"0 1", "1 0", "-1 1", "1 -1e-18"}) {
     ExpectRefused(table(factors) + "units_mat_and_load bad", matAndLoad);
     ExpectRefused(table(factors) + "units_res bad", res);
   }
-  EXPECT_EQ(ReadWith(table("1e-18 1") + "units_mat_and_load bad")->matLoadForce, 1e-18);
-  EXPECT_EQ(ReadWith(table("1 1e-18") + "units_res bad")->resLength, 1e-18);
+  EXPECT_EQ(ReadWith(table("1e-18 1") + "units_mat_and_load bad")->problem.units.matLoadForce,
+            1e-18);
+  EXPECT_EQ(ReadWith(table("1 1e-18") + "units_res bad")->problem.units.resLength, 1e-18);
 }
 
 TEST(ProblemUnits, TableOf120LinesIsSorted)
@@ -338,11 +341,11 @@ TEST(ProblemUnits, TableOf120LinesIsSorted)
              std::to_string(shuffled + 1) + "\n";
   }
   const auto project = ReadWith(block + "end\nunits_res u1077\nunits_mesh m3");
-  ASSERT_EQ(project->bases.size(), 120u);
+  ASSERT_EQ(project->problem.units.bases.size(), 120u);
   for (int i = 0; i < 120; ++i)
-    EXPECT_EQ(project->bases[i].name, "u" + std::to_string(1000 + i));
-  EXPECT_EQ(project->resLength, 78.0);
-  EXPECT_EQ(project->meshLength, 4.0);
+    EXPECT_EQ(project->problem.units.bases[i].name, "u" + std::to_string(1000 + i));
+  EXPECT_EQ(project->problem.units.resLength, 78.0);
+  EXPECT_EQ(project->problem.units.meshLength, 4.0);
 }
 
 TEST(ProblemUnits, BlocksAddToOneTable)
@@ -350,10 +353,10 @@ TEST(ProblemUnits, BlocksAddToOneTable)
   const auto project = ReadWith(
       "units_names\n# comment\n\nb N m Pa 1 1\n : = a N m Pa 1 1 more words\nENDING of it\n"
       "Units_Names\nA N m Pa 1 1\nend\n");
-  ASSERT_EQ(project->bases.size(), 3u);
-  EXPECT_EQ(project->bases[0].name, "A");
-  EXPECT_EQ(project->bases[1].name, "a");
-  EXPECT_EQ(project->bases[2].name, "b");
+  ASSERT_EQ(project->problem.units.bases.size(), 3u);
+  EXPECT_EQ(project->problem.units.bases[0].name, "A");
+  EXPECT_EQ(project->problem.units.bases[1].name, "a");
+  EXPECT_EQ(project->problem.units.bases[2].name, "b");
 }
 
 TEST(ProblemUnits, RecordsAreChecked)
@@ -375,9 +378,9 @@ TEST(ProblemMaterials, AreStoredUnderTheirNumber)
       ReadProject(ProblemParts()
                       .With(&ProblemParts::materials, "# first\n1 E=2 A=3\n\n7: E 4\n # last\n")
                       .Text());
-  EXPECT_EQ(Find<Material>(project->materials, 1)->E1, 2.0);
-  EXPECT_EQ(Find<Material>(project->materials, 7)->E1, 4.0);
-  EXPECT_EQ(project->materials.Count(), 2);
+  EXPECT_EQ(Find<Material>(project->problem.materials, 1)->E1, 2.0);
+  EXPECT_EQ(Find<Material>(project->problem.materials, 7)->E1, 4.0);
+  EXPECT_EQ(project->problem.materials.Count(), 2);
 }
 
 TEST(ProblemMaterials, RepeatedNumbersAreRefused)
@@ -398,7 +401,7 @@ TEST(ProblemMeshes, TenAreAccepted)
   std::string text = SpaceProblem().Text();
   for (int i = 2; i <= 10; ++i)
     text += MeshBlock("Linear", "2", i, "1 2");
-  EXPECT_EQ(ReadProject(text)->meshes.size(), 10u);
+  EXPECT_EQ(ReadProject(text)->problem.meshes.size(), 10u);
   ExpectFatal([&] { ReadProject(text + MeshBlock("Linear", "2", 11, "1 2")); },
               "error: maximum number of meshes is: 10\n");
 }
@@ -406,8 +409,8 @@ TEST(ProblemMeshes, TenAreAccepted)
 TEST(ProblemMeshes, ShareTheNodesOfTheFirst)
 {
   const auto project = ReadProject(SpaceProblem().Text() + MeshBlock("Linear", "2", 9, "2 1"));
-  ASSERT_EQ(project->meshes.size(), 2u);
-  EXPECT_EQ(project->meshes[1]->GiveNodePlex(), project->meshes[0]->GiveNodePlex());
+  ASSERT_EQ(project->problem.meshes.size(), 2u);
+  EXPECT_EQ(project->problem.meshes[1]->GiveNodePlex(), project->problem.meshes[0]->GiveNodePlex());
   const Elem& first = *project->GiveElem(1);
   const Elem& second = *project->GiveElem(9);
   EXPECT_EQ(first(0), second(1));
@@ -458,15 +461,15 @@ TEST(ProblemMeshes, RepeatedElementOfOneMeshReplacesTheEarlier)
   const auto project =
       ReadProject(ProblemParts().With(&ProblemParts::elements, "1 1 2 1\n1 2 1 9").Text());
   EXPECT_EQ(project->GiveElem(1)->GiveMaterialNum(), 9);
-  EXPECT_EQ(project->meshes[0]->GiveElemPlex()->Count(), 1);
+  EXPECT_EQ(project->problem.meshes[0]->GiveElemPlex()->Count(), 1);
 }
 
 TEST(ProblemMeshes, SolidsAloneHaveThreeDegreesAndSmoothing)
 {
   const auto project = ReadProject(kSolid);
-  EXPECT_EQ(project->freeDegrees, 3);
-  EXPECT_TRUE(project->smoothing.on);
-  EXPECT_EQ(project->smoothing.angle, -1.0);
+  EXPECT_EQ(project->problem.components.count, 3);
+  EXPECT_TRUE(project->problem.smoothing.on);
+  EXPECT_EQ(project->problem.smoothing.angle, -1.0);
 }
 
 TEST(ProblemMeshes, SolidsCannotBeMixedWithOthers)
@@ -485,7 +488,7 @@ TEST(ProblemMeshes, PlaneProblemsHaveNoZ)
   const auto with = [&](const std::string& z) {
     return std::string(mesh3d).replace(mesh3d.find('@'), 1, z);
   };
-  EXPECT_EQ(ReadProject(with("0"))->freeDegrees, 3);
+  EXPECT_EQ(ReadProject(with("0"))->problem.components.count, 3);
   ExpectFatal([&] { ReadProject(with("0.5")); },
               "error: node 2 has a z coordinate in a 2d problem\n");
 }
@@ -503,11 +506,11 @@ TEST(ProblemMaterials, OwnMaterialsOfElementsAreCompleted)
 {
   const auto project =
       ReadProject(ProblemParts().With(&ProblemParts::elements, "1 1 2 1 A=5\n2 1 2 0 E=7").Text());
-  const Material& completed = project->RequireMaterial(*project->GiveElem(1));
+  const Material& completed = project->problem.RequireMaterial(*project->GiveElem(1));
   EXPECT_EQ(completed.A, 5.0);
   EXPECT_EQ(completed.E1, 1.0);
   EXPECT_EQ(completed.Iz, 1.0);
-  const Material& alone = project->RequireMaterial(*project->GiveElem(2));
+  const Material& alone = project->problem.RequireMaterial(*project->GiveElem(2));
   EXPECT_EQ(alone.E1, 7.0);
   EXPECT_EQ(alone.A, 0.0);
 }

@@ -1,4 +1,5 @@
 #include "results/beam_strengths.h"
+#include "results/reactions.h"
 
 #include <gtest/gtest.h>
 
@@ -77,14 +78,14 @@ TEST(GiveStrength, SignsInThePlane)
 TEST(GiveReaction, BelongsToTheEnds)
 {
   const Solved solved(ProblemText(PlaneCantilever({11, -7, 13})));
-  const Project& project = solved.Model();
-  const Elem& beam = *project.GiveElem(1);
+  const Problem& problem = solved.Model();
+  const Elem& beam = *problem.GiveElem(1);
   for (const double first : {0.0, 1e-15, -1.0})
-    EXPECT_NEAR(project.GiveReaction(beam, 1, first), -11, 1e-11);
-  EXPECT_NEAR(project.GiveReaction(beam, 3, 0.0), -13 + kL * 7, 1e-11);
+    EXPECT_NEAR(GiveReaction(problem, solved.Result(), beam, 1, first), -11, 1e-11);
+  EXPECT_NEAR(GiveReaction(problem, solved.Result(), beam, 3, 0.0), -13 + kL * 7, 1e-11);
   for (const double t : {2e-15, 0.5, 0.99})
-    EXPECT_EQ(project.GiveReaction(beam, 1, t), 0.0);
-  EXPECT_EQ(project.GiveReaction(beam, 1, 1.0), 0.0);  // no support there
+    EXPECT_EQ(GiveReaction(problem, solved.Result(), beam, 1, t), 0.0);
+  EXPECT_EQ(GiveReaction(problem, solved.Result(), beam, 1, 1.0), 0.0);  // no support there
 }
 
 TEST(GiveReaction, IsZeroWithinABeamSupportedAtBothEnds)
@@ -94,9 +95,10 @@ TEST(GiveReaction, IsZeroWithinABeamSupportedAtBothEnds)
                     {.node = 2, .flags = kClamped}};
   const Solved solved(ProblemText(frame));
   const Elem& beam = *solved.Model().GiveElem(1);
-  EXPECT_EQ(solved.Model().GiveReaction(beam, 1, 0.5), 0.0);
-  EXPECT_NEAR(solved.Model().GiveReaction(beam, 1, 0.0), 10.0, 1e-12);
-  EXPECT_NEAR(solved.Model().GiveReaction(beam, 1, 0.999999999999999), -10.0, 1e-12);
+  EXPECT_EQ(GiveReaction(solved.Model(), solved.Result(), beam, 1, 0.5), 0.0);
+  EXPECT_NEAR(GiveReaction(solved.Model(), solved.Result(), beam, 1, 0.0), 10.0, 1e-12);
+  EXPECT_NEAR(GiveReaction(solved.Model(), solved.Result(), beam, 1, 0.999999999999999), -10.0,
+              1e-12);
 }
 
 // Without loads on the span the deflection is exactly cubic: P·x²·(3L - x)/(6EI) for a
@@ -160,7 +162,7 @@ TEST(ReleaseHingedRotations, LeavesHingedEndsWithoutMoment)
   for (const int code : {11, 10, 1, 0}) {
     SCOPED_TRACE(code);
     BeamEnds ends = given;
-    ReleaseHingedRotations(code, kL, 6, ends);
+    ReleaseHingedRotations(HingeCode(code), kL, 6, ends);
     // Slopes: dv/dx = θz, dw/dx = -θy.
     const double chordY = (ends.second[1] - ends.first[1]) / kL;
     const double chordZ = -(ends.second[2] - ends.first[2]) / kL;
@@ -191,10 +193,10 @@ TEST(ReleaseHingedRotations, LeavesHingedEndsWithoutMoment)
 TEST(ReleaseHingedRotations, InThePlane)
 {
   BeamEnds ends = {{0, 0, 7}, {0, 0.5, 0.1}};
-  ReleaseHingedRotations(1, kL, 3, ends);
+  ReleaseHingedRotations(HingeCode(1), kL, 3, ends);
   EXPECT_DOUBLE_EQ(ends.first[2], 1.5 * 0.25 - 0.05);
   EXPECT_EQ(ends.second[2], 0.1);
-  ReleaseHingedRotations(0, kL, 3, ends);
+  ReleaseHingedRotations(HingeCode(0), kL, 3, ends);
   EXPECT_DOUBLE_EQ(ends.first[2], 0.25);
   EXPECT_DOUBLE_EQ(ends.second[2], 0.25);
 }

@@ -124,7 +124,7 @@ TEST(KivSolids, WithoutSmoothingThereAreNoStresses)
 {
   for (const int nnode : {4, 10}) {
     const auto project = ReadProject(Strained("3d", nnode).Text());
-    project->smoothing.on = false;
+    project->problem.smoothing.on = false;
     project->Calc(1, nullptr);
     project->CalcStrengthsAndReactions(nullptr);
     const TemporaryFolder folder;

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "model/node.h"
-#include "problem/project.h"
+#include "run/project.h"
 #include "support/run.h"
 #include "support/solved.h"
 
@@ -82,7 +82,7 @@ TEST(ModelDump, ListsHinges)
 TEST(ModelDump, ListsTheCoplanarityVector)
 {
   const std::unique_ptr<Project> project = ReadProject(kTwoMeshes);
-  project->coplanarity = {1, 0, 1};
+  project->problem.coplanarity = {1, 0, 1};
   const std::string dump = Dumped(*project);
   EXPECT_TRUE(dump.ends_with("Coplanarity vector:\n1 1\n2 0\n3 1\n")) << dump;
 }

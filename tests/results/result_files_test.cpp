@@ -50,7 +50,7 @@ Frame PlaneFrame()
   return frame;
 }
 
-std::string Problem(const Frame& frame)
+std::string TextOf(const Frame& frame)
 {
   return ProblemText(frame, "NumOfDivisions " + std::to_string(kDivisions));
 }
@@ -90,8 +90,8 @@ class ResultFiles : public testing::TestWithParam<bool>
 protected:
   ResultFiles()
       : frame(GetParam() ? SpaceFrame() : PlaneFrame()),
-        solved(Problem(frame)),
-        files(Problem(frame)),
+        solved(TextOf(frame)),
+        files(TextOf(frame)),
         n(frame.Components())
   {
   }
@@ -208,7 +208,7 @@ TEST_P(ResultFiles, ReactionsAreGivenForEveryNode)
 
 TEST_P(ResultFiles, AreTheSameWithoutRenumbering)
 {
-  const Files asRead(Problem(frame), {"-r0"});
+  const Files asRead(TextOf(frame), {"-r0"});
   const Closeness lastDigit = {.relative = 2e-5};
   EXPECT_EQ(Difference(files.text, asRead.text, lastDigit), "");
   EXPECT_EQ(Difference(files.kiv, asRead.kiv, lastDigit), "");
@@ -222,7 +222,7 @@ TEST(WriteResults, UnknownProblemTypeIsRefused)
   const auto project = ReadProject(ProblemParts().Text());
   project->Calc(1, nullptr);
   project->CalcStrengthsAndReactions(nullptr);
-  project->problemType = PROBLEMTYPE(2);
+  project->problem.problemType = PROBLEMTYPE(2);
   const TemporaryFolder folder;
   std::ofstream out(folder.Path() / "out.txt");
   ExpectFatal([&] { project->WriteResults(out); },

@@ -195,7 +195,7 @@ TEST(SmoothShell, OfBothModesTreatsEachByItsOwnAxes)
   const Solved solved(TwoStates("MainAndLocalStresses\nDoSmoothing 0.7").Text());
   const Forces local = {ForcesOf(solved, 1), ForcesOf(solved, 2)};
   ExpectSame(local, Averaged(TwoStates(""), rough, {1, 1}), 0, 6);
-  const ReaVecV& main = solved.Model().results[0].mainStrengths;
+  const ReaVecV& main = solved.Result().results[0].mainStrengths;
   EXPECT_NEAR(main(1), 0.5, 1e-12);
   EXPECT_NEAR(std::fabs(main(9)), 0.25, 1e-12);
 }

@@ -74,7 +74,7 @@ TEST_P(SmoothSolid, DoesNotWeighTheElements)
 TEST_P(SmoothSolid, IsOnWithoutBeingAskedFor)
 {
   SolidModel model = Pair(GetParam(), Kinked);
-  EXPECT_TRUE(ReadProject(model.Text())->smoothing.on);
+  EXPECT_TRUE(ReadProject(model.Text())->problem.smoothing.on);
   model.settings = "DoSmoothing 0.5";
   EXPECT_NEAR(StressX(Solved(model.Text()), 1), 20.0, 1e-10);
 }
@@ -118,7 +118,7 @@ TEST(SmoothSolidOfTenNodes, PointsLieBetweenTheCornerValues)
     return Vector3{x[0] * x[1], 0.3 * x[2] * x[2], 0.7 * x[0] * x[0]};
   });
   const Solved solved(model.Text());
-  const ReaVecV& points = solved.Model().results[0].strengths;
+  const ReaVecV& points = solved.Result().results[0].strengths;
   ASSERT_EQ(points.Size(), 24);
   constexpr double a = 0.5854102, b = 0.1381966;
   for (int g = 0; g < 4; ++g) {

@@ -10,6 +10,7 @@
 
 #include "solvers/ilu_preconditioner.h"
 #include "solvers/krylov.h"
+#include "solvers/node_block_matrix.h"
 #include "support/processor.h"
 #include "support/sparse.h"
 
@@ -19,22 +20,22 @@ namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-/// Nodes of a grid in space, each coupled with those around it, numbered without order.
+/// Nodes of a grid in space in mixed order, each coupled with its up to 26 neighbours.
 class NodeGrid
 {
 public:
   NodeGrid(int side_, int ndof_) : side(side_), ndof(ndof_) {}
 
-  /// The stiffness of springs between the nodes, each with a full positive definite matrix and
-  /// from weak to stiff, on foundations.
-  SparseMatrix Filled(double foundation = 0.01) const
+  /// The stiffness of springs between the nodes and of a foundation. Each spring has a full
+  /// positive definite matrix; they range from weak to stiff.
+  NodeBlockMatrix Filled(double foundation = 0.01) const
   {
     NodeCouplings couplings(side * side * side, 200);
     ForEachPair([&](int p, int q) {
       couplings.Add(p, q);
       couplings.Add(q, p);
     });
-    SparseMatrix matrix(couplings.TakePattern(), ndof, TestedProcessor());
+    NodeBlockMatrix matrix(couplings.MakePattern(), ndof, TestedProcessor());
     unsigned seed = 0;
     ForEachPair([&](int p, int q) { AddSpring(matrix, p, q, ++seed); });
     for (int i = 0; i < matrix.GiveSize(); ++i)
@@ -56,7 +57,7 @@ private:
           visit(number(a), number(b));
   }
 
-  void AddSpring(SparseMatrix& matrix, int p, int q, unsigned seed) const
+  void AddSpring(NodeBlockMatrix& matrix, int p, int q, unsigned seed) const
   {
     const std::vector<double> d = RandomVector(ndof + 1, seed);
     const double stiffness = std::pow(10.0, 2.0 * d[ndof]);
@@ -77,8 +78,8 @@ private:
   int ndof;
 };
 
-/// Every `step`-th equation from `first` on, made a row of the unit matrix.
-std::vector<int> FixRows(SparseMatrix& matrix, int first, int step)
+/// Makes every `step`-th row from `first` on a row of the unit matrix; returns these rows.
+std::vector<int> FixRows(NodeBlockMatrix& matrix, int first, int step)
 {
   std::vector<int> fixed;
   for (int i = first; i < matrix.GiveSize(); i += step) {
@@ -88,12 +89,10 @@ std::vector<int> FixRows(SparseMatrix& matrix, int first, int step)
   return fixed;
 }
 
-/// For a right-hand side that is 0 in the prescribed rows.
-void ExpectSameSolutions(const SparseMatrix& blocks, const std::vector<int>& prescribed)
+/// Compares with the scalar factors, for a right-hand side that is 0 in the prescribed rows.
+void ExpectSameSolutions(const NodeBlockMatrix& blocks, const std::vector<int>& prescribed)
 {
   const SparseMatrix rows = InRows(blocks);
-  ASSERT_GT(blocks.BlockSize(), 1);
-  ASSERT_EQ(rows.BlockSize(), 1);
   const BlockFactors M(blocks, prescribed);
   const ILUPreconditioner reference(rows);
   ASSERT_TRUE(M.IsComplete());
@@ -123,14 +122,14 @@ TEST(BlockFactors, SolveLikeTheScalarFactors)
 {
   for (const int ndof : {3, 6})
     for (const int side : {1, 2, 3, 5}) {
-      SparseMatrix matrix = NodeGrid(side, ndof).Filled();
+      NodeBlockMatrix matrix = NodeGrid(side, ndof).Filled();
       ExpectSameSolutions(matrix, {});
       ExpectSameSolutions(matrix, FixRows(matrix, 0, 5));
     }
 }
 
-/// Iterations of conjugate gradients to 1e-9.
-int Iterations(const SparseMatrix& A, const Preconditioner& M, const std::vector<double>& b)
+/// Number of iterations of conjugate gradients to 1e-9.
+int Iterations(const SystemMatrix& A, const Preconditioner& M, const std::vector<double>& b)
 {
   std::vector<double> x(b.size(), 0.0);
   int iterations = 1000;
@@ -144,7 +143,7 @@ TEST(BlockFactors, IterationsAreThoseOfTheScalarFactors)
   for (const int ndof : {3, 6})
     for (const double foundation : {1e-1, 1e-4})
       for (const bool fixed : {false, true}) {
-        SparseMatrix matrix = NodeGrid(6, ndof).Filled(foundation);
+        NodeBlockMatrix matrix = NodeGrid(6, ndof).Filled(foundation);
         std::vector<double> b = RandomVector(matrix.GiveSize(), 5);
         const std::vector<int> prescribed = fixed ? FixRows(matrix, 0, 7) : std::vector<int>();
         for (const int i : prescribed)
@@ -158,7 +157,7 @@ TEST(BlockFactors, IterationsAreThoseOfTheScalarFactors)
 
 TEST(BlockFactors, OtherMethodsReachTheSameSolution)
 {
-  const SparseMatrix A = NodeGrid(3, 3).Filled(1.0);
+  const NodeBlockMatrix A = NodeGrid(3, 3).Filled(1.0);
   const BlockFactors M(A, {});
   const int n = A.GiveSize();
   const std::vector<double> b = RandomVector(n, 6);
@@ -178,7 +177,7 @@ TEST(BlockFactors, OtherMethodsReachTheSameSolution)
 TEST(BlockFactors, ReplacedRowsStayApart)
 {
   for (const int ndof : {3, 6}) {
-    SparseMatrix matrix = NodeGrid(3, ndof).Filled();
+    NodeBlockMatrix matrix = NodeGrid(3, ndof).Filled();
     std::vector<double> b = RandomVector(matrix.GiveSize(), 3);
     const std::vector<int> prescribed = FixRows(matrix, 1, 4);
     for (const int i : prescribed)
@@ -190,12 +189,12 @@ TEST(BlockFactors, ReplacedRowsStayApart)
   }
 }
 
-TEST(BlockFactors, FreeBlocksAreLeftOut)
+TEST(BlockFactors, BlocksOfZerosBelongToThePattern)
 {
   NodeCouplings couplings(3, 200);
-  for (const auto& [p, q] : {std::pair{0, 1}, {1, 0}, {1, 2}, {2, 1}, {2, 2}})
+  for (const auto& [p, q] : {std::pair{0, 1}, {1, 0}, {1, 2}, {2, 1}})
     couplings.Add(p, q);
-  SparseMatrix matrix(couplings.TakePattern(), 3, TestedProcessor());
+  NodeBlockMatrix matrix(couplings.MakePattern(), 3, TestedProcessor());
   const double block[] = {4, 1, 0, 1, 5, 2, 0, 2, 6};
   const double weak[] = {1, 0, 1, 0, 2, 1, 1, 1, 1};
   for (int p = 0; p < 3; ++p)
@@ -210,7 +209,7 @@ TEST(BlockFactors, WithoutAPivotNothingIsSolved)
   const NodeGrid grid(2, 3);
   for (const double pivot : {0.0, kNaN, std::numeric_limits<double>::infinity()})
     for (const int i : {0, 1, 23}) {
-      SparseMatrix matrix = grid.Filled();
+      NodeBlockMatrix matrix = grid.Filled();
       matrix.Fix_Row_Dalvek(i);
       matrix.set(i, i) = pivot;
       const BlockFactors M(matrix, std::vector<int>{i});
@@ -226,14 +225,14 @@ TEST(BlockFactors, WithoutAPivotNothingIsSolved)
       EXPECT_TRUE(std::isnan(first[5]) && std::isnan(second[5]));
     }
   NodeCouplings couplings(2, 200);
-  SparseMatrix empty(couplings.TakePattern(), 3, TestedProcessor());
+  NodeBlockMatrix empty(couplings.MakePattern(), 3, TestedProcessor());
   EXPECT_FALSE(BlockFactors(empty, {}).IsComplete());
 }
 
 TEST(BlockFactors, OnlyTheUpperHalfIsStored)
 {
   for (const int ndof : {3, 6}) {
-    const SparseMatrix matrix = NodeGrid(3, ndof).Filled();
+    const NodeBlockMatrix matrix = NodeGrid(3, ndof).Filled();
     const std::size_t square = static_cast<std::size_t>(ndof) * ndof;
     const std::size_t above = (matrix.GiveSlots() / square - 27) / 2;
     EXPECT_EQ(BlockFactors(matrix, {}).StorageBytes(),

@@ -12,8 +12,8 @@ namespace morlen {
 
 namespace {
 
-/// Lines of random blocks, behind them what the loops may read: of a triangle zeros, else NaN,
-/// which they must not use.
+/// Lines of random blocks, followed by the padding that the loops may read: zeros for a triangle,
+/// otherwise NaN, which must not reach a result.
 struct RandomLines
 {
   int size;
@@ -31,7 +31,7 @@ struct RandomLines
       values.push_back(number(random));
   }
 
-  /// Up to 12 different columns from `first` to `last` - 1, without order.
+  /// Up to 12 different columns from `first` to `last` - 1, in random order.
   void AddSome(int first, int last)
   {
     std::vector<int> all;
@@ -83,7 +83,7 @@ protected:
 constexpr int kLines[] = {1, 2, 3, 5, 8, 17, 40};
 constexpr double kTolerance = 1e-13;
 
-/// A vector for some nodes, and a number behind it that must stay.
+/// A vector for some nodes, followed by a number that must not change.
 std::vector<double> Guarded(int n, unsigned seed)
 {
   std::vector<double> x = RandomVector(n, seed);
@@ -111,7 +111,7 @@ TEST_P(BlockKernelTest, ProductAgreesWithPlainLoops)
   }
 }
 
-/// −U, blocks row by row, with up to 12 nodes behind each.
+/// −U, blocks row by row; each line has up to 12 later nodes.
 RandomLines RandomTriangle(int size, int n)
 {
   RandomLines U(size, n, 4);
@@ -122,7 +122,7 @@ RandomLines RandomTriangle(int size, int n)
   return U;
 }
 
-// The plain loops go the other way than the kernels: they gather where these scatter.
+// The loops of the test gather where the kernels scatter, and the reverse.
 TEST_P(BlockKernelTest, ForwardSolvesWithTheTransposedTriangle)
 {
   const int size = Size();
@@ -172,7 +172,7 @@ TEST_P(BlockKernelTest, BackwardScalesAndSolvesWithTheTriangle)
   }
 }
 
-/// Two vectors for some nodes, a number behind each that must stay.
+/// Two vectors for some nodes, each followed by a number that must not change.
 struct TwoVectors
 {
   TwoVectors(int n, unsigned seed) : first(Guarded(n, seed)), second(Guarded(n, seed + 1)) {}

@@ -85,7 +85,7 @@ TEST(BSolver, AddsTheBlocksOfElements)
               blocks.push_back(value);
           }
       for (BSolver* solver : std::initializer_list<BSolver*>{&sky, &sparse}) {
-        solver->Expect(nodes, size);
+        solver->Prefetch(nodes, size);
         solver->AddElement({nodes, ndof, blocks.data()});
       }
     }

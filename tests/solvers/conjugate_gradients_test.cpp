@@ -56,7 +56,7 @@ TEST(CgSystem, TwoGetTheBitsOfEachByItself)
   CgSystem* const systems[] = {&first, &second};
   for (int i = 0; i < 6; ++i)
     CgSystem::Advance(A, M, systems);
-  Iterate(A, M, second, 3);  // the other one is done
+  Iterate(A, M, second, 3);  // alone, after the end of the first
   CgSystem firstAlone(A, aloneX.data(), b.data()), secondAlone(A, aloneY.data(), c.data());
   Iterate(A, M, firstAlone, 6);
   Iterate(A, M, secondAlone, 9);
@@ -78,7 +78,7 @@ TEST(CgSystem, RenewedItKnowsTheTrueResidual)
   Vector x(30, 0.0);
   CgSystem system(A, x.data(), b.data());
   Iterate(A, ILUPreconditioner(A), system, 4);
-  x[7] += 0.5;  // the recurrence does not notice
+  x[7] += 0.5;  // does not change the residual of the recurrence
   Vector r = DenseProduct(a, x);
   for (int i = 0; i < 30; ++i)
     r[i] = b[i] - r[i];
@@ -91,7 +91,7 @@ TEST(CgSystem, RenewedItKnowsTheTrueResidual)
   EXPECT_LE(LargestDifference(DenseProduct(a, x), b), 1e-12);  // rounding, times a few tens
 }
 
-// In the axes of its eigenvectors the true error is at hand.
+// The matrix is diagonal, so that the true error is known.
 TEST(CgSystem, ErrorIsThatBeforeTheLatestIterations)
 {
   constexpr int n = 400;
@@ -120,7 +120,7 @@ TEST(CgSystem, ErrorIsThatBeforeTheLatestIterations)
     const int k = system.Iterations();
     const double before = errors[k - std::min(10 + k / 20, std::max(k / 2, 1))];
     estimate = system.Error();
-    // What is missing still is taken off, and both are relative to what there is by then.
+    // The estimate leaves out the error that remains, and is relative to the energy reached.
     const double now = errors[k];
     const double expected = std::sqrt((before * before - now * now) / (1.0 - now * now));
     EXPECT_NEAR(estimate, expected, 1e-4 * expected + 1e-11) << k;  // rounding of the errors

@@ -39,7 +39,7 @@ private:
   double factor;
 };
 
-int WithoutInfo(const SparseMatrix& A, double* x, const double* b, const Preconditioner& M,
+int WithoutInfo(const SystemMatrix& A, double* x, const double* b, const Preconditioner& M,
                 int& max_iter, double& tol, std::FILE*)
 {
   return CGS(A, x, b, M, max_iter, tol);
@@ -70,7 +70,7 @@ const Maker kMakers[] = {{"diagonal", Make<DiagPreconditioner>},
                          {"Cholesky", Make<ICPreconditioner>},
                          {"ILU", Make<ILUPreconditioner>}};
 
-/// A run from x = 0 unless told otherwise, and what it left.
+/// A run, from x = 0 by default, and its results.
 struct Outcome
 {
   Outcome(const Method& method, const SparseMatrix& A, const std::vector<double>& b,
@@ -241,7 +241,8 @@ TEST(Krylov, GoodInitialGuessIsKept)
   }
 }
 
-/// A diagonal matrix with n different eigenvalues needs n iterations, if b has a part of each.
+/// A diagonal matrix with n different eigenvalues: n iterations, if b has a part of each
+/// eigenvector.
 struct Distinct
 {
   explicit Distinct(int n) : a(DenseZero(n)), b(n, 1.0)
@@ -383,7 +384,7 @@ TEST(CG, NegativeDefiniteMatrixIsABreakdown)
 
 TEST(CG, RhoZeroIsABreakdown)
 {
-  // z = (r2, r1) is at right angles to r = (1, 0).
+  // z = (r2, r1) is orthogonal to r = (1, 0).
   class Exchange : public Preconditioner
   {
   public:

@@ -15,7 +15,7 @@ namespace morlen {
 
 namespace {
 
-/// The tiles of wider vectors than this processor may have, and others of uneven shape.
+/// Tiles of wide vectors, which any processor can emulate, and of uneven shape.
 constexpr LdltKernel kWide = LdltTiles<8, 3, 8>::Kernel("wide");
 constexpr LdltKernel kUneven = LdltTiles<2, 4, 6>::Kernel("uneven");
 constexpr LdltKernel kSmall = LdltTiles<2, 1, 2>::Kernel("small");
@@ -27,7 +27,7 @@ std::vector<const LdltKernel*> AllKernels()
   return kernels;
 }
 
-/// Numbers without a pattern in -1..1.
+/// Pseudo-random numbers in -1..1.
 double Noise(int k)
 {
   return std::sin(12.9898 * k + 78.233);
@@ -64,7 +64,8 @@ private:
   std::vector<double*> rows;
 };
 
-/// The factors by their definition, entry by entry. Returns the first row with a pivot of 0, or -1.
+/// Computes the factors by their definition, entry by entry. Returns the first row with a pivot of
+/// 0, or -1.
 int FactorisePlainly(const Profile& profile)
 {
   const ProfileRows a = profile.View();
@@ -197,8 +198,8 @@ TEST(LdltFactorisation, ReportsEveryRowUpToTheRefusedOne)
 
 TEST(LdltFactorisation, LostPivotsAreRefusedUnlessAllAreAccepted)
 {
-  // A free chain of springs over several panels, but for a spring of 1e-8 at its end: of the last
-  // diagonal entry, 1e-14 is left and not more than rounding takes away.
+  // A chain of springs over several panels, held only by a spring of 1e-8 at its end: the last
+  // pivot is 1e-14 of its diagonal entry, which is about the size of rounding.
   for (const LdltKernel* kernel : AllKernels()) {
     for (const double lostPart : {kLostPart, 0.0}) {
       Profile chain(500, [](int) { return 2; });

@@ -40,7 +40,7 @@ void ExpectNaN(const std::vector<double>& y)
     EXPECT_TRUE(std::isnan(component));
 }
 
-/// The identity plus what is strictly below the diagonal.
+/// The unit matrix plus the entries strictly below the diagonal.
 DenseRows UnitLower(const CompressedView& L)
 {
   DenseRows a = DenseOf(L);
@@ -76,7 +76,7 @@ TEST(Preconditioner, KnowsItsName)
   }
 }
 
-TEST(Preconditioner, TakesNoNewMatrix)
+TEST(Preconditioner, RefusesANewMatrix)
 {
   const SparseMatrix matrix = SparseOf({{4.0}});
   ExpectFatal([&] { DiagPreconditioner(matrix).New_Matrix(matrix); },
@@ -285,8 +285,8 @@ TEST(ILUPreconditioner, WithoutAPivotGivesNaN)
 
 TEST(ILUPreconditioner, ReplacedRowsStayApart)
 {
-  // With row 1 replaced, what it gives is exactly the right-hand side, and the others do not
-  // see a residual of 0 there.
+  // With row 1 replaced, its solution is exactly its right-hand side; a residual of 0 there does
+  // not change the others.
   SparseMatrix matrix = SparseOf(GridMatrix(3, 2));
   matrix.Fix_Row_Dalvek(1);
   std::vector<double> b = RandomVector(6, 3);

@@ -8,7 +8,7 @@ namespace morlen {
 
 namespace {
 
-/// Numbers without a pattern in -1..1.
+/// Pseudo-random numbers in -1..1.
 double Noise(int k)
 {
   return std::sin(12.9898 * k + 78.233);

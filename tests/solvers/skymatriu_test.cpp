@@ -26,7 +26,7 @@ namespace {
 
 using Dense = std::vector<std::vector<double>>;  // indices from 0
 
-/// Heights wanted of the rows of a test matrix, from 1.
+/// The heights of the rows of a test matrix, from row 1.
 struct Profile
 {
   const char* name;
@@ -144,7 +144,7 @@ void ExpectNear(const ReaVecV& v, const std::vector<double>& expected, double to
     EXPECT_NEAR(v(i), expected[i - 1], tolerance) << label << " (" << i << ")";
 }
 
-/// A file that an action writes and that is gone afterwards.
+/// A file that an action writes; removed afterwards.
 class OutputFile
 {
 public:
@@ -171,8 +171,8 @@ public:
   std::ofstream stream;
 };
 
-/// Takes what has been inserted into the error writer's stream so far.
-std::string TakeWarnings()
+/// Removes the text from the error writer's stream and returns it.
+std::string RemoveWarnings()
 {
   return FatalCaught([] { Fatal(); });
 }
@@ -570,7 +570,7 @@ TEST(SkyMatriu, ProgressComesBeforeTheTestOfThePivot)
 
 TEST(SkyMatriu, FreeChainOfSpringsIsRefusedAtItsEnd)
 {
-  // Of powers of two the elimination is exact, and the last pivot is 0.
+  // The stiffnesses are powers of two: the elimination is exact, and the last pivot is 0.
   std::mt19937 random(3);
   std::uniform_int_distribution<int> exponent(3, 30);
   for (const int n : {2, 3, 10, 200, 3000}) {
@@ -643,7 +643,7 @@ TEST(SkyMatriu, ConstraintOfZeroLeavesTheRightHandSide)
   for (const double value : {0.0, -0.0}) {
     SkyMatriu matrix(3, TestedProcessor());
     CreateSmall(matrix);
-    matrix(2, 1) = -1e20;  // would show in b
+    matrix(2, 1) = -1e20;  // any multiple of it would be visible in b
     ReaVecV b(3);
     b(1) = 1;
     b(2) = 2;
@@ -675,6 +675,37 @@ TEST(SkyMatriu, ASmallConstraintMovesItsColumn)
   matrix.ApplyConstraint(2, kSmall, b);
   // The entries (1,2) and (3,2) of the matrix are -1.5 and 0.25.
   EXPECT_EQ(ToStd(b), (std::vector<double>{1.5 * kSmall, kSmall, -0.25 * kSmall}));
+}
+
+// Each side goes through the same operations in both cases: every bit must agree.
+TEST(SkyMatriu, SeveralRightHandSidesShareOneFactorisation)
+{
+  for (const Profile& profile : Profiles()) {
+    const Dense a = RandomMatrix(profile, 4);
+    SkyMatriu together(profile.n, TestedProcessor());
+    CreateWith(together, profile);
+    Fill(together, a);
+    std::vector<ReaVecV> sides = {RandomVector(profile.n, 5), RandomVector(profile.n, 6)};
+    const std::vector<ReaVecV> loads = sides;
+    const std::vector<ReaVecV*> both = {&sides[0], &sides[1]};
+    const auto value = [](int eq, std::size_t k) { return k == 0 ? 0.125 * eq : (eq % 2) / 3.0; };
+    for (int eq = 1; eq <= profile.n; eq += 5) {
+      const double values[] = {value(eq, 0), value(eq, 1)};
+      EXPECT_EQ(together.ApplyConstraint(eq, values, both), eq);
+    }
+    ASSERT_EQ(together.Solver(both, nullptr), 0) << profile.name;
+
+    for (std::size_t k = 0; k < loads.size(); ++k) {
+      SkyMatriu alone(profile.n, TestedProcessor());
+      CreateWith(alone, profile);
+      Fill(alone, a);
+      ReaVecV b = loads[k];
+      for (int eq = 1; eq <= profile.n; eq += 5)
+        alone.ApplyConstraint(eq, value(eq, k), b);
+      ASSERT_EQ(alone.Solver(b, nullptr), 0) << profile.name;
+      EXPECT_EQ(ToStd(sides[k]), ToStd(b)) << profile.name;
+    }
+  }
 }
 
 TEST(SkyMatriu, PrescribedValuesGiveTheDenseSolution)
@@ -784,7 +815,7 @@ TEST(SkyMatriu, CheckDegreeWarnsOfMultiples)
        "error: Degree of freedom 3 and 1 are dependent\n"
        "error: Degree of freedom 3 and 4 are dependent\n"},
   };
-  TakeWarnings();
+  RemoveWarnings();
   for (const auto& c : cases) {
     const int n = static_cast<int>(c.a.size());
     SkyMatriu matrix(n, TestedProcessor());
@@ -792,7 +823,7 @@ TEST(SkyMatriu, CheckDegreeWarnsOfMultiples)
     matrix.Create(n);
     Fill(matrix, c.a);
     matrix.CheckDegree(c.eq);
-    EXPECT_EQ(TakeWarnings(), c.expected) << c.label;
+    EXPECT_EQ(RemoveWarnings(), c.expected) << c.label;
   }
 }
 
@@ -809,12 +840,12 @@ TEST(SkyMatriu, CheckDegreeSeesOutsideTheProfile)
   matrix(3, 2) = 1;
   matrix(3, 3) = 1;
   matrix(4, 4) = 1;
-  TakeWarnings();
-  matrix.CheckDegree(1);  // row 2 has (2, 3) beside; row 3 has 0 against 1 in column 1
-  EXPECT_EQ(TakeWarnings(), "");
+  RemoveWarnings();
+  matrix.CheckDegree(1);  // row 2 also has (2, 3); row 3 has 0 in column 1, where row 1 has 1
+  EXPECT_EQ(RemoveWarnings(), "");
   matrix(3, 2) = 0;
   matrix.CheckDegree(1);
-  EXPECT_EQ(TakeWarnings(), "error: Degree of freedom 1 and 2 are dependent\n");
+  EXPECT_EQ(RemoveWarnings(), "error: Degree of freedom 1 and 2 are dependent\n");
 }
 
 TEST(SkyMatriu, MemoryReport)

@@ -15,7 +15,7 @@ namespace {
 
 using Solve = void (*)(const CompressedView&, const double*, double*);
 
-/// One of the eight solves: what it expects, and its descriptor.
+/// One of the eight solves: the storage that it needs, and its descriptor.
 struct Case
 {
   const char* name;
@@ -42,7 +42,7 @@ const Case kCases[] = {
 
 const int kSizes[] = {1, 2, 3, 7, 24};
 
-/// A triangle of which some entries are missing, with a diagonal around 3.
+/// A triangle with some entries missing and a diagonal around 3.
 DenseRows Triangle(int n, bool lower, bool unit)
 {
   DenseRows a = DenseZero(n);
@@ -57,7 +57,7 @@ DenseRows Triangle(int n, bool lower, bool unit)
   return a;
 }
 
-/// Lines ascending; entries that are 0, and a unit diagonal, are left out.
+/// Compressed storage with ascending lines, without zeros and without a unit diagonal.
 CompressedRows Compress(DenseRows a, bool byRows, bool unit)
 {
   if (!byRows)

@@ -13,6 +13,8 @@
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
+#include "problem/loads_on_element.h"
+#include "results/beam_strengths.h"
 
 namespace morlen {
 
@@ -78,10 +80,10 @@ std::vector<Action> OuterActions(const Node& node, int n)
 // The forces of the nodes on a beam in global axes, first end, then second.
 std::array<Action, 2> EndActions(const Solved& solved, const Elem& elem)
 {
-  const Project& project = solved.Model();
-  const int n = project.freeDegrees;
+  const Problem& problem = solved.Model();
+  const int n = problem.components.count;
   Matriu T;
-  elem.CalcTransfMatrixBeam(T, &project.RequireMaterial(elem), project.problemType);
+  elem.CalcTransfMatrixBeam(T, &problem.RequireMaterial(elem), problem.problemType);
   const std::vector<double> local = LoadedEndForces(solved, elem.Num());
   std::array<Action, 2> ends;
   for (int end = 0; end < 2; ++end) {
@@ -120,10 +122,10 @@ double LargestOf(const std::vector<Action>& actions)
   return largest;
 }
 
-int MeshOf(const Project& project, int elem)
+int MeshOf(const Problem& problem, int elem)
 {
   int mesh = 0;
-  while (!Find<Elem>(*project.meshes[mesh]->GiveElemPlex(), elem))
+  while (!Find<Elem>(*problem.meshes[mesh]->GiveElemPlex(), elem))
     ++mesh;
   return mesh;
 }
@@ -137,13 +139,13 @@ double LengthOf(const Elem& elem)
 
 std::vector<double> LoadedEndForces(const Solved& solved, int elem)
 {
-  const Project& project = solved.Model();
+  const Problem& problem = solved.Model();
   Matriu T;
-  const BeamSpan beam = project.SpanOf(*project.GiveElem(elem), T);
+  const BeamSpan beam = MakeSpan(problem, *problem.GiveElem(elem), T);
   std::vector<double> forces = solved.EndForces(elem);
   double R[2][6] = {};
-  project.LoadOn(beam).AddToReactionsVecs(beam, R[0], R[1]);
-  const int n = project.freeDegrees;
+  LoadOn(problem, beam).AddToReactionsVecs(beam, R[0], R[1]);
+  const int n = problem.components.count;
   for (int i = 0; i < 2 * n; ++i)
     forces[i] += R[i / n][i % n];
   return forces;
@@ -151,20 +153,21 @@ std::vector<double> LoadedEndForces(const Solved& solved, int elem)
 
 double LoadedStrength(const Solved& solved, int elem, int component, double t)
 {
-  const Project& project = solved.Model();
+  const Problem& problem = solved.Model();
   Matriu T;
-  const BeamSpan beam = project.SpanOf(*project.GiveElem(elem), T);
-  double value = project.GiveStrength(MeshOf(project, elem), beam.elem, component, t, beam.L);
-  project.LoadOn(beam).AddToStrengthVectors(beam, component, t, value);
+  const BeamSpan beam = MakeSpan(problem, *problem.GiveElem(elem), T);
+  double value =
+      GiveStrength(solved.Result().results[MeshOf(problem, elem)], elem, component, t, beam.L);
+  LoadOn(problem, beam).AddToStrengthVectors(beam, component, t, value);
   return value;
 }
 
 std::vector<std::vector<double>> LoadedDisplacements(const Solved& solved, int elem, int divisions)
 {
-  const Project& project = solved.Model();
+  const Problem& problem = solved.Model();
   Matriu T;
-  const BeamSpan beam = project.SpanOf(*project.GiveElem(elem), T);
-  const SpanLoad load = project.LoadOn(beam);
+  const BeamSpan beam = MakeSpan(problem, *problem.GiveElem(elem), T);
+  const SpanLoad load = LoadOn(problem, beam);
   std::vector<std::vector<double>> points = solved.SpanDisplacements(elem, divisions);
   for (int i = 0; i <= divisions; ++i)
     load.AddToDisplacementVectors(beam, static_cast<double>(i) / divisions, points[i].data());
@@ -173,21 +176,21 @@ std::vector<std::vector<double>> LoadedDisplacements(const Solved& solved, int e
 
 void ExpectLoadedEquilibrium(const Solved& solved, const std::vector<LineLoad>& lineLoads)
 {
-  const Project& project = solved.Model();
-  const int n = project.freeDegrees;
+  const Problem& problem = solved.Model();
+  const int n = problem.components.count;
   std::vector<Action> outer;
   for (const LineLoad& load : lineLoads)
-    outer.push_back(ActionOf(load, *project.GiveElem(load.elem)));
-  for (const Node& node : Each<Node>(project.GiveNodes())) {
+    outer.push_back(ActionOf(load, *problem.GiveElem(load.elem)));
+  for (const Node& node : Each<Node>(problem.GiveNodes())) {
     for (const Action& action : OuterActions(node, n))
       outer.push_back(action);
   }
   const double scale = LargestOf(outer);
   ExpectBalance(outer, scale);
 
-  for (const Node& node : Each<Node>(project.GiveNodes())) {
+  for (const Node& node : Each<Node>(problem.GiveNodes())) {
     std::vector<Action> atNode = OuterActions(node, n);
-    for (const auto& mesh : project.meshes) {
+    for (const auto& mesh : problem.meshes) {
       for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
         for (int end = 0; end < 2; ++end) {
           if (elem(end) != &node)
@@ -201,7 +204,7 @@ void ExpectLoadedEquilibrium(const Solved& solved, const std::vector<LineLoad>& 
     SCOPED_TRACE("a node");
     ExpectBalance(atNode, scale);
   }
-  for (const auto& mesh : project.meshes) {
+  for (const auto& mesh : problem.meshes) {
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       const std::array<Action, 2> ends = EndActions(solved, elem);
       std::vector<Action> onBeam(ends.begin(), ends.end());
@@ -217,11 +220,11 @@ void ExpectLoadedEquilibrium(const Solved& solved, const std::vector<LineLoad>& 
 
 void ExpectDiagrams(const Solved& solved, int elem, const std::vector<double>& q)
 {
-  const Project& project = solved.Model();
-  const bool plane = project.freeDegrees == 3;
-  const double L = LengthOf(*project.GiveElem(elem));
+  const Problem& problem = solved.Model();
+  const bool plane = problem.components.count == 3;
+  const double L = LengthOf(*problem.GiveElem(elem));
   const std::vector<double> ends = LoadedEndForces(solved, elem);
-  const int n = project.freeDegrees;
+  const int n = problem.components.count;
   double scale = 1e-300;
   for (const double force : ends)
     scale = std::max({scale, std::fabs(force), std::fabs(force) / L});

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "problem/project.h"
+#include "run/project.h"
 #include "support/precise.h"
 
 namespace morlen {
@@ -99,7 +99,7 @@ Errors ErrorsOf(const Solved& solved, const Structure& s, const PreciseResults& 
     if (values.empty())
       return;
     Kinds forces;
-    forces.Take(solved.Model().results[mesh++].strengths.Data(), values, period, begin, end);
+    forces.Take(solved.Result().results[mesh++].strengths.Data(), values, period, begin, end);
     errors.force = std::max(errors.force, forces.first.Error(forces.second.largest / size));
     errors.moment = std::max(errors.moment, forces.second.Error(forces.first.largest * length));
   };

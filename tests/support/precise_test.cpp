@@ -197,11 +197,11 @@ TEST(Precise, ProgramReadsTheNumbersOfTheStructure)
   Structure s = Chain(50, true, {0.1, 1.0 / 3, std::sqrt(2.0)});
   s.sections[0].Iz = 1e-5 / 3;
   const std::unique_ptr<Project> project = ReadProject(s.Text());
-  project->ForEachNodeRead([&](int number, const Node& node) {
+  project->problem.ForEachNodeRead([&](int number, const Node& node) {
     for (int k = 0; k < 3; ++k)
       EXPECT_EQ(node(k + 1), s.nodes[number - 1][k]);
   });
-  EXPECT_EQ(project->RequireMaterial(*project->GiveElem(1)).Iz, s.sections[0].Iz);
+  EXPECT_EQ(project->problem.RequireMaterial(*project->GiveElem(1)).Iz, s.sections[0].Iz);
 }
 
 }  // namespace morlen

@@ -139,22 +139,22 @@ void ExpectForces(const ShellForces& actual, const ShellForces& expected, double
 
 std::vector<ShellForces> ForcesOf(const Solved& solved, int triangle)
 {
-  const Project& project = solved.Model();
+  const Problem& problem = solved.Model();
   int mesh = 0;
-  while (!Find<Elem>(*project.meshes[mesh]->GiveElemPlex(), triangle))
+  while (!Find<Elem>(*problem.meshes[mesh]->GiveElemPlex(), triangle))
     ++mesh;
-  return BlockOf(project.results[mesh], triangle);
+  return BlockOf(solved.Result().results[mesh], triangle);
 }
 
 void ExpectForcesEverywhere(const Solved& solved, const ShellForces& expected, double tolerance)
 {
-  const Project& project = solved.Model();
-  for (std::size_t mesh = 0; mesh < project.meshes.size(); ++mesh) {
-    if (project.meshes[mesh]->GiveElemType() != Triangle)
+  const Problem& problem = solved.Model();
+  for (std::size_t mesh = 0; mesh < problem.meshes.size(); ++mesh) {
+    if (problem.meshes[mesh]->GiveElemType() != Triangle)
       continue;
-    for (const int number : project.results[mesh].numbers) {
+    for (const int number : solved.Result().results[mesh].numbers) {
       SCOPED_TRACE("triangle " + std::to_string(number));
-      for (const ShellForces& actual : BlockOf(project.results[mesh], number))
+      for (const ShellForces& actual : BlockOf(solved.Result().results[mesh], number))
         ExpectForces(actual, expected, tolerance);
     }
   }

@@ -8,6 +8,7 @@
 #include <set>
 #include <utility>
 
+#include "assembly/solid_family.h"
 #include "model/constraint.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -232,24 +233,24 @@ Tensor StressOf(double E, double nu, const Tensor& strain)
 
 Tensor StressAt(const Solved& solved, int node)
 {
-  const Project& project = solved.Model();
+  const Problem& problem = solved.Model();
   Tensor stress;
   for (int k = 1; k <= 6; ++k)
-    stress[k - 1] = project.nodalStresses((project.FindNode(node)->number - 1) * 6 + k);
+    stress[k - 1] = solved.Result().nodalStresses((problem.FindNode(node)->number - 1) * 6 + k);
   return stress;
 }
 
 std::vector<Vector3> ElementLoads(const SolidModel& model)
 {
   const auto project = ReadProject(model.Text());
-  project->displacements.resize(project->numNodes * 3, 0.0);
-  project->displacements = 0.0;
-  for (const auto& mesh : project->meshes)
-    project->AddLoadsOnTetras(mesh.get());
+  ReaVecV loads;
+  loads.resize(project->problem.Equations(), 0.0);
+  for (const auto& mesh : project->problem.meshes)
+    AddSolidLoads(project->problem, *mesh, loads);
   std::vector<Vector3> forces(model.nodes.size());
   for (std::size_t i = 0; i < forces.size(); ++i) {
     for (int k = 0; k < 3; ++k)
-      forces[i][k] = project->displacements(3 * static_cast<int>(i) + k + 1);
+      forces[i][k] = loads(3 * static_cast<int>(i) + k + 1);
   }
   return forces;
 }

@@ -103,11 +103,11 @@ struct Largest
 // The stored forces of one end of a beam (0 or 1) in global axes.
 Wrench EndForce(const Solved& solved, const Elem& elem, int end)
 {
-  const Project& project = solved.Model();
-  const int n = project.freeDegrees;
+  const Problem& problem = solved.Model();
+  const int n = problem.components.count;
   const std::vector<double> local = solved.EndForces(elem.Num());
   Matriu T;
-  elem.CalcTransfMatrixBeam(T, &project.RequireMaterial(elem), project.problemType);
+  elem.CalcTransfMatrixBeam(T, &problem.RequireMaterial(elem), problem.problemType);
   std::vector<double> global(static_cast<std::size_t>(n), 0.0);
   for (int i = 0; i < n; ++i) {
     for (int j = 0; j < n; ++j)
@@ -123,7 +123,7 @@ Wrench EndForce(const Solved& solved, const Elem& elem, int end)
 std::unique_ptr<Project> ReadProject(const std::string& problem)
 {
   auto project = std::make_unique<Project>(100);
-  project->solverSettings.processor = TestedProcessor();
+  project->problem.solverSettings.processor = TestedProcessor();
   TextScan text(problem);
   project->ReadFromAscii(text);
   return project;
@@ -139,8 +139,8 @@ Solved::Solved(const std::string& problem, bool renumber, std::FILE* info)
 std::vector<double> Solved::Displacement(int node) const
 {
   const double* first =
-      project->displacements.Data() + project->Equation(*project->FindNode(node), 1) - 1;
-  return {first, first + project->freeDegrees};
+      project->solution.displacements.Data() + project->Equation(*project->FindNode(node), 1) - 1;
+  return {first, first + project->problem.components.count};
 }
 
 std::vector<double> Solved::Reaction(int node) const
@@ -150,20 +150,21 @@ std::vector<double> Solved::Reaction(int node) const
     ADD_FAILURE() << "node " << node << " has no support";
     return {};
   }
-  return {support->reactions.begin(), support->reactions.begin() + project->freeDegrees};
+  return {support->reactions.begin(),
+          support->reactions.begin() + project->problem.components.count};
 }
 
 int Solved::MeshOf(int elem) const
 {
   int mesh = 0;
-  while (!Find<Elem>(*project->meshes[mesh]->GiveElemPlex(), elem))
+  while (!Find<Elem>(*project->problem.meshes[mesh]->GiveElemPlex(), elem))
     ++mesh;
   return mesh;
 }
 
 std::vector<double> Solved::EndForces(int elem) const
 {
-  const MeshResults& result = project->results[MeshOf(elem)];
+  const MeshResults& result = project->solution.results[MeshOf(elem)];
   const double* first = result.strengths.Data() + result.Block(elem);
   return {first, first + result.blockSize};
 }
@@ -171,9 +172,10 @@ std::vector<double> Solved::EndForces(int elem) const
 std::vector<std::vector<double>> Solved::SpanDisplacements(int elem, int divisions) const
 {
   const Elem& beam = *project->GiveElem(elem);
-  const int c = TranslationsOf(project->freeDegrees);
+  const int c = project->problem.components.translations;
   Matriu T;
-  beam.CalcTransfMatrixBeam(T, &project->RequireMaterial(beam), project->problemType);
+  beam.CalcTransfMatrixBeam(T, &project->problem.RequireMaterial(beam),
+                            project->problem.problemType);
   std::vector<double> values(static_cast<std::size_t>((divisions + 1) * c));
   project->SetDisplacementVectors(beam, T, divisions, values.data());
   std::vector<std::vector<double>> points;
@@ -201,13 +203,13 @@ void ExpectValues(const std::vector<double>& actual, const std::vector<double>& 
 
 void ExpectEquilibrium(const Solved& solved, double tolerance)
 {
-  const Project& project = solved.Model();
+  const Problem& problem = solved.Model();
   std::map<const Node*, Wrench> left;
   Wrench sum;
   Largest sumScale;
   Largest nodeScale;
-  for (const Node& node : Each<Node>(project.GiveNodes())) {
-    left[&node] = OuterForces(node, project.freeDegrees);
+  for (const Node& node : Each<Node>(problem.GiveNodes())) {
+    left[&node] = OuterForces(node, problem.components.count);
     nodeScale.Take(left[&node]);
     const Wrench outer = AboutOrigin(left[&node], Position(node));
     sumScale.Take(outer);
@@ -215,7 +217,7 @@ void ExpectEquilibrium(const Solved& solved, double tolerance)
   }
   sum.ExpectZero(tolerance * sumScale.force, tolerance * sumScale.moment);
 
-  for (const auto& mesh : project.meshes) {
+  for (const auto& mesh : problem.meshes) {
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       for (int end = 0; end < 2; ++end) {
         const Wrench force = EndForce(solved, elem, end);

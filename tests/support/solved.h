@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "problem/project.h"
+#include "run/project.h"
 
 namespace morlen {
 
@@ -29,7 +29,8 @@ public:
   /// Internal force `component` (from 1) at the relative abscissa t.
   double Strength(int elem, int component, double t) const;
 
-  const Project& Model() const { return *project; }
+  const Problem& Model() const { return project->problem; }
+  const Solution& Result() const { return project->solution; }
 
 private:
   int MeshOf(int elem) const;

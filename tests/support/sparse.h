@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 #include <random>
@@ -8,6 +10,7 @@
 
 #include "solvers/compressed_rows.h"
 #include "solvers/sparse_matrix.h"
+#include "solvers/system_matrix.h"
 
 namespace morlen {
 
@@ -92,8 +95,9 @@ inline SparseMatrix SparseOf(const DenseRows& a, int freeSlots = 0)
   return matrix;
 }
 
-/// The same matrix in single entries, without those that are free.
-inline SparseMatrix InRows(const SparseMatrix& matrix)
+/// The same matrix in single entries, one for every slot that has a column.
+template <class Matrix>
+SparseMatrix InRows(const Matrix& matrix)
 {
   std::vector<int> lengths(matrix.GiveSize(), 0);
   for (int i = 0; i < matrix.GiveSize(); ++i)
@@ -156,6 +160,23 @@ inline double LargestDifference(const std::vector<double>& a, const std::vector<
   for (std::size_t i = 0; i < a.size(); ++i)
     largest = std::fmax(largest, std::fabs(a[i] - b[i]));
   return largest;
+}
+
+/// Expects that a product with two vectors gives each the bits that it gets alone.
+inline void ExpectTwoLikeOne(const SystemMatrix& matrix)
+{
+  const int n = matrix.GiveSize();
+  const std::vector<double> x[] = {RandomVector(n, 51), RandomVector(n, 52)};
+  std::vector<double> y[2], expected(n);
+  y[0].resize(n);
+  y[1].resize(n);
+  const double* const from[2] = {x[0].data(), x[1].data()};
+  double* const to[2] = {y[0].data(), y[1].data()};
+  matrix.MultiplyTwo(from, to);
+  for (int v = 0; v < 2; ++v) {
+    matrix.mult(x[v].data(), expected.data());
+    EXPECT_EQ(y[v], expected);
+  }
 }
 
 }  // namespace morlen

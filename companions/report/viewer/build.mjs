@@ -1,5 +1,8 @@
-// Bundles the viewer into one page, dist/report.html, with the marks @TITLE@ and @DATA@.
+// Bundles the viewer into one page with the marks @TITLE@ and @DATA@.
+//
+//     node build.mjs [PAGE]    PAGE: the file to write, dist/report.html when not given
 import { mkdirSync, readFileSync, writeFileSync } from "node:fs";
+import { dirname } from "node:path";
 import { build } from "esbuild";
 
 const options = {
@@ -34,6 +37,7 @@ for (const mark of ["@TITLE@", "@DATA@", "</script>", "<style>"]) {
 // Only what CMake can read and compile back byte by byte.
 if (/[^\n\x20-\x7e]/.test(page.replaceAll("\t", " ")))
   throw new Error("a character that is not ASCII");
-mkdirSync("dist", { recursive: true });
-writeFileSync("dist/report.html", page);
-console.log(`dist/report.html: ${Math.round(page.length / 1000)} kB`);
+const output = process.argv[2] ?? "dist/report.html";
+mkdirSync(dirname(output), { recursive: true });
+writeFileSync(output, page);
+console.log(`${output}: ${Math.round(page.length / 1000)} kB`);

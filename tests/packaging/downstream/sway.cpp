@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "model/node.h"
-#include "problem/project.h"
+#include "run/project.h"
 
 using namespace morlen;
 
@@ -20,5 +20,5 @@ int main(int argc, char** argv)
   const Node* node = project.FindNode(std::atoi(argv[2]));
   if (!node)
     return 2;
-  std::printf("%g\n", project.displacements(project.Equation(*node, 1)));
+  std::printf("%g\n", project.solution.displacements(project.Equation(*node, 1)));
 }

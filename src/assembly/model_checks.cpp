@@ -1,0 +1,89 @@
+#include "assembly/model_checks.h"
+
+#include "assembly/element_family.h"
+#include "base/errorwriter.h"
+#include "base/read_observer.h"
+#include "model/constraint.h"
+#include "model/elem.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/matriu.h"
+#include "numeric/plex_range.h"
+#include "problem/problem.h"
+
+namespace morlen {
+
+namespace {
+
+void RequireNodes(const Elem& elem)
+{
+  for (int i = 0; i < elem.Nnode(); ++i) {
+    if (!elem(i))
+      Fatal("error: element ", elem.Num(), " has an unknown node\n");
+  }
+}
+
+void RequireFamily(const Mesh& mesh, const ElementFamilies& families, PROBLEMTYPE type)
+{
+  if (families.Of(mesh).spaceOnly && type == kPlane)
+    Fatal("error: elements of type ", ElemTypeName(mesh.GiveElemType()), " need a 3d problem\n");
+}
+
+void RequireLength(const Elem& beam)
+{
+  if (!(dist2(beam(0), beam(1)) > 0.0))
+    Fatal("error: element ", beam.Num(), " has no length\n");
+}
+
+void CheckLengths(const Mesh& beams)
+{
+  for (const Elem& elem : Each<Elem>(*beams.GiveElemPlex()))
+    AttemptOn(ReadItem::Element, elem.Num(), [&] { RequireLength(elem); });
+}
+
+void CheckSupportAxes(const VoidPlex& nodes, int components)
+{
+  Matriu T;
+  for (const auto [number, node] : EachNumbered<const Node>(nodes)) {
+    if (node.constraint)
+      AttemptOn(ReadItem::Support, number, [&, &support = *node.constraint, number = number] {
+        support.CalcTransfMatFromEuler(number, T, components, 1);
+      });
+  }
+}
+
+}  // namespace
+
+void CheckReferences(const Problem& problem, const ElementFamilies& families)
+{
+  for (const auto& mesh : problem.meshes) {
+    const bool analysed = families.Find(*mesh) != nullptr;
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+      AttemptOn(ReadItem::Element, elem.Num(), [&] { RequireNodes(elem); });
+      if (analysed)
+        AttemptOn(ReadItem::Element, elem.Num(), [&] { problem.RequireMaterial(elem); });
+    }
+  }
+}
+
+void CheckModel(const Problem& problem, const ElementFamilies& families)
+{
+  for (const auto& mesh : problem.meshes) {
+    Attempt(nullptr, [&] { RequireFamily(*mesh, families, problem.problemType); });
+    if (mesh->GiveElemType() == Linear)
+      CheckLengths(*mesh);
+  }
+  CheckSupportAxes(problem.GiveNodes(), problem.components.count);
+}
+
+void CheckDoubleSolver(const Problem& problem)
+{
+  for (const auto& mesh : problem.meshes) {
+    if (mesh->GiveElemType() == Triangle && mesh->GiveNnode() != 3)
+      Fatal("error: Solver DOUBLE needs a shell mesh of 3-noded triangles\n");
+    if (mesh->GiveElemType() == Tetrahedra)
+      Fatal("error: Double solver not implemented for tetrahedras\n");
+  }
+}
+
+}  // namespace morlen

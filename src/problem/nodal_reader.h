@@ -1,0 +1,14 @@
+#pragma once
+
+namespace morlen {
+
+class TextScan;
+struct Problem;
+
+// The blocks `constraints` and `nodal_point_loads`, from after the keyword to their end. Fatal on
+// an unknown node and on a record that is not complete.
+
+void ReadConstraints(TextScan& text, Problem& problem);
+void ReadNodalLoads(TextScan& text, Problem& problem);
+
+}  // namespace morlen

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "base/constants.h"
+#include "base/node_components.h"
+#include "model/hinge_code.h"
+#include "model/units.h"
+#include "numeric/plex_range.h"
+#include "numeric/reavec.h"
+#include "numeric/voidplex.h"
+#include "problem/settings.h"
+
+namespace morlen {
+
+class Elem;
+class Material;
+class Mesh;
+class Node;
+
+/// The model and the settings that a problem file gives.
+///
+/// Readers fill it. The preparation of an analysis changes it once: it merges hinges, adds nodes to
+/// shells and numbers the nodes. Everything after that only reads it.
+///
+/// Containers hold nodes under their numbers in the file. A node's own number is its system number,
+/// from which Equation computes its place in vectors and matrices.
+struct Problem
+{
+  static constexpr int kMaxMeshes = 10;
+
+  /// chunkSize: of the containers of materials and element loads.
+  explicit Problem(int chunkSize);
+  Problem(const Problem&) = delete;
+  Problem& operator=(const Problem&) = delete;
+  ~Problem();
+
+  /// The node container, which all meshes share. At least one mesh must exist.
+  VoidPlex& GiveNodes() const;
+  Node* FindNode(int number) const;  ///< null when absent
+  Elem* GiveElem(int number) const;  ///< null when absent
+  /// The highest element number; 0 without elements.
+  int GiveMaxElmNum() const;
+  /// The first element number that occurs in more than one mesh; 0 when there is none.
+  int CheckElementsNumbers() const;
+  /// The element's material. Fatal when there is none.
+  Material& RequireMaterial(const Elem& elem) const;
+  HingeCode GiveHingeCode(int elemNumber) const;
+
+  /// The equation of component k (from 1) of a node.
+  int Equation(const Node& node, int k) const;
+  /// The number of equations. Fatal when it is too large for a vector.
+  int Equations() const;
+
+  /// Calls visit(number, node) for every node of the file, by its number there.
+  template <class Visit>
+  void ForEachNodeRead(Visit visit) const
+  {
+    for (const auto [number, node] : EachNumbered<const Node>(GiveNodes())) {
+      if (number > initialNumNodes)
+        return;
+      visit(number, node);
+    }
+  }
+
+  Units units;
+  PROBLEMTYPE problemType = kPlane;
+  NodeComponents components;
+  std::vector<std::unique_ptr<Mesh>> meshes;
+  int initialNumNodes = 0;  ///< highest number in the file
+  int numNodes = 0;         ///< with the nodes that the preparation adds
+  VoidPlex materials;       ///< of Material by number, owned
+  VoidPlex elemLoads;       ///< of BaseElemLoads by element number, owned: chains of loads
+  bool hasHinges = false;   ///< whether the file has any
+  std::unordered_map<int, HingeCode> hingeCodes;  ///< by element number; others are continuous
+  std::vector<int> coplanarity;  ///< by system number less 1: 1 where a shell is flat
+
+  SolverSettings solverSettings;
+  SmoothingSettings smoothing;
+  StressOutput stressOutput = StressOutput::Local;
+  bool convertTo6Nodes = false;
+  double coplanarityAngle = 1e-7;          ///< radians
+  ReaVec gravityDirection{0.0, 0.0, 1.0};  ///< unit vector
+  int numOfDivisions = 20;                 ///< of a beam in the results
+};
+
+}  // namespace morlen

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string_view>
+
+#include "model/units.h"
+
+namespace morlen {
+
+/// The items at the end of a record of a support or a load.
+struct RecordItems
+{
+  bool anglesGiven = false;  ///< true when the record has an item of `angles`
+  double angles[3] = {};     ///< Euler angles, radians
+  Units::Ratios ratios;      ///< of the record's unit system, else the default ratios
+};
+
+/// Whether the Euler angles of a record are read, or ignored like unknown keys.
+enum class AngleItems : bool
+{
+  kIgnored,
+  kRead
+};
+
+/// Reads the items "Euler1=... Euler2=... Euler3=... units=..." of a record, in any order.
+/// Ignores unknown keys. Fatal with `misread`, `number` and a newline when a key has no value,
+/// and for an unknown unit system.
+RecordItems ReadRecordItems(std::string_view tail, const Units& units, AngleItems angleItems,
+                            const char* misread, int number);
+
+}  // namespace morlen

@@ -1,0 +1,15 @@
+#pragma once
+
+namespace morlen {
+
+class Mesh;
+class TextOut;
+struct MeshOutput;
+struct Problem;
+
+// Beams in the post-process results, for the row of an ElementFamily.
+
+void WriteBeamPointSet(const Problem& problem, const Mesh& mesh, TextOut& res);
+void WriteBeamBlocks(const MeshOutput& output, TextOut& res);
+
+}  // namespace morlen

@@ -1,0 +1,15 @@
+#pragma once
+
+namespace morlen {
+
+class Mesh;
+class TextOut;
+struct MeshOutput;
+struct Problem;
+
+// Shells in the post-process results, for the rows of an ElementFamily.
+
+void WriteShellPointSet(const Problem& problem, const Mesh& mesh, TextOut& res);
+void WriteShellBlocks(const MeshOutput& output, TextOut& res);
+
+}  // namespace morlen

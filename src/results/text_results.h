@@ -1,0 +1,20 @@
+#pragma once
+
+#include <fstream>
+
+namespace morlen {
+
+class ElementFamilies;
+class TextOut;
+struct MeshOutput;
+struct Problem;
+struct Solution;
+
+/// Writes the text results: displacements, end forces of beams, reactions.
+void WriteResults(const Problem& problem, const ElementFamilies& families, const Solution& solution,
+                  std::ofstream& out);
+
+/// The section with the end forces of a mesh of beams.
+void WriteBeamForces(const MeshOutput& output, TextOut& out);
+
+}  // namespace morlen

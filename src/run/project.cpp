@@ -1,0 +1,175 @@
+#include "run/project.h"
+
+#include <utility>
+
+#include "assembly/analysis.h"
+#include "assembly/beam_family.h"
+#include "assembly/coplanarity.h"
+#include "assembly/shell_family.h"
+#include "assembly/six_nodes.h"
+#include "assembly/solid_family.h"
+#include "model/constraint.h"
+#include "model/node.h"
+#include "problem/elem_load_reader.h"
+#include "problem/hinges.h"
+#include "problem/nodal_reader.h"
+#include "problem/problem_reader.h"
+#include "problem/settings_reader.h"
+#include "problem/support_checks.h"
+#include "results/beam_strengths.h"
+#include "results/kiv_results.h"
+#include "results/model_dump.h"
+#include "results/reactions.h"
+#include "results/strengths.h"
+#include "results/text_results.h"
+#include "run/element_families.h"
+
+namespace morlen {
+
+namespace {
+
+// Copies the reactions of a solution to the supports.
+void ShowReactions(const Problem& problem, const ReaVecV& reactions)
+{
+  const int n = problem.components.count;
+  for (const Node& node : Each<Node>(problem.GiveNodes())) {
+    if (!node.constraint)
+      continue;
+    for (int k = 1; k <= n; ++k)
+      node.constraint->reactions[k - 1] = reactions(problem.Equation(node, k));
+  }
+}
+
+}  // namespace
+
+void Project::ReadFromAscii(std::ifstream& in)
+{
+  ReadProblem(in, problem);
+}
+
+void Project::ReadFromAscii(TextScan& text)
+{
+  ReadProblem(text, problem);
+}
+
+void Project::ReadFAUnitsNames(TextScan& text)
+{
+  ReadUnitsNames(text, problem);
+}
+
+void Project::ReadFAMaterials(TextScan& text)
+{
+  ReadMaterials(text, problem);
+}
+
+void Project::ReadFAConstraints(TextScan& text)
+{
+  ReadConstraints(text, problem);
+}
+
+void Project::ReadFALoads(TextScan& text)
+{
+  ReadNodalLoads(text, problem);
+}
+
+void Project::ReadFARotules(TextScan& text)
+{
+  ReadNodeHinges(text, problem);
+}
+
+void Project::ReadFARotulesElems(TextScan& text)
+{
+  ReadElementHinges(text, problem);
+}
+
+int Project::ReadElemLoad(TextScan& text, std::string_view word)
+{
+  return morlen::ReadElemLoad(text, word, problem) ? 0 : -1;
+}
+
+void Project::Calc(int renumber, std::FILE* info)
+{
+  Analysed analysed = Analyse(problem, AllFamilies(), {.renumber = renumber != 0, .info = info});
+  solver = std::move(analysed.solver);
+  solution = std::move(analysed.solutions.front());
+}
+
+void Project::CalcElemsRotules()
+{
+  MergeHinges(problem);
+}
+
+void Project::CalcCoplanarityVector()
+{
+  MarkCoplanarNodes(problem);
+}
+
+void Project::ConvertTriangleTo6nod(Mesh* mesh, EdgeNodes& edges)
+{
+  morlen::ConvertTriangleTo6nod(problem, *mesh, edges);
+}
+
+void Project::CheckTypicalConstraintsErrors() const
+{
+  morlen::CheckTypicalConstraintsErrors(problem);
+}
+
+void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const
+{
+  AddBeamStiffness(problem, *mesh, applyLocalAxes, sink);
+}
+
+void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const
+{
+  AddShellStiffness(problem, *mesh, applyLocalAxes, sink);
+}
+
+void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const
+{
+  AddSolidStiffness(problem, *mesh, applyLocalAxes, sink);
+}
+
+void Project::CalcStrengthsAndReactions(std::FILE* info)
+{
+  solver.reset();  // the memory of the matrix is free for the results
+  morlen::CalcStrengthsAndReactions(problem, AllFamilies(), solution, info);
+  ShowReactions(problem, solution.reactions);
+}
+
+void Project::Smooth(std::FILE* info)
+{
+  morlen::Smooth(problem, AllFamilies(), solution, info);
+}
+
+double Project::GiveStrength(int mesh, const Elem& elem, int component, double t, double L) const
+{
+  return morlen::GiveStrength(solution.results[mesh], elem.Num(), component, t, L);
+}
+
+double Project::GiveReaction(const Elem& elem, int dof, double t) const
+{
+  return morlen::GiveReaction(problem, solution, elem, dof, t);
+}
+
+void Project::SetDisplacementVectors(const Elem& elem, const Matriu& T, int divisions,
+                                     double* out) const
+{
+  morlen::SetDisplacementVectors(problem, solution.displacements, elem, T, divisions, out);
+}
+
+void Project::WriteResults(std::ofstream& out) const
+{
+  morlen::WriteResults(problem, AllFamilies(), solution, out);
+}
+
+void Project::WriteKivResults(std::ofstream& res, const char* meshFileName) const
+{
+  morlen::WriteKivResults(problem, AllFamilies(), solution, res, meshFileName);
+}
+
+void Project::PrintTo(std::ofstream& out) const
+{
+  morlen::PrintTo(problem, out);
+}
+
+}  // namespace morlen

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <string_view>
+
+#include "assembly/solution.h"
+#include "problem/problem.h"
+#include "solvers/bsolver.h"
+
+namespace morlen {
+
+class EdgeNodes;
+class TextScan;
+
+/// The front door of the library: one problem and its solution, from the file to the results.
+///
+/// Every member is one call of a function of its phase, which can be used without a Project. Order
+/// of use: ReadFromAscii, Calc, CalcStrengthsAndReactions, then the writers. Errors are fatal.
+class Project
+{
+public:
+  explicit Project(int chunkSize) : problem(chunkSize) {}
+
+  // --- Reading ---
+
+  void ReadFromAscii(std::ifstream& in);
+  void ReadFromAscii(TextScan& text);
+  void ReadFAUnitsNames(TextScan& text);
+  void ReadFAMaterials(TextScan& text);
+  void ReadFAConstraints(TextScan& text);
+  void ReadFALoads(TextScan& text);
+  void ReadFARotules(TextScan& text);
+  void ReadFARotulesElems(TextScan& text);
+  /// Returns -1 when the word begins no block of element loads, else 0.
+  int ReadElemLoad(TextScan& text, std::string_view word);
+
+  int CheckElementsNumbers() const { return problem.CheckElementsNumbers(); }
+  int GiveMaxElmNum() const { return problem.GiveMaxElmNum(); }
+  Elem* GiveElem(int number) const { return problem.GiveElem(number); }
+  Node* FindNode(int number) const { return problem.FindNode(number); }
+  int Equation(const Node& node, int k) const { return problem.Equation(node, k); }
+
+  // --- Analysis ---
+
+  /// From the problem to the displacements. renumber 0 keeps the numbers of the file; info:
+  /// progress, may be null.
+  void Calc(int renumber, std::FILE* info);
+  void CalcElemsRotules();
+  void CalcCoplanarityVector();
+  void ConvertTriangleTo6nod(Mesh* mesh, EdgeNodes& edges);
+  void CheckTypicalConstraintsErrors() const;
+  /// Add the stiffness of a mesh. applyLocalAxes 0 keeps global axes at supports with axes.
+  void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
+  void AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
+  void AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
+
+  // --- Strengths and reactions ---
+
+  /// Frees the solver. The supports show the reactions afterwards.
+  void CalcStrengthsAndReactions(std::FILE* info);
+  void Smooth(std::FILE* info);
+  /// Internal force `component` of a beam of length L at t in 0..1; mesh from 0.
+  double GiveStrength(int mesh, const Elem& elem, int component, double t, double L) const;
+  double GiveReaction(const Elem& elem, int dof, double t) const;
+  void SetDisplacementVectors(const Elem& elem, const Matriu& T, int divisions, double* out) const;
+
+  // --- Writing ---
+
+  void WriteResults(std::ofstream& out) const;
+  /// meshFileName: of the mesh file that is written before the results; null for none.
+  void WriteKivResults(std::ofstream& res, const char* meshFileName) const;
+  void PrintTo(std::ofstream& out) const;
+
+  Problem problem;
+  Solution solution;
+  std::unique_ptr<BSolver> solver;  ///< null before Calc and after CalcStrengthsAndReactions
+};
+
+}  // namespace morlen

@@ -1,0 +1,175 @@
+// Several load vectors of one analysis, and two problems side by side.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "assembly/analysis.h"
+#include "assembly/load_vector.h"
+#include "base/textscan.h"
+#include "model/node.h"
+#include "problem/problem.h"
+#include "problem/problem_reader.h"
+#include "results/strengths.h"
+#include "run/element_families.h"
+#include "support/messages.h"
+#include "support/processor.h"
+
+namespace morlen {
+
+namespace {
+
+// A plane cantilever along X of length 3 with EA = 20 and EI = 10; its root sinks by 0.5.
+std::unique_ptr<Problem> Cantilever(const std::string& settings)
+{
+  auto problem = std::make_unique<Problem>(100);
+  problem->solverSettings.processor = TestedProcessor();
+  const std::string text = "problem type 2d\n" + settings +
+                           "\nmesh dimension = 2 elemtype Linear nnode = 2\n"
+                           "coordinates\n1 0 0\n2 1.5 0\n3 3 0\nend coordinates\n"
+                           "elements\n1 1 2 1\n2 2 3 1\nend elements\n"
+                           "materials\n1 E=10 A=2 Iz=1\nend materials\n"
+                           "constraints\n1 111 0 -0.5 0\nend constraints\n"
+                           "nodal_point_loads\n3 4 0 0\nend nodal_point_loads\n";
+  TextScan scan(text);
+  ReadProblem(scan, *problem);
+  return problem;
+}
+
+// The loads of the file, a force of 5 across the tip, and a moment of 2 there.
+std::vector<ReaVecV> ThreeLoads(const Problem& problem, const ElementFamilies& families)
+{
+  std::vector<ReaVecV> loads(3, AppliedLoads(problem, families));
+  const Node& tip = *problem.FindNode(3);
+  loads[1] = 0.0;
+  loads[1](problem.Equation(tip, 2)) = 5.0;
+  loads[2] = 0.0;
+  loads[2](problem.Equation(tip, 3)) = 2.0;
+  return loads;
+}
+
+std::vector<double> At(const Problem& problem, const ReaVecV& vector, int node)
+{
+  const double* first = vector.Data() + problem.Equation(*problem.FindNode(node), 1) - 1;
+  return {first, first + 3};
+}
+
+void ExpectNear(const std::vector<double>& actual, const std::vector<double>& expected,
+                double tolerance)
+{
+  ASSERT_EQ(actual.size(), expected.size());
+  for (std::size_t k = 0; k < expected.size(); ++k)
+    EXPECT_NEAR(actual[k], expected[k], tolerance) << k;
+}
+
+// The settlement moves the whole beam; F·L³/3EI and F·L²/2EI for the force, M·L²/2EI and M·L/EI for
+// the moment, N·L/EA along the axis.
+void ExpectClosedForms(const Problem& problem, const std::vector<Solution>& solutions,
+                       double tolerance)
+{
+  ASSERT_EQ(solutions.size(), 3u);
+  const double expected[][3] = {{4.0 * 3 / 20, -0.5, 0},
+                                {0, -0.5 + 5.0 * 27 / 30, 5.0 * 9 / 20},
+                                {0, -0.5 + 2.0 * 9 / 20, 2.0 * 3 / 10}};
+  const double reactions[][3] = {{-4, 0, 0}, {0, -5, -15}, {0, 0, -2}};
+  for (int k = 0; k < 3; ++k) {
+    SCOPED_TRACE(k);
+    ExpectNear(At(problem, solutions[k].displacements, 3), {expected[k], expected[k] + 3},
+               tolerance);
+    ExpectNear(At(problem, solutions[k].reactions, 1), {reactions[k], reactions[k] + 3},
+               10 * tolerance);
+  }
+}
+
+std::vector<Solution> Solutions(Problem& problem, const MakeLoads& loads, std::FILE* info = nullptr)
+{
+  std::vector<Solution> solutions =
+      Analyse(problem, AllFamilies(), {.renumber = true, .info = info}, loads).solutions;
+  for (Solution& solution : solutions)
+    CalcStrengthsAndReactions(problem, AllFamilies(), solution, nullptr);
+  return solutions;
+}
+
+int Count(const std::string& text, const std::string& part)
+{
+  int count = 0;
+  for (std::size_t at = text.find(part); at != text.npos; at = text.find(part, at + 1))
+    ++count;
+  return count;
+}
+
+}  // namespace
+
+TEST(LoadVectors, ShareOneFactorisation)
+{
+  const auto problem = Cantilever("Solver SkyLine");
+  std::vector<Solution> solutions;
+  const std::string info =
+      MessagesOf([&](std::FILE* file) { solutions = Solutions(*problem, ThreeLoads, file); });
+  ExpectClosedForms(*problem, solutions, 1e-12);  // a few rounding errors of values up to 15
+  EXPECT_EQ(Count(info, "Stiffness matrix filled"), 1) << info;
+  EXPECT_EQ(Count(info, "Beginning 1st substitution"), 1) << info;
+}
+
+TEST(LoadVectors, AreIteratedOneAfterTheOther)
+{
+  const auto problem = Cantilever("Solver Sparse 1e-12 1e-12 1000");
+  // The tolerance of the residual, times the condition number.
+  ExpectClosedForms(*problem, Solutions(*problem, ThreeLoads), 1e-9);
+}
+
+TEST(LoadVectors, GiveEachTheBitsThatItGetsAlone)
+{
+  const auto together = Cantilever("Solver SkyLine");
+  const std::vector<Solution> all = Solutions(*together, ThreeLoads);
+  for (std::size_t k = 0; k < 3; ++k) {
+    const auto alone = Cantilever("Solver SkyLine");
+    const std::vector<Solution> one =
+        Solutions(*alone, [k](const Problem& problem, const ElementFamilies& families) {
+          return std::vector<ReaVecV>{ThreeLoads(problem, families)[k]};
+        });
+    for (int equation = 1; equation <= together->Equations(); ++equation) {
+      EXPECT_EQ(all[k].displacements(equation), one[0].displacements(equation));
+      EXPECT_EQ(all[k].reactions(equation), one[0].reactions(equation));
+    }
+  }
+}
+
+TEST(TwoProblems, LiveSideBySide)
+{
+  const auto first = Cantilever("Solver SkyLine");
+  const auto second = Cantilever("Solver Sparse 1e-12 1e-12 1000");
+  std::vector<Solution> ofFirst = Analyse(*first, AllFamilies(), {}, ThreeLoads).solutions;
+  const std::vector<Solution> ofSecond = Solutions(*second, ThreeLoads);
+  for (Solution& solution : ofFirst)
+    CalcStrengthsAndReactions(*first, AllFamilies(), solution, nullptr);
+  ExpectClosedForms(*first, ofFirst, 1e-12);  // as above
+  ExpectClosedForms(*second, ofSecond, 1e-9);
+}
+
+TEST(TwoProblems, RunInTwoThreads)
+{
+  constexpr int kRuns = 50;
+  const auto run = [](const std::string& settings, std::vector<Solution>& last,
+                      std::unique_ptr<Problem>& problem) {
+    for (int i = 0; i < kRuns; ++i) {
+      problem = Cantilever(settings);
+      last = Solutions(*problem, ThreeLoads);
+    }
+  };
+  std::vector<Solution> direct, iterated;
+  std::unique_ptr<Problem> ofDirect, ofIterated;
+  std::thread one(run, "Solver SkyLine", std::ref(direct), std::ref(ofDirect));
+  std::thread other(run, "Solver Sparse 1e-12 1e-12 1000", std::ref(iterated),
+                    std::ref(ofIterated));
+  one.join();
+  other.join();
+  ExpectClosedForms(*ofDirect, direct, 1e-12);  // as above
+  ExpectClosedForms(*ofIterated, iterated, 1e-9);
+}
+
+}  // namespace morlen

@@ -1,11 +1,11 @@
-// The skyline factorisation beside CHOLMOD on the same matrix, that of the model with its
-// supports, on one thread:
+// The skyline factorisation and CHOLMOD on the same matrix, that of a model with its supports, on
+// one thread:
 //
 //   morlen_cholmod problem.dat ...
 //
-// The median processor times of both are printed as a line of JSON for each file, which
-// report.py makes readable. Fails when a model is not solved by the skyline solver, or when the
-// two solutions differ.
+// The median processor times of both are printed as a line of JSON for each file, from which
+// report.py makes a table. Fails when a model is not solved by the skyline solver, or when the
+// solutions differ.
 
 #include <cholmod.h>
 #include <unistd.h>
@@ -17,13 +17,15 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "assembly/load_vector.h"
+#include "assembly/solve.h"
+#include "assembly/support_axes.h"
 #include "measure.h"
-#include "message_stream.h"
 #include "model/mesh.h"
+#include "run/element_families.h"
 #include "run/project.h"
 #include "solvers/skymatriu.h"
 
@@ -34,8 +36,8 @@ namespace {
 constexpr int kRepetitions = 5;
 constexpr double kLargestDifference = 1e-6;  ///< relative to the largest displacement
 
-/// A system of equations by entries of the upper triangle, column by column, rows ascending;
-/// counted from 0.
+/// A system of equations by the entries of the upper triangle: column by column, rows ascending,
+/// all from 0.
 struct System
 {
   std::vector<int> starts{0};
@@ -46,11 +48,11 @@ struct System
   int Size() const { return static_cast<int>(starts.size()) - 1; }
 };
 
-/// Which entries CHOLMOD is given.
+/// The entries that CHOLMOD gets.
 enum class Pattern
 {
-  kNonZeros,  ///< what is not 0
-  kBlocks     ///< whole blocks of two nodes that couple, with the zeros in them
+  kNonZeros,  ///< entries other than 0
+  kBlocks     ///< whole blocks of coupled nodes, including zeros
 };
 
 /// Picks the entries of an assembled matrix.
@@ -103,7 +105,7 @@ private:
       ForEachInColumn(j, visit);
   }
 
-  /// Of the node whose first equation is given.
+  /// Finds the nodes that are coupled with the one whose first equation is given.
   void FindCoupledNodes(int first)
   {
     std::fill(coupled.begin(), coupled.end(), false);
@@ -124,9 +126,22 @@ private:
   SkyMatriu& matrix;
   int ndof;
   Pattern pattern;
-  std::vector<bool> coupled;  ///< by node: with the one whose columns are being copied
-  std::vector<bool> held;     ///< by equation: nothing but its diagonal, as at a support
+  std::vector<bool> coupled;  ///< by node: coupled with the one whose columns are being copied
+  std::vector<bool> held;     ///< by equation: only the diagonal is not 0, as at a support
 };
+
+/// Assembles the matrix with the supports of a model after its analysis. Returns the right-hand
+/// side.
+ReaVecV Assemble(const Problem& problem, SkyMatriu& matrix)
+{
+  const VoidPlex& nodes = problem.GiveNodes();
+  matrix.SetToZero();
+  AddStiffness({problem, AllFamilies(), nullptr}, matrix);
+  std::vector<ReaVecV> sides = {AppliedLoads(problem, AllFamilies())};
+  ConvertGlobalLoadToLocal(nodes, sides.front(), problem.components.count);
+  ApplySupports(nodes, problem.components, matrix, sides);
+  return sides.front();
+}
 
 void Refill(SkyMatriu& matrix, const System& system)
 {
@@ -139,7 +154,8 @@ void Refill(SkyMatriu& matrix, const System& system)
 /// Processor seconds of the steps of one solution.
 using Times = std::vector<double>;
 
-/// The solution by CHOLMOD as it comes: it chooses the ordering and the kind of factorisation.
+/// The solution by CHOLMOD with its defaults: it chooses the ordering and the kind of
+/// factorisation.
 class CholmodSolver
 {
 public:
@@ -148,7 +164,7 @@ public:
   CholmodSolver& operator=(const CholmodSolver&) = delete;
   ~CholmodSolver() { cholmod_finish(&common); }
 
-  /// Times: analysis, factorisation, solution. The solution is nothing but zeros when it fails.
+  /// Times: analysis, factorisation, solution. The solution is 0 when CHOLMOD fails.
   std::vector<double> Solve(System& system, Times& times)
   {
     cholmod_sparse matrix = MatrixOf(system);
@@ -197,7 +213,7 @@ private:
   cholmod_common common;
 };
 
-/// Largest difference, relative to the largest value of `expected`.
+/// The largest difference relative to the largest value of `expected`.
 double Difference(const ReaVecV& values, const std::vector<double>& expected)
 {
   double largest = 0.0, difference = 0.0;
@@ -208,7 +224,7 @@ double Difference(const ReaVecV& values, const std::vector<double>& expected)
   return largest > 0.0 ? difference / largest : HUGE_VAL;
 }
 
-/// The system by skyline. Times: factorisation, substitutions.
+/// The solution by the skyline solver. Times: factorisation, substitutions.
 ReaVecV SolveBySkyline(SkyMatriu& matrix, const System& system, Times& times)
 {
   Refill(matrix, system);
@@ -245,35 +261,34 @@ private:
   void PrintJson() const;
 
   std::string file;
-  Project project{100};  ///< after the analysis with a matrix of the same profile
+  Project project{100};  ///< after the analysis, with a matrix of the same profile
   double renumbering = 0.0;
   System system;          ///< without zeros
-  System blocks;          ///< the same with those of coupled nodes
-  Times ours;             ///< medians, as those that follow
-  Times theirs;           ///< without zeros
-  Times theirsByBlocks;   ///< with them
+  System blocks;          ///< with the zeros in the blocks of coupled nodes
+  Times ours;             ///< median times
+  Times theirs;           ///< the same for the system without zeros
+  Times theirsByBlocks;   ///< the same for the system with zeros
   double difference = 0;  ///< of the solutions
 };
 
-/// Keeps the system from just before it is solved.
+/// Solves the model, and assembles its system again if the skyline solver was used.
 void Comparison::Analyse()
 {
-  const MessageStream stream([&](std::string_view message) {
-    if (project.problem.solverSettings.type != SolverType::SkyLine ||
-        !message.starts_with("Just before Solver"))
-      return;
-    SkyMatriu& matrix = static_cast<SkyMatriu&>(*project.solver);
-    const int ndof = project.problem.components.count;
-    system = EntryPicker(matrix, ndof, Pattern::kNonZeros).Copy(project.solution.displacements);
-    blocks = EntryPicker(matrix, ndof, Pattern::kBlocks).Copy(project.solution.displacements);
-  });
+  const Problem& problem = project.problem;
   std::ifstream in(file);
   project.ReadFromAscii(in);
-  renumbering = Seconds(1, [&] { project.problem.meshes.front()->RenumberNodes(); });
-  project.Calc(0, stream.File());
+  renumbering = Seconds(1, [&] { problem.meshes.front()->RenumberNodes(); });
+  project.Calc(0, nullptr);
+  if (problem.solverSettings.type != SolverType::SkyLine)
+    return;
+  SkyMatriu& matrix = static_cast<SkyMatriu&>(*project.solver);
+  const ReaVecV loads = Assemble(problem, matrix);
+  const int ndof = problem.components.count;
+  system = EntryPicker(matrix, ndof, Pattern::kNonZeros).Copy(loads);
+  blocks = EntryPicker(matrix, ndof, Pattern::kBlocks).Copy(loads);
 }
 
-/// All in turn, so that a busy machine slows all; the first time warms up.
+/// Runs the solvers in turn, so that a busy machine slows all of them. The first turn is a warm-up.
 void Comparison::Repeat()
 {
   SkyMatriu& matrix = static_cast<SkyMatriu&>(*project.solver);
@@ -293,7 +308,7 @@ void Comparison::Repeat()
   theirsByBlocks = MedianOf(byBlocks);
 }
 
-/// One object of JSON in one line: what report.py takes.
+/// Prints one object of JSON in one line, for report.py.
 void Comparison::PrintJson() const
 {
   std::printf("{\"model\": \"%s\", \"equations\": %d, \"entries\": %d, \"entries_in_blocks\": %d, ",
@@ -322,8 +337,8 @@ bool Comparison::Run()
   return false;
 }
 
-/// Starts the program again with one thread for the libraries, which read that when they are
-/// loaded. CHOLMOD asks for four in any case: only the limit holds it.
+/// Starts the program again with one thread for the libraries, which read the variables when they
+/// are loaded. CHOLMOD always asks for four threads, so that it needs the limit too.
 void RunOnOneThread(char** argv)
 {
   if (std::getenv("OMP_THREAD_LIMIT"))

@@ -2,8 +2,8 @@
 
 namespace morlen {
 
-/// Operations a second of C = A·B with square matrices of 1500 rows, on one thread; 0 when
-/// the benchmarks were built without OpenBLAS.
+/// Operations per second of C = A·B with square matrices of 1500 rows, on one thread; 0 when the
+/// benchmarks were built without OpenBLAS.
 double DgemmRate();
 
 }  // namespace morlen

@@ -6,9 +6,9 @@
 #include "dgemm.h"
 #include "measure.h"
 
-using namespace morlen;
-
 extern "C" void openblas_set_num_threads(int threads);
+
+namespace morlen {
 
 double DgemmRate()
 {
@@ -25,3 +25,5 @@ double DgemmRate()
   multiply();
   return 2.0 * kRows * kRows * kRows / Seconds(kRepetitions, multiply);
 }
+
+}  // namespace morlen

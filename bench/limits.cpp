@@ -1,10 +1,10 @@
-// What this machine could do at most, on one thread, as a line of JSON:
+// The limits of this machine on one thread, as a line of JSON:
 //
 //   morlen_limits
 //
-// "dgemm": floating point operations a second in a product of large matrices by OpenBLAS, 0
-// when that was not there to build with; "read_bandwidth": bytes a second of a loop that only
-// reads.
+// "dgemm": floating point operations per second in a product of large matrices by OpenBLAS; 0 when
+// the benchmarks were built without it.
+// "read_bandwidth": bytes per second of a loop that only reads.
 
 #include <cstdio>
 

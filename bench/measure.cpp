@@ -10,7 +10,7 @@ namespace morlen {
 
 namespace {
 
-/// A figure of this process's memory in bytes.
+/// The entry with this name in the memory status of this process, in bytes.
 double MemoryFigure(const std::string& name)
 {
   std::ifstream status("/proc/self/status");
@@ -26,7 +26,7 @@ double MemoryFigure(const std::string& name)
 
 void ReadLoop::operator()()
 {
-  constexpr std::size_t kSums = 32;  // as many as keep the additions from waiting
+  constexpr std::size_t kSums = 32;  // enough that no addition waits for another
   double sums[kSums] = {};
   for (std::size_t i = 0; i < a.size(); i += kSums)
     for (std::size_t k = 0; k < kSums; ++k)
@@ -41,7 +41,7 @@ double ReadBandwidth()
   ReadLoop loop;
   loop();
   const double seconds = Seconds(kRepetitions, [&] { loop(); });
-  // A sum that is used cannot be left out by the compiler.
+  // The compiler cannot remove a sum that is used.
   [[maybe_unused]] volatile const double used = loop.Total();
   return ReadLoop::kBytes / seconds;
 }

@@ -10,15 +10,15 @@ namespace morlen {
 class SkyMatriu;
 class NodeBlockMatrix;
 
-// What the benchmarks measure with.
+// Measurements that the benchmarks share.
 
-/// Processor time that this process has used.
+/// Processor time of this process.
 inline double ProcessorSeconds()
 {
   return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
-/// The middle of some values, at least one.
+/// The median. There must be at least one value.
 inline double Median(std::vector<double> values)
 {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -26,7 +26,7 @@ inline double Median(std::vector<double> values)
   return *middle;
 }
 
-/// Median processor time of an action in seconds.
+/// The median processor time of an action in seconds.
 template <class Action>
 double Seconds(int repeats, Action action)
 {
@@ -39,7 +39,8 @@ double Seconds(int repeats, Action action)
   return Median(times);
 }
 
-/// Reads arrays far beyond the caches and nothing else: what memory gives one core at most.
+/// A loop that only reads an array far larger than the caches: the most that one core gets from
+/// memory.
 class ReadLoop
 {
 public:
@@ -52,26 +53,26 @@ private:
   double total = 0.0;
 };
 
-/// Bytes a second of that loop.
+/// Bytes per second of that loop.
 double ReadBandwidth();
 
-/// Multiplications and additions in the sums of the factorisation of this profile.
+/// The multiplications and additions in the sums of the factorisation of this profile.
 double FactorisationFlops(const SkyMatriu& matrix);
 
-/// Bytes of the matrix and of the passes through its factor without fill: twice a double for
-/// every entry, an int for every block and for every line of blocks.
+/// Bytes of the matrix and of its factor without fill. Each has a double for every entry, an int
+/// for every block and an int for every line of blocks.
 double IterationStorage(const NodeBlockMatrix& matrix);
 
-/// What an iteration of conjugate gradients has to move at least: matrix and factors are read;
+/// The least bytes that an iteration of conjugate gradients moves: matrix and factors are read, and
 /// x, r, p, q and z are read and written.
 double IterationTraffic(const NodeBlockMatrix& matrix);
-/// The part of the five vectors, which a second right-hand side adds.
+/// The part of the five vectors, which each further right-hand side adds.
 double VectorTraffic(const NodeBlockMatrix& matrix);
 
-/// Memory of this process in bytes: now, and the most it had; 0 where the system does not say.
+/// Memory of this process in bytes: now, and its peak; 0 when the system does not tell it.
 double MemoryNow();
 double MemoryPeak();
-/// Begins the peak anew.
+/// Resets the peak to the current memory.
 void ResetMemoryPeak();
 
 }  // namespace morlen

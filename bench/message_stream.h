@@ -8,7 +8,7 @@
 
 namespace morlen {
 
-/// An information stream for an analysis: hands over every message at the moment when it comes.
+/// An information stream of an analysis that calls a visitor with each message when it is written.
 class MessageStream
 {
 public:

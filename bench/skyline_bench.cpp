@@ -12,13 +12,14 @@
 
 namespace morlen {
 
-// Factorisation and substitution on profiles like those of renumbered models. Counters:
-// "bytes" of stored entries, "flops" multiplications and additions of the sums in a second,
-// "bytes_per_second" how fast the profile is read.
+// Factorisation and substitution with profiles like those of renumbered models. Counters:
+//   bytes             of the stored entries
+//   flops             multiplications and additions of the sums per second
+//   bytes_per_second  of the profile that are read
 
 namespace {
 
-/// Couples neighbours (also diagonally) on a grid, numbered across its width.
+/// Couples neighbours on a grid, including diagonal ones. Nodes are numbered across its width.
 void CreateGrid(SkyMatriu& matrix, int length, int width, int ndof)
 {
   for (int x = 0; x < length; ++x)
@@ -34,7 +35,7 @@ void CreateGrid(SkyMatriu& matrix, int length, int width, int ndof)
   matrix.Create(ndof);
 }
 
-/// Heights without a pattern up to the given one, every row on its own.
+/// Irregular heights up to the given one, with a different height for every row.
 void CreateRagged(SkyMatriu& matrix, int highest)
 {
   for (int i = 1; i <= matrix.GiveSize(); ++i)
@@ -42,7 +43,7 @@ void CreateRagged(SkyMatriu& matrix, int highest)
   matrix.Create(1);
 }
 
-/// A diagonal that outweighs its row.
+/// Fills the matrix so that the diagonal is dominant.
 void Fill(SkyMatriu& matrix)
 {
   matrix.SetToZero();
@@ -77,7 +78,7 @@ void MeasureSubstitution(benchmark::State& state, SkyMatriu& matrix)
     matrix.Substitute({&b}, nullptr);
     benchmark::DoNotOptimize(b.Data());
   }
-  // Forwards and backwards: the profile is read twice.
+  // The profile is read twice, for the forward and the backward substitution.
   state.SetBytesProcessed(state.iterations() * 2 * static_cast<int64_t>(matrix.StorageBytes()));
 }
 
@@ -117,7 +118,7 @@ void RaggedSubstitution(benchmark::State& state)
   MeasureSubstitution(state, matrix);
 }
 
-/// A frame of bars in a row, a slab, a square plate, a plane mesh.
+/// Profiles of a chain of beams, a slab, a square plate and a plane mesh.
 void Grids(benchmark::internal::Benchmark* bench)
 {
   bench->ArgNames({"length", "width", "ndof"});
@@ -131,7 +132,7 @@ void RaggedProfiles(benchmark::internal::Benchmark* bench)
   bench->Unit(benchmark::kMillisecond);
 }
 
-/// Rows in the order of the definition, with sums that are unrolled by four.
+/// The plain algorithm, row by row, with sums unrolled by four.
 void FactorisePlainly(SkyMatriu& matrix)
 {
   std::vector<double> g(static_cast<std::size_t>(matrix.GiveSize()) + 1);
@@ -159,7 +160,7 @@ void FactorisePlainly(SkyMatriu& matrix)
   }
 }
 
-/// Operations a second of the product of two matrices by OpenBLAS; 0 where it is not installed.
+/// Operations per second of the product of two matrices by OpenBLAS; 0 when it is not installed.
 double ProductRate()
 {
   using Dgemm = void (*)(int, int, int, int, int, int, double, const double*, int, const double*,
@@ -192,7 +193,8 @@ double FactorisationRate(SkyMatriu& matrix, void (*factorise)(SkyMatriu&))
   return FactorisationFlops(matrix) / Median(times);
 }
 
-/// Counters: GFLOP/s, "dgemm" and "plain" its ratios to the product and to the plain loop.
+/// Counters: GFLOP/s, and its ratios to the matrix product ("dgemm") and to the plain loop
+/// ("plain").
 void FactorisationRatios(benchmark::State& state)
 {
   const int width = static_cast<int>(state.range(1));

@@ -15,17 +15,17 @@
 
 namespace morlen {
 
-// The sparse solver on grids of beams, of solids with four and with ten nodes: once far beyond
-// the last cache, once ("Small") within it. The counters that matter:
-//   read_ratio      what an iteration moves at least, a second, over what a loop reaches that
-//                   only reads; to be at least 0.75 (solids with four nodes), 0.60 (ten nodes),
+// The sparse solver on grids of beams, of solids with four nodes and of solids with ten nodes. The
+// matrices are far larger than the last cache or ("Small") fit into it. The main counters:
+//   read_ratio      the least bytes per second that an iteration moves, over those of a loop that
+//                   only reads; at least 0.75 (solids with four nodes), 0.60 (ten nodes),
 //                   0.85 (beams)
-//   rows_ratio      time of an iteration over that in single entries by rows; small grids, to
-//                   be at most 0.33
+//   rows_ratio      time of an iteration over that with single entries by rows; at most 0.33;
+//                   small grids
 //   second_ratio    time of an iteration of two right-hand sides over that of one, less 1
-//   iterations      time in iterations: of the factors, to be at most 20; of the assembly
+//   iterations      time of the factors (at most 20) or of the assembly, in iterations
 //   us_per_element  of the assembly
-//   peak_ratio      peak memory over 1.15·16 bytes an entry and 400 bytes a node, at most 1
+//   peak_ratio      peak memory over 1.15·16 bytes per entry and 400 bytes per node; at most 1
 
 namespace {
 
@@ -36,8 +36,8 @@ enum class Kind
   kSolids10
 };
 
-/// Elements on a grid of cells × cells × cells cubes, or of `cells` squares side by side and
-/// `height` above each other: beams along the edges, or six tetrahedra in every cube.
+/// Elements on a grid of cells × cells × height cubes: beams along the edges, or six tetrahedra in
+/// every cube.
 class Grid
 {
 public:
@@ -72,7 +72,7 @@ private:
   int Node(int x, int y, int z) const { return (z * sides[1] + y) * sides[0] + x; }
 
   Kind kind;
-  int steps;  ///< nodes along the edge of a cube, less one
+  int steps;  ///< nodes along the edge of a cube, minus one
   std::array<int, 3> sides;
 };
 
@@ -87,7 +87,8 @@ void Grid::VisitBeams(int x, int y, int z, Visit visit) const
   }
 }
 
-/// The tetrahedra around the diagonal of a cube: each goes along the axes in another order.
+/// The tetrahedra around the diagonal of a cube. The edges of each follow the axes in another
+/// order.
 template <class Visit>
 void Grid::VisitSolids(int x, int y, int z, Visit visit) const
 {
@@ -141,8 +142,8 @@ std::unique_ptr<SparseSolver> Grid::MakeMatrix() const
   return solver;
 }
 
-/// Springs of one and the same full stiffness between all nodes of an element: positive
-/// definite and as many numbers as any element has.
+/// Springs with the same full stiffness between all nodes of an element. The matrix is positive
+/// definite and has as many entries as that of real elements.
 void Grid::Assemble(SparseSolver& solver) const
 {
   const int n = Components();
@@ -193,11 +194,11 @@ SparseMatrix InRows(const NodeBlockMatrix& matrix)
   return rows;
 }
 
-/// Processor time of an iteration of so many right-hand sides.
+/// Processor time of an iteration with `sides` right-hand sides.
 double SecondsPerIteration(const SystemMatrix& A, const Preconditioner& M, const ReaVecV& b,
                            std::size_t sides = 1)
 {
-  constexpr int iterations = 15;  // not so many that the residual underflows
+  constexpr int iterations = 15;  // few enough that the residual does not underflow
   return Seconds(A.GiveSize() < 30000 ? 15 : 3,
                  [&] {
                    std::vector<double> x(sides * b.Size(), 0.0);
@@ -221,7 +222,7 @@ void Iteration(benchmark::State& state, const Grid& grid)
   const ReaVecV load = grid.Load();
   ReadLoop read;
   std::vector<double> iterations, pairs, reads;
-  for (auto _ : state) {  // in turns, so that both meet the machine in the same state
+  for (auto _ : state) {  // in turns, so that a busy machine slows all of them
     iterations.push_back(SecondsPerIteration(A, M, load));
     pairs.push_back(SecondsPerIteration(A, M, load, 2));
     reads.push_back(Seconds(1, read));
@@ -257,13 +258,13 @@ void IterationInCache(benchmark::State& state, const Grid& grid)
   state.counters["rows_ratio"] = Median(blockTimes) / Median(rowTimes);
 }
 
-/// The matrix and the passes through its factor take the same.
+/// The matrix and its factor have the same size.
 void SetTraffic(benchmark::State& state, const NodeBlockMatrix& A)
 {
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(IterationStorage(A) / 2));
 }
 
-/// The matrix product and the two substitutions by themselves.
+/// The matrix product alone; Preconditioning measures the two substitutions.
 void Product(benchmark::State& state, const Grid& grid)
 {
   const std::unique_ptr<SparseSolver> solver = grid.Filled();
@@ -299,7 +300,7 @@ void Factors(benchmark::State& state, const Grid& grid)
   state.counters["iterations"] = Median(seconds) / iteration;
 }
 
-/// Couplings and pattern.
+/// The couplings and the pattern of the matrix.
 void Pattern(benchmark::State& state, const Grid& grid)
 {
   std::vector<double> seconds;
@@ -322,8 +323,8 @@ void Assembly(benchmark::State& state, const Grid& grid)
   state.counters["iterations"] = Median(seconds) / iteration;
 }
 
-/// The whole way from couplings to solution. The peak counts from what the process held
-/// before; run this one alone, so that nothing freed is reused.
+/// The whole solution from the couplings on. The peak is relative to the memory before. Run this
+/// benchmark alone, so that no freed memory is reused.
 void Run(benchmark::State& state, const Grid& grid)
 {
   for (auto _ : state) {

@@ -1,10 +1,10 @@
-// Where the time of whole runs goes:
+// The time of each stage of whole runs:
 //
 //   morlen_stages [-n REPETITIONS] problem.dat ...
 //
-// Each file runs in a process of its own, once to warm up and then some times more; the median
-// processor time of every stage is printed as a line of JSON, which report.py makes readable. The
-// stages of the analysis are told apart by the times of its messages on the information stream.
+// Each file runs in a separate process, once as a warm-up and then REPETITIONS times. The median
+// processor time of every stage is printed as a line of JSON, from which report.py makes a table.
+// The stages of the analysis are separated by the times of its messages on the information stream.
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -23,6 +23,7 @@
 #include "measure.h"
 #include "message_stream.h"
 #include "model/mesh.h"
+#include "run/element_families.h"
 #include "run/project.h"
 #include "solvers/skymatriu.h"
 #include "solvers/sparse_solver.h"
@@ -35,14 +36,14 @@ namespace {
 
 constexpr int kRepetitions = 5;
 
-/// The messages of an analysis with the processor time at which each came.
+/// The messages of an analysis, with the processor time of each.
 class MessageLog
 {
 public:
   std::FILE* File() const { return stream.File(); }
 
-  /// When the last message came that begins so; 0 when there was none. When an iteration has
-  /// failed, the direct solver comes after it, with the same messages.
+  /// The time of the last message with this beginning; 0 when there was none. The direct solver
+  /// writes the same messages again after an iteration that has failed.
   double TimeOf(std::string_view beginning) const
   {
     const Message* found = Find(beginning);
@@ -102,7 +103,7 @@ constexpr const char* kStageNames[kStages] = {"read",       "renumber",   "choos
                                               "iterate",    "substitute", "refine",   "results",
                                               "write text", "write post", "release"};
 
-/// What one run took and was.
+/// Times and sizes of one run.
 struct Run
 {
   std::array<double, kStages> seconds{};
@@ -110,8 +111,8 @@ struct Run
   int equations = 0;
   int nodes = 0;
   int elements = 0;
-  int iterations = 0;        ///< for the loads and the probe together, as far as both went
-  int singleIterations = 0;  ///< of them, those for one of the two alone
+  int iterations = 0;        ///< of the loads or the probe, whichever needed more
+  int singleIterations = 0;  ///< of these, the ones with only one of the two
   double factorisationFlops = 0.0;
   double storage = 0.0;           ///< bytes of the profile, or of matrix and factors
   double entries = 0.0;           ///< of the sparse matrix
@@ -123,12 +124,12 @@ struct Run
   double wordsWritten = 0.0;
 };
 
-/// Splits time into stages: each call gives what has gone by since the last one.
+/// Splits time into stages. Each call returns the time since the last one.
 class StopWatch
 {
 public:
   double Lap() { return LapAt(ProcessorSeconds()); }
-  /// The same for a moment of the past, not before the last one.
+  /// The same up to a time in the past, which must not be before the last call.
   double LapAt(double now)
   {
     const double gone = now - last;
@@ -140,9 +141,9 @@ private:
   double last = ProcessorSeconds();
 };
 
-// Iteration i of the model is announced at its beginning when it is a multiple of ten, and its last
-// at its end. What the announced ones do not account for went into the factors. The probe may go
-// on alone.
+// A message announces every tenth iteration of the model at its beginning, and another one the end
+// of the last. The time before the first iteration belongs to the factors. The probe may continue
+// alone.
 void SplitIterations(const MessageLog& log, StopWatch& watch, Run& run)
 {
   const bool converged = log.TimeOf("Converged it number. ") > 0.0;
@@ -160,7 +161,7 @@ void SplitIterations(const MessageLog& log, StopWatch& watch, Run& run)
     run.seconds[kIterate] = watch.LapAt(std::max(end, log.TimeOf("probe: ")));
 }
 
-// The second substitution takes as long as the first one; the refinement comes after both.
+// The second substitution needs as much time as the first. The refinement follows.
 void SplitDirectSolution(const MessageLog& log, StopWatch& watch, Run& run)
 {
   const double factorised = log.TimeOf("Txolesky finished");
@@ -172,7 +173,7 @@ void SplitDirectSolution(const MessageLog& log, StopWatch& watch, Run& run)
 
 void SplitAnalysis(const MessageLog& log, StopWatch& watch, Run& run)
 {
-  // An iteration that has failed before the direct solver was taken.
+  // An iteration has failed before the direct solution.
   if (run.direct && log.TimeOf("probe: ") > 0.0)
     run.seconds[kIterate] = watch.LapAt(log.TimeOf("probe: "));
   run.seconds[kProfile] = watch.LapAt(log.TimeOf("\nINFORMATION"));
@@ -206,7 +207,7 @@ void Describe(const Project& project, Run& run)
   }
 }
 
-/// The result files of the runs of this process; removed at the end.
+/// The result files of the runs of this process. The destructor removes them.
 class ResultFiles
 {
 public:
@@ -227,8 +228,8 @@ private:
   fs::path base;
 };
 
-/// What goes before the matrix, timed by itself: the analysis, which does it again, tells nothing
-/// of it. Leaves the numbers of the file.
+/// Times renumbering and choice of the solver, for which the analysis writes no messages. The
+/// analysis does both again. The nodes have the numbers of the file afterwards.
 void TimeChoice(Project& project, StopWatch& watch, Run& run)
 {
   if (project.problem.solverSettings.type == SolverType::Sparse)
@@ -241,7 +242,7 @@ void TimeChoice(Project& project, StopWatch& watch, Run& run)
       static_cast<long long>(project.problem.numNodes) * project.problem.components.count;
   if (project.problem.solverSettings.type == SolverType::Automatic && equations >= kChoiceFrom) {
     project.CalcCoplanarityVector();
-    EstimateWork(project);
+    EstimateWork(project.problem, AllFamilies());
     run.seconds[kChoose] = watch.Lap();
     project.problem.coplanarity.clear();
   }
@@ -262,8 +263,7 @@ Run RunOnce(const std::string& file, const ResultFiles& results)
     TimeChoice(project, watch, run);
     watch.Lap();
     project.Calc(1, log.File());
-    // Counting what was done is not part of the run.
-    Describe(project, run);
+    Describe(project, run);  // not part of the run
     SplitAnalysis(log, watch, run);
     run.seconds[kProfile] -= run.seconds[kRenumber] + run.seconds[kChoose];
     watch.Lap();
@@ -285,7 +285,7 @@ Run RunOnce(const std::string& file, const ResultFiles& results)
   return run;
 }
 
-/// Numbers and words of a text file.
+/// The count of numbers and words in a text file.
 double CountWords(const fs::path& path)
 {
   std::ifstream in(path, std::ios::binary);
@@ -303,7 +303,7 @@ double CountWords(const fs::path& path)
   return words;
 }
 
-/// The runs as one, with the median of every stage.
+/// The first run with the median time of every stage.
 Run MedianOf(const std::vector<Run>& runs)
 {
   Run median = runs.at(0);
@@ -317,7 +317,7 @@ Run MedianOf(const std::vector<Run>& runs)
   return median;
 }
 
-/// Bytes of an iteration, with the second vectors in those that have two.
+/// Mean bytes of an iteration. Some iterations have two right-hand sides.
 double MeanTraffic(const Run& run)
 {
   const int iterations = std::max(run.iterations, 1);
@@ -325,7 +325,7 @@ double MeanTraffic(const Run& run)
   return run.iterationTraffic + both * run.vectorTraffic;
 }
 
-/// One object of JSON in one line: what report.py takes.
+/// Prints one object of JSON in one line, for report.py.
 void PrintJson(const std::string& file, const Run& run, double peak, double readBandwidth)
 {
   std::printf("{\"model\": \"%s\", \"equations\": %d, \"nodes\": %d, \"elements\": %d, ",
@@ -358,7 +358,7 @@ void Measure(const std::string& file, int repetitions)
   PrintJson(file, median, peak, ReadBandwidth());
 }
 
-/// Measures in a process of its own, so that memory counts from the beginning.
+/// Measures in a separate process, so that its peak memory is that of one file.
 bool MeasureApart(const std::string& file, int repetitions)
 {
   const pid_t child = fork();

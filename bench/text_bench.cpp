@@ -22,17 +22,17 @@
 
 namespace morlen {
 
-// Text in and out: numbers a second and bytes a second (items_per_second, bytes_per_second) of
-// formatting and of reading, and of whole mesh blocks with the objects that they make.
-// "libc_ratio" is the time over that of snprintf or strtod on the same numbers, measured in
-// the same run.
+// Formatting and reading of numbers, and reading of whole mesh blocks with their objects. Counters:
+//   items_per_second  numbers or objects
+//   bytes_per_second  bytes of text
+//   libc_ratio        time over that of snprintf or strtod on the same numbers in the same run
 
 namespace {
 
 constexpr int kNumbers = 100000;
 constexpr int kRepeats = 5;
 
-/// Numbers like those of results: a normal distribution over some magnitudes, every fifth zero.
+/// Numbers like those of results: normally distributed over several magnitudes, every fifth is 0.
 std::vector<double> Results()
 {
   std::mt19937_64 random(1);
@@ -63,7 +63,7 @@ void Count(benchmark::State& state, std::size_t items, std::size_t bytes)
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
 }
 
-/// Runs the action, and compares its time with that of another on the same numbers.
+/// Runs the action and compares its time with that of another action on the same numbers.
 template <class Action, class Other>
 void Compare(benchmark::State& state, Action action, Other other)
 {
@@ -110,7 +110,7 @@ void FormatScientificNumbers(benchmark::State& state)
 }
 BENCHMARK(FormatScientificNumbers);
 
-/// Through TextOut into a file that costs nothing, lines of three numbers.
+/// Writes lines of three numbers by TextOut to /dev/null.
 void WriteLines(benchmark::State& state)
 {
   const std::vector<double> numbers = Results();
@@ -124,7 +124,7 @@ void WriteLines(benchmark::State& state)
 }
 BENCHMARK(WriteLines);
 
-/// Significant digits of the numbers read.
+/// Reads numbers. Argument: their significant digits.
 void ReadNumbers(benchmark::State& state)
 {
   const std::string format = "%." + std::to_string(state.range(0)) + "g";
@@ -149,7 +149,7 @@ void ReadNumbers(benchmark::State& state)
 }
 BENCHMARK(ReadNumbers)->Arg(6)->Arg(10)->Arg(17);
 
-/// A mesh block: a grid of n³ nodes, an element of each cell's first nodes.
+/// A mesh block: a grid of n³ nodes, and an element of the first nodes of each cell.
 std::string MeshText(int n, int nnode)
 {
   std::string text = "dimension = 3 elemtype " + std::string(nnode == 2 ? "Linear" : "Tetrahedra") +
@@ -172,7 +172,7 @@ std::string MeshText(int n, int nnode)
   return text + "end elements\n";
 }
 
-/// Lines of nodes and elements into the objects of a mesh; items are objects.
+/// Reads lines of nodes and elements into the objects of a mesh. Items are objects.
 void ReadMesh(benchmark::State& state)
 {
   constexpr int kSide = 40;
@@ -192,7 +192,7 @@ void ReadMesh(benchmark::State& state)
 }
 BENCHMARK(ReadMesh)->Arg(2)->Arg(4)->Unit(benchmark::kMillisecond);
 
-/// Objects made and deleted.
+/// Makes and deletes objects.
 void MakeNodes(benchmark::State& state)
 {
   std::vector<std::unique_ptr<Node>> nodes(kNumbers);
@@ -220,7 +220,7 @@ void MakeElements(benchmark::State& state)
 }
 BENCHMARK(MakeElements)->Arg(2)->Arg(4)->Arg(10);
 
-/// Look-ups of an element's material by its number.
+/// Finds the materials of elements by their numbers.
 void FindMaterials(benchmark::State& state)
 {
   VoidPlex materials(100);

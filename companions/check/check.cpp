@@ -31,14 +31,15 @@ std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder)
 {
   if (problem.meshes.empty() || problem.meshes.back()->GiveFvType() == 0)
     return std::nullopt;  // the header or the head of a mesh could not be read
-  CheckReferences(problem, AllFamilies());
+  CheckReferences(problem.meshes, problem.materials, AllFamilies());
   const Subject subject = SubjectOf(problem);
   CheckModelAsRead(subject, recorder);
   if (recorder.HasErrors())
     return std::nullopt;
-  CheckModel(problem, AllFamilies());
+  CheckModel(problem.meshes, problem.problemType, problem.components, AllFamilies());
   if (problem.solverSettings.type == SolverType::Double)
-    recorder.AttemptAt(recorder.PlaceOf(ReadTopic::Solver), [&] { CheckDoubleSolver(problem); });
+    recorder.AttemptAt(recorder.PlaceOf(ReadTopic::Solver),
+                       [&] { CheckDoubleSolver(problem.meshes); });
   if (std::any_of(subject.elements.begin(), subject.elements.end(),
                   [](const Elem* elem) { return elem->ElemType() == Triangle; }))
     recorder.AttemptAt(kWholeFile, [&] { MarkCoplanarNodes(problem); });

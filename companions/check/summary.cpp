@@ -20,8 +20,9 @@ namespace {
 
 constexpr int kDigits = 6;  // of the numbers in the text
 
-void AddCounts(const Problem& problem, const Subject& subject, Summary& summary)
+void AddCounts(const Subject& subject, Summary& summary)
 {
+  const Problem& problem = subject.problem;
   summary.plane = problem.problemType == kPlane && problem.components.translations == 2;
   summary.parts = static_cast<int>(subject.parts.size());
   for (const Elem* elem : subject.elements)
@@ -34,16 +35,17 @@ void AddCounts(const Problem& problem, const Subject& subject, Summary& summary)
   }
 }
 
-void AddMaterials(const Problem& problem, const Subject& subject, Summary& summary)
+void AddMaterials(const Subject& subject, Summary& summary)
 {
   std::set<int> used;
   for (const Elem* elem : subject.elements)
     used.insert(elem->GiveMaterialNum());
-  for (const auto [number, material] : EachNumbered<const Material>(problem.materials))
+  for (const auto [number, material] : EachNumbered<const Material>(subject.problem.materials))
     (used.contains(number) ? summary.materials : summary.unusedMaterials).push_back(number);
 }
 
-// The volume that self-weight acts on, of an element between its corners.
+// The volume of an element, for its self-weight. Curved six-node and ten-node elements count as
+// straight between their corners.
 double VolumeOf(const Elem& elem, const Material& material)
 {
   if (elem.ElemType() == Linear)
@@ -52,8 +54,9 @@ double VolumeOf(const Elem& elem, const Material& material)
                                      : std::fabs(DeterminantOf(elem)) / 6.0;
 }
 
-void AddLoads(const Problem& problem, const Subject& subject, Summary& summary)
+void AddLoads(const Subject& subject, Summary& summary)
 {
+  const Problem& problem = subject.problem;
   const ReaVecV loads = AppliedLoads(problem, AllFamilies());
   for (const Node& node : Each<Node>(problem.GiveNodes())) {
     for (int k = 0; k < problem.components.translations; ++k)
@@ -97,8 +100,9 @@ std::vector<std::uint64_t> CouplingsOf(const Subject& subject)
 }
 
 // Stored numbers of the skyline: each row from its first coupled column to the diagonal.
-std::int64_t ProfileEntries(const Problem& problem, const Subject& subject)
+std::int64_t ProfileEntries(const Subject& subject)
 {
+  const Problem& problem = subject.problem;
   std::vector<int> lowest(static_cast<std::size_t>(problem.numNodes) + 1);
   for (std::size_t i = 0; i < lowest.size(); ++i)
     lowest[i] = static_cast<int>(i);
@@ -118,10 +122,11 @@ std::int64_t ProfileEntries(const Problem& problem, const Subject& subject)
   return entries;
 }
 
-std::int64_t BlockEntries(const Problem& problem, const Subject& subject)
+std::int64_t BlockEntries(const Subject& subject)
 {
-  const auto blocks = problem.numNodes + 2 * static_cast<std::int64_t>(CouplingsOf(subject).size());
-  return blocks * problem.components.count * problem.components.count;
+  const std::int64_t n = subject.problem.components.count;
+  const auto pairs = static_cast<std::int64_t>(CouplingsOf(subject).size());
+  return (subject.problem.numNodes + 2 * pairs) * n * n;
 }
 
 // The nodes that the conversion to six-node triangles adds: one on each edge of a three-node
@@ -136,7 +141,8 @@ int MidSideNodes(const Subject& subject)
   return static_cast<int>(WithoutRepetitions(std::move(edges)).size());
 }
 
-/// The solver of a run; Automatic for a large model, whose run chooses by the work.
+/// The solver of a run. Automatic means a large model, for which the run compares the work of the
+/// solvers.
 struct SolverPlan
 {
   SolverType type;
@@ -144,8 +150,9 @@ struct SolverPlan
   long long equations;
 };
 
-SolverPlan SolverOf(const Problem& problem, const Subject& subject)
+SolverPlan SolverOf(const Subject& subject)
 {
+  const Problem& problem = subject.problem;
   const SolverType type = problem.solverSettings.type;
   const int added =
       problem.convertTo6Nodes || type == SolverType::Double ? MidSideNodes(subject) : 0;
@@ -169,17 +176,17 @@ const char* NameOf(SolverType type)
   }
 }
 
-void AddSolver(Problem& problem, const Subject& subject, Summary& summary)
+void AddSolver(const Subject& subject, Mesh& firstMesh, Summary& summary)
 {
-  const SolverPlan plan = SolverOf(problem, subject);
+  const SolverPlan plan = SolverOf(subject);
   summary.solver = NameOf(plan.type);
   summary.equations = static_cast<int>(plan.equations);
   if (plan.addedNodes > 0 || plan.type == SolverType::Automatic)
     return;
   const bool profile = plan.type == SolverType::SkyLine;
   if (profile)
-    problem.meshes.front()->RenumberNodes();
-  summary.entries = profile ? ProfileEntries(problem, subject) : BlockEntries(problem, subject);
+    firstMesh.RenumberNodes();
+  summary.entries = profile ? ProfileEntries(subject) : BlockEntries(subject);
 }
 
 // Components that are rounding errors compared with the others become 0.
@@ -211,11 +218,11 @@ std::string UnitName(const std::string& name, const char* quantity)
 Summary Summarise(Problem& problem, const Subject& subject)
 {
   Summary summary;
-  AddCounts(problem, subject, summary);
-  AddMaterials(problem, subject, summary);
-  summary.units = model::UnitsOf(problem);
-  AddLoads(problem, subject, summary);
-  AddSolver(problem, subject, summary);
+  AddCounts(subject, summary);
+  AddMaterials(subject, summary);
+  summary.units = model::UnitsOf(problem.units);
+  AddLoads(subject, summary);
+  AddSolver(subject, *problem.meshes.front(), summary);
   return summary;
 }
 

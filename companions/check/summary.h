@@ -32,8 +32,9 @@ struct Summary
   std::int64_t entries = 0;
 };
 
-/// Sums the loads by the functions of the analysis, whose errors go to the observer. The model must
-/// have no errors so far. Renumbers the nodes of the problem: it must be the last use of it.
+/// The summary of a model without errors. The loads are summed by the functions of the analysis,
+/// whose errors go to the observer. Renumbers the nodes of the problem, so it must be the last
+/// step. subject: of this problem.
 Summary Summarise(Problem& problem, const Subject& subject);
 
 /// The summary as lines of text.

@@ -132,15 +132,15 @@ bool Holds(const Constraint& support, int k)
 }
 
 // The direction of component k of a support, as a displacement and a rotation.
-std::pair<Point, Point> DirectionOf(const Problem& problem, const Matriu* T, int k)
+std::pair<Point, Point> DirectionOf(const NodeComponents& components, const Matriu* T, int k)
 {
   std::pair<Point, Point> direction{};
-  for (int i = 0; i < problem.components.count; ++i) {
+  for (int i = 0; i < components.count; ++i) {
     const double value = T ? (*T)(i + 1, k + 1) : (i == k ? 1.0 : 0.0);
-    if (i < problem.components.translations)
+    if (i < components.translations)
       direction.first[i] = value;
     else
-      direction.second[problem.components.count == 3 ? 2 : i - 3] = value;
+      direction.second[components.count == 3 ? 2 : i - 3] = value;
   }
   return direction;
 }
@@ -155,11 +155,11 @@ struct Hinges
   std::unordered_map<const Node*, std::vector<Point>> spins;
 };
 
-bool IsContinuous(const Problem& problem, const Elem& elem, int end)
+bool IsContinuous(const HingeCodes& codes, const Elem& elem, int end)
 {
   if (elem.ElemType() != Linear)
     return true;
-  const HingeCode code = problem.GiveHingeCode(elem.Num());
+  const HingeCode code = GiveHingeCode(codes, elem.Num());
   return !elem(end)->hasRotule && !(end == 0 ? code.FirstHinged() : code.SecondHinged());
 }
 
@@ -171,7 +171,7 @@ Hinges HingesOf(const Subject& subject)
   hinges.loose.insert(subject.nodes.begin(), subject.nodes.end());
   for (const Elem* elem : subject.elements) {
     for (int i = 0; i < elem->Nnode(); ++i) {
-      if (IsContinuous(subject.problem, *elem, i))
+      if (IsContinuous(subject.problem.hingeCodes, *elem, i))
         hinges.loose.erase((*elem)(i));
     }
   }
@@ -220,16 +220,16 @@ void AddLine(const Hinges& hinges, const Body& body, RowSpace& rows)
 }
 
 // Held rotations of a loose node do not hold its part.
-void AddSupport(const Problem& problem, const Body& body, const Node& node, bool loose,
+void AddSupport(const NodeComponents& components, const Body& body, const Node& node, bool loose,
                 RowSpace& rows)
 {
   Matriu T;
   const bool turned =
-      node.constraint->CalcTransfMatFromEuler(node.number, T, problem.components.count, 0) == 0;
-  for (int k = 0; k < (loose ? problem.components.translations : problem.components.count); ++k) {
+      node.constraint->CalcTransfMatFromEuler(node.number, T, components.count, 0) == 0;
+  for (int k = 0; k < (loose ? components.translations : components.count); ++k) {
     if (!Holds(*node.constraint, k))
       continue;
-    const auto [u, a] = DirectionOf(problem, turned ? &T : nullptr, k);
+    const auto [u, a] = DirectionOf(components, turned ? &T : nullptr, k);
     rows.Add(RowOf(body, PlaceOf(node), u, a));
   }
 }
@@ -268,12 +268,12 @@ std::string MotionName(const Body& body, const Point& t, const Point& w)
                 screw ? " while moving along it" : "");
 }
 
-RowSpace RowsOf(const Problem& problem, const Hinges& hinges, const Body& body)
+RowSpace RowsOf(const NodeComponents& components, const Hinges& hinges, const Body& body)
 {
   RowSpace rows;
   for (const Node* node : body.nodes) {
     if (node->constraint)
-      AddSupport(problem, body, *node, hinges.loose.contains(node), rows);
+      AddSupport(components, body, *node, hinges.loose.contains(node), rows);
     AddSpins(hinges, body, *node, rows);
   }
   AddLine(hinges, body, rows);
@@ -308,7 +308,7 @@ void CheckSupports(const Subject& subject, Recorder& recorder)
     const Body body = BodyOf(part.nodes);
     if (!(body.size > 0.0))
       continue;
-    const RowSpace rows = RowsOf(problem, hinges, body);
+    const RowSpace rows = RowsOf(problem.components, hinges, body);
     const int first = part.nodes.front()->number;
     const std::string name =
         subject.parts.size() == 1 ? "the model" : Joined("the part of node ", first);

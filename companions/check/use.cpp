@@ -14,15 +14,15 @@
 namespace morlen::check {
 namespace {
 
-// With hinges in the model the analysis itself holds the rotations that no element holds.
-bool IsHeld(const Problem& problem, const Node& node)
+// True when no component of a node without elements is free. In a model with hinges the analysis
+// fixes the rotations of such a node.
+bool IsHeld(const Node& node, const NodeComponents& components, bool hasHinges)
 {
-  const int components =
-      problem.hasHinges ? problem.components.translations : problem.components.count;
   if (!node.constraint)
     return false;
   const auto& flags = node.constraint->flags;
-  return std::none_of(flags.begin(), flags.begin() + components,
+  return std::none_of(flags.begin(),
+                      flags.begin() + (hasHinges ? components.translations : components.count),
                       [](int flag) { return flag == Constraint::kFree; });
 }
 
@@ -31,14 +31,15 @@ bool IsHeld(const Problem& problem, const Node& node)
 void CheckNodes(const Subject& subject, Recorder& recorder)
 {
   const std::set<const Node*> used(subject.nodes.begin(), subject.nodes.end());
-  for (const auto [number, node] : EachNumbered<const Node>(subject.problem.GiveNodes())) {
+  const Problem& problem = subject.problem;
+  for (const auto [number, node] : EachNumbered<const Node>(problem.GiveNodes())) {
     if (used.contains(&node))
       continue;
     const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Node, number);
     const std::string name = Joined("node ", number, " belongs to no element");
-    if (subject.problem.meshes.front()->GiveElemType() == Tetrahedra)
+    if (problem.meshes.front()->GiveElemType() == Tetrahedra)
       recorder.Error(place, name, ": the results of solids need one");
-    else if (IsHeld(subject.problem, node))
+    else if (IsHeld(node, problem.components, problem.hasHinges))
       recorder.Warn(place, name);
     else
       recorder.Error(place, name, " and is not held: the system cannot be solved");
@@ -57,9 +58,9 @@ void CheckMaterials(const Subject& subject, Recorder& recorder)
   }
 }
 
-void CheckUnits(const Problem& problem, Recorder& recorder)
+void CheckUnits(const Units& units, Recorder& recorder)
 {
-  for (const UnitsBase& base : problem.units.bases) {
+  for (const UnitsBase& base : units.bases) {
     if (!recorder.UsesUnits(base.name))
       recorder.Warn(recorder.PlaceOf(ReadTopic::UnitSystems), "the unit system '", base.name,
                     "' is not used");
@@ -88,7 +89,7 @@ void CheckUse(const Subject& subject, Recorder& recorder)
 {
   CheckNodes(subject, recorder);
   CheckMaterials(subject, recorder);
-  CheckUnits(subject.problem, recorder);
+  CheckUnits(subject.problem.units, recorder);
   CheckGravity(subject, recorder);
 }
 

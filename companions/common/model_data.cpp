@@ -65,7 +65,7 @@ void Builder::AddSettings()
   result.solids = problem.meshes.front()->GiveElemType() == Tetrahedra;
   result.beamDivisions = problem.numOfDivisions;
   result.meshes = static_cast<int>(problem.meshes.size());
-  result.units = UnitsOf(problem);
+  result.units = UnitsOf(problem.units);
 }
 
 void Builder::AddNodes()
@@ -178,15 +178,14 @@ Model ReadModel(const std::filesystem::path& file)
   return ModelOf(problem);
 }
 
-Units UnitsOf(const Problem& problem)
+Units UnitsOf(const morlen::Units& units)
 {
   Units found;
-  for (const UnitsBase& base : problem.units.bases) {
-    if (base.facN != problem.units.resForce || base.facM != problem.units.resLength)
+  for (const UnitsBase& base : units.bases) {
+    if (base.facN != units.resForce || base.facM != units.resLength)
       continue;
-    const bool exact = base.nameN == problem.units.resForceName &&
-                       base.nameM == problem.units.resLengthName &&
-                       base.namePa == problem.units.resPressureName;
+    const bool exact = base.nameN == units.resForceName && base.nameM == units.resLengthName &&
+                       base.namePa == units.resPressureName;
     if (exact || found.force.empty())
       found = {ToUtf8(base.nameN), ToUtf8(base.nameM), ToUtf8(base.namePa)};
     if (exact)

@@ -9,6 +9,7 @@
 
 namespace morlen {
 
+class Units;
 struct Problem;
 
 /// A model as plain data: the content of its problem file, in the units of the results.
@@ -114,10 +115,10 @@ Model ReadModel(const std::filesystem::path& file);
 /// The data of a problem that has been read and not yet analysed.
 Model ModelOf(const Problem& problem);
 
-/// The names of the units of the results: those of the unit system whose factors and names are
-/// those of the results, or else of the first system with these factors. Without one the file does
-/// not name them: the names in the problem are only its defaults.
-Units UnitsOf(const Problem& problem);
+/// The unit names of the results: those of the unit system with the factors and names of the
+/// results, or else of the first system with these factors. Empty when the file has no such system:
+/// the names in `units` are then only defaults.
+Units UnitsOf(const morlen::Units& units);
 
 /// Place of a division point of a beam, from 0. The points have equal distances.
 Vec3 PointOfBeam(const Model& model, const Element& beam, int point);

@@ -15,7 +15,7 @@ namespace morlen {
 
 namespace {
 
-// The first components of a node are displacements; a single rotation is that about z.
+// Adds components of a node: translations first; a single rotation is that about z.
 void AddComponents(const model::Model& model, const std::array<double, 6>& values, Wrench& sum)
 {
   const int translations = model.Translations();
@@ -26,7 +26,7 @@ void AddComponents(const model::Model& model, const std::array<double, 6>& value
     sum.moment[3 - rotations + k] += values[translations + k];
 }
 
-// The equivalent nodal loads of the meshes of beams, or of all others.
+// The equivalent nodal loads of the meshes of beams (`beams`), or of all other meshes.
 std::vector<Wrench> LoadsOfMeshes(const Problem& problem, const model::Model& model, bool beams)
 {
   ReaVecV byEquation;
@@ -70,7 +70,7 @@ std::vector<LineLoad> LoadsOnBeams(const Problem& problem, const model::Model& m
 
 AppliedLoads AppliedLoadsOf(const Problem& problem, const model::Model& model)
 {
-  CheckReferences(problem, AllFamilies());
+  CheckReferences(problem.meshes, problem.materials, AllFamilies());
   AppliedLoads loads;
   loads.nodes = LoadsOfMeshes(problem, model, true);
   const std::vector<Wrench> others = LoadsOfMeshes(problem, model, false);

@@ -23,17 +23,17 @@ struct LineLoad
   Vec3 q;
 };
 
-/// All loads on a model, in the form that the analysis uses: loads on elements and self-weight are
-/// equivalent loads of the nodes.
+/// All loads on a model as the analysis applies them: loads on elements and self-weight are
+/// equivalent nodal loads.
 struct AppliedLoads
 {
   std::vector<Wrench> nodes;      ///< all loads, by position in the model's list
-  std::vector<Vec3> onSurfaces;   ///< the forces among them that come from shells and solids
-  std::vector<LineLoad> onBeams;  ///< without loads of 0
+  std::vector<Vec3> onSurfaces;   ///< the part of `nodes` from shells and solids, forces only
+  std::vector<LineLoad> onBeams;  ///< loads that are not 0
 };
 
-/// The loads of a problem that has been read and not prepared for an analysis; model: its data.
-/// Fatal where the program refuses the load or the material of an element.
+/// The loads of a problem that has been read but not prepared for an analysis. model: the data of
+/// the same problem. Fatal where the program refuses the load or the material of an element.
 AppliedLoads AppliedLoadsOf(const Problem& problem, const model::Model& model);
 
 }  // namespace morlen

@@ -1,4 +1,4 @@
-// The order of the analysis: from the problem as read to the displacements.
+// The order of the steps of an analysis, from the problem as read to the displacements.
 
 #include "assembly/analysis.h"
 
@@ -45,7 +45,7 @@ std::string Outcome(const SparseSolver& sparse)
   return text.str();
 }
 
-/// Why a model that is too large for the direct solver is refused.
+/// The reason why a model that is too large for the direct solver is refused.
 std::string NoSolverHint(const SparseSolver& sparse, const SolverWork& work)
 {
   std::ostringstream text;
@@ -58,27 +58,70 @@ std::string NoSolverHint(const SparseSolver& sparse, const SolverWork& work)
 }
 
 /// The displacements of the three-node model, in the axes of the supports, as the starting vector
-/// of the six-node model. A mid-side node gets the mean of the corners of its edge.
-std::unique_ptr<double[]> StartOfSixNodes(const Problem& problem, ReaVecV start)
+/// of the six-node model. A mid-side node gets the mean of the corners of its edge. `start`: global
+/// axes, with the equations of the six-node model.
+std::unique_ptr<double[]> StartOfSixNodes(const Meshes& meshes, const NodeComponents& components,
+                                          ReaVecV start)
 {
-  start.resize(problem.Equations(), 0.0);
-  for (const auto& mesh : problem.meshes) {
+  const auto at = [&](const Node& node, int k) -> double& {
+    return start(components.Equation(node.number, k));
+  };
+  for (const auto& mesh : meshes) {
     if (mesh->GiveElemType() != Triangle)
       continue;
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       for (int i = 0; i < 3; ++i) {
-        for (int k = 1; k <= problem.components.count; ++k)
-          start(problem.Equation(*elem(i + 3), k)) =
-              (start(problem.Equation(*elem(i), k)) +
-               start(problem.Equation(*elem((i + 1) % 3), k))) /
-              2.0;
+        for (int k = 1; k <= components.count; ++k)
+          at(*elem(i + 3), k) = (at(*elem(i), k) + at(*elem((i + 1) % 3), k)) / 2.0;
       }
     }
   }
-  ConvertGlobalLoadToLocal(problem.GiveNodes(), start, problem.components.count);
+  ConvertGlobalLoadToLocal(*meshes.front()->GiveNodePlex(), start, components.count);
   auto values = std::make_unique<double[]>(static_cast<std::size_t>(start.Size()));
   std::copy_n(start.Data(), start.Size(), values.get());
   return values;
+}
+
+/// One analysis of a problem: the solver that is in use and the solutions.
+// reason: why this solver, for the information stream; empty for none.
+std::vector<LoadCase> AssembleSystem(const AnalysisTask& task, BSolver& solver,
+                                     const MakeLoads& makeLoads, const std::string& reason)
+{
+  const auto& [problem, families, info] = task;
+  CreateMatrix(problem.meshes, problem.components, solver);
+  if (!reason.empty())
+    Progress(info, "Solver %s taken: %s\n",
+             problem.solverSettings.type == SolverType::Sparse ? "Sparse" : "SkyLine",
+             reason.c_str());
+  if (info)
+    solver.PrintInfoMem(info);
+  Progress(info, "Just before filling global stiffness matrix\n");
+  AddStiffness(task, solver);
+  Progress(info, "Stiffness matrix filled\n");
+  std::vector<ReaVecV> loads = makeLoads(problem, families);
+  Progress(info, "Load vector constructed\n");
+  Progress(info, "Beginning to apply constraints\n");
+  return MakeLoadCases(problem.GiveNodes(), problem.components, std::move(loads));
+}
+
+std::vector<Solution> Finish(const AnalysisTask& task, std::vector<LoadCase> cases)
+{
+  const Problem& problem = task.problem;
+  std::vector<Solution> solutions =
+      FinishSolutions(problem.GiveNodes(), problem.components, std::move(cases));
+  Progress(task.info, "Solver finished\n");
+  return solutions;
+}
+
+std::vector<Solution> Solve(const AnalysisTask& task, BSolver& solver, const MakeLoads& makeLoads,
+                            const std::string& reason)
+{
+  std::vector<LoadCase> cases = AssembleSystem(task, solver, makeLoads, reason);
+  if (task.problem.solverSettings.type == SolverType::Sparse)
+    SolveByIteration(task, static_cast<SparseSolver&>(solver), cases);
+  else
+    SolveDirectly(task, static_cast<SkyMatriu&>(solver), cases);
+  return Finish(task, std::move(cases));
 }
 
 class Analysis
@@ -96,8 +139,8 @@ public:
 
   Analysed Run()
   {
-    CheckReferences(problem, families);
-    CheckModel(problem, families);
+    CheckReferences(problem.meshes, problem.materials, families);
+    CheckModel(problem.meshes, problem.problemType, problem.components, families);
     if (problem.hasHinges)
       MergeHinges(problem);
     if (Type() == SolverType::Double)
@@ -109,6 +152,7 @@ public:
     } else {
       Number();
       MarkNodes();
+      ReportMarks();
       MakeSolver();
       SolveBySolver("the problem file asks for it");
     }
@@ -125,17 +169,24 @@ private:
   void MakeSolver();
   void MakeIteration(const SolverChoice& choice);
 
-  // The iteration runs on the numbers of the file.
+  // --- Numbers of the nodes, and the coplanarity marks, which are valid for some numbers ---
+
+  // Renumbers for the direct solver. The iteration uses the numbers of the file.
   void Number()
   {
-    if (renumber && Type() == SolverType::SkyLine)
-      problem.meshes.front()->RenumberNodes();
+    if (Type() == SolverType::SkyLine)
+      Renumber();
   }
-
+  void Renumber();
+  void RestoreNumbers();
   void MarkNodes();
+  void ReportMarks() const;
+
   void MakeSkyline();
-  std::vector<LoadCase> AssembleSystem(const std::string& reason);
-  void SolveBySolver(const std::string& reason);
+  void SolveBySolver(const std::string& reason)
+  {
+    solutions = Solve(Task(), *solver, makeLoads, reason);
+  }
 
   Problem& problem;
   const ElementFamilies& families;
@@ -144,67 +195,92 @@ private:
   const MakeLoads& makeLoads;
   std::unique_ptr<BSolver> solver;
   std::vector<Solution> solutions;
-  ReaVecV start;  ///< displacements of the pre-solve; empty without one
+  ReaVecV start;               ///< displacements of the pre-solve; empty without one
+  bool marksAreValid = false;  ///< for the current nodes and their numbers
 };
 
-// For large models the faster solver is taken, and where that is the iteration and it fails, the
-// direct one after it.
+// Uses the solver that is estimated to be faster. When that is the iteration and it fails, the
+// direct solver follows.
 void Analysis::SolveAutomatically()
 {
   const SolverChoice choice = ChooseSolver();
   MarkNodes();
+  ReportMarks();
   if (choice.type == SolverType::SkyLine) {
     MakeSolver();
     return SolveBySolver(choice.reason);
   }
   MakeIteration(choice);
   auto& sparse = static_cast<SparseSolver&>(*solver);
-  std::vector<LoadCase> cases = AssembleSystem(choice.reason);
+  std::vector<LoadCase> cases = AssembleSystem(Task(), sparse, makeLoads, choice.reason);
   if (IterateToTheEnd(Task(), sparse, cases)) {
-    solutions = FinishSolutions(Task(), std::move(cases));
+    solutions = Finish(Task(), std::move(cases));
     return;
   }
   if (!choice.fitsDirectly)
-    SolverFailed(problem, -std::max(sparse.ModelReport().iterations, 1),
+    SolverFailed(problem.meshes, problem.components, -std::max(sparse.ModelReport().iterations, 1),
                  NoSolverHint(sparse, choice.work));
   const std::string reason = Outcome(sparse);
   solver.reset();
   Type() = SolverType::SkyLine;
   Number();
-  MarkCoplanarNodes(problem);
+  MarkNodes();
   MakeSolver();
   SolveBySolver(reason);
 }
 
-// Solves the model of three-node triangles by the skyline solver: its displacements are the
+// Solves the model of three-node triangles by the skyline solver. Its displacements are the
 // starting vector of the sparse solver for the model of six-node triangles.
 void Analysis::PreSolve()
 {
-  CheckDoubleSolver(problem);
-  if (renumber)
-    problem.meshes.front()->RenumberNodes();
+  CheckDoubleSolver(problem.meshes);
+  Renumber();
   Progress(info, "Running a pre-solver to prepare initial values\n");
   MarkNodes();
+  ReportMarks();
   MakeSkyline();
   SolveBySolver("");
   start = std::move(solutions.front().displacements);
   solutions.clear();
   solver.reset();
   problem.coplanarity.clear();
+  marksAreValid = false;
   Type() = SolverType::Sparse;
   problem.convertTo6Nodes = true;
 }
 
+void Analysis::Renumber()
+{
+  if (!renumber)
+    return;
+  problem.meshes.front()->RenumberNodes();
+  marksAreValid = false;
+}
+
+void Analysis::RestoreNumbers()
+{
+  if (!renumber)
+    return;
+  problem.meshes.front()->RestoreNumbers();
+  marksAreValid = false;
+}
+
 void Analysis::MarkNodes()
 {
-  MarkCoplanarNodes(problem);
+  if (!marksAreValid)
+    MarkCoplanarNodes(problem);
+  marksAreValid = true;
+}
+
+void Analysis::ReportMarks() const
+{
   const std::vector<int>& marks = problem.coplanarity;
   if (!marks.empty())
     Progress(info, "%i out of %i nodes are coplanar\n",
              static_cast<int>(std::count(marks.begin(), marks.end(), 1)), problem.numNodes);
 }
 
-// Leaves the nodes with the numbers on which the chosen solver works.
+// The nodes have the numbers of the chosen solver afterwards.
 SolverChoice Analysis::ChooseSolver()
 {
   Type() = SolverType::SkyLine;
@@ -213,11 +289,11 @@ SolverChoice Analysis::ChooseSolver()
   if (equations < kChoiceFrom)
     return {.reason = std::to_string(equations) + " equations are less than " +
                       std::to_string(kChoiceFrom)};
-  MarkCoplanarNodes(problem);
+  MarkNodes();
   SolverChoice choice = FasterSolver(EstimateWork(problem, families), UsableMemory(MemoryLimit()));
   Type() = choice.type;
-  if (choice.type == SolverType::Sparse && renumber)
-    problem.meshes.front()->RestoreNumbers();
+  if (choice.type == SolverType::Sparse)
+    RestoreNumbers();
   return choice;
 }
 
@@ -238,14 +314,16 @@ void Analysis::MakeSolver()
                     ? std::make_unique<SparseSolver>(problem.numNodes, n, s.processor)
                     : std::make_unique<SparseSolver>(problem.numNodes, n, s.tolerance1,
                                                      s.tolerance2, s.maxIterations, s.processor);
-  if (start.Size() > 0)
-    sparse->EnterInitialvalues(StartOfSixNodes(problem, start));
+  if (start.Size() > 0) {
+    start.resize(problem.Equations(), 0.0);
+    sparse->EnterInitialvalues(StartOfSixNodes(problem.meshes, problem.components, start));
+  }
   solver = std::move(sparse);
 }
 
-// With the default tolerances, but it goes on until the results are good. Where the direct solver
-// can follow, the iteration ends as soon as that would have been faster, or a structure seems to
-// move.
+// An iteration with the default tolerances that continues until the results are good. When the
+// direct solver can follow, the iteration ends as soon as that would have been faster, or when the
+// structure seems to move.
 void Analysis::MakeIteration(const SolverChoice& choice)
 {
   auto sparse = std::make_unique<SparseSolver>(problem.numNodes, problem.components.count,
@@ -261,49 +339,25 @@ void Analysis::MakeIteration(const SolverChoice& choice)
   solver = std::move(sparse);
 }
 
-std::vector<LoadCase> Analysis::AssembleSystem(const std::string& reason)
-{
-  CreateMatrix(problem, *solver);
-  if (!reason.empty())
-    Progress(info, "Solver %s taken: %s\n", Type() == SolverType::Sparse ? "Sparse" : "SkyLine",
-             reason.c_str());
-  if (info)
-    solver->PrintInfoMem(info);
-  Progress(info, "Just before filling global stiffness matrix\n");
-  AddStiffness(Task(), *solver);
-  Progress(info, "Stiffness matrix filled\n");
-  std::vector<ReaVecV> loads = makeLoads(problem, families);
-  Progress(info, "Load vector constructed\n");
-  Progress(info, "Beginning to apply constraints\n");
-  return MakeLoadCases(problem, std::move(loads));
-}
-
-void Analysis::SolveBySolver(const std::string& reason)
-{
-  std::vector<LoadCase> cases = AssembleSystem(reason);
-  if (Type() == SolverType::Sparse)
-    SolveByIteration(Task(), static_cast<SparseSolver&>(*solver), cases);
-  else
-    SolveDirectly(Task(), static_cast<SkyMatriu&>(*solver), cases);
-  solutions = FinishSolutions(Task(), std::move(cases));
-}
-
 }  // namespace
+
+std::vector<ReaVecV> LoadsOfProblem(const Problem& problem, const ElementFamilies& families)
+{
+  std::vector<ReaVecV> loads;
+  loads.push_back(AppliedLoads(problem, families));
+  return loads;
+}
+
+std::vector<Solution> SolvePrepared(const Problem& problem, const ElementFamilies& families,
+                                    BSolver& solver, const MakeLoads& makeLoads, std::FILE* info)
+{
+  return Solve({problem, families, info}, solver, makeLoads, "");
+}
 
 Analysed Analyse(Problem& problem, const ElementFamilies& families, const AnalysisOptions& options,
                  const MakeLoads& makeLoads)
 {
   return Analysis(problem, families, options, makeLoads).Run();
-}
-
-Analysed Analyse(Problem& problem, const ElementFamilies& families, const AnalysisOptions& options)
-{
-  return Analyse(problem, families, options,
-                 [](const Problem& prepared, const ElementFamilies& known) {
-                   std::vector<ReaVecV> loads;
-                   loads.push_back(AppliedLoads(prepared, known));
-                   return loads;
-                 });
 }
 
 }  // namespace morlen

@@ -17,6 +17,9 @@ struct Problem;
 /// than once.
 using MakeLoads = std::function<std::vector<ReaVecV>(const Problem&, const ElementFamilies&)>;
 
+/// The loads that the problem has, as its only load vector.
+std::vector<ReaVecV> LoadsOfProblem(const Problem& problem, const ElementFamilies& families);
+
 struct AnalysisOptions
 {
   bool renumber = true;       ///< false keeps the numbers of the file
@@ -27,19 +30,23 @@ struct AnalysisOptions
 struct Analysed
 {
   std::unique_ptr<BSolver> solver;  ///< with the factors or the assembled matrix
-  std::vector<Solution> solutions;  ///< displacements and begun reactions, one for each load vector
+  /// One for each load vector: displacements, and reactions without the forces of the elements.
+  std::vector<Solution> solutions;
 };
 
 /// Checks and prepares a problem, chooses the solver, and solves all load vectors with one
 /// factorisation. The problem changes in its preparation only: hinges, six-node shells, coplanarity
 /// marks, numbers of nodes, and the type of the solver, which becomes the one that was used.
 ///
-/// Small models are solved directly. For large ones the faster solver is taken; where that is the
-/// iteration and it fails, the direct one follows it.
+/// With an automatic choice of the solver, small models are solved directly and large ones by the
+/// solver that is estimated to be faster. When that is the iteration and it fails, the direct
+/// solver follows, if the memory has room for it.
 Analysed Analyse(Problem& problem, const ElementFamilies& families, const AnalysisOptions& options,
-                 const MakeLoads& makeLoads);
+                 const MakeLoads& makeLoads = LoadsOfProblem);
 
-/// The same for the loads of the problem.
-Analysed Analyse(Problem& problem, const ElementFamilies& families, const AnalysisOptions& options);
+/// Assembles and solves a prepared problem for all load vectors, with one factorisation. `solver`:
+/// empty, of the problem's size, a SparseSolver when the settings say Sparse, else a SkyMatriu.
+std::vector<Solution> SolvePrepared(const Problem& problem, const ElementFamilies& families,
+                                    BSolver& solver, const MakeLoads& makeLoads, std::FILE* info);
 
 }  // namespace morlen

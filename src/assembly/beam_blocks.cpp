@@ -9,8 +9,8 @@ namespace morlen {
 
 namespace {
 
-/// forces = own·a + other·b by row, of n×n numbers each; `step` entries of `other` lie between the
-/// rows, `stride` between the columns.
+/// forces = own·a + other·b, for n×n blocks. The rows of `other` are `step` entries apart, its
+/// columns `stride` entries.
 void MultiplyEnd(int n, const double* own, const double* a, const double* other, int step,
                  int stride, const double* b, double* forces)
 {

@@ -19,7 +19,7 @@ namespace morlen {
 void AddBeamStiffness(const Problem& problem, const Mesh& mesh, int applyLocalAxes,
                       ElementSink& sink)
 {
-  BeamBlocks blocks;  // allocated once for the mesh
+  BeamBlocks blocks;  // outside the loop, so that it is allocated once
   Matriu T;
   BlockAssembler assembler(sink, problem.components.count, applyLocalAxes);
   assembler.Assemble(mesh, [&](const Elem& elem) {

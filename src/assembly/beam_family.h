@@ -8,7 +8,7 @@ class Mesh;
 class ReaVecV;
 struct Problem;
 
-// Beams in the analysis, for the row of an ElementFamily.
+// The analysis of beams, for their row of ElementFamily.
 
 void AddBeamStiffness(const Problem& problem, const Mesh& mesh, int applyLocalAxes,
                       ElementSink& sink);

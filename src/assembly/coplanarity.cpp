@@ -1,3 +1,9 @@
+// Which nodes of shells are coplanar.
+//
+// The triangles of a mesh are visited once, in their order. Each node keeps a chain of the
+// different planes around it: a triangle joins the plane whose normal it shares, or adds a plane. A
+// node with a second plane is folded. Between meshes only the first plane of each node is compared.
+
 #include "assembly/coplanarity.h"
 
 #include <algorithm>
@@ -29,15 +35,15 @@ ReaVec UnitNormal(const Elem& elem)
   return normal / length;
 }
 
-// A triangle around a node whose plane is not that of an earlier one there.
+/// A plane around a node.
 struct PlaneAtNode
 {
-  const Elem* elem;
+  const Elem* elem;  ///< the first triangle in it
   ReaVec normal;
-  int next;  // the next one of the node; -1 at the end
+  int next;  ///< index of the next plane of the node; -1 at the end
 };
 
-// The planes of a mesh around each node, in the order of the elements.
+/// The different planes of a mesh around each node, in the order of the elements.
 class PlanesAround
 {
 public:
@@ -60,7 +66,7 @@ private:
   std::vector<PlaneAtNode> planes;
 };
 
-// Two triangles that face opposite ways, at the node of the lowest number.
+/// Two triangles with opposite normals, at the node of the lowest number.
 struct OppositePair
 {
   int node = std::numeric_limits<int>::max();
@@ -124,7 +130,8 @@ void CoplanarityTest::Add(const Mesh& mesh, const Mesh& fileNumbers)
           " have normals in opposite directions. It is necessary to swap normals\n");
 }
 
-// With the plane that another mesh has found at the node; its other side is the same plane.
+// Compares with the first plane that another mesh has at the node. Opposite normals are the same
+// plane here.
 void CoplanarityTest::Compare(int node, const ReaVec& normal)
 {
   if (planes[node].Size() == 0)

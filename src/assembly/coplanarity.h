@@ -9,34 +9,41 @@ namespace morlen {
 class Mesh;
 struct Problem;
 
-/// Finds the nodes around which all triangles lie in one plane, over all triangle meshes.
+/// Finds the nodes around which all triangles of all meshes lie in one plane.
+///
+/// Two triangles lie in one plane when the cosine of the angle between their normals is at least
+/// that of the limit. A flat shell has no stiffness against the rotation of such a node about the
+/// normal.
 class CoplanarityTest
 {
 public:
-  /// For nodes with system numbers 1..nodes; planes are the same up to `angle` (radians).
+  /// For nodes with system numbers 1..nodes. Planes that differ by at most `angle` (radians) are
+  /// the same.
   CoplanarityTest(int nodes, double angle);
 
-  /// Takes the triangles of a mesh. Fatal on a triangle without a normal, on neighbours that
-  /// face opposite ways, and on a node with too many triangles around it. fileNumbers is the
-  /// mesh that knows the numbers of the file.
+  /// Adds the triangles of a mesh. Fatal on a triangle without a normal, on triangles at one node
+  /// with opposite normals, and on a node with too many triangles. fileNumbers: the mesh that knows
+  /// the numbers of the file, for messages.
   void Add(const Mesh& mesh, const Mesh& fileNumbers);
 
-  /// 1 for each coplanar node, at its system number less 1; nodes without triangles have 0.
+  /// By system number less 1: 1 for a coplanar node, 0 for a folded one and for one without
+  /// triangles.
   std::vector<int> Marks() const;
 
 private:
   void Compare(int node, const ReaVec& normal);
 
   double cosine;
-  std::vector<ReaVec> planes;  ///< normal of the first triangle at each node; empty: none
-  std::vector<char> folded;
+  std::vector<ReaVec> planes;  ///< by node: normal of its first triangle; empty without triangles
+  std::vector<char> folded;    ///< by node: 1 when its triangles lie in several planes
 };
 
-/// Number of triangles of a mesh around each node, at its system number less 1. Fatal when
-/// there are more than 25.
+/// The number of triangles of a mesh around each node, by system number less 1. Fatal when there
+/// are more than 25. fileNumbers: the mesh that knows the numbers of the file, for the message.
 std::vector<int> CountElementsAround(const Mesh& mesh, int nodes, const Mesh& fileNumbers);
 
-/// Sets the coplanarity marks of a problem with shells; others keep none.
+/// Sets the coplanarity marks of a problem with shells. Problems without shells have no marks. The
+/// marks are ordered by system number, so that they are valid until the nodes are renumbered.
 void MarkCoplanarNodes(Problem& problem);
 
 }  // namespace morlen

@@ -1,4 +1,4 @@
-// The direct solution: factorised, refined, and judged by its refinement.
+// The direct solution: factorisation, refinement, and the verdict of the refinement.
 
 #include "assembly/direct_solution.h"
 
@@ -18,7 +18,7 @@ namespace morlen {
 
 namespace {
 
-/// A line for a model that is refused although it may stand; empty for one that can move.
+/// The hint for a model that is refused although it may be stable; empty for one that can move.
 std::string RoughModelHint(const RefinedCases& cases, Refinement::Verdict verdict)
 {
   if (verdict == Refinement::Verdict::Moves && !cases.probe.Diverges())
@@ -27,7 +27,7 @@ std::string RoughModelHint(const RefinedCases& cases, Refinement::Verdict verdic
          "arithmetic are not enough for its displacements\n";
 }
 
-/// Solves all load cases and the probe together.
+/// Solves all load cases and the probe with one factorisation.
 class DirectSolution
 {
 public:
@@ -37,31 +37,35 @@ public:
         matrix(matrix_),
         loadCases(loadCases_),
         nodes(task.problem.GiveNodes()),
-        scale(ScaleOfComponents(task.problem))
+        scale(ScaleOfComponents(task.problem.meshes, task.problem.components))
   {
   }
 
   RefinedCases Solve() const
   {
     std::vector<ReaVecV> sides = LoadsOf(loadCases);
-    ApplySupports(task.problem, matrix, sides);
+    ApplySupports(nodes, scale.components, matrix, sides);
     Progress(task.info, "Just before Solver\n");
     RefinedCases cases;
     if (const int refused = SolveCases(std::move(sides), cases, task.info))
-      SolverFailed(task.problem, refused, RefusedPivotHint());
+      Fail(refused, RefusedPivotHint());
     const Refinement refinement = MakeRefinement();
     const Refinement::Verdict verdict = refinement.Run(cases);
     if (verdict == Refinement::Verdict::Moves)
-      SolverFailed(task.problem, refinement.LargestMotion(cases.probe),
-                   RoughModelHint(cases, verdict));
+      Fail(refinement.LargestMotion(cases.probe), RoughModelHint(cases, verdict));
     if (verdict == Refinement::Verdict::TooRough)
-      SolverFailed(task.problem, -1, RoughModelHint(cases, verdict));
+      Fail(-1, RoughModelHint(cases, verdict));
     return cases;
   }
 
 private:
-  // Solves the right-hand sides and the probe; the refinement is still to come. Returns the
-  // argument of SolverFailed, or 0.
+  [[noreturn]] void Fail(int result, const std::string& hint) const
+  {
+    SolverFailed(task.problem.meshes, scale.components, result, hint);
+  }
+
+  // Solves the right-hand sides and the probe without refinement. Returns 0 or the `result` of
+  // SolverFailed.
   int SolveCases(std::vector<ReaVecV> sides, RefinedCases& cases, std::FILE* info) const
   {
     using Norm = RefinedCase::Norm;
@@ -69,6 +73,7 @@ private:
     ReaVecV probe = probeLoads;
     const double sizeOfProbe = SizeOnFree(Norm::Largest, nodes, scale, probe);
     std::vector<double> sizes;
+    sizes.reserve(sides.size());
     SkyMatriu::RightHandSides all;
     for (ReaVecV& side : sides) {
       sizes.push_back(SizeOnFree(Norm::Euclidean, nodes, scale, side));
@@ -85,14 +90,14 @@ private:
     return 0;
   }
 
-  // A refused pivot does not tell why it is small. Without the limit for pivots that have lost
-  // digits, the refinement can often tell.
+  // A refused pivot does not show why it is small: the structure can move, or the model is too
+  // rough. The refinement can often tell, after a factorisation that accepts pivots without digits.
   std::string RefusedPivotHint() const
   {
     matrix.SetToZero();
     AddStiffness(task, matrix);
     std::vector<ReaVecV> sides = LoadsOf(loadCases);
-    ApplySupports(task.problem, matrix, sides);
+    ApplySupports(nodes, scale.components, matrix, sides);
     matrix.AcceptLostPivots();
     RefinedCases cases;
     if (SolveCases(std::move(sides), cases, nullptr) != 0)
@@ -125,7 +130,7 @@ void SolveDirectly(const AnalysisTask& task, SkyMatriu& matrix, std::vector<Load
     solution.displacements = std::move(from.u.value);
     solution.displacementRests = std::move(from.u.rest);
     solution.elementForces = std::move(from.elementForces);
-    TellAccuracy(task, solution.accuracy);
+    TellAccuracy(solution.accuracy, SolverType::SkyLine, task.info);
   }
 }
 

@@ -40,7 +40,7 @@ void BlockAssembler::Append(const Matriu& K)
 
 void BlockAssembler::MakeRoom(int nodesOfElement)
 {
-  // The blocks of a group should fit into the first cache.
+  // The matrix blocks that a group changes should fit into the first cache.
   constexpr std::size_t kNodesOfGroup = 64;
   nnode = nodesOfElement;
   group.reserve(std::max(kNodesOfGroup / nnode, std::size_t{1}));
@@ -74,8 +74,8 @@ void BlockAssembler::Add(std::size_t k)
   sink.AddElement({all.subspan(k * nnode, nnode), n, blocks.data()});
 }
 
-// The node with the lower number has the rows while a block is turned, so that rounding does not
-// depend on the order in the element.
+// A block is rotated with the rows of the node with the lower number, so that rounding does not
+// depend on the order of the nodes in the element.
 void BlockAssembler::TurnToSupports(const Elem& elem)
 {
   Matriu K(n, n);

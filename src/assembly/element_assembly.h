@@ -12,19 +12,19 @@ namespace morlen {
 class ElementSink;
 class Matriu;
 
-// Values of applyLocalAxes: in which axes the stiffness of the elements is added.
+// Values of applyLocalAxes: the axes in which the stiffness of the elements is added.
 constexpr int kInGlobalAxes = 0;
 constexpr int kInSupportAxes = 1;
 
-/// Hands the stiffness of the elements of a mesh to a sink, in blocks of their nodes.
+/// Adds the stiffness of the elements of a mesh to a sink, in blocks of pairs of nodes.
 class BlockAssembler
 {
 public:
-  /// components: of a node.
+  /// components: their number at a node, which is the order n of a block.
   BlockAssembler(ElementSink& sink, int components, int applyLocalAxes);
 
-  /// Adds all elements: calculate(elem) appends their blocks in global axes, by NextBlock or
-  /// Append. Elements are announced to the sink in groups so that it can prefetch.
+  /// Adds all elements. calculate(elem) appends the blocks of an element in global axes by
+  /// NextBlock or Append. Elements are announced to the sink in groups so that it can prefetch.
   template <class Calculate>
   void Assemble(const Mesh& mesh, Calculate calculate)
   {
@@ -46,15 +46,15 @@ public:
     addGroup();
   }
 
-  /// The place of the next block of the element at work, n×n numbers row by row. The blocks are
-  /// those between the nodes i and j (from 0), for j from i on, one i after the other.
+  /// The place of the next block of the current element: n×n numbers, row by row. The blocks are
+  /// those of the nodes i (rows) and j (columns) with i <= j, ordered by i, then by j.
   double* NextBlock()
   {
     double* const block = next;
     next += n * n;
     return block;
   }
-  /// Copies K to the place of the next block.
+  /// Copies K (n×n) to the place of the next block.
   void Append(const Matriu& K);
 
 private:
@@ -75,9 +75,9 @@ private:
   int n;
   bool toSupportAxes;
   int nnode = 0;
-  std::vector<const Elem*> group;  ///< elements that the sink has been told of
-  std::vector<int> numbers;        ///< of their nodes
-  std::vector<double> blocks;      ///< of the element at work
+  std::vector<const Elem*> group;  ///< elements that are announced together
+  std::vector<int> numbers;        ///< system numbers of their nodes
+  std::vector<double> blocks;      ///< of the current element
   double* next = nullptr;          ///< where its next block begins
 };
 

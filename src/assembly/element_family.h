@@ -40,7 +40,7 @@ struct ElementFamily
 
   /// Fills points, blockSize and the values of the results; their numbers are known.
   void (*calcStrengths)(const Problem&, const Mesh&, const Solution&, MeshResults&);
-  /// Whether the values that the writers compute between the nodes are bounded; null when they
+  /// True when the values that the writers compute between the nodes are bounded; null when they
   /// compute none.
   bool (*areSpansBounded)(const MeshOutput&);
   /// Smooths the results of a mesh (from 0); null when the family has no smoothing.
@@ -53,11 +53,11 @@ struct ElementFamily
   void (*writeBlocks)(const MeshOutput&, TextOut&);
 };
 
-/// The families that a program has.
+/// The table of the element families of a program.
 class ElementFamilies
 {
 public:
-  /// The rows are borrowed.
+  /// Borrows the rows.
   explicit constexpr ElementFamilies(std::span<const ElementFamily> rows_) : rows(rows_) {}
 
   /// The family of a mesh; null for elements that cannot be analysed.

@@ -10,7 +10,7 @@ namespace morlen {
 
 namespace {
 
-// Stiffness of the membrane, or of bending over the slopes of the normal: 2×2.
+/// The 2×2 stiffness of the membrane, or of bending for the slopes of the normal.
 struct PlaneBlock
 {
   PlaneBlock(const double (&M)[3][3], const Matriu& D)
@@ -26,9 +26,10 @@ struct PlaneBlock
 
 }  // namespace
 
-// Bending and shear are written over the slopes θa, θb of the normal (∂w/∂x', ∂w/∂y' when
-// there is no shear strain); the nodes have the rotations r about x' and y', with θa = -r_y'
-// and θb = r_x'. So the column of r_x' is that of θb, and the column of r_y' minus that of θa.
+// Bending and shear are formulated with the slopes θa, θb of the normal, which are ∂w/∂x' and
+// ∂w/∂y' when there is no shear strain. The nodes have the rotations r about x' and y', with θa =
+// -r_y' and θb = r_x'. The column of r_x' is therefore that of θb, the column of r_y' minus that of
+// θa.
 void AddtoKMatrix(const PairSums& sums, const Matriu& Dm, const Matriu& Db, const Matriu& Ds,
                   Matriu& K)
 {

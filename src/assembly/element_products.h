@@ -8,14 +8,16 @@ namespace morlen {
 
 class ReaVecV;
 
-// What a node of a solid or a shell has at a point of integration is three numbers, of which
-// the strain blocks B (strains × components) consist; for a solid the gradient of its shape
-// function, for a shell the slopes in its plane and the value. All products that a pair of
-// nodes has in the integral of Bᵢᵀ·D·Bⱼ are then among the nine of their sum M = Σ w·nᵢ·nⱼᵀ
-// over the points, and D, the same at all points and without coupling of stretches and shear
-// strains, comes in once. Nothing is allocated.
+// Products of strain blocks: the stiffness Σ w·Bᵢᵀ·D·Bⱼ between two nodes of a solid or a shell.
+//
+// The strain block B of a node (strains × components) at a point of integration consists of three
+// numbers n. In a solid they are the gradient of the node's shape function. In a shell they are the
+// slopes of the shape function in the plane and its value. Every product of two entries of Bᵢ and
+// Bⱼ is therefore one of the nine entries of nᵢ·nⱼᵀ, and so M = Σ w·nᵢ·nⱼᵀ is summed over the
+// points first. D is the same at all points and does not couple normal strains with shear strains,
+// so it is applied once, to M. Nothing is allocated.
 
-/// The three numbers of a node at a point.
+/// The three numbers of a node at a point of integration.
 using NodeNumbers = std::array<double, 3>;
 
 /// The sum M over the points of integration for a pair of nodes.
@@ -45,7 +47,7 @@ struct PairSums
   double M[3][3] = {};
 };
 
-/// K = Σ w·Bᵢᵀ·D·Bⱼ of a solid: K nine numbers row by row, D 6×6.
+/// K = Σ w·Bᵢᵀ·D·Bⱼ of a solid. K: 3×3, nine numbers row by row. D: 6×6.
 inline void AddtoKMatrix(const PairSums& sums, const Matriu& D, double* K)
 {
   const auto& M = sums.M;
@@ -64,9 +66,9 @@ inline void AddtoKMatrix(const PairSums& sums, const Matriu& D, double* K)
   K[8] = d[14] * M[2][2] + xz * M[0][0] + yz * M[1][1];
 }
 
-/// The same of a shell, in the axes of the element: K 6×6, over the displacements and the
-/// rotations of the nodes, 0 for those about the normal; Dm, Db (3×3) and Ds (2×2): membrane,
-/// bending and shear.
+/// The same of a shell, in the axes of the element. K: 6×6, for the displacements and the rotations
+/// of the nodes; rows and columns of the rotation about the normal are 0. Dm, Db (3×3) and Ds
+/// (2×2): membrane, bending and shear.
 void AddtoKMatrix(const PairSums& sums, const Matriu& Dm, const Matriu& Db, const Matriu& Ds,
                   Matriu& K);
 

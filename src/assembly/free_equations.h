@@ -11,8 +11,8 @@
 
 namespace morlen {
 
-/// Calls visit(equation, component from 1, stiffness of a spring there) for every component of
-/// a node that has no prescribed displacement.
+/// Calls visit(equation, component from 1, stiffness of its spring or 0) for every component of a
+/// node without a prescribed displacement. These equations are called free.
 template <class Visit>
 void ForEachFree(const VoidPlex& nodes, const NodeComponents& components, Visit visit)
 {
@@ -39,8 +39,8 @@ struct ComponentScale
   double Unit(int component) const { return component <= components.translations ? 1.0 : length; }
 };
 
-/// The largest absolute load on those equations; moments are divided by the length. The result is
-/// NaN when an entry is.
+/// The largest absolute load on the free equations. Moments are divided by the length. The result
+/// is NaN when an entry is.
 inline double LargestOnFree(const VoidPlex& nodes, const ComponentScale& scale, const ReaVecV& v)
 {
   double largest = 0.0;
@@ -65,7 +65,7 @@ inline double NormOnFree(const VoidPlex& nodes, const ComponentScale& scale, con
   return largest * std::sqrt(squares);
 }
 
-/// Whether all entries are finite numbers.
+/// True when all entries are finite numbers.
 inline bool AllFinite(const ReaVecV& v)
 {
   const double* const values = v.Data();

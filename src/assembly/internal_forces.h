@@ -12,29 +12,29 @@ namespace morlen {
 class ElementFamilies;
 struct Problem;
 
-/// The forces that the nodes exert on the elements when they are displaced: K·u by equation in
-/// global axes, element by element, without the matrix K and for several u at once.
+/// The forces K·u that displaced nodes exert on the elements, by equation in global axes.
 ///
-/// Every element works with its relative displacements (relative_motion.h), so that the forces
-/// are as accurate as the displacements allow, however large its rigid motion is.
+/// They are summed element by element, without the assembled matrix, for several vectors u at once.
+/// Every element works with its relative displacements (relative_motion.h), so that the forces are
+/// as accurate as the displacements allow, however large its rigid motion is.
 class InternalForces
 {
 public:
-  /// Which elements count.
+  /// The elements that are included.
   enum class Elements
   {
     All,
-    AtSupports  ///< the forces of supported nodes are complete, those of others are not
+    AtSupports  ///< those with a supported node: only the forces of supported nodes are complete
   };
 
-  /// For vectors of `equations` displacements, global axes, `components` a node.
+  /// For vectors of `equations` displacements in global axes, with `components` at each node.
   InternalForces(std::vector<SplitView> displacements, int equations, int components,
                  Elements elements = Elements::All);
 
   int Count() const { return static_cast<int>(displacements.size()); }
   const SplitView& Displacements(int index) const { return displacements[index]; }
 
-  /// Calls visit(elem) for the elements of a mesh that count.
+  /// Calls visit(elem) for the included elements of a mesh.
   template <class Visit>
   void ForEachWanted(const Mesh& mesh, Visit visit) const
   {
@@ -44,11 +44,11 @@ public:
     }
   }
 
-  /// Adds the forces of an element's nodes, all components of a node after those of another, to
-  /// those of the vector of this index.
+  /// Adds the forces on the nodes of an element for the vector of this index. forces: all
+  /// components of the first node, then those of the second, and so on.
   void Add(const Elem& elem, int index, const double* forces);
 
-  /// Those of the vector of this index, from 0.
+  /// The forces for the vector of this index (from 0).
   ReaVecV& Forces(int index) { return sums[index]; }
 
 private:

@@ -1,4 +1,4 @@
-// The solution by iteration, and when it can be trusted.
+// The solution by iteration, and the rules by which it is accepted.
 
 #include "assembly/iterated_solution.h"
 
@@ -17,20 +17,20 @@ namespace morlen {
 
 namespace {
 
-/// Whether the iteration of a probe has met a motion without energy.
+/// True when the iteration of a probe has found a motion without energy.
 bool MovesFreely(const IterationReport& probe)
 {
   return probe.smallestQuotient >= 0.0 && probe.smallestQuotient < IterationDemands::kLeastQuotient;
 }
 
-/// Whether a probe has come so far that most structures that can move are ruled out.
+/// True when the residual of a probe is so small that most structures that can move are excluded.
 bool HasAlmostConverged(const IterationReport& probe, double tolerance)
 {
   constexpr double kAlmost = 1e-2;
   return probe.residual <= std::max(tolerance, kAlmost);
 }
 
-/// Why an iteration that has converged is refused.
+/// The reason why an iteration that has converged is refused.
 std::string UnprovenHint(const IterationReport& probe)
 {
   std::ostringstream text;
@@ -42,7 +42,7 @@ std::string UnprovenHint(const IterationReport& probe)
   return text.str();
 }
 
-/// The reports of a load case and of the probe, which is iterated with the first case.
+/// The reports of a load case and of the probe, which is solved together with the first case.
 struct CaseReports
 {
   int result;  ///< of SparseSolver::Solver
@@ -50,16 +50,18 @@ struct CaseReports
   IterationReport probe;
 };
 
-/// Solves the load cases one after the other and passes judge(solution, reports) each outcome,
-/// until it returns false. Returns whether it never did.
+/// Solves the load cases in order and calls judge(solution, reports) after each. Stops and returns
+/// false when judge returns false; returns true after the last case.
 template <class Judge>
 bool Iterate(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCase>& cases,
              Judge judge)
 {
-  const Problem& problem = task.problem;
+  const VoidPlex& nodes = task.problem.GiveNodes();
+  const NodeComponents& components = task.problem.components;
   std::vector<ReaVecV> sides = LoadsOf(cases);
-  ApplySupports(problem, solver, sides);
-  ReaVecV probe = ProbeLoad(problem.GiveNodes(), ScaleOfComponents(problem), solver.GiveSize());
+  ApplySupports(nodes, components, solver, sides);
+  ReaVecV probe =
+      ProbeLoad(nodes, ScaleOfComponents(task.problem.meshes, components), solver.GiveSize());
   CaseReports reports{};
   solver.KeepPreconditioner(cases.size() > 1);
   Progress(task.info, "Just before Solver\n");
@@ -76,20 +78,24 @@ bool Iterate(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCas
     solution.accuracy = {.error = reports.model.error, .residual = reports.model.residual};
     if (!judge(solution, reports))
       return false;
-    TellAccuracy(task, solution.accuracy);
+    TellAccuracy(solution.accuracy, SolverType::Sparse, task.info);
   }
   return true;
 }
 
-/// Refuses a solution that an explicit iteration has not reached, or warns of it.
+/// For an iteration that the problem file asks for: refuses a solution that does not meet the
+/// second tolerance, and warns of one that does not meet the first. Also refuses the structure, or
+/// warns, when the probe has not converged.
 void JudgeExplicit(const AnalysisTask& task, const Solution& solution, const CaseReports& reports,
                    double tolerance)
 {
   const auto& [result, model, probe] = reports;
-  RequireSolution(task.problem, result, solution.displacements);
+  const Problem& problem = task.problem;
+  RequireSolution(problem.meshes, problem.components, result, solution.displacements);
   const bool unproven = model.reached && !HasAlmostConverged(probe, tolerance);
   if (!probe.reached && (unproven || MovesFreely(probe)))
-    SolverFailed(task.problem, -std::max(probe.iterations, 1), UnprovenHint(probe));
+    SolverFailed(problem.meshes, problem.components, -std::max(probe.iterations, 1),
+                 UnprovenHint(probe));
   if (!model.reached)
     Warn(task.info,
          "warning: the iteration ended before its tolerance, with a residual of %.1e. The results "

@@ -1,6 +1,7 @@
 #include "assembly/load_vector.h"
 
 #include "assembly/element_family.h"
+#include "base/node_components.h"
 #include "model/mesh.h"
 #include "model/nodal_load.h"
 #include "model/node.h"
@@ -10,13 +11,13 @@
 
 namespace morlen {
 
-void AddNodalLoads(const Problem& problem, ReaVecV& loads)
+void AddNodalLoads(const VoidPlex& nodes, const NodeComponents& components, ReaVecV& loads)
 {
-  for (const Node& node : Each<Node>(problem.GiveNodes())) {
+  for (const Node& node : Each<Node>(nodes)) {
     if (!node.load)
       continue;
-    for (int k = 1; k <= problem.components.count; ++k)
-      loads(problem.Equation(node, k)) += node.load->values[k - 1];
+    for (int k = 1; k <= components.count; ++k)
+      loads(components.Equation(node.number, k)) += node.load->values[k - 1];
   }
 }
 
@@ -24,7 +25,7 @@ ReaVecV AppliedLoads(const Problem& problem, const ElementFamilies& families)
 {
   ReaVecV loads;
   loads.resize(problem.Equations(), 0.0);
-  AddNodalLoads(problem, loads);
+  AddNodalLoads(problem.GiveNodes(), problem.components, loads);
   for (const auto& mesh : problem.meshes)
     families.Of(*mesh).addLoads(problem, *mesh, loads);
   return loads;

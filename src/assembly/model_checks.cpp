@@ -9,7 +9,6 @@
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/problem.h"
 
 namespace morlen {
 
@@ -54,31 +53,33 @@ void CheckSupportAxes(const VoidPlex& nodes, int components)
 
 }  // namespace
 
-void CheckReferences(const Problem& problem, const ElementFamilies& families)
+void CheckReferences(const Meshes& meshes, const VoidPlex& materials,
+                     const ElementFamilies& families)
 {
-  for (const auto& mesh : problem.meshes) {
+  for (const auto& mesh : meshes) {
     const bool analysed = families.Find(*mesh) != nullptr;
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       AttemptOn(ReadItem::Element, elem.Num(), [&] { RequireNodes(elem); });
       if (analysed)
-        AttemptOn(ReadItem::Element, elem.Num(), [&] { problem.RequireMaterial(elem); });
+        AttemptOn(ReadItem::Element, elem.Num(), [&] { RequireMaterial(elem, materials); });
     }
   }
 }
 
-void CheckModel(const Problem& problem, const ElementFamilies& families)
+void CheckModel(const Meshes& meshes, PROBLEMTYPE type, const NodeComponents& components,
+                const ElementFamilies& families)
 {
-  for (const auto& mesh : problem.meshes) {
-    Attempt(nullptr, [&] { RequireFamily(*mesh, families, problem.problemType); });
+  for (const auto& mesh : meshes) {
+    Attempt(nullptr, [&] { RequireFamily(*mesh, families, type); });
     if (mesh->GiveElemType() == Linear)
       CheckLengths(*mesh);
   }
-  CheckSupportAxes(problem.GiveNodes(), problem.components.count);
+  CheckSupportAxes(*meshes.front()->GiveNodePlex(), components.count);
 }
 
-void CheckDoubleSolver(const Problem& problem)
+void CheckDoubleSolver(const Meshes& meshes)
 {
-  for (const auto& mesh : problem.meshes) {
+  for (const auto& mesh : meshes) {
     if (mesh->GiveElemType() == Triangle && mesh->GiveNnode() != 3)
       Fatal("error: Solver DOUBLE needs a shell mesh of 3-noded triangles\n");
     if (mesh->GiveElemType() == Tetrahedra)

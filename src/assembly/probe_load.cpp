@@ -9,7 +9,7 @@ namespace morlen {
 
 namespace {
 
-/// Limits of the sum of the loads along one component, in largest loads.
+/// Limits of the sum of the loads of one component, in units of the largest load.
 constexpr double kLeastSum = 1.0;
 constexpr double kLargestSum = 12.0;
 

@@ -13,30 +13,30 @@ namespace morlen {
 namespace {
 
 constexpr int kMostSteps = 8;
-/// The refinement of the model ends at this correction: the next one would be smaller again.
+/// The refinement of a model ends below this correction: the next one would be still smaller.
 constexpr double kNegligible = 1e-10;
-/// The refinement of the model ends at this residual. It has a limit beside that of the correction,
-/// since forces of stiff parts may be wrong when no displacement changes any more.
+/// The refinement of a model ends below this residual. The residual has a limit besides that of the
+/// correction, because forces of stiff parts may be wrong although no displacement changes any
+/// more.
 constexpr double kNegligibleResidual = 1e-9;
-/// A model whose corrections fall no more is good enough below this correction.
+/// A model whose corrections no longer fall is good enough below this correction.
 constexpr double kGood = 1e-6;
 /// A case with a larger last correction is refused.
-constexpr double kStands = 1e-3;
+constexpr double kLargestCorrection = 1e-3;
 /// A case with a larger last residual is refused.
-constexpr double kHeld = 1e-3;
+constexpr double kLargestResidual = 1e-3;
 /// A structure can move when the last correction of the probe is above this, and is at least half
 /// the one before.
 constexpr double kMoves = 0.1;
 
-/// Whether the last value is negligible, or more than half of the one before. NaN counts as
-/// settled.
+/// True when the last value is negligible, more than half of the one before, or NaN.
 bool IsSettled(const std::vector<double>& values, double negligible)
 {
   const double last = values.back();
   return !(last > negligible) || (values.size() > 1 && !(last <= values[values.size() - 2] / 2.0));
 }
 
-/// Whether more steps would not help.
+/// True when more steps would not help.
 bool IsDone(const RefinedCase& model)
 {
   return !model.corrections.empty() && !(model.LastCorrection() > kGood) &&
@@ -44,13 +44,14 @@ bool IsDone(const RefinedCase& model)
          IsSettled(model.residuals, kNegligibleResidual);
 }
 
-/// Whether the case has been corrected, and both its correction and its residual are small enough.
-bool Stands(const RefinedCase& one)
+/// True when the case has been corrected, and its correction and its residual are small enough.
+bool IsAccepted(const RefinedCase& one)
 {
-  return !one.corrections.empty() && one.LastCorrection() < kStands && one.LastResidual() < kHeld;
+  return !one.corrections.empty() && one.LastCorrection() < kLargestCorrection &&
+         one.LastResidual() < kLargestResidual;
 }
 
-/// Whether the corrections of the probe are those of a structure that can move.
+/// True when the corrections of the probe are those of a structure that can move.
 bool Moves(const RefinedCase& probe)
 {
   const std::vector<double>& c = probe.corrections;
@@ -87,26 +88,28 @@ Refinement::Verdict Refinement::Run(RefinedCases& cases) const
 {
   auto& [models, probe] = cases;
   std::vector<RefinedCase*> all;
+  all.reserve(models.size() + 1);
   for (RefinedCase& model : models)
     all.push_back(&model);
   all.push_back(&probe);
   FindResiduals(all);
   for (int step = 1; step <= kMostSteps; ++step) {
     std::vector<RefinedCase*> open;
+    open.reserve(models.size() + 1);
     for (RefinedCase& model : models) {
       if (!IsDone(model))
         open.push_back(&model);
     }
-    if (!Stands(probe))
+    if (!IsAccepted(probe))
       open.push_back(&probe);
     if (open.empty())
       break;
     Correct(open);
-    if (Stands(probe))
+    if (IsAccepted(probe))
       std::erase(open, &probe);
     FindResiduals(open);
   }
-  if (Stands(probe) && std::all_of(models.begin(), models.end(), Stands))
+  if (IsAccepted(probe) && std::all_of(models.begin(), models.end(), IsAccepted))
     return Verdict::Accepted;
   return Moves(probe) ? Verdict::Moves : Verdict::TooRough;
 }
@@ -114,6 +117,7 @@ Refinement::Verdict Refinement::Run(RefinedCases& cases) const
 void Refinement::Correct(const std::vector<RefinedCase*>& cases) const
 {
   std::vector<ReaVecV*> sides;
+  sides.reserve(cases.size());
   for (RefinedCase* one : cases)
     sides.push_back(&one->residual);
   factors.Substitute(sides, nullptr);
@@ -130,6 +134,7 @@ void Refinement::FindResiduals(const std::vector<RefinedCase*>& cases) const
   if (cases.empty())
     return;
   std::vector<SplitVector> global;
+  global.reserve(cases.size());
   for (const RefinedCase* one : cases) {
     global.push_back(one->u);
     ConvertLocalResultsToGlobal(nodes, global.back().value, scale.components.count);
@@ -170,7 +175,7 @@ double Refinement::Size(const ReaVecV& u) const
       double& size = sizes[k < scale.components.translations ? 0 : 1];
       size = std::hypot(size, u.Data()[node + k]);
     }
-    // The comparison keeps a NaN.
+    // `size <= largest` is false for NaN, so that a NaN stays.
     for (const double size : {sizes[0], scale.length * sizes[1]})
       largest = size <= largest ? largest : size;
   }

@@ -12,10 +12,10 @@ namespace morlen {
 class SkyMatriu;
 class VoidPlex;
 
-/// One load case that a factorisation has solved, in the axes of the supports.
+/// A load case that has been solved with the factors of the matrix, in the axes of the supports.
 struct RefinedCase
 {
-  /// How a residual is measured, moments by the mean length of the elements.
+  /// The norm of a residual. Moments are divided by the mean length of the elements.
   enum class Norm
   {
     Euclidean,
@@ -23,14 +23,14 @@ struct RefinedCase
   };
 
   RefinedCase() = default;
-  /// loads: all of them, by equation; u holds the prescribed values where there are some. size:
-  /// of the right-hand side that the factors have solved, by that norm on the free equations.
+  /// loads: by equation. size: the norm of the right-hand side of the factors on the free
+  /// equations. u: the solution, with the prescribed values in the other equations.
   RefinedCase(ReaVecV loads_, Norm norm_, double size, ReaVecV u_);
 
   double LastCorrection() const { return corrections.back(); }
   double LastResidual() const { return residuals.back(); }
-  /// Whether the corrections stay larger than those of a structure that can move: the factors
-  /// have lost its softest motion.
+  /// True when the corrections stay larger than those of a structure that can move. The factors
+  /// have then lost the softest motion of the structure.
   bool Diverges() const;
 
   ReaVecV loads;
@@ -39,10 +39,10 @@ struct RefinedCase
   SplitVector u;
   ReaVecV elementForces;  ///< K·u of the elements in global axes, by equation
   ReaVecV residual;       ///< f − K·u on the free equations, else 0
-  /// The size of each correction relative to that of u, in order. Sizes are the largest of the
-  /// nodes' translations and rotations times length; without displacements a correction is 0.
+  /// The size of each correction relative to that of u, in order. A size is the largest translation
+  /// of a node, or rotation times length, whichever is larger. Without displacements it is 0.
   std::vector<double> corrections;
-  /// Sizes of the residual relative to that of the loads, before each correction and, where it
+  /// The size of the residual relative to that of the loads, before each correction and, where it
   /// was needed, after the last.
   std::vector<double> residuals;
 };
@@ -51,7 +51,7 @@ struct RefinedCase
 double SizeOnFree(RefinedCase::Norm norm, const VoidPlex& nodes, const ComponentScale& scale,
                   const ReaVecV& loads);
 
-/// The load cases of the model, and loads that drive every motion.
+/// The load cases of the model, and the probe, whose loads do work on every motion.
 struct RefinedCases
 {
   std::vector<RefinedCase> models;
@@ -61,9 +61,9 @@ struct RefinedCases
 /// Iterative refinement of a direct solution, and the test by it for structures that can move.
 ///
 /// Each step computes the residual r = f − K·u element by element from relative displacements,
-/// solves for the correction by the factors and adds it. The assembled matrix is rounded, and in
-/// a long or stiff structure that changes its softest motions; the elements' forces are not, so
-/// that the corrections remove that error too. See J. H. Wilkinson, Rounding Errors in Algebraic
+/// solves for the correction with the factors and adds it. Rounding of the assembled matrix changes
+/// the softest motions of a long or stiff structure. The forces of the elements do not have this
+/// error, so that the corrections remove it. See J. H. Wilkinson, Rounding Errors in Algebraic
 /// Processes, HMSO, London 1963, section 3.4, and N. J. Higham, Accuracy and Stability of
 /// Numerical Algorithms, 2nd ed., SIAM, Philadelphia 2002, chapter 12.
 ///
@@ -71,8 +71,8 @@ struct RefinedCases
 /// displacement. The displacement does not change the residual. Each step therefore adds it again,
 /// and the corrections are 1/2, 1/3, 1/4 ... of u. In a stable structure the corrections fall.
 ///
-/// A much softer part has larger displacements, beside which the corrections of a motion are small.
-/// The residual shows the motion then: no element resists the probe's loads along it.
+/// A much softer part may have displacements beside which the corrections of a motion are small.
+/// Then the residual shows the motion: no element resists the probe's loads along it.
 class Refinement
 {
 public:
@@ -80,21 +80,22 @@ public:
   {
     Accepted,
     Moves,    ///< the structure can move
-    TooRough  ///< it may stand, but the arithmetic cannot tell its displacements or forces
+    TooRough  ///< it may be stable, but a double has too few digits for its displacements or forces
   };
 
-  /// Adds K·u of the elements for every displacement of the argument.
+  /// Adds K·u of all elements for every displacement vector of the argument.
   using AddForces = std::function<void(InternalForces&)>;
 
   /// Borrows the factors and the nodes with their supports.
   Refinement(const SkyMatriu& factors, const VoidPlex& nodes, const ComponentScale& scale,
              AddForces addForces);
 
-  /// Corrects each model until its correction and its residual are negligible or fall no more, and
-  /// the probe until both are small enough to accept the structure. Takes at most eight steps.
+  /// Corrects each model until its correction and its residual are negligible or fall no more.
+  /// Corrects the probe until both are small enough to accept the structure. There are at most
+  /// eight steps.
   Verdict Run(RefinedCases& cases) const;
 
-  /// The free equation in which u moves most, a rotation by its length.
+  /// The free equation with the largest displacement; rotations count times the length.
   int LargestMotion(const RefinedCase& probe) const;
 
 private:

@@ -35,8 +35,9 @@ void AddRest(const double* rest, int count, double* out)
     out[k] += rest[k];
 }
 
-/// out = u − base − ω × d for the first `count` components. Extended precision keeps the digits in
-/// which the terms, nearly equal, differ: a rounding error here would be a force of the element.
+/// out = u − base − ω × d for the first `count` components, with ω = turn. Extended precision keeps
+/// the digits in which the nearly equal terms differ: a rounding error here would be a force of the
+/// element.
 void SubtractMotion(const double* u, const double* base, const std::array<double, 3>& turn,
                     const double* d, int count, double* out)
 {
@@ -50,7 +51,7 @@ void SubtractMotion(const double* u, const double* base, const std::array<double
   }
 }
 
-/// The node whose end of the beam is not hinged, from 0; -1 when both are.
+/// The first node (from 0) at which the beam is not hinged; -1 when it is hinged at both.
 int ContinuousEnd(HingeCode hingeCode)
 {
   if (!hingeCode.FirstHinged())
@@ -58,7 +59,7 @@ int ContinuousEnd(HingeCode hingeCode)
   return hingeCode.SecondHinged() ? -1 : 1;
 }
 
-/// Places of the second node of a beam from the first, three numbers.
+/// The place of the second node of a beam relative to the first.
 std::array<double, 3> SpanFrom(const Elem& beam, int components)
 {
   const Node& a = *beam(0);
@@ -66,7 +67,8 @@ std::array<double, 3> SpanFrom(const Elem& beam, int components)
   return {b(1) - a(1), b(2) - a(2), components == 6 ? b(3) - a(3) : 0.0};
 }
 
-/// The rotation of the chord of a beam whose second node moves by u from the first: d × u / d².
+/// The rotation d × u / d² of the chord d of a beam whose second node moves by u relative to the
+/// first.
 std::array<double, 3> TurnOfChord(const std::array<double, 3>& d, int components, const double* u)
 {
   const double w = components == 6 ? u[2] : 0.0;
@@ -75,7 +77,7 @@ std::array<double, 3> TurnOfChord(const std::array<double, 3>& d, int components
           (d[0] * u[1] - d[1] * u[0]) / squares};
 }
 
-/// The rotation of a node of a beam, three numbers.
+/// The rotation of a node of a beam about the three axes.
 std::array<double, 3> TurnOfNode(int components, const double* rotations)
 {
   if (components == 6)
@@ -134,8 +136,8 @@ std::array<double, 3> TurnOfSolid(const double (*d)[3], const double* u)
   return turn;
 }
 
-/// The normal of the corners d of a shell, on the side of the third axis of T. Of a turn about an
-/// axis in the plane, a normal of 16 digits would take a part that the ground resists.
+/// The normal of the corners d of a shell, on the side of the third axis of T. A normal of only 16
+/// digits would give a rotation about an axis in the plane a component that the ground resists.
 std::array<long double, 3> NormalOf(const double (*d)[3], const Matriu& T)
 {
   std::array<long double, 3> normal;

@@ -15,9 +15,9 @@ namespace morlen {
 
 namespace {
 
-// Part of the bending stiffness that resists the turn of a node of a fold about the normals
-// beside it. Where the planes differ by rounding errors of the coordinates (1e-7), it holds
-// them together as one plate; a fold that is meant is too steep to feel it.
+// The part of the bending stiffness that resists the rotation of a folded node about the normals of
+// its triangles. It joins planes that differ only by rounding errors of the coordinates (1e-7) to
+// one plate. It has no visible effect on a real fold, which is much steeper.
 constexpr double kTurnAboutNormal = 1e-10;
 
 }  // namespace

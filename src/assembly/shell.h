@@ -13,72 +13,76 @@ namespace morlen {
 class Elem;
 class ReaVecV;
 
-// The flat shell element of three nodes (one point, the centroid) or six (three points):
-// membrane, plate bending and transverse shear, in the element's own plane.
+// The flat shell element of three nodes (one Gauss point, the centroid) or six (three points):
+// membrane, plate bending and transverse shear in the plane of the element.
 //
-// The plate is of Mindlin's kind: see O. C. Zienkiewicz, R. L. Taylor, The Finite Element
+// The plate follows Mindlin's theory: see O. C. Zienkiewicz, R. L. Taylor, The Finite Element
 // Method, vol. 2, Butterworth-Heinemann, Oxford, 5th ed. 2000, chapter 5.
 
-/// One point of integration: derivatives by x' and y' and value of the shape functions of the
-/// nodes, and the area that the point stands for.
+/// One Gauss point of an element.
 ///
-/// These numbers (x, y, N) are all that the strain blocks of a node have, over u, v, w and the
-/// two slopes: Bm (membrane) with the rows (x,0,0,0,0), (0,y,0,0,0), (y,x,0,0,0), Bb (bending)
-/// with (0,0,0,-x,0), (0,0,0,0,-y), (0,0,0,-y,-x), Bs (shear) with (0,0,x,-N,0), (0,0,y,0,-N).
+/// The strain blocks of a node consist of the numbers (x, y, N): the derivatives of its shape
+/// function by x' and y', and its value. The columns belong to u, v, w and the two slopes of the
+/// normal:
+/// - membrane Bm has the rows (x,0,0,0,0), (0,y,0,0,0), (y,x,0,0,0);
+/// - bending Bb has (0,0,0,-x,0), (0,0,0,0,-y), (0,0,0,-y,-x);
+/// - shear Bs has (0,0,x,-N,0), (0,0,y,0,-N).
 struct ShellPoint
 {
-  std::array<NodeNumbers, 6> B;
-  double weight = 0.0;
+  std::array<NodeNumbers, 6> B;  ///< (x, y, N) of each node
+  double weight = 0.0;           ///< the point's part of the area
 };
 
-/// Blocks of corner i (from 0) of the three-node element at the point (xc, yc). a, b, c:
-/// coefficients of the corners; twoA: twice the area.
+/// The numbers (x, y, N) of corner i (from 0) of the three-node element at the point (xc, yc).
+/// a, b, c: coefficients of the corners, N = (a + b·x' + c·y') / twoA. twoA: twice the area.
 void ConstructB(int i, const double* a, const double* b, const double* c, double twoA, double xc,
                 double yc, NodeNumbers& B);
 
-/// Blocks of the nodes of the six-node element at the point where the shape functions are
-/// these. Fatal on a Jacobian that is not positive. Returns its determinant.
+/// The numbers (x, y, N) of all nodes of the six-node element at the point whose shape functions
+/// are given. x, y: local coordinates of the nodes. Returns the determinant of the Jacobian. Fatal
+/// when it is not positive.
 double ConstructB6nodesAndJ(const Elem& elem, const double* x, const double* y,
                             const SixNodeFunctions& at, std::array<NodeNumbers, 6>& B);
 
-/// Everything that stiffness and strengths need of an element; made once, for many elements
-/// whose materials stay as they are meanwhile.
+/// Computes stiffness, forces and strengths of shell elements, one element at a time.
+///
+/// One evaluator serves many elements. Materials must not change as long as it is used.
 class ShellEvaluator
 {
 public:
   ShellEvaluator();
 
-  /// Frame, constitutive matrices and points of an element. Fatal on one that is degenerate,
-  /// and on a material that does not fit.
+  /// Computes frame, constitutive matrices and Gauss points of an element, to which all other
+  /// functions refer. Fatal on a degenerate element and on unsuitable values of the material.
   void Evaluate(const Elem& elem, const Material& material);
 
   int PointCount() const { return points; }
   double Area() const { return area; }
   const Matriu& Frame() const { return T; }
 
-  /// Stiffness between the nodes i and j (from 0), 6×6 in the element's axes; without the
-  /// rotation about the normal. K has its size before.
+  /// Stiffness between the nodes i and j (from 0) in the axes of the element, without that of the
+  /// rotation about the normal. K must be 6×6.
   void CalcStiffness(int i, int j, Matriu& K) const;
 
   /// The displacements of the nodes in local axes, six each, without the rigid motion (see
-  /// relative_motion.h); u: by equation, global axes.
+  /// relative_motion.h). u: by equation, global axes.
   void CalcRelative(const Elem& elem, const std::array<bool, 6>& folded, const SplitView& u,
                     double* local) const;
 
-  /// The forces of the nodes for these relative displacements, both in local axes, six each:
-  /// what CalcStiffness, AddTurnsAboutNormal and TurnAgainstGround make of them together.
+  /// The forces on the nodes for these relative displacements, both in local axes, six each. They
+  /// are the product with the sum of CalcStiffness, AddTurnsAboutNormal and TurnAgainstGround.
   void CalcForces(const double* local, const std::array<bool, 6>& folded, double* forces) const;
 
-  /// The stiffness against the ground of the rotation about the normal of a node in a plane,
-  /// which has no other.
+  /// The stiffness between the ground and the rotation about the normal of a node that is not
+  /// folded. This rotation has no other stiffness.
   double TurnAgainstGround() const { return area * materialOfD->E1; }
 
-  /// Adds a small resistance of the nodes k that are folded against turning about the normal
-  /// by more than the membrane does; a rigid motion does not meet it.
+  /// Adds a small stiffness of each folded node against a rotation about the normal other than the
+  /// mean rotation of the membrane. A rigid motion causes no force.
   void AddTurnsAboutNormal(int i, int j, const std::array<bool, 6>& folded, Matriu& K) const;
 
-  /// The eight local forces of every point (Nx, Ny, Nxy, Mx, My, Mxy, Qx, Qy) from the nodes'
-  /// displacements in local axes, six each; added to res(offset + 1, ...).
+  /// Adds the eight local forces of every Gauss point (Nx, Ny, Nxy, Mx, My, Mxy, Qx, Qy) to
+  /// res(offset + 1, ...). local: displacements of the nodes in local axes, six each.
   void AddStrengths(const double* local, ReaVecV& res, int offset) const;
 
 private:
@@ -95,9 +99,9 @@ private:
   int points = 0;
   double area = 0.0;
   double x[6], y[6];  ///< local coordinates
-  double turn[6][2];  ///< minus the mean rotation of the membrane by u and v of each node
+  double turn[6][2];  ///< minus the mean rotation of the membrane for a unit u and v of each node
   std::array<ShellPoint, 3> point;
-  const Material* materialOfD = nullptr;  ///< borrowed, only compared
+  const Material* materialOfD = nullptr;  ///< of Dm, Db and Ds; borrowed
   Matriu T, Tbig, Dm, Db, Ds;
 };
 

@@ -19,16 +19,17 @@ namespace morlen {
 
 namespace {
 
-// Thin plates need as many more iterations as their elements are wider than thick, squared.
-double SlendernessFactor(const Problem& problem)
+/// The number of iterations of thin plates grows by the square of width over thickness of their
+/// elements. The result is the largest such square, at least 1.
+double SlendernessFactor(const Meshes& meshes, const VoidPlex& materials)
 {
-  constexpr double kMost = 1e6;  // without a thickness it would be infinite
+  constexpr double kMost = 1e6;  // the square is infinite for a thickness of 0
   double slender = 1.0;
-  for (const auto& mesh : problem.meshes) {
+  for (const auto& mesh : meshes) {
     if (mesh->GiveElemType() != Triangle)
       continue;
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-      const double t = problem.RequireMaterial(elem).t;
+      const double t = RequireMaterial(elem, materials).t;
       slender = std::max(slender, dist2(elem(0), elem(1)) / (t * t));
     }
   }
@@ -37,11 +38,11 @@ double SlendernessFactor(const Problem& problem)
 
 }  // namespace
 
-std::array<bool, 6> FoldedNodes(const Problem& problem, const Elem& shell)
+std::array<bool, 6> FoldedNodes(const std::vector<int>& coplanarity, const Elem& shell)
 {
   std::array<bool, 6> folded{};
   for (int i = 0; i < shell.Nnode(); ++i)
-    folded[i] = problem.coplanarity[shell(i)->number - 1] != 1;
+    folded[i] = coplanarity[shell(i)->number - 1] != 1;
   return folded;
 }
 
@@ -54,7 +55,7 @@ void AddShellStiffness(const Problem& problem, const Mesh& mesh, int applyLocalA
   BlockAssembler assembler(sink, problem.components.count, applyLocalAxes);
   assembler.Assemble(mesh, [&](const Elem& elem) {
     shell.Evaluate(elem, problem.RequireMaterial(elem));
-    const std::array<bool, 6> folded = FoldedNodes(problem, elem);
+    const std::array<bool, 6> folded = FoldedNodes(problem.coplanarity, elem);
     for (int i = 0; i < nnode; ++i) {
       for (int j = i; j < nnode; ++j) {
         shell.CalcStiffness(i, j, K);
@@ -76,7 +77,7 @@ void AddShellForces(const Problem& problem, const Mesh& mesh, InternalForces& fo
   double nodal[6 * 6];
   forces.ForEachWanted(mesh, [&](const Elem& elem) {
     shell.Evaluate(elem, problem.RequireMaterial(elem));
-    const std::array<bool, 6> folded = FoldedNodes(problem, elem);
+    const std::array<bool, 6> folded = FoldedNodes(problem.coplanarity, elem);
     for (int index = 0; index < forces.Count(); ++index) {
       shell.CalcRelative(elem, folded, forces.Displacements(index), local);
       shell.CalcForces(local, folded, nodal);
@@ -93,7 +94,7 @@ void AddShellLoads(const Problem& problem, const Mesh& mesh, ReaVecV& loads)
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
     AttemptOn(ReadItem::Element, elem.Num(), [&] {
       const Material& material = problem.RequireMaterial(elem);
-      bool hasFrame = false;  // elements without loads need none
+      bool hasFrame = false;  // T is computed only for elements with loads
       ForEachLoadOn(problem, elem, material.Weight * material.t, problem.problemType,
                     [&](const BaseElemLoads& load) {
                       if (!hasFrame)
@@ -107,14 +108,15 @@ void AddShellLoads(const Problem& problem, const Mesh& mesh, ReaVecV& loads)
 
 double ShellIterationFactor(const Problem& problem, const Mesh& mesh)
 {
-  // Of plates at least as thick as their elements are wide.
+  // The plates' constants are for elements at most as wide as thick.
   constexpr double kThreeNodePlate = 10.0;
   constexpr double kSixNodePlate = 25.0;
   constexpr double kCurvedShell = 250.0;
   const auto flat = std::count(problem.coplanarity.begin(), problem.coplanarity.end(), 1);
   if (flat < problem.numNodes)
     return kCurvedShell;
-  return SlendernessFactor(problem) * (mesh.GiveNnode() == 3 ? kThreeNodePlate : kSixNodePlate);
+  return SlendernessFactor(problem.meshes, problem.materials) *
+         (mesh.GiveNnode() == 3 ? kThreeNodePlate : kSixNodePlate);
 }
 
 }  // namespace morlen

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <vector>
 
 namespace morlen {
 
@@ -11,7 +12,7 @@ class Mesh;
 class ReaVecV;
 struct Problem;
 
-// Flat shells of three and six nodes in the analysis, for the rows of an ElementFamily. The
+// The analysis of flat shells of three and six nodes, for the rows of ElementFamily. The
 // coplanarity marks of the problem must be set for stiffness, forces and iteration factor.
 
 void AddShellStiffness(const Problem& problem, const Mesh& mesh, int applyLocalAxes,
@@ -20,7 +21,8 @@ void AddShellForces(const Problem& problem, const Mesh& mesh, InternalForces& fo
 void AddShellLoads(const Problem& problem, const Mesh& mesh, ReaVecV& loads);
 double ShellIterationFactor(const Problem& problem, const Mesh& mesh);
 
-/// Which nodes of a shell do not have all their triangles in one plane.
-std::array<bool, 6> FoldedNodes(const Problem& problem, const Elem& shell);
+/// For each node of a shell, true when its triangles do not all lie in one plane. coplanarity: the
+/// marks of Problem::coplanarity.
+std::array<bool, 6> FoldedNodes(const std::vector<int>& coplanarity, const Elem& shell);
 
 }  // namespace morlen

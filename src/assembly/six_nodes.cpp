@@ -1,4 +1,4 @@
-// The conversion of three-node triangles to six-node ones.
+// The conversion of three-node triangles to six-node triangles.
 
 #include "assembly/six_nodes.h"
 

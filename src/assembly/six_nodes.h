@@ -8,12 +8,12 @@ class Mesh;
 class Node;
 struct Problem;
 
-/// The nodes made in the middle of edges, one for each edge of the model.
+/// The nodes that the conversion adds in the middle of edges, one for each edge of the model.
 class EdgeNodes
 {
 public:
-  /// The node in the middle of the edge a-b; null, to be set before the next call, when there
-  /// is none yet.
+  /// The node in the middle of the edge a-b. The first call for an edge returns a null pointer,
+  /// which the caller sets before the next call.
   Node*& Between(const Node& a, const Node& b);
 
 private:
@@ -25,15 +25,16 @@ private:
     Node* middle;
   };
 
-  std::vector<int> first;  ///< of each lower node, by its number; -1: none
+  std::vector<int> first;  ///< index of the first edge, by the number of the lower node; -1: none
   std::vector<Edge> edges;
 };
 
-/// Gives the triangles of a mesh nodes in the middle of their edges, with supports that both ends
-/// of the edge share. Fatal for other meshes, and for more than 25 triangles at a node.
+/// Converts a mesh of three-node triangles to six nodes. A node in the middle of an edge gets the
+/// supports that both ends of the edge have. Fatal for other meshes, and for more than 25 triangles
+/// at a node.
 void ConvertTriangleTo6nod(Problem& problem, Mesh& mesh, EdgeNodes& edges);
 
-/// Converts all meshes of three-node triangles. Returns whether there are any.
+/// Converts all meshes of three-node triangles. Returns false when there are none.
 bool ConvertTriangles(Problem& problem);
 
 }  // namespace morlen

@@ -36,7 +36,7 @@ NodeNumbers CrossOver(const double a[3], const double b[3], double divisor)
           (a[0] * b[1] - a[1] * b[0]) / divisor};
 }
 
-// The volume of a box whose edges have the lengths of these three.
+// The product of the lengths of three vectors.
 double BoxVolume(const double (*edges)[3])
 {
   double volume = 1.0;

@@ -8,7 +8,7 @@ class Mesh;
 class ReaVecV;
 struct Problem;
 
-// Solids of four and ten nodes in the analysis, for the rows of an ElementFamily.
+// The analysis of solids of four and ten nodes, for their rows of ElementFamily.
 
 void AddSolidStiffness(const Problem& problem, const Mesh& mesh, int applyLocalAxes,
                        ElementSink& sink);

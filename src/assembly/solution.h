@@ -14,17 +14,17 @@ struct MeshResults
   int blockSize = 0;         ///< values of an element
   int points = 0;            ///< Gauss points of an element; 0 for beams
   ReaVecV strengths;
-  ReaVecV mainAngles;     ///< six Euler angles a point: axes of forces, of moments
-  ReaVecV mainStrengths;  ///< principal values beside the local ones
+  ReaVecV mainAngles;     ///< six Euler angles for each point: axes of forces, then of moments
+  ReaVecV mainStrengths;  ///< principal values, besides the local ones
 
   /// Position before the block of an element's values: its value k is strengths(Block + k).
   int Block(int elemNumber) const;
 };
 
-/// How far the displacements can be trusted.
+/// The accuracy of the displacements.
 struct SolutionAccuracy
 {
-  double error = 0.0;     ///< estimated, relative to the displacements
+  double error = 0.0;     ///< estimated error relative to the displacements
   double residual = 0.0;  ///< ‖f − K·u‖ / ‖f‖ over the free equations
 };
 
@@ -34,8 +34,8 @@ struct Solution
   SplitView Displacements() const { return {displacements, displacementRests}; }
 
   ReaVecV displacements;      ///< by equation
-  ReaVecV displacementRests;  ///< digits that the displacements lack, see SplitVector
-  ReaVecV elementForces;      ///< K·u, when known: by equation; until the reactions
+  ReaVecV displacementRests;  ///< the further digits of the displacements, see SplitVector
+  ReaVecV elementForces;      ///< K·u by equation, when known; the reactions consume it
   ReaVecV reactions;          ///< by equation; 0 where no support carries the component
   SolutionAccuracy accuracy;
   std::vector<MeshResults> results;  ///< in the order of the meshes

@@ -1,10 +1,9 @@
-// The system of equations of the problem: filled, supported, and what its solutions share.
+// The system of equations of a problem, and the steps that direct and iterated solutions share.
 
 #include "assembly/solve.h"
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <utility>
 
 #include "assembly/element_assembly.h"
@@ -17,7 +16,6 @@
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
-#include "problem/problem.h"
 #include "problem/support_checks.h"
 #include "solvers/bsolver.h"
 
@@ -25,8 +23,8 @@ namespace morlen {
 
 namespace {
 
-/// Mean distance of the first two nodes of the elements.
-double MeanElementLength(const std::vector<std::unique_ptr<Mesh>>& meshes)
+/// The mean distance between the first two nodes of an element; 1 without elements.
+double MeanElementLength(const Meshes& meshes)
 {
   double sum = 0.0;
   long long count = 0;
@@ -39,18 +37,20 @@ double MeanElementLength(const std::vector<std::unique_ptr<Mesh>>& meshes)
   return sum > 0.0 ? sum / static_cast<double>(count) : 1.0;
 }
 
-// Minus the loads on the components that supports carry, by equation in global axes. The forces of
-// the elements are added after the solution.
-ReaVecV StartReactions(const Problem& problem, const ReaVecV& loads)
+/// Minus the loads on the components that supports carry, by equation in global axes. CalcReactions
+/// adds the forces of the elements.
+ReaVecV StartReactions(const VoidPlex& nodes, const NodeComponents& components,
+                       const ReaVecV& loads)
 {
   ReaVecV reactions;
   reactions.resize(loads.Size(), 0.0);
-  for (const Node& node : Each<Node>(problem.GiveNodes())) {
+  for (const Node& node : Each<Node>(nodes)) {
     if (!node.constraint)
       continue;
-    for (int k = 1; k <= problem.components.count; ++k) {
+    for (int k = 1; k <= components.count; ++k) {
+      const int equation = components.Equation(node.number, k);
       if (node.constraint->Carries(k))
-        reactions(problem.Equation(node, k)) += -loads(problem.Equation(node, k));
+        reactions(equation) += -loads(equation);
     }
   }
   return reactions;
@@ -58,15 +58,15 @@ ReaVecV StartReactions(const Problem& problem, const ReaVecV& loads)
 
 }  // namespace
 
-ComponentScale ScaleOfComponents(const Problem& problem)
+ComponentScale ScaleOfComponents(const Meshes& meshes, const NodeComponents& components)
 {
-  return {problem.components, MeanElementLength(problem.meshes)};
+  return {components, MeanElementLength(meshes)};
 }
 
-void CreateMatrix(const Problem& problem, BSolver& solver)
+void CreateMatrix(const Meshes& meshes, const NodeComponents& components, BSolver& solver)
 {
-  const int n = problem.components.count;
-  for (const auto& mesh : problem.meshes) {
+  const int n = components.count;
+  for (const auto& mesh : meshes) {
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       for (int i = 0; i < elem.Nnode(); ++i) {
         for (int j = i + 1; j < elem.Nnode(); ++j)
@@ -83,14 +83,16 @@ void AddStiffness(const AnalysisTask& task, BSolver& solver)
     task.families.Of(*mesh).addStiffness(task.problem, *mesh, kInSupportAxes, solver);
 }
 
-std::vector<LoadCase> MakeLoadCases(const Problem& problem, std::vector<ReaVecV> loads)
+std::vector<LoadCase> MakeLoadCases(const VoidPlex& nodes, const NodeComponents& components,
+                                    std::vector<ReaVecV> loads)
 {
   std::vector<LoadCase> cases;
+  cases.reserve(loads.size());
   for (ReaVecV& global : loads) {
     LoadCase& added = cases.emplace_back();
-    added.solution.reactions = StartReactions(problem, global);
+    added.solution.reactions = StartReactions(nodes, components, global);
     added.loads = std::move(global);
-    ConvertGlobalLoadToLocal(problem.GiveNodes(), added.loads, problem.components.count);
+    ConvertGlobalLoadToLocal(nodes, added.loads, components.count);
   }
   return cases;
 }
@@ -98,23 +100,26 @@ std::vector<LoadCase> MakeLoadCases(const Problem& problem, std::vector<ReaVecV>
 std::vector<ReaVecV> LoadsOf(const std::vector<LoadCase>& cases)
 {
   std::vector<ReaVecV> sides;
+  sides.reserve(cases.size());
   for (const LoadCase& one : cases)
     sides.push_back(one.loads);
   return sides;
 }
 
-void ApplySupports(const Problem& problem, BSolver& solver, std::vector<ReaVecV>& sides)
+void ApplySupports(const VoidPlex& nodes, const NodeComponents& components, BSolver& solver,
+                   std::vector<ReaVecV>& sides)
 {
   std::vector<ReaVecV*> pointers;
+  pointers.reserve(sides.size());
   for (ReaVecV& side : sides)
     pointers.push_back(&side);
   std::vector<double> values(sides.size());
-  Matriu stiffness(1, 1);  // added as a block: it may be all that a node without elements has
-  for (const Node& node : Each<Node>(problem.GiveNodes())) {
+  Matriu stiffness(1, 1);  // a block, because a node without elements may have only this spring
+  for (const Node& node : Each<Node>(nodes)) {
     if (!node.constraint)
       continue;
-    for (int k = 1; k <= problem.components.count; ++k) {
-      const int equation = problem.Equation(node, k);
+    for (int k = 1; k <= components.count; ++k) {
+      const int equation = components.Equation(node.number, k);
       const double value = node.constraint->values[k - 1];
       if (node.constraint->flags[k - 1] == Constraint::kPrescribed) {
         std::fill(values.begin(), values.end(), value);
@@ -127,60 +132,62 @@ void ApplySupports(const Problem& problem, BSolver& solver, std::vector<ReaVecV>
   }
 }
 
-std::vector<Solution> FinishSolutions(const AnalysisTask& task, std::vector<LoadCase> cases)
+std::vector<Solution> FinishSolutions(const VoidPlex& nodes, const NodeComponents& components,
+                                      std::vector<LoadCase> cases)
 {
-  const VoidPlex& nodes = task.problem.GiveNodes();
-  const int n = task.problem.components.count;
   std::vector<Solution> solutions;
+  solutions.reserve(cases.size());
   for (LoadCase& one : cases) {
     Solution& solution = solutions.emplace_back(std::move(one.solution));
-    ConvertLocalResultsToGlobal(nodes, solution.displacements, n);
-    ConvertLocalResultsToGlobal(nodes, solution.displacementRests, n);
+    ConvertLocalResultsToGlobal(nodes, solution.displacements, components.count);
+    ConvertLocalResultsToGlobal(nodes, solution.displacementRests, components.count);
   }
-  Progress(task.info, "Solver finished\n");
   return solutions;
 }
 
-void TellAccuracy(const AnalysisTask& task, const SolutionAccuracy& accuracy)
+void TellAccuracy(const SolutionAccuracy& accuracy, SolverType type, std::FILE* info)
 {
-  Progress(task.info, "Estimated relative error of the displacements= %.1e, residual= %.1e\n",
+  Progress(info, "Estimated relative error of the displacements= %.1e, residual= %.1e\n",
            accuracy.error, accuracy.residual);
   constexpr double kRoughError = 1e-6;
   constexpr double kRoughResidual = 1e-5;
-  if (task.problem.solverSettings.type == SolverType::Sparse)
+  if (type == SolverType::Sparse)
     return;
   if (accuracy.error > kRoughError || accuracy.residual > kRoughResidual)
-    Warn(task.info,
+    Warn(info,
          "warning: the model is rough: the displacements have a relative error of %.1e, and the "
          "forces miss the loads by %.1e of them\n",
          accuracy.error, accuracy.residual);
 }
 
-void SolverFailed(const Problem& problem, int result, const std::string& hint)
+void SolverFailed(const Meshes& meshes, const NodeComponents& components, int result,
+                  const std::string& hint)
 {
-  CheckTypicalConstraintsErrors(problem);
+  CheckTypicalConstraintsErrors(meshes, components.count);
   if (result == -1)
     Fatal("error when solving system. Probably boundary conditions are not correct\n", hint);
   if (result < 0)
     Fatal("error when solving system. Stopped after ", -result,
           " iterations.Probably boundary conditions are not correct\n", hint);
-  // Six components a node whatever the problem: plane problems name another one.
+  // The message assumes six components at each node, also in problems that have three. There it
+  // names another node.
   constexpr int kComponents = 6;
   static const char* const names[kComponents] = {"X displ.",   "Y displ.",   "Z displ.",
                                                  "X rotation", "Y rotation", "Z rotation"};
-  const int node = problem.meshes.front()->GiveOldNumber((result - 1) / kComponents + 1);
+  const int node = meshes.front()->GiveOldNumber((result - 1) / kComponents + 1);
   const int degree = (result - 1) % kComponents + 1;
   Fatal("error when solving system(", result, ").\nOne diagonal=0 in node=", node,
         " (Use Meshing->Mesh View).\nDegree of freedom ", degree, " from 6 (", names[degree - 1],
         ")\nCould not solve system. Probably boundary conditions are not correct\n", hint);
 }
 
-void RequireSolution(const Problem& problem, int result, const ReaVecV& displacements)
+void RequireSolution(const Meshes& meshes, const NodeComponents& components, int result,
+                     const ReaVecV& displacements)
 {
   if (result)
-    SolverFailed(problem, result);
+    SolverFailed(meshes, components, result);
   if (!AllFinite(displacements))
-    SolverFailed(problem, -1);
+    SolverFailed(meshes, components, -1);
 }
 
 }  // namespace morlen

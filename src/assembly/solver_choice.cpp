@@ -1,10 +1,10 @@
-// Which equation solver a large model gets.
+// The choice of the equation solver of a large model.
 //
-// The numbers of the nodes give the profile and with it the work of the direct solver. The number
-// of iterations has to be guessed. An iteration carries the effect of a support about one element
-// further, and the effect passes through the structure several times. The estimate is therefore
-// the number of elements from the supports to the farthest node, times a factor of the element
-// family. The factors are measured, see bench/README.md.
+// The work of the direct solver follows from the profile, which the numbers of the nodes give. The
+// number of iterations is an estimate. An iteration spreads the effect of a support by about one
+// element, and the effect passes through the structure several times. The estimate is therefore the
+// number of elements from the supports to the farthest node, times a factor of the element family.
+// The factors are measured, see bench/README.md.
 
 #include "assembly/solver_choice.h"
 
@@ -28,29 +28,29 @@ namespace morlen {
 
 namespace {
 
-// Seconds on one core, about the mean of those with AVX-512 and with AVX2.
+// Seconds on one core, about the mean of a processor with AVX-512 and one with AVX2.
 constexpr double kSecondsPerOperation = 4e-11;
-/// Cleared, filled, substituted and refined: with all passes through the matrix.
+/// All passes through the matrix: clearing, assembly, substitutions and refinement.
 constexpr double kSecondsPerProfileEntry = 1e-8;
-// A byte that an iteration moves: while all of them fit into the caches, and beyond that.
+// The time that an iteration needs for each byte: the first kCachedBytes are in the caches.
 constexpr double kCachedBytes = 5e7;
 constexpr double kSecondsPerCachedByte = 4e-11;
 constexpr double kSecondsPerFarByte = 8.5e-11;
-/// Time of the incomplete factorisation, in iterations.
+/// The time of the incomplete factorisation in iterations.
 constexpr double kIterationsOfFactors = 12.0;
 
-/// The iteration is taken only if the direct solver would need so many times as long: the number of
-/// iterations may be underestimated.
+/// The iteration is chosen only if the direct solver needs this many times its time, because the
+/// number of iterations may be underestimated.
 constexpr double kLeastGain = 1.25;
 
-/// A list of numbers for each of several things. Things and numbers count from 0.
+/// A list of numbers for each of several owners. Owners and numbers count from 0.
 struct NumberLists
 {
-  /// Calls visit(number) for those of one thing.
+  /// Calls visit(number) for the numbers of one owner.
   template <class Visit>
-  void ForEach(int thing, Visit visit) const
+  void ForEach(int owner, Visit visit) const
   {
-    for (int k = starts[thing]; k < starts[thing + 1]; ++k)
+    for (int k = starts[owner]; k < starts[owner + 1]; ++k)
       visit(numbers[k]);
   }
   int Count() const { return static_cast<int>(starts.size()) - 1; }
@@ -60,10 +60,10 @@ struct NumberLists
 };
 
 /// The nodes of each element, system numbers less 1.
-NumberLists NodesOfElements(const Problem& problem)
+NumberLists NodesOfElements(const Meshes& meshes)
 {
   NumberLists nodes;
-  for (const auto& mesh : problem.meshes) {
+  for (const auto& mesh : meshes) {
     const int nnode = mesh->GiveNnode();
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       for (int i = 0; i < nnode; ++i)
@@ -74,39 +74,44 @@ NumberLists NodesOfElements(const Problem& problem)
   return nodes;
 }
 
-/// The things whose lists have each of the numbers below `count`.
-NumberLists Turned(const NumberLists& lists, int count)
+/// For each number below `count`, the owners whose lists contain it.
+NumberLists Inverted(const NumberLists& lists, int count)
 {
-  NumberLists turned;
-  turned.starts.assign(static_cast<std::size_t>(count) + 1, 0);
+  NumberLists inverted;
+  inverted.starts.assign(static_cast<std::size_t>(count) + 1, 0);
   for (const int number : lists.numbers)
-    ++turned.starts[number + 1];
+    ++inverted.starts[number + 1];
   for (int number = 0; number < count; ++number)
-    turned.starts[number + 1] += turned.starts[number];
-  turned.numbers.assign(lists.numbers.size(), 0);
-  std::vector<int> next(turned.starts.begin(), turned.starts.end() - 1);
-  for (int thing = 0; thing < lists.Count(); ++thing)
-    lists.ForEach(thing, [&](int number) { turned.numbers[next[number]++] = thing; });
-  return turned;
+    inverted.starts[number + 1] += inverted.starts[number];
+  inverted.numbers.assign(lists.numbers.size(), 0);
+  std::vector<int> next(inverted.starts.begin(), inverted.starts.end() - 1);
+  for (int owner = 0; owner < lists.Count(); ++owner)
+    lists.ForEach(owner, [&](int number) { inverted.numbers[next[number]++] = owner; });
+  return inverted;
 }
 
-/// Nodes and elements, by system number less 1 and in order of the meshes.
+/// The nodes of each element and the elements at each node. Nodes are counted by system number less
+/// 1, elements in the order of the meshes.
 struct Connections
 {
-  explicit Connections(const Problem& problem)
-      : nodes(NodesOfElements(problem)), elements(Turned(nodes, problem.numNodes))
+  Connections(const Meshes& meshes, int numNodes)
+      : nodes(NodesOfElements(meshes)), elements(Inverted(nodes, numNodes))
   {
   }
+
+  int NodeCount() const { return elements.Count(); }
 
   NumberLists nodes;     ///< of each element
   NumberLists elements;  ///< at each node
 };
 
-void AddMatrices(const Problem& problem, const Connections& connections, SolverWork& work)
+/// Adds the sizes of both matrices and the operations of the factorisation. n: components of a
+/// node.
+void AddMatrices(const Connections& connections, int n, SolverWork& work)
 {
-  const int n = problem.components.count;
-  std::vector<int> seenFrom(static_cast<std::size_t>(problem.numNodes), -1);
-  for (int node = 0; node < problem.numNodes; ++node) {
+  const int numNodes = connections.NodeCount();
+  std::vector<int> seenFrom(static_cast<std::size_t>(numNodes), -1);
+  for (int node = 0; node < numNodes; ++node) {
     int first = node;
     int blocks = 1;
     seenFrom[node] = node;
@@ -128,22 +133,22 @@ void AddMatrices(const Problem& problem, const Connections& connections, SolverW
 }
 
 /// The number of elements from the supports to the farthest node that they reach.
-int Distance(const Problem& problem, const Connections& connections)
+int Distance(const VoidPlex& nodes, const Connections& connections)
 {
   std::vector<int> front;
-  std::vector<char> reached(static_cast<std::size_t>(problem.numNodes), 0);
+  std::vector<char> reached(static_cast<std::size_t>(connections.NodeCount()), 0);
   std::vector<char> passed(static_cast<std::size_t>(connections.nodes.Count()), 0);
   const auto reach = [&](int node, std::vector<int>& to) {
     if (!reached[node])
       to.push_back(node);
     reached[node] = 1;
   };
-  for (const Node& node : Each<Node>(problem.GiveNodes())) {
+  for (const Node& node : Each<Node>(nodes)) {
     if (node.constraint)
       reach(node.number - 1, front);
   }
   if (front.empty())
-    return problem.numNodes;  // nothing holds the structure
+    return connections.NodeCount();  // the structure has no supports
   int steps = 0;
   for (std::vector<int> next; !front.empty(); front.swap(next), ++steps) {
     next.clear();
@@ -166,7 +171,7 @@ double SolverWork::DirectSeconds() const
 
 double SolverWork::IterationSeconds() const
 {
-  // The matrix and its factors; five vectors, read and written, for each right-hand side.
+  // Matrix and factors are read. Five vectors are read and written for each right-hand side.
   constexpr double kBytesPerEntry = 2.0 * sizeof(double);
   constexpr double kBytesPerEquation = 2.0 * 5.0 * 2.0 * sizeof(double);
   const double bytes = kBytesPerEntry * sparseEntries + kBytesPerEquation * equations;
@@ -194,13 +199,13 @@ int SolverWork::IterationsWorthTrying() const
 SolverWork EstimateWork(const Problem& problem, const ElementFamilies& families)
 {
   SolverWork work;
-  const Connections connections(problem);
+  const Connections connections(problem.meshes, problem.numNodes);
   work.equations = static_cast<double>(problem.numNodes) * problem.components.count;
-  AddMatrices(problem, connections, work);
+  AddMatrices(connections, problem.components.count, work);
   double factor = 0.0;
   for (const auto& mesh : problem.meshes)
     factor = std::max(factor, families.Of(*mesh).iterationFactor(problem, *mesh));
-  work.iterations = factor * Distance(problem, connections);
+  work.iterations = factor * Distance(problem.GiveNodes(), connections);
   return work;
 }
 

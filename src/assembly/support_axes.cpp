@@ -11,7 +11,7 @@ namespace morlen {
 
 namespace {
 
-// Fills T with the axes of the node's support; false, T untouched, when it has none.
+/// Fills T with the axes of the node's support. Returns false and leaves T when there are none.
 bool SupportAxes(const Node& node, int n, Matriu& T)
 {
   return node.constraint && node.constraint->CalcTransfMatFromEuler(node.number, T, n, 1) == 0;

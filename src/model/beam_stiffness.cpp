@@ -18,6 +18,7 @@
 
 #include "base/constants.h"
 #include "base/errorwriter.h"
+#include "base/node_components.h"
 #include "base/read_observer.h"
 #include "model/hinge_code.h"
 #include "model/material.h"
@@ -116,7 +117,7 @@ void Construct(const Material& m, int elemNumber, const LocalBlocks& blocks, dou
 {
   CheckValues(m, elemNumber, type);
   const double L = std::sqrt(L2);
-  const int n = type == kPlane ? 3 : 6;
+  const int n = ComponentsOf(type).count;
   Clear(blocks.K11, n);
   Clear(blocks.K12, n);
   Clear(blocks.K22, n);

@@ -17,6 +17,7 @@
 #include <cmath>
 
 #include "base/errorwriter.h"
+#include "base/node_components.h"
 #include "model/elem.h"
 #include "model/euler.h"
 #include "model/material.h"
@@ -118,7 +119,7 @@ void Elem::CalcTransfMatrixBeam(Matriu& T, const Material* m, PROBLEMTYPE type) 
   const Axes axes = m && m->eulerGiven ? BeamAxesFromEuler(m->Euler, x, number, type)
                     : type == kPlane   ? PlaneBeamAxes(x)
                                        : SpaceBeamAxes(x, alpha);
-  FillFrame(axes, type == kPlane ? 3 : 6, T);
+  FillFrame(axes, ComponentsOf(type).count, T);
 }
 
 void Elem::CalcTransfMatrixTriangle(Matriu& T, Matriu& Tbig, const Material* m) const

@@ -1,3 +1,7 @@
+// Internal forces and deflections of a beam with fixed or hinged ends under a uniform load, in
+// closed form. The loads of a beam are summed first (SpanLoad); load vector, end forces, diagrams
+// and deflections all follow from the sum by these formulas, so that they agree.
+//
 // Source of the closed forms: W. C. Young, R. G. Budynas, Roark's Formulas for Stress and
 // Strain, McGraw-Hill, New York, 7th ed. 2002, table 8.1.
 
@@ -14,13 +18,13 @@ namespace morlen {
 
 namespace {
 
-// How a component of the internal forces follows from the load.
+// The rule by which a component of the internal forces follows from the load.
 struct SpanForce
 {
   SpanPart part;
-  int q;           // which of the distributed loads
+  int q;           // index in SpanLoad::q
   double sign;     // of the printed diagram
-  double endSign;  // of the equivalent load on the first node; the other on the second
+  double endSign;  // of the equivalent load on the first node; opposite on the second
 };
 
 // Torsion is printed as the action of the first node on the element, the opposite of the
@@ -38,7 +42,7 @@ const SpanForce& ForceOf(const BeamSpan& beam, int component)
   return beam.type == kPlane ? kPlaneForces[component - 1] : kSpaceForces[component - 1];
 }
 
-// The part of the load q·L that the first end takes, and the moment there over q·L².
+// The share of the load q·L that the first end carries, and the moment there divided by q·L².
 struct EndShares
 {
   int code;

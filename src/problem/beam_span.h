@@ -11,10 +11,11 @@ class Material;
 class Matriu;
 class ReaVecV;
 
-// A beam of length L under a load q, uniform along it, with the end conditions of a hinge
-// code: 11 both ends clamped, 10 the second hinged, 1 the first hinged, 0 both hinged.
+// These functions treat a beam of length L under a load q that is uniform along it. Its hinge code
+// gives the end conditions: 11 both ends clamped, 10 the second hinged, 1 the first hinged, 0 both
+// hinged.
 
-/// Which internal force or displacement of the beam.
+/// An internal force or displacement of the beam.
 enum class SpanPart : int
 {
   Axial = 1,
@@ -23,17 +24,17 @@ enum class SpanPart : int
   Torsion
 };
 
-/// Internal force at the relative abscissa t (0 at the first end, 1 at the second). A beam
-/// with one hinge carries its axial load by the 5/8 - 3/8 split of its shear. Fatal for a
-/// part or a code outside the lists.
+/// Internal force at the relative abscissa t (0 at the first end, 1 at the second). In a beam with
+/// one hinge the ends share an axial load 5/8 to 3/8, as they share a load across the beam. Fatal
+/// for other parts and codes.
 double GiveLocalStrength(SpanPart part, double t, double L, double q, int hingeCode);
 
-/// Displacement at t of the beam whose ends stay where they are: axial (stiffness EA) or, for
-/// the part Shear, across (stiffness EI). Fatal for other parts and codes.
+/// Displacement at t of the beam whose ends do not move. Axial: along the beam, stiffness EA.
+/// Shear: across the beam, stiffness EI. Fatal for other parts and codes.
 double GiveLocalDisplacement(SpanPart part, double t, double L, double q, double stiffness,
                              int hingeCode);
 
-/// A beam with the values that its loads need. The frame T is borrowed.
+/// A beam with the values that its loads need. The beam, its material and its frame T are borrowed.
 struct BeamSpan
 {
   const Elem& elem;
@@ -49,8 +50,9 @@ struct BeamSpan
 
 /// The sum of the loads on a beam between its ends, in its local axes.
 ///
-/// The internal forces are those of the beam with fixed ends. The equivalent nodal loads are their
-/// values at the ends, so that diagrams, end forces and load vector agree.
+/// The internal forces are those of the beam whose ends are fixed or hinged by its code. The
+/// equivalent nodal loads are their values at the ends, so that diagrams, end forces and load
+/// vector agree.
 struct SpanLoad
 {
   double q[4] = {};     ///< per length: axial, along y, along z, torque
@@ -68,8 +70,7 @@ struct SpanLoad
   /// Adds to the internal force `component` (from 1) at t.
   void AddToStrengthVectors(const BeamSpan& beam, int component, double t, double& strength) const;
 
-  /// Adds the displacement at t of the beam with fixed ends under the load: global axes, the
-  /// translations only.
+  /// Adds the translations at t of the beam whose ends do not move, in global axes.
   void AddToDisplacementVectors(const BeamSpan& beam, double t, double* displacement) const;
 
 private:

@@ -82,7 +82,7 @@ bool ReadElemLoad(TextScan& text, std::string_view word, Problem& problem)
   const MakeLoad make = FindLoadType(word);
   if (!make)
     return false;
-  // No comments here: a '#' is one more word that is no number.
+  // The block has no comments: a '#' is a word that is not a number and so ends it.
   for (int number = 0; text.ReadInt(number);)
     Attempt(&text, [&] { ReadOneLoad(text, number, make(), problem); });
   SkipBlockEnd(text);

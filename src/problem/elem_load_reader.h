@@ -7,8 +7,8 @@ namespace morlen {
 class TextScan;
 struct Problem;
 
-/// Reads the block of element loads that this word begins, to its end. Returns false when the word
-/// begins none. Fatal on an unknown element and on a record that is not complete.
+/// Reads a block of element loads whose keyword `word` has been read, to its end. Returns false,
+/// and reads nothing, for any other word. Fatal on an unknown element and on an incomplete record.
 bool ReadElemLoad(TextScan& text, std::string_view word, Problem& problem);
 
 }  // namespace morlen

@@ -9,7 +9,8 @@
 
 namespace morlen {
 
-// One load after the other: a long chain must not nest its destructors.
+// The loop destroys the loads one by one: nested destructors of a long chain would overflow the
+// stack.
 BaseElemLoads::~BaseElemLoads()
 {
   while (next)

@@ -16,16 +16,16 @@ class Units;
 struct BeamSpan;
 struct SpanLoad;
 
-/// The record of an element load, in the units of the results.
+/// An element load as data, in the units of the results.
 struct ElemLoadRecord
 {
-  const char* keyword;           ///< of its block
-  std::array<double, 6> values;  ///< converted, and out of the record's own axes
+  const char* keyword;           ///< of the block
+  std::array<double, 6> values;  ///< after the rotation by the record's Euler angles
   int face;                      ///< index of the face or edge; -1 without one
 };
 
-/// A load on an element: distributed, or a change of temperature. The loads on one element
-/// form a chain in the order read.
+/// A distributed load on an element, or a change of its temperature. The loads on one element form
+/// a chain in the order of the file.
 class BaseElemLoads
 {
 public:
@@ -34,7 +34,7 @@ public:
   BaseElemLoads& operator=(const BaseElemLoads&) = delete;
   virtual ~BaseElemLoads();
 
-  /// Takes the values from the rest of a record, converted to the units of the results.
+  /// Reads the values from the rest of a record and converts them to the units of the results.
   virtual void ReadYourLoad(int elemNumber, PROBLEMTYPE type, std::string_view text,
                             const Units& units, ElemType elemType) = 0;
 

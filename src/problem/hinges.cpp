@@ -14,25 +14,25 @@
 #include "model/node.h"
 #include "numeric/plex_range.h"
 #include "problem/problem.h"
+#include "problem/record_items.h"
 
 namespace morlen {
 
 namespace {
 
-void ReadNodeHinge(TextScan& text, int number, Problem& problem)
+void ReadNodeHinge(TextScan& text, int number, Node* node, bool& hasHinges)
 {
-  Node* node = problem.FindNode(number);
   if (!node)
     Fatal("error: Trying to assign rotule to unknown node\n");
   node->hasRotule = true;
-  problem.hasHinges = true;
+  hasHinges = true;
   if (text.ReadRestOfLine().empty())
     Fatal("Not reading correctly the rotules. Number=", number, "\n");
 }
 
-void ReadElementHinge(TextScan& text, int number, Problem& problem)
+HingeCode ReadHingeCode(TextScan& text, int number, const Elem* elem)
 {
-  if (!problem.GiveElem(number))
+  if (!elem)
     Fatal("error: trying to assign a rotule to element number ", number,
           " and it does not exist\n");
   const std::string_view line = text.ReadRestOfLine();
@@ -45,12 +45,10 @@ void ReadElementHinge(TextScan& text, int number, Problem& problem)
   Note(ReadEvent::LineTail, tail);
   if (!HingeCode::IsValid(code))
     Fatal("error: hinge code of element ", number, " must be 11, 10, 01 or 00\n");
-  problem.hingeCodes[number] = HingeCode(code);
-  problem.hasHinges = true;
+  return HingeCode(code);
 }
 
-// Fixes the rotations of a node that no connection holds. A spring holds its rotation by
-// itself.
+// Fixes the free rotations of a node that no element holds. Springs stay.
 void FixRotations(Node& node, const NodeComponents& components)
 {
   if (!node.constraint)
@@ -61,22 +59,23 @@ void FixRotations(Node& node, const NodeComponents& components)
   }
 }
 
-// The code of a beam with the hinges of its nodes, entered where it differs.
-HingeCode MergeBeam(const Elem& beam, Problem& problem)
+// Merges the hinges of a beam's nodes into its code, and returns the code.
+HingeCode MergeBeam(const Elem& beam, HingeCodes& codes)
 {
-  const HingeCode read = problem.GiveHingeCode(beam.Num());
+  const HingeCode read = GiveHingeCode(codes, beam.Num());
   const HingeCode merged = read.Merged(beam(0)->hasRotule, beam(1)->hasRotule);
   if (merged != read)
-    problem.hingeCodes[beam.Num()] = merged;
+    codes[beam.Num()] = merged;
   return merged;
 }
 
-// Marks, by system number, the nodes whose rotations an element holds.
-void MergeMesh(const Mesh& mesh, Problem& problem, std::vector<bool>& held)
+// Merges the codes of a mesh. Marks in `held`, by system number, the nodes whose rotations an
+// element of the mesh holds.
+void MergeMesh(const Mesh& mesh, HingeCodes& codes, std::vector<bool>& held)
 {
   const bool beams = mesh.GiveElemType() == Linear;
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
-    const HingeCode code = beams ? MergeBeam(elem, problem) : HingeCode();
+    const HingeCode code = beams ? MergeBeam(elem, codes) : HingeCode();
     for (int i = 0; i < elem.Nnode(); ++i) {
       if (!(i == 0 ? code.FirstHinged() : code.SecondHinged()))
         held[elem(i)->number] = true;
@@ -88,23 +87,25 @@ void MergeMesh(const Mesh& mesh, Problem& problem, std::vector<bool>& held)
 
 void ReadNodeHinges(TextScan& text, Problem& problem)
 {
-  for (int number = 0; ReadRecordNumber(text, number);)
-    Attempt(&text, [&] { ReadNodeHinge(text, number, problem); });
-  SkipBlockEnd(text);
+  ReadRecords(text, [&](int number) {
+    ReadNodeHinge(text, number, problem.FindNode(number), problem.hasHinges);
+  });
 }
 
 void ReadElementHinges(TextScan& text, Problem& problem)
 {
-  for (int number = 0; ReadRecordNumber(text, number);)
-    Attempt(&text, [&] { ReadElementHinge(text, number, problem); });
-  SkipBlockEnd(text);
+  ReadRecords(text, [&](int number) {
+    const HingeCode code = ReadHingeCode(text, number, problem.GiveElem(number));
+    problem.hingeCodes[number] = code;
+    problem.hasHinges = true;
+  });
 }
 
 void MergeHinges(Problem& problem)
 {
   std::vector<bool> held(static_cast<std::size_t>(problem.numNodes) + 1, false);
   for (const auto& mesh : problem.meshes)
-    MergeMesh(*mesh, problem, held);
+    MergeMesh(*mesh, problem.hingeCodes, held);
   if (problem.components.Rotations() == 0)
     return;
   for (Node& node : Each<Node>(problem.GiveNodes())) {

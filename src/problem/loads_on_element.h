@@ -7,11 +7,14 @@
 
 namespace morlen {
 
-/// Calls visit(load) for the self-weight of an element, where it has some, and for each of its
-/// loads in the order of the file.
+// These functions take the whole Problem: together they collect the data of one element from its
+// materials, hinge codes, element loads, gravity direction and problem type.
+
+/// Calls visit(load) for the self-weight of an element, if it has any, and for each of its loads in
+/// the order of the file.
 ///
-/// weight: per length, area or volume of the element, along the direction of gravity. type: decides
-/// about the z component of gravity, see PreassureLT::EnterWeight.
+/// weight: per length, area or volume of the element. type: a plane problem refuses gravity along
+/// +z, see PreassureLT::EnterWeight.
 template <class Visit>
 void ForEachLoadOn(const Problem& problem, const Elem& elem, double weight, PROBLEMTYPE type,
                    Visit visit)
@@ -26,7 +29,8 @@ void ForEachLoadOn(const Problem& problem, const Elem& elem, double weight, PROB
     visit(*load);
 }
 
-/// A beam and its frame, which is written to T. Fatal without a material.
+/// The beam as its loads need it. Writes its frame to T, which must outlive the result. Fatal
+/// without a material.
 BeamSpan MakeSpan(const Problem& problem, const Elem& beam, Matriu& T);
 
 /// The sum of self-weight and loads on a beam.

@@ -1,5 +1,4 @@
-// The blocks of supports and nodal loads: records of one line each,
-// "node [flags] values items".
+// The blocks of supports and nodal loads. A record is one line "node [flags] values items".
 
 #include "problem/nodal_reader.h"
 
@@ -41,10 +40,10 @@ bool ScanValues(std::string_view& text, int n, double* values)
   return true;
 }
 
-void ReadConstraint(TextScan& text, int number, Problem& problem)
+void ReadConstraint(TextScan& text, int number, Node* node, const NodeComponents& components,
+                    const Units& units)
 {
-  const int n = problem.components.count;
-  Node* node = problem.FindNode(number);
+  const int n = components.count;
   if (!node)
     Fatal("error: Trying to assign constrain to unknown node\n");
   int flags[kMaxComponents] = {};
@@ -54,21 +53,20 @@ void ReadConstraint(TextScan& text, int number, Problem& problem)
     Fatal(n == 3 ? "Not reading correctly the constraints. Number="
                  : "Not reading correctly the constraints. -A- Number=",
           number, "\n");
-  const RecordItems items =
-      ReadRecordItems(tail, problem.units, AngleItems::kRead,
-                      "Not reading correctly the constraints. -B- Number=", number);
+  const RecordItems items = ReadRecordItems(
+      tail, units, AngleItems::kRead, "Not reading correctly the constraints. -B- Number=", number);
   if (!node->constraint)
-    node->constraint = std::make_unique<Constraint>(problem.components);
+    node->constraint = std::make_unique<Constraint>(components);
   node->constraint->EnterValuesAndFlags(flags, values, n, items.ratios.force, items.ratios.length);
   if (items.anglesGiven)
     node->constraint->EnterEulerAngles(items.angles);
   NoteStored(ReadItem::Support, number);
 }
 
-void ReadNodalLoad(TextScan& text, int number, Problem& problem)
+void ReadNodalLoad(TextScan& text, int number, Node* node, const NodeComponents& components,
+                   const Units& units)
 {
-  const int n = problem.components.count;
-  Node* node = problem.FindNode(number);
+  const int n = components.count;
   if (!node)
     Fatal("error: Trying to assign Load to unknown node\n");
   double values[kMaxComponents] = {};
@@ -80,10 +78,10 @@ void ReadNodalLoad(TextScan& text, int number, Problem& problem)
     Fatal(n == 3 ? "Not reading correctly the loads B. Number="
                  : "Not reading correctly the loads C. Number=",
           number, "\n");
-  const RecordItems items = ReadRecordItems(tail, problem.units, AngleItems::kIgnored,
+  const RecordItems items = ReadRecordItems(tail, units, AngleItems::kIgnored,
                                             "Not reading correctly the loads. -D- Number=", number);
   if (!node->load)
-    node->load = std::make_unique<Load>(problem.components);
+    node->load = std::make_unique<Load>(components);
   node->load->AddValues(values, n, items.ratios.force, items.ratios.length);
 }
 
@@ -91,16 +89,16 @@ void ReadNodalLoad(TextScan& text, int number, Problem& problem)
 
 void ReadConstraints(TextScan& text, Problem& problem)
 {
-  for (int number = 0; ReadRecordNumber(text, number);)
-    Attempt(&text, [&] { ReadConstraint(text, number, problem); });
-  SkipBlockEnd(text);
+  ReadRecords(text, [&](int number) {
+    ReadConstraint(text, number, problem.FindNode(number), problem.components, problem.units);
+  });
 }
 
 void ReadNodalLoads(TextScan& text, Problem& problem)
 {
-  for (int number = 0; ReadRecordNumber(text, number);)
-    Attempt(&text, [&] { ReadNodalLoad(text, number, problem); });
-  SkipBlockEnd(text);
+  ReadRecords(text, [&](int number) {
+    ReadNodalLoad(text, number, problem.FindNode(number), problem.components, problem.units);
+  });
 }
 
 }  // namespace morlen

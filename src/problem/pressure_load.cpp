@@ -18,7 +18,7 @@ namespace morlen {
 
 namespace {
 
-// The numbers of a record by its shape: an optional face index, then `least` to `most` values.
+// The numbers of a record: an optional face index, then `least` to `most` values.
 struct RecordShape
 {
   bool withFace;
@@ -58,8 +58,8 @@ bool ScanNumbers(std::string_view& text, PROBLEMTYPE problem, ElemType elemType,
   return ScanRecord(text, {false, 3, 3}, values, face);
 }
 
-// A force per length, area or volume; the factor of a solid fits its volume only while the
-// unit of length stays.
+// The factor for a force per length or per area. A load per volume of a solid gets the factor of an
+// area too, which is right only when both systems have the same unit of length.
 double UnitFactor(ElemType elemType, int face, const Units::Ratios& ratios)
 {
   const double perLength = ratios.force / ratios.length;
@@ -70,8 +70,8 @@ double UnitFactor(ElemType elemType, int face, const Units::Ratios& ratios)
   Fatal("error: Unknown elem type in PreassureLT::ReadYourLoad\n");
 }
 
-// The length of a beam projected across a load, over its length: the sine of the angle
-// between the two.
+// The length of a beam projected at right angles to a load, divided by its length: the sine of the
+// angle between the two.
 double ProjectedPart(const BeamSpan& beam, const ReaVec& load)
 {
   const double size = load.modul();

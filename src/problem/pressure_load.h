@@ -5,16 +5,16 @@
 
 namespace morlen {
 
-/// In which axes the values of a distributed load are given.
+/// The axes of the values of a distributed load.
 enum class PreassureLT_type : int
 {
   Local,  ///< of the element
   Global,
-  GlobalProjected,  ///< global, per length or area projected across the load
+  GlobalProjected,  ///< global, per length or area projected at right angles to the load
   Face              ///< global, on a face or an edge
 };
 
-/// The keyword of the blocks with such loads.
+/// The keyword of the blocks with loads of this type.
 constexpr const char* KeywordOf(PreassureLT_type type)
 {
   constexpr const char* kKeywords[] = {"local_pressure_loads", "global_pressure_loads",
@@ -22,7 +22,7 @@ constexpr const char* KeywordOf(PreassureLT_type type)
   return kKeywords[static_cast<int>(type)];
 }
 
-/// Load per length of a beam or an edge, per area of a shell or a face, per volume of a solid.
+/// A load per length of a beam or an edge, per area of a shell or a face, or per volume of a solid.
 class PreassureLT : public BaseElemLoads, public Pooled<PreassureLT>
 {
 public:
@@ -35,8 +35,8 @@ public:
   void AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const override;
   ElemLoadRecord Describe() const override;
 
-  /// Makes this the self-weight of an element: its weight per length (area, volume) along
-  /// the unit vector of gravity. Fatal in a plane problem with gravity along +z.
+  /// Makes this the self-weight of an element. weight: per length, area or volume; gravity: unit
+  /// vector. Fatal in a plane problem with gravity along +z.
   void EnterWeight(double weight, const ReaVec& gravity, PROBLEMTYPE problem);
 
   PreassureLT_type type;
@@ -44,11 +44,12 @@ public:
   double values[6] = {};  ///< forces along x, y, z and moments, in the units of the results
 
 private:
-  /// A load per length on the edge `face`, from node `face` (from 0) to the next corner.
+  /// Adds a load per length of the edge from corner `face` (from 0) to the next one.
   void AddToLoadVectorFaceTriangle(const Elem& elem, ReaVecV& loads) const;
-  /// A load per area on the face `face`, whose corners are the nodes `face`, `face` + 1 and
-  /// `face` + 2 (from 0, cyclically).
+  /// Adds a load per area of the face with the corners `face`, `face` + 1 and `face` + 2 (from 0,
+  /// modulo 4).
   void AddToLoadVectorFaceTetra(const Elem& elem, ReaVecV& loads) const;
+  /// The load per area in global axes on a surface with this unit normal.
   ReaVec OnSurface(const ReaVec& normal) const;
 };
 

@@ -1,4 +1,6 @@
-// Distributed loads on tetrahedra: over their volume, or on a face.
+// Equivalent nodal loads of distributed loads on tetrahedra, over the volume or on a face: the
+// integral of shape function times load, f_i = ∫ N_i q. A face is a triangle of three or six nodes
+// and may be curved; its integral is summed over the three points of kMidEdgePoints.
 
 #include <cmath>
 
@@ -21,7 +23,7 @@ void AddToNode(const Node& node, const ReaVec& load, double share, ReaVecV& load
     loads(kSolidComponents.Equation(node.number, k)) += share * load(k);
 }
 
-// A face of a tetrahedron as a triangle of three or six nodes in space.
+// A face of a tetrahedron: a triangle of three or six nodes in space.
 struct SolidFace
 {
   SolidFace(const Elem& elem, int face) : nnode(elem.Nnode() == 4 ? 3 : 6)
@@ -61,7 +63,7 @@ struct SolidFace
     return i == 0 ? -1.0 : i == direction ? 1.0 : 0.0;
   }
 
-  // Outward normal at a point; its length is the area by the natural coordinates.
+  // Outward normal at a point. Its length is the Jacobian: area per unit of natural coordinates.
   ReaVec Normal(const TrianglePoint& at) const
   {
     ReaVec tangents[2] = {ReaVec(3), ReaVec(3)};
@@ -74,7 +76,7 @@ struct SolidFace
 
   int nnode;
   const Node* nodes[6] = {};
-  double outwards;  // -1 where the turn of the corners points into the element
+  double outwards;  // 1, or -1 when the normal by the order of the corners points inwards
 };
 
 }  // namespace
@@ -117,7 +119,6 @@ void PreassureLT::AddToLoadVectorFaceTetra(const Elem& elem, ReaVecV& loads) con
   }
 }
 
-// The load per area in global axes on a surface with this unit normal.
 ReaVec PreassureLT::OnSurface(const ReaVec& normal) const
 {
   const ReaVec load(values[0], values[1], values[2]);

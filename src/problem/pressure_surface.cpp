@@ -1,4 +1,5 @@
-// Distributed loads on shell triangles: over their area, or along an edge.
+// Equivalent nodal loads of distributed loads on shell triangles, over the area or along an edge:
+// the integral of shape function times load, f_i = ∫ N_i q.
 
 #include <cmath>
 
@@ -24,11 +25,12 @@ void AddToNode(const Node& node, const double* load, double share, ReaVecV& load
     loads(kComponents.Equation(node.number, k)) += share * load[k - 1];
 }
 
-// The lengths over which the nodes of an edge carry a load per length: the integrals of their shape
-// functions along the edge. The middle node of a six-node triangle may lie off the chord.
+// The length of an edge that each of its nodes carries (first, last, middle): the integral of the
+// node's shape function along the edge. The middle node of a six-node triangle may lie off the
+// chord; the edge is then a parabola, integrated with three Gauss points.
 void CalcEdgeLengths(const Node& first, const Node* middle, const Node& last, double lengths[3])
 {
-  // Gauss points and weights on (-1, 1), degree 5.
+  // Gauss-Legendre rule of three points on (-1, 1).
   static const double points[] = {-std::sqrt(0.6), 0.0, std::sqrt(0.6)};
   constexpr double weights[] = {5.0 / 9.0, 8.0 / 9.0, 5.0 / 9.0};
   const double chord = std::sqrt(dist2(&first, &last));

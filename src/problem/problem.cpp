@@ -13,6 +13,20 @@
 
 namespace morlen {
 
+Material& RequireMaterial(const Elem& elem, const VoidPlex& materials)
+{
+  Material* material = elem.GiveMaterial(&materials);
+  if (!material)
+    Fatal("error: Material in element: ", elem.Num(), " doesn't exist\n");
+  return *material;
+}
+
+HingeCode GiveHingeCode(const HingeCodes& codes, int elemNumber)
+{
+  const auto found = codes.find(elemNumber);
+  return found == codes.end() ? HingeCode() : found->second;
+}
+
 Problem::Problem(int chunkSize) : materials(chunkSize), elemLoads(chunkSize) {}
 
 Problem::~Problem()
@@ -67,16 +81,12 @@ int Problem::CheckElementsNumbers() const
 
 Material& Problem::RequireMaterial(const Elem& elem) const
 {
-  Material* material = elem.GiveMaterial(&materials);
-  if (!material)
-    Fatal("error: Material in element: ", elem.Num(), " doesn't exist\n");
-  return *material;
+  return morlen::RequireMaterial(elem, materials);
 }
 
 HingeCode Problem::GiveHingeCode(int elemNumber) const
 {
-  const auto found = hingeCodes.find(elemNumber);
-  return found == hingeCodes.end() ? HingeCode() : found->second;
+  return morlen::GiveHingeCode(hingeCodes, elemNumber);
 }
 
 int Problem::Equation(const Node& node, int k) const

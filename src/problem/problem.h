@@ -8,9 +8,9 @@
 #include "base/node_components.h"
 #include "model/hinge_code.h"
 #include "model/units.h"
-#include "numeric/plex_range.h"
 #include "numeric/reavec.h"
 #include "numeric/voidplex.h"
+#include "problem/nodes_read.h"
 #include "problem/settings.h"
 
 namespace morlen {
@@ -20,24 +20,34 @@ class Material;
 class Mesh;
 class Node;
 
+using Meshes = std::vector<std::unique_ptr<Mesh>>;
+
+/// Hinge codes by element number. Elements without an entry are continuous.
+using HingeCodes = std::unordered_map<int, HingeCode>;
+
+/// The element's material. `materials`: of Material by number. Fatal when there is none.
+Material& RequireMaterial(const Elem& elem, const VoidPlex& materials);
+
+HingeCode GiveHingeCode(const HingeCodes& codes, int elemNumber);
+
 /// The model and the settings that a problem file gives.
 ///
 /// Readers fill it. The preparation of an analysis changes it once: it merges hinges, adds nodes to
-/// shells and numbers the nodes. Everything after that only reads it.
+/// shells and numbers the nodes. All later phases only read it.
 ///
-/// Containers hold nodes under their numbers in the file. A node's own number is its system number,
-/// from which Equation computes its place in vectors and matrices.
+/// The node container is indexed by the numbers of the file. Node::number is the system number,
+/// from which Equation computes the place in vectors and matrices.
 struct Problem
 {
   static constexpr int kMaxMeshes = 10;
 
-  /// chunkSize: of the containers of materials and element loads.
+  /// chunkSize: chunk size of the containers of materials and element loads.
   explicit Problem(int chunkSize);
   Problem(const Problem&) = delete;
   Problem& operator=(const Problem&) = delete;
   ~Problem();
 
-  /// The node container, which all meshes share. At least one mesh must exist.
+  /// The node container that all meshes share. At least one mesh must exist.
   VoidPlex& GiveNodes() const;
   Node* FindNode(int number) const;  ///< null when absent
   Elem* GiveElem(int number) const;  ///< null when absent
@@ -54,28 +64,25 @@ struct Problem
   /// The number of equations. Fatal when it is too large for a vector.
   int Equations() const;
 
-  /// Calls visit(number, node) for every node of the file, by its number there.
+  /// Calls visit(number, node) for every node of the file, in ascending order of the file's
+  /// numbers.
   template <class Visit>
   void ForEachNodeRead(Visit visit) const
   {
-    for (const auto [number, node] : EachNumbered<const Node>(GiveNodes())) {
-      if (number > initialNumNodes)
-        return;
-      visit(number, node);
-    }
+    morlen::ForEachNodeRead(GiveNodes(), initialNumNodes, visit);
   }
 
   Units units;
   PROBLEMTYPE problemType = kPlane;
   NodeComponents components;
-  std::vector<std::unique_ptr<Mesh>> meshes;
-  int initialNumNodes = 0;  ///< highest number in the file
-  int numNodes = 0;         ///< with the nodes that the preparation adds
+  Meshes meshes;
+  int initialNumNodes = 0;  ///< highest node number in the file
+  int numNodes = 0;         ///< initialNumNodes and the nodes that the preparation adds
   VoidPlex materials;       ///< of Material by number, owned
   VoidPlex elemLoads;       ///< of BaseElemLoads by element number, owned: chains of loads
-  bool hasHinges = false;   ///< whether the file has any
-  std::unordered_map<int, HingeCode> hingeCodes;  ///< by element number; others are continuous
-  std::vector<int> coplanarity;  ///< by system number less 1: 1 where a shell is flat
+  bool hasHinges = false;   ///< true when the file has a hinge record
+  HingeCodes hingeCodes;
+  std::vector<int> coplanarity;  ///< by system number - 1: 1 at a node where the shells are flat
 
   SolverSettings solverSettings;
   SmoothingSettings smoothing;

@@ -1,4 +1,4 @@
-// The top level of the problem file: its header, its keywords, and the checks at its end.
+// The top level of the problem file: header, keywords, and the checks at the end.
 
 #include "problem/problem_reader.h"
 
@@ -31,7 +31,7 @@ struct Content
   std::size_t size = 0;
 };
 
-// Bytes from the place reached to the end; 0 where that is not known.
+// The bytes from the current position to the end; 0 when the stream cannot tell.
 std::size_t BytesAhead(std::streambuf& in)
 {
   const std::streamoff here = in.pubseekoff(0, std::ios::cur, std::ios::in);
@@ -42,7 +42,7 @@ std::size_t BytesAhead(std::streambuf& in)
   return static_cast<std::size_t>(end - here);
 }
 
-// A failure to read (a folder, a faulty disk) counts as the end.
+// A read error (a folder, a faulty disk) counts as the end of the file.
 Content ReadWholeStream(std::ifstream& in)
 {
   Content content;
@@ -67,8 +67,8 @@ Content ReadWholeStream(std::ifstream& in)
   Fatal("error: node ", node, " has a z coordinate in a 2d problem\n");
 }
 
-// The value of a keyword: the rest of its own word, or else the next word that is not only skipped
-// characters.
+// The value of a keyword: the rest `glued` of the keyword's word, or else the next word that has
+// more than the characters ' ', '=' and ':'.
 std::string ReadValue(TextScan& text, std::string_view glued)
 {
   constexpr const char* kSkipped = " =:";
@@ -81,7 +81,8 @@ std::string ReadValue(TextScan& text, std::string_view glued)
   }
 }
 
-// A keyword ends at a blank, '=' or ':', or at the number that is its value.
+// Notes a word that continues after the keyword `name` with anything but '=', ':' or the number
+// that is its value.
 void NoteGlued(std::string_view word, std::string_view name, bool takesValue)
 {
   const std::string_view glued = word.substr(name.size());
@@ -90,7 +91,7 @@ void NoteGlued(std::string_view word, std::string_view name, bool takesValue)
     Note(ReadEvent::Prefix, word, name);
 }
 
-void ReadHeader(TextScan& text, Problem& problem)
+PROBLEMTYPE ReadHeader(TextScan& text)
 {
   FindThisWord(text, "problem");
   FindThisWord(text, "type");
@@ -99,17 +100,15 @@ void ReadHeader(TextScan& text, Problem& problem)
   if (EqualsNoCase(word, "reticulat"))
     word = text.ReadWord();
   if (EqualsNoCase(word, "2d"))
-    problem.problemType = kPlane;
-  else if (EqualsNoCase(word, "3d"))
-    problem.problemType = kSpace;
-  else
-    Fatal("Type of problem unknown. Only 2d and 3d\n");
-  problem.components = ComponentsOf(problem.problemType);
+    return kPlane;
+  if (EqualsNoCase(word, "3d"))
+    return kSpace;
+  Fatal("Type of problem unknown. Only 2d and 3d\n");
 }
 
 void ReadMesh(TextScan& text, Problem& problem)
 {
-  auto& meshes = problem.meshes;
+  Meshes& meshes = problem.meshes;
   if (static_cast<int>(meshes.size()) == Problem::kMaxMeshes)
     Fatal("error: maximum number of meshes is: ", Problem::kMaxMeshes, "\n");
   constexpr int kChunk = 100;
@@ -129,9 +128,9 @@ struct Keyword
 {
   const char* name;
   void (*readBlock)(TextScan&, Problem&) = nullptr;  ///< the whole word must match
-  /// Takes a value, which may be glued to the word.
+  /// Reads a keyword with a value, which may be glued to the word.
   void (*readValue)(TextScan&, const std::string&, Problem&) = nullptr;
-  void (*set)(Problem&) = nullptr;  ///< takes no value
+  void (*set)(Problem&) = nullptr;  ///< for a keyword without a value
   ReadTopic topic = ReadTopic::Other;
 };
 
@@ -191,29 +190,28 @@ void ReadWord(TextScan& text, Problem& problem)
   }
 }
 
-void RequireDifferentNumbers(const Problem& problem)
+[[noreturn]] void RefuseRepetition(int element)
 {
-  if (const int number = problem.CheckElementsNumbers())
-    Fatal("error: All elements must have different number. Check elm num: ", number, "\n");
+  Fatal("error: All elements must have different number. Check elm num: ", element, "\n");
 }
 
-void ComposeMaterials(const Problem& problem)
+void ComposeMaterials(const Meshes& meshes, const VoidPlex& materials)
 {
-  for (const auto& mesh : problem.meshes) {
+  for (const auto& mesh : meshes) {
     if (!mesh->HasOwnMaterials())
       continue;  // saves a pass over all elements
     for (Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
-      elem.ComposeYourMaterial(&problem.materials);
+      elem.ComposeYourMaterial(&materials);
   }
 }
 
-// A node with two coordinates gets z = 0 in space. A plane frame has no z.
-void SetNodeDimensions(const Problem& problem, bool space)
+// In space a node with two coordinates gets z = 0. In a plane frame z must be 0.
+void SetNodeDimensions(const Meshes& meshes, bool space)
 {
   const auto fits = [space](const auto& mesh) { return mesh->GiveNdime() == (space ? 3 : 2); };
-  if (std::all_of(problem.meshes.begin(), problem.meshes.end(), fits))
+  if (std::all_of(meshes.begin(), meshes.end(), fits))
     return;  // saves a pass over all nodes
-  for (auto [number, node] : EachNumbered<Node>(problem.GiveNodes())) {
+  for (auto [number, node] : EachNumbered<Node>(*meshes.front()->GiveNodePlex())) {
     if (node.Size() < 3) {
       if (space)
         node.resize(3, 0.0);
@@ -227,7 +225,8 @@ void FinishReading(Problem& problem)
 {
   if (problem.meshes.empty())
     Fatal("error: it is necessary at least one mesh\n");
-  Attempt(nullptr, [&] { RequireDifferentNumbers(problem); });
+  if (const int element = problem.CheckElementsNumbers())
+    Attempt(nullptr, [&] { RefuseRepetition(element); });
   bool solids = false;
   bool others = false;
   for (const auto& mesh : problem.meshes)
@@ -238,8 +237,8 @@ void FinishReading(Problem& problem)
     problem.smoothing.on = true;
     problem.components = kSolidComponents;
   }
-  ComposeMaterials(problem);
-  SetNodeDimensions(problem, problem.problemType == kSpace || solids);
+  ComposeMaterials(problem.meshes, problem.materials);
+  SetNodeDimensions(problem.meshes, problem.problemType == kSpace || solids);
 }
 
 }  // namespace
@@ -253,12 +252,13 @@ void ReadProblem(std::ifstream& in, Problem& problem)
 
 void ReadProblem(TextScan& text, Problem& problem)
 {
-  if (!Attempt(&text, [&] { ReadHeader(text, problem); }))
+  if (!Attempt(&text, [&] { problem.problemType = ReadHeader(text); }))
     return;
+  problem.components = ComponentsOf(problem.problemType);
   while (!text.AtEnd()) {
     const bool read = Attempt(&text, [&] { ReadWord(text, problem); });
     if (!read && !problem.meshes.empty() && problem.meshes.back()->GiveFvType() == 0)
-      return;  // without the head of a mesh its lists have no meaning
+      return;  // the lists of a mesh whose head is unreadable have no meaning
   }
   Attempt(nullptr, [&] { FinishReading(problem); });
 }

@@ -7,8 +7,8 @@ namespace morlen {
 class TextScan;
 struct Problem;
 
-/// Reads a whole problem file: header, keywords, and the checks at its end. Fatal on the first
-/// fault.
+/// Reads a whole problem file: header, keywords, and the checks at the end. Fatal on the first
+/// error.
 void ReadProblem(std::ifstream& in, Problem& problem);
 void ReadProblem(TextScan& text, Problem& problem);
 

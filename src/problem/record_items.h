@@ -2,9 +2,21 @@
 
 #include <string_view>
 
+#include "base/read_observer.h"
+#include "base/textscan.h"
 #include "model/units.h"
 
 namespace morlen {
+
+/// Reads a block of records that begin with a number, from after the keyword to the block's end.
+/// Calls readRecord(number) at the rest of each record.
+template <class ReadRecord>
+void ReadRecords(TextScan& text, ReadRecord readRecord)
+{
+  for (int number = 0; ReadRecordNumber(text, number);)
+    Attempt(&text, [&] { readRecord(number); });
+  SkipBlockEnd(text);
+}
 
 /// The items at the end of a record of a support or a load.
 struct RecordItems
@@ -14,7 +26,7 @@ struct RecordItems
   Units::Ratios ratios;      ///< of the record's unit system, else the default ratios
 };
 
-/// Whether the Euler angles of a record are read, or ignored like unknown keys.
+/// Euler angles of a record are read, or ignored as unknown keys are.
 enum class AngleItems : bool
 {
   kIgnored,

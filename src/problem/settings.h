@@ -15,24 +15,25 @@ enum class SolverType : int
   Double
 };
 
-/// The run's solver; the numbers belong to the sparse one, unset as they stand here.
+/// The solver of the run. The tolerances and maxIterations are those of the keyword `Solver
+/// Sparse`; the defaults mean that the file gives none.
 struct SolverSettings
 {
   SolverType type = SolverType::Automatic;
   double tolerance1 = -1.0;
   double tolerance2 = -1.0;
   int maxIterations = 0;
-  /// By whose instructions the equations are solved; not read from the file.
+  /// Selects the vector instructions of the solvers. The file does not set it.
   Processor processor = ThisProcessor();
 };
 
 struct SmoothingSettings
 {
   bool on = false;
-  double angle = -1.0;  ///< radians
+  double angle = -1.0;  ///< radians; negative when the file gives none
 };
 
-/// Which shell values the results hold.
+/// The shell values that the results contain.
 enum class StressOutput : int
 {
   Local,

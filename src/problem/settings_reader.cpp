@@ -26,8 +26,8 @@ namespace {
 
 constexpr const char* kWhite = " \t\n\v\f\r";
 
-// The whole number at the beginning of a text, 0 when there is none; what does not fit
-// is taken as the largest number of its sign.
+// The whole number at the beginning of a text; 0 when there is none. A number out of range becomes
+// INT_MIN or INT_MAX.
 int ToInt(const std::string& text)
 {
   NoteNumber(text);
@@ -51,7 +51,8 @@ void RequireFactor(double size, const char* message)
     Fatal(message);
 }
 
-// The next word of at most 20 characters; a longer one is cut, and its rest is the next.
+// Removes the next word from the text and returns it. A word of more than 20 characters is cut: its
+// rest is the next word.
 std::string ScanName(std::string_view& text)
 {
   constexpr std::size_t kLongest = 20;
@@ -61,7 +62,7 @@ std::string ScanName(std::string_view& text)
   return std::string(name);
 }
 
-// A line "name nameN nameM namePa facN facM".
+// Reads a line "name nameN nameM namePa facN facM".
 UnitsBase ReadUnitsBase(std::string_view line)
 {
   UnitsBase base;
@@ -75,13 +76,14 @@ UnitsBase ReadUnitsBase(std::string_view line)
   return base;
 }
 
-bool ReadMaterial(TextScan& text, Problem& problem)
+// Reads the next record into `materials`. Returns false at the end of the block.
+bool ReadMaterial(TextScan& text, const Units& units, VoidPlex& materials)
 {
   auto material = std::make_unique<Material>();
-  if (!material->ReadFromAscii(text, &problem.units))
+  if (!material->ReadFromAscii(text, &units))
     return false;
   const int number = material->number;
-  Store(problem.materials, number, std::move(material));
+  Store(materials, number, std::move(material));
   NoteStored(ReadItem::Material, number);
   return true;
 }
@@ -204,8 +206,9 @@ void ReadUnitsNames(TextScan& text, Problem& problem)
     if (HasPrefix(line, "end"))
       return enterBatch();
     Attempt(&text, [&] { batch.push_back(ReadUnitsBase(line)); });
-    if (batch.size() >=
-        std::max(kBatch, problem.units.bases.size()))  // sorting stays in proportion
+    // AddUnitsBase merges a batch into the whole table. Batches that grow with the table keep the
+    // total cost at n log n.
+    if (batch.size() >= std::max(kBatch, problem.units.bases.size()))
       enterBatch();
   }
 }
@@ -215,7 +218,7 @@ void ReadMaterials(TextScan& text, Problem& problem)
   for (;;) {
     SkipComments(text);
     bool more = true;
-    Attempt(&text, [&] { more = ReadMaterial(text, problem); });
+    Attempt(&text, [&] { more = ReadMaterial(text, problem.units, problem.materials); });
     if (!more)
       return SkipBlockEnd(text);
   }

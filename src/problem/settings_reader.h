@@ -7,8 +7,8 @@ namespace morlen {
 class TextScan;
 struct Problem;
 
-// Readers of single keywords. The value is a word that follows the keyword; further values of the
-// same keyword are read from the text.
+// Readers of single keywords. `value` is the first value of the keyword; a reader takes further
+// values from the text.
 
 void ReadUnitsMesh(TextScan& text, const std::string& value, Problem& problem);
 void ReadUnitsMatAndLoad(TextScan& text, const std::string& value, Problem& problem);

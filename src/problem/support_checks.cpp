@@ -36,7 +36,7 @@ void CheckOneSupport(const Node& node, int components, std::ostream& message)
                               : "Its 6 degrees of freedom should be prescribed!!!\n");
 }
 
-// The only motion that is judged is the turn about the line between the two.
+// Only the rotation about the line between the two supports is judged.
 void CheckTwoSupports(const Node& a, const Node& b, int components, std::ostream& message)
 {
   ReaVec d = b - a;
@@ -54,16 +54,15 @@ void CheckTwoSupports(const Node& a, const Node& b, int components, std::ostream
 
 }  // namespace
 
-void CheckTypicalConstraintsErrors(const Problem& problem)
+void CheckTypicalConstraintsErrors(const Meshes& meshes, int components)
 {
-  const int components = problem.components.count;
-  const bool planeFrame = problem.meshes.size() == 1 &&
-                          problem.meshes.front()->GiveElemType() == Linear && components == 3;
+  const Mesh& first = *meshes.front();
+  const bool planeFrame = meshes.size() == 1 && first.GiveElemType() == Linear && components == 3;
   if (planeFrame)
     return;
   constexpr std::size_t kJudged = 2;
   std::vector<const Node*> supported;
-  for (const Node& node : Each<Node>(problem.GiveNodes())) {
+  for (const Node& node : Each<Node>(*first.GiveNodePlex())) {
     if (!node.constraint)
       continue;
     if (supported.size() == kJudged)

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "problem/problem.h"
+
 namespace morlen {
 
-struct Problem;
-
-/// Explains typical faults of the supports in the stream of the error writer: none, only one, or
-/// two about whose line the model can turn.
-void CheckTypicalConstraintsErrors(const Problem& problem);
+/// Writes typical errors of the supports to the stream of the error writer: no support, only one,
+/// or two with a free rotation about the line between them. components: of a node.
+void CheckTypicalConstraintsErrors(const Meshes& meshes, int components);
 
 }  // namespace morlen

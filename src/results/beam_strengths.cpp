@@ -1,4 +1,8 @@
 // End forces of beams, and their forces and displacements along the span.
+//
+// A beam without loads on its span has a linear moment, so that its deflection is the cubic through
+// the deflections and slopes of its ends (Hermite interpolation). The loads of the span add their
+// part later: SpanLoad, problem/beam_span.h.
 
 #include "results/beam_strengths.h"
 
@@ -21,19 +25,17 @@
 #include "numeric/plex_range.h"
 #include "problem/loads_on_element.h"
 #include "problem/problem.h"
-#include "results/mesh_output.h"
 
 namespace morlen {
 
 namespace {
 
-// A plane of bending: its deflection and its rotation (components from 0), with the sign
-// of the rotation that raises the deflection.
+// A plane of bending.
 struct BendingPlane
 {
-  int v;
-  int r;
-  double sign;
+  int v;        // component of the deflection, from 0
+  int r;        // component of the rotation, from 0
+  double sign;  // slope of the deflection = sign · rotation
 };
 
 constexpr BendingPlane kPlaneFrame[] = {{1, 2, 1.0}};
@@ -46,8 +48,8 @@ std::span<const BendingPlane> BendingPlanes(int components)
   return kSpaceFrame;
 }
 
-// Deflection at the relative abscissa t of a beam of length L with these end deflections
-// and slopes: the cubic through them.
+// Deflection at the relative abscissa t of a beam of length L: the cubic with these deflections
+// and slopes at the ends.
 double Cubic(double t, double L, double v1, double slope1, double v2, double slope2)
 {
   const double t2 = t * t;
@@ -58,14 +60,14 @@ double Cubic(double t, double L, double v1, double slope1, double v2, double slo
 
 }  // namespace
 
-BeamEnds GiveBeamEnds(const Problem& problem, const ReaVecV& displacements, const Elem& beam,
-                      const Matriu& T)
+BeamEnds GiveBeamEnds(const NodeComponents& components, const ReaVecV& displacements,
+                      const Elem& beam, const Matriu& T)
 {
-  const int n = problem.components.count;
+  const int n = components.count;
   BeamEnds ends;
-  const auto copy = [&](const Node& node, double* components) {
-    std::copy_n(&displacements.Data()[problem.Equation(node, 1) - 1], n, components);
-    TurnVector(T, Turn::ToLocal, n, components);
+  const auto copy = [&](const Node& node, double* end) {
+    std::copy_n(&displacements.Data()[components.Equation(node.number, 1) - 1], n, end);
+    TurnVector(T, Turn::ToLocal, n, end);
   };
   copy(*beam(0), ends.first);
   copy(*beam(1), ends.second);
@@ -132,18 +134,18 @@ void ReleaseHingedRotations(HingeCode hingeCode, double L, int components, BeamE
   }
 }
 
-void SetDisplacementVectors(const Problem& problem, const ReaVecV& displacements, const Elem& beam,
-                            const Matriu& T, int divisions, double* out)
+void SetDisplacementVectors(const NodeComponents& components, const ReaVecV& displacements,
+                            const Elem& beam, HingeCode hingeCode, const Matriu& T, int divisions,
+                            double* out)
 {
-  const int components = problem.components.count;
-  const int count = problem.components.translations;
+  const int count = components.translations;
   const double L = std::sqrt(dist2(beam(0), beam(1)));
-  BeamEnds ends = GiveBeamEnds(problem, displacements, beam, T);
-  ReleaseHingedRotations(problem.GiveHingeCode(beam.Num()), L, components, ends);
+  BeamEnds ends = GiveBeamEnds(components, displacements, beam, T);
+  ReleaseHingedRotations(hingeCode, L, components.count, ends);
   for (int i = 0; i <= divisions; ++i) {
     const double t = static_cast<double>(i) / divisions;
     double local[3] = {(1.0 - t) * ends.first[0] + t * ends.second[0], 0.0, 0.0};
-    for (const BendingPlane& plane : BendingPlanes(components)) {
+    for (const BendingPlane& plane : BendingPlanes(components.count)) {
       local[plane.v] = Cubic(t, L, ends.first[plane.v], plane.sign * ends.first[plane.r],
                              ends.second[plane.v], plane.sign * ends.second[plane.r]);
     }

@@ -18,7 +18,7 @@ namespace morlen {
 
 namespace {
 
-// Leaves room for sums of several values.
+// The writers add several values: a bound below the largest double leaves room for their sums.
 constexpr double kLargest = 1e300;
 
 bool IsBounded(double value)
@@ -31,8 +31,8 @@ bool AreBounded(const ReaVecV& v)
   return std::all_of(v.Data(), v.Data() + v.Size(), IsBounded);
 }
 
-// The largest size of a value; 0 for none.
-double LargestOf(const ReaVecV& v)
+// The largest absolute value; 0 for an empty vector.
+double MaxAbs(const ReaVecV& v)
 {
   double largest = 0.0;
   for (int i = 0; i < v.Size(); ++i)
@@ -45,8 +45,8 @@ bool AreFinite(const ReaVecV& v)
   return std::all_of(v.Data(), v.Data() + v.Size(), [](double r) { return std::isfinite(r); });
 }
 
-// Whether the load on a beam stays finite in the moments (by L²) and deflections (by L⁴ over
-// the stiffness) that it causes between the ends.
+// True when the moments (q L²) and deflections (q L⁴ / stiffness) that a load causes between the
+// ends of a beam are bounded.
 bool IsSpanBounded(const BeamSpan& beam, const SpanLoad& load)
 {
   double stiffness = std::min(beam.EA, beam.EIz);
@@ -66,8 +66,7 @@ bool IsSpanBounded(const BeamSpan& beam, const SpanLoad& load)
 bool AreBeamSpansBounded(const MeshOutput& output)
 {
   const Problem& problem = output.problem;
-  const double largest =
-      LargestOf(output.solution.displacements) + LargestOf(output.results.strengths);
+  const double largest = MaxAbs(output.solution.displacements) + MaxAbs(output.results.strengths);
   Matriu T;
   for (const Elem& elem : Each<Elem>(*output.mesh.GiveElemPlex())) {
     const BeamSpan beam = MakeSpan(problem, elem, T);

@@ -1,5 +1,5 @@
-// The blocks of beams in the post-process results: displacements, forces and local axes
-// at the division points of every beam, points 0 and d at its ends.
+// The blocks of beams in the post-process results: displacements, forces and local axes at
+// numOfDivisions + 1 equidistant points of every beam, its ends included.
 
 #include "results/kiv_beams.h"
 
@@ -27,7 +27,7 @@ struct ForceBlock
 {
   const char* name;
   int axis;     ///< local axis along which the diagram is drawn
-  double sign;  ///< of the drawing; moments are drawn on the other side
+  double sign;  ///< of the drawing: -1 for moments, which are drawn on the side of the tension
 };
 
 constexpr ForceBlock kPlaneForces[] = {
@@ -46,8 +46,8 @@ void WriteDisplacements(const MeshOutput& output, TextOut& res)
   res << "BDisplacements 4 1.0 Estatic 2 2 1 \"Beams\"\nX\nY\nZ\n";
   for (const Elem& elem : Each<Elem>(*output.mesh.GiveElemPlex())) {
     const BeamSpan beam = MakeSpan(problem, elem, T);
-    SetDisplacementVectors(problem, output.solution.displacements, elem, T, divisions,
-                           points.data());
+    SetDisplacementVectors(problem.components, output.solution.displacements, elem, beam.hingeCode,
+                           T, divisions, points.data());
     const SpanLoad load = LoadOn(problem, beam);
     const bool loaded = !load.IsZero();
     res << elem.Num();
@@ -93,7 +93,7 @@ void WriteForces(const MeshOutput& output, int component, TextOut& res)
   }
 }
 
-// The middle point has the angles; the others carry a mark that draws nothing.
+// The axes are drawn at the middle point; angles of 1000 tell the post-processor to draw none.
 void WriteAxes(const MeshOutput& output, TextOut& res)
 {
   const Problem& problem = output.problem;

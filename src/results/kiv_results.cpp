@@ -20,15 +20,14 @@ namespace morlen {
 
 namespace {
 
-void WriteMeshFile(const Problem& problem, const char* fileName)
+void WriteMeshFile(const Mesh& mesh, int initialNumNodes, const char* fileName)
 {
   std::ofstream file;
   OpenOutput(file, fileName);
   TextOut out(file);
-  const Mesh& mesh = *problem.meshes.front();
   out << "\n\n\n\n\nNumElems NumNodes ElemType\n"
-      << mesh.GiveElemPlex()->Count() << ' ' << problem.initialNumNodes << " 7\nnode x y z\n";
-  problem.ForEachNodeRead([&](int number, const Node& node) {
+      << mesh.GiveElemPlex()->Count() << ' ' << initialNumNodes << " 7\nnode x y z\n";
+  ForEachNodeRead(*mesh.GiveNodePlex(), initialNumNodes, [&](int number, const Node& node) {
     out << number << ' ';
     for (int i = 1; i <= node.Size(); ++i)
       out.Scientific(node(i));
@@ -46,8 +45,8 @@ void WriteMeshFile(const Problem& problem, const char* fileName)
   CloseOutput(file);
 }
 
-// One point set for all meshes whose families write it by the same function; the last mesh tells
-// the number of points.
+// Meshes whose families write their point set by the same function share one set. Its number of
+// points is that of the last of these meshes.
 void WritePointSets(const Problem& problem, const ElementFamilies& families, TextOut& res)
 {
   decltype(ElementFamily::writePointSet) written = nullptr;
@@ -65,46 +64,44 @@ void WritePointSets(const Problem& problem, const ElementFamilies& families, Tex
   }
 }
 
-// Reaction components first..last of every node, from 1.
-void WriteReactionBlock(const Problem& problem, const ReaVecV& reactions, int first, int last,
-                        TextOut& res)
-{
-  problem.ForEachNodeRead([&](int number, const Node& node) {
-    res << number << ' ';
-    if (!node.constraint) {
-      res << "0 0 0\n";
-      return;
-    }
-    for (int k = first; k <= last; ++k)
-      res << reactions(problem.Equation(node, k)) << ' ';
-    res << '\n';
-  });
-}
-
 void WriteReactions(const Problem& problem, const ReaVecV& reactions, TextOut& res)
 {
   const NodeComponents& components = problem.components;
+  const auto writeComponents = [&](int first, int last) {  // of every node, from 1
+    problem.ForEachNodeRead([&](int number, const Node& node) {
+      res << number << ' ';
+      if (!node.constraint) {
+        res << "0 0 0\n";
+        return;
+      }
+      for (int k = first; k <= last; ++k)
+        res << reactions(components.Equation(node.number, k)) << ' ';
+      res << '\n';
+    });
+  };
   const int forces = problem.problemType == kPlane ? 2 : 3;
   res << "Reactions       4 1.0 Estatic 2 1 1\nPx\nPy\nPz\n";
-  WriteReactionBlock(problem, reactions, 1, forces, res);
+  writeComponents(1, forces);
   if (problem.problemType == kPlane)
     res << "M Reactions     4 1.0 Estatic 1 1 1\nM\n";
   else if (components.count == 6)
     res << "M Reactions     4 1.0 Estatic 2 1 1\nMx\nMy\nMz\n";
   else
     return;
-  WriteReactionBlock(problem, reactions, forces + 1, components.count, res);
+  writeComponents(forces + 1, components.count);
 }
 
 }  // namespace
 
-void WriteKivDisplacements(const Problem& problem, const ReaVecV& displacements, TextOut& res)
+void WriteKivDisplacements(const VoidPlex& nodes, int initialNumNodes,
+                           const NodeComponents& components, const ReaVecV& displacements,
+                           TextOut& res)
 {
   res << "Displacements   4 1.0 Estatic 2 1 1\nX\nY\nZ\n";
-  problem.ForEachNodeRead([&](int number, const Node& node) {
+  ForEachNodeRead(nodes, initialNumNodes, [&](int number, const Node& node) {
     res << number;
     for (int k = 1; k <= 3; ++k)
-      res << ' ' << displacements(problem.Equation(node, k));
+      res << ' ' << displacements(components.Equation(node.number, k));
     res << '\n';
   });
 }
@@ -113,7 +110,7 @@ void WriteKivResults(const Problem& problem, const ElementFamilies& families,
                      const Solution& solution, std::ofstream& stream, const char* meshFileName)
 {
   if (meshFileName)
-    WriteMeshFile(problem, meshFileName);
+    WriteMeshFile(*problem.meshes.front(), problem.initialNumNodes, meshFileName);
   TextOut res(stream);
   const bool solids = problem.meshes.front()->GiveElemType() == Tetrahedra;
   if (solids && problem.meshes.size() > 1)

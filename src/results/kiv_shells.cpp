@@ -20,9 +20,9 @@ namespace {
 struct ShellBlock
 {
   const char* header;
-  bool main;   // principal values, else local ones
-  int first;   // of the point's eight values, from 1
-  int values;  // two shears are followed by a 0
+  bool main;   // principal values; else local ones
+  int first;   // first of the eight values of a point, from 1
+  int values;  // 3, or 2 shears: a 0 is written after them
 };
 
 constexpr ShellBlock kShellBlocks[] = {
@@ -93,10 +93,11 @@ void WriteShellPointSet(const Problem&, const Mesh& mesh, TextOut& res)
 
 void WriteShellBlocks(const MeshOutput& output, TextOut& res)
 {
-  const StressOutput stresses = output.problem.stressOutput;
-  const bool local = stresses != StressOutput::Main;
-  const bool main = stresses != StressOutput::Local;
-  WriteKivDisplacements(output.problem, output.solution.displacements, res);
+  const Problem& problem = output.problem;
+  WriteKivDisplacements(problem.GiveNodes(), problem.initialNumNodes, problem.components,
+                        output.solution.displacements, res);
+  const bool local = problem.stressOutput != StressOutput::Main;
+  const bool main = problem.stressOutput != StressOutput::Local;
   for (const ShellBlock& block : kShellBlocks) {
     if (block.main ? main : local)
       WriteShellBlock(output, block, res);

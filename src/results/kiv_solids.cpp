@@ -1,5 +1,5 @@
-// The blocks of solids in the post-process results: nodal displacements, and nodal stresses
-// where they have been smoothed.
+// The blocks of solids in the post-process results: nodal displacements, then nodal stresses when
+// the results are smoothed.
 
 #include "results/kiv_solids.h"
 
@@ -18,7 +18,9 @@ namespace morlen {
 
 namespace {
 
-// The stresses are divided by the largest, so that their squares stay in the range of numbers.
+// The equivalent stress sqrt(((sx - sy)² + (sy - sz)² + (sz - sx)²) / 2 + 3 (txy² + txz² + tyz²)).
+// The stresses are divided by the largest of them first, so that no square overflows.
+// Source: R. von Mises, Mechanik der festen Körper im plastisch-deformablen Zustand, 1913.
 double VonMises(const double* stresses)
 {
   double largest = 0.0;
@@ -44,10 +46,11 @@ void WriteSolidBlocks(const MeshOutput& output, TextOut& res)
   const ReaVecV& nodalStresses = output.solution.nodalStresses;
   if (!problem.smoothing.on)
     res << "gausspoints     0  " << output.results.points << "  1  0  0\n";
-  WriteKivDisplacements(problem, output.solution.displacements, res);
+  WriteKivDisplacements(problem.GiveNodes(), problem.initialNumNodes, problem.components,
+                        output.solution.displacements, res);
   if (!problem.smoothing.on)
     return;
-  // The stresses are kept as x, y, z, xy, xz, yz.
+  // The solution has them as x, y, z, xy, xz, yz; the file has yz before xz.
   constexpr int kWritten[] = {0, 1, 2, 3, 5, 4};
   res << "Strengths      4 1.0 Estatic 3 1 1\nSx\nSy\nSz\nTxy\nTyz\nTxz\n";
   problem.ForEachNodeRead([&](int number, const Node& node) {

@@ -1,7 +1,14 @@
-#include "results/model_dump.h"
-#include "model/constraint.h"
+// Lists a model as text, for debugging.
 
+#include "results/model_dump.h"
+
+#include <cstddef>
+#include <unordered_map>
+#include <vector>
+
+#include "model/constraint.h"
 #include "model/elem.h"
+#include "model/hinge_code.h"
 #include "model/material.h"
 #include "model/mesh.h"
 #include "model/nodal_load.h"
@@ -13,21 +20,34 @@ namespace morlen {
 
 namespace {
 
-void PrintHinges(const Problem& problem, std::ofstream& out)
+void PrintHingedNodes(const VoidPlex& nodes, std::ofstream& out)
 {
   out << "nodes with rotule:\n";
-  for (const auto [number, node] : EachNumbered<Node>(problem.GiveNodes())) {
+  for (const auto [number, node] : EachNumbered<Node>(nodes)) {
     if (node.hasRotule)
       out << number << '\n';
   }
+}
+
+using HingeCodes = std::unordered_map<int, HingeCode>;
+
+void PrintHingedElements(const Meshes& meshes, const HingeCodes& codes, std::ofstream& out)
+{
   out << "elements rotule:\n";
-  for (const auto& mesh : problem.meshes) {
+  for (const auto& mesh : meshes) {
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-      const HingeCode code = problem.GiveHingeCode(elem.Num());
-      if (!code.IsContinuous())
-        out << "elm " << elem.Num() << " code=" << code.Value() << '\n';
+      const auto found = codes.find(elem.Num());
+      if (found != codes.end() && !found->second.IsContinuous())
+        out << "elm " << elem.Num() << " code=" << found->second.Value() << '\n';
     }
   }
+}
+
+void PrintCoplanarity(const std::vector<int>& coplanarity, std::ofstream& out)
+{
+  out << "Coplanarity vector:\n";
+  for (std::size_t i = 0; i < coplanarity.size(); ++i)
+    out << i + 1 << ' ' << coplanarity[i] << '\n';
 }
 
 }  // namespace
@@ -52,13 +72,12 @@ void PrintTo(const Problem& problem, std::ofstream& out)
     out << number << ' ';
     node.load->PrintTo(out, problem.components.count);
   }
-  if (problem.hasHinges)
-    PrintHinges(problem, out);
-  if (problem.coplanarity.empty())
-    return;
-  out << "Coplanarity vector:\n";
-  for (std::size_t i = 0; i < problem.coplanarity.size(); ++i)
-    out << i + 1 << ' ' << problem.coplanarity[i] << '\n';
+  if (problem.hasHinges) {
+    PrintHingedNodes(problem.GiveNodes(), out);
+    PrintHingedElements(problem.meshes, problem.hingeCodes, out);
+  }
+  if (!problem.coplanarity.empty())
+    PrintCoplanarity(problem.coplanarity, out);
 }
 
 }  // namespace morlen

@@ -6,7 +6,7 @@ namespace morlen {
 
 struct Problem;
 
-/// Lists the whole model.
+/// Lists the whole model. Not used by the analysis itself.
 void PrintTo(const Problem& problem, std::ofstream& out);
 
 }  // namespace morlen

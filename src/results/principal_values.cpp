@@ -1,3 +1,9 @@
+// Principal forces and moments of shells.
+//
+// Mohr's circle: with the angle t of tan 2t = 2c / (b - a), the tensor [a c; c b] has the principal
+// values m ± (r - s), m = (a + b) / 2, r = (a - b) / 2 · cos 2t, s = c · sin 2t.
+// Source: S. Timoshenko, J. N. Goodier, Theory of Elasticity, 3rd ed. 1970, § 9.
+
 #include "results/principal_values.h"
 
 #include <algorithm>
@@ -11,7 +17,8 @@ namespace morlen {
 
 namespace {
 
-double LargestOf(const double* tensor)
+// The largest absolute value of the three components.
+double MaxAbs(const double* tensor)
 {
   return std::max({std::fabs(tensor[0]), std::fabs(tensor[1]), std::fabs(tensor[2])});
 }
@@ -49,10 +56,10 @@ void ConvertResultsToMainValues(ReaVecV& values, int offset, int points, ReaVecV
     const double* v = &values(offset + 1);
     double main[8] = {};
     double angle = 0.0;
-    const double ofMoments = length > 0.0 ? LargestOf(v + 3) / length : 0.0;
-    CalcMainValuesAndAngle(v[0], v[1], v[2], main[0], main[1], angle, ofMoments);
+    const double sizeOfMoments = length > 0.0 ? MaxAbs(v + 3) / length : 0.0;
+    CalcMainValuesAndAngle(v[0], v[1], v[2], main[0], main[1], angle, sizeOfMoments);
     CalcNewEulerAngles(axes, angle, &angles(angleOffset + 1));
-    CalcMainValuesAndAngle(v[3], v[4], v[5], main[3], main[4], angle, LargestOf(v) * length);
+    CalcMainValuesAndAngle(v[3], v[4], v[5], main[3], main[4], angle, MaxAbs(v) * length);
     CalcNewEulerAngles(axes, angle, &angles(angleOffset + 4));
     main[6] = std::cos(angle) * v[6] + std::sin(angle) * v[7];
     main[7] = -std::sin(angle) * v[6] + std::cos(angle) * v[7];

@@ -1,3 +1,6 @@
+// Reactions of the supports: the forces that the elements exert on the supported nodes, less the
+// loads that act there.
+
 #include "results/reactions.h"
 
 #include <cmath>
@@ -18,40 +21,43 @@ namespace morlen {
 
 namespace {
 
+// K u, complete at supported nodes only.
 ReaVecV ForcesAtSupports(const Problem& problem, const ElementFamilies& families,
-                         const Solution& solution)
+                         const SplitView& displacements)
 {
-  InternalForces forces({solution.Displacements()}, solution.displacements.Size(),
-                        problem.components.count, InternalForces::Elements::AtSupports);
+  InternalForces forces({displacements}, problem.Equations(), problem.components.count,
+                        InternalForces::Elements::AtSupports);
   AddForces(problem, families, forces);
   return std::move(forces.Forces(0));
 }
 
-// Adds half of the reactions of a node to each end of its edge.
-void HandOver(const Problem& problem, const Node& middle, const Node& a, const Node& b,
-              ReaVecV& reactions)
+// Moves the reactions of the middle of an edge to its ends, one half to each.
+void MoveToEnds(const NodeComponents& components, const Node& middle, const Node& a, const Node& b,
+                ReaVecV& reactions)
 {
-  for (int k = 1; k <= problem.components.count; ++k) {
+  for (int k = 1; k <= components.count; ++k) {
     if (!middle.constraint->Carries(k))
       continue;
-    double& reaction = reactions(problem.Equation(middle, k));
+    double& reaction = reactions(components.Equation(middle.number, k));
     for (const Node* end : {&a, &b})
-      reactions(problem.Equation(*end, k)) += reaction / 2.0;
+      reactions(components.Equation(end->number, k)) += reaction / 2.0;
     reaction = 0.0;
   }
 }
 
-void HandOverMidSideReactions(const Problem& problem, ReaVecV& reactions)
+// Moves the reactions of the mid-side nodes that the file does not have to the corners.
+void MoveAddedMidSideReactions(const Meshes& meshes, int initialNumNodes,
+                               const NodeComponents& components, ReaVecV& reactions)
 {
-  const Mesh& numbers = *problem.meshes.front();
-  for (const auto& mesh : problem.meshes) {
+  const Mesh& numbers = *meshes.front();
+  for (const auto& mesh : meshes) {
     if (mesh->GiveElemType() != Triangle || mesh->GiveNnode() != 6)
       continue;
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       for (int i = 0; i < 3; ++i) {
         const Node& middle = *elem(i + 3);
-        if (middle.constraint && numbers.GiveOldNumber(&middle) > problem.initialNumNodes)
-          HandOver(problem, middle, *elem(i), *elem((i + 1) % 3), reactions);
+        if (middle.constraint && numbers.GiveOldNumber(&middle) > initialNumNodes)
+          MoveToEnds(components, middle, *elem(i), *elem((i + 1) % 3), reactions);
       }
     }
   }
@@ -63,28 +69,29 @@ void CalcReactions(const Problem& problem, const ElementFamilies& families, Solu
 {
   const ReaVecV forces = solution.elementForces.Size() > 0
                              ? std::move(solution.elementForces)
-                             : ForcesAtSupports(problem, families, solution);
+                             : ForcesAtSupports(problem, families, solution.Displacements());
   for (const Node& node : Each<Node>(problem.GiveNodes())) {
     if (!node.constraint)
       continue;
     for (int k = 1; k <= problem.components.count; ++k) {
       const int equation = problem.Equation(node, k);
       if (!std::isfinite(forces(equation)))
-        SolverFailed(problem, -1);
+        SolverFailed(problem.meshes, problem.components, -1);
       if (node.constraint->Carries(k))
         solution.reactions(equation) += forces(equation);
     }
   }
   if (problem.convertTo6Nodes)
-    HandOverMidSideReactions(problem, solution.reactions);
+    MoveAddedMidSideReactions(problem.meshes, problem.initialNumNodes, problem.components,
+                              solution.reactions);
 }
 
-double GiveReaction(const Problem& problem, const Solution& solution, const Elem& beam, int dof,
-                    double t)
+double GiveReaction(const NodeComponents& components, const ReaVecV& reactions, const Elem& beam,
+                    int dof, double t)
 {
   constexpr double kEnd = 0.999999999999999;
   const Node* node = t <= EPSILON ? beam(0) : t >= kEnd ? beam(1) : nullptr;
-  return node && node->constraint ? solution.reactions(problem.Equation(*node, dof)) : 0.0;
+  return node && node->constraint ? reactions(components.Equation(node->number, dof)) : 0.0;
 }
 
 }  // namespace morlen

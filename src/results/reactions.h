@@ -4,16 +4,21 @@ namespace morlen {
 
 class Elem;
 class ElementFamilies;
+class ReaVecV;
+struct NodeComponents;
 struct Problem;
 struct Solution;
 
-/// Adds the forces of the elements to the reactions, which hold minus the loads. Mid-side nodes
-/// that the conversion to six nodes made hand theirs to the corners of their edge: they are in no
-/// result file. Fatal when a force is not finite.
+/// Completes the reactions: they are minus the loads at the supports on entry, and the forces of
+/// the elements are added. Fatal when a force is not finite.
+///
+/// The mid-side nodes that the conversion to six nodes adds are in no result file. Half of the
+/// reaction of such a node goes to each corner of its edge.
 void CalcReactions(const Problem& problem, const ElementFamilies& families, Solution& solution);
 
-/// Reaction `dof` (from 1) of the node at the end t = 0 or 1 of a beam; 0 elsewhere.
-double GiveReaction(const Problem& problem, const Solution& solution, const Elem& beam, int dof,
-                    double t);
+/// Reaction `dof` (from 1) of the node at the end t = 0 or 1 of a beam; 0 elsewhere. Not used by
+/// the analysis itself.
+double GiveReaction(const NodeComponents& components, const ReaVecV& reactions, const Elem& beam,
+                    int dof, double t);
 
 }  // namespace morlen

@@ -38,7 +38,8 @@ void CalcShellStrengths(const Problem& problem, const Mesh& mesh, const Solution
   int place = 0;
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
     shell.Evaluate(elem, problem.RequireMaterial(elem));
-    shell.CalcRelative(elem, FoldedNodes(problem, elem), solution.Displacements(), local);
+    shell.CalcRelative(elem, FoldedNodes(problem.coplanarity, elem), solution.Displacements(),
+                       local);
     const int offset = place * results.blockSize;
     shell.AddStrengths(local, results.strengths, offset);
     if (problem.stressOutput != StressOutput::Local)

@@ -7,8 +7,8 @@ struct MeshResults;
 struct Problem;
 struct Solution;
 
-/// Forces and moments of all shells of a mesh at their Gauss points, eight a point: local ones,
-/// principal ones or both, as the problem asks for it.
+/// Forces and moments of all shells of a mesh at their Gauss points, eight a point. The stress
+/// output of the problem decides whether they are local, principal or both.
 void CalcShellStrengths(const Problem& problem, const Mesh& mesh, const Solution& solution,
                         MeshResults& results);
 

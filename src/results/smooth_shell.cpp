@@ -1,5 +1,10 @@
-// Averages the forces and moments of shells over the elements that meet at a node and lie in
-// the same plane, and gives the averages back to the elements.
+// Smoothing of the forces and moments of shells.
+//
+// Each component is constant or linear in an element. Its values at the corners are extrapolated
+// from the Gauss points, averaged at each node over the elements whose axes agree, and interpolated
+// to the points again. The averages do not cross folds: elements with other axes form another group
+// of the node. Source: E. Hinton, J. S. Campbell, Local and global smoothing of discontinuous
+// finite element functions using a least squares method, Int. J. Numer. Meth. Engng 8, 1974.
 
 #include "results/smooth_shell.h"
 
@@ -24,16 +29,16 @@ constexpr int kValues = 8;  // of a point
 
 using Triple = std::array<double, 3>;
 
-// The values of the elements at a node whose axes agree.
+// The elements at a node whose axes agree, and their values there.
 struct Group
 {
-  Triple axes;  // Euler angles
-  Triple sums{};
+  Triple axes;    // Euler angles
+  Triple sums{};  // of the values; their means after NodeGroups::Average
   int count = 0;
   int next = -1;  // the next group of the node; -1 at the end
 };
 
-// The groups of all nodes, each node's in a chain.
+// The groups of all nodes. Those of a node form a chain.
 class NodeGroups
 {
 public:
@@ -42,8 +47,8 @@ public:
   {
   }
 
-  // The first group of these axes at a node (system number); made when there is none.
-  int Find(int node, const Triple& axes)
+  // The first group with these axes at a node (system number). Adds one when there is none.
+  int FindOrAdd(int node, const Triple& axes)
   {
     int last = -1;
     for (int i = first[node - 1]; i != -1; last = i, i = groups[i].next) {
@@ -63,8 +68,8 @@ public:
     ++groups[group].count;
   }
 
-  // The mean values, once Average has run.
-  const Triple& Values(int group) const { return groups[group].sums; }
+  // The mean values, after Average.
+  const Triple& Means(int group) const { return groups[group].sums; }
 
   void Average()
   {
@@ -80,18 +85,19 @@ private:
   std::vector<Group> groups;
 };
 
-// One of the smoothed quantities: three of the eight values of each point.
+// A smoothed quantity: three of the eight values of each point.
 struct ShellVariable
 {
   int number;
+  // Position of its values among those of a point, and of its axes among mainAngles; from 0.
   int First() const { return 3 * number; }
 };
 
 constexpr ShellVariable kMembraneForces = {0};
 constexpr ShellVariable kMoments = {1};
 
-// The axes that decide with which elements an element is averaged: its own, or the principal
-// ones where the values are principal.
+// The axes of an element's values: its local ones, or the mean principal ones of its points when
+// there are mainAngles. angleOffset: before the angles of its first point.
 Triple AxesOfValues(const Elem& elem, const Material* material, const ReaVecV* mainAngles,
                     int angleOffset, int points, ShellVariable variable)
 {
@@ -108,8 +114,8 @@ Triple AxesOfValues(const Elem& elem, const Material* material, const ReaVecV* m
   return axes;
 }
 
-// Points stand on the middles of the edges, where linear values are the means of the corners':
-// M = ((½ ½ 0), (0 ½ ½), (½ 0 ½)).
+// The three points are the middles of the edges, where a linear value is the mean of the corners of
+// the edge: M = ((½ ½ 0), (0 ½ ½), (½ 0 ½)) maps corners to points.
 void CalcLUMatrixForSmooth6n(Matriu& M, Matriu& LU)
 {
   M.redimension(3, 3);
@@ -120,7 +126,7 @@ void CalcLUMatrixForSmooth6n(Matriu& M, Matriu& LU)
   LU = M.LU();
 }
 
-// Between the points of an element and its corners.
+// Converts values between the Gauss points of an element (1 or 3) and its corners.
 class CornerValues
 {
 public:
@@ -129,7 +135,7 @@ public:
     CalcLUMatrixForSmooth6n(M, LU);
   }
 
-  // The three components of a variable at each corner; v points at the element's first.
+  // The three components of a variable at each corner. v: its first component at the first point.
   std::array<Triple, 3> FromPoints(const double* v)
   {
     std::array<Triple, 3> corners;
@@ -144,6 +150,7 @@ public:
     return corners;
   }
 
+  // The inverse: writes the values at the points.
   void ToPoints(const std::array<Triple, 3>& corners, double* v) const
   {
     for (int g = 0; g < points; ++g) {
@@ -162,12 +169,14 @@ private:
   ReaVecV scratch;
 };
 
-/// Smooths one variable of a mesh of shells.
-class VariableSmoothing
+// Smooths variables of a mesh of shells. All arguments are borrowed.
+class ShellSmoothing
 {
 public:
-  VariableSmoothing(const Problem& problem_, const Mesh& mesh_, const MeshResults& results_)
-      : problem(problem_), mesh(mesh_), results(results_)
+  // angle: up to which axes agree.
+  ShellSmoothing(const Mesh& mesh_, const MeshResults& results_, const VoidPlex& materials_,
+                 int numNodes_, double angle_)
+      : mesh(mesh_), results(results_), materials(materials_), numNodes(numNodes_), angle(angle_)
   {
   }
 
@@ -175,36 +184,48 @@ public:
   // local ones.
   void Run(ShellVariable variable, ReaVecV& values, const ReaVecV* mainAngles) const
   {
-    NodeGroups groups(problem.numNodes, problem.smoothing.angle);
+    NodeGroups groups(numNodes, angle);
     CornerValues corners(results.points);
-    std::vector<std::array<int, 3>> groupsOf;  // of each element, at its corners
-    groupsOf.reserve(results.numbers.size());
-    const auto valuesAt = [&](int place) {  // of an element
-      return values.Data() + variable.First() + place * results.blockSize;
-    };
-    for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
-      const int place = static_cast<int>(groupsOf.size());
-      const Triple axes = AxesOfValues(elem, &problem.RequireMaterial(elem), mainAngles,
-                                       place * 6 * results.points, results.points, variable);
-      const std::array<Triple, 3> given = corners.FromPoints(valuesAt(place));
-      std::array<int, 3>& own = groupsOf.emplace_back();
-      for (int corner = 0; corner < 3; ++corner) {
-        own[corner] = groups.Find(elem(corner)->number, axes);
-        groups.Add(own[corner], given[corner]);
-      }
-    }
+    double* element = values.Data() + variable.First();
+    const std::vector<std::array<int, 3>> groupsOfElements =
+        Collect(variable, element, mainAngles, corners, groups);
     groups.Average();
-    for (std::size_t place = 0; place < groupsOf.size(); ++place) {
-      const std::array<int, 3>& own = groupsOf[place];
-      corners.ToPoints({groups.Values(own[0]), groups.Values(own[1]), groups.Values(own[2])},
-                       valuesAt(static_cast<int>(place)));
+    for (const auto& [a, b, c] : groupsOfElements) {
+      corners.ToPoints({groups.Means(a), groups.Means(b), groups.Means(c)}, element);
+      element += results.blockSize;
     }
   }
 
 private:
-  const Problem& problem;
+  // Adds the values of all elements to the groups. Returns the groups of each element, by corner.
+  // element: the first value of the first element.
+  std::vector<std::array<int, 3>> Collect(ShellVariable variable, const double* element,
+                                          const ReaVecV* mainAngles, CornerValues& corners,
+                                          NodeGroups& groups) const
+  {
+    std::vector<std::array<int, 3>> groupsOfElements;
+    groupsOfElements.reserve(results.numbers.size());
+    int angleOffset = 0;
+    for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+      const Triple axes = AxesOfValues(elem, &RequireMaterial(elem, materials), mainAngles,
+                                       angleOffset, results.points, variable);
+      const std::array<Triple, 3> atCorners = corners.FromPoints(element);
+      std::array<int, 3>& own = groupsOfElements.emplace_back();
+      for (int corner = 0; corner < 3; ++corner) {
+        own[corner] = groups.FindOrAdd(elem(corner)->number, axes);
+        groups.Add(own[corner], atCorners[corner]);
+      }
+      element += results.blockSize;
+      angleOffset += 6 * results.points;
+    }
+    return groupsOfElements;
+  }
+
   const Mesh& mesh;
   const MeshResults& results;
+  const VoidPlex& materials;
+  int numNodes;
+  double angle;
 };
 
 }  // namespace
@@ -212,7 +233,8 @@ private:
 void SmoothShells(const Problem& problem, int mesh, Solution& solution)
 {
   MeshResults& results = solution.results[mesh];
-  const VariableSmoothing smoothing(problem, *problem.meshes[mesh], results);
+  const ShellSmoothing smoothing(*problem.meshes[mesh], results, problem.materials,
+                                 problem.numNodes, problem.smoothing.angle);
   const ReaVecV* axes = problem.stressOutput == StressOutput::Main ? &results.mainAngles : nullptr;
   for (const ShellVariable variable : {kMembraneForces, kMoments}) {
     smoothing.Run(variable, results.strengths, axes);

@@ -1,4 +1,9 @@
 // Stresses at the nodes of solids: the mean over the elements around each node.
+//
+// The stresses of an element are linear between its four points, or constant with one point. They
+// are extrapolated to the corners; the middle of an edge has the mean of its ends.
+// Source: E. Hinton, J. S. Campbell, Local and global smoothing of discontinuous finite element
+// functions using a least squares method, Int. J. Numer. Meth. Engng 8, 1974.
 
 #include "results/smooth_solid.h"
 
@@ -22,8 +27,8 @@ namespace {
 constexpr int kStresses = 6;
 constexpr int kCorners = 4;
 
-// Values at the four points from those at the corners, linear in between: row g holds the
-// natural coordinates of point g, the one of the first corner first.
+// M maps values at the corners to the four points by linear interpolation: row g has the volume
+// coordinates of point g.
 void CalcLUMatrixForSmooth10n(Matriu& M, Matriu& LU)
 {
   M.redimension(kCorners, kCorners);
@@ -37,7 +42,7 @@ void CalcLUMatrixForSmooth10n(Matriu& M, Matriu& LU)
   LU = M.LU();
 }
 
-// One stress of an element at its nodes, from its points.
+// Extrapolates one stress of an element from its points (1 or 4) to its nodes.
 class NodeValues
 {
 public:
@@ -46,7 +51,7 @@ public:
     CalcLUMatrixForSmooth10n(M, LU);
   }
 
-  // v points at the stress in the first point.
+  // v: the stress at the first point.
   void Calc(const double* v, int nnode, double* atNodes)
   {
     for (int g = 0; g < kCorners; ++g)

@@ -15,14 +15,16 @@
 
 namespace morlen {
 
-void CalcStrengths(const Problem& problem, const ElementFamilies& families, Solution& solution)
+void CalcStrengths(const Problem& problem, const ElementFamilies& families, int mesh,
+                   Solution& solution)
 {
-  for (const auto& mesh : problem.meshes) {
-    MeshResults& results = solution.results.emplace_back();
-    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
-      results.numbers.push_back(elem.Num());
-    families.Of(*mesh).calcStrengths(problem, *mesh, solution, results);
-  }
+  const Mesh& elements = *problem.meshes[mesh];
+  solution.results.resize(problem.meshes.size());
+  MeshResults& results = solution.results[mesh];
+  results = {};
+  for (const Elem& elem : Each<Elem>(*elements.GiveElemPlex()))
+    results.numbers.push_back(elem.Num());
+  families.Of(elements).calcStrengths(problem, elements, solution, results);
 }
 
 void Smooth(const Problem& problem, const ElementFamilies& families, Solution& solution,
@@ -40,11 +42,12 @@ void Smooth(const Problem& problem, const ElementFamilies& families, Solution& s
 void CalcStrengthsAndReactions(const Problem& problem, const ElementFamilies& families,
                                Solution& solution, std::FILE* info)
 {
-  CalcStrengths(problem, families, solution);
+  for (int mesh = 0; mesh < static_cast<int>(problem.meshes.size()); ++mesh)
+    CalcStrengths(problem, families, mesh, solution);
   CalcReactions(problem, families, solution);
   Smooth(problem, families, solution, info);
   if (!AreResultsFinite(problem, families, solution))
-    SolverFailed(problem, -1);
+    SolverFailed(problem.meshes, problem.components, -1);
 }
 
 }  // namespace morlen

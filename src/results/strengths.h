@@ -10,11 +10,12 @@ struct Solution;
 
 // Strengths, reactions and smoothing of a solution whose displacements are known.
 
-/// Computes the strengths of all meshes.
-void CalcStrengths(const Problem& problem, const ElementFamilies& families, Solution& solution);
+/// Computes the strengths of a mesh (from 0), from the displacements of the solution.
+void CalcStrengths(const Problem& problem, const ElementFamilies& families, int mesh,
+                   Solution& solution);
 
-/// Averages the results of elements that meet at a node, where the problem asks for it. info:
-/// progress; may be null.
+/// Averages the results of the elements that meet at a node when smoothing is on, for the families
+/// that have one. info: progress; may be null.
 void Smooth(const Problem& problem, const ElementFamilies& families, Solution& solution,
             std::FILE* info);
 

@@ -28,7 +28,7 @@ const char* ByProblem(PROBLEMTYPE type, const char* plane, const char* space)
   return type == kPlane ? plane : space;
 }
 
-// Each value with a blank before it, then the end of the line.
+// Writes the rest of a line: a blank before each value.
 void WriteLine(TextOut& out, const double* values, int count)
 {
   for (int i = 0; i < count; ++i)

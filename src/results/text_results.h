@@ -14,7 +14,8 @@ struct Solution;
 void WriteResults(const Problem& problem, const ElementFamilies& families, const Solution& solution,
                   std::ofstream& out);
 
-/// The section with the end forces of a mesh of beams.
+/// Writes the end forces of a mesh of beams, the fixed-end forces of the loads on their spans
+/// included.
 void WriteBeamForces(const MeshOutput& output, TextOut& out);
 
 }  // namespace morlen

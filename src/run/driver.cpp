@@ -31,7 +31,7 @@ struct Options
   const char* outputName = nullptr;
 };
 
-// False when the names behind the options are not one or two.
+// Returns false unless one or two names follow the options.
 bool ParseArguments(int argc, char** argv, Options& options)
 {
   int next = 1;
@@ -69,13 +69,13 @@ std::FILE* OpenFile(const char* name)
   return file;
 }
 
-// The name cut at its last '.', wherever that stands, with another ending.
+// The name with another ending after its last '.', which may be in the name of a folder.
 std::string NameWithEnding(const std::string& name, const char* ending)
 {
   return name.substr(0, name.rfind('.')) + ending;
 }
 
-// The problem file and all that the run writes.
+// The problem file and all files that the run writes.
 std::vector<RunFile> FilesOf(const Options& options)
 {
   std::vector<RunFile> files = {{"problem file", options.inputName}};
@@ -113,6 +113,28 @@ void WriteResultFiles(const Project& project, const Options& options)
   CloseOutput(results);
 }
 
+void PrintUsage(const char* program)
+{
+  std::printf(
+      "error. usage: %s [-p] [-i infofile] [-r0] [-e errorfile] inputfile [outputfile]\n"
+      "    -p: write mesh Kiv file\n"
+      "    -i: write some information in file 'infofile'\n"
+      "    -e: write error messages in file 'errorfile'\n"
+      "    -r0: inhibit renumbering of the nodes\n",
+      program);
+}
+
+// Reads a problem, solves it and writes the result files. info: receives the progress, may be null.
+void Solve(Project& project, std::ifstream& input, const Options& options, std::FILE* info)
+{
+  project.ReadFromAscii(input);
+  project.Calc(options.renumber, info);
+  Progress(info, "Beginning calc strengths and reactions\n");
+  project.CalcStrengthsAndReactions(info);
+  Progress(info, "End of calc strengths and reactions\nTransfering results\n");
+  WriteResultFiles(project, options);
+}
+
 }  // namespace
 
 int RunMorlen(int argc, char** argv)
@@ -121,13 +143,7 @@ int RunMorlen(int argc, char** argv)
   ProtectStreams();
   Options options;
   if (!ParseArguments(argc, argv, options)) {
-    std::printf(
-        "error. usage: %s [-p] [-i infofile] [-r0] [-e errorfile] inputfile [outputfile]\n"
-        "    -p: write mesh Kiv file\n"
-        "    -i: write some information in file 'infofile'\n"
-        "    -e: write error messages in file 'errorfile'\n"
-        "    -r0: inhibit renumbering of the nodes\n",
-        argc > 0 ? argv[0] : "morlen");
+    PrintUsage(argc > 0 ? argv[0] : "morlen");
     return ErrorWriter::kExitStatus;
   }
   std::ifstream input(options.inputName);
@@ -138,13 +154,7 @@ int RunMorlen(int argc, char** argv)
   std::FILE* info = options.infoName ? OpenFile(options.infoName) : nullptr;
   if (options.errorName)
     errorwriter.SetErrorFile(OpenFile(options.errorName));
-
-  project.ReadFromAscii(input);
-  project.Calc(options.renumber, info);
-  Progress(info, "Beginning calc strengths and reactions\n");
-  project.CalcStrengthsAndReactions(info);
-  Progress(info, "End of calc strengths and reactions\nTransfering results\n");
-  WriteResultFiles(project, options);
+  Solve(project, input, options, info);
   if (info) {
     const double seconds = static_cast<double>(std::clock() - start) / 1e6;
     Progress(info, "Total time = %.2g min. = %.2g seg.\n", seconds / 60.0, seconds);

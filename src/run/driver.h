@@ -2,8 +2,8 @@
 
 namespace morlen {
 
-/// The whole run, from the command line to the result files. Returns the exit status:
-/// 0, or 2 when the arguments are wrong; every other fault ends the process.
+/// Does a whole run, from the command line to the result files. Returns the exit status: 0, or 2
+/// when the arguments are wrong. Every other error ends the process.
 int RunMorlen(int argc, char** argv);
 
 }  // namespace morlen

@@ -1,5 +1,5 @@
-// Which names stand for the same file: by device and inode, so that links and other
-// spellings of a name are seen through.
+// Two names are the same file when device and inode are the same. This also finds links and other
+// spellings of a path. A file that does not exist yet is identified by its folder and its name.
 
 #include "run/file_identity.h"
 
@@ -18,17 +18,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// An existing file, or a name that is free yet in an existing folder.
+// An existing file, or an unused name in an existing folder.
 struct Identity
 {
   dev_t device;
   ino_t inode;           // of the file, or of the folder
-  std::string freeName;  // empty for a file that exists
+  std::string freeName;  // the unused name; empty for a file that exists
 
   bool operator==(const Identity&) const = default;
 };
 
-// Where a chain of links ends that leads to no file yet.
+// The end of a chain of symbolic links to a file that does not exist yet.
 fs::path LinkTarget(fs::path name)
 {
   constexpr int kMostLinks = 40;
@@ -42,7 +42,8 @@ fs::path LinkTarget(fs::path name)
   return name;
 }
 
-// None for what may be written several times, or cannot be written.
+// Empty for names that need no check: devices and pipes can be written several times, and files in
+// missing folders cannot be opened.
 std::optional<Identity> IdentityOf(const RunFile& file)
 {
   struct stat found = {};

@@ -8,13 +8,13 @@ namespace morlen {
 /// A file that a run reads or writes.
 struct RunFile
 {
-  const char* role;  ///< what it is to the user: "problem file"
-  std::string name;  ///< of the file, or of the standard output for the user
+  const char* role;  ///< for messages: "problem file"
+  std::string name;  ///< of the file; for standard output, its name in messages
   bool isStandardOutput = false;
 };
 
-/// Fatal when two of the files are one: the same regular file, under whatever names, or one
-/// that does not exist yet. Devices and pipes may stand several times.
+/// Fatal when two of the names are one file, which may not exist yet. Devices and pipes may be
+/// named several times.
 void RequireDifferentFiles(const std::vector<RunFile>& files);
 
 }  // namespace morlen

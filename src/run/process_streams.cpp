@@ -9,8 +9,8 @@ namespace morlen {
 
 void ProtectStreams()
 {
-  // The lowest free descriptor is taken, so each one fills the first gap. Opened the wrong
-  // way round, it fails like a closed stream.
+  // open() returns the lowest free descriptor, which is `stream` here. Input is opened for writing
+  // and output for reading, so that their use fails as on a closed stream.
   for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
     if (fcntl(stream, F_GETFD) == -1)
       open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);

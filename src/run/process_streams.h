@@ -2,9 +2,11 @@
 
 namespace morlen {
 
-/// Makes the process safe to write files: a standard stream that is closed becomes one that
-/// fails, so that no file opened later takes its place and receives messages; and a write
-/// to a closed pipe or beyond a limit fails where it stands instead of ending the process.
+/// Makes the process safe to write files.
+///
+/// A closed standard stream is opened in a mode that fails. Otherwise the next opened file would
+/// get its descriptor and receive its messages. A write to a closed pipe or beyond a size limit
+/// fails, instead of ending the process by a signal.
 void ProtectStreams();
 
 }  // namespace morlen

@@ -29,14 +29,14 @@ namespace morlen {
 namespace {
 
 // Copies the reactions of a solution to the supports.
-void ShowReactions(const Problem& problem, const ReaVecV& reactions)
+void ShowReactions(const VoidPlex& nodes, const NodeComponents& components,
+                   const ReaVecV& reactions)
 {
-  const int n = problem.components.count;
-  for (const Node& node : Each<Node>(problem.GiveNodes())) {
+  for (const Node& node : Each<Node>(nodes)) {
     if (!node.constraint)
       continue;
-    for (int k = 1; k <= n; ++k)
-      node.constraint->reactions[k - 1] = reactions(problem.Equation(node, k));
+    for (int k = 1; k <= components.count; ++k)
+      node.constraint->reactions[k - 1] = reactions(components.Equation(node.number, k));
   }
 }
 
@@ -94,6 +94,11 @@ void Project::Calc(int renumber, std::FILE* info)
   solution = std::move(analysed.solutions.front());
 }
 
+void Project::FillMatrixVectorAndSolve(std::FILE* info)
+{
+  solution = SolvePrepared(problem, AllFamilies(), *solver, LoadsOfProblem, info).front();
+}
+
 void Project::CalcElemsRotules()
 {
   MergeHinges(problem);
@@ -111,7 +116,7 @@ void Project::ConvertTriangleTo6nod(Mesh* mesh, EdgeNodes& edges)
 
 void Project::CheckTypicalConstraintsErrors() const
 {
-  morlen::CheckTypicalConstraintsErrors(problem);
+  morlen::CheckTypicalConstraintsErrors(problem.meshes, problem.components.count);
 }
 
 void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const
@@ -131,9 +136,30 @@ void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes, ElementSi
 
 void Project::CalcStrengthsAndReactions(std::FILE* info)
 {
-  solver.reset();  // the memory of the matrix is free for the results
+  solver.reset();  // frees the memory of the matrix for the results
   morlen::CalcStrengthsAndReactions(problem, AllFamilies(), solution, info);
-  ShowReactions(problem, solution.reactions);
+  ShowReactions(problem.GiveNodes(), problem.components, solution.reactions);
+}
+
+void Project::CalcStrengthsBeams(int mesh)
+{
+  CalcStrengths(problem, AllFamilies(), mesh, solution);
+}
+
+void Project::CalcStrengthsTriangles(int mesh)
+{
+  CalcStrengths(problem, AllFamilies(), mesh, solution);
+}
+
+void Project::CalcStrengthsTetras(int mesh)
+{
+  CalcStrengths(problem, AllFamilies(), mesh, solution);
+}
+
+void Project::CalcReactions()
+{
+  morlen::CalcReactions(problem, AllFamilies(), solution);
+  ShowReactions(problem.GiveNodes(), problem.components, solution.reactions);
 }
 
 void Project::Smooth(std::FILE* info)
@@ -148,13 +174,14 @@ double Project::GiveStrength(int mesh, const Elem& elem, int component, double t
 
 double Project::GiveReaction(const Elem& elem, int dof, double t) const
 {
-  return morlen::GiveReaction(problem, solution, elem, dof, t);
+  return morlen::GiveReaction(problem.components, solution.reactions, elem, dof, t);
 }
 
 void Project::SetDisplacementVectors(const Elem& elem, const Matriu& T, int divisions,
                                      double* out) const
 {
-  morlen::SetDisplacementVectors(problem, solution.displacements, elem, T, divisions, out);
+  morlen::SetDisplacementVectors(problem.components, solution.displacements, elem,
+                                 problem.GiveHingeCode(elem.Num()), T, divisions, out);
 }
 
 void Project::WriteResults(std::ofstream& out) const

@@ -16,8 +16,9 @@ class TextScan;
 
 /// The front door of the library: one problem and its solution, from the file to the results.
 ///
-/// Every member is one call of a function of its phase, which can be used without a Project. Order
-/// of use: ReadFromAscii, Calc, CalcStrengthsAndReactions, then the writers. Errors are fatal.
+/// Every member is one call of a function of its phase, which programs can also call directly.
+/// Order of calls: ReadFromAscii, Calc, CalcStrengthsAndReactions, then the writers. Errors are
+/// fatal.
 class Project
 {
 public:
@@ -44,22 +45,28 @@ public:
 
   // --- Analysis ---
 
-  /// From the problem to the displacements. renumber 0 keeps the numbers of the file; info:
+  /// Computes the displacements. renumber: 0 keeps the node numbers of the file; info: receives the
   /// progress, may be null.
   void Calc(int renumber, std::FILE* info);
+  /// Assembles and solves a prepared problem with the solver, which is empty on entry.
+  void FillMatrixVectorAndSolve(std::FILE* info);
   void CalcElemsRotules();
   void CalcCoplanarityVector();
   void ConvertTriangleTo6nod(Mesh* mesh, EdgeNodes& edges);
   void CheckTypicalConstraintsErrors() const;
-  /// Add the stiffness of a mesh. applyLocalAxes 0 keeps global axes at supports with axes.
+  /// Adds the stiffness of a mesh. applyLocalAxes: 0 keeps global axes at supports with local axes.
   void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
   void AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
   void AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
 
   // --- Strengths and reactions ---
 
-  /// Frees the solver. The supports show the reactions afterwards.
+  /// Frees the solver, and copies the reactions to the supports.
   void CalcStrengthsAndReactions(std::FILE* info);
+  void CalcStrengthsBeams(int mesh);
+  void CalcStrengthsTriangles(int mesh);
+  void CalcStrengthsTetras(int mesh);
+  void CalcReactions();
   void Smooth(std::FILE* info);
   /// Internal force `component` of a beam of length L at t in 0..1; mesh from 0.
   double GiveStrength(int mesh, const Elem& elem, int component, double t, double L) const;
@@ -69,7 +76,7 @@ public:
   // --- Writing ---
 
   void WriteResults(std::ofstream& out) const;
-  /// meshFileName: of the mesh file that is written before the results; null for none.
+  /// Writes the results; with a meshFileName that is not null, first the mesh file of that name.
   void WriteKivResults(std::ofstream& res, const char* meshFileName) const;
   void PrintTo(std::ofstream& out) const;
 

@@ -1,5 +1,5 @@
-// Whole analyses against closed forms, against the reference solution, and against
-// themselves with other numbers, units and positions.
+// Whole analyses against closed forms, against the reference solution, and against the same model
+// with other numbers, units and positions.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ namespace {
 
 using Doubles = std::vector<double>;
 
-// A chain of beams along x with nodes at these places, E = 200, Iz = 3, A = 5.
+// A chain of beams along x with nodes at these places. E = 200, Iz = 3, A = 5.
 Frame PlaneChain(const std::vector<double>& places)
 {
   Frame frame;
@@ -176,7 +176,7 @@ TEST(Analysis, NumbersOfNodesDoNotMatter)
 }
 
 // A portal of height h and width b under a force H at its beam (A. Kleinlogel, Rigid Frame
-// Formulas, Ungar, New York 1952, frame 40): members of next to no axial strain.
+// Formulas, Ungar, New York 1952, frame 40). The axial strain of the members is negligible.
 TEST(Analysis, PortalUnderALateralForce)
 {
   const double h = 3.0;
@@ -200,8 +200,8 @@ TEST(Analysis, PortalUnderALateralForce)
   ExpectEquilibrium(solved);
 }
 
-// A grid of two members in the x-y plane at a right angle: the force at the tip of one twists
-// the other.
+// A grid of two members at a right angle in the x-y plane. The force at the tip of one twists the
+// other.
 TEST(Analysis, BentCantileverInSpaceIsTwisted)
 {
   const double a = 2.0;
@@ -248,7 +248,7 @@ TEST(Analysis, PrescribedRotationBendsAFixedBeam)
   ExpectEquilibrium(solved);
 }
 
-// Settlement s of the middle of three supports a length L apart: M = 3EI·s/L² there.
+// The middle one of three supports at distances L settles by s: M = 3EI·s/L² there.
 TEST(Analysis, SettlementOfAContinuousBeam)
 {
   Frame frame = PlaneChain({0, 3, 6});
@@ -277,7 +277,7 @@ TEST(Analysis, LoadsOnSupportedComponentsGoIntoTheReaction)
 
 TEST(Analysis, SpringsReactWithTheirStiffness)
 {
-  // A cantilever on springs at its tip, loaded there: everything in parallel.
+  // A cantilever on springs at its loaded tip: all stiffnesses are in parallel.
   const double L = 2.0;
   const double kx = 40.0;
   const double ky = 25.0;
@@ -308,8 +308,8 @@ TEST(Analysis, RotationalSpringReactsWithAMoment)
   ExpectEquilibrium(solved);
 }
 
-// A beam from a hinge to a roller whose axes are turned: the roller is held along its y
-// axis, (sin a, cos a), and moves along its x axis, (cos a, -sin a).
+// A beam from a hinge to a skew roller. The roller is held along its y axis, (sin a, cos a), and
+// moves along its x axis, (cos a, -sin a).
 TEST(Analysis, SkewRollerReactsAlongItsHeldAxis)
 {
   const double a = 0.4;
@@ -349,7 +349,7 @@ TEST(Analysis, LoadAlongTheFreeDirectionOfASkewRollerIsNoReaction)
 
 TEST(Analysis, PrescribedDisplacementAlongASkewAxis)
 {
-  // Prescribed in both axes of the support: the tip goes there, whatever the frame.
+  // Both components are prescribed, so that the tip moves by them in any frame.
   const double a = 0.4;
   Frame frame = PlaneChain({0, 2});
   frame.supports = {
@@ -389,7 +389,7 @@ TEST(Analysis, TiltedSupportAxesOfAPlaneNodeAreRefused)
 
 TEST(Analysis, RigidMotionOfTheModelChangesNothing)
 {
-  // Sections with equal inertias: their axes do not matter.
+  // With equal inertias the axes of a section have no effect.
   Frame frame;
   frame.nodes = {{0, 0, 0}, {1, 2, 3}, {3, 1, 2}, {2, -1, 1}};
   frame.sections = {{.E = 3.0, .G = 2.0, .A = 5.0, .Iy = 4.0, .Iz = 4.0, .J = 1.0}};
@@ -440,7 +440,7 @@ namespace {
 const char* const kUnitsNames =
     "units_names\nN_m N m Pa 1 1\nkN_m kN m kPa 1000 1\nN_mm N mm MPa 1 0.001\nend\n";
 
-// A sloped cantilever in steel on a spring, once in N and m, then in other units.
+// A sloped steel cantilever on a spring, in N and m and in other units.
 struct UnitsCase
 {
   const char* name;
@@ -543,8 +543,8 @@ TEST(Analysis, UnitsOfEveryKindGiveTheSamePhysics)
 
 TEST(Analysis, MeshesShareTheirNodesAndMoveThem)
 {
-  // The second mesh lists the nodes again, twice as far out, and adds a beam: a chain of
-  // two beams of length 2.
+  // The second mesh repeats the nodes at twice the distance and adds a beam. The model is a chain
+  // of two beams of length 2.
   const std::string problem =
       "problem type 2d\n"
       "mesh dimension 2 elemtype Linear nnode 2 coordinates\n1 0 0\n2 1 0\n3 2 0\nend\n"
@@ -558,7 +558,7 @@ TEST(Analysis, MeshesShareTheirNodesAndMoveThem)
     ExpectValues(solved.Displacement(3), {0, -6.0 * 64 / (3 * kEI), -6.0 * 16 / (2 * kEI)}, 1e-11);
     ExpectValues(solved.Reaction(1), {0, 6, 24}, 1e-11);
     ExpectValues(solved.EndForces(5), {0, 6, 24, 0, -6, -12}, 1e-11);
-    // From the tip inwards, in axes that are turned about z.
+    // A beam from the tip inwards, whose axes are rotated about z.
     ExpectValues(solved.EndForces(2), {0, 6, 0, 0, -6, 12}, 1e-11);
     ExpectEquilibrium(solved);
   }
@@ -595,7 +595,7 @@ TEST(Analysis, HugeElementNumbersCostNothing)
 
 TEST(Analysis, RenumberingBelongsToTheSkylineSolver)
 {
-  // Nodes in the order 2-1-3 along x: a renumbering would move them.
+  // The nodes have the order 2-1-3 along x, which a renumbering would change.
   const auto project = ReadProject(ProblemParts()
                                        .With(&ProblemParts::coordinates, "1 1 0\n2 0 0\n3 5 0")
                                        .With(&ProblemParts::elements, "1 1 2 1\n2 1 3 1")

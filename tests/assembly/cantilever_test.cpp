@@ -1,4 +1,4 @@
-// Cantilevers in all directions, with all loads, against the formulas of the beam.
+// Cantilevers in all directions, with all loads, against the formulas of beam theory.
 
 #include <gtest/gtest.h>
 
@@ -82,7 +82,7 @@ Frame Cantilever(const Vector3& start, const Vector3& x, double L, const Compone
   return frame;
 }
 
-// Checks everything that is known of a cantilever whose local axes are known.
+// Checks all results of a cantilever with these local axes.
 void ExpectCantilever(const Frame& frame, const Axes& axes, double L)
 {
   const Components& load = frame.loads[0].values;
@@ -90,7 +90,7 @@ void ExpectCantilever(const Frame& frame, const Axes& axes, double L)
   const Solved solved(ProblemText(frame));
   ExpectValues(solved.Displacement(2),
                List(ToGlobal(axes, TipDisplacement(frame.sections[0], L, local))), 1e-11);
-  // The nodes exert the load on the second end and its reaction on the first.
+  // The nodes exert the load on the second end, and the reaction on the first.
   std::vector<double> ends = {-local[0],
                               -local[1],
                               -local[2],
@@ -144,7 +144,7 @@ TEST(Cantilever, EveryTipLoadInSpace)
 TEST(Cantilever, LocalAxesFollowTheDirection)
 {
   const double r2 = std::sqrt(0.5);
-  // Local y is horizontal and z points upwards; a vertical beam has y along global x.
+  // Local y is horizontal, and z points upwards. A vertical beam has y along global x.
   const Axes cases[] = {
       {Vector3{1, 0, 0}, Vector3{0, 1, 0}, Vector3{0, 0, 1}},
       {Vector3{-1, 0, 0}, Vector3{0, -1, 0}, Vector3{0, 0, 1}},
@@ -190,8 +190,8 @@ TEST(Cantilever, MaterialAxesAgainstTheBeamAreTurned)
 
 TEST(Cantilever, TiltedMaterialAxesKeepTheirYInThePlaneOfTheBeam)
 {
-  // Angles of zero: y0 is global y. The beam in the x-z plane keeps it, one in the x-y
-  // plane turns it about z.
+  // With angles of 0, y0 is global y. A beam in the x-z plane keeps y0. For a beam in the x-y
+  // plane, y0 is rotated about z.
   const Vector3 angles = {0, 0, 0};
   ExpectCantilever(Cantilever(kStart, {0.6, 0, 0.8}, kL, kLoad, angles),
                    {Vector3{0.6, 0, 0.8}, Vector3{0, 1, 0}, Vector3{-0.8, 0, 0.6}}, kL);
@@ -204,7 +204,7 @@ TEST(Cantilever, TiltedMaterialAxesKeepTheirYInThePlaneOfTheBeam)
                     Vector3{-0.48 * 0.64 / n, (0.48 * 0.48 + 0.36) / n, -0.6 * 0.64 / n},
                     Vector3{-0.6 / n, 0, 0.48 / n}},
                    kL);
-  // Against the beam and tilted: turned about z first, so that y0 is minus global y.
+  // Axes against the beam and tilted: they are first turned about z, so that y0 is minus global y.
   ExpectCantilever(Cantilever(kStart, {-0.6, 0, 0.8}, kL, kLoad, angles),
                    {Vector3{-0.6, 0, 0.8}, Vector3{0, -1, 0}, Vector3{0.8, 0, 0.6}}, kL);
 }

@@ -16,8 +16,8 @@ namespace morlen {
 
 namespace {
 
-// Two squares of two triangles each; the second is turned up by the angle about the edge
-// between the nodes 2 and 5.
+// Two squares of two triangles each. The second square is turned up by the angle about the edge
+// 2-5.
 ShellModel Fold(double angle)
 {
   return GridShell(2, 1, [&](double u, double v) {
@@ -49,7 +49,7 @@ ShellModel Fan(int count)
   return model;
 }
 
-// The triangles from `first` on go to a mesh of their own, shared nodes kept.
+// Moves the triangles from `first` on to a second mesh, which shares the nodes.
 std::string InTwoMeshes(const ShellModel& model, int first)
 {
   std::string text = model.Text();
@@ -75,7 +75,7 @@ TEST(Coplanarity, DoesNotMarkAFold)
     EXPECT_EQ(MarksOf(Fold(angle)), kAllButTheFold) << angle;
 }
 
-TEST(Coplanarity, TakesAFoldWithinTheAngleForPlane)
+TEST(Coplanarity, TreatsAFoldWithinTheAngleAsFlat)
 {
   EXPECT_EQ(MarksOf(Fold(0.5e-7)), kAll);
   ShellModel model = Fold(0.01);
@@ -108,7 +108,7 @@ TEST(Coplanarity, AcceptsAnOppositeNormalAcrossAFold)
   EXPECT_EQ(MarksOf(model), kAllButTheFold);
 }
 
-// With several such pairs, the node of the lowest number tells which is named.
+// Of several such pairs, the message names the one at the node of the lowest number.
 TEST(Coplanarity, NamesThePairAtTheFirstNode)
 {
   ShellModel model;
@@ -119,7 +119,7 @@ TEST(Coplanarity, NamesThePairAtTheFirstNode)
               "It is necessary to swap normals\n");
 }
 
-// A sheet folded back onto itself has opposite normals too.
+// A sheet that is folded back onto itself also has opposite normals.
 TEST(Coplanarity, RefusesASheetFoldedByHalfATurn)
 {
   ExpectFatal([] { MarksOf(Fold(std::numbers::pi)); },
@@ -127,9 +127,9 @@ TEST(Coplanarity, RefusesASheetFoldedByHalfATurn)
               "It is necessary to swap normals\n");
 }
 
-TEST(Coplanarity, LooksAtEveryElementAroundANode)
+TEST(Coplanarity, ComparesEveryTriangleAroundANode)
 {
-  // The opposite triangle is the last of three at the node 1 after a fold.
+  // The opposite triangle is the last of three at node 1, after a fold.
   ShellModel model;
   model.nodes = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {-1, -1, 0}, {-1, 0, 0}};
   model.triangles = {{1, 2, 3}, {1, 3, 4}, {1, 5, 6}, {1, 6, 5}};
@@ -155,14 +155,14 @@ TEST(Coplanarity, JudgesTrianglesOfAnySize)
       return Vector3{unit * u, unit * v, 0.0};
     });
     EXPECT_EQ(MarksOf(model), (std::vector<int>{1, 1, 1, 1}));
-    // On a line but for rounding.
+    // On a line up to rounding.
     model.nodes = {
         {0, 0, 0}, {0.1 * unit, 0.3 * unit, 0}, {0.2 * unit, 0, 0}, {0.7 * unit, 2.1 * unit, 0}};
     ExpectFatal([&] { MarksOf(model); }, "error: element 1 is not correct\n");
   }
 }
 
-TEST(Coplanarity, TakesTwentyFiveTrianglesAroundANodeAndNoMore)
+TEST(Coplanarity, AcceptsTwentyFiveTrianglesAroundANodeAndNoMore)
 {
   const std::string message = "error: Node 1 has too many elements around (more than 25)\n";
   for (const char* settings : {"", "ConvertTo6Nodes"}) {
@@ -184,7 +184,7 @@ TEST(Coplanarity, DoesNotMarkNodesWithoutTriangles)
   EXPECT_EQ(MarksOf(model), (std::vector<int>{1, 1, 1, 1, 1, 1, 0}));
 }
 
-TEST(Coplanarity, LooksAcrossMeshes)
+TEST(Coplanarity, ComparesTheTrianglesOfAllMeshes)
 {
   const auto marks = [](const std::string& text) {
     const auto project = ReadProject(text);
@@ -193,7 +193,7 @@ TEST(Coplanarity, LooksAcrossMeshes)
   };
   EXPECT_EQ(marks(InTwoMeshes(Fold(0.0), 3)), kAll);
   EXPECT_EQ(marks(InTwoMeshes(Fold(0.3), 3)), kAllButTheFold);
-  // Seen from another mesh, the other side of a plane is the same plane.
+  // Between meshes, opposite normals are the same plane.
   ShellModel turned = Fold(0.0);
   std::swap(turned.triangles[2][1], turned.triangles[2][2]);
   std::swap(turned.triangles[3][1], turned.triangles[3][2]);
@@ -202,7 +202,7 @@ TEST(Coplanarity, LooksAcrossMeshes)
 
 TEST(Coplanarity, CountsTrianglesAroundANodeMeshByMesh)
 {
-  // A fan of 40 triangles, cut between two meshes.
+  // A fan of 40 triangles in two meshes.
   ShellModel fan = Fan(40);
   fan.Load(1, {0, 0, 1, 0, 0, 0});
   EXPECT_GT(Solved(InTwoMeshes(fan, 21)).Displacement(1)[2], 0.0);
@@ -227,8 +227,8 @@ TEST(Coplanarity, IsReportedWithTheNodesOfTheConversion)
       << text;
 }
 
-// The stiffness against turning about the normal is the area times E of every triangle around
-// the node, and acts against the ground.
+// The stiffness of the rotation about the normal is the sum of area times E over the triangles
+// around the node. It acts against the ground.
 TEST(Coplanarity, GivesNodesAStiffnessAboutTheNormal)
 {
   ShellModel model = Fold(0.0);
@@ -243,7 +243,7 @@ TEST(Coplanarity, GivesNodesAStiffnessAboutTheNormal)
   EXPECT_NEAR(Solved(model.Text()).Displacement(5)[5], 7.5 / (1.5 * 1000), 1e-15);
 }
 
-// Two flanges in one plane and a web below them, which share an edge.
+// Two flanges in one plane and a web below them, with a common edge.
 TEST(Coplanarity, RefusesOppositeFlangesOfATeeInAnyOrder)
 {
   ShellModel model;

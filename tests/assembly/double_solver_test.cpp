@@ -1,4 +1,4 @@
-// Solver Double: a model of three-node triangles gives the starting vector for six nodes.
+// Solver Double: the model of three-node triangles gives the starting vector of the six-node model.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ namespace morlen {
 
 namespace {
 
-// A fold clamped at both ends under weight, a spring in its middle.
+// A fold under its weight, clamped at both ends, with a spring in its middle.
 ShellModel Fold(const std::string& settings)
 {
   ShellModel model = GridShell(6, 4, [](double u, double v) {
@@ -39,7 +39,7 @@ std::vector<std::string> Lines(const std::string& text)
   return lines;
 }
 
-// The places of the texts in the information of a run, in their order; -1: not there.
+// The places of the texts in the information of a run, in the order of the texts; -1: missing.
 std::vector<int> Places(const std::vector<std::string>& lines,
                         const std::vector<std::string>& texts)
 {
@@ -90,7 +90,7 @@ TEST(DoubleSolver, DoesNotCountTheReactionsTwice)
 TEST(DoubleSolver, ReportsBothRuns)
 {
   const std::vector<std::string> lines = Lines(InfoOf(Fold("Solver Double").Text()));
-  // 5 of 35 nodes on the ridge; 4 more of the 92 edges' middles.
+  // 5 of the 35 nodes are on the ridge, and 4 of the middles of the 92 edges.
   const auto places = Places(
       lines, {"Running a pre-solver to prepare initial values", "30 out of 35 nodes are coplanar",
               "Just before filling global stiffness matrix", "Stiffness matrix filled",

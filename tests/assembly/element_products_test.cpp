@@ -1,4 +1,4 @@
-// The products of strain blocks against the plain triple product of the blocks written out.
+// The products of strain blocks against the triple product of the full blocks.
 
 #include "assembly/element_products.h"
 
@@ -23,7 +23,7 @@ public:
   double operator()() { return distribution(random); }
   NodeNumbers OfNode() { return {(*this)(), (*this)(), (*this)()}; }
 
-  // A symmetric stiffness of a material, or one that is not symmetric to its last digit.
+  // A material stiffness that is symmetric, or symmetric up to the last digit.
   Matriu Material(int stretches, int rows)
   {
     Matriu D(rows, rows);
@@ -97,7 +97,7 @@ TEST(ElementProducts, OfASolidAreThoseOfItsBlocks)
       AddPlainly(SolidBlock(a), allD, SolidBlock(b), 0.5 + g, expected);
     }
     Matriu K(3, 3);
-    K = 7.0;  // what was there has no meaning
+    K = 7.0;  // must be overwritten
     AddtoKMatrix(sums, D, K.Data());
     ExpectValues(Entries(K), expected, 1e-13);
   }

@@ -1,5 +1,5 @@
-// Stiffness and stresses of random elements against a plain computation: strain matrices
-// written out in full, K = Σ w·Bᵀ·D·B by loops, the Jacobian inverted by Cramer's rule.
+// Stiffness and stresses of random elements against a plain computation with full strain matrices,
+// K = Σ w·Bᵀ·D·B by loops and Cramer's rule for the inverse of the Jacobian.
 
 #include <gtest/gtest.h>
 
@@ -59,7 +59,7 @@ void AddStiffness(const Rows& B, const Rows& D, double weight, Rows& K)
   }
 }
 
-// What the plain computation gives for an element.
+// The results of the plain computation for an element.
 struct Reference
 {
   Rows K;
@@ -72,8 +72,8 @@ double Det3(const double (&m)[3][3])
          m[0][2] * m[1][1] * m[2][0] - m[0][1] * m[1][0] * m[2][2] - m[0][0] * m[1][2] * m[2][1];
 }
 
-// Gradients of the shape functions from the slopes by the natural coordinates: the solution g
-// of J·g = slopes. Returns the determinant of J.
+// Computes the gradients g of the shape functions from their slopes by the natural coordinates:
+// J·g = slopes. Returns the determinant of J.
 double Gradients(const std::vector<Vector3>& nodes, const std::vector<Vector3>& slopes,
                  std::vector<Vector3>& gradients)
 {
@@ -160,7 +160,7 @@ std::vector<Vector3> ShellNumbers(int nnode, const TrianglePoint& at)
   return numbers;
 }
 
-// In the axes of the element, in which the nodes stand at x, y. D: 8×8.
+// Works in the axes of the element, in which the nodes are at x, y. D: 8×8.
 Reference ShellReference(int nnode, const double* x, const double* y, const Rows& D,
                          const Doubles& u)
 {
@@ -258,7 +258,7 @@ public:
     const double E = (*this)(100, 1000), nu = (*this)(0.0, 0.45), G = E / (2.0 * (1.0 + nu));
     return {E, E, nu, nu, G, G, G, (*this)(0.05, 0.5)};
   }
-  // Ex·nuXY must be Ey·nuYX to the last digit.
+  // Ex·nuXY must be Ey·nuYX exactly.
   ShellMaterial Orthotropic()
   {
     const double ratio = std::ldexp(1.0, static_cast<int>((*this)(-2.0, 3.0)));
@@ -336,8 +336,8 @@ INSTANTIATE_TEST_SUITE_P(Nodes, SolidReferenceOfNodes, testing::Values(4, 10),
 TEST_P(SolidReferenceOfNodes, StiffnessAndStressesAreThoseOfThePlainComputation)
 {
   Random random;
-  SolidEvaluator solid;                            // one for all
-  std::vector<std::unique_ptr<Project>> projects;  // whose materials must stay meanwhile
+  SolidEvaluator solid;                            // one for all elements
+  std::vector<std::unique_ptr<Project>> projects;  // keep the materials of all elements
   for (int k = 0; k < kElements; ++k) {
     std::vector<Vector3> corners = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     for (Vector3& corner : corners)

@@ -1,4 +1,4 @@
-// Structures with hinges and loads on their members, against statics and closed forms.
+// Structures with hinges and loaded members, against statics and closed forms.
 
 #include <gtest/gtest.h>
 
@@ -46,7 +46,7 @@ constexpr std::array<int, 6> kHeld = {1, 1, 1, 0, 0, 0};
 
 }  // namespace
 
-// A beam of 10 with an overhang of 2, which carries a hung-in span of 8; load 5.
+// A beam of length 10 with an overhang of 2 that carries a suspended span of 8, under the load 5.
 TEST(GerberBeam, IsStaticallyDeterminate)
 {
   Frame frame = PlaneFrame({{0, 0}, {10, 0}, {12, 0}, {20, 0}}, {{1, 2}, {2, 3}, {3, 4}}, 2.0);
@@ -54,7 +54,8 @@ TEST(GerberBeam, IsStaticallyDeterminate)
   Support(frame, 2, kRoller);
   Support(frame, 4, kRoller);
   const std::string load = Block("global_pressure_loads", "1 0 -5\n2 0 -5\n3 0 -5");
-  // The hinge: at the second end of the overhang, at the first of the hung-in span, or a node.
+  // The hinge is at the end of the overhang, at the beginning of the suspended span, or in the
+  // node.
   for (const std::string& hinge : {Block("elem_rotules", "2 10"), Block("elem_rotules", "3 01"),
                                    Block("rotules", "3 hinge")}) {
     SCOPED_TRACE(hinge);
@@ -67,7 +68,7 @@ TEST(GerberBeam, IsStaticallyDeterminate)
     EXPECT_NEAR(LoadedStrength(solved, 2, 3, 0.0), -50, 1e-10);  // over the support
     EXPECT_NEAR(LoadedStrength(solved, 3, 3, 0.5), 40, 1e-10);
     EXPECT_NEAR(solved.Displacement(3)[1], 20 / kEI, 1e-11);  // the hinge rises
-    // Middle of the hung-in span: half of that, and its own deflection.
+    // The middle of the suspended span moves by half of that, plus its own deflection.
     EXPECT_NEAR(LoadedDisplacements(solved, 3, 2)[1][1],
                 10 / kEI - 5.0 * 5 * std::pow(8, 4) / (384 * kEI), 1e-10);
     ExpectLoadedEquilibrium(solved, {{1, {0, -5, 0}}, {2, {0, -5, 0}}, {3, {0, -5, 0}}});
@@ -137,7 +138,7 @@ TEST(PortalWithHingedFeet, ThrustOfTheClosedForm)
   ExpectValues(pinned.Reaction(1), {H, 15, 0}, 1e-6);
   EXPECT_NEAR(LoadedStrength(pinned, 2, 3, 0.5), 5 * 36 / 8.0 - 4 * H, 1e-5);
 
-  // The same by clamped feet with hinges: as codes of the columns and at the nodes.
+  // The same with clamped feet and hinges, as codes of the columns or at the nodes.
   frame.supports.clear();
   Support(frame, 1, kHeld);
   Support(frame, 4, kHeld);
@@ -233,7 +234,7 @@ TEST(Truss, LoadsAcrossMembersGoToTheNodes)
 
 TEST(HingedNode, TwoCantileversMeet)
 {
-  // Each takes half of the force; the node itself does not turn.
+  // Each cantilever carries half of the force. The node does not rotate.
   Frame frame = PlaneFrame({{0, 0}, {2, 0}, {4, 0}}, {{1, 2}, {2, 3}}, 2.0);
   Support(frame, 1, kHeld);
   Support(frame, 3, kHeld);
@@ -250,7 +251,7 @@ TEST(HingedNode, TwoCantileversMeet)
   }
 }
 
-TEST(HingedNode, AMomentOnItIsTakenByItsFixedRotation)
+TEST(HingedNode, AMomentOnItIsResistedByItsFixedRotation)
 {
   Frame frame = PlaneFrame({{0, 0}, {2, 0}, {4, 0}}, {{1, 2}, {2, 3}}, 2.0);
   Support(frame, 1, kHeld);
@@ -293,7 +294,7 @@ TEST(HingedNode, InSpaceTorsionIsNeverReleased)
   const Doubles ends = solved.EndForces(1);
   for (const int k : {10, 11})
     EXPECT_NEAR(ends[k], 0.0, 1e-12);
-  // The first is a cantilever (3EI/L³), the second too, as nothing else holds its end.
+  // Both beams are cantilevers (3EI/L³), because nothing else supports their common end.
   EXPECT_NEAR(u[1], 6 / (2 * 3 * 300.0 / 8), 1e-12);
   EXPECT_NEAR(u[2], 12 / (2 * 3 * 200.0 / 8), 1e-12);
 }
@@ -326,8 +327,8 @@ Frame MultiStorey()
   return frame;
 }
 
-// The force and moment on an end of a clamped beam under q per length: half the load, and
-// L²/12 times x' × q on the first end, the opposite on the second.
+// The force and the moment on an end of a clamped beam under q per length: half of the load, and
+// L²/12 times x' × q on the first end or the opposite on the second.
 void AddFixedEndLoads(const LineLoad& load, Frame& frame)
 {
   const Frame::Beam& beam = frame.beams[load.elem - 1];

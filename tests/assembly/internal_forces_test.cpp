@@ -26,7 +26,7 @@ namespace morlen {
 
 namespace {
 
-/// A model ready for its elements' forces: coplanarity is known, hinges are merged.
+/// A model with merged hinges and coplanarity marks, as the forces of its elements need them.
 struct Prepared
 {
   explicit Prepared(const std::string& problem) : project(ReadProject(problem))
@@ -57,7 +57,7 @@ ReaVecV VectorOf(const std::vector<double>& values)
   return v;
 }
 
-/// The matrix of the elements of all meshes times u, in global axes.
+/// The assembled matrix of all meshes times u, in global axes.
 ReaVecV ByMatrix(const Prepared& model, const ReaVecV& u)
 {
   const Problem& problem = model.project->problem;
@@ -120,8 +120,8 @@ const std::string kPlaneHinged =
     "constraints\n1 111 0 0 0\nend constraints\n"
     "elem_rotules\n2 10\n3 01\n4 00\nend\n";
 
-/// A strip with one plane end, where nodes are held against turning about the normal, and a
-/// curved one, where they are not.
+/// A strip with a plane end, where the ground resists rotations about the normal, and a curved end,
+/// where it does not.
 ShellModel Strip()
 {
   ShellModel model = GridShell(4, 2, [](double u, double v) {
@@ -145,7 +145,7 @@ std::vector<std::string> Problems()
   return problems;
 }
 
-// The rotation about the normal of a plane is held by the ground.
+// True when the ground resists the rotation of the node about the normal.
 bool IsHeldByTheGround(const Prepared& model, const Node& node)
 {
   return !model.project->problem.coplanarity.empty() &&
@@ -184,20 +184,20 @@ TEST(InternalForces, RigidMotionsNeedNone)
       for (int k = 0; k < model.project->problem.components.count; ++k) {
         if (k >= 3 && IsHeldByTheGround(model, node))
           continue;
-        // The turn is lost in displacements of 1e6: their last digit is worth 1e-10.
+        // The last digit of displacements of 1e6 is 1e-10, so that the rotation loses digits.
         EXPECT_NEAR(forces(first + k), 0.0, 1e-6) << node.number << " " << k;
       }
     }
   }
 }
 
-// Next to a large rigid motion the second part of the displacements keeps all of its digits.
+// The second part of the displacements keeps all digits despite a large rigid motion.
 TEST(InternalForces, RestCountsBesideLargeDisplacements)
 {
   for (const std::string& problem : Problems()) {
     const Prepared model(problem);
     if (!model.project->problem.coplanarity.empty())
-      continue;  // its turns are held
+      continue;  // the ground resists its rotations
     const bool plane = model.project->problem.problemType == kPlane;
     const ReaVecV large = RigidMotion(model, plane ? Vector3{0, 0, 1} : Vector3{1, 2, 3}, {});
     const ReaVecV base = model.ForcesOf(large, InternalForces::Elements::All);
@@ -207,7 +207,7 @@ TEST(InternalForces, RestCountsBesideLargeDisplacements)
     const ReaVecV expected = ByMatrix(model, rest);
     const ReaVecV forces = model.ForcesOf({large, rest}, InternalForces::Elements::All);
     for (int i = 1; i <= model.equations; ++i) {
-      // Of the differences of the rigid motion, some 1e-16 are left, which round the rest to 1e-32.
+      // The differences of the rigid motion leave about 1e-16, which rounds the rest to 1e-32.
       EXPECT_NEAR(forces(i) - base(i), expected(i), 1e-9 * LargestOf(expected)) << i;
     }
   }

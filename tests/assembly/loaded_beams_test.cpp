@@ -1,5 +1,5 @@
-// Beams under loads along their span: equilibrium, diagrams, deflections, and members cut
-// into pieces.
+// Beams under loads along their span: equilibrium, diagrams, deflections, and members that are
+// divided into pieces.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ const Frame::Section kSection = {.E = 200.0, .G = 80.0, .A = 3.0, .Iy = 5.0, .Iz
 
 const double kR2 = std::sqrt(0.5);
 
-// Local y is horizontal and z points upwards; a vertical beam has y along global x.
+// Local y is horizontal, and z points upwards. A vertical beam has y along global x.
 const Axes kSpaceAxes[] = {
     {Vector3{1, 0, 0}, Vector3{0, 1, 0}, Vector3{0, 0, 1}},
     {Vector3{0, -1, 0}, Vector3{1, 0, 0}, Vector3{0, 0, 1}},
@@ -66,7 +66,7 @@ double Dot(const Vector3& a, const Vector3& b)
   return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
-// A load's components in the axes of the beam: three forces and a torque per length.
+// The components of a load in the axes of the beam: three forces and a torque per length.
 std::array<double, 4> InBeamAxes(const TestLoad& load, const Axes& axes)
 {
   if (load.kind == Kind::Local)
@@ -122,8 +122,8 @@ std::string BlocksOf(const TestLoads& loads, bool space, int elements)
   return text;
 }
 
-// A member of `parts` beams from a clamped end that has settled to an end on springs, with
-// forces on it. Everything moves and turns.
+// A member of `parts` beams from a clamped end with a settlement to a loaded end on springs. All
+// components move.
 Frame Member(const Axes& axes, bool space, int parts)
 {
   const Vector3 start = {0.5, -2.0, space ? 1.0 : 0.0};
@@ -333,7 +333,7 @@ std::string NodeLine(int node, const Vector3& at, bool space)
   return std::to_string(node) + Digits(at[0]) + Digits(at[1]) + (space ? Digits(at[2]) : "") + "\n";
 }
 
-// The beam along axes[0] with these ends under these local loads.
+// A beam along axes[0] with these ends under these local loads.
 std::string BeamText(const Ends& ends, const Axes& axes, bool space, const std::string& load)
 {
   ProblemParts parts = space ? SpaceProblem() : ProblemParts();
@@ -398,7 +398,7 @@ TEST(LoadedBeam, MidspanValuesOfTheTextbooks)
   static const struct
   {
     int ends;
-    double deflection, moment;  // at midspan, over qL⁴/EI and qL²
+    double deflection, moment;  // at midspan, divided by qL⁴/EI and qL²
   } cases[] = {{0, 1.0 / 384, 1.0 / 24}, {1, 5.0 / 384, 1.0 / 8}, {3, 1.0 / 192, 1.0 / 16}};
   for (const auto& c : cases) {
     const Solved solved(BeamText(kEnds[c.ends], kPlaneAxes[0], false, "0 -6"));
@@ -409,7 +409,7 @@ TEST(LoadedBeam, MidspanValuesOfTheTextbooks)
 
 TEST(LoadedBeam, BetweenFixedEndsAnAxialLoadIsSharedByTheHinges)
 {
-  // Half on each end without hinges or with two; with one hinge 3/8 on that end.
+  // Each end carries half when no end or both are hinged. A single hinged end carries 3/8.
   static const struct
   {
     int code;
@@ -428,8 +428,8 @@ TEST(LoadedBeam, BetweenFixedEndsAnAxialLoadIsSharedByTheHinges)
 
 namespace {
 
-// A bar of EA = 600 from (1, 1) to (4, 5) under a strain of 0.002, its second node free along
-// the bar or held.
+// A bar of EA = 600 from (1, 1) to (4, 5) with a thermal strain of 0.002. Its second node is held,
+// or free along the bar.
 ProblemParts WarmBar(const std::string& secondSupport)
 {
   ProblemParts parts;
@@ -489,7 +489,7 @@ TEST(Temperature, InSpaceOnSprings)
     const Solved solved(ProblemText(Member(axes, true, 1)) + warm);
     ExpectLoadedEquilibrium(solved, {});
     ExpectDiagrams(solved, 1, {0, 0, 0, 0});
-    // Without the temperature, but with its forces on the nodes: EA·strain = 3.
+    // The model without the temperature, but with its forces EA·strain = 3 on the nodes.
     Frame pulled = Member(axes, true, 1);
     for (int k = 0; k < 3; ++k)
       pulled.loads[0].values[k] += 3 * axes[0][k];
@@ -529,7 +529,7 @@ ProblemParts Heavy(bool space, const std::string& settings)
 
 TEST(SelfWeight, ActsAlongGravity)
 {
-  // 12 altogether, halfway out.
+  // The weight is 12 and acts in the middle.
   const Solved down(Heavy(true, "GravityDirection 0 0 -9.81").Text());
   ExpectValues(down.Reaction(1), {0, 0, 12, 0, -12, 0}, 1e-12);
   ExpectLoadedEquilibrium(down, {{.force = {0, 0, -6}}});
@@ -561,7 +561,7 @@ TEST(SelfWeight, AddsToTheLoadsOfTheElement)
   ExpectDiagrams(solved, 1, {1, -10});
 }
 
-TEST(SelfWeight, OfElementsWithValuesOfTheirOwn)
+TEST(SelfWeight, OfElementsWithTheirOwnMaterialValues)
 {
   const ProblemParts parts =
       Heavy(false, "GravityDirection 0 -1 0").With(&ProblemParts::elements, "1 1 2 1 Weight=5");

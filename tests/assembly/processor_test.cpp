@@ -1,4 +1,4 @@
-// The choice of vector instructions reaches the loops that solve.
+// The choice of vector instructions changes the inner loops of the solvers.
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ std::string SpaceFrame(const std::string& settings)
   return SpaceProblem().With(&ProblemParts::settings, settings).Text();
 }
 
-// Beams along the edges of a square tower, clamped at its feet; no two of a corner are alike.
+// Beams along the edges of a square tower with clamped feet. The beams at a corner all differ.
 Frame Tower(int storeys)
 {
   Frame frame;
@@ -87,7 +87,7 @@ TEST(ChosenProcessor, MultipliesTheBlocksOfTheSparseMatrix)
   }
 }
 
-// Plain loops round after every multiplication, the others only after the addition.
+// The plain loops round after each multiplication, the others only after the addition.
 TEST(ChosenProcessor, DecidesOnTheLastDigits)
 {
   for (const char* const settings : {"Solver SkyLine", "Solver Sparse 1e-12 1e-12 1000"}) {

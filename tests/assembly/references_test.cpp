@@ -15,13 +15,13 @@ namespace morlen {
 
 namespace {
 
-// The message with which the references of a problem are refused.
+// The message that refuses the references of a problem.
 std::string Refusal(const std::string& problem)
 {
   Problem read(100);
   TextScan text(problem);
   ReadProblem(text, read);
-  return FatalCaught([&] { CheckReferences(read, AllFamilies()); });
+  return FatalCaught([&] { CheckReferences(read.meshes, read.materials, AllFamilies()); });
 }
 
 std::string RefusalOf(const std::string& elements, const std::string& materials = "")
@@ -56,7 +56,7 @@ TEST(References, UnknownMaterialsAreRefused)
             "error: Material in element: 7 doesn't exist\n");
 }
 
-TEST(References, AMaterialOfItsOwnNeedsNoOther)
+TEST(References, AnElementWithItsOwnValuesNeedsNoMaterialNumber)
 {
   EXPECT_EQ(RefusalOf("7 1 2 2 E 1 A 1 Iz 1"), kNone);
 }
@@ -66,7 +66,7 @@ TEST(References, UnusedNumbersAreNotLookedFor)
   EXPECT_EQ(RefusalOf("7 1 2 1", "1 E 1 A 1 Iz 1\n2147483647 E 1"), kNone);
 }
 
-// The run ends on them by their kind.
+// The kind of these elements ends the run later.
 TEST(References, ElementsThatAreNotAnalysedNeedNoMaterial)
 {
   EXPECT_EQ(Refusal("problem type 3d\nmesh dimension 3 elemtype Quadrilateral nnode 4 coordinates\n"

@@ -1,5 +1,5 @@
-// Structures that can move must be refused, whatever they are loaded with, and stable ones must
-// not, however soft, slender or oddly loaded they are.
+// Structures that can move are refused under any load. Stable structures are solved, however soft,
+// slender or unusually loaded they are.
 
 #include "assembly/probe_load.h"
 #include "assembly/refinement.h"
@@ -26,7 +26,7 @@ namespace morlen {
 
 namespace {
 
-/// The models are written in kN and m, and computed in each of these.
+/// The units in which each model is computed. The models are written in kN and m.
 const std::vector<std::string> kUnits = {"kN-m", "N-mm", "MN-m", "kip-in"};
 
 std::string ComputedIn(const std::string& units)
@@ -38,7 +38,7 @@ std::string ComputedIn(const std::string& units)
          units + "\nSolver SkyLine\n";
 }
 
-/// A model as a function of the lines behind its header.
+/// A model as a function of the lines after its header.
 struct Model
 {
   std::string name;
@@ -55,7 +55,7 @@ std::string NameOf(const testing::TestParamInfo<Model>& info)
   return info.param.name;
 }
 
-/// Directions of chains; horizontal ones lose least by rounding.
+/// Directions of chains. Rounding errors are smallest in horizontal ones.
 const std::vector<std::pair<std::string, Vector3>> kInclined = {
     {"", {1, 0, 0}},
     {"Inclined", {std::cos(0.3), std::sin(0.3), 0}},
@@ -67,8 +67,8 @@ std::string EndOf(const Model& model, const std::string& units)
   return FatalCaught([&] { const Solved solved(problem); });
 }
 
-/// Whether the message, behind what the support checks say, is that of a pivot or of a solution
-/// that does not hold its loads.
+/// True when the message, after the text of the support checks, is that of a refused pivot or of a
+/// solution that does not balance its loads.
 bool IsRefusal(const std::string& message)
 {
   return message.find("error when solving system(") != std::string::npos ||
@@ -76,7 +76,7 @@ bool IsRefusal(const std::string& message)
              "error when solving system. Probably boundary conditions are not correct\n");
 }
 
-/// The same model under each of several loads.
+/// Adds the same model once for each of several loads.
 void AddWithLoads(std::vector<Model>& models, const std::string& name,
                   const std::vector<std::pair<std::string, Vector3>>& loads,
                   const std::function<std::string(const std::string&, const Vector3&)>& text)
@@ -95,7 +95,7 @@ std::string Loaded(Frame frame, const std::string& settings, int node, const Vec
   return ProblemText(frame, settings) + rest;
 }
 
-/// Hinges at both ends of the beams.
+/// Adds hinges at both ends of the beams.
 std::string Hinged(int first, int last)
 {
   std::string records;
@@ -104,7 +104,7 @@ std::string Hinged(int first, int last)
   return Block("elem_rotules", records);
 }
 
-void AddPlaneMechanisms(std::vector<Model>& models)
+void AddPlaneChains(std::vector<Model>& models)
 {
   for (const int beams : {1, 7, 400}) {
     for (const auto& [inclined, direction] : kInclined) {
@@ -115,7 +115,7 @@ void AddPlaneMechanisms(std::vector<Model>& models)
                      frame.supports = {{1, kPin}};
                      return Loaded(frame, settings, beams + 1, load);
                    });
-      // Its rollers let it slide along its axis.
+      // The rollers let the structure slide along its axis.
       const std::optional<Vector3> axes =
           inclined.empty() ? std::optional<Vector3>()
                            : Vector3{-std::atan2(direction[1], direction[0]), 0, 0};
@@ -129,6 +129,11 @@ void AddPlaneMechanisms(std::vector<Model>& models)
           });
     }
   }
+}
+
+void AddPlaneMechanisms(std::vector<Model>& models)
+{
+  AddPlaneChains(models);
   for (const int storeys : {2, 24, 99}) {
     AddWithLoads(models, "FreeSwayFrame" + std::to_string(12 * (storeys + 1)),
                  {{"Driven", {1, 0, 0}}, {"NotDriven", {0, -1, 0}}, {"Moment", {0, 0, 1}}},
@@ -163,7 +168,7 @@ void AddPlaneMechanisms(std::vector<Model>& models)
   }
 }
 
-/// What a large mechanism misses of its loads is spread over many nodes.
+/// The residual of a large mechanism is distributed over many nodes.
 void AddLargePlaneMechanisms(std::vector<Model>& models)
 {
   const std::vector<std::pair<std::string, Vector3>> loads = {{"Driven", {0, -1, 0}},
@@ -188,7 +193,7 @@ void AddLargePlaneMechanisms(std::vector<Model>& models)
                    return Loaded(frame, settings, 5, load);
                  });
   }
-  // The columns of the storey at half the height turn on hinges.
+  // The columns of the storey at half the height have hinges at both ends.
   constexpr int kStoreys = 400;
   const int first = 1 + kStoreys / 2 * 5;
   AddWithLoads(models, "TallFrameWithHingedStorey", {{"Driven", {1, 0, 0}}, {"Unloaded", {}}},
@@ -269,7 +274,7 @@ ShellModel Slab(int n, bool six, const Surface& surface, double t = 0.2)
   return model;
 }
 
-/// The nodes, those in the middle of sides as well, that stand on the edge u = 0.
+/// The nodes on the edge u = 0, including those in the middle of sides.
 std::vector<int> FirstEdge(const ShellModel& model, int n)
 {
   const Vector3 from = model.nodes[0];
@@ -385,7 +390,7 @@ std::vector<Model> Mechanisms()
   return models;
 }
 
-// --- Structures that stand ---
+// --- Stable structures ---
 
 std::string LongChain(const std::string& settings, const Vector3& load, const std::string& rest)
 {
@@ -403,7 +408,7 @@ std::string AlongAll(int beams, const std::string& record)
   return records;
 }
 
-void AddFrames(std::vector<Model>& models)
+void AddChains(std::vector<Model>& models)
 {
   AddWithLoads(
       models, "LongChain",
@@ -426,8 +431,13 @@ void AddFrames(std::vector<Model>& models)
                       return LongChain(settings, {},
                                        Block("local_pressure_loads", AlongAll(5000, "0 -1")));
                     }});
+}
+
+void AddFrames(std::vector<Model>& models)
+{
+  AddChains(models);
   for (const int storeys : {1, 99}) {
-    AddWithLoads(models, "StandingFrame" + std::to_string(storeys),
+    AddWithLoads(models, "StableFrame" + std::to_string(storeys),
                  {{"Pushed", {1, 0, 0}}, {"Moment", {0, 0, 1}}, {"Unloaded", {}}},
                  [=](const std::string& settings, const Vector3& load) {
                    return Loaded(Storeys(4, storeys, kClamped), settings, 9 - 4 / storeys, load);
@@ -458,7 +468,7 @@ void AddFrames(std::vector<Model>& models)
                     }});
 }
 
-/// Moments, or nothing, on structures in space.
+/// Adds structures in space with moments or without loads.
 void AddMomentsInSpace(std::vector<Model>& models)
 {
   for (const bool loaded : {false, true}) {
@@ -476,7 +486,7 @@ void AddMomentsInSpace(std::vector<Model>& models)
                     }});
 }
 
-/// Thickness over length 1e-4; the clamped edge is all that holds.
+/// A plate with a thickness of 1e-4 of its length, supported only by a clamped edge.
 void AddThinShells(std::vector<Model>& models)
 {
   for (const auto& [kind, surface] : kSurfaces) {
@@ -514,7 +524,7 @@ void AddSolidsOnRollers(std::vector<Model>& models)
   }
 }
 
-std::vector<Model> StandingStructures()
+std::vector<Model> StableStructures()
 {
   std::vector<Model> models;
   AddFrames(models);
@@ -565,19 +575,19 @@ TEST(ResidualCheck, EndsTheRunWithStatus2)
   EXPECT_TRUE(IsRefusal(run.err)) << run.err;
 }
 
-class StandingStructure : public testing::TestWithParam<Model>
+class StableStructure : public testing::TestWithParam<Model>
 {
 };
 
-TEST_P(StandingStructure, IsSolvedInAnyUnit)
+TEST_P(StableStructure, IsSolvedInAnyUnit)
 {
   for (const std::string& units : {kUnits[0], kUnits[1]})
     EXPECT_EQ(EndOf(GetParam(), units), "(the run went on)") << units;
 }
 
-INSTANTIATE_TEST_SUITE_P(All, StandingStructure, testing::ValuesIn(StandingStructures()), NameOf);
+INSTANTIATE_TEST_SUITE_P(All, StableStructure, testing::ValuesIn(StableStructures()), NameOf);
 
-// The motion is a shift of the whole tower, so that no other component moves as much.
+// The motion is a translation of the whole tower, so that no other component moves as much.
 TEST(Refinement, NamesTheComponentThatMovesMost)
 {
   static const struct
@@ -596,7 +606,7 @@ TEST(Refinement, NamesTheComponentThatMovesMost)
   }
 }
 
-// A correction of nothing is nothing, not 0 / 0.
+// The relative correction of zero displacements is 0, not 0 / 0.
 TEST(Refinement, WithoutLoadsTheErrorIsZero)
 {
   Structure tower = Tower(5, kClamped);
@@ -605,7 +615,7 @@ TEST(Refinement, WithoutLoadsTheErrorIsZero)
   EXPECT_EQ(solved.Result().accuracy.residual, 0.0);
 }
 
-// Forces of a stiff and of a soft part of one model: the digits of each are its own.
+// The forces of a stiff part are accurate although a soft part has much larger displacements.
 TEST(Refinement, KeepsTheForcesOfAStiffPartBesideASoftOne)
 {
   Structure s = Chain(2, false);
@@ -618,8 +628,8 @@ TEST(Refinement, KeepsTheForcesOfAStiffPartBesideASoftOne)
   ExpectValues(solved.EndForces(2), {-1, 1, 1, 1, -1, 0}, 1e-12);  // rounding of 1e10 x 1e-16
 }
 
-// The largest displacement is that of the soft part, beside which the corrections of the motion are
-// small.
+// The soft part has the largest displacement, so that the corrections of the motion are small
+// relative to it.
 TEST(Refinement, FindsAMotionBesideASoftPart)
 {
   for (const double spring : {1e-6, 1e-8, 1e-10}) {

@@ -1,5 +1,5 @@
-// Badly scaled models against a computation in higher precision: whoever gets an answer without a
-// warning can rely on it, and who cannot get one is told so.
+// Badly scaled models against a computation in higher precision. A result without a warning is
+// accurate, and other models are refused or have a warning.
 
 #include <gtest/gtest.h>
 
@@ -20,11 +20,11 @@ namespace {
 
 struct RoughModel
 {
-  std::string text;  ///< what it is, for the table
+  std::string text;  ///< description for the table
   std::function<Structure()> make;
-  /// Whether it must not be refused. That is so where factors in double precision take away 9/10
-  /// of an error or more, and hold against the rounding of pivots: refinement by exact residuals,
-  /// tried with the reference, then needs at most six steps.
+  /// True when the model must not be refused. Its factors in double precision reduce an error to
+  /// 1/10 or less, and its pivots are larger than their rounding errors. The reference shows that
+  /// refinement with exact residuals then needs at most six steps.
   bool solvable = true;
 };
 
@@ -38,9 +38,9 @@ std::string NameOf(const testing::TestParamInfo<RoughModel>& info)
   return TestName(info.param.text);
 }
 
-/// Errors of this size need no warning: loads and sections are known less well.
+/// Errors of this size need no warning: loads and sections are less accurate.
 constexpr double kReliable = 1e-5;
-/// A warning is for corrections up to 1e-3; the error may be some times that.
+/// A warning is given for corrections up to 1e-3. The error may be several times larger.
 constexpr double kWarned = 1e-2;
 
 std::string Text(const char* format, double value)
@@ -132,7 +132,7 @@ Frame::Section Stiffer(double factor)
   return section;
 }
 
-/// A girder of 40 beams of 1 m on columns of 2 m, turned by an angle.
+/// A girder of 40 beams of 1 m on columns of 2 m, rotated by an angle.
 Structure GirderOnLinks(double factor, double angle)
 {
   const Vector3 x = Inclined(angle);
@@ -164,7 +164,7 @@ Structure LinkedGirders(double length, double factor, double angle)
   return s.HoldNode(1, kClamped).HoldNode(2, kClamped).Load(101, {0, -1, 1, 0, 0, 0});
 }
 
-/// A cantilever of 40 beams, every fourth of them stiffer.
+/// A cantilever of 40 beams. Every fourth beam is stiffer.
 Structure ChainWithLinks(double factor, double angle)
 {
   Structure s = Chain(40, false, Inclined(angle));
@@ -296,7 +296,7 @@ void AddSpringsAndSolids(std::vector<RoughModel>& models)
   }
 }
 
-/// The numbers of a model in other units, which are `force` kN and `length` m.
+/// The numbers of a model in other units, of `force` kN and `length` m.
 Structure InUnits(Structure s, double force, double length)
 {
   const double stress = length * length / force;
@@ -385,7 +385,7 @@ Judged Outcome(const RoughModel& model, const Structure& structure)
   return Judge(structure, settings, &exact);
 }
 
-/// How a run ended, as the table has it.
+/// The outcome of a run as in the table.
 std::string Ending(const Judged& judged)
 {
   if (judged.IsSolved())
@@ -412,7 +412,7 @@ TEST_P(RoughModelTest, IsRightOrRefused)
 
 INSTANTIATE_TEST_SUITE_P(All, RoughModelTest, testing::ValuesIn(RoughModels()), NameOf);
 
-// Prints the lines of the table of docs/verification.md; scripts/rough_models.sh runs it.
+// Prints the lines of the table in docs/verification.md. scripts/rough_models.sh runs it.
 TEST(RoughModels, DISABLED_Table)
 {
   for (const RoughModel& model : RoughModels()) {

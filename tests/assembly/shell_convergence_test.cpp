@@ -1,5 +1,5 @@
-// Shells on coarse meshes against published and closed solutions: the computed value divided
-// by the reference stays in a band. The same problems on finer meshes: docs/verification.md.
+// Shells on coarse meshes against published solutions and closed forms. The computed value divided
+// by the reference must be in a band. For finer meshes see docs/verification.md.
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ constexpr double kPi = std::numbers::pi;
 struct ConvergenceCase
 {
   ShellModel model;
-  int node;       ///< where the displacement is taken
+  int node;       ///< the node of the compared displacement
   int component;  ///< from 1
   double reference;
 };
@@ -39,7 +39,7 @@ std::string Isotropic(double E, double nu, double t)
          " t=" + Digits(t);
 }
 
-// Adds up the supports of a grid of n by m quadrilaterals by its lines.
+// Collects the supports of a grid of n by m quadrilaterals line by line.
 class GridSupports
 {
 public:
@@ -78,7 +78,8 @@ private:
   std::vector<std::string> flags;
 };
 
-// 10 by 2, clamped at x = 0, a load along its tip; a beam with shear.
+// A plate of 10 by 2, clamped at x = 0, with a load along its tip. The reference is a beam with
+// shear.
 ConvergenceCase Cantilever(int n, double t)
 {
   const double E = 1e6, L = 10, b = 2, P = 1;
@@ -109,8 +110,8 @@ ConvergenceCase Cantilever(int n, double t)
   return p;
 }
 
-// A quarter of a plate 10 by 10 under pressure, with its middle in the origin. The deflection
-// there is the factor times q a⁴/D.
+// A quarter of a plate of 10 by 10 under pressure. The middle of the plate is the origin, where the
+// deflection is the factor times q a⁴/D.
 ConvergenceCase Plate(int n, double t, bool clamped, double factor)
 {
   const double E = 1e6, nu = 0.3;
@@ -132,8 +133,8 @@ ConvergenceCase Plate(int n, double t, bool clamped, double factor)
   return p;
 }
 
-// Deflection of the middle of a simply supported plate of a side 10: Navier's series, with the
-// shear that Mindlin's theory adds.
+// The deflection of the middle of a simply supported plate with sides of 10: Navier's series with
+// the shear of Mindlin's theory.
 double SupportedFactor(double t)
 {
   const double nu = 0.3, D = 1 / (12 * (1 - nu * nu)) * t * t * t;
@@ -212,7 +213,7 @@ ConvergenceCase Hemisphere(int n)
   return p;
 }
 
-// Twisted by a quarter turn over its length; at the tip its width lies along z.
+// A strip that is twisted by a quarter turn over its length. At the tip its width is along z.
 ConvergenceCase TwistedStrip(int n, int component)
 {
   ConvergenceCase p{
@@ -258,7 +259,7 @@ TEST(ShellConvergence, CantileverPlate)
       {[] { return Cantilever(4, 2.0); }, true, 0.995, 1.001},
       {[] { return Cantilever(4, 0.1); }, true, 0.99, 1.001},
       {[] { return Cantilever(16, 0.1); }, true, 0.998, 1.001},
-      // Three nodes: fine when thick, far too stiff when thin.
+      // Triangles of three nodes are accurate for thick plates and far too stiff for thin ones.
       {[] { return Cantilever(16, 2.0); }, false, 0.98, 1.0},
       {[] { return Cantilever(16, 0.5); }, false, 0.85, 0.92},
       {[] { return Cantilever(16, 0.1); }, false, 0.3, 0.5},
@@ -320,7 +321,7 @@ TEST(ShellConvergence, PinchedCylinder)
   });
 }
 
-// The stiffness of coplanar nodes against turning about the normal holds back a shell that
+// The stiffness of coplanar nodes against rotations about the normal makes a shell too stiff that
 // bends without stretching.
 TEST(ShellConvergence, HemisphereIsHeldByTheDrillingStiffness)
 {
@@ -330,7 +331,7 @@ TEST(ShellConvergence, HemisphereIsHeldByTheDrillingStiffness)
   });
 }
 
-// The triangles are no larger than the strip is thick: folds pass on too little torsion.
+// The triangles are not larger than the thickness of the strip: folds transfer too little torsion.
 TEST(ShellConvergence, TwistedStripIsTooSoftInTriangles)
 {
   ExpectInBands({

@@ -19,7 +19,7 @@ constexpr double kThickness = 0.2;
 constexpr double kBending = 1e6 * 0.2 * 0.2 * 0.2 / 12;  // per width, without Poisson's ratio
 constexpr char kNoPoisson[] = "E=1e6 nu=0 G=5e5 t=0.2";
 
-// A strip of length 4 and width 1, clamped at its beginning, nodes of `nnode` triangles. Its
+// A strip of length 4 and width 1, clamped at its beginning, of triangles with `nnode` nodes. Its
 // second half is turned up by the angle about the y axis.
 ShellModel Strip(int nnode, int divisions, double fold)
 {
@@ -58,7 +58,8 @@ void LoadEnd(ShellModel& strip, const ShellModel& flat, const std::array<double,
 
 }  // namespace
 
-// Constant moment about the fold: the rotation at the arc length s is M s / D, folded or not.
+// Under a constant moment about the fold, the rotation at the arc length s is M s / D with and
+// without the fold.
 TEST(ShellModels, AFoldedStripBendsAboutItsFoldAsTheFlatOneDoes)
 {
   const double M = 3.0;
@@ -72,7 +73,8 @@ TEST(ShellModels, AFoldedStripBendsAboutItsFoldAsTheFlatOneDoes)
       const std::vector<double> u = solved.Displacement(static_cast<int>(i) + 1);
       EXPECT_NEAR(u[4], M * s / kBending, 1e-8) << fold;
       const double beyond = std::max(s - 2, 0.0);
-      // Along the normals: -M s²/2D to the fold, beyond it what the fold's motion adds.
+      // The displacement along the normals is -M s²/2D up to the fold. Beyond the fold its motion
+      // is added.
       const double w2 = -M * 4 / (2 * kBending);
       const double slope = M * 2 / kBending;
       const double along = -(slope * beyond + M * beyond * beyond / (2 * kBending));
@@ -104,7 +106,7 @@ namespace {
 
 const char* const kBeams = "mesh dimension 3 elemtype Linear nnode 2\ncoordinates\nend\nelements\n";
 
-// A strip with stiff beams along its end, and there a mast of height 2 that takes a force.
+// A strip with stiff beams along its end, and on them a loaded mast of height 2.
 ShellModel StripWithMast(const Vector3& force)
 {
   ShellModel strip = Strip(6, 8, 0.0);
@@ -132,7 +134,7 @@ ShellModel StripWithMast(const Vector3& force)
 
 TEST(ShellModels, ABeamClampedToAPlateTurnsWithIt)
 {
-  // Horizontal force F at the top: the plate takes the moment 2 F and the tension F.
+  // A horizontal force F at the top causes the moment 2 F and the tension F in the plate.
   const double F = 1.5;
   const Solved solved(StripWithMast({F, 0, 0}).Text());
   const double turn = 2 * F * 4 / kBending;
@@ -143,16 +145,16 @@ TEST(ShellModels, ABeamClampedToAPlateTurnsWithIt)
   EXPECT_NEAR(u[0], 2 * turn + stretch, 1e-5 * turn);
   EXPECT_NEAR(u[2], -2 * F * 16 / (2 * kBending), 1e-5 * turn);
   EXPECT_NEAR(u[1], 0.0, 1e-5 * turn);
-  // Sideways the strip is twisted about its axis: the mast leans with the force.
+  // A sideways force twists the strip about its axis, and the mast leans in its direction.
   const Solved sideways(StripWithMast({0, F, 0}).Text());
   const std::vector<double> v = sideways.Displacement(top);
   EXPECT_LT(v[3], 0.0);
   EXPECT_GT(v[1], 0.0);
 }
 
-// A beam that turns a coplanar node about the normal meets the stiffness there: its moment goes
-// to the ground.
-TEST(ShellModels, DrillingTakesUpAMomentAboutTheNormal)
+// The drilling stiffness resists a beam that rotates a coplanar node about the normal. The moment
+// goes to the ground.
+TEST(ShellModels, DrillingStiffnessResistsAMomentAboutTheNormal)
 {
   ShellModel plate = GridShell(2, 2, [](double u, double v) { return Vector3{2 * u, 2 * v, 0}; });
   plate.material = "E=1e6 nu=0 G=5e5 t=0.2";
@@ -167,8 +169,8 @@ TEST(ShellModels, DrillingTakesUpAMomentAboutTheNormal)
     EXPECT_NEAR(component, 0.0, 1e-12);
 }
 
-// A clamped square plate, and a quarter of it with rotations about axes held along the planes
-// of symmetry.
+// A clamped square plate, and a quarter of it with supported rotations along the planes of
+// symmetry.
 TEST(ShellModels, SymmetryHoldsRotationsAboutAxes)
 {
   for (const char* settings : {"", "ConvertTo6Nodes"}) {
@@ -277,9 +279,9 @@ TEST(ShellModels, OrderOfTheEquationsDoesNotMatter)
   }
 }
 
-TEST(ShellModels, SupportsMayHaveAxesOfTheirOwn)
+TEST(ShellModels, SupportsMayHaveLocalAxes)
 {
-  // A square in its own axes held along them, loaded in them; upright and turned.
+  // A square that is supported and loaded in its own axes: upright and rotated.
   const Vector3 angles = {0.7, 1.2, -0.5};
   const auto axes = AxesOfAngles(angles);
   for (const char* settings : {"", "ConvertTo6Nodes"}) {
@@ -320,7 +322,7 @@ TEST(ShellModels, SupportsMayHaveAxesOfTheirOwn)
 
 namespace {
 
-// An oblique square plate, its coordinates with so many digits, under a load along its normal.
+// An oblique square plate under a load along its normal. Coordinates have this number of digits.
 ShellModel Oblique(int digits, const std::string& settings)
 {
   const auto axes = AxesOfAngles({0.3, 0.6, -0.4});
@@ -353,7 +355,7 @@ double MiddleDeflection(const ShellModel& plate)
 
 }  // namespace
 
-// Coordinates of eight or nine digits leave folds of about the coplanarity angle.
+// Rounding of coordinates to eight or nine digits makes folds of about the coplanarity angle.
 TEST(ShellModels, ObliquePlatesOfRoundedCoordinatesSolve)
 {
   for (const std::string conversion : {"", "ConvertTo6Nodes"}) {

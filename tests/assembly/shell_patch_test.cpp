@@ -39,7 +39,7 @@ struct Patch
     return inner;
   }
 
-  // The components of a node from those in the axes of the plane.
+  // The global components of a node, from those in the axes of the plane.
   Components InSpace(const Components& local) const
   {
     const Vector3 u = Turned(axes, {local[0], local[1], local[2]});
@@ -71,8 +71,8 @@ struct Patch
   }
 };
 
-// A plate of 4 by 2 with four distorted rows, nodes 1 and so on as a grid of 4 by 3. Material
-// axes, where given, are the plane's own turned about its normal.
+// A plate of 4 by 2 with four distorted rows. Its nodes are a grid of 4 by 3. Material axes, if
+// given, are those of the plane rotated about its normal.
 Patch DistortedPatch(int nnode, const Vector3& angles, const std::string& material)
 {
   const auto plane = [](double u, double v) {
@@ -192,8 +192,8 @@ TEST(PatchTest, ShearWithTheRotationsPrescribed)
 
 namespace {
 
-// Largest error of w inside a plate of 4 by 2 and thickness t, whose outer nodes follow
-// w = x²/2, divided by the largest w there.
+// The largest error of w inside a plate of 4 by 2 and thickness t, divided by the largest w. The
+// outer nodes are prescribed to w = x²/2.
 double BendingError(int divisions, double t)
 {
   ShellModel model = GridShell(
@@ -222,7 +222,7 @@ double BendingError(int divisions, double t)
 
 }  // namespace
 
-// The three-node element cannot hold a constant curvature without shear: it converges to it.
+// The three-node element cannot represent a constant curvature without shear, but converges to it.
 TEST(PatchTest, BendingOfThreeNodeTrianglesConverges)
 {
   for (const double t : {1.0, 0.1}) {

@@ -20,7 +20,7 @@ namespace morlen {
 
 namespace {
 
-// The numbers of a node whose shape function has these derivatives and this value.
+// The numbers of a node with these derivatives and this value of the shape function.
 void ExpectNumbers(const NodeNumbers& B, double Nx, double Ny, double N)
 {
   ExpectValues({B.begin(), B.end()}, {Nx, Ny, N}, 1e-13);
@@ -28,7 +28,7 @@ void ExpectNumbers(const NodeNumbers& B, double Nx, double Ny, double N)
 
 constexpr TrianglePoint kPlace = {0.2, 0.3, 0.0};
 
-// One triangle that lies askew in space, of three or six nodes; orthotropic.
+// One orthotropic triangle of three or six nodes, oblique in space.
 ShellModel OneTriangle(int nnode)
 {
   ShellModel model;
@@ -88,7 +88,7 @@ struct OneElement
   ShellEvaluator shell;
 };
 
-// Displacements in local axes of all nodes; field gives six components by the local place.
+// Displacements of all nodes in local axes. field returns six components at a local place.
 template <class Field>
 std::vector<double> LocalField(const OneElement& one, Field field)
 {
@@ -104,7 +104,7 @@ std::vector<double> LocalField(const OneElement& one, Field field)
 
 }  // namespace
 
-TEST(ShellBlocks, OfTheThreeNodeElementTakeTheFunctionAtThePoint)
+TEST(ShellBlocks, OfTheThreeNodeElementUseTheFunctionAtThePoint)
 {
   // Corners (0,0), (4,0), (0,2), centroid (4/3, 2/3).
   const double a[] = {8, 0, 0};
@@ -149,7 +149,7 @@ TEST(Shell, RefusesADegenerateTriangle)
   ShellModel model = OneTriangle(3);
   model.nodes[2] = model.nodes[0];
   ExpectFatal([&] { OneElement{model}; }, "error: element 1 has jacobian <=0\n");
-  // The corners are on a line but for the rounding of their coordinates, in whatever unit.
+  // In any unit, the corners are on a line up to the rounding of their coordinates.
   for (const double unit : {1e-9, 1.0, 1e9}) {
     model.nodes = {{0, 0, 0}, {0.1 * unit, 0.3 * unit, 0}, {0.7 * unit, 2.1 * unit, 0}};
     ExpectFatal([&] { OneElement{model}; }, "error: element 1 has jacobian <=0\n");
@@ -229,8 +229,8 @@ TEST(Shell, StiffnessIsSymmetricAndResistsNoRigidMotion)
   }
 }
 
-// A state with all eight forces constant: N from stretching, M from curvatures (w quadratic,
-// six nodes only), Q from a slope without rotation.
+// A state in which all eight forces are constant: N by stretching, M by curvatures (quadratic w,
+// six nodes only), Q by a slope without rotation.
 TEST(Shell, ForcesAreTheMaterialTimesTheStrains)
 {
   // t = 0.5, 1 - nuXY nuYX = 1 - 1/32.
@@ -264,7 +264,7 @@ TEST(Shell, ForcesAreTheMaterialTimesTheStrains)
     ExpectValues({forces.begin() + 8 * g, forces.begin() + 8 * g + 8}, expected, 1e-12);
 }
 
-TEST(Shell, OfThreeNodesTakesTheRotationsAtTheCentroid)
+TEST(Shell, OfThreeNodesUsesTheRotationsAtTheCentroid)
 {
   OneElement three(OneTriangle(3));
   // Slopes wx, wy at the corners only: shear is that of w less their mean, 0 here.
@@ -296,7 +296,7 @@ TEST(Shell, EnergyOfTheStiffnessIsThatOfTheForces)
       const double* n = forces.data() + 8 * g;
       double density = 0.0;
       for (const int first : {0, 3}) {
-        // Inverse of [[2000, 250], [250, 1000]].
+        // The inverse of [[2000, 250], [250, 1000]].
         const double bend = first == 3 ? 12.0 / 0.25 : 1.0;
         const double d = (2000.0 * 1000.0 - 250.0 * 250.0) * f;
         density += bend *

@@ -56,7 +56,7 @@ std::string MeshBlock(const std::string& elements)
 
 }  // namespace
 
-TEST(SixNodes, StandInTheMiddleOfTheEdgesAndAreShared)
+TEST(SixNodes, LieInTheMiddleOfTheEdgesAndAreShared)
 {
   const auto project = Converted(Square().Text());
   EXPECT_EQ(project->problem.numNodes, 9);
@@ -102,7 +102,7 @@ TEST(SixNodes, AreRefusedForOtherMeshes)
   ExpectFatal([] { Converted(WithMidSideNodes(Square()).Text()); }, message);
 }
 
-TEST(SixNodes, TakeWhatTheSupportsOfBothCornersShare)
+TEST(SixNodes, GetTheSupportsThatBothCornersHave)
 {
   ShellModel model = Square();
   model.Hold(1, "111100", {1, 2, 3, 0.5, 0, 0});
@@ -159,9 +159,9 @@ TEST(SixNodes, DoNotAppearInTheResults)
   EXPECT_NE(folder.Read("model.morlen.bon").find("\n2 4 7\nnode x y z\n"), std::string::npos);
 }
 
-// A strip stretched by an edge load: the corners of the held edge get the reactions of its
-// middle too.
-TEST(SixNodes, HandTheReactionsOfTheMiddleToTheCorners)
+// A strip under an edge load. The corners of the supported edge also get the reactions of its
+// middle.
+TEST(SixNodes, AddTheReactionsOfTheMiddleToTheCorners)
 {
   ShellModel model = GridShell(1, 1, [](double u, double v) { return Vector3{u, v, 0}; });
   model.material = "E=1000 nu=0 G=500 t=0.1";
@@ -197,7 +197,7 @@ TEST(SixNodes, OfTheFileKeepTheirReactions)
 
 TEST(SixNodes, MixWithSixNodeTrianglesOfTheFile)
 {
-  // A mesh of six-node triangles and one of three nodes that is not converted share no edge.
+  // The mesh of six-node triangles and the three-node mesh, which is not converted, share no edge.
   ShellModel model = WithMidSideNodes(Square());
   model.nodes.push_back({10, 0, 0});
   model.nodes.push_back({11, 0, 0});

@@ -1,4 +1,4 @@
-// Whole models of tetrahedra: patch tests, closed forms, and what ends a run.
+// Whole models of tetrahedra: patch tests, closed forms, and fatal errors.
 
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ Vector3 LinearField(const Vector3& x)
   return GradientTimes(kGradient, x);
 }
 
-// A block with all its inner and outer nodes off their grid, turned in space.
+// A block rotated in space, with all nodes moved away from their grid.
 SolidModel Distorted(int nnode)
 {
   SolidModel model = SolidBlock({2, 2, 2}, {2.0, 1.5, 1.0}, 4);
@@ -39,7 +39,7 @@ SolidModel Distorted(int nnode)
   return nnode == 10 ? model.ToTenNodes() : model;
 }
 
-// Expects the same stress at every node, to a part of its largest component.
+// Expects the same stress at every node. The tolerance is relative to its largest component.
 void ExpectUniform(const SolidModel& model, const Solved& solved, const Tensor& stress,
                    double tolerance)
 {
@@ -74,7 +74,7 @@ void ExpectSameDisplacements(const SolidModel& model, const Solved& a, const Sol
     ExpectValues(b.Displacement(node), a.Displacement(node), tolerance, scale);
 }
 
-// A bar along x on rollers, pulled at its end: stress 10 along x.
+// A bar along x on rollers under tension: the stress along x is 10.
 SolidModel PulledBar(int nnode)
 {
   SolidModel model = SolidBlock({2, 1, 1}, {3.0, 1.0, 0.5}, nnode);
@@ -102,8 +102,8 @@ SolidModel Cantilever(int nnode)
   return model;
 }
 
-// What is left of the hydrostatic stress -p in a body with curved faces under the pressure p:
-// the mean error of the nodes (root of the mean square), as a part of p.
+// The error of the hydrostatic stress -p in a body with curved faces under the pressure p: the root
+// mean square over the nodes, relative to p.
 double HydrostaticError(int cells)
 {
   SolidModel model = SolidBlock({cells, cells, cells}, {2.0, 2.0, 2.0}, 10);
@@ -168,7 +168,7 @@ TEST_P(SolidModels, PatchUnderFaceLoads)
   ExpectBalanced(model, solved);
 }
 
-// The same bar turned in space, held at single points.
+// The same bar rotated in space and supported at single points.
 TEST_P(SolidModels, PatchUnderFaceLoadsTurned)
 {
   SolidModel model = PulledBar(GetParam());
@@ -177,7 +177,7 @@ TEST_P(SolidModels, PatchUnderFaceLoadsTurned)
   for (const bool far : {true, false})
     model.LoadSides("local_pressure_loads", {0, 0, 10},
                     [far](const Vector3& p) { return far ? p[0] > 2.999 : p[0] < 0.001; });
-  // Where the exact displacements of the bar are known they are prescribed: no forces come of it.
+  // The supports have the exact displacements of the bar, so that they cause no forces.
   const auto field = [](const Vector3& x) { return Rotated(PulledField(x)); };
   const Vector3 points[] = {{0, 0, 0}, {3, 0, 0}, {0, 1, 0}};
   std::vector<Vector3> exact;
@@ -206,7 +206,7 @@ TEST(SolidsWithCurvedEdges, HydrostaticPressureConverges)
   EXPECT_LT(fine, coarse / 3.5);
 }
 
-// Bending and torsion have displacements of second degree, which ten nodes hold exactly.
+// Bending and torsion have quadratic displacements, which ten nodes represent exactly.
 TEST(SolidsWithTenNodes, BendingAndTorsionAreExact)
 {
   SolidModel model = Distorted(10);
@@ -242,7 +242,7 @@ TEST_P(SolidModels, WeightAndForceAreCarried)
   EXPECT_NEAR(sum[2], 0.3 + 0.04, 1e-6);
 }
 
-// A column on its foot: displacement γ(Hz - z²/2)/E without lateral strain.
+// A column under its weight: the displacement is γ(Hz - z²/2)/E without lateral strain.
 TEST(SolidsWithTenNodes, ColumnUnderItsWeight)
 {
   SolidModel model = SolidBlock({1, 1, 3}, {1.0, 1.0, 3.0}, 10);
@@ -297,8 +297,8 @@ TEST_P(SolidModels, SparseAndSkylineAgree)
     ExpectValues(sparse.Reaction(node), skyline.Reaction(node), 1e-6, 1.0);
 }
 
-// A block given in N and mm, with its support and load records in the same or in N and m: the
-// results, in N and m, are those of the block in N and m. No component is a rotation.
+// A block in N and mm, with support and load records in these units or in N and m. The results in N
+// and m are those of the block in N and m. No component is a rotation.
 TEST_P(SolidModels, UnitsOfEveryComponent)
 {
   const std::string units = "units_names\nN_mm N mm MPa 1 0.001\nN_m N m Pa 1 1\nend\n";
@@ -360,8 +360,8 @@ TEST_P(SolidModels, SpringsHoldEveryComponent)
   ExpectValues(solved.Reaction(2), {-2.5, -2.5, -4.0}, 1e-6);
 }
 
-// The pulled bar turned about z by 30 degrees, its rollers by their angles (a positive angle
-// turns them clockwise).
+// The bar under tension, rotated about z by 30 degrees, with rollers rotated by their angles (a
+// positive angle is clockwise).
 TEST_P(SolidModels, SupportAxesTurnedAboutZ)
 {
   constexpr double angle = std::numbers::pi / 6.0;
@@ -409,7 +409,7 @@ TEST_P(SolidModels, FaultyModelsAreRefused)
   const SolidModel good = PulledBar(GetParam());
   SolidModel turned = good;
   std::swap(turned.elements[3][0], turned.elements[3][1]);
-  if (GetParam() == 10) {  // the middles that go with them
+  if (GetParam() == 10) {  // the mid-side nodes of these corners
     std::swap(turned.elements[3][MiddleOf(0, 2)], turned.elements[3][MiddleOf(1, 2)]);
     std::swap(turned.elements[3][MiddleOf(0, 3)], turned.elements[3][MiddleOf(1, 3)]);
   }

@@ -1,4 +1,4 @@
-// One solid tetrahedron of four or ten nodes, and how its blocks reach the matrix.
+// One solid tetrahedron of four or ten nodes, and the assembly of its blocks.
 
 #include "assembly/solid.h"
 
@@ -98,8 +98,8 @@ Doubles LinearField(const SolidModel& model)
   return AtNodes(model, [](const Vector3& x) { return GradientTimes(kGradient, x); });
 }
 
-// What a constant stress needs at the nodes: its tractions on the faces, a third to each corner,
-// or with ten nodes a third to each middle of an edge.
+// The nodal forces of a constant stress: each corner of a face gets a third of the traction, or
+// with ten nodes each mid-side node of the face.
 Doubles ForcesOfStress(const SolidModel& model, const Tensor& s)
 {
   Doubles forces(3 * model.nodes.size(), 0.0);
@@ -134,7 +134,7 @@ SolidModel Flat(int nnode)
   return OneSolid({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}}, nnode);
 }
 
-// A matrix that only keeps the places where blocks are added.
+// A matrix that only records the places at which blocks are added.
 class BlockLog : public BSolver
 {
 public:
@@ -240,7 +240,8 @@ TEST_P(Solid, ConstantStressNeedsItsTractions)
   }
 }
 
-// The energy of a linear field, and its force on each corner with the shares of the middles.
+// The energy of a linear field, and its forces on the corners including the shares of the mid-side
+// nodes.
 TEST(SolidBlocks, TenNodesWithStraightEdgesAreTheFourForLinearFields)
 {
   const SolidModel four = OneSolid(kCorners, 4);
@@ -297,7 +298,7 @@ TEST_P(Solid, OfAnySizeIsAccepted)
     OneElement element(UnitSolid(GetParam()).Map([size](const Vector3& x) { return size * x; }));
 }
 
-// The corners are in a plane but for the rounding of their coordinates, in whatever unit.
+// In any unit, the corners are in a plane up to the rounding of their coordinates.
 TEST_P(Solid, FlatButForRoundingIsRefused)
 {
   for (const double size : {1e-9, 1.0, 1e9}) {
@@ -337,7 +338,7 @@ TEST_P(Solid, MaterialsThatDoNotFitAreRefused)
 TEST_P(Solid, EveryBlockGoesIntoTheMatrixOnce)
 {
   SolidModel model = OneSolid(kCorners, GetParam());
-  // Other numbers: the element's first node is the last of the file.
+  // With other numbers, the first node of the element is the last of the file.
   const int last = static_cast<int>(model.nodes.size());
   for (int& node : model.elements[0])
     node = last + 1 - node;

@@ -1,5 +1,5 @@
-// What the estimate of the solvers' work is made of, against the matrices themselves, and what
-// follows from it.
+// The estimates of the solvers' work against the assembled matrices, and the choice of the solver
+// by them.
 
 #include "assembly/solver_choice.h"
 
@@ -62,8 +62,8 @@ std::string Calculated(Project& project)
   return MessagesOf([&](std::FILE* info) { project.Calc(1, info); });
 }
 
-/// A bar of 25,200 tetrahedra, clamped at one end and bent at the other. The iteration is expected
-/// to be the faster solver, and does not get there where the material is nearly incompressible.
+/// A bar of 25,200 tetrahedra, clamped at one end and bent at the other. The iteration is estimated
+/// to be faster, but does not converge when the material is nearly incompressible.
 std::string Bar(const std::string& nu, const std::string& settings = "")
 {
   SolidModel bar = SolidBlock({42, 10, 10}, {4.2, 1, 1}, 4);
@@ -120,7 +120,7 @@ TEST(SolverWork, NodesWithoutElementsHaveTheirOwnBlock)
   EXPECT_EQ(work.sparseEntries, 9.0 * (3 + 2 * 2 + 1));
 }
 
-TEST(FasterSolver, TakesTheOneWithLessWorkThatFits)
+TEST(FasterSolver, IsTheOneWithLessWorkThatFitsIntoMemory)
 {
   const SolverWork wide = {
       .profileEntries = 1e8, .operations = 1e12, .sparseEntries = 1e6, .iterations = 50};
@@ -146,7 +146,7 @@ TEST(Automatic, FallsBackToTheDirectSolverOnItsOwnNumbering)
   EXPECT_EQ(info.find("accepted tolerance"), std::string::npos);
   EXPECT_EQ(project->problem.solverSettings.type, SolverType::SkyLine);
   project->CalcStrengthsAndReactions(nullptr);
-  // The direct solution to the last bit.
+  // The results equal those of the direct solution bit by bit.
   const Solved direct(Bar(kStiff, "Solver SkyLine"));
   for (const auto [number, node] : EachNumbered<Node>(project->problem.GiveNodes())) {
     const std::vector<double> expected = direct.Displacement(number);
@@ -174,11 +174,11 @@ TEST(Automatic, TheIterationRunsOnTheNumbersOfTheFile)
   EXPECT_EQ(project->FindNode(4000)->number, 4000);
 }
 
-TEST(Automatic, WhatNeitherSolverCanDoIsRefusedWithTheReason)
+TEST(Automatic, ModelsThatNeitherSolverSolvesAreRefusedWithTheReason)
 {
   if (kSanitized)
     GTEST_SKIP() << "a sanitizer reserves memory far beyond the limits here";
-  // The profile of this bar takes 60 MB and more.
+  // The profile of this bar needs more than 60 MB.
   const TemporaryFolder folder;
   folder.Write("model.dat", Bar(kStiff));
   const RunResult run =
@@ -211,7 +211,8 @@ TEST(Automatic, SolvesDirectlyWhatHasTooManyNeighboursForTheIteration)
       << info;
 }
 
-// The soft frame has next to nothing of the energy and of the loads, but the largest displacements.
+// The soft frame has a negligible part of the energy and of the loads, but the largest
+// displacements.
 TEST(Automatic, IteratesUntilSoftPartsAreRightToo)
 {
   Structure s = Building(30, 30, 1, kClamped);

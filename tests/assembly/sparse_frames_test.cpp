@@ -1,5 +1,5 @@
-// Whole analyses with the sparse solver: against the skyline, against closed forms, and what
-// the user is told when the iteration ends well, badly or not at all.
+// Whole analyses with the sparse solver, against the skyline solver and closed forms. Messages of
+// iterations that converge, end early or fail.
 
 #include <gtest/gtest.h>
 
@@ -70,8 +70,8 @@ private:
   std::array<int, 3> sides;
 };
 
-// Columns and beams of a concrete building in kN and m, feet clamped, with floor loads and
-// wind. In the plane the second number of bays is 0 and the floors are along y.
+// Columns and beams of a concrete building with clamped feet, in kN and m, under floor loads and
+// wind. In the plane, the second number of bays is 0 and the columns are along y.
 Frame Building(int nx, int ny, int storeys, bool space = true)
 {
   Frame frame;
@@ -100,8 +100,7 @@ Frame Building(int nx, int ny, int storeys, bool space = true)
   return frame;
 }
 
-// A settled foot, one on springs, and a roller whose axes are turned and which is moved along
-// one of them.
+// A foot with a settlement, one on springs, and a skew roller with a prescribed displacement.
 Frame WithEverySupport(Frame frame)
 {
   Frame::Support& settled = frame.supports[0];
@@ -127,7 +126,7 @@ Frame WithoutLoads(Frame frame)
   return frame;
 }
 
-// The numbers of the three sections of the results, one after the other.
+// The numbers of the three sections of the results, in order.
 struct Sections
 {
   Doubles displacements;
@@ -178,7 +177,7 @@ std::vector<Case> Frames()
           {"space without loads", WithoutLoads(WithEverySupport(space))}};
 }
 
-// A plane chain of `count` beams of length 1 along x, whose nodes stand on springs.
+// A plane chain of `count` beams of length 1 along x, with springs at its nodes.
 Frame Chain(int count)
 {
   Frame frame;
@@ -225,7 +224,7 @@ std::vector<std::string> LinesOf(const std::string& text)
   return lines;
 }
 
-/// The place of the first line that begins so; the number of lines when none does.
+/// The place of the first line with this beginning; the number of lines when there is none.
 std::size_t FindLine(const std::vector<std::string>& lines, const std::string& beginning)
 {
   const auto found = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
@@ -241,7 +240,7 @@ std::string Escaped(const std::string& text)
   return std::regex_replace(text, special, "\\$&");
 }
 
-// The residual in a line that is otherwise known to the letter; -1 when it is not.
+// The residual in a line whose other text is known; -1 when the line differs.
 double ResidualIn(const std::string& line, const std::string& before, const std::string& behind)
 {
   if (!line.starts_with(before) || !line.ends_with(behind))
@@ -284,7 +283,7 @@ TEST(SparseFrames, AgreeWithTheSkyline)
 
 TEST(SparseFrames, NumbersOfTheFileAreKept)
 {
-  // Renumbering belongs to the skyline: the flag changes nothing, to the last digit.
+  // Only the skyline solver renumbers, so that the flag does not change a digit.
   const std::string problem = ProblemText(WithEverySupport(Building(3, 2, 2)), kTight);
   EXPECT_EQ(SectionsOf(Solved(problem, true)).displacements,
             SectionsOf(Solved(problem, false)).displacements);
@@ -292,8 +291,8 @@ TEST(SparseFrames, NumbersOfTheFileAreKept)
 
 TEST(SparseFrames, WriteTheSameFilesAsTheSkyline)
 {
-  // Six digits are written; zeros are noise of the iteration in one and of rounding in the
-  // other.
+  // Results have six digits. Values that should be 0 are errors of the iteration in one file and
+  // rounding errors in the other.
   const Closeness closeness = {.relative = 1.1e-5, .floor = 1e-6, .absolute = 1e-6};
   for (const Case& c : Frames()) {
     SCOPED_TRACE(c.name);
@@ -313,7 +312,8 @@ TEST(SparseFrames, WriteTheSameFilesAsTheSkyline)
 
 TEST(SparseFrames, SettlementsOfABeamFixedAtBothEnds)
 {
-  // Deflection and forces of the end conditions v and t at the right end, in closed form.
+  // Closed form of deflection and forces for the displacement v and the rotation t of the right
+  // end.
   constexpr int kBeams = 8;
   const double L = kBeams;
   const double EI = 600.0;
@@ -340,7 +340,7 @@ TEST(SparseFrames, SettlementsOfABeamFixedAtBothEnds)
 
 TEST(SparseFrames, SettlementsAsARigidMotion)
 {
-  // All feet turn together about the origin and move: the building follows without stress.
+  // All feet have the same rigid motion, which the building follows without stress.
   Frame frame = WithoutLoads(Building(2, 2, 3));
   const Vector3 move = {0.01, -0.02, 0.005};
   const Vector3 turn = {1e-3, -2e-3, 3e-3};
@@ -359,14 +359,14 @@ TEST(SparseFrames, SettlementsAsARigidMotion)
     const std::array<double, 6> expected = motion(frame.nodes[node - 1]);
     ExpectValues(solved.Displacement(node), {expected.begin(), expected.end()}, 1e-9, 0.02);
   }
-  // Against EA/L times a displacement, some 10000 kN.
+  // The tolerance is relative to EA/L times a displacement, about 10000 kN.
   for (const Frame::Support& support : frame.supports)
     ExpectValues(solved.Reaction(support.node), Doubles(6, 0.0), 1e-9, 1e4);
 }
 
-// Below 15000 equations the direct solver is taken without a question; a chain of more has so small
-// a profile that it stays.
-TEST(SparseFrames, AutomaticTakesTheDirectSolverForChains)
+// Models below 15000 equations are always solved directly. A longer chain is solved directly
+// because of its small profile.
+TEST(SparseFrames, AutomaticUsesTheDirectSolverForChains)
 {
   for (const int nodes : {4999, 5000}) {
     const auto project = ReadProject(ProblemText(Chain(nodes - 1)));
@@ -383,7 +383,7 @@ TEST(SparseFrames, AutomaticTakesTheDirectSolverForChains)
   }
 }
 
-// What the supports do has to pass through few storeys, while the profile is as wide as a floor.
+// The effect of the supports passes through few storeys, and the profile is as wide as a floor.
 TEST(SparseFrames, AutomaticIteratesForWideFrames)
 {
   const Frame frame = Building(49, 49, 1);  // 2500 nodes a floor
@@ -394,7 +394,8 @@ TEST(SparseFrames, AutomaticIteratesForWideFrames)
   EXPECT_NE(info.find("Sparse matrix storage with Conjugate gradients\n"
                       "Degrees of freedom= 30000\n"),
             std::string::npos);
-  // Without a solver line the iteration aims at 1e-5, and goes on until the error is small.
+  // Without a solver line the tolerance is 1e-5, and the iteration continues until the error is
+  // small.
   const std::vector<std::string> lines =
       LinesOf(Between(info, "Just before Solver\n", "Solver finished\n"));
   ASSERT_GE(lines.size(), 3u);
@@ -428,7 +429,7 @@ TEST(SparseFrames, SpaceFrameOf20000Equations)
 
 TEST(SparseFrames, InformationFileToTheLetter)
 {
-  // Of a chain the incomplete factors are exact, and one iteration is enough. Its three nodes
+  // The incomplete factors of a chain are exact, so that one iteration is enough. Its three nodes
   // have 2 + 3 + 2 blocks of 9 positions.
   const std::string info = InfoOf(ProblemText(Chain(2), "Solver Sparse 1e-8 0.1 100"), 0);
   const std::string before =
@@ -447,15 +448,15 @@ TEST(SparseFrames, InformationFileToTheLetter)
   ASSERT_TRUE(std::regex_match(untilTime, numbers, expected)) << info;
   EXPECT_LE(std::stod(numbers[1]), 1e-8);
   EXPECT_LE(std::stod(numbers[2]), std::stod(numbers[3]));
-  // The residual is rounding, so that the error is not larger than this.
+  // The residual is a rounding error, so that the error is at most this.
   EXPECT_LE(std::stod(numbers[4]), 1e-12);
   EXPECT_LE(std::stod(numbers[5]), 1e-12);
 }
 
 TEST(SparseFrames, MemoryInTheInformationFile)
 {
-  // 25 by 21 nodes: each has a block for itself and two for each of its beams. 12 bytes a
-  // position, 4 a row.
+  // 25 by 21 nodes. Each has a diagonal block, and each beam adds two blocks. A position needs 12
+  // bytes, a row 4.
   const Frame frame = Building(24, 0, 20, false);
   const int positions = 9 * static_cast<int>(frame.nodes.size() + 2 * frame.beams.size());
   const int rows = 3 * static_cast<int>(frame.nodes.size());
@@ -523,7 +524,7 @@ TEST(SparseFrames, ResidualBelowTheSecondToleranceIsAccepted)
       << lines[3];
   EXPECT_TRUE(lines[4].starts_with("Estimated relative error of the displacements= ")) << lines[4];
   const double accepted = ResidualIn(lines[2], "After 12 Iterations, accepted tolerance of ", "");
-  // The residual itself: what the displacements leave of the loads on the free nodes.
+  // The residual: the loads on the free nodes less the forces of the displacements.
   double residual = 0.0;
   double loads = 0.0;
   for (const Frame::NodalLoad& load : frame.loads) {
@@ -541,7 +542,7 @@ TEST(SparseFrames, ResidualBelowTheSecondToleranceIsAccepted)
 
 TEST(SparseFrames, ExactlySingularModelsBreakDown)
 {
-  // One beam of whole numbers: elimination is exact and meets a pivot of 0.
+  // The numbers of this beam are integers, so that elimination is exact and a pivot is 0.
   const std::string settings = "Solver Sparse 1e-6 1e-6 100";
   const ProblemParts plane = {
       .settings = settings, .materials = "1 E 1 A 1 Iz 1", .constraints = "", .loads = "2 1 1 0"};
@@ -576,8 +577,8 @@ TEST(SparseFrames, ExactlySingularModelsBreakDown)
 
 TEST(SparseFrames, ModelsFreeToMoveAreRefused)
 {
-  // With rounding the factors may exist; the loads are not in equilibrium, so that no
-  // displacements can carry them.
+  // The factors may exist because of rounding. The loads are not in equilibrium, so that no
+  // displacements can balance them.
   Frame unsupported = Building(3, 2, 3);
   unsupported.supports.clear();
   Frame turning = Building(4, 0, 4, false);
@@ -591,8 +592,7 @@ TEST(SparseFrames, ModelsFreeToMoveAreRefused)
         EXPECT_TRUE(message.starts_with(noSupports)) << message;
         message.erase(0, noSupports.size());
       }
-      // It may end before the limit: when it has started again three times, or the probe has
-      // failed.
+      // The iteration may end before the limit: after three restarts, or when the probe has failed.
       const std::regex stopped(
           "error when solving system\\. Stopped after ([0-9]+) iterations\\.Probably boundary "
           "conditions are not correct\n");

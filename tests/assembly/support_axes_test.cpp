@@ -19,7 +19,7 @@ namespace {
 // Support axes of angle a in the plane: x = (cos a, -sin a), y = (sin a, cos a).
 constexpr double kAngle = 0.3;
 
-// Nodes 1 to 3 of a plane frame; node 2 has support axes, node 3 a support without.
+// Nodes 1 to 3 of a plane frame. The support of node 2 has local axes, that of node 3 has none.
 std::unique_ptr<Project> ThreeNodes()
 {
   return ReadProject(ProblemParts()

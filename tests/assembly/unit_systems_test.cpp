@@ -1,6 +1,6 @@
-// The same structure in several systems of units: no result may depend on the system. The
-// numbers of a file in km and MN are up to 1e36 times smaller than those of the file in mm
-// and N, so that a limit on a number with a unit shows.
+// The same structure in several systems of units. The results must not depend on the system. The
+// numbers of a file in km and MN are up to 1e36 times smaller than those in mm and N, so that a
+// limit on a number with a unit would change the results.
 
 #include <gtest/gtest.h>
 
@@ -35,8 +35,8 @@ struct UnitSystem
 };
 
 constexpr UnitSystem kSI = {"N-m", 1.0, 1.0};
-// The last one has the numbers of a structure a thousand times smaller, whose moduli are the
-// same, in N and km: beams of some millimetres have lengths of 1e-6.
+// The last system has the numbers of a structure that is a thousand times smaller and has the same
+// moduli, in N and km: beams of a few millimetres have lengths of 1e-6.
 constexpr UnitSystem kSystems[] = {
     {"N-mm", 1.0, 1e-3},  {"kN-m", 1e3, 1.0},   {"kN-cm", 1e3, 1e-2},
     {"MN-km", 1e6, 1e3},  {"kN-km", 1e3, 1e3},  {"uN-um", 1e-6, 1e-6},
@@ -60,7 +60,7 @@ std::string InUnits(const std::string& text, const UnitSystem& units)
   return converted + text.substr(begin);
 }
 
-// The lines by which a file in N and m is computed in this system.
+// The lines of a file in N and m that select this system for the computation.
 std::string ResultsIn(const UnitSystem& units)
 {
   return "units_names\nN-m N m Pa 1 1\nother F L P " + Digits(units.force) + " " +
@@ -119,7 +119,7 @@ Quantities NodalResults(const Solved& solved, const std::vector<int>& supported)
   return components == 6 ? Quantities{places, turns, forces, moments} : Quantities{places, forces};
 }
 
-// A frame with columns, rafters and a bar. All sizes are in N and m.
+// A frame with columns, rafters and a bar, in N and m.
 std::string FrameText(const std::string& settings, const std::string& rest)
 {
   return "problem type 3d\n" + settings +
@@ -163,7 +163,7 @@ Quantities FrameResults(const std::string& text)
   return results;
 }
 
-// An angle of two plates with a clamped edge, of an orthotropic material. In N and m.
+// An angle of two orthotropic plates with a clamped edge, in N and m.
 ShellModel Angle(const std::string& settings)
 {
   ShellModel model = GridShell(6, 3, [](double u, double v) {
@@ -208,7 +208,7 @@ Quantities ShellResults(const std::string& text)
   return results;
 }
 
-// A block of 20 mm on rollers with a pressed face, a settlement and weight. In N and m.
+// A block of 20 mm on rollers with a loaded face, a settlement and weight, in N and m.
 SolidModel Block20(int nnode)
 {
   SolidModel model = SolidBlock({2, 1, 1}, {0.02, 0.01, 0.01}, nnode);
@@ -244,7 +244,7 @@ Quantities SolidResults(const std::string& text)
   return results;
 }
 
-// Condition numbers are below 1e6, so that rounding leaves some 1e-10 of the largest value.
+// Condition numbers are below 1e6, so that rounding errors are about 1e-10 of the largest value.
 constexpr double kTolerance = 1e-9;
 
 }  // namespace
@@ -265,8 +265,8 @@ TEST(UnitSystems, OfTheResultsAreTheSameToAFrame)
                kTolerance);
 }
 
-// What the iteration leaves of the residual depends on the units, in which forces and moments
-// are weighed.
+// The residual of the iteration depends on the units, which determine the weight of forces relative
+// to moments.
 TEST(UnitSystems, AreTheSameToAFrameByTheSparseSolver)
 {
   const Quantities expected = FrameResults(InUnits(FrameText("", kTorque), kSI));

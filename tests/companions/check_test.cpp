@@ -14,7 +14,7 @@ using Lines = std::vector<std::string>;
 
 namespace {
 
-// A plane cantilever without problems.
+// A plane cantilever for which the check finds nothing.
 constexpr const char* kBeam = R"(problem type: 2d
 mesh dimension = 2 elemtype Linear nnode = 2
 coordinates
@@ -58,7 +58,7 @@ constraints
 end constraints
 )";
 
-// A bar in space, held at both ends, but not against its spin.
+// A bar in space held at both ends, but free to rotate about its axis.
 constexpr const char* kBar = R"(problem type: 3d
 mesh dimension = 3 elemtype Linear nnode = 2
 coordinates
@@ -165,7 +165,7 @@ TEST(Check, ReportsAnUnknownKeywordOnceForItsBlock)
   EXPECT_EQ(Messages(text), Lines{"m:15:1: error: Unknown key name=constrants"});
 }
 
-TEST(Check, StopsWhereTheRestHasNoMeaning)
+TEST(Check, StopsAtErrorsThatMakeTheRestMeaningless)
 {
   EXPECT_EQ(Messages("problem type: 4d\nmesh\n"),
             Lines{"m:1:1: error: Type of problem unknown. Only 2d and 3d"});
@@ -329,7 +329,7 @@ TEST(Check, ReportsEveryMissingValueOfASection)
             Lines{"m:13:1: error: error in element 1 nu is 0.5"});
 }
 
-TEST(Check, GivesThePairThatPassesTheSymmetryTest)
+TEST(Check, ProposesRatiosThatPassTheSymmetryTest)
 {
   EXPECT_EQ(Messages(With(kPlate, "E=1e6 nu=0.25", "Ex=1e6 Ey=5e5 nuXY=0.25 nuYX=0.25")),
             Lines{"m:14:1: error: error in element 1 Ex*nuXY must be equal to Ey*nuYX: nuXY=0.25 "
@@ -337,7 +337,7 @@ TEST(Check, GivesThePairThatPassesTheSymmetryTest)
   EXPECT_EQ(Messages(With(kPlate, "E=1e6 nu=0.25", "Ex=1e6 Ey=5e5 nuXY=0.25 nuYX=0.5")), Lines{});
 }
 
-TEST(Check, AcceptsRatiosThatAreSymmetricButForRounding)
+TEST(Check, AcceptsRatiosThatAreSymmetricUpToRounding)
 {
   EXPECT_EQ(Messages(With(kPlate, "E=1e6 nu=0.25", "Ex=1.1e7 Ey=3e6 nuXY=0.3 nuYX=1.1")), Lines{});
   EXPECT_EQ(
@@ -367,7 +367,7 @@ TEST(Check, NamesTheMotionThatNothingHolds)
           "node 3 moves most"});
   expect(kBeam, "1 111 0 0 0", "1 112 0 0 5", {});
   expect(kBeam, "1 111 0 0 0", "1 110 0 0 0\n3 010 0 0 0", {});
-  // A roller turned by a right angle holds what the pin holds already.
+  // A roller turned by a right angle holds the same direction as the pin.
   expect(kBeam, "1 111 0 0 0",
          "1 110 0 0 0\n3 010 0 0 0 Euler1=0 Euler2=0 Euler3=1.5707963267948966",
          {"m:6:1: error: the supports let the model turn about the axis along Z through (0, 0, 0): "
@@ -381,7 +381,7 @@ TEST(Check, NamesTheMotionThatNothingHolds)
           "(0.25, 0, 0): node 3 moves most"});
 }
 
-TEST(Check, LeavesRotationsAtHingesFree)
+TEST(Check, AcceptsFreeRotationsAtHinges)
 {
   const Lines turning = {
       "m:6:1: error: the supports let the model turn about the axis along Z through (0, 0, 0): "
@@ -395,7 +395,7 @@ TEST(Check, LeavesRotationsAtHingesFree)
       Lines{});
 }
 
-TEST(Check, HoldsTheSpinOfBeamsAtHinges)
+TEST(Check, TorsionHoldsTheRotationOfBeamsBetweenHinges)
 {
   const std::string bar = kBar;
   EXPECT_EQ(Messages(bar + "rotules\n1 hinge\n2 hinge\nend\n"), Lines{});
@@ -403,7 +403,7 @@ TEST(Check, HoldsTheSpinOfBeamsAtHinges)
   EXPECT_EQ(Messages(bar),
             Lines{"m:4:1: error: the supports let the model turn about the axis along X through "
                   "(1.5, 0, 0): node 1 moves most"});
-  // Torsion alone does not hold a triangle of bars that turns about one of its sides.
+  // Torsion alone does not hold a triangle of bars against rotation about one of its sides.
   const std::string triangle = With(With(bar, "2 3 0 0\n", "2 3 0 0\n3 0 3 0\n"), "1 1 2 1\n",
                                     "1 1 2 1\n2 2 3 1\n3 1 3 1\n");
   EXPECT_EQ(Messages(triangle + "rotules\n1 hinge\n2 hinge\n3 hinge\nend\n"),
@@ -468,7 +468,7 @@ TEST(Check, WritesProblemsAsJson)
             json.npos);
 }
 
-TEST(Check, LeavesTheEndOfRunAsItWas)
+TEST(Check, RestoresTheEndOfTheErrorWriter)
 {
   const auto end = [](std::string_view) {};
   const ErrorWriter::EndOfRun before = errorwriter.SetEndOfRun(end);
@@ -477,7 +477,6 @@ TEST(Check, LeavesTheEndOfRunAsItWas)
   EXPECT_EQ(readObserver, nullptr);
 }
 
-// Glued to its value, a keyword is the same keyword.
 TEST(Check, FindsKeywordsThatAreGluedToTheirValues)
 {
   const std::string plate = With(kPlate, "t=0.1", "t=0.1 Weight=2");
@@ -486,8 +485,8 @@ TEST(Check, FindsKeywordsThatAreGluedToTheirValues)
             Lines{"m:2:1: error: Double solver not implemented for tetrahedras"});
 }
 
-// The consequences of a broken record are no problems: a node without its element, a model without
-// its support.
+// A broken element or support record leaves a node without its element or a model without its
+// support. The check reports the record only.
 TEST(Check, ReportsNoConsequencesOfErrors)
 {
   EXPECT_EQ(Messages(With(kBeam, "2 2 3 1\n", "2 2 99999999999 1\n")),

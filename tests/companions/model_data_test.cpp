@@ -70,7 +70,7 @@ end elem_rotules
 
 }  // namespace
 
-TEST(ModelData, NodesAndElementsByTheirPositions)
+TEST(ModelData, RefersToNodesAndElementsByPosition)
 {
   const Model m = Read(kMixed);
   ASSERT_EQ(m.nodes.size(), 4u);
@@ -91,7 +91,7 @@ TEST(ModelData, NodesAndElementsByTheirPositions)
   EXPECT_EQ(m.elements[2].hingeCode, 10);
 }
 
-TEST(ModelData, ResultPointsOfEachKindFollowEachOther)
+TEST(ModelData, NumbersTheResultPointsOfEachKindInSequence)
 {
   const Model m = Read(kMixed);
   EXPECT_EQ(m.beamPoints, 10);
@@ -101,7 +101,7 @@ TEST(ModelData, ResultPointsOfEachKindFollowEachOther)
   EXPECT_EQ(m.elements[2].points, 5);
 }
 
-TEST(ModelData, MaterialsIncludeThoseOfElements)
+TEST(ModelData, IncludesTheMaterialsOfSingleElements)
 {
   const Model m = Read(kMixed);
   ASSERT_EQ(m.materials.size(), 3u);
@@ -113,7 +113,7 @@ TEST(ModelData, MaterialsIncludeThoseOfElements)
   EXPECT_EQ(m.materials[m.elements[2].material].E1, 2e8);
 }
 
-TEST(ModelData, SupportsAndLoadsInTheUnitsOfTheResults)
+TEST(ModelData, HasSupportsAndLoadsInTheUnitsOfTheResults)
 {
   const Model m = Read(kMixed);
   ASSERT_EQ(m.supports.size(), 1u);
@@ -129,7 +129,7 @@ TEST(ModelData, SupportsAndLoadsInTheUnitsOfTheResults)
   EXPECT_NEAR(m.nodalLoads[0].values[4], 5e-6, 1e-15);
 }
 
-TEST(ModelData, LoadsOfElementsWithTheirKeywords)
+TEST(ModelData, HasElementLoadsWithTheirKeywords)
 {
   const Model m = Read(kMixed);
   ASSERT_EQ(m.elementLoads.size(), 3u);
@@ -142,7 +142,7 @@ TEST(ModelData, LoadsOfElementsWithTheirKeywords)
   EXPECT_EQ(m.elementLoads[2].face, -1);
 }
 
-TEST(ModelData, NamesOfUnits)
+TEST(ModelData, NamesTheUnitsOfTheResults)
 {
   const std::string names = "units_names\n a kN m kPa 1000 1\n b N m Pa 1 1\nend units_names\n";
   static const struct
@@ -164,7 +164,7 @@ TEST(ModelData, NamesOfUnits)
   }
 }
 
-TEST(ModelData, RefusesTheSameAsTheProgram)
+TEST(ModelData, RefusesTheFilesThatTheProgramRefuses)
 {
   ExpectFatal([] { Read("problem type: 1d"); }, "Type of problem unknown. Only 2d and 3d\n");
   ExpectFatal([] { model::ReadModel("/none.dat"); }, "can't open file /none.dat\n");

@@ -18,7 +18,7 @@ namespace morlen {
 
 namespace {
 
-/// A model and all that acts on it, read from the text of a problem file.
+/// A model and its loads, read from the text of a problem file.
 struct Loaded
 {
   explicit Loaded(std::string_view text) : problem(100)
@@ -36,8 +36,8 @@ struct Loaded
   AppliedLoads loads;
 };
 
-// A cantilever along X, 4 long, A = 0.1: weight 20·0.1 = 2 per length, 3 along x', 5 along -y'
-// per length, and at the tip 7, 8 and the moment 9.
+// A cantilever along X of length 4 with A = 0.1. Loads per length: weight 20·0.1 = 2 along -Y, 3
+// along x', 5 along -y'. Loads at the tip: 7, 8 and the moment 9.
 constexpr const char* kCantilever = R"(problem type: 2d
 GravityDirection 0 -1 0
 mesh dimension = 2 elemtype Linear nnode = 2
@@ -98,10 +98,10 @@ ReportContent ContentOf(const Loaded& loaded, const results::Results& results,
 
 }  // namespace
 
-TEST(AppliedLoads, OfABeamAreItsEquivalentNodalLoads)
+TEST(AppliedLoads, ContainTheEquivalentNodalLoadsOfABeam)
 {
   const Loaded loaded(kCantilever);
-  // Half of q L at each end, and q L² / 12 with q = -7 across.
+  // q L / 2 at each end, and q L² / 12 with q = -7 across the beam.
   ExpectVec(loaded.loads.nodes[0].force, {6.0, -14.0, 0.0});
   ExpectVec(loaded.loads.nodes[0].moment, {0.0, 0.0, -28.0 / 3.0});
   ExpectVec(loaded.loads.nodes[1].force, {13.0, -6.0, 0.0});
@@ -112,7 +112,7 @@ TEST(AppliedLoads, OfABeamAreItsEquivalentNodalLoads)
     ExpectVec(force, {});
 }
 
-TEST(AppliedLoads, OfAShellActAtItsNodes)
+TEST(AppliedLoads, OfAShellAreNodalLoads)
 {
   const Loaded loaded(R"(problem type: 3d
 mesh dimension = 3 elemtype Triangle nnode = 3
@@ -144,7 +144,7 @@ end global_pressure_loads
 TEST(Equilibrium, OfTheRightReactionsIsExact)
 {
   const Loaded loaded(kCantilever);
-  // The tip's moment about the foot: 8·4 + 9; of the load across: -7·4·2.
+  // Moments about the support: 8·4 + 9 of the tip loads, -7·4·2 of the load across the beam.
   const results::Results results =
       Reactions(loaded.model, {-19.0, 20.0, 0.0}, {0.0, 0.0, 56.0 - 32.0 - 9.0});
   const Equilibrium found = EquilibriumOf(loaded.model, loaded.loads.nodes, results);
@@ -167,7 +167,7 @@ TEST(Equilibrium, ResidualIsRelativeToTheSizesOfLoadsOrReactions)
   EXPECT_FALSE(found.IsBalanced());
 }
 
-TEST(Equilibrium, SeesAMomentThatIsMissing)
+TEST(Equilibrium, FindsAMissingMoment)
 {
   const Loaded loaded(kCantilever);
   const results::Results results = Reactions(loaded.model, {-19.0, 20.0, 0.0}, {});
@@ -200,7 +200,7 @@ TEST(Equilibrium, AdvisesByTheSolverAndTheDifference)
   EXPECT_EQ(AdviceOf(off, model, false), mechanism);
 }
 
-TEST(Equilibrium, OfNothingIsBalanced)
+TEST(Equilibrium, WithoutLoadsAndReactionsIsBalanced)
 {
   const Loaded loaded(kCantilever);
   const std::vector<Wrench> none(loaded.model.nodes.size());

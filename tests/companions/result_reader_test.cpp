@@ -81,7 +81,7 @@ end nodal_point_loads
 
 }  // namespace
 
-TEST(ResultReader, BeamByTheFormulasOfACantilever)
+TEST(ResultReader, ReadsTheValuesOfACantilever)
 {
   const Solved s = Solve(kCantilever, true);
   const double tip = 3.0 * 8.0 / (3.0 * 1000.0 * 0.25);  // PL³/(3EI)
@@ -102,7 +102,7 @@ TEST(ResultReader, BeamByTheFormulasOfACantilever)
   EXPECT_NEAR(s.results.beamEnds[0][1][0], 4.0, 1e-6);
 }
 
-TEST(ResultReader, FramesWithoutTextResultsHaveDisplacementsFromTheirBeams)
+TEST(ResultReader, FramesWithoutTextResultsGetDisplacementsFromTheirBeams)
 {
   const Solved s = Solve(kCantilever, false);
   EXPECT_NEAR(s.results.nodes[1].displacement[2], 0.032, 1e-6);
@@ -128,9 +128,9 @@ TEST(ResultReader, SolidsOfAPlaneHeaderHaveReactionsAlongZ)
   }
 }
 
-// With ν = 0 the only strains are ε_z = w and γ_xz = u of the tip, E = 1000 and G = 500; the
-// volume 1/6 and ∂N/∂z = 1 make the stresses 6 F.
-TEST(ResultReader, StressesOfOneTetrahedron)
+// With ν = 0 the only strains are ε_z = w and γ_xz = u of the tip; E = 1000, G = 500. The volume is
+// 1/6 and ∂N/∂z = 1, so the stresses are 6 F.
+TEST(ResultReader, ReadsTheStressesOfATetrahedron)
 {
   const Solved s = Solve(kSolid, false);
   ASSERT_TRUE(s.results.stresses);

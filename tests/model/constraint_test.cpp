@@ -29,7 +29,7 @@ Constraint Support(int n, const Flags& flags, const Components& values)
   return support;
 }
 
-// The support halfway between two others.
+// The support of a node in the middle between two supported nodes.
 std::unique_ptr<Constraint> Merge(int n, const Constraint& a, const Constraint& b)
 {
   return MergeTwoConstraints(n, &a, &b, 0.0);

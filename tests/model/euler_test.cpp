@@ -280,7 +280,7 @@ TEST(Euler, MeanOfEqualAnglesIsThatAngle)
 }
 
 // The mean of the directions 350° and 10° is 0°; the mean of the numbers would be 180°.
-TEST(Euler, MeanIsTakenOfTheAxes)
+TEST(Euler, MeanIsThatOfTheAxes)
 {
   const double degree = kPi / 180.0;
   const double a[3] = {0.0, 0.0, 350.0 * degree};
@@ -292,7 +292,7 @@ TEST(Euler, MeanIsTakenOfTheAxes)
   EXPECT_TRUE(AreEulerAnglesEqual(mean, d, 1e-7));
   MeanEulerAngles(a, b, c, mean);
   EXPECT_TRUE(AreEulerAnglesEqual(mean, b, 1e-7));
-  // The same turn by other angles, where z is vertical.
+  // e: the axes of b with other angles, which exist because z is vertical.
   const double e[3] = {20.0 * degree, 0.0, 350.0 * degree};
   MeanEulerAngles(b, e, mean);
   EXPECT_TRUE(AreEulerAnglesEqual(mean, b, 1e-7));
@@ -323,14 +323,15 @@ TEST(Euler, MeanOfOppositeAxesIsTheFirst)
   EXPECT_TRUE(AreEulerAnglesEqual(mean, a, 0.0));
 }
 
-// Up to 1 - cos = 1e-15, z is vertical and the third angle takes the whole turn.
+// Up to 1 - cos = 1e-15, z counts as vertical: the first angle is 0, the third the sum of the
+// turns.
 TEST(Euler, AnglesOfAFrameWithNearlyVerticalZ)
 {
   static const struct
   {
     double tilt;
     bool vertical;
-    double tolerance;  // a cosine that is 1 to 1e-16 leaves this of the two turns
+    double tolerance;  // of the two turns, from a cosine with an error of 1e-16
   } cases[] = {{1e-3, false, 1e-8}, {1e-7, false, 0.1}, {3e-8, true, 1e-7}};
   for (const auto& c : cases) {
     for (const bool down : {false, true}) {

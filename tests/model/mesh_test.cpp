@@ -348,7 +348,7 @@ TEST(Renumber, ALineOfNodesIsNumberedFromOneEnd)
   OwnedMesh mesh;
   mesh.Read(Block("Linear nnode 2", "1 3 0 0\n2 0 0 0\n3 4 0 0\n4 1 0 0\n5 2 0 0\n", ""));
   mesh.RenumberNodes();
-  // From the node at x = 0, the first of the two farthest from the centroid.
+  // The numbers start at the node at x = 0: of the two nodes farthest from the centroid, the first.
   static const int expected[] = {4, 1, 5, 2, 3};
   for (int old = 1; old <= 5; ++old) {
     EXPECT_EQ(mesh.NodeAt(old).number, expected[old - 1]);

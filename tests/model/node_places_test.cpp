@@ -27,7 +27,7 @@ TEST(NodePlaces, PiecesAreNullAndApart)
     EXPECT_EQ(three[i], nullptr);
 }
 
-// Far more than any chunk holds; a piece that is larger than a chunk gets one.
+// The pieces fill many chunks. A piece that is larger than a chunk gets a chunk for itself.
 TEST(NodePlaces, StayWhereTheyAreAsTheirNumberGrows)
 {
   constexpr int kPieces = 200000;
@@ -65,8 +65,8 @@ TEST(ElemPlaces, AnElementWithoutAMeshOwnsItsPlaces)
   EXPECT_EQ(Elem(0, nullptr, nullptr).Nnode(), 0);
 }
 
-// The mesh that held the places before may then be gone.
-TEST(ElemPlaces, AnElementTakesItsNodesToAnotherMesh)
+// The first mesh, which owned the places, is deleted after the change.
+TEST(ElemPlaces, AnElementKeepsItsNodesInAnotherMesh)
 {
   Node a(3), b(3);
   Mesh to(100, 100, 3, Linear, 2);
@@ -108,7 +108,7 @@ TEST(ElemPlaces, AreNoFewerThanTheNodesOfTheMesh)
     EXPECT_EQ(elem(i), nullptr);
 }
 
-// An element keeps no node that it had before a change to fewer nodes: the node may be gone.
+// After a change to fewer nodes an element drops the others, which may be deleted.
 TEST(ElemPlaces, SixThenThreeThenSixNodesLeaveThreeNullPlaces)
 {
   Node nodes[6] = {Node(3), Node(3), Node(3), Node(3), Node(3), Node(3)};

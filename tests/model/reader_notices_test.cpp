@@ -19,7 +19,7 @@ namespace {
 using Notices = std::vector<std::pair<ReadEvent, std::string>>;
 using Items = std::vector<std::pair<ReadItem, int>>;
 
-/// Keeps the places of the notices and the items stored; runs steps as they are.
+/// Records the places of the notices and the stored items; runs the steps unchanged.
 class Listener : public ReadObserver
 {
 public:

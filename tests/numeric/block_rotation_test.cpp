@@ -56,7 +56,7 @@ TEST(BlockRotation, TurnsRowsAndColumnsOfEveryTriple)
       const Matriu K = Block(rows, cols);
       const Matriu left = Frame(T, rows);
       const Matriu right = Frame(T, cols);
-      // The frame may be given whole: of it only the leading 3x3 is read.
+      // Both 3×3 and 6×6 frames are accepted: only the leading 3×3 block is read.
       for (const Matriu& given : {T, Frame(T, 6)}) {
         Matriu turned = K;
         TurnRows(given, Turn::ToGlobal, turned);

@@ -271,7 +271,7 @@ TEST(LULinSolve, StopsAtANegligiblePivot)
   const Matriu lu = MatriuOf(2, 2, {2, 0, 1, 9e-31});
   ReaVecV b = VectorOf<ReaVecV>({4, 1});
   EXPECT_EQ(LULinSolve(lu, b), 1);
-  EXPECT_EQ(Values(b), (Doubles{2, 1}));  // the first unknown was done already
+  EXPECT_EQ(Values(b), (Doubles{2, 1}));  // the first unknown is already solved for
   ReaVecV c = VectorOf<ReaVecV>({2e-30});
   EXPECT_EQ(LULinSolve(MatriuOf(1, 1, {-1e-30}), c), 0);
   EXPECT_DOUBLE_EQ(c(1), -2.0);

@@ -35,13 +35,13 @@ TEST(SplitVector, KeepsWhatADoubleLoses)
 
 TEST(SplitVector, ValueIsTheSumRounded)
 {
-  // Half of the last place is kept in the rest; with a quarter more the sum is rounded up.
+  // The rest keeps half a unit of the last place. With another quarter the value is rounded up.
   SplitVector v(Single(1.0));
   v.Add(Single(0x1p-53));
   v.Add(Single(0x1p-54));
   EXPECT_EQ(v.value(1), 1.0 + 0x1p-52);
   EXPECT_EQ(v.rest(1), -0x1p-54);
-  // The correction may be larger than the vector; the rest then loses its last digits.
+  // After a correction larger than the vector, the rest has fewer digits.
   v.Add(Single(0x1p60));
   EXPECT_EQ(v.value(1), 0x1p60);
   EXPECT_EQ(v.rest(1), 1.0 + 0x1p-52);

@@ -18,7 +18,7 @@ namespace {
 
 using Doubles = std::vector<double>;
 
-/// Tests that hold for both kinds of vectors.
+/// Tests for both kinds of vectors.
 template <class V>
 class BothVectors : public testing::Test
 {

@@ -142,7 +142,7 @@ TEST(VoidPlex, NullAtTheFirstNumberAdvancesIt)
   plex.set_at(4, nullptr);
   EXPECT_EQ(plex.First(), 37);
   EXPECT_EQ(plex.Last(), 90);
-  plex.set_at(2, nullptr);  // below the first and empty again at once
+  plex.set_at(2, nullptr);  // a null pointer below the first number changes nothing
   EXPECT_EQ(plex.First(), 37);
   plex.replace_at(37, nullptr);
   EXPECT_EQ(plex.First(), 90);
@@ -376,8 +376,8 @@ TEST(VoidPlex, ClearForgetsWhichNumbersWereTaken)
   EXPECT_EQ(Numbers(plex), (std::vector<int>{1, 2, 3, 4}));
 }
 
-// A container that has been emptied does as a new one does.
-TEST(VoidPlex, AfterClearEverythingBeginsAnew)
+// After clear, a container behaves like a new one.
+TEST(VoidPlex, ClearResetsEverything)
 {
   VoidPlex plex(10);
   for (int round = 0; round < 3; ++round) {

@@ -38,8 +38,8 @@ bool IsHinged(int code, int end)
   return (end == 0 ? code / 10 : code % 10) == 0;
 }
 
-// Derivatives of polynomials up to the fourth degree by differences, which are exact for
-// them: of the first, second and fourth order.
+// Derivatives of first, second and fourth order by finite differences. They are exact for
+// polynomials up to the fourth degree.
 constexpr double kStep = kL / 8;
 
 template <class F>
@@ -84,23 +84,22 @@ ProblemParts PlaneBeam(int code)
   return parts;
 }
 
-// The beam of a problem as its loads see it.
+// The only beam of a problem, with the values that its loads need.
 struct TestSpan
 {
   explicit TestSpan(const ProblemParts& parts)
-      : project(ReadProject(parts.Text())),
-        beam(MakeSpan(project->problem, *project->GiveElem(1), T))
+      : problem(ReadProblemText(parts.Text())), beam(MakeSpan(*problem, *problem->GiveElem(1), T))
   {
   }
 
-  std::unique_ptr<Project> project;
+  std::unique_ptr<Problem> problem;
   Matriu T;
   BeamSpan beam;
 };
 
 }  // namespace
 
-TEST(GiveLocalStrength, OfEveryHingeCode)
+TEST(GiveLocalStrength, HasTheClosedFormOfEachHingeCode)
 {
   static const struct
   {
@@ -125,7 +124,7 @@ TEST(GiveLocalStrength, OfEveryHingeCode)
   }
 }
 
-TEST(GiveLocalStrength, FollowsTheLoadAlongTheBeam)
+TEST(GiveLocalStrength, SatisfiesTheEquilibriumOfASlice)
 {
   for (const int code : kCodes) {
     SCOPED_TRACE(code);
@@ -154,7 +153,7 @@ TEST(GiveLocalStrength, RefusesOtherPartsAndCodes)
     ExpectFatal([&] { Strength(SpanPart(part), 1.0, 11); }, "error in GiveLocalStrength\n");
 }
 
-TEST(GiveLocalDisplacement, SolvesTheBeam)
+TEST(GiveLocalDisplacement, SatisfiesTheBeamEquationAndTheEndConditions)
 {
   for (const int code : kCodes) {
     SCOPED_TRACE(code);
@@ -176,7 +175,7 @@ TEST(GiveLocalDisplacement, SolvesTheBeam)
   }
 }
 
-TEST(GiveLocalDisplacement, OfEveryHingeCode)
+TEST(GiveLocalDisplacement, HasTheClosedFormOfEachHingeCode)
 {
   const double q = kQ / kEI;
   for (const double t : {0.0, 0.1, 0.5, 0.6, 1.0}) {
@@ -205,8 +204,8 @@ TEST(GiveLocalDisplacement, RefusesOtherPartsAndCodes)
                 "error in GiveLocalDisplacement\n");
 }
 
-// What the two nodes take adds up to the load, and to its moment about the first node.
-TEST(SpanLoad, SharesOfTheNodesAddUpToTheLoad)
+// The nodal loads have the resultant of the load and its moment about the first node.
+TEST(SpanLoad, NodalLoadsAreEquivalentToTheLoad)
 {
   const SpanLoad load{.q = {1.5, -2.0, 3.0, 0.7}};
   const double L = 5.0;
@@ -215,7 +214,7 @@ TEST(SpanLoad, SharesOfTheNodesAddUpToTheLoad)
     const TestSpan space(TiltedBeam(code));
     double a[6] = {};
     double b[6] = {};
-    load.AddToReactionsVecs(space.beam, a, b);  // the opposite of the shares
+    load.AddToReactionsVecs(space.beam, a, b);  // minus the nodal loads
     for (int k = 0; k < 4; ++k)
       EXPECT_NEAR(a[k] + b[k], -load.q[k] * L, 1e-13) << k;
     EXPECT_NEAR(a[4] + b[4] - L * b[2], load.q[2] * L * L / 2, 1e-12);
@@ -239,7 +238,7 @@ TEST(SpanLoad, SharesOfTheNodesAddUpToTheLoad)
   }
 }
 
-TEST(SpanLoad, FirstNodeTakesTheForcesOfTheFixedBeam)
+TEST(SpanLoad, EndReactionsAreTheInternalForcesAtTheEnds)
 {
   const double q[] = {1.5, -2.0, 3.0, 0.7};
   for (const int code : kCodes) {
@@ -262,9 +261,9 @@ TEST(SpanLoad, FirstNodeTakesTheForcesOfTheFixedBeam)
   }
 }
 
-TEST(SpanLoad, GoesToTheEquationsOfItsNodesInGlobalAxes)
+TEST(SpanLoad, AddsToTheEquationsOfItsNodesInGlobalAxes)
 {
-  // Clamped at both ends: half the load and ±qL²/12 on each node. y' = (-0.8, 0.6) here.
+  // Clamped at both ends: half the load and ±qL²/12 on each node. The beam has y' = (-0.8, 0.6).
   const TestSpan plane(PlaneBeam(11));
   ReaVecV loads(9);
   loads = 100.0;
@@ -277,7 +276,7 @@ TEST(SpanLoad, GoesToTheEquationsOfItsNodesInGlobalAxes)
   ReaVecV inSpace(12);
   inSpace = 0.0;
   SpanLoad{.q = {0, 0, 12, 2}}.AddToLoadVectorBeam(space.beam, 1, 7, inSpace);
-  const double My = 25;  // the load lifts the span: -qL²/12 about y' on the first node
+  const double My = 25;  // qL²/12; negative about y' on the first node
   const double Mx = 5;
   std::vector<double> expected;
   for (const double sign : {-1.0, 1.0}) {
@@ -312,7 +311,7 @@ TEST(SpanLoad, TemperatureActsAlongTheBeamOnly)
   }
 }
 
-TEST(SpanLoad, ShowsWhetherThereIsAny)
+TEST(SpanLoad, IsZeroWithoutForceAndStrain)
 {
   EXPECT_TRUE(SpanLoad{}.IsZero());
   EXPECT_FALSE((SpanLoad{.q = {0, 0, 0, 1}}).IsZero());

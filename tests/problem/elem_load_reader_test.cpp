@@ -1,5 +1,7 @@
 // The blocks of element loads in the problem file.
 
+#include "problem/elem_load_reader.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -7,6 +9,7 @@
 #include <vector>
 
 #include "base/textscan.h"
+#include "numeric/plex_range.h"
 #include "problem/elem_loads.h"
 #include "problem/pressure_load.h"
 #include "support/fatal.h"
@@ -30,21 +33,21 @@ ProblemParts ChainWith(const std::string& rest)
   return parts;
 }
 
-std::unique_ptr<Project> ReadWith(const std::string& rest)
+std::unique_ptr<Problem> ReadWith(const std::string& rest)
 {
-  return ReadProject(ChainWith(rest).Text());
+  return ReadProblemText(ChainWith(rest).Text());
 }
 
-const BaseElemLoads* FirstLoad(const Project& project, int elem)
+const BaseElemLoads* FirstLoad(const Problem& problem, int elem)
 {
-  return static_cast<BaseElemLoads*>(project.problem.elemLoads.At(elem));
+  return Find<BaseElemLoads>(problem.elemLoads, elem);
 }
 
-// The first values of the distributed loads on an element, in their order.
-std::vector<double> ChainOf(const Project& project, int elem)
+// The first value of each distributed load on an element, in the order of the chain.
+std::vector<double> ChainOf(const Problem& problem, int elem)
 {
   std::vector<double> values;
-  for (const BaseElemLoads* load = FirstLoad(project, elem); load; load = load->Next())
+  for (const BaseElemLoads* load = FirstLoad(problem, elem); load; load = load->Next())
     values.push_back(static_cast<const PreassureLT*>(load)->values[0]);
   return values;
 }
@@ -85,8 +88,8 @@ TEST(ElemLoads, DescribeTheirRecords)
   };
   for (const auto& c : cases) {
     const std::string name = c.keyword;
-    const auto project = ReadWith(name + "\n" + c.record + "\nend " + name + "\n");
-    const ElemLoadRecord record = FirstLoad(*project, 1)->Describe();
+    const auto problem = ReadWith(name + "\n" + c.record + "\nend " + name + "\n");
+    const ElemLoadRecord record = FirstLoad(*problem, 1)->Describe();
     EXPECT_EQ(record.keyword, name);
     EXPECT_EQ(record.values, c.values) << name;
     EXPECT_EQ(record.face, -1) << name;
@@ -105,38 +108,38 @@ TEST(ReadElemLoad, KnowsFiveBlocks)
                 {"LOCAL_Pressure_loads", PreassureLT_type::Local},
                 {"face_loads", PreassureLT_type::Face}};
   for (const auto& block : blocks) {
-    const auto project = ReadWith(Block(block.keyword, "5 1 2"));
-    EXPECT_EQ(static_cast<const PreassureLT*>(FirstLoad(*project, 5))->type, block.type);
-    EXPECT_EQ(ChainOf(*project, 5), (Doubles{1}));
-    EXPECT_EQ(FirstLoad(*project, 1), nullptr);
+    const auto problem = ReadWith(Block(block.keyword, "5 1 2"));
+    EXPECT_EQ(static_cast<const PreassureLT*>(FirstLoad(*problem, 5))->type, block.type);
+    EXPECT_EQ(ChainOf(*problem, 5), (Doubles{1}));
+    EXPECT_EQ(FirstLoad(*problem, 1), nullptr);
   }
-  const auto project = ReadWith(Block("Temperature_Loads", "5 1e-5 20"));
-  const auto* load = static_cast<const TemperatureLT*>(FirstLoad(*project, 5));
+  const auto problem = ReadWith(Block("Temperature_Loads", "5 1e-5 20"));
+  const auto* load = static_cast<const TemperatureLT*>(FirstLoad(*problem, 5));
   EXPECT_EQ(load->values[0] * load->values[1], 2e-4);
 }
 
-TEST(ReadElemLoad, LeavesOtherWordsAlone)
+TEST(ReadElemLoad, ReadsNothingAfterOtherWords)
 {
-  const auto project = ReadWith("");
+  const auto problem = ReadWith("");
   TextScan text("1 2 3\nend\n");
   for (const char* word : {"loads", "local_pressure_load", "local_pressure_loads:", ""}) {
-    EXPECT_EQ(project->ReadElemLoad(text, word), -1);
+    EXPECT_FALSE(ReadElemLoad(text, word, *problem));
     EXPECT_EQ(text.Where().column, 1);
   }
   ExpectRefused("local_pressure_loads= 1 2 3\nend\n", "Unknown key name=local_pressure_loads=\n");
   TextScan block("5 1 2\nend\nrest");
-  EXPECT_EQ(project->ReadElemLoad(block, "face_loads"), 0);
+  EXPECT_TRUE(ReadElemLoad(block, "face_loads", *problem));
   EXPECT_EQ(block.ReadWord(), "rest");
 }
 
 TEST(ReadElemLoad, LoadsOnOneElementFormAChain)
 {
-  const auto project =
+  const auto problem =
       ReadWith(Block("local_pressure_loads", "5 1 0\n1 2 0\n5 3 0") +
                Block("global_pressure_loads", "9 4 0\n5 5 0") + Block("face_loads", "5 6 0"));
-  EXPECT_EQ(ChainOf(*project, 5), (Doubles{1, 3, 5, 6}));
-  EXPECT_EQ(ChainOf(*project, 1), (Doubles{2}));
-  EXPECT_EQ(ChainOf(*project, 9), (Doubles{4}));
+  EXPECT_EQ(ChainOf(*problem, 5), (Doubles{1, 3, 5, 6}));
+  EXPECT_EQ(ChainOf(*problem, 1), (Doubles{2}));
+  EXPECT_EQ(ChainOf(*problem, 9), (Doubles{4}));
 }
 
 TEST(ReadElemLoad, EveryLoadOfAChainActs)
@@ -151,14 +154,14 @@ TEST(ReadElemLoad, EveryLoadOfAChainActs)
 
 TEST(ReadElemLoad, ABlockEndsAtTheFirstWordThatIsNoNumber)
 {
-  // Also a '#' is no comment here: the records behind it are not read.
-  const auto project = ReadWith(
+  // A '#' is such a word too, not a comment: the records after it are not read.
+  const auto problem = ReadWith(
       "local_pressure_loads\n5 1 0\n# 1 2 0\n1 3 0\nend of loads 9 9 9\n"
       "face_loads\nnothing 1 4 0\nend\n"
       "face_loads end\nNumOfDivisions 3\n");
-  EXPECT_EQ(ChainOf(*project, 5), (Doubles{1}));
-  EXPECT_EQ(FirstLoad(*project, 1), nullptr);
-  EXPECT_EQ(project->problem.numOfDivisions, 3);
+  EXPECT_EQ(ChainOf(*problem, 5), (Doubles{1}));
+  EXPECT_EQ(FirstLoad(*problem, 1), nullptr);
+  EXPECT_EQ(problem->numOfDivisions, 3);
   ExpectRefused("face_loads\n5 1 0\n", "can't find word ***end*** in input file\n");
 }
 
@@ -172,7 +175,7 @@ TEST(ReadElemLoad, UnknownElementsAreRefused)
   }
 }
 
-TEST(ReadElemLoad, MessagesOfTheProgram)
+TEST(ReadElemLoad, EveryMessageReachesTheUser)
 {
   ExpectRunRefused(ChainWith(Block("face_loads", "77 1 2")).Text(),
                    "error: trying to assign load to element number 77 and it does not exist\n");
@@ -196,7 +199,7 @@ TEST(ReadElemLoad, MessagesOfTheProgram)
       "error: Unknown elem type in PreassureLT::ReadYourLoad\n");
 }
 
-TEST(ReadElemLoad, TemperatureOnATriangleIsReadAndStopsTheLoadVector)
+TEST(ReadElemLoad, TemperatureOnATriangleIsReadAndRefusedByTheLoadVector)
 {
   const std::string problem =
       "problem type 3d\nmesh dimension 3 elemtype Triangle nnode 3 coordinates\n"
@@ -204,26 +207,26 @@ TEST(ReadElemLoad, TemperatureOnATriangleIsReadAndStopsTheLoadVector)
       "materials\n1 E 100 nu 0.25 G 40 Gxz 40 Gyz 40 t 0.1\nend\n"
       "constraints\n1 111111 0 0 0 0 0 0\nend\n" +
       Block("temperature_loads", "5 1e-5 20");
-  EXPECT_NE(FirstLoad(*ReadProject(problem), 5), nullptr);
+  EXPECT_NE(FirstLoad(*ReadProblemText(problem), 5), nullptr);
   ExpectRunRefused(problem, "temperature for triangles not implemented yet\n");
 }
 
 TEST(ReadElemLoad, ReadsLoadsOfShellsAndSolids)
 {
-  const auto shell = ReadProject(
+  const auto shell = ReadProblemText(
       "problem type 3d\nmesh dimension 3 elemtype Triangle nnode 3 coordinates\n"
       "1 0 0 0\n2 1 0 0\n3 0 1 0\nend\nelements\n5 1 2 3 1\nend\n" +
       Block("face_loads", "5 2 1 0 0\n5 7 0 0"));
   EXPECT_EQ(ChainOf(*shell, 5), (Doubles{1, 7}));
   EXPECT_EQ(static_cast<const PreassureLT*>(FirstLoad(*shell, 5))->face, 2);
-  const auto solid = ReadProject(
+  const auto solid = ReadProblemText(
       "problem type 3d\nmesh dimension 3 elemtype Tetrahedra nnode 4 coordinates\n"
       "1 0 0 0\n2 1 0 0\n3 0 1 0\n4 0 0 1\nend\nelements\n5 1 2 3 4 1\nend\n" +
       Block("global_pressure_loads", "5 -1 7 0 0"));
   EXPECT_EQ(ChainOf(*solid, 5), (Doubles{7}));
 }
 
-TEST(ReadElemLoad, AHundredThousandLoadsOnOneElement)
+TEST(ReadElemLoad, AHundredThousandLoadsOnOneElementAct)
 {
   std::string records;
   for (int i = 0; i < 100000; ++i)
@@ -232,7 +235,7 @@ TEST(ReadElemLoad, AHundredThousandLoadsOnOneElement)
   ExpectValues(solved.Reaction(1), {0, 100, 150}, 1e-9);
 }
 
-TEST(ReadElemLoad, LoadsOnHugeElementNumbersCostNothing)
+TEST(ReadElemLoad, AcceptsLoadsOnTheLargestElementNumber)
 {
   const auto parts = ProblemParts()
                          .With(&ProblemParts::elements, "2147483647 1 2 1")

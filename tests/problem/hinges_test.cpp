@@ -1,4 +1,6 @@
-// Hinges: the two blocks, the merged codes, the rotations that nothing holds.
+// Hinges: the two blocks, the merged codes, and the rotations that no element holds.
+
+#include "problem/hinges.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +12,7 @@
 
 #include "model/constraint.h"
 #include "model/node.h"
+#include "results/model_dump.h"
 #include "support/fatal.h"
 #include "support/frame.h"
 #include "support/loaded_beams.h"
@@ -23,7 +26,7 @@ namespace {
 using Doubles = std::vector<double>;
 using Ints = std::vector<int>;
 
-// Four nodes along x, two beams (1, 5) in one mesh and one (9) in another.
+// Four nodes along x, with the beams 1 and 5 in one mesh and the beam 9 in another.
 ProblemParts Chain(const std::string& rest)
 {
   ProblemParts parts;
@@ -43,26 +46,26 @@ ProblemParts SpaceChain(const std::string& rest)
   return parts;
 }
 
-std::unique_ptr<Project> Merged(const ProblemParts& parts)
+std::unique_ptr<Problem> Merged(const ProblemParts& parts)
 {
-  auto project = ReadProject(parts.Text());
-  project->CalcElemsRotules();
-  return project;
+  auto problem = ReadProblemText(parts.Text());
+  MergeHinges(*problem);
+  return problem;
 }
 
-Ints Codes(const Project& project)
+Ints Codes(const Problem& problem)
 {
-  return {project.problem.GiveHingeCode(1).Value(), project.problem.GiveHingeCode(5).Value(),
-          project.problem.GiveHingeCode(9).Value()};
+  return {problem.GiveHingeCode(1).Value(), problem.GiveHingeCode(5).Value(),
+          problem.GiveHingeCode(9).Value()};
 }
 
 // Flags of a node; empty without a support.
-Ints Flags(const Project& project, int node)
+Ints Flags(const Problem& problem, int node)
 {
-  const Constraint* support = project.FindNode(node)->constraint.get();
+  const Constraint* support = problem.FindNode(node)->constraint.get();
   if (!support)
     return {};
-  return {support->flags.begin(), support->flags.begin() + project.problem.components.count};
+  return {support->flags.begin(), support->flags.begin() + problem.components.count};
 }
 
 void ExpectRunRefused(const std::string& rest, const std::string& message)
@@ -77,12 +80,12 @@ void ExpectRunRefused(const std::string& rest, const std::string& message)
 
 TEST(Rotules, MarkNodes)
 {
-  const auto project =
-      ReadProject(Chain("rotules\n# a comment\n2 hinge\n\n: 4 1 2 3\nend of rotules 1 1\n").Text());
-  EXPECT_TRUE(project->problem.hasHinges);
+  const auto problem = ReadProblemText(
+      Chain("rotules\n# a comment\n2 hinge\n\n: 4 1 2 3\nend of rotules 1 1\n").Text());
+  EXPECT_TRUE(problem->hasHinges);
   for (int node = 1; node <= 4; ++node)
-    EXPECT_EQ(project->FindNode(node)->hasRotule, node % 2 == 0);
-  EXPECT_EQ(Codes(*project), (Ints{11, 11, 11}));  // until they are merged
+    EXPECT_EQ(problem->FindNode(node)->hasRotule, node % 2 == 0);
+  EXPECT_EQ(Codes(*problem), (Ints{11, 11, 11}));  // merged later
 }
 
 TEST(Rotules, WrongRecordsAreRefused)
@@ -96,27 +99,26 @@ TEST(Rotules, WrongRecordsAreRefused)
 
 TEST(ElemRotules, GiveCodes)
 {
-  const auto project = ReadProject(
+  const auto problem = ReadProblemText(
       Chain("elem_rotules\n# a comment\n1 10\n= 5 01\n9\t0 rest\nend elem_rotules\n").Text());
-  EXPECT_TRUE(project->problem.hasHinges);
-  EXPECT_EQ(Codes(*project), (Ints{10, 1, 0}));
-  EXPECT_EQ(project->problem.GiveHingeCode(7).Value(), 11);
+  EXPECT_TRUE(problem->hasHinges);
+  EXPECT_EQ(Codes(*problem), (Ints{10, 1, 0}));
+  EXPECT_EQ(problem->GiveHingeCode(7).Value(), 11);
   static const std::map<std::string, int> codes = {
       {"11", 11}, {"10", 10},   {"01", 1},   {"1", 1},  {"00", 0},    {"0", 0},
       {"+1", 1},  {"10.5", 10}, {"110", 11}, {"1x", 1}, {"   01", 1}, {"11 00", 11}};
   for (const auto& [text, code] : codes)
-    EXPECT_EQ(ReadProject(Chain(Block("elem_rotules", "5 " + text)).Text())
-                  ->problem.GiveHingeCode(5)
-                  .Value(),
-              code)
+    EXPECT_EQ(
+        ReadProblemText(Chain(Block("elem_rotules", "5 " + text)).Text())->GiveHingeCode(5).Value(),
+        code)
         << text;
 }
 
 TEST(ElemRotules, TheLastRecordOfAnElementCounts)
 {
-  const auto project = ReadProject(
+  const auto problem = ReadProblemText(
       Chain(Block("elem_rotules", "5 10\n5 01") + Block("elem_rotules", "1 0\n1 11")).Text());
-  EXPECT_EQ(Codes(*project), (Ints{11, 1, 11}));
+  EXPECT_EQ(Codes(*problem), (Ints{11, 1, 11}));
 }
 
 TEST(ElemRotules, WrongRecordsAreRefused)
@@ -134,19 +136,19 @@ TEST(ElemRotules, WrongRecordsAreRefused)
                      "error: hinge code of element 5 must be 11, 10, 01 or 00\n");
 }
 
-TEST(Hinges, AFileWithoutThemNeverMerges)
+TEST(Hinges, AFileWithoutHingesGetsNoSupports)
 {
   const auto project = ReadProject(Chain("").Text());
   EXPECT_FALSE(project->problem.hasHinges);
   project->Calc(0, nullptr);
-  EXPECT_EQ(Codes(*project), (Ints{11, 11, 11}));
+  EXPECT_EQ(Codes(project->problem), (Ints{11, 11, 11}));
   for (const int node : {2, 3, 4})
     EXPECT_FALSE(project->FindNode(node)->constraint);
-  EXPECT_FALSE(ReadProject(Chain("rotules\nend\nelem_rotules\nend\n").Text())->problem.hasHinges);
-  EXPECT_TRUE(ReadProject(Chain(Block("elem_rotules", "1 11")).Text())->problem.hasHinges);
+  EXPECT_FALSE(ReadProblemText(Chain("rotules\nend\nelem_rotules\nend\n").Text())->hasHinges);
+  EXPECT_TRUE(ReadProblemText(Chain(Block("elem_rotules", "1 11")).Text())->hasHinges);
 }
 
-TEST(Hinges, NodesHingeAllEndsOfTheirBeams)
+TEST(Hinges, AHingedNodeHingesAllBeamEndsAtIt)
 {
   static const struct
   {
@@ -172,7 +174,7 @@ TEST(Hinges, NodesHingeAllEndsOfTheirBeams)
   }
 }
 
-TEST(Hinges, RotationsThatNothingHoldsAreFixed)
+TEST(Hinges, RotationsThatNoElementHoldsAreFixed)
 {
   const auto space = Merged(SpaceChain(Block("rotules", "2 h")));
   EXPECT_EQ(Flags(*space, 2), (Ints{0, 0, 0, 1, 1, 1}));
@@ -186,66 +188,67 @@ TEST(Hinges, RotationsThatNothingHoldsAreFixed)
 TEST(Hinges, OneContinuousEndKeepsTheRotationsFree)
 {
   for (const char* code : {"1 10", "5 01"}) {
-    const auto project = Merged(Chain(Block("elem_rotules", code)));
-    EXPECT_EQ(Flags(*project, 2), Ints()) << code;
-    EXPECT_EQ(Flags(*project, 3), Ints()) << code;
+    const auto problem = Merged(Chain(Block("elem_rotules", code)));
+    EXPECT_EQ(Flags(*problem, 2), Ints()) << code;
+    EXPECT_EQ(Flags(*problem, 3), Ints()) << code;
   }
-  const auto project = Merged(SpaceChain(Block("elem_rotules", "1 10\n5 01")));
-  EXPECT_EQ(Flags(*project, 2), (Ints{0, 0, 0, 1, 1, 1}));
+  const auto problem = Merged(SpaceChain(Block("elem_rotules", "1 10\n5 01")));
+  EXPECT_EQ(Flags(*problem, 2), (Ints{0, 0, 0, 1, 1, 1}));
 }
 
-TEST(Hinges, SupportsKeepWhatTheyHold)
+TEST(Hinges, SupportsKeepTheirFlagsAndValues)
 {
-  // A settled support, a spring and a prescribed rotation, all at hinged nodes.
-  const auto project =
+  // A support with prescribed displacements, springs, and a support of one translation, all at
+  // hinged nodes.
+  const auto problem =
       Merged(SpaceChain(Block("rotules", "1 h\n2 h\n3 h"))
                  .With(&ProblemParts::constraints,
                        "1 110010 1 2 3 4 5 6\n2 222020 1 2 3 4 5 6\n3 001000 0 0 1 0 0 0"));
-  EXPECT_EQ(Flags(*project, 1), (Ints{1, 1, 0, 1, 1, 1}));
-  EXPECT_EQ(project->FindNode(1)->constraint->values, (std::array<double, 6>{1, 2, 0, 0, 5, 0}));
-  EXPECT_EQ(Flags(*project, 2), (Ints{2, 2, 2, 1, 2, 1}));
-  EXPECT_EQ(project->FindNode(2)->constraint->values, (std::array<double, 6>{1, 2, 3, 0, 5, 0}));
-  EXPECT_EQ(Flags(*project, 3), (Ints{0, 0, 1, 1, 1, 1}));
+  EXPECT_EQ(Flags(*problem, 1), (Ints{1, 1, 0, 1, 1, 1}));
+  EXPECT_EQ(problem->FindNode(1)->constraint->values, (std::array<double, 6>{1, 2, 0, 0, 5, 0}));
+  EXPECT_EQ(Flags(*problem, 2), (Ints{2, 2, 2, 1, 2, 1}));
+  EXPECT_EQ(problem->FindNode(2)->constraint->values, (std::array<double, 6>{1, 2, 3, 0, 5, 0}));
+  EXPECT_EQ(Flags(*problem, 3), (Ints{0, 0, 1, 1, 1, 1}));
 }
 
 TEST(Hinges, OtherElementsHoldTheRotations)
 {
-  const auto project = Merged(SpaceChain(
+  const auto problem = Merged(SpaceChain(
       "mesh dimension 3 elemtype Triangle nnode 3 coordinates\nend\nelements\n7 2 3 4 1\nend\n" +
       Block("rotules", "1 h\n2 h\n3 h")));
-  EXPECT_EQ(Flags(*project, 2), Ints());
-  EXPECT_EQ(Flags(*project, 3), Ints());
-  EXPECT_EQ(Flags(*project, 1), (Ints{1, 1, 1, 1, 1, 1}));
+  EXPECT_EQ(Flags(*problem, 2), Ints());
+  EXPECT_EQ(Flags(*problem, 3), Ints());
+  EXPECT_EQ(Flags(*problem, 1), (Ints{1, 1, 1, 1, 1, 1}));
 }
 
 TEST(Hinges, SolidsHaveNoRotationsToFix)
 {
-  const auto project = ReadProject(
+  const auto problem = ReadProblemText(
       "problem type 3d\nmesh dimension 3 elemtype Tetrahedra nnode 4 coordinates\n"
       "1 0 0 0\n2 1 0 0\n3 0 1 0\n4 0 0 1\n5 1 1 1\nend\nelements\n1 1 2 3 4 1\nend\n" +
       Block("rotules", "1 h\n5 h"));
-  project->CalcElemsRotules();
-  EXPECT_EQ(Flags(*project, 1), Ints());
-  EXPECT_EQ(Flags(*project, 5), Ints());
+  MergeHinges(*problem);
+  EXPECT_EQ(Flags(*problem, 1), Ints());
+  EXPECT_EQ(Flags(*problem, 5), Ints());
 }
 
 TEST(Hinges, AreListedInTheModel)
 {
-  const auto project = Merged(Chain(Block("rotules", "2 h\n4 h") + Block("elem_rotules", "9 00")));
+  const auto problem = Merged(Chain(Block("rotules", "2 h\n4 h") + Block("elem_rotules", "9 00")));
   const TemporaryFolder folder;
   {
     std::ofstream out(folder.Path() / "model.txt");
-    project->PrintTo(out);
+    PrintTo(*problem, out);
   }
   const std::string text = folder.Read("model.txt");
   EXPECT_NE(text.find("nodes with rotule:\n2\n4\nelements rotule:\nelm 1 code=10\nelm 5 code=1\n"
                       "elm 9 code=0\n"),
             std::string::npos)
       << text;
-  const auto plain = ReadProject(Chain("").Text());
+  const auto plain = ReadProblemText(Chain("").Text());
   {
     std::ofstream out(folder.Path() / "plain.txt");
-    plain->PrintTo(out);
+    PrintTo(*plain, out);
   }
   EXPECT_EQ(folder.Read("plain.txt").find("rotule"), std::string::npos);
 }

@@ -17,7 +17,7 @@ namespace morlen {
 
 namespace {
 
-// kN_mm: a force unit of 1000, a length unit of 0.001.
+// The system kN_mm has the force unit 1000 and the length unit 0.001.
 const char* const kUnits =
     "units_names\nSI N m Pa 1 1\nkN_mm kN mm GPa 1000 0.001\nend units_names\n";
 
@@ -27,37 +27,37 @@ std::vector<double> First(const std::array<double, Size>& values, int n)
   return {values.begin(), values.begin() + n};
 }
 
-// The support of node 1 of a plane or space problem with these records.
+// The support of node 1 after these records.
 struct ReadSupport
 {
   ReadSupport(const ProblemParts& parts, const std::string& records)
-      : project(ReadProject(parts.With(&ProblemParts::constraints, records).Text())),
-        support(*project->FindNode(1)->constraint)
+      : problem(ReadProblemText(parts.With(&ProblemParts::constraints, records).Text())),
+        support(*problem->FindNode(1)->constraint)
   {
   }
 
   std::vector<int> Flags() const
   {
-    return {support.flags.begin(), support.flags.begin() + project->problem.components.count};
+    return {support.flags.begin(), support.flags.begin() + problem->components.count};
   }
 
-  std::unique_ptr<Project> project;
+  std::unique_ptr<Problem> problem;
   const Constraint& support;
 };
 
 std::vector<double> ReadLoad(const ProblemParts& parts, const std::string& records)
 {
-  const auto project = ReadProject(parts.With(&ProblemParts::loads, records).Text());
-  const Node& node = *project->FindNode(1);
+  const auto problem = ReadProblemText(parts.With(&ProblemParts::loads, records).Text());
+  const Node& node = *problem->FindNode(1);
   EXPECT_TRUE(node.load);
-  return First(node.load->values, project->problem.components.count);
+  return First(node.load->values, problem->components.count);
 }
 
 void ExpectRefused(const ProblemParts& parts, std::string ProblemParts::*block,
                    const std::string& records, const std::string& message)
 {
   SCOPED_TRACE(records);
-  ExpectFatal([&] { ReadProject(parts.With(block, records).Text()); }, message);
+  ExpectFatal([&] { ReadProblemText(parts.With(block, records).Text()); }, message);
 }
 
 using Doubles = std::vector<double>;
@@ -65,33 +65,33 @@ using Ints = std::vector<int>;
 
 }  // namespace
 
-TEST(ConstraintRecords, FixAllComponentsOfANode)
+TEST(ConstraintRecords, FixTheComponentsOfTheirNodeOnly)
 {
-  const auto project = ReadProject(ProblemParts()
-                                       .With(&ProblemParts::coordinates,
-                                             "1 0 0\n2 1 0\n3 2 0\n4 3 0\n5 4 0\n6 5 0\n7 6 0\n"
-                                             "8 7 0\n9 8 0\n10 9 0\n11 10 0\n12 11 0")
-                                       .With(&ProblemParts::constraints, "12 111 0 0 0")
-                                       .Text());
-  const Constraint& support = *project->FindNode(12)->constraint;
+  const auto problem = ReadProblemText(ProblemParts()
+                                           .With(&ProblemParts::coordinates,
+                                                 "1 0 0\n2 1 0\n3 2 0\n4 3 0\n5 4 0\n6 5 0\n7 6 0\n"
+                                                 "8 7 0\n9 8 0\n10 9 0\n11 10 0\n12 11 0")
+                                           .With(&ProblemParts::constraints, "12 111 0 0 0")
+                                           .Text());
+  const Constraint& support = *problem->FindNode(12)->constraint;
   EXPECT_EQ(Ints(support.flags.begin(), support.flags.begin() + 3), (Ints{1, 1, 1}));
   EXPECT_EQ(First(support.values, 3), (Doubles{0, 0, 0}));
   EXPECT_FALSE(support.localAxes);
-  EXPECT_FALSE(project->FindNode(1)->constraint);
+  EXPECT_FALSE(problem->FindNode(1)->constraint);
 }
 
 TEST(ConstraintRecords, GiveFlagsAndValues)
 {
   const ReadSupport plane(ProblemParts(), "1 120 0.5 7 9");
   EXPECT_EQ(plane.Flags(), (Ints{1, 2, 0}));
-  EXPECT_EQ(First(plane.support.values, 3), (Doubles{0.5, 7, 0}));  // free components have none
+  EXPECT_EQ(First(plane.support.values, 3), (Doubles{0.5, 7, 0}));  // 0 where free
 
   const ReadSupport space(SpaceProblem(), "1 102012 1 2 3 4 5 6");
   EXPECT_EQ(space.Flags(), (Ints{1, 0, 2, 0, 1, 2}));
   EXPECT_EQ(First(space.support.values, 6), (Doubles{1, 0, 3, 0, 5, 6}));
 }
 
-TEST(ConstraintRecords, AllowForBlanksAndComments)
+TEST(ConstraintRecords, AcceptBlanksAndComments)
 {
   for (const char* records :
        {"1 110 0.5 7 9", " : = 1 1 1 0 0.5 7 9", "# comment\n\n1 110 .5 +7 9\r",
@@ -112,12 +112,12 @@ TEST(ConstraintRecords, UnitsConvertByComponentAndFlag)
 {
   const ProblemParts plane = ProblemParts().With(&ProblemParts::settings, kUnits);
   const ProblemParts space = SpaceProblem().With(&ProblemParts::settings, kUnits);
-  // Prescribed displacements are lengths, prescribed rotations have no unit.
+  // Prescribed displacements are lengths. Prescribed rotations have no unit.
   EXPECT_EQ(First(ReadSupport(plane, "1 010 0 0.003 0 units=kN_mm").support.values, 3),
             (Doubles{0, 0.003 * 0.001, 0}));
   EXPECT_EQ(First(ReadSupport(plane, "1 111 1 2 3 Units: kN_mm").support.values, 3),
             (Doubles{0.001, 2 * 0.001, 3}));
-  // Springs are forces by lengths, or moments.
+  // The stiffness of a spring is force/length for translations, and a moment for rotations.
   ExpectValues(First(ReadSupport(plane, "1 222 1 2 3 units kN_mm").support.values, 3),
                {1e6, 2e6, 3}, 1e-15);
   ExpectValues(First(ReadSupport(space, "1 222222 1 2 3 4 5 6 UNITSYSTEM=kN_mm").support.values, 6),
@@ -131,7 +131,7 @@ TEST(ConstraintRecords, UnitsDefaultToThoseOfMaterialsAndLoads)
   const ProblemParts plane = ProblemParts().With(
       &ProblemParts::settings, std::string(kUnits) + "units_mat_and_load kN_mm\n");
   ExpectValues(First(ReadSupport(plane, "1 122 1 2 3").support.values, 3), {1e-3, 2e6, 3}, 1e-15);
-  // The units of one record do not reach the next one.
+  // The units of one record do not apply to the next one.
   ExpectValues(First(ReadSupport(plane, "2 100 1 0 0 units=SI\n1 122 1 2 3").support.values, 3),
                {1e-3, 2e6, 3}, 1e-15);
   const ProblemParts results =
@@ -200,7 +200,7 @@ TEST(ConstraintRecords, BlockEndsAtAWordWithEnd)
             (Ints{1, 1, 1}));
   ExpectFatal(
       [] {
-        ReadProject(
+        ReadProblemText(
             "problem type 2d\nmesh dimension 2 elemtype Linear nnode 2 coordinates\n"
             "1 0 0\n2 1 0\nend\nelements\n1 1 2 1\nend\n"
             "constraints\n1 111 0 0 0\n");
@@ -208,7 +208,7 @@ TEST(ConstraintRecords, BlockEndsAtAWordWithEnd)
       "can't find word ***end*** in input file\n");
 }
 
-TEST(LoadRecords, GiveValuesThatAddUp)
+TEST(LoadRecords, OnOneNodeAddUp)
 {
   EXPECT_EQ(ReadLoad(ProblemParts(), "1 1 2 3"), (Doubles{1, 2, 3}));
   EXPECT_EQ(ReadLoad(ProblemParts(), "# comment\n= 1 1 2 3 other=9\n2 5 5 5\n:1 10 20 30"),
@@ -282,8 +282,9 @@ TEST(LoadRecords, ItemsAreChecked)
 
 TEST(LoadRecords, BlockMustEnd)
 {
-  ExpectFatal([] { ReadProject(ProblemParts().Text() + "nodal_point_loads\n1 0 0 0\nstop it\n"); },
-              "can't find word ***end*** in input file\n");
+  ExpectFatal(
+      [] { ReadProblemText(ProblemParts().Text() + "nodal_point_loads\n1 0 0 0\nstop it\n"); },
+      "can't find word ***end*** in input file\n");
 }
 
 }  // namespace morlen

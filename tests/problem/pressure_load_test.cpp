@@ -57,7 +57,7 @@ void ExpectRefused(PreassureLT_type type, PROBLEMTYPE problem, ElemType elemType
 const char* const kTooFew = "Not reading correctly preassure_loads. ElemNum=7\n";
 const char* const kWrongItem = "Not reading correctly the preassure_loads. ElemNum=7\n";
 
-// Results in N and m; records in kN and m, or in N and mm where they say so.
+// Results are in N and m, records in kN and m unless they name N_mm or N_m.
 Units KiloNewtons()
 {
   Units units;
@@ -68,15 +68,15 @@ Units KiloNewtons()
   return units;
 }
 
-// What a load is to the only beam of a problem: axial, along y', along z', torque.
+// A load on the only beam of a problem in the beam's axes: axial, along y', along z', torque.
 Doubles OnBeam(const ProblemParts& parts, PreassureLT_type type,
                const std::array<double, 4>& values)
 {
   PreassureLT load(type);
   std::copy(values.begin(), values.end(), load.values);
-  const auto project = ReadProject(parts.Text());
+  const auto problem = ReadProblemText(parts.Text());
   Matriu T;
-  const BeamSpan beam = MakeSpan(project->problem, *project->GiveElem(1), T);
+  const BeamSpan beam = MakeSpan(*problem, *problem->GiveElem(1), T);
   SpanLoad sum;
   load.AddToSpanLoad(beam, sum);
   EXPECT_EQ(sum.strain, 0.0);
@@ -97,7 +97,7 @@ ProblemParts TiltedBeam()
 
 }  // namespace
 
-TEST(PreassureLT, BeginsEmpty)
+TEST(PreassureLT, IsZeroAtFirst)
 {
   for (const PreassureLT_type type : kTypes) {
     const PreassureLT load(type);
@@ -112,7 +112,7 @@ TEST(PreassureLT, BeginsEmpty)
   EXPECT_EQ(static_cast<int>(Face), 3);
 }
 
-TEST(PreassureLT, NumbersOfARecordByProblemAndElement)
+TEST(PreassureLT, ReadsTheNumbersOfItsProblemTypeAndElementType)
 {
   static const struct
   {
@@ -176,7 +176,7 @@ TEST(PreassureLT, UnknownElementsAreRefused)
                   "error: Unknown elem type in PreassureLT::ReadYourLoad\n");
 }
 
-TEST(PreassureLT, ItemsBehindTheNumbers)
+TEST(PreassureLT, ReadsItemsAfterTheNumbers)
 {
   EXPECT_EQ(ReadRecord(Local, kPlane, Linear, " 1 2 name=roof x: 3 y 4").values,
             (Doubles{1, 2, 0, 0, 0, 0}));
@@ -191,7 +191,7 @@ TEST(PreassureLT, ItemsBehindTheNumbers)
                 "error: Unit name 'stone' has not been previously defined\n");
 }
 
-TEST(PreassureLT, EulerAnglesTurnTheValues)
+TEST(PreassureLT, EulerAnglesRotateTheValues)
 {
   static const Vector3 kAngles = {0.4, 1.1, -0.7};
   const auto axes = AxesOfAngles(kAngles);
@@ -204,17 +204,17 @@ TEST(PreassureLT, EulerAnglesTurnTheValues)
                  1e-15);
   ExpectValues(ReadRecord(Face, kSpace, Triangle, std::string("1 1 -2 3") + items).values, expected,
                1e-15);
-  // The torque of a local load stays.
+  // The torque of a local load is not rotated.
   expected[3] = 5;
   ExpectValues(ReadRecord(Local, kSpace, Linear, std::string(" 1 -2 3 5") + items).values, expected,
                1e-15);
-  // In the plane what leaves it is compared with the load.
+  // In a plane problem the z component is compared with the size of the load.
   ExpectRefused(Global, kPlane, Linear, " 3e-20 4e-20 Euler2=0.5",
                 "error: Local z axe must be (0,0,1) for 2D problems.Element:7\n");
   ExpectValues(
       ReadRecord(Global, kPlane, Linear, " 3e20 4e20 Euler2=" + Digits(std::numbers::pi)).values,
       {3e20, -4e20, 0, 0, 0, 0}, 1e-15);
-  // In the plane: clockwise by a quarter turn.
+  // In a plane problem: a quarter turn clockwise.
   ExpectValues(
       ReadRecord(Global, kPlane, Linear, " 3 4 Euler1=" + Digits(std::numbers::pi / 2)).values,
       {4, -3, 0, 0, 0, 0}, 1e-15);
@@ -224,12 +224,12 @@ TEST(PreassureLT, AnglesThatLeaveThePlaneAreRefused)
 {
   ExpectRefused(Global, kPlane, Linear, " 3 4 Euler2=0.5",
                 "error: Local z axe must be (0,0,1) for 2D problems.Element:7\n");
-  // Turned about the load's own direction nothing leaves the plane.
+  // A rotation about the direction of the load keeps it in the plane.
   ExpectValues(ReadRecord(Global, kPlane, Linear, " 3 0 Euler2=0.5").values, {3, 0, 0, 0, 0, 0},
                1e-15);
 }
 
-TEST(PreassureLT, UnitsByTheKindOfElement)
+TEST(PreassureLT, UnitFactorDependsOnTheElementType)
 {
   const Units units = KiloNewtons();
   static const struct
@@ -268,7 +268,7 @@ TEST(PreassureLT, WeightFollowsGravity)
   ExpectValues(ValuesOf(weight), {6, 0, -8, 0, 0, 0}, 1e-15);
   weight.EnterWeight(5.0, {0.6, -0.8, 0.0}, kPlane);
   ExpectValues(ValuesOf(weight), {3, -4, 0, 0, 0, 0}, 1e-15);
-  // Against z it is only left out.
+  // A component along -z is left out.
   weight.EnterWeight(5.0, {0.0, -0.8, -0.6}, kPlane);
   ExpectValues(ValuesOf(weight), {0, -4, 0, 0, 0, 0}, 1e-15);
   weight.EnterWeight(5.0, {0.0, -1.0, 1e-15}, kPlane);
@@ -281,13 +281,13 @@ TEST(PreassureLT, WeightFollowsGravity)
         "error: for 2D problems GravityDirection_Z must be 0.0\n");
 }
 
-TEST(PreassureLT, LocalValuesAreTakenAsTheyAre)
+TEST(PreassureLT, LocalValuesAreNotRotated)
 {
   ExpectValues(OnBeam(TiltedBeam(), Local, {1, -2, 3, 4}), {1, -2, 3, 4}, 1e-15);
   ExpectValues(OnBeam(PlaneBeam(), Local, {1, -2}), {1, -2, 0, 0}, 1e-15);
 }
 
-TEST(PreassureLT, GlobalValuesAreTurnedToTheBeam)
+TEST(PreassureLT, GlobalValuesAreRotatedToTheBeamAxes)
 {
   ExpectValues(OnBeam(TiltedBeam(), Global, {0, 0, -10}), {-6, 0, -8, 0}, 1e-14);
   ExpectValues(OnBeam(TiltedBeam(), Global, {5, 0, 0}), {2.4, -4, -1.8, 0}, 1e-14);
@@ -295,14 +295,14 @@ TEST(PreassureLT, GlobalValuesAreTurnedToTheBeam)
     ExpectValues(OnBeam(PlaneBeam(), type, {0, -10}), {-8, -6, 0, 0}, 1e-14);
 }
 
-TEST(PreassureLT, ProjectedValuesCountAcrossTheLoad)
+TEST(PreassureLT, ProjectedValuesActOnTheProjectedLength)
 {
-  // Of a beam of length 5 with a rise of 3, snow sees 4; of the plane one, with a rise of 4, 3.
+  // Both beams are 5 long. Their lengths in plan are 4 in space and 3 in the plane problem.
   ExpectValues(OnBeam(TiltedBeam(), GlobalProjected, {0, 0, -10}), {-4.8, 0, -6.4, 0}, 1e-14);
   ExpectValues(OnBeam(PlaneBeam(), GlobalProjected, {0, -10}), {-4.8, -3.6, 0, 0}, 1e-14);
-  // Wind along x sees 4.
+  // A load along x acts on the rise of 4.
   ExpectValues(OnBeam(PlaneBeam(), GlobalProjected, {10, 0}), {4.8, -6.4, 0, 0}, 1e-14);
-  // A load across the beam counts in full.
+  // A load at right angles to the beam acts on its whole length.
   ExpectValues(OnBeam(PlaneBeam(), GlobalProjected, {-8, 6}), {0, 10, 0, 0}, 1e-14);
 }
 
@@ -318,13 +318,13 @@ TEST(PreassureLT, ABeamAlongAProjectedLoadCarriesNone)
   EXPECT_EQ(OnBeam(upright, GlobalProjected, {0, 0, -10}), Doubles(4, 0.0));
 }
 
-TEST(PreassureLT, ASmallProjectedLoadIsProjected)
+TEST(PreassureLT, TinyProjectedLoadsAreProjectedToo)
 {
   ExpectValues(OnBeam(TiltedBeam(), GlobalProjected, {0, 0, -1e-20}), {-4.8e-21, 0, -6.4e-21, 0},
                1e-14);
 }
 
-TEST(PreassureLT, AProjectedLoadOfNothingIsNothing)
+TEST(PreassureLT, AProjectedLoadOfZeroIsZero)
 {
   EXPECT_EQ(OnBeam(PlaneBeam(), GlobalProjected, {0, 0}), Doubles(4, 0.0));
 }

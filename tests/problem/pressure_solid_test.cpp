@@ -1,9 +1,10 @@
-// Distributed loads on tetrahedra: what reaches their nodes.
+// Equivalent nodal loads of distributed loads on tetrahedra.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,7 @@ SolidModel Loaded(int nnode, const std::string& rest)
   return model;
 }
 
-// The area of a face as a vector outwards.
+// The outward area vector of a face.
 Vector3 OuterArea(const std::vector<Vector3>& corners, int face)
 {
   const Vector3& first = corners[face];
@@ -50,7 +51,7 @@ double Length(const Vector3& v)
   return std::sqrt(Dot(v, v));
 }
 
-// What a load is per unit of a surface with this normal, by the keyword of its block.
+// The load per area in global axes on a surface with this unit normal.
 Vector3 OnSurface(const std::string& keyword, const Vector3& v, const Vector3& normal)
 {
   if (keyword == "global_projected_pressure_loads")
@@ -63,7 +64,8 @@ Vector3 OnSurface(const std::string& keyword, const Vector3& v, const Vector3& n
   return v[0] * x + v[1] * Cross(normal, x) + v[2] * normal;
 }
 
-// A third on each corner of a flat face, or with ten nodes on each middle of its edges.
+// A third of the total on each corner of a flat face (four nodes), or on each middle of its edges
+// (ten nodes).
 std::vector<Vector3> OnFace(int nnode, int face, const Vector3& total)
 {
   std::vector<Vector3> forces(nnode);
@@ -104,7 +106,7 @@ class PressureSolid : public testing::TestWithParam<int>
 INSTANTIATE_TEST_SUITE_P(Nodes, PressureSolid, testing::Values(4, 10),
                          [](const auto& instance) { return std::to_string(instance.param); });
 
-TEST_P(PressureSolid, OfEveryTypeOnEveryFace)
+TEST_P(PressureSolid, LoadsOfEachTypeActOnEachFace)
 {
   for (const char* keyword : {"local_pressure_loads", "global_pressure_loads",
                               "global_projected_pressure_loads", "face_loads"}) {
@@ -134,8 +136,8 @@ TEST_P(PressureSolid, LocalZIsOutwards)
   }
 }
 
-// x is normal to the global Z axis; on a horizontal face to Y.
-TEST_P(PressureSolid, LocalXOfTheUnitSolid)
+// On horizontal faces local x is normal to the global Y axis, on others to Z.
+TEST_P(PressureSolid, LocalXIsHorizontal)
 {
   const double h = 3.5 / std::sqrt(2.0);
   const double slope = std::sqrt(3.0);
@@ -152,7 +154,7 @@ TEST_P(PressureSolid, LocalXOfTheUnitSolid)
   }
 }
 
-TEST_P(PressureSolid, ProjectedLoadInThePlaneOfAFaceIsNothing)
+TEST_P(PressureSolid, ProjectedLoadInThePlaneOfAFaceIsZero)
 {
   SolidModel model = UnitSolid(GetParam());
   model.rest = Record("global_projected_pressure_loads", 0, {3, 4, 0}) +
@@ -173,7 +175,7 @@ TEST_P(PressureSolid, OverTheVolumeIsGlobalWhateverItsType)
     const std::vector<Vector3> forces =
         ElementLoads(Loaded(GetParam(), Record(keyword, -1, kValues)));
     for (int i = 0; i < GetParam(); ++i) {
-      for (int k = 0; k < 3; ++k)  // the points of integration have seven digits
+      for (int k = 0; k < 3; ++k)  // the coordinates of the Gauss points have seven digits
         EXPECT_NEAR(forces[i][k], expected[i][k], 1e-6 * volume) << keyword << i;
     }
   }
@@ -190,8 +192,8 @@ TEST_P(PressureSolid, WeightIsALoadOverTheVolume)
   ExpectForces(weight, std::vector<Vector3>(GetParam()));
 }
 
-// Without a direction gravity is along +z, with a 2d header too: solids have three axes.
-TEST_P(PressureSolid, WeightDoesNotAskForTheHeader)
+// The default gravity is along +z. Solids accept it with a 2d header too: they have three axes.
+TEST_P(PressureSolid, WeightIsTheSameWithA2dHeader)
 {
   SolidModel weight = OneSolid(kCorners, GetParam());
   weight.material = "E 1 nu 0.3 Weight 4";
@@ -223,7 +225,7 @@ TEST_P(PressureSolid, SeveralLoadsAddUp)
   ExpectForces(Loaded(GetParam(), first + second), sum);
 }
 
-// A quarter turn about z: the axes of the record are turned by minus the angle.
+// A quarter turn about z: Euler angles rotate the axes of the record by minus the angle.
 TEST_P(PressureSolid, EulerAnglesTurnTheValues)
 {
   const std::string record = Record("face_loads", 1, {7, 0, 2}, "Euler1 1.5707963267948966");
@@ -231,8 +233,8 @@ TEST_P(PressureSolid, EulerAnglesTurnTheValues)
                ElementLoads(Loaded(GetParam(), Record("face_loads", 1, {0, -7, 2}))));
 }
 
-// Factor force/length², on faces as over the volume: 1 kN and 1 mm against N and m.
-TEST_P(PressureSolid, UnitsOfARecord)
+// The factor is force/length²: 1000 for kN in N, and 1e6 for 1/mm² in 1/m².
+TEST_P(PressureSolid, FaceLoadsConvertTheirUnits)
 {
   SolidModel model = Loaded(GetParam(), Record("face_loads", 1, kValues, "units kN_mm"));
   model.settings =
@@ -262,7 +264,7 @@ TEST_P(PressureSolid, ShortRecordsAreRefused)
 {
   for (const char* record : {"1", "1 0", "1 0 1 2", "1 x 1 2 3"}) {
     const SolidModel model = Loaded(GetParam(), "face_loads\n" + std::string(record) + "\nend\n");
-    ExpectFatal([&] { ReadProject(model.Text()); },
+    ExpectFatal([&] { ReadProblemText(model.Text()); },
                 "Not reading correctly preassure_loads. ElemNum=1\n");
   }
 }
@@ -270,12 +272,12 @@ TEST_P(PressureSolid, ShortRecordsAreRefused)
 TEST_P(PressureSolid, TemperatureEndsTheRun)
 {
   const SolidModel model = Loaded(GetParam(), "temperature_loads\n1 1e-5 20\nend\n");
-  ReadProject(model.Text());  // read without complaint
+  ReadProblemText(model.Text());  // accepted
   ExpectFatal([&] { ElementLoads(model); }, "temperature for 3D solids not implemented yet\n");
 }
 
-// With curved edges too: the rule is exact for the resultant of a constant pressure.
-TEST_P(PressureSolid, AllAroundABodyHasNoResultant)
+// Also with curved edges, since the rule integrates the resultant of a constant pressure exactly.
+TEST_P(PressureSolid, AConstantPressureAroundABodyHasNoResultant)
 {
   SolidModel model = Bulged(GetParam());
   model.LoadSides("local_pressure_loads", {0, 0, -3}, [](const Vector3&) { return true; });
@@ -288,20 +290,19 @@ TEST_P(PressureSolid, AllAroundABodyHasNoResultant)
   EXPECT_LT(Length(sum.force), 1e-13);
 }
 
-// By the theorem of Gauss the moment about any point is zero as well; curved faces get as
-// near to it as the rule of points.
-TEST(PressureOnSolids, MomentOfAPressureAroundABody)
+// By the divergence theorem the moment is zero too. Flat faces only: on curved faces the rule does
+// not integrate the moment exactly.
+TEST(PressureOnSolids, AConstantPressureAroundABodyHasNoMoment)
 {
   SolidModel flat = Bulged(4);
   flat.LoadSides("local_pressure_loads", {0, 0, -3}, [](const Vector3&) { return true; });
   EXPECT_LT(Length(ResultantOf(flat, ElementLoads(flat)).moment), 1e-12);
 }
 
-// A hemisphere's wall: what is projected across the load is a circle.
-TEST(PressureOnSolids, ProjectedOnACurvedFace)
+TEST(PressureOnSolids, AProjectedLoadActsOnTheProjectionOfACurvedFace)
 {
-  // The unit solid with the corners of face 1 and the middles of its edges on the sphere:
-  // an octant. Its shadow along z is a quarter of the unit circle.
+  // Face 1 of the unit solid with the middles of its edges on the unit sphere: nearly an octant of
+  // it, whose projection along z is a quarter of the unit circle.
   SolidModel model = UnitSolid(10);
   const double h = std::sqrt(0.5);
   model.nodes[model.elements[0][5] - 1] = {h, h, 0};
@@ -309,24 +310,24 @@ TEST(PressureOnSolids, ProjectedOnACurvedFace)
   model.nodes[model.elements[0][9] - 1] = {0, h, h};
   model.rest = Record("global_projected_pressure_loads", 1, {0, 0, -2});
   const Resultant sum = ResultantOf(model, ElementLoads(model));
-  // The shadow of the parabolic edges: the triangle and 2/3 of the height times the chord.
-  const double shadow = 0.5 + 2.0 / 3.0 * (1.0 - h) * std::sqrt(2.0);
-  EXPECT_NEAR(sum.force[2], -2.0 * shadow, 1e-12);
-  EXPECT_NEAR(shadow, 0.785398, 0.01);
+  // The area between the parabolic edges: the triangle, and 2/3 of the rise times the chord.
+  const double projection = 0.5 + 2.0 / 3.0 * (1.0 - h) * std::sqrt(2.0);
+  EXPECT_NEAR(sum.force[2], -2.0 * projection, 1e-12);
+  EXPECT_NEAR(projection, std::numbers::pi / 4.0, 0.01);
   EXPECT_NEAR(sum.force[0], 0.0, 1e-13);
 }
 
-// Two corners in one place with their middle: a face without area takes no load.
-TEST(PressureOnSolids, ProjectsASmallLoad)
+TEST(PressureOnSolids, TinyProjectedLoadsAreProjectedToo)
 {
-  // The face 1 of the unit solid has the normal (1,1,1)/√3 and a shadow of 1/2 along z.
+  // Face 1 of the unit solid has the normal (1,1,1)/√3 and a projection of 1/2 along z.
   SolidModel model = UnitSolid(4);
   model.rest = "global_projected_pressure_loads\n1 1 0 0 -1e-20\nend\n";
   const Resultant sum = ResultantOf(model, ElementLoads(model));
   EXPECT_NEAR(sum.force[2], -0.5e-20, 1e-33);  // rounding
 }
 
-TEST(PressureOnSolids, FaceWithoutAreaTakesNoLoad)
+// Two corners of the face coincide.
+TEST(PressureOnSolids, AFaceWithoutAreaGetsNoLoad)
 {
   SolidModel model = UnitSolid(4);
   model.nodes[2] = model.nodes[1];

@@ -1,4 +1,4 @@
-// Distributed loads on shell triangles.
+// Equivalent nodal loads of distributed loads on shell triangles.
 
 #include <gtest/gtest.h>
 
@@ -35,14 +35,14 @@ constexpr Vector3 kNormal = {-0.6, 0.0, 0.8};
 std::vector<std::array<double, 6>> LoadsOf(const ShellModel& model, PreassureLT_type type,
                                            const std::string& record)
 {
-  const auto project = ReadProject(model.Text());
-  const Elem& elem = *project->GiveElem(1);
+  const auto problem = ReadProblemText(model.Text());
+  const Elem& elem = *problem->GiveElem(1);
   PreassureLT load(type);
   load.ReadYourLoad(1, kSpace, record.c_str(), {}, Triangle);
   Matriu T, Tbig;
   elem.CalcTransfMatrixTriangle(T, Tbig, nullptr);
   ReaVecV vector;
-  vector.resize(6 * project->problem.numNodes, 0.0);
+  vector.resize(6 * problem->numNodes, 0.0);
   load.AddToLoadVectorTriangle(elem, T, vector);
   std::vector<std::array<double, 6>> loads(model.nodes.size());
   for (std::size_t i = 0; i < loads.size(); ++i) {
@@ -65,7 +65,7 @@ void ExpectLoads(const std::vector<std::array<double, 6>>& actual, const Vector3
   }
 }
 
-// What the nodes take of a load over the area, and along the edge of this index.
+// The share of each node in a load over the area.
 std::vector<double> AreaShares(int nnode)
 {
   if (nnode == 3)
@@ -73,6 +73,7 @@ std::vector<double> AreaShares(int nnode)
   return {0, 0, 0, 1.0 / 3, 1.0 / 3, 1.0 / 3};
 }
 
+// The share of each node in a load along the edge of this index.
 std::vector<double> EdgeShares(int nnode, int edge)
 {
   std::vector<double> shares(static_cast<std::size_t>(nnode), 0.0);
@@ -92,7 +93,7 @@ struct AreaLoad
 
 }  // namespace
 
-TEST(PressureOnTriangle, HasTheDirectionsOfItsKind)
+TEST(PressureOnTriangle, HasTheAxesOfItsType)
 {
   // Area times |n·û|, with û = (1, 2, 3)/√14.
   const double factor = 3.0 * (-0.6 + 0.8 * 3.0) / std::sqrt(14.0);
@@ -120,7 +121,7 @@ TEST(PressureOnTriangle, HasTheDirectionsOfItsKind)
   }
 }
 
-TEST(PressureOnTriangle, ProjectsASmallLoad)
+TEST(PressureOnTriangle, TinyProjectedLoadsAreProjectedToo)
 {
   const auto loads = LoadsOf(Roof(), PreassureLT_type::GlobalProjected, "0 0 -1e-20");
   double sum = 0.0;
@@ -129,14 +130,14 @@ TEST(PressureOnTriangle, ProjectsASmallLoad)
   EXPECT_NEAR(sum, -3.0 * 0.8 * 1e-20, 1e-33);  // rounding
 }
 
-TEST(PressureOnTriangle, TakesAFourthLocalValueAsAMomentAboutX)
+TEST(PressureOnTriangle, AFourthLocalValueIsAMomentAboutLocalX)
 {
   const auto loads = LoadsOf(Roof(), PreassureLT_type::Local, "0 0 0 7");
   for (const auto& load : loads)
     ExpectValues({load.begin(), load.end()}, {0, 0, 0, 0, -7, 0}, 1e-12);
 }
 
-TEST(PressureOnTriangle, OfAFaceIndexActsAlongAnEdge)
+TEST(PressureOnTriangle, WithAFaceIndexActsAlongAnEdge)
 {
   // Lengths of the edges 1-2, 2-3, 3-1.
   const double lengths[] = {1.0, std::sqrt(37.0), 6.0};
@@ -150,7 +151,7 @@ TEST(PressureOnTriangle, OfAFaceIndexActsAlongAnEdge)
   }
 }
 
-TEST(PressureOnTriangle, RefusesAnEdgeThatIsNotThere)
+TEST(PressureOnTriangle, RefusesUnknownEdges)
 {
   for (const char* record : {"3 1 2 3", "-2 1 2 3", "100 1 2 3"})
     ExpectFatal([&] { LoadsOf(Roof(), PreassureLT_type::Face, record); },
@@ -164,7 +165,7 @@ TEST(PressureOnTriangle, WithFaceMinusOneActsOverTheArea)
 
 TEST(PressureOnTriangle, ConvertsItsUnits)
 {
-  // Results in kN and m; loads in N and mm: per area 1000, per length 1.
+  // Results in kN and m, loads in N and mm: the factor is 1000 per area and 1 per length.
   const auto reactions = [](const std::string& keyword, const std::string& record) {
     ShellModel model = Roof();
     model.settings =
@@ -180,20 +181,20 @@ TEST(PressureOnTriangle, ConvertsItsUnits)
   EXPECT_NEAR(reactions("face_loads", "0 0 0 2 units=N-mm")[2], -2.0, 1e-12);
 }
 
-TEST(PressureOnTriangle, TurnsWithItsEulerAngles)
+TEST(PressureOnTriangle, EulerAnglesRotateTheValues)
 {
   // A quarter turn about z, clockwise: (1, 0, 0) becomes (0, -1, 0).
   ExpectLoads(LoadsOf(Roof(), PreassureLT_type::Global, "1 0 0 Euler1=1.5707963267948966"),
               {0, -3, 0}, AreaShares(3));
 }
 
-TEST(TemperatureOnTriangle, EndsTheRunWhenTheLoadsAreBuilt)
+TEST(TemperatureOnTriangle, IsRefusedByTheLoadVector)
 {
   ShellModel model = Roof();
   model.rest = Block("temperature_loads", "1 1e-5 20");
   for (const char* settings : {"", "ConvertTo6Nodes"}) {
     model.settings = settings;
-    const auto project = ReadProject(model.Text());  // reads it without complaint
+    const auto project = ReadProject(model.Text());  // accepted
     ExpectFatal([&] { project->Calc(1, nullptr); },
                 "temperature for triangles not implemented yet\n");
   }
@@ -236,7 +237,7 @@ TEST(PressureOnTriangle, IsInEquilibriumWithTheReactions)
       {"", "", Block("global_pressure_loads", all), {0, 0, -kPressure * area}, middle},
       // A projected load acts on the plan, 8 by 6.
       {"", "", Block("global_projected_pressure_loads", all), {0, 0, -kPressure * 48}, middle},
-      // Local: the horizontal parts of the slopes cancel.
+      // Local: the horizontal components on the two slopes cancel.
       {"", "", Block("local_pressure_loads", all), {0, 0, -kPressure * 48}, middle},
       {"GravityDirection 0 0 -1", " Weight=25", "", {0, 0, -25 * 0.2 * area}, middle},
       {"GravityDirection 1 2 -2",

@@ -25,10 +25,10 @@ const char* const kUnits =
     "cgs dyn cm Ba 1e-5 0.01\n"
     "end units_names\n";
 
-// The project of a small frame with these lines behind the header.
-std::unique_ptr<Project> ReadWith(const std::string& settings)
+// A small frame with these lines after the header.
+std::unique_ptr<Problem> ReadWith(const std::string& settings)
 {
-  return ReadProject(ProblemParts().With(&ProblemParts::settings, settings).Text());
+  return ReadProblemText(ProblemParts().With(&ProblemParts::settings, settings).Text());
 }
 
 void ExpectRefused(const std::string& settings, const std::string& message)
@@ -37,7 +37,7 @@ void ExpectRefused(const std::string& settings, const std::string& message)
   ExpectFatal([&] { ReadWith(settings); }, message);
 }
 
-// A mesh of one element between nodes 1 and 2 (triangles and more: also 3, 4).
+// A mesh of one element between existing nodes.
 std::string MeshBlock(const std::string& type, const std::string& nnode, int element,
                       const std::string& nodes)
 {
@@ -79,13 +79,13 @@ TEST(ProblemHeader, GivesTheProblemType)
   };
   for (const auto& c : cases) {
     const ProblemParts parts = c.type == kPlane ? ProblemParts() : SpaceProblem();
-    const auto project = ReadProject(parts.With(&ProblemParts::header, c.header).Text());
-    EXPECT_EQ(project->problem.problemType, c.type) << c.header;
-    EXPECT_EQ(project->problem.components.count, c.freeDegrees) << c.header;
+    const auto problem = ReadProblemText(parts.With(&ProblemParts::header, c.header).Text());
+    EXPECT_EQ(problem->problemType, c.type) << c.header;
+    EXPECT_EQ(problem->components.count, c.freeDegrees) << c.header;
   }
 }
 
-TEST(ProblemHeader, IsRefused)
+TEST(ProblemHeader, IncompleteHeadersAreRefused)
 {
   static const struct
   {
@@ -94,7 +94,8 @@ TEST(ProblemHeader, IsRefused)
   } cases[] = {
       {"", "can't find word ***problem*** in input file\n"},
       {"type 2d\n", "can't find word ***problem*** in input file\n"},
-      {"a problem", "can't find word ***problem*** in input file\n"},  // nothing behind the word
+      {"a problem",
+       "can't find word ***problem*** in input file\n"},  // the file ends with the word
       {"problem 2d\n", "can't find word ***type*** in input file\n"},
       {"problem type", "can't find word ***type*** in input file\n"},
       {"problem type 1d\n", "Type of problem unknown. Only 2d and 3d\n"},
@@ -107,38 +108,38 @@ TEST(ProblemHeader, IsRefused)
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
-    ExpectFatal([&] { ReadProject(c.text); }, c.message);
+    ExpectFatal([&] { ReadProblemText(c.text); }, c.message);
   }
 }
 
 TEST(ProblemFile, DefaultsHoldWithoutSettings)
 {
-  const auto project = ReadWith("");
-  EXPECT_EQ(project->problem.units.meshLength, 1.0);
-  EXPECT_EQ(project->problem.units.matLoadForce, 1.0);
-  EXPECT_EQ(project->problem.units.matLoadLength, 1.0);
-  EXPECT_EQ(project->problem.units.resForce, 1.0);
-  EXPECT_EQ(project->problem.units.resLength, 1.0);
-  EXPECT_EQ(project->problem.units.resForceName, "N");
-  EXPECT_EQ(project->problem.units.resLengthName, "m");
-  EXPECT_EQ(project->problem.units.resPressureName, "Pa");
-  EXPECT_TRUE(project->problem.units.bases.empty());
-  EXPECT_FALSE(project->problem.convertTo6Nodes);
-  EXPECT_EQ(project->problem.stressOutput, StressOutput::Local);
-  EXPECT_EQ(project->problem.initialNumNodes, 2);
-  EXPECT_EQ(project->problem.numNodes, 2);
-  EXPECT_EQ(project->problem.meshes.size(), 1u);
-  EXPECT_EQ(project->problem.solverSettings.type, SolverType::Automatic);
-  EXPECT_EQ(project->problem.solverSettings.tolerance1, -1.0);
-  EXPECT_EQ(project->problem.solverSettings.tolerance2, -1.0);
-  EXPECT_EQ(project->problem.solverSettings.maxIterations, 0);
-  EXPECT_EQ(project->problem.gravityDirection(1), 0.0);
-  EXPECT_EQ(project->problem.gravityDirection(2), 0.0);
-  EXPECT_EQ(project->problem.gravityDirection(3), 1.0);
-  EXPECT_EQ(project->problem.numOfDivisions, 20);
-  EXPECT_EQ(project->problem.coplanarityAngle, 1e-7);
-  EXPECT_FALSE(project->problem.smoothing.on);
-  EXPECT_EQ(project->problem.smoothing.angle, -1.0);
+  const auto problem = ReadWith("");
+  EXPECT_EQ(problem->units.meshLength, 1.0);
+  EXPECT_EQ(problem->units.matLoadForce, 1.0);
+  EXPECT_EQ(problem->units.matLoadLength, 1.0);
+  EXPECT_EQ(problem->units.resForce, 1.0);
+  EXPECT_EQ(problem->units.resLength, 1.0);
+  EXPECT_EQ(problem->units.resForceName, "N");
+  EXPECT_EQ(problem->units.resLengthName, "m");
+  EXPECT_EQ(problem->units.resPressureName, "Pa");
+  EXPECT_TRUE(problem->units.bases.empty());
+  EXPECT_FALSE(problem->convertTo6Nodes);
+  EXPECT_EQ(problem->stressOutput, StressOutput::Local);
+  EXPECT_EQ(problem->initialNumNodes, 2);
+  EXPECT_EQ(problem->numNodes, 2);
+  EXPECT_EQ(problem->meshes.size(), 1u);
+  EXPECT_EQ(problem->solverSettings.type, SolverType::Automatic);
+  EXPECT_EQ(problem->solverSettings.tolerance1, -1.0);
+  EXPECT_EQ(problem->solverSettings.tolerance2, -1.0);
+  EXPECT_EQ(problem->solverSettings.maxIterations, 0);
+  EXPECT_EQ(problem->gravityDirection(1), 0.0);
+  EXPECT_EQ(problem->gravityDirection(2), 0.0);
+  EXPECT_EQ(problem->gravityDirection(3), 1.0);
+  EXPECT_EQ(problem->numOfDivisions, 20);
+  EXPECT_EQ(problem->coplanarityAngle, 1e-7);
+  EXPECT_FALSE(problem->smoothing.on);
+  EXPECT_EQ(problem->smoothing.angle, -1.0);
 }
 
 TEST(ProblemFile, KeywordsMatchWithoutRegardToCase)
@@ -147,23 +148,23 @@ TEST(ProblemFile, KeywordsMatchWithoutRegardToCase)
   std::string text = parts.Text();
   for (char& c : text)
     c = static_cast<char>(std::toupper(c));
-  const auto project = ReadProject(text);
-  EXPECT_EQ(project->problem.meshes.size(), 1u);
-  EXPECT_NE(Find<Material>(project->problem.materials, 1), nullptr);
-  EXPECT_TRUE(project->FindNode(1)->constraint);
-  EXPECT_TRUE(project->FindNode(2)->load);
+  const auto problem = ReadProblemText(text);
+  EXPECT_EQ(problem->meshes.size(), 1u);
+  EXPECT_NE(Find<Material>(problem->materials, 1), nullptr);
+  EXPECT_TRUE(problem->FindNode(1)->constraint);
+  EXPECT_TRUE(problem->FindNode(2)->load);
 }
 
 TEST(ProblemFile, CommentLinesAreSkipped)
 {
-  const auto project = ReadWith(
+  const auto problem = ReadWith(
       "# NumOfDivisions 7\n"
       "#NumOfDivisions 8\n"
       "  # a long comment " +
       std::string(2000, 'x') +
       "\n"
       "NumOfDivisions 9 # NumOfDivisions 10");
-  EXPECT_EQ(project->problem.numOfDivisions, 9);
+  EXPECT_EQ(problem->numOfDivisions, 9);
 }
 
 TEST(ProblemFile, UnknownWordsAreRefused)
@@ -175,12 +176,11 @@ TEST(ProblemFile, UnknownWordsAreRefused)
 
 TEST(ProblemFile, FlagsNeedNoValue)
 {
-  EXPECT_TRUE(ReadWith("ConvertTo6Nodes")->problem.convertTo6Nodes);
-  EXPECT_TRUE(ReadWith("converttO6nodes=yes")->problem.convertTo6Nodes);
-  EXPECT_EQ(ReadWith("MainStresses")->problem.stressOutput, StressOutput::Main);
-  EXPECT_EQ(ReadWith("MAINANDLOCALSTRESSES")->problem.stressOutput, StressOutput::MainAndLocal);
-  EXPECT_EQ(ReadWith("MainAndLocalStresses MainStresses")->problem.stressOutput,
-            StressOutput::Main);
+  EXPECT_TRUE(ReadWith("ConvertTo6Nodes")->convertTo6Nodes);
+  EXPECT_TRUE(ReadWith("converttO6nodes=yes")->convertTo6Nodes);
+  EXPECT_EQ(ReadWith("MainStresses")->stressOutput, StressOutput::Main);
+  EXPECT_EQ(ReadWith("MAINANDLOCALSTRESSES")->stressOutput, StressOutput::MainAndLocal);
+  EXPECT_EQ(ReadWith("MainAndLocalStresses MainStresses")->stressOutput, StressOutput::Main);
 }
 
 TEST(ProblemFile, ValuesMayBeGluedToTheirKeyword)
@@ -189,13 +189,13 @@ TEST(ProblemFile, ValuesMayBeGluedToTheirKeyword)
        {"NumOfDivisions 7", "NumOfDivisions=7", "NumOfDivisions: 7", "NumOfDivisions7",
         "numofdivisions = 7", "NumOfDivisions:=:\n= 7", "NumOfDivisions : = =7",
         "NumOfDivisions\n7", "NumOfDivisions 7.9", "NumOfDivisions 007", "NumOfDivisions 7x"})
-    EXPECT_EQ(ReadWith(settings)->problem.numOfDivisions, 7) << settings;
+    EXPECT_EQ(ReadWith(settings)->numOfDivisions, 7) << settings;
 }
 
 TEST(ProblemFile, NumOfDivisionsHasLimits)
 {
-  EXPECT_EQ(ReadWith("NumOfDivisions 1")->problem.numOfDivisions, 1);
-  EXPECT_EQ(ReadWith("NumOfDivisions 100000")->problem.numOfDivisions, 100000);
+  EXPECT_EQ(ReadWith("NumOfDivisions 1")->numOfDivisions, 1);
+  EXPECT_EQ(ReadWith("NumOfDivisions 100000")->numOfDivisions, 100000);
   for (const char* value : {"0", "-3", "x", "-99999999999999999999"})
     ExpectRefused(std::string("NumOfDivisions ") + value,
                   "error: Number of divisions must be positive");
@@ -215,11 +215,10 @@ TEST(ProblemFile, AnglesLieBetweenZeroAndPi)
                   {"3.14159265358979", 3.14159265358979},
                   {"3.141592653589793", std::numbers::pi}};
   for (const auto& c : accepted) {
-    EXPECT_EQ(ReadWith(std::string("CoplanarityAngle ") + c.value)->problem.coplanarityAngle,
-              c.angle);
-    const auto project = ReadWith(std::string("DoSmoothing=") + c.value);
-    EXPECT_TRUE(project->problem.smoothing.on);
-    EXPECT_EQ(project->problem.smoothing.angle, c.angle);
+    EXPECT_EQ(ReadWith(std::string("CoplanarityAngle ") + c.value)->coplanarityAngle, c.angle);
+    const auto problem = ReadWith(std::string("DoSmoothing=") + c.value);
+    EXPECT_TRUE(problem->smoothing.on);
+    EXPECT_EQ(problem->smoothing.angle, c.angle);
   }
   for (const std::string value : {"0", "9e-16", "-1", "4", "3.1416", "nan", "inf", "x"}) {
     ExpectRefused("CoplanarityAngle " + value,
@@ -243,20 +242,20 @@ TEST(ProblemFile, SolverIsChosenByTheBeginningOfItsName)
       {"Solver SkyLine Solver Double", SolverType::Double},
   };
   for (const auto& c : cases)
-    EXPECT_EQ(ReadWith(c.settings)->problem.solverSettings.type, c.type) << c.settings;
+    EXPECT_EQ(ReadWith(c.settings)->solverSettings.type, c.type) << c.settings;
   for (const char* settings : {"Solver Cholesky", "Solver Sky", "Solver=", "Solver 1"})
     ExpectRefused(std::string(settings) + (std::string(settings) == "Solver=" ? " x" : ""),
                   kWrongSolver);
 }
 
-TEST(ProblemFile, SparseSolverTakesThreeNumbers)
+TEST(ProblemFile, SparseSolverNeedsThreeNumbers)
 {
-  const auto project = ReadWith("Solver: Sparse 1e-6 1e-8 10");
-  EXPECT_EQ(project->problem.solverSettings.type, SolverType::Sparse);
-  EXPECT_EQ(project->problem.solverSettings.tolerance1, 1e-6);
-  EXPECT_EQ(project->problem.solverSettings.tolerance2, 1e-8);
-  EXPECT_EQ(project->problem.solverSettings.maxIterations, 10);
-  EXPECT_EQ(ReadWith("Solver sparse 10 10 99")->problem.solverSettings.tolerance1, 10.0);
+  const auto problem = ReadWith("Solver: Sparse 1e-6 1e-8 10");
+  EXPECT_EQ(problem->solverSettings.type, SolverType::Sparse);
+  EXPECT_EQ(problem->solverSettings.tolerance1, 1e-6);
+  EXPECT_EQ(problem->solverSettings.tolerance2, 1e-8);
+  EXPECT_EQ(problem->solverSettings.maxIterations, 10);
+  EXPECT_EQ(ReadWith("Solver sparse 10 10 99")->solverSettings.tolerance1, 10.0);
   for (const char* numbers : {"1e-6 1e-6 9", "0 1 10", "1 0 10", "10.5 1 10", "1 10.5 10",
                               "-1 1 10", "1 1 x", "1 x 10", "nan 1 10", "1 nan 10"})
     ExpectRefused(std::string("Solver Sparse ") + numbers, kWrongSparse);
@@ -264,23 +263,23 @@ TEST(ProblemFile, SparseSolverTakesThreeNumbers)
 
 TEST(ProblemFile, GravityDirectionGetsUnitLength)
 {
-  const auto project = ReadWith("GravityDirection = 3 0 -4");
-  EXPECT_DOUBLE_EQ(project->problem.gravityDirection(1), 0.6);
-  EXPECT_DOUBLE_EQ(project->problem.gravityDirection(2), 0.0);
-  EXPECT_DOUBLE_EQ(project->problem.gravityDirection(3), -0.8);
-  EXPECT_DOUBLE_EQ(ReadWith("GravityDirection 0 1e-14 0")->problem.gravityDirection(2), 1.0);
+  const auto problem = ReadWith("GravityDirection = 3 0 -4");
+  EXPECT_DOUBLE_EQ(problem->gravityDirection(1), 0.6);
+  EXPECT_DOUBLE_EQ(problem->gravityDirection(2), 0.0);
+  EXPECT_DOUBLE_EQ(problem->gravityDirection(3), -0.8);
+  EXPECT_DOUBLE_EQ(ReadWith("GravityDirection 0 1e-14 0")->gravityDirection(2), 1.0);
   for (const char* vector : {"0 0 0", "0 1e-16 0", "x y z"})
     ExpectRefused(std::string("GravityDirection ") + vector,
                   "error: GravityDirection must be a vector no null");
 }
 
-TEST(ProblemUnits, MeshUnitIsAlengthUnit)
+TEST(ProblemUnits, MeshUnitIsALengthUnit)
 {
   for (const char* settings :
        {"units_mesh=mm", "units_mesh: mm", "units_mesh mm", "UNITS_MESHmm"}) {
-    const auto project = ReadWith(std::string(kUnits) + settings);
-    EXPECT_EQ(project->problem.units.meshLength, 0.001) << settings;
-    EXPECT_EQ((*project->FindNode(2))(1), 0.001) << settings;
+    const auto problem = ReadWith(std::string(kUnits) + settings);
+    EXPECT_EQ(problem->units.meshLength, 0.001) << settings;
+    EXPECT_EQ((*problem->FindNode(2))(1), 0.001) << settings;
   }
   ExpectRefused(std::string(kUnits) + "units_mesh MM",
                 "error: Unit length name 'MM' has not been previously defined\n");
@@ -290,14 +289,14 @@ TEST(ProblemUnits, MeshUnitIsAlengthUnit)
 
 TEST(ProblemUnits, SystemsSetTheFactors)
 {
-  const auto project = ReadWith(std::string(kUnits) + "units_mat_and_load = kN_mm\nunits_res: cgs");
-  EXPECT_EQ(project->problem.units.matLoadForce, 1000.0);
-  EXPECT_EQ(project->problem.units.matLoadLength, 0.001);
-  EXPECT_EQ(project->problem.units.resForce, 1e-5);
-  EXPECT_EQ(project->problem.units.resLength, 0.01);
-  EXPECT_EQ(project->problem.units.resForceName, "dyn");
-  EXPECT_EQ(project->problem.units.resLengthName, "cm");
-  EXPECT_EQ(project->problem.units.resPressureName, "Ba");
+  const auto problem = ReadWith(std::string(kUnits) + "units_mat_and_load = kN_mm\nunits_res: cgs");
+  EXPECT_EQ(problem->units.matLoadForce, 1000.0);
+  EXPECT_EQ(problem->units.matLoadLength, 0.001);
+  EXPECT_EQ(problem->units.resForce, 1e-5);
+  EXPECT_EQ(problem->units.resLength, 0.01);
+  EXPECT_EQ(problem->units.resForceName, "dyn");
+  EXPECT_EQ(problem->units.resLengthName, "cm");
+  EXPECT_EQ(problem->units.resPressureName, "Ba");
 }
 
 TEST(ProblemUnits, LookUpsAreChecked)
@@ -321,15 +320,14 @@ TEST(ProblemUnits, FactorsMustBePositive)
   const char* const res = "error: units_res must be two positive numbers and three names\n";
   ExpectRefused(table("1 0") + "units_mesh b", mesh);
   ExpectRefused(table("1 -1") + "units_mesh b", mesh);
-  EXPECT_EQ(ReadWith(table("1 1e-18") + "units_mesh b")->problem.units.meshLength, 1e-18);
-  EXPECT_EQ(ReadWith(table("0 1") + "units_mesh b")->problem.units.meshLength, 1.0);
+  EXPECT_EQ(ReadWith(table("1 1e-18") + "units_mesh b")->units.meshLength, 1e-18);
+  EXPECT_EQ(ReadWith(table("0 1") + "units_mesh b")->units.meshLength, 1.0);
   for (const char* factors : {"0 1", "1 0", "-1 1", "1 -1e-18"}) {
     ExpectRefused(table(factors) + "units_mat_and_load bad", matAndLoad);
     ExpectRefused(table(factors) + "units_res bad", res);
   }
-  EXPECT_EQ(ReadWith(table("1e-18 1") + "units_mat_and_load bad")->problem.units.matLoadForce,
-            1e-18);
-  EXPECT_EQ(ReadWith(table("1 1e-18") + "units_res bad")->problem.units.resLength, 1e-18);
+  EXPECT_EQ(ReadWith(table("1e-18 1") + "units_mat_and_load bad")->units.matLoadForce, 1e-18);
+  EXPECT_EQ(ReadWith(table("1 1e-18") + "units_res bad")->units.resLength, 1e-18);
 }
 
 TEST(ProblemUnits, TableOf120LinesIsSorted)
@@ -340,23 +338,23 @@ TEST(ProblemUnits, TableOf120LinesIsSorted)
     block += "u" + std::to_string(1000 + shuffled) + " N m" + std::to_string(shuffled) + " Pa 1 " +
              std::to_string(shuffled + 1) + "\n";
   }
-  const auto project = ReadWith(block + "end\nunits_res u1077\nunits_mesh m3");
-  ASSERT_EQ(project->problem.units.bases.size(), 120u);
+  const auto problem = ReadWith(block + "end\nunits_res u1077\nunits_mesh m3");
+  ASSERT_EQ(problem->units.bases.size(), 120u);
   for (int i = 0; i < 120; ++i)
-    EXPECT_EQ(project->problem.units.bases[i].name, "u" + std::to_string(1000 + i));
-  EXPECT_EQ(project->problem.units.resLength, 78.0);
-  EXPECT_EQ(project->problem.units.meshLength, 4.0);
+    EXPECT_EQ(problem->units.bases[i].name, "u" + std::to_string(1000 + i));
+  EXPECT_EQ(problem->units.resLength, 78.0);
+  EXPECT_EQ(problem->units.meshLength, 4.0);
 }
 
 TEST(ProblemUnits, BlocksAddToOneTable)
 {
-  const auto project = ReadWith(
+  const auto problem = ReadWith(
       "units_names\n# comment\n\nb N m Pa 1 1\n : = a N m Pa 1 1 more words\nENDING of it\n"
       "Units_Names\nA N m Pa 1 1\nend\n");
-  ASSERT_EQ(project->problem.units.bases.size(), 3u);
-  EXPECT_EQ(project->problem.units.bases[0].name, "A");
-  EXPECT_EQ(project->problem.units.bases[1].name, "a");
-  EXPECT_EQ(project->problem.units.bases[2].name, "b");
+  ASSERT_EQ(problem->units.bases.size(), 3u);
+  EXPECT_EQ(problem->units.bases[0].name, "A");
+  EXPECT_EQ(problem->units.bases[1].name, "a");
+  EXPECT_EQ(problem->units.bases[2].name, "b");
 }
 
 TEST(ProblemUnits, RecordsAreChecked)
@@ -366,118 +364,119 @@ TEST(ProblemUnits, RecordsAreChecked)
   for (const char* record : {"SI N m Pa 1", "SI N m Pa 1 x", "SI N m Pa", "SI", "SI N m Pa x 1",
                              "a_name_of_21_characters N m Pa 1 1"})
     ExpectRefused(std::string("units_names\n") + record + "\nend\n", items);
-  ExpectFatal([] { ReadProject("problem type 2d\nunits_names\nSI N m Pa 1 1\n"); },
+  ExpectFatal([] { ReadProblemText("problem type 2d\nunits_names\nSI N m Pa 1 1\n"); },
               "error: 'units_names' should finish with the 'end' word\n");
-  ExpectFatal([] { ReadProject("problem type 2d\nunits_names"); },
+  ExpectFatal([] { ReadProblemText("problem type 2d\nunits_names"); },
               "error: 'units_names' should finish with the 'end' word\n");
 }
 
 TEST(ProblemMaterials, AreStoredUnderTheirNumber)
 {
-  const auto project =
-      ReadProject(ProblemParts()
-                      .With(&ProblemParts::materials, "# first\n1 E=2 A=3\n\n7: E 4\n # last\n")
-                      .Text());
-  EXPECT_EQ(Find<Material>(project->problem.materials, 1)->E1, 2.0);
-  EXPECT_EQ(Find<Material>(project->problem.materials, 7)->E1, 4.0);
-  EXPECT_EQ(project->problem.materials.Count(), 2);
+  const auto problem =
+      ReadProblemText(ProblemParts()
+                          .With(&ProblemParts::materials, "# first\n1 E=2 A=3\n\n7: E 4\n # last\n")
+                          .Text());
+  EXPECT_EQ(Find<Material>(problem->materials, 1)->E1, 2.0);
+  EXPECT_EQ(Find<Material>(problem->materials, 7)->E1, 4.0);
+  EXPECT_EQ(problem->materials.Count(), 2);
 }
 
 TEST(ProblemMaterials, RepeatedNumbersAreRefused)
 {
-  const std::string message = FatalCaught(
-      [] { ReadProject(ProblemParts().With(&ProblemParts::materials, "1 E 1\n1 E 2").Text()); });
+  const std::string message = FatalCaught([] {
+    ReadProblemText(ProblemParts().With(&ProblemParts::materials, "1 E 1\n1 E 2").Text());
+  });
   EXPECT_NE(message.find("Repeated index"), std::string::npos) << message;
 }
 
 TEST(ProblemMaterials, BlockMustEnd)
 {
-  ExpectFatal([] { ReadProject("problem type 2d\nmaterials\n1 E 1\nnothing more\n"); },
+  ExpectFatal([] { ReadProblemText("problem type 2d\nmaterials\n1 E 1\nnothing more\n"); },
               "can't find word ***end*** in input file\n");
 }
 
-TEST(ProblemMeshes, TenAreAccepted)
+TEST(ProblemMeshes, AtMostTenAreAccepted)
 {
   std::string text = SpaceProblem().Text();
   for (int i = 2; i <= 10; ++i)
     text += MeshBlock("Linear", "2", i, "1 2");
-  EXPECT_EQ(ReadProject(text)->problem.meshes.size(), 10u);
-  ExpectFatal([&] { ReadProject(text + MeshBlock("Linear", "2", 11, "1 2")); },
+  EXPECT_EQ(ReadProblemText(text)->meshes.size(), 10u);
+  ExpectFatal([&] { ReadProblemText(text + MeshBlock("Linear", "2", 11, "1 2")); },
               "error: maximum number of meshes is: 10\n");
 }
 
 TEST(ProblemMeshes, ShareTheNodesOfTheFirst)
 {
-  const auto project = ReadProject(SpaceProblem().Text() + MeshBlock("Linear", "2", 9, "2 1"));
-  ASSERT_EQ(project->problem.meshes.size(), 2u);
-  EXPECT_EQ(project->problem.meshes[1]->GiveNodePlex(), project->problem.meshes[0]->GiveNodePlex());
-  const Elem& first = *project->GiveElem(1);
-  const Elem& second = *project->GiveElem(9);
+  const auto problem = ReadProblemText(SpaceProblem().Text() + MeshBlock("Linear", "2", 9, "2 1"));
+  ASSERT_EQ(problem->meshes.size(), 2u);
+  EXPECT_EQ(problem->meshes[1]->GiveNodePlex(), problem->meshes[0]->GiveNodePlex());
+  const Elem& first = *problem->GiveElem(1);
+  const Elem& second = *problem->GiveElem(9);
   EXPECT_EQ(first(0), second(1));
   EXPECT_EQ(first(1), second(0));
-  EXPECT_EQ(project->GiveElem(2), nullptr);
-  EXPECT_EQ(project->GiveElem(0), nullptr);
-  EXPECT_EQ(project->GiveElem(-1), nullptr);
-  EXPECT_EQ(project->GiveElem(1000000), nullptr);
-  EXPECT_EQ(project->GiveMaxElmNum(), 9);
-  EXPECT_EQ(project->CheckElementsNumbers(), 0);
+  EXPECT_EQ(problem->GiveElem(2), nullptr);
+  EXPECT_EQ(problem->GiveElem(0), nullptr);
+  EXPECT_EQ(problem->GiveElem(-1), nullptr);
+  EXPECT_EQ(problem->GiveElem(1000000), nullptr);
+  EXPECT_EQ(problem->GiveMaxElmNum(), 9);
+  EXPECT_EQ(problem->CheckElementsNumbers(), 0);
 }
 
 TEST(ProblemMeshes, GiveMaxElmNumIsZeroWithoutMeshes)
 {
-  EXPECT_EQ(Project(100).GiveMaxElmNum(), 0);
+  EXPECT_EQ(Problem(100).GiveMaxElmNum(), 0);
 }
 
 TEST(ProblemMeshes, NodesListedAgainMove)
 {
-  const auto project =
-      ReadProject(SpaceProblem().Text() +
-                  "mesh dimension 3 elemtype Linear nnode 2 coordinates\n1 0 0 5\n2 1 0 7\nend\n"
-                  "elements\n2 1 2 1\nend\n");
-  const Node& node = *project->FindNode(2);
+  const auto problem = ReadProblemText(
+      SpaceProblem().Text() +
+      "mesh dimension 3 elemtype Linear nnode 2 coordinates\n1 0 0 5\n2 1 0 7\nend\n"
+      "elements\n2 1 2 1\nend\n");
+  const Node& node = *problem->FindNode(2);
   EXPECT_EQ(node(3), 7.0);
-  EXPECT_EQ((*project->GiveElem(1))(1), &node);
-  EXPECT_EQ((*project->GiveElem(2))(1), &node);
+  EXPECT_EQ((*problem->GiveElem(1))(1), &node);
+  EXPECT_EQ((*problem->GiveElem(2))(1), &node);
   EXPECT_TRUE(node.load);
-  EXPECT_TRUE(project->FindNode(1)->constraint);
+  EXPECT_TRUE(problem->FindNode(1)->constraint);
 }
 
 TEST(ProblemMeshes, ElementsOfDifferentMeshesHaveDifferentNumbers)
 {
   const std::string seventh =
       SpaceProblem().With(&ProblemParts::elements, "3 1 2 1\n7 1 2 1").Text();
-  ExpectFatal([&] { ReadProject(seventh + MeshBlock("Linear", "2", 7, "1 2")); },
+  ExpectFatal([&] { ReadProblemText(seventh + MeshBlock("Linear", "2", 7, "1 2")); },
               "error: All elements must have different number. Check elm num: 7\n");
   ExpectFatal(
       [&] {
-        ReadProject(seventh + MeshBlock("Linear", "2", 8, "1 2") +
-                    MeshBlock("Linear", "2", 8, "1 2"));
+        ReadProblemText(seventh + MeshBlock("Linear", "2", 8, "1 2") +
+                        MeshBlock("Linear", "2", 8, "1 2"));
       },
       "error: All elements must have different number. Check elm num: 8\n");
 }
 
 TEST(ProblemMeshes, RepeatedElementOfOneMeshReplacesTheEarlier)
 {
-  const auto project =
-      ReadProject(ProblemParts().With(&ProblemParts::elements, "1 1 2 1\n1 2 1 9").Text());
-  EXPECT_EQ(project->GiveElem(1)->GiveMaterialNum(), 9);
-  EXPECT_EQ(project->problem.meshes[0]->GiveElemPlex()->Count(), 1);
+  const auto problem =
+      ReadProblemText(ProblemParts().With(&ProblemParts::elements, "1 1 2 1\n1 2 1 9").Text());
+  EXPECT_EQ(problem->GiveElem(1)->GiveMaterialNum(), 9);
+  EXPECT_EQ(problem->meshes[0]->GiveElemPlex()->Count(), 1);
 }
 
 TEST(ProblemMeshes, SolidsAloneHaveThreeDegreesAndSmoothing)
 {
-  const auto project = ReadProject(kSolid);
-  EXPECT_EQ(project->problem.components.count, 3);
-  EXPECT_TRUE(project->problem.smoothing.on);
-  EXPECT_EQ(project->problem.smoothing.angle, -1.0);
+  const auto problem = ReadProblemText(kSolid);
+  EXPECT_EQ(problem->components.count, 3);
+  EXPECT_TRUE(problem->smoothing.on);
+  EXPECT_EQ(problem->smoothing.angle, -1.0);
 }
 
 TEST(ProblemMeshes, SolidsCannotBeMixedWithOthers)
 {
   const char* const message =
       "error: Element tetrahedra cannot be mixed with any other element type";
-  ExpectFatal([&] { ReadProject(kSolid + MeshBlock("Linear", "2", 2, "1 2")); }, message);
-  ExpectFatal([&] { ReadProject(kSolid + MeshBlock("Triangle", "3", 2, "1 2 3")); }, message);
+  ExpectFatal([&] { ReadProblemText(kSolid + MeshBlock("Linear", "2", 2, "1 2")); }, message);
+  ExpectFatal([&] { ReadProblemText(kSolid + MeshBlock("Triangle", "3", 2, "1 2 3")); }, message);
 }
 
 TEST(ProblemMeshes, PlaneProblemsHaveNoZ)
@@ -488,31 +487,31 @@ TEST(ProblemMeshes, PlaneProblemsHaveNoZ)
   const auto with = [&](const std::string& z) {
     return std::string(mesh3d).replace(mesh3d.find('@'), 1, z);
   };
-  EXPECT_EQ(ReadProject(with("0"))->problem.components.count, 3);
-  ExpectFatal([&] { ReadProject(with("0.5")); },
+  EXPECT_EQ(ReadProblemText(with("0"))->components.count, 3);
+  ExpectFatal([&] { ReadProblemText(with("0.5")); },
               "error: node 2 has a z coordinate in a 2d problem\n");
 }
 
-TEST(ProblemMeshes, NodesWithTwoCoordinatesStandAtZeroInSpace)
+TEST(ProblemMeshes, NodesWithTwoCoordinatesGetZZeroInSpace)
 {
-  const auto project = ReadProject(
+  const auto problem = ReadProblemText(
       "problem type 3d\nmesh dimension 2 elemtype Linear nnode 2 coordinates\n"
       "1 0 0\n2 1 0\nend\nelements\n1 1 2 1\nend\n");
-  EXPECT_EQ(project->FindNode(2)->Size(), 3);
-  EXPECT_EQ((*project->FindNode(2))(3), 0.0);
+  EXPECT_EQ(problem->FindNode(2)->Size(), 3);
+  EXPECT_EQ((*problem->FindNode(2))(3), 0.0);
 }
 
-TEST(ProblemMaterials, OwnMaterialsOfElementsAreCompleted)
+TEST(ProblemMaterials, AnElementsMaterialIsCompletedByTheNumberedOne)
 {
-  const auto project =
-      ReadProject(ProblemParts().With(&ProblemParts::elements, "1 1 2 1 A=5\n2 1 2 0 E=7").Text());
-  const Material& completed = project->problem.RequireMaterial(*project->GiveElem(1));
+  const auto problem = ReadProblemText(
+      ProblemParts().With(&ProblemParts::elements, "1 1 2 1 A=5\n2 1 2 0 E=7").Text());
+  const Material& completed = problem->RequireMaterial(*problem->GiveElem(1));
   EXPECT_EQ(completed.A, 5.0);
   EXPECT_EQ(completed.E1, 1.0);
   EXPECT_EQ(completed.Iz, 1.0);
-  const Material& alone = project->problem.RequireMaterial(*project->GiveElem(2));
-  EXPECT_EQ(alone.E1, 7.0);
-  EXPECT_EQ(alone.A, 0.0);
+  const Material& withoutNumber = problem->RequireMaterial(*problem->GiveElem(2));
+  EXPECT_EQ(withoutNumber.E1, 7.0);
+  EXPECT_EQ(withoutNumber.A, 0.0);
 }
 
 }  // namespace morlen

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kMisread = "Not reading item. Number=";
 
-Units KilonewtonsAndMetres()
+Units TestUnits()
 {
   Units units;
   const UnitsBase systems[] = {{.name = "N-m"}, {.name = "kN-cm", .facN = 1000.0, .facM = 0.01}};
@@ -25,7 +25,7 @@ Units KilonewtonsAndMetres()
 
 RecordItems Read(std::string_view tail, AngleItems angles = AngleItems::kRead)
 {
-  return ReadRecordItems(tail, KilonewtonsAndMetres(), angles, kMisread, 7);
+  return ReadRecordItems(tail, TestUnits(), angles, kMisread, 7);
 }
 
 TEST(RecordItems, ARecordWithoutItemsHasTheDefaultRatios)
@@ -36,7 +36,7 @@ TEST(RecordItems, ARecordWithoutItemsHasTheDefaultRatios)
   EXPECT_EQ(items.ratios.length, 8.0);
 }
 
-TEST(RecordItems, ItemsComeInAnyOrder)
+TEST(RecordItems, HaveAnyOrder)
 {
   for (const char* const tail :
        {"units=kN-cm Euler1=0.5 Euler3=-1", " Euler3: -1 UNITS kN-cm euler1 = 0.5"}) {
@@ -57,8 +57,8 @@ TEST(RecordItems, UnknownKeysAreIgnored)
   EXPECT_EQ(items.ratios.force, 5.0);
 }
 
-// "Euler4" is refused where angles are read.
-TEST(RecordItems, IgnoredAnglesAreNotEvenChecked)
+// Where angles are read, "Euler4" is refused.
+TEST(RecordItems, IgnoredAnglesAreNotChecked)
 {
   const RecordItems items = Read("Euler1=1 Euler4=2 units=N-m", AngleItems::kIgnored);
   EXPECT_FALSE(items.anglesGiven);

@@ -1,4 +1,4 @@
-// What the program says of the supports when the equations cannot be solved.
+// The hints about supports when the equations cannot be solved.
 
 #include <gtest/gtest.h>
 
@@ -31,7 +31,7 @@ std::string CanRotate(const std::string& axis)
 
 const char* const kAlongX = "   1.000000e+00   0.000000e+00   0.000000e+00";
 
-// What the check writes about a problem as read.
+// The text that the check writes about a problem as read.
 std::string CheckOf(const std::string& problem)
 {
   const auto project = ReadProject(problem);
@@ -51,7 +51,7 @@ std::string SpaceCheck(const std::string& supports, const std::string& second = 
                      .Text());
 }
 
-// A plane frame of two meshes, its third node in the second.
+// A plane frame of two meshes; node 3 belongs to the second mesh only.
 std::string TwoMeshCheck(const std::string& supports)
 {
   return CheckOf(ProblemParts()
@@ -63,7 +63,7 @@ std::string TwoMeshCheck(const std::string& supports)
                      .Text());
 }
 
-// Runs the program on a model that can move.
+// Runs the program on a mechanism. It must end with this hint and this message of the solver.
 void ExpectRunFails(const ProblemParts& problem, const std::string& hint,
                     const std::string& solverMessage)
 {
@@ -95,7 +95,7 @@ TEST(SupportChecks, NoSupport)
   EXPECT_EQ(TwoMeshCheck(""), kNone);
 }
 
-TEST(SupportChecks, OneSupportInSpaceHoldsEverything)
+TEST(SupportChecks, OneSupportInSpaceMustHoldAllComponents)
 {
   EXPECT_EQ(SpaceCheck("2 111111 0 0 0 0 0 0"), "");
   for (const char* flags : {"111110", "011111", "111000", "000000", "111211"})
@@ -103,19 +103,19 @@ TEST(SupportChecks, OneSupportInSpaceHoldsEverything)
               std::string(kOne) + kSixNeeded);
 }
 
-TEST(SupportChecks, OneSupportWithThreeComponentsIsNeverEnough)
+TEST(SupportChecks, OneSupportWithThreeComponentsIsNotEnough)
 {
   for (const char* flags : {"111", "110", "222", "000"})
     EXPECT_EQ(TwoMeshCheck(std::string("1 ") + flags + " 0 0 0"), std::string(kOne) + kThreeNeeded);
 }
 
-TEST(SupportChecks, TwoSupportsLeaveTheTurnAboutTheirLine)
+TEST(SupportChecks, TwoSupportsLeaveTheRotationAboutTheirLine)
 {
   EXPECT_EQ(SpaceCheck("1 111000 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0"), CanRotate(kAlongX));
   // The axis goes from the lower number to the higher.
   EXPECT_EQ(SpaceCheck("2 111000 0 0 0 0 0 0\n3 111000 0 0 0 0 0 0"),
             CanRotate("  -5.000000e-01   0.000000e+00   0.000000e+00"));
-  // Rotations about y and z are no help, springs neither.
+  // Neither held rotations about y and z nor springs prevent it.
   EXPECT_EQ(SpaceCheck("1 111011 0 0 0 0 0 0\n2 111011 0 0 0 0 0 0"), CanRotate(kAlongX));
   EXPECT_EQ(SpaceCheck("1 111200 0 0 0 5 0 0\n2 111000 0 0 0 0 0 0"), CanRotate(kAlongX));
   for (const char* supports :
@@ -123,7 +123,7 @@ TEST(SupportChecks, TwoSupportsLeaveTheTurnAboutTheirLine)
     EXPECT_EQ(SpaceCheck(supports), "");
 }
 
-TEST(SupportChecks, AnyAxisThatTheLineHasHoldsIt)
+TEST(SupportChecks, ARotationAboutAnyAxisNotNormalToTheLineHoldsIt)
 {
   const char* const second = "1 -2 0";
   for (const char* flags : {"000100", "000010", "111111"})
@@ -133,7 +133,7 @@ TEST(SupportChecks, AnyAxisThatTheLineHasHoldsIt)
             CanRotate("   1.000000e+00  -2.000000e+00   0.000000e+00"));
 }
 
-TEST(SupportChecks, TwoSupportsInOnePlaceOrWithAxesOfTheirOwnAreNotJudged)
+TEST(SupportChecks, TwoSupportsInOnePlaceOrWithLocalAxesAreNotJudged)
 {
   EXPECT_EQ(SpaceCheck("1 111000 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0", "0 0 0"), "");
   EXPECT_EQ(SpaceCheck("1 111000 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0 Euler1=0.1"), "");
@@ -159,7 +159,7 @@ TEST(SupportChecks, ThreeSupportsAreNotJudged)
   EXPECT_EQ(TwoMeshCheck("1 010 0 0 0\n2 010 0 0 0\n3 010 0 0 0"), "");
 }
 
-TEST(SupportChecks, SolidsOnOneNode)
+TEST(SupportChecks, OneSupportOfASolidIsNotEnough)
 {
   EXPECT_EQ(CheckOf("problem type 3d\nmesh dimension 3 elemtype Tetrahedra nnode 4 coordinates\n"
                     "1 0 0 0\n2 1 0 0\n3 0 1 0\n4 0 0 1\nend\nelements\n1 1 2 3 4 1\nend\n"
@@ -177,7 +177,7 @@ TEST(SupportChecks, TheSolversMessageFollows)
   ExpectRunFails(
       space.With(&ProblemParts::constraints, "1 111000 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0"),
       CanRotate(kAlongX), ZeroDiagonal(10, 2, 4, "X rotation"));
-  // Three supports, none of them against x.
+  // Three supports, none of which holds x.
   ExpectRunFails(space.With(&ProblemParts::coordinates, "1 0 0 0\n2 1 0 0\n3 2 0 0")
                      .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
                      .With(&ProblemParts::constraints,

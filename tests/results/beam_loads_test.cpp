@@ -1,4 +1,4 @@
-// What the result files say of beams with loads along their span.
+// Beams with loads along their span, in the result files.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ using Doubles = std::vector<double>;
 
 constexpr int kDivisions = 4;
 
-// Both results of a run on this problem.
+// Both result files of a run on this problem.
 struct Files
 {
   explicit Files(const std::string& problem)
@@ -39,7 +39,7 @@ struct Files
   std::string kiv;
 };
 
-// Beams of every direction between nodes that move, each with loads of all kinds.
+// Beams in several directions between nodes that move, with loads of all kinds.
 std::string SpaceModel(int code)
 {
   Frame frame;
@@ -77,8 +77,8 @@ std::string PlaneModel(int code)
          Block("temperature_loads", "2 1e-3 20");
 }
 
-// The diagrams begin and end with the forces of the text file, and the displacements with
-// those of the nodes: six digits each.
+// The values of a diagram at its first and last point are the end forces of the text file, and the
+// displacements there are those of the nodes. Both files have six digits.
 void ExpectFilesAgree(const std::string& problem)
 {
   const bool plane = problem.find("problem type 2d") != std::string::npos;
@@ -113,7 +113,7 @@ void ExpectFilesAgree(const std::string& problem)
   }
 }
 
-// A beam of length 4 and EI = 800 between pins under 6 across and 10 along.
+// A beam of length 4 and EI = 800 between pins, with the loads 6 across and 10 along.
 ProblemParts SimpleBeam()
 {
   ProblemParts parts;
@@ -152,7 +152,7 @@ TEST(BeamLoadFiles, EveryPointOfASimpleBeam)
     const double M = 12 * x - 3 * x * x;
     ExpectValues(axial[i], {0, N, 0, N}, 1e-12, 1.0);
     ExpectValues(shear[i], {0, V, 0, V}, 1e-12, 1.0);
-    ExpectValues(moment[i], {0, -M, 0, M}, 1e-12, 1.0);  // drawn on the side of the tension
+    ExpectValues(moment[i], {0, -M, 0, M}, 1e-12, 1.0);  // drawn on the tension side
   }
 }
 
@@ -165,7 +165,7 @@ TEST(BeamLoadFiles, OneDivisionHasTheEndsOnly)
   EXPECT_NEAR(shear[1].back(), -12, 1e-12);
 }
 
-TEST(BeamLoadFiles, EndForcesHoldTheLoadsOfTheSpan)
+TEST(BeamLoadFiles, EndForcesIncludeTheLoadsOfTheSpan)
 {
   const TextResults text = ParseTextResults(Files(SimpleBeam().Text()).text);
   ExpectValues(text.endForces.at(1)[0], {-20, 12, 0}, 1e-6, 1.0);
@@ -190,7 +190,7 @@ TEST(BeamLoadFiles, WithoutLoadsTheStoredForcesArePrinted)
   EXPECT_NE(text.find("nodes: 1 2\n" + lines + "\n\nREACTIONS"), std::string::npos) << text;
 }
 
-TEST(BeamLoadFiles, NodesWhoseRotationIsFixedStandAmongTheReactions)
+TEST(BeamLoadFiles, ReactionsListNodesWhoseRotationIsFixed)
 {
   ProblemParts parts;
   parts.coordinates = "1 0 0\n2 2 0\n3 4 0";

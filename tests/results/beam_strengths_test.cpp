@@ -18,7 +18,7 @@ using Doubles = std::vector<double>;
 
 constexpr double kL = 2.0;
 
-// A cantilever along x with E = 100, G = 40, all section values different.
+// A cantilever along x with E = 100 and G = 40. All section values differ.
 Frame Cantilever(const std::array<double, 6>& load)
 {
   Frame frame;
@@ -78,14 +78,15 @@ TEST(GiveStrength, SignsInThePlane)
 TEST(GiveReaction, BelongsToTheEnds)
 {
   const Solved solved(ProblemText(PlaneCantilever({11, -7, 13})));
-  const Problem& problem = solved.Model();
-  const Elem& beam = *problem.GiveElem(1);
+  const NodeComponents& components = solved.Model().components;
+  const ReaVecV& reactions = solved.Result().reactions;
+  const Elem& beam = *solved.Model().GiveElem(1);
   for (const double first : {0.0, 1e-15, -1.0})
-    EXPECT_NEAR(GiveReaction(problem, solved.Result(), beam, 1, first), -11, 1e-11);
-  EXPECT_NEAR(GiveReaction(problem, solved.Result(), beam, 3, 0.0), -13 + kL * 7, 1e-11);
+    EXPECT_NEAR(GiveReaction(components, reactions, beam, 1, first), -11, 1e-11);
+  EXPECT_NEAR(GiveReaction(components, reactions, beam, 3, 0.0), -13 + kL * 7, 1e-11);
   for (const double t : {2e-15, 0.5, 0.99})
-    EXPECT_EQ(GiveReaction(problem, solved.Result(), beam, 1, t), 0.0);
-  EXPECT_EQ(GiveReaction(problem, solved.Result(), beam, 1, 1.0), 0.0);  // no support there
+    EXPECT_EQ(GiveReaction(components, reactions, beam, 1, t), 0.0);
+  EXPECT_EQ(GiveReaction(components, reactions, beam, 1, 1.0), 0.0);  // no support there
 }
 
 TEST(GiveReaction, IsZeroWithinABeamSupportedAtBothEnds)
@@ -94,11 +95,12 @@ TEST(GiveReaction, IsZeroWithinABeamSupportedAtBothEnds)
   frame.supports = {{.node = 1, .flags = kClamped, .values = {0.1, 0, 0}},
                     {.node = 2, .flags = kClamped}};
   const Solved solved(ProblemText(frame));
+  const NodeComponents& components = solved.Model().components;
+  const ReaVecV& reactions = solved.Result().reactions;
   const Elem& beam = *solved.Model().GiveElem(1);
-  EXPECT_EQ(GiveReaction(solved.Model(), solved.Result(), beam, 1, 0.5), 0.0);
-  EXPECT_NEAR(GiveReaction(solved.Model(), solved.Result(), beam, 1, 0.0), 10.0, 1e-12);
-  EXPECT_NEAR(GiveReaction(solved.Model(), solved.Result(), beam, 1, 0.999999999999999), -10.0,
-              1e-12);
+  EXPECT_EQ(GiveReaction(components, reactions, beam, 1, 0.5), 0.0);
+  EXPECT_NEAR(GiveReaction(components, reactions, beam, 1, 0.0), 10.0, 1e-12);
+  EXPECT_NEAR(GiveReaction(components, reactions, beam, 1, 0.999999999999999), -10.0, 1e-12);
 }
 
 // Without loads on the span the deflection is exactly cubic: P·x²·(3L - x)/(6EI) for a
@@ -154,7 +156,8 @@ TEST(SpanDisplacements, EndAtTheNodes)
 
 TEST(ReleaseHingedRotations, LeavesHingedEndsWithoutMoment)
 {
-  // The moment at an end is proportional to 2θ + θ' - 3·chord, θ' being the other rotation.
+  // The moment at an end is proportional to 2θ + θ' - 3·chord, where θ' is the rotation of the
+  // other end.
   const auto moment = [](double own, double other, double chord) {
     return 2 * own + other - 3 * chord;
   };

@@ -1,5 +1,5 @@
-// No result file holds a number that is not finite: where the solution has none, loads,
-// lengths and units must not make one either.
+// No result file has a number that is not finite, even when the solution is finite and only loads,
+// lengths or units are too large for the values computed from it.
 
 #include "results/finite_results.h"
 
@@ -17,7 +17,7 @@ namespace {
 const char* const kNoSolution =
     "error when solving system. Probably boundary conditions are not correct\n";
 
-// A beam of the given length with both ends clamped: no displacement, whatever acts on it.
+// A beam of the given length with both ends clamped: all displacements are 0 under any load.
 ProblemParts Clamped(const std::string& length = "1")
 {
   return ProblemParts()

@@ -13,7 +13,7 @@ namespace morlen {
 
 namespace {
 
-// A triangle all of whose values are round: N = (4, 8, 1), M = (2, 1, 0.5), Q = (3, 6).
+// A triangle with round values: N = (4, 8, 1), M = (2, 1, 0.5), Q = (3, 6).
 ShellModel RoundNumbers(const std::string& settings)
 {
   ShellModel model;
@@ -21,7 +21,7 @@ ShellModel RoundNumbers(const std::string& settings)
   model.material = "E=1200 nu=0 Gxy=200 Gxz=600 Gyz=600 t=1";
   model.nodes = {{0, 0, 0}, {6, 0, 0}, {0, 6, 0}};
   model.triangles = {{1, 2, 3}};
-  // Strains 1/300, 1/150, 1/200; curvatures 0.02, 0.01, 0.03; the rotations are 0 on the mean.
+  // Strains 1/300, 1/150, 1/200; curvatures 0.02, 0.01, 0.03; the mean rotation is 0.
   const double ex = 4.0 / 1200, ey = 8.0 / 1200, gxy = 1.0 / 200;
   const double kx = 0.02, ky = 0.01, kxy = 0.03;
   for (int node = 1; node <= 3; ++node) {
@@ -123,7 +123,7 @@ TEST(KivShells, PointsOfSixNodeTrianglesHaveALineEach)
   EXPECT_NE(kiv.find(" Number of Gauss Points: 3\n"), std::string::npos);
   EXPECT_NE(kiv.find("Nxy'\n1 4 8 1\n 4 8 1\n 4 8 1\nMomentus"), std::string::npos) << kiv;
   EXPECT_NE(kiv.find("\"Triangles\"\n1 0 0 0\n 0 0 0\n 0 0 0\nReactions"), std::string::npos);
-  // Q = 500 (w,x - θa) on the middles of the edges 1-2, 2-3, 3-1.
+  // Q = 500 (w,x - θa) at the middles of the edges 1-2, 2-3, 3-1.
   const auto shear = KivBlock(kiv, "Shear ").at(1);
   const double points[][2] = {{3, 0}, {3, 3}, {0, 3}};
   for (int g = 0; g < 3; ++g) {
@@ -144,7 +144,7 @@ TEST(KivShells, FollowTheBeamsInOneFile)
   const std::string kiv = KivOf(model.Text());
   EXPECT_EQ(kiv.find("GaussPoints \"Beams\""), 0U);
   EXPECT_NE(kiv.find("End gausspoints\nGaussPoints \"Triangles\""), std::string::npos);
-  // Mesh by mesh: the shell was first.
+  // Mesh by mesh: the mesh of shells is the first.
   EXPECT_LT(kiv.find("Displacements "), kiv.find("BDisplacements"));
   EXPECT_LT(kiv.find("Local Axes  "), kiv.find("X'_Shear"));
 }

@@ -1,4 +1,4 @@
-// What a run on solids writes, to the letter.
+// The files that a run on solids writes, to the letter.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ namespace morlen {
 namespace {
 
 // Strains 0.01, -0.02, 0.03, 0.004, 0.005, 0.006 of a material with λ = G = 400: the stresses
-// 16, -8, 32, 1.6, 2, 2.4. The second component is known by the element only.
+// 16, -8, 32, 1.6, 2, 2.4.
 SolidModel Strained(const std::string& header, int nnode)
 {
   constexpr std::array<double, 9> kGradient = {0.01, 0.004, 0.005, 0, -0.02, 0.006, 0, 0, 0.03};
@@ -42,7 +42,7 @@ Written RunFiles(const SolidModel& model)
   return {folder.Read("out.txt"), folder.Read("model.morlen.res"), folder.Read("model.morlen.bon")};
 }
 
-// sqrt(1252.96), of the differences 24, 40, 16 and the shear stresses.
+// The von Mises stress is sqrt(1252.96): differences 24, 40, 16, and the shear stresses.
 const char* const kFourNodes =
     "Displacements   4 1.0 Estatic 2 1 1\nX\nY\nZ\n"
     "1 0 0 0\n2 0.01 0 0\n3 0.004 -0.02 0\n4 0.005 0.006 0.03\n"
@@ -55,7 +55,7 @@ const char* const kFourNodes =
 
 }  // namespace
 
-// The forces are the rows of the stresses by the gradients of the corners, over six.
+// The forces at the corners are the stress tensor times the gradients of the corners, over six.
 TEST(KivSolids, FileOfA3dHeader)
 {
   EXPECT_EQ(RunFiles(Strained("3d", 4)).kiv, std::string(kFourNodes) +
@@ -65,7 +65,7 @@ TEST(KivSolids, FileOfA3dHeader)
                                                  "4 0.333333 0.4 5.33333 \n");
 }
 
-// The blocks of reactions follow the header: two components, then the third by itself.
+// The header decides about the blocks of reactions: two components, then the third alone.
 TEST(KivSolids, FileOfA2dHeader)
 {
   EXPECT_EQ(RunFiles(Strained("2d", 4)).kiv, std::string(kFourNodes) +
@@ -138,7 +138,7 @@ TEST(KivSolids, WithoutSmoothingThereAreNoStresses)
   }
 }
 
-// Two meshes of solids can be computed, but their results not written.
+// Two meshes of solids are computed, but their results cannot be written.
 TEST(KivSolids, SecondMeshIsRefused)
 {
   SolidModel model = Strained("3d", 4);

@@ -30,7 +30,7 @@ Main MainOf(double a, double b, double c)
   return main;
 }
 
-// Axes with these Euler angles, of the test's own rotations.
+// Axes with these Euler angles, by the rotations of the test helpers.
 Axes AxesWith(const Vector3& angles)
 {
   const auto columns = AxesOfAngles(angles);
@@ -71,7 +71,7 @@ TEST(PrincipalValues, KeepTheOrderOfTheAxes)
   EXPECT_NEAR(other.second, 0.0, 1e-15);
 }
 
-// The angle is that of the tensor, whatever the unit of its values; rounding is relative.
+// The angle does not depend on the unit of the values: the limits of rounding are relative.
 TEST(PrincipalValues, HaveAnAngleInAnyUnit)
 {
   for (const double unit : {0x1p-100, 0x1p-40, 0x1p40, 0x1p100}) {  // scale without rounding
@@ -91,7 +91,7 @@ TEST(PrincipalValues, HaveAnAngleInAnyUnit)
   EXPECT_EQ(MainOf(0.0, 0.0, 0.0).angle, 0.0);
 }
 
-TEST(PrincipalValues, AreTheEigenvaluesWhateverTheTensor)
+TEST(PrincipalValues, AreTheEigenvaluesOfAnyTensor)
 {
   for (const double a : {-3.0, 0.0, 1.0, 7.5}) {
     for (const double b : {-2.0, 0.0, 1.0}) {
@@ -125,8 +125,8 @@ TEST(PrincipalAxes, AreTheLocalOnesTurnedAboutTheNormal)
   }
 }
 
-// Moments of 1e-17 beside forces of 4 on an element of 0.5 are rounding errors, and so are such
-// forces beside moments; their axes are the local ones.
+// Moments of 1e-17 at a point with forces of 4, on an element of size 0.5, are rounding errors and
+// keep the local axes. The same is true of such forces at a point with moments of 4.
 TEST(MainValues, OfRoundingErrorsKeepTheLocalAxes)
 {
   const double noise[] = {3e-17, -1e-17, 2e-17};

@@ -1,5 +1,5 @@
-// The result files of whole runs against the results in full precision, and against each
-// other. Their layouts are in the cases of runs/.
+// The result files of whole runs, compared with the results in full precision and with each other.
+// The cases of runs/ have their layouts.
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ using Doubles = std::vector<double>;
 constexpr int kDivisions = 5;
 constexpr double kSixDigits = 5e-6;
 
-// A frame whose renumbering moves every node; node 3 has no support.
+// A frame in which renumbering moves every node. Node 3 has no support.
 Frame SpaceFrame()
 {
   Frame frame;
@@ -104,7 +104,7 @@ protected:
 
 }  // namespace
 
-TEST_P(ResultFiles, TextResultsHoldEverythingByUserNumbers)
+TEST_P(ResultFiles, TextResultsAreCompleteByUserNumbers)
 {
   const TextResults text = ParseTextResults(files.text);
   ASSERT_EQ(text.displacements.size(), frame.nodes.size());
@@ -129,7 +129,7 @@ TEST_P(ResultFiles, TitlesOfBeamsNameTheNodesOfTheFile)
   }
 }
 
-TEST_P(ResultFiles, PostProcessBlocksStandInOrder)
+TEST_P(ResultFiles, PostProcessBlocksAreInOrder)
 {
   const std::vector<std::string> space = {
       "BDisplacements", "X'_Shear",    "Y'_Shear",        "Z'_Shear",  "X'_Momentus",
@@ -152,7 +152,7 @@ TEST_P(ResultFiles, DeflectionsAreThoseOfTheSpan)
   }
 }
 
-TEST_P(ResultFiles, DiagramsHoldTheForcesAndTheirDrawing)
+TEST_P(ResultFiles, DiagramsHaveTheForcesAndTheirDrawing)
 {
   const std::vector<std::string> names = KivBlockNames(files.kiv);
   for (int component = 1; component <= n; ++component) {
@@ -164,7 +164,7 @@ TEST_P(ResultFiles, DiagramsHoldTheForcesAndTheirDrawing)
         const double value = solved.Strength(beam, component, static_cast<double>(i) / kDivisions);
         ASSERT_EQ(points[i].size(), 4u);
         ExpectPrinted({points[i][3]}, {value});
-        // The drawing stands at right angles to the beam and is as long as the value.
+        // The drawing is perpendicular to the beam and as long as the value.
         const Vector3& a = frame.nodes[frame.beams[beam - 1].first - 1];
         const Vector3& b = frame.nodes[frame.beams[beam - 1].second - 1];
         double along = 0.0;
@@ -178,7 +178,7 @@ TEST_P(ResultFiles, DiagramsHoldTheForcesAndTheirDrawing)
   }
 }
 
-TEST_P(ResultFiles, AxesStandAtTheMiddlePoint)
+TEST_P(ResultFiles, AxesAreAtTheMiddlePoint)
 {
   for (const auto& [beam, points] : KivBlock(files.kiv, "Local Axes Beam")) {
     ASSERT_EQ(points.size(), static_cast<std::size_t>(kDivisions) + 1);

@@ -16,8 +16,8 @@ namespace morlen {
 
 namespace {
 
-// Two sloping squares at a fold (nodes 2 and 5) of the given angle, all nodes moved in some way
-// that gives every triangle forces of its own.
+// Two sloping squares with a fold of the given angle between them (nodes 2 and 5). All nodes are
+// moved so that the forces of all triangles differ.
 ShellModel Moved(double fold, const std::string& settings)
 {
   constexpr double slope = 0.5;
@@ -58,8 +58,8 @@ void ExpectSame(const Forces& actual, const Forces& expected, int begin, int end
   }
 }
 
-// The values at the corner of a triangle: its only point's, or the line through three points
-// on the middles of the edges.
+// The values at the corner of a triangle: those of its only point, or the linear extrapolation from
+// three points at the middles of the edges.
 double AtCorner(const std::vector<ShellForces>& points, int corner, int k)
 {
   if (points.size() == 1)
@@ -111,7 +111,7 @@ TEST(SmoothShell, AveragesOverTheElementsOfOnePlane)
 
 TEST(SmoothShell, TwoTrianglesShareTwoCorners)
 {
-  // Each keeps its value at one corner: (2 own + other) / 3.
+  // Each triangle keeps its value at one corner: (2 own + other) / 3.
   ShellModel rough = Moved(0.0, "");
   rough.triangles.resize(2);
   rough.nodes.resize(6);
@@ -157,8 +157,8 @@ TEST(SmoothShell, LeavesAConstantStateAlone)
 
 namespace {
 
-// Two triangles in one plane, stretched along x by 0.001 (with E t = 500: N = 0.5) and the
-// second turned state: stretched along the diagonal. The same tensor but for the axes.
+// Two triangles in one plane. The first is stretched along x by 0.001 (N = 0.5 with E t = 500), the
+// second is sheared.
 ShellModel TwoStates(const std::string& settings)
 {
   ShellModel model;
@@ -176,7 +176,7 @@ ShellModel TwoStates(const std::string& settings)
 
 }  // namespace
 
-TEST(SmoothShell, OfPrincipalValuesGoesByThePrincipalAxes)
+TEST(SmoothShell, OfPrincipalValuesComparesPrincipalAxes)
 {
   // N = (0.5, 0, 0) along x, and pure shear 0.25: principal 0.25 and -0.25 at 45 degrees.
   for (const std::string conversion : {"", "ConvertTo6Nodes"}) {
@@ -189,7 +189,7 @@ TEST(SmoothShell, OfPrincipalValuesGoesByThePrincipalAxes)
   }
 }
 
-TEST(SmoothShell, OfBothModesTreatsEachByItsOwnAxes)
+TEST(SmoothShell, OfBothKindsComparesTheAxesOfEach)
 {
   const Forces rough = AllForces(TwoStates("MainAndLocalStresses"));
   const Solved solved(TwoStates("MainAndLocalStresses\nDoSmoothing 0.7").Text());
@@ -202,7 +202,7 @@ TEST(SmoothShell, OfBothModesTreatsEachByItsOwnAxes)
 
 TEST(SmoothShell, HasNoLimitOfGroups)
 {
-  // 24 triangles around a node, each in a plane of its own.
+  // 24 triangles around a node, all in different planes.
   ShellModel model;
   model.nodes = {{0, 0, 1}};
   for (int i = 0; i < 24; ++i) {

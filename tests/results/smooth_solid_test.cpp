@@ -61,7 +61,7 @@ TEST_P(SmoothSolid, IsTheMeanOfTheElementsAroundANode)
   }
 }
 
-// Every element counts once, however large it is.
+// Large and small elements have the same weight.
 TEST_P(SmoothSolid, DoesNotWeighTheElements)
 {
   SolidModel model = Pair(GetParam(), Kinked);
@@ -71,7 +71,7 @@ TEST_P(SmoothSolid, DoesNotWeighTheElements)
   EXPECT_NEAR(StressX(Solved(model.Text()), 1), 20.0, 1e-10);
 }
 
-TEST_P(SmoothSolid, IsOnWithoutBeingAskedFor)
+TEST_P(SmoothSolid, IsOnByDefault)
 {
   SolidModel model = Pair(GetParam(), Kinked);
   EXPECT_TRUE(ReadProject(model.Text())->problem.smoothing.on);
@@ -79,7 +79,7 @@ TEST_P(SmoothSolid, IsOnWithoutBeingAskedFor)
   EXPECT_NEAR(StressX(Solved(model.Text()), 1), 20.0, 1e-10);
 }
 
-// ux = x²/10 with nu = 0: the stress 200 x at the corners, from points that lie inside.
+// ux = x²/10 with nu = 0: the stress is 200 x at the corners, extrapolated from the inner points.
 TEST(SmoothSolidOfTenNodes, ExtrapolatesLinearly)
 {
   const auto square = [](const Vector3& x) { return Vector3{0.1 * x[0] * x[0], 0, 0}; };
@@ -89,8 +89,8 @@ TEST(SmoothSolidOfTenNodes, ExtrapolatesLinearly)
     EXPECT_NEAR(StressX(solved, static_cast<int>(i) + 1), 200.0 * model.nodes[i][0], 2e-5) << i;
 }
 
-// In one element with a curved stress the middles take the mean of their edge's corners.
-TEST(SmoothSolidOfTenNodes, MiddlesTakeTheMeanOfTheirCorners)
+// In one element the middle of an edge has the mean of its ends.
+TEST(SmoothSolidOfTenNodes, MiddlesHaveTheMeanOfTheirCorners)
 {
   SolidModel model = UnitSolid(10);
   model.nodes[4] = {0.45, 0.05, 0.02};  // a curved edge
@@ -110,7 +110,7 @@ TEST(SmoothSolidOfTenNodes, MiddlesTakeTheMeanOfTheirCorners)
   }
 }
 
-// The values at the points are those at the corners, with the point's natural coordinates.
+// Linear interpolation between the extrapolated corners gives the values at the points again.
 TEST(SmoothSolidOfTenNodes, PointsLieBetweenTheCornerValues)
 {
   SolidModel model = UnitSolid(10);
@@ -121,11 +121,10 @@ TEST(SmoothSolidOfTenNodes, PointsLieBetweenTheCornerValues)
   const ReaVecV& points = solved.Result().results[0].strengths;
   ASSERT_EQ(points.Size(), 24);
   constexpr double a = 0.5854102, b = 0.1381966;
-  for (int g = 0; g < 4; ++g) {
+  for (int g = 0; g < 4; ++g) {  // point g is nearest to corner g + 1, the last one to corner 0
     for (int k = 0; k < 6; ++k) {
       double value = 0.0;
-      for (int corner = 0; corner < 4;
-           ++corner)  // point g is nearest to corner g + 1, the last to 0
+      for (int corner = 0; corner < 4; ++corner)
         value += (corner == (g + 1) % 4 ? a : b) * StressAt(solved, corner + 1)[k];
       EXPECT_NEAR(points(6 * g + k + 1), value, 1e-10);
     }
@@ -135,7 +134,7 @@ TEST(SmoothSolidOfTenNodes, PointsLieBetweenTheCornerValues)
 TEST_P(SmoothSolid, NodeWithoutElementsEndsTheRun)
 {
   SolidModel model = Pair(GetParam(), Kinked);
-  // In the middle of the numbers, so that renumbering would show.
+  // A node in the middle of the numbers: the message would differ after renumbering.
   for (std::vector<int>& elem : model.elements) {
     for (int& node : elem)
       node += node >= 3 ? 1 : 0;

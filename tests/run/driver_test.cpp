@@ -20,7 +20,7 @@ const char* const kUsage =
     "    -e: write error messages in file 'errorfile'\n"
     "    -r0: inhibit renumbering of the nodes\n";
 
-// A cantilever as files of a run, under these names.
+// Runs the program in a folder of the test.
 class DriverTest : public testing::Test
 {
 protected:
@@ -29,7 +29,7 @@ protected:
     folder.Write(name, problem);
   }
 
-  // Runs and expects success; the standard output may hold something.
+  // Runs and expects success. Returns the standard output.
   std::string Succeed(const std::vector<std::string>& arguments)
   {
     const RunResult run = RunProgram(folder, arguments);
@@ -80,10 +80,10 @@ TEST_F(DriverTest, WithoutOptionsOnlyThePostProcessResultsAreWritten)
   EXPECT_EQ(FileNames(), (Names{"model.dat", "model.morlen.res"}));
 }
 
-TEST_F(DriverTest, OutputFileHoldsTheTextResults)
+TEST_F(DriverTest, OutputFileContainsTheTextResults)
 {
   WriteProblem("model.dat");
-  folder.Write("out.txt", "an older and longer content that must not stay behind the new one" +
+  folder.Write("out.txt", "an older and longer content that must be replaced completely" +
                               std::string(5000, '.'));
   EXPECT_EQ(Succeed({"model.dat", "out.txt"}), "");
   EXPECT_EQ(FileNames(), (Names{"model.dat", "model.morlen.res", "out.txt"}));
@@ -94,7 +94,7 @@ TEST_F(DriverTest, OutputFileHoldsTheTextResults)
             "\n\nREACTIONS (Px Py M)\n1  0 0 0\n");
 }
 
-TEST_F(DriverTest, OptionsBeforeTheProblemFileAreHonoured)
+TEST_F(DriverTest, OptionsPrecedeTheProblemFile)
 {
   WriteProblem("model.dat");
   Succeed({"-r0", "-p", "model.dat"});
@@ -110,7 +110,7 @@ TEST_F(DriverTest, LastOfRepeatedOptionsWins)
   EXPECT_EQ(folder.Read("e2"), "");
 }
 
-TEST_F(DriverTest, ValueOfAnOptionIsTakenUnchecked)
+TEST_F(DriverTest, ValueOfAnOptionIsNotChecked)
 {
   WriteProblem("model.dat");
   // "-p" is the name of the information file, which begins with '-': standard output.
@@ -118,7 +118,7 @@ TEST_F(DriverTest, ValueOfAnOptionIsTakenUnchecked)
   EXPECT_EQ(FileNames(), (Names{"model.dat", "model.morlen.res"}));
 }
 
-TEST_F(DriverTest, OptionBehindTheProblemFileIsTheOutputFile)
+TEST_F(DriverTest, OptionAfterTheProblemFileIsTheOutputFile)
 {
   WriteProblem("model.dat");
   Succeed({"model.dat", "-p"});
@@ -191,7 +191,7 @@ TEST_F(DriverTest, InformationFileIsOpenedBeforeTheErrorFile)
   EXPECT_FALSE(folder.Has("errs.txt"));
 }
 
-TEST_F(DriverTest, ErrorFileTakesTheMessages)
+TEST_F(DriverTest, MessagesGoToTheErrorFile)
 {
   WriteProblem("model.dat", "problem type 1d\n");
   Fail({"-e", "errs.txt", "model.dat"}, "", "");
@@ -208,7 +208,7 @@ TEST_F(DriverTest, ErrorFileNamedWithADashIsTheStandardOutput)
   Fail({"-e", "-any", "model.dat"}, "Type of problem unknown. Only 2d and 3d\n", "");
 }
 
-TEST_F(DriverTest, FullDiskEndsTheRunWhicheverResultsItLoses)
+TEST_F(DriverTest, FullDiskForAnyResultFileEndsTheRun)
 {
   for (const char* lost : {"model.morlen.res", "model.morlen.bon", "out.txt"}) {
     SCOPED_TRACE(lost);
@@ -221,7 +221,7 @@ TEST_F(DriverTest, FullDiskEndsTheRunWhicheverResultsItLoses)
   }
 }
 
-TEST_F(DriverTest, FullDiskForTheMessagesLosesNoResults)
+TEST_F(DriverTest, FullDiskForTheMessagesKeepsTheResults)
 {
   WriteProblem("model.dat");
   Succeed({"model.dat"});
@@ -273,7 +273,7 @@ TEST_F(DriverTest, TotalTimeIsGivenInMinutesAndSeconds)
   const double seconds = std::stod(times[2]);
   EXPECT_GE(seconds, 0.0);
   EXPECT_LT(seconds, 10.0);
-  EXPECT_NEAR(minutes, seconds / 60.0, 0.1 * minutes);  // both have two digits
+  EXPECT_NEAR(minutes, seconds / 60.0, 0.1 * minutes);  // both are printed with two digits
 }
 
 TEST_F(DriverTest, InformationOnStandardOutputIsTheSameAsInAFile)
@@ -287,7 +287,7 @@ TEST_F(DriverTest, InformationOnStandardOutputIsTheSameAsInAFile)
   EXPECT_EQ(withoutTime(out), withoutTime(folder.Read("info.txt")));
 }
 
-TEST_F(DriverTest, InformationStopsWhereAnErrorEndsTheRun)
+TEST_F(DriverTest, InformationEndsAtTheStageOfAnError)
 {
   WriteProblem("model.dat", ProblemParts().With(&ProblemParts::constraints, "").Text());
   const RunResult run = RunProgram(folder, {"-i", "-", "model.dat"});
@@ -303,15 +303,16 @@ TEST_F(DriverTest, RenumberingIsInhibitedByR0)
                                 .With(&ProblemParts::coordinates, "1 0 0\n2 2 0\n3 1 0\n4 3 0")
                                 .With(&ProblemParts::elements, "1 1 3 1\n2 3 2 1\n3 2 4 1")
                                 .Text());
-  // Rows of 1 2 3 and three times 4 5 6 entries, when neighbours follow each other.
+  // Profile when neighbours have consecutive numbers: rows of 1 2 3 entries, then three times 4
+  // 5 6.
   const std::string renumbered = Succeed({"-i", "-", "model.dat"});
   EXPECT_NE(renumbered.find("Total number of positions= 51\n"), std::string::npos) << renumbered;
-  // Twice 1 2 3 and twice 7 8 9.
+  // Profile as read: twice rows of 1 2 3 entries, and twice 7 8 9.
   const std::string asRead = Succeed({"-i", "-", "-r0", "model.dat"});
   EXPECT_NE(asRead.find("Total number of positions= 60\n"), std::string::npos) << asRead;
 }
 
-TEST_F(DriverTest, AFolderIsAProblemFileWithoutWords)
+TEST_F(DriverTest, AFolderIsReadAsAnEmptyProblemFile)
 {
   folder.Write("folder/file", "");
   const RunResult run = RunProgram(folder, {"folder"});

@@ -1,4 +1,4 @@
-// No file of a run may be written over another one: refused before anything is opened.
+// A run whose files are not all different is refused before any file is opened for writing.
 
 #include "run/file_identity.h"
 
@@ -23,7 +23,7 @@ class FileIdentityTest : public testing::Test
 protected:
   FileIdentityTest() { folder.Write("model.dat", problem); }
 
-  // Runs and expects that it is refused, and that no file has changed.
+  // Runs the program. It must be refused and change no file.
   void ExpectRefused(const std::vector<std::string>& arguments, const std::string& first,
                      const std::string& second, const std::string& name)
   {
@@ -50,14 +50,14 @@ protected:
 
 }  // namespace
 
-TEST_F(FileIdentityTest, ProblemFileIsNotWrittenOver)
+TEST_F(FileIdentityTest, ProblemFileIsNotOverwritten)
 {
   ExpectRefused({"model.dat", "model.dat"}, "problem file", "text results file", "model.dat");
   ExpectRefused({"-i", "model.dat", "model.dat"}, "problem file", "information file", "model.dat");
   ExpectRefused({"-e", "model.dat", "model.dat"}, "problem file", "error file", "model.dat");
 }
 
-TEST_F(FileIdentityTest, ProblemFileIsKnownUnderItsOtherNames)
+TEST_F(FileIdentityTest, OtherNamesOfTheProblemFileAreFound)
 {
   folder.Link("link.txt", "model.dat");
   fs::create_hard_link(folder.Path() / "model.dat", folder.Path() / "hard.txt");
@@ -102,13 +102,13 @@ TEST_F(FileIdentityTest, MeshFileCountsOnlyWhenItIsWritten)
   EXPECT_NE(folder.Read("model.morlen.bon"), "");
 }
 
-TEST_F(FileIdentityTest, DevicesAndStandardOutputMayStandTwice)
+TEST_F(FileIdentityTest, DevicesAndStandardOutputMayBeNamedTwice)
 {
   ExpectAccepted({"-i", "/dev/null", "-e", "/dev/null", "model.dat", "/dev/null"});
   ExpectAccepted({"-i", "-", "-e", "-", "model.dat"});
 }
 
-TEST_F(FileIdentityTest, StandardOutputInAFileIsOneOfTheFiles)
+TEST_F(FileIdentityTest, AFileThatReceivesStandardOutputIsCompared)
 {
   const RunResult run =
       RunProgram(folder, {"-i", "-", "model.dat", "out.txt"}, {.standardOutput = "out.txt"});
@@ -117,14 +117,14 @@ TEST_F(FileIdentityTest, StandardOutputInAFileIsOneOfTheFiles)
             "error: the standard output and the text results file are the same file: out.txt\n");
 }
 
-TEST_F(FileIdentityTest, EmptyNamesAreLeftToTheOpening)
+TEST_F(FileIdentityTest, EmptyNamesFailOnOpening)
 {
   const RunResult run = RunProgram(folder, {"-i", "", "-e", "", "model.dat", ""});
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.err, "can't open file \n");
 }
 
-TEST_F(FileIdentityTest, FoldersThatDoNotExistAreLeftToTheOpening)
+TEST_F(FileIdentityTest, FilesInMissingFoldersAreNotCompared)
 {
   ExpectFatal(
       [] {

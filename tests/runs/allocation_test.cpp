@@ -1,5 +1,5 @@
-// Every allocation of a run fails in turn: alone, and with all that follow. The run ends with
-// its results, or with status 2 and the message.
+// Every allocation of a run is made to fail in turn, alone and with all later ones. The run must
+// end with its results, or with status 2 and a message.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ using Files = std::map<std::string, std::string>;
 const std::vector<std::string> kArguments = {"-p",      "-i",        "info.txt", "-e",
                                              "err.txt", "model.dat", "out.txt"};
 
-// Without the processor time and with the messages of the error file at hand.
+// The files of a run, without the processor time in the information file.
 Files FilesOf(const TemporaryFolder& folder)
 {
   Files files = folder.Files();
@@ -59,11 +59,11 @@ void ExpectSurvived(const std::string& problem, const Files& results, long first
       << run.err << errors;
 }
 
-// All allocations in turn, or about `most` of them.
+// Lets the allocations fail in turn: all of them, or about `most`.
 void FailEach(const std::string& problem, long most)
 {
   if (kSanitized)
-    GTEST_SKIP() << "a sanitizer has an allocator of its own";
+    GTEST_SKIP() << "a sanitizer replaces the allocator";
   const TemporaryFolder folder;
   folder.Write("model.dat", problem);
   ASSERT_EQ(RunFailing(folder, 0, 0).status, 0);
@@ -95,7 +95,7 @@ std::string Triangles(const std::string& settings)
 
 }  // namespace
 
-TEST(Allocations, OfAFrameFailInTurn)
+TEST(Allocations, OfAFrameMayFail)
 {
   FailEach(ProblemParts()
                .With(&ProblemParts::elements, "1 1 2 1 A 2")
@@ -106,12 +106,12 @@ TEST(Allocations, OfAFrameFailInTurn)
            200);
 }
 
-TEST(Allocations, OfShellsFailInTurn)
+TEST(Allocations, OfShellsMayFail)
 {
   FailEach(Triangles("MainAndLocalStresses\nDoSmoothing 0.1"), 60);
 }
 
-TEST(Allocations, OfTheIterativeSolverFailInTurn)
+TEST(Allocations, OfTheIterativeSolverMayFail)
 {
   FailEach(Triangles("ConvertTo6Nodes\nSolver Sparse 1e-10 1e-8 1000"), 60);
 }

@@ -1,5 +1,5 @@
-// What can go wrong around a run: files that cannot grow, streams that are closed, runs that
-// are killed. A run ends with its results, or with status 2 and a message.
+// Faults of the environment of a run: limited files and memory, closed streams, kills. A run must
+// end with its results, or with status 2 and a message.
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ namespace {
 
 const char* const kFull = "error: Failed writing to disk. Probably the disk is full\n";
 
-// Two beams with a load between their ends: results of some thousand bytes.
+// Two beams in the plane with nodal loads. The results have some thousand bytes.
 std::string Problem()
 {
   return ProblemParts()
@@ -32,7 +32,7 @@ std::string Problem()
 
 const std::vector<std::string> kAllResults = {"-p", "model.dat", "out.txt"};
 
-// The files of a run of which nothing goes wrong.
+// The files of a run without faults.
 std::map<std::string, std::string> Results(const std::vector<std::string>& arguments = kAllResults)
 {
   const TemporaryFolder folder;
@@ -76,7 +76,7 @@ TEST(Faults, FilesThatCannotGrowEndTheRun)
   }
 }
 
-TEST(Faults, MessagesThatCannotBeWrittenLoseNoResults)
+TEST(Faults, UnwritableInformationKeepsTheResults)
 {
   const std::vector<std::string> arguments = {"-i", "info.txt", "-e", "err.txt", "model.dat"};
   auto results = Results(arguments);
@@ -89,7 +89,7 @@ TEST(Faults, MessagesThatCannotBeWrittenLoseNoResults)
   EXPECT_EQ(folder.Read("model.morlen.res"), results["model.morlen.res"]);
 }
 
-TEST(Faults, ALostMessageStillEndsTheRunWithItsStatus)
+TEST(Faults, AnErrorWithAnUnwritableMessageKeepsItsExitStatus)
 {
   for (const long limit : {0L, 1L, 10L}) {
     const TemporaryFolder folder;
@@ -116,7 +116,7 @@ TEST(Faults, ClosedStandardStreamsChangeNoFile)
   }
 }
 
-TEST(Faults, MessagesToAClosedStreamEnterNoFile)
+TEST(Faults, MessagesToAClosedStreamAreInNoFile)
 {
   const TemporaryFolder folder;
   folder.Write("model.dat", Problem());
@@ -143,7 +143,7 @@ TEST(Faults, LittleMemoryEndsTheRun)
     GTEST_SKIP() << "a sanitizer reserves memory far beyond the limits here";
   const std::map<std::string, std::string> results = Results();
   constexpr long kMegabyte = 1 << 20;
-  for (long size = 16; size <= 64; size += 4) {  // below, the loader of programs fails
+  for (long size = 16; size <= 64; size += 4) {  // with less the system cannot load the program
     SCOPED_TRACE(size);
     const TemporaryFolder folder;
     folder.Write("model.dat", Problem());
@@ -156,7 +156,7 @@ TEST(Faults, LittleMemoryEndsTheRun)
   }
 }
 
-TEST(SameBytes, OnRepeatedRunsInOtherLocalesAndOnAnotherHeap)
+TEST(SameBytes, InRepeatedRunsInOtherLocalesAndWithOtherHeapContents)
 {
   const std::map<std::string, std::string> results = Results();
   const std::vector<std::vector<std::pair<std::string, std::string>>> environments = {
@@ -176,8 +176,8 @@ TEST(SameBytes, OnRepeatedRunsInOtherLocalesAndOnAnotherHeap)
 
 namespace {
 
-// A chain of plane beams and one from its first node to its last: a profile of the square
-// of three times the number of nodes, by eight bytes.
+// Plane beams from node 1 to every other node: with the numbers of the file, the matrix has about
+// (3 * nodes)²/2 numbers of eight bytes.
 std::string WideProblem(int nodes)
 {
   ProblemParts parts;

@@ -1,5 +1,5 @@
-// Inputs that are large in one thing: memory goes by what is there, not by the highest
-// number, and long chains need no deep stack.
+// Inputs with very many items of one kind. Memory is proportional to the number of items, not to
+// the highest item number, and long chains of loads do not need a deep stack.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ namespace {
 
 constexpr long kStack = 256 << 10;
 
-// Records of consecutive numbers, or of numbers this far apart.
+// Records with numbers from 1 + step on, `step` apart.
 std::string Records(int count, int step, const std::string& rest)
 {
   std::string records;
@@ -32,7 +32,8 @@ std::string Repeated(int count, const std::string& record)
   return records;
 }
 
-// Runs with a small stack, and expects at most 64 MiB and 100 bytes for each of the input.
+// Runs with a small stack. Expects success with at most 64 MiB and 100 bytes for each byte of
+// input.
 void ExpectAffordable(const ProblemParts& parts)
 {
   ProblemParts shortened = parts;
@@ -63,7 +64,7 @@ TEST(LargeInput, MaterialsWithNumbersFarApart)
                                        "1 E 1 A 1 Iz 1\n" + Records(100000, 100, " A 1")));
 }
 
-TEST(LargeInput, ElementsWithMaterialsOfTheirOwn)
+TEST(LargeInput, ElementsWithMaterialItems)
 {
   ExpectAffordable(
       ProblemParts().With(&ProblemParts::elements, "1 1 2 1\n" + Records(50000, 1, " 1 2 1 A 1")));

@@ -1,4 +1,4 @@
-// The messages that end a run, as the user sees them: through the program, to the letter.
+// The messages that end a run, compared letter by letter in runs of the program.
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ struct Refused
   std::string message;
 };
 
-// Expects that the program ends on the problem with exactly this message and no results.
+// Runs the program on the problem. It must end with exactly this message and without results.
 void ExpectRefused(const Refused& refused, const std::vector<std::string>& options = {})
 {
   SCOPED_TRACE(refused.message);
@@ -236,12 +236,12 @@ TEST(Messages, OfElementsAndSections)
     ExpectRefused(refused);
 }
 
-// The node and the degree are named as if every node had six.
+// The message computes node and degree as if every node had six degrees.
 TEST(Messages, NameTheDegreeThatIsFree)
 {
   static const char* const names[] = {"X displ.",   "Y displ.",   "Z displ.",
                                       "X rotation", "Y rotation", "Z rotation"};
-  // Node 3 is in no element and free from one component on.
+  // Node 3 belongs to no element. One of its components is free.
   for (int degree = 1; degree <= 6; ++degree) {
     std::string flags(6, '1');
     flags[degree - 1] = '0';
@@ -254,7 +254,7 @@ TEST(Messages, NameTheDegreeThatIsFree)
   }
 }
 
-TEST(Messages, RefuseStructuresThatCanMove)
+TEST(Messages, RefuseMechanisms)
 {
   const auto supports = &ProblemParts::constraints;
   const Refused cases[] = {
@@ -268,7 +268,7 @@ TEST(Messages, RefuseStructuresThatCanMove)
            .With(supports, "1 111011 0 0 0 0 0 0\n2 000000 0 0 0 0 0 0\n3 000000 0 0 0 0 0 0")
            .Text(),
        ZeroDiagonal(16, 3, 4, "X rotation")},
-      // A roller that moves along the line to the hinge's circle.
+      // The roller is free along the tangent of the circle about the pinned node.
       {With(supports, "1 110 0 0 0\n2 010 0 0 0 Euler1=1.5707963267948966"),
        ZeroDiagonal(6, 1, 6, "Z rotation")},
   };
@@ -278,9 +278,9 @@ TEST(Messages, RefuseStructuresThatCanMove)
   }
 }
 
-TEST(Messages, RefuseSlopedStructuresThatCanMove)
+TEST(Messages, RefuseSlopedMechanisms)
 {
-  // Rounding leaves a small pivot where an exact calculation finds zero.
+  // The pivot is zero in exact arithmetic and small but not zero after rounding.
   const std::string problem = ProblemParts()
                                   .With(&ProblemParts::coordinates, "1 0 0\n2 0.3 0.7\n3 1.1 0.9")
                                   .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
@@ -292,7 +292,7 @@ TEST(Messages, RefuseSlopedStructuresThatCanMove)
 
 TEST(Messages, NameTheUsersNodeAfterARenumbering)
 {
-  // Node 3 is farthest out and comes first, then 2, then 1.
+  // The renumbered order is 3, 2, 1: node 3 is the farthest one.
   const std::string problem = ProblemParts()
                                   .With(&ProblemParts::coordinates, "1 0 0\n2 1 0\n3 5 0")
                                   .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
@@ -358,8 +358,8 @@ TEST(SolverChoice, From15000EquationsTheWorkDecides)
 
 namespace {
 
-/// A cantilever of beams of one metre, inclined, with a load across its tip. Rounding of the
-/// stiffness changes its softest motion the more the longer it is.
+/// An inclined cantilever of beams of one metre with a load at its tip. The longer it is, the more
+/// the rounding of the stiffness changes its softest mode.
 std::string InclinedCantilever(int beams)
 {
   Structure s = Chain(beams, false, {std::cos(0.7), std::sin(0.7), 0});
@@ -401,9 +401,9 @@ TEST(RoughModelMessages, ARefusalSaysThatTheModelIsTooRough)
   EXPECT_FALSE(folder.Has("model.morlen.res"));
 }
 
-// A link of 5 mm between two beams, 1e8 times stiffer: of the pivot after it 1e-15 of the diagonal
-// entry is left, though nothing can move.
-TEST(RoughModelMessages, ARefusedPivotOfAStructureThatStandsIsExplained)
+// A link of 5 mm between two beams is 1e8 times stiffer than they are. The pivot after it is 1e-15
+// of its diagonal entry, although the structure is not a mechanism.
+TEST(RoughModelMessages, ARefusedPivotOfAStableStructureIsExplained)
 {
   Structure s = Chain(3, false);
   s.nodes[2][0] = 1.005;
@@ -422,7 +422,7 @@ TEST(RoughModelMessages, ARefusedPivotOfAStructureThatStandsIsExplained)
       << run.err;
 }
 
-TEST(RoughModelMessages, NothingIsSaidOfStructuresThatMove)
+TEST(RoughModelMessages, MechanismsAreNotCalledRough)
 {
   Structure s = Storeys(2, 30, kRollerInX);
   s.Load(5, {0, -1});
@@ -433,7 +433,7 @@ TEST(RoughModelMessages, NothingIsSaidOfStructuresThatMove)
   EXPECT_TRUE(run.err.ends_with("Probably boundary conditions are not correct\n")) << run.err;
 }
 
-TEST(IterationMessages, AnAcceptedResidualIsWarnedOf)
+TEST(IterationMessages, AnAcceptedResidualGivesAWarning)
 {
   const TemporaryFolder folder;
   const Structure s = Building(3, 2, 4, kClamped).LoadAll({1, 0, -1});
@@ -448,13 +448,13 @@ TEST(IterationMessages, AnAcceptedResidualIsWarnedOf)
       "warning: the iteration ended before its tolerance, with a residual of ([0-9.e+-]+). The "
       "results may be wrong by much more than that\n");
   ASSERT_TRUE(std::regex_match(run.err, warned, warning)) << run.err;
-  // Two digits are written.
+  // 0.05: the messages print two digits.
   EXPECT_NEAR(std::stod(warned[1]) / std::stod(accepted[1]), 1.0, 0.05);
   EXPECT_NE(info.find(run.err), std::string::npos);
   EXPECT_EQ(folder.Read("errors.txt"), "");
 }
 
-TEST(IterationMessages, AToleranceThatRoundingForbidsIsJudgedByTheSecond)
+TEST(IterationMessages, TheSecondToleranceDecidesWhenRoundingPreventsTheFirst)
 {
   const TemporaryFolder folder;
   const Structure s = Building(3, 2, 4, kClamped).LoadAll({1, 0, -1});
@@ -470,7 +470,7 @@ TEST(IterationMessages, AToleranceThatRoundingForbidsIsJudgedByTheSecond)
   }
 }
 
-// A load in every storey's plane holds a frame on rollers that it does not push.
+// Vertical loads do not drive the free motion of a frame on rollers along x.
 TEST(IterationMessages, AMechanismThatTheLoadsDoNotDriveIsRefused)
 {
   Structure s = Storeys(6, 40, kRollerInX);

@@ -1,8 +1,8 @@
-// Whole runs: every folder here is a case with
+// Whole runs. Every folder in this directory is a case with
 //   model.dat   the problem file,
 //   args        the arguments on one line,
 //   expected/   the files that the run writes, and "stdout" when it prints something,
-//   why.txt     where the expected numbers come from.
+//   why.txt     the source of the expected numbers.
 
 #include <gtest/gtest.h>
 
@@ -45,7 +45,8 @@ std::vector<std::string> Words(const std::string& line)
   return words;
 }
 
-// The processor time is not the same in every run, and errors of rounding not on every processor.
+// Replaces the processor times, which differ between runs, and the estimated errors, which differ
+// between processors.
 std::string WithoutTimes(const std::string& text)
 {
   static const std::regex times("Total time = [^ \n]+ min. = [^ \n]+ seg.");

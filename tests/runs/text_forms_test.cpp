@@ -1,4 +1,4 @@
-// Problem files in other spellings of their text, and files that are none.
+// Problem files with other line ends, blanks and comments, and files that are not problem files.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ namespace {
 
 using Files = std::map<std::string, std::string>;
 
-// One record of every kind that plane frames have.
+// A plane frame with a record of every kind.
 std::string Problem()
 {
   return ProblemParts()
@@ -61,7 +61,7 @@ TEST(TextForms, OtherLineEndsAndBlanksGiveTheSameResults)
   const std::map<std::string, std::string> forms = {
       {"carriage returns", Replaced(problem, "\n", "\r\n")},
       {"blanks before", Replaced(problem, "\n", "\n   ")},
-      {"blanks behind", Replaced(problem, "\n", "   \n")},
+      {"blanks after", Replaced(problem, "\n", "   \n")},
       {"empty lines", Replaced(problem, "\n", "\n\n")},
       {"empty lines with carriage returns", Replaced(problem, "\n", "\r\n\r\n")},
       {"comments", Replaced(problem, "\nend", "\n# a comment\nend")},
@@ -99,7 +99,7 @@ TEST(TextForms, ForeignBytesEndInResultsOrAMessage)
   }
 }
 
-// What lies beyond the length that is kept of a word or a line is skipped with it.
+// Characters beyond the stored length of a word or a line are skipped, not read as the next one.
 TEST(TextForms, LongLinesAndWordsAreCutNotSplit)
 {
   const std::string problem = Problem();
@@ -116,7 +116,7 @@ TEST(TextForms, LongLinesAndWordsAreCutNotSplit)
   }
 }
 
-TEST(TextForms, LongUnknownWordsAreNamedUpToTheLengthKept)
+TEST(TextForms, LongUnknownWordsAreNamedByTheirFirst1023Characters)
 {
   const RunResult run = RunOnProblem(Problem() + "\n" + std::string(5000, 'w') + "\n");
   EXPECT_EQ(run.status, 2);

@@ -1,4 +1,4 @@
-// The closed forms of the verification manual. Lengths in m and forces in kN unless said.
+// The closed forms of the verification manual. Lengths are in m and forces in kN unless stated.
 
 #include <cmath>
 #include <numbers>
@@ -25,7 +25,7 @@ constexpr double kEI = kE * kI;
 const std::string kBeamTheory = "Euler-Bernoulli beam, closed form";
 const std::string kRoark = "Young and Budynas, Roark's Formulas, beam tables";
 
-/// Members of one steel section between these nodes.
+/// A frame of members with one steel section between these nodes.
 Frame SteelFrame(bool space, const std::vector<Vector3>& nodes,
                  const std::vector<Frame::Beam>& beams, double area = kA)
 {
@@ -71,7 +71,7 @@ VerifiedSection Beams()
             kE * kA * 3.6e-4, warm.Reaction(1)[0]}}};
 }
 
-// Columns of h = 4 and a girder of l = 6 of one section, practically without axial strain.
+// Columns of h = 4 and a girder of l = 6 with one section, almost without axial strain.
 Frame Portal()
 {
   Frame frame = SteelFrame(false, {{0, 0, 0}, {0, 4, 0}, {6, 4, 0}, {6, 0, 0}},
@@ -123,7 +123,7 @@ VerifiedSection Supports()
   sprung.supports.push_back({2, {0, 2}, {0, 500}});
   sprung.loads = {{2, {0, -10}}};
   const Solved spring(ProblemText(sprung));
-  // The roller's force is normal to a plane that rises by 30 degrees.
+  // The force of the roller is normal to a plane with a slope of 30 degrees.
   Frame skew = OneBeam();
   skew.supports = {{1, {1, 1}}, {2, {0, 1}, {}, Vector3{-kPi / 6, 0, 0}}};
   const Solved roller(ProblemText(skew) + Block("global_pressure_loads", "1 0 -10"));
@@ -193,7 +193,7 @@ VerifiedSection Shells()
            {text + "0.1", source, "deflection", PlateReference(0.1), PlateDeflection(0.1), 5e-3}}};
 }
 
-/// A bar 4 × 1 × 1 along x, on rollers at its three planes through the origin, pulled.
+/// A bar of 4 × 1 × 1 along x under tension, on rollers at its three planes through the origin.
 VerifiedResult PulledBar(int nnode)
 {
   SolidModel model = SolidBlock({4, 1, 1}, {4, 1, 1}, nnode);

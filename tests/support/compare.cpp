@@ -25,8 +25,8 @@ Lines SplitLines(std::string_view text)
   }
 }
 
-// Cuts a run of blanks or of other characters from the line's beginning.
-std::string_view TakeToken(std::string_view& line)
+// Removes a run of blanks, or of other characters, from the beginning of the line and returns it.
+std::string_view CutToken(std::string_view& line)
 {
   const bool blank = line.front() == ' ';
   const std::size_t length =
@@ -48,13 +48,13 @@ bool IsWhole(std::string_view token)
   return token.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// The largest number of a line of numbers only, less the number of a node or element that
-// it may begin with; -1 for another line.
+// The largest number of a line that contains only numbers, without the number of a node or element
+// at its beginning; -1 for other lines.
 double LargestOf(std::string_view line)
 {
   double largest = line.empty() ? -1.0 : 0.0;
   for (bool first = true; !line.empty(); first = false) {
-    const std::string_view token = TakeToken(line);
+    const std::string_view token = CutToken(line);
     double value = 0.0;
     if (token.front() != ' ' && !IsNumber(token, value))
       return -1.0;
@@ -64,7 +64,7 @@ double LargestOf(std::string_view line)
   return largest;
 }
 
-// For every line the largest number of its block.
+// For each line, the largest number of its block.
 std::vector<double> Scales(const Lines& lines)
 {
   std::vector<double> scales(lines.size(), 0.0);
@@ -97,7 +97,7 @@ bool LinesAgree(std::string_view actual, std::string_view expected, double scale
                 Closeness closeness)
 {
   while (!actual.empty() && !expected.empty()) {
-    if (!Agree(TakeToken(actual), TakeToken(expected), scale, closeness))
+    if (!Agree(CutToken(actual), CutToken(expected), scale, closeness))
       return false;
   }
   return actual.empty() && expected.empty();

@@ -41,7 +41,7 @@ inline std::vector<double> Entries(const Matriu& m)
   return {m.Data(), m.Data() + m.Size()};
 }
 
-/// What operator<< writes.
+/// The text that operator<< writes.
 template <class T>
 std::string Text(const T& value)
 {

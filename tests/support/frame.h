@@ -9,11 +9,11 @@ namespace morlen {
 
 using Vector3 = std::array<double, 3>;
 
-/// A frame as data, from which a problem file is written and the reference solution is
-/// computed. Nodes, sections and beams are numbered from 1 in their order.
+/// The data of a frame. A problem file is written from it, and the reference solution is computed
+/// from it. Nodes, sections and beams are numbered from 1 in their order.
 ///
-/// Supports and loads have six components a node; in plane frames the first three count
-/// (x and y displacement, rotation about z), and z is 0.
+/// Supports and loads have six components at each node. In plane frames only the first three are
+/// used (x and y displacement, rotation about z), and z is 0.
 struct Frame
 {
   struct Section
@@ -52,25 +52,24 @@ struct Frame
   std::vector<Support> supports;
   std::vector<NodalLoad> loads;
 
-  /// Components of a node.
+  /// The number of components of a node.
   int Components() const { return space ? 6 : 3; }
 };
 
 /// The flags of a support that holds all components.
 constexpr std::array<int, 6> kClamped = {1, 1, 1, 1, 1, 1};
 
-/// The frame as a problem file; `settings` are lines behind its header.
+/// The frame as a problem file. settings: lines after the header.
 std::string ProblemText(const Frame& frame, const std::string& settings = "");
 
-// The records of a frame, one a line; supports and loads have this many components.
+// The records of a frame, one on each line. Supports and loads have this many components.
 std::string NodeRecords(const Frame& frame);
 std::string BeamRecords(const Frame& frame);
 std::string SectionRecords(const Frame& frame);
 std::string SupportRecords(const Frame& frame, int components);
 std::string LoadRecords(const Frame& frame, int components);
 
-/// The parts of a problem file, for files that are written by hand. Values that do not
-/// matter are left out.
+/// The parts of a problem file that is written by hand. A test states only the values that matter.
 struct ProblemParts
 {
   std::string header = "problem type 2d";
@@ -81,10 +80,10 @@ struct ProblemParts
   std::string materials = "1 E 1 A 1 Iz 1";
   std::string constraints = "1 111 0 0 0";
   std::string loads = "2 0 0 0";
-  std::string rest = "";  ///< lines behind the loads
+  std::string rest = "";  ///< lines after the loads
 
   std::string Text() const;
-  /// The same with another value of one part.
+  /// A copy with another value of one part.
   ProblemParts With(std::string ProblemParts::*part, const std::string& value) const;
 };
 

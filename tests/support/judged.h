@@ -6,33 +6,34 @@
 
 namespace morlen {
 
-/// How a run in this process ended, and how far its results are from the reference.
+/// The outcome of a run in this process, and the errors of its results against the reference.
 struct Judged
 {
-  std::string message;  ///< that ended the run; empty when it was solved
+  std::string message;  ///< the message that ended the run; empty when the model was solved
   std::string info;     ///< the information stream
-  bool warned = false;  ///< there or on standard error
-  bool direct = false;  ///< which solver it was
+  bool warned = false;  ///< a warning in the information stream or on standard error
+  bool direct = false;  ///< solved by the direct solver
   double seconds = 0.0;
   Errors errors;
 
   bool IsSolved() const { return message.empty(); }
-  /// "too rough" in the message: solvable, but not with the digits there are.
+  /// True when the message says "too rough": the model can be solved only with more digits.
   bool IsTooRough() const { return message.find("too rough") != std::string::npos; }
-  /// The message of a pivot, of the iteration, or of a solution that does not hold its loads.
+  /// True for the message of a refused pivot, of the iteration, or of a solution that does not
+  /// balance its loads.
   bool IsSolverRefusal() const
   {
     return message.find("error when solving system") != std::string::npos;
   }
-  /// One line: how it ended, and the errors.
+  /// The outcome and the errors in one line.
   std::string Text() const;
 };
 
-/// Runs the structure; without a reference the errors stay 0.
+/// Runs the structure. Without a reference the errors are 0.
 Judged Judge(const Structure& structure, const std::string& settings,
              const PreciseResults* exact = nullptr);
 
-/// A name of a test from a text: its letters and digits, words with capitals.
+/// A test name made of the letters and digits of a text, with a capital for each word.
 std::string TestName(const std::string& text);
 
 }  // namespace morlen

@@ -24,7 +24,7 @@ constexpr double kRounding = 1e-10;
 
 using Components = std::array<double, 6>;
 
-// Force and moment of something that acts at a point.
+// A force and a moment that act at a point.
 struct Action
 {
   Vector3 at;
@@ -45,7 +45,7 @@ Vector3 Position(const Node& node)
   return {node(1), node(2), node.Size() == 3 ? node(3) : 0.0};
 }
 
-// Neither a resultant nor a moment about the origin.
+// Expects that the resultant and the moment about the origin are 0.
 void ExpectBalance(const std::vector<Action>& actions, double leastScale)
 {
   Components sum{};
@@ -66,7 +66,7 @@ void ExpectBalance(const std::vector<Action>& actions, double leastScale)
     EXPECT_NEAR(sum[i], 0.0, kRounding * scale) << "component " << i + 1;
 }
 
-// Loads and supports of a node.
+// The loads and the reactions of a node.
 std::vector<Action> OuterActions(const Node& node, int n)
 {
   std::vector<Action> actions;
@@ -77,7 +77,7 @@ std::vector<Action> OuterActions(const Node& node, int n)
   return actions;
 }
 
-// The forces of the nodes on a beam in global axes, first end, then second.
+// The forces that the nodes exert on a beam, in global axes: first end, then second.
 std::array<Action, 2> EndActions(const Solved& solved, const Elem& elem)
 {
   const Problem& problem = solved.Model();
@@ -229,7 +229,7 @@ void ExpectDiagrams(const Solved& solved, int elem, const std::vector<double>& q
   for (const double force : ends)
     scale = std::max({scale, std::fabs(force), std::fabs(force) / L});
   const auto value = [&](int k, double t) { return LoadedStrength(solved, elem, k, t); };
-  // Signs of the end forces in the diagrams, at the first end and at the second.
+  // The signs of the end forces in the diagrams at the first and at the second end.
   static const int planeSigns[2][3] = {{-1, 1, -1}, {1, -1, 1}};
   static const int spaceSigns[2][6] = {{-1, 1, 1, 1, 1, -1}, {1, -1, -1, -1, -1, 1}};
   for (int k = 1; k <= n; ++k) {

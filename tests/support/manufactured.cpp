@@ -1,5 +1,6 @@
-// Smooth fields of displacements, the loads that make them, and how fast the elements approach
-// them: the L2 norm of the error on a grid and on one with twice as many cells, by quadrature.
+// Manufactured solutions: smooth displacement fields and the loads that cause them. The order of
+// convergence follows from the L2 norm of the error on a grid and on one with twice as many cells
+// in each direction. Norms and loads are computed by quadrature.
 
 #include <cmath>
 #include <functional>
@@ -21,16 +22,17 @@ constexpr double kPi = std::numbers::pi;
 /// A field on the unit square or cube.
 using Field = std::function<Vector3(const Vector3&)>;
 
-/// A point of a quadrature over a simplex: one coordinate for each corner, and the part of the
-/// simplex that it stands for.
+/// A point of a quadrature over a simplex: one coordinate for each corner, and the weight as a part
+/// of the simplex.
 struct Point
 {
   std::vector<double> corners;
   double weight;
 };
 
-/// Gauss's rule of three points in each direction of a square or cube, one side of which is drawn
-/// together to a point (Stroud, Approximate Calculation of Multiple Integrals, 1971).
+/// The conical product rule: Gauss's rule of three points in each direction of a square or cube,
+/// one side of which is collapsed to a point (A. H. Stroud, Approximate Calculation of Multiple
+/// Integrals, 1971).
 std::vector<Point> Quadrature(int dimension)
 {
   const double off = std::sqrt(0.15);
@@ -52,7 +54,7 @@ std::vector<Point> Quadrature(int dimension)
   return points;
 }
 
-/// Shape functions, those of the middle nodes behind those of the corners.
+/// The shape functions of the corners, then those of the nodes in the middle of the edges.
 std::vector<double> Shapes(const std::vector<double>& L, std::size_t count)
 {
   if (count == L.size())
@@ -80,7 +82,8 @@ struct Grid
   std::vector<std::vector<int>> elements;
   int dimension;
 
-  /// Calls visit(element, shape functions, place, area or volume that the point stands for).
+  /// Calls visit(element, shape functions, place, part of the area or volume) for each point of the
+  /// quadrature.
   template <class Visit>
   void ForEachPoint(Visit visit) const
   {
@@ -96,7 +99,7 @@ struct Grid
     }
   }
 
-  /// The forces on the nodes that do the work of a load per area or volume.
+  /// The nodal forces that are equivalent to a load per area or volume.
   std::vector<Vector3> NodalForces(const Field& load) const
   {
     std::vector<Vector3> forces(nodes.size());
@@ -109,7 +112,7 @@ struct Grid
     return forces;
   }
 
-  /// The L2 norm of what the displacements of the nodes miss of the field.
+  /// The L2 norm of the difference between the field and the computed displacements.
   double Error(const Solved& solved, const Field& field) const
   {
     std::vector<Vector3> u;
@@ -178,7 +181,7 @@ Vector3 PlateLoad(const Vector3& p)
   return {0, 0, S(p[0]) * S(p[1])};
 }
 
-// Navier's solution with shear (Mindlin 1951): each part is the load over its stiffness.
+// Navier's solution with shear (Mindlin 1951): each amplitude is the load divided by its stiffness.
 Vector3 PlateField(const Vector3& p)
 {
   const double bending = 4 * std::pow(kPi, 4) * kE * kT * kT * kT / (12 * (1 - kNu * kNu));
@@ -191,7 +194,7 @@ bool IsEnd(double x)
   return x < 1e-9 || x > 1 - 1e-9;
 }
 
-/// The edges are held in their plane; `bending` leaves the slope across them.
+/// Holds the edges. With `bending` the rotation about an edge stays free.
 void HoldEdges(ShellModel& model, bool bending)
 {
   for (std::size_t i = 0; i < model.nodes.size(); ++i) {

@@ -5,7 +5,7 @@
 
 namespace morlen {
 
-/// What the action writes to the information stream that it is given.
+/// The text that the action writes to the information stream that it gets.
 template <class Action>
 std::string MessagesOf(Action action)
 {

@@ -51,7 +51,7 @@ struct Check
   std::map<std::string, std::string> items;
 };
 
-/// What one run wrote.
+/// The results of one run.
 class Results
 {
 public:
@@ -74,10 +74,11 @@ private:
 
   TextResults text;
   std::string kiv;
-  std::map<std::string, Block> blocks;  ///< those asked for before
+  std::map<std::string, Block> blocks;  ///< the blocks that have been read already
 };
 
-// The name may be the beginning of another one's: the blanks up to the kind belong to it.
+// The blanks between name and kind are part of the search text, because a name may be the beginning
+// of another name.
 const Results::Block& Results::Of(const std::string& name)
 {
   const auto [block, added] = blocks.try_emplace(name);
@@ -188,7 +189,7 @@ Results Run(const fs::path& file)
   return {work.Read("model.txt"), work.Read("model.morlen.res")};
 }
 
-/// A line after its first word.
+/// The rest of a line after its first word.
 std::string Rest(const std::string& line)
 {
   return line.substr(line.find(' ') + 1);

@@ -8,10 +8,10 @@
 
 namespace morlen {
 
-/// A case of tests/verification: problem files, and in expected.txt lines of
+/// A case of tests/verification: problem files, and a file expected.txt with lines of these kinds:
 ///   section, title, source   texts for the manual,
-///   run NAME FILE            a run of the program,
-///   show QUANTITY            the next check is a line of the manual,
+///   run NAME FILE            a run of the program on a problem file,
+///   show QUANTITY            puts the next check into the manual,
 ///   check RUN KIND ITEMS     a value of the results, with ref, rtol and atol: it may differ from
 ///                            ref by rtol·|ref| + atol. A block's name is the last item.
 /// The kinds: disp, react, endforce (text results); res (post-process results; comp 0 is the
@@ -22,7 +22,7 @@ struct OpenCase
 {
   std::string section;
   std::vector<VerifiedResult> shown;
-  std::vector<std::string> failures;  ///< the checks that do not hold
+  std::vector<std::string> failures;  ///< descriptions of the checks that failed
   int checks = 0;
 };
 

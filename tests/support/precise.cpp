@@ -1,5 +1,5 @@
-// Supports, the system of equations by profile, and the refinement of its solution. What is done
-// with numbers of several kinds is a template on their type R.
+// The reference solution in higher precision: supports, the profile system of equations, and the
+// refinement of its solution. Code for several number types is a template on the type R.
 
 #include "support/precise.h"
 
@@ -20,7 +20,7 @@ namespace {
 
 using namespace precise;
 
-// Numbers of 113 bits. Where the compiler has no such type, its long double is one.
+// Numbers of 113 bits. On processors without __float128, long double has 113 bits.
 #ifdef __SIZEOF_FLOAT128__
 __extension__ typedef __float128 Quad;
 #else
@@ -29,8 +29,8 @@ using Quad = long double;
 
 // --- Supports ---
 
-/// The support of each node; its axes are those of the doubles that angles have, since 1e-16 of
-/// an angle is a change of the model, not of its solution.
+/// The support of each node. Its axes are computed from the angles as doubles: a difference of
+/// 1e-16 of an angle would change the model, not the accuracy of its solution.
 template <class R>
 class Supports
 {
@@ -55,13 +55,14 @@ public:
   {
     return of[equation / n].flags[equation % n] == 2 ? Value(equation) : R(0);
   }
-  /// Sets rotations that nothing holds to 0.
+  /// Sets the rotations without stiffness to 0.
   void FixLoose(std::vector<R>& u) const
   {
     for (const int equation : loose)
       u[equation] = R(0);
   }
-  bool Takes(int equation) const
+  /// True when the support of the node may carry a force in this equation.
+  bool Carries(int equation) const
   {
     return of[equation / n].hasAxes || of[equation / n].flags[equation % n] != 0;
   }
@@ -182,7 +183,7 @@ public:
   }
 
 private:
-  /// Of the rows i and j, as far as both go, before column j.
+  /// The inner product of the rows i and j over the columns before j that both have.
   R Product(std::size_t i, std::size_t j)
   {
     const std::size_t begin = std::max(first[i], first[j]);
@@ -201,7 +202,8 @@ private:
   std::vector<R> values;
 };
 
-/// The order of the nodes in the matrix: that of the structure, or along its longest side.
+/// The order of the nodes in the matrix: that of the structure or, if the profile is smaller, that
+/// along its longest side.
 class Ordering
 {
 public:
@@ -209,13 +211,13 @@ public:
   {
     std::vector<int> order(place.size());
     std::iota(order.begin(), order.end(), 0);
-    Take(order);
+    SetPlaces(order);
     const std::vector<int> given = place;
     const std::vector<int> lowest = FirstPlaces();
     const int axis = LongestAxis();
     std::stable_sort(order.begin(), order.end(),
                      [&](int a, int b) { return s.nodes[a][axis] < s.nodes[b][axis]; });
-    Take(order);
+    SetPlaces(order);
     if (Size(FirstPlaces()) >= Size(lowest))
       place = given;
   }
@@ -238,13 +240,13 @@ public:
   }
 
 private:
-  void Take(const std::vector<int>& order)
+  void SetPlaces(const std::vector<int>& order)
   {
     for (std::size_t i = 0; i < order.size(); ++i)
       place[order[i]] = static_cast<int>(i);
   }
 
-  /// The lowest place that shares an element with each.
+  /// For each place, the lowest place that shares an element with it.
   std::vector<int> FirstPlaces() const
   {
     std::vector<int> lowest(place.size());
@@ -318,7 +320,7 @@ Profile<R> Assembled(const Structure& s, const Supports<R>& supports, const Orde
   return matrix;
 }
 
-/// The improvement of a solution by the factors of a less precise matrix.
+/// Iterative refinement of a solution with the factors of a less precise matrix.
 class CaseRefinement
 {
 public:
@@ -342,7 +344,7 @@ public:
     supports.ToGlobalAxes(displacements);
   }
 
-  /// Factors with numbers of this type; false when that is not enough.
+  /// Refines with factors of this number type. Returns false when its precision is not enough.
   template <class R>
   bool ImproveByFactors()
   {
@@ -363,10 +365,10 @@ public:
     });
   }
 
-  /// Runs of the program on what is left of the loads.
+  /// Refines by runs of the program with the residual as the loads.
   bool ImproveByRuns()
   {
-    constexpr double kSmall = 1e-6;  // what one run leaves of an error, or less
+    constexpr double kSmall = 1e-6;  // a run reduces the error at least to this part
     return Improve(kSmall, [&](const std::vector<Quad>& residual) {
       Structure rest = s;
       rest.loads.clear();
@@ -393,8 +395,8 @@ public:
   const std::vector<Quad>& Displacements() const { return displacements; }
 
 private:
-  /// Adds corrections, which solve(residual) gives in global axes, until one is smaller than this
-  /// part of the displacements.
+  /// Adds corrections until one is smaller than this part of the displacements. solve(residual)
+  /// returns a correction in global axes.
   template <class Solve>
   bool Improve(double small, Solve solve)
   {
@@ -409,7 +411,7 @@ private:
     return false;
   }
 
-  /// In the axes of the supports; 0 at prescribed components.
+  /// The residual in the axes of the supports; 0 at prescribed components.
   std::vector<Quad> Residual() const
   {
     std::vector<Quad> residual = loads;
@@ -446,7 +448,7 @@ private:
   std::vector<Quad> displacements;
 };
 
-/// Everything that follows from displacements; the loads are those of the structure.
+/// All results of these displacements. The loads are those of the structure.
 template <class R>
 PreciseResults ResultsOf(const Structure& s, const std::vector<R>& u)
 {
@@ -466,7 +468,7 @@ PreciseResults ResultsOf(const Structure& s, const std::vector<R>& u)
   const Supports<R> supports(s);
   for (int i = 0; i < s.Equations(); ++i) {
     results.displacements.push_back(static_cast<double>(u[i]));
-    results.reactions.push_back(supports.Takes(i) ? static_cast<double>(forces[i]) : 0.0);
+    results.reactions.push_back(supports.Carries(i) ? static_cast<double>(forces[i]) : 0.0);
   }
   return results;
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-// The elements of the program in other words, for any type of numbers R: every element is a list of
-// points with strains B·u and forces D·B·u in its axes. See docs/theory.md for the formulas.
+// An independent formulation of the program's elements, for any number type R: every element is a
+// list of points with strains B·u and forces D·B·u in its axes. See docs/theory.md for the
+// formulas.
 
 #include <array>
 #include <cmath>
@@ -66,8 +67,8 @@ Rows<R> Zeros(std::size_t rows, std::size_t columns)
   return Rows<R>(rows, std::vector<R>(columns, R(0)));
 }
 
-/// Strains B·u of the local displacements u; they make the forces D·B·u, whose work counts
-/// `weight` times.
+/// A point of an element: the strains B·u of the local displacements u, and the forces D·B·u. The
+/// work of the forces has the factor `weight`.
 template <class R>
 struct Point
 {
@@ -102,7 +103,7 @@ void AddSymmetric(Rows<R>& k, int i, int j, R value)
     k[j][i] += value;
 }
 
-/// Bending over v1, r1, v2, r2, whose rotations are released where the code says so.
+/// Bending with the displacements v1, r1, v2, r2. The hinge code releases rotations.
 template <class R>
 void AddBending(Rows<R>& k, const std::array<int, 4>& at, R EI, R L, int code, R sign)
 {
@@ -112,7 +113,7 @@ void AddBending(Rows<R>& k, const std::array<int, 4>& at, R EI, R L, int code, R
   if (!first && !second)
     return;
   const bool both = first && second;
-  // The deflection of end 1 against the chord's turn, per end that is held.
+  // The moments of the ends for a unit deflection of end 1; that of a hinged end is 0.
   const R a = first ? R(both ? 6 : 3) * EI / (L * L) : R(0);
   const R b = second ? R(both ? 6 : 3) * EI / (L * L) : R(0);
   const R shear = (a + b) / L;
@@ -140,7 +141,7 @@ template <class R>
 Axes<R> BeamAxes(const Vec<R>& along, bool space)
 {
   const Vec<R> x = Unit(along);
-  const R small(1e-15);  // of which rounding may make a direction that is meant to be vertical
+  const R small(1e-15);  // rounding error of the direction of a vertical beam
   if (!space)
     return {x, {-x[1], x[0], R(0)}, {R(0), R(0), R(1)}};
   const bool vertical = Abs(x[0]) < small && Abs(x[1]) < small;
@@ -173,7 +174,7 @@ Element<R> BeamElement(const Structure& s, int index)
           {{UnitRows<R>(2 * n), std::move(k)}}};
 }
 
-/// Values of the shape functions at a point and their derivatives by natural coordinates.
+/// The values of the shape functions at a point and their derivatives by natural coordinates.
 template <class R>
 struct Shape
 {
@@ -181,14 +182,14 @@ struct Shape
   std::vector<Vec<R>> slopes;
 };
 
-/// Linear or quadratic functions of the natural coordinates of a triangle (two) or a tetrahedron
-/// (three); `edges` are the corners beside each node in the middle of an edge.
+/// Linear or quadratic shape functions of a triangle (two natural coordinates) or a tetrahedron
+/// (three). edges: the two corners of the edge of each mid-side node.
 template <class R>
 Shape<R> ShapeAt(const std::vector<R>& natural, const std::vector<std::array<int, 2>>& edges,
                  bool quadratic)
 {
   const std::size_t dimension = natural.size();
-  std::vector<R> L = {R(1)};  // the first corner's is what the others leave
+  std::vector<R> L = {R(1)};  // that of the first corner is 1 minus the others
   std::vector<Vec<R>> dL(dimension + 1, Vec<R>{});
   for (std::size_t a = 0; a < dimension; ++a) {
     L[0] -= natural[a];
@@ -215,8 +216,8 @@ Shape<R> ShapeAt(const std::vector<R>& natural, const std::vector<std::array<int
   return shape;
 }
 
-/// Derivatives of the shape functions by the coordinates of the places, by Cramer's rule;
-/// returns the determinant. In a plane the third coordinate is its own natural one.
+/// Computes the derivatives of the shape functions by the coordinates with Cramer's rule, and
+/// returns the determinant. In a plane the third coordinate is also the third natural coordinate.
 template <class R>
 R Gradients(const std::vector<Vec<R>>& places, const Shape<R>& shape, bool plane,
             std::vector<Vec<R>>& gradients)
@@ -266,7 +267,8 @@ Rows<R> ShellD(const Structure::Shell& shell)
   return D;
 }
 
-/// Strains of the membrane, of bending and of shear over u, v, w and rotations about axes.
+/// Strains of membrane, bending and shear of a node with the displacements u, v, w and the
+/// rotations about the axes.
 template <class R>
 Rows<R> ShellB(const std::vector<R>& N, const std::vector<Vec<R>>& gradients)
 {
@@ -296,8 +298,8 @@ Vec<R> NormalOf(const Structure& s, const std::vector<int>& triangle)
       Cross(Between<R>(a, s.nodes[triangle[1] - 1]), Between<R>(a, s.nodes[triangle[2] - 1])));
 }
 
-/// What holds the rotation about the normal: at nodes of one plane the area times E, at folds very
-/// little against the mean turn of the membrane.
+/// The stiffness of the rotation about the normal: area times E against the ground at nodes of one
+/// plane, a very small one against the mean rotation of the membrane at folds.
 template <class R>
 void AddTurns(const std::vector<char>& folded, R area, R E, Element<R>& e)
 {
@@ -394,10 +396,10 @@ Element<R> SolidElement(const Structure& s, int index)
   return e;
 }
 
-/// The nodes (from 0) around which the triangles do not all lie in one plane.
+/// By node (from 0): 1 when the triangles around it do not all lie in one plane.
 inline std::vector<char> FoldedNodes(const Structure& s)
 {
-  const long double cosine = 1.0L - 5e-15L;  // of 1e-7
+  const long double cosine = 1.0L - 5e-15L;  // of the angle 1e-7
   std::vector<char> folded(s.nodes.size(), 0);
   std::vector<int> first(s.nodes.size(), -1);
   std::vector<Vec<long double>> normals;
@@ -421,7 +423,7 @@ enum class Family
   Tetrahedra
 };
 
-/// Calls visit(element, family) for each.
+/// Calls visit(element, family) for each element.
 template <class R, class Visit>
 void ForEachElement(const Structure& s, Visit visit)
 {
@@ -434,7 +436,7 @@ void ForEachElement(const Structure& s, Visit visit)
     visit(SolidElement<R>(s, static_cast<int>(i)), Family::Tetrahedra);
 }
 
-/// Turns groups of three components into the axes, or back.
+/// Rotates groups of three components into the axes, or back.
 template <class R>
 void TurnToLocal(const Axes<R>& axes, int components, R* values)
 {
@@ -455,8 +457,8 @@ void TurnToGlobal(const Axes<R>& axes, int components, R* values)
   }
 }
 
-/// Forces of an element on its nodes from their displacements, both in global axes; those
-/// of its points go to `results`, where it is not null.
+/// The forces of an element on its nodes for their displacements, both in global axes. Appends the
+/// forces of its points to `results` unless that is null.
 template <class R>
 std::vector<R> ForcesOf(const Element<R>& e, std::vector<R> u, std::vector<double>* results)
 {
@@ -491,7 +493,7 @@ std::vector<R> ForcesOf(const Element<R>& e, std::vector<R> u, std::vector<doubl
   return f;
 }
 
-/// The values of an element's nodes out of those of all.
+/// The values of the nodes of an element, from those of all nodes.
 template <class R>
 std::vector<R> AtNodes(const Element<R>& e, int n, const std::vector<R>& all)
 {

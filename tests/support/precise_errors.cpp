@@ -1,4 +1,4 @@
-// How far results of the program are from those of the reference.
+// The differences between results of the program and those of the reference.
 
 #include <algorithm>
 #include <cmath>
@@ -11,20 +11,20 @@ namespace morlen {
 
 namespace {
 
-/// Values of one kind: the largest, and the largest difference.
+/// The largest value and the largest difference of the values of one kind.
 struct Kind
 {
   double largest = 0.0;
   double difference = 0.0;
 
-  void Take(double actual, double exact)
+  void Compare(double actual, double exact)
   {
     largest = std::max(largest, std::fabs(exact));
     const double d = std::fabs(actual - exact);
-    if (!(d <= difference))  // of what is not a number too
+    if (!(d <= difference))  // true for NaN too
       difference = d;
   }
-  /// Relative to the largest, at least to what another kind makes of it.
+  /// The largest difference relative to the largest value or to `other`, whichever is larger.
   double Error(double other) const
   {
     const double scale = std::max(largest, other);
@@ -38,12 +38,14 @@ struct Kinds
   Kind first;
   Kind second;
 
-  /// Values in groups of `period`, of which those of the second kind lie in [begin, end).
-  void Take(const double* actual, const std::vector<double>& exact, int period, int begin, int end)
+  /// Compares values in groups of `period`. In each group those of the second kind are in
+  /// [begin, end).
+  void Compare(const double* actual, const std::vector<double>& exact, int period, int begin,
+               int end)
   {
     for (std::size_t i = 0; i < exact.size(); ++i) {
       const int place = static_cast<int>(i) % period;
-      (place >= begin && place < end ? second : first).Take(actual[i], exact[i]);
+      (place >= begin && place < end ? second : first).Compare(actual[i], exact[i]);
     }
   }
 };
@@ -62,7 +64,7 @@ Kinds DisplacementsOf(const Solved& solved, const Structure& s, const PreciseRes
     actual.insert(actual.end(), u.begin(), u.end());
   }
   Kinds kinds;
-  kinds.Take(actual.data(), exact.displacements, s.Components(), s.Translations(), 6);
+  kinds.Compare(actual.data(), exact.displacements, s.Components(), s.Translations(), 6);
   return kinds;
 }
 
@@ -72,7 +74,7 @@ Kinds ReactionsOf(const Solved& solved, const Structure& s, const PreciseResults
   Kinds kinds;
   for (const Frame::Support& support : s.supports) {
     const auto first = exact.reactions.begin() + (support.node - 1) * n;
-    kinds.Take(solved.Reaction(support.node).data(), {first, first + n}, n, s.Translations(), 6);
+    kinds.Compare(solved.Reaction(support.node).data(), {first, first + n}, n, s.Translations(), 6);
   }
   return kinds;
 }
@@ -99,7 +101,7 @@ Errors ErrorsOf(const Solved& solved, const Structure& s, const PreciseResults& 
     if (values.empty())
       return;
     Kinds forces;
-    forces.Take(solved.Result().results[mesh++].strengths.Data(), values, period, begin, end);
+    forces.Compare(solved.Result().results[mesh++].strengths.Data(), values, period, begin, end);
     errors.force = std::max(errors.force, forces.first.Error(forces.second.largest / size));
     errors.moment = std::max(errors.moment, forces.second.Error(forces.first.largest * length));
   };

@@ -1,5 +1,5 @@
-// The reference in higher precision against closed forms, and against the program where both
-// are exact.
+// The reference in higher precision against closed forms, and against the program for models on
+// which both are accurate.
 
 #include "support/precise.h"
 
@@ -16,7 +16,7 @@ namespace morlen {
 
 namespace {
 
-/// Rounding of the expected values themselves.
+/// The rounding error of the expected values.
 constexpr double kLastDigits = 1e-15;
 
 void ExpectClose(double actual, double exact)
@@ -53,7 +53,7 @@ TEST(Precise, CantileverOfAnyNumberOfBeamsHasTheClosedForm)
   }
 }
 
-// Where the closed form is a number of the machine, so is the result.
+// The result is exact when the closed form is a double.
 TEST(Precise, PowersOfTwoAreExact)
 {
   constexpr int kBeams = 4096;
@@ -68,7 +68,8 @@ TEST(Precise, PowersOfTwoAreExact)
     EXPECT_EQ(AtTip(s, exact, k), tip[k]) << k;
 }
 
-// The direction (0.6, 0.8) is not unit to the last bit, so lengths are computed from it.
+// The length of the direction (0.6, 0.8) is not exactly 1 in doubles, so lengths are computed from
+// it.
 TEST(Precise, InclinedCantileverHasTheClosedForm)
 {
   const Vector3 direction = {0.6, 0.8, 0};
@@ -126,7 +127,7 @@ TEST(Precise, HingedBeamsHaveTheClosedForm)
   }
 }
 
-// Constant strains are in every element: nothing but rounding may be left of the loads inside.
+// Every element can represent constant strains: the loads on inner nodes are 0 up to rounding.
 TEST(Precise, PatchOfConstantStress)
 {
   for (const int nnode : {4, 10}) {
@@ -156,7 +157,8 @@ TEST(Precise, PatchOfConstantStress)
   }
 }
 
-// Small models, on which double precision loses little: all families, hinges and supports.
+// Small models of all families, with hinges and supports. Double precision loses few digits on
+// them.
 TEST(Precise, AgreesWithTheProgramOnSmallModels)
 {
   std::vector<Structure> models;

@@ -4,8 +4,8 @@
 
 namespace morlen {
 
-/// The vector instructions with which the tests solve: those of the option --processor of this
-/// run, else all that the processor has.
+/// The vector instructions that the solvers use in the tests: those of the option --processor of
+/// this run, by default all that the processor has.
 Processor TestedProcessor();
 
 }  // namespace morlen

@@ -95,7 +95,7 @@ Axes BeamAxes(const Vector3& first, const Vector3& second)
   return {x, y, Cross(x, y)};
 }
 
-// Puts the axes as rows on the diagonal of a matrix, `times` times from place `first` on.
+// Writes the axes as rows into `times` blocks on the diagonal of a matrix, from place `first` on.
 void PutRows(const Axes& axes, std::size_t first, int times, Square& matrix)
 {
   for (; times > 0; --times, first += 3) {
@@ -113,8 +113,8 @@ void AddSymmetric(Square& k, int i, int j, double value)
     k[j][i] += value;
 }
 
-// Bending with deflections v1, v2 and rotations r1, r2; `sign` of the slope that a
-// positive rotation makes.
+// Bending with deflections v1, v2 and rotations r1, r2. sign: that of the slope of a positive
+// rotation.
 void AddBending(Square& k, const std::array<int, 4>& at, double EI, double L, double sign)
 {
   const double shear = 12.0 * EI / (L * L * L);
@@ -149,7 +149,7 @@ Square LocalStiffness(const Frame::Section& s, double L)
   return k;
 }
 
-// One beam in the system: its stiffness in local axes, the turn of its end components from
+// One beam in the system: its stiffness in local axes, the rotation of its end components from
 // global to local axes, and the places of these components.
 struct BeamMatrices
 {
@@ -188,7 +188,7 @@ Square GlobalStiffness(const Frame& frame)
   return stiffness;
 }
 
-// Turns all components into the axes of the supports, where these have any.
+// Rotates all components into the axes of the supports that have local axes.
 Square SupportTurn(const Frame& frame)
 {
   Square turn = Zeros(frame.nodes.size() * 6);

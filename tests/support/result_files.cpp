@@ -15,8 +15,8 @@ std::vector<double> Numbers(const std::string& line)
   return numbers;
 }
 
-// Takes the first number of a line that a node or element begins.
-int TakeFirst(std::vector<double>& numbers)
+// Removes the number of the node or element at the beginning of a line, and returns it.
+int RemoveFirst(std::vector<double>& numbers)
 {
   const int first = static_cast<int>(numbers.front());
   numbers.erase(numbers.begin());
@@ -48,7 +48,7 @@ TextResults ParseTextResults(std::string_view text)
         end = Numbers(line);
       }
     } else if (std::vector<double> numbers = Numbers(line); section && !numbers.empty()) {
-      const int node = TakeFirst(numbers);
+      const int node = RemoveFirst(numbers);
       (*section)[node] = numbers;
     }
   }
@@ -85,7 +85,7 @@ std::map<int, std::vector<std::vector<double>>> KivBlock(std::string_view text,
     if (!inside || numbers.empty())
       continue;
     if (line[0] != ' ')
-      current = TakeFirst(numbers);
+      current = RemoveFirst(numbers);
     block[current].push_back(numbers);
   }
   return block;

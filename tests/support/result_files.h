@@ -18,12 +18,12 @@ struct TextResults
 
 TextResults ParseTextResults(std::string_view text);
 
-/// The headers of the blocks of a post-process results file, each cut before "4 1.0", in
-/// their order.
+/// The headers of the blocks of a post-process results file in their order, each without the part
+/// from "4 1.0" on.
 std::vector<std::string> KivBlockNames(std::string_view text);
 
-/// A block of a post-process results file: per node or element its points, each with its
-/// values. The name is the beginning of the block's header.
+/// A block of a post-process results file: for each node or element its points, for each point its
+/// values. The name is the beginning of the header of the block.
 std::map<int, std::vector<std::vector<double>>> KivBlock(std::string_view text,
                                                          std::string_view name);
 

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// In the child: stream `descriptor` goes to the file. Ends the child on failure.
+// Redirects the stream `descriptor` of the child process to the file. Ends the child on failure.
 void Redirect(int descriptor, const fs::path& file)
 {
   const int opened = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
@@ -35,7 +35,7 @@ void Limit(int resource, std::optional<long> most)
     _exit(126);
 }
 
-// In the child: all but its two output streams.
+// Sets up the conditions of the child process, except its two output streams.
 void Apply(const RunConditions& conditions)
 {
   for (const int stream : conditions.closed)
@@ -47,7 +47,7 @@ void Apply(const RunConditions& conditions)
   Limit(RLIMIT_AS, conditions.addressSpace);
 }
 
-// Status and memory of MORLEN_PROGRAM run in the folder, its two streams in files.
+// Runs MORLEN_PROGRAM in the folder with its two streams in files. Returns status and memory.
 RunResult Execute(const fs::path& folder, const std::vector<std::string>& arguments,
                   const fs::path& out, const fs::path& err, const RunConditions& conditions)
 {
@@ -131,7 +131,7 @@ RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::strin
   const bool ownOutput = conditions.standardOutput.empty();
   const fs::path out =
       ownOutput ? streams.Path() / "out" : folder.Path() / conditions.standardOutput;
-  streams.Write("err", "");  // a run may be killed before it has its streams
+  streams.Write("err", "");  // a run may be killed before it opens its streams
   if (ownOutput)
     streams.Write("out", "");
   RunResult result = Execute(folder.Path(), arguments, out, streams.Path() / "err", conditions);

@@ -10,7 +10,7 @@
 
 namespace morlen {
 
-/// A fresh folder for files of a test; removed with all that is in it.
+/// A new folder for the files of a test. The destructor removes it with its content.
 class TemporaryFolder
 {
 public:
@@ -20,34 +20,34 @@ public:
   ~TemporaryFolder();
 
   const std::filesystem::path& Path() const { return path; }
-  /// Writes a file; the folders of its name are made.
+  /// Writes a file and makes the folders of its name.
   void Write(const std::string& name, std::string_view content) const;
-  /// Makes `name` another name of the file `target`.
+  /// Makes `name` a link to the file `target`.
   void Link(const std::string& name, const std::string& target) const;
-  /// Content of a file; fails the test and is empty when there is none.
+  /// The content of a file. Fails the test and returns an empty text when there is none.
   std::string Read(const std::string& name) const;
   bool Has(const std::string& name) const { return std::filesystem::exists(path / name); }
-  /// Contents of all files by name, folders included in the name.
+  /// The contents of all files by name. Names include folders.
   std::map<std::string, std::string> Files() const;
 
 private:
   std::filesystem::path path;
 };
 
-/// How a run of the program ended and what it wrote.
+/// The exit status and the output of a run of the program.
 struct RunResult
 {
   int status = -1;  ///< exit status; -1 when a signal ended the run
-  long memory = 0;  ///< most bytes that the run had in memory
+  long memory = 0;  ///< peak memory in bytes
   std::string out;
   std::string err;
 };
 
-/// What a run finds around itself, where that is not the usual.
+/// Unusual conditions of a run.
 struct RunConditions
 {
-  std::string standardOutput = {};        ///< goes to this file of the folder, not to RunResult
-  std::vector<int> closed = {};           ///< standard streams that are not open
+  std::string standardOutput = {};        ///< file of the folder; empty: RunResult
+  std::vector<int> closed = {};           ///< standard streams that are closed
   std::optional<long> fileSize = {};      ///< most bytes of a written file
   std::optional<long> stack = {};         ///< most bytes of the stack
   std::optional<long> addressSpace = {};  ///< most bytes of memory
@@ -59,10 +59,10 @@ struct RunConditions
 RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
                      const RunConditions& conditions = {});
 
-/// Writes problem.dat into a fresh folder and runs the program on it.
+/// Writes problem.dat into a new folder and runs the program on it.
 RunResult RunOnProblem(std::string_view problem);
 
-/// Content of a file outside the folders of tests; fails the test when there is none.
+/// The content of a file outside the folders of tests. Fails the test when there is none.
 std::string ReadFile(const std::filesystem::path& file);
 
 }  // namespace morlen

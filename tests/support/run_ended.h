@@ -6,13 +6,13 @@
 
 namespace morlen {
 
-/// Thrown in place of the process's end while FatalCaught runs.
+/// Thrown instead of the end of the process during FatalCaught.
 struct RunEnded
 {
   std::string message;
 };
 
-/// The message with which the action ends the run; "(the run went on)" when it does not.
+/// The message with which the action ends the run; "(the run went on)" when the run does not end.
 template <class Action>
 std::string FatalCaught(Action action)
 {

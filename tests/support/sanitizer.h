@@ -1,6 +1,6 @@
 #pragma once
 
-/// Whether the tests and the program are built with the address sanitizer.
+/// True when the tests and the program are built with the address sanitizer.
 #ifdef __SANITIZE_ADDRESS__
 constexpr bool kSanitized = true;
 #else

@@ -22,7 +22,7 @@ struct SolidSide
   std::array<int, 3> corners;  ///< nodes
 };
 
-/// A model of tetrahedra as data, from which a problem file is written. Nodes and elements are
+/// The data of a model of tetrahedra, from which a problem file is written. Nodes and elements are
 /// numbered from 1 in their order.
 struct SolidModel
 {
@@ -34,14 +34,14 @@ struct SolidModel
   };
 
   std::string header = "3d";
-  std::string settings = "";  ///< lines behind the header
+  std::string settings = "";  ///< lines after the header
   int nnode = 4;
   std::vector<Vector3> nodes;
   std::vector<std::vector<int>> elements;
   std::string material = "E 1000 nu 0.25";
   std::map<int, Support> supports;
   std::map<int, Vector3> loads;
-  std::string rest = "";  ///< lines behind the loads
+  std::string rest = "";  ///< lines after the loads
 
   std::string Text() const;
 
@@ -54,7 +54,7 @@ struct SolidModel
                         const std::function<Vector3(const Vector3&)>& field);
   /// Puts rollers under the nodes with coordinate `axis` (from 0) at the value.
   SolidModel& Roller(int axis, double value);
-  /// Loads all sides that the test picks: a block of `keyword` with these values.
+  /// Loads all sides that satisfy the condition, by a block of `keyword` with these values.
   SolidModel& LoadSides(const std::string& keyword, const Vector3& values,
                         const std::function<bool(const Vector3&)>& picks);
 
@@ -72,26 +72,25 @@ SolidModel OneSolid(const std::vector<Vector3>& corners, int nnode);
 /// The corners (0,0,0), (1,0,0), (0,1,0), (0,0,1).
 SolidModel UnitSolid(int nnode);
 
-/// A block from the origin, in cells of six tetrahedra each.
+/// A block with a corner at the origin, in cells of six tetrahedra each.
 SolidModel SolidBlock(const std::array<int, 3>& cells, const Vector3& sides, int nnode);
 
-/// The place of a node in the middle of an edge (corners from 0) among the nodes of a ten-node
-/// element, from 0.
+/// The index (from 0) of the mid-side node of an edge in a ten-node element. Corners count from 0.
 int MiddleOf(int corner, int other);
 
-/// The displacement G·x of a field with the gradient G, given row by row.
+/// The displacement G·x of a field with the gradient G, row by row.
 Vector3 GradientTimes(const std::array<double, 9>& G, const Vector3& x);
 
-/// Stresses of an isotropic material.
+/// The stresses of an isotropic material.
 Tensor StressOf(double E, double nu, const Tensor& strain);
 
 /// The smoothed stresses of a node of the file.
 Tensor StressAt(const Solved& solved, int node);
 
-/// The loads on the elements as forces on the nodes: per node three, by the order of the file.
+/// The loads on the elements as nodal forces: three for each node, in the order of the file.
 std::vector<Vector3> ElementLoads(const SolidModel& model);
 
-/// Sum of forces, and of their moments about the origin.
+/// The sum of the forces, and of their moments about the origin.
 struct Resultant
 {
   Vector3 force{};

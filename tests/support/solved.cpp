@@ -14,13 +14,14 @@
 #include "model/node.h"
 #include "numeric/matriu.h"
 #include "numeric/plex_range.h"
+#include "problem/problem_reader.h"
 #include "support/processor.h"
 
 namespace morlen {
 
 namespace {
 
-// Force and moment, of a plane frame too.
+// Force and moment in space. Of a plane frame they are x, y and the moment about z.
 struct Wrench
 {
   std::array<double, 3> force{};
@@ -89,13 +90,13 @@ struct Largest
   double force = 1e-300;
   double moment = 1e-300;
 
-  void Take(const Wrench& w)
+  void Update(const Wrench& w)
   {
     for (int i = 0; i < 3; ++i) {
       force = std::max(force, std::fabs(w.force[i]));
       moment = std::max(moment, std::fabs(w.moment[i]));
     }
-    // Under nothing but moments the forces are what their rounding leaves.
+    // A model under moments alone has forces from rounding only: they must not set the scale.
     force = std::max(force, 1e-3 * moment);
   }
 };
@@ -118,14 +119,26 @@ Wrench EndForce(const Solved& solved, const Elem& elem, int end)
   return force;
 }
 
+void ReadInto(Problem& problem, const std::string& text)
+{
+  problem.solverSettings.processor = TestedProcessor();
+  TextScan scan(text);
+  ReadProblem(scan, problem);
+}
+
 }  // namespace
+
+std::unique_ptr<Problem> ReadProblemText(const std::string& text)
+{
+  auto problem = std::make_unique<Problem>(100);
+  ReadInto(*problem, text);
+  return problem;
+}
 
 std::unique_ptr<Project> ReadProject(const std::string& problem)
 {
   auto project = std::make_unique<Project>(100);
-  project->problem.solverSettings.processor = TestedProcessor();
-  TextScan text(problem);
-  project->ReadFromAscii(text);
+  ReadInto(project->problem, problem);
   return project;
 }
 
@@ -210,9 +223,9 @@ void ExpectEquilibrium(const Solved& solved, double tolerance)
   Largest nodeScale;
   for (const Node& node : Each<Node>(problem.GiveNodes())) {
     left[&node] = OuterForces(node, problem.components.count);
-    nodeScale.Take(left[&node]);
+    nodeScale.Update(left[&node]);
     const Wrench outer = AboutOrigin(left[&node], Position(node));
-    sumScale.Take(outer);
+    sumScale.Update(outer);
     sum.Add(outer, 1.0);
   }
   sum.ExpectZero(tolerance * sumScale.force, tolerance * sumScale.moment);
@@ -221,7 +234,7 @@ void ExpectEquilibrium(const Solved& solved, double tolerance)
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       for (int end = 0; end < 2; ++end) {
         const Wrench force = EndForce(solved, elem, end);
-        nodeScale.Take(force);
+        nodeScale.Update(force);
         left[elem(end)].Add(force, -1.0);
       }
     }

@@ -5,15 +5,19 @@
 #include <string>
 #include <vector>
 
+#include "problem/problem.h"
 #include "run/project.h"
 
 namespace morlen {
 
-/// The project that a problem file describes, read in this process.
+/// Reads the text of a problem file in this process.
+std::unique_ptr<Problem> ReadProblemText(const std::string& text);
+
+/// The same, as a project that can be solved.
 std::unique_ptr<Project> ReadProject(const std::string& problem);
 
-/// A problem read and solved in this process, its results in full precision by the numbers
-/// of the file.
+/// A problem that is read and solved in this process. Its results have full precision; nodes and
+/// elements are given by their numbers in the file.
 class Solved
 {
 public:
@@ -38,14 +42,14 @@ private:
   std::unique_ptr<Project> project;
 };
 
-/// Expects equal values, to `tolerance` times the largest expected one (or the scale, where
-/// that is larger).
+/// Expects equal values, within `tolerance` times the largest expected value or the scale, if that
+/// is larger.
 void ExpectValues(const std::vector<double>& actual, const std::vector<double>& expected,
                   double tolerance = 1e-9, double scale = 0.0);
 
-/// Expects that the end forces of the beams carry the loads and reactions of every node,
-/// and that all loads and reactions together have neither a resultant nor a moment. What may
-/// remain is relative to the largest force and moment; iterative solutions need more.
+/// Expects equilibrium of every node under end forces, load and reaction, and of the model under
+/// all loads and reactions. The tolerance is relative to the largest force and moment; iterative
+/// solutions need a larger one.
 void ExpectEquilibrium(const Solved& solved, double tolerance = 1e-10);
 
 }  // namespace morlen

@@ -14,7 +14,7 @@
 
 namespace morlen {
 
-/// A dense matrix to compute with independently; indices from 0.
+/// A dense matrix for independent computations. Indices start at 0.
 using DenseRows = std::vector<std::vector<double>>;
 
 inline DenseRows DenseZero(int n)
@@ -50,7 +50,7 @@ inline DenseRows Transposed(const DenseRows& a)
   return t;
 }
 
-/// Gauss-Jordan with row exchanges.
+/// Gauss-Jordan elimination with row exchanges.
 inline std::vector<double> DenseSolve(DenseRows a, std::vector<double> b)
 {
   const int n = static_cast<int>(b.size());
@@ -73,8 +73,8 @@ inline std::vector<double> DenseSolve(DenseRows a, std::vector<double> b)
   return b;
 }
 
-/// The entries that are not 0 in slots without order, as an assembly may leave them, and in
-/// each row as many free slots as wanted.
+/// The entries other than 0 in unordered slots, as after an assembly, with this number of free
+/// slots in each row.
 inline SparseMatrix SparseOf(const DenseRows& a, int freeSlots = 0)
 {
   const int n = static_cast<int>(a.size());
@@ -95,7 +95,7 @@ inline SparseMatrix SparseOf(const DenseRows& a, int freeSlots = 0)
   return matrix;
 }
 
-/// The same matrix in single entries, one for every slot that has a column.
+/// The same matrix in single entries, one for each slot that is in use.
 template <class Matrix>
 SparseMatrix InRows(const Matrix& matrix)
 {
@@ -127,8 +127,8 @@ inline std::vector<double> RandomVector(int n, unsigned seed)
   return x;
 }
 
-/// The five-point star on a grid, with different couplings and a diagonal that outweighs its
-/// row. `skew` makes it unsymmetric: (i, j) times 1 + skew, (j, i) times 1 - skew, i < j.
+/// The five-point stencil on a grid, with different couplings and a dominant diagonal. `skew` makes
+/// the matrix unsymmetric: for i < j, (i, j) is multiplied by 1 + skew and (j, i) by 1 - skew.
 inline DenseRows GridMatrix(int width, int height, double skew = 0.0)
 {
   DenseRows a = DenseZero(width * height);
@@ -148,7 +148,7 @@ inline DenseRows GridMatrix(int width, int height, double skew = 0.0)
   return a;
 }
 
-/// A chain, of which factors without fill are exact.
+/// The matrix of a chain. Its factors without fill are exact.
 inline DenseRows TridiagonalMatrix(int n, double skew = 0.0)
 {
   return GridMatrix(n, 1, skew);
@@ -162,7 +162,7 @@ inline double LargestDifference(const std::vector<double>& a, const std::vector<
   return largest;
 }
 
-/// Expects that a product with two vectors gives each the bits that it gets alone.
+/// Expects that a product with two vectors gives the same bits as two single products.
 inline void ExpectTwoLikeOne(const SystemMatrix& matrix)
 {
   const int n = matrix.GiveSize();

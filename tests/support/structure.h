@@ -12,9 +12,9 @@
 
 namespace morlen {
 
-/// A model of beams and triangles, or of tetrahedra, as data: a problem file is written from it,
-/// and the reference in higher precision takes it. Elements are numbered from 1: beams, then
-/// triangles, then tetrahedra. Materials are isotropic.
+/// The data of a model of beams and triangles, or of tetrahedra. A problem file is written from it,
+/// and the reference in higher precision is computed from it. Elements are numbered from 1: beams,
+/// then triangles, then tetrahedra. Materials are isotropic.
 struct Structure : Frame
 {
   struct Shell
@@ -31,41 +31,41 @@ struct Structure : Frame
   };
   using Places = std::function<bool(const Vector3&)>;
 
-  std::map<int, int> hinges;                 ///< codes of beams, 11 where there is none
+  std::map<int, int> hinges;                 ///< hinge codes of beams; others have 11
   std::vector<std::vector<int>> triangles;   ///< of three or six nodes
   std::vector<std::vector<int>> tetrahedra;  ///< of four or ten nodes
   Shell shell;
   Solid solid;
 
-  /// Components of a node.
+  /// The number of components of a node.
   int Components() const { return tetrahedra.empty() ? Frame::Components() : 3; }
-  /// The problem file; `settings` are lines after its header.
+  /// The problem file. settings: lines after the header.
   std::string Text(const std::string& settings = "") const;
 
   Structure& HoldNode(int node, const std::array<int, 6>& flags);
-  /// Holds all nodes that stand there.
+  /// Supports all nodes at these places.
   Structure& Hold(const Places& there, const std::array<int, 6>& flags = kClamped);
   Structure& Load(int node, const std::array<double, 6>& values);
   /// Loads every node.
   Structure& LoadAll(const std::array<double, 6>& values);
-  /// Hinges at the ends of the beams between these two kinds of places.
+  /// Adds hinges at the ends of the beams between these two kinds of places.
   Structure& Hinge(const Places& first, const Places& second, int code = 0);
-  /// Hinges at both ends of all beams: bars.
+  /// Adds hinges at both ends of all beams, which makes them bars.
   Structure& HingeAll();
-  /// Adds beams between nodes that follow each other.
+  /// Adds beams between consecutive nodes.
   Structure& AddBeams(const std::vector<int>& through, int section = 1);
   /// Moves every node.
   Structure& Map(const std::function<Vector3(const Vector3&)>& place);
 
   int NodeCount() const { return static_cast<int>(nodes.size()); }
   int Equations() const { return NodeCount() * Components(); }
-  /// How many components of a node are displacements.
+  /// The number of translations of a node.
   int Translations() const { return space ? 3 : 2; }
-  /// The node next to a place.
+  /// The node that is closest to a place.
   int NodeAt(const Vector3& place) const;
-  /// Mean distance of the first two nodes of the elements.
+  /// The mean distance between the first two nodes of an element.
   double MeanLength() const;
-  /// Lengths of the box around all nodes.
+  /// The lengths of the bounding box of all nodes.
   Vector3 Extent() const;
 };
 
@@ -73,16 +73,16 @@ constexpr std::array<int, 6> kPin = {1, 1, 0, 0, 0, 0};
 constexpr std::array<int, 6> kRollerInX = {0, 1, 0, 0, 0, 0};
 constexpr std::array<int, 6> kBall = {1, 1, 1, 0, 0, 0};
 
-/// Whether component `axis` (from 0) of a place has this value.
+/// True when component `axis` (from 0) of a place has this value.
 Structure::Places At(int axis, double value);
 
-/// A steel section, HEB 200 or so; kN and m.
+/// A steel section, about HEB 200, in kN and m.
 Frame::Section Steel();
 
-/// Nothing yet but that section.
+/// An empty model with that section.
 Structure SteelFrame(bool space);
 
-/// Beams one after the other along a direction, 1 m each.
+/// A chain of beams along a direction, 1 m each.
 Structure Chain(int beams, bool space, const Vector3& direction = {1, 0, 0});
 
 /// Columns in rows of `columns` nodes, `storeys` high, with girders, in a plane; feet first.
@@ -94,8 +94,8 @@ Structure Building(int baysX, int baysY, int storeys, const std::array<int, 6>& 
 /// A tower of square storeys in space on four feet.
 Structure Tower(int storeys, const std::array<int, 6>& feet);
 
-/// A beam of an even number of parts whose ends slide along slopes: the first of 1 to 2, the other
-/// at this angle (Euler1). Its middle cannot turn.
+/// A beam of an even number of parts whose ends slide along slopes: the first slope is 1 to 2, the
+/// second is given by the angle Euler1. The middle cannot rotate.
 Structure OnSkewRollers(double other, int beams = 4);
 
 /// A plane girder of bars along x: chords, posts and one diagonal in each panel, 1 m by 1 m.
@@ -108,10 +108,10 @@ Structure TrussMast(int panels);
 /// A wall of bars in a plane, nx by ny panels with one diagonal each.
 Structure TrussWall(int nx, int ny);
 
-/// A shell without supports; nodes that stand at the same place become one.
+/// A shell without supports. Nodes at the same place become one node.
 Structure ShellOf(const ShellModel& model, const Structure::Shell& shell);
 
-/// The same by its grid, see GridShell; the triangles have three nodes or six.
+/// The same for a grid, see GridShell. The triangles have three or six nodes.
 Structure ShellOn(const std::function<Vector3(double, double)>& place, int nx, int ny, double t,
                   int nnode = 3);
 

@@ -14,7 +14,7 @@ std::string Number(double value)
   return text;
 }
 
-// In percent; what four digits do not show counts as none.
+// In percent. A deviation that four digits do not show counts as 0.
 std::string Percent(double part)
 {
   char text[32];

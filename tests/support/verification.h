@@ -5,7 +5,7 @@
 
 namespace morlen {
 
-/// One line of the verification manual: a result of the program beside a reference.
+/// One line of the verification manual: a result of the program and its reference value.
 struct VerifiedResult
 {
   std::string problem;
@@ -13,7 +13,7 @@ struct VerifiedResult
   std::string quantity;
   double reference = 0.0;
   double result = 0.0;
-  double tolerance = 1e-6;  ///< largest difference, as a part of the reference
+  double tolerance = 1e-6;  ///< largest difference relative to the reference
 
   bool Holds() const;
 };
@@ -25,13 +25,13 @@ struct VerifiedSection
   std::vector<VerifiedResult> results;
 };
 
-/// The sections as the manual has them.
+/// The sections in the format of the manual.
 std::string ManualText(const std::vector<VerifiedSection>& sections);
 
-/// Frames, beams and solids whose solution is known in closed form, computed.
+/// Computes frames, beams and solids whose solution is known in closed form.
 std::vector<VerifiedSection> ClosedForms();
 
-/// Fields from which loads were derived: the orders at which the elements approach them.
+/// The orders of convergence of the elements to manufactured solutions.
 VerifiedSection ManufacturedSolutions();
 
 }  // namespace morlen

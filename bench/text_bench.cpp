@@ -44,7 +44,7 @@ std::vector<double> Results()
   return numbers;
 }
 
-/// Some numbers as text, with a blank behind each.
+/// Some numbers as text, with a blank after each.
 std::string TextOf(const std::vector<double>& numbers, const char* format)
 {
   std::string text;

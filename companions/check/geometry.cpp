@@ -59,6 +59,17 @@ private:
     return key;
   }
 
+  const Node* NearInCell(const Cell& cell, const Point& place) const
+  {
+    const auto [first, last] = cells.equal_range(Key(cell));
+    for (auto entry = first; entry != last; ++entry) {
+      const Point d = Minus(place, PlaceOf(*entry->second));
+      if (Dot(d, d) <= size * size)
+        return entry->second;
+    }
+    return nullptr;
+  }
+
   // A cell is twice as long as the size: at most two cells per axis are within reach of a place.
   const Node* Near(const Point& place) const
   {
@@ -67,12 +78,8 @@ private:
     for (Cell c = low; c[0] <= high[0]; ++c[0]) {
       for (c[1] = low[1]; c[1] <= high[1]; ++c[1]) {
         for (c[2] = low[2]; c[2] <= high[2]; ++c[2]) {
-          const auto [first, last] = cells.equal_range(Key(c));
-          for (auto entry = first; entry != last; ++entry) {
-            const Point d = Minus(place, PlaceOf(*entry->second));
-            if (Dot(d, d) <= size * size)
-              return entry->second;
-          }
+          if (const Node* node = NearInCell(c, place))
+            return node;
         }
       }
     }

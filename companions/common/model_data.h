@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/node_components.h"
 #include "common/vec3.h"
 
 namespace morlen {
@@ -102,7 +103,10 @@ struct Model
   std::vector<ElementLoad> elementLoads;
 
   /// Components that are displacements, not rotations: 2 or 3.
-  int Translations() const { return plane && !solids ? 2 : 3; }
+  int Translations() const
+  {
+    return (solids ? kSolidComponents : ComponentsOf(plane ? kPlane : kSpace)).translations;
+  }
 };
 
 /// Reads a problem file into an empty problem as the program does. Fatal: a file that cannot be

@@ -7,22 +7,18 @@
 #include <string>
 #include <utility>
 
-#include "assembly/coplanarity.h"
 #include "assembly/direct_solution.h"
 #include "assembly/iterated_solution.h"
 #include "assembly/load_vector.h"
 #include "assembly/model_checks.h"
-#include "assembly/six_nodes.h"
+#include "assembly/preparation.h"
 #include "assembly/solve.h"
-#include "assembly/solver_choice.h"
 #include "assembly/support_axes.h"
 #include "base/errorwriter.h"
-#include "base/memory_limit.h"
 #include "base/stprintf.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
-#include "problem/hinges.h"
 #include "problem/problem.h"
 #include "solvers/skymatriu.h"
 #include "solvers/sparse_solver.h"
@@ -82,8 +78,57 @@ std::unique_ptr<double[]> StartOfSixNodes(const Meshes& meshes, const NodeCompon
   return values;
 }
 
-/// One analysis of a problem: the solver that is in use and the solutions.
-// reason: why this solver, for the information stream; empty for none.
+std::unique_ptr<SkyMatriu> MakeSkyline(const Problem& problem)
+{
+  return std::make_unique<SkyMatriu>(problem.Equations(), problem.solverSettings.processor);
+}
+
+// start: displacements of a pre-solve, empty without one.
+std::unique_ptr<BSolver> MakeSolver(const Problem& problem, ReaVecV& start)
+{
+  const SolverSettings& s = problem.solverSettings;
+  if (s.type == SolverType::SkyLine)
+    return MakeSkyline(problem);
+  if (s.type != SolverType::Sparse)
+    Fatal("error: unknown solver\n");
+  const int n = problem.components.count;
+  auto sparse = s.maxIterations == 0
+                    ? std::make_unique<SparseSolver>(problem.numNodes, n, s.processor)
+                    : std::make_unique<SparseSolver>(problem.numNodes, n, s.tolerance1,
+                                                     s.tolerance2, s.maxIterations, s.processor);
+  if (start.Size() > 0) {
+    start.resize(problem.Equations(), 0.0);
+    sparse->EnterInitialvalues(StartOfSixNodes(problem.meshes, problem.components, start));
+  }
+  return sparse;
+}
+
+// An iteration with the default tolerances that continues until the results are good. When the
+// direct solver can follow, the iteration ends as soon as that would have been faster, or when the
+// structure seems to move.
+std::unique_ptr<SparseSolver> MakeIteration(const Problem& problem, const SolverChoice& choice)
+{
+  auto sparse = std::make_unique<SparseSolver>(problem.numNodes, problem.components.count,
+                                               problem.solverSettings.processor);
+  IterationDemands demands = {.error = IterationDemands::kGoodError,
+                              .change = IterationDemands::kGoodChange,
+                              .components = problem.components};
+  if (choice.fitsDirectly) {
+    demands.quotient = IterationDemands::kLeastQuotient;
+    sparse->LimitIterations(choice.work.IterationsWorthTrying());
+  }
+  sparse->Demand(demands);
+  return sparse;
+}
+
+void RequireLoads(const std::vector<LoadVector>& loads, int equations)
+{
+  const auto fits = [&](const LoadVector& load) { return load.values.Size() == equations; };
+  if (loads.empty() || !std::all_of(loads.begin(), loads.end(), fits))
+    Fatal("error: an analysis needs load vectors of ", equations, " components\n");
+}
+
+/// Creates and fills the matrix, and makes the load cases. reason: why this solver; empty for none.
 std::vector<LoadCase> AssembleSystem(const AnalysisTask& task, BSolver& solver,
                                      const MakeLoads& makeLoads, const std::string& reason)
 {
@@ -98,7 +143,8 @@ std::vector<LoadCase> AssembleSystem(const AnalysisTask& task, BSolver& solver,
   Progress(info, "Just before filling global stiffness matrix\n");
   AddStiffness(task, solver);
   Progress(info, "Stiffness matrix filled\n");
-  std::vector<ReaVecV> loads = makeLoads(problem, families);
+  std::vector<LoadVector> loads = makeLoads(problem, families);
+  RequireLoads(loads, problem.Equations());
   Progress(info, "Load vector constructed\n");
   Progress(info, "Beginning to apply constraints\n");
   return MakeLoadCases(problem.GiveNodes(), problem.components, std::move(loads));
@@ -124,227 +170,94 @@ std::vector<Solution> Solve(const AnalysisTask& task, BSolver& solver, const Mak
   return Finish(task, std::move(cases));
 }
 
+/// One analysis of a problem: the solver that is in use, and the solutions.
 class Analysis
 {
 public:
-  Analysis(Problem& problem_, const ElementFamilies& families_, const AnalysisOptions& options,
+  Analysis(Problem& problem_, const ElementFamilies& families_, const AnalysisOptions& options_,
            const MakeLoads& makeLoads_)
-      : problem(problem_),
-        families(families_),
-        renumber(options.renumber),
-        info(options.info),
-        makeLoads(makeLoads_)
+      : problem(problem_), families(families_), options(options_), makeLoads(makeLoads_)
   {
   }
 
   Analysed Run()
   {
-    CheckReferences(problem.meshes, problem.materials, families);
-    CheckModel(problem.meshes, problem.problemType, problem.components, families);
-    if (problem.hasHinges)
-      MergeHinges(problem);
-    if (Type() == SolverType::Double)
+    PrepareModel(problem, families);
+    if (problem.solverSettings.type == SolverType::Double)
       PreSolve();
-    if (problem.convertTo6Nodes && ConvertTriangles(problem))
-      Progress(info, "Mesh converted to internal 6-noded representation\n");
-    if (Type() == SolverType::Automatic) {
-      SolveAutomatically();
+    const bool automatic = problem.solverSettings.type == SolverType::Automatic;
+    const SolverChoice choice = PrepareEquations(problem, families, options);
+    if (automatic && choice.type == SolverType::Sparse) {
+      IterateFirst(choice);
     } else {
-      Number();
-      MarkNodes();
-      ReportMarks();
-      MakeSolver();
-      SolveBySolver("the problem file asks for it");
+      solver = MakeSolver(problem, start);
+      solutions = Solve(Task(), *solver, makeLoads, choice.reason);
     }
     return {std::move(solver), std::move(solutions)};
   }
 
 private:
-  SolverType& Type() { return problem.solverSettings.type; }
-  AnalysisTask Task() const { return {problem, families, info}; }
+  AnalysisTask Task() const { return {problem, families, options.info}; }
 
-  void SolveAutomatically();
   void PreSolve();
-  SolverChoice ChooseSolver();
-  void MakeSolver();
-  void MakeIteration(const SolverChoice& choice);
-
-  // --- Numbers of the nodes, and the coplanarity marks, which are valid for some numbers ---
-
-  // Renumbers for the direct solver. The iteration uses the numbers of the file.
-  void Number()
-  {
-    if (Type() == SolverType::SkyLine)
-      Renumber();
-  }
-  void Renumber();
-  void RestoreNumbers();
-  void MarkNodes();
-  void ReportMarks() const;
-
-  void MakeSkyline();
-  void SolveBySolver(const std::string& reason)
-  {
-    solutions = Solve(Task(), *solver, makeLoads, reason);
-  }
+  void IterateFirst(const SolverChoice& choice);
 
   Problem& problem;
   const ElementFamilies& families;
-  bool renumber;
-  std::FILE* info;
+  const AnalysisOptions& options;
   const MakeLoads& makeLoads;
   std::unique_ptr<BSolver> solver;
   std::vector<Solution> solutions;
-  ReaVecV start;               ///< displacements of the pre-solve; empty without one
-  bool marksAreValid = false;  ///< for the current nodes and their numbers
+  ReaVecV start;  ///< displacements of the pre-solve; empty without one
 };
 
-// Uses the solver that is estimated to be faster. When that is the iteration and it fails, the
-// direct solver follows.
-void Analysis::SolveAutomatically()
-{
-  const SolverChoice choice = ChooseSolver();
-  MarkNodes();
-  ReportMarks();
-  if (choice.type == SolverType::SkyLine) {
-    MakeSolver();
-    return SolveBySolver(choice.reason);
-  }
-  MakeIteration(choice);
-  auto& sparse = static_cast<SparseSolver&>(*solver);
-  std::vector<LoadCase> cases = AssembleSystem(Task(), sparse, makeLoads, choice.reason);
-  if (IterateToTheEnd(Task(), sparse, cases)) {
-    solutions = Finish(Task(), std::move(cases));
-    return;
-  }
-  if (!choice.fitsDirectly)
-    SolverFailed(problem.meshes, problem.components, -std::max(sparse.ModelReport().iterations, 1),
-                 NoSolverHint(sparse, choice.work));
-  const std::string reason = Outcome(sparse);
-  solver.reset();
-  Type() = SolverType::SkyLine;
-  Number();
-  MarkNodes();
-  MakeSolver();
-  SolveBySolver(reason);
-}
-
-// Solves the model of three-node triangles by the skyline solver. Its displacements are the
-// starting vector of the sparse solver for the model of six-node triangles.
+// Solves the model of three-node triangles by the skyline solver, for the first load vector. Its
+// displacements are the starting vector of the sparse solver for the model of six-node triangles.
 void Analysis::PreSolve()
 {
   CheckDoubleSolver(problem.meshes);
-  Renumber();
-  Progress(info, "Running a pre-solver to prepare initial values\n");
-  MarkNodes();
-  ReportMarks();
-  MakeSkyline();
-  SolveBySolver("");
-  start = std::move(solutions.front().displacements);
-  solutions.clear();
-  solver.reset();
+  Progress(options.info, "Running a pre-solver to prepare initial values\n");
+  PrepareForSkyline(problem, options.renumber);
+  ReportMarks(problem, options.info);
+  const auto skyline = MakeSkyline(problem);
+  const MakeLoads firstLoads = [this](const Problem& prepared, const ElementFamilies& known) {
+    std::vector<LoadVector> loads = makeLoads(prepared, known);
+    if (!loads.empty())
+      loads.erase(loads.begin() + 1, loads.end());
+    return loads;
+  };
+  start = std::move(Solve(Task(), *skyline, firstLoads, "").front().displacements);
   problem.coplanarity.clear();
-  marksAreValid = false;
-  Type() = SolverType::Sparse;
+  problem.solverSettings.type = SolverType::Sparse;
   problem.convertTo6Nodes = true;
 }
 
-void Analysis::Renumber()
+// The iteration of an automatic choice. When it fails, the direct solver follows.
+void Analysis::IterateFirst(const SolverChoice& choice)
 {
-  if (!renumber)
+  auto sparse = MakeIteration(problem, choice);
+  std::vector<LoadCase> cases = AssembleSystem(Task(), *sparse, makeLoads, choice.reason);
+  if (IterateToTheEnd(Task(), *sparse, cases)) {
+    solutions = Finish(Task(), std::move(cases));
+    solver = std::move(sparse);
     return;
-  problem.meshes.front()->RenumberNodes();
-  marksAreValid = false;
-}
-
-void Analysis::RestoreNumbers()
-{
-  if (!renumber)
-    return;
-  problem.meshes.front()->RestoreNumbers();
-  marksAreValid = false;
-}
-
-void Analysis::MarkNodes()
-{
-  if (!marksAreValid)
-    MarkCoplanarNodes(problem);
-  marksAreValid = true;
-}
-
-void Analysis::ReportMarks() const
-{
-  const std::vector<int>& marks = problem.coplanarity;
-  if (!marks.empty())
-    Progress(info, "%i out of %i nodes are coplanar\n",
-             static_cast<int>(std::count(marks.begin(), marks.end(), 1)), problem.numNodes);
-}
-
-// The nodes have the numbers of the chosen solver afterwards.
-SolverChoice Analysis::ChooseSolver()
-{
-  Type() = SolverType::SkyLine;
-  Number();
-  const long long equations = static_cast<long long>(problem.numNodes) * problem.components.count;
-  if (equations < kChoiceFrom)
-    return {.reason = std::to_string(equations) + " equations are less than " +
-                      std::to_string(kChoiceFrom)};
-  MarkNodes();
-  SolverChoice choice = FasterSolver(EstimateWork(problem, families), UsableMemory(MemoryLimit()));
-  Type() = choice.type;
-  if (choice.type == SolverType::Sparse)
-    RestoreNumbers();
-  return choice;
-}
-
-void Analysis::MakeSkyline()
-{
-  solver = std::make_unique<SkyMatriu>(problem.Equations(), problem.solverSettings.processor);
-}
-
-void Analysis::MakeSolver()
-{
-  const SolverSettings& s = problem.solverSettings;
-  if (s.type == SolverType::SkyLine)
-    return MakeSkyline();
-  if (s.type != SolverType::Sparse)
-    Fatal("error: unknown solver\n");
-  const int n = problem.components.count;
-  auto sparse = s.maxIterations == 0
-                    ? std::make_unique<SparseSolver>(problem.numNodes, n, s.processor)
-                    : std::make_unique<SparseSolver>(problem.numNodes, n, s.tolerance1,
-                                                     s.tolerance2, s.maxIterations, s.processor);
-  if (start.Size() > 0) {
-    start.resize(problem.Equations(), 0.0);
-    sparse->EnterInitialvalues(StartOfSixNodes(problem.meshes, problem.components, start));
   }
-  solver = std::move(sparse);
-}
-
-// An iteration with the default tolerances that continues until the results are good. When the
-// direct solver can follow, the iteration ends as soon as that would have been faster, or when the
-// structure seems to move.
-void Analysis::MakeIteration(const SolverChoice& choice)
-{
-  auto sparse = std::make_unique<SparseSolver>(problem.numNodes, problem.components.count,
-                                               problem.solverSettings.processor);
-  IterationDemands demands = {.error = IterationDemands::kGoodError,
-                              .change = IterationDemands::kGoodChange,
-                              .components = problem.components};
-  if (choice.fitsDirectly) {
-    demands.quotient = IterationDemands::kLeastQuotient;
-    sparse->LimitIterations(choice.work.IterationsWorthTrying());
-  }
-  sparse->Demand(demands);
-  solver = std::move(sparse);
+  if (!choice.fitsDirectly)
+    SolverFailed(problem.meshes, problem.components, -std::max(sparse->ModelReport().iterations, 1),
+                 NoSolverHint(*sparse, choice.work));
+  const std::string reason = Outcome(*sparse);
+  sparse.reset();
+  PrepareForSkyline(problem, options.renumber);
+  solver = MakeSkyline(problem);
+  solutions = Solve(Task(), *solver, makeLoads, reason);
 }
 
 }  // namespace
 
-std::vector<ReaVecV> LoadsOfProblem(const Problem& problem, const ElementFamilies& families)
+std::vector<LoadVector> LoadsOfProblem(const Problem& problem, const ElementFamilies& families)
 {
-  std::vector<ReaVecV> loads;
-  loads.push_back(AppliedLoads(problem, families));
+  std::vector<LoadVector> loads;
+  loads.push_back({.values = AppliedLoads(problem, families)});
   return loads;
 }
 

@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "assembly/load_vector.h"
+#include "assembly/preparation.h"
 #include "assembly/solution.h"
 #include "solvers/bsolver.h"
 
@@ -13,30 +15,24 @@ namespace morlen {
 class ElementFamilies;
 struct Problem;
 
-/// Makes the load vectors of a prepared problem, by equation in global axes. It may be called more
-/// than once.
-using MakeLoads = std::function<std::vector<ReaVecV>(const Problem&, const ElementFamilies&)>;
+/// Makes the load vectors of a prepared problem. It may be called more than once: `Solver Double`
+/// solves two models, of different numbers of equations.
+using MakeLoads = std::function<std::vector<LoadVector>(const Problem&, const ElementFamilies&)>;
 
 /// The loads that the problem has, as its only load vector.
-std::vector<ReaVecV> LoadsOfProblem(const Problem& problem, const ElementFamilies& families);
-
-struct AnalysisOptions
-{
-  bool renumber = true;       ///< false keeps the numbers of the file
-  std::FILE* info = nullptr;  ///< progress; may be null
-};
+std::vector<LoadVector> LoadsOfProblem(const Problem& problem, const ElementFamilies& families);
 
 /// The outcome of an analysis.
 struct Analysed
 {
   std::unique_ptr<BSolver> solver;  ///< with the factors or the assembled matrix
-  /// One for each load vector: displacements, and reactions without the forces of the elements.
+  /// One for each load vector, with displacements and supportLoads.
   std::vector<Solution> solutions;
 };
 
 /// Checks and prepares a problem, chooses the solver, and solves all load vectors with one
-/// factorisation. The problem changes in its preparation only: hinges, six-node shells, coplanarity
-/// marks, numbers of nodes, and the type of the solver, which becomes the one that was used.
+/// factorisation. The problem changes in its preparation only, see preparation.h. The type of the
+/// solver in its settings becomes the one that was used.
 ///
 /// With an automatic choice of the solver, small models are solved directly and large ones by the
 /// solver that is estimated to be faster. When that is the iteration and it fails, the direct
@@ -44,8 +40,9 @@ struct Analysed
 Analysed Analyse(Problem& problem, const ElementFamilies& families, const AnalysisOptions& options,
                  const MakeLoads& makeLoads = LoadsOfProblem);
 
-/// Assembles and solves a prepared problem for all load vectors, with one factorisation. `solver`:
-/// empty, of the problem's size, a SparseSolver when the settings say Sparse, else a SkyMatriu.
+/// Assembles and solves a problem after PrepareModel and PrepareEquations for all load vectors,
+/// with one factorisation. `solver`: empty, of the problem's size, a SparseSolver when the settings
+/// say Sparse, else a SkyMatriu.
 std::vector<Solution> SolvePrepared(const Problem& problem, const ElementFamilies& families,
                                     BSolver& solver, const MakeLoads& makeLoads, std::FILE* info);
 

@@ -15,7 +15,6 @@ struct MeshOutput;
 struct MeshResults;
 struct Problem;
 struct Solution;
-struct SplitView;
 
 /// The functions by which every phase treats the elements of one kind. All phases reach the
 /// elements of a mesh through its family only.
@@ -23,6 +22,7 @@ struct ElementFamily
 {
   ElemType type;
   int nnode;
+  int points;      ///< of integration, of an element; 0 for beams
   bool spaceOnly;  ///< refused in plane problems
 
   // --- Analysis: assembly/ ---
@@ -38,7 +38,7 @@ struct ElementFamily
 
   // --- Results: results/ ---
 
-  /// Fills points, blockSize and the values of the results; their numbers are known.
+  /// Fills blockSize and the values of the results; their numbers and points are known.
   void (*calcStrengths)(const Problem&, const Mesh&, const Solution&, MeshResults&);
   /// True when the values that the writers compute between the nodes are bounded; null when they
   /// compute none.
@@ -48,7 +48,7 @@ struct ElementFamily
   /// Writes the section of the text results; null when the family has none.
   void (*writeText)(const MeshOutput&, TextOut&);
   /// Writes the point set of the post-process results; null when the family has none.
-  void (*writePointSet)(const Problem&, const Mesh&, TextOut&);
+  void (*writePointSet)(const Problem&, int points, TextOut&);
   /// Writes the blocks of the post-process results.
   void (*writeBlocks)(const MeshOutput&, TextOut&);
 };

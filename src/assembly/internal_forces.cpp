@@ -1,9 +1,9 @@
 #include "assembly/internal_forces.h"
 
-#include <cstddef>
 #include <utility>
 
 #include "assembly/element_family.h"
+#include "base/node_components.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "problem/problem.h"
@@ -34,8 +34,9 @@ bool InternalForces::Wants(const Elem& elem) const
 void InternalForces::Add(const Elem& elem, int index, const double* forces)
 {
   double* const sum = sums[index].Data();
+  const NodeComponents numbering = WithRotations(components);
   for (int i = 0; i < elem.Nnode(); ++i) {
-    double* const own = sum + static_cast<std::ptrdiff_t>(elem(i)->number - 1) * components;
+    double* const own = sum + numbering.Equation(elem(i)->number, 1) - 1;
     for (int k = 0; k < components; ++k)
       own[k] += *forces++;
   }

@@ -71,8 +71,8 @@ struct RefinedCases
 /// displacement. The displacement does not change the residual. Each step therefore adds it again,
 /// and the corrections are 1/2, 1/3, 1/4 ... of u. In a stable structure the corrections fall.
 ///
-/// A much softer part may have displacements beside which the corrections of a motion are small.
-/// Then the residual shows the motion: no element resists the probe's loads along it.
+/// If a much softer part moves far more, the corrections of the motion are too small to show. Then
+/// the residual shows it: no element resists the probe's loads along it.
 class Refinement
 {
 public:

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 
+#include "base/node_components.h"
 #include "model/constraint.h"
 #include "model/elem.h"
 #include "model/node.h"
@@ -18,7 +18,7 @@ namespace {
 /// The components of a node in a vector by equation, from 0.
 const double* PartOf(const Node& node, int components, const double* vector)
 {
-  return vector + static_cast<std::ptrdiff_t>(node.number - 1) * components;
+  return vector + WithRotations(components).Equation(node.number, 1) - 1;
 }
 
 /// out = a − b.

@@ -33,9 +33,11 @@ struct Solution
 {
   SplitView Displacements() const { return {displacements, displacementRests}; }
 
+  double elementLoads = 1.0;  ///< see LoadVector
   ReaVecV displacements;      ///< by equation
   ReaVecV displacementRests;  ///< the further digits of the displacements, see SplitVector
   ReaVecV elementForces;      ///< K·u by equation, when known; the reactions consume it
+  ReaVecV supportLoads;       ///< minus the loads that act on supports, by equation
   ReaVecV reactions;          ///< by equation; 0 where no support carries the component
   SolutionAccuracy accuracy;
   std::vector<MeshResults> results;  ///< in the order of the meshes

@@ -37,23 +37,23 @@ double MeanElementLength(const Meshes& meshes)
   return sum > 0.0 ? sum / static_cast<double>(count) : 1.0;
 }
 
-/// Minus the loads on the components that supports carry, by equation in global axes. CalcReactions
-/// adds the forces of the elements.
-ReaVecV StartReactions(const VoidPlex& nodes, const NodeComponents& components,
-                       const ReaVecV& loads)
+// Minus the loads on the components that supports carry, by equation in global axes. A reaction is
+// the sum of this and the forces of the elements.
+ReaVecV LoadsOnSupports(const VoidPlex& nodes, const NodeComponents& components,
+                        const ReaVecV& loads)
 {
-  ReaVecV reactions;
-  reactions.resize(loads.Size(), 0.0);
+  ReaVecV negative;
+  negative.resize(loads.Size(), 0.0);
   for (const Node& node : Each<Node>(nodes)) {
     if (!node.constraint)
       continue;
     for (int k = 1; k <= components.count; ++k) {
       const int equation = components.Equation(node.number, k);
       if (node.constraint->Carries(k))
-        reactions(equation) += -loads(equation);
+        negative(equation) -= loads(equation);
     }
   }
-  return reactions;
+  return negative;
 }
 
 }  // namespace
@@ -84,14 +84,15 @@ void AddStiffness(const AnalysisTask& task, BSolver& solver)
 }
 
 std::vector<LoadCase> MakeLoadCases(const VoidPlex& nodes, const NodeComponents& components,
-                                    std::vector<ReaVecV> loads)
+                                    std::vector<LoadVector> loads)
 {
   std::vector<LoadCase> cases;
   cases.reserve(loads.size());
-  for (ReaVecV& global : loads) {
+  for (LoadVector& global : loads) {
     LoadCase& added = cases.emplace_back();
-    added.solution.reactions = StartReactions(nodes, components, global);
-    added.loads = std::move(global);
+    added.solution.elementLoads = global.elementLoads;
+    added.solution.supportLoads = LoadsOnSupports(nodes, components, global.values);
+    added.loads = std::move(global.values);
     ConvertGlobalLoadToLocal(nodes, added.loads, components.count);
   }
   return cases;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "assembly/free_equations.h"
+#include "assembly/load_vector.h"
 #include "assembly/solution.h"
 #include "numeric/reavecv.h"
 #include "problem/problem.h"
@@ -26,7 +27,7 @@ struct AnalysisTask
 struct LoadCase
 {
   ReaVecV loads;      ///< by equation, in the axes of the supports
-  Solution solution;  ///< its reactions are minus the loads at supports, see CalcReactions
+  Solution solution;  ///< with its supportLoads before the system is solved
 };
 
 /// The components of a node with the mean length of the elements.
@@ -40,7 +41,7 @@ void AddStiffness(const AnalysisTask& task, BSolver& solver);
 
 /// Load cases of load vectors in global axes.
 std::vector<LoadCase> MakeLoadCases(const VoidPlex& nodes, const NodeComponents& components,
-                                    std::vector<ReaVecV> loads);
+                                    std::vector<LoadVector> loads);
 
 /// Copies of the load vectors of the cases, to be used as right-hand sides.
 std::vector<ReaVecV> LoadsOf(const std::vector<LoadCase>& cases);

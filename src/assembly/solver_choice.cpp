@@ -17,7 +17,6 @@
 #include "base/stprintf.h"
 #include "model/constraint.h"
 #include "model/elem.h"
-#include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"

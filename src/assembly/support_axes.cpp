@@ -1,5 +1,6 @@
 #include "assembly/support_axes.h"
 
+#include "base/node_components.h"
 #include "model/constraint.h"
 #include "model/node.h"
 #include "numeric/block_rotation.h"
@@ -20,9 +21,10 @@ bool SupportAxes(const Node& node, int n, Matriu& T)
 void TurnAll(const VoidPlex& nodes, Turn turn, ReaVecV& vector, int n)
 {
   Matriu T;
+  const NodeComponents components = WithRotations(n);
   for (const Node& node : Each<Node>(nodes)) {
     if (SupportAxes(node, n, T))
-      TurnVector(T, turn, n, &vector((node.number - 1) * n + 1));
+      TurnVector(T, turn, n, &vector(components.Equation(node.number, 1)));
   }
 }
 

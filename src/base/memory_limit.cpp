@@ -1,5 +1,5 @@
 // The memory that a process can allocate has several limits: those of the process (getrlimit),
-// those of its control groups (containers; two versions, each with files of its own names) and the
+// those of its control groups (containers; two versions, whose files have different names) and the
 // memory of the machine. Each function here gives one limit, or kNoLimit where it is not set or not
 // known. The bytes in use come from /proc and the groups' files. Pages of cached files count as
 // free, because the system drops them when memory is short.

@@ -1,4 +1,4 @@
-// Text to numbers. The library's std::from_chars converts; around it stand the signs, prefixes and
+// Text to numbers. The library's std::from_chars converts; this file adds the signs, prefixes and
 // limits of scanf. Most floating-point numbers never get there: ScanPlainDouble makes them from an
 // integer and a power of ten that are both exact doubles, so that one operation rounds once, after
 // W. D. Clinger, "How to read floating point numbers accurately", PLDI 1990.

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kFirstSlab = std::size_t{1} << 12;
 constexpr std::size_t kLargestSlab = kLargePage;
-constexpr std::size_t kRun = std::size_t{1} << 16;  // bytes, enough to make locks rare
+constexpr std::size_t kRun = std::size_t{1} << 12;  // bytes: locks are rare, and little is lost
 
 }  // namespace
 

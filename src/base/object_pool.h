@@ -29,8 +29,8 @@ class ObjectPool
 
 public:
   /// The free places of one thread. It has no destructor, because to register one for the end of
-  /// a thread would allocate. A thread that ends while objects of its making live leaves at most
-  /// one run of places unused, and those that it has released.
+  /// a thread would allocate. When a thread ends before its objects are released, at most one run
+  /// and the places that it released stay unused.
   struct Share
   {
     char* next = nullptr;  ///< the run in use: free places from next to end; null before the first

@@ -10,7 +10,7 @@ enum class Processor
   kAvx512  ///< 8 doubles
 };
 
-/// What the processor of this run offers.
+/// The widest vectors that the processor of this run has.
 Processor ThisProcessor();
 
 }  // namespace morlen

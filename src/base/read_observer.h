@@ -7,9 +7,9 @@ namespace morlen {
 
 class TextScan;
 
-/// A fact about the problem file that only its reader knows: text that it passes over without a
-/// message, a value that it takes for another, or the reason of the error that follows. A notice
-/// has a place, the text that it is about, and with some events a detail.
+/// An event during reading that no later phase can see: text skipped without a message, a value
+/// read as another, or the reason of the following error. A notice has a place, the text that it
+/// is about, and with some events a detail.
 enum class ReadEvent : int
 {
   SkippedText,        ///< text before the word searched for; the detail is that word
@@ -53,7 +53,7 @@ enum class ReadTopic : int
 
 /// Follows the reading of a problem file and lets it continue after errors.
 ///
-/// The program has none. A companion that judges problem files makes one that of its thread (see
+/// Null in the program. A companion that judges problem files sets one for its thread (see
 /// ObserverScope), together with an end of the run (see ErrorWriter::SetEndOfRun) that throws.
 class ReadObserver
 {

@@ -12,7 +12,7 @@ namespace morlen {
 ///
 /// Numbers and words are read as a formatted input stream reads them (leading
 /// white space skipped, a number ends at the first character that cannot belong
-/// to it), but a failed read leaves no error state behind, and a number that is
+/// to it), but a failed read leaves no error state, and a number that is
 /// not finite, or too large for its type, is no number. The text is borrowed.
 class TextScan
 {

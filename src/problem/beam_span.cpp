@@ -45,21 +45,37 @@ const SpanForce& ForceOf(const BeamSpan& beam, int component)
 // The share of the load q·L that the first end carries, and the moment there divided by q·L².
 struct EndShares
 {
-  int code;
   double force;
   double moment;
 };
 
-constexpr EndShares kEndShares[] = {
-    {11, 0.5, 1.0 / 12.0}, {10, 0.625, 0.125}, {1, 0.375, 0.0}, {0, 0.5, 0.0}};
-
-const EndShares& SharesOf(int hingeCode, const char* message)
+EndShares SharesOf(HingeCode hinges)
 {
-  for (const EndShares& shares : kEndShares) {
-    if (shares.code == hingeCode)
-      return shares;
-  }
-  Fatal(message);
+  if (hinges.IsContinuous())
+    return {0.5, 1.0 / 12.0};
+  if (hinges.FirstHinged() && hinges.SecondHinged())
+    return {0.5, 0.0};
+  return hinges.SecondHinged() ? EndShares{0.625, 0.125} : EndShares{0.375, 0.0};
+}
+
+// The deflection at x under the load q across the beam.
+double Deflection(HingeCode hinges, double x, double L, double q, double EI)
+{
+  const double rest = L - x;
+  if (hinges.IsContinuous())
+    return q * x * x * rest * rest / (24.0 * EI);
+  if (hinges.FirstHinged() && hinges.SecondHinged())
+    return q * x * (L * L * L - 2.0 * L * x * x + x * x * x) / (24.0 * EI);
+  if (hinges.SecondHinged())
+    return q * x * x * rest * (3.0 * L - 2.0 * x) / (48.0 * EI);
+  return q * rest * rest * x * (L + 2.0 * x) / (48.0 * EI);
+}
+
+HingeCode RequireHingeCode(int hingeCode, const char* message)
+{
+  if (!HingeCode::IsValid(hingeCode))
+    Fatal(message);
+  return HingeCode(hingeCode);
 }
 
 }  // namespace
@@ -67,7 +83,7 @@ const EndShares& SharesOf(int hingeCode, const char* message)
 double GiveLocalStrength(SpanPart part, double t, double L, double q, int hingeCode)
 {
   constexpr const char* kMessage = "error in GiveLocalStrength\n";
-  const EndShares& shares = SharesOf(hingeCode, kMessage);
+  const EndShares shares = SharesOf(RequireHingeCode(hingeCode, kMessage));
   const double x = t * L;
   switch (part) {
     case SpanPart::Axial:
@@ -86,29 +102,28 @@ double GiveLocalDisplacement(SpanPart part, double t, double L, double q, double
                              int hingeCode)
 {
   constexpr const char* kMessage = "error in GiveLocalDisplacement\n";
-  SharesOf(hingeCode, kMessage);
+  const HingeCode hinges = RequireHingeCode(hingeCode, kMessage);
   const double x = t * L;
-  const double rest = L - x;
   if (part == SpanPart::Axial)
-    return q * x * rest / (2.0 * stiffness);
+    return q * x * (L - x) / (2.0 * stiffness);
   if (part != SpanPart::Shear)
     Fatal(kMessage);
-  switch (hingeCode) {
-    case 11:
-      return q * x * x * rest * rest / (24.0 * stiffness);
-    case 10:
-      return q * x * x * rest * (3.0 * L - 2.0 * x) / (48.0 * stiffness);
-    case 1:
-      return q * rest * rest * x * (L + 2.0 * x) / (48.0 * stiffness);
-    default:
-      return q * x * (L * L * L - 2.0 * L * x * x + x * x * x) / (24.0 * stiffness);
-  }
+  return Deflection(hinges, x, L, q, stiffness);
 }
 
 bool SpanLoad::IsZero() const
 {
   return strain == 0.0 &&
          std::all_of(std::begin(q), std::end(q), [](double x) { return x == 0.0; });
+}
+
+SpanLoad SpanLoad::operator*(double factor) const
+{
+  SpanLoad product = *this;
+  for (double& component : product.q)
+    component *= factor;
+  product.strain *= factor;
+  return product;
 }
 
 double SpanLoad::Strength(const BeamSpan& beam, int component, double t) const

@@ -59,6 +59,7 @@ struct SpanLoad
   double strain = 0.0;  ///< free thermal strain
 
   bool IsZero() const;
+  SpanLoad operator*(double factor) const;
 
   /// Adds the equivalent nodal loads, in global axes, to a vector whose entries from
   /// `first` and `second` on belong to the two nodes.

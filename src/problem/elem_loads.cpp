@@ -49,7 +49,7 @@ void TemperatureLT::AddToLoadVectorTetra(const Elem&, ReaVecV&) const
 
 ElemLoadRecord TemperatureLT::Describe() const
 {
-  return {"temperature_loads", {values[0], values[1]}, -1};
+  return {"temperature_loads", std::nullopt, {values[0], values[1]}, -1};
 }
 
 }  // namespace morlen

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "base/constants.h"
@@ -15,13 +16,15 @@ class ReaVecV;
 class Units;
 struct BeamSpan;
 struct SpanLoad;
+enum class PreassureLT_type : int;
 
 /// An element load as data, in the units of the results.
 struct ElemLoadRecord
 {
-  const char* keyword;           ///< of the block
-  std::array<double, 6> values;  ///< after the rotation by the record's Euler angles
-  int face;                      ///< index of the face or edge; -1 without one
+  const char* keyword;                       ///< of the block
+  std::optional<PreassureLT_type> pressure;  ///< none for a change of temperature
+  std::array<double, 6> values;              ///< after the rotation by the record's Euler angles
+  int face;                                  ///< index of the face or edge; -1 without one
 };
 
 /// A distributed load on an element, or a change of its temperature. The loads on one element form

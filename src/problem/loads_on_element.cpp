@@ -26,12 +26,12 @@ BeamSpan MakeSpan(const Problem& problem, const Elem& beam, Matriu& T)
   return span;
 }
 
-SpanLoad LoadOn(const Problem& problem, const BeamSpan& beam)
+SpanLoad LoadOn(const Problem& problem, const BeamSpan& beam, double factor)
 {
   SpanLoad sum;
   ForEachLoadOn(problem, beam.elem, beam.material.Weight * beam.material.A, problem.problemType,
                 [&](const BaseElemLoads& load) { load.AddToSpanLoad(beam, sum); });
-  return sum;
+  return factor == 1.0 ? sum : sum * factor;
 }
 
 }  // namespace morlen

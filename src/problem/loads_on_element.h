@@ -33,7 +33,7 @@ void ForEachLoadOn(const Problem& problem, const Elem& elem, double weight, PROB
 /// without a material.
 BeamSpan MakeSpan(const Problem& problem, const Elem& beam, Matriu& T);
 
-/// The sum of self-weight and loads on a beam.
-SpanLoad LoadOn(const Problem& problem, const BeamSpan& beam);
+/// The sum of self-weight and loads on a beam, times a factor.
+SpanLoad LoadOn(const Problem& problem, const BeamSpan& beam, double factor = 1.0);
 
 }  // namespace morlen

@@ -140,7 +140,7 @@ void PreassureLT::AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const
 
 ElemLoadRecord PreassureLT::Describe() const
 {
-  ElemLoadRecord record{KeywordOf(type), {}, face};
+  ElemLoadRecord record{KeywordOf(type), type, {}, face};
   std::copy_n(values, 6, record.values.begin());
   return record;
 }

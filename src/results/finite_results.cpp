@@ -70,7 +70,7 @@ bool AreBeamSpansBounded(const MeshOutput& output)
   Matriu T;
   for (const Elem& elem : Each<Elem>(*output.mesh.GiveElemPlex())) {
     const BeamSpan beam = MakeSpan(problem, elem, T);
-    const SpanLoad load = LoadOn(problem, beam);
+    const SpanLoad load = LoadOn(problem, beam, output.solution.elementLoads);
     if (!IsBounded(std::max(1.0, beam.L) * largest) ||
         !(load.IsZero() || IsSpanBounded(beam, load)))
       return false;

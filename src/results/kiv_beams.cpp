@@ -48,7 +48,7 @@ void WriteDisplacements(const MeshOutput& output, TextOut& res)
     const BeamSpan beam = MakeSpan(problem, elem, T);
     SetDisplacementVectors(problem.components, output.solution.displacements, elem, beam.hingeCode,
                            T, divisions, points.data());
-    const SpanLoad load = LoadOn(problem, beam);
+    const SpanLoad load = LoadOn(problem, beam, output.solution.elementLoads);
     const bool loaded = !load.IsZero();
     res << elem.Num();
     double* value = points.data();
@@ -75,7 +75,7 @@ void WriteForces(const MeshOutput& output, int component, TextOut& res)
   Matriu T;
   for (const Elem& elem : Each<Elem>(*output.mesh.GiveElemPlex())) {
     const BeamSpan beam = MakeSpan(problem, elem, T);
-    const SpanLoad load = LoadOn(problem, beam);
+    const SpanLoad load = LoadOn(problem, beam, output.solution.elementLoads);
     const bool loaded = !load.IsZero();
     double direction[3];
     for (int k = 1; k <= 3; ++k)
@@ -113,7 +113,7 @@ void WriteAxes(const MeshOutput& output, TextOut& res)
 
 }  // namespace
 
-void WriteBeamPointSet(const Problem& problem, const Mesh&, TextOut& res)
+void WriteBeamPointSet(const Problem& problem, int, TextOut& res)
 {
   res << "GaussPoints \"Beams\" ElemType Linear\n Number of Gauss Points: "
       << problem.numOfDivisions + 1

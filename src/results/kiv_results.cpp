@@ -54,13 +54,14 @@ void WritePointSets(const Problem& problem, const ElementFamilies& families, Tex
     if (!family.writePointSet || family.writePointSet == written)
       continue;
     written = family.writePointSet;
-    const Mesh* last = nullptr;
+    const ElementFamily* last = nullptr;
     for (const auto& mesh : problem.meshes) {
-      if (families.Of(*mesh).writePointSet == written)
-        last = mesh.get();
+      const ElementFamily& ofMesh = families.Of(*mesh);
+      if (ofMesh.writePointSet == written)
+        last = &ofMesh;
     }
     if (last)
-      written(problem, *last, res);
+      written(problem, last->points, res);
   }
 }
 

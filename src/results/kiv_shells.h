@@ -2,14 +2,13 @@
 
 namespace morlen {
 
-class Mesh;
 class TextOut;
 struct MeshOutput;
 struct Problem;
 
 // Shells in the post-process results, for the rows of an ElementFamily.
 
-void WriteShellPointSet(const Problem& problem, const Mesh& mesh, TextOut& res);
+void WriteShellPointSet(const Problem& problem, int points, TextOut& res);
 void WriteShellBlocks(const MeshOutput& output, TextOut& res);
 
 }  // namespace morlen

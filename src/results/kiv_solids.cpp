@@ -13,6 +13,7 @@
 #include "problem/problem.h"
 #include "results/kiv_results.h"
 #include "results/mesh_output.h"
+#include "results/smooth_solid.h"
 
 namespace morlen {
 
@@ -54,7 +55,7 @@ void WriteSolidBlocks(const MeshOutput& output, TextOut& res)
   constexpr int kWritten[] = {0, 1, 2, 3, 5, 4};
   res << "Strengths      4 1.0 Estatic 3 1 1\nSx\nSy\nSz\nTxy\nTyz\nTxz\n";
   problem.ForEachNodeRead([&](int number, const Node& node) {
-    const double* stresses = nodalStresses.Data() + (node.number - 1) * 6;
+    const double* stresses = nodalStresses.Data() + PlaceOfStresses(node.number);
     res << number << ' ';
     for (const int k : kWritten)
       res << ' ' << stresses[k];
@@ -62,7 +63,7 @@ void WriteSolidBlocks(const MeshOutput& output, TextOut& res)
   });
   res << "Von Misses     4 1.0 Estatic 1 1 1\nVon_Misses\n";
   problem.ForEachNodeRead([&](int number, const Node& node) {
-    res << number << ' ' << VonMises(nodalStresses.Data() + (node.number - 1) * 6) << '\n';
+    res << number << ' ' << VonMises(nodalStresses.Data() + PlaceOfStresses(node.number)) << '\n';
   });
 }
 

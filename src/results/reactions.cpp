@@ -70,6 +70,7 @@ void CalcReactions(const Problem& problem, const ElementFamilies& families, Solu
   const ReaVecV forces = solution.elementForces.Size() > 0
                              ? std::move(solution.elementForces)
                              : ForcesAtSupports(problem, families, solution.Displacements());
+  solution.reactions = solution.supportLoads;
   for (const Node& node : Each<Node>(problem.GiveNodes())) {
     if (!node.constraint)
       continue;

@@ -9,8 +9,8 @@ struct NodeComponents;
 struct Problem;
 struct Solution;
 
-/// Completes the reactions: they are minus the loads at the supports on entry, and the forces of
-/// the elements are added. Fatal when a force is not finite.
+/// Computes the reactions: the forces of the elements at the supports less the loads there. Fatal
+/// when a force is not finite.
 ///
 /// The mid-side nodes that the conversion to six nodes adds are in no result file. Half of the
 /// reaction of such a node goes to each corner of its edge.

@@ -9,7 +9,6 @@
 #include "base/array_size.h"
 #include "model/elem.h"
 #include "model/mesh.h"
-#include "model/shape_functions.h"
 #include "numeric/plex_range.h"
 #include "problem/problem.h"
 #include "results/principal_values.h"
@@ -21,9 +20,8 @@ void CalcShellStrengths(const Problem& problem, const Mesh& mesh, const Solution
 {
   constexpr int kValues = 8;
   constexpr int kAngles = 6;
-  const int points = GaussPointCount(Triangle, mesh.GiveNnode());
+  const int points = results.points;
   const auto count = std::ssize(results.numbers);
-  results.points = points;
   results.blockSize = kValues * points;
   results.strengths.resize(ArrayLength(count, results.blockSize), 0.0);
   if (problem.stressOutput != StressOutput::Local)

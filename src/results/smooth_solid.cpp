@@ -24,7 +24,6 @@ namespace morlen {
 
 namespace {
 
-constexpr int kStresses = 6;
 constexpr int kCorners = 4;
 
 // M maps values at the corners to the four points by linear interpolation: row g has the volume
@@ -55,7 +54,7 @@ public:
   void Calc(const double* v, int nnode, double* atNodes)
   {
     for (int g = 0; g < kCorners; ++g)
-      corners(g + 1) = v[points == 4 ? kStresses * g : 0];
+      corners(g + 1) = v[points == 4 ? kSolidStresses * g : 0];
     if (points == 4)
       LULinSolve(LU, corners);
     for (int i = 0; i < kCorners; ++i)
@@ -78,17 +77,17 @@ void SmoothSolids(const Problem& problem, int mesh, Solution& solution)
 {
   const MeshResults& result = solution.results[mesh];
   ReaVecV& nodalStresses = solution.nodalStresses;
-  nodalStresses.resize(ArrayLength(problem.numNodes, kStresses), 0.0);
+  nodalStresses.resize(ArrayLength(problem.numNodes, kSolidStresses), 0.0);
   nodalStresses = 0.0;
   std::vector<int> counts(static_cast<std::size_t>(problem.numNodes), 0);
   NodeValues values(result.points);
   double atNodes[10];
   const double* v = result.strengths.Data();
   for (const Elem& elem : Each<Elem>(*problem.meshes[mesh]->GiveElemPlex())) {
-    for (int k = 0; k < kStresses; ++k) {
+    for (int k = 0; k < kSolidStresses; ++k) {
       values.Calc(v + k, elem.Nnode(), atNodes);
       for (int i = 0; i < elem.Nnode(); ++i)
-        nodalStresses((elem(i)->number - 1) * kStresses + k + 1) += atNodes[i];
+        nodalStresses(PlaceOfStresses(elem(i)->number) + k + 1) += atNodes[i];
     }
     for (int i = 0; i < elem.Nnode(); ++i)
       ++counts[elem(i)->number - 1];
@@ -99,8 +98,8 @@ void SmoothSolids(const Problem& problem, int mesh, Solution& solution)
     if (count == 0)
       Fatal("error: node ", problem.meshes.front()->GiveOldNumber(&node),
             " has no elements around\n");
-    for (int k = 1; k <= kStresses; ++k)
-      nodalStresses((node.number - 1) * kStresses + k) /= count;
+    for (int k = 1; k <= kSolidStresses; ++k)
+      nodalStresses(PlaceOfStresses(node.number) + k) /= count;
   }
 }
 

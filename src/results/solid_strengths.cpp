@@ -8,7 +8,6 @@
 #include "base/array_size.h"
 #include "model/elem.h"
 #include "model/mesh.h"
-#include "model/shape_functions.h"
 #include "numeric/plex_range.h"
 #include "problem/problem.h"
 
@@ -18,7 +17,6 @@ void CalcSolidStrengths(const Problem& problem, const Mesh& mesh, const Solution
                         MeshResults& results)
 {
   constexpr int kStresses = 6;
-  results.points = GaussPointCount(Tetrahedra, mesh.GiveNnode());
   results.blockSize = kStresses * results.points;
   results.strengths.resize(ArrayLength(std::ssize(results.numbers), results.blockSize), 0.0);
   SolidEvaluator solid;

@@ -22,6 +22,7 @@ void CalcStrengths(const Problem& problem, const ElementFamilies& families, int 
   solution.results.resize(problem.meshes.size());
   MeshResults& results = solution.results[mesh];
   results = {};
+  results.points = families.Of(elements).points;
   for (const Elem& elem : Each<Elem>(*elements.GiveElemPlex()))
     results.numbers.push_back(elem.Num());
   families.Of(elements).calcStrengths(problem, elements, solution, results);

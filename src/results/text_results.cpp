@@ -75,7 +75,7 @@ void WriteBeamForces(const MeshOutput& output, TextOut& out)
   for (const Elem& elem : Each<Elem>(*output.mesh.GiveElemPlex())) {
     const BeamSpan beam = MakeSpan(problem, elem, T);
     double R[2][kMaxComponents] = {};
-    if (const SpanLoad load = LoadOn(problem, beam); !load.IsZero())
+    if (const SpanLoad load = LoadOn(problem, beam, output.solution.elementLoads); !load.IsZero())
       load.AddToReactionsVecs(beam, R[0], R[1]);
     out << "Element " << elem.Num()
         << " local strength. nodes: " << nodesOfFile.GiveOldNumber(elem(0)) << ' '

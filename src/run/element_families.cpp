@@ -3,6 +3,7 @@
 #include "assembly/beam_family.h"
 #include "assembly/shell_family.h"
 #include "assembly/solid_family.h"
+#include "model/shape_functions.h"
 #include "results/beam_strengths.h"
 #include "results/finite_results.h"
 #include "results/kiv_beams.h"
@@ -20,6 +21,7 @@ namespace {
 
 constexpr ElementFamily kBeams = {.type = Linear,
                                   .nnode = 2,
+                                  .points = 0,
                                   .spaceOnly = false,
                                   .addStiffness = AddBeamStiffness,
                                   .addForces = AddBeamForces,
@@ -36,6 +38,7 @@ constexpr ElementFamily Shells(int nnode)
 {
   return {.type = Triangle,
           .nnode = nnode,
+          .points = GaussPointCount(Triangle, nnode),
           .spaceOnly = true,
           .addStiffness = AddShellStiffness,
           .addForces = AddShellForces,
@@ -53,6 +56,7 @@ constexpr ElementFamily Solids(int nnode)
 {
   return {.type = Tetrahedra,
           .nnode = nnode,
+          .points = GaussPointCount(Tetrahedra, nnode),
           .spaceOnly = false,
           .addStiffness = AddSolidStiffness,
           .addForces = AddSolidForces,

@@ -8,6 +8,7 @@
 #include "assembly/shell_family.h"
 #include "assembly/six_nodes.h"
 #include "assembly/solid_family.h"
+#include "base/errorwriter.h"
 #include "model/constraint.h"
 #include "model/node.h"
 #include "problem/elem_load_reader.h"
@@ -18,6 +19,7 @@
 #include "problem/support_checks.h"
 #include "results/beam_strengths.h"
 #include "results/kiv_results.h"
+#include "results/mesh_output.h"
 #include "results/model_dump.h"
 #include "results/reactions.h"
 #include "results/strengths.h"
@@ -96,6 +98,8 @@ void Project::Calc(int renumber, std::FILE* info)
 
 void Project::FillMatrixVectorAndSolve(std::FILE* info)
 {
+  if (!solver)
+    Fatal("error: unknown solver\n");
   solution = SolvePrepared(problem, AllFamilies(), *solver, LoadsOfProblem, info).front();
 }
 
@@ -127,6 +131,18 @@ void Project::AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes, ElementSin
 void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const
 {
   AddShellStiffness(problem, *mesh, applyLocalAxes, sink);
+}
+
+void Project::AddKToGlobalMatrixTriangles6nodes(Mesh* mesh, int applyLocalAxes,
+                                                ElementSink& sink) const
+{
+  AddShellStiffness(problem, *mesh, applyLocalAxes, sink);
+}
+
+void Project::AddKToGlobalMatrixTetras10Nodes(Mesh* mesh, int applyLocalAxes,
+                                              ElementSink& sink) const
+{
+  AddSolidStiffness(problem, *mesh, applyLocalAxes, sink);
 }
 
 void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const
@@ -187,6 +203,11 @@ void Project::SetDisplacementVectors(const Elem& elem, const Matriu& T, int divi
 void Project::WriteResults(std::ofstream& out) const
 {
   morlen::WriteResults(problem, AllFamilies(), solution, out);
+}
+
+void Project::WriteBeamStrength(int mesh, TextOut& out) const
+{
+  WriteBeamForces({problem, solution, *problem.meshes[mesh], solution.results[mesh]}, out);
 }
 
 void Project::WriteKivResults(std::ofstream& res, const char* meshFileName) const

@@ -12,6 +12,7 @@
 namespace morlen {
 
 class EdgeNodes;
+class TextOut;
 class TextScan;
 
 /// The front door of the library: one problem and its solution, from the file to the results.
@@ -48,7 +49,7 @@ public:
   /// Computes the displacements. renumber: 0 keeps the node numbers of the file; info: receives the
   /// progress, may be null.
   void Calc(int renumber, std::FILE* info);
-  /// Assembles and solves a prepared problem with the solver, which is empty on entry.
+  /// Assembles and solves a prepared problem with the solver, which must exist and is empty.
   void FillMatrixVectorAndSolve(std::FILE* info);
   void CalcElemsRotules();
   void CalcCoplanarityVector();
@@ -57,7 +58,9 @@ public:
   /// Adds the stiffness of a mesh. applyLocalAxes: 0 keeps global axes at supports with local axes.
   void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
   void AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
+  void AddKToGlobalMatrixTriangles6nodes(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
   void AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
+  void AddKToGlobalMatrixTetras10Nodes(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
 
   // --- Strengths and reactions ---
 
@@ -65,7 +68,9 @@ public:
   void CalcStrengthsAndReactions(std::FILE* info);
   void CalcStrengthsBeams(int mesh);
   void CalcStrengthsTriangles(int mesh);
+  void CalcStrengthsTriangles6nod(int mesh) { CalcStrengthsTriangles(mesh); }
   void CalcStrengthsTetras(int mesh);
+  void CalcStrengthsTetras10nodes(int mesh) { CalcStrengthsTetras(mesh); }
   void CalcReactions();
   void Smooth(std::FILE* info);
   /// Internal force `component` of a beam of length L at t in 0..1; mesh from 0.
@@ -76,6 +81,7 @@ public:
   // --- Writing ---
 
   void WriteResults(std::ofstream& out) const;
+  void WriteBeamStrength(int mesh, TextOut& out) const;
   /// Writes the results; with a meshFileName that is not null, first the mesh file of that name.
   void WriteKivResults(std::ofstream& res, const char* meshFileName) const;
   void PrintTo(std::ofstream& out) const;

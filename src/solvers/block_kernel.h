@@ -15,7 +15,7 @@ struct BlockLines
   const int* starts;
 };
 
-/// So many numbers after a block may be read by a vector load.
+/// A vector load may read this many numbers past the end of a block.
 inline constexpr int kBlockPadding = 4;
 
 /// An update of a block by one of consecutive blocks, counted from 0.
@@ -41,7 +41,8 @@ struct BlockKernels
   /// column by column, and the padding of BlockLines.
   void (*backward)(const BlockLines& U, const double* inverse, double* y);
 
-  /// The same for two vectors in one pass over the blocks; each gets the bits that it gets alone.
+  /// The same for two vectors in one pass over the blocks; the result of each is bit for bit that
+  /// of a separate call.
   void (*productOfTwo)(const BlockLines& A, const double* const x[2], double* const y[2]);
   void (*forwardOfTwo)(const BlockLines& U, double* const y[2]);
   void (*backwardOfTwo)(const BlockLines& U, const double* inverse, double* const y[2]);

@@ -50,7 +50,7 @@ struct NodePacks
 };
 
 /// One value for each of the vectors that share a pass: every block is loaded once for all of them,
-/// and each gets the bits that it gets alone.
+/// and the result of each is bit for bit that of a separate call.
 template <class Type, int vectors>
 struct PerVector
 {
@@ -179,8 +179,8 @@ template <class Node, int vectors>
   }
 }
 
-// Subtracts the products with a node that is found from the nodes that follow. The first block of a
-// line comes first, since its node may be the next one to be solved for.
+// Once a node is solved, subtracts its products from the later nodes. The first block of a line is
+// done first: its node may be the next to be solved.
 template <class Node, int vectors>
 [[gnu::always_inline]] inline void SolveForward(const BlockLines& U, PerVector<double*, vectors> y)
 {
@@ -248,7 +248,8 @@ private:
   }
 };
 
-// The first block of a line comes last, since its node may just have been solved for.
+// The first block of a line is done last: its node may have been solved just before, and its value
+// is not available at once.
 template <class Node, int vectors>
 [[gnu::always_inline]] inline void SolveBackward(const BlockLines& U, const double* inverse,
                                                  PerVector<double*, vectors> y)

@@ -51,7 +51,8 @@ public:
   virtual int ApplyConstraint(int eq, double value, ReaVecV& b);
 
   /// The same for several right-hand sides, each with its own value: the matrix changes once, and
-  /// each side gets the bits that it gets alone. One value for each side. Returns eq.
+  /// the result of each is bit for bit that of a separate call. One value for each side. Returns
+  /// eq.
   virtual int ApplyConstraint(int eq, std::span<const double> values,
                               std::span<ReaVecV* const> sides) = 0;
 

@@ -23,7 +23,8 @@ public:
   CgSystem(const SystemMatrix& A, double* x, const double* b);
 
   /// Does one iteration of every system. There are one or two, with the same A and M, and none is
-  /// broken. Two share the passes over A and M; each gets the bits that it gets alone.
+  /// broken. Two share the passes over A and M; the result of each is bit for bit that of a
+  /// separate call.
   static void Advance(const SystemMatrix& A, const Preconditioner& M,
                       std::span<CgSystem* const> systems);
 

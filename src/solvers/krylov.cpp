@@ -66,7 +66,7 @@ public:
   }
 
   // Calls step(i) for i = 1, 2, ... until the residual is small enough, a step breaks down
-  // (returns false), or the limit is reached. Returns what the method returns.
+  // (returns false), or the limit is reached. Returns the result of the method.
   template <class Step>
   int Iterate(Step step)
   {

@@ -32,7 +32,7 @@ public:
   bool Add(int node, int neighbour);
 
   /// The pattern in which every node has a block for itself and one for each neighbour. Each
-  /// coupling must have been named from both ends. Frees the lists: to be called once, last.
+  /// coupling must have been named from both ends. Call it once, last: it frees the lists.
   NodePattern MakePattern();
 
 private:

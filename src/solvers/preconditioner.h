@@ -20,7 +20,8 @@ public:
 
   /// y = M⁻¹·x.
   virtual void solve(const double* x, double* y) const = 0;
-  /// The same for two vectors, each with the bits that it gets alone; by default one by one.
+  /// The same for two vectors; the result of each is bit for bit that of a separate call. The
+  /// default makes these calls.
   virtual void SolveTwo(const double* const x[2], double* const y[2]) const;
   /// y = M⁻ᵀ·x. Not used by the analysis itself.
   virtual void trans_solve(const double* x, double* y) const = 0;

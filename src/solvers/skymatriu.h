@@ -52,7 +52,7 @@ public:
   void AddSubMatriu(int row, int col, const Matriu& m) override;
 
   /// Txolesky, then Substitute. The result is that of Txolesky; when it is not 0, b is as it
-  /// was. Factorises at every call: to be called once for an assembled matrix.
+  /// was. Factorises at every call: call it once for each assembled matrix.
   int Solver(ReaVecV& b, std::FILE* info) override;
 
   /// Right-hand sides, each of GiveSize() components.

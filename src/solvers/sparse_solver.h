@@ -81,8 +81,8 @@ public:
   int Solver(ReaVecV& b, ReaVecV& probe, std::FILE* info);
 
   /// With true, Solver keeps its preconditioner for further right-hand sides, each solved by
-  /// another call, until the matrix changes. With false, as at first, every call makes its own,
-  /// and one that is kept is freed.
+  /// another call, until the matrix changes. With false (the default), each call makes its own
+  /// preconditioner, and a kept one is freed.
   void KeepPreconditioner(bool keep);
   bool HasPreconditioner() const { return preconditioner != nullptr; }
 
@@ -145,7 +145,7 @@ private:
   NodeCouplings couplings;                         ///< until Create
   std::unique_ptr<NodeBlockMatrix> blocks;         ///< of nodes with three or six equations
   std::unique_ptr<SparseMatrix> entries;           ///< of other nodes
-  SystemMatrix* matrix = nullptr;                  ///< the one of the two that there is
+  SystemMatrix* matrix = nullptr;                  ///< `blocks` or `entries`, whichever exists
   std::vector<int> prescribed;                     ///< equations whose rows are replaced, from 0
   std::unique_ptr<Preconditioner> preconditioner;  ///< null between calls of Solver unless kept
   bool keepsPreconditioner = false;

@@ -30,7 +30,8 @@ public:
 
   /// y = A·x.
   virtual void mult(const double* x, double* y) const = 0;
-  /// The same for two vectors, each with the bits that it gets alone; by default one by one.
+  /// The same for two vectors; the result of each is bit for bit that of a separate call. The
+  /// default makes these calls.
   virtual void MultiplyTwo(const double* const x[2], double* const y[2]) const;
   /// y = Aᵀ·x.
   virtual void trans_mult(const double* x, double* y) const = 0;

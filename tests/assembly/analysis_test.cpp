@@ -365,7 +365,7 @@ TEST(Analysis, PrescribedDisplacementAlongASkewAxis)
 
 TEST(Analysis, SettlementsDoNotLeakIntoOtherReactions)
 {
-  // The far support of an unloaded beam behind a settled one is not touched.
+  // The far support of an unloaded beam after a settled one is not touched.
   Frame frame = PlaneChain({0, 2, 4, 6});
   frame.supports = {{.node = 1, .flags = kClamped, .values = {0, 0.5, 0}},
                     {.node = 2, .flags = kClamped},

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
@@ -10,14 +11,19 @@
 
 #include "assembly/analysis.h"
 #include "assembly/load_vector.h"
+#include "base/text_out.h"
 #include "base/textscan.h"
 #include "model/node.h"
 #include "problem/problem.h"
 #include "problem/problem_reader.h"
+#include "results/mesh_output.h"
 #include "results/strengths.h"
+#include "results/text_results.h"
 #include "run/element_families.h"
+#include "support/fatal.h"
 #include "support/messages.h"
 #include "support/processor.h"
+#include "support/run.h"
 
 namespace morlen {
 
@@ -40,15 +46,20 @@ std::unique_ptr<Problem> Cantilever(const std::string& settings)
   return problem;
 }
 
-// The loads of the file, a force of 5 across the tip, and a moment of 2 there.
-std::vector<ReaVecV> ThreeLoads(const Problem& problem, const ElementFamilies& families)
+// The loads of the file; a force of 5 across the tip and one of 7 on the support; a moment of 2 at
+// the tip.
+std::vector<LoadVector> ThreeLoads(const Problem& problem, const ElementFamilies& families)
 {
-  std::vector<ReaVecV> loads(3, AppliedLoads(problem, families));
+  std::vector<LoadVector> loads = LoadsOfProblem(problem, families);
+  loads.resize(3);
   const Node& tip = *problem.FindNode(3);
-  loads[1] = 0.0;
-  loads[1](problem.Equation(tip, 2)) = 5.0;
-  loads[2] = 0.0;
-  loads[2](problem.Equation(tip, 3)) = 2.0;
+  for (int k : {1, 2}) {
+    loads[k].elementLoads = 0.0;
+    loads[k].values.resize(problem.Equations(), 0.0);
+  }
+  loads[1].values(problem.Equation(tip, 2)) = 5.0;
+  loads[1].values(problem.Equation(*problem.FindNode(1), 1)) = 7.0;  // goes to the support
+  loads[2].values(problem.Equation(tip, 3)) = 2.0;
   return loads;
 }
 
@@ -75,7 +86,7 @@ void ExpectClosedForms(const Problem& problem, const std::vector<Solution>& solu
   const double expected[][3] = {{4.0 * 3 / 20, -0.5, 0},
                                 {0, -0.5 + 5.0 * 27 / 30, 5.0 * 9 / 20},
                                 {0, -0.5 + 2.0 * 9 / 20, 2.0 * 3 / 10}};
-  const double reactions[][3] = {{-4, 0, 0}, {0, -5, -15}, {0, 0, -2}};
+  const double reactions[][3] = {{-4, 0, 0}, {-7, -5, -15}, {0, 0, -2}};
   for (int k = 0; k < 3; ++k) {
     SCOPED_TRACE(k);
     ExpectNear(At(problem, solutions[k].displacements, 3), {expected[k], expected[k] + 3},
@@ -130,12 +141,64 @@ TEST(LoadVectors, GiveEachTheBitsThatItGetsAlone)
     const auto alone = Cantilever("Solver SkyLine");
     const std::vector<Solution> one =
         Solutions(*alone, [k](const Problem& problem, const ElementFamilies& families) {
-          return std::vector<ReaVecV>{ThreeLoads(problem, families)[k]};
+          return std::vector<LoadVector>{ThreeLoads(problem, families)[k]};
         });
     for (int equation = 1; equation <= together->Equations(); ++equation) {
       EXPECT_EQ(all[k].displacements(equation), one[0].displacements(equation));
       EXPECT_EQ(all[k].reactions(equation), one[0].reactions(equation));
     }
+  }
+}
+
+// A beam of length 4, clamped at both ends, under 6 per length: none of it, all, and twice as much.
+TEST(LoadVectors, BringTheirPartOfTheElementLoads)
+{
+  Problem problem(100);
+  problem.solverSettings.processor = TestedProcessor();
+  const std::string text =
+      "problem type 2d\nNumOfDivisions 2\n"
+      "mesh dimension = 2 elemtype Linear nnode = 2\n"
+      "coordinates\n1 0 0\n2 4 0\nend coordinates\nelements\n1 1 2 1\nend elements\n"
+      "materials\n1 E=10 A=2 Iz=1\nend materials\n"
+      "constraints\n1 111 0 0 0\n2 111 0 0 0\nend constraints\n"
+      "global_pressure_loads\n1 0 -6\nend global_pressure_loads\n";
+  TextScan scan(text);
+  ReadProblem(scan, problem);
+  const std::vector<Solution> solutions =
+      Solutions(problem, [](const Problem& prepared, const ElementFamilies& families) {
+        std::vector<LoadVector> loads;
+        for (const double factor : {0.0, 1.0, 2.0}) {
+          loads.push_back({.values = AppliedLoads(prepared, families), .elementLoads = factor});
+          for (double& value : loads.back().values)
+            value *= factor;
+        }
+        return loads;
+      });
+  const TemporaryFolder folder;
+  for (int k = 0; k < 3; ++k) {
+    SCOPED_TRACE(k);
+    std::ofstream out(folder.Path() / "out");
+    TextOut forces(out);
+    WriteBeamForces({problem, solutions[k], *problem.meshes[0], solutions[k].results[0]}, forces);
+    forces.Flush();
+    out.close();
+    const std::string line = folder.Read("out");
+    // qL/2 upwards and qL²/12 against the load at the first end.
+    const std::string expected = k == 0 ? "\n0 0 0 " : k == 1 ? "\n0 12 8 " : "\n0 24 16 ";
+    EXPECT_NE(line.find(expected), line.npos) << line;
+  }
+}
+
+TEST(LoadVectors, AreRefusedWhenThereAreNoneOrTheyDoNotFit)
+{
+  const auto problem = Cantilever("Solver SkyLine");
+  for (const int count : {0, 1}) {
+    EXPECT_EQ(FatalCaught([&] {
+                Solutions(*problem, [count](const Problem&, const ElementFamilies&) {
+                  return std::vector<LoadVector>(static_cast<std::size_t>(count));
+                });
+              }),
+              "error: an analysis needs load vectors of 9 components\n");
   }
 }
 

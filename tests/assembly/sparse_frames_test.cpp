@@ -241,12 +241,11 @@ std::string Escaped(const std::string& text)
 }
 
 // The residual in a line whose other text is known; -1 when the line differs.
-double ResidualIn(const std::string& line, const std::string& before, const std::string& behind)
+double ResidualIn(const std::string& line, const std::string& before, const std::string& after)
 {
-  if (!line.starts_with(before) || !line.ends_with(behind))
+  if (!line.starts_with(before) || !line.ends_with(after))
     return -1.0;
-  const std::string number =
-      line.substr(before.size(), line.size() - before.size() - behind.size());
+  const std::string number = line.substr(before.size(), line.size() - before.size() - after.size());
   char* end = nullptr;
   const double value = std::strtod(number.c_str(), &end);
   return *end == '\0' && !number.empty() ? value : -1.0;

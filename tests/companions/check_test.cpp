@@ -268,8 +268,8 @@ TEST(Check, WarnsOfNodesAtOnePlace)
       Messages(text),
       (Lines{"m:6:1: error: the supports let the part of node 3 move along X: node 3 moves most",
              "m:6:1: error: the supports let the part of node 3 move along Y: node 3 moves most",
-             "m:6:1: error: the supports let the part of node 3 turn about the axis along Z "
-             "through (3, 0, 0): node 3 moves most",
+             ("m:6:1: error: the supports let the part of node 3 turn about the axis along Z "
+              "through (3, 0, 0): node 3 moves most"),
              "m:6:1: warning: the part of node 3 (2 nodes) is not connected with that of node 1",
              "m:7:1: warning: node 4 stands at the place of node 2"}));
 }

@@ -43,6 +43,24 @@ def source_files(source):
                     yield os.path.join(folder, name), layer
 
 
+def is_upward(layer, line):
+    """True for an include line that leads out of what the layer may use.
+
+    A name in quotes is a file of the project. A name in angle brackets is one when its first folder
+    is a layer. The components "." and ".." are refused: they hide the layer.
+    """
+    include = re.match(r'\s*#\s*include\s*([<"])([^>"]+)[>"]', line)
+    if not include:
+        return False
+    quote, name = include.groups()
+    folders = name.split("/")[:-1]
+    if "." in folders or ".." in folders:
+        return True
+    if not folders or (quote == "<" and folders[0] not in ALLOWED):
+        return False
+    return folders[0] not in ALLOWED[layer]
+
+
 def upward_includes(source):
     """(number of files, messages) of the include lines."""
     faults = []
@@ -51,8 +69,7 @@ def upward_includes(source):
         count += 1
         with open(path, encoding="utf-8") as lines:
             for line in lines:
-                include = re.match(r'\s*#\s*include\s+"([^/"]+)/', line)
-                if include and include.group(1) not in ALLOWED[layer]:
+                if is_upward(layer, line):
                     faults.append(f"{os.path.relpath(path, source)} ({layer}): {line.strip()}")
     return count, faults
 

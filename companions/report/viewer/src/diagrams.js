@@ -1,5 +1,5 @@
 // Diagrams of internal forces along beams, as ribbons: value times y' or z' of the beam; moments
-// with the opposite sign, so that they stand on the side of the tension.
+// with the opposite sign, so that they are on the side of the tension.
 
 import * as THREE from "three";
 import { NEGATIVE, POSITIVE } from "./colours.js";

@@ -2,7 +2,7 @@
 
 import { SHELL } from "./model.js";
 
-/** Least and largest of values, and where they stand. */
+/** Least and largest of values, and their places. */
 export function extremesOf(values) {
   const found = { min: Infinity, max: -Infinity, minAt: -1, maxAt: -1 };
   for (let i = 0; i < values.length; ++i) {

@@ -1,5 +1,5 @@
 // Text over the view: numbers, values, and the global axes in a corner. Labels that would cover
-// one that stands already are left out.
+// one that is already placed are left out.
 
 const FONT = "12px system-ui, sans-serif";
 

@@ -1,4 +1,4 @@
-// The page of a report: reads the data block, builds the view and what stands around it.
+// The page of a report: reads the data block, builds the view and the panels around it.
 
 import * as THREE from "three";
 import { BeamView } from "./beam_view.js";
@@ -142,7 +142,7 @@ class Report {
     );
   }
 
-  /** Smaller where many supports stand close together. */
+  /** Smaller where many supports are close together. */
   symbolSize() {
     const count = this.report.table("supports")?.rows ?? 1;
     return this.model.box.size * Math.min(0.026, 0.2 / Math.sqrt(count));

@@ -1,9 +1,9 @@
-// What stands under a point of the canvas, in the deformed shape as it is drawn.
+// The part of the model under a point of the canvas, in the deformed shape as it is drawn.
 
 import { beamPoint } from "./beam_view.js";
 
 const REACH = 8; // pixels around a beam
-const BEHIND = 0.003; // by which a beam may stand behind a surface, in depth
+const BEHIND = 0.003; // by which a beam may be farther than a surface, in depth
 
 /** Distance of p from the segment a-b in pixels, and the place t of the nearest point. */
 function distanceTo(p, a, b) {
@@ -42,7 +42,7 @@ function nearestBeam(stage, model, beamViews, factor, point) {
   return found;
 }
 
-/** Depth of a triangle of projected corners at a point; null beside it. */
+/** Depth of a triangle of projected corners at a point; null outside it. */
 function depthAt([x, y], a, b, c) {
   const area = (b[0] - a[0]) * (c[1] - a[1]) - (c[0] - a[0]) * (b[1] - a[1]);
   if (area === 0) return null;

@@ -126,7 +126,7 @@ export function hingeSymbols(report, model, size) {
   return groupOf(balls);
 }
 
-/** Arrows of forces whose tips stand at nodes, and arcs of moments about their axes. */
+/** Arrows of forces whose tips are at nodes, and arcs of moments about their axes. */
 class Arrows {
   /** Of many (thousands) the shapes are simple. */
   constructor(colour, length, many = false) {
@@ -250,7 +250,7 @@ function addLinear(arrows, report, model, group, length) {
 }
 
 /**
- * All loads: {group, labels}. Those of shells and solids stand as forces at their nodes; with very
+ * All loads: {group, labels}. Those of shells and solids are forces at their nodes; with very
  * many nodes only at some.
  */
 export function loadSymbols(report, model, length) {

@@ -227,7 +227,6 @@ void Analysis::PreSolve()
     return loads;
   };
   start = std::move(Solve(Task(), *skyline, firstLoads, "").front().displacements);
-  problem.coplanarity.clear();
   problem.solverSettings.type = SolverType::Sparse;
   problem.convertTo6Nodes = true;
 }

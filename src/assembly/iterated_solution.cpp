@@ -58,7 +58,10 @@ bool Iterate(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCas
 {
   const VoidPlex& nodes = task.problem.GiveNodes();
   const NodeComponents& components = task.problem.components;
-  std::vector<ReaVecV> sides = LoadsOf(cases);
+  std::vector<ReaVecV> sides;  // the loads themselves: nothing reads them after the iteration
+  sides.reserve(cases.size());
+  for (LoadCase& one : cases)
+    sides.push_back(std::move(one.loads));
   ApplySupports(nodes, components, solver, sides);
   ReaVecV probe =
       ProbeLoad(nodes, ScaleOfComponents(task.problem.meshes, components), solver.GiveSize());

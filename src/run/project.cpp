@@ -133,18 +133,6 @@ void Project::AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes, Elemen
   AddShellStiffness(problem, *mesh, applyLocalAxes, sink);
 }
 
-void Project::AddKToGlobalMatrixTriangles6nodes(Mesh* mesh, int applyLocalAxes,
-                                                ElementSink& sink) const
-{
-  AddShellStiffness(problem, *mesh, applyLocalAxes, sink);
-}
-
-void Project::AddKToGlobalMatrixTetras10Nodes(Mesh* mesh, int applyLocalAxes,
-                                              ElementSink& sink) const
-{
-  AddSolidStiffness(problem, *mesh, applyLocalAxes, sink);
-}
-
 void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const
 {
   AddSolidStiffness(problem, *mesh, applyLocalAxes, sink);

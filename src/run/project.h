@@ -58,9 +58,15 @@ public:
   /// Adds the stiffness of a mesh. applyLocalAxes: 0 keeps global axes at supports with local axes.
   void AddKToGlobalMatrixBeams(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
   void AddKToGlobalMatrixTriangles(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
-  void AddKToGlobalMatrixTriangles6nodes(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
+  void AddKToGlobalMatrixTriangles6nodes(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const
+  {
+    AddKToGlobalMatrixTriangles(mesh, applyLocalAxes, sink);
+  }
   void AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
-  void AddKToGlobalMatrixTetras10Nodes(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const;
+  void AddKToGlobalMatrixTetras10Nodes(Mesh* mesh, int applyLocalAxes, ElementSink& sink) const
+  {
+    AddKToGlobalMatrixTetras(mesh, applyLocalAxes, sink);
+  }
 
   // --- Strengths and reactions ---
 

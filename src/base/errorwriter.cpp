@@ -1,5 +1,6 @@
 #include "base/errorwriter.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <new>
@@ -24,11 +25,37 @@ private:
   char text[2048];
 };
 
-struct ThreadReport
+struct Text
 {
   FixedBuffer buffer;
   std::ostream stream{&buffer};
+
+  void Clear()
+  {
+    buffer.Clear();
+    stream.clear();
+  }
+};
+
+// A copy of a text; it is kept when the text is used for the next error.
+struct TextCopy
+{
+  explicit TextCopy(std::string_view text = {}) : length(text.copy(characters, sizeof characters))
+  {
+  }
+  std::string_view View() const { return {characters, length}; }
+
+  char characters[2048];
+  std::size_t length;
+};
+
+struct ThreadReport
+{
+  Text message;
+  Text hint;
+  TextCopy lastHint;
   ErrorWriter::EndOfRun endOfRun = nullptr;
+  ErrorWriter::WarningListener listener = nullptr;
 };
 
 // The report of the calling thread. It is never destroyed: to register a destructor would allocate.
@@ -41,6 +68,12 @@ ThreadReport& ThisThread()
   return *report;
 }
 
+// Prints a text up to its first null character.
+void Print(std::FILE* file, std::string_view text)
+{
+  std::fwrite(text.data(), 1, std::min(text.find('\0'), text.size()), file);
+}
+
 }  // namespace
 
 ErrorWriter::ErrorWriter()
@@ -50,12 +83,27 @@ ErrorWriter::ErrorWriter()
 
 std::ostream& ErrorWriter::Stream()
 {
-  return ThisThread().stream;
+  return ThisThread().message.stream;
 }
 
 std::string_view ErrorWriter::Message() const
 {
-  return ThisThread().buffer.Text();
+  return ThisThread().message.buffer.Text();
+}
+
+std::ostream& ErrorWriter::HintStream()
+{
+  return ThisThread().hint.stream;
+}
+
+std::string_view ErrorWriter::Hint() const
+{
+  return ThisThread().lastHint.View();
+}
+
+void ErrorWriter::DropHint()
+{
+  ThisThread().hint.Clear();
 }
 
 ErrorWriter::EndOfRun ErrorWriter::SetEndOfRun(EndOfRun end)
@@ -63,21 +111,40 @@ ErrorWriter::EndOfRun ErrorWriter::SetEndOfRun(EndOfRun end)
   return std::exchange(ThisThread().endOfRun, end);
 }
 
+ErrorWriter::WarningListener ErrorWriter::SetWarningListener(WarningListener listener)
+{
+  return std::exchange(ThisThread().listener, listener);
+}
+
 void ErrorWriter::WriteErrorAndQuit()
 {
   ThreadReport& report = ThisThread();
   // A copy: the end may report another error before it has read this text.
-  char message[sizeof(FixedBuffer)];
-  const std::size_t length = report.buffer.Text().copy(message, sizeof message - 1);
-  message[length] = '\0';
-  report.buffer.Clear();
-  report.stream.clear();
+  const TextCopy message(report.message.buffer.Text());
+  report.lastHint = TextCopy(report.hint.buffer.Text());
+  report.message.Clear();
+  report.hint.Clear();
   if (report.endOfRun)
-    report.endOfRun({message, length});
+    report.endOfRun(message.View());
   std::FILE* file = errorFile ? errorFile : stderr;
-  std::fprintf(file, "%s", message);
+  Print(file, message.View());
+  if (report.lastHint.length > 0) {
+    Print(file, message.View().ends_with('\n') ? "hint: " : "\nhint: ");
+    Print(file, report.lastHint.View());
+    Print(file, "\n");
+  }
   std::fflush(file);
   std::exit(kExitStatus);
+}
+
+void ErrorWriter::WriteWarning(std::string_view text)
+{
+  if (const WarningListener listener = ThisThread().listener)
+    return listener(text);
+  Print(stderr, "warning: ");
+  Print(stderr, text);
+  Print(stderr, "\n");
+  std::fflush(stderr);
 }
 
 }  // namespace morlen

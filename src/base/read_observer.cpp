@@ -1,5 +1,6 @@
 #include "base/read_observer.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/number_text.h"
@@ -26,6 +27,7 @@ void NoteRecordEnd(const char* from, const TextScan& text)
   const std::string_view values(from, text.Here());
   if (values.find('\n') != std::string_view::npos)
     Note(ReadEvent::LineBreak, values);
+  NoteNumbers(values, text.LineAhead());
   Note(ReadEvent::LineTail, text.LineAhead());
 }
 
@@ -37,6 +39,18 @@ void NoteNumber(std::string_view value)
   double number = 0.0;
   if (!ScanDouble(rest, number) || !rest.empty())
     Note(ReadEvent::NumberPart, value);
+}
+
+void NoteNumbers(std::string_view text, std::string_view after)
+{
+  if (!readObserver)
+    return;
+  const char* const end = after.data() + after.size();
+  for (const char* word = SkipWhite(text.data(), end); word < text.data() + text.size();) {
+    const char* const stop = std::find_if(word, end, IsWhite);
+    NoteNumber({word, stop});
+    word = SkipWhite(stop, end);
+  }
 }
 
 }  // namespace morlen

@@ -22,6 +22,9 @@ enum class ReadEvent : int
   LineBreak,          ///< a record that continues on the next line
   IgnoredKey,         ///< a key without meaning in its record
   NumberPart,         ///< a value that is not a number as a whole
+  NoValue,            ///< a key of a material without a value, which ends the items
+  FreeValue,          ///< a value other than 0 at a component whose flag is free
+  WordInComment,      ///< a word of a head that only a comment has
   NotDecimal,         ///< an integer read as octal or hexadecimal
   Keyword,            ///< a keyword of the top level, known or not
   UnitsUsed,          ///< the name of a unit system that is looked up
@@ -136,5 +139,8 @@ void NoteRecordEnd(const char* from, const TextScan& text);
 
 /// Notes a value that is not one number from end to end.
 void NoteNumber(std::string_view value);
+/// Notes each word between white space that is not one number from end to end. text: the values of
+/// a record, of which the last may go on after `text`: `after` is the text there.
+void NoteNumbers(std::string_view text, std::string_view after);
 
 }  // namespace morlen

@@ -41,6 +41,55 @@ TEST(ErrorWriter, NextMessageStartsEmptyAfterACutOne)
   ExpectFatal([] { Fatal("again"); }, "again");
 }
 
+TEST(ErrorWriter, HintBelongsToTheNextErrorOnly)
+{
+  ExpectFatal(
+      [] {
+        Explain("forgotten");
+        Explain("write ", 2.5);
+        Fatal("error: 2,5\n");
+      },
+      "error: 2,5\n");
+  EXPECT_EQ(errorwriter.Hint(), "write 2.5");
+  ExpectFatal([] { Fatal("another\n"); }, "another\n");
+  EXPECT_EQ(errorwriter.Hint(), "");
+}
+
+TEST(ErrorWriter, DroppedHintIsNotPrinted)
+{
+  Explain("of an error that has not come");
+  errorwriter.DropHint();
+  ExpectFatal([] { Fatal("another\n"); }, "another\n");
+  EXPECT_EQ(errorwriter.Hint(), "");
+}
+
+TEST(ErrorWriterDeathTest, HintFollowsOnALineOfItsOwn)
+{
+  const auto fail = [](const char* message) {
+    Explain("use a point");
+    Fatal(message);
+  };
+  EXPECT_EXIT(fail("error: 2,5\n"), testing::ExitedWithCode(2),
+              "^error: 2,5\nhint: use a point\n$");
+  EXPECT_EXIT(fail("no newline"), testing::ExitedWithCode(2), "^no newline\nhint: use a point\n$");
+}
+
+TEST(ErrorWriter, WarningGoesToTheListener)
+{
+  static std::string heard;
+  const auto previous = errorwriter.SetWarningListener([](std::string_view text) { heard = text; });
+  errorwriter.WriteWarning("3 lines are skipped");
+  errorwriter.SetWarningListener(previous);
+  EXPECT_EQ(heard, "3 lines are skipped");
+}
+
+TEST(ErrorWriter, WarningIsALineOnStandardError)
+{
+  testing::internal::CaptureStderr();
+  errorwriter.WriteWarning("3 lines are skipped");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "warning: 3 lines are skipped\n");
+}
+
 // Both threads are in the middle of their messages at the same time, and each ends by its own end.
 TEST(ErrorWriter, ThreadsHaveTheirOwnMessagesAndEnds)
 {

@@ -162,4 +162,15 @@ TEST(TextScan, KnowsPlacesInTheText)
   EXPECT_EQ(text.OffsetOf("elsewhere"), -1);
 }
 
+TEST(ReadObserver, HearsOfWordsThatAreNotOneNumber)
+{
+  Listener listener;
+  const std::string record = "1 2,1 3e 1-4 5 6mm # 7x";
+  NoteNumbers(std::string_view(record).substr(0, 16), std::string_view(record).substr(16));
+  EXPECT_EQ(
+      listener.lines,
+      (std::vector{Line(ReadEvent::NumberPart, "2,1|"), Line(ReadEvent::NumberPart, "3e|"),
+                   Line(ReadEvent::NumberPart, "1-4|"), Line(ReadEvent::NumberPart, "6mm|")}));
+}
+
 }  // namespace morlen

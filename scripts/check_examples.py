@@ -174,7 +174,9 @@ def beam_axes(d, plane):
     if plane:
         return np.column_stack([x, [-x[1], x[0], 0], [0, 0, 1]])
     y = np.cross([0, 0, 1], x)
-    y = np.array([1.0, 0, 0]) if np.linalg.norm(y) < 1e-9 else y / np.linalg.norm(y)
+    if np.linalg.norm(y) <= 1e-6:  # vertical
+        y = np.array([1.0, 0, 0]) - x[0] * x
+    y = y / np.linalg.norm(y)
     return np.column_stack([x, y, np.cross(x, y)])
 
 

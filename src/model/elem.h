@@ -110,8 +110,9 @@ public:
   int ReadFromAscii(TextScan& text, const VoidPlex* nodes, const Units* units);
 
   /// Frame of a beam: 3×3 in plane problems; in space 6×6 with the same 3×3 twice on its
-  /// diagonal. Its columns are the local axes in global coordinates. The Euler angles of m, if
-  /// any, turn the axes about the beam; m may be null. Fatal for angles that do not fit.
+  /// diagonal. Its columns are the local axes in global coordinates; the first is the direction
+  /// of the beam. The Euler angles of m, if any, turn the others about it; m may be null. Fatal
+  /// for angles that do not fit.
   void CalcTransfMatrixBeam(Matriu& T, const Material* m, PROBLEMTYPE type) const;
   /// Frame of a flat triangle, 3×3, and the same twice on the diagonal of Tbig, 6×6. The Euler
   /// angles of m, if any, give the direction of local x. Fatal when x is normal to the triangle.
@@ -119,6 +120,12 @@ public:
   /// Euler angles of those frames, in radians.
   void GiveEulerAnglesBeam(double a[3], const Material* m, PROBLEMTYPE type) const;
   void GiveEulerAnglesTriangle(double a[3], const Material* m) const;
+
+  /// Horizontal projection of a beam over its length. Not used by the analysis itself.
+  double Lean() const;
+  /// Beams are vertical up to this lean. It is far above the rounding of coordinates and far below
+  /// a lean that somebody builds.
+  static constexpr double kVerticalLean = 1e-6;
 
   double alpha = 0.0;  ///< angle from global X to local y of a vertical beam, radians
 

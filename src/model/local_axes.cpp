@@ -4,15 +4,17 @@
 // is its normal by the right-hand rule. The material may give Euler angles for the other two;
 // their axes need not fit the element exactly:
 //
-// - Beam: the Euler axes are reversed in pairs when their x runs against the beam. Within 1e-5 of
-//   the beam's direction (cosine) they are used as they are; else their y gives the plane of x
-//   and y, and y and z are made normal to x. An x at right angles to the beam is refused.
+// - Beam: the Euler axes are reversed in pairs when their x runs against the beam. When x is then
+//   the beam's direction up to rounding, they are used as they are. Else x becomes that direction,
+//   y stays in the plane of x and the Euler y, and z completes the axes. An axial force N along
+//   an axis that leaves the beam by the angle d would lose the moment N L d. An Euler x at right
+//   angles to the beam is refused.
 // - Triangle: when z of the Euler axes is the normal they are used as they are; else their x is
 //   projected into the plane of the triangle.
 //
-// Without angles, y of a beam in space is horizontal and z points upwards; y of a vertical beam
-// has the angle `alpha` from global X. In plane problems z is global Z. A triangle takes its x
-// from AxesGivenZ.
+// Without angles, y of a beam in space is horizontal and z points upwards. A vertical beam has no
+// such y: its y is the horizontal direction with the angle `alpha` from global X, less its part
+// along the beam. In plane problems z is global Z. A triangle takes its x from AxesGivenZ.
 
 #include <cmath>
 
@@ -37,8 +39,8 @@ ReaVec Difference(const Node& a, const Node& b)
   return d;
 }
 
-// Half a turn for Euler axes whose x runs against the beam: about z when z points upwards, else
-// about y.
+// Turns Euler axes whose x runs against the beam by 180 degrees: about z when z points upwards,
+// else about y.
 void TurnTowards(const ReaVec& beam, Axes& axes)
 {
   if (Normalized(axes.x) * beam >= -EPSILONB)
@@ -57,17 +59,25 @@ void RequirePlaneAxes(const Axes& axes, int number)
   }
 }
 
+// True when the vectors are equal up to rounding.
+bool AreSameUnits(const ReaVec& a, const ReaVec& b)
+{
+  for (int i = 1; i <= 3; ++i) {
+    if (!(std::fabs(a(i) - b(i)) <= EPSILON))
+      return false;
+  }
+  return true;
+}
+
 Axes BeamAxesFromEuler(const double angles[3], const ReaVec& x, int number, PROBLEMTYPE type)
 {
-  constexpr double kAlong = 0.99999;
   Axes axes = AxesFromEuler(angles);
   if (type == kPlane)
     RequirePlaneAxes(axes, number);
   TurnTowards(x, axes);
-  const double d = Normalized(axes.x) * x;
-  if (!(d >= EPSILONB))
+  if (!(Normalized(axes.x) * x >= EPSILONB))
     Fatal("error: Local x axe is orthogonal to the direction of the beam. Element:", number, "\n");
-  if (d >= kAlong)
+  if (AreSameUnits(axes.x, x))
     return axes;
   const ReaVec z = Normalized(VectorProd(x, Normalized(axes.y)));
   return {x, Normalized(VectorProd(z, x)), z};
@@ -78,14 +88,23 @@ Axes PlaneBeamAxes(const ReaVec& x)
   return {x, ReaVec(-x(2), x(1), 0.0), ReaVec(0.0, 0.0, 1.0)};
 }
 
-// y is horizontal and z points upwards; y of a vertical beam has the angle alpha from global X.
+double LeanOf(const ReaVec& direction)
+{
+  return std::hypot(direction(1), direction(2));
+}
+
+Axes VerticalBeamAxes(const ReaVec& x, double alpha)
+{
+  const ReaVec h(std::cos(alpha), std::sin(alpha), 0.0);
+  const ReaVec y = Normalized(h - x * (h * x));
+  return {x, y, VectorProd(x, y)};
+}
+
+// y is horizontal and z points upwards.
 Axes SpaceBeamAxes(const ReaVec& x, double alpha)
 {
-  const bool vertical = std::fabs(x(1)) < EPSILON && std::fabs(x(2)) < EPSILON;
-  if (vertical) {
-    const ReaVec y(std::cos(alpha), std::sin(alpha), 0.0);
-    return {x, y, VectorProd(x, y)};
-  }
+  if (LeanOf(x) <= Elem::kVerticalLean)
+    return VerticalBeamAxes(x, alpha);
   if (std::fabs(alpha) >= EPSILON)
     Fatal("sorry, alpha!=0 with no vertical beams isn't implemented yet");
   ReaVec y = std::fabs(x(1)) < EPSILON ? ReaVec(1.0, 0.0, 0.0)
@@ -110,6 +129,11 @@ Axes TriangleAxesFromEuler(const double angles[3], const ReaVec& n, int number)
 }
 
 }  // namespace
+
+double Elem::Lean() const
+{
+  return LeanOf(Normalized(Difference(*nodes[0], *nodes[1])));
+}
 
 void Elem::CalcTransfMatrixBeam(Matriu& T, const Material* m, PROBLEMTYPE type) const
 {

@@ -313,14 +313,47 @@ TEST(BeamAxes, EulerAxesAgainstTheBeamTurnZUnlessItPointsUpwards)
   }
 }
 
-TEST(BeamAxes, EulerAxesNearlyAlongTheBeamAreKept)
+// x is the direction of the beam to the last digit, for every angle between it and the Euler x.
+TEST(BeamAxes, EulerAxesNearlyAlongTheBeamAreTurnedOntoIt)
 {
   const Material identity = WithAngles(0, 0, 0);
-  ExpectColumn(BeamAtCosine(0.999995).Frame(&identity), 1, 1, 0, 0);
-  const double cosine = 0.999985;
-  const double sine = std::sqrt(1.0 - cosine * cosine);
-  ExpectColumn(BeamAtCosine(cosine).Frame(&identity), 1, cosine, sine, 0);
-  ExpectColumn(BeamAtCosine(cosine).Frame(&identity), 2, -sine, cosine, 0);
+  for (const double slope : {1e-2, 4e-3, 1e-5, 1e-8, 1e-12, 2e-15}) {
+    const double L = std::sqrt(1.0 + slope * slope);
+    for (const double sign : {1.0, -1.0}) {
+      const Matriu T = Beam(sign, sign * slope, 0).Frame(&identity);
+      EXPECT_NEAR(T(2, 1), sign * slope / L, 1e-15 * slope);
+      ExpectColumn(T, 1, sign / L, sign * slope / L, 0);
+      ExpectColumn(T, 2, -sign * slope / L, sign / L, 0);
+      ExpectColumn(T, 3, 0, 0, 1);
+      const Matriu plane = Beam(sign, sign * slope, 0).Frame(&identity, kPlane);
+      EXPECT_NEAR(plane(2, 1), sign * slope / L, 1e-15 * slope);
+      ExpectColumn(plane, 2, -sign * slope / L, sign / L, 0);
+    }
+  }
+}
+
+// The angles of a column that the manual gives, with six decimals: the section stays turned.
+TEST(BeamAxes, RoundedEulerAnglesOfAColumnGiveItsDirection)
+{
+  const Material asWithout = WithAngles(1.570796, 1.570796, 0);
+  const Matriu T = Beam(0, 0, 3).Frame(&asWithout);
+  EXPECT_EQ(T(1, 1), 0.0);
+  EXPECT_EQ(T(2, 1), 0.0);
+  EXPECT_EQ(T(3, 1), 1.0);
+  // y and z turn about the beam by the square of the angles' rounding, which is 3.3e-7.
+  EXPECT_NEAR(T(1, 2), 1.0, 2e-13);
+  EXPECT_NEAR(T(2, 3), 1.0, 2e-13);
+  EXPECT_NEAR(T(2, 2), 0.0, 2e-13);
+  EXPECT_EQ(T(3, 2), 0.0);
+}
+
+TEST(BeamAxes, EulerAxesEqualUpToRoundingAreKept)
+{
+  const Material identity = WithAngles(0, 0, 0);
+  const Matriu T = Beam(1, 4e-16, -4e-16).Frame(&identity);
+  EXPECT_EQ(T(2, 1), 0.0);
+  EXPECT_EQ(T(3, 1), 0.0);
+  EXPECT_EQ(T(1, 2), 0.0);
 }
 
 TEST(BeamAxes, EulerZOfAPlaneBeamMayDifferByRounding)
@@ -336,24 +369,96 @@ TEST(BeamAxes, EulerZOfAPlaneBeamMayDifferByRounding)
   }
 }
 
-TEST(BeamAxes, BeamsAreVerticalUpToRounding)
+namespace {
+
+// Unit axes at right angles, right-handed. The tolerance is that of the sums of three products.
+void ExpectOrthonormal(const Matriu& T)
+{
+  for (int i = 1; i <= 3; ++i) {
+    for (int j = i; j <= 3; ++j) {
+      double product = 0.0;
+      for (int k = 1; k <= 3; ++k)
+        product += T(k, i) * T(k, j);
+      EXPECT_NEAR(product, i == j ? 1.0 : 0.0, 1e-15) << i << ' ' << j;
+    }
+  }
+  EXPECT_NEAR(T.subMatriu(1, 1, 3, 3).det(), 1.0, kTol);
+}
+
+}  // namespace
+
+// A beam is vertical up to a lean of 1e-6. Local y is then the global X axis, less its part along
+// the beam, wherever the beam leans to.
+TEST(BeamAxes, BeamsAreVerticalUpToALeanOfOneMillionth)
+{
+  for (const double lean : {1e-16, 1e-13, 1e-9, 0.99e-6}) {
+    for (double turn = 0.0; turn < 6.2; turn += 0.5) {
+      const double x = lean * std::cos(turn), y = lean * std::sin(turn);
+      for (const double height : {1.0, -1.0, 250.0}) {
+        const Matriu T = Beam(x * height, y * height, height).Frame();
+        const double up = height > 0.0 ? 1.0 : -1.0;
+        ExpectOrthonormal(T);
+        EXPECT_NEAR(T(1, 1), up * x, 1e-18);
+        EXPECT_NEAR(T(2, 1), up * y, 1e-18);
+        // The squares of the lean are below 1e-12.
+        EXPECT_NEAR(T(1, 2), 1.0, 1e-12);
+        EXPECT_NEAR(T(2, 2), 0.0, 1e-12);
+        EXPECT_NEAR(T(3, 2), -x, 1e-12);
+        EXPECT_NEAR(T(2, 3), up, 1e-12);
+      }
+    }
+  }
+}
+
+TEST(BeamAxes, BeamsThatLeanMoreHaveAHorizontalYAcrossTheLean)
 {
   static const struct
   {
     double x, y;     // horizontal part of a beam of height 1
     double axis[2];  // local y
-  } cases[] = {
-      {4e-16, 4e-16, {1, 0}},  // vertical
-      {1e-12, 0, {0, 1}},     {0, 1e-12, {-1, 0}},    {-1e-12, 0, {0, -1}},
-      {0, -1e-12, {1, 0}},    {1e-12, 4e-16, {0, 1}},
-  };
+  } cases[] = {{1.01e-6, 0, {0, 1}},
+               {0, 1.01e-6, {-1, 0}},
+               {-1e-5, 0, {0, -1}},
+               {0, -1e-3, {1, 0}},
+               {3e-5, 4e-5, {-0.8, 0.6}}};
   for (const auto& c : cases) {
     const Matriu T = Beam(c.x, c.y, 1).Frame();
-    // The small parts of the last beam turn y by 4e-4.
-    EXPECT_NEAR(T(1, 2), c.axis[0], 1e-3) << c.x << ' ' << c.y;
-    EXPECT_NEAR(T(2, 2), c.axis[1], 1e-3) << c.x << ' ' << c.y;
+    EXPECT_NEAR(T(1, 2), c.axis[0], kTol) << c.x << ' ' << c.y;
+    EXPECT_NEAR(T(2, 2), c.axis[1], kTol) << c.x << ' ' << c.y;
     EXPECT_EQ(T(3, 2), 0.0);
   }
+}
+
+// Every digit of the frame of a plumb beam is that of whole numbers.
+TEST(BeamAxes, PlumbBeamsHaveExactAxes)
+{
+  for (const double height : {0.3, -7.1}) {
+    const Matriu T = Beam(0, 0, height).Frame();
+    const double up = height > 0.0 ? 1.0 : -1.0;
+    const double expected[3][3] = {{0, 1, 0}, {0, 0, up}, {up, 0, 0}};
+    for (int i = 0; i < 3; ++i) {
+      for (int j = 0; j < 3; ++j)
+        EXPECT_EQ(T(i + 1, j + 1), expected[i][j]) << i << ' ' << j;
+    }
+  }
+}
+
+TEST(BeamAxes, AlphaTurnsABeamThatCountsAsVertical)
+{
+  Beam beam(3e-7, -2e-7, 2);
+  beam.elem.alpha = std::numbers::pi / 6;
+  const Matriu T = beam.Frame();
+  ExpectOrthonormal(T);
+  EXPECT_NEAR(T(1, 2), std::sqrt(3.0) / 2, 1e-12);  // the square of the lean
+  EXPECT_NEAR(T(2, 2), 0.5, 1e-12);
+}
+
+TEST(BeamAxes, LeanIsTheHorizontalPartOfTheLength)
+{
+  EXPECT_EQ(Beam(0, 0, -3).elem.Lean(), 0.0);
+  EXPECT_EQ(Beam(0, 5, 0).elem.Lean(), 1.0);
+  EXPECT_NEAR(Beam(3, 4, 12).elem.Lean(), 5.0 / 13.0, kTol);
+  EXPECT_NEAR(Beam(3e-4, -4e-4, 100).elem.Lean(), 5e-6, 1e-16);
 }
 
 TEST(BeamAxes, PlanePointsLieAtZero)

@@ -141,11 +141,12 @@ template <class R>
 Axes<R> BeamAxes(const Vec<R>& along, bool space)
 {
   const Vec<R> x = Unit(along);
-  const R small(1e-15);  // rounding error of the direction of a vertical beam
+  const R lean(1e-6);  // of a vertical beam, at most
   if (!space)
     return {x, {-x[1], x[0], R(0)}, {R(0), R(0), R(1)}};
-  const bool vertical = Abs(x[0]) < small && Abs(x[1]) < small;
-  const Vec<R> y = vertical ? Vec<R>{R(1), R(0), R(0)} : Unit(Vec<R>{-x[1], x[0], R(0)});
+  const bool vertical = x[0] * x[0] + x[1] * x[1] <= lean * lean;
+  const Vec<R> y = vertical ? Unit(Vec<R>{R(1) - x[0] * x[0], -x[0] * x[1], -x[0] * x[2]})
+                            : Unit(Vec<R>{-x[1], x[0], R(0)});
   return {x, y, Cross(x, y)};
 }
 

@@ -86,12 +86,14 @@ std::vector<double> Solve(Square a, std::vector<double> b)
   return b;
 }
 
-// Local y is horizontal and z points upwards; a vertical beam has y along global x.
+// Local y is horizontal and z points upwards; a vertical beam has y along global x, at right angles
+// to the beam.
 Axes BeamAxes(const Vector3& first, const Vector3& second)
 {
   const Vector3 x = Unit({second[0] - first[0], second[1] - first[1], second[2] - first[2]});
-  const bool vertical = x[0] == 0.0 && x[1] == 0.0;
-  const Vector3 y = vertical ? Vector3{1.0, 0.0, 0.0} : Unit({-x[1], x[0], 0.0});
+  const bool vertical = std::hypot(x[0], x[1]) <= 1e-6;
+  const Vector3 y =
+      vertical ? Unit({1.0 - x[0] * x[0], -x[0] * x[1], -x[0] * x[2]}) : Unit({-x[1], x[0], 0.0});
   return {x, y, Cross(x, y)};
 }
 

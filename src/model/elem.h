@@ -77,6 +77,9 @@ public:
   bool HasOwnMaterial() const { return OwnMaterial() != nullptr; }
   /// The material's number; 0 for an element that owns its material.
   int GiveMaterialNum() const { return HasOwnMaterial() ? 0 : materialNumber; }
+  /// The number in the file: of the element's material, or of the material that completes the
+  /// one that the element owns; 0 when there is none. Not used by the analysis itself.
+  int GiveNumberedMaterial() const { return materialNumber; }
 
   /// The material that the element owns, else the numbered one; null when there is none.
   Material* GiveMaterial(const VoidPlex* materials) const;

@@ -15,6 +15,13 @@ constexpr double Material::*kValues[] = {
     &Material::E1, &Material::E2,     &Material::nuXY, &Material::nuYX, &Material::Iy,
     &Material::Iz, &Material::Gxy,    &Material::Gxz,  &Material::Gyz,  &Material::J,
     &Material::A,  &Material::Weight, &Material::t};
+constexpr double kUnset = -1.0;
+
+// The bit of one of the values.
+unsigned MarkOf(double Material::*field)
+{
+  return 1u << (std::find(std::begin(kValues), std::end(kValues), field) - std::begin(kValues));
+}
 
 // Coefficient β of the torsion constant J = β a b³ for ratios of the widths a/b below a limit.
 // Source of the coefficients: the table of S. Timoshenko and J. N. Goodier, Theory of
@@ -46,16 +53,23 @@ Material::Material(const Material& m)
 
 void Material::SetToNegative()
 {
-  for (double Material::*value : kValues)
-    this->*value = -1.0;
+  for (double Material::*field : kValues)
+    this->*field = kUnset;
+  given = 0;
   eulerGiven = 0;
+}
+
+void Material::Enter(double Material::*field, double value)
+{
+  this->*field = value;
+  given |= MarkOf(field);
 }
 
 void Material::ComposeMaterial(const Material* base)
 {
-  for (double Material::*value : kValues) {
-    if (this->*value < 0.0)
-      this->*value = base ? base->*value : 0.0;
+  for (double Material::*field : kValues) {
+    if (this->*field == kUnset && !(given & MarkOf(field)))
+      this->*field = base ? base->*field : 0.0;
   }
   if (eulerGiven || !base || !base->eulerGiven)
     return;
@@ -65,12 +79,12 @@ void Material::ComposeMaterial(const Material* base)
 
 void Material::CalcOtherParametersForRecSec(double widthY, double widthZ)
 {
-  A = widthY * widthZ;
-  Iy = widthY * widthZ * widthZ * widthZ / 12.0;
-  Iz = widthY * widthY * widthY * widthZ / 12.0;
+  Enter(&Material::A, widthY * widthZ);
+  Enter(&Material::Iy, widthY * widthZ * widthZ * widthZ / 12.0);
+  Enter(&Material::Iz, widthY * widthY * widthY * widthZ / 12.0);
   const double a = std::max(widthY, widthZ);
   const double b = std::min(widthY, widthZ);
-  J = TorsionCoefficient(a / b) * a * b * b * b;
+  Enter(&Material::J, TorsionCoefficient(a / b) * a * b * b * b);
 }
 
 void Material::GiveEI(double& EIy, double& EIz, double& EA) const

@@ -14,8 +14,9 @@ class Units;
 /// Elastic constants of a material, which may be orthotropic, and the section values of the
 /// beams or shells made of it, in the units of the results.
 ///
-/// A material that an element owns starts with SetToNegative, reads its items and is completed
-/// by ComposeMaterial.
+/// The items that follow an element make a material that the element owns: it is unset by
+/// SetToNegative, reads the items, and takes the other values from the numbered material
+/// (ComposeMaterial). The values that were read carry a mark, since any number can be given.
 class Material
 {
 public:
@@ -29,11 +30,14 @@ public:
   /// without value, where reading stops. Fatal at an unknown key.
   int ReadFromAsciiNoNum(std::string_view text, const Units* units);
 
-  /// Marks every value as not given, by -1.
+  /// Makes every value -1 and not given; the angles are not given either.
   void SetToNegative();
-  /// Copies the values that are not given from `base`; a null base makes them 0.
+  /// Sets a value (one of the 13 numbers E1 to t) and marks it as given.
+  void Enter(double Material::*field, double value);
+  /// Copies the values that are not given from `base`; a null base makes them 0. A value without
+  /// a mark, assigned to its member, counts as given unless it is -1.
   void ComposeMaterial(const Material* base);
-  /// Sets A, Iy, Iz and J of a rectangular section from its widths along local y and z.
+  /// Enters A, Iy, Iz and J of a rectangular section from its widths along local y and z.
   void CalcOtherParametersForRecSec(double widthY, double widthZ);
 
   void GiveEI(double& EIy, double& EIz, double& EA) const;
@@ -88,6 +92,9 @@ public:
   double t = 0.0;                     ///< thickness of a shell
   int eulerGiven = 0;                 ///< 1 when there are angles
   double Euler[3] = {0.0, 0.0, 0.0};  ///< of the local axes, in radians
+
+private:
+  unsigned given = 0;  ///< a bit for each value that was entered
 };
 
 }  // namespace morlen

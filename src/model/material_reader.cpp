@@ -114,7 +114,7 @@ void SetItem(const KeyRule& rule, double value, Material& material, Widths& widt
 {
   for (double Material::*field : rule.fields) {
     if (field)
-      material.*field = value;
+      material.Enter(field, value);
   }
   if (rule.width)
     widths.*rule.width = value;

@@ -215,6 +215,30 @@ TEST(Elem, GiveEIInTheOrderOfItsNames)
   EXPECT_EQ(EA, 14.0);
 }
 
+TEST(Elem, NegativeItemsReplaceTheValuesOfTheMaterial)
+{
+  Pieces p;
+  Material numbered;
+  numbered.nuXY = numbered.nuYX = 0.3;
+  numbered.Weight = 25.0;
+  numbered.A = 7.0;
+  VoidPlex materials(100);
+  materials.set_at(4, &numbered);
+  TextScan text("1 1 2 4 nu=-0.2 Weight=-25");
+  VoidPlex nodes(100);
+  for (int i = 0; i < 2; ++i)
+    nodes.set_at(i + 1, &p.nodes[i]);
+  ASSERT_EQ(p.line.ReadFromAscii(text, &nodes, nullptr), 1);
+  p.line.ComposeYourMaterial(&materials);
+  const Material* const own = p.line.GiveMaterial(&materials);
+  EXPECT_EQ(own->nuXY, -0.2);
+  EXPECT_EQ(own->nuYX, -0.2);
+  EXPECT_EQ(own->Weight, -25.0);
+  EXPECT_EQ(own->A, 7.0);
+  EXPECT_EQ(p.line.GiveMaterialNum(), 0);
+  EXPECT_EQ(p.line.GiveNumberedMaterial(), 4);
+}
+
 TEST(Elem, GiveEIOfAMaterialOfItsOwn)
 {
   Pieces p;

@@ -296,15 +296,69 @@ TEST(Material, OwnMaterialIsCompletedFromABase)
   EXPECT_EQ(own.Euler[1], 0.4);
 }
 
-TEST(Material, NegativeValuesOfAnElementAreNotGiven)
+// Also -1, the value of the numbers that are not given, and negative widths of a section.
+TEST(Material, ItemsOfAnElementHoldWhateverTheirSign)
 {
+  static const struct
+  {
+    const char* items;
+    double Material::*field;
+    double expected;
+  } cases[] = {
+      {"nu=-0.2", &Material::nuXY, -0.2},
+      {"nu=-0.2", &Material::nuYX, -0.2},
+      {"nu=-1", &Material::nuYX, -1.0},
+      {"nuXY=-0.1", &Material::nuXY, -0.1},
+      {"nuXY=-0.1", &Material::nuYX, 3.0},
+      {"Weight=-25", &Material::Weight, -25.0},
+      {"E=-1", &Material::E2, -1.0},
+      {"E=-1", &Material::A, 3.0},
+      {"widthY=1 widthZ=-1", &Material::A, -1.0},
+      {"widthY=12 widthZ=-1", &Material::Iy, -1.0},
+      {"widthY=1 widthZ=2", &Material::Weight, 3.0},
+      {"Euler1=-1", &Material::A, 3.0},
+  };
+  const Units units;
+  Material base;
+  base.E1 = base.E2 = base.nuXY = base.nuYX = base.A = base.Iy = base.Weight = 3.0;
+  for (const auto& c : cases) {
+    Material own;
+    own.SetToNegative();
+    own.ReadFromAsciiNoNum(c.items, &units);
+    own.ComposeMaterial(&base);
+    EXPECT_EQ(own.*c.field, c.expected) << c.items;
+  }
+}
+
+TEST(Material, MarksAreClearedAndCopied)
+{
+  const Units units;
   Material base;
   base.Weight = 3.0;
   Material own;
   own.SetToNegative();
-  own.Weight = -1e-20;
+  own.ReadFromAsciiNoNum("Weight=-1", &units);
+  Material copy(own);
+  copy.ComposeMaterial(&base);
+  EXPECT_EQ(copy.Weight, -1.0);
+  own.SetToNegative();
   own.ComposeMaterial(&base);
   EXPECT_EQ(own.Weight, 3.0);
+}
+
+// A program that uses the library may assign to the members.
+TEST(Material, AssignedValuesOtherThanMinusOneAreGiven)
+{
+  Material base;
+  base.Weight = base.A = base.t = 3.0;
+  Material own;
+  own.SetToNegative();
+  own.Weight = -1e-20;
+  own.A = -25.0;
+  own.ComposeMaterial(&base);
+  EXPECT_EQ(own.Weight, -1e-20);
+  EXPECT_EQ(own.A, -25.0);
+  EXPECT_EQ(own.t, 3.0);
 }
 
 TEST(Material, OwnAnglesAndZerosAreKept)
@@ -601,7 +655,6 @@ TEST(Material, SmallValuesOfAnElementAreGiven)
   Material own;
   own.SetToNegative();
   own.Iy = 1e-24;
-  own.J = -1e-300;
   own.ComposeMaterial(&base);
   EXPECT_EQ(own.Iy, 1e-24);
   EXPECT_EQ(own.J, 4.0);

@@ -36,10 +36,14 @@ constexpr TorsionStep kTorsion[] = {{1.25, 0.141}, {1.75, 0.196}, {2.25, 0.229},
                                     {7.5, 0.303},  {8.5, 0.307},  {9.5, 0.31},   {10.0, 0.313}};
 constexpr double kTorsionOfSlenderSection = 0.333;
 
+// A ratio on a limit belongs to the larger ratios, also when the quotient of the widths is rounded
+// downwards: 0.35/0.2 is a little less than 1.75, 35/20 is not.
 double TorsionCoefficient(double ratio)
 {
-  const TorsionStep* step = std::find_if(std::begin(kTorsion), std::end(kTorsion),
-                                         [ratio](const TorsionStep& s) { return ratio < s.below; });
+  constexpr double kBelow = 1.0 - 1e-9;
+  const TorsionStep* step =
+      std::find_if(std::begin(kTorsion), std::end(kTorsion),
+                   [ratio](const TorsionStep& s) { return ratio < kBelow * s.below; });
   return step == std::end(kTorsion) ? kTorsionOfSlenderSection : step->beta;
 }
 

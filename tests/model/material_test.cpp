@@ -259,6 +259,47 @@ TEST(Material, TorsionCoefficientByRatio)
   }
 }
 
+// The quotient of the widths depends on the unit in its last digits.
+TEST(Material, TorsionOfASectionDoesNotDependOnTheUnit)
+{
+  static const struct
+  {
+    double widths[2], beta;
+  } cases[] = {{{0.2, 0.35}, 0.229},
+               {{0.28, 0.35}, 0.196},
+               {{0.04, 0.11}, 0.263},
+               {{0.06, 0.33}, 0.299},
+               {{0.03, 0.3}, 0.333}};
+  for (const auto& c : cases) {
+    const auto [b, a] = c.widths;
+    for (const double unit : {1.0, 10.0, 100.0, 1000.0, 1 / 0.3048, 1 / 0.0254, 1e-3}) {
+      Material m;
+      m.CalcOtherParametersForRecSec(b * unit, a * unit);
+      const double size = unit * unit * unit * unit;
+      // A few roundings of products; the next coefficient differs by more than 1e-2.
+      EXPECT_NEAR(m.J / size, c.beta * a * b * b * b, 1e-14 * a * b * b * b) << b << ' ' << unit;
+    }
+  }
+}
+
+TEST(Material, RatiosWithinOneBillionthOfALimitAreOnIt)
+{
+  static const struct
+  {
+    double limit, below, above;
+  } cases[] = {
+      {1.25, 0.141, 0.196}, {1.75, 0.196, 0.229}, {9.5, 0.31, 0.313}, {10.0, 0.313, 0.333}};
+  for (const auto& c : cases) {
+    for (const double rest : {-1.1e-9, -0.9e-9, 0.0, 0.9e-9}) {
+      const double ratio = c.limit * (1.0 + rest);
+      Material m;
+      m.CalcOtherParametersForRecSec(1.0, ratio);
+      const double beta = rest < -1e-9 ? c.below : c.above;
+      EXPECT_NEAR(m.J, beta * ratio, 1e-12) << c.limit << ' ' << rest;
+    }
+  }
+}
+
 TEST(Material, ReadsNumberedRecords)
 {
   const Units units;

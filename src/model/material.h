@@ -50,10 +50,12 @@ public:
 
   /// Stress-strain matrices of a shell, integrated over its thickness: membrane Dm and bending
   /// Db (3×3), transverse shear Ds (2×2). The caller gives matrices of these sizes. Fatal for a
-  /// value that is missing or unfit.
+  /// value that is missing, for moduli and Poisson's ratios without symmetry (IsSymmetric), and
+  /// for ratios with which a strain would release energy.
   void GiveDMatrix(int elemNumber, Matriu& Dm, Matriu& Db, Matriu& Ds) const;
   /// Stress-strain matrix of an isotropic solid from E1 and nuXY; order εx, εy, εz, γxy, γxz,
-  /// γyz. The caller gives a 6×6 matrix. Fatal for a value that is missing or unfit.
+  /// γyz. The caller gives a 6×6 matrix. Fatal when E1 is missing or nuXY is not between -1 and
+  /// 0.5.
   void GiveDMatrixTetra(int elemNumber, Matriu& D) const;
 
   /// Stiffness blocks of a beam in its local axes: Kij between its nodes i and j (1 or 2), 3×3
@@ -76,12 +78,12 @@ public:
   /// itself.
   void PrintTo(std::ostream& out) const;
 
-  int number = 0;   ///< 0 for a material that an element owns
-  double E1 = 0.0;  ///< Young's modulus along local x
-  double E2 = 0.0;  ///< Young's modulus along local y
-  double nuXY = 0.0;
-  double nuYX = 0.0;
-  double Iy = 0.0;  ///< second moment of area about local y
+  int number = 0;     ///< 0 for a material that an element owns
+  double E1 = 0.0;    ///< Young's modulus along local x
+  double E2 = 0.0;    ///< Young's modulus along local y
+  double nuXY = 0.0;  ///< -εx/εy under a stress along y: ν21 of textbooks
+  double nuYX = 0.0;  ///< -εy/εx under a stress along x: ν12 of textbooks
+  double Iy = 0.0;    ///< second moment of area about local y
   double Iz = 0.0;
   double Gxy = 0.0;
   double Gxz = 0.0;

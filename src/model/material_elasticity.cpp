@@ -6,6 +6,10 @@
 // Mechanics 12, 1945. Solid: Hooke's law of an isotropic body. Source: S. Timoshenko and J. N.
 // Goodier, Theory of Elasticity, 1951.
 //
+// Poisson's ratios are limited so that every strain stores energy. Source of the limits: for an
+// isotropic body the book above; for an orthotropic sheet B. M. Lempriere, Poisson's ratio in
+// orthotropic materials, AIAA Journal 6, 1968.
+//
 // The checks are negated comparisons, so that NaN fails them.
 
 #include <algorithm>
@@ -21,6 +25,7 @@ namespace morlen {
 
 namespace {
 
+// Returns in a check of the file, which hears the message and goes on.
 void Refuse(int elemNumber, const char* text)
 {
   AttemptOn(ReadItem::Element, elemNumber, [&] { Fatal("error in element ", elemNumber, text); });
@@ -32,10 +37,35 @@ void RequirePositive(double value, int elemNumber, const char* text)
     Refuse(elemNumber, text);
 }
 
-void RequireDifferent(double value, double excluded, int elemNumber, const char* text)
+// True when the value is not refused.
+bool RequireDifferent(double value, double excluded, int elemNumber, const char* text)
 {
-  if (!(std::fabs(value - excluded) > EPSILON))
+  const bool different = std::fabs(value - excluded) > EPSILON;
+  if (!different)
     Refuse(elemNumber, text);
+  return different;
+}
+
+void RequireRatios(bool fit, const Material& m, int elemNumber, const char* text)
+{
+  if (fit)
+    return;
+  Explain("the material of the element has nuXY=", m.nuXY, " and nuYX=", m.nuYX,
+          " (the key nu gives both)");
+  Refuse(elemNumber, text);
+}
+
+// Refuses a sheet, isotropic or orthotropic, in which a strain would release energy.
+void RequireStableSheet(const Material& m, int elemNumber)
+{
+  const double product = m.nuXY * m.nuYX;
+  if (!RequireDifferent(product, 1.0, elemNumber, " nuXY*nuYX is 1\n"))
+    return;
+  if (m.E1 == m.E2 && m.nuXY == m.nuYX)
+    RequireRatios(m.nuXY > -1.0 && m.nuXY <= 0.5, m, elemNumber,
+                  " nu must be above -1 and at most 0.5\n");
+  else
+    RequireRatios(product < 1.0, m, elemNumber, " nuXY*nuYX must be below 1\n");
 }
 
 void RequireShellValues(const Material& m, int elemNumber)
@@ -46,21 +76,24 @@ void RequireShellValues(const Material& m, int elemNumber)
   RequirePositive(m.Gxy, elemNumber, " Gxy is 0\n");
   RequirePositive(m.Gxz, elemNumber, " Gxz is 0\n");
   RequirePositive(m.Gyz, elemNumber, " Gyz is 0\n");
-  RequireDifferent(m.nuXY, 1.0, elemNumber, " nuXY is 1\n");
-  RequireDifferent(m.nuYX, 1.0, elemNumber, " nuYX is 1\n");
+  const bool isXFit = RequireDifferent(m.nuXY, 1.0, elemNumber, " nuXY is 1\n");
+  const bool isYFit = RequireDifferent(m.nuYX, 1.0, elemNumber, " nuYX is 1\n");
   if (!IsSymmetric(m)) {
     Note(ReadEvent::AsymmetricMaterial, {});
     Refuse(elemNumber, " Ex*nuXY must be equal to Ey*nuYX\n");
+  } else if (isXFit && isYFit) {
+    RequireStableSheet(m, elemNumber);
   }
-  RequireDifferent(m.nuXY * m.nuYX, 1.0, elemNumber, " nuXY*nuYX is 1\n");
 }
 
 void RequireSolidValues(const Material& m, int elemNumber)
 {
   RequirePositive(m.E1, elemNumber, " E is 0\n");
-  RequireDifferent(m.nuXY, 1.0, elemNumber, " nu is 1\n");
-  RequireDifferent(m.nuXY, 0.5, elemNumber, " nu is 0.5\n");
-  RequireDifferent(m.nuXY, -1.0, elemNumber, " nu is -1\n");
+  if (RequireDifferent(m.nuXY, 1.0, elemNumber, " nu is 1\n") &&
+      RequireDifferent(m.nuXY, 0.5, elemNumber, " nu is 0.5\n") &&
+      RequireDifferent(m.nuXY, -1.0, elemNumber, " nu is -1\n"))
+    RequireRatios(m.nuXY > -1.0 && m.nuXY < 0.5, m, elemNumber,
+                  " nu must be above -1 and below 0.5\n");
 }
 
 }  // namespace

@@ -180,6 +180,11 @@ TEST(Shell, ChecksItsMaterial)
   ExpectFatal([&] { OneElement{model}; }, "error in element 1 Shell thickness is 0\n");
   model.material = "E=1 nu=1 G=1 t=1";
   ExpectFatal([&] { OneElement{model}; }, "error in element 1 nuXY is 1\n");
+  model.material = "E=1 nu=3 G=1 t=1";
+  ExpectFatal([&] { OneElement{model}; },
+              "error in element 1 nu must be above -1 and at most 0.5\n");
+  model.material = "Ex=4 Ey=1 nuXY=0.6 nuYX=2.4 G=1 t=1";
+  ExpectFatal([&] { OneElement{model}; }, "error in element 1 nuXY*nuYX must be below 1\n");
   model = OneTriangle(3);
   model.material += " Ey=3000";
   ExpectFatal([&] { OneElement{model}; }, "error in element 1 Ex*nuXY must be equal to Ey*nuYX\n");

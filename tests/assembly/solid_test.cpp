@@ -323,6 +323,8 @@ TEST_P(Solid, MaterialsThatDoNotFitAreRefused)
       {"E 1 nu 1", "error in element 1 nu is 1\n"},
       {"E 1 nu 0.5", "error in element 1 nu is 0.5\n"},
       {"E 1 nu -1", "error in element 1 nu is -1\n"},
+      {"E 1 nu 3", "error in element 1 nu must be above -1 and below 0.5\n"},
+      {"E 1 nu -3", "error in element 1 nu must be above -1 and below 0.5\n"},
   };
   for (const auto& c : cases) {
     SolidModel model = UnitSolid(GetParam());

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/errorwriter.h"
 #include "base/textscan.h"
 #include "model/material_symmetry.h"
 #include "model/units.h"
@@ -706,19 +707,82 @@ TEST(Material, SmallValuesOfAnElementAreGiven)
   EXPECT_EQ(own.J, 0.0);
 }
 
-// Poisson's ratios are compared with their limits to 1e-15.
-TEST(Material, PoissonRatiosNearTheirLimits)
+constexpr const char* kSolidLimits = "error in element 4 nu must be above -1 and below 0.5\n";
+constexpr const char* kShellLimits = "error in element 12 nu must be above -1 and at most 0.5\n";
+
+TEST(Material, SolidsHaveRatiosBetweenMinusOneAndOneHalf)
+{
+  Matriu D(6, 6);
+  for (const double nu : {3.0, 30.0, 0.7, 0.5 + 1e-12, -1.0 - 1e-12, -7.0, 1.0 + 1e-12}) {
+    ExpectFatal([&] { Isotropic(2.0, nu).GiveDMatrixTetra(4, D); }, kSolidLimits);
+    EXPECT_NE(errorwriter.Hint().find("nuXY="), std::string_view::npos) << nu;
+  }
+  for (const double nu : {0.5 - 1e-12, -1.0 + 1e-12}) {
+    Isotropic(2.0, nu).GiveDMatrixTetra(4, D);
+    EXPECT_GT(D(1, 1), 1e11) << nu;
+  }
+}
+
+TEST(Material, IsotropicShellsHaveRatiosAboveMinusOneUpToOneHalf)
+{
+  Matriu Dm(3, 3), Db(3, 3), Ds(2, 2);
+  for (const double nu : {3.0, 0.7, 0.5 + 1e-12, 1.0 + 1e-12, -1.0 - 1e-12, -3.0}) {
+    Material m = Isotropic(2.0, nu);
+    m.Gxy = m.Gxz = m.Gyz = 1.0;
+    ExpectFatal([&] { m.GiveDMatrix(12, Dm, Db, Ds); }, kShellLimits);
+  }
+  for (const double nu : {0.5, 0.0, -0.9, -1.0 + 1e-12}) {
+    Isotropic(2.0, nu).GiveDMatrix(12, Dm, Db, Ds);
+    // 1 + nu has 4 digits left for the last ratio.
+    EXPECT_NEAR(Dm(1, 1) * (1.0 - nu) * (1.0 + nu), 0.2, 1e-4) << nu;
+  }
+}
+
+// With Ex = 4 Ey, nuYX = 4 nuXY: nuXY may reach 1/2.
+TEST(Material, RatiosOfOrthotropicShellsHaveAProductBelowOne)
+{
+  Matriu Dm(3, 3), Db(3, 3), Ds(2, 2);
+  const auto sheet = [](double nuXY) {
+    Material m = Isotropic(4.0, 0.3);
+    m.E2 = 1.0;
+    m.nuXY = nuXY;
+    m.nuYX = 4.0 * nuXY;
+    return m;
+  };
+  for (const double nuXY : {0.51, 3.0, -0.51, 0.5 + 1e-12})
+    ExpectFatal([&] { sheet(nuXY).GiveDMatrix(12, Dm, Db, Ds); },
+                "error in element 12 nuXY*nuYX must be below 1\n");
+  ExpectFatal([&] { sheet(0.5).GiveDMatrix(12, Dm, Db, Ds); },
+              "error in element 12 nuXY*nuYX is 1\n");
+  for (const double nuXY : {0.49, 0.3, -0.49}) {
+    sheet(nuXY).GiveDMatrix(12, Dm, Db, Ds);
+    EXPECT_NEAR(Dm(1, 1) * (1.0 - 4.0 * nuXY * nuXY), 0.4, 1e-15);
+  }
+  // The same modulus in both directions, but ratios that differ within the limit of symmetry.
+  Material m = Isotropic(4.0, 0.6);
+  m.nuYX = 0.6 * (1.0 + 5e-13);
+  m.GiveDMatrix(12, Dm, Db, Ds);
+  EXPECT_NEAR(Dm(1, 1), 0.4 / (1.0 - 0.36), 1e-12);
+}
+
+// The ratio of textbooks, -εy/εx under a stress along x, is nuYX.
+TEST(Material, NuYXIsTheContractionAcrossAStressAlongX)
+{
+  Matriu Dm(3, 3), Db(3, 3), Ds(2, 2);
+  Material m = Isotropic(40.0, 0.0);
+  m.E2 = 10.0;
+  m.nuXY = 0.05;
+  m.nuYX = 0.2;
+  m.GiveDMatrix(1, Dm, Db, Ds);
+  const double ex = 1.0, ey = -m.nuYX * ex;
+  EXPECT_NEAR(Dm(2, 1) * ex + Dm(2, 2) * ey, 0.0, 1e-15);
+  EXPECT_NEAR(Dm(1, 1) * ex + Dm(1, 2) * ey, m.t * m.E1 * ex, 1e-14);
+}
+
+// Poisson's ratios are equal to a limit to 1e-15.
+TEST(Material, PoissonRatiosAtTheirLimits)
 {
   Matriu Dm(3, 3), Db(3, 3), Ds(2, 2), D(6, 6);
-  for (const double rest : {1e-12, -1e-12}) {
-    Isotropic(2.0, 1.0 + rest).GiveDMatrix(12, Dm, Db, Ds);
-    // 1 - nu^2 = -2 rest is a difference that keeps 4 digits.
-    EXPECT_NEAR(Dm(1, 1) * rest, -0.1, 1e-4);
-    for (const double limit : {0.5, -1.0}) {
-      Isotropic(2.0, limit + rest).GiveDMatrixTetra(4, D);
-      EXPECT_GT(std::fabs(D(1, 1)), 1e11);
-    }
-  }
   for (const double rest : {5e-16, -5e-16}) {
     const double one = 1.0 + rest;
     ASSERT_NE(one, 1.0);

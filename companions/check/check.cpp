@@ -18,6 +18,7 @@ namespace {
 void CheckModelAsRead(const Subject& subject, Recorder& recorder)
 {
   CheckGeometry(subject, recorder);
+  CheckBeamAxes(subject, recorder);
   CheckSections(subject, recorder);
   if (!subject.complete || !recorder.IsWhole(ReadTopic::Mesh))
     return;

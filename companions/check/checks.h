@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "common/vec3.h"
@@ -41,17 +42,24 @@ Point NormalOf(const Elem& elem);
 /// volume of a solid one, which is negative for a turned element.
 double DeterminantOf(const Elem& elem);
 
+/// The place of the record with the values of the element's material: the record of the material,
+/// or of the element when it owns its material.
+std::ptrdiff_t PlaceOfMaterial(const Elem& elem, const Recorder& recorder);
+
 Subject SubjectOf(const Problem& problem);
 
 /// Coincident nodes, slivers, turned neighbours among shells, turned solids.
 void CheckGeometry(const Subject& subject, Recorder& recorder);
 /// Parts of the model that share no node.
 void CheckConnectivity(const Subject& subject, Recorder& recorder);
+/// Beams that are almost vertical: their local axes are not those of a vertical beam.
+void CheckBeamAxes(const Subject& subject, Recorder& recorder);
 /// Values that are missing in a material and needed by the kind of its elements.
 void CheckSections(const Subject& subject, Recorder& recorder);
 /// Motions of whole parts that no support or spring holds.
 void CheckSupports(const Subject& subject, Recorder& recorder);
-/// Nodes, materials and unit systems that nothing uses; weight without a direction of gravity.
+/// Nodes, materials and unit systems that nothing uses; negative weights, weight without a
+/// direction of gravity.
 void CheckUse(const Subject& subject, Recorder& recorder);
 
 }  // namespace check

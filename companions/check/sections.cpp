@@ -69,9 +69,8 @@ void CheckSections(const Subject& subject, Recorder& recorder)
       recorder.AttemptAt(place, [&] { MakeAxes(*elem, *material, subject.problem.problemType); });
     if (!judged.insert({material, elem->ElemType()}).second)
       continue;
-    const int number = elem->GiveMaterialNum();
     recorder.AttemptAt(
-        number ? recorder.PlaceOf(ReadItem::Material, number) : place,
+        PlaceOfMaterial(*elem, recorder),
         [&] { MakeStiffness(*elem, *material, subject.problem.problemType); },
         [&](std::optional<ReadEvent> reason) {
           return reason == ReadEvent::AsymmetricMaterial ? PassingRatio(*material) : std::string();

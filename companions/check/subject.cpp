@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "check/checks.h"
+#include "check/recorder.h"
 #include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
@@ -102,6 +103,13 @@ double DeterminantOf(const Elem& elem)
   const Point n = NormalOf(elem);
   return elem.ElemType() == Triangle ? Length(n)
                                      : Dot(n, Minus(PlaceOf(*elem(3)), PlaceOf(*elem(0))));
+}
+
+std::ptrdiff_t PlaceOfMaterial(const Elem& elem, const Recorder& recorder)
+{
+  const int number = elem.GiveMaterialNum();
+  return number ? recorder.PlaceOf(ReadItem::Material, number)
+                : recorder.PlaceOf(ReadItem::Element, elem.Num());
 }
 
 Subject SubjectOf(const Problem& problem)

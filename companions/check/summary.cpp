@@ -39,7 +39,7 @@ void AddMaterials(const Subject& subject, Summary& summary)
 {
   std::set<int> used;
   for (const Elem* elem : subject.elements)
-    used.insert(elem->GiveMaterialNum());
+    used.insert(elem->GiveNumberedMaterial());
   for (const auto [number, material] : EachNumbered<const Material>(subject.problem.materials))
     (used.contains(number) ? summary.materials : summary.unusedMaterials).push_back(number);
 }

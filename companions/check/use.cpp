@@ -50,7 +50,7 @@ void CheckMaterials(const Subject& subject, Recorder& recorder)
 {
   std::set<int> used;
   for (const Elem* elem : subject.elements)
-    used.insert(elem->GiveMaterialNum());
+    used.insert(elem->GiveNumberedMaterial());
   for (const auto [number, material] : EachNumbered<const Material>(subject.problem.materials)) {
     if (!used.contains(number))
       recorder.Warn(recorder.PlaceOf(ReadItem::Material, number), "material ", number,
@@ -67,6 +67,19 @@ void CheckUnits(const Units& units, Recorder& recorder)
   }
 }
 
+// Self-weight is added for a weight above 0 only.
+void CheckWeights(const Subject& subject, Recorder& recorder)
+{
+  std::set<const Material*> judged;
+  for (const Elem* elem : subject.elements) {
+    const Material* material = elem->GiveMaterial(&subject.problem.materials);
+    if (material && material->Weight < 0.0 && judged.insert(material).second)
+      recorder.Error(PlaceOfMaterial(*elem, recorder),
+                     "a negative Weight gives no load: give a weight above 0 and turn "
+                     "GravityDirection instead");
+  }
+}
+
 // Without a direction of gravity, weight acts along +Z, which is upwards in most models.
 void CheckGravity(const Subject& subject, Recorder& recorder)
 {
@@ -76,9 +89,7 @@ void CheckGravity(const Subject& subject, Recorder& recorder)
     const Material* material = elem->GiveMaterial(&subject.problem.materials);
     if (!material || !(material->Weight > 0.0))
       continue;
-    const int number = elem->GiveMaterialNum();
-    return recorder.Warn(number ? recorder.PlaceOf(ReadItem::Material, number)
-                                : recorder.PlaceOf(ReadItem::Element, elem->Num()),
+    return recorder.Warn(PlaceOfMaterial(*elem, recorder),
                          "weight without GravityDirection: it acts along +Z");
   }
 }
@@ -90,6 +101,7 @@ void CheckUse(const Subject& subject, Recorder& recorder)
   CheckNodes(subject, recorder);
   CheckMaterials(subject, recorder);
   CheckUnits(subject.problem.units, recorder);
+  CheckWeights(subject, recorder);
   CheckGravity(subject, recorder);
 }
 

@@ -249,6 +249,17 @@ TEST(Check, ReportsNodesAndMaterialsThatNothingUses)
                    "m:15:1: warning: material 7 is not used"}));
 }
 
+TEST(Check, CountsAMaterialThatItemsOfAnElementCompleteAsUsed)
+{
+  std::string text = With(kBeam, "1 E=1e6", "7 E=1e6 A=0.1\n1 E=1e6");
+  text = With(text, "2 2 3 1\n", "2 2 3 7 Iz=0.02\n");
+  const check::Report report = check::CheckText(text);
+  EXPECT_EQ(report.problems.size(), 0u);
+  ASSERT_TRUE(report.summary);
+  EXPECT_EQ(report.summary->materials, (std::vector<int>{1, 7}));
+  EXPECT_EQ(report.summary->unusedMaterials, std::vector<int>{});
+}
+
 TEST(Check, KnowsWhereNodesNeedElements)
 {
   EXPECT_EQ(Messages(With(With(kSolid, "4 0 0 1\n", "4 0 0 1\n5 3 3 3\n"), "constraints\n",
@@ -327,6 +338,64 @@ TEST(Check, ReportsEveryMissingValueOfASection)
                    "m:14:1: error: error in element 1 Shell thickness is 0"}));
   EXPECT_EQ(Messages(With(kSolid, "nu=0.25", "nu=0.5")),
             Lines{"m:13:1: error: error in element 1 nu is 0.5"});
+}
+
+TEST(Check, ReportsRatiosThatReleaseEnergyAtTheMaterial)
+{
+  EXPECT_EQ(Messages(With(kSolid, "nu=0.25", "nu=3")),
+            Lines{"m:13:1: error: error in element 1 nu must be above -1 and below 0.5"});
+  EXPECT_EQ(Messages(With(kPlate, "nu=0.25", "nu=0.7")),
+            Lines{"m:14:1: error: error in element 1 nu must be above -1 and at most 0.5"});
+  EXPECT_EQ(Messages(With(kPlate, "E=1e6 nu=0.25", "Ex=4e6 Ey=1e6 nuXY=0.6 nuYX=2.4")),
+            Lines{"m:14:1: error: error in element 1 nuXY*nuYX must be below 1"});
+  EXPECT_EQ(Messages(With(kBeam, "E=1e6", "E=1e6 nu=3")), Lines{});  // beams do not use it
+  // One message for each value.
+  EXPECT_EQ(Messages(With(kSolid, "nu=0.25", "nu=-1")),
+            Lines{"m:13:1: error: error in element 1 nu is -1"});
+  EXPECT_EQ(Messages(With(kPlate, "nu=0.25", "nu=-1")),
+            Lines{"m:14:1: error: error in element 1 nuXY*nuYX is 1"});
+}
+
+TEST(Check, ReportsNegativeWeights)
+{
+  const std::string plate = With(kPlate, "mesh", "GravityDirection 0 0 -1\nmesh");
+  constexpr const char* kMessage =
+      "error: a negative Weight gives no load: give a weight above 0 and turn GravityDirection "
+      "instead";
+  EXPECT_EQ(Messages(With(plate, "t=0.1", "t=0.1 Weight=-25")),
+            Lines{std::string("m:15:1: ") + kMessage});
+  EXPECT_EQ(Messages(With(plate, "2 1 3 4 1\n", "2 1 3 4 1 Weight=-25\n")),
+            Lines{std::string("m:12:1: ") + kMessage});
+}
+
+TEST(Check, WarnsOfBeamsThatAreAlmostVertical)
+{
+  static const struct
+  {
+    const char* end;
+    const char* lean;  // empty without a warning
+    const char* y;
+  } cases[] = {
+      {"0 0 4", "", ""},
+      {"1e-9 0 4", "", ""},
+      {"3.9e-6 0 4", "", ""},
+      {"1e-5 0 4", "2.5e-06", "(0, 1, 0)"},
+      {"-1e-5 0 4", "2.5e-06", "(0, -1, 0)"},
+      {"0.0003 0.0004 4", "0.000125", "(-0.8, 0.6, 0)"},
+      {"0 0.0039 4", "0.000975", "(-1, 0, 0)"},
+      {"0 0.0041 4", "", ""},
+  };
+  for (const auto& c : cases) {
+    const std::string text =
+        With(With(kBar, "2 3 0 0\n", std::string("2 ") + c.end + "\n"), "1 111000", "1 111111");
+    const Lines expected{std::string("m:8:1: warning: element 1 leans by ") + c.lean +
+                         " of its length: its local y is " + c.y +
+                         ", horizontal across the lean; a vertical beam has (1, 0, 0). If it is "
+                         "meant to be vertical, give both ends the same x and y"};
+    EXPECT_EQ(Messages(text), *c.lean ? expected : Lines{}) << c.end;
+    EXPECT_EQ(Messages(With(text, "J=1e-5", "J=1e-5 Euler1=1.570796 Euler2=1.570796")), Lines{})
+        << c.end;
+  }
 }
 
 TEST(Check, ProposesRatiosThatPassTheSymmetryTest)

@@ -6,8 +6,8 @@
 //
 // - Beam: the Euler axes are reversed in pairs when their x runs against the beam. When x is then
 //   the beam's direction up to rounding, they are used as they are. Else x becomes that direction,
-//   y stays in the plane of x and the Euler y, and z completes the axes. An axial force N along
-//   an axis that leaves the beam by the angle d would lose the moment N L d. An Euler x at right
+//   y stays in the plane of x and the Euler y, and z completes the axes. With an x that deviates
+//   from the beam by an angle d, an axial force N would lose the moment N L d. An Euler x at right
 //   angles to the beam is refused.
 // - Triangle: when z of the Euler axes is the normal they are used as they are; else their x is
 //   projected into the plane of the triangle.

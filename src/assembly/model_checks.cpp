@@ -14,11 +14,14 @@ namespace morlen {
 
 namespace {
 
-void RequireNodes(const Elem& elem)
+void RequireNodes(const Elem& elem, int lastNode)
 {
   for (int i = 0; i < elem.Nnode(); ++i) {
-    if (!elem(i))
-      Fatal("error: element ", elem.Num(), " has an unknown node\n");
+    if (elem(i))
+      continue;
+    Explain("node ", i + 1, " of the element's ", elem.Nnode(),
+            " does not exist: the nodes have the numbers 1 to ", lastNode);
+    Fatal("error: element ", elem.Num(), " has an unknown node\n");
   }
 }
 
@@ -56,10 +59,11 @@ void CheckSupportAxes(const VoidPlex& nodes, int components)
 void CheckReferences(const Meshes& meshes, const VoidPlex& materials,
                      const ElementFamilies& families)
 {
+  const int lastNode = meshes.empty() ? 0 : meshes.front()->GiveNodePlex()->Last();
   for (const auto& mesh : meshes) {
     const bool analysed = families.Find(*mesh) != nullptr;
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-      AttemptOn(ReadItem::Element, elem.Num(), [&] { RequireNodes(elem); });
+      AttemptOn(ReadItem::Element, elem.Num(), [&] { RequireNodes(elem, lastNode); });
       if (analysed)
         AttemptOn(ReadItem::Element, elem.Num(), [&] { RequireMaterial(elem, materials); });
     }

@@ -30,6 +30,12 @@ constexpr bool IsWhite(char c)
   return c <= ' ' && (c == ' ' || (c >= '\t' && c <= '\r'));  // most characters are above ' '
 }
 
+/// The lower case of an ASCII letter; other characters are returned unchanged.
+constexpr char ToLower(char c)
+{
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
 inline const char* SkipWhite(const char* text, const char* end)
 {
   while (text != end && IsWhite(*text))

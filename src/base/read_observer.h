@@ -23,11 +23,16 @@ enum class ReadEvent : int
   IgnoredKey,         ///< a key without meaning in its record
   NumberPart,         ///< a value that is not a number as a whole
   NoValue,            ///< a key of a material without a value, which ends the items
-  FreeValue,          ///< a value other than 0 at a component whose flag is free
-  WordInComment,      ///< a word of a head that only a comment has
-  NotDecimal,         ///< an integer read as octal or hexadecimal
-  Keyword,            ///< a keyword of the top level, known or not
-  UnitsUsed,          ///< the name of a unit system that is looked up
+  LoneWidth,          ///< a width of a section without the other width
+  GluedValue,         ///< the flags of a support with the value that follows them without a blank
+  BrokenRecord,   ///< where a node or an element cannot be read, which ends its list; the detail
+                  ///< is the reason
+  FreeValue,      ///< a value other than 0 at a component whose flag is free
+  WordInComment,  ///< a word of a head that only a comment has
+  NotDecimal,     ///< an integer read as octal or hexadecimal
+  Keyword,        ///< a keyword of the top level, known or not
+  UnitsUsed,      ///< the name of a unit system that is looked up
+  UnitsRepeated,  ///< a unit system that is already defined, with the same contents
 
   // Reasons of the error that follows:
   SearchFailed,       ///< the text does not have the word searched for, the detail
@@ -133,14 +138,31 @@ inline void NoteStored(ReadItem item, int number)
     readObserver->Stored(item, number);
 }
 
-/// Notes the end of a record's values, which began at `from`: whether they cross a line end, and
-/// the text after them.
+/// The numbers that a value may be.
+enum class NumberKind : bool
+{
+  kReal,
+  kWhole  ///< decimal integers
+};
+
+/// Notes a number that ends at `stop` although its word goes on, other than by ':' or '='.
+void NoteNumberEnd(const char* stop, const TextScan& text);
+
+/// Notes the values of a record, which began at `from` and end at the place reached: its number,
+/// values that are not one number from end to end, and whether the values cross a line end.
+void NoteValues(const char* from, const TextScan& text, NumberKind kind);
+/// The same, and the text after the values.
 void NoteRecordEnd(const char* from, const TextScan& text);
+/// Notes a record of a list whose values, which began at `from`, cannot be read at the place
+/// reached. count: the number of its values.
+void NoteBrokenRecord(const char* from, const TextScan& text, NumberKind kind, int count);
 
 /// Notes a value that is not one number from end to end.
-void NoteNumber(std::string_view value);
+void NoteNumber(std::string_view value, NumberKind kind = NumberKind::kReal);
 /// Notes each word between white space that is not one number from end to end. text: the values of
-/// a record, of which the last may go on after `text`: `after` is the text there.
-void NoteNumbers(std::string_view text, std::string_view after);
+/// a record, of which the last may go on after `text`: `after` is the text there. The last of whole
+/// numbers may be followed by ':' or '='.
+void NoteNumbers(std::string_view text, std::string_view after,
+                 NumberKind kind = NumberKind::kReal);
 
 }  // namespace morlen

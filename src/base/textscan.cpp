@@ -9,10 +9,14 @@
 #include "base/errorwriter.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "base/record_hint.h"
 
 namespace morlen {
 
 namespace {
+
+constexpr std::string_view kWhite = " \t\n\v\f\r";
+constexpr std::string_view kKeyDelimiters = " \t\n\v\f\r:=";
 
 // As much of a number as a message needs.
 std::string_view FirstDigits(const char* first, const char* last)
@@ -24,27 +28,6 @@ std::string_view FirstDigits(const char* first, const char* last)
 constexpr bool IsBlank(char c)
 {
   return c == ' ' || c == '\t';
-}
-
-// FindThisWord with the event for skipped text.
-void FindWord(TextScan& text, const char* word, ReadEvent skipped)
-{
-  const char* const from = text.Here();
-  for (;;) {
-    const std::string_view found = text.ReadWord();
-    if (text.AtEnd()) {
-      Note(ReadEvent::SearchFailed, {from, text.Here()}, word);
-      Fatal("can't find word ***", word, "*** in input file\n");
-    }
-    std::string lower(found);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    if (lower.find(word) == std::string::npos)
-      continue;
-    Note(skipped, {from, found.data()}, word);
-    Note(ReadEvent::WordPart, found, word);
-    return;
-  }
 }
 
 }  // namespace
@@ -114,16 +97,9 @@ void TextScan::SkipRestOfLine()
   next = newline ? static_cast<const char*>(newline) + 1 : end;
 }
 
-bool TextScan::FindDigit()
-{
-  next = std::find_if(next, end, IsDigit);
-  return next != end;
-}
-
 int TextScan::TakeOutSpaces()
 {
-  while (next != end &&
-         (*next == '\n' || *next == '\r' || *next == ' ' || *next == ':' || *next == '='))
+  while (next != end && (IsWhite(*next) || *next == ':' || *next == '='))
     ++next;
   if (next == end)
     return -1;
@@ -135,13 +111,18 @@ int TextScan::TakeOutSpaces()
 
 TextScan::Place TextScan::Where() const
 {
-  const char* start = begin;
-  int lines = 1;
-  while (const void* newline = std::memchr(start, '\n', static_cast<std::size_t>(next - start))) {
-    start = static_cast<const char*>(newline) + 1;
-    ++lines;
-  }
-  return {lines, static_cast<int>(next - start) + 1};
+  const char* start = next;
+  while (start != begin && start[-1] != '\n')
+    --start;
+  return {LineOf(next), static_cast<int>(next - start) + 1};
+}
+
+std::string_view TextScan::WordAround(const char* place) const
+{
+  const char* start = place;
+  while (start != begin && !IsWhite(start[-1]))
+    --start;
+  return {start, std::find_if(place, end, IsWhite)};
 }
 
 std::string_view TextScan::LineAhead() const
@@ -155,25 +136,20 @@ std::ptrdiff_t TextScan::OffsetOf(const char* place) const
   return before(begin, place) && before(place, end) ? place - begin : -1;
 }
 
-void FindThisWord(TextScan& text, const char* word)
+int TextScan::LineOf(const char* place) const
 {
-  FindWord(text, word, ReadEvent::SkippedText);
+  const bool goesBack = place < lastPlace;
+  const auto lines =
+      goesBack ? std::count(place, lastPlace, '\n') : std::count(lastPlace, place, '\n');
+  lastLine += static_cast<int>(goesBack ? -lines : lines);
+  lastPlace = place;
+  return lastLine;
 }
 
-void FindBlockEnd(TextScan& text)
+void TextScan::GoTo(const char* place, bool inComment)
 {
-  FindWord(text, "end", ReadEvent::SkippedToBlockEnd);
-}
-
-void FindWordAfterBlock(TextScan& text, const char* word)
-{
-  FindWord(text, word, ReadEvent::SkippedAfterBlock);
-}
-
-void SkipBlockEnd(TextScan& text)
-{
-  FindBlockEnd(text);
-  text.SkipLine();
+  next = place;
+  commentEnd = inComment ? std::find(place, end, '\n') : begin;
 }
 
 bool HasPrefix(std::string_view text, std::string_view prefix)
@@ -187,17 +163,38 @@ bool EqualsNoCase(std::string_view a, std::string_view b)
   return a.size() == b.size() && HasPrefix(a, b);
 }
 
-std::string_view ItemScanner::Token(std::string_view skipped, std::string_view ending)
+std::string_view ItemScanner::Key()
 {
-  const std::size_t start = rest.find_first_not_of(skipped);
-  if (start == std::string_view::npos) {
-    rest = {};
-    return {};
-  }
-  const std::size_t stop = std::min(rest.find_first_of(ending, start), rest.size());
-  const std::string_view token = rest.substr(start, stop - start);
-  rest.remove_prefix(stop);
+  SkipDelimiters();
+  return rest.starts_with('#') ? std::string_view() : Cut(kKeyDelimiters);
+}
+
+std::string_view ItemScanner::Value()
+{
+  SkipDelimiters();
+  return Cut(kWhite);
+}
+
+void ItemScanner::SkipDelimiters()
+{
+  rest.remove_prefix(std::min(rest.find_first_not_of(kKeyDelimiters), rest.size()));
+}
+
+std::string_view ItemScanner::Cut(std::string_view ending)
+{
+  const std::string_view token = rest.substr(0, rest.find_first_of(ending));
+  rest.remove_prefix(token.size());
   return token;
+}
+
+std::string_view BeforeComment(std::string_view items)
+{
+  if (items.find('#') == std::string_view::npos)
+    return items;
+  ItemScanner scan(items);
+  while (!scan.Key().empty())
+    scan.Value();
+  return items.substr(0, items.size() - scan.Rest().size());
 }
 
 double NumberOfItem(std::string_view value)
@@ -211,13 +208,15 @@ std::string_view UpToNull(std::string_view text)
   return text.substr(0, text.find('\0'));
 }
 
-int EulerIndex(std::string_view key)
+int EulerIndex(const RecordText& key)
 {
-  if (!HasPrefix(key, "Euler"))
+  if (!HasPrefix(key.text, "Euler"))
     return -1;
-  const char digit = key.size() > 5 ? key[5] : '\0';
-  if (digit < '1' || digit > '3')
+  const char digit = key.text.size() > 5 ? key.text[5] : '\0';
+  if (digit < '1' || digit > '3') {
+    Explain(LinePrefix(key), Quoted(key.text), " is given");
     Fatal("error: Euler angles must be: Euler1,Euler2 or Euler3\n");
+  }
   return digit - '1';
 }
 

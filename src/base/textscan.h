@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -27,7 +28,11 @@ public:
   };
 
   explicit TextScan(std::string_view text)
-      : begin(text.data()), next(begin), end(begin + text.size())
+      : begin(text.data()),
+        next(begin),
+        end(begin + text.size()),
+        commentEnd(begin),
+        lastPlace(begin)
   {
   }
   explicit TextScan(const char* text) : TextScan(std::string_view(text)) {}
@@ -63,19 +68,39 @@ public:
       SkipRestOfLine();
   }
 
-  /// Skips up to a decimal digit; false when there is none.
-  bool FindDigit();
-
-  /// Skips newlines, carriage returns, blanks, ':' and '='. Returns 1 when a '#'
-  /// follows (consumed), -1 at the end of the text, else 0.
+  /// Skips white space, ':' and '='. Returns 1 when a '#' follows (consumed), -1 at the end of the
+  /// text, else 0.
   int TakeOutSpaces();
 
   Place Where() const;
+  /// The characters around a place of the text up to white space on both sides. Empty between two
+  /// blanks.
+  std::string_view WordAround(const char* place) const;
   /// The place reached, and the rest of its line without the newline: views of the text.
   const char* Here() const { return next; }
   std::string_view LineAhead() const;
   /// Bytes from the beginning of the text to a place in it; -1 for other places.
   std::ptrdiff_t OffsetOf(const char* place) const;
+  /// The line of a place of the text, from 1. Cheap for a place near that of the last call.
+  int LineOf(const char* place) const;
+  std::string_view WholeText() const { return {begin, end}; }
+  std::string_view TextAhead() const { return {next, end}; }
+
+  /// Goes to another place of the text. inComment: the place is in a comment that begins before it.
+  void GoTo(const char* place, bool inComment = false);
+  /// The end of the comment that the place reached is in; not after that place when there is none.
+  const char* CommentEnd() const { return commentEnd; }
+
+  /// A block of the file, for messages.
+  struct Block
+  {
+    std::string_view keyword = {};  ///< in the text; empty before the first block
+    const char* endWord = nullptr;  ///< the word that closes it; null while it is open
+  };
+  void EnterBlock(std::string_view keyword) { block = {keyword}; }
+  void LeaveBlock(const char* endWord) { block.endWord = endWord; }
+  /// The block entered last.
+  const Block& LastBlock() const { return block; }
 
 private:
   template <class T>
@@ -94,16 +119,59 @@ private:
   const char* begin;
   const char* next;
   const char* end;
+  const char* commentEnd;
+  mutable const char* lastPlace;  ///< the place that LineOf was asked for last, and its line
+  mutable int lastLine = 1;
+  Block block;
 };
 
-/// Reads words up to and including the first that contains `word` (lower case),
-/// whatever the case in the text. Fatal when the text ends first, also directly after a word
-/// that matches.
-void FindThisWord(TextScan& text, const char* word);
-/// The same for the "end" that closes a block, and for the first word after a block. Only the
-/// notices of skipped text differ: the line of an "end" may name its block.
+/// A record or a part of it, and the text that it belongs to: hints name its line. Both are
+/// borrowed; without the text a hint has no line.
+struct RecordText
+{
+  RecordText(const char* record) : text(record) {}
+  RecordText(const std::string& record) : text(record) {}
+  RecordText(std::string_view record, const TextScan* file = nullptr) : text(record), scan(file) {}
+
+  /// Another part of the same text.
+  RecordText Part(std::string_view part) const { return {part, scan}; }
+
+  std::string_view text;
+  const TextScan* scan = nullptr;
+};
+
+/// True when a text glued to a word by '=' or ':' is the value that belongs to the word.
+using IsValue = bool (*)(std::string_view glued);
+
+/// Reads words up to and including the first that contains `word` (lower case), whatever the case
+/// in the text, and returns it. With a value glued to it ("nnode=2", see IsValue) the word ends
+/// before the '=' or ':'. Fatal when the text ends first, also directly after a word that matches.
+///
+/// A word in a comment (from a word that begins with '#' to the end of its line) counts only where
+/// no other follows it before the next keyword of a block or "end".
+std::string_view FindThisWord(TextScan& text, const char* word, IsValue isValue = nullptr);
+/// The same, but returns an empty word instead of ending the run; the text stays.
+std::string_view SearchWord(TextScan& text, const char* word, IsValue isValue = nullptr);
+/// The end of the run for a word that the text ahead does not have. Goes to the end of the text.
+[[noreturn]] void FailSearch(TextScan& text, const char* word);
+
+/// FindThisWord for the "end" that closes a block, and for the first word after a block. Without
+/// an observer, a warning reports the lines skipped. The line of an "end" may name its block.
 void FindBlockEnd(TextScan& text);
-void FindWordAfterBlock(TextScan& text, const char* word);
+std::string_view FindWordAfterBlock(TextScan& text, const char* word);
+
+/// Skips up to a decimal digit; false when there is none. Comments: as for FindThisWord.
+bool FindDigit(TextScan& text);
+
+/// The value of a keyword: the rest `glued` of the keyword's word, or else the next word, without
+/// the characters ' ', '=' and ':' in front; words of these only are skipped. Empty at the end of
+/// the text.
+std::string_view ReadValue(TextScan& text, std::string_view glued = {});
+
+/// The keywords of the blocks of a problem file, with the two lists of a mesh.
+std::span<const std::string_view> BlockKeywords();
+/// True for one of them, in any case.
+bool IsBlockKeyword(std::string_view word);
 
 inline int TakeOutSpaces(TextScan& text)
 {
@@ -134,24 +202,30 @@ bool EqualsNoCase(std::string_view a, std::string_view b);
 
 /// Cuts the tail of a record into items: a key, then its value.
 ///
-/// A key is ended by a blank, ':', '=' or a line end, a value by a blank or a line
-/// end; such characters between the two are skipped, so that "E=2", "E 2" and
-/// "E = 2" are the same item. The text is borrowed.
+/// A key is ended by white space, ':' or '=', a value by white space; such characters between the
+/// two are skipped, so that "E=2", "E 2" and "E = 2" are the same item. A '#' in the place of a key
+/// begins a comment, which ends the items. The text is borrowed.
 class ItemScanner
 {
 public:
   explicit ItemScanner(std::string_view text) : rest(text) {}
 
   /// The next key; empty when there is none.
-  std::string_view Key() { return Token(" :=\r\n", " :=\r\n"); }
+  std::string_view Key();
   /// The value of the key just read; empty when there is none.
-  std::string_view Value() { return Token(" :=\r\n", " \r\n"); }
+  std::string_view Value();
+  /// The text after the key or value read last; from its '#' when a comment has ended the items.
+  std::string_view Rest() const { return rest; }
 
 private:
-  std::string_view Token(std::string_view skipped, std::string_view ending);
+  void SkipDelimiters();
+  std::string_view Cut(std::string_view ending);
 
   std::string_view rest;
 };
+
+/// The items of a record up to the comment that follows them.
+std::string_view BeforeComment(std::string_view items);
 
 /// The number that the value of an item begins with; 0 when there is none.
 double NumberOfItem(std::string_view value);
@@ -161,6 +235,6 @@ std::string_view UpToNull(std::string_view text);
 
 /// One item of a record that gives an Euler angle: "Euler1" to "Euler3" in any
 /// case gives 0 to 2, another key that begins with "Euler" is fatal, others give -1.
-int EulerIndex(std::string_view key);
+int EulerIndex(const RecordText& key);
 
 }  // namespace morlen

@@ -7,6 +7,7 @@
 #include "base/errorwriter.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "base/record_hint.h"
 #include "base/textscan.h"
 #include "model/material.h"
 #include "model/mesh.h"
@@ -17,16 +18,6 @@ namespace morlen {
 
 namespace {
 
-// Reports an element whose nodes continue on the next line.
-void NoteElementNodes(const char* from, const TextScan& text)
-{
-  if (!readObserver)
-    return;
-  const std::string_view numbers(from, text.Here());
-  if (numbers.find('\n') != std::string_view::npos)
-    Note(ReadEvent::LineBreak, numbers);
-}
-
 // Reports a material number that a leading 0 makes octal or hexadecimal, or that is followed by
 // other characters.
 void NoteMaterialNumber(std::string_view item)
@@ -34,10 +25,17 @@ void NoteMaterialNumber(std::string_view item)
   if (!readObserver || item.empty())
     return;
   const std::size_t digits = std::min(item.find_first_not_of("0123456789"), item.size());
-  if (item[0] == '0' && item.find_first_not_of('\r', 1) != std::string_view::npos)
+  if (item[0] == '0' && item.size() > 1)
     Note(ReadEvent::NotDecimal, item);
-  else if (item.substr(digits).find_first_not_of("\r") != std::string_view::npos)
+  else if (digits < item.size())
     Note(ReadEvent::NumberPart, item);
+}
+
+[[noreturn]] void RefuseEqualNodes(const TextScan& text, int element)
+{
+  const std::string_view second = text.WordAround(text.Here());
+  Explain(LinePrefix({second, &text}), FaultOfNumber(second, NumberKind::kWhole));
+  Fatal("error: element: ", element, "  have both nodes equal\n");
 }
 
 }  // namespace
@@ -230,34 +228,41 @@ int Elem::ReadFromAscii(TextScan& text, const VoidPlex* nodePlex, const Units* u
   const int count = Nnode();
   Node** const places = nodes;
   for (int i = 0; i < count; ++i) {
-    if (!text.ReadInt(last))
+    if (!text.ReadInt(last)) {
+      NoteBrokenRecord(from, text, NumberKind::kWhole, count);
       return 0;
+    }
     places[i] = Find<Node>(*nodePlex, last);
     if (i == 0)
       first = last;
   }
-  NoteElementNodes(from, text);
+  NoteValues(from, text, NumberKind::kWhole);
   if (count == 2 && first == last)
-    Fatal("error: element: ", number, "  have both nodes equal\n");
+    RefuseEqualNodes(text, number);
   if (!text.ReadLastNumber(materialNumber))
-    ReadMaterial(UpToNull(text.ReadRestOfLine()), units);
+    ReadMaterial({UpToNull(text.ReadRestOfLine()), &text}, units);
   return 1;
 }
 
-void Elem::ReadMaterial(std::string_view text, const Units* units)
+void Elem::ReadMaterial(const RecordText& record, const Units* units)
 {
-  constexpr const char* kDelimiters = " \t:=";
+  constexpr const char* kWhite = " \t\r\v\f";
+  constexpr const char* kDelimiters = " \t\r\v\f:=";
+  std::string_view text = record.text;
   text.remove_prefix(std::min(text.find_first_not_of(kDelimiters), text.size()));
+  if (text.starts_with('#'))
+    return;
   std::string_view item = text.substr(0, text.find_first_of(kDelimiters));
   text.remove_prefix(std::min(item.size() + 1, text.size()));  // with the delimiter
   NoteMaterialNumber(item);
   ScanInt(item, materialNumber, 0, 0);
-  if (text.find_first_not_of(" \t\r") == std::string_view::npos)
+  const std::size_t tail = text.find_first_not_of(kWhite);
+  if (tail == std::string_view::npos || text[tail] == '#')
     return;
   std::unique_ptr<Material>& own = MakeRare().material;
   own = std::make_unique<Material>();
   own->SetToNegative();
-  own->ReadFromAsciiNoNum(text, units);
+  own->ReadFromAsciiNoNum(record.Part(text), units);
 }
 
 }  // namespace morlen

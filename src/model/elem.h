@@ -18,6 +18,7 @@ class Node;
 class TextScan;
 class Units;
 class VoidPlex;
+struct RecordText;
 
 enum ElemType : int
 {
@@ -136,7 +137,7 @@ private:
   Node** MakePlaces(int n);
   void MoveNodes(Mesh* newMesh, int n);
   void CopyNodesFrom(const Elem& el, int count, int first);
-  void ReadMaterial(std::string_view text, const Units* units);
+  void ReadMaterial(const RecordText& record, const Units* units);
 
   /// Members that few elements need.
   struct Rare

@@ -1,14 +1,13 @@
 #pragma once
 
 #include <iosfwd>
-#include <string_view>
 
 #include "base/constants.h"
+#include "base/textscan.h"
 
 namespace morlen {
 
 class Matriu;
-class TextScan;
 class Units;
 
 /// Elastic constants of a material, which may be orthotropic, and the section values of the
@@ -28,7 +27,7 @@ public:
   int ReadFromAscii(TextScan& stream, const Units* units);
   /// Reads key and value items. Returns 1, or -1 when there is no item, or 0 at a key
   /// without value, where reading stops. Fatal at an unknown key.
-  int ReadFromAsciiNoNum(std::string_view text, const Units* units);
+  int ReadFromAsciiNoNum(const RecordText& record, const Units* units);
 
   /// Makes every value -1 and not given; the angles are not given either.
   void SetToNegative();

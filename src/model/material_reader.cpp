@@ -5,8 +5,10 @@
 
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
+#include "base/record_hint.h"
 #include "base/textscan.h"
 #include "model/material.h"
+#include "model/material_keys.h"
 #include "model/units.h"
 
 namespace morlen {
@@ -18,6 +20,7 @@ struct Widths
 {
   double y = -1.0;
   double z = -1.0;
+  std::string_view key = {};  // the last that gave a width
 };
 
 enum class Match
@@ -89,10 +92,14 @@ bool Matches(const KeyRule& rule, std::string_view key)
   return false;
 }
 
-const KeyRule& RequireRule(std::string_view key)
+// previous: the item before the key, for the hint.
+const KeyRule& RequireRule(const RecordText& word, std::string_view previous)
 {
+  const std::string_view key = word.text;
   const KeyRule* rule = std::find_if(std::begin(kRules), std::end(kRules),
                                      [key](const KeyRule& r) { return Matches(r, key); });
+  if (rule == std::end(kRules) || rule->refusal)
+    Explain(LinePrefix(word), FaultOfMaterialKey(word, previous));
   if (rule == std::end(kRules))
     Fatal("Input of materials not correct. Unknown char: '", key, "'\n");
   if (rule->refusal)
@@ -126,30 +133,41 @@ int Material::ReadFromAscii(TextScan& stream, const Units* units)
 {
   if (!stream.ReadInt(number))
     return 0;
-  ReadFromAsciiNoNum(stream.ReadRestOfLine(), units);
+  NoteNumberEnd(stream.Here(), stream);
+  if (number < 1)
+    ExplainIndex(stream, stream.Here());
+  ReadFromAsciiNoNum({stream.ReadRestOfLine(), &stream}, units);
   return 1;
 }
 
-int Material::ReadFromAsciiNoNum(std::string_view text, const Units* units)
+int Material::ReadFromAsciiNoNum(const RecordText& record, const Units* units)
 {
-  const Units::Ratios ratios = RatiosOfRecord(text, units);
+  const Units::Ratios ratios = RatiosOfRecord(record.text, units);
   Widths widths;
-  ItemScanner items(text);
+  ItemScanner items(record.text);
+  std::string_view previous;
   int result = -1;
   for (std::string_view key = items.Key(); !key.empty(); key = items.Key()) {
     const std::string_view valueText = items.Value();
     result = valueText.empty() ? 0 : 1;
-    if (result == 0)
+    if (result == 0) {
+      Note(ReadEvent::NoValue, key);
       break;
+    }
     const double value = HasPrefix(key, "units") ? 0.0 : NumberOfItem(valueText);
-    if (const int angle = EulerIndex(key); angle >= 0) {
+    if (const int angle = EulerIndex(record.Part(key)); angle >= 0) {
       eulerGiven = 1;
       Euler[angle] = value;
       continue;
     }
-    const KeyRule& rule = RequireRule(key);
+    const KeyRule& rule = RequireRule(record.Part(key), previous);
+    previous = {key.data(), valueText.data() + valueText.size()};
+    if (rule.width)
+      widths.key = key;
     SetItem(rule, value * ratios.Of(rule.forcePower, rule.lengthPower), *this, widths);
   }
+  if ((widths.y < 0.0) != (widths.z < 0.0))
+    Note(ReadEvent::LoneWidth, widths.key);
   if (widths.y > 0.0)
     CalcOtherParametersForRecSec(widths.y, widths.z);
   return result;

@@ -52,8 +52,11 @@ void Mesh::CalcShapeGaussFemv()
   const auto* row = std::find_if(
       std::begin(kFemviewCodes), std::end(kFemviewCodes),
       [this](const FemviewCode& code) { return code.type == elemType && code.nnode == nnode; });
-  if (row == std::end(kFemviewCodes))
+  if (row == std::end(kFemviewCodes)) {
+    Explain("elements of type ", ElemTypeName(elemType), " do not have ", nnode,
+            " nodes: Linear has 2, Triangle 3 or 6, Tetrahedra 4 or 10");
     Fatal("Unknown Femview type\n");
+  }
   fvType = row->code;
 }
 

@@ -87,8 +87,9 @@ public:
   void RestoreNumbers();
 
 private:
+  void ReadHead(TextScan& text);
   void ReadNodes(TextScan& text, double lengthFactor);
-  void RequireAllNumbers(int count) const;
+  void RequireAllNumbers(int count, const TextScan& text, const char* first) const;
   bool ReadNode(TextScan& text, double lengthFactor);
   void StoreNode(std::unique_ptr<Node> node);
   void ReadElems(TextScan& text, const Units* units);

@@ -1,7 +1,12 @@
+#include <algorithm>
 #include <cmath>
+#include <string>
+#include <unordered_map>
 
+#include "base/digits.h"
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
+#include "base/record_hint.h"
 #include "base/textscan.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -12,17 +17,109 @@ namespace morlen {
 
 namespace {
 
+bool HasDigit(std::string_view text)
+{
+  return std::any_of(text.begin(), text.end(), IsDigit);
+}
+
 // The first integer after a keyword; any text between the two is skipped. 0 when the digits do
 // not fit into an int: every caller refuses 0.
 int ReadIntAfter(TextScan& text, const char* keyword)
 {
-  FindThisWord(text, keyword);
-  const char* const from = text.Here();
-  if (!text.FindDigit())
+  const std::string_view found = FindThisWord(text, keyword, HasDigit);
+  if (!FindDigit(text)) {
+    Explain("no number follows '", keyword, "' in line ", text.LineOf(found.data()));
     Fatal("end of file and no digit found\n");
-  Note(ReadEvent::SkippedToNumber, {from, text.Here()});
+  }
   int value = 0;
   return text.ReadInt(value) ? value : 0;
+}
+
+struct TypeWord
+{
+  const char* beginning;
+  ElemType type;
+};
+
+constexpr TypeWord kTypeWords[] = {
+    {"l", Linear}, {"h", Hexahedra}, {"q", Quadrilateral}, {"tr", Triangle}, {"te", Tetrahedra}};
+
+// The type whose name a word begins like; null when there is none.
+const TypeWord* FindTypeWord(std::string_view word)
+{
+  const auto* row = std::find_if(
+      std::begin(kTypeWords), std::end(kTypeWords),
+      [word](const TypeWord& candidate) { return HasPrefix(word, candidate.beginning); });
+  return row == std::end(kTypeWords) ? nullptr : row;
+}
+
+bool IsTypeWord(std::string_view word)
+{
+  return FindTypeWord(word) != nullptr;
+}
+
+// The next word that is neither a delimiter nor in a comment.
+std::string_view ReadWordOfHead(TextScan& text)
+{
+  for (;;) {
+    const std::string_view word = ReadValue(text);
+    if (word.empty() || word[0] != '#')
+      return word;
+    text.SkipLine();
+  }
+}
+
+// Why the numbers of a list of nodes are not 1 to n. The list begins at `first`, and its last
+// record ends at the place reached.
+
+// Where the list ends, when it does not end at "end".
+std::string EndOfList(const TextScan& text)
+{
+  const std::string_view word = text.WordAround(text.Here());
+  if (text.AtEnd())
+    return "the list ends with the file";
+  if (HasPrefix(word, "end"))
+    return {};
+  const std::string fault = FaultOfNumber(word);
+  return LinePrefix({word, &text}) +
+         "the list ends here: " + (fault.empty() ? Quoted(word) + " begins no record" : fault);
+}
+
+std::string MissingNode(const VoidPlex& nodes)
+{
+  for (int number = 1; number <= nodes.Last(); ++number) {
+    if (nodes.free(number))
+      return "node " + std::to_string(number) + " is missing";
+  }
+  return {};
+}
+
+std::string RepeatedNode(const TextScan& text, const char* first, int ndime)
+{
+  TextScan list(std::string_view(first, text.Here()));
+  std::unordered_map<int, int> lines;
+  for (int number = 0; ReadRecordNumber(list, number); list.SkipLine()) {
+    const int line = text.LineOf(list.Here());
+    const auto [known, added] = lines.try_emplace(number, line);
+    if (!added)
+      return "node " + std::to_string(number) + " is given in line " +
+             std::to_string(known->second) + " and in line " + std::to_string(line);
+    double coordinate = 0.0;
+    for (int k = 0; k < ndime; ++k)
+      list.ReadDouble(coordinate);
+  }
+  return {};
+}
+
+std::string FaultOfNodes(const VoidPlex& nodes, const TextScan& text, const char* first, int ndime)
+{
+  std::string fault;
+  for (const std::string& part :
+       {EndOfList(text), MissingNode(nodes), RepeatedNode(text, first, ndime)})
+    fault += (fault.empty() || part.empty() ? "" : "; ") + part;
+  return fault.empty() ? "the meshes before have " + std::to_string(nodes.Last()) +
+                             " nodes: list all of them again, or none"
+                       : fault;
 }
 
 // The ratio of the length units may make a coordinate infinite.
@@ -38,42 +135,46 @@ void RequireFinite(const Node& node)
 
 ElemType FindType(TextScan& text)
 {
-  static const struct
-  {
-    const char* beginning;
-    ElemType type;
-  } words[] = {
-      {"l", Linear}, {"h", Hexahedra}, {"q", Quadrilateral}, {"tr", Triangle}, {"te", Tetrahedra}};
-  const std::string_view word = text.ReadWord();
-  for (const auto& candidate : words) {
-    if (!HasPrefix(word, candidate.beginning))
-      continue;
-    if (!EqualsNoCase(word, ElemTypeName(candidate.type)))
-      Note(ReadEvent::Prefix, word, ElemTypeName(candidate.type));
-    return candidate.type;
+  const std::string_view word = ReadWordOfHead(text);
+  const TypeWord* const row = FindTypeWord(word);
+  if (!row) {
+    Explain("line ", text.LineOf(text.Here()), ": the type of element is '", word,
+            "': 'elemtype Linear' makes beams, Triangle shells, Tetrahedra solids");
+    Fatal("ElemType must be: Linear,Triangle,Quadrilateral, Tetrahedra or Hexahedra\n");
   }
-  Fatal("ElemType must be: Linear,Triangle,Quadrilateral, Tetrahedra or Hexahedra\n");
+  if (!EqualsNoCase(word, ElemTypeName(row->type)))
+    Note(ReadEvent::Prefix, word, ElemTypeName(row->type));
+  return row->type;
+}
+
+void Mesh::ReadHead(TextScan& text)
+{
+  ndime = ReadIntAfter(text, "dimension");
+  if (ndime != 2 && ndime != 3) {
+    Explain("line ", text.LineOf(text.Here()), ": the dimension is ", ndime,
+            "; it is the number of coordinates of a node");
+    Fatal("error: mesh dimension must be 2 or 3\n");
+  }
+  FindThisWord(text, "elemtype", IsTypeWord);
+  elemType = FindType(text);
+  nnode = ReadIntAfter(text, "nnode");
+  CalcShapeGaussFemv();
 }
 
 void Mesh::ReadFromAscii(TextScan& text, const Units* units)
 {
-  ndime = ReadIntAfter(text, "dimension");
-  if (ndime != 2 && ndime != 3)
-    Fatal("error: mesh dimension must be 2 or 3\n");
-  FindThisWord(text, "elemtype");
-  elemType = FindType(text);
-  nnode = ReadIntAfter(text, "nnode");
-  CalcShapeGaussFemv();
-  FindThisWord(text, "coordinates");
+  ReadHead(text);
+  text.EnterBlock(FindThisWord(text, "coordinates"));
   ReadNodes(text, units ? units->MeshLengthRatio() : 1.0);
   FindBlockEnd(text);
-  FindWordAfterBlock(text, "elements");
+  text.EnterBlock(FindWordAfterBlock(text, "elements"));
   ReadElems(text, units);
   SkipBlockEnd(text);
 }
 
 void Mesh::ReadNodes(TextScan& text, double lengthFactor)
 {
+  const char* const first = text.Here();
   int count = 0;
   for (;; ++count) {
     SkipComments(text);
@@ -82,23 +183,30 @@ void Mesh::ReadNodes(TextScan& text, double lengthFactor)
     if (!more)
       break;
   }
-  Attempt(nullptr, [&] { RequireAllNumbers(count); });
+  Attempt(nullptr, [&] { RequireAllNumbers(count, text, first); });
 }
 
-void Mesh::RequireAllNumbers(int count) const
+void Mesh::RequireAllNumbers(int count, const TextScan& text, const char* first) const
 {
-  if (nodes->Last() == 0)
+  if (nodes->Last() == 0) {
+    Explain(EndOfList(text));
     Fatal("error: list of nodes does not contain any node\n");
+  }
   const bool gaps = nodes->Count() != nodes->Last();
-  if (count != 0 && (count != nodes->Last() || gaps))
+  if (count != 0 && (count != nodes->Last() || gaps)) {
+    Explain(FaultOfNodes(*nodes, text, first, ndime));
     Fatal("error: list of nodes does not contain all numbers\n");
+  }
 }
 
 bool Mesh::ReadNode(TextScan& text, double lengthFactor)
 {
   auto node = std::make_unique<Node>(ndime);
+  const char* const record = text.Here();
   if (!node->ReadFromAscii(text))
     return false;
+  if (node->number < 1)
+    ExplainIndex(text, SkipWhite(record, text.Here()));
   *node *= lengthFactor;
   RequireFinite(*node);
   StoreNode(std::move(node));
@@ -131,10 +239,13 @@ void Mesh::ReadElems(TextScan& text, const Units* units)
 bool Mesh::ReadElem(TextScan& text, const Units* units)
 {
   auto elem = std::make_unique<Elem>(this, nullptr);
+  const char* const record = text.Here();
   if (!elem->ReadFromAscii(text, nodes, units))
     return false;
   ownMaterials = ownMaterials || elem->HasOwnMaterial();
   const int number = elem->Num();
+  if (number < 1)
+    ExplainIndex(text, SkipWhite(record, text.Here()));
   const std::unique_ptr<Elem> replaced = Replace(*elems, number, std::move(elem));
   NoteStored(ReadItem::Element, number);
   return true;

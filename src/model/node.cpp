@@ -21,8 +21,10 @@ int Node::ReadFromAscii(TextScan& text)
     return 0;
   const char* const from = text.Here();
   for (double& coordinate : *this) {
-    if (!text.ReadDouble(coordinate))
+    if (!text.ReadDouble(coordinate)) {
+      NoteBrokenRecord(from, text, NumberKind::kReal, Size());
       return 0;
+    }
   }
   NoteRecordEnd(from, text);
   text.SkipLine();

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "base/errorwriter.h"
+#include "base/nearest_word.h"
 #include "base/read_observer.h"
+#include "base/textscan.h"
 
 namespace morlen {
 
@@ -26,6 +29,74 @@ std::string_view AfterUnitsWord(std::string_view line)
   return {};
 }
 
+// Explains a name that is not among those defined. defined: the names, each may occur often.
+void ExplainUndefined(std::string_view name, std::vector<std::string_view> defined)
+{
+  if (defined.empty())
+    return Explain("no unit system is defined yet: the block 'units_names' comes first");
+  std::sort(defined.begin(), defined.end());
+  defined.erase(std::unique(defined.begin(), defined.end()), defined.end());
+  const std::string_view nearest = NearestWord(name, defined);
+  if (EqualsNoCase(nearest, name))
+    return Explain("did you mean '", nearest, "'? Upper and lower case differ");
+  const std::string_view beforeComment = name.substr(0, name.find('#'));
+  if (std::binary_search(defined.begin(), defined.end(), beforeComment))
+    return Explain("a comment needs a blank in front of its '#'");
+  constexpr std::size_t kMost = 8;
+  std::string list;
+  for (std::size_t i = 0; i < std::min(kMost, defined.size()); ++i)
+    list += (i == 0 ? "'" : ", '") + std::string(defined[i]) + "'";
+  if (defined.size() > kMost)
+    list += " and more";
+  if (!nearest.empty())
+    return Explain("did you mean '", nearest, "'? Defined so far: ", list);
+  Explain("defined so far: ", list);
+}
+
+// Names of the first systems of a table, enough for a hint.
+std::vector<std::string_view> NamesOf(const std::vector<UnitsBase>& bases,
+                                      std::string UnitsBase::*name)
+{
+  constexpr std::size_t kEnough = 200;
+  std::vector<std::string_view> names;
+  for (std::size_t i = 0; i < std::min(kEnough, bases.size()); ++i)
+    names.push_back(bases[i].*name);
+  return names;
+}
+
+// The first unit system that has this name for one of its units; null when there is none.
+const UnitsBase* FindUnit(const std::vector<UnitsBase>& bases, std::string UnitsBase::*unit,
+                          std::string_view name)
+{
+  const auto found = std::find_if(bases.begin(), bases.end(),
+                                  [&](const UnitsBase& base) { return base.*unit == name; });
+  return found == bases.end() ? nullptr : &*found;
+}
+
+void ExplainUndefinedSystem(std::string_view name, const std::vector<UnitsBase>& bases)
+{
+  const std::pair<std::string UnitsBase::*, const char*> units[] = {
+      {&UnitsBase::nameM, "length"},
+      {&UnitsBase::nameN, "force"},
+      {&UnitsBase::namePa, "pressure"}};
+  for (const auto& [unit, kind] : units) {
+    if (const UnitsBase* base = FindUnit(bases, unit, name))
+      return Explain("'", name, "' is the ", kind, " unit of the system '", base->name,
+                     "': a system is named here");
+  }
+  ExplainUndefined(name, NamesOf(bases, &UnitsBase::name));
+}
+
+void ExplainUndefinedLength(std::string_view name, const UnitsBase* system,
+                            const std::vector<UnitsBase>& bases)
+{
+  if (system)
+    Explain("'", name, "' is a unit system: units_mesh takes its length unit, '", system->nameM,
+            "'");
+  else
+    ExplainUndefined(name, NamesOf(bases, &UnitsBase::nameM));
+}
+
 }  // namespace
 
 bool IsFactor(double size)
@@ -45,8 +116,10 @@ double Units::Ratios::Of(int forcePower, int lengthPower) const
 
 Units::Ratios Units::RatiosOf(const UnitsBase& given) const
 {
-  if (!IsFactor(given.facN) || !IsFactor(given.facM))
+  if (!IsFactor(given.facN) || !IsFactor(given.facM)) {
+    Explain("its sizes in 'units_names' are ", given.facN, " and ", given.facM);
     Fatal("error: Unit name '", given.name, "' must have two positive numbers\n");
+  }
   return {given.facN / resForce, given.facM / resLength};
 }
 
@@ -59,39 +132,50 @@ void Units::AddUnitsBase(const UnitsBase* list, int n)
   std::inplace_merge(bases.begin(), added, bases.end(), Precedes);
 }
 
-const UnitsBase* Units::GiveUnitsBase(std::string_view name) const
+const UnitsBase* Units::FindUnitsBase(std::string_view name) const
 {
-  constexpr std::size_t kTooLong = 20;
-  if (name.size() >= kTooLong)
-    Fatal("error: Unit name '", name, "' is too long\n");
   const auto found =
       std::lower_bound(bases.begin(), bases.end(), name,
                        [](const UnitsBase& base, std::string_view key) { return base.name < key; });
-  if (found == bases.end() || found->name != name)
+  return found == bases.end() || found->name != name ? nullptr : &*found;
+}
+
+const UnitsBase* Units::GiveUnitsBase(std::string_view name) const
+{
+  if (name.size() > UnitsBase::kLongestName) {
+    Explain("it has ", name.size(), " characters; names of unit systems have up to ",
+            UnitsBase::kLongestName);
+    Fatal("error: Unit name '", name, "' is too long\n");
+  }
+  const UnitsBase* const found = FindUnitsBase(name);
+  if (!found) {
+    ExplainUndefinedSystem(name, bases);
     Fatal("error: Unit name '", name, "' has not been previously defined\n");
+  }
   Note(ReadEvent::UnitsUsed, found->name);
-  return &*found;
+  return found;
 }
 
 const UnitsBase* Units::GiveUnitsBaseFromLine(std::string_view line) const
 {
   constexpr std::size_t kLongest = 99;
-  std::string_view name = AfterUnitsWord(line);
-  const std::size_t start = name.find_first_not_of(" =:\r\n");
+  std::string_view name = AfterUnitsWord(BeforeComment(line));
+  const std::size_t start = name.find_first_not_of(" \t=:\r\n\v\f");
   if (start == std::string_view::npos)
     return nullptr;
   name = name.substr(start, kLongest);
-  return GiveUnitsBase(name.substr(0, name.find_first_of(" \r\n")));
+  return GiveUnitsBase(name.substr(0, name.find_first_of(" \t\r\n\v\f")));
 }
 
 const UnitsBase* Units::GiveUnitsBaseFromLength(std::string_view name) const
 {
-  const auto found = std::find_if(bases.begin(), bases.end(),
-                                  [name](const UnitsBase& base) { return base.nameM == name; });
-  if (found == bases.end())
+  const UnitsBase* const found = FindUnit(bases, &UnitsBase::nameM, name);
+  if (!found) {
+    ExplainUndefinedLength(name, FindUnitsBase(name), bases);
     Fatal("error: Unit length name '", name, "' has not been previously defined\n");
+  }
   Note(ReadEvent::UnitsUsed, found->name);
-  return &*found;
+  return found;
 }
 
 }  // namespace morlen

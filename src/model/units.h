@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,10 @@ namespace morlen {
 /// systems of a file, so that only their ratios matter.
 struct UnitsBase
 {
+  static constexpr std::size_t kLongestName = 20;  ///< characters of every name in a problem file
+
+  bool operator==(const UnitsBase&) const = default;
+
   std::string name = {};    ///< key of the table
   std::string nameN = {};   ///< force unit
   std::string nameM = {};   ///< length unit
@@ -42,14 +47,17 @@ public:
   };
 
   /// Adds n unit systems and keeps the table sorted. Equal names are allowed; a look-up finds
-  /// any of them.
+  /// any of them. The reader of problem files refuses equal names with different contents.
   void AddUnitsBase(const UnitsBase* list, int n);
 
-  /// The unit system of this name; never null. Fatal when it is not defined, and when
-  /// the name has 20 characters or more.
+  /// The unit system of this name; null when it is not defined.
+  const UnitsBase* FindUnitsBase(std::string_view name) const;
+  /// The same; never null. Fatal when it is not defined, and when the name has more than
+  /// UnitsBase::kLongestName characters.
   const UnitsBase* GiveUnitsBase(std::string_view name) const;
-  /// The unit system named after the first "units" of a line (else the first "Units", else
-  /// "UNITS"); null when there is no such word or nothing follows it.
+  /// The unit system named after the first "units" of a record's items (else the first "Units",
+  /// else "UNITS"); null when there is no such word or nothing follows it. A comment is not
+  /// searched.
   const UnitsBase* GiveUnitsBaseFromLine(std::string_view line) const;
   /// The first unit system whose length unit has this name; fatal when there is none.
   const UnitsBase* GiveUnitsBaseFromLength(std::string_view name) const;

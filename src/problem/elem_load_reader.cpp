@@ -6,12 +6,12 @@
 #include <string>
 
 #include "base/errorwriter.h"
-#include "base/read_observer.h"
 #include "base/textscan.h"
 #include "numeric/plex_range.h"
 #include "problem/elem_loads.h"
 #include "problem/pressure_load.h"
 #include "problem/problem.h"
+#include "problem/record_items.h"
 
 namespace morlen {
 
@@ -67,11 +67,10 @@ void Attach(VoidPlex& elemLoads, int number, std::unique_ptr<BaseElemLoads> load
 
 void ReadOneLoad(TextScan& text, int number, std::unique_ptr<BaseElemLoads> load, Problem& problem)
 {
-  const Elem* elem = problem.GiveElem(number);
-  if (!elem)
-    Fatal("error: trying to assign load to element number ", number, " and it does not exist\n");
-  load->ReadYourLoad(number, problem.problemType, UpToNull(text.ReadRestOfLine()), problem.units,
-                     elem->ElemType());
+  const Elem& elem =
+      RequireElem(problem, number, text, "error: trying to assign load to element number ");
+  load->ReadYourLoad(number, problem.problemType, {UpToNull(text.ReadRestOfLine()), &text},
+                     problem.units, elem.ElemType());
   Attach(problem.elemLoads, number, std::move(load));
 }
 
@@ -82,10 +81,7 @@ bool ReadElemLoad(TextScan& text, std::string_view word, Problem& problem)
   const MakeLoad make = FindLoadType(word);
   if (!make)
     return false;
-  // The block has no comments: a '#' is a word that is not a number and so ends it.
-  for (int number = 0; text.ReadInt(number);)
-    Attempt(&text, [&] { ReadOneLoad(text, number, make(), problem); });
-  SkipBlockEnd(text);
+  ReadRecords(text, [&](int number) { ReadOneLoad(text, number, make(), problem); });
   return true;
 }
 

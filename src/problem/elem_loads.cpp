@@ -5,6 +5,7 @@
 #include "base/errorwriter.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "base/record_hint.h"
 #include "problem/beam_span.h"
 
 namespace morlen {
@@ -24,11 +25,15 @@ void BaseElemLoads::Append(std::unique_ptr<BaseElemLoads> load)
   last = added;
 }
 
-void TemperatureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE, std::string_view text, const Units&,
-                                 ElemType)
+void TemperatureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE, const RecordText& record,
+                                 const Units&, ElemType)
 {
-  if (!ScanDouble(text, values[0]) || !ScanDouble(text, values[1]))
+  std::string_view text = record.text;
+  if (!ScanDouble(text, values[0]) || !ScanDouble(text, values[1])) {
+    ExplainNumbers(record, {.values = 2});
     Fatal("Not reading correctly temperature_loads. ElemNum=", elemNumber, "\n");
+  }
+  NoteNumbers({record.text.data(), text.data()}, text);
   Note(ReadEvent::LineTail, text);
 }
 

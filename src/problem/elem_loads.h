@@ -3,10 +3,10 @@
 #include <array>
 #include <memory>
 #include <optional>
-#include <string_view>
 
 #include "base/constants.h"
 #include "base/object_pool.h"
+#include "base/textscan.h"
 #include "model/elem.h"
 
 namespace morlen {
@@ -38,7 +38,7 @@ public:
   virtual ~BaseElemLoads();
 
   /// Reads the values from the rest of a record and converts them to the units of the results.
-  virtual void ReadYourLoad(int elemNumber, PROBLEMTYPE type, std::string_view text,
+  virtual void ReadYourLoad(int elemNumber, PROBLEMTYPE type, const RecordText& record,
                             const Units& units, ElemType elemType) = 0;
 
   /// Adds the load to the sum of the loads on a beam.
@@ -67,7 +67,7 @@ private:
 class TemperatureLT : public BaseElemLoads, public Pooled<TemperatureLT>
 {
 public:
-  void ReadYourLoad(int elemNumber, PROBLEMTYPE type, std::string_view text, const Units& units,
+  void ReadYourLoad(int elemNumber, PROBLEMTYPE type, const RecordText& record, const Units& units,
                     ElemType elemType) override;
   void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const override;
   /// Fatal: beams only.

@@ -1,12 +1,15 @@
 #include "problem/hinges.h"
 
+#include <algorithm>
 #include <memory>
 #include <string_view>
 #include <vector>
 
+#include "base/digits.h"
 #include "base/errorwriter.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "base/record_hint.h"
 #include "base/textscan.h"
 #include "model/constraint.h"
 #include "model/elem.h"
@@ -20,29 +23,44 @@ namespace morlen {
 
 namespace {
 
-void ReadNodeHinge(TextScan& text, int number, Node* node, bool& hasHinges)
+// Any words may follow the number. Another number is probably a node that is lost.
+void NoteMoreNodes(std::string_view tail)
 {
-  if (!node)
-    Fatal("error: Trying to assign rotule to unknown node\n");
-  node->hasRotule = true;
-  hasHinges = true;
-  if (text.ReadRestOfLine().empty())
-    Fatal("Not reading correctly the rotules. Number=", number, "\n");
+  const std::size_t word = tail.find_first_not_of(" \t,;");
+  if (word != std::string_view::npos && IsDigit(tail[word]))
+    Note(ReadEvent::LineTail, tail);
 }
 
-HingeCode ReadHingeCode(TextScan& text, int number, const Elem* elem)
+void ReadNodeHinge(TextScan& text, int number, Node& node, bool& hasHinges)
 {
-  if (!elem)
-    Fatal("error: trying to assign a rotule to element number ", number,
-          " and it does not exist\n");
-  const std::string_view line = text.ReadRestOfLine();
-  if (line.empty())
+  node.hasRotule = true;
+  hasHinges = true;
+  if (text.AtEnd()) {
+    Explain("the file ends after the node: a line 'end rotules' is missing");
+    Fatal("Not reading correctly the rotules. Number=", number, "\n");
+  }
+  NoteMoreNodes(text.ReadRestOfLine());
+}
+
+constexpr const char* kCodes =
+    "the code has a digit for each end of the beam, 1 continuous and 0 hinged: 11, 10, 01 or 00";
+
+HingeCode ReadHingeCode(TextScan& text, int number)
+{
+  if (text.AtEnd()) {
+    Explain("the file ends after the number of the element: ", kCodes);
     Fatal("Not reading correctly the rotules -a-. Number=", number, "\n");
+  }
   int code = 0;
-  std::string_view tail = UpToNull(line);
-  if (!ScanInt(tail, code, 10, 2))
+  const RecordText record(UpToNull(text.ReadRestOfLine()), &text);
+  std::string_view tail = record.text;
+  const bool isRead = ScanInt(tail, code, 10, 2);
+  if (!isRead || !HingeCode::IsValid(code))
+    Explain(LinePrefix(record), kCodes);
+  if (!isRead)
     Fatal("Not reading correctly the rotules -b-. Number=", number, "\n");
-  Note(ReadEvent::LineTail, tail);
+  NoteNumberEnd(tail.data(), text);
+  Note(ReadEvent::LineTail, tail.substr(std::min(tail.find_first_of(" \t\r"), tail.size())));
   if (!HingeCode::IsValid(code))
     Fatal("error: hinge code of element ", number, " must be 11, 10, 01 or 00\n");
   return HingeCode(code);
@@ -88,14 +106,17 @@ void MergeMesh(const Mesh& mesh, HingeCodes& codes, std::vector<bool>& held)
 void ReadNodeHinges(TextScan& text, Problem& problem)
 {
   ReadRecords(text, [&](int number) {
-    ReadNodeHinge(text, number, problem.FindNode(number), problem.hasHinges);
+    Node& node =
+        RequireNode(problem, number, text, "error: Trying to assign rotule to unknown node\n");
+    ReadNodeHinge(text, number, node, problem.hasHinges);
   });
 }
 
 void ReadElementHinges(TextScan& text, Problem& problem)
 {
   ReadRecords(text, [&](int number) {
-    const HingeCode code = ReadHingeCode(text, number, problem.GiveElem(number));
+    RequireElem(problem, number, text, "error: trying to assign a rotule to element number ");
+    const HingeCode code = ReadHingeCode(text, number);
     problem.hingeCodes[number] = code;
     problem.hasHinges = true;
   });

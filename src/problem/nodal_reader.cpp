@@ -5,9 +5,11 @@
 #include <memory>
 #include <string_view>
 
+#include "base/digits.h"
 #include "base/errorwriter.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "base/record_hint.h"
 #include "base/textscan.h"
 #include "model/constraint.h"
 #include "model/nodal_load.h"
@@ -40,49 +42,86 @@ bool ScanValues(std::string_view& text, int n, double* values)
   return true;
 }
 
-void ReadConstraint(TextScan& text, int number, Node* node, const NodeComponents& components,
+// Notes a value other than 0 at each free component, and flags without a blank after them. values:
+// the record after its flags; tail: the record after its values.
+void NoteSupport(const TextScan& text, const int* flags, int n, std::string_view values,
+                 std::string_view tail)
+{
+  if (!readObserver)
+    return;
+  if (!IsWhite(values[0]))
+    Note(ReadEvent::GluedValue, text.WordAround(values.data()));
+  NoteNumbers({values.data(), tail.data()}, tail);
+  for (int i = 0; i < n; ++i) {
+    values.remove_prefix(values.find_first_not_of(" \t\r\v\f"));
+    const char* const start = values.data();
+    double value = 0.0;
+    ScanDouble(values, value);
+    if (flags[i] == Constraint::kFree && value != 0.0)
+      Note(ReadEvent::FreeValue, {start, values.data()});
+  }
+}
+
+[[noreturn]] void RefuseConstraint(const RecordText& record, int n, int number)
+{
+  ExplainNumbers(record, {.flags = n, .values = n});
+  Fatal(n == 3 ? "Not reading correctly the constraints. Number="
+               : "Not reading correctly the constraints. -A- Number=",
+        number, "\n");
+}
+
+void ReadConstraint(TextScan& text, int number, Node& node, const NodeComponents& components,
                     const Units& units)
 {
   const int n = components.count;
-  if (!node)
-    Fatal("error: Trying to assign constrain to unknown node\n");
   int flags[kMaxComponents] = {};
   double values[kMaxComponents] = {};
-  std::string_view tail = UpToNull(text.ReadRestOfLine());
-  if (!ScanFlags(tail, n, flags) || !ScanValues(tail, n, values))
-    Fatal(n == 3 ? "Not reading correctly the constraints. Number="
-                 : "Not reading correctly the constraints. -A- Number=",
-          number, "\n");
-  const RecordItems items = ReadRecordItems(
-      tail, units, AngleItems::kRead, "Not reading correctly the constraints. -B- Number=", number);
-  if (!node->constraint)
-    node->constraint = std::make_unique<Constraint>(components);
-  node->constraint->EnterValuesAndFlags(flags, values, n, items.ratios.force, items.ratios.length);
+  const RecordText record(UpToNull(text.ReadRestOfLine()), &text);
+  std::string_view tail = record.text;
+  if (!ScanFlags(tail, n, flags))
+    RefuseConstraint(record, n, number);
+  const std::string_view afterFlags = tail;
+  if (!ScanValues(tail, n, values))
+    RefuseConstraint(record, n, number);
+  NoteSupport(text, flags, n, afterFlags, tail);
+  const RecordItems items =
+      ReadRecordItems(record.Part(tail), units, AngleItems::kRead,
+                      "Not reading correctly the constraints. -B- Number=", number);
+  if (!node.constraint)
+    node.constraint = std::make_unique<Constraint>(components);
+  node.constraint->EnterValuesAndFlags(flags, values, n, items.ratios.force, items.ratios.length);
   if (items.anglesGiven)
-    node->constraint->EnterEulerAngles(items.angles);
+    node.constraint->EnterEulerAngles(items.angles);
   NoteStored(ReadItem::Support, number);
 }
 
-void ReadNodalLoad(TextScan& text, int number, Node* node, const NodeComponents& components,
+[[noreturn]] void RefuseLoad(const RecordText& record, const char* message, int n, int number)
+{
+  ExplainNumbers(record, {.values = n});
+  Fatal(message, number, "\n");
+}
+
+void ReadNodalLoad(TextScan& text, int number, Node& node, const NodeComponents& components,
                    const Units& units)
 {
   const int n = components.count;
-  if (!node)
-    Fatal("error: Trying to assign Load to unknown node\n");
   double values[kMaxComponents] = {};
   const std::string_view line = text.ReadRestOfLine();
+  const RecordText record(UpToNull(line), &text);
   if (line.empty())
-    Fatal("Not reading correctly the loads A. Number=", number, "\n");
-  std::string_view tail = UpToNull(line);
+    RefuseLoad(record, "Not reading correctly the loads A. Number=", n, number);
+  std::string_view tail = record.text;
   if (!ScanValues(tail, n, values))
-    Fatal(n == 3 ? "Not reading correctly the loads B. Number="
-                 : "Not reading correctly the loads C. Number=",
-          number, "\n");
-  const RecordItems items = ReadRecordItems(tail, units, AngleItems::kIgnored,
+    RefuseLoad(record,
+               n == 3 ? "Not reading correctly the loads B. Number="
+                      : "Not reading correctly the loads C. Number=",
+               n, number);
+  NoteNumbers({record.text.data(), tail.data()}, tail);
+  const RecordItems items = ReadRecordItems(record.Part(tail), units, AngleItems::kIgnored,
                                             "Not reading correctly the loads. -D- Number=", number);
-  if (!node->load)
-    node->load = std::make_unique<Load>(components);
-  node->load->AddValues(values, n, items.ratios.force, items.ratios.length);
+  if (!node.load)
+    node.load = std::make_unique<Load>(components);
+  node.load->AddValues(values, n, items.ratios.force, items.ratios.length);
 }
 
 }  // namespace
@@ -90,14 +129,18 @@ void ReadNodalLoad(TextScan& text, int number, Node* node, const NodeComponents&
 void ReadConstraints(TextScan& text, Problem& problem)
 {
   ReadRecords(text, [&](int number) {
-    ReadConstraint(text, number, problem.FindNode(number), problem.components, problem.units);
+    Node& node =
+        RequireNode(problem, number, text, "error: Trying to assign constrain to unknown node\n");
+    ReadConstraint(text, number, node, problem.components, problem.units);
   });
 }
 
 void ReadNodalLoads(TextScan& text, Problem& problem)
 {
   ReadRecords(text, [&](int number) {
-    ReadNodalLoad(text, number, problem.FindNode(number), problem.components, problem.units);
+    Node& node =
+        RequireNode(problem, number, text, "error: Trying to assign Load to unknown node\n");
+    ReadNodalLoad(text, number, node, problem.components, problem.units);
   });
 }
 

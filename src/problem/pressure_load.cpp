@@ -4,8 +4,11 @@
 #include <cmath>
 #include <string>
 
+#include "base/digits.h"
 #include "base/errorwriter.h"
 #include "base/number_text.h"
+#include "base/read_observer.h"
+#include "base/record_hint.h"
 #include "model/euler.h"
 #include "model/node.h"
 #include "model/units.h"
@@ -18,30 +21,69 @@ namespace morlen {
 
 namespace {
 
-// The numbers of a record: an optional face index, then `least` to `most` values.
+// The numbers of a record: a face index or none, then `least` to `most` values.
 struct RecordShape
 {
   bool withFace;
   int least, most;
+  bool strict = false;  // white space follows the face, and no number the values
 };
+
+// Notes words that are no numbers as a whole. read: the numbers of the record; tail: what follows.
+void NoteNumbersOf(const RecordShape& shape, std::string_view read, std::string_view tail)
+{
+  if (!readObserver)
+    return;
+  if (shape.withFace) {
+    const char* const end = tail.data() + tail.size();
+    const char* const face = SkipWhite(read.data(), end);
+    const char* const stop = std::find_if(face, end, IsWhite);
+    NoteNumber({face, stop}, NumberKind::kWhole);
+    read = {stop, read.data() + read.size()};
+  }
+  NoteNumbers(read, tail);
+}
+
+bool BeginsWithNumber(std::string_view text)
+{
+  double number = 0.0;
+  return ScanDouble(text, number);
+}
 
 bool ScanRecord(std::string_view& text, const RecordShape& shape, double* values, int& face)
 {
   std::string_view rest = text;
   if (shape.withFace && !ScanInt(rest, face, 0, 0))
     return false;
+  if (shape.withFace && shape.strict && !rest.empty() && !IsWhite(rest[0]))
+    return false;
   int given = 0;
   while (given < shape.most && ScanDouble(rest, values[given]))
     ++given;
   if (given < shape.least)
     return false;
+  if (!shape.withFace && shape.strict && BeginsWithNumber(rest))
+    return false;
+  NoteNumbersOf(shape, {text.data(), rest.data()}, rest);
   text = rest;
   return true;
+}
+
+// A load on a solid in a file with a 2d header: face and three numbers, else the two numbers of a
+// load in the plane, which acts over the volume.
+bool ScanSolidInPlane(std::string_view& text, double* values, int& face)
+{
+  if (ScanRecord(text, {.withFace = true, .least = 3, .most = 3, .strict = true}, values, face))
+    return true;
+  face = -1;
+  return ScanRecord(text, {.withFace = false, .least = 2, .most = 2, .strict = true}, values, face);
 }
 
 bool ScanNumbers(std::string_view& text, PROBLEMTYPE problem, ElemType elemType,
                  PreassureLT_type type, int elemNumber, double* values, int& face)
 {
+  if (elemType == Tetrahedra && problem == kPlane)
+    return ScanSolidInPlane(text, values, face);
   if (elemType == Tetrahedra)
     return ScanRecord(text, {true, 3, 3}, values, face);
   if (problem == kPlane)
@@ -56,6 +98,22 @@ bool ScanNumbers(std::string_view& text, PROBLEMTYPE problem, ElemType elemType,
     return true;
   face = -1;
   return ScanRecord(text, {false, 3, 3}, values, face);
+}
+
+// What a record must hold, for the hint.
+RecordForm FormOf(PROBLEMTYPE problem, ElemType elemType, PreassureLT_type type)
+{
+  if (elemType == Tetrahedra && problem == kPlane)
+    return {.withFace = true,
+            .values = 3,
+            .content = "the index of a face and 3 values, or 2 values over the volume,"};
+  if (elemType == Tetrahedra)
+    return {.withFace = true, .values = 3};
+  if (problem == kPlane)
+    return {.values = 2};
+  if (type == PreassureLT_type::Face)
+    return {.values = 3, .content = "3 values, or the index of an edge and 3 values,"};
+  return {.values = 3};
 }
 
 // The factor for a force per length or per area. A load per volume of a solid gets the factor of an
@@ -93,13 +151,16 @@ bool LeavesPlane(const double* force)
 
 }  // namespace
 
-void PreassureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE problem, std::string_view text,
+void PreassureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE problem, const RecordText& record,
                                const Units& units, ElemType elemType)
 {
-  if (!ScanNumbers(text, problem, elemType, type, elemNumber, values, face))
+  std::string_view text = record.text;
+  if (!ScanNumbers(text, problem, elemType, type, elemNumber, values, face)) {
+    ExplainNumbers(record, FormOf(problem, elemType, type));
     Fatal("Not reading correctly preassure_loads. ElemNum=", elemNumber, "\n");
+  }
   const RecordItems items =
-      ReadRecordItems(text, units, AngleItems::kRead,
+      ReadRecordItems(record.Part(text), units, AngleItems::kRead,
                       "Not reading correctly the preassure_loads. ElemNum=", elemNumber);
   if (items.anglesGiven) {
     Matriu T;

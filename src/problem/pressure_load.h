@@ -28,8 +28,8 @@ class PreassureLT : public BaseElemLoads, public Pooled<PreassureLT>
 public:
   explicit PreassureLT(PreassureLT_type loadType) : type(loadType) {}
 
-  void ReadYourLoad(int elemNumber, PROBLEMTYPE problem, std::string_view text, const Units& units,
-                    ElemType elemType) override;
+  void ReadYourLoad(int elemNumber, PROBLEMTYPE problem, const RecordText& record,
+                    const Units& units, ElemType elemType) override;
   void AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const override;
   void AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, ReaVecV& loads) const override;
   void AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const override;

@@ -13,11 +13,27 @@
 
 namespace morlen {
 
+namespace {
+
+[[noreturn]] void RefuseMaterial(const Elem& elem, const VoidPlex& materials)
+{
+  if (elem.GiveMaterialNum() == 0)
+    Explain("no material number follows the nodes of element ", elem.Num());
+  else if (materials.Count() == 0)
+    Explain("the file has no materials");
+  else
+    Explain("the element has material ", elem.GiveMaterialNum(), ", and the last material is ",
+            materials.Last());
+  Fatal("error: Material in element: ", elem.Num(), " doesn't exist\n");
+}
+
+}  // namespace
+
 Material& RequireMaterial(const Elem& elem, const VoidPlex& materials)
 {
   Material* material = elem.GiveMaterial(&materials);
   if (!material)
-    Fatal("error: Material in element: ", elem.Num(), " doesn't exist\n");
+    RefuseMaterial(elem, materials);
   return *material;
 }
 

@@ -3,8 +3,10 @@
 #include "problem/problem_reader.h"
 
 #include <algorithm>
-#include <cmath>
+#include <optional>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "base/errorwriter.h"
 #include "base/large_memory.h"
@@ -16,10 +18,13 @@
 #include "model/node.h"
 #include "numeric/plex_range.h"
 #include "problem/elem_load_reader.h"
+#include "problem/foreign_file.h"
 #include "problem/hinges.h"
+#include "problem/keyword_hint.h"
 #include "problem/nodal_reader.h"
 #include "problem/problem.h"
 #include "problem/settings_reader.h"
+#include "problem/units_reader.h"
 
 namespace morlen {
 
@@ -42,7 +47,7 @@ std::size_t BytesAhead(std::streambuf& in)
   return static_cast<std::size_t>(end - here);
 }
 
-// A read error (a folder, a faulty disk) counts as the end of the file.
+// A read error (a faulty disk) counts as the end of the file.
 Content ReadWholeStream(std::ifstream& in)
 {
   Content content;
@@ -67,42 +72,96 @@ Content ReadWholeStream(std::ifstream& in)
   Fatal("error: node ", node, " has a z coordinate in a 2d problem\n");
 }
 
-// The value of a keyword: the rest `glued` of the keyword's word, or else the next word that has
-// more than the characters ' ', '=' and ':'.
-std::string ReadValue(TextScan& text, std::string_view glued)
-{
-  constexpr const char* kSkipped = " =:";
-  for (std::string_view rest = glued;; rest = text.ReadWord()) {
-    const std::size_t start = rest.find_first_not_of(kSkipped);
-    if (start != std::string_view::npos)
-      return std::string(rest.substr(start));
-    if (text.AtEnd())
-      return {};
-  }
-}
-
 // Notes a word that continues after the keyword `name` with anything but '=', ':' or the number
 // that is its value.
-void NoteGlued(std::string_view word, std::string_view name, bool takesValue)
+void NoteGlued(std::string_view word, std::string_view name)
 {
-  const std::string_view glued = word.substr(name.size());
   constexpr std::string_view kEnds = "=:+-.0123456789";
-  if (!glued.empty() && kEnds.substr(0, takesValue ? kEnds.size() : 2).find(glued[0]) == kEnds.npos)
+  const std::string_view glued = word.substr(name.size());
+  if (!glued.empty() && kEnds.find(glued[0]) == kEnds.npos)
     Note(ReadEvent::Prefix, word, name);
+}
+
+bool IsProblemType(std::string_view word)
+{
+  return EqualsNoCase(word, "2d") || EqualsNoCase(word, "3d") || EqualsNoCase(word, "reticulat");
+}
+
+// The word in the place of the problem's type. A word in a comment counts only when no type
+// follows the comment.
+std::string_view ReadTypeWord(TextScan& text)
+{
+  TextScan ahead = text;
+  std::string_view word = ReadValue(ahead);
+  const bool comment = word.starts_with('#');
+  while (word.starts_with('#')) {
+    ahead.SkipLine();
+    word = ReadValue(ahead);
+  }
+  if (!comment || IsProblemType(word)) {
+    text = ahead;
+    return word;
+  }
+  const std::string_view glued = ReadValue(text).substr(1);
+  const std::string_view inComment = glued.empty() ? text.ReadWord() : glued;
+  Note(ReadEvent::WordInComment, inComment, "type");
+  return inComment;
+}
+
+// Explains why the text has no header.
+void ExplainHeader(const TextScan& text)
+{
+  const std::string foreign = JudgeForeignFile(text.WholeText());
+  if (!foreign.empty())
+    Explain(foreign);
+  else
+    Explain("a problem file begins with 'problem type: 2d' or 'problem type: 3d'");
+}
+
+// The word of the header that contains `word`.
+std::string_view FindHeaderWord(TextScan& text, const char* word, IsValue isValue)
+{
+  const std::string_view found = SearchWord(text, word, isValue);
+  if (!found.empty())
+    return found;
+  ExplainHeader(text);
+  FailSearch(text, word);
+}
+
+// Explains the word `type` in the place of the type, which follows the word `found`.
+void ExplainType(const TextScan& text, std::string_view found, std::string_view type)
+{
+  const std::string line = "line " + std::to_string(text.LineOf(found.data())) + ": ";
+  if (!JudgeForeignFile(text.WholeText()).empty())
+    ExplainHeader(text);
+  else if (HasPrefix(found, "type"))
+    Explain(line, "the type is '", type, "'; write 'problem type: 2d' or 'problem type: 3d'");
+  else
+    Explain(line, "'", found, "' is taken for the word 'type' of the header, which is missing: ",
+            "'problem type: 2d' or 'problem type: 3d'");
+}
+
+// A mark that some editors put in front of a text.
+void SkipByteOrderMark(TextScan& text)
+{
+  constexpr std::string_view kMark = "\xef\xbb\xbf";
+  if (text.TextAhead().starts_with(kMark))
+    text.GoTo(text.Here() + kMark.size());
 }
 
 PROBLEMTYPE ReadHeader(TextScan& text)
 {
-  FindThisWord(text, "problem");
-  FindThisWord(text, "type");
-  text.TakeOutSpaces();
-  std::string_view word = text.ReadWord();
+  SkipByteOrderMark(text);
+  FindHeaderWord(text, "problem", [](std::string_view glued) { return HasPrefix(glued, "type"); });
+  const std::string_view found = FindHeaderWord(text, "type", IsProblemType);
+  std::string_view word = ReadTypeWord(text);
   if (EqualsNoCase(word, "reticulat"))
-    word = text.ReadWord();
+    word = ReadTypeWord(text);
   if (EqualsNoCase(word, "2d"))
     return kPlane;
   if (EqualsNoCase(word, "3d"))
     return kSpace;
+  ExplainType(text, found, word);
   Fatal("Type of problem unknown. Only 2d and 3d\n");
 }
 
@@ -124,13 +183,23 @@ void ReadMesh(TextScan& text, Problem& problem)
     problem.components = kSolidComponents;
 }
 
+// Off restores the default only when this output is on.
+template <StressOutput output>
+void SetStressOutput(Problem& problem, bool on)
+{
+  if (on)
+    problem.stressOutput = output;
+  else if (problem.stressOutput == output)
+    problem.stressOutput = StressOutput::Local;
+}
+
 struct Keyword
 {
   const char* name;
   void (*readBlock)(TextScan&, Problem&) = nullptr;  ///< the whole word must match
   /// Reads a keyword with a value, which may be glued to the word.
   void (*readValue)(TextScan&, const std::string&, Problem&) = nullptr;
-  void (*set)(Problem&) = nullptr;  ///< for a keyword without a value
+  void (*set)(Problem&, bool on) = nullptr;  ///< for a switch
   ReadTopic topic = ReadTopic::Other;
 };
 
@@ -139,10 +208,9 @@ constexpr Keyword kKeywords[] = {
     {.name = "units_mesh", .readValue = ReadUnitsMesh},
     {.name = "units_mat_and_load", .readValue = ReadUnitsMatAndLoad},
     {.name = "units_res", .readValue = ReadUnitsRes},
-    {.name = "ConvertTo6Nodes", .set = [](Problem& p) { p.convertTo6Nodes = true; }},
-    {.name = "MainStresses", .set = [](Problem& p) { p.stressOutput = StressOutput::Main; }},
-    {.name = "MainAndLocalStresses",
-     .set = [](Problem& p) { p.stressOutput = StressOutput::MainAndLocal; }},
+    {.name = "ConvertTo6Nodes", .set = [](Problem& p, bool on) { p.convertTo6Nodes = on; }},
+    {.name = "MainStresses", .set = SetStressOutput<StressOutput::Main>},
+    {.name = "MainAndLocalStresses", .set = SetStressOutput<StressOutput::MainAndLocal>},
     {.name = "NumOfDivisions", .readValue = ReadNumOfDivisions},
     {.name = "DoSmoothing", .readValue = ReadDoSmoothing},
     {.name = "CoplanarityAngle", .readValue = ReadCoplanarityAngle},
@@ -156,38 +224,89 @@ constexpr Keyword kKeywords[] = {
     {.name = "elem_rotules", .readBlock = ReadElementHinges},
 };
 
+// What the value of a switch says; nothing for other words.
+std::optional<bool> SwitchValue(std::string_view word)
+{
+  constexpr std::string_view kOff[] = {"0", "no", "false", "off"};
+  constexpr std::string_view kOn[] = {"1", "yes", "true", "on"};
+  const auto isWord = [word](std::string_view known) { return EqualsNoCase(word, known); };
+  if (std::any_of(std::begin(kOff), std::end(kOff), isWord))
+    return false;
+  if (std::any_of(std::begin(kOn), std::end(kOn), isWord))
+    return true;
+  return {};
+}
+
+// Reads the value of a switch, if the rest of its line begins with one; without it the switch is
+// on. word: the word of the text that begins with the keyword `name`.
+bool ReadSwitch(TextScan& text, std::string_view word, std::string_view name)
+{
+  const std::string_view glued = word.substr(name.size());
+  const bool isGlued = glued.find_first_not_of("=:") != glued.npos;
+  const std::string_view line = isGlued ? glued : text.LineAhead();
+  const std::size_t start = line.find_first_not_of(" \t\v\f\r=:");
+  if (start == line.npos)
+    return true;
+  const std::string_view rest = line.substr(start);
+  const std::string_view value = rest.substr(0, rest.find_first_of(" \t\v\f\r#"));
+  const std::optional<bool> on = SwitchValue(value);
+  if (on)
+    text.GoTo(value.data() + value.size());
+  else if (isGlued)
+    Note(ReadEvent::Prefix, word, name);
+  return on.value_or(true);
+}
+
+void Read(TextScan& text, std::string_view word, const Keyword& keyword, Problem& problem)
+{
+  const std::string_view name = keyword.name;
+  if (keyword.set)
+    return keyword.set(problem, ReadSwitch(text, word, name));
+  NoteGlued(word, name);
+  if (keyword.readBlock)
+    return keyword.readBlock(text, problem);
+  const std::string value(ReadValue(text, word.substr(name.size())));
+  keyword.readValue(text, value, problem);
+}
+
 bool ReadKeyword(TextScan& text, std::string_view word, Problem& problem)
 {
-  for (const Keyword& keyword : kKeywords) {
-    const std::string_view name = keyword.name;
-    if (keyword.readBlock ? !EqualsNoCase(word, name) : !HasPrefix(word, name))
-      continue;
-    NoteTopic(keyword.topic);
-    NoteGlued(word, name, keyword.set == nullptr);
-    if (keyword.readBlock)
-      keyword.readBlock(text, problem);
-    else if (keyword.readValue)
-      keyword.readValue(text, ReadValue(text, word.substr(name.size())), problem);
-    else
-      keyword.set(problem);
-    return true;
-  }
-  return false;
+  const auto* keyword =
+      std::find_if(std::begin(kKeywords), std::end(kKeywords), [word](const Keyword& candidate) {
+        return candidate.readBlock ? EqualsNoCase(word, candidate.name)
+                                   : HasPrefix(word, candidate.name);
+      });
+  if (keyword == std::end(kKeywords))
+    return false;
+  NoteTopic(keyword->topic);
+  Read(text, word, *keyword, problem);
+  return true;
+}
+
+[[noreturn]] void RefuseKey(TextScan& text, std::string_view word, const TextScan::Block& before)
+{
+  const std::span<const std::string_view> blocks = BlockKeywords();
+  std::vector<std::string_view> known(blocks.begin(), blocks.end());
+  for (const Keyword& keyword : kKeywords)
+    known.push_back(keyword.name);
+  ExplainUnknownKey(text, word, before, known);
+  Note(ReadEvent::UnknownKeyword, word);
+  Fatal("Unknown key name=", word, "\n");
 }
 
 void ReadWord(TextScan& text, Problem& problem)
 {
-  const std::string_view place = text.ReadWord();
-  if (place.empty())
+  const std::string_view word = text.ReadWord();
+  if (word.empty())
     return;
-  if (place[0] == '#')
+  if (word[0] == '#')
     return text.SkipLine();
-  const std::string word(place);
-  Note(ReadEvent::Keyword, place);
-  if (!ReadKeyword(text, word, problem) && !ReadElemLoad(text, word, problem)) {
-    Note(ReadEvent::UnknownKeyword, place);
-    Fatal("Unknown key name=", word, "\n");
-  }
+  Note(ReadEvent::Keyword, word);
+  const TextScan::Block before = text.LastBlock();
+  if (IsBlockKeyword(word))
+    text.EnterBlock(word);
+  if (!ReadKeyword(text, word, problem) && !ReadElemLoad(text, word, problem))
+    RefuseKey(text, word, before);
 }
 
 [[noreturn]] void RefuseRepetition(int element)
@@ -223,8 +342,10 @@ void SetNodeDimensions(const Meshes& meshes, bool space)
 
 void FinishReading(Problem& problem)
 {
-  if (problem.meshes.empty())
+  if (problem.meshes.empty()) {
+    Explain("the file has no block 'mesh'");
     Fatal("error: it is necessary at least one mesh\n");
+  }
   if (const int element = problem.CheckElementsNumbers())
     Attempt(nullptr, [&] { RefuseRepetition(element); });
   bool solids = false;
@@ -239,6 +360,7 @@ void FinishReading(Problem& problem)
   }
   ComposeMaterials(problem.meshes, problem.materials);
   SetNodeDimensions(problem.meshes, problem.problemType == kSpace || solids);
+  RequirePositiveFactors(problem);
 }
 
 }  // namespace

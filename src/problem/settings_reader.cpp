@@ -1,4 +1,4 @@
-// The settings keywords, and the blocks of unit systems and materials.
+// The settings keywords, and the block of materials.
 
 #include "problem/settings_reader.h"
 
@@ -6,13 +6,13 @@
 #include <climits>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <numbers>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "base/errorwriter.h"
+#include "base/nearest_word.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
 #include "base/textscan.h"
@@ -23,8 +23,6 @@
 namespace morlen {
 
 namespace {
-
-constexpr const char* kWhite = " \t\n\v\f\r";
 
 // The whole number at the beginning of a text; 0 when there is none. A number out of range becomes
 // INT_MIN or INT_MAX.
@@ -45,35 +43,80 @@ bool IsAngle(double angle)
   return angle >= EPSILON && angle <= std::numbers::pi;
 }
 
-void RequireFactor(double size, const char* message)
+// "line 3: ", the line that is being read.
+std::string Line(const TextScan& text)
 {
-  if (!IsFactor(size))
-    Fatal(message);
+  return "line " + std::to_string(text.LineOf(text.Here())) + ": ";
 }
 
-// Removes the next word from the text and returns it. A word of more than 20 characters is cut: its
-// rest is the next word.
-std::string ScanName(std::string_view& text)
+// Explains a value that is no angle. An angle beyond PI may be meant in degrees.
+void ExplainAngle(const TextScan& text, const std::string& value, double angle)
 {
-  constexpr std::size_t kLongest = 20;
-  text.remove_prefix(std::min(text.find_first_not_of(kWhite), text.size()));
-  const std::string_view name = text.substr(0, std::min(text.find_first_of(kWhite), kLongest));
-  text.remove_prefix(name.size());
-  return std::string(name);
+  constexpr double kDegree = std::numbers::pi / 180.0;
+  if (angle > std::numbers::pi && angle < 180.0)
+    Explain(Line(text), "the angle is in radians: ", angle, " degrees are ", angle * kDegree);
+  else if (angle == 0.0)
+    Explain(Line(text), "the value is '", value, "'; leave the keyword out to do without it");
+  else
+    Explain(Line(text), "the value is '", value, "'; it is an angle in radians");
 }
 
-// Reads a line "name nameN nameM namePa facN facM".
-UnitsBase ReadUnitsBase(std::string_view line)
+struct SolverName
 {
-  UnitsBase base;
-  std::string_view tail = UpToNull(line);
-  for (std::string* name : {&base.name, &base.nameN, &base.nameM, &base.namePa})
-    *name = ScanName(tail);
-  if (!ScanDouble(tail, base.facN) || !ScanDouble(tail, base.facM))
-    Fatal("error: 'units_names' items should be: name nameN nameM namePa facN facM\n");
-  if (tail.find_first_not_of(kWhite) != std::string_view::npos)
-    Note(ReadEvent::LineTail, tail);
-  return base;
+  std::string_view name;
+  SolverType type;
+};
+
+constexpr SolverName kSolvers[] = {{"Automatic", SolverType::Automatic},
+                                   {"SkyLine", SolverType::SkyLine},
+                                   {"Sparse", SolverType::Sparse},
+                                   {"Double", SolverType::Double}};
+
+void ExplainSolver(const TextScan& text, const std::string& value)
+{
+  constexpr std::string_view kNames[] = {"Automatic", "SkyLine", "Sparse", "Double"};
+  const std::string_view nearest = NearestWord(value, kNames);
+  if (nearest.empty())
+    Explain(Line(text), "the solver is '", value, "'; without the line the program chooses one");
+  else
+    Explain(Line(text), "the solver is '", value, "'; did you mean '", nearest, "'?");
+}
+
+// Reads the three words after "Solver Sparse".
+void ReadSparseSettings(TextScan& text, SolverSettings& settings)
+{
+  const std::string_view words[] = {text.ReadWord(), text.ReadWord(), text.ReadWord()};
+  settings.tolerance1 = NumberOfItem(words[0]);
+  settings.tolerance2 = NumberOfItem(words[1]);
+  settings.maxIterations = ToInt(std::string(words[2]));
+  const auto isTolerance = [](double t) { return t > 0.0 && t <= 10.0; };
+  if (isTolerance(settings.tolerance1) && isTolerance(settings.tolerance2) &&
+      settings.maxIterations >= 10)
+    return;
+  Explain(Line(text), "the three words are '", words[0], "', '", words[1], "' and '", words[2],
+          "'");
+  Fatal(
+      "Solver Sparse needs three aditional arguments:\n"
+      "    Solver: Sparse tolerance1 tolerance2 MaxIterations\n"
+      "with 0.0<tolerance<10 and MaxIterations>10 and\n"
+      " tolerance1<=tolerance2<10\n");
+}
+
+// The third component of the direction of gravity. A plane problem may leave it out.
+double ReadGravityZ(TextScan& text, PROBLEMTYPE problemType)
+{
+  TextScan ahead = text;
+  const std::string_view word = ahead.ReadWord();
+  std::string_view rest = word;
+  double number = 0.0;
+  const bool isNumber = ScanDouble(rest, number);
+  if (problemType == kPlane && !isNumber)
+    return 0.0;
+  if (!isNumber && !readObserver)
+    errorwriter.WriteWarning(Line(ahead) + "'" + std::string(word) +
+                             "' is read as the third number of GravityDirection, 0");
+  text = ahead;
+  return NumberOfItem(word);
 }
 
 // Reads the next record into `materials`. Returns false at the end of the block.
@@ -90,127 +133,64 @@ bool ReadMaterial(TextScan& text, const Units& units, VoidPlex& materials)
 
 }  // namespace
 
-void ReadUnitsMesh(TextScan&, const std::string& value, Problem& problem)
-{
-  Units& units = problem.units;
-  units.meshLength = units.GiveUnitsBaseFromLength(value)->facM;
-  RequireFactor(units.meshLength, "error: Units_mesh must be a positive number\n");
-}
-
-void ReadUnitsMatAndLoad(TextScan&, const std::string& value, Problem& problem)
-{
-  Units& units = problem.units;
-  const UnitsBase& base = *units.GiveUnitsBase(value);
-  units.matLoadForce = base.facN;
-  units.matLoadLength = base.facM;
-  for (const double size : {units.matLoadForce, units.matLoadLength})
-    RequireFactor(size, "error: units_mat_and_load must be two positive numbers\n");
-}
-
-void ReadUnitsRes(TextScan&, const std::string& value, Problem& problem)
-{
-  Units& units = problem.units;
-  const UnitsBase& base = *units.GiveUnitsBase(value);
-  units.resForce = base.facN;
-  units.resLength = base.facM;
-  units.resForceName = base.nameN;
-  units.resLengthName = base.nameM;
-  units.resPressureName = base.namePa;
-  for (const double size : {units.resForce, units.resLength})
-    RequireFactor(size, "error: units_res must be two positive numbers and three names\n");
-}
-
-void ReadNumOfDivisions(TextScan&, const std::string& value, Problem& problem)
+void ReadNumOfDivisions(TextScan& text, const std::string& value, Problem& problem)
 {
   problem.numOfDivisions = ToInt(value);
+  if (problem.numOfDivisions < 1 || problem.numOfDivisions > kMaxDivisions)
+    Explain(Line(text), "the value is '", value, "'; it is a whole number, 1 to ", kMaxDivisions);
   if (problem.numOfDivisions < 1)
     Fatal("error: Number of divisions must be positive");
   if (problem.numOfDivisions > kMaxDivisions)
     Fatal("error: Number of divisions must be at most ", kMaxDivisions);
 }
 
-void ReadDoSmoothing(TextScan&, const std::string& value, Problem& problem)
+void ReadDoSmoothing(TextScan& text, const std::string& value, Problem& problem)
 {
   problem.smoothing.on = true;
   problem.smoothing.angle = NumberOfItem(value);
-  if (!IsAngle(problem.smoothing.angle))
+  if (!IsAngle(problem.smoothing.angle)) {
+    ExplainAngle(text, value, problem.smoothing.angle);
     Fatal("error: DoSmoothing must have angle >0 and <PI rad\n");
+  }
 }
 
-void ReadCoplanarityAngle(TextScan&, const std::string& value, Problem& problem)
+void ReadCoplanarityAngle(TextScan& text, const std::string& value, Problem& problem)
 {
   problem.coplanarityAngle = NumberOfItem(value);
-  if (!IsAngle(problem.coplanarityAngle))
+  if (!IsAngle(problem.coplanarityAngle)) {
+    ExplainAngle(text, value, problem.coplanarityAngle);
     Fatal("error: CoplanarityAngle must have angle >0 and <PI rad\n");
+  }
 }
 
 void ReadSolver(TextScan& text, const std::string& value, Problem& problem)
 {
-  static const struct
-  {
-    const char* name;
-    SolverType type;
-  } solvers[] = {{"Automatic", SolverType::Automatic},
-                 {"SkyLine", SolverType::SkyLine},
-                 {"Sparse", SolverType::Sparse},
-                 {"Double", SolverType::Double}};
-  const auto* named = std::find_if(std::begin(solvers), std::end(solvers),
-                                   [&](const auto& s) { return HasPrefix(value, s.name); });
-  if (named == std::end(solvers))
+  const auto* named =
+      std::find_if(std::begin(kSolvers), std::end(kSolvers),
+                   [&](const SolverName& solver) { return HasPrefix(value, solver.name); });
+  if (named == std::end(kSolvers)) {
+    ExplainSolver(text, value);
     Fatal("error: type of solver must be: Automatic, SkyLine, Double or Sparse\n");
-  if (value.size() > std::strlen(named->name))
+  }
+  if (value.size() > named->name.size())
     Note(ReadEvent::Prefix, value, named->name);
   problem.solverSettings.type = named->type;
-  if (named->type != SolverType::Sparse)
-    return;
-  const auto isTolerance = [](double t) { return t > 0.0 && t <= 10.0; };
-  problem.solverSettings.tolerance1 = ReadNumberWord(text);
-  problem.solverSettings.tolerance2 = ReadNumberWord(text);
-  problem.solverSettings.maxIterations = ToInt(std::string(text.ReadWord()));
-  if (!isTolerance(problem.solverSettings.tolerance1) ||
-      !isTolerance(problem.solverSettings.tolerance2) || problem.solverSettings.maxIterations < 10)
-    Fatal(
-        "Solver Sparse needs three aditional arguments:\n"
-        "    Solver: Sparse tolerance1 tolerance2 MaxIterations\n"
-        "with 0.0<tolerance<10 and MaxIterations>10 and\n"
-        " tolerance1<=tolerance2<10\n");
+  if (named->type == SolverType::Sparse)
+    ReadSparseSettings(text, problem.solverSettings);
 }
 
 void ReadGravityDirection(TextScan& text, const std::string& value, Problem& problem)
 {
   const double x = NumberOfItem(value);
   const double y = ReadNumberWord(text);
-  ReaVec& direction = problem.gravityDirection;
-  direction = ReaVec(x, y, ReadNumberWord(text));
-  const double length = std::hypot(direction(1), direction(2), direction(3));
-  if (!(length >= EPSILON && std::isfinite(length)))
+  const double z = ReadGravityZ(text, problem.problemType);
+  const double length = std::hypot(x, y, z);
+  if (!(length >= EPSILON && std::isfinite(length))) {
+    Explain(Line(text), "the numbers read are ", x, ", ", y, " and ", z);
     Fatal("error: GravityDirection must be a vector no null");
-  direction /= length;
-}
-
-void ReadUnitsNames(TextScan& text, Problem& problem)
-{
-  constexpr std::size_t kBatch = 50;
-  std::vector<UnitsBase> batch;
-  const auto enterBatch = [&] {
-    problem.units.AddUnitsBase(batch.data(), static_cast<int>(batch.size()));
-    batch.clear();
-  };
-  for (;;) {
-    const int comment = text.TakeOutSpaces();
-    if (comment == -1)
-      Fatal("error: 'units_names' should finish with the 'end' word\n");
-    const std::string_view line = text.ReadRestOfLine();
-    if (comment == 1)
-      continue;
-    if (HasPrefix(line, "end"))
-      return enterBatch();
-    Attempt(&text, [&] { batch.push_back(ReadUnitsBase(line)); });
-    // AddUnitsBase merges a batch into the whole table. Batches that grow with the table keep the
-    // total cost at n log n.
-    if (batch.size() >= std::max(kBatch, problem.units.bases.size()))
-      enterBatch();
   }
+  problem.gravityDirection = ReaVec(x, y, z);
+  problem.gravityDirection /= length;
 }
 
 void ReadMaterials(TextScan& text, Problem& problem)

@@ -10,6 +10,7 @@
 #include "base/errorwriter.h"
 #include "base/output_file.h"
 #include "base/stprintf.h"
+#include "problem/foreign_file.h"
 #include "run/file_identity.h"
 #include "run/process_streams.h"
 #include "run/project.h"
@@ -146,6 +147,7 @@ int RunMorlen(int argc, char** argv)
     PrintUsage(argc > 0 ? argv[0] : "morlen");
     return ErrorWriter::kExitStatus;
   }
+  RefuseFolder(options.inputName);
   std::ifstream input(options.inputName);
   if (!input)
     Fatal("can't open file ", options.inputName, "\n");

@@ -17,6 +17,7 @@
 #include "problem/problem_reader.h"
 #include "problem/settings_reader.h"
 #include "problem/support_checks.h"
+#include "problem/units_reader.h"
 #include "results/beam_strengths.h"
 #include "results/kiv_results.h"
 #include "results/mesh_output.h"

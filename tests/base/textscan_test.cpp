@@ -149,9 +149,9 @@ TEST(TextScan, RestOfTheLastLineNeedsNoNewline)
   EXPECT_EQ(text.ReadRestOfLine(), "");
 }
 
-TEST(TextScan, TakeOutSpacesLeavesTabs)
+TEST(TextScan, TakeOutSpacesSkipsWhiteSpaceAndDelimiters)
 {
-  TextScan text(" \n\r:=x");
+  TextScan text(" \n\r\t\v\f:=x");
   EXPECT_EQ(TakeOutSpaces(text), 0);
   EXPECT_EQ(text.ReadWord(), "x");
   EXPECT_EQ(TakeOutSpaces(text), -1);
@@ -161,7 +161,7 @@ TEST(TextScan, TakeOutSpacesLeavesTabs)
   EXPECT_EQ(comment.ReadRestOfLine(), " text");
 
   TextScan tab("\t#");
-  EXPECT_EQ(TakeOutSpaces(tab), 0);
+  EXPECT_EQ(TakeOutSpaces(tab), 1);
 }
 
 TEST(TextScan, PlaceCountsLinesAndColumnsFromOne)
@@ -213,13 +213,15 @@ TEST(Records, CommentsAreSkippedAndAWordEndsTheBlock)
 
 TEST(ItemScanner, CutsKeysAndValues)
 {
-  ItemScanner items(" E=2e11 nu: 0.3  t = 0.5\tx A");
+  ItemScanner items(" E=2e11 nu: 0.3  t = 0.5\tx\t=\t3\tA");
   EXPECT_EQ(items.Key(), "E");
   EXPECT_EQ(items.Value(), "2e11");
   EXPECT_EQ(items.Key(), "nu");
   EXPECT_EQ(items.Value(), "0.3");
   EXPECT_EQ(items.Key(), "t");
-  EXPECT_EQ(items.Value(), "0.5\tx");
+  EXPECT_EQ(items.Value(), "0.5");
+  EXPECT_EQ(items.Key(), "x");
+  EXPECT_EQ(items.Value(), "3");
   EXPECT_EQ(items.Key(), "A");
   EXPECT_EQ(items.Value(), "");
   EXPECT_EQ(items.Key(), "");
@@ -241,6 +243,51 @@ TEST(ItemScanner, ValuesMayHoldTheDelimitersOfKeys)
   EXPECT_EQ(items.Value(), "a:b=c");
   EXPECT_EQ(items.Key(), "d");
   EXPECT_EQ(items.Value(), "");
+}
+
+TEST(ItemScanner, WhiteSpaceIsNoItem)
+{
+  for (const char* text : {"", "\t", " \r", "\v\f", " : = \t"}) {
+    ItemScanner items(text);
+    EXPECT_EQ(items.Key(), "") << text;
+  }
+}
+
+TEST(ItemScanner, AKeyThatBeginsWithANumberSignEndsTheItems)
+{
+  ItemScanner items("a 1 #b 2 c 3");
+  EXPECT_EQ(items.Key(), "a");
+  EXPECT_EQ(items.Value(), "1");
+  EXPECT_EQ(items.Key(), "");
+  EXPECT_EQ(items.Rest(), "#b 2 c 3");
+  ItemScanner value("a # b");
+  EXPECT_EQ(value.Key(), "a");
+  EXPECT_EQ(value.Value(), "#");
+  EXPECT_EQ(value.Key(), "b");
+}
+
+TEST(ItemScanner, ItemsEndBeforeTheirComment)
+{
+  EXPECT_EQ(BeforeComment("a 1 b 2"), "a 1 b 2");
+  EXPECT_EQ(BeforeComment("a 1 # b 2"), "a 1 ");
+  EXPECT_EQ(BeforeComment("# b 2"), "");
+  EXPECT_EQ(BeforeComment("a # b 2"), "a # b 2");  // the value of a
+  EXPECT_EQ(BeforeComment("a 1#b 2"), "a 1#b 2");
+  EXPECT_EQ(BeforeComment("a\t1\t#b 2"), "a\t1\t");
+}
+
+TEST(TextScan, WordsAndLinesAroundAPlace)
+{
+  const std::string content = "ab\n 4,2\tx";
+  TextScan text(content);
+  const char* const start = content.data();
+  EXPECT_EQ(text.WordAround(start), "ab");
+  EXPECT_EQ(text.WordAround(start + 2), "ab");
+  EXPECT_EQ(text.WordAround(start + 3), "");
+  EXPECT_EQ(text.WordAround(start + 5), "4,2");
+  EXPECT_EQ(text.WordAround(start + content.size()), "x");
+  EXPECT_EQ(text.LineOf(start + 2), 1);
+  EXPECT_EQ(text.LineOf(start + 3), 2);
 }
 
 TEST(EulerIndex, TakesOneToThree)

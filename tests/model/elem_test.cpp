@@ -180,19 +180,22 @@ TEST(Elem, MaterialNumberAfterTheNodes)
   {
     const char* line;
     int material;
-  } cases[] = {{"1 1 2 7", 7},     {"1 1 2 7 \t\r\n", 7},
-               {"1 1 2\n", 0},     {"1 1 2 0\n", 0},
-               {"1 1 2 = 7\n", 7}, {"1 1 2:7\n", 7},
-               {"1 1 2 010", 8},   {"1 1 2 0x10", 16},
-               {"1 1 2 -3\n", -3}, {"1 1 2 123456789", 123456789},
-               {"1 1 2 7.5\n", 7}, {"1 1 2 word\n", 0},
-               {"1 1 2 +7\n", 7}};
+  } cases[] = {{"1 1 2 7", 7},           {"1 1 2 7 \t\r\n", 7},
+               {"1 1 2\n", 0},           {"1 1 2 0\n", 0},
+               {"1 1 2 = 7\n", 7},       {"1 1 2:7\n", 7},
+               {"1 1 2 010", 8},         {"1 1 2 0x10", 16},
+               {"1 1 2 -3\n", -3},       {"1 1 2 123456789", 123456789},
+               {"1 1 2 7.5\n", 7},       {"1 1 2 word\n", 0},
+               {"1 1 2 +7\n", 7},        {"1 1 2 # 7 E=1\n", 0},
+               {"1 1 2#7 x\n", 0},       {"1 1 2 7 # E=1\n", 7},
+               {"1\t1\t2\t7\t# x\n", 7}, {"1 1 2 7 \v\f\n", 7}};
   for (const auto& c : cases) {
     Mesh mesh(100, 100, 3, Linear, 2);
     Elem elem(&mesh, nullptr);
     TextScan text(c.line);
     ASSERT_EQ(elem.ReadFromAscii(text, mesh.GiveNodePlex(), nullptr), 1) << c.line;
     EXPECT_EQ(elem.GiveMaterialNum(), c.material) << c.line;
+    EXPECT_FALSE(elem.HasOwnMaterial()) << c.line;
     EXPECT_TRUE(text.AtEnd()) << c.line;
   }
 }

@@ -170,6 +170,23 @@ TEST(Material, EulerAnglesAreNotConverted)
   EXPECT_EQ(m.Euler[2], 0.7);
 }
 
+TEST(Material, TabsAndCommentsSeparateItems)
+{
+  const UnitsBase base{"N_mm", "N", "mm", "MPa", 1.0, 1e-3};
+  Units units;
+  units.AddUnitsBase(&base, 1);
+  for (const char* record :
+       {"Iy=1\tWeight=25", "\tIy\t1\tWeight\t=\t25\t\r", "Iy=1 Weight=25 # note units N_mm",
+        "Iy=1 Weight=25\t#units=N_mm Iy=7", "Iy=1 Weight=25\v\f", "Iy=1 Weight=25 #"}) {
+    Material m;
+    EXPECT_EQ(m.ReadFromAsciiNoNum(record, &units), 1) << record;
+    EXPECT_EQ(m.Iy, 1.0) << record;
+    EXPECT_EQ(m.Weight, 25.0) << record;
+  }
+  Material none;
+  EXPECT_EQ(none.ReadFromAsciiNoNum(" # all is said elsewhere", &units), -1);
+}
+
 TEST(Material, ReaderTellsWhatItFound)
 {
   static const struct

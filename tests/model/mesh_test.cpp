@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/errorwriter.h"
 #include "base/textscan.h"
 #include "model/material.h"
 #include "model/node.h"
@@ -157,6 +158,33 @@ TEST(MeshReader, RefusedBlocks)
   }
 }
 
+TEST(MeshReader, HintsNameTheNodesThatAreMissing)
+{
+  static const struct
+  {
+    std::string nodes;
+    const char* hint;
+  } cases[] = {
+      {"1 0 0 0\n2 1 0 0\n4 1 1 0\n", "node 3 is missing"},
+      {"1 0 0 0\n2 1 0 0\n\n2 1 1 0\n", "node 2 is given in line 4 and in line 6"},
+      {"1 0 0 0\n2 1 0 0\n2 1 1 0\n4 1 1 1\n",
+       "node 3 is missing; node 2 is given in line 4 and in line 5"},
+      {"2 0 0 0\n1,0 1 0 0\n",
+       "line 4: the list ends here: '1,0' is not a number: the decimal sign is a point, write 1.0; "
+       "node 1 is missing"},
+      {"2 1 0 2.1d8\n", "node 1 is missing"},
+      {"2 0 0 0\n! 1 0 0 0\n",
+       "line 4: the list ends here: '!' is not a number: a comment begins with '#'; node 1 is "
+       "missing"},
+      {"1 0 x 0\n", "line 3: the list ends here: 'x' is not a number"},
+  };
+  for (const auto& c : cases) {
+    OwnedMesh mesh;
+    FatalCaught([&] { mesh.Read(Block("Linear nnode 2", c.nodes.c_str(), "")); });
+    EXPECT_EQ(errorwriter.Hint(), c.hint) << c.nodes;
+  }
+}
+
 TEST(MeshReader, ALineThatIsNoNodeEndsTheList)
 {
   for (const char* line : {"2 1.0 abc 0\n", "2 nan 0 0\n", "2 1e400 0 0\n", "x\n"}) {
@@ -164,6 +192,18 @@ TEST(MeshReader, ALineThatIsNoNodeEndsTheList)
     mesh.Read(Block("Linear nnode 2", (std::string("1 0 0 0\n") + line).c_str(), ""));
     EXPECT_EQ(mesh.GiveNodePlex()->Count(), 1) << line;
   }
+}
+
+TEST(MeshReader, CommentsAndTabsInTheLists)
+{
+  OwnedMesh mesh;
+  mesh.Read(Block("Linear nnode 2", "# 9 9 9 9\n\t# 9 9 9 9\n1\t0\t0\t0\t# foot\n\t2 1 0 0 # 3\n\t",
+                  "#\n\t# 9 1 2\n1\t1\t2\t7\t# x\n2 1 2 # 7 A=1\n3 1 2 7 A=2\t# A=3\n\t"));
+  EXPECT_EQ(mesh.GiveNodePlex()->Count(), 2);
+  EXPECT_EQ(mesh.GiveElemPlex()->Count(), 3);
+  EXPECT_EQ(mesh.ElemAt(1).GiveMaterialNum(), 7);
+  EXPECT_EQ(mesh.ElemAt(2).GiveMaterialNum(), 0);
+  EXPECT_EQ(mesh.ElemAt(3).GiveMaterial(nullptr)->A, 2.0);
 }
 
 TEST(MeshReader, UnknownNodesAreNull)

@@ -76,11 +76,25 @@ TEST(Units, GiveUnitsBaseFindsByName)
   EXPECT_EQ(units.GiveUnitsBase("N-mm")->facM, 0.001);
 }
 
-TEST(Units, GiveUnitsBaseRefusesUnknownAndLongNames)
+TEST(Units, NamesHaveUpTo20Characters)
 {
   Units units = TwoSystems();
   const UnitsBase longest = {.name = "12345678901234567890"};
   units.AddUnitsBase(&longest, 1);
+  EXPECT_EQ(units.GiveUnitsBase(longest.name)->name, longest.name);
+  EXPECT_EQ(units.GiveUnitsBaseFromLine("units=" + longest.name)->name, longest.name);
+}
+
+TEST(Units, FindUnitsBaseGivesNullForUnknownNames)
+{
+  const Units units = TwoSystems();
+  EXPECT_EQ(units.FindUnitsBase("kn-m"), nullptr);
+  EXPECT_EQ(units.FindUnitsBase("kN-m"), units.GiveUnitsBase("kN-m"));
+}
+
+TEST(Units, GiveUnitsBaseRefusesUnknownAndLongNames)
+{
+  const Units units = TwoSystems();
   static const struct
   {
     const char* name;
@@ -92,7 +106,9 @@ TEST(Units, GiveUnitsBaseRefusesUnknownAndLongNames)
       {"", "error: Unit name '' has not been previously defined\n"},
       {"1234567890123456789",
        "error: Unit name '1234567890123456789' has not been previously defined\n"},
-      {"12345678901234567890", "error: Unit name '12345678901234567890' is too long\n"},
+      {"12345678901234567890",
+       "error: Unit name '12345678901234567890' has not been previously defined\n"},
+      {"123456789012345678901", "error: Unit name '123456789012345678901' is too long\n"},
   };
   for (const auto& c : cases)
     ExpectFatal([&] { units.GiveUnitsBase(c.name); }, c.message);
@@ -135,8 +151,8 @@ TEST(Units, LineWithAnUnfitNameIsRefused)
   const Units units = TwoSystems();
   ExpectFatal([&] { units.GiveUnitsBaseFromLine("units=lbf E=1"); },
               "error: Unit name 'lbf' has not been previously defined\n");
-  ExpectFatal([&] { units.GiveUnitsBaseFromLine("units=12345678901234567890 E=1"); },
-              "error: Unit name '12345678901234567890' is too long\n");
+  ExpectFatal([&] { units.GiveUnitsBaseFromLine("units=123456789012345678901 E=1"); },
+              "error: Unit name '123456789012345678901' is too long\n");
   ExpectFatal([&] { units.GiveUnitsBaseFromLine("units " + std::string(150, 'x')); },
               "error: Unit name '" + std::string(99, 'x') + "' is too long\n");
 }
@@ -195,6 +211,15 @@ TEST(Units, FactorsMayBeSmall)
   const Units::Ratios ratios = units.RatiosOf({.facN = 1e-20, .facM = 1e-30});
   EXPECT_DOUBLE_EQ(ratios.force, 1e-2);
   EXPECT_DOUBLE_EQ(ratios.length, 1e-30);
+}
+
+TEST(Units, ANameEndsAtATabAndACommentHasNone)
+{
+  const Units units = TwoSystems();
+  for (const char* line : {"A=2\tunits=N-mm\tE=1", "units\t=\tN-mm", "units=N-mm # units=kN-m"})
+    EXPECT_EQ(units.GiveUnitsBaseFromLine(line), units.GiveUnitsBase("N-mm")) << line;
+  for (const char* line : {"A=2 # units=N-mm", "A=2\t#units N-mm", "# units N-mm"})
+    EXPECT_EQ(units.GiveUnitsBaseFromLine(line), nullptr) << line;
 }
 
 TEST(Units, ALineMayComeWithItsEnd)

@@ -72,7 +72,7 @@ void ExpectRunRefused(const std::string& rest, const std::string& message)
 {
   SCOPED_TRACE(rest);
   const RunResult run = RunOnProblem(Chain(rest).Text());
-  EXPECT_EQ(run.err, message);
+  HintAfter(message, run);
   EXPECT_EQ(run.status, 2);
 }
 
@@ -88,12 +88,22 @@ TEST(Rotules, MarkNodes)
   EXPECT_EQ(Codes(*problem), (Ints{11, 11, 11}));  // merged later
 }
 
+TEST(Rotules, ABareNumberIsARecord)
+{
+  for (const char* records :
+       {"2\n4", "2\r\n4\r", "\t2\t\n4 # foot", "2 # 3\n\t# a comment\n4 \r"}) {
+    const auto problem = ReadProblemText(Chain(Block("rotules", records)).Text());
+    for (int node = 1; node <= 4; ++node)
+      EXPECT_EQ(problem->FindNode(node)->hasRotule, node % 2 == 0) << records;
+  }
+}
+
 TEST(Rotules, WrongRecordsAreRefused)
 {
   for (const char* number : {"5", "0", "-1"})
     ExpectRunRefused(Block("rotules", std::string(number) + " hinge"),
                      "error: Trying to assign rotule to unknown node\n");
-  ExpectRunRefused(Block("rotules", "2"), "Not reading correctly the rotules. Number=2\n");
+  ExpectRunRefused("rotules\n2", "Not reading correctly the rotules. Number=2\n");
   ExpectRunRefused("rotules\n1 hinge\n", "can't find word ***end*** in input file\n");
 }
 
@@ -127,8 +137,8 @@ TEST(ElemRotules, WrongRecordsAreRefused)
     ExpectRunRefused(Block("elem_rotules", std::string(number) + " 10"),
                      std::string("error: trying to assign a rotule to element number ") + number +
                          " and it does not exist\n");
-  ExpectRunRefused(Block("elem_rotules", "5"), "Not reading correctly the rotules -a-. Number=5\n");
-  for (const char* text : {" x", " ", " # 10"})
+  ExpectRunRefused("elem_rotules\n5", "Not reading correctly the rotules -a-. Number=5\n");
+  for (const char* text : {"", "\r", " x", " ", " # 10"})
     ExpectRunRefused(Block("elem_rotules", std::string("5") + text),
                      "Not reading correctly the rotules -b-. Number=5\n");
   for (const char* code : {"12", "20", "2", "-1", "99"})

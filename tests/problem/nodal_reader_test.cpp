@@ -100,6 +100,31 @@ TEST(ConstraintRecords, AcceptBlanksAndComments)
         << records;
 }
 
+TEST(ConstraintRecords, EndTheirItemsAtAComment)
+{
+  for (const char* comment : {"# left foot", "# clamped", "#units none", "\t#", "# units=kN_mm",
+                              "other=1 # x", "\t \r", "\v\f"}) {
+    const std::string records = std::string("1 110 0.5 7 9 ") + comment;
+    EXPECT_EQ(First(ReadSupport(ProblemParts(), records).support.values, 3), (Doubles{0.5, 7, 0}))
+        << comment;
+    EXPECT_EQ(ReadLoad(ProblemParts(), std::string("1 1 2 3 ") + comment), (Doubles{1, 2, 3}))
+        << comment;
+  }
+  ExpectRefused(ProblemParts(), &ProblemParts::constraints, "1 111 0 0 0 units= # x",
+                "error: Unit name '#' has not been previously defined\n");
+}
+
+TEST(ConstraintRecords, TabsAreBlanks)
+{
+  const ProblemParts parts = ProblemParts().With(&ProblemParts::settings, kUnits);
+  for (const char* item : {"\tunits=kN_mm\t", "\tunits\tkN_mm", "\tunits\t=\tkN_mm other=1"}) {
+    const std::string tail = item;
+    ExpectValues(First(ReadSupport(parts, "\t# two\n\t1\t111\t1\t2\t3" + tail).support.values, 3),
+                 {1e-3, 2e-3, 3}, 1e-15);
+    ExpectValues(ReadLoad(parts, "\t1\t1\t2\t3" + tail + "\n\t# two"), {1000, 2000, 3}, 1e-15);
+  }
+}
+
 TEST(ConstraintRecords, LaterRecordChangesOnlyTheComponentsItFlags)
 {
   const ReadSupport read(ProblemParts(), "1 120 1 2 3\n1 011 0 5 6 Euler1 0\n1 000 7 8 9");

@@ -148,6 +148,41 @@ TEST(PreassureLT, ReadsTheNumbersOfItsProblemTypeAndElementType)
   }
 }
 
+// A face and three values, else exactly the two values of a plane problem, over the volume.
+TEST(PreassureLT, SolidsOfA2dHeaderTakeAFaceOrTwoValues)
+{
+  static const struct
+  {
+    const char* text;
+    Doubles values;
+    int face;
+  } cases[] = {
+      {" 2 1 2 3", {1, 2, 3, 0, 0, 0}, 2},
+      {" -1 1 2 3", {1, 2, 3, 0, 0, 0}, -1},
+      {"\t0\t.5 2 3 name=top", {0.5, 2, 3, 0, 0, 0}, 0},
+      {" 1 2", {1, 2, 0, 0, 0, 0}, -1},
+      {" 1.5 2.5", {1.5, 2.5, 0, 0, 0, 0}, -1},
+      {" 1.5 2.5 name=4", {1.5, 2.5, 0, 0, 0, 0}, -1},
+      {" 1 2 # 3", {1, 2, 0, 0, 0, 0}, -1},
+  };
+  for (const PreassureLT_type type : kTypes) {
+    for (const auto& c : cases) {
+      SCOPED_TRACE(c.text);
+      const ReadLoad load = ReadRecord(type, kPlane, Tetrahedra, c.text);
+      EXPECT_EQ(load.values, c.values);
+      EXPECT_EQ(load.face, c.face);
+    }
+    for (const char* text :
+         {"", " 1", " 1 2 3", " 1.5 2.5 3.5", " 1.5 2.5 3.5 4.5", " 1 2 x=1 y", " 1 2,5 3 4"})
+      EXPECT_NE(FatalCaught([&] { ReadRecord(type, kPlane, Tetrahedra, text); }),
+                "(the run went on)")
+          << text;
+    ExpectRefused(type, kPlane, Tetrahedra, " 1.5 2.5 3.5", kTooFew);
+  }
+  // With a 3d header the face ends where its digits end.
+  EXPECT_EQ(ReadRecord(Global, kSpace, Tetrahedra, " 1.5 2 3").face, 1);
+}
+
 TEST(PreassureLT, TooFewNumbersAreRefused)
 {
   for (const PreassureLT_type type : kTypes) {

@@ -206,6 +206,20 @@ TEST_P(PressureSolid, WeightIsTheSameWithA2dHeader)
   EXPECT_NEAR(total, 4.0 * kSixVolumes / 6.0, 1e-6);
 }
 
+TEST_P(PressureSolid, WeightOfA2dHeaderKeepsThreeComponents)
+{
+  SolidModel weight = OneSolid(kCorners, GetParam());
+  weight.material = "E 1 nu 0.3 Weight 4";
+  weight.header = "2d";
+  weight.settings = "GravityDirection 2 -3 6\n";  // of length 7
+  Vector3 total = {};
+  for (const Vector3& force : ElementLoads(weight))
+    total = total + force;
+  const Vector3 direction = {2.0 / 7, -3.0 / 7, 6.0 / 7};
+  for (int k = 0; k < 3; ++k)
+    EXPECT_NEAR(total[k], 4.0 * kSixVolumes / 6.0 * direction[k], 1e-6);
+}
+
 TEST_P(PressureSolid, RecordsOfA2dHeaderHaveThreeValuesAndAFace)
 {
   SolidModel model = Loaded(GetParam(), Record("face_loads", 1, kValues));

@@ -321,7 +321,8 @@ TEST(ProblemUnits, FactorsMustBePositive)
   ExpectRefused(table("1 0") + "units_mesh b", mesh);
   ExpectRefused(table("1 -1") + "units_mesh b", mesh);
   EXPECT_EQ(ReadWith(table("1 1e-18") + "units_mesh b")->units.meshLength, 1e-18);
-  EXPECT_EQ(ReadWith(table("0 1") + "units_mesh b")->units.meshLength, 1.0);
+  ExpectRefused(table("0 1") + "units_mesh b",
+                "error: Unit name 'bad' must have two positive numbers\n");
   for (const char* factors : {"0 1", "1 0", "-1 1", "1 -1e-18"}) {
     ExpectRefused(table(factors) + "units_mat_and_load bad", matAndLoad);
     ExpectRefused(table(factors) + "units_res bad", res);

@@ -13,6 +13,10 @@ namespace morlen {
 
 namespace {
 
+const char* const kWrongType =
+    "Type of problem unknown. Only 2d and 3d\n"
+    "hint: line 1: the type is '1d'; write 'problem type: 2d' or 'problem type: 3d'\n";
+
 const char* const kUsage =
     "error. usage: morlen [-p] [-i infofile] [-r0] [-e errorfile] inputfile [outputfile]\n"
     "    -p: write mesh Kiv file\n"
@@ -195,7 +199,7 @@ TEST_F(DriverTest, MessagesGoToTheErrorFile)
 {
   WriteProblem("model.dat", "problem type 1d\n");
   Fail({"-e", "errs.txt", "model.dat"}, "", "");
-  EXPECT_EQ(folder.Read("errs.txt"), "Type of problem unknown. Only 2d and 3d\n");
+  EXPECT_EQ(folder.Read("errs.txt"), kWrongType);
   WriteProblem("model.dat");
   Fail({"-e", "errs.txt", "model.dat", "nowhere/out"}, "", "");
   EXPECT_EQ(folder.Read("errs.txt"), "can't open file nowhere/out\n");
@@ -204,8 +208,8 @@ TEST_F(DriverTest, MessagesGoToTheErrorFile)
 TEST_F(DriverTest, ErrorFileNamedWithADashIsTheStandardOutput)
 {
   WriteProblem("model.dat", "problem type 1d\n");
-  Fail({"-e", "-", "model.dat"}, "Type of problem unknown. Only 2d and 3d\n", "");
-  Fail({"-e", "-any", "model.dat"}, "Type of problem unknown. Only 2d and 3d\n", "");
+  Fail({"-e", "-", "model.dat"}, kWrongType, "");
+  Fail({"-e", "-any", "model.dat"}, kWrongType, "");
 }
 
 TEST_F(DriverTest, FullDiskForAnyResultFileEndsTheRun)
@@ -312,12 +316,12 @@ TEST_F(DriverTest, RenumberingIsInhibitedByR0)
   EXPECT_NE(asRead.find("Total number of positions= 60\n"), std::string::npos) << asRead;
 }
 
-TEST_F(DriverTest, AFolderIsReadAsAnEmptyProblemFile)
+TEST_F(DriverTest, AFolderIsNoProblemFile)
 {
   folder.Write("folder/file", "");
   const RunResult run = RunProgram(folder, {"folder"});
   EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "can't find word ***problem*** in input file\n");
+  EXPECT_EQ(run.err, "error: folder is a folder\n");
 }
 
 }  // namespace morlen

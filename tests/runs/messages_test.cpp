@@ -19,9 +19,11 @@ struct Refused
 {
   std::string problem;
   std::string message;
+  std::string hint = "";  // when it is given, the hint is exactly this
 };
 
-// Runs the program on the problem. It must end with exactly this message and without results.
+// Runs the program on the problem. It must end with exactly this message, perhaps a hint, and
+// without results.
 void ExpectRefused(const Refused& refused, const std::vector<std::string>& options = {})
 {
   SCOPED_TRACE(refused.message);
@@ -30,7 +32,10 @@ void ExpectRefused(const Refused& refused, const std::vector<std::string>& optio
   std::vector<std::string> arguments = options;
   arguments.push_back("model.dat");
   const RunResult run = RunProgram(folder, arguments);
-  EXPECT_EQ(run.err, refused.message);
+  const std::string hint = HintAfter(refused.message, run);
+  if (!refused.hint.empty()) {
+    EXPECT_EQ(hint, refused.hint);
+  }
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.status, 2);
   EXPECT_FALSE(folder.Has("model.morlen.res"));
@@ -154,9 +159,10 @@ TEST(Messages, OfMeshesAndMaterials)
       {"problem type 2d\nmesh dimension 2 elemtype Linear nnode 3\n", "Unknown Femview type\n"},
       {With(&ProblemParts::coordinates, ""), "error: list of nodes does not contain any node\n"},
       {With(&ProblemParts::coordinates, "1 0 0\n3 1 0"),
-       "error: list of nodes does not contain all numbers\n"},
+       "error: list of nodes does not contain all numbers\n", "node 2 is missing"},
       {With(&ProblemParts::elements, "5 2 2 1"), "error: element: 5  have both nodes equal\n"},
-      {With(&ProblemParts::elements, "5 1 3 1"), "error: element 5 has an unknown node\n"},
+      {With(&ProblemParts::elements, "5 1 3 1"), "error: element 5 has an unknown node\n",
+       "node 2 of the element's 2 does not exist: the nodes have the numbers 1 to 2"},
       {With(&ProblemParts::materials, "1 EX 1"),
        "error in materials. Young Modulus can only be E, Ex or Ey\n"},
       {With(&ProblemParts::materials, "1 Ix 1"),
@@ -164,7 +170,8 @@ TEST(Messages, OfMeshesAndMaterials)
       {With(&ProblemParts::materials, "1 Gzz 1"),
        "error in materials. G can be: G Gxy Gxz or Gyz\n"},
       {With(&ProblemParts::materials, "1 Young 1"),
-       "Input of materials not correct. Unknown char: 'Young'\n"},
+       "Input of materials not correct. Unknown char: 'Young'\n",
+       "line 12: 'Young' is no key of a material: did you mean E?"},
       {With(&ProblemParts::materials, "1 E 1 Euler4 1"),
        "error: Euler angles must be: Euler1,Euler2 or Euler3\n"},
       {With(&ProblemParts::materials, "1 E 1 units=none"),
@@ -180,7 +187,9 @@ TEST(Messages, OfSupportsAndLoads)
   const auto loads = &ProblemParts::loads;
   const Refused cases[] = {
       {With(supports, "3 111 0 0 0"), "error: Trying to assign constrain to unknown node\n"},
-      {With(supports, "2 2 0 0"), "Not reading correctly the constraints. Number=2\n"},
+      {With(supports, "2 2 0 0"), "Not reading correctly the constraints. Number=2\n",
+       "line 15: 3 flags and 3 values are expected, 0 values are there after the flags '2 0 "
+       "0'"},
       {SpaceWith(supports, "2 111111 0"), "Not reading correctly the constraints. -A- Number=2\n"},
       {With(supports, "2 111 0 0 0 units"),
        "Not reading correctly the constraints. -B- Number=2\n"},
@@ -195,7 +204,8 @@ TEST(Messages, OfSupportsAndLoads)
       {With(loads, "3 0 0 0"), "error: Trying to assign Load to unknown node\n"},
       {With(loads, "0 0 0 0"), "error: Trying to assign Load to unknown node\n"},
       {With(loads, "2"), "Not reading correctly the loads A. Number=2\n"},
-      {With(loads, "2 0 0"), "Not reading correctly the loads B. Number=2\n"},
+      {With(loads, "2 0 0"), "Not reading correctly the loads B. Number=2\n",
+       "line 18: 3 values are expected, 2 values are there"},
       {SpaceWith(loads, "2 0 0 0"), "Not reading correctly the loads C. Number=2\n"},
       {With(loads, "2 0 0 0 units"), "Not reading correctly the loads. -D- Number=2\n"},
       {With(loads, "2 0 0 0 units a_name_of_21_characters"),
@@ -211,7 +221,8 @@ TEST(Messages, OfElementsAndSections)
 {
   const auto materials = &ProblemParts::materials;
   const Refused cases[] = {
-      {With(&ProblemParts::elements, "5 1 2 9"), "error: Material in element: 5 doesn't exist\n"},
+      {With(&ProblemParts::elements, "5 1 2 9"), "error: Material in element: 5 doesn't exist\n",
+       "the element has material 9, and the last material is 1"},
       {With(&ProblemParts::coordinates, "1 1 1\n2 1 1"), "error: element 1 has no length\n"},
       {With(materials, "1 A 1 Iz 1"), "error: material parameter E is 0 for element 1\n"},
       {With(materials, "1 E 1 Iz 1"), "error: section parameter A is 0 for element 1\n"},

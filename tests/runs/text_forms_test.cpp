@@ -120,7 +120,8 @@ TEST(TextForms, LongUnknownWordsAreNamedByTheirFirst1023Characters)
 {
   const RunResult run = RunOnProblem(Problem() + "\n" + std::string(5000, 'w') + "\n");
   EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "Unknown key name=" + std::string(1023, 'w') + "\n");
+  const std::string message = "Unknown key name=" + std::string(1023, 'w') + "\n";
+  EXPECT_EQ(run.err.substr(0, run.err.find("hint: ")), message);
 }
 
 }  // namespace morlen

@@ -147,6 +147,17 @@ RunResult RunOnProblem(std::string_view problem)
   return RunProgram(folder, {"problem.dat"});
 }
 
+std::string HintAfter(const std::string& message, const RunResult& run)
+{
+  const std::string mark = message.ends_with('\n') ? "hint: " : "\nhint: ";
+  EXPECT_EQ(run.err.substr(0, message.size()), message);
+  const std::string rest = run.err.substr(std::min(message.size(), run.err.size()));
+  if (rest.empty())
+    return {};
+  EXPECT_TRUE(rest.starts_with(mark) && rest.find('\n', mark.size()) == rest.size() - 1) << run.err;
+  return rest.substr(mark.size(), rest.size() - mark.size() - 1);
+}
+
 std::string ReadFile(const fs::path& file)
 {
   std::ifstream in(file, std::ios::binary);

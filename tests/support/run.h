@@ -62,6 +62,10 @@ RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::strin
 /// Writes problem.dat into a new folder and runs the program on it.
 RunResult RunOnProblem(std::string_view problem);
 
+/// Expects that a run has written this message on the standard error, and nothing after it but a
+/// line "hint: ...". Returns the text of that line; empty without one.
+std::string HintAfter(const std::string& message, const RunResult& run);
+
 /// The content of a file outside the folders of tests. Fails the test when there is none.
 std::string ReadFile(const std::filesystem::path& file);
 

@@ -1,40 +1,32 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
+#include <ostream>
 #include <string_view>
+
+#include "base/output_file.h"
 
 namespace morlen {
 
-/// A file that appears whole or not at all: it is written under a temporary name in the
-/// folder of its target and takes the target's name at the end.
+/// An OutputFile of a companion: Commit tells the user its name.
 ///
-/// Until then the target keeps its old content; its permissions are kept in any case. Without
-/// Commit no file remains. Fatal: a target that is not a regular file; a folder or a disk where the
-/// file cannot be written.
+/// Until Commit the target keeps its old content. Without Commit no file remains, also after a
+/// signal. Fatal: a target that is a problem file, or no regular file (a device or a folder); a
+/// folder or a disk where the file cannot be written.
 class AtomicFile
 {
 public:
   explicit AtomicFile(const std::filesystem::path& name);
-  AtomicFile(const AtomicFile&) = delete;
-  AtomicFile& operator=(const AtomicFile&) = delete;
-  ~AtomicFile();
 
-  std::ofstream& Stream() { return stream; }
+  std::ostream& Stream() { return file.Stream(); }
   void Write(std::string_view text);
 
-  /// Gives the file its name and prints "wrote" and the name on standard output.
+  /// Finishes the file and prints "wrote" and its name on standard output.
   void Commit();
 
 private:
-  [[noreturn]] void Fail(int error);
-  void RemoveTemporary();
-
-  std::filesystem::path shown;   ///< as the user gave it
-  std::filesystem::path target;  ///< the file at the end of symbolic links
-  std::filesystem::path temporary;
-  int descriptor = -1;
-  std::ofstream stream;
+  std::filesystem::path name;
+  OutputFile file;
 };
 
 }  // namespace morlen

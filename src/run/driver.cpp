@@ -1,7 +1,7 @@
 #include "run/driver.h"
 
+#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 #include <fstream>
 #include <string>
@@ -10,10 +10,12 @@
 #include "base/errorwriter.h"
 #include "base/output_file.h"
 #include "base/stprintf.h"
+#include "base/unfinished_files.h"
 #include "problem/foreign_file.h"
 #include "run/file_identity.h"
 #include "run/process_streams.h"
 #include "run/project.h"
+#include "run/result_files.h"
 
 namespace morlen {
 
@@ -66,7 +68,7 @@ std::FILE* OpenFile(const char* name)
 {
   std::FILE* file = IsStandardOutput(name) ? stdout : std::fopen(name, "w");
   if (!file)
-    Fatal("can't open file ", name, "\n");
+    CannotOpen(name, errno);
   return file;
 }
 
@@ -76,8 +78,19 @@ std::string NameWithEnding(const std::string& name, const char* ending)
   return name.substr(0, name.rfind('.')) + ending;
 }
 
+ResultNames ResultNamesOf(const Options& options)
+{
+  ResultNames names;
+  if (options.outputName)
+    names.text = options.outputName;
+  names.results = NameWithEnding(options.inputName, kResultsEnding);
+  names.mesh = NameWithEnding(options.inputName, kMeshEnding);
+  names.writeMesh = options.writeMesh;
+  return names;
+}
+
 // The problem file and all files that the run writes.
-std::vector<RunFile> FilesOf(const Options& options)
+std::vector<RunFile> FilesOf(const Options& options, const ResultNames& results)
 {
   std::vector<RunFile> files = {{"problem file", options.inputName}};
   bool standardOutput = false;
@@ -91,27 +104,18 @@ std::vector<RunFile> FilesOf(const Options& options)
   addStream("error file", options.errorName);
   if (standardOutput)
     files.push_back({"standard output", "standard output", true});
-  if (options.outputName)
-    files.push_back({"text results file", options.outputName});
-  files.push_back({"results file", NameWithEnding(options.inputName, kResultsEnding)});
-  if (options.writeMesh)
-    files.push_back({"mesh file", NameWithEnding(options.inputName, kMeshEnding)});
+  if (results.text)
+    files.push_back({"text results file", *results.text});
+  files.push_back({"results file", results.results});
+  if (results.writeMesh)
+    files.push_back({"mesh file", results.mesh});
   return files;
 }
 
-void WriteResultFiles(const Project& project, const Options& options)
+void RequireFreeToWrite(const std::vector<RunFile>& files)
 {
-  if (options.outputName) {
-    std::ofstream output;
-    OpenOutput(output, options.outputName);
-    project.WriteResults(output);
-    CloseOutput(output);
-  }
-  std::ofstream results;
-  OpenOutput(results, NameWithEnding(options.inputName, kResultsEnding));
-  const std::string meshName = NameWithEnding(options.inputName, kMeshEnding);
-  project.WriteKivResults(results, options.writeMesh ? meshName.c_str() : nullptr);
-  CloseOutput(results);
+  RequireDifferentFiles(files);
+  RequireNoProblemFile({files.begin() + 1, files.end()});
 }
 
 void PrintUsage(const char* program)
@@ -126,14 +130,23 @@ void PrintUsage(const char* program)
 }
 
 // Reads a problem, solves it and writes the result files. info: receives the progress, may be null.
+//
+// Results of earlier runs are kept until the problem file has been read and all result files can be
+// written. From then on no file has older results, also when the analysis fails.
 void Solve(Project& project, std::ifstream& input, const Options& options, std::FILE* info)
 {
+  const ResultNames names = ResultNamesOf(options);
+  RemoveRestsOfKilledRuns(names);
   project.ReadFromAscii(input);
+  ResultFiles files(names);
+  files.Empty();
+  if (!names.writeMesh)
+    EmptyStaleMesh(names.mesh, FilesOf(options, names));
   project.Calc(options.renumber, info);
   Progress(info, "Beginning calc strengths and reactions\n");
   project.CalcStrengthsAndReactions(info);
   Progress(info, "End of calc strengths and reactions\nTransfering results\n");
-  WriteResultFiles(project, options);
+  files.Write(project);
 }
 
 }  // namespace
@@ -142,6 +155,7 @@ int RunMorlen(int argc, char** argv)
 {
   const std::clock_t start = std::clock();
   ProtectStreams();
+  CleanUpOnSignals();
   Options options;
   if (!ParseArguments(argc, argv, options)) {
     PrintUsage(argc > 0 ? argv[0] : "morlen");
@@ -151,7 +165,7 @@ int RunMorlen(int argc, char** argv)
   std::ifstream input(options.inputName);
   if (!input)
     Fatal("can't open file ", options.inputName, "\n");
-  RequireDifferentFiles(FilesOf(options));
+  RequireFreeToWrite(FilesOf(options, ResultNamesOf(options)));
   Project project(100);
   std::FILE* info = options.infoName ? OpenFile(options.infoName) : nullptr;
   if (options.errorName)

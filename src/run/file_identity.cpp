@@ -6,11 +6,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
-#include <system_error>
 
 #include "base/errorwriter.h"
+#include "base/link_chain.h"
+#include "problem/problem_file.h"
 
 namespace morlen {
 
@@ -28,20 +30,6 @@ struct Identity
   bool operator==(const Identity&) const = default;
 };
 
-// The end of a chain of symbolic links to a file that does not exist yet.
-fs::path LinkTarget(fs::path name)
-{
-  constexpr int kMostLinks = 40;
-  for (int i = 0; i < kMostLinks; ++i) {
-    std::error_code isNoLink;
-    const fs::path target = fs::read_symlink(name, isNoLink);
-    if (isNoLink)
-      break;
-    name = name.parent_path() / target;
-  }
-  return name;
-}
-
 // Empty for names that need no check: devices and pipes can be written several times, and files in
 // missing folders cannot be opened.
 std::optional<Identity> IdentityOf(const RunFile& file)
@@ -54,7 +42,7 @@ std::optional<Identity> IdentityOf(const RunFile& file)
       return {};
     return Identity{found.st_dev, found.st_ino, {}};
   }
-  const fs::path name = LinkTarget(file.name);
+  const fs::path name = LinkChain(file.name).back();
   const fs::path folder = name.has_parent_path() ? name.parent_path() : ".";
   if (!name.has_filename() || stat(folder.c_str(), &found) != 0)
     return {};
@@ -75,6 +63,25 @@ void RequireDifferentFiles(const std::vector<RunFile>& files)
     }
     identities.push_back(own);
   }
+}
+
+void RequireNoProblemFile(const std::vector<RunFile>& outputs)
+{
+  for (const RunFile& file : outputs) {
+    if (file.isStandardOutput || !IsProblemFile(file.name))
+      continue;
+    Explain("a run takes one problem file, after the options; the files that it writes have other ",
+            "names");
+    Fatal("error: the ", file.role, " ", file.name,
+          " is a problem file and would be written over\n");
+  }
+}
+
+bool IsAmong(const RunFile& file, const std::vector<RunFile>& others)
+{
+  const std::optional<Identity> own = IdentityOf(file);
+  return own && std::any_of(others.begin(), others.end(),
+                            [&](const RunFile& other) { return IdentityOf(other) == own; });
 }
 
 }  // namespace morlen

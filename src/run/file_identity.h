@@ -17,4 +17,10 @@ struct RunFile
 /// named several times.
 void RequireDifferentFiles(const std::vector<RunFile>& files);
 
+/// Fatal when one of the files to be written exists and begins like a problem file.
+void RequireNoProblemFile(const std::vector<RunFile>& outputs);
+
+/// True when the file is one of the others under any name.
+bool IsAmong(const RunFile& file, const std::vector<RunFile>& others);
+
 }  // namespace morlen

@@ -86,7 +86,28 @@ TEST(AtomicFile, RefusesTargetsThatAreNotFiles)
   ExpectFatal([&] { AtomicFile file("/dev/null"); },
               "can't write file /dev/null: it is no regular file\n");
   ExpectFatal([&] { AtomicFile file(folder.Path() / "no" / "a"); },
-              "can't write file " + name + "/no/a: No such file or directory\n");
+              "can't open file " + name + "/no/a\n");
+  EXPECT_EQ(errorwriter.Hint(), "No such file or directory");
+}
+
+TEST(AtomicFile, RefusesProblemFiles)
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", "problem type: 2d\n");
+  const std::string name = (folder.Path() / "model.dat").string();
+  ExpectFatal([&] { AtomicFile file(name); },
+              "error: " + name + " is a problem file and would be written over\n");
+  EXPECT_EQ(folder.Read("model.dat"), "problem type: 2d\n");
+}
+
+TEST(AtomicFile, WithoutContentIsAnEmptyFile)
+{
+  const TemporaryFolder folder;
+  folder.Write("a.txt", "old");
+  testing::internal::CaptureStdout();
+  AtomicFile(folder.Path() / "a.txt").Commit();
+  testing::internal::GetCapturedStdout();
+  EXPECT_EQ(folder.Read("a.txt"), "");
 }
 
 TEST(AtomicFile, EndsTheRunWhenTheFolderIsGoneAtTheEnd)
@@ -95,8 +116,8 @@ TEST(AtomicFile, EndsTheRunWhenTheFolderIsGoneAtTheEnd)
   fs::create_directory(folder.Path() / "sub");
   AtomicFile file(folder.Path() / "sub" / "a");
   fs::remove_all(folder.Path() / "sub");
-  ExpectFatal([&] { file.Commit(); }, "can't write file " + (folder.Path() / "sub" / "a").string() +
-                                          ": No such file or directory\n");
+  ExpectFatal([&] { file.Stream(); },
+              "can't open file " + (folder.Path() / "sub" / "a").string() + "\n");
 }
 
 }  // namespace morlen

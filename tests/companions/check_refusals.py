@@ -134,7 +134,9 @@ class Refusals(unittest.TestCase):
         (self.folder / "taken").mkdir()
         self.refuse("can't write file taken: it is no regular file", "m.dat", "--json", "taken")
         self.refuse("it is no regular file", "m.dat", "--vtu", "/dev/null")
-        self.refuse("can't write file no/a.json: No such file or directory", "m.dat", "--json", "no/a.json")
+        self.refuse("can't open file no/a.json\nhint: No such file or directory\n", "m.dat", "--json", "no/a.json")
+        (self.folder / "other.dat").write_text("# a model\nproblem type: 2d\n")
+        self.refuse("error: other.dat is a problem file and would be written over\n", "m.dat", "--json", "other.dat")
         self.refuse("can't make folder m.dat", "m.dat", "--csv", "m.dat")
 
     def test_names_of_units_are_quoted_in_every_format(self):

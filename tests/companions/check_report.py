@@ -73,7 +73,7 @@ class Report(unittest.TestCase):
         self.refuse("can't open file none.dat", "none.dat")
         for name in ("m.dat", "m.txt", "./m.morlen.res"):
             self.refuse("is read and can't be written", "m.dat", "-o", name)
-        self.refuse("can't write file no/r.html", "m.dat", "-o", "no/r.html")
+        self.refuse("can't open file no/r.html", "m.dat", "-o", "no/r.html")
         time = os.stat(self.folder / "m.dat").st_mtime
         os.utime(self.folder / "m.morlen.res", (time - 5, time - 5))
         self.refuse("error: m.morlen.res is older than m.dat", "m.dat")

@@ -165,8 +165,8 @@ TEST_F(DriverTest, ResultNamesAreCutAtTheLastDot)
 TEST_F(DriverTest, FilesThatCannotBeOpenedEndTheRun)
 {
   WriteProblem("model.dat");
-  const std::string message = "can't open file nowhere/file\n";
-  Fail({"nowhere/file"}, "", message);
+  Fail({"nowhere/file"}, "", "can't open file nowhere/file\n");
+  const std::string message = "can't open file nowhere/file\nhint: No such file or directory\n";
   Fail({"-i", "nowhere/file", "model.dat"}, "", message);
   Fail({"-e", "nowhere/file", "model.dat"}, "", message);
   Fail({"model.dat", "nowhere/file"}, "", message);
@@ -176,10 +176,10 @@ TEST_F(DriverTest, ResultFilesThatCannotBeOpenedEndTheRun)
 {
   WriteProblem("model.dat");
   std::filesystem::create_directory(folder.Path() / "model.morlen.bon");
-  Fail({"-p", "model.dat"}, "", "can't open file model.morlen.bon\n");
+  Fail({"-p", "model.dat"}, "", "can't open file model.morlen.bon\nhint: Is a directory\n");
   std::filesystem::remove(folder.Path() / "model.morlen.res");
   std::filesystem::create_directory(folder.Path() / "model.morlen.res");
-  Fail({"model.dat"}, "", "can't open file model.morlen.res\n");
+  Fail({"model.dat"}, "", "can't open file model.morlen.res\nhint: Is a directory\n");
 }
 
 TEST_F(DriverTest, MissingProblemFileIsReportedBeforeTheErrorFileIsOpen)
@@ -191,7 +191,8 @@ TEST_F(DriverTest, MissingProblemFileIsReportedBeforeTheErrorFileIsOpen)
 TEST_F(DriverTest, InformationFileIsOpenedBeforeTheErrorFile)
 {
   WriteProblem("model.dat");
-  Fail({"-e", "errs.txt", "-i", "nowhere/info", "model.dat"}, "", "can't open file nowhere/info\n");
+  Fail({"-e", "errs.txt", "-i", "nowhere/info", "model.dat"}, "",
+       "can't open file nowhere/info\nhint: No such file or directory\n");
   EXPECT_FALSE(folder.Has("errs.txt"));
 }
 
@@ -202,7 +203,8 @@ TEST_F(DriverTest, MessagesGoToTheErrorFile)
   EXPECT_EQ(folder.Read("errs.txt"), kWrongType);
   WriteProblem("model.dat");
   Fail({"-e", "errs.txt", "model.dat", "nowhere/out"}, "", "");
-  EXPECT_EQ(folder.Read("errs.txt"), "can't open file nowhere/out\n");
+  EXPECT_EQ(folder.Read("errs.txt"),
+            "can't open file nowhere/out\nhint: No such file or directory\n");
 }
 
 TEST_F(DriverTest, ErrorFileNamedWithADashIsTheStandardOutput)

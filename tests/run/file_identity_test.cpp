@@ -57,6 +57,47 @@ TEST_F(FileIdentityTest, ProblemFileIsNotOverwritten)
   ExpectRefused({"-e", "model.dat", "model.dat"}, "problem file", "error file", "model.dat");
 }
 
+TEST_F(FileIdentityTest, NoProblemFileIsOverwritten)
+{
+  const std::string other = "# another model\n" + problem;
+  const struct
+  {
+    const char* role;
+    std::vector<std::string> arguments;
+    const char* name;
+  } cases[] = {
+      {"text results file", {"model.dat", "other.dat"}, "other.dat"},
+      {"information file", {"-i", "other.dat", "model.dat"}, "other.dat"},
+      {"error file", {"-e", "other.dat", "model.dat"}, "other.dat"},
+      {"information file", {"-i", "other.dat", "model.dat", "other.dat.txt"}, "other.dat"},
+      {"results file", {"model.dat"}, "model.morlen.res"},
+      {"mesh file", {"-p", "model.dat"}, "model.morlen.bon"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.role);
+    folder.Write(c.name, other);
+    const std::map<std::string, std::string> before = folder.Files();
+    const RunResult run = RunProgram(folder, c.arguments);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, std::string("error: the ") + c.role + " " + c.name +
+                           " is a problem file and would be written over\n"
+                           "hint: a run takes one problem file, after the options; the files that "
+                           "it writes have other names\n");
+    EXPECT_EQ(folder.Files(), before);
+    fs::remove(folder.Path() / c.name);
+  }
+}
+
+TEST_F(FileIdentityTest, AProblemFileIsFoundThroughALinkAndWhenItHasErrors)
+{
+  folder.Write("other.dat", "Problem = bridge\nType = 3d\nmesh that is not complete\n");
+  folder.Link("out.txt", "other.dat");
+  const std::map<std::string, std::string> before = folder.Files();
+  EXPECT_EQ(RunProgram(folder, {"model.dat", "out.txt"}).status, 2);
+  EXPECT_EQ(folder.Files(), before);
+}
+
 TEST_F(FileIdentityTest, OtherNamesOfTheProblemFileAreFound)
 {
   folder.Link("link.txt", "model.dat");
@@ -93,7 +134,7 @@ TEST_F(FileIdentityTest, LinksToFilesThatDoNotExistYetAreFollowed)
   ExpectRefused({"model.dat", "out.txt"}, "text results file", "results file", "model.morlen.res");
   folder.Link("round.txt", "round.txt");
   const RunResult run = RunProgram(folder, {"model.dat", "round.txt"});
-  EXPECT_EQ(run.err, "can't open file round.txt\n");
+  EXPECT_EQ(run.err, "can't open file round.txt\nhint: Too many levels of symbolic links\n");
 }
 
 TEST_F(FileIdentityTest, MeshFileCountsOnlyWhenItIsWritten)
@@ -121,7 +162,7 @@ TEST_F(FileIdentityTest, EmptyNamesFailOnOpening)
 {
   const RunResult run = RunProgram(folder, {"-i", "", "-e", "", "model.dat", ""});
   EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "can't open file \n");
+  EXPECT_EQ(run.err, "can't open file \nhint: No such file or directory\n");
 }
 
 TEST_F(FileIdentityTest, FilesInMissingFoldersAreNotCompared)

@@ -45,11 +45,14 @@ void Apply(const RunConditions& conditions)
   Limit(RLIMIT_FSIZE, conditions.fileSize);
   Limit(RLIMIT_STACK, conditions.stack);
   Limit(RLIMIT_AS, conditions.addressSpace);
+  if (const auto user = conditions.user; user && (setgid(*user) != 0 || setuid(*user) != 0))
+    _exit(126);
 }
 
-// Runs MORLEN_PROGRAM in the folder with its two streams in files. Returns status and memory.
-RunResult Execute(const fs::path& folder, const std::vector<std::string>& arguments,
-                  const fs::path& out, const fs::path& err, const RunConditions& conditions)
+// Starts MORLEN_PROGRAM in the folder with its two streams in files. Returns the process, -1 when
+// there is none.
+pid_t Start(const fs::path& folder, const std::vector<std::string>& arguments, const fs::path& out,
+            const fs::path& err, const RunConditions& conditions)
 {
   std::vector<std::string> words = {"morlen"};
   words.insert(words.end(), arguments.begin(), arguments.end());
@@ -68,18 +71,7 @@ RunResult Execute(const fs::path& folder, const std::vector<std::string>& argume
     execv(MORLEN_PROGRAM, argv.data());
     _exit(127);
   }
-  if (child > 0 && conditions.killAfter) {
-    usleep(static_cast<useconds_t>(*conditions.killAfter));
-    kill(child, SIGKILL);
-  }
-  int state = 0;
-  rusage usage = {};
-  if (child < 0 || wait4(child, &state, 0, &usage) != child)
-    return {};
-  return {.status = WIFEXITED(state) ? WEXITSTATUS(state) : -1,
-          .memory = usage.ru_maxrss * 1024,
-          .out = {},
-          .err = {}};
+  return child;
 }
 
 }  // namespace
@@ -124,20 +116,57 @@ std::map<std::string, std::string> TemporaryFolder::Files() const
   return files;
 }
 
-RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
-                     const RunConditions& conditions)
+StartedRun::StartedRun(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
+                       const RunConditions& conditions)
+    : out(conditions.standardOutput.empty() ? streams.Path() / "out"
+                                            : folder.Path() / conditions.standardOutput),
+      ownOutput(conditions.standardOutput.empty())
 {
-  const TemporaryFolder streams;
-  const bool ownOutput = conditions.standardOutput.empty();
-  const fs::path out =
-      ownOutput ? streams.Path() / "out" : folder.Path() / conditions.standardOutput;
   streams.Write("err", "");  // a run may be killed before it opens its streams
   if (ownOutput)
     streams.Write("out", "");
-  RunResult result = Execute(folder.Path(), arguments, out, streams.Path() / "err", conditions);
+  process = Start(folder.Path(), arguments, out, streams.Path() / "err", conditions);
+}
+
+StartedRun::~StartedRun()
+{
+  if (process <= 0)
+    return;
+  Send(SIGKILL);
+  Wait();
+}
+
+void StartedRun::Send(int signal) const
+{
+  if (process > 0)
+    kill(process, signal);
+}
+
+RunResult StartedRun::Wait()
+{
+  int state = 0;
+  rusage usage = {};
+  RunResult result;
+  if (process > 0 && wait4(process, &state, 0, &usage) == process) {
+    result.status = WIFEXITED(state) ? WEXITSTATUS(state) : -1;
+    result.signal = WIFSIGNALED(state) ? WTERMSIG(state) : 0;
+    result.memory = usage.ru_maxrss * 1024;
+  }
+  process = -1;
   result.out = ownOutput ? streams.Read("out") : "";
   result.err = streams.Read("err");
   return result;
+}
+
+RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
+                     const RunConditions& conditions)
+{
+  StartedRun run(folder, arguments, conditions);
+  if (conditions.killAfter) {
+    usleep(static_cast<useconds_t>(*conditions.killAfter));
+    run.Send(SIGKILL);
+  }
+  return run.Wait();
 }
 
 RunResult RunOnProblem(std::string_view problem)

@@ -38,6 +38,7 @@ private:
 struct RunResult
 {
   int status = -1;  ///< exit status; -1 when a signal ended the run
+  int signal = 0;   ///< the signal; 0 when the run ended by itself
   long memory = 0;  ///< peak memory in bytes
   std::string out;
   std::string err;
@@ -52,10 +53,32 @@ struct RunConditions
   std::optional<long> stack = {};         ///< most bytes of the stack
   std::optional<long> addressSpace = {};  ///< most bytes of memory
   std::optional<int> killAfter = {};      ///< microseconds
+  std::optional<unsigned> user = {};      ///< number of the user and of the group
   std::vector<std::pair<std::string, std::string>> environment = {};  ///< added to that of the test
 };
 
-/// Runs the built program with these arguments in the folder.
+/// A run of the built program that goes on while the test looks at its files.
+class StartedRun
+{
+public:
+  StartedRun(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
+             const RunConditions& conditions = {});
+  StartedRun(const StartedRun&) = delete;
+  StartedRun& operator=(const StartedRun&) = delete;
+  ~StartedRun();  ///< kills the run unless Wait has been called
+
+  void Send(int signal) const;
+  /// Waits for the end of the run.
+  RunResult Wait();
+
+private:
+  TemporaryFolder streams;    ///< for the files of standard output and standard error
+  std::filesystem::path out;  ///< the file of standard output
+  bool ownOutput;             ///< that file is in `streams`
+  int process = -1;
+};
+
+/// Runs the built program with these arguments in the folder, to its end.
 RunResult RunProgram(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
                      const RunConditions& conditions = {});
 

@@ -1,0 +1,129 @@
+// The register of unfinished files. It is a fixed table of atomic values, because a signal may
+// arrive at any time and its handler may only use lock-free values and calls such as unlink and
+// ftruncate (POSIX.1-2017, System Interfaces, 2.4.3: async-signal-safe functions).
+
+#include "base/unfinished_files.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <csignal>
+
+namespace morlen {
+
+namespace {
+
+void CleanUpFile(const char* removed, int emptied)
+{
+  if (removed)
+    unlink(removed);
+  // The result is of no use: the process ends, or reports the error that led here.
+  if (emptied >= 0 && ftruncate(emptied, 0) != 0)
+    return;
+}
+
+class Register
+{
+public:
+  ~Register() { CleanUp(); }
+
+  // Returns the slot; -1 when all are taken.
+  int Enter(const char* removed, int emptied)
+  {
+    for (int i = 0; i < kSlots; ++i) {
+      if (slots[i].taken.exchange(true))
+        continue;
+      slots[i].emptied = emptied;
+      slots[i].removed = removed;
+      return i;
+    }
+    return -1;
+  }
+
+  void Leave(int slot)
+  {
+    slots[slot].removed = nullptr;
+    slots[slot].emptied = -1;
+    slots[slot].taken = false;
+  }
+
+  void CleanUp()
+  {
+    for (Slot& slot : slots)
+      CleanUpFile(slot.removed.exchange(nullptr), slot.emptied.exchange(-1));
+  }
+
+private:
+  static constexpr int kSlots = 64;
+  struct Slot
+  {
+    std::atomic<bool> taken = false;
+    std::atomic<const char*> removed = nullptr;
+    std::atomic<int> emptied = -1;
+  };
+  static_assert(std::atomic<const char*>::is_always_lock_free);
+  static_assert(std::atomic<int>::is_always_lock_free);
+
+  std::array<Slot, kSlots> slots;
+};
+
+constinit Register unfinishedFiles;
+
+extern "C" void CleanUpAndEnd(int signal)
+{
+  unfinishedFiles.CleanUp();
+  raise(signal);  // the default action, which SA_RESETHAND has restored, follows on return
+}
+
+}  // namespace
+
+void UnfinishedFile::Remove(const char* name)
+{
+  removed = name;
+  EnterInRegister();
+}
+
+void UnfinishedFile::Empty(int descriptor)
+{
+  emptied = descriptor;
+  EnterInRegister();
+}
+
+void UnfinishedFile::EnterInRegister()
+{
+  if (slot >= 0)
+    unfinishedFiles.Leave(slot);
+  slot = unfinishedFiles.Enter(removed, emptied);
+}
+
+void UnfinishedFile::Release()
+{
+  if (slot >= 0)
+    unfinishedFiles.Leave(slot);
+  slot = -1;
+  removed = nullptr;
+  emptied = -1;
+}
+
+void UnfinishedFile::CleanUp()
+{
+  CleanUpFile(removed, emptied);
+  Release();
+}
+
+void CleanUpOnSignals()
+{
+  for (const int signal :
+       {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGALRM, SIGVTALRM, SIGPROF, SIGUSR1, SIGUSR2, SIGXCPU}) {
+    struct sigaction action = {};
+    if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
+      continue;
+    action.sa_handler = CleanUpAndEnd;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigfillset(&action.sa_mask);
+    sigaction(signal, &action, nullptr);
+  }
+}
+
+}  // namespace morlen

@@ -1,0 +1,38 @@
+#pragma once
+
+namespace morlen {
+
+/// Removes or empties a file unless Release says that the file is finished.
+///
+/// The destructor does it; so does the end of the process by exit (an error calls it, which runs no
+/// destructors of local objects) and by the signals of CleanUpOnSignals.
+class UnfinishedFile
+{
+public:
+  UnfinishedFile() = default;
+  UnfinishedFile(const UnfinishedFile&) = delete;
+  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+  ~UnfinishedFile() { CleanUp(); }
+
+  /// The file of this name is removed. The text is borrowed until Release or CleanUp.
+  void Remove(const char* name);
+  /// The open file is emptied. The descriptor is borrowed until Release or CleanUp.
+  void Empty(int descriptor);
+
+  void Release();  ///< the file stays as it is
+  void CleanUp();  ///< removes or empties the file now
+
+private:
+  void EnterInRegister();
+
+  const char* removed = nullptr;  ///< null: no file is removed
+  int emptied = -1;               ///< -1: no file is emptied
+  int slot = -1;                  ///< place in the register of the process; -1 when it is full
+};
+
+/// Lets the signals that end the process clean up the unfinished files first; then the process ends
+/// by the signal as before. Signals that are ignored, or that have a handler, are left alone.
+/// SIGKILL, and the signals of faults in the program, cannot or do not clean up.
+void CleanUpOnSignals();
+
+}  // namespace morlen

@@ -4,22 +4,29 @@
     scripts/verify_shells.py path/to/morlen [--fine]
 
 Every table has the computed value divided by the reference, for three-node triangles and for
-the same mesh with ConvertTo6Nodes. --fine adds one more division. Standard library only.
+the same mesh with ConvertTo6Nodes. The last three tables have faults of meshes. --fine adds one more
+division. Standard library only.
 """
 
 import argparse
 import math
 import subprocess
 import tempfile
-import time
 from fractions import Fraction
 from pathlib import Path
 
 
-class Shell:
-    """A grid of quadrilaterals cut into triangles, with its supports and loads."""
+def in_turn(i, j):
+    return (i + j) % 2 == 0
 
-    def __init__(self, nx, ny, place, material):
+
+class Shell:
+    """A grid of quadrilaterals cut into triangles, with its supports and loads.
+
+    rising(i, j) chooses the diagonal of a quadrilateral: the one from its first corner, or the other.
+    """
+
+    def __init__(self, nx, ny, place, material, rising=in_turn):
         self.nx, self.ny, self.material = nx, ny, material
         self.nodes = [place(i / nx, j / ny) for j in range(ny + 1) for i in range(nx + 1)]
         self.triangles = []
@@ -27,7 +34,7 @@ class Shell:
             for i in range(nx):
                 a = self.node(i, j)
                 b, c, d = a + 1, a + nx + 2, a + nx + 1
-                self.triangles += [(a, b, c), (a, c, d)] if (i + j) % 2 == 0 else [(a, b, d), (b, c, d)]
+                self.triangles += [(a, b, c), (a, c, d)] if rising(i, j) else [(a, b, d), (b, c, d)]
         self.supports, self.loads, self.rest, self.settings = {}, [], [], []
 
     def node(self, i, j):
@@ -80,37 +87,53 @@ class Runner:
     def __init__(self, program):
         self.program = program
 
-    def displacement(self, shell, six, node):
-        """The six displacements of a node, and the time of the run."""
+    def results(self, shell, six, suffix):
+        """The lines of a result file."""
         with tempfile.TemporaryDirectory() as folder:
             (Path(folder) / "model.dat").write_text(shell.text(six))
-            start = time.perf_counter()
             run = subprocess.run([self.program, "model.dat", "model.txt"], cwd=folder, text=True,
                                  capture_output=True)
             if run.returncode:
                 raise SystemExit(f"{self.program}: {run.stderr}")
-            seconds = time.perf_counter() - start
-            for line in (Path(folder) / "model.txt").read_text().splitlines():
-                words = line.split()
-                if words and words[0] == str(node):
-                    return [float(word) for word in words[1:]], seconds
+            return (Path(folder) / f"model{suffix}").read_text().splitlines()
+
+    def displacement(self, shell, six, node):
+        """The six displacements of a node."""
+        for line in self.results(shell, six, ".txt"):
+            words = line.split()
+            if words and words[0] == str(node):
+                return [float(word) for word in words[1:]]
         raise SystemExit(f"no node {node}")
 
-    def table(self, title, sizes, columns):
+    def moments(self, shell):
+        """The moments at all points of all triangles, with six nodes."""
+        lines = iter(self.results(shell, True, ".morlen.res"))
+        while not next(lines).startswith("Momentus"):
+            pass
+        values = []
+        for line in lines:
+            words = line.split()
+            if words[0][0].isalpha():
+                if values:
+                    break
+                continue  # the names of the components
+            values += [float(word) for word in words[-3:]]
+        return values
+
+    def table(self, title, sizes, columns, kinds=("3 nodes", "6 nodes")):
         """columns: (heading, problem(n) -> (shell, node, component, reference))."""
         print(f"\n{title}\n")
-        heads = [f"{head}, {kind}" for head, _ in columns for kind in ("3 nodes", "6 nodes")]
+        heads = [f"{head}, {kind}" for head, _ in columns for kind in kinds]
         print("| mesh | " + " | ".join(heads) + " |")
         print("|---" * (len(heads) + 1) + "|")
         for n in sizes:
-            row, size, slowest = [], "", 0.0
+            row, size = [], ""
             for _, problem in columns:
                 shell, node, component, reference = problem(n)
-                size = f"{shell.nx} × {shell.ny}"
-                for six in (False, True):
-                    u, seconds = self.displacement(shell, six, node)
+                size = size or f"{shell.nx} × {shell.ny}"
+                for kind in kinds:
+                    u = self.displacement(shell, kind == "6 nodes", node)
                     row.append(f"{u[component] / reference:.3f}")
-                    slowest = max(slowest, seconds)
             print(f"| {size} | " + " | ".join(row) + " |", flush=True)
 
 
@@ -252,19 +275,44 @@ def pinched_cylinder(n):
     return shell, 1, 2, -1.8248e-5
 
 
-def hemisphere(n):
-    R, E = 10.0, 6.825e7
-    top = math.radians(72)
+HEMISPHERE_MATERIAL = f"E=6.825e7 nu=0.3 G={6.825e7 / 2.6} t=0.04"
 
+
+def on_hemisphere(sector):
     def place(u, v):
-        a, b = math.pi / 2 * u, top * v
-        return R * math.cos(a) * math.cos(b), R * math.sin(a) * math.cos(b), R * math.sin(b)
-    shell = Shell(n, n, place, f"E={E} nu=0.3 G={E / 2.6} t=0.04")
-    shell.hold(shell.column(0), "010101")   # the plane y = 0
-    shell.hold(shell.column(-1), "100011")  # the plane x = 0
-    shell.hold([1], "001000")
-    shell.load(1, 1.0, 0.0, 0.0, 0.0, 0.0, 0.0)
-    shell.load(shell.node(-1, 0), 0.0, -1.0, 0.0, 0.0, 0.0, 0.0)
+        a, b = sector * u, math.radians(72) * v
+        return 10 * math.cos(a) * math.cos(b), 10 * math.sin(a) * math.cos(b), 10 * math.sin(b)
+    return place
+
+
+def hemisphere(rotations):
+    """A quarter; its symmetry planes hold their rotations or not."""
+    def problem(n):
+        shell = Shell(n, n, on_hemisphere(math.pi / 2), HEMISPHERE_MATERIAL)
+        shell.hold(shell.column(0), "010101" if rotations else "010000")   # the plane y = 0
+        shell.hold(shell.column(-1), "100011" if rotations else "100000")  # the plane x = 0
+        shell.hold([1], "001000")
+        shell.load(1, 1.0, 0.0, 0.0, 0.0, 0.0, 0.0)
+        shell.load(shell.node(-1, 0), 0.0, -1.0, 0.0, 0.0, 0.0, 0.0)
+        return shell, 1, 0, 0.0924
+    return problem
+
+
+def whole_hemisphere(n):
+    """Four times as many elements around: the last column of nodes is the first one."""
+    shell = Shell(4 * n, n, on_hemisphere(2 * math.pi), HEMISPHERE_MATERIAL)
+    last = {shell.node(-1, j): shell.node(0, j) for j in range(n + 1)}
+    shell.triangles = [tuple(last.get(node, node) for node in t) for t in shell.triangles]
+    left = [node for node in range(1, len(shell.nodes) + 1) if node not in last]
+    number = {node: i for i, node in enumerate(left, 1)}
+    shell.nodes = [shell.nodes[node - 1] for node in left]
+    shell.triangles = [tuple(number[node] for node in t) for t in shell.triangles]
+    # The loaded points, in the order of the angle; symmetry leaves them the held components.
+    points = [1 + k * n for k in range(4)]
+    for point, flags in zip(points, ("011000", "101000", "011000")):
+        shell.hold([point], flags)
+    for point, force in zip(points, ((2.0, 0.0), (0.0, -2.0), (-2.0, 0.0), (0.0, 2.0))):
+        shell.load(point, *force, 0.0, 0.0, 0.0, 0.0)
     return shell, 1, 0, 0.0924
 
 
@@ -285,6 +333,84 @@ def twisted(direction):
         # At the tip the strip's width lies along z.
         return shell, node, direction, {2: 5.424e-3, 1: 1.754e-3}[direction]
     return problem
+
+
+def cut_corners(t, corners):
+    """A whole square plate, simply supported; the diagonals cut off none, two or four corners."""
+    E, a = 1e6, 10.0
+
+    def rising(n):
+        return {0: lambda i, j: (2 * i < n) == (2 * j < n), 2: lambda i, j: True,
+                4: lambda i, j: (2 * i < n) != (2 * j < n)}[corners]
+
+    def problem(n):
+        shell = Shell(n, n, lambda u, v: (a * u, a * v, 0.0), f"E={E} nu={NU} G={E / 2 / (1 + NU)} t={t}",
+                      rising(n))
+        for k in (0, -1):
+            shell.hold(shell.column(k), "111100")
+            shell.hold(shell.row(k), "111010")
+        shell.pressure(0.0, 0.0, 1.0)
+        return shell, shell.node(n // 2, n // 2), 2, navier(t)
+    return problem
+
+
+# The axes of an oblique plane.
+OBLIQUE_X, OBLIQUE_Y, OBLIQUE_Z = ([x / math.hypot(*axis) for x in axis]
+                                   for axis in ((3, 2, 1), (-1, 3, -3), (-9, 8, 11)))
+
+
+def oblique_slab(n, decimals):
+    """A slab of 10 × 10 in an oblique plane, 0.2 thick, its coordinates with so many decimals."""
+    def place(u, v):
+        point = [10 * (u * x + v * y) for x, y in zip(OBLIQUE_X, OBLIQUE_Y)]
+        return tuple(round(p, decimals) for p in point) if decimals else tuple(point)
+    shell = Shell(n, n, place, f"E=1e6 nu={NU} G={1e6 / 2 / (1 + NU)} t=0.2")
+    for k in (0, -1):
+        shell.hold(shell.column(k), "111000")
+        shell.hold(shell.row(k), "111000")
+    shell.pressure(*OBLIQUE_Z)
+    return shell
+
+
+def rounded_slabs(run, sizes):
+    """Deflection of the middle by that of the exact slab, and the largest difference of moments."""
+    all_decimals = (2, 3, 4, 5, 6, 7)
+    print("\nOblique slab with rounded coordinates: deflection; error of moments\n")
+    print("| mesh | " + " | ".join(f"{d} decimals" for d in all_decimals) + " |")
+    print("|---" * (len(all_decimals) + 1) + "|")
+
+    def deflection(shell, n):
+        u = run.displacement(shell, True, shell.node(n // 2, n // 2))
+        return sum(a * b for a, b in zip(u, OBLIQUE_Z))
+    for n in sizes:
+        exact = oblique_slab(n, None)
+        w, moments = deflection(exact, n), run.moments(exact)
+        largest = max(map(abs, moments))
+        row = []
+        for decimals in all_decimals:
+            slab = oblique_slab(n, decimals)
+            error = max(abs(a - b) for a, b in zip(run.moments(slab), moments)) / largest
+            row.append(f"{deflection(slab, n) / w:.3f}; {100 * error:.0f} %")
+        print(f"| {n} × {n} | " + " | ".join(row) + " |", flush=True)
+
+
+def sprung_plate(n, stiffness):
+    """A rigid plate on equal springs at all nodes: it sinks by the load over their sum."""
+    shell = Shell(n, n, lambda u, v: (10 * u, 10 * v, 0.0), "E=1e9 nu=0.3 G=3.846e8 t=1")
+    shell.pressure(0.0, 0.0, 1.0)
+    records = [f"{i} 112000 0 0 {stiffness} 0 0 0" for i in range(1, len(shell.nodes) + 1)]
+    shell.rest.append("\n".join(["constraints", *records, "end constraints"]))
+    return shell
+
+
+def springs(run, sizes):
+    print("\nPlate on springs of all nodes: stiffness of the springs by that given\n")
+    print("| mesh | 3 nodes | 6 nodes |\n|---|---|---|")
+    for n in sizes:
+        shell = sprung_plate(n, 2.0)
+        given = 100.0 / (2.0 * len(shell.nodes))
+        row = [f"{given / run.displacement(shell, six, shell.node(n // 2, n // 2))[2]:.3f}" for six in (False, True)]
+        print(f"| {n} × {n} | " + " | ".join(row) + " |", flush=True)
 
 
 def main():
@@ -308,8 +434,15 @@ def main():
         print(f"supported, a/t = {10 / t:g}: w D/(q a⁴) = {navier(t) * 1e6 * t ** 3 / (12 * 0.91) / 1e4:.7f}")
     run.table("Cylindrical roof", [4, 8, 16, 32] + more, [("roof", roof)])
     run.table("Pinched cylinder", [4, 8, 16, 32] + more, [("cylinder", pinched_cylinder)])
-    run.table("Hemisphere with a hole of 18°", [4, 8, 16, 32] + more, [("hemisphere", hemisphere)])
+    run.table("Hemisphere with a hole of 18°", [4, 8, 16, 32] + more,
+              [("rotations held", hemisphere(True)), ("only displacements held", hemisphere(False)),
+               ("whole hemisphere", whole_hemisphere)])
     run.table("Twisted strip", [2, 4, 8, 16], [("in plane", twisted(2)), ("out of plane", twisted(1))])
+    run.table("Square plate with cut corners", [8, 16, 32] + more,
+              [(f"a/t = {round(10 / t)}, {corners} cut", cut_corners(t, corners))
+               for t in (1.0, 0.1) for corners in (0, 2, 4)], ["6 nodes"])
+    rounded_slabs(run, [8, 16, 32] + more)
+    springs(run, [4, 8, 16])
 
 
 if __name__ == "__main__":

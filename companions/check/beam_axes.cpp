@@ -39,8 +39,8 @@ void CheckLean(const Elem& beam, const Material* material, Recorder& recorder)
   const double lean = beam.Lean();
   if (!(lean > Elem::kVerticalLean && lean <= kMeantAsVertical))
     return;
-  recorder.Warn(recorder.PlaceOf(ReadItem::Element, beam.Num()), "element ", beam.Num(),
-                " leans by ", Rounded(lean, kDigits), " of its length: its local y is ",
+  recorder.Warn(Code::NearVerticalBeam, recorder.PlaceOf(ReadItem::Element, beam.Num()), "element ",
+                beam.Num(), " leans by ", Rounded(lean, kDigits), " of its length: its local y is ",
                 LocalY(beam, material),
                 ", horizontal across the lean; a vertical beam has (1, 0, 0). If it is meant to be "
                 "vertical, give both ends the same x and y");

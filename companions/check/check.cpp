@@ -4,6 +4,7 @@
 
 #include "assembly/coplanarity.h"
 #include "assembly/model_checks.h"
+#include "check/mechanisms.h"
 #include "check/recorder.h"
 #include "model/mesh.h"
 #include "problem/problem.h"
@@ -24,29 +25,48 @@ void CheckModelAsRead(const Subject& subject, Recorder& recorder)
     return;
   CheckConnectivity(subject, recorder);
   CheckUse(subject, recorder);
-  if (recorder.IsWhole(ReadTopic::Supports) && recorder.KnowsAll())
-    CheckSupports(subject, recorder);
+  CheckFolds(subject, recorder);
+}
+
+// The parts that their supports let move. In the others, if there is no further error, mechanisms
+// can be looked for.
+std::vector<std::size_t> CheckSupportsAsRead(const Subject& subject, Recorder& recorder)
+{
+  if (!subject.complete || !recorder.IsWhole(ReadTopic::Mesh) ||
+      !recorder.IsWhole(ReadTopic::Supports) || !recorder.KnowsAll())
+    return {};
+  CheckMiddleNodes(subject, recorder);
+  const bool sound = !recorder.HasErrors();
+  std::vector<std::size_t> loose = CheckSupports(subject, recorder);
+  return sound ? loose : std::vector<std::size_t>();
 }
 
 std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder)
 {
   if (problem.meshes.empty() || problem.meshes.back()->GiveFvType() == 0)
     return std::nullopt;  // the header or the head of a mesh could not be read
+  recorder.SetCode(Code::UnknownReference);
   CheckReferences(problem.meshes, problem.materials, AllFamilies());
   const Subject subject = SubjectOf(problem);
   CheckModelAsRead(subject, recorder);
+  const std::vector<std::size_t> loose = CheckSupportsAsRead(subject, recorder);
+  if (!loose.empty() && loose.size() < subject.parts.size())
+    CheckMechanisms(problem, subject, loose, recorder);
   if (recorder.HasErrors())
     return std::nullopt;
+  recorder.SetCode(Code::ModelRefused);
   CheckModel(problem.meshes, problem.problemType, problem.components, AllFamilies());
   if (problem.solverSettings.type == SolverType::Double)
-    recorder.AttemptAt(recorder.PlaceOf(ReadTopic::Solver),
+    recorder.AttemptAt(Code::SolverRefused, recorder.PlaceOf(ReadTopic::Solver),
                        [&] { CheckDoubleSolver(problem.meshes); });
   if (std::any_of(subject.elements.begin(), subject.elements.end(),
                   [](const Elem* elem) { return elem->ElemType() == Triangle; }))
-    recorder.AttemptAt(kWholeFile, [&] { MarkCoplanarNodes(problem); });
+    recorder.AttemptAt(Code::ModelRefused, kWholeFile, [&] { MarkCoplanarNodes(problem); });
   if (recorder.HasErrors())
     return std::nullopt;
   Summary summary = Summarise(problem, subject);
+  if (!recorder.HasErrors())
+    summary.untested = CheckMechanisms(problem, subject, {}, recorder);
   return recorder.HasErrors() ? std::nullopt : std::optional(std::move(summary));
 }
 
@@ -55,11 +75,12 @@ std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder)
 Report CheckText(std::string_view text)
 {
   TextScan scan(text);
-  Recorder recorder(text, scan);
   Problem problem(100);
+  Recorder recorder(text, scan, problem);
   Report report;
-  recorder.AttemptAt(kWholeFile, [&] {
+  recorder.AttemptAt(Code::Refused, kWholeFile, [&] {
     ReadProblem(scan, problem);
+    recorder.ReportUnitOrder();
     report.summary = CheckProblem(problem, recorder);
   });
   report.problems = Locate(recorder.Findings(), text);

@@ -22,6 +22,16 @@ struct Report
 /// the run.
 Report CheckText(std::string_view text);
 
+/// A report and the name of its file.
+struct FileReport
+{
+  std::string file;
+  Report report;
+};
+
+/// The reports as a JSON array of the objects that JsonOf gives for one.
+std::string JsonOf(const std::vector<FileReport>& reports);
+
 /// The report as one JSON object; `file` is named in it.
 std::string JsonOf(const Report& report, const std::string& file);
 

@@ -56,8 +56,13 @@ void CheckConnectivity(const Subject& subject, Recorder& recorder);
 void CheckBeamAxes(const Subject& subject, Recorder& recorder);
 /// Values that are missing in a material and needed by the kind of its elements.
 void CheckSections(const Subject& subject, Recorder& recorder);
-/// Motions of whole parts that no support or spring holds.
-void CheckSupports(const Subject& subject, Recorder& recorder);
+/// Supports and springs that the conversion to six nodes adds where they are not meant.
+void CheckMiddleNodes(const Subject& subject, Recorder& recorder);
+/// Flat shells whose triangles are folded by the rounding of their coordinates.
+void CheckFolds(const Subject& subject, Recorder& recorder);
+/// Motions of whole parts that no support or spring holds. Returns those parts, by position in
+/// Subject::parts.
+std::vector<std::size_t> CheckSupports(const Subject& subject, Recorder& recorder);
 /// Nodes, materials and unit systems that nothing uses; negative weights, weight without a
 /// direction of gravity.
 void CheckUse(const Subject& subject, Recorder& recorder);

@@ -11,8 +11,9 @@ void CheckConnectivity(const Subject& subject, Recorder& recorder)
   for (std::size_t i = 1; i < subject.parts.size(); ++i) {
     const std::vector<const Node*>& nodes = subject.parts[i].nodes;
     const int number = nodes.front()->number;
-    recorder.Warn(recorder.PlaceOf(ReadItem::Node, number), "the part of node ", number, " (",
-                  nodes.size(), " nodes) is not connected with that of node ",
+    recorder.Warn(Code::SeparateParts, recorder.PlaceOf(ReadItem::Node, number),
+                  "the part of node ", number, " (", nodes.size(),
+                  " nodes) is not connected with that of node ",
                   subject.parts.front().nodes.front()->number);
   }
 }

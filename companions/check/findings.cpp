@@ -1,12 +1,64 @@
 #include "check/findings.h"
 
 #include <algorithm>
+#include <iterator>
 #include <tuple>
 
 #include "check/joined.h"
 
 namespace morlen::check {
 namespace {
+
+// In the order of the codes.
+constexpr const char* kNames[] = {
+    "refused",
+    "unknown-keyword",
+    "word-missing",
+    "number-partly-read",
+    "value-at-free-component",
+    "key-without-value",
+    "key-misread",
+    "lone-width",
+    "records-lost",
+    "unit-order",
+    "negative-weight",
+    "text-skipped",
+    "text-ignored",
+    "key-ignored",
+    "value-glued",
+    "word-by-part",
+    "word-by-prefix",
+    "key-by-prefix",
+    "record-continued",
+    "not-decimal",
+    "word-in-comment",
+    "element-repeated",
+    "defined-twice",
+    "unknown-reference",
+    "model-refused",
+    "section-incomplete",
+    "poisson-ratio",
+    "asymmetric-material",
+    "axes-refused",
+    "solver-refused",
+    "element-without-size",
+    "turned-element",
+    "sliver",
+    "coincident-nodes",
+    "near-vertical-beam",
+    "separate-parts",
+    "free-motion",
+    "mechanism",
+    "mechanism-not-tested",
+    "unused-node",
+    "unused-material",
+    "unused-units",
+    "weight-without-direction",
+    "shell-edge-supported",
+    "shell-fold",
+    "spring-under-conversion",
+};
+static_assert(std::size(kNames) == static_cast<std::size_t>(Code::kCount));
 
 auto KeyOf(const Finding& problem)
 {
@@ -15,6 +67,16 @@ auto KeyOf(const Finding& problem)
 }
 
 }  // namespace
+
+const char* NameOf(Code code)
+{
+  return kNames[static_cast<std::size_t>(code)];
+}
+
+bool IsDataLost(Code code)
+{
+  return code >= Code::NumberPartlyRead && code <= Code::NegativeWeight;
+}
 
 std::vector<Located> Locate(std::vector<Finding> findings, std::string_view text)
 {
@@ -27,7 +89,7 @@ std::vector<Located> Locate(std::vector<Finding> findings, std::string_view text
   int line = 1;
   for (const Finding& problem : findings) {
     if (problem.offset == kWholeFile) {
-      located.push_back({problem.severity, 0, 0, problem.message});
+      located.push_back({problem.severity, problem.code, 0, 0, problem.message, problem.hint});
       continue;
     }
     const std::size_t place = static_cast<std::size_t>(problem.offset);
@@ -36,8 +98,8 @@ std::vector<Located> Locate(std::vector<Finding> findings, std::string_view text
       lineStart = end + 1;
       ++line;
     }
-    located.push_back(
-        {problem.severity, line, static_cast<int>(place - lineStart) + 1, problem.message});
+    located.push_back({problem.severity, problem.code, line,
+                       static_cast<int>(place - lineStart) + 1, problem.message, problem.hint});
   }
   return located;
 }
@@ -49,9 +111,18 @@ std::string PlaceOf(const Located& problem, const std::string& file)
              : file + ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column);
 }
 
+std::string TextOf(const Located& problem)
+{
+  std::string text = IsDataLost(problem.code) ? "data lost: " : "";
+  text += problem.message;
+  if (!problem.hint.empty())
+    text += " (hint: " + problem.hint + ")";
+  return text;
+}
+
 std::string LineOf(const Located& problem, const std::string& file)
 {
-  return PlaceOf(problem, file) + ": " + SeverityName(problem.severity) + ": " + problem.message;
+  return PlaceOf(problem, file) + ": " + SeverityName(problem.severity) + ": " + TextOf(problem);
 }
 
 const char* SeverityName(Severity severity)

@@ -9,9 +9,76 @@ namespace morlen::check {
 
 enum class Severity : int
 {
-  Error,   ///< the program refuses the file
+  Error,   ///< the program refuses the file, or loses data of it
   Warning  ///< the program accepts it, perhaps in another sense than intended
 };
+
+/// The kind of a finding. The names in findings.cpp are for programs that read the JSON: a new kind
+/// gets a new name, and a name keeps its meaning.
+enum class Code : int
+{
+  // Reading refused:
+  Refused,
+  UnknownKeyword,
+  WordMissing,
+
+  // Data lost:
+  NumberPartlyRead,
+  ValueAtFreeComponent,
+  KeyWithoutValue,
+  KeyMisread,
+  LoneWidth,
+  RecordsLost,
+  UnitOrder,
+  NegativeWeight,
+
+  // Doubtful text:
+  TextSkipped,
+  TextIgnored,
+  KeyIgnored,
+  ValueGlued,
+  WordByPart,
+  WordByPrefix,
+  KeyByPrefix,
+  RecordContinued,
+  NotDecimal,
+  WordInComment,
+  ElementRepeated,
+  DefinedTwice,
+
+  // The model as read:
+  UnknownReference,
+  ModelRefused,
+  SectionIncomplete,
+  PoissonRatio,
+  AsymmetricMaterial,
+  AxesRefused,
+  SolverRefused,
+  ElementWithoutSize,
+  TurnedElement,
+  Sliver,
+  CoincidentNodes,
+  NearVerticalBeam,
+  SeparateParts,
+  FreeMotion,
+  Mechanism,
+  MechanismNotTested,
+  UnusedNode,
+  UnusedMaterial,
+  UnusedUnits,
+  WeightWithoutDirection,
+  ShellEdgeSupported,
+  ShellFold,
+  SpringUnderConversion,
+
+  kCount
+};
+
+/// The stable name of a code, in small letters and hyphens.
+const char* NameOf(Code code);
+
+/// True for the kinds where the program accepts the file but loses data of it.
+bool IsDataLost(Code code);
 
 /// The offset of a problem of the whole file.
 constexpr std::ptrdiff_t kWholeFile = -1;
@@ -20,16 +87,20 @@ constexpr std::ptrdiff_t kWholeFile = -1;
 struct Finding
 {
   Severity severity;
+  Code code;
   std::ptrdiff_t offset;  ///< bytes from the beginning of the file, or kWholeFile
   std::string message;
+  std::string hint = {};  ///< the program's explanation of a refusal; empty without one
 };
 
 /// A problem with its line and column, both from 1; both 0 for a problem of the whole file.
 struct Located
 {
   Severity severity;
+  Code code;
   int line, column;
   std::string message;
+  std::string hint;
 };
 
 /// The findings sorted by place, without repetitions; those of the whole file come last.
@@ -37,6 +108,9 @@ std::vector<Located> Locate(std::vector<Finding> findings, std::string_view text
 
 /// "file:line:column", or the file alone.
 std::string PlaceOf(const Located& problem, const std::string& file);
+
+/// The message after its class and before its hint: "data lost: ...", "... (hint: ...)".
+std::string TextOf(const Located& problem);
 
 /// "model.dat:47:12: error: ..." without a newline.
 std::string LineOf(const Located& problem, const std::string& file);

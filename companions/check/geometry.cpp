@@ -6,6 +6,7 @@
 #include "base/constants.h"
 #include "check/checks.h"
 #include "check/recorder.h"
+#include "check/shell_edges.h"
 #include "model/node.h"
 
 namespace morlen::check {
@@ -98,8 +99,8 @@ void CheckCoincidence(const Subject& subject, Recorder& recorder)
   Grid grid(kCoincident * size);
   for (const Node* node : subject.nodes) {
     if (const Node* other = grid.Enter(*node))
-      recorder.Warn(recorder.PlaceOf(ReadItem::Node, node->number), "node ", node->number,
-                    " stands at the place of node ", other->number);
+      recorder.Warn(Code::CoincidentNodes, recorder.PlaceOf(ReadItem::Node, node->number), "node ",
+                    node->number, " stands at the place of node ", other->number);
   }
 }
 
@@ -142,37 +143,13 @@ void CheckShape(const Elem& elem, Recorder& recorder)
   const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Element, elem.Num());
   const std::string name = Joined("element ", elem.Num());
   if (!ExceedsRounding(std::fabs(determinant), LargestDeterminant(elem)))
-    recorder.Error(place, name, solid ? " has no volume" : " has no area");
+    recorder.Error(Code::ElementWithoutSize, place, name,
+                   solid ? " has no volume" : " has no area");
   else if (determinant < 0.0)
-    recorder.Error(place, name, " is turned: its fourth node stands on the wrong side");
+    recorder.Error(Code::TurnedElement, place, name,
+                   " is turned: its fourth node stands on the wrong side");
   else if (ShapeOf(elem, determinant) < (solid ? kSliverSolid : kSliverTriangle))
-    recorder.Warn(place, name, " is a sliver");
-}
-
-/// An edge of a triangle, with its direction in the order of the triangle's nodes.
-struct Edge
-{
-  const Elem* elem;
-  int low, high;  ///< numbers of its ends
-  bool upwards;   ///< from the lower number to the higher
-};
-
-std::vector<Edge> EdgesOf(const std::vector<const Elem*>& elements)
-{
-  std::vector<Edge> edges;
-  for (const Elem* elem : elements) {
-    if (elem->ElemType() != Triangle)
-      continue;
-    for (int i = 0; i < 3; ++i) {
-      const int a = (*elem)(i)->number;
-      const int b = (*elem)((i + 1) % 3)->number;
-      edges.push_back({elem, std::min(a, b), std::max(a, b), a < b});
-    }
-  }
-  std::stable_sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) {
-    return a.low != b.low ? a.low < b.low : a.high < b.high;
-  });
-  return edges;
+    recorder.Warn(Code::Sliver, place, name, " is a sliver");
 }
 
 // True when the normals are more than 120 degrees apart. At the corner of two walls their
@@ -187,18 +164,14 @@ bool AreFolded(const Elem& a, const Elem& b)
 // Two triangles at a common edge run through it in opposite directions unless one is turned.
 void CheckNeighbours(const Subject& subject, Recorder& recorder)
 {
-  const std::vector<Edge> edges = EdgesOf(subject.elements);
-  for (std::size_t i = 0; i < edges.size();) {
-    std::size_t last = i + 1;
-    while (last < edges.size() && edges[last].low == edges[i].low &&
-           edges[last].high == edges[i].high)
-      ++last;
-    if (last - i == 2 && edges[i].upwards == edges[i + 1].upwards &&
-        AreFolded(*edges[i].elem, *edges[i + 1].elem))
-      recorder.Warn(recorder.PlaceOf(ReadItem::Element, edges[i + 1].elem->Num()), "element ",
-                    edges[i + 1].elem->Num(), " is turned against its neighbour ",
-                    edges[i].elem->Num(), ": their normals are opposite");
-    i = last;
+  const ShellEdges edges(subject.elements);
+  for (const ShellEdges::Edge& edge : edges.All()) {
+    if (edge.size() != 2 || edge[0].upwards != edge[1].upwards ||
+        !AreFolded(*edge[0].elem, *edge[1].elem))
+      continue;
+    recorder.Warn(Code::TurnedElement, recorder.PlaceOf(ReadItem::Element, edge[1].elem->Num()),
+                  "element ", edge[1].elem->Num(), " is turned against its neighbour ",
+                  edge[0].elem->Num(), ": their normals are opposite");
   }
 }
 

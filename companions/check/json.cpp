@@ -17,43 +17,68 @@ Json UnitOf(const std::string& name)
 
 Json JsonOf(const Summary& s)
 {
-  return {{"problem", s.plane ? "2d" : "3d"},
-          {"nodes", s.nodes},
-          {"parts", s.parts},
-          {"beams", s.beams},
-          {"shells", s.shells},
-          {"solids", s.solids},
-          {"box", {s.box.Low(), s.box.High()}},
-          {"materials", s.materials},
-          {"unusedMaterials", s.unusedMaterials},
-          {"force", UnitOf(s.units.force)},
-          {"length", UnitOf(s.units.length)},
-          {"load", s.load},
-          {"weight", s.weight},
-          {"equations", s.equations},
-          {"solver", s.solver},
-          {"entries", s.entries}};
+  return {
+      {"problem", s.plane ? "2d" : "3d"},
+      {"nodes", s.nodes},
+      {"parts", s.parts},
+      {"beams", s.beams},
+      {"shells", s.shells},
+      {"solids", s.solids},
+      {"box", {s.box.Low(), s.box.High()}},
+      {"materials", s.materials},
+      {"unusedMaterials", s.unusedMaterials},
+      {"force", UnitOf(s.units.force)},
+      {"length", UnitOf(s.units.length)},
+      {"load", s.load},
+      {"weight", s.weight},
+      {"equations", s.equations},
+      {"solver", s.solver},
+      {"entries", s.entries},
+      {"mechanismsNotTested", s.untested.empty() ? nlohmann::json() : nlohmann::json(s.untested)}};
+}
+
+Json JsonOf(const Located& p)
+{
+  Json problem = {{"severity", SeverityName(p.severity)},
+                  {"line", p.line},
+                  {"column", p.column},
+                  {"message", ToUtf8(p.message)},
+                  {"code", NameOf(p.code)}};
+  if (IsDataLost(p.code))
+    problem["class"] = "data-lost";
+  if (!p.hint.empty())
+    problem["hint"] = ToUtf8(p.hint);
+  return problem;
+}
+
+Json ObjectOf(const Report& report, const std::string& file)
+{
+  Json problems = Json::array();
+  for (const Located& p : report.problems)
+    problems.push_back(JsonOf(p));
+  return {{"format", "morlen-check"},
+          {"formatVersion", 1},
+          {"program", {{"name", "morlen-check"}, {"version", ProgramVersion()}}},
+          {"file", ToUtf8(file)},
+          {"errors", report.errors},
+          {"warnings", report.warnings},
+          {"problems", problems},
+          {"summary", report.summary ? JsonOf(*report.summary) : Json(nullptr)}};
 }
 
 }  // namespace
 
 std::string JsonOf(const Report& report, const std::string& file)
 {
-  Json problems = Json::array();
-  for (const Located& p : report.problems)
-    problems.push_back({{"severity", SeverityName(p.severity)},
-                        {"line", p.line},
-                        {"column", p.column},
-                        {"message", ToUtf8(p.message)}});
-  const Json whole = {{"format", "morlen-check"},
-                      {"formatVersion", 1},
-                      {"program", {{"name", "morlen-check"}, {"version", ProgramVersion()}}},
-                      {"file", ToUtf8(file)},
-                      {"errors", report.errors},
-                      {"warnings", report.warnings},
-                      {"problems", problems},
-                      {"summary", report.summary ? JsonOf(*report.summary) : Json(nullptr)}};
-  return whole.dump(1) + "\n";
+  return ObjectOf(report, file).dump(1) + "\n";
+}
+
+std::string JsonOf(const std::vector<FileReport>& reports)
+{
+  Json array = Json::array();
+  for (const FileReport& one : reports)
+    array.push_back(ObjectOf(one.report, one.file));
+  return array.dump(1) + "\n";
 }
 
 }  // namespace morlen::check

@@ -1,6 +1,11 @@
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "check/check.h"
 #include "common/command_line.h"
@@ -8,49 +13,130 @@
 
 using namespace morlen;
 
+namespace fs = std::filesystem;
+
 namespace {
+
+constexpr const char* kStandardInput = "-";
+
+struct Options
+{
+  std::vector<std::string> files;
+  bool json = false;
+  bool strict = false;
+};
+
+void Declare(CLI::App& app, Options& options)
+{
+  app.add_option("models", options.files, "the problem files; - is standard input")
+      ->type_name("FILE")
+      ->required();
+  app.add_flag("--json", options.json,
+               "print JSON instead of text: an object, or an array for several files");
+  app.add_flag("--strict", options.strict, "warnings count as errors in the exit status");
+  app.footer(
+      "Exit status, the highest of all files: 0, 1 when there are errors, 2 when a file cannot be "
+      "read.");
+}
+
+std::optional<std::string> TextOf(const std::string& file)
+{
+  return file == kStandardInput ? StreamText(std::cin) : FileText(file);
+}
+
+// Null after a message when the file cannot be read.
+std::optional<check::FileReport> ReportOn(const std::string& file)
+{
+  if (const std::optional<std::string> text = TextOf(file))
+    return check::FileReport{file, check::CheckText(*text)};
+  std::error_code fault;
+  const bool folder = fs::is_directory(file, fault);
+  std::cerr << "can't read file " << file << (folder ? ": it is a folder" : "") << "\n";
+  return std::nullopt;
+}
 
 std::string Counted(int count, const char* noun)
 {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-void Print(const check::Report& report, const std::string& file)
+std::string Counts(int errors, int warnings)
+{
+  return Counted(errors, "error") + ", " + Counted(warnings, "warning") + "\n";
+}
+
+void PrintProblems(const check::FileReport& one)
 {
   std::string lines;
-  for (const check::Located& problem : report.problems)
-    lines += check::LineOf(problem, file) + "\n";
+  for (const check::Located& problem : one.report.problems)
+    lines += check::LineOf(problem, one.file) + "\n";
   std::cerr << lines << std::flush;
-  if (report.summary)
-    std::cout << check::TextOf(*report.summary);
-  std::cout << Counted(report.errors, "error") << ", " << Counted(report.warnings, "warning")
-            << "\n";
+}
+
+// The summary of a file; named: with its name.
+void PrintSummary(const check::FileReport& one, bool named)
+{
+  if (named)
+    std::cout << one.file << ":\n";
+  if (one.report.summary)
+    std::cout << check::TextOf(*one.report.summary);
+  std::cout << Counts(one.report.errors, one.report.warnings);
+}
+
+void PrintTotal(const std::vector<check::FileReport>& reports, std::size_t files)
+{
+  int errors = 0;
+  int warnings = 0;
+  for (const check::FileReport& one : reports) {
+    errors += one.report.errors;
+    warnings += one.report.warnings;
+  }
+  std::cout << files << " files";
+  if (reports.size() < files)
+    std::cout << ", " << files - reports.size() << " not read";
+  std::cout << ": " << Counts(errors, warnings);
+}
+
+ExitStatus StatusOf(const check::Report& report, bool strict)
+{
+  const bool found = report.errors > 0 || (strict && report.warnings > 0);
+  return found ? ExitStatus::Found : ExitStatus::Done;
+}
+
+// Text is printed file by file, JSON at the end.
+ExitStatus Check(const Options& options)
+{
+  const bool several = options.files.size() > 1;
+  ExitStatus status = ExitStatus::Done;
+  std::vector<check::FileReport> reports;
+  for (const std::string& file : options.files) {
+    std::optional<check::FileReport> one = ReportOn(file);
+    status = std::max(status, one ? StatusOf(one->report, options.strict) : ExitStatus::Failed);
+    if (!one)
+      continue;
+    if (!options.json) {
+      PrintProblems(*one);
+      PrintSummary(*one, several);
+    }
+    reports.push_back(std::move(*one));
+  }
+  if (options.json && several)
+    std::cout << check::JsonOf(reports);
+  else if (options.json && !reports.empty())
+    std::cout << check::JsonOf(reports.front().report, reports.front().file);
+  else if (several)
+    PrintTotal(reports, options.files.size());
+  return std::cout.flush() ? status : ExitStatus::Failed;
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-  CommandLine commandLine("morlen-check", "Reports every problem of a problem file in one pass.");
-  std::string file;
-  bool json = false;
-  CLI::App& app = commandLine.Options();
-  app.add_option("model", file, "the problem file")->type_name("FILE")->required();
-  app.add_flag("--json", json, "print one JSON object instead of text");
-  app.footer("Exit status: 0, 1 when there are errors, 2 when the file cannot be read.");
+  CommandLine commandLine("morlen-check", "Reports every problem of problem files in one pass.");
+  Options options;
+  Declare(commandLine.Options(), options);
   if (const std::optional<ExitStatus> end = commandLine.Parse(argc, argv))
     return static_cast<int>(*end);
-  const std::optional<std::string> text = FileText(file);
-  if (!text) {
-    std::cerr << "can't read file " << file << "\n";
-    return static_cast<int>(ExitStatus::Failed);
-  }
-  const check::Report report = check::CheckText(*text);
-  if (json)
-    std::cout << check::JsonOf(report, file);
-  else
-    Print(report, file);
-  if (!std::cout.flush())
-    return static_cast<int>(ExitStatus::Failed);
-  return static_cast<int>(report.errors > 0 ? ExitStatus::Found : ExitStatus::Done);
+  return static_cast<int>(Check(options));
 }

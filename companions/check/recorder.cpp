@@ -4,7 +4,10 @@
 #include <utility>
 
 #include "base/number_text.h"
-#include "common/shortest.h"
+#include "check/lost_records.h"
+#include "check/misread.h"
+#include "check/text_parts.h"
+#include "check/words.h"
 
 namespace morlen::check {
 namespace {
@@ -15,31 +18,6 @@ struct RunEnded
   std::string message;
 };
 
-std::string_view Trim(std::string_view text, const char* dropped = " \t\r\n\v\f:=")
-{
-  const std::size_t first = text.find_first_not_of(dropped);
-  if (first == std::string_view::npos)
-    return {};
-  return text.substr(first, text.find_last_not_of(dropped) - first + 1);
-}
-
-// The text without its leading blanks and comment lines.
-std::string_view WithoutComments(std::string_view text)
-{
-  for (text = Trim(text); !text.empty() && text[0] == '#';)
-    text = Trim(text.substr(std::min(text.find('\n'), text.size())));
-  return text;
-}
-
-// The beginning of the text's first line, in quotes.
-std::string Quote(std::string_view text)
-{
-  constexpr std::size_t kLongest = 40;
-  text = Trim(text.substr(0, text.find('\n')), " \t\r");
-  const bool cut = text.size() > kLongest;
-  return Joined("'", text.substr(0, kLongest), cut ? "...'" : "'");
-}
-
 // A message of the program on one line, without its "error: ".
 std::string OneLine(std::string_view message)
 {
@@ -47,6 +25,16 @@ std::string OneLine(std::string_view message)
   std::replace(line.begin(), line.end(), '\n', ' ');
   constexpr std::string_view kPrefix = "error: ";
   return line.starts_with(kPrefix) ? line.substr(kPrefix.size()) : line;
+}
+
+// The code of an error with this reason; `otherwise` when the reason is not known.
+Code CodeOf(std::optional<ReadEvent> reason, Code otherwise)
+{
+  if (reason == ReadEvent::UnknownKeyword)
+    return Code::UnknownKeyword;
+  if (reason == ReadEvent::SearchFailed)
+    return Code::WordMissing;
+  return reason == ReadEvent::AsymmetricMaterial ? Code::AsymmetricMaterial : otherwise;
 }
 
 // The value of an octal, hexadecimal or decimal number.
@@ -57,17 +45,10 @@ int ValueInItsBase(std::string_view item)
   return number;
 }
 
-std::string Shown(double number)
-{
-  std::string text;
-  AppendNumber(text, number);
-  return text;
-}
-
 }  // namespace
 
-Recorder::Recorder(std::string_view text, TextScan& scanner)
-    : content(text), scan(scanner), scope(*this)
+Recorder::Recorder(std::string_view text, TextScan& scanner, const Problem& problem)
+    : content(text), scan(scanner), scope(*this), unitOrder(problem)
 {
   for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1))
     newlines.push_back(static_cast<std::ptrdiff_t>(at));
@@ -90,9 +71,13 @@ bool Recorder::Attempt(TextScan* text, const std::function<void()>& step)
     keywordSeen = false;
   if (depth == 0 && !text)  // all is read
     topic = ReadTopic::Other;
+  stored = false;
+  namedUnits = false;
   ++depth;
   const bool done = Run(step);
   --depth;
+  if (done && text && depth > 0)
+    NoteBrokenRecord(here, *text);
   if (!done && text)
     SkipBrokenRecord(*text, here);
   if (done && depth == 0 && keywordSeen)
@@ -110,12 +95,14 @@ bool Recorder::AttemptOn(ReadItem item, int number, const std::function<void()>&
   return done;
 }
 
-bool Recorder::AttemptAt(std::ptrdiff_t offset, const std::function<void()>& step,
+bool Recorder::AttemptAt(Code code, std::ptrdiff_t offset, const std::function<void()>& step,
                          const Remark& remark)
 {
+  const Code outerCode = std::exchange(stepCode, code);
   fixedPlace = offset;
   remarkOn = remark;
   const bool done = Run(step);
+  stepCode = outerCode;
   fixedPlace = kWholeFile;
   remarkOn = {};
   return done;
@@ -155,28 +142,35 @@ void Recorder::AddError(std::string_view message)
   unknownKeyword = unknownKeyword || unknown;
   if (depth > 0)
     broken.insert(topic);
+  const Code code = IsUnknownReference() ? Code::UnknownReference : CodeOf(why, stepCode);
+  if (IsConsequence(code))
+    return;
   std::ptrdiff_t place = start;
   if (searched != kWholeFile)
     place = searched;
   if (fixedPlace != kWholeFile)
     place = fixedPlace;
-  Error(place, OneLine(message), remarkOn ? remarkOn(why) : std::string());
+  Error(code, place, OneLine(message), remarkOn ? remarkOn(why) : std::string());
+  findings.back().hint = OneLine(errorwriter.Hint());
 }
 
 void Recorder::Entered(ReadTopic entered)
 {
   topic = entered;
   topics.try_emplace(topic, start);
+  unitOrder.Entered(topic, start);
 }
 
 void Recorder::Stored(ReadItem item, int number)
 {
+  stored = true;
+  unitOrder.Stored(item, number, start, namedUnits);
   const auto [known, added] = places[static_cast<std::size_t>(item)].try_emplace(number, start);
   if (added)
     return;
   if (item == ReadItem::Element && start != known->second)
-    Warn(start, "element ", number, " is given again: line ", LineNumber(known->second),
-         " has it too");
+    Warn(Code::ElementRepeated, start, "element ", number, " is given again: line ",
+         LineNumber(known->second), " has it too");
   known->second = start;
 }
 
@@ -184,20 +178,25 @@ void Recorder::Notice(ReadEvent event, std::string_view place, std::string_view 
 {
   switch (event) {
     case ReadEvent::Keyword:
+      list = {place, OffsetIn(place)};
       return EnterKeyword(OffsetIn(place));
     case ReadEvent::UnitsUsed:
+      namedUnits = true;
       usedUnits.emplace(place);
       return;
     case ReadEvent::SearchFailed:
       lost = OffsetIn(WithoutComments(place));
       reason = event;
       return;
+    case ReadEvent::BrokenRecord:
+      brokenReason = detail;
+      return;
     case ReadEvent::UnknownKeyword:
     case ReadEvent::AsymmetricMaterial:
       reason = event;
       return;
     default:
-      return WarnOf(event, place, detail);
+      return Judge(event, place, detail);
   }
 }
 
@@ -205,65 +204,194 @@ void Recorder::EnterKeyword(std::ptrdiff_t offset)
 {
   start = offset;
   keywordSeen = true;
+  derailed = false;
   topic = ReadTopic::Other;
 }
 
-void Recorder::WarnOf(ReadEvent event, std::string_view place, std::string_view detail)
+void Recorder::Judge(ReadEvent event, std::string_view place, std::string_view detail)
 {
   const std::ptrdiff_t at = OffsetIn(place);
   switch (event) {
     case ReadEvent::SkippedText:
-      return WarnOfSkipped(place, Joined("'", detail, "'"));
+      return JudgeSkipped(place, Joined("'", detail, "'"));
     case ReadEvent::SkippedAfterBlock:  // the rest of the line belongs to the "end"
       place.remove_prefix(std::min(place.find('\n'), place.size()));
-      return WarnOfSkipped(place, Joined("'", detail, "'"));
+      return JudgeSkipped(place, Joined("'", detail, "'"), LineNumber(at));
     case ReadEvent::SkippedToNumber:
-      return WarnOfSkipped(place, "the number");
+      return JudgeSkipped(place, "the number");
     case ReadEvent::SkippedToBlockEnd:
-      return WarnOfListEnd(place);
+      return JudgeListEnd(place);
     case ReadEvent::WordPart:
-      if (!EqualsNoCase(Trim(place), detail))
-        Warn(at, Quote(place), " is taken for '", detail, "'");
-      return;
+      return JudgeWordPart(place, detail);
     case ReadEvent::Prefix:
-      return Warn(at, Quote(place), " is read as '", detail, "'");
+      return JudgePrefix(place, detail);
     case ReadEvent::LineTail:
-      return WarnOfTail(place);
+      return JudgeTail(place);
     case ReadEvent::LineBreak:
-      return Warn(start, "values are missing in this line: they are taken from the next one");
+      return Warn(Code::RecordContinued, start,
+                  "values are missing in this line: they are taken from the next one");
     case ReadEvent::IgnoredKey:
-      return Warn(at, "ignored: the key ", Quote(place));
+      return Warn(Code::KeyIgnored, at, "ignored: the key ", Quote(place));
     case ReadEvent::NumberPart:
-      return Warn(at, Quote(place), " is no number as a whole: read as ", Shown(ToDouble(place)));
+      return JudgeNumber(place);
+    case ReadEvent::NoValue:
+      return Error(Code::KeyWithoutValue, at, "the key ", Quote(place),
+                   " has no value and is not read. Write its value, or leave it out");
+    case ReadEvent::LoneWidth:
+      return Error(Code::LoneWidth, at, Quote(place),
+                   " gives no section without the other width. Write widthY and widthZ");
+    case ReadEvent::FreeValue:
+      return Error(Code::ValueAtFreeComponent, at, "the value ", Quote(place),
+                   " has no effect, as the flag of its component is 0 (free). Flag 1 prescribes a "
+                   "displacement, 2 is a spring");
+    case ReadEvent::WordInComment:
+      return Warn(Code::WordInComment, at, Quote(place),
+                  " is taken from a comment, as it is nowhere else");
+    case ReadEvent::GluedValue:
+      return Warn(Code::ValueGlued, at, Quote(place),
+                  " is read as flags and a value. Write a blank between them");
+    case ReadEvent::UnitsRepeated:
+      return Warn(Code::DefinedTwice, at, "the unit system '", detail,
+                  "' is defined again, with the same contents");
     case ReadEvent::NotDecimal:
-      return Warn(at, "the material number ", Quote(place), " is not decimal: read as ",
-                  ValueInItsBase(place));
+      return Warn(Code::NotDecimal, at, "the material number ", Quote(place),
+                  " is not decimal: read as ", ValueInItsBase(place));
     default:
       return;
   }
 }
 
-void Recorder::WarnOfSkipped(std::string_view skipped, std::string_view target)
+// Any text may precede the header and the words of a head. Records are lost when a list
+// or a block is skipped with it: the line of the target is then the "end" of the skipped list.
+void Recorder::JudgeSkipped(std::string_view skipped, const std::string& target, int endLine)
 {
   const std::string_view rest = WithoutComments(skipped);
-  if (!rest.empty())
-    Warn(OffsetIn(rest), "skipped in front of ", target, ": ", Quote(rest));
+  if (rest.empty() || derailed)
+    return;
+  const std::ptrdiff_t end = scan.OffsetOf(skipped.data()) + std::ssize(skipped);
+  const SkippedText text = {rest, target, LineNumber(end), endLine};
+  const bool blocks = HoldsBlocks(rest) || HasPrefix(TextBetween(RecordStart(end), end), "end");
+  const bool isLost = HoldsRecords(rest) && (blocks || endLine > 0);
+  if (list.name.empty() || !isLost)
+    return Warn(Code::TextSkipped, OffsetIn(rest), AboutSkipped(text));
+  Error(Code::RecordsLost, OffsetIn(rest), AboutLost(text));
+  NoteLoss(blocks);
 }
 
-void Recorder::WarnOfListEnd(std::string_view skipped)
+void Recorder::JudgeListEnd(std::string_view skipped)
 {
   const std::string_view rest = WithoutComments(skipped);
-  if (!rest.empty())
-    Warn(OffsetIn(rest), "the list ends at ", Quote(rest), ": all up to 'end' in line ",
-         LineNumber(scan.OffsetOf(skipped.data()) + std::ssize(skipped)), " is skipped");
+  const bool isBroken = brokenRecord != kWholeFile;
+  if ((rest.empty() && !isBroken) || derailed)
+    return;
+  const std::ptrdiff_t end = scan.OffsetOf(skipped.data()) + std::ssize(skipped);
+  std::ptrdiff_t first = std::exchange(brokenRecord, kWholeFile);
+  if (!isBroken) {
+    first = OffsetIn(rest);
+    // The word that ended the list may be part of a comment in another language.
+    const std::ptrdiff_t lineStart = RecordStart(first);
+    if (BeginsForeignComment(TextBetween(lineStart, first)))
+      first = lineStart;
+  }
+  const EndedList ended = {.name = list.name,
+                           .line = LineNumber(list.offset),
+                           .broken = isBroken,
+                           .reason = std::exchange(brokenReason, {}),
+                           .skipped = {TextBetween(first, end), "'end'", LineNumber(end)}};
+  if (!HoldsRecords(ended))
+    return Warn(Code::TextSkipped, first, AboutEndedList(ended));
+  Error(Code::RecordsLost, first, AboutEndedList(ended));
+  NoteLoss(HoldsBlocks(ended.skipped.text));
+}
+
+// The words that begin the lists of a mesh, and words that only contain the one searched for.
+void Recorder::JudgeWordPart(std::string_view word, std::string_view part)
+{
+  if (part == "coordinates" || part == "elements")
+    list = {word, OffsetIn(word), true};
+  if (!EqualsNoCase(Trim(word), part))
+    Warn(Code::WordByPart, OffsetIn(word), Quote(word), " is taken for '", part, "'");
+}
+
+void Recorder::JudgePrefix(std::string_view word, std::string_view beginning)
+{
+  const std::ptrdiff_t at = OffsetIn(word);
+  if (!IsMaterialKey(beginning))
+    return Warn(Code::WordByPrefix, at, Quote(word), " is read as '", beginning, "'");
+  if (MeansWhatItMatches(word, beginning))
+    return Warn(Code::KeyByPrefix, at, Quote(word), " is read as '", beginning, "'");
+  const std::string_view likely = LikelyKey(word);
+  Error(Code::KeyMisread, at, Quote(word), " is no key of a material: read as '", beginning, "'",
+        likely.empty() ? "" : "; did you mean '", likely, likely.empty() ? "" : "'?");
+}
+
+void Recorder::JudgeNumber(std::string_view word)
+{
+  Error(Code::NumberPartlyRead, OffsetIn(word),
+        AboutMisreadNumber(word, IsInNodeList(word) ? Expected::WholeNumber : Expected::Number));
 }
 
 // A comment may follow the values of a record.
-void Recorder::WarnOfTail(std::string_view tail)
+void Recorder::JudgeTail(std::string_view tail)
 {
-  const std::string_view rest = Trim(tail, " \t\r\n");
+  const std::string_view rest = Trim(tail, " \t\r\n\v\f");
   if (!rest.empty() && rest[0] != '#')
-    Warn(OffsetIn(tail) + (rest.data() - tail.data()), "ignored: ", Quote(rest));
+    Warn(Code::TextIgnored, OffsetIn(tail) + (rest.data() - tail.data()), "ignored: ", Quote(rest));
+}
+
+// A record of a mesh that gives nothing, although its number was read, ends its list.
+void Recorder::NoteBrokenRecord(std::ptrdiff_t from, const TextScan& text)
+{
+  const std::ptrdiff_t here = text.OffsetOf(text.Here());
+  if (list.ofMesh && !stored && !Trim(TextBetween(from, here)).empty())
+    brokenRecord = start;
+}
+
+// The checks that depend on the list are left out. blocks: whole blocks are skipped too, so that
+// the next list of a mesh is not found where it begins.
+void Recorder::NoteLoss(bool blocks)
+{
+  broken.insert(topic);
+  recordsLost = true;
+  blocksLost = blocksLost || blocks;
+  derailed = derailed || (blocks && topic == ReadTopic::Mesh);
+}
+
+// True for an error that lost records cause: theirs names the cause.
+bool Recorder::IsConsequence(Code code) const
+{
+  return derailed || (recordsLost && code == Code::UnknownReference);
+}
+
+// True when the error of the running step is that its record begins with the number of no node or
+// element.
+bool Recorder::IsUnknownReference() const
+{
+  const bool ofElements = EqualsNoCase(list.name, "elem_rotules") ||
+                          (list.name.ends_with("_loads") && !HasPrefix(list.name, "nodal"));
+  const bool ofNodes = EqualsNoCase(list.name, "rotules") ||
+                       EqualsNoCase(list.name, "constraints") || HasPrefix(list.name, "nodal");
+  int number = 0;
+  if (depth == 0 || start == kWholeFile || (!ofElements && !ofNodes))
+    return false;
+  std::string_view record = content.substr(static_cast<std::size_t>(start));
+  return ScanInt(record, number, 10, 0) &&
+         PlaceOf(ofNodes ? ReadItem::Node : ReadItem::Element, number) == kWholeFile;
+}
+
+// True when only whole numbers are in front of the word in its record of an element.
+bool Recorder::IsInNodeList(std::string_view word) const
+{
+  const std::ptrdiff_t at = scan.OffsetOf(word.data());
+  if (at < 0 || !list.ofMesh || !EqualsNoCase(list.name, "elements"))
+    return false;
+  return TextBetween(RecordStart(at), at).find_first_not_of("0123456789 \t,;-") ==
+         std::string_view::npos;
+}
+
+std::string_view Recorder::TextBetween(std::ptrdiff_t from, std::ptrdiff_t end) const
+{
+  return content.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(end - from));
 }
 
 std::ptrdiff_t Recorder::PlaceOf(ReadItem item, int number) const

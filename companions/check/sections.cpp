@@ -66,11 +66,12 @@ void CheckSections(const Subject& subject, Recorder& recorder)
       continue;
     const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Element, elem->Num());
     if (material->eulerGiven)
-      recorder.AttemptAt(place, [&] { MakeAxes(*elem, *material, subject.problem.problemType); });
+      recorder.AttemptAt(Code::AxesRefused, place,
+                         [&] { MakeAxes(*elem, *material, subject.problem.problemType); });
     if (!judged.insert({material, elem->ElemType()}).second)
       continue;
     recorder.AttemptAt(
-        PlaceOfMaterial(*elem, recorder),
+        Code::SectionIncomplete, PlaceOfMaterial(*elem, recorder),
         [&] { MakeStiffness(*elem, *material, subject.problem.problemType); },
         [&](std::optional<ReadEvent> reason) {
           return reason == ReadEvent::AsymmetricMaterial ? PassingRatio(*material) : std::string();

@@ -242,7 +242,8 @@ std::string TextOf(const Summary& s)
                 Numbers(s.materials), "; unused", Numbers(s.unusedMaterials), "\ntotal load: (",
                 Listed(s.load, s.plane), ") ", force, ", with weight (", Listed(s.weight, s.plane),
                 ")\nunits:      results in ", force, " and ", length, "\nequations:  ", s.equations,
-                ", solver ", s.solver, counted, "\n");
+                ", solver ", s.solver, counted,
+                s.untested.empty() ? "" : "\nmechanisms: not tested: ", s.untested, "\n");
 }
 
 }  // namespace morlen::check

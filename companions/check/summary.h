@@ -30,11 +30,13 @@ struct Summary
   std::string solver;  ///< as in the problem file; "Automatic" when the run chooses by the work
   /// Stored numbers of the matrix; 0 when triangles get more nodes or the run chooses by the work.
   std::int64_t entries = 0;
+  /// Why the model was not tested for mechanisms; empty when it was.
+  std::string untested;
 };
 
 /// The summary of a model without errors. The loads are summed by the functions of the analysis,
-/// whose errors go to the observer. Renumbers the nodes of the problem, so it must be the last
-/// step. subject: of this problem.
+/// whose errors go to the observer. Renumbers the nodes of the problem: after it, only
+/// CheckMechanisms may follow. subject: of this problem.
 Summary Summarise(Problem& problem, const Subject& subject);
 
 /// The summary as lines of text.

@@ -298,13 +298,15 @@ const Node& MostMoved(const Body& body, const Point& t, const Point& w)
 
 }  // namespace
 
-void CheckSupports(const Subject& subject, Recorder& recorder)
+std::vector<std::size_t> CheckSupports(const Subject& subject, Recorder& recorder)
 {
+  std::vector<std::size_t> loose;
   const Problem& problem = subject.problem;
   const bool plane = problem.problemType == kPlane && problem.components.translations == 2;
   const std::vector<int> columns = plane ? std::vector{0, 1, 5} : std::vector{0, 1, 2, 3, 4, 5};
   const Hinges hinges = HingesOf(subject);
-  for (const Subject::Part& part : subject.parts) {
+  for (std::size_t index = 0; index < subject.parts.size(); ++index) {
+    const Subject::Part& part = subject.parts[index];
     const Body body = BodyOf(part.nodes);
     if (!(body.size > 0.0))
       continue;
@@ -312,14 +314,18 @@ void CheckSupports(const Subject& subject, Recorder& recorder)
     const int first = part.nodes.front()->number;
     const std::string name =
         subject.parts.size() == 1 ? "the model" : Joined("the part of node ", first);
-    for (const Motion& motion : rows.FreeMotions(columns)) {
+    const std::vector<Motion> motions = rows.FreeMotions(columns);
+    if (!motions.empty())
+      loose.push_back(index);
+    for (const Motion& motion : motions) {
       const Point t = {motion[0], motion[1], motion[2]};
       const Point w = {motion[3] / body.size, motion[4] / body.size, motion[5] / body.size};
       const int node = MostMoved(body, t, w).number;
-      recorder.Error(recorder.PlaceOf(ReadItem::Node, node), "the supports let ", name, " ",
-                     MotionName(body, t, w), ": node ", node, " moves most");
+      recorder.Error(Code::FreeMotion, recorder.PlaceOf(ReadItem::Node, node), "the supports let ",
+                     name, " ", MotionName(body, t, w), ": node ", node, " moves most");
     }
   }
+  return loose;
 }
 
 }  // namespace morlen::check

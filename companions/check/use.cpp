@@ -38,11 +38,12 @@ void CheckNodes(const Subject& subject, Recorder& recorder)
     const std::ptrdiff_t place = recorder.PlaceOf(ReadItem::Node, number);
     const std::string name = Joined("node ", number, " belongs to no element");
     if (problem.meshes.front()->GiveElemType() == Tetrahedra)
-      recorder.Error(place, name, ": the results of solids need one");
+      recorder.Error(Code::UnusedNode, place, name, ": the results of solids need one");
     else if (IsHeld(node, problem.components, problem.hasHinges))
-      recorder.Warn(place, name);
+      recorder.Warn(Code::UnusedNode, place, name);
     else
-      recorder.Error(place, name, " and is not held: the system cannot be solved");
+      recorder.Error(Code::UnusedNode, place, name,
+                     " and is not held: the system cannot be solved");
   }
 }
 
@@ -53,8 +54,8 @@ void CheckMaterials(const Subject& subject, Recorder& recorder)
     used.insert(elem->GiveNumberedMaterial());
   for (const auto [number, material] : EachNumbered<const Material>(subject.problem.materials)) {
     if (!used.contains(number))
-      recorder.Warn(recorder.PlaceOf(ReadItem::Material, number), "material ", number,
-                    " is not used");
+      recorder.Warn(Code::UnusedMaterial, recorder.PlaceOf(ReadItem::Material, number), "material ",
+                    number, " is not used");
   }
 }
 
@@ -62,8 +63,8 @@ void CheckUnits(const Units& units, Recorder& recorder)
 {
   for (const UnitsBase& base : units.bases) {
     if (!recorder.UsesUnits(base.name))
-      recorder.Warn(recorder.PlaceOf(ReadTopic::UnitSystems), "the unit system '", base.name,
-                    "' is not used");
+      recorder.Warn(Code::UnusedUnits, recorder.PlaceOf(ReadTopic::UnitSystems),
+                    "the unit system '", base.name, "' is not used");
   }
 }
 
@@ -74,7 +75,7 @@ void CheckWeights(const Subject& subject, Recorder& recorder)
   for (const Elem* elem : subject.elements) {
     const Material* material = elem->GiveMaterial(&subject.problem.materials);
     if (material && material->Weight < 0.0 && judged.insert(material).second)
-      recorder.Error(PlaceOfMaterial(*elem, recorder),
+      recorder.Error(Code::NegativeWeight, PlaceOfMaterial(*elem, recorder),
                      "a negative Weight gives no load: give a weight above 0 and turn "
                      "GravityDirection instead");
   }
@@ -89,7 +90,7 @@ void CheckGravity(const Subject& subject, Recorder& recorder)
     const Material* material = elem->GiveMaterial(&subject.problem.materials);
     if (!material || !(material->Weight > 0.0))
       continue;
-    return recorder.Warn(PlaceOfMaterial(*elem, recorder),
+    return recorder.Warn(Code::WeightWithoutDirection, PlaceOfMaterial(*elem, recorder),
                          "weight without GravityDirection: it acts along +Z");
   }
 }

@@ -8,6 +8,11 @@ namespace morlen {
 std::optional<std::string> FileText(const std::filesystem::path& name)
 {
   std::ifstream in(name, std::ios::binary);
+  return StreamText(in);
+}
+
+std::optional<std::string> StreamText(std::istream& in)
+{
   std::string text;
   std::vector<char> part(std::size_t{1} << 16);
   while (in) {

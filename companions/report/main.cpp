@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -50,8 +51,17 @@ std::vector<Finding> FindingsIn(const fs::path& file)
   for (const check::Located& problem : check::CheckText(text).problems)
     findings.push_back({.error = problem.severity == check::Severity::Error,
                         .place = check::PlaceOf(problem, file.filename().string()),
-                        .text = problem.message});
+                        .text = check::TextOf(problem)});
   return findings;
+}
+
+void WarnOfErrors(const std::vector<Finding>& findings, const std::string& file)
+{
+  const auto errors = std::count_if(findings.begin(), findings.end(),
+                                    [](const Finding& finding) { return finding.error; });
+  if (errors > 0)
+    std::cerr << "warning: errors in the problem file, " << errors << ": see morlen-check " << file
+              << "\n";
 }
 
 ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advice)
@@ -78,6 +88,7 @@ ExitStatus Report(const Options& options)
   const bool iterated = solver == SolverType::Sparse || solver == SolverType::Double;
   const std::string advice = AdviceOf(equilibrium, model, iterated);
   const std::string name = file.filename().string();
+  const std::vector<Finding> findings = FindingsIn(file);
   WritePage(output, name,
             PageData({.file = name,
                       .description = DescriptionOf(file),
@@ -86,7 +97,8 @@ ExitStatus Report(const Options& options)
                       .loads = loads,
                       .equilibrium = equilibrium,
                       .advice = advice,
-                      .check = FindingsIn(file)}));
+                      .check = findings}));
+  WarnOfErrors(findings, file.string());
   return PrintBalance(equilibrium, advice);
 }
 

@@ -8,8 +8,11 @@
 
 #include "assembly/free_equations.h"
 #include "assembly/internal_forces.h"
+#include "assembly/motion_words.h"
 #include "assembly/probe_load.h"
 #include "assembly/refinement.h"
+#include "assembly/support_axes.h"
+#include "base/errorwriter.h"
 #include "base/stprintf.h"
 #include "problem/problem.h"
 #include "solvers/skymatriu.h"
@@ -48,11 +51,11 @@ public:
     Progress(task.info, "Just before Solver\n");
     RefinedCases cases;
     if (const int refused = SolveCases(std::move(sides), cases, task.info))
-      Fail(refused, RefusedPivotHint());
+      FailAtPivot(refused);
     const Refinement refinement = MakeRefinement();
     const Refinement::Verdict verdict = refinement.Run(cases);
     if (verdict == Refinement::Verdict::Moves)
-      Fail(refinement.LargestMotion(cases.probe), RoughModelHint(cases, verdict));
+      FailByMotion(refinement, cases);
     if (verdict == Refinement::Verdict::TooRough)
       Fail(-1, RoughModelHint(cases, verdict));
     return cases;
@@ -62,6 +65,34 @@ private:
   [[noreturn]] void Fail(int result, const std::string& hint) const
   {
     SolverFailed(task.problem.meshes, scale.components, result, hint);
+  }
+
+  [[noreturn]] void FailAtPivot(int refused) const
+  {
+    // RefusedPivotHint assembles the matrix anew. A result of -1 is no equation.
+    ReaVecV motion;
+    if (refused > 0)
+      motion = matrix.MotionOfRefused(refused);
+    const std::string hint = RefusedPivotHint();
+    if (hint.empty() && refused > 0)
+      ExplainMotion(std::move(motion));
+    Fail(refused, hint);
+  }
+
+  [[noreturn]] void FailByMotion(const Refinement& refinement, const RefinedCases& cases) const
+  {
+    const std::string hint = RoughModelHint(cases, Refinement::Verdict::Moves);
+    if (hint.empty())
+      ExplainMotion(refinement.Motion(cases.probe));
+    Fail(refinement.LargestMotion(cases.probe), hint);
+  }
+
+  // motion: in the axes of the supports.
+  void ExplainMotion(ReaVecV motion) const
+  {
+    ConvertLocalResultsToGlobal(nodes, motion, scale.components.count);
+    if (IsFreeMotion(task.problem, task.families, motion))
+      Explain(DescribeMotion(task.problem, motion).text);
   }
 
   // Solves the right-hand sides and the probe without refinement. Returns 0 or the `result` of

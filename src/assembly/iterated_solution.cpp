@@ -9,6 +9,7 @@
 
 #include "assembly/free_equations.h"
 #include "assembly/probe_load.h"
+#include "base/errorwriter.h"
 #include "base/stprintf.h"
 #include "problem/problem.h"
 #include "solvers/sparse_solver.h"
@@ -86,6 +87,13 @@ bool Iterate(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCas
   return true;
 }
 
+/// Explains the error that follows. The vectors of an iteration mix all motions with the loads, so
+/// that they name none.
+void AdviseCheck()
+{
+  Explain("morlen-check finds out whether the structure can move, and names the nodes");
+}
+
 /// For an iteration that the problem file asks for: refuses a solution that does not meet the
 /// second tolerance, and warns of one that does not meet the first. Also refuses the structure, or
 /// warns, when the probe has not converged.
@@ -94,11 +102,15 @@ void JudgeExplicit(const AnalysisTask& task, const Solution& solution, const Cas
 {
   const auto& [result, model, probe] = reports;
   const Problem& problem = task.problem;
+  if (result != 0 || !AllFinite(solution.displacements))
+    AdviseCheck();
   RequireSolution(problem.meshes, problem.components, result, solution.displacements);
   const bool unproven = model.reached && !HasAlmostConverged(probe, tolerance);
-  if (!probe.reached && (unproven || MovesFreely(probe)))
+  if (!probe.reached && (unproven || MovesFreely(probe))) {
+    AdviseCheck();
     SolverFailed(problem.meshes, problem.components, -std::max(probe.iterations, 1),
                  UnprovenHint(probe));
+  }
   if (!model.reached)
     Warn(task.info,
          "warning: the iteration ended before its tolerance, with a residual of %.1e. The results "

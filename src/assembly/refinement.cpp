@@ -182,6 +182,13 @@ double Refinement::Size(const ReaVecV& u) const
   return largest;
 }
 
+ReaVecV Refinement::Motion(const RefinedCase& probe) const
+{
+  ReaVecV motion = probe.residual;
+  factors.Substitute({&motion}, nullptr);
+  return motion;
+}
+
 int Refinement::LargestMotion(const RefinedCase& probe) const
 {
   int found = 1;

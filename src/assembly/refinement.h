@@ -98,6 +98,11 @@ public:
   /// The free equation with the largest displacement; rotations count times the length.
   int LargestMotion(const RefinedCase& probe) const;
 
+  /// The motion of a structure for which Run has found Moves, in the axes of the supports. If there
+  /// are several, it is a mixture. It is one more correction, which has only traces of the elastic
+  /// displacements of the probe.
+  ReaVecV Motion(const RefinedCase& probe) const;
+
 private:
   void Correct(const std::vector<RefinedCase*>& cases) const;
   void FindResiduals(const std::vector<RefinedCase*>& cases) const;

@@ -25,14 +25,15 @@ enum class ReadEvent : int
   NoValue,            ///< a key of a material without a value, which ends the items
   LoneWidth,          ///< a width of a section without the other width
   GluedValue,         ///< the flags of a support with the value that follows them without a blank
-  BrokenRecord,   ///< where a node or an element cannot be read, which ends its list; the detail
-                  ///< is the reason
-  FreeValue,      ///< a value other than 0 at a component whose flag is free
-  WordInComment,  ///< a word of a head that only a comment has
-  NotDecimal,     ///< an integer read as octal or hexadecimal
-  Keyword,        ///< a keyword of the top level, known or not
-  UnitsUsed,      ///< the name of a unit system that is looked up
-  UnitsRepeated,  ///< a unit system that is already defined, with the same contents
+  BrokenRecord,       ///< where a node or an element cannot be read, which ends its list; the
+                      ///< detail is the reason
+  FreeValue,          ///< a value other than 0 at a component whose flag is free
+  WordInComment,      ///< a word of a head that only a comment has
+  NotDecimal,         ///< an integer read as octal or hexadecimal
+  Keyword,            ///< a keyword of the top level, known or not
+  UnitsUsed,          ///< the name of a unit system that is looked up
+  UnitsRepeated,      ///< the definition of a unit system that is already defined, with the same
+                      ///< contents
 
   // Reasons of the error that follows:
   SearchFailed,       ///< the text does not have the word searched for, the detail
@@ -45,7 +46,9 @@ enum class ReadItem : int
   Node,
   Element,
   Material,
-  Support
+  Support,
+  NodalLoad,   ///< by its node
+  ElementLoad  ///< by its element
 };
 
 /// The subject of a keyword of the top level.
@@ -55,6 +58,9 @@ enum class ReadTopic : int
   Mesh,
   Supports,
   UnitSystems,
+  UnitsOfMesh,
+  UnitsOfMaterials,  ///< and of supports and loads
+  UnitsOfResults,
   Gravity,
   Solver
 };
@@ -76,7 +82,7 @@ public:
   virtual void Notice(ReadEvent event, std::string_view place, std::string_view detail) = 0;
   /// The keyword noticed last is known and has this topic.
   virtual void Entered(ReadTopic topic) = 0;
-  /// The record of the running step has given the item with this number.
+  /// The record of the running step has given the item with this number, which is in the problem.
   virtual void Stored(ReadItem item, int number) = 0;
 };
 

@@ -218,11 +218,11 @@ bool Mesh::ReadNode(TextScan& text, double lengthFactor)
 void Mesh::StoreNode(std::unique_ptr<Node> node)
 {
   const int number = node->number;
-  NoteStored(ReadItem::Node, number);
   if (Node* known = Find<Node>(*nodes, number))
     known->MoveTo(*node);
   else
     Store(*nodes, number, std::move(node));
+  NoteStored(ReadItem::Node, number);
 }
 
 void Mesh::ReadElems(TextScan& text, const Units* units)

@@ -72,6 +72,7 @@ void ReadOneLoad(TextScan& text, int number, std::unique_ptr<BaseElemLoads> load
   load->ReadYourLoad(number, problem.problemType, {UpToNull(text.ReadRestOfLine()), &text},
                      problem.units, elem.ElemType());
   Attach(problem.elemLoads, number, std::move(load));
+  NoteStored(ReadItem::ElementLoad, number);
 }
 
 }  // namespace

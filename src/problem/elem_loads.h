@@ -56,6 +56,8 @@ public:
   /// Appends a load to the chain that begins here.
   void Append(std::unique_ptr<BaseElemLoads> load);
   const BaseElemLoads* Next() const { return next.get(); }
+  /// The last load of the chain that begins here.
+  const BaseElemLoads& Last() const { return *last; }
 
 private:
   std::unique_ptr<BaseElemLoads> next;

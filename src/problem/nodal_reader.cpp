@@ -122,6 +122,7 @@ void ReadNodalLoad(TextScan& text, int number, Node& node, const NodeComponents&
   if (!node.load)
     node.load = std::make_unique<Load>(components);
   node.load->AddValues(values, n, items.ratios.force, items.ratios.length);
+  NoteStored(ReadItem::NodalLoad, number);
 }
 
 }  // namespace

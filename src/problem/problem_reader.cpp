@@ -205,9 +205,11 @@ struct Keyword
 
 constexpr Keyword kKeywords[] = {
     {.name = "mesh", .readBlock = ReadMesh, .topic = ReadTopic::Mesh},
-    {.name = "units_mesh", .readValue = ReadUnitsMesh},
-    {.name = "units_mat_and_load", .readValue = ReadUnitsMatAndLoad},
-    {.name = "units_res", .readValue = ReadUnitsRes},
+    {.name = "units_mesh", .readValue = ReadUnitsMesh, .topic = ReadTopic::UnitsOfMesh},
+    {.name = "units_mat_and_load",
+     .readValue = ReadUnitsMatAndLoad,
+     .topic = ReadTopic::UnitsOfMaterials},
+    {.name = "units_res", .readValue = ReadUnitsRes, .topic = ReadTopic::UnitsOfResults},
     {.name = "ConvertTo6Nodes", .set = [](Problem& p, bool on) { p.convertTo6Nodes = on; }},
     {.name = "MainStresses", .set = SetStressOutput<StressOutput::Main>},
     {.name = "MainAndLocalStresses", .set = SetStressOutput<StressOutput::MainAndLocal>},

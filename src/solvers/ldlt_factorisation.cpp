@@ -1,6 +1,7 @@
 #include "solvers/ldlt_factorisation.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 #include <vector>
 
@@ -100,6 +101,7 @@ private:
   void SubtractChunk(std::span<Panel> batch, int chunk);
   void ReduceOwnGroup(Panel& panel, int chunk, int group);
   int Eliminate(Panel& panel);
+  bool HoldRow(Panel& panel, int r);
   void StoreRows(const Panel& panel, int count) const;
 
   /// The products of the panel with a block of the chunk, up to column `end`.
@@ -283,13 +285,25 @@ int Factorisation::Eliminate(Panel& panel)
       ReduceOwnGroup(panel, chunk, group);
     pivots[row] = panel.At(row)[r];
     options.onRow(row);
-    if (!AcceptsPivot(pivots[row], panel.diagonal[r], options.lostPart))
+    if (!AcceptsPivot(pivots[row], panel.diagonal[r], options.lostPart) && !HoldRow(panel, r))
       return r;
     kernel.eliminate({.group = panel.At(panel.Row() + group * kernel.groupRows),
                       .block = own + row % kChunkColumns * kernel.groupRows,
                       .column = r});
   }
   return -1;
+}
+
+/// Adds the stiffness of `hold` to the refused pivot of a row. Returns false when there is no
+/// `hold` or the sum is 0 or not finite.
+bool Factorisation::HoldRow(Panel& panel, int r)
+{
+  if (!options.hold || !std::isfinite(pivots[panel.Row() + r]))
+    return false;
+  const int row = panel.Row() + r;
+  pivots[row] += options.hold(row, panel.diagonal[r]);
+  panel.At(row)[r] = pivots[row];
+  return std::isfinite(pivots[row]) && pivots[row] != 0.0;
 }
 
 /// Writes the first `count` rows of the panel, which are finished, into the matrix.

@@ -9,7 +9,6 @@
 #include "base/memory_limit.h"
 #include "base/stprintf.h"
 #include "numeric/matriu.h"
-#include "numeric/reavecv.h"
 #include "solvers/ldlt_factorisation.h"
 #include "solvers/ldlt_kernels.h"
 #include "solvers/profile_rows.h"
@@ -159,10 +158,31 @@ int SkyMatriu::Txolesky(std::FILE* info)
     if ((row + 1) % kEquationsPerMessage == 0)
       Progress(info, "Solving degree %i of %i\n", row + 1, n);
   };
-  const int refused = FactoriseLdlt({rows.data(), heights.data()}, n,
-                                    {.kernel = kernel, .onRow = report, .lostPart = lostPart});
+  LdltOptions options = {.kernel = kernel, .onRow = report, .lostPart = lostPart};
+  held.clear();
+  if (holdsRefused)
+    options.hold = [this](int row, double diagonal) {
+      held.push_back({row + 1, diagonal > 0.0 ? diagonal : 1.0});
+      return held.back().stiffness;
+    };
+  const int refused = FactoriseLdlt({rows.data(), heights.data()}, n, options);
   factorised = refused < 0;
   return refused + 1;
+}
+
+// With the rows before the equation as L11·D1·L11ᵀ, those of K·u are 0 for L11ᵀ·u1 = -l, where l is
+// the row of the equation in L. This is the second substitution, begun at that row.
+ReaVecV SkyMatriu::MotionOfRefused(int equation) const
+{
+  ReaVecV motion;
+  motion.resize(n, 0.0);
+  motion(equation) = 1.0;
+  for (int i = equation; i > 1; --i) {
+    const double value = motion(i);
+    for (int d = 1; value != 0.0 && d < heights[i - 1]; ++d)
+      motion(i - d) -= rows[i - 1][d] * value;
+  }
+  return motion;
 }
 
 // Each row is used for all sides while it is in the cache.

@@ -7,12 +7,20 @@
 
 #include "base/large_array.h"
 #include "base/processor.h"
+#include "numeric/reavecv.h"
 #include "solvers/bsolver.h"
 #include "solvers/pivot_check.h"
 
 namespace morlen {
 
 struct LdltKernel;
+
+/// An equation and a stiffness that was added to its diagonal.
+struct HeldEquation
+{
+  int equation;
+  double stiffness;
+};
 
 /// Symmetric matrix stored by profile, factorised in place as L·D·Lᵀ.
 ///
@@ -68,6 +76,18 @@ public:
 
   /// From now on, pivots are accepted whatever digits they have lost, as long as they are not 0.
   void AcceptLostPivots() { lostPart = 0.0; }
+
+  /// From now on, an equation whose pivot is refused is held: its diagonal entry, or 1 if that is
+  /// below 1e-15, is added to its diagonal and the factorisation goes on. Each motion without
+  /// energy that the pivots show is then held at one equation.
+  void HoldRefusedPivots() { holdsRefused = true; }
+
+  /// The equations that the last factorisation has held, ascending.
+  const std::vector<HeldEquation>& HeldEquations() const { return held; }
+
+  /// After Txolesky has refused this equation: the motion u with u = 1 there and 0 in the equations
+  /// after it, for which K·u is 0 in the equations before it and the pivot in this one.
+  ReaVecV MotionOfRefused(int equation) const;
 
   /// Solves with the factors of Txolesky: the right-hand sides become solutions. Further load
   /// vectors need no further factorisation.
@@ -153,6 +173,8 @@ private:
   double outside = 0.0;  ///< target of operator() outside the profile
   bool factorised = false;
   double lostPart = kLostPart;
+  bool holdsRefused = false;
+  std::vector<HeldEquation> held;
 };
 
 }  // namespace morlen

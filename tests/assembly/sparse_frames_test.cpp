@@ -37,6 +37,8 @@ const char* const kSkyline = "Solver SkyLine";
 const char* const kTight = "Solver Sparse 1e-10 1e-10 5000";
 const char* const kNoSolution =
     "error when solving system. Probably boundary conditions are not correct\n";
+const std::string kAdvice =
+    "hint: morlen-check finds out whether the structure can move, and names the nodes\n";
 
 // The places (i, j, k) of a building of nx by ny bays, floor by floor.
 class Grid
@@ -498,7 +500,8 @@ TEST(SparseFrames, IterationLimitEndsTheRun)
 {
   const std::string info = InfoOf(ProblemText(Building(3, 2, 4), "Solver Sparse 1e-10 1e-9 12"), 2,
                                   "error when solving system. Stopped after 12 iterations."
-                                  "Probably boundary conditions are not correct\n");
+                                  "Probably boundary conditions are not correct\n" +
+                                      kAdvice);
   const std::vector<std::string> lines = LinesOf(info.substr(info.find("Just before Solver\n")));
   ASSERT_EQ(lines.size(), 4u);
   EXPECT_GT(ResidualIn(lines[1], "iteration number 10 resid=", " tol=1e-10"), 1e-9);
@@ -552,21 +555,22 @@ TEST(SparseFrames, ExactlySingularModelsBreakDown)
     const char* name;
     std::string problem;
     std::string message;
-  } cases[] = {{"plane frame without supports", plane.Text(), kNoSolution},
-               {"plane frame free to turn",
-                plane.With(&ProblemParts::constraints, "1 110 0 0 0").Text(), kNoSolution},
-               {"node without elements and supports",
-                plane.With(&ProblemParts::constraints, "1 111 0 0 0")
-                    .With(&ProblemParts::coordinates, "1 0 0\n2 1 0\n3 7 7")
-                    .Text(),
-                kNoSolution},
-               {"space frame without supports", space.With(&ProblemParts::constraints, "").Text(),
-                std::string("There are no prescribed nodes in the model!!!\n") + kNoSolution},
-               {"space frame free to twist",
-                space.With(&ProblemParts::constraints, "1 111011 0 0 0 0 0 0").Text(),
-                std::string("There is only one prescribed node in the model!!!\n"
-                            "Its 6 degrees of freedom should be prescribed!!!\n") +
-                    kNoSolution}};
+  } cases[] = {
+      {"plane frame without supports", plane.Text(), kNoSolution + kAdvice},
+      {"plane frame free to turn", plane.With(&ProblemParts::constraints, "1 110 0 0 0").Text(),
+       kNoSolution + kAdvice},
+      {"node without elements and supports",
+       plane.With(&ProblemParts::constraints, "1 111 0 0 0")
+           .With(&ProblemParts::coordinates, "1 0 0\n2 1 0\n3 7 7")
+           .Text(),
+       kNoSolution + kAdvice},
+      {"space frame without supports", space.With(&ProblemParts::constraints, "").Text(),
+       "There are no prescribed nodes in the model!!!\n" + (kNoSolution + kAdvice)},
+      {"space frame free to twist",
+       space.With(&ProblemParts::constraints, "1 111011 0 0 0 0 0 0").Text(),
+       std::string("There is only one prescribed node in the model!!!\n"
+                   "Its 6 degrees of freedom should be prescribed!!!\n") +
+           kNoSolution + kAdvice}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const std::string info = InfoOf(c.problem, 2, c.message);

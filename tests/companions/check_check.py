@@ -6,6 +6,7 @@
 
 import json
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -21,8 +22,8 @@ class Check(unittest.TestCase):
         self.folder = pathlib.Path(self.temporary.name)
         self.portal = (pathlib.Path(EXAMPLES) / "portal_frame.dat").read_text()
 
-    def check(self, *arguments):
-        return subprocess.run([CHECK, *arguments], capture_output=True, text=True, cwd=self.folder)
+    def check(self, *arguments, stdin=None):
+        return subprocess.run([CHECK, *arguments], capture_output=True, text=True, cwd=self.folder, input=stdin)
 
     def check_text(self, text, *options):
         (self.folder / "m.dat").write_text(text)
@@ -66,17 +67,62 @@ class Check(unittest.TestCase):
         report = json.loads(run.stdout)
         self.assertEqual(report["problems"],
                          [{"severity": "error", "line": 36, "column": 3,
-                           "message": "section parameter A is 0 for element 1"}])
+                           "message": "section parameter A is 0 for element 1",
+                           "code": "section-incomplete"}])
         self.assertIsNone(report["summary"])
         report = json.loads(self.check_text(self.portal, "--json").stdout)
         self.assertEqual((report["errors"], report["summary"]["load"]), (0, [20, -120, 0]))
 
     def test_a_file_that_cannot_be_read(self):
-        for name in ("none.dat", "."):
-            run = self.check(name)
-            self.assertEqual((run.returncode, run.stdout, run.stderr),
-                             (2, "", f"can't read file {name}\n"))
+        for name, kind in (("none.dat", ""), (".", ": it is a folder")):
+            for options in ((), ("--json",)):
+                run = self.check(name, *options)
+                self.assertEqual((run.returncode, run.stdout, run.stderr),
+                                 (2, "", f"can't read file {name}{kind}\n"))
         self.assertEqual(self.check().returncode, 2)
+
+    def test_several_files(self):
+        (self.folder / "good.dat").write_text(self.portal)
+        (self.folder / "note.dat").write_text(self.portal.replace("20    0   0", "20    0   0  note=1"))
+        (self.folder / "comma.dat").write_text(self.portal.replace("78.08e-4", "78,08e-4"))
+        run = self.check("good.dat", "comma.dat", "note.dat")
+        self.assertEqual(run.returncode, 1)
+        comma, note = run.stderr.splitlines()
+        self.assertRegex(comma, r"^comma\.dat:36:\d+: error: data lost: '78,08e-4' .* mean 78\.08e-4\?$")
+        self.assertEqual(note, "note.dat:49:20: warning: ignored: the key 'note'")
+        self.assertTrue(run.stdout.startswith("good.dat:\nproblem:"), run.stdout)
+        self.assertTrue(run.stdout.endswith("0 errors, 1 warning\n3 files: 1 error, 1 warning\n"), run.stdout)
+        run = self.check("good.dat", "none.dat", "comma.dat")
+        self.assertEqual(run.returncode, 2)
+        self.assertTrue(run.stdout.endswith("3 files, 1 not read: 1 error, 0 warnings\n"), run.stdout)
+        reports = json.loads(self.check("good.dat", "comma.dat", "--json").stdout)
+        self.assertEqual([(r["file"], r["errors"]) for r in reports], [("good.dat", 0), ("comma.dat", 1)])
+        problem = reports[1]["problems"][0]
+        self.assertEqual((problem["code"], problem["class"]), ("number-partly-read", "data-lost"))
+
+    def test_standard_input(self):
+        run = self.check("-", stdin=self.portal.replace("20    0   0", "20    0   0  note=1"))
+        self.assertEqual((run.returncode, run.stderr), (0, "-:49:20: warning: ignored: the key 'note'\n"))
+        self.assertEqual(json.loads(self.check("-", "--json", stdin=self.portal).stdout)["file"], "-")
+
+    def test_strict_counts_warnings(self):
+        (self.folder / "good.dat").write_text(self.portal)
+        (self.folder / "note.dat").write_text(self.portal.replace("20    0   0", "20    0   0  note=1"))
+        self.assertEqual(self.check("--strict", "good.dat").returncode, 0)
+        self.assertEqual(self.check("--strict", "note.dat").returncode, 1)
+        self.assertEqual(self.check("--strict", "note.dat", "good.dat").returncode, 1)
+
+    def test_data_lost_although_the_program_runs(self):
+        (self.folder / "m.dat").write_text(self.portal.replace("78.08e-4", "78,08e-4"))
+        self.assertEqual(subprocess.run([MORLEN, "m.dat"], cwd=self.folder, capture_output=True).returncode, 0)
+        self.assertEqual(self.check("m.dat").returncode, 1)
+
+    def test_every_code_is_in_the_manual(self):
+        manual = (pathlib.Path(EXAMPLES).parent / "docs" / "companions.md").read_text()
+        source = (pathlib.Path(EXAMPLES).parent / "companions" / "check" / "findings.cpp").read_text()
+        codes = re.findall(r'^    "([a-z0-9-]+)",$', source, re.M)
+        self.assertGreater(len(codes), 40)
+        self.assertEqual([code for code in codes if f"| `{code}` |" not in manual], [])
 
 
 if __name__ == "__main__":

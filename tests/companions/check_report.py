@@ -91,6 +91,18 @@ class Report(unittest.TestCase):
             self.assertEqual([a for a in page.addresses if not a.startswith("data:")], [])
             self.check_reactions(json.loads(page.texts["data"]))
 
+    def test_errors_of_the_problem_file(self):
+        text = (self.folder / "m.dat").read_text()
+        self.assertIn("78.08e-4", text)
+        (self.folder / "m.dat").write_text(text.replace("78.08e-4", "78,08e-4"))
+        self.solve()
+        run = self.report("m.dat")
+        self.assertEqual((run.returncode, run.stderr),
+                         (0, "warning: errors in the problem file, 1: see morlen-check m.dat\n"))
+        data = json.loads(Page((self.folder / "m.html").read_text()).texts["data"])
+        self.assertEqual([finding["error"] for finding in data["check"]], [True])
+        self.assertTrue(data["check"][0]["text"].startswith("data lost: '78,08e-4'"), data["check"])
+
     def check_reactions(self, data):
         table = next(table for table in data["tables"] if table["name"] == "reactions")
         columns = {column["name"]: self.unpack(column) for column in table["columns"]}

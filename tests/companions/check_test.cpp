@@ -2,11 +2,19 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
+#include "base/textscan.h"
+#include "check/misread.h"
+#include "check/recorder.h"
+#include "check/words.h"
+#include "problem/problem.h"
 
 namespace morlen {
 
@@ -37,7 +45,8 @@ nodal_point_loads
 end nodal_point_loads
 )";
 
-// A square plate of two triangles in space, held at one corner.
+// A square plate of two triangles in space, held at one corner. The second
+// support keeps it from turning in its plane: the rotation of a node does not.
 constexpr const char* kPlate = R"(problem type: 3d
 mesh dimension = 3 elemtype Triangle nnode = 3
 coordinates
@@ -55,6 +64,7 @@ materials
 end materials
 constraints
 1 111111 0 0 0 0 0 0
+2 010000 0 0 0 0 0 0
 end constraints
 )";
 
@@ -126,11 +136,14 @@ std::string With(std::string text, const std::string& old, const std::string& re
   return text.replace(place, old.size(), replacement);
 }
 
+// The lines of the findings without the program's hints, which have tests among the readers.
 Lines Messages(const std::string& text)
 {
   Lines lines;
-  for (const check::Located& problem : check::CheckText(text).problems)
+  for (check::Located problem : check::CheckText(text).problems) {
+    problem.hint.clear();
     lines.push_back(check::LineOf(problem, "m"));
+  }
   return lines;
 }
 
@@ -148,7 +161,7 @@ TEST(Check, ContinuesAfterErrorsInRecords)
 {
   std::string text = With(kBeam, "1 111 0 0 0", "1 131 0 0 0\n9 111 0 0 0\n1 111 0 0 0");
   text = With(text, "3 0 -3 0", "3 0 -3\n8 1 1 1\n3 0 -3 0");
-  text = With(text, "1 E=1e6", "4 E=1 foo=3\n5 Ex\n1 E=1e6");
+  text = With(text, "1 E=1e6", "4 E=1 foo=3\n5\n1 E=1e6");
   EXPECT_EQ(Messages(text),
             (Lines{"m:13:1: error: Input of materials not correct. Unknown char: 'foo'",
                    "m:14:1: warning: material 5 is not used",
@@ -174,13 +187,6 @@ TEST(Check, StopsAtErrorsThatMakeTheRestMeaningless)
   EXPECT_EQ(Messages("problem type: 2d\n"), Lines{"m: error: it is necessary at least one mesh"});
 }
 
-TEST(Check, NamesTheListThatEndsAtATypo)
-{
-  EXPECT_EQ(Messages(With(kBeam, "1 111 0 0 0\n", "1 111 0 0 0\nx2 111 0 0 0\n")),
-            Lines{"m:17:1: warning: the list ends at 'x2 111 0 0 0': all up to 'end' in line 18 is "
-                  "skipped"});
-}
-
 TEST(Check, NamesTheListThatIsNotClosed)
 {
   EXPECT_EQ(Messages(With(kBeam, "end nodal_point_loads\n", "")),
@@ -195,7 +201,6 @@ TEST(Check, WarnsOfIgnoredText)
   expect("2 2 0\n", "2 2 0 0.5\n", "m:5:7: warning: ignored: '0.5'");
   expect("3 0 -3 0\n", "3 0 -3 0 colour=red\n", "m:19:10: warning: ignored: the key 'colour'");
   expect("3 0 -3 0\n", "3 0 -3 0 Euler1=1\n", "m:19:10: warning: ignored: the key 'Euler1'");
-  expect("A=0.1", "A=0.1m2", "m:13:11: warning: '0.1m2' is no number as a whole: read as 0.1");
   expect("elemtype Linear", "elemtype Lines", "m:2:29: warning: 'Lines' is read as 'Linear'");
   expect("Iz=0.01", "Izz=0.01", "m:13:15: warning: 'Izz' is read as 'I'");
   expect("mesh", "MainStressesAll\nmesh",
@@ -535,6 +540,370 @@ TEST(Check, WritesProblemsAsJson)
   EXPECT_NE(json.find("\"line\": 0,\n   \"column\": 0,\n   \"message\": \"it is necessary at least "
                       "one mesh\""),
             json.npos);
+}
+
+namespace {
+
+// The codes and severities of the findings, as "records-lost error".
+Lines Codes(const std::string& text)
+{
+  Lines codes;
+  for (const check::Located& problem : check::CheckText(text).problems)
+    codes.push_back(std::string(check::NameOf(problem.code)) + " " +
+                    check::SeverityName(problem.severity));
+  return codes;
+}
+
+// A change of kBeam and the only finding that it makes, after "m:".
+struct Mistake
+{
+  const char* old;
+  const char* replacement;
+  const char* finding;
+};
+
+void ExpectDataLost(const std::vector<Mistake>& mistakes)
+{
+  for (const Mistake& mistake : mistakes) {
+    EXPECT_EQ(Messages(With(kBeam, mistake.old, mistake.replacement)),
+              Lines{With(std::string("m:") + mistake.finding, ": ", ": error: data lost: ")})
+        << mistake.replacement;
+  }
+}
+
+}  // namespace
+
+TEST(Check, ReportsNumbersThatAreOnlyPartlyNumbers)
+{
+  ExpectDataLost(
+      {{"E=1e6", "E=2,1e8",
+        "13:5: '2,1e8' is no number as a whole: read as 2; did you mean 2.1e8?"},
+       {"E=1e6", "E=2.1d8",
+        "13:5: '2.1d8' is no number as a whole: read as 2.1; did you mean 2.1e8?"},
+       {"E=1e6", "E=1,000,000.5",
+        "13:5: '1,000,000.5' is no number as a whole: read as 1; did you mean 1000000.5?"},
+       {"E=1e6", "E=2.1*10^8",
+        "13:5: '2.1*10^8' is no number as a whole: read as 2.1; did you mean 2.1e8?"},
+       {"A=0.1", "A=0.1m2", "13:11: '0.1m2' is no number as a whole: read as 0.1"}});
+}
+
+TEST(Check, TellsKeysThatMeanWhatTheyMatchFromOthers)
+{
+  for (const char* key : {"Area=", "area=", "A="})
+    EXPECT_EQ(check::CheckText(With(kBeam, "A=", key)).errors, 0) << key;
+  EXPECT_EQ(Codes(With(kPlate, "t=", "thickness=")), Lines{"key-by-prefix warning"});
+  const std::string hinges = "rotules\n1 hinge\n2 hinge\nend\n";
+  EXPECT_EQ(Codes(With(kBar, "Iy=1e-5 Iz=1e-5", "Iyy=1e-5 Izz=1e-5") + hinges),
+            (Lines{"key-by-prefix warning", "key-by-prefix warning"}));
+  ExpectDataLost(
+      {{"Iz=0.01", "Iz=0.01 alpha=1e-5", "13:23: 'alpha' is no key of a material: read as 'A'"},
+       {"Iz=0.01", "Iz=0.01 It=1e-5",
+        "13:23: 'It' is no key of a material: read as 'I'; did you mean 'J'?"},
+       {"Iz=0.01", "Iz=0.01 I_y=1e-5",
+        "13:23: 'I_y' is no key of a material: read as 'I'; did you mean 'Iy'?"}});
+}
+
+TEST(Check, NamesTheCauseOfAListThatEndsEarly)
+{
+  ExpectDataLost(
+      {{"1 111 0 0 0\n", "1 111 0 0 0\nx2 111 0 0 0\n",
+        "17:1: the list 'constraints' (line 15) ends at 'x2 111 0 0 0': a record begins with a "
+        "number, a comment with '#'. Not read: 1 record up to 'end' in line 18"},
+       {"2 2 0", "! middle\n2 2 0",
+        "5:1: the list 'coordinates' (line 3) ends at '! middle': comments begin with '#'. Not "
+        "read: 2 records up to 'end' in line 8"},
+       {"1 111", "// held\n1 111",
+        "16:1: the list 'constraints' (line 15) ends at '// held': comments begin with '#'. Not "
+        "read: 1 record up to 'end' in line 18"},
+       {"2 2 0\n", "end\n2 2 0\n",
+        "6:1: the record '2 2 0' follows the 'end' of its list in line 5. Not read: 2 records up "
+        "to 'elements' in line 9"}});
+}
+
+// A record of which a part can be read ends its list too.
+TEST(Check, NamesTheRecordThatEndsItsList)
+{
+  static constexpr struct
+  {
+    const char* old;
+    const char* replacement;
+    const char* beginning;
+    const char* end;
+  } cases[] = {
+      {"2 2 0\n", "2 2,0\n",
+       "m:5:1: error: data lost: the list 'coordinates' (line 3) ends at '2 2,0'",
+       ". Not read: 2 records up to 'end' in line 7"},
+      {"3 4 0\n", "3 4\n", "m:6:1: error: data lost: the list 'coordinates' (line 3) ends at '3 4'",
+       ". Not read: 1 record up to 'end' in line 7"}};
+  for (const auto& c : cases) {
+    const Lines messages = Messages(With(kBeam, c.old, c.replacement));
+    ASSERT_FALSE(messages.empty());
+    EXPECT_TRUE(messages[0].starts_with(c.beginning)) << messages[0];
+    EXPECT_TRUE(messages[0].ends_with(c.end)) << messages[0];
+  }
+}
+
+TEST(Check, NamesTheBlockThatIsNotClosed)
+{
+  ExpectDataLost(
+      {{"end constraints\n", "",
+        "17:1: the block 'constraints' (line 15) has no 'end' in front of 'nodal_point_loads'. Not "
+        "read: 1 record, with the block 'nodal_point_loads', up to 'end' in line 19"},
+       {"end coordinates\n", "",
+        "7:1: the block 'coordinates' (line 3) has no 'end' in front of 'elements'. Not read: 2 "
+        "records, with the block 'elements', up to 'end' in line 10"},
+       {"end materials\n", "",
+        "14:1: the block 'materials' (line 12) has no 'end' in front of 'constraints'. Not read: 1 "
+        "record, with the block 'constraints', up to 'end' in line 16"},
+       {"end constraints", "ned constraints",
+        "17:1: the list 'constraints' (line 15) ends at 'ned constraints': did you mean 'end'? Not "
+        "read: 1 record, with the block 'nodal_point_loads', up to 'end' in line 20"}});
+}
+
+TEST(Check, NamesTheBlockThatIsMisspelt)
+{
+  ExpectDataLost(
+      {{"elements\n1", "elemnts\n1",
+        "8:1: skipped in front of 'elements': 'elemnts': did you mean 'elements'? Not read: 2 "
+        "records up to 'elements' in line 11"},
+       {"coordinates\n1", "coordinats\n1",
+        "3:1: skipped in front of 'coordinates': 'coordinats': did you mean 'coordinates'? Not "
+        "read: 3 records up to 'coordinates' in line 7"},
+       {"nnode = 2", "nnode = two",
+        "2:44: skipped in front of the number: 'two'. Not read: all, with the block 'coordinates', "
+        "up to the number in line 4"}});
+}
+
+TEST(Check, ReportsUnitSystemsWithoutSizes)
+{
+  const Lines codes =
+      Codes(With(kBeam, "mesh", "units_names\nzero N m Pa 0 0\nend\nunits_res zero\nmesh"));
+  EXPECT_NE(std::find(codes.begin(), codes.end(), "refused error"), codes.end());
+}
+
+// Nothing is lost where the skipped words hold no data.
+TEST(Check, OnlyWarnsOfWordsInFrontOfTheEnd)
+{
+  EXPECT_EQ(Codes(With(kBeam, "end constraints", "the end")), Lines{"text-skipped warning"});
+  EXPECT_EQ(Codes(With(kBeam, "mesh dim", "mesh\n2 storeys\ndim")), Lines{"text-skipped warning"});
+  EXPECT_EQ(Codes(With(kBeam, "end constraints", "# 3 of 4\nend constraints")), Lines{});
+}
+
+TEST(Check, ReportsNoConsequencesOfLostRecords)
+{
+  EXPECT_EQ(Codes(With(With(kBeam, "3 4 0\n", "! 3\n3 4 0\n"), "elements\n", "elements\n")),
+            Lines{"records-lost error"});
+  EXPECT_EQ(Codes(With(kBeam, "2 2 3 1\nend elements\n", "! last\n2 2 3 1\nend elements\n") +
+                  "elem_rotules\n2 01\nend\n"),
+            Lines{"records-lost error"});
+}
+
+TEST(Check, ReportsUnknownNodesAndElementsOfRecordsByTheirCode)
+{
+  EXPECT_EQ(Codes(With(kBeam, "3 0 -3 0", "8 0 -3 0") + "elem_rotules\n7 01\nend\n"),
+            (Lines{"unknown-reference error", "unknown-reference error"}));
+}
+
+namespace {
+
+constexpr const char* kSystems = "units_names\nSI N m Pa 1 1\nkNmm kN mm GPa 1000 0.001\nend\n";
+
+// The error lines of kBeam with lines about units in front of the mesh and after all blocks.
+Lines UnitErrors(const std::string& before, const std::string& after,
+                 const std::string& beam = kBeam)
+{
+  Lines errors;
+  const std::string text = With(beam, "mesh", kSystems + before + "mesh") + after;
+  for (const check::Located& problem : check::CheckText(text).problems) {
+    if (problem.severity == check::Severity::Error)
+      errors.push_back(check::LineOf(problem, "m"));
+  }
+  return errors;
+}
+
+}  // namespace
+
+TEST(Check, ReportsUnitsOfResultsThatComeTooLate)
+{
+  EXPECT_EQ(UnitErrors("units_mesh m\nunits_mat_and_load SI\n", "units_res kNmm\n"),
+            Lines{"m:27:1: error: data lost: 'units_res' comes after values that it should govern: "
+                  "coordinates (line 10), materials (line 19), loads (line 25); lengths 1000 times "
+                  "too small, forces 1000 times too large. Write the lines on units in front of "
+                  "the mesh"});
+}
+
+TEST(Check, ReportsUnitsOfTheMeshAndOfMaterialsThatComeTooLate)
+{
+  EXPECT_EQ(
+      UnitErrors("units_mat_and_load SI\nunits_res SI\n", "units_mesh mm\n"),
+      Lines{"m:27:1: error: data lost: 'units_mesh' comes after values that it should govern: "
+            "coordinates (line 10); lengths 1000 times too large. Write the lines on units in "
+            "front of the mesh"});
+  const std::string between =
+      With(kBeam, "constraints\n1", "units_mat_and_load kNmm\nconstraints\n1");
+  EXPECT_EQ(
+      UnitErrors("units_mesh m\nunits_res SI\n", "", between),
+      Lines{"m:21:1: error: data lost: 'units_mat_and_load' comes after values that it should "
+            "govern: materials (line 19); lengths 1000 times too large, forces 1000 times too "
+            "small. Write the lines on units in front of the mesh"});
+}
+
+TEST(Check, ReportsUnitsOfResultsAlone)
+{
+  EXPECT_EQ(
+      UnitErrors("units_res kNmm\n", ""),
+      (Lines{"m:6:1: error: data lost: 'units_res' without 'units_mat_and_load' in front of the "
+             "values takes them in units of size 1: materials (line 18), loads (line 24); lengths "
+             "multiplied by 1000, forces multiplied by 0.001. Write the lines on units in front of "
+             "the mesh",
+             "m:6:1: error: data lost: 'units_res' without 'units_mesh' in front of the values "
+             "takes them in units of size 1: coordinates (line 9); lengths multiplied by 1000. "
+             "Write the lines on units in front of the mesh"}));
+}
+
+TEST(Check, AcceptsUnitsWhoseOrderChangesNoValue)
+{
+  EXPECT_EQ(UnitErrors("units_res SI\n", ""), Lines{});  // factors of 1: names only
+  EXPECT_EQ(UnitErrors("units_mesh m\nunits_mat_and_load SI\n", "units_res SI\n"), Lines{});
+  EXPECT_EQ(UnitErrors("units_mesh mm\nunits_mat_and_load SI\nunits_res kNmm\n", ""), Lines{});
+  // Two parts of the file in different units.
+  const std::string two = With(kBeam, "nodal_point", "units_mat_and_load kNmm\nnodal_point");
+  EXPECT_EQ(UnitErrors("units_mesh m\nunits_mat_and_load SI\nunits_res SI\n", "", two), Lines{});
+  // Records that name their system, and supports without a value.
+  const std::string named =
+      With(With(kBeam, "Iz=0.01", "Iz=0.01 units=SI"), "3 0 -3 0", "3 0 -3 0 units=SI");
+  EXPECT_EQ(UnitErrors("units_mesh mm\nunits_res kNmm\n", "", named), Lines{});
+}
+
+// Each kind of value by itself: a mistake of its own units only.
+TEST(Check, FindsLateUnitsOfEveryKindOfValue)
+{
+  const std::string named =
+      With(With(kBeam, "Iz=0.01", "Iz=0.01 units=SI"), "3 0 -3 0", "3 0 -3 0 units=SI");
+  const std::string start = "units_names\nton t mm x 9810 0.001\nend\nunits_mesh m\nunits_res SI\n";
+  constexpr const char* kLate = "units_mat_and_load ton\n";
+  const auto late = [&](const char* old, const char* replacement, const std::string& kind) {
+    const Lines errors = UnitErrors(start, kLate, With(named, old, replacement));
+    ASSERT_EQ(errors.size(), 1u) << replacement;
+    EXPECT_NE(errors[0].find("should govern: " + kind + " (line "), std::string::npos) << errors[0];
+  };
+  late("1 111 0 0 0", "1 111 0.1 0 0", "supports");
+  late("1 111 0 0 0", "1 211 100 0 0", "supports");
+  late("1 111 0 0 0\n", "1 111 0 0 0\n2 002 0 0 5\n", "supports");
+  late("units=SI\nend nodal", "units=SI\n2 0 0 4\nend nodal", "loads");
+  late("1 1 2 1", "1 1 2 1 A=0.2", "materials");
+  late("end nodal_point_loads\n", "end nodal_point_loads\nglobal_pressure_loads\n1 0 -3\nend\n",
+       "loads");
+  const std::string rotated = With(named, "1 111 0 0 0", "1 111 0 0 0.1");
+  EXPECT_EQ(UnitErrors(start, kLate, rotated), Lines{});
+}
+
+// Facts that the readers of records report, by hand.
+TEST(Check, JudgesTheFactsOfReaders)
+{
+  static constexpr struct
+  {
+    ReadEvent event;
+    const char* code;
+    check::Severity severity;
+  } cases[] = {{ReadEvent::NoValue, "key-without-value", check::Severity::Error},
+               {ReadEvent::FreeValue, "value-at-free-component", check::Severity::Error},
+               {ReadEvent::LoneWidth, "lone-width", check::Severity::Error},
+               {ReadEvent::NumberPart, "number-partly-read", check::Severity::Error},
+               {ReadEvent::GluedValue, "value-glued", check::Severity::Warning},
+               {ReadEvent::WordInComment, "word-in-comment", check::Severity::Warning},
+               {ReadEvent::UnitsRepeated, "defined-twice", check::Severity::Warning}};
+  for (const auto& c : cases) {
+    const std::string_view text = "elements\n1 1-4";
+    TextScan scan(text);
+    const Problem problem(100);
+    check::Recorder recorder(text, scan, problem);
+    Note(c.event, text.substr(11, 3), "name");
+    ASSERT_EQ(recorder.Findings().size(), 1u) << c.code;
+    EXPECT_STREQ(check::NameOf(recorder.Findings()[0].code), c.code);
+    EXPECT_EQ(recorder.Findings()[0].severity, c.severity) << c.code;
+    EXPECT_EQ(recorder.Findings()[0].offset, 11) << c.code;
+    EXPECT_EQ(check::IsDataLost(recorder.Findings()[0].code), c.severity == check::Severity::Error)
+        << c.code;
+  }
+}
+
+TEST(Check, EveryCodeHasAnotherName)
+{
+  std::set<std::string> names;
+  for (int i = 0; i < static_cast<int>(check::Code::kCount); ++i)
+    names.insert(check::NameOf(static_cast<check::Code>(i)));
+  EXPECT_EQ(names.size(), static_cast<std::size_t>(check::Code::kCount));
+}
+
+TEST(Check, ShowsTheHintOfARefusal)
+{
+  const std::string_view text = "mesh";
+  TextScan scan(text);
+  const Problem problem(100);
+  check::Recorder recorder(text, scan, problem);
+  recorder.AttemptAt(check::Code::Refused, 0, [] {
+    Explain("write 2d");
+    Fatal("error: no type\n");
+  });
+  recorder.AttemptAt(check::Code::Refused, 1, [] { Fatal("error: other\n"); });
+  const std::vector<check::Located> found = check::Locate(recorder.Findings(), text);
+  ASSERT_EQ(found.size(), 2u);
+  EXPECT_EQ(check::LineOf(found[0], "m"), "m:1:1: error: no type (hint: write 2d)");
+  EXPECT_EQ(check::LineOf(found[1], "m"), "m:1:2: error: other");
+  check::Report report;
+  report.problems = found;
+  EXPECT_NE(check::JsonOf(report, "m").find("\"hint\": \"write 2d\""), std::string::npos);
+}
+
+TEST(Misread, ExplainsWholeNumbers)
+{
+  static constexpr struct
+  {
+    const char* word;
+    const char* text;
+  } cases[] = {
+      {"1e2", "'1e2' is no whole number: read as 1; did you mean 100?"},
+      {"0.0", "'0.0' is no whole number: read as 0; did you mean 0?"},
+      {"1.5", "'1.5' is no whole number: read as 1"},
+      {"1-4",
+       "'1-4' is no whole number: read as 1; a range is not read: write every number, "
+       "separated by blanks"},
+      {"4,2", "'4,2' is no whole number: read as 4; numbers are separated by blanks: write 4 2"},
+      {"4,", "'4,' is no whole number: read as 4; numbers are separated by blanks: write 4"}};
+  for (const auto& c : cases)
+    EXPECT_EQ(check::AboutMisreadNumber(c.word, check::Expected::WholeNumber), c.text);
+  EXPECT_EQ(check::AboutMisreadNumber("1e2", check::Expected::Number), cases[0].text);
+}
+
+TEST(NearestKeyword, FindsMisspeltWords)
+{
+  EXPECT_EQ(check::NearestKeyword("elemnts"), "elements");
+  EXPECT_EQ(check::NearestKeyword("Constrains"), "constraints");
+  EXPECT_EQ(check::NearestKeyword("edn"), "end");
+  EXPECT_EQ(check::NearestKeyword("x2"), "");
+  EXPECT_EQ(check::NearestKeyword("beams"), "");
+}
+
+TEST(Check, NamesTheCodeOfEveryFinding)
+{
+  std::string text = With(kBeam, "1 111 0 0 0", "1 131 0 0 0\n1 111 0 0 0 note=1");
+  text = With(text, "A=0.1", "A=0.1m2") + "loads\n";
+  std::vector<std::string> codes;
+  for (const check::Located& problem : check::CheckText(text).problems)
+    codes.push_back(check::NameOf(problem.code));
+  EXPECT_EQ(codes, (Lines{"number-partly-read", "refused", "key-ignored", "unknown-keyword"}));
+}
+
+TEST(Check, DataLostIsAClassInTextAndJson)
+{
+  const check::Report report = check::CheckText(With(kBeam, "A=0.1", "A=0.1m2"));
+  EXPECT_EQ(report.errors, 1);
+  EXPECT_FALSE(report.summary);
+  EXPECT_NE(check::JsonOf(report, "m")
+                .find("\"code\": \"number-partly-read\",\n   \"class\": "
+                      "\"data-lost\""),
+            std::string::npos);
 }
 
 TEST(Check, RestoresTheEndOfTheErrorWriter)

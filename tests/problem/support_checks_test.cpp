@@ -73,6 +73,15 @@ void ExpectRunFails(const ProblemParts& problem, const std::string& hint,
   EXPECT_EQ(run.status, 2);
 }
 
+// The line that names the motion in the numbers of the file.
+std::string Hint(const std::string& text)
+{
+  return "hint: " + text + "\n";
+}
+
+const std::string kSpin =
+    "nodes 1 and 2 can turn about x: beam 1 spins about its own axis; no support prevents it";
+
 std::string ZeroDiagonal(int equation, int node, int degree, const std::string& name)
 {
   return "error when solving system(" + std::to_string(equation) +
@@ -171,30 +180,38 @@ TEST(SupportChecks, TheSolversMessageFollows)
 {
   const ProblemParts space = SpaceProblem();
   ExpectRunFails(space.With(&ProblemParts::constraints, ""), kNone,
-                 ZeroDiagonal(7, 2, 1, "X displ."));
+                 ZeroDiagonal(7, 2, 1, "X displ.") +
+                     Hint("the whole model can move along x: no support prevents it"));
   ExpectRunFails(space.With(&ProblemParts::constraints, "1 111011 0 0 0 0 0 0"),
-                 std::string(kOne) + kSixNeeded, ZeroDiagonal(10, 2, 4, "X rotation"));
+                 std::string(kOne) + kSixNeeded,
+                 ZeroDiagonal(10, 2, 4, "X rotation") + Hint(kSpin));
   ExpectRunFails(
       space.With(&ProblemParts::constraints, "1 111000 0 0 0 0 0 0\n2 111000 0 0 0 0 0 0"),
-      CanRotate(kAlongX), ZeroDiagonal(10, 2, 4, "X rotation"));
+      CanRotate(kAlongX), ZeroDiagonal(10, 2, 4, "X rotation") + Hint(kSpin));
   // Three supports, none of which holds x.
   ExpectRunFails(space.With(&ProblemParts::coordinates, "1 0 0 0\n2 1 0 0\n3 2 0 0")
                      .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
                      .With(&ProblemParts::constraints,
                            "1 011111 0 0 0 0 0 0\n2 011111 0 0 0 0 0 0\n3 011111 0 0 0 0 0 0"),
-                 "", ZeroDiagonal(13, 3, 1, "X displ."));
+                 "",
+                 ZeroDiagonal(13, 3, 1, "X displ.") +
+                     Hint("the whole model can move along x: no support prevents it"));
 }
 
 TEST(SupportChecks, APlaneMechanismGetsTheSolversMessageOnly)
 {
   ExpectRunFails(ProblemParts().With(&ProblemParts::constraints, "1 010 0 0 0"), "",
-                 ZeroDiagonal(4, 1, 4, "X rotation"));
+                 ZeroDiagonal(4, 1, 4, "X rotation") +
+                     Hint("the whole model can move along x: no support prevents it"));
   const std::string second =
       "mesh dimension 2 elemtype Linear nnode 2 coordinates\nend\nelements\n2 1 2 1\nend\n";
-  ExpectRunFails(ProblemParts()
-                     .With(&ProblemParts::constraints, "1 110 0 0 0")
-                     .With(&ProblemParts::rest, second),
-                 std::string(kOne) + kThreeNeeded, ZeroDiagonal(6, 1, 6, "Z rotation"));
+  ExpectRunFails(
+      ProblemParts()
+          .With(&ProblemParts::constraints, "1 110 0 0 0")
+          .With(&ProblemParts::rest, second),
+      std::string(kOne) + kThreeNeeded,
+      ZeroDiagonal(6, 1, 6, "Z rotation") +
+          Hint("the whole model can turn about z through node 1: no support prevents it"));
 }
 
 }  // namespace morlen

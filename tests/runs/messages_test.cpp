@@ -90,8 +90,9 @@ std::string LongChain(int nodes, const std::string& settings)
   parts.constraints = "1 111 0 0 0\n";
   for (int i = 2; i <= nodes; ++i) {
     const std::string number = std::to_string(i);
-    parts.coordinates += number + " " + number + " 0\n";
-    parts.elements += number + " " + std::to_string(i - 1) + " " + number + " 1\n";
+    parts.coordinates.append(number).append(" ").append(number).append(" 0\n");
+    parts.elements.append(number).append(" ").append(std::to_string(i - 1));
+    parts.elements.append(" ").append(number).append(" 1\n");
     parts.constraints += number + " 010 0 0 0\n";
   }
   return parts.Text();
@@ -247,6 +248,12 @@ TEST(Messages, OfElementsAndSections)
     ExpectRefused(refused);
 }
 
+// The line that names the motion in the numbers of the file.
+std::string Hint(const std::string& text)
+{
+  return "hint: " + text + "\n";
+}
+
 // The message computes node and degree as if every node had six degrees.
 TEST(Messages, NameTheDegreeThatIsFree)
 {
@@ -261,7 +268,12 @@ TEST(Messages, NameTheDegreeThatIsFree)
             .With(&ProblemParts::coordinates, "1 0 0 0\n2 1 0 0\n3 2 0 0")
             .With(&ProblemParts::constraints, "1 111111 0 0 0 0 0 0\n3 " + flags + " 0 0 0 0 0 0")
             .Text();
-    ExpectRefused({problem, ZeroDiagonal(12 + degree, 3, degree, names[degree - 1])}, {"-r0"});
+    static const char* const motions[] = {"move along x", "move along y", "move along z",
+                                          "turn about x", "turn about y", "turn about z"};
+    ExpectRefused({problem, ZeroDiagonal(12 + degree, 3, degree, names[degree - 1]) +
+                                Hint("node 3 can " + std::string(motions[degree - 1]) +
+                                     ": it belongs to no element")},
+                  {"-r0"});
   }
 }
 
@@ -269,19 +281,29 @@ TEST(Messages, RefuseMechanisms)
 {
   const auto supports = &ProblemParts::constraints;
   const Refused cases[] = {
-      {With(supports, ""), ZeroDiagonal(4, 1, 4, "X rotation")},
-      {With(supports, "1 110 0 0 0"), ZeroDiagonal(6, 1, 6, "Z rotation")},
-      {With(supports, "1 010 0 0 0\n2 010 0 0 0"), ZeroDiagonal(4, 1, 4, "X rotation")},
-      {With(supports, "1 100 0 0 0\n2 100 0 0 0"), ZeroDiagonal(5, 1, 5, "Y rotation")},
+      {With(supports, ""), ZeroDiagonal(4, 1, 4, "X rotation") +
+                               Hint("the whole model can move along x: no support prevents it")},
+      {With(supports, "1 110 0 0 0"),
+       ZeroDiagonal(6, 1, 6, "Z rotation") +
+           Hint("the whole model can turn about z through node 1: no support prevents it")},
+      {With(supports, "1 010 0 0 0\n2 010 0 0 0"),
+       ZeroDiagonal(4, 1, 4, "X rotation") +
+           Hint("the whole model can move along x: no support prevents it")},
+      {With(supports, "1 100 0 0 0\n2 100 0 0 0"),
+       ZeroDiagonal(5, 1, 5, "Y rotation") +
+           Hint("the whole model can move along y: no support prevents it")},
       {SpaceProblem()
            .With(&ProblemParts::coordinates, "1 0 0 0\n2 1 0 0\n3 2 0 0")
            .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
            .With(supports, "1 111011 0 0 0 0 0 0\n2 000000 0 0 0 0 0 0\n3 000000 0 0 0 0 0 0")
            .Text(),
-       ZeroDiagonal(16, 3, 4, "X rotation")},
+       ZeroDiagonal(16, 3, 4, "X rotation") +
+           Hint("nodes 1, 2 and 3 can turn about x: beams 1 and 2 spin about their own axes; no "
+                "support prevents it")},
       // The roller is free along the tangent of the circle about the pinned node.
       {With(supports, "1 110 0 0 0\n2 010 0 0 0 Euler1=1.5707963267948966"),
-       ZeroDiagonal(6, 1, 6, "Z rotation")},
+       ZeroDiagonal(6, 1, 6, "Z rotation") +
+           Hint("the whole model can turn about z through node 1: no support prevents it")},
   };
   for (const Refused& refused : cases) {
     ExpectRefused(refused);
@@ -298,7 +320,11 @@ TEST(Messages, RefuseSlopedMechanisms)
                                   .With(&ProblemParts::materials, "1 E 2.1e11 A 0.003 Iz 4e-6")
                                   .With(&ProblemParts::constraints, "1 110 0 0 0")
                                   .Text();
-  ExpectRefused({problem, ZeroDiagonal(9, 2, 3, "Z displ.")}, {"-r0"});
+  ExpectRefused(
+      {problem,
+       ZeroDiagonal(9, 2, 3, "Z displ.") +
+           Hint("the whole model can turn about z through node 1: no support prevents it")},
+      {"-r0"});
 }
 
 TEST(Messages, NameTheUsersNodeAfterARenumbering)
@@ -309,14 +335,18 @@ TEST(Messages, NameTheUsersNodeAfterARenumbering)
                                   .With(&ProblemParts::elements, "1 1 2 1\n2 2 3 1")
                                   .With(&ProblemParts::constraints, "")
                                   .Text();
-  ExpectRefused({problem, ZeroDiagonal(7, 2, 1, "X displ.")});
-  ExpectRefused({problem, ZeroDiagonal(7, 2, 1, "X displ.")}, {"-r0"});
+  ExpectRefused({problem, ZeroDiagonal(7, 2, 1, "X displ.") +
+                              Hint("the whole model can move along x: no support prevents it")});
+  ExpectRefused({problem, ZeroDiagonal(7, 2, 1, "X displ.") +
+                              Hint("the whole model can move along x: no support prevents it")},
+                {"-r0"});
   const std::string moved = ProblemParts()
                                 .With(&ProblemParts::coordinates, "1 0 0\n2 5 0\n3 1 0")
                                 .With(&ProblemParts::elements, "1 1 3 1\n2 3 2 1")
                                 .With(&ProblemParts::constraints, "")
                                 .Text();
-  ExpectRefused({moved, ZeroDiagonal(7, 3, 1, "X displ.")});
+  ExpectRefused({moved, ZeroDiagonal(7, 3, 1, "X displ.") +
+                            Hint("the whole model can move along x: no support prevents it")});
 }
 
 TEST(Messages, RefuseSolutionsThatAreNotFinite)
@@ -441,7 +471,26 @@ TEST(RoughModelMessages, MechanismsAreNotCalledRough)
   folder.Write("model.dat", s.Text());
   const RunResult run = RunProgram(folder, {"model.dat"});
   EXPECT_EQ(run.status, 2);
-  EXPECT_TRUE(run.err.ends_with("Probably boundary conditions are not correct\n")) << run.err;
+  EXPECT_TRUE(run.err.ends_with("Probably boundary conditions are not correct\n" +
+                                Hint("the whole model can move along x: no support prevents it")))
+      << run.err;
+}
+
+// Every fourth beam is 1e12 times stiffer than the others. A double has too few digits for this
+// cantilever, whose solution looks like a motion without energy, but it cannot move.
+TEST(RoughModelMessages, StableStructuresAreNotSaidToMove)
+{
+  Structure s = Chain(40, false);
+  s.sections.push_back(s.sections.front());
+  s.sections.back().E *= 1e12;
+  for (std::size_t i = 3; i < s.beams.size(); i += 4)
+    s.beams[i].section = 2;
+  s.HoldNode(1, kClamped).Load(41, {0, -1});
+  const TemporaryFolder folder;
+  folder.Write("model.dat", s.Text());
+  const RunResult run = RunProgram(folder, {"model.dat"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.err.find("can move"), std::string::npos) << run.err;
 }
 
 TEST(IterationMessages, AnAcceptedResidualGivesAWarning)

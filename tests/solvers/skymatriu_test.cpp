@@ -778,6 +778,76 @@ TEST(SkyMatriu, CopiesIntoADenseMatrix)
       EXPECT_EQ(m(i, j), expected[i - 1][j - 1]) << i << "," << j;
 }
 
+// Springs of stiffness 1 connect consecutive equations but for those after `cuts`. Each group of
+// equations can move: its motion is 1 in all of them. All pivots are exact.
+void MakeChains(SkyMatriu& matrix, const std::vector<int>& cuts, bool full)
+{
+  const int n = matrix.GiveSize();
+  for (int i = 2; i <= n; ++i)
+    matrix.EnterMaxDiff(full ? 1 : i - 1, i);
+  matrix.Create(1);
+  for (int i = 1; i < n; ++i) {
+    if (std::find(cuts.begin(), cuts.end(), i) != cuts.end())
+      continue;
+    matrix(i, i) += 1.0;
+    matrix(i + 1, i + 1) += 1.0;
+    matrix(i + 1, i) -= 1.0;
+  }
+}
+
+TEST(SkyMatriu, FindsTheMotionOfARefusedEquation)
+{
+  for (const bool full : {false, true}) {
+    for (const int cut : {1, 2, 23, 24, 25, 96, 97, 149}) {
+      SkyMatriu matrix(150, TestedProcessor());
+      MakeChains(matrix, {7, cut}, full);
+      const int first = std::min(7, cut);
+      matrix(1, 1) += 3.0;  // holds the first group
+      const int refused = std::max(7, cut) == 7 ? 7 : cut;
+      ASSERT_EQ(matrix.Txolesky(nullptr), refused) << cut;
+      const ReaVecV motion = matrix.MotionOfRefused(refused);
+      for (int i = 1; i <= 150; ++i)
+        EXPECT_EQ(motion(i), i > first && i <= refused ? 1.0 : 0.0) << cut << " " << i;
+    }
+  }
+}
+
+TEST(SkyMatriu, HoldsEveryMotionAtOneEquation)
+{
+  const std::vector<int> cuts = {1, 24, 60, 96, 130};
+  for (const bool full : {false, true}) {
+    SkyMatriu matrix(150, TestedProcessor());
+    MakeChains(matrix, cuts, full);
+    matrix.HoldRefusedPivots();
+    ASSERT_EQ(matrix.Txolesky(nullptr), 0);
+    std::vector<int> held;
+    int before = 0;
+    for (const HeldEquation& one : matrix.HeldEquations()) {
+      held.push_back(one.equation);
+      EXPECT_EQ(one.stiffness, 1.0) << one.equation;  // that of equation 1 is 0
+      ReaVecV motion(150);
+      motion = 0.0;
+      motion(one.equation) = one.stiffness;
+      matrix.Substitute({&motion}, nullptr);
+      for (int i = 1; i <= 150; ++i)
+        EXPECT_EQ(motion(i), i > before && i <= one.equation ? 1.0 : 0.0) << i;
+      before = one.equation;
+    }
+    EXPECT_EQ(held, (std::vector<int>{1, 24, 60, 96, 130, 150}));
+  }
+}
+
+TEST(SkyMatriu, HoldsNoPivotThatIsNotANumber)
+{
+  SkyMatriu matrix(2, TestedProcessor());
+  matrix.Create(1);
+  matrix(1, 1) = 1.0;
+  matrix(2, 2) = std::numeric_limits<double>::quiet_NaN();
+  matrix.HoldRefusedPivots();
+  EXPECT_EQ(matrix.Txolesky(nullptr), 2);
+  EXPECT_TRUE(matrix.HeldEquations().empty());
+}
+
 TEST(SkyMatriu, FindsTheFirstVoidRow)
 {
   SkyMatriu matrix(4, TestedProcessor());

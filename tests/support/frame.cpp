@@ -127,4 +127,19 @@ ProblemParts SpaceProblem()
           .loads = "2 0 0 0 0 0 0"};
 }
 
+Vector3 operator+(const Vector3& a, const Vector3& b)
+{
+  return {a[0] + b[0], a[1] + b[1], a[2] + b[2]};
+}
+
+Vector3 operator-(const Vector3& a, const Vector3& b)
+{
+  return a + -1.0 * b;
+}
+
+Vector3 operator*(double factor, const Vector3& v)
+{
+  return {factor * v[0], factor * v[1], factor * v[2]};
+}
+
 }  // namespace morlen

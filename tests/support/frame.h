@@ -9,6 +9,10 @@ namespace morlen {
 
 using Vector3 = std::array<double, 3>;
 
+Vector3 operator+(const Vector3& a, const Vector3& b);
+Vector3 operator-(const Vector3& a, const Vector3& b);
+Vector3 operator*(double factor, const Vector3& v);
+
 /// The data of a frame. A problem file is written from it, and the reference solution is computed
 /// from it. Nodes, sections and beams are numbered from 1 in their order.
 ///

@@ -290,21 +290,6 @@ void ExpectBalanced(const SolidModel& model, const Solved& solved, double tolera
   EXPECT_LE(all.Size(), tolerance * scale);
 }
 
-Vector3 operator+(const Vector3& a, const Vector3& b)
-{
-  return {a[0] + b[0], a[1] + b[1], a[2] + b[2]};
-}
-
-Vector3 operator-(const Vector3& a, const Vector3& b)
-{
-  return a + -1.0 * b;
-}
-
-Vector3 operator*(double factor, const Vector3& v)
-{
-  return {factor * v[0], factor * v[1], factor * v[2]};
-}
-
 double Dot(const Vector3& a, const Vector3& b)
 {
   return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];

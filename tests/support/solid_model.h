@@ -105,9 +105,6 @@ Resultant ResultantOf(const SolidModel& model, const std::vector<Vector3>& force
 /// Expects that the reactions balance nodal loads and element loads.
 void ExpectBalanced(const SolidModel& model, const Solved& solved, double tolerance = 1e-9);
 
-Vector3 operator+(const Vector3& a, const Vector3& b);
-Vector3 operator-(const Vector3& a, const Vector3& b);
-Vector3 operator*(double factor, const Vector3& v);
 double Dot(const Vector3& a, const Vector3& b);
 Vector3 Cross(const Vector3& a, const Vector3& b);
 /// A rotation by three angles that are not small.

@@ -339,6 +339,39 @@ nodal_point_loads
 end nodal_point_loads
 `;
 
+/** The alert in the head of a page: its text and its colour; null without one. */
+const ALERT = `(() => {
+  const alert = document.querySelector("header .alert");
+  return alert && { text: alert.textContent, colour: getComputedStyle(alert).color, items: alert.querySelectorAll("li").length };
+})()`;
+
+test("errors of the problem file are in the head, in red", async () => {
+  const model = readFileSync(join(EXAMPLES, "portal_frame.dat"), "utf8");
+  const cases = [
+    ["sound", model, null],
+    ["comma", model.replace("78.08e-4", "78,08e-4"), 1],
+    ["many", model.replace("78.08e-4", "78,08e-4 It=1 alpha=1 I_y=2 Ip=3"), 5],
+  ];
+  for (const [name, text, errors] of cases) {
+    writeFileSync(join(folder, `${name}.dat`), text);
+    const page = await browser.open(reportOf(`${name}.dat`), SIZE);
+    if (PICTURES) writeFileSync(join(PICTURES, `${name}.png`), await page.screenshot());
+    const alert = await page.evaluate(ALERT);
+    assert.deepEqual(page.complaints, []);
+    await page.close();
+    if (errors === null) {
+      assert.equal(alert, null);
+      continue;
+    }
+    assert.match(alert.text, new RegExp(`^${errors} errors? in the problem file`));
+    assert.match(alert.text, /data lost: '78,08e-4' is no number as a whole/);
+    assert.equal(alert.items, Math.min(errors, 4));
+    assert.equal(alert.text.includes("and 2 more"), errors === 5);
+    const [red, green, blue] = alert.colour.match(/\d+/g).map(Number);
+    assert.ok(red > 2 * green && red > 2 * blue, alert.colour);
+  }
+});
+
 test("text of the input is shown as it is and never runs", async () => {
   const force = "</script><img>",
     length = "<b>m&amp;'\"</b>";

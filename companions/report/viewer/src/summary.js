@@ -163,6 +163,25 @@ export function extremesCard(report, model, shells, fields, onplace) {
   );
 }
 
+/** The errors of the problem file, in red; null without any. */
+function errorBanner(report) {
+  const SHOWN = 3;
+  const errors = (report.check ?? []).filter(({ error }) => error);
+  if (!errors.length) return null;
+  const count = errors.length === 1 ? "1 error" : `${errors.length} errors`;
+  const items = errors
+    .slice(0, SHOWN)
+    .map(({ place, text }) => h("li", {}, h("b", {}, `${place}: `), text));
+  if (errors.length > SHOWN)
+    items.push(h("li", {}, `and ${errors.length - SHOWN} more, in the check of the problem file`));
+  return h(
+    "div",
+    { class: "alert", role: "alert" },
+    h("b", {}, `${count} in the problem file: these results may be those of another model.`),
+    h("ul", {}, items),
+  );
+}
+
 export function header(report) {
   const { balanced, residual } = report.equilibrium;
   const state = balanced ? "in equilibrium" : "not in equilibrium";
@@ -180,6 +199,7 @@ export function header(report) {
         `${state}, residual ${residual.toExponential(1)}`,
       ),
     ),
+    errorBanner(report),
     description.length ? h("pre", { class: "description" }, description.join("\n")) : null,
   );
 }

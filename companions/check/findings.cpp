@@ -49,7 +49,6 @@ constexpr const char* kNames[] = {
     "separate-parts",
     "free-motion",
     "mechanism",
-    "mechanism-not-tested",
     "unused-node",
     "unused-material",
     "unused-units",

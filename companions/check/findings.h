@@ -62,7 +62,6 @@ enum class Code : int
   SeparateParts,
   FreeMotion,
   Mechanism,
-  MechanismNotTested,
   UnusedNode,
   UnusedMaterial,
   UnusedUnits,

@@ -100,7 +100,7 @@ void CheckCoincidence(const Subject& subject, Recorder& recorder)
   for (const Node* node : subject.nodes) {
     if (const Node* other = grid.Enter(*node))
       recorder.Warn(Code::CoincidentNodes, recorder.PlaceOf(ReadItem::Node, node->number), "node ",
-                    node->number, " stands at the place of node ", other->number);
+                    node->number, " is at the place of node ", other->number);
   }
 }
 
@@ -147,7 +147,7 @@ void CheckShape(const Elem& elem, Recorder& recorder)
                    solid ? " has no volume" : " has no area");
   else if (determinant < 0.0)
     recorder.Error(Code::TurnedElement, place, name,
-                   " is turned: its fourth node stands on the wrong side");
+                   " is turned: its fourth node is on the wrong side");
   else if (ShapeOf(elem, determinant) < (solid ? kSliverSolid : kSliverTriangle))
     recorder.Warn(Code::Sliver, place, name, " is a sliver");
 }

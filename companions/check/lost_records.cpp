@@ -8,8 +8,8 @@
 #include <algorithm>
 
 #include "base/digits.h"
+#include "base/text_parts.h"
 #include "check/joined.h"
-#include "check/text_parts.h"
 #include "check/words.h"
 
 namespace morlen::check {
@@ -81,7 +81,7 @@ std::string CauseOf(const EndedList& list)
   const std::string name = Joined("'", list.name, "' (line ", list.line, ")");
   if (IsKeyword(word))
     return Joined("the block ", name, " has no 'end' in front of '", word, "'");
-  const std::string ends = Joined("the list ", name, " ends at ", Quote(line));
+  const std::string ends = Joined("the list ", name, " ends at ", Quoted(line));
   if (list.broken)
     return list.reason.empty() ? ends + ", of which only the beginning can be read"
                                : Joined(ends, ": ", list.reason);
@@ -112,9 +112,9 @@ std::string AboutSkipped(const SkippedText& skipped)
 {
   const std::string_view word = FirstWord(skipped.text);
   if (skipped.endLine > 0 && IsDigit(word[0]))
-    return Joined("the record ", Quote(skipped.text), " follows the 'end' of its list in line ",
+    return Joined("the record ", Quoted(skipped.text), " follows the 'end' of its list in line ",
                   skipped.endLine);
-  return Joined("skipped in front of ", skipped.target, ": ", Quote(skipped.text), Remark(word));
+  return Joined("skipped in front of ", skipped.target, ": ", Quoted(skipped.text), Remark(word));
 }
 
 std::string AboutLost(const SkippedText& skipped)

@@ -21,11 +21,11 @@
 #include <map>
 #include <memory>
 #include <random>
-#include <tuple>
 #include <unordered_map>
 #include <vector>
 
 #include "assembly/free_equations.h"
+#include "assembly/free_motion.h"
 #include "assembly/motion_words.h"
 #include "assembly/preparation.h"
 #include "assembly/probe_load.h"
@@ -35,6 +35,7 @@
 #include "assembly/solver_choice.h"
 #include "assembly/support_axes.h"
 #include "base/memory_limit.h"
+#include "check/added_springs.h"
 #include "check/checks.h"
 #include "check/recorder.h"
 #include "model/node.h"
@@ -58,51 +59,6 @@ constexpr double kDeviation = 1e-5;
 constexpr std::size_t kMostMotions = 200;
 constexpr std::size_t kAtATime = 16;
 constexpr int kMostListed = 5;
-
-/// Springs at single equations, which the destructor takes away again.
-class Springs
-{
-public:
-  explicit Springs(const NodeComponents& ofNodes) : components(ofNodes) {}
-  Springs(const Springs&) = delete;
-  Springs& operator=(const Springs&) = delete;
-  ~Springs()
-  {
-    for (auto one = saved.rbegin(); one != saved.rend(); ++one) {
-      if (one->isNew)
-        one->node.constraint.reset();
-      else
-        std::tie(one->node.constraint->flags[one->k], one->node.constraint->values[one->k]) =
-            std::tie(one->flag, one->value);
-    }
-  }
-
-  /// Adds a spring at component k (from 0) of a node, which is free or has a spring.
-  void Add(Node& node, int k, double stiffness)
-  {
-    const bool isNew = !node.constraint;
-    if (isNew)
-      node.constraint = std::make_unique<Constraint>(components);
-    int& flag = node.constraint->flags[k];
-    double& value = node.constraint->values[k];
-    saved.push_back({node, k, isNew, flag, value});
-    value = stiffness + (flag == Constraint::kSpring ? value : 0.0);
-    flag = Constraint::kSpring;
-  }
-
-private:
-  struct Saved
-  {
-    Node& node;
-    int k;
-    bool isNew;
-    int flag;
-    double value;
-  };
-
-  NodeComponents components;
-  std::vector<Saved> saved;
-};
 
 /// Finds the motions of a prepared problem. While it exists, the supports have its springs.
 class MotionSearch
@@ -145,7 +101,7 @@ private:
   Problem& problem;
   ComponentScale scale;
   std::vector<Node*> nodes;  ///< by system number less 1
-  Springs springs;
+  AddedSprings springs;
   std::vector<HeldEquation> held;
   std::unique_ptr<SkyMatriu> factors;  ///< with all held equations, after HoldAll
 };

@@ -4,10 +4,7 @@
 #include <utility>
 
 #include "base/number_text.h"
-#include "check/lost_records.h"
-#include "check/misread.h"
 #include "check/text_parts.h"
-#include "check/words.h"
 
 namespace morlen::check {
 namespace {
@@ -34,15 +31,9 @@ Code CodeOf(std::optional<ReadEvent> reason, Code otherwise)
     return Code::UnknownKeyword;
   if (reason == ReadEvent::SearchFailed)
     return Code::WordMissing;
+  if (reason == ReadEvent::PoissonRatio)
+    return Code::PoissonRatio;
   return reason == ReadEvent::AsymmetricMaterial ? Code::AsymmetricMaterial : otherwise;
-}
-
-// The value of an octal, hexadecimal or decimal number.
-int ValueInItsBase(std::string_view item)
-{
-  int number = 0;
-  ScanInt(item, number, 0, 0);
-  return number;
 }
 
 }  // namespace
@@ -73,9 +64,11 @@ bool Recorder::Attempt(TextScan* text, const std::function<void()>& step)
     topic = ReadTopic::Other;
   stored = false;
   namedUnits = false;
+  judgesList = !text && depth > 0 && topic == ReadTopic::Mesh;
   ++depth;
   const bool done = Run(step);
   --depth;
+  judgesList = false;
   if (done && text && depth > 0)
     NoteBrokenRecord(here, *text);
   if (!done && text)
@@ -143,15 +136,25 @@ void Recorder::AddError(std::string_view message)
   if (depth > 0)
     broken.insert(topic);
   const Code code = IsUnknownReference() ? Code::UnknownReference : CodeOf(why, stepCode);
-  if (IsConsequence(code))
-    return;
   std::ptrdiff_t place = start;
   if (searched != kWholeFile)
     place = searched;
   if (fixedPlace != kWholeFile)
     place = fixedPlace;
+  if (IsConsequence(code, place))
+    return;
   Error(code, place, OneLine(message), remarkOn ? remarkOn(why) : std::string());
-  findings.back().hint = OneLine(errorwriter.Hint());
+  findings.back().hint = HintAt(place);
+  if (judgesList)
+    listFinding = findings.size() - 1;
+}
+
+// The hint of the last error, without its line when that is the line of the finding.
+std::string Recorder::HintAt(std::ptrdiff_t place) const
+{
+  std::string hint = OneLine(errorwriter.Hint());
+  const std::string line = place == kWholeFile ? "" : Joined("line ", LineNumber(place), ": ");
+  return line.empty() || !hint.starts_with(line) ? hint : hint.substr(line.size());
 }
 
 void Recorder::Entered(ReadTopic entered)
@@ -193,6 +196,7 @@ void Recorder::Notice(ReadEvent event, std::string_view place, std::string_view 
       return;
     case ReadEvent::UnknownKeyword:
     case ReadEvent::AsymmetricMaterial:
+    case ReadEvent::PoissonRatio:
       reason = event;
       return;
     default:
@@ -206,137 +210,6 @@ void Recorder::EnterKeyword(std::ptrdiff_t offset)
   keywordSeen = true;
   derailed = false;
   topic = ReadTopic::Other;
-}
-
-void Recorder::Judge(ReadEvent event, std::string_view place, std::string_view detail)
-{
-  const std::ptrdiff_t at = OffsetIn(place);
-  switch (event) {
-    case ReadEvent::SkippedText:
-      return JudgeSkipped(place, Joined("'", detail, "'"));
-    case ReadEvent::SkippedAfterBlock:  // the rest of the line belongs to the "end"
-      place.remove_prefix(std::min(place.find('\n'), place.size()));
-      return JudgeSkipped(place, Joined("'", detail, "'"), LineNumber(at));
-    case ReadEvent::SkippedToNumber:
-      return JudgeSkipped(place, "the number");
-    case ReadEvent::SkippedToBlockEnd:
-      return JudgeListEnd(place);
-    case ReadEvent::WordPart:
-      return JudgeWordPart(place, detail);
-    case ReadEvent::Prefix:
-      return JudgePrefix(place, detail);
-    case ReadEvent::LineTail:
-      return JudgeTail(place);
-    case ReadEvent::LineBreak:
-      return Warn(Code::RecordContinued, start,
-                  "values are missing in this line: they are taken from the next one");
-    case ReadEvent::IgnoredKey:
-      return Warn(Code::KeyIgnored, at, "ignored: the key ", Quote(place));
-    case ReadEvent::NumberPart:
-      return JudgeNumber(place);
-    case ReadEvent::NoValue:
-      return Error(Code::KeyWithoutValue, at, "the key ", Quote(place),
-                   " has no value and is not read. Write its value, or leave it out");
-    case ReadEvent::LoneWidth:
-      return Error(Code::LoneWidth, at, Quote(place),
-                   " gives no section without the other width. Write widthY and widthZ");
-    case ReadEvent::FreeValue:
-      return Error(Code::ValueAtFreeComponent, at, "the value ", Quote(place),
-                   " has no effect, as the flag of its component is 0 (free). Flag 1 prescribes a "
-                   "displacement, 2 is a spring");
-    case ReadEvent::WordInComment:
-      return Warn(Code::WordInComment, at, Quote(place),
-                  " is taken from a comment, as it is nowhere else");
-    case ReadEvent::GluedValue:
-      return Warn(Code::ValueGlued, at, Quote(place),
-                  " is read as flags and a value. Write a blank between them");
-    case ReadEvent::UnitsRepeated:
-      return Warn(Code::DefinedTwice, at, "the unit system '", detail,
-                  "' is defined again, with the same contents");
-    case ReadEvent::NotDecimal:
-      return Warn(Code::NotDecimal, at, "the material number ", Quote(place),
-                  " is not decimal: read as ", ValueInItsBase(place));
-    default:
-      return;
-  }
-}
-
-// Any text may precede the header and the words of a head. Records are lost when a list
-// or a block is skipped with it: the line of the target is then the "end" of the skipped list.
-void Recorder::JudgeSkipped(std::string_view skipped, const std::string& target, int endLine)
-{
-  const std::string_view rest = WithoutComments(skipped);
-  if (rest.empty() || derailed)
-    return;
-  const std::ptrdiff_t end = scan.OffsetOf(skipped.data()) + std::ssize(skipped);
-  const SkippedText text = {rest, target, LineNumber(end), endLine};
-  const bool blocks = HoldsBlocks(rest) || HasPrefix(TextBetween(RecordStart(end), end), "end");
-  const bool isLost = HoldsRecords(rest) && (blocks || endLine > 0);
-  if (list.name.empty() || !isLost)
-    return Warn(Code::TextSkipped, OffsetIn(rest), AboutSkipped(text));
-  Error(Code::RecordsLost, OffsetIn(rest), AboutLost(text));
-  NoteLoss(blocks);
-}
-
-void Recorder::JudgeListEnd(std::string_view skipped)
-{
-  const std::string_view rest = WithoutComments(skipped);
-  const bool isBroken = brokenRecord != kWholeFile;
-  if ((rest.empty() && !isBroken) || derailed)
-    return;
-  const std::ptrdiff_t end = scan.OffsetOf(skipped.data()) + std::ssize(skipped);
-  std::ptrdiff_t first = std::exchange(brokenRecord, kWholeFile);
-  if (!isBroken) {
-    first = OffsetIn(rest);
-    // The word that ended the list may be part of a comment in another language.
-    const std::ptrdiff_t lineStart = RecordStart(first);
-    if (BeginsForeignComment(TextBetween(lineStart, first)))
-      first = lineStart;
-  }
-  const EndedList ended = {.name = list.name,
-                           .line = LineNumber(list.offset),
-                           .broken = isBroken,
-                           .reason = std::exchange(brokenReason, {}),
-                           .skipped = {TextBetween(first, end), "'end'", LineNumber(end)}};
-  if (!HoldsRecords(ended))
-    return Warn(Code::TextSkipped, first, AboutEndedList(ended));
-  Error(Code::RecordsLost, first, AboutEndedList(ended));
-  NoteLoss(HoldsBlocks(ended.skipped.text));
-}
-
-// The words that begin the lists of a mesh, and words that only contain the one searched for.
-void Recorder::JudgeWordPart(std::string_view word, std::string_view part)
-{
-  if (part == "coordinates" || part == "elements")
-    list = {word, OffsetIn(word), true};
-  if (!EqualsNoCase(Trim(word), part))
-    Warn(Code::WordByPart, OffsetIn(word), Quote(word), " is taken for '", part, "'");
-}
-
-void Recorder::JudgePrefix(std::string_view word, std::string_view beginning)
-{
-  const std::ptrdiff_t at = OffsetIn(word);
-  if (!IsMaterialKey(beginning))
-    return Warn(Code::WordByPrefix, at, Quote(word), " is read as '", beginning, "'");
-  if (MeansWhatItMatches(word, beginning))
-    return Warn(Code::KeyByPrefix, at, Quote(word), " is read as '", beginning, "'");
-  const std::string_view likely = LikelyKey(word);
-  Error(Code::KeyMisread, at, Quote(word), " is no key of a material: read as '", beginning, "'",
-        likely.empty() ? "" : "; did you mean '", likely, likely.empty() ? "" : "'?");
-}
-
-void Recorder::JudgeNumber(std::string_view word)
-{
-  Error(Code::NumberPartlyRead, OffsetIn(word),
-        AboutMisreadNumber(word, IsInNodeList(word) ? Expected::WholeNumber : Expected::Number));
-}
-
-// A comment may follow the values of a record.
-void Recorder::JudgeTail(std::string_view tail)
-{
-  const std::string_view rest = Trim(tail, " \t\r\n\v\f");
-  if (!rest.empty() && rest[0] != '#')
-    Warn(Code::TextIgnored, OffsetIn(tail) + (rest.data() - tail.data()), "ignored: ", Quote(rest));
 }
 
 // A record of a mesh that gives nothing, although its number was read, ends its list.
@@ -357,10 +230,12 @@ void Recorder::NoteLoss(bool blocks)
   derailed = derailed || (blocks && topic == ReadTopic::Mesh);
 }
 
-// True for an error that lost records cause: theirs names the cause.
-bool Recorder::IsConsequence(Code code) const
+// True for an error of which another finding names the cause: records are lost, or the nodes of the
+// element at this place are misread.
+bool Recorder::IsConsequence(Code code, std::ptrdiff_t place) const
 {
-  return derailed || (recordsLost && code == Code::UnknownReference);
+  return derailed || (recordsLost && (judgesList || code == Code::UnknownReference)) ||
+         misread.contains(place);
 }
 
 // True when the error of the running step is that its record begins with the number of no node or
@@ -377,16 +252,6 @@ bool Recorder::IsUnknownReference() const
   std::string_view record = content.substr(static_cast<std::size_t>(start));
   return ScanInt(record, number, 10, 0) &&
          PlaceOf(ofNodes ? ReadItem::Node : ReadItem::Element, number) == kWholeFile;
-}
-
-// True when only whole numbers are in front of the word in its record of an element.
-bool Recorder::IsInNodeList(std::string_view word) const
-{
-  const std::ptrdiff_t at = scan.OffsetOf(word.data());
-  if (at < 0 || !list.ofMesh || !EqualsNoCase(list.name, "elements"))
-    return false;
-  return TextBetween(RecordStart(at), at).find_first_not_of("0123456789 \t,;-") ==
-         std::string_view::npos;
 }
 
 std::string_view Recorder::TextBetween(std::ptrdiff_t from, std::ptrdiff_t end) const

@@ -84,8 +84,10 @@ private:
   bool Run(const std::function<void()>& step);
   void SkipBrokenRecord(TextScan& text, std::ptrdiff_t from);
   void AddError(std::string_view message);
+  std::string HintAt(std::ptrdiff_t place) const;
   void EnterKeyword(std::ptrdiff_t offset);
   void Judge(ReadEvent event, std::string_view place, std::string_view detail);
+  void JudgeFact(ReadEvent event, std::string_view place);
   void JudgeSkipped(std::string_view skipped, const std::string& target, int endLine = 0);
   void JudgeListEnd(std::string_view skipped);
   void JudgeWordPart(std::string_view word, std::string_view part);
@@ -94,7 +96,7 @@ private:
   void JudgeTail(std::string_view tail);
   void NoteBrokenRecord(std::ptrdiff_t from, const TextScan& text);
   void NoteLoss(bool blocks);
-  bool IsConsequence(Code code) const;
+  bool IsConsequence(Code code, std::ptrdiff_t place) const;
   bool IsUnknownReference() const;
   bool IsInNodeList(std::string_view word) const;
   std::ptrdiff_t OffsetIn(std::string_view place) const;
@@ -130,6 +132,8 @@ private:
   int depth = 0;                       ///< of the steps that run inside each other
   ReadTopic topic = ReadTopic::Other;  ///< of the keyword read last
   List list;
+  bool judgesList = false;                   ///< the running step judges the whole list of nodes
+  std::optional<std::size_t> listFinding;    ///< of that step, for the list that is being read
   bool stored = false;                       ///< the running step has given an item
   bool namedUnits = false;                   ///< the running step has looked up a unit system
   std::string brokenReason;                  ///< why it cannot be read; empty when not known
@@ -137,6 +141,8 @@ private:
   bool recordsLost = false;                  ///< a list ended before its "end"
   bool blocksLost = false;                   ///< the same, and whole blocks with them
   bool derailed = false;  ///< the mesh is read from the wrong place: its other faults mean nothing
+  std::ptrdiff_t lastNumberEnd = 0;  ///< of the misread number reported last
+  std::set<std::ptrdiff_t> misread;  ///< records of elements with misread nodes
   UnitOrder unitOrder;
   std::set<ReadTopic> broken;
   std::array<std::unordered_map<int, std::ptrdiff_t>, kItems> places;

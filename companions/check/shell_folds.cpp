@@ -15,8 +15,8 @@
 #include <string>
 #include <unordered_map>
 
+#include "base/disjoint_sets.h"
 #include "check/checks.h"
-#include "check/disjoint_sets.h"
 #include "check/recorder.h"
 #include "check/shell_edges.h"
 #include "model/elem.h"

@@ -16,35 +16,23 @@
 
 #include <algorithm>
 #include <array>
-#include <bitset>
 #include <cmath>
-#include <memory>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "check/checks.h"
+#include "check/held_edges.h"
 #include "check/recorder.h"
 #include "check/shell_edges.h"
 #include "model/constraint.h"
-#include "model/euler.h"
 #include "model/node.h"
 #include "problem/problem.h"
 
 namespace morlen::check {
 namespace {
 
-using Components = std::bitset<kMaxComponents>;
-
-// Edges with a larger angle between the normals, in radians, are folds.
-constexpr double kFold = 0.02;
-// A rotation whose axis is closer to the normal than this (1 less the cosine) is the drilling
-// rotation, which plane shells do not feel.
-constexpr double kAlongNormal = 1e-6;
 constexpr std::size_t kShownEdges = 3;
-// Nodes with more held edges are passed over: a node has at most 25 triangles of each mesh.
-constexpr std::size_t kMostRays = 60;
-
 std::vector<const Elem*> TrianglesOf(const Subject& subject)
 {
   std::vector<const Elem*> triangles;
@@ -55,138 +43,9 @@ std::vector<const Elem*> TrianglesOf(const Subject& subject)
   return triangles;
 }
 
-Components FlagsOf(const Constraint* support, Constraint::Flag flag)
-{
-  Components flags;
-  for (std::size_t k = 0; support && k < flags.size(); ++k)
-    flags[k] = support->flags[k] == flag;
-  return flags;
-}
-
-Point AxisOf(const Constraint& support, std::size_t k)
-{
-  Point axis{};
-  if (!support.localAxes) {
-    axis[k] = 1.0;
-    return axis;
-  }
-  const Axes axes = AxesFromEuler(support.euler.data());
-  const ReaVec& local = k == 0 ? axes.x : k == 1 ? axes.y : axes.z;
-  for (int i = 1; i <= 3; ++i)
-    axis[i - 1] = local(i);
-  return axis;
-}
-
-bool IsAlong(const Point& axis, const Point& normal)
-{
-  return std::fabs(Dot(axis, normal)) >= (1.0 - kAlongNormal) * Length(normal);
-}
-
-// The rotations of a support about the normals of all triangles at the edge.
-Components DrillingOf(const Constraint& support, const ShellEdges::Edge& edge)
-{
-  Components drilling;
-  for (std::size_t k = 3; k < drilling.size(); ++k) {
-    const Point axis = AxisOf(support, k - 3);
-    drilling[k] = std::all_of(edge.begin(), edge.end(), [&](const ShellSide& side) {
-      return IsAlong(axis, NormalOf(*side.elem));
-    });
-  }
-  return drilling;
-}
-
-bool IsFold(const ShellEdges::Edge& edge)
-{
-  const Point n = NormalOf(*edge.front().elem);
-  return std::any_of(edge.begin() + 1, edge.end(), [&](const ShellSide& side) {
-    const Point m = NormalOf(*side.elem);
-    return Length(Cross(n, m)) > std::sin(kFold) * Length(n) * Length(m);
-  });
-}
-
 double LengthOf(const ShellEdges::Edge& edge)
 {
   return std::sqrt(dist2(&edge.front().First(), &edge.front().Second()));
-}
-
-/// An edge whose middle node gets a support.
-struct HeldEdge
-{
-  ShellEdges::Edge edge;
-  std::unique_ptr<Constraint> support;  ///< of the middle node
-  Components held;                      ///< prescribed there, without the drilling rotation
-  bool inside;                          ///< neither on the rim nor at a fold
-  Components line{};                    ///< held along a line that contains the edge
-  Components unmeant{};                 ///< held, but probably not meant
-};
-
-std::vector<HeldEdge> HeldEdgesOf(const ShellEdges& edges, const Problem& problem)
-{
-  std::vector<HeldEdge> held;
-  for (const ShellEdges::Edge& edge : edges.All()) {
-    const ShellSide& side = edge.front();
-    std::unique_ptr<Constraint> support =
-        MergeTwoConstraints(problem.components.count, side.First().constraint.get(),
-                            side.Second().constraint.get(), problem.coplanarityAngle);
-    if (!support)
-      continue;
-    const Components prescribed =
-        FlagsOf(support.get(), Constraint::kPrescribed) & ~DrillingOf(*support, edge);
-    const bool inside = edge.size() > 1 && !IsFold(edge);
-    held.push_back(
-        {edge, std::move(support), prescribed, inside, inside ? Components() : prescribed});
-  }
-  return held;
-}
-
-/// An edge as seen from one of its ends.
-struct Ray
-{
-  HeldEdge* edge;
-  Point direction;  ///< of length 1, away from the node
-};
-
-using Rays = std::vector<Ray>;
-
-// The ray that continues this one best, by the cosine of the angle between them.
-const Ray& BestContinuation(const Ray& ray, const Rays& rays)
-{
-  return *std::min_element(rays.begin(), rays.end(), [&](const Ray& a, const Ray& b) {
-    return Dot(a.direction, ray.direction) < Dot(b.direction, ray.direction);
-  });
-}
-
-// Two edges at a node are on one line when each continues the other best, with a bend of less than
-// 45 degrees.
-void MarkLinesAt(const Rays& rays)
-{
-  constexpr double kStraight = -0.70710678;
-  for (const Ray& ray : rays) {
-    const Ray& next = BestContinuation(ray, rays);
-    if (Dot(ray.direction, next.direction) < kStraight &&
-        BestContinuation(next, rays).edge == ray.edge)
-      ray.edge->line |= ray.edge->held & next.edge->held;
-  }
-}
-
-void MarkLines(std::vector<HeldEdge>& edges)
-{
-  std::unordered_map<const Node*, Rays> raysAt;
-  for (HeldEdge& edge : edges) {
-    if (edge.held.none())
-      continue;
-    const ShellSide& side = edge.edge.front();
-    Point along = Minus(PlaceOf(side.Second()), PlaceOf(side.First()));
-    const double length = Length(along);
-    for (double& component : along)
-      component /= length;
-    raysAt[&side.First()].push_back({&edge, along});
-    raysAt[&side.Second()].push_back({&edge, Minus({}, along)});
-  }
-  for (const auto& [node, rays] : raysAt) {
-    if (rays.size() <= kMostRays)
-      MarkLinesAt(rays);
-  }
 }
 
 /// What the held edges tell about nodes and triangles.
@@ -417,7 +276,7 @@ void CheckSprings(const std::vector<HeldEdge>& edges, const Problem& problem, Re
     first = first || sprung.none() ? first : &edge;
   }
   const std::string factors = FactorsOf(springs);
-  if (factors.empty())
+  if (!first || factors.empty())
     return;
   const int node = first->edge.front().low;
   recorder.Warn(Code::SpringUnderConversion, recorder.PlaceOf(ReadItem::Support, node),
@@ -438,7 +297,6 @@ void CheckMiddleNodes(const Subject& subject, Recorder& recorder)
   const std::vector<const Elem*> triangles = TrianglesOf(subject);
   const ShellEdges edges(triangles);
   std::vector<HeldEdge> held = HeldEdgesOf(edges, problem);
-  MarkLines(held);
   MarkUnmeant(held, HeldLines(edges, held, triangles.size()), triangles.size());
   std::vector<const HeldEdge*> unmeant;
   for (const HeldEdge& edge : held) {

@@ -2,8 +2,8 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "base/disjoint_sets.h"
 #include "check/checks.h"
-#include "check/disjoint_sets.h"
 #include "check/recorder.h"
 #include "model/mesh.h"
 #include "model/node.h"

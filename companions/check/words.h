@@ -10,7 +10,4 @@ bool IsKeyword(std::string_view word);
 /// The keyword, or "end", that a misspelt word probably means; empty when none is near.
 std::string_view NearestKeyword(std::string_view word);
 
-/// True for a word that begins like a comment of another language.
-bool BeginsForeignComment(std::string_view word);
-
 }  // namespace morlen::check

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "assembly/free_equations.h"
+#include "assembly/free_motion.h"
 #include "assembly/internal_forces.h"
 #include "assembly/motion_words.h"
 #include "assembly/probe_load.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace morlen {
 
@@ -25,6 +26,9 @@ inline DigitRun ScanDigits(const char* text, const char* end, std::uint64_t numb
 }
 
 /// White space of the C locale.
+inline constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
+
+/// True for one of its characters.
 constexpr bool IsWhite(char c)
 {
   return c <= ' ' && (c == ' ' || (c >= '\t' && c <= '\r'));  // most characters are above ' '

@@ -37,7 +37,7 @@ struct Text
   }
 };
 
-// A copy of a text; it is kept when the text is used for the next error.
+// A text with its own memory: the original may be gone when the next error uses the text.
 struct TextCopy
 {
   explicit TextCopy(std::string_view text = {}) : length(text.copy(characters, sizeof characters))

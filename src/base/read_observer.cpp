@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/digits.h"
+#include "base/number_slip.h"
 #include "base/record_hint.h"
 #include "base/textscan.h"
 
@@ -56,18 +57,17 @@ void NoteBrokenRecord(const char* from, const TextScan& text, NumberKind kind, i
 {
   if (!readObserver)
     return;
-  NoteNumberEnd(from, text);
   const std::string_view values(from, text.Here());
   const std::string_view line = values.substr(0, values.find('\n'));
+  const std::string_view word = text.WordAround(text.Here());
+  if (word.data() > from)  // else the number that ends at `from` is in the word
+    NoteNumberEnd(from, text);
   if (text.AtEnd() || line.size() < values.size()) {
     NoteNumbers(line, {line.data() + line.size(), std::size_t{0}}, kind);
     return Note(ReadEvent::BrokenRecord, line, CountFault(line, count));
   }
-  const std::string_view word = text.WordAround(text.Here());
   if (word.data() > from)
     NoteNumbers({from, word.data()}, {word.data(), std::size_t{0}}, kind);
-  if (from < word.data() && word.data() < text.Here())  // the word begins with a number
-    Note(ReadEvent::NumberPart, word);
   Note(ReadEvent::BrokenRecord, word, FaultOfNumber(word, kind));
 }
 

@@ -36,9 +36,10 @@ enum class ReadEvent : int
                       ///< contents
 
   // Reasons of the error that follows:
-  SearchFailed,       ///< the text does not have the word searched for, the detail
-  UnknownKeyword,     ///< the keyword noticed last is unknown
-  AsymmetricMaterial  ///< Ex*nuXY and Ey*nuYX of a material differ; no place
+  SearchFailed,        ///< the text does not have the word searched for, the detail
+  UnknownKeyword,      ///< the keyword noticed last is unknown
+  AsymmetricMaterial,  ///< Ex*nuXY and Ey*nuYX of a material differ; no place
+  PoissonRatio         ///< a strain would release energy; no place
 };
 
 enum class ReadItem : int
@@ -160,7 +161,7 @@ void NoteValues(const char* from, const TextScan& text, NumberKind kind);
 /// The same, and the text after the values.
 void NoteRecordEnd(const char* from, const TextScan& text);
 /// Notes a record of a list whose values, which began at `from`, cannot be read at the place
-/// reached. count: the number of its values.
+/// reached. The word there is noted with the reason only. count: the number of its values.
 void NoteBrokenRecord(const char* from, const TextScan& text, NumberKind kind, int count);
 
 /// Notes a value that is not one number from end to end.

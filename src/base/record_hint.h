@@ -1,6 +1,5 @@
 #pragma once
 
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -13,17 +12,10 @@ namespace morlen {
 // write instead. All of them work on the text of a record after an error; none is called for a
 // record that is right.
 
-/// "line 12: " with the line of the record's beginning; empty when its file is not known.
+/// "line 12: " with the line of a place of the text.
+std::string LinePrefix(const TextScan& text, const char* place);
+/// The same for the beginning of a record; empty when its file is not known.
 std::string LinePrefix(const RecordText& record);
-
-/// The first 40 characters of a text, in quotes.
-std::string Quoted(std::string_view text);
-
-/// True for a word that begins a comment in other programs: "!", "//", "%" or "$".
-bool BeginsLikeAComment(std::string_view word);
-
-/// True for a word that is one number from end to end.
-bool IsNumber(std::string_view word, NumberKind kind);
 
 /// Why a word is no number, and what to write: "'2,1' is not a number: ...". Empty for a number.
 std::string FaultOfNumber(std::string_view word, NumberKind kind = NumberKind::kReal);
@@ -45,8 +37,8 @@ struct RecordForm
 /// its number.
 void ExplainNumbers(const RecordText& record, const RecordForm& form);
 
-/// The fault of the word that a key is the end of, when the word begins with a number: "2,1" for
-/// the key ",1". Empty for other keys.
+/// The fault of a number that was cut in two, so that its end is in the place of a key: that of
+/// "2,1" for the key ",1". Empty for other keys.
 std::string FaultBefore(const RecordText& key, NumberKind kind = NumberKind::kReal);
 
 /// Makes the hint for the number of a record, which ends at `stop` and is below 1.
@@ -54,9 +46,5 @@ void ExplainIndex(const TextScan& text, const char* stop);
 
 /// Makes the hint for a key without a value.
 void ExplainNoValue(const RecordText& key);
-
-/// The name that the word is probably meant to be: one that differs by its case or by one
-/// character; empty when there is none.
-std::string_view NearestName(std::string_view word, std::span<const std::string_view> names);
 
 }  // namespace morlen

@@ -10,12 +10,12 @@
 #include "base/number_text.h"
 #include "base/read_observer.h"
 #include "base/record_hint.h"
+#include "base/text_parts.h"
 
 namespace morlen {
 
 namespace {
 
-constexpr std::string_view kWhite = " \t\n\v\f\r";
 constexpr std::string_view kKeyDelimiters = " \t\n\v\f\r:=";
 
 // As much of a number as a message needs.
@@ -154,6 +154,8 @@ void TextScan::GoTo(const char* place, bool inComment)
 
 bool HasPrefix(std::string_view text, std::string_view prefix)
 {
+  if (prefix.empty())
+    return true;  // an empty text may have no characters to point at
   return text.size() >= prefix.size() &&
          strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
 }
@@ -172,7 +174,7 @@ std::string_view ItemScanner::Key()
 std::string_view ItemScanner::Value()
 {
   SkipDelimiters();
-  return Cut(kWhite);
+  return Cut(kWhiteSpace);
 }
 
 void ItemScanner::SkipDelimiters()

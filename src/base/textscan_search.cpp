@@ -14,6 +14,7 @@
 #include "base/digits.h"
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
+#include "base/text_parts.h"
 #include "base/textscan.h"
 
 namespace morlen {
@@ -115,8 +116,8 @@ struct Skipped
 {
   std::string_view first;  ///< its first word; empty when nothing is skipped
   const char* last = nullptr;
-  int lines = 0;  ///< that have a word
-  std::vector<std::string_view> blocks;
+  int lines = 0;                         ///< that have a word
+  std::vector<std::string_view> blocks;  ///< keywords at the beginning of a line
 };
 
 Skipped Survey(std::string_view text)
@@ -127,25 +128,14 @@ Skipped Survey(std::string_view text)
       return true;
     if (skipped.first.empty())
       skipped.first = word;
-    if (!skipped.last || std::find(skipped.last, word.data(), '\n') != word.data())
-      ++skipped.lines;
+    const bool isFirst = !skipped.last || std::find(skipped.last, word.data(), '\n') != word.data();
+    skipped.lines += isFirst ? 1 : 0;
     skipped.last = word.data();
-    if (IsBlockKeyword(word))
+    if (isFirst && IsBlockKeyword(word))
       skipped.blocks.push_back(word);
     return true;
   });
   return skipped;
-}
-
-// The beginning of a word, in quotes. Control characters are replaced: the file may not be text.
-std::string Quote(std::string_view word)
-{
-  constexpr std::size_t kLongest = 40;
-  std::string quoted = "'";
-  quoted += word.substr(0, kLongest);
-  std::replace_if(
-      quoted.begin(), quoted.end(), [](char c) { return c >= 0 && c < ' '; }, '?');
-  return quoted += word.size() > kLongest ? "...'" : "'";
 }
 
 std::string InLine(const TextScan& text, const char* place)
@@ -175,7 +165,7 @@ std::string SwallowedBlocks(const TextScan& text, const Skipped& skipped)
   std::string list;
   for (std::size_t i = 0; i < std::min(kMost, skipped.blocks.size()); ++i) {
     const std::string_view keyword = skipped.blocks[i];
-    list += (i == 0 ? "" : ", ") + Quote(keyword) + " (line " +
+    list += (i == 0 ? "" : ", ") + Quoted(keyword) + " (line " +
             std::to_string(text.LineOf(keyword.data())) + ")";
   }
   if (skipped.blocks.size() > kMost)
@@ -188,18 +178,18 @@ std::string NameOfBlock(const TextScan& text)
   const std::string_view keyword = text.LastBlock().keyword;
   if (keyword.empty())
     return "the list";
-  return "the block " + Quote(keyword) + InLine(text, keyword.data());
+  return "the block " + Quoted(keyword) + InLine(text, keyword.data());
 }
 
 // "the block 'coordinates' in line 3 ends at 'x' in line 5: 2 lines are not read, in lines 5 to 6"
 void WarnOfListEnd(const TextScan& text, const Skipped& skipped, std::string_view endWord)
 {
-  std::string warning = NameOfBlock(text) + " ends at " + Quote(skipped.first) +
+  std::string warning = NameOfBlock(text) + " ends at " + Quoted(skipped.first) +
                         InLine(text, skipped.first.data()) + ", which is no number: ";
   warning += Lines(skipped.lines) + (skipped.lines == 1 ? " is" : " are") + " not read, " +
              InLines(text, skipped);
   if (!skipped.blocks.empty())
-    warning += ". It has no 'end': " + Quote(endWord) + InLine(text, endWord.data()) +
+    warning += ". It has no 'end': " + Quoted(endWord) + InLine(text, endWord.data()) +
                " is taken for it, and these blocks are lost: " + SwallowedBlocks(text, skipped);
   errorwriter.WriteWarning(warning);
 }
@@ -207,7 +197,7 @@ void WarnOfListEnd(const TextScan& text, const Skipped& skipped, std::string_vie
 void WarnOfGap(const TextScan& text, const Skipped& skipped, std::string_view found)
 {
   std::string warning = Lines(skipped.lines) + (skipped.lines == 1 ? " is" : " are") +
-                        " not read before " + Quote(found) + InLine(text, found.data()) + ", " +
+                        " not read before " + Quoted(found) + InLine(text, found.data()) + ", " +
                         InLines(text, skipped);
   if (!skipped.blocks.empty())
     warning += ". These blocks are lost: " + SwallowedBlocks(text, skipped);
@@ -257,12 +247,12 @@ void ExplainMissing(const TextScan& text, std::string_view word)
   const std::size_t lastBlank = rest.find_last_of(" \t\n\v\f\r");
   const std::string_view last = lastBlank == rest.npos ? rest : rest.substr(lastBlank + 1);
   if (PlaceIn(last, word))
-    return Explain("the file ends directly after ", Quote(last), ": end the last line");
+    return Explain("the file ends directly after ", Quoted(last), ": end the last line");
   const std::string_view block = text.LastBlock().keyword;
   if (block.empty())
     return Explain("line ", text.LineOf(text.Here()), " and those after it have no word '", word,
                    "'");
-  const std::string where = Quote(block) + ", which begins" + InLine(text, block.data());
+  const std::string where = Quoted(block) + ", which begins" + InLine(text, block.data());
   if (word == "end")
     Explain("the block ", where, ", has no 'end'");
   else

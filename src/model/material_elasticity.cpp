@@ -37,12 +37,18 @@ void RequirePositive(double value, int elemNumber, const char* text)
     Refuse(elemNumber, text);
 }
 
-// True when the value is not refused.
+void RefuseRatio(int elemNumber, const char* text)
+{
+  Note(ReadEvent::PoissonRatio, {});
+  Refuse(elemNumber, text);
+}
+
+// For Poisson's ratios and their product. True when the value is not refused.
 bool RequireDifferent(double value, double excluded, int elemNumber, const char* text)
 {
   const bool different = std::fabs(value - excluded) > EPSILON;
   if (!different)
-    Refuse(elemNumber, text);
+    RefuseRatio(elemNumber, text);
   return different;
 }
 
@@ -52,7 +58,7 @@ void RequireRatios(bool fit, const Material& m, int elemNumber, const char* text
     return;
   Explain("the material of the element has nuXY=", m.nuXY, " and nuYX=", m.nuYX,
           " (the key nu gives both)");
-  Refuse(elemNumber, text);
+  RefuseRatio(elemNumber, text);
 }
 
 // Refuses a sheet, isotropic or orthotropic, in which a strain would release energy.

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/nearest_word.h"
 #include "base/record_hint.h"
+#include "base/text_parts.h"
 #include "base/textscan.h"
 
 namespace morlen {
@@ -22,12 +24,15 @@ struct Alias
 
 // Words of other notations. The first beginning that fits counts.
 constexpr Alias kAliases[] = {
-    {"young", "E"},    {"elast", "E"},     {"modul", "E"},        {"emod", "E"},
-    {"poisson", "nu"}, {"dens", "Weight"}, {"rho", "Weight"},     {"gamma", "Weight"},
-    {"thick", "t"},    {"shear", "G"},     {"tors", "J"},         {"area", "A"},
-    {"i_y", "Iy"},     {"iyy", "Iy"},      {"i22", "Iy"},         {"i_z", "Iz"},
-    {"izz", "Iz"},     {"i33", "Iz"},      {"inertia", "Iz"},     {"i_t", "J"},
-    {"i_x", "J"},      {"ixx", "J"},       {"width_y", "widthY"}, {"width_z", "widthZ"},
+    {"young", "E"},        {"elast", "E"},     {"modul", "E"},     {"emod", "E"},
+    {"poisson", "nu"},     {"dens", "Weight"}, {"rho", "Weight"},  {"gamma", "Weight"},
+    {"thick", "t"},        {"shear", "G"},     {"tors", "J"},      {"area", "A"},
+    {"i_y", "Iy"},         {"iyy", "Iy"},      {"i22", "Iy"},      {"i_z", "Iz"},
+    {"izz", "Iz"},         {"i33", "Iz"},      {"inertiay", "Iy"}, {"inertia_y", "Iy"},
+    {"inertia", "Iz"},     {"i_t", "J"},       {"i_p", "J"},       {"i_x", "J"},
+    {"ixx", "J"},          {"itor", "J"},      {"ij", "J"},        {"nu_xy", "nuXY"},
+    {"nu_yx", "nuYX"},     {"nu12", "nuXY"},   {"nu21", "nuYX"},   {"width_y", "widthY"},
+    {"width_z", "widthZ"},
 };
 
 // The same for whole words.
@@ -59,12 +64,12 @@ std::string_view MeantMaterialKey(std::string_view word)
     return whole->key;
   const auto* longer = std::find_if(std::begin(kAliases), std::end(kAliases),
                                     [&](const Alias& a) { return HasPrefix(word, a.beginning); });
-  return longer != std::end(kAliases) ? longer->key : NearestName(word, kKeys);
+  return longer != std::end(kAliases) ? longer->key : NearestWord(word, kKeys);
 }
 
 std::string FaultOfMaterialKey(const RecordText& word, std::string_view previous)
 {
-  // A word that the first key is the end of is the number of the record.
+  // A number glued to the front of the first key is the number of the record.
   const NumberKind kind = previous.empty() ? NumberKind::kWhole : NumberKind::kReal;
   if (std::string fault = FaultBefore(word, kind); !fault.empty())
     return fault;
@@ -72,10 +77,10 @@ std::string FaultOfMaterialKey(const RecordText& word, std::string_view previous
   std::string noKey = quoted + " is no key of a material";
   if (const std::string_view meant = MeantMaterialKey(word.text); !meant.empty())
     return noKey + ": did you mean " + std::string(meant) + "?";
-  if (BeginsLikeAComment(word.text))
-    return noKey + ": a comment begins with '#'";
   if (word.text.find_first_of(",;") == 0)
     return "items are separated by blanks, not by " + quoted;
+  if (BeginsForeignComment(word.text))
+    return noKey + ": a comment begins with '#'";
   if (IsUnit(word.text))
     return noKey + ": units are not written after values, an item units=... names a unit system";
   if (!BeginsLikeANumber(word.text))

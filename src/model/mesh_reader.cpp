@@ -7,6 +7,7 @@
 #include "base/errorwriter.h"
 #include "base/read_observer.h"
 #include "base/record_hint.h"
+#include "base/text_parts.h"
 #include "base/textscan.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -32,7 +33,10 @@ int ReadIntAfter(TextScan& text, const char* keyword)
     Fatal("end of file and no digit found\n");
   }
   int value = 0;
-  return text.ReadInt(value) ? value : 0;
+  if (!text.ReadInt(value))
+    return 0;
+  NoteNumberEnd(text.Here(), text);
+  return value;
 }
 
 struct TypeWord
@@ -68,9 +72,6 @@ std::string_view ReadWordOfHead(TextScan& text)
     text.SkipLine();
   }
 }
-
-// Why the numbers of a list of nodes are not 1 to n. The list begins at `first`, and its last
-// record ends at the place reached.
 
 // Where the list ends, when it does not end at "end".
 std::string EndOfList(const TextScan& text)
@@ -111,6 +112,8 @@ std::string RepeatedNode(const TextScan& text, const char* first, int ndime)
   return {};
 }
 
+// Why the numbers of a list of nodes are not 1 to n. The list begins at `first`, and its last
+// record ends at the place reached.
 std::string FaultOfNodes(const VoidPlex& nodes, const TextScan& text, const char* first, int ndime)
 {
   std::string fault;
@@ -138,7 +141,7 @@ ElemType FindType(TextScan& text)
   const std::string_view word = ReadWordOfHead(text);
   const TypeWord* const row = FindTypeWord(word);
   if (!row) {
-    Explain("line ", text.LineOf(text.Here()), ": the type of element is '", word,
+    Explain(LinePrefix(text, text.Here()), "the type of element is '", word,
             "': 'elemtype Linear' makes beams, Triangle shells, Tetrahedra solids");
     Fatal("ElemType must be: Linear,Triangle,Quadrilateral, Tetrahedra or Hexahedra\n");
   }
@@ -151,7 +154,7 @@ void Mesh::ReadHead(TextScan& text)
 {
   ndime = ReadIntAfter(text, "dimension");
   if (ndime != 2 && ndime != 3) {
-    Explain("line ", text.LineOf(text.Here()), ": the dimension is ", ndime,
+    Explain(LinePrefix(text, text.Here()), "the dimension is ", ndime,
             "; it is the number of coordinates of a node");
     Fatal("error: mesh dimension must be 2 or 3\n");
   }

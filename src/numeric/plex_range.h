@@ -104,7 +104,7 @@ template <class T>
 std::unique_ptr<T> Replace(VoidPlex& plex, int number, std::unique_ptr<T> object)
 {
   std::unique_ptr<T> replaced(static_cast<T*>(plex.replace_at(number, object.get())));
-  object.release();
+  static_cast<void>(object.release());  // owned by the container
   return replaced;
 }
 

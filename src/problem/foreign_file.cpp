@@ -6,6 +6,7 @@
 
 #include "base/digits.h"
 #include "base/errorwriter.h"
+#include "base/text_parts.h"
 
 namespace morlen {
 
@@ -16,7 +17,7 @@ bool IsLetter(char c)
   return ToLower(c) >= 'a' && ToLower(c) <= 'z';
 }
 
-// Half of the bytes of text with two bytes a character are 0.
+// Text with two bytes a character, by the mark at its beginning.
 bool IsWideText(std::string_view text)
 {
   return text.starts_with("\xff\xfe") || text.starts_with("\xfe\xff");
@@ -28,16 +29,14 @@ bool IsBinary(std::string_view text)
   return std::count_if(text.begin(), text.end(), isControl) > std::ssize(text) / 20;
 }
 
-// The first word of the first line that has one and is no comment ("**") of another program.
-std::string_view FirstWord(std::string_view text)
+// The first 40 characters of the first word after the comments ("**") of another program.
+std::string_view BeginningOf(std::string_view text)
 {
   const char* const end = text.data() + text.size();
   const char* word = SkipWhite(text.data(), end);
   while (end - word >= 2 && word[0] == '*' && word[1] == '*')
     word = SkipWhite(std::find(word, end, '\n'), end);
-  constexpr std::ptrdiff_t kMost = 40;
-  const char* const stop = std::find_if(word, end, IsWhite);
-  return {word, std::min(stop, word + std::min(kMost, end - word))};
+  return FirstWord({word, end}).substr(0, 40);
 }
 
 bool IsSectionOfAnotherProgram(std::string_view word)
@@ -57,7 +56,7 @@ std::string JudgeForeignFile(std::string_view beginning)
     return "the text has two bytes a character (UTF-16): save it as plain text (UTF-8)";
   if (IsBinary(text))
     return "the file is binary: a problem file is plain text";
-  const std::string_view word = FirstWord(text);
+  const std::string_view word = BeginningOf(text);
   if (word.empty() && beginning.size() == text.size())
     return "the file is empty";
   if (IsSectionOfAnotherProgram(word))

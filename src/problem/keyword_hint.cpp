@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <string>
 
-#include "base/digits.h"
 #include "base/errorwriter.h"
 #include "base/nearest_word.h"
+#include "base/number_slip.h"
+#include "base/record_hint.h"
+#include "base/text_parts.h"
 
 namespace morlen {
 
@@ -45,19 +47,6 @@ std::string_view KeywordMeant(std::string_view word, std::span<const std::string
   return other != std::end(kOtherWords) ? other->keyword : NearestWord(word, keywords);
 }
 
-bool IsCommentOfAnotherProgram(std::string_view word)
-{
-  constexpr std::string_view kMarks[] = {"!", "//", "/*", ";", "%", "$", "--", "*", "'"};
-  return std::any_of(std::begin(kMarks), std::end(kMarks),
-                     [word](std::string_view mark) { return word.starts_with(mark); });
-}
-
-bool BeginsWithNumber(std::string_view word)
-{
-  const std::size_t first = word.find_first_not_of("+-.");
-  return first != word.npos && first <= 2 && IsDigit(word[first]);
-}
-
 // "; the block 'materials' in line 4 ended in line 7"; empty without a block.
 std::string EndOfBlock(const TextScan& text, const TextScan::Block& block)
 {
@@ -73,9 +62,9 @@ std::string EndOfBlock(const TextScan& text, const TextScan::Block& block)
 void ExplainUnknownKey(const TextScan& text, std::string_view word, const TextScan::Block& before,
                        std::span<const std::string_view> keywords)
 {
-  const std::string line = "line " + std::to_string(text.LineOf(word.data())) + ": ";
+  const std::string line = LinePrefix(text, word.data());
   const std::string_view bare = word.substr(0, word.find_first_of("=:"));
-  if (IsCommentOfAnotherProgram(word))
+  if (BeginsForeignComment(word))
     Explain(line, "comments begin with '#'");
   else if (BeginsWithNumber(word))
     Explain(line, "a record outside of a block", EndOfBlock(text, before));

@@ -6,6 +6,7 @@
 
 #include "base/digits.h"
 #include "base/errorwriter.h"
+#include "base/number_slip.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
 #include "base/record_hint.h"
@@ -42,12 +43,6 @@ void NoteNumbersOf(const RecordShape& shape, std::string_view read, std::string_
     read = {stop, read.data() + read.size()};
   }
   NoteNumbers(read, tail);
-}
-
-bool BeginsWithNumber(std::string_view text)
-{
-  double number = 0.0;
-  return ScanDouble(text, number);
 }
 
 bool ScanRecord(std::string_view& text, const RecordShape& shape, double* values, int& face)

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <system_error>
 
+#include "base/digits.h"
+#include "base/text_parts.h"
 #include "base/textscan.h"
 
 namespace morlen {
@@ -14,28 +16,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kWhite = " \t\r\n\v\f";
-
-void SkipByteOrderMark(std::string_view& text)
-{
-  constexpr std::string_view kMark = "\xef\xbb\xbf";
-  if (text.starts_with(kMark))
-    text.remove_prefix(kMark.size());
-}
-
 // Skips white space and comments, which begin with '#' and end with the line.
 void SkipToWord(std::string_view& text)
 {
   for (;;) {
-    text.remove_prefix(std::min(text.find_first_not_of(kWhite), text.size()));
+    text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
     if (!text.starts_with('#'))
       return;
     text.remove_prefix(std::min(text.find_first_of("\r\n"), text.size()));
   }
 }
 
-// Consumes a word, which ends at white space, ':' or '='.
-std::string_view ConsumeWord(std::string_view& text)
+// Consumes a word that ends at white space, ':' or '='.
+std::string_view ConsumeName(std::string_view& text)
 {
   SkipToWord(text);
   const std::size_t length = std::min(text.find_first_of(" \t\r\n\v\f:="), text.size());
@@ -59,13 +52,13 @@ bool ConsumeDelimiters(std::string_view& text)
 
 bool BeginsLikeProblem(std::string_view text)
 {
-  SkipByteOrderMark(text);
-  if (!EqualsNoCase(ConsumeWord(text), "problem"))
+  text = WithoutByteOrderMark(text);
+  if (!EqualsNoCase(ConsumeName(text), "problem"))
     return false;
   const bool mayHaveValue = ConsumeDelimiters(text);
-  if (EqualsNoCase(ConsumeWord(text), "type"))
+  if (EqualsNoCase(ConsumeName(text), "type"))
     return true;
-  return mayHaveValue && EqualsNoCase(ConsumeWord(text), "type");
+  return mayHaveValue && EqualsNoCase(ConsumeName(text), "type");
 }
 
 bool IsProblemFile(const std::string& name)

@@ -6,12 +6,13 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <vector>
 
 #include "base/errorwriter.h"
 #include "base/large_memory.h"
 #include "base/memory_limit.h"
 #include "base/read_observer.h"
+#include "base/record_hint.h"
+#include "base/text_parts.h"
 #include "base/textscan.h"
 #include "model/material.h"
 #include "model/mesh.h"
@@ -131,7 +132,7 @@ std::string_view FindHeaderWord(TextScan& text, const char* word, IsValue isValu
 // Explains the word `type` in the place of the type, which follows the word `found`.
 void ExplainType(const TextScan& text, std::string_view found, std::string_view type)
 {
-  const std::string line = "line " + std::to_string(text.LineOf(found.data())) + ": ";
+  const std::string line = LinePrefix(text, found.data());
   if (!JudgeForeignFile(text.WholeText()).empty())
     ExplainHeader(text);
   else if (HasPrefix(found, "type"))
@@ -141,17 +142,9 @@ void ExplainType(const TextScan& text, std::string_view found, std::string_view 
             "'problem type: 2d' or 'problem type: 3d'");
 }
 
-// A mark that some editors put in front of a text.
-void SkipByteOrderMark(TextScan& text)
-{
-  constexpr std::string_view kMark = "\xef\xbb\xbf";
-  if (text.TextAhead().starts_with(kMark))
-    text.GoTo(text.Here() + kMark.size());
-}
-
 PROBLEMTYPE ReadHeader(TextScan& text)
 {
-  SkipByteOrderMark(text);
+  text.GoTo(WithoutByteOrderMark(text.TextAhead()).data());
   FindHeaderWord(text, "problem", [](std::string_view glued) { return HasPrefix(glued, "type"); });
   const std::string_view found = FindHeaderWord(text, "type", IsProblemType);
   std::string_view word = ReadTypeWord(text);
@@ -287,11 +280,7 @@ bool ReadKeyword(TextScan& text, std::string_view word, Problem& problem)
 
 [[noreturn]] void RefuseKey(TextScan& text, std::string_view word, const TextScan::Block& before)
 {
-  const std::span<const std::string_view> blocks = BlockKeywords();
-  std::vector<std::string_view> known(blocks.begin(), blocks.end());
-  for (const Keyword& keyword : kKeywords)
-    known.push_back(keyword.name);
-  ExplainUnknownKey(text, word, before, known);
+  ExplainUnknownKey(text, word, before, Keywords());
   Note(ReadEvent::UnknownKeyword, word);
   Fatal("Unknown key name=", word, "\n");
 }
@@ -366,6 +355,15 @@ void FinishReading(Problem& problem)
 }
 
 }  // namespace
+
+std::vector<std::string_view> Keywords()
+{
+  const std::span<const std::string_view> blocks = BlockKeywords();
+  std::vector<std::string_view> keywords(blocks.begin(), blocks.end());
+  for (const Keyword& keyword : kKeywords)
+    keywords.push_back(keyword.name);
+  return keywords;
+}
 
 void ReadProblem(std::ifstream& in, Problem& problem)
 {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <fstream>
+#include <string_view>
+#include <vector>
 
 namespace morlen {
 
@@ -11,5 +13,8 @@ struct Problem;
 /// error.
 void ReadProblem(std::ifstream& in, Problem& problem);
 void ReadProblem(TextScan& text, Problem& problem);
+
+/// All keywords of the top level, and those of the lists of a mesh.
+std::vector<std::string_view> Keywords();
 
 }  // namespace morlen

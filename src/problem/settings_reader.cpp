@@ -15,6 +15,7 @@
 #include "base/nearest_word.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "base/record_hint.h"
 #include "base/textscan.h"
 #include "model/material.h"
 #include "numeric/plex_range.h"
@@ -28,7 +29,7 @@ namespace {
 // INT_MIN or INT_MAX.
 int ToInt(const std::string& text)
 {
-  NoteNumber(text);
+  NoteNumber(text, NumberKind::kWhole);
   return static_cast<int>(
       std::clamp<long>(std::strtol(text.c_str(), nullptr, 10), INT_MIN, INT_MAX));
 }
@@ -46,7 +47,7 @@ bool IsAngle(double angle)
 // "line 3: ", the line that is being read.
 std::string Line(const TextScan& text)
 {
-  return "line " + std::to_string(text.LineOf(text.Here())) + ": ";
+  return LinePrefix(text, text.Here());
 }
 
 // Explains a value that is no angle. An angle beyond PI may be meant in degrees.

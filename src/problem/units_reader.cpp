@@ -10,6 +10,8 @@
 #include "base/errorwriter.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
+#include "base/record_hint.h"
+#include "base/text_parts.h"
 #include "base/textscan.h"
 #include "problem/problem.h"
 
@@ -21,17 +23,9 @@ void RequireFactor(const TextScan& text, const UnitsBase& base, double size, con
 {
   if (IsFactor(size))
     return;
-  Explain("line ", text.LineOf(text.Here()), ": the sizes of the system '", base.name, "' are ",
+  Explain(LinePrefix(text, text.Here()), "the sizes of the system '", base.name, "' are ",
           base.facN, " and ", base.facM);
   Fatal(message);
-}
-
-// The next word of the text, whole.
-std::string_view NextWord(std::string_view text)
-{
-  const char* const end = text.data() + text.size();
-  const char* const word = SkipWhite(text.data(), end);
-  return {word, std::find_if(word, end, IsWhite)};
 }
 
 // One line "name nameN nameM namePa facN facM". A word of more characters than a name may have is
@@ -58,7 +52,7 @@ struct Definition
 private:
   std::string ScanName()
   {
-    const std::string_view word = NextWord(tail);
+    const std::string_view word = FirstWord(tail);
     if (word.size() > UnitsBase::kLongestName && tooLong.empty())
       tooLong = word;
     const std::string_view name = word.substr(0, UnitsBase::kLongestName);

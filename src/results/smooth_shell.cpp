@@ -180,10 +180,12 @@ public:
   {
   }
 
-  // values: of all elements, smoothed in place. mainAngles: the axes of principal values, null for
-  // local ones.
+  // values: of all elements, smoothed in place; empty for a mesh without elements. mainAngles: the
+  // axes of principal values, null for local ones.
   void Run(ShellVariable variable, ReaVecV& values, const ReaVecV* mainAngles) const
   {
+    if (!values.Data())
+      return;
     NodeGroups groups(numNodes, angle);
     CornerValues corners(results.points);
     double* element = values.Data() + variable.First();

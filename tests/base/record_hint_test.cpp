@@ -51,6 +51,10 @@ TEST(RecordHint, SlipsAreNamedAndMended)
       {"1-4", ": a range is not known, write every number, separated by blanks"},
       {"6mm", ": nothing is written after a number without a blank"},
       {"1,", ": numbers are separated by blanks, write 1"},
+      {"2.1*10^8", ": an exponent begins with e, write 2.1e8"},
+      {"1,000,000.5", ": digits are written without separators, write 1000000.5"},
+      {"1'000", ": digits are written without separators, write 1000"},
+      {"1'00", ": nothing is written after a number without a blank"},
       {"x", ""},
       {"!", ": a comment begins with '#'"},
       {"//1", ": a comment begins with '#'"},
@@ -71,18 +75,13 @@ TEST(RecordHint, WholeNumbersHaveNoDecimals)
       {"1.5", ""},
       {"1e99", ""},
       {"4,2", ": numbers are separated by blanks, write 4 2"},
+      {"4,100", ": numbers are separated by blanks, write 4 100"},
       {"4,", ": numbers are separated by blanks, write 4"},
       {"12x", ": nothing is written after a number without a blank"},
   };
   for (const auto& c : cases)
     EXPECT_EQ(FaultOfNumber(c.word, NumberKind::kWhole),
               "'" + std::string(c.word) + "' is not a whole number" + c.fault);
-}
-
-TEST(RecordHint, LongWordsAreCut)
-{
-  EXPECT_EQ(Quoted(std::string(41, 'x')), "'" + std::string(40, 'x') + "...'");
-  EXPECT_EQ(Quoted(std::string(40, 'x')), "'" + std::string(40, 'x') + "'");
 }
 
 TEST(RecordHint, ValuesAreCounted)
@@ -165,18 +164,6 @@ TEST(RecordHint, NumbersBeginWithOne)
   };
   EXPECT_EQ(hint("0 1 2"), "line 1: numbers begin with 1");
   EXPECT_EQ(hint("0.5 1"), "line 1: '0.5' is not a whole number");
-}
-
-TEST(RecordHint, NearestNamesDifferByOneCharacterOrByCase)
-{
-  static constexpr std::string_view kNames[] = {"E", "Ex", "Weight"};
-  EXPECT_EQ(NearestName("EX", kNames), "Ex");
-  EXPECT_EQ(NearestName("wieght", kNames), "Weight");
-  EXPECT_EQ(NearestName("Weght", kNames), "Weight");
-  EXPECT_EQ(NearestName("Weighht", kNames), "Weight");
-  EXPECT_EQ(NearestName("Weighr", kNames), "Weight");
-  EXPECT_EQ(NearestName("F", kNames), "");
-  EXPECT_EQ(NearestName("length", kNames), "");
 }
 
 }  // namespace morlen

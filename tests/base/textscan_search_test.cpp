@@ -188,6 +188,10 @@ TEST(SkippedLines, AreReportedWithTheirBlock)
        {"the block 'materials' in line 1 ends at 'constraints' in line 2, which is no number: 3 "
         "lines are not read, in lines 2 to 4. It has no 'end': 'end' in line 5 is taken for it, "
         "and these blocks are lost: 'constraints' (line 2), 'rotules' (line 4)"}},
+      // A keyword counts at the beginning of a line only.
+      {"elements\nfin elements\nend\n",
+       {"the block 'elements' in line 1 ends at 'fin' in line 2, which is no number: 1 line is "
+        "not read, in line 2"}},
   };
   for (const auto& c : cases) {
     const WarningsHeard warnings;

@@ -287,14 +287,14 @@ TEST(Check, WarnsOfNodesAtOnePlace)
              ("m:6:1: error: the supports let the part of node 3 turn about the axis along Z "
               "through (3, 0, 0): node 3 moves most"),
              "m:6:1: warning: the part of node 3 (2 nodes) is not connected with that of node 1",
-             "m:7:1: warning: node 4 stands at the place of node 2"}));
+             "m:7:1: warning: node 4 is at the place of node 2"}));
 }
 
 TEST(Check, ReportsBeamsWithoutLength)
 {
   EXPECT_EQ(
       Messages(With(With(kBeam, "3 4 0", "3 2 0"), "nodal_point_loads\n3", "nodal_point_loads\n2")),
-      (Lines{"m:6:1: warning: node 3 stands at the place of node 2",
+      (Lines{"m:6:1: warning: node 3 is at the place of node 2",
              "m:10:1: error: element 2 has no length"}));
 }
 
@@ -311,7 +311,7 @@ TEST(Check, ReportsSliversAndTurnedElements)
   EXPECT_EQ(Messages(With(kPlate, "4 0 1 0", "4 0.5 0.5 0")),
             Lines{"m:11:1: error: element 2 has no area"});
   EXPECT_EQ(Messages(With(kSolid, "1 1 2 3 4 1", "1 1 3 2 4 1")),
-            Lines{"m:10:1: error: element 1 is turned: its fourth node stands on the wrong side"});
+            Lines{"m:10:1: error: element 1 is turned: its fourth node is on the wrong side"});
   EXPECT_EQ(Messages(With(kSolid, "4 0 0 1", "4 0.3 0.3 0.001")),
             Lines{"m:10:1: warning: element 1 is a sliver"});
 }
@@ -365,8 +365,8 @@ TEST(Check, ReportsNegativeWeights)
 {
   const std::string plate = With(kPlate, "mesh", "GravityDirection 0 0 -1\nmesh");
   constexpr const char* kMessage =
-      "error: a negative Weight gives no load: give a weight above 0 and turn GravityDirection "
-      "instead";
+      "error: data lost: a negative Weight gives no load: give a weight above 0 and turn "
+      "GravityDirection instead";
   EXPECT_EQ(Messages(With(plate, "t=0.1", "t=0.1 Weight=-25")),
             Lines{std::string("m:15:1: ") + kMessage});
   EXPECT_EQ(Messages(With(plate, "2 1 3 4 1\n", "2 1 3 4 1 Weight=-25\n")),
@@ -584,7 +584,27 @@ TEST(Check, ReportsNumbersThatAreOnlyPartlyNumbers)
         "13:5: '1,000,000.5' is no number as a whole: read as 1; did you mean 1000000.5?"},
        {"E=1e6", "E=2.1*10^8",
         "13:5: '2.1*10^8' is no number as a whole: read as 2.1; did you mean 2.1e8?"},
-       {"A=0.1", "A=0.1m2", "13:11: '0.1m2' is no number as a whole: read as 0.1"}});
+       {"A=0.1", "A=0.1m2",
+        "13:11: '0.1m2' is no number as a whole: read as 0.1; nothing is written "
+        "after a number without a blank"}});
+}
+
+TEST(Check, NamesOneCauseOnce)
+{
+  // The word that ends a list is named with the records that are lost.
+  EXPECT_EQ(Codes(With(kBeam, "2 2 0\n", "2 2,5 0\n")), Lines{"records-lost error"});
+  // Errors about the whole list follow from the lost records.
+  EXPECT_EQ(Codes(With(kBeam, "1 0 0\n", "1 0,0 0\n")), Lines{"records-lost error"});
+  EXPECT_EQ(Codes(With(kBeam, "1 0 0\n", "! first\n1 0 0\n")), Lines{"records-lost error"});
+  // A misread node makes the element's other faults.
+  EXPECT_EQ(Codes(With(kBeam, "1 1 2 1", "1 1-9 1")), Lines{"number-partly-read error"});
+}
+
+TEST(Check, RefusedRatiosHaveTheirCode)
+{
+  for (const char* ratio : {"nu=3", "nu=0.5", "nu=1", "nu=-1"})
+    EXPECT_EQ(Codes(With(kSolid, "nu=0.25", ratio)), Lines{"poisson-ratio error"}) << ratio;
+  EXPECT_EQ(Codes(With(kPlate, "nu=0.25", "nu=0.7")), Lines{"poisson-ratio error"});
 }
 
 TEST(Check, TellsKeysThatMeanWhatTheyMatchFromOthers)
@@ -597,6 +617,7 @@ TEST(Check, TellsKeysThatMeanWhatTheyMatchFromOthers)
             (Lines{"key-by-prefix warning", "key-by-prefix warning"}));
   ExpectDataLost(
       {{"Iz=0.01", "Iz=0.01 alpha=1e-5", "13:23: 'alpha' is no key of a material: read as 'A'"},
+       {"A=0.1", "Areal=0.1", "13:9: 'Areal' is no key of a material: read as 'A'"},
        {"Iz=0.01", "Iz=0.01 It=1e-5",
         "13:23: 'It' is no key of a material: read as 'I'; did you mean 'J'?"},
        {"Iz=0.01", "Iz=0.01 I_y=1e-5",
@@ -862,18 +883,17 @@ TEST(Misread, ExplainsWholeNumbers)
   {
     const char* word;
     const char* text;
-  } cases[] = {
-      {"1e2", "'1e2' is no whole number: read as 1; did you mean 100?"},
-      {"0.0", "'0.0' is no whole number: read as 0; did you mean 0?"},
-      {"1.5", "'1.5' is no whole number: read as 1"},
-      {"1-4",
-       "'1-4' is no whole number: read as 1; a range is not read: write every number, "
-       "separated by blanks"},
-      {"4,2", "'4,2' is no whole number: read as 4; numbers are separated by blanks: write 4 2"},
-      {"4,", "'4,' is no whole number: read as 4; numbers are separated by blanks: write 4"}};
+  } cases[] = {{"1e2", "'1e2' is no whole number: read as 1; did you mean 100?"},
+               {"0.0", "'0.0' is no whole number: read as 0; did you mean 0?"},
+               {"1.5", "'1.5' is no whole number: read as 1"},
+               {"1-4",
+                "'1-4' is no whole number: read as 1; a range is not known, write every number, "
+                "separated by blanks"},
+               {"4,2", "'4,2' is no whole number: read as 4; did you mean 4 2?"},
+               {"4,", "'4,' is no whole number: read as 4; did you mean 4?"}};
   for (const auto& c : cases)
-    EXPECT_EQ(check::AboutMisreadNumber(c.word, check::Expected::WholeNumber), c.text);
-  EXPECT_EQ(check::AboutMisreadNumber("1e2", check::Expected::Number), cases[0].text);
+    EXPECT_EQ(check::AboutMisreadNumber(c.word, NumberKind::kWhole), c.text);
+  EXPECT_EQ(check::AboutMisreadNumber("1e2", NumberKind::kReal), cases[0].text);
 }
 
 TEST(NearestKeyword, FindsMisspeltWords)

@@ -13,10 +13,11 @@ TEST(MaterialKeys, OtherNotationsHaveAMeaning)
     const char* word;
     const char* key;
   } cases[] = {
-      {"young", "E"}, {"Poisson", "nu"}, {"density", "Weight"}, {"T", "t"},    {"Thickness", "t"},
-      {"It", "J"},    {"I_y", "Iy"},     {"Iyy", "Iy"},         {"Izz", "Iz"}, {"Area", "A"},
-      {"EX", "Ex"},   {"widht_y", ""},   {"width_y", "widthY"}, {"A", "A"},    {"units", "units"},
-      {"colour", ""}, {"alpha", ""},     {"Wieght", "Weight"},  {"Ix", "J"},   {"nuxy", "nuXY"},
+      {"young", "E"},        {"Poisson", "nu"},    {"density", "Weight"}, {"T", "t"},
+      {"Thickness", "t"},    {"It", "J"},          {"I_y", "Iy"},         {"Iyy", "Iy"},
+      {"Izz", "Iz"},         {"Area", "A"},        {"EX", "Ex"},          {"widht_y", "widthY"},
+      {"width_y", "widthY"}, {"A", "A"},           {"units", "units"},    {"colour", ""},
+      {"alpha", ""},         {"Wieght", "Weight"}, {"Ix", "J"},           {"nuxy", "nuXY"},
   };
   for (const auto& c : cases)
     EXPECT_EQ(MeantMaterialKey(c.word), c.key) << c.word;

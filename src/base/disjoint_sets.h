@@ -5,7 +5,7 @@
 #include <numeric>
 #include <vector>
 
-namespace morlen::check {
+namespace morlen {
 
 /// A partition of the positions 0 to size - 1 into sets that can be joined (union-find with path
 /// halving: R. E. Tarjan and J. van Leeuwen, "Worst-case analysis of set union algorithms", 1984).
@@ -36,4 +36,4 @@ private:
   std::vector<std::size_t> parent;
 };
 
-}  // namespace morlen::check
+}  // namespace morlen

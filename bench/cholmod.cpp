@@ -136,8 +136,8 @@ ReaVecV Assemble(const Problem& problem, SkyMatriu& matrix)
 {
   const VoidPlex& nodes = problem.GiveNodes();
   matrix.SetToZero();
-  AddStiffness({problem, AllFamilies(), nullptr}, matrix);
-  std::vector<ReaVecV> sides = {AppliedLoads(problem, AllFamilies())};
+  AddStiffness({problem, FamiliesOf(problem), nullptr}, matrix);
+  std::vector<ReaVecV> sides = {AppliedLoads(problem, FamiliesOf(problem))};
   ConvertGlobalLoadToLocal(nodes, sides.front(), problem.components.count);
   ApplySupports(nodes, problem.components, matrix, sides);
   return sides.front();

@@ -242,7 +242,7 @@ void TimeChoice(Project& project, StopWatch& watch, Run& run)
       static_cast<long long>(project.problem.numNodes) * project.problem.components.count;
   if (project.problem.solverSettings.type == SolverType::Automatic && equations >= kChoiceFrom) {
     project.CalcCoplanarityVector();
-    EstimateWork(project.problem, AllFamilies());
+    EstimateWork(project.problem, FamiliesOf(project.problem));
     run.seconds[kChoose] = watch.Lap();
     project.problem.coplanarity.clear();
   }

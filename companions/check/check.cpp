@@ -46,7 +46,7 @@ std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder)
   if (problem.meshes.empty() || problem.meshes.back()->GiveFvType() == 0)
     return std::nullopt;  // the header or the head of a mesh could not be read
   recorder.SetCode(Code::UnknownReference);
-  CheckReferences(problem.meshes, problem.materials, AllFamilies());
+  CheckReferences(problem.meshes, problem.materials, FamiliesOf(problem));
   const Subject subject = SubjectOf(problem);
   CheckModelAsRead(subject, recorder);
   const std::vector<std::size_t> loose = CheckSupportsAsRead(subject, recorder);
@@ -55,7 +55,7 @@ std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder)
   if (recorder.HasErrors())
     return std::nullopt;
   recorder.SetCode(Code::ModelRefused);
-  CheckModel(problem.meshes, problem.problemType, problem.components, AllFamilies());
+  CheckModel(problem.meshes, problem.problemType, problem.components, FamiliesOf(problem));
   if (problem.solverSettings.type == SolverType::Double)
     recorder.AttemptAt(Code::SolverRefused, recorder.PlaceOf(ReadTopic::Solver),
                        [&] { CheckDoubleSolver(problem.meshes); });

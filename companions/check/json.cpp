@@ -24,6 +24,7 @@ Json JsonOf(const Summary& s)
       {"beams", s.beams},
       {"shells", s.shells},
       {"solids", s.solids},
+      {"shellFormulation", s.refinedShells ? "Refined" : "Standard"},
       {"box", {s.box.Low(), s.box.High()}},
       {"materials", s.materials},
       {"unusedMaterials", s.unusedMaterials},

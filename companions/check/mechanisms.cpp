@@ -110,7 +110,7 @@ std::unique_ptr<SkyMatriu> MotionSearch::Assemble() const
 {
   auto matrix = std::make_unique<SkyMatriu>(problem.Equations());
   CreateMatrix(problem.meshes, problem.components, *matrix);
-  AddStiffness({problem, AllFamilies(), nullptr}, *matrix);
+  AddStiffness({problem, FamiliesOf(problem), nullptr}, *matrix);
   std::vector<ReaVecV> noLoads;
   ApplySupports(problem.GiveNodes(), problem.components, *matrix, noLoads);
   return matrix;
@@ -127,7 +127,7 @@ bool MotionSearch::ShowsMotion(const SkyMatriu& matrix) const
   cases.probe = RefinedCase(loads, Norm::Largest, SizeOnFree(Norm::Largest, plex, scale, loads),
                             std::move(u));
   const Refinement refinement(matrix, plex, scale, [this](InternalForces& forces) {
-    AddForces(problem, AllFamilies(), forces);
+    AddForces(problem, FamiliesOf(problem), forces);
   });
   return refinement.Run(cases) == Refinement::Verdict::Moves && !cases.probe.Diverges();
 }
@@ -261,7 +261,7 @@ std::vector<ReaVecV> MotionSearch::Motions() const
       if (!IsMotion(sides[i], first + i))
         continue;
       ConvertLocalResultsToGlobal(problem.GiveNodes(), sides[i], problem.components.count);
-      if (IsFreeMotion(problem, AllFamilies(), sides[i]))
+      if (IsFreeMotion(problem, FamiliesOf(problem), sides[i]))
         motions.push_back(std::move(sides[i]));
     }
   }
@@ -330,7 +330,7 @@ std::string TooLarge(const Problem& problem)
   const long long equations = static_cast<long long>(problem.numNodes) * problem.components.count;
   if (equations > kMostEquations)
     return Joined(equations, " equations are more than ", kMostEquations);
-  const SolverWork work = EstimateWork(problem, AllFamilies());
+  const SolverWork work = EstimateWork(problem, FamiliesOf(problem));
   if (work.DirectBytes() > UsableMemory(AvailableMemory()))
     return Joined("the matrix needs ", static_cast<long long>(work.DirectBytes() >> 20),
                   " MiB of memory");
@@ -346,7 +346,7 @@ std::string CheckMechanisms(Problem& problem, const Subject& subject,
 {
   std::string untested;
   recorder.AttemptAt(Code::ModelRefused, kWholeFile, [&] {
-    PrepareModel(problem, AllFamilies());
+    PrepareModel(problem, FamiliesOf(problem));
     if (problem.convertTo6Nodes || problem.solverSettings.type == SolverType::Double)
       ConvertTriangles(problem);
     PrepareForSkyline(problem, true);

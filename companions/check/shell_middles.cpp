@@ -2,7 +2,8 @@
 //
 // The conversion gives the middle of an edge the flags that both its ends have. That is right on a
 // line of supports. It is wrong on an edge that cuts a corner between two such lines, and it adds
-// springs to those that the file gives.
+// springs to those that the file gives. Refined shells have neither fault: they get no supports at
+// edges inside the shell, and no springs.
 //
 // A line of supports runs along the rim of the shell or a fold, or inside the shell along edges
 // that continue each other. Another edge inside the shell is reported for a component when a
@@ -292,7 +293,9 @@ void CheckSprings(const std::vector<HeldEdge>& edges, const Problem& problem, Re
 void CheckMiddleNodes(const Subject& subject, Recorder& recorder)
 {
   const Problem& problem = subject.problem;
-  if (!problem.convertTo6Nodes && problem.solverSettings.type != SolverType::Double)
+  const bool converts =
+      problem.convertTo6Nodes || problem.solverSettings.type == SolverType::Double;
+  if (!converts || problem.shellFormulation == ShellFormulation::Refined)
     return;
   const std::vector<const Elem*> triangles = TrianglesOf(subject);
   const ShellEdges edges(triangles);

@@ -87,7 +87,7 @@ Subject SubjectOf(const Problem& problem)
 {
   Subject subject{.problem = problem, .elements = {}, .nodes = {}, .parts = {}};
   for (const auto& mesh : problem.meshes) {
-    if (!AllFamilies().Find(*mesh))
+    if (!FamiliesOf(problem).Find(*mesh))
       continue;
     for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
       if (IsWhole(elem))

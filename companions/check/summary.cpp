@@ -25,6 +25,7 @@ void AddCounts(const Subject& subject, Summary& summary)
   const Problem& problem = subject.problem;
   summary.plane = problem.problemType == kPlane && problem.components.translations == 2;
   summary.parts = static_cast<int>(subject.parts.size());
+  summary.refinedShells = problem.shellFormulation == ShellFormulation::Refined;
   for (const Elem* elem : subject.elements)
     ++(elem->ElemType() == Linear     ? summary.beams
        : elem->ElemType() == Triangle ? summary.shells
@@ -57,7 +58,7 @@ double VolumeOf(const Elem& elem, const Material& material)
 void AddLoads(const Subject& subject, Summary& summary)
 {
   const Problem& problem = subject.problem;
-  const ReaVecV loads = AppliedLoads(problem, AllFamilies());
+  const ReaVecV loads = AppliedLoads(problem, FamiliesOf(problem));
   for (const Node& node : Each<Node>(problem.GiveNodes())) {
     for (int k = 0; k < problem.components.translations; ++k)
       summary.load[k] += loads(problem.Equation(node, k + 1));
@@ -237,8 +238,9 @@ std::string TextOf(const Summary& s)
           : std::string();
   return Joined("problem:    ", s.plane ? "2d" : "3d", "\nnodes:      ", s.nodes, " in ", s.parts,
                 s.parts == 1 ? " part" : " parts", "\nelements:   ", s.beams, " beams, ", s.shells,
-                " shells, ", s.solids, " solids\nbox:        (", Listed(s.box.Low(), s.plane),
-                ") to (", Listed(s.box.High(), s.plane), ") ", length, "\nmaterials:  used",
+                s.refinedShells ? " shells (Refined), " : " shells, ", s.solids,
+                " solids\nbox:        (", Listed(s.box.Low(), s.plane), ") to (",
+                Listed(s.box.High(), s.plane), ") ", length, "\nmaterials:  used",
                 Numbers(s.materials), "; unused", Numbers(s.unusedMaterials), "\ntotal load: (",
                 Listed(s.load, s.plane), ") ", force, ", with weight (", Listed(s.weight, s.plane),
                 ")\nunits:      results in ", force, " and ", length, "\nequations:  ", s.equations,

@@ -20,6 +20,7 @@ struct Summary
   bool plane = false;
   int nodes = 0;
   int beams = 0, shells = 0, solids = 0;
+  bool refinedShells = false;  ///< the formulation of the shells, also when there are none
   int parts = 0;
   Box box;  ///< of all nodes
   std::vector<int> materials, unusedMaterials;

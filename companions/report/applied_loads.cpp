@@ -1,6 +1,7 @@
 #include "report/applied_loads.h"
 
 #include "assembly/model_checks.h"
+#include "assembly/shell_shares.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -33,7 +34,7 @@ std::vector<Wrench> LoadsOfMeshes(const Problem& problem, const model::Model& mo
   byEquation.resize(problem.Equations(), 0.0);
   for (const auto& mesh : problem.meshes) {
     if ((mesh->GiveElemType() == Linear) == beams)
-      AllFamilies().Of(*mesh).addLoads(problem, *mesh, byEquation);
+      FamiliesOf(problem).Of(*mesh).addLoads(problem, *mesh, byEquation);
   }
   std::vector<Wrench> loads(model.nodes.size());
   std::size_t position = 0;
@@ -68,9 +69,15 @@ std::vector<LineLoad> LoadsOnBeams(const Problem& problem, const model::Model& m
 
 }  // namespace
 
+void PrepareLoads(Problem& problem)
+{
+  CheckReferences(problem.meshes, problem.materials, FamiliesOf(problem));
+  if (problem.shellFormulation == ShellFormulation::Refined)
+    problem.shellShares = CalcShellShares(problem);
+}
+
 AppliedLoads AppliedLoadsOf(const Problem& problem, const model::Model& model)
 {
-  CheckReferences(problem.meshes, problem.materials, AllFamilies());
   AppliedLoads loads;
   loads.nodes = LoadsOfMeshes(problem, model, true);
   const std::vector<Wrench> others = LoadsOfMeshes(problem, model, false);

@@ -32,8 +32,12 @@ struct AppliedLoads
   std::vector<LineLoad> onBeams;  ///< loads that are not 0
 };
 
-/// The loads of a problem that has been read but not prepared for an analysis. model: the data of
-/// the same problem. Fatal where the program refuses the load or the material of an element.
+/// Checks the references of a problem that has been read, and computes the data that its loads
+/// need. Fatal where the program refuses the material of an element.
+void PrepareLoads(Problem& problem);
+
+/// The loads of a problem after PrepareLoads, not prepared for an analysis. model: the data of the
+/// same problem. Fatal where the program refuses the load or the material of an element.
 AppliedLoads AppliedLoadsOf(const Problem& problem, const model::Model& model);
 
 }  // namespace morlen

@@ -84,15 +84,17 @@ Equilibrium EquilibriumOf(const model::Model& model, const std::vector<Wrench>& 
   return found;
 }
 
-std::string AdviceOf(const Equilibrium& equilibrium, const model::Model& model, bool iterated)
+std::string AdviceOf(const Equilibrium& equilibrium, const model::Model& model,
+                     ShellFormulation formulation, bool iterated)
 {
   if (equilibrium.IsBalanced())
     return {};
-  const bool shells =
+  const bool grounded =
+      formulation == ShellFormulation::Standard &&
       std::any_of(model.elements.begin(), model.elements.end(),
                   [](const model::Element& e) { return e.kind == model::Kind::Shell; });
   std::string advice;
-  if (shells && equilibrium.forceResidual <= Equilibrium::kLimit)
+  if (grounded && equilibrium.forceResidual <= Equilibrium::kLimit)
     advice =
         "Only the moments differ: the stiffness of shells against turning about their normal takes "
         "moments about it, which no reaction balances.";

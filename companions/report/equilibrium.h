@@ -5,6 +5,7 @@
 
 #include "common/model_data.h"
 #include "common/result_data.h"
+#include "problem/settings.h"
 #include "report/applied_loads.h"
 
 namespace morlen {
@@ -27,9 +28,10 @@ struct Equilibrium
   bool IsBalanced() const { return residual <= kLimit; }
 };
 
-/// Advice when loads and reactions are not in equilibrium; empty when they are. `iterated`: the
-/// equations have been solved by iteration.
-std::string AdviceOf(const Equilibrium& equilibrium, const model::Model& model, bool iterated);
+/// Advice when loads and reactions are not in equilibrium; empty when they are. `formulation`: of
+/// the shells. `iterated`: the equations have been solved by iteration.
+std::string AdviceOf(const Equilibrium& equilibrium, const model::Model& model,
+                     ShellFormulation formulation, bool iterated);
 
 /// The balance of the loads, by position in the model's list of nodes, and the reactions.
 Equilibrium EquilibriumOf(const model::Model& model, const std::vector<Wrench>& loads,

@@ -82,11 +82,12 @@ ExitStatus Report(const Options& options)
   model::ReadProblemFile(file, problem);
   const model::Model model = model::ModelOf(problem);
   const results::Results results = results::ReadResults(model, options.input.Files());
+  PrepareLoads(problem);
   const AppliedLoads loads = AppliedLoadsOf(problem, model);
   const Equilibrium equilibrium = EquilibriumOf(model, loads.nodes, results);
   const SolverType solver = problem.solverSettings.type;
   const bool iterated = solver == SolverType::Sparse || solver == SolverType::Double;
-  const std::string advice = AdviceOf(equilibrium, model, iterated);
+  const std::string advice = AdviceOf(equilibrium, model, problem.shellFormulation, iterated);
   const std::string name = file.filename().string();
   const std::vector<Finding> findings = FindingsIn(file);
   WritePage(output, name,

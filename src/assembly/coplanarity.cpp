@@ -10,6 +10,7 @@
 #include <cmath>
 #include <limits>
 
+#include "assembly/shell_shares.h"
 #include "base/constants.h"
 #include "base/errorwriter.h"
 #include "model/elem.h"
@@ -159,6 +160,8 @@ void MarkCoplanarNodes(Problem& problem)
       test.Add(*mesh, *problem.meshes.front());
   }
   problem.coplanarity = test.Marks();
+  if (problem.shellFormulation == ShellFormulation::Refined)
+    problem.shellShares = CalcShellShares(problem);
 }
 
 }  // namespace morlen

@@ -42,8 +42,9 @@ private:
 /// are more than 25. fileNumbers: the mesh that knows the numbers of the file, for the message.
 std::vector<int> CountElementsAround(const Mesh& mesh, int nodes, const Mesh& fileNumbers);
 
-/// Sets the coplanarity marks of a problem with shells. Problems without shells have no marks. The
-/// marks are ordered by system number, so that they are valid until the nodes are renumbered.
+/// Sets the coplanarity marks of a problem with shells, and with refined shells the shares of the
+/// nodes. Problems without shells have neither. Both are ordered by system number, so that they are
+/// valid until the nodes are renumbered.
 void MarkCoplanarNodes(Problem& problem);
 
 }  // namespace morlen

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "assembly/coplanarity.h"
+#include "assembly/middle_supports.h"
 #include "base/errorwriter.h"
 #include "model/constraint.h"
 #include "model/mesh.h"
@@ -36,8 +37,9 @@ Node& AddMidSideNode(const Node& a, const Node& b, Problem& problem)
   auto node = std::make_unique<Node>(3);
   for (int k = 1; k <= 3; ++k)
     (*node)(k) = (a(k) + b(k)) / 2.0;
-  node->constraint = MergeTwoConstraints(problem.components.count, a.constraint.get(),
-                                         b.constraint.get(), problem.coplanarityAngle);
+  if (problem.shellFormulation == ShellFormulation::Standard)
+    node->constraint = MergeTwoConstraints(problem.components.count, a.constraint.get(),
+                                           b.constraint.get(), problem.coplanarityAngle);
   node->number = ++problem.numNodes;
   return Store(problem.GiveNodes(), problem.numNodes, std::move(node));
 }
@@ -72,6 +74,8 @@ bool ConvertTriangles(Problem& problem)
     ConvertTriangleTo6nod(problem, *mesh, edges);
     converted = true;
   }
+  if (converted && problem.shellFormulation == ShellFormulation::Refined)
+    SupportMiddleNodes(problem);
   return converted;
 }
 

@@ -29,12 +29,13 @@ private:
   std::vector<Edge> edges;
 };
 
-/// Converts a mesh of three-node triangles to six nodes. A node in the middle of an edge gets the
-/// supports that both ends of the edge have. Fatal for other meshes, and for more than 25 triangles
-/// at a node.
+/// Converts a mesh of three-node triangles to six nodes. With standard shells a node in the middle
+/// of an edge gets the supports that both ends of the edge have; with refined shells none. Fatal
+/// for other meshes, and for more than 25 triangles at a node.
 void ConvertTriangleTo6nod(Problem& problem, Mesh& mesh, EdgeNodes& edges);
 
-/// Converts all meshes of three-node triangles. Returns false when there are none.
+/// Converts all meshes of three-node triangles, with the supports of the middle nodes. Returns
+/// false when there are none.
 bool ConvertTriangles(Problem& problem);
 
 }  // namespace morlen

@@ -84,10 +84,15 @@ struct Problem
   HingeCodes hingeCodes;
   std::vector<int> coplanarity;  ///< by system number - 1: 1 at a node where the shells are flat
 
+  /// Shares of the nodes in the drilling freedoms of refined shells, by system number - 1; empty
+  /// with standard shells.
+  std::vector<double> shellShares;
+
   SolverSettings solverSettings;
   SmoothingSettings smoothing;
   StressOutput stressOutput = StressOutput::Local;
   bool convertTo6Nodes = false;
+  ShellFormulation shellFormulation = ShellFormulation::Standard;
   double coplanarityAngle = 1e-7;          ///< radians
   ReaVec gravityDirection{0.0, 0.0, 1.0};  ///< unit vector
   int numOfDivisions = 20;                 ///< of a beam in the results

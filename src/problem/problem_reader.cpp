@@ -210,6 +210,7 @@ constexpr Keyword kKeywords[] = {
     {.name = "DoSmoothing", .readValue = ReadDoSmoothing},
     {.name = "CoplanarityAngle", .readValue = ReadCoplanarityAngle},
     {.name = "Solver", .readValue = ReadSolver, .topic = ReadTopic::Solver},
+    {.name = "ShellFormulation", .readValue = ReadShellFormulation},
     {.name = "GravityDirection", .readValue = ReadGravityDirection, .topic = ReadTopic::Gravity},
     {.name = "units_names", .readBlock = ReadUnitsNames, .topic = ReadTopic::UnitSystems},
     {.name = "materials", .readBlock = ReadMaterials},

@@ -33,6 +33,13 @@ struct SmoothingSettings
   double angle = -1.0;  ///< radians; negative when the file gives none
 };
 
+/// The elements that triangles are.
+enum class ShellFormulation : int
+{
+  Standard,
+  Refined
+};
+
 /// The shell values that the results contain.
 enum class StressOutput : int
 {

@@ -180,6 +180,20 @@ void ReadSolver(TextScan& text, const std::string& value, Problem& problem)
     ReadSparseSettings(text, problem.solverSettings);
 }
 
+void ReadShellFormulation(TextScan&, const std::string& value, Problem& problem)
+{
+  if (EqualsNoCase(value, "Standard"))
+    problem.shellFormulation = ShellFormulation::Standard;
+  else if (EqualsNoCase(value, "Refined"))
+    problem.shellFormulation = ShellFormulation::Refined;
+  else {
+    Explain("'", value,
+            "' is no formulation of shells; Standard is the default, and Refined is the choice for"
+            " curved, folded and thin shells");
+    Fatal("error: ShellFormulation must be: Standard or Refined\n");
+  }
+}
+
 void ReadGravityDirection(TextScan& text, const std::string& value, Problem& problem)
 {
   const double x = NumberOfItem(value);

@@ -14,6 +14,7 @@ void ReadNumOfDivisions(TextScan& text, const std::string& value, Problem& probl
 void ReadDoSmoothing(TextScan& text, const std::string& value, Problem& problem);
 void ReadCoplanarityAngle(TextScan& text, const std::string& value, Problem& problem);
 void ReadSolver(TextScan& text, const std::string& value, Problem& problem);
+void ReadShellFormulation(TextScan& text, const std::string& value, Problem& problem);
 void ReadGravityDirection(TextScan& text, const std::string& value, Problem& problem);
 
 /// The block `materials`, from after the keyword to its end.

@@ -1,8 +1,10 @@
 #include "results/shell_strengths.h"
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
 
+#include "assembly/refined_shell.h"
 #include "assembly/shell.h"
 #include "assembly/shell_family.h"
 #include "assembly/solution.h"
@@ -15,37 +17,85 @@
 
 namespace morlen {
 
-void CalcShellStrengths(const Problem& problem, const Mesh& mesh, const Solution& solution,
-                        MeshResults& results)
-{
-  constexpr int kValues = 8;
-  constexpr int kAngles = 6;
-  const int points = results.points;
-  const auto count = std::ssize(results.numbers);
-  results.blockSize = kValues * points;
-  results.strengths.resize(ArrayLength(count, results.blockSize), 0.0);
-  if (problem.stressOutput != StressOutput::Local)
-    results.mainAngles.resize(ArrayLength(count, kAngles * points), 0.0);
-  if (problem.stressOutput == StressOutput::MainAndLocal)
-    results.mainStrengths.resize(ArrayLength(count, results.blockSize), 0.0);
-  ReaVecV* const main =
-      problem.stressOutput == StressOutput::MainAndLocal ? &results.mainStrengths : nullptr;
+namespace {
 
-  ShellEvaluator shell;
-  double local[6 * 6];
+constexpr int kValues = 8;
+constexpr int kAngles = 6;
+
+void MakeRoom(StressOutput output, MeshResults& results)
+{
+  const auto count = std::ssize(results.numbers);
+  results.blockSize = kValues * results.points;
+  results.strengths.resize(ArrayLength(count, results.blockSize), 0.0);
+  if (output != StressOutput::Local)
+    results.mainAngles.resize(ArrayLength(count, kAngles * results.points), 0.0);
+  if (output == StressOutput::MainAndLocal)
+    results.mainStrengths.resize(ArrayLength(count, results.blockSize), 0.0);
+}
+
+// Fills the results element by element. calculate(elem, offset) adds the local values of an element
+// from results.strengths(offset + 1) on, and returns the evaluator, which knows frame and area.
+template <class Calculate>
+void FillResults(const Problem& problem, const Mesh& mesh, MeshResults& results,
+                 Calculate calculate)
+{
+  const StressOutput output = problem.stressOutput;
+  MakeRoom(output, results);
+  ReaVecV* const main = output == StressOutput::MainAndLocal ? &results.mainStrengths : nullptr;
+  const int points = results.points;
   int place = 0;
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
-    shell.Evaluate(elem, problem.RequireMaterial(elem));
-    shell.CalcRelative(elem, FoldedNodes(problem.coplanarity, elem), solution.Displacements(),
-                       local);
     const int offset = place * results.blockSize;
-    shell.AddStrengths(local, results.strengths, offset);
-    if (problem.stressOutput != StressOutput::Local)
+    const auto& shell = calculate(elem, offset);
+    if (output != StressOutput::Local)
       ConvertResultsToMainValues(results.strengths, offset, points, results.mainAngles,
                                  place * kAngles * points, AxesFromMatriu(shell.Frame()), main,
                                  std::sqrt(shell.Area()));
     ++place;
   }
+}
+
+template <class Shell>
+void CalcRefined(const Problem& problem, const Mesh& mesh, const Solution& solution,
+                 MeshResults& results)
+{
+  RefinedShellEvaluator<Shell> shell(problem.shellShares);
+  double local[6 * Shell::kNodes];
+  FillResults(
+      problem, mesh, results, [&](const Elem& elem, int offset) -> const auto& {
+        shell.Evaluate(elem, problem.RequireMaterial(elem));
+        shell.CalcRelative(elem, solution.Displacements(), local);
+        for (int point = 0; point < results.points; ++point)
+          shell.Element().CalcStrengths(point, local,
+                                        results.strengths.Data() + offset + point * kValues);
+        return shell;
+      });
+}
+
+}  // namespace
+
+void CalcShellStrengths(const Problem& problem, const Mesh& mesh, const Solution& solution,
+                        MeshResults& results)
+{
+  ShellEvaluator shell;
+  double local[6 * 6];
+  FillResults(
+      problem, mesh, results, [&](const Elem& elem, int offset) -> const auto& {
+        shell.Evaluate(elem, problem.RequireMaterial(elem));
+        shell.CalcRelative(elem, FoldedNodes(problem.coplanarity, elem), solution.Displacements(),
+                           local);
+        shell.AddStrengths(local, results.strengths, offset);
+        return shell;
+      });
+}
+
+void CalcRefinedShellStrengths(const Problem& problem, const Mesh& mesh, const Solution& solution,
+                               MeshResults& results)
+{
+  if (mesh.GiveNnode() == ThreeNodeShell::kNodes)
+    CalcRefined<ThreeNodeShell>(problem, mesh, solution, results);
+  else
+    CalcRefined<SixNodeShell>(problem, mesh, solution, results);
 }
 
 }  // namespace morlen

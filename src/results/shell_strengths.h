@@ -7,9 +7,14 @@ struct MeshResults;
 struct Problem;
 struct Solution;
 
-/// Forces and moments of all shells of a mesh at their Gauss points, eight a point. The stress
-/// output of the problem decides whether they are local, principal or both.
+// Forces and moments of all shells of a mesh at their Gauss points, eight a point. The stress
+// output of the problem decides whether they are local, principal or both.
+
+/// Of standard shells.
 void CalcShellStrengths(const Problem& problem, const Mesh& mesh, const Solution& solution,
                         MeshResults& results);
+/// Of refined shells.
+void CalcRefinedShellStrengths(const Problem& problem, const Mesh& mesh, const Solution& solution,
+                               MeshResults& results);
 
 }  // namespace morlen

@@ -1,9 +1,11 @@
 #include "run/element_families.h"
 
 #include "assembly/beam_family.h"
+#include "assembly/refined_shell_family.h"
 #include "assembly/shell_family.h"
 #include "assembly/solid_family.h"
 #include "model/shape_functions.h"
+#include "problem/problem.h"
 #include "results/beam_strengths.h"
 #include "results/finite_results.h"
 #include "results/kiv_beams.h"
@@ -52,6 +54,16 @@ constexpr ElementFamily Shells(int nnode)
           .writeBlocks = WriteShellBlocks};
 }
 
+constexpr ElementFamily RefinedShells(int nnode)
+{
+  ElementFamily family = Shells(nnode);
+  family.addStiffness = AddRefinedShellStiffness;
+  family.addForces = AddRefinedShellForces;
+  family.addLoads = AddRefinedShellLoads;
+  family.calcStrengths = CalcRefinedShellStrengths;
+  return family;
+}
+
 constexpr ElementFamily Solids(int nnode)
 {
   return {.type = Tetrahedra,
@@ -71,13 +83,16 @@ constexpr ElementFamily Solids(int nnode)
 }
 
 constexpr ElementFamily kRows[] = {kBeams, Shells(3), Shells(6), Solids(4), Solids(10)};
+constexpr ElementFamily kRefinedRows[] = {kBeams, RefinedShells(3), RefinedShells(6), Solids(4),
+                                          Solids(10)};
 constexpr ElementFamilies kFamilies(kRows);
+constexpr ElementFamilies kRefinedFamilies(kRefinedRows);
 
 }  // namespace
 
-const ElementFamilies& AllFamilies()
+const ElementFamilies& FamiliesOf(const Problem& problem)
 {
-  return kFamilies;
+  return problem.shellFormulation == ShellFormulation::Refined ? kRefinedFamilies : kFamilies;
 }
 
 }  // namespace morlen

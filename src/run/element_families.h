@@ -4,7 +4,10 @@
 
 namespace morlen {
 
-/// All families that can be analysed: beams, shells of three and six nodes, solids of four and ten.
-const ElementFamilies& AllFamilies();
+struct Problem;
+
+/// The families of a problem: beams, solids of four and ten nodes, and shells of three and six
+/// nodes in the formulation that the problem asks for.
+const ElementFamilies& FamiliesOf(const Problem& problem);
 
 }  // namespace morlen

@@ -92,7 +92,8 @@ int Project::ReadElemLoad(TextScan& text, std::string_view word)
 
 void Project::Calc(int renumber, std::FILE* info)
 {
-  Analysed analysed = Analyse(problem, AllFamilies(), {.renumber = renumber != 0, .info = info});
+  Analysed analysed =
+      Analyse(problem, FamiliesOf(problem), {.renumber = renumber != 0, .info = info});
   solver = std::move(analysed.solver);
   solution = std::move(analysed.solutions.front());
 }
@@ -101,7 +102,7 @@ void Project::FillMatrixVectorAndSolve(std::FILE* info)
 {
   if (!solver)
     Fatal("error: unknown solver\n");
-  solution = SolvePrepared(problem, AllFamilies(), *solver, LoadsOfProblem, info).front();
+  solution = SolvePrepared(problem, FamiliesOf(problem), *solver, LoadsOfProblem, info).front();
 }
 
 void Project::CalcElemsRotules()
@@ -142,34 +143,34 @@ void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes, ElementSi
 void Project::CalcStrengthsAndReactions(std::FILE* info)
 {
   solver.reset();  // frees the memory of the matrix for the results
-  morlen::CalcStrengthsAndReactions(problem, AllFamilies(), solution, info);
+  morlen::CalcStrengthsAndReactions(problem, FamiliesOf(problem), solution, info);
   ShowReactions(problem.GiveNodes(), problem.components, solution.reactions);
 }
 
 void Project::CalcStrengthsBeams(int mesh)
 {
-  CalcStrengths(problem, AllFamilies(), mesh, solution);
+  CalcStrengths(problem, FamiliesOf(problem), mesh, solution);
 }
 
 void Project::CalcStrengthsTriangles(int mesh)
 {
-  CalcStrengths(problem, AllFamilies(), mesh, solution);
+  CalcStrengths(problem, FamiliesOf(problem), mesh, solution);
 }
 
 void Project::CalcStrengthsTetras(int mesh)
 {
-  CalcStrengths(problem, AllFamilies(), mesh, solution);
+  CalcStrengths(problem, FamiliesOf(problem), mesh, solution);
 }
 
 void Project::CalcReactions()
 {
-  morlen::CalcReactions(problem, AllFamilies(), solution);
+  morlen::CalcReactions(problem, FamiliesOf(problem), solution);
   ShowReactions(problem.GiveNodes(), problem.components, solution.reactions);
 }
 
 void Project::Smooth(std::FILE* info)
 {
-  morlen::Smooth(problem, AllFamilies(), solution, info);
+  morlen::Smooth(problem, FamiliesOf(problem), solution, info);
 }
 
 double Project::GiveStrength(int mesh, const Elem& elem, int component, double t, double L) const
@@ -191,7 +192,7 @@ void Project::SetDisplacementVectors(const Elem& elem, const Matriu& T, int divi
 
 void Project::WriteResults(std::ofstream& out) const
 {
-  morlen::WriteResults(problem, AllFamilies(), solution, out);
+  morlen::WriteResults(problem, FamiliesOf(problem), solution, out);
 }
 
 void Project::WriteBeamStrength(int mesh, TextOut& out) const
@@ -201,7 +202,7 @@ void Project::WriteBeamStrength(int mesh, TextOut& out) const
 
 void Project::WriteKivResults(std::ofstream& res, const char* meshFileName) const
 {
-  morlen::WriteKivResults(problem, AllFamilies(), solution, res, meshFileName);
+  morlen::WriteKivResults(problem, FamiliesOf(problem), solution, res, meshFileName);
 }
 
 void Project::PrintTo(std::ofstream& out) const

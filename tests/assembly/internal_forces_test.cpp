@@ -17,6 +17,7 @@
 #include "numeric/plex_range.h"
 #include "run/element_families.h"
 #include "solvers/skymatriu.h"
+#include "support/refined_model.h"
 #include "support/shell_model.h"
 #include "support/solid_model.h"
 #include "support/solved.h"
@@ -42,7 +43,7 @@ struct Prepared
   ReaVecV ForcesOf(const SplitView& u, InternalForces::Elements which) const
   {
     InternalForces forces({u}, equations, project->problem.components.count, which);
-    AddForces(project->problem, AllFamilies(), forces);
+    AddForces(project->problem, FamiliesOf(project->problem), forces);
     return std::move(forces.Forces(0));
   }
 
@@ -66,7 +67,7 @@ ReaVecV ByMatrix(const Prepared& model, const ReaVecV& u)
     matrix.EnterMaxDiff(1, node, problem.components.count);
   matrix.Create(problem.components.count);
   for (const auto& mesh : problem.meshes)
-    AllFamilies().Of(*mesh).addStiffness(problem, *mesh, kInGlobalAxes, matrix);
+    FamiliesOf(problem).Of(*mesh).addStiffness(problem, *mesh, kInGlobalAxes, matrix);
   ReaVecV product(model.equations);
   for (int i = 1; i <= model.equations; ++i)
     product(i) = matrix.ReturnRowPerVector(i, u);
@@ -134,8 +135,12 @@ ShellModel Strip()
 
 std::vector<std::string> Problems()
 {
-  std::vector<std::string> problems = {kHinged, kPlaneHinged, Strip().Text(),
-                                       WithMidSideNodes(Strip()).Text()};
+  std::vector<std::string> problems = {kHinged,
+                                       kPlaneHinged,
+                                       Strip().Text(),
+                                       WithMidSideNodes(Strip()).Text(),
+                                       Refined(Strip()).Text(),
+                                       Refined(WithMidSideNodes(Strip())).Text()};
   for (const int nnode : {4, 10}) {
     SolidModel model = SolidBlock({3, 1, 1}, {3.0, 1.0, 1.0}, nnode);
     model.Map(Rotated);
@@ -145,11 +150,17 @@ std::vector<std::string> Problems()
   return problems;
 }
 
+// True when the ground resists rotations of some shells about their normals.
+bool HoldsRotations(const Problem& problem)
+{
+  return !problem.coplanarity.empty() && problem.shellFormulation == ShellFormulation::Standard;
+}
+
 // True when the ground resists the rotation of the node about the normal.
 bool IsHeldByTheGround(const Prepared& model, const Node& node)
 {
-  return !model.project->problem.coplanarity.empty() &&
-         model.project->problem.coplanarity[node.number - 1] == 1;
+  const Problem& problem = model.project->problem;
+  return HoldsRotations(problem) && problem.coplanarity[node.number - 1] == 1;
 }
 
 }  // namespace
@@ -196,8 +207,8 @@ TEST(InternalForces, RestCountsBesideLargeDisplacements)
 {
   for (const std::string& problem : Problems()) {
     const Prepared model(problem);
-    if (!model.project->problem.coplanarity.empty())
-      continue;  // the ground resists its rotations
+    if (HoldsRotations(model.project->problem))
+      continue;
     const bool plane = model.project->problem.problemType == kPlane;
     const ReaVecV large = RigidMotion(model, plane ? Vector3{0, 0, 1} : Vector3{1, 2, 3}, {});
     const ReaVecV base = model.ForcesOf(large, InternalForces::Elements::All);

@@ -99,9 +99,9 @@ void ExpectClosedForms(const Problem& problem, const std::vector<Solution>& solu
 std::vector<Solution> Solutions(Problem& problem, const MakeLoads& loads, std::FILE* info = nullptr)
 {
   std::vector<Solution> solutions =
-      Analyse(problem, AllFamilies(), {.renumber = true, .info = info}, loads).solutions;
+      Analyse(problem, FamiliesOf(problem), {.renumber = true, .info = info}, loads).solutions;
   for (Solution& solution : solutions)
-    CalcStrengthsAndReactions(problem, AllFamilies(), solution, nullptr);
+    CalcStrengthsAndReactions(problem, FamiliesOf(problem), solution, nullptr);
   return solutions;
 }
 
@@ -206,10 +206,10 @@ TEST(TwoProblems, LiveSideBySide)
 {
   const auto first = Cantilever("Solver SkyLine");
   const auto second = Cantilever("Solver Sparse 1e-12 1e-12 1000");
-  std::vector<Solution> ofFirst = Analyse(*first, AllFamilies(), {}, ThreeLoads).solutions;
+  std::vector<Solution> ofFirst = Analyse(*first, FamiliesOf(*first), {}, ThreeLoads).solutions;
   const std::vector<Solution> ofSecond = Solutions(*second, ThreeLoads);
   for (Solution& solution : ofFirst)
-    CalcStrengthsAndReactions(*first, AllFamilies(), solution, nullptr);
+    CalcStrengthsAndReactions(*first, FamiliesOf(*first), solution, nullptr);
   ExpectClosedForms(*first, ofFirst, 1e-12);  // as above
   ExpectClosedForms(*second, ofSecond, 1e-9);
 }

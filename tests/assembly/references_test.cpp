@@ -21,7 +21,7 @@ std::string Refusal(const std::string& problem)
   Problem read(100);
   TextScan text(problem);
   ReadProblem(text, read);
-  return FatalCaught([&] { CheckReferences(read.meshes, read.materials, AllFamilies()); });
+  return FatalCaught([&] { CheckReferences(read.meshes, read.materials, FamiliesOf(read)); });
 }
 
 std::string RefusalOf(const std::string& elements, const std::string& materials = "")

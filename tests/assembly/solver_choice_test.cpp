@@ -57,6 +57,12 @@ std::unique_ptr<Project> Prepared(const Structure& structure)
   return project;
 }
 
+SolverWork WorkOf(const Structure& structure)
+{
+  const auto project = Prepared(structure);
+  return EstimateWork(project->problem, FamiliesOf(project->problem));
+}
+
 std::string Calculated(Project& project)
 {
   return MessagesOf([&](std::FILE* info) { project.Calc(1, info); });
@@ -91,7 +97,7 @@ TEST(SolverWork, CountsTheEntriesOfBothMatrices)
     EnterCouplings(*project, profile);
     SparseSolver sparse(project->problem.numNodes, project->problem.components.count);
     EnterCouplings(*project, sparse);
-    const SolverWork work = EstimateWork(project->problem, AllFamilies());
+    const SolverWork work = EstimateWork(project->problem, FamiliesOf(project->problem));
     double operations = 0.0;
     for (int i = 1; i <= n; ++i)
       operations += std::pow(profile.GiveHeight(i), 2);
@@ -103,10 +109,8 @@ TEST(SolverWork, CountsTheEntriesOfBothMatrices)
 
 TEST(SolverWork, IterationsGrowWithTheDistanceFromTheSupports)
 {
-  const double low =
-      EstimateWork(Prepared(Building(3, 2, 5, kClamped))->problem, AllFamilies()).iterations;
-  const double high =
-      EstimateWork(Prepared(Building(3, 2, 20, kClamped))->problem, AllFamilies()).iterations;
+  const double low = WorkOf(Building(3, 2, 5, kClamped)).iterations;
+  const double high = WorkOf(Building(3, 2, 20, kClamped)).iterations;
   EXPECT_DOUBLE_EQ(high / low, 21.0 / 6.0);  // the supported nodes count as well
 }
 
@@ -116,7 +120,7 @@ TEST(SolverWork, NodesWithoutElementsHaveTheirOwnBlock)
   s.HoldNode(1, kClamped).HoldNode(3, kClamped);
   s.nodes.push_back({9, 9, 0});
   s.HoldNode(4, kClamped);
-  const SolverWork work = EstimateWork(Prepared(s)->problem, AllFamilies());
+  const SolverWork work = WorkOf(s);
   EXPECT_EQ(work.sparseEntries, 9.0 * (3 + 2 * 2 + 1));
 }
 

@@ -183,6 +183,8 @@ ShellModel Angle(const std::string& settings)
   return model;
 }
 
+constexpr const char* kRefined = "ShellFormulation Refined\n";
+
 std::string ShellText(ShellModel model, const UnitSystem& units)
 {
   for (Vector3& node : model.nodes)
@@ -277,7 +279,8 @@ TEST(UnitSystems, AreTheSameToAFrameByTheSparseSolver)
 
 TEST(UnitSystems, AreTheSameToShells)
 {
-  for (const char* settings : {"", "ConvertTo6Nodes\n"}) {
+  for (const char* settings :
+       {"", "ConvertTo6Nodes\n", kRefined, "ConvertTo6Nodes\nShellFormulation Refined\n"}) {
     SCOPED_TRACE(settings);
     const ShellModel model = Angle(settings);
     const Quantities expected = ShellResults(ShellText(model, kSI));
@@ -336,7 +339,8 @@ TEST(UnitSystems, EndWithStatusZero)
   const std::string frame = FrameText("", kTorque);
   for (const UnitSystem& units : kSystems) {
     for (const std::string& text :
-         {InUnits(frame, units), ShellText(Angle(""), units), SolidText(Block20(10), units)}) {
+         {InUnits(frame, units), ShellText(Angle(""), units), ShellText(Angle(kRefined), units),
+          SolidText(Block20(10), units)}) {
       const RunResult run = RunOnProblem(text);
       EXPECT_EQ(run.status, 0) << units.name;
       EXPECT_EQ(run.err, "") << units.name;

@@ -517,6 +517,36 @@ TEST(Check, SummarisesTheModel)
             "equations:  9, solver SkyLine, matrix of 36 numbers (0.000274658 MiB)\n");
 }
 
+TEST(Check, NamesTheFormulationOfRefinedShells)
+{
+  const auto summary = [](const std::string& setting) {
+    const check::Report report = check::CheckText(With(kPlate, "mesh", setting + "mesh"));
+    return report.summary ? check::TextOf(*report.summary) + check::JsonOf(report, "m") : "";
+  };
+  EXPECT_NE(summary("").find(" 2 shells, "), std::string::npos);
+  EXPECT_NE(summary("").find("\"shellFormulation\": \"Standard\""), std::string::npos);
+  const std::string refined = summary("ShellFormulation Refined\n");
+  EXPECT_NE(refined.find(" 2 shells (Refined), "), std::string::npos);
+  EXPECT_NE(refined.find("\"shellFormulation\": \"Refined\""), std::string::npos);
+}
+
+// The clamp at one corner holds the plate against turning in its plane only when it is refined.
+TEST(Check, KnowsThatRefinedShellsTurnWithTheirNodes)
+{
+  const std::string clamped = With(kPlate, "2 010000 0 0 0 0 0 0\n", "");
+  EXPECT_EQ(check::CheckText(clamped).errors, 1);
+  EXPECT_EQ(check::CheckText(With(clamped, "mesh", "ShellFormulation Refined\nmesh")).errors, 0);
+}
+
+TEST(Check, FindsTheFormulationThatIsMeant)
+{
+  const Lines refused = Messages(With(kPlate, "mesh", "ShellFormulation Refind\nmesh"));
+  ASSERT_EQ(refused.size(), 1u);
+  EXPECT_NE(refused[0].find("error: ShellFormulation must be: Standard or Refined"),
+            std::string::npos);
+  EXPECT_EQ(check::NearestKeyword("ShellFormulatoin"), "ShellFormulation");
+}
+
 TEST(Check, NamesTheUnitsOfTheSummary)
 {
   const std::string units =

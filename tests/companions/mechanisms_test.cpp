@@ -139,11 +139,11 @@ struct Assembled
   {
     TextScan scan(text);
     ReadProblem(scan, problem);
-    PrepareModel(problem, AllFamilies());
+    PrepareModel(problem, FamiliesOf(problem));
     PrepareForSkyline(problem, false);
     SkyMatriu matrix(problem.Equations());
     CreateMatrix(problem.meshes, problem.components, matrix);
-    AddStiffness({problem, AllFamilies(), nullptr}, matrix);
+    AddStiffness({problem, FamiliesOf(problem), nullptr}, matrix);
     std::vector<ReaVecV> noLoads;
     ApplySupports(problem.GiveNodes(), problem.components, matrix, noLoads);
     matrix.CopyFromYouToMat(K);

@@ -28,6 +28,7 @@ struct Loaded
     std::ifstream in(folder.Path() / "m.dat");
     ReadProblem(in, problem);
     model = model::ModelOf(problem);
+    PrepareLoads(problem);
     loads = AppliedLoadsOf(problem, model);
   }
 
@@ -141,6 +142,37 @@ end global_pressure_loads
   EXPECT_TRUE(loaded.loads.onBeams.empty());
 }
 
+// The moments about the normal that a refined triangle gets from a load on an edge cancel.
+TEST(AppliedLoads, OnEdgesOfARefinedShellKeepTheirSum)
+{
+  const Loaded loaded(R"(problem type: 3d
+ShellFormulation Refined
+mesh dimension = 3 elemtype Triangle nnode = 3
+coordinates
+1 0 0 0
+2 3 0 0
+3 0 2 0
+end coordinates
+elements
+1 1 2 3 1
+end elements
+materials
+1 E=1e6 nu=0.2 G=4e5 t=0.1
+end materials
+constraints
+1 111111 0 0 0 0 0 0
+end constraints
+face_loads
+1 0 0 8 0
+end face_loads
+)");
+  // 8 per length on the edge of 3: 12 at each end, and the moments 8·3²/8 = 9.
+  ExpectVec(loaded.loads.nodes[0].force, {0.0, 12.0, 0.0});
+  ExpectVec(loaded.loads.nodes[0].moment, {0.0, 0.0, 9.0});
+  ExpectVec(loaded.loads.nodes[1].force, {0.0, 12.0, 0.0});
+  ExpectVec(loaded.loads.nodes[1].moment, {0.0, 0.0, -9.0});
+}
+
 TEST(Equilibrium, OfTheRightReactionsIsExact)
 {
   const Loaded loaded(kCantilever);
@@ -187,17 +219,18 @@ TEST(Equilibrium, AdvisesByTheSolverAndTheDifference)
       "moments about it, which no reaction balances.";
   Equilibrium off;
   model::Model model;
-  EXPECT_EQ(AdviceOf(off, model, true), "");
+  EXPECT_EQ(AdviceOf(off, model, ShellFormulation::Standard, true), "");
   off.residual = 0.5;
   model.elements.resize(1);
   model.elements[0].kind = model::Kind::Beam;
-  EXPECT_EQ(AdviceOf(off, model, true), iterate);
-  EXPECT_EQ(AdviceOf(off, model, false), mechanism);
+  EXPECT_EQ(AdviceOf(off, model, ShellFormulation::Standard, true), iterate);
+  EXPECT_EQ(AdviceOf(off, model, ShellFormulation::Standard, false), mechanism);
   model.elements[0].kind = model::Kind::Shell;
-  EXPECT_EQ(AdviceOf(off, model, true), drilling + " " + iterate);
-  EXPECT_EQ(AdviceOf(off, model, false), drilling);
+  EXPECT_EQ(AdviceOf(off, model, ShellFormulation::Standard, true), drilling + " " + iterate);
+  EXPECT_EQ(AdviceOf(off, model, ShellFormulation::Standard, false), drilling);
+  EXPECT_EQ(AdviceOf(off, model, ShellFormulation::Refined, false), mechanism);
   off.forceResidual = 0.5;
-  EXPECT_EQ(AdviceOf(off, model, false), mechanism);
+  EXPECT_EQ(AdviceOf(off, model, ShellFormulation::Standard, false), mechanism);
 }
 
 TEST(Equilibrium, WithoutLoadsAndReactionsIsBalanced)

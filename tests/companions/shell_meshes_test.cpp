@@ -287,6 +287,34 @@ TEST(ShellSprings, NamesTheFactorByWhichTheyBecomeStiffer)
   sinking(kConversion, "along z 3.24 times");
 }
 
+// Refined shells get no middle supports inside, and no springs: the same models have no warning,
+// and their results show that there is nothing to warn of.
+TEST(ShellEdges, RefinedShellsHaveNoneUnmeant)
+{
+  ShellModel cut = Square(8, {});
+  cut.settings = "ConvertTo6Nodes\nShellFormulation Refined";
+  Hold(cut, 8, "111000", OnRim(8));
+  cut.rest = Block("global_pressure_loads", cut.OnAll("0 0 1"));
+  EXPECT_TRUE(WarningsWith(cut.Text(), "").empty());
+  // The thin plate as in OtherDiagonalsMendThePlate, on a mesh of 4 elements along a half span.
+  const double D = 1e6 * 0.2 * 0.2 * 0.2 / 12 / (1 - 0.3 * 0.3);
+  const double thin = 0.00406 * 1e4 / D;
+  EXPECT_NEAR(Solved(cut.Text()).Displacement(41)[2], thin, 0.03 * thin);
+}
+
+TEST(ShellSprings, RefinedShellsHaveThoseOfTheFile)
+{
+  ShellModel plate = Square(4, {});
+  plate.material = "E=1e9 nu=0.3 G=3.846153846e8 t=1";
+  plate.settings = "ConvertTo6Nodes\nShellFormulation Refined";
+  for (int node = 1; node <= 25; ++node)
+    plate.Hold(node, "112000", {0, 0, 2, 0, 0, 0});
+  plate.rest = Block("global_pressure_loads", plate.OnAll("0 0 1"));
+  EXPECT_TRUE(WarningsWith(plate.Text(), "").empty());
+  const double given = 100.0 / (25 * 2.0);
+  EXPECT_NEAR(Solved(plate.Text()).Displacement(13)[2], given, 1e-3 * given);
+}
+
 TEST(ShellSprings, CountsOnlySpringsThatEdgesJoin)
 {
   for (const Position& position : Positions()) {
@@ -384,6 +412,21 @@ TEST(ShellFolds, ProposesNoLargeAngle)
   const std::vector<std::string> found = FoldWarnings(RoundedTo(Slab(8), 2));
   ASSERT_EQ(found.size(), 1u);
   EXPECT_EQ(found[0].find("CoplanarityAngle "), std::string::npos);
+}
+
+// Refined shells transmit twisting moments at slight folds.
+TEST(ShellFolds, RefinedShellsAreRightAsTheyAre)
+{
+  const auto deflection = [](const ShellModel& model) {
+    ShellModel slab = model;
+    slab.settings += "\nShellFormulation Refined";
+    slab.rest = Block("local_pressure_loads", slab.OnAll("0 0 1"));
+    EXPECT_TRUE(WarningsWith(slab.Text(), "").empty());
+    const std::vector<double> u = Solved(slab.Text()).Displacement(41);
+    return std::hypot(u[0], u[1], u[2]);
+  };
+  const ShellModel exact = Slab(8);
+  EXPECT_NEAR(deflection(RoundedTo(exact, 4)), deflection(exact), 1e-3 * deflection(exact));
 }
 
 TEST(ShellFolds, AcceptsCurvedShells)

@@ -130,7 +130,9 @@ int Builder::PointsOf(Kind kind, int nodeCount) const
     return 0;  // their results are at the nodes
   if (kind == Kind::Beam)
     return problem.numOfDivisions + 1;
-  return GaussPointCount(Triangle, problem.convertTo6Nodes ? 6 : nodeCount);
+  const bool converts =
+      problem.convertTo6Nodes || problem.solverSettings.type == SolverType::Double;
+  return GaussPointCount(Triangle, converts ? 6 : nodeCount);
 }
 
 std::array<Vec3, 3> Builder::AxesOf(const Elem& elem, Kind kind)

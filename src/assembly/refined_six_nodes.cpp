@@ -23,6 +23,7 @@ using Rows = ShellRows<6>;
 using Row = Rows::Row;
 
 constexpr int kCorners = 3;
+constexpr int kNodes = 6;
 
 /// The mid-side nodes: their shares and their area coordinates in the triangle of the corners.
 struct MidSides
@@ -48,9 +49,9 @@ MidSides MidSidesOf(const CornerTriangle& t, const double* x, const double* y, c
 void Replace(const MidSides& mid, int component, Row& row)
 {
   for (int m = 0; m < 3; ++m) {
-    double& own = row[3 * (kCorners + m) + component];
+    double& own = row[component * kNodes + kCorners + m];
     for (int c = 0; c < kCorners; ++c)
-      row[3 * c + component] += (1.0 - mid.share[m]) * mid.L[m][c] * own;
+      row[component * kNodes + c] += (1.0 - mid.share[m]) * mid.L[m][c] * own;
     own *= mid.share[m];
   }
 }
@@ -81,10 +82,10 @@ void SetStrains(const PointFunctions& at, const MidSides& mid, std::array<Row, 3
 {
   strain = {};
   for (int i = 0; i < 6; ++i) {
-    strain[0][3 * i] = at.x[i];
-    strain[1][3 * i + 1] = at.y[i];
-    strain[2][3 * i] = at.y[i];
-    strain[2][3 * i + 1] = at.x[i];
+    strain[0][Rows::U(i)] = at.x[i];
+    strain[1][Rows::V(i)] = at.y[i];
+    strain[2][Rows::U(i)] = at.y[i];
+    strain[2][Rows::V(i)] = at.x[i];
   }
   for (Row& row : strain) {
     Replace(mid, 0, row);
@@ -96,9 +97,9 @@ void SetPlatePoint(const PointFunctions& at, Rows::PlatePoint& point)
 {
   point = {};
   for (int i = 0; i < 6; ++i) {
-    const int w = 3 * i;
-    const int rx = w + 1;
-    const int ry = w + 2;
+    const int w = Rows::W(i);
+    const int rx = Rows::Rx(i);
+    const int ry = Rows::Ry(i);
     point.curvature[0][ry] = at.x[i];
     point.curvature[1][rx] = -at.y[i];
     point.curvature[2][ry] = at.y[i];
@@ -114,9 +115,9 @@ void SetPlatePoint(const PointFunctions& at, Rows::PlatePoint& point)
 Row DeviationOf(const MidSides& mid, int m, int component)
 {
   Row row{};
-  row[3 * (kCorners + m) + component] = 1.0;
+  row[component * kNodes + kCorners + m] = 1.0;
   for (int c = 0; c < kCorners; ++c)
-    row[3 * c + component] = -mid.L[m][c];
+    row[component * kNodes + c] = -mid.L[m][c];
   return row;
 }
 
@@ -125,12 +126,12 @@ Row DrillingOf(const PointFunctions& at, const MidSides& mid, int node)
 {
   Row row{};
   for (int i = 0; i < 6; ++i) {
-    row[3 * i] = at.y[i] / 2.0;
-    row[3 * i + 1] = -at.x[i] / 2.0;
+    row[Rows::U(i)] = at.y[i] / 2.0;
+    row[Rows::V(i)] = -at.x[i] / 2.0;
   }
   Replace(mid, 0, row);
   Replace(mid, 1, row);
-  row[3 * node + 2] = 1.0;
+  row[Rows::Rz(node)] = 1.0;
   return row;
 }
 

@@ -24,32 +24,6 @@ namespace {
 using Rows = ShellRows<3>;
 using Row = Rows::Row;
 
-// Columns of a node: (u, v, rz) in the membrane, (w, rx, ry) in the plate.
-constexpr int U(int i)
-{
-  return 3 * i;
-}
-constexpr int V(int i)
-{
-  return 3 * i + 1;
-}
-constexpr int Rz(int i)
-{
-  return 3 * i + 2;
-}
-constexpr int W(int i)
-{
-  return 3 * i;
-}
-constexpr int Rx(int i)
-{
-  return 3 * i + 1;
-}
-constexpr int Ry(int i)
-{
-  return 3 * i + 2;
-}
-
 constexpr int Next(int i)
 {
   return (i + 1) % 3;
@@ -68,13 +42,13 @@ void SetBasicStrains(const CornerTriangle& t, const double* f, std::array<Row, 3
     const double bend = std::sqrt(f[i] * f[j]) / (8.0 * t.area);
     const double turned[] = {bend * cy * cy, bend * cx * cx, -2.0 * bend * cx * cy};
     for (const int node : {i, j}) {
-      strain[0][U(node)] += cy / twoA;
-      strain[1][V(node)] -= cx / twoA;
-      strain[2][U(node)] -= cx / twoA;
-      strain[2][V(node)] += cy / twoA;
+      strain[0][Rows::U(node)] += cy / twoA;
+      strain[1][Rows::V(node)] -= cx / twoA;
+      strain[2][Rows::U(node)] -= cx / twoA;
+      strain[2][Rows::V(node)] += cy / twoA;
       const double sign = node == i ? -1.0 : 1.0;
       for (int k = 0; k < 3; ++k)
-        strain[k][Rz(node)] += sign * turned[k];
+        strain[k][Rows::Rz(node)] += sign * turned[k];
     }
   }
 }
@@ -84,10 +58,10 @@ Row DrillingOf(const CornerTriangle& t, int node)
 {
   Row row{};
   for (int i = 0; i < 3; ++i) {
-    row[U(i)] = t.gradient[i][1] / 2.0;
-    row[V(i)] = -t.gradient[i][0] / 2.0;
+    row[Rows::U(i)] = t.gradient[i][1] / 2.0;
+    row[Rows::V(i)] = -t.gradient[i][0] / 2.0;
   }
-  row[Rz(node)] = 1.0;
+  row[Rows::Rz(node)] = 1.0;
   return row;
 }
 
@@ -189,11 +163,11 @@ PlateEdge EdgeOf(const CornerTriangle& t, const ShellSection& section, int i)
   const double shear = (section.Ds[0][0] * cx * cx + section.Ds[1][1] * cy * cy) / squares;
   const double phi = 12.0 * bending / (shear * squares);
   PlateEdge edge{{}, -1.5 / (squares * (1.0 + phi)), phi / (1.0 + phi)};
-  edge.e[W(i)] = -1.0;
-  edge.e[W(j)] = 1.0;
+  edge.e[Rows::W(i)] = -1.0;
+  edge.e[Rows::W(j)] = 1.0;
   for (const int node : {i, j}) {
-    edge.e[Ry(node)] = cx / 2.0;
-    edge.e[Rx(node)] = -cy / 2.0;
+    edge.e[Rows::Ry(node)] = cx / 2.0;
+    edge.e[Rows::Rx(node)] = -cy / 2.0;
   }
   return edge;
 }
@@ -206,10 +180,10 @@ void SetPlatePoint(const CornerTriangle& t, const std::array<PlateEdge, 3>& edge
   for (int i = 0; i < 3; ++i) {
     const double gx = t.gradient[i][0];
     const double gy = t.gradient[i][1];
-    point.curvature[0][Ry(i)] = gx;
-    point.curvature[1][Rx(i)] = -gy;
-    point.curvature[2][Ry(i)] = gy;
-    point.curvature[2][Rx(i)] = -gx;
+    point.curvature[0][Rows::Ry(i)] = gx;
+    point.curvature[1][Rows::Rx(i)] = -gy;
+    point.curvature[2][Rows::Ry(i)] = gy;
+    point.curvature[2][Rows::Rx(i)] = -gx;
   }
   for (int i = 0; i < 3; ++i) {
     const int j = Next(i);

@@ -9,7 +9,7 @@ namespace {
 
 // The components of a node that the two parts of an element work on.
 constexpr int kMembrane[] = {0, 1, 5};
-constexpr int kPlate[] = {2, 3, 4};
+constexpr int kPlate[] = {3, 2, 4};
 
 /// The displacements of one part, and the forces on them.
 template <int N>
@@ -21,7 +21,7 @@ PartVector<N> PartOf(const double* displacements, const int (&components)[3])
   PartVector<N> part;
   for (int i = 0; i < N; ++i) {
     for (int k = 0; k < 3; ++k)
-      part[3 * i + k] = displacements[6 * i + components[k]];
+      part[k * N + i] = displacements[6 * i + components[k]];
   }
   return part;
 }
@@ -31,7 +31,7 @@ void CopyPart(const PartVector<N>& part, const int (&components)[3], double* for
 {
   for (int i = 0; i < N; ++i) {
     for (int k = 0; k < 3; ++k)
-      forces[6 * i + components[k]] = part[3 * i + k];
+      forces[6 * i + components[k]] = part[k * N + i];
   }
 }
 
@@ -52,24 +52,44 @@ void AddMultiple(double factor, const std::array<double, Columns>& row,
     sum[c] += factor * row[c];
 }
 
-// Adds factor · rowsᵀ D rows to the upper half of K. A row of K is loaded once for all rows.
-template <std::size_t Count, std::size_t Columns>
+// Adds factor · rowsᵀ D rows to the upper half of K. spans: where the rows are not 0.
+template <std::size_t Count, std::size_t Columns, class Spans>
 void AddProduct(double factor, const double (&D)[Count][Count],
-                const std::array<std::array<double, Columns>, Count>& rows,
+                const std::array<std::array<double, Columns>, Count>& rows, const Spans& spans,
                 double (&K)[Columns][Columns])
 {
-  std::array<std::array<double, Columns>, Count> stress{};
+  int last = 0;
+  for (const auto& span : spans)
+    last = std::max(last, span.last);
   for (std::size_t a = 0; a < Count; ++a) {
-    for (std::size_t b = 0; b < Count; ++b)
-      AddMultiple(factor * D[a][b], rows[b], stress[a]);
-  }
-  for (std::size_t i = 0; i < Columns; ++i) {
-    for (std::size_t j = i; j < Columns; ++j) {
-      double sum = K[i][j];
-      for (std::size_t a = 0; a < Count; ++a)
-        sum += rows[a][i] * stress[a][j];
-      K[i][j] = sum;
+    std::array<double, Columns> stress{};
+    for (std::size_t b = 0; b < Count; ++b) {
+      const double part = factor * D[a][b];
+      for (int c = spans[b].first; part != 0.0 && c < spans[b].last; ++c)
+        stress[c] += part * rows[b][c];
     }
+    for (int i = spans[a].first; i < spans[a].last; ++i) {
+      for (int j = i; j < last; ++j)
+        K[i][j] += rows[a][i] * stress[j];
+    }
+  }
+}
+
+// Adds factor · rowᵀ row to the upper half of K. Most entries of such a row are 0.
+template <std::size_t Columns>
+void AddSquare(double factor, const std::array<double, Columns>& row, double (&K)[Columns][Columns])
+{
+  if (factor == 0.0)
+    return;
+  std::size_t last = Columns;
+  while (last > 0 && row[last - 1] == 0.0)
+    --last;
+  for (std::size_t i = 0; i < last; ++i) {
+    const double scaled = factor * row[i];
+    if (scaled == 0.0)
+      continue;
+    for (std::size_t j = i; j < last; ++j)
+      K[i][j] += scaled * row[j];
   }
 }
 
@@ -120,15 +140,15 @@ void ShellStiffness<N>::Calc(const ShellRows<N>& rows)
   std::fill_n(&membrane[0][0], kColumns * kColumns, 0.0);
   std::fill_n(&plate[0][0], kColumns * kColumns, 0.0);
   for (std::size_t k = 0; k < rows.strain.size(); ++k)
-    AddProduct(rows.strainWeight[k], rows.section.Dm, rows.strain[k], membrane);
-  for (std::size_t k = 0; k < rows.scalar.size(); ++k) {
-    constexpr double kOne[1][1] = {{1.0}};
-    AddProduct(rows.scalarStiffness[k], kOne,
-               std::array<typename ShellRows<N>::Row, 1>{rows.scalar[k]}, membrane);
-  }
+    AddProduct(rows.strainWeight[k], rows.section.Dm, rows.strain[k], ShellRows<N>::kStrainSpans,
+               membrane);
+  for (std::size_t k = 0; k < rows.scalar.size(); ++k)
+    AddSquare(rows.scalarStiffness[k], rows.scalar[k], membrane);
   for (std::size_t k = 0; k < rows.plate.size(); ++k) {
-    AddProduct(rows.plateWeight[k], rows.section.Db, rows.plate[k].curvature, plate);
-    AddProduct(rows.plateWeight[k] * rows.shearFactor, rows.section.Ds, rows.plate[k].shear, plate);
+    AddProduct(rows.plateWeight[k], rows.section.Db, rows.plate[k].curvature,
+               ShellRows<N>::kCurvatureSpans, plate);
+    AddProduct(rows.plateWeight[k] * rows.shearFactor, rows.section.Ds, rows.plate[k].shear,
+               ShellRows<N>::kShearSpans, plate);
   }
   CompleteLowerHalf(membrane);
   CompleteLowerHalf(plate);
@@ -140,8 +160,8 @@ void ShellStiffness<N>::CopyBlock(int i, int j, double* K) const
   std::fill_n(K, 36, 0.0);
   for (int a = 0; a < 3; ++a) {
     for (int b = 0; b < 3; ++b) {
-      K[6 * kMembrane[a] + kMembrane[b]] = membrane[3 * i + a][3 * j + b];
-      K[6 * kPlate[a] + kPlate[b]] = plate[3 * i + a][3 * j + b];
+      K[6 * kMembrane[a] + kMembrane[b]] = membrane[a * N + i][b * N + j];
+      K[6 * kPlate[a] + kPlate[b]] = plate[a * N + i][b * N + j];
     }
   }
 }

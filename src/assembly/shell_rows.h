@@ -17,8 +17,10 @@ struct ShellSection
 ///
 /// A row times the displacements of the nodes is a strain, a curvature, or another number that is 0
 /// for every rigid motion. Stiffness, forces and strengths follow from the same rows. All is in the
-/// axes of the element; rotations are a vector. Membrane and drilling work on (u, v, rz) of each
-/// node, the plate on (w, rx, ry).
+/// axes of the element; rotations are a vector. Membrane and drilling work on u, v and rz of the
+/// nodes, the plate on rx, w and ry. The columns are those of all nodes for the first component,
+/// then for the second, then for the third, so that the entries of a row that are not 0 are
+/// together.
 template <int N>
 struct ShellRows
 {
@@ -27,6 +29,28 @@ struct ShellRows
   static constexpr int kScalars = N == 3 ? 3 : 12;
   static constexpr int kPlatePoints = 3;
   using Row = std::array<double, kColumns>;
+
+  // Columns of node i (from 0).
+  static constexpr int U(int i) { return i; }
+  static constexpr int V(int i) { return N + i; }
+  static constexpr int Rz(int i) { return 2 * N + i; }
+  static constexpr int Rx(int i) { return i; }
+  static constexpr int W(int i) { return N + i; }
+  static constexpr int Ry(int i) { return 2 * N + i; }
+
+  /// The columns from `first` to before `last`; all others of a row are 0.
+  struct Span
+  {
+    int first, last;
+  };
+  static constexpr Span kAll = {0, kColumns};
+  static constexpr std::array<Span, 3> kStrainSpans =
+      N == 3 ? std::array{kAll, kAll, kAll}
+             : std::array{Span{0, N}, Span{N, 2 * N}, Span{0, 2 * N}};
+  static constexpr std::array<Span, 3> kCurvatureSpans =
+      N == 3 ? std::array{kAll, kAll, kAll} : std::array{Span{2 * N, 3 * N}, Span{0, N}, kAll};
+  static constexpr std::array<Span, 2> kShearSpans =
+      N == 3 ? std::array{kAll, kAll} : std::array{Span{N, 3 * N}, Span{0, 2 * N}};
 
   /// Rows of one plate point: (bx,x), (by,y), (bx,y + by,x), and (w,x + bx), (w,y + by).
   struct PlatePoint

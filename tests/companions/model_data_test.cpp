@@ -101,6 +101,18 @@ TEST(ModelData, NumbersTheResultPointsOfEachKindInSequence)
   EXPECT_EQ(m.elements[2].points, 5);
 }
 
+TEST(ModelData, KnowsWhatConvertsTriangles)
+{
+  const auto points = [](const std::string& setting) {
+    std::string text = kMixed;
+    const std::string_view conversion = "ConvertTo6Nodes";
+    text.replace(text.find(conversion), conversion.size(), setting);
+    return Read(text).shellPoints;
+  };
+  EXPECT_EQ(points("Solver Double"), 3);
+  EXPECT_EQ(points("Solver SkyLine"), 1);
+}
+
 TEST(ModelData, IncludesTheMaterialsOfSingleElements)
 {
   const Model m = Read(kMixed);

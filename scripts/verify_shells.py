@@ -133,7 +133,8 @@ def benchmarks(run, names, sizes):
         for n in sizes:
             row = [run.ratio(BENCHMARKS[name], n, *kind) for _, *kind in COMPARED]
             print(f"| {name} | {n} | " + " | ".join(f"{value:.3f}" for value in row) + " |", flush=True)
-            wrong += [f"{name}, {n}, {heading}: {value:.3f}" for value, (heading, _, _, formulation) in zip(row, COMPARED)
+            wrong += [f"{name}, {n}, {heading}: {value:.3f}"
+                      for value, (heading, _, _, formulation) in zip(row, COMPARED)
                       if n >= 32 and formulation == "Refined" and abs(value - 1) > tolerance(name)]
     return wrong
 

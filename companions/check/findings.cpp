@@ -22,6 +22,9 @@ constexpr const char* kNames[] = {
     "records-lost",
     "unit-order",
     "negative-weight",
+    "face-missing",
+    "key-lost",
+    "items-contradict",
     "text-skipped",
     "text-ignored",
     "key-ignored",
@@ -34,6 +37,7 @@ constexpr const char* kNames[] = {
     "word-in-comment",
     "element-repeated",
     "defined-twice",
+    "item-repeated",
     "unknown-reference",
     "model-refused",
     "section-incomplete",
@@ -74,7 +78,7 @@ const char* NameOf(Code code)
 
 bool IsDataLost(Code code)
 {
-  return code >= Code::NumberPartlyRead && code <= Code::NegativeWeight;
+  return code >= Code::NumberPartlyRead && code <= Code::ItemsContradict;
 }
 
 std::vector<Located> Locate(std::vector<Finding> findings, std::string_view text)

@@ -31,6 +31,9 @@ enum class Code : int
   RecordsLost,
   UnitOrder,
   NegativeWeight,
+  FaceMissing,
+  KeyLost,
+  ItemsContradict,
 
   // Doubtful text:
   TextSkipped,
@@ -45,6 +48,7 @@ enum class Code : int
   WordInComment,
   ElementRepeated,
   DefinedTwice,
+  ItemRepeated,
 
   // The model as read:
   UnknownReference,

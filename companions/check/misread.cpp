@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/digits.h"
 #include "base/number_slip.h"
 #include "base/number_text.h"
 #include "base/textscan.h"
@@ -29,6 +30,17 @@ std::string NumberRead(std::string_view word, NumberKind kind)
   return std::to_string(whole);
 }
 
+// The number without its comma when that may separate thousands as well, as in "8,000".
+std::string WithoutThousands(std::string_view word)
+{
+  const std::size_t comma = word.find(',');
+  if (comma == word.npos || comma == 0 || comma > 3 || word[0] == '0' || word.size() != comma + 4)
+    return {};
+  std::string digits(word);
+  digits.erase(comma, 1);
+  return std::all_of(digits.begin(), digits.end(), IsDigit) ? digits : std::string();
+}
+
 }  // namespace
 
 std::string AboutMisreadNumber(std::string_view word, NumberKind expected)
@@ -40,8 +52,9 @@ std::string AboutMisreadNumber(std::string_view word, NumberKind expected)
              kind == NumberKind::kWhole ? "' is no whole number: read as "
                                         : "' is no number as a whole: read as ",
              NumberRead(word, kind));
+  const std::string whole = kind == NumberKind::kReal ? WithoutThousands(word) : std::string();
   if (!meant.empty())
-    return Joined(read, "; did you mean ", meant, "?");
+    return Joined(read, "; did you mean ", meant, whole.empty() ? "" : " or ", whole, "?");
   return rule.empty() ? read : Joined(read, "; ", rule);
 }
 

@@ -7,7 +7,6 @@ namespace morlen::check {
 namespace {
 
 constexpr ReaderFact kFacts[] = {
-    {ReadEvent::IgnoredKey, Severity::Warning, Code::KeyIgnored, "ignored: the key ", ""},
     {ReadEvent::NoValue, Severity::Error, Code::KeyWithoutValue, "the key ",
      " has no value and is not read. Write its value, or leave it out"},
     {ReadEvent::LoneWidth, Severity::Error, Code::LoneWidth, "",
@@ -15,6 +14,10 @@ constexpr ReaderFact kFacts[] = {
     {ReadEvent::FreeValue, Severity::Error, Code::ValueAtFreeComponent, "the value ",
      " has no effect, as the flag of its component is 0 (free). Flag 1 prescribes a displacement, "
      "2 is a spring"},
+    {ReadEvent::FaceMissing, Severity::Error, Code::FaceMissing, "the record has no face: ",
+     " is read as a load over the volume. Write the face and three numbers"},
+    {ReadEvent::UnitsNotFound, Severity::Error, Code::KeyLost, "the unit system of ",
+     " is not found by this key. Write units"},
     {ReadEvent::WordInComment, Severity::Warning, Code::WordInComment, "",
      " is taken from a comment, as it is nowhere else"},
     {ReadEvent::GluedValue, Severity::Warning, Code::ValueGlued, "",

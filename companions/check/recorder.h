@@ -90,6 +90,9 @@ private:
   void JudgeFact(ReadEvent event, std::string_view place);
   void JudgeSkipped(std::string_view skipped, const std::string& target, int endLine = 0);
   void JudgeListEnd(std::string_view skipped);
+  void JudgeEndLine(std::string_view skipped);
+  void JudgeIgnoredKey(std::string_view key);
+  void JudgeRepeatedItem(std::string_view item, std::string_view known);
   void JudgeWordPart(std::string_view word, std::string_view part);
   void JudgePrefix(std::string_view word, std::string_view beginning);
   void JudgeNumber(std::string_view word);
@@ -99,6 +102,8 @@ private:
   bool IsConsequence(Code code, std::ptrdiff_t place) const;
   bool IsUnknownReference() const;
   bool IsInNodeList(std::string_view word) const;
+  bool IsHingeCode(std::string_view word) const;
+  bool IsOwnName(std::string_view words) const;
   std::ptrdiff_t OffsetIn(std::string_view place) const;
   std::ptrdiff_t RecordStart(std::ptrdiff_t offset) const;
   std::string_view TextBetween(std::ptrdiff_t from, std::ptrdiff_t end) const;

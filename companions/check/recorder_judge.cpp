@@ -1,15 +1,21 @@
 // The findings of a Recorder for the events of the readers.
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
+#include "base/digits.h"
+#include "base/nearest_word.h"
+#include "base/number_slip.h"
 #include "base/number_text.h"
 #include "base/text_parts.h"
+#include "base/textscan.h"
 #include "check/lost_records.h"
 #include "check/misread.h"
 #include "check/reader_facts.h"
 #include "check/recorder.h"
 #include "check/text_parts.h"
+#include "check/words.h"
 #include "model/material_keys.h"
 
 namespace morlen::check {
@@ -21,6 +27,13 @@ int ValueInItsBase(std::string_view item)
   int number = 0;
   ScanInt(item, number, 0, 0);
   return number;
+}
+
+bool AreEqualValues(std::string_view a, std::string_view b)
+{
+  return IsNumber(a, NumberKind::kReal) && IsNumber(b, NumberKind::kReal)
+             ? ToDouble(a) == ToDouble(b)
+             : a == b;
 }
 
 }  // namespace
@@ -37,11 +50,18 @@ void Recorder::Judge(ReadEvent event, std::string_view place, std::string_view d
     case ReadEvent::SkippedToNumber:
       return JudgeSkipped(place, "the number");
     case ReadEvent::SkippedToBlockEnd:
+      JudgeEndLine(place);
       return JudgeListEnd(place);
     case ReadEvent::WordPart:
       return JudgeWordPart(place, detail);
     case ReadEvent::Prefix:
       return JudgePrefix(place, detail);
+    case ReadEvent::IgnoredKey:
+      return JudgeIgnoredKey(place);
+    case ReadEvent::RepeatedItem:
+      return JudgeRepeatedItem(Trim(place), detail);
+    case ReadEvent::FaceMissing:
+      return JudgeFact(event, Trim(place));
     case ReadEvent::LineTail:
       return JudgeTail(place);
     case ReadEvent::LineBreak:
@@ -94,7 +114,7 @@ void Recorder::JudgeListEnd(std::string_view skipped)
   const std::optional<std::size_t> consequence = std::exchange(listFinding, std::nullopt);
   const std::string_view rest = WithoutComments(skipped);
   const bool isBroken = brokenRecord != kWholeFile;
-  if ((rest.empty() && !isBroken) || derailed)
+  if ((rest.empty() && !isBroken) || derailed || (!isBroken && IsOwnName(rest)))
     return;
   const std::ptrdiff_t end = scan.OffsetOf(skipped.data()) + std::ssize(skipped);
   std::ptrdiff_t first = std::exchange(brokenRecord, kWholeFile);
@@ -118,6 +138,84 @@ void Recorder::JudgeListEnd(std::string_view skipped)
   }
   Error(Code::RecordsLost, first, AboutEndedList(ended));
   NoteLoss(HoldsBlocks(ended.skipped.text));
+}
+
+// True for words on the line of the "end" that begin with the name of the list and hold no number,
+// such as "materials" of "materials end".
+bool Recorder::IsOwnName(std::string_view words) const
+{
+  return EqualsNoCase(FirstWord(words), list.name) && words.find('\n') == words.npos &&
+         std::none_of(words.begin(), words.end(), IsDigit);
+}
+
+// The line of an "end" may name the list; the rest of it is not read. skipped: the text in front of
+// the "end". The word "mesh" may be part of the name; after it the head of a mesh would be missed.
+void Recorder::JudgeEndLine(std::string_view skipped)
+{
+  const std::size_t end = static_cast<std::size_t>(OffsetIn(skipped)) + skipped.size();
+  std::string_view line = FirstLine(content.substr(end));
+  ConsumeWord(line);
+  bool isFirst = true;
+  for (std::string_view word = ConsumeWord(line); !word.empty(); word = ConsumeWord(line)) {
+    if (word[0] == '#' || BeginsForeignComment(word))
+      return;
+    const std::string_view name = word.substr(0, word.find_first_of("=:"));
+    const bool mayName = (std::exchange(isFirst, false) && IsBlockKeyword(name)) ||
+                         EqualsNoCase(name, list.name) || EqualsNoCase(name, "mesh") ||
+                         (list.ofMesh && EqualsNoCase(name, "elements"));
+    if (IsKeyword(name) && !mayName)
+      return Error(Code::RecordsLost, OffsetIn(word), "the keyword ", Quoted(name),
+                   " is on the line of an 'end' and is not read. Write it on the next line");
+  }
+}
+
+// A key that nothing reads, with its value. The other keys of its record are few.
+void Recorder::JudgeIgnoredKey(std::string_view key)
+{
+  const std::ptrdiff_t at = OffsetIn(key);
+  ItemScanner item(FirstLine(content.substr(static_cast<std::size_t>(at))));
+  item.Key();
+  const std::string_view value = item.Value();
+  static constexpr std::string_view kKeys[] = {"units", "Euler1", "Euler2", "Euler3"};
+  const bool readsAngles = !HasPrefix(list.name, "nodal");
+  const std::string_view meant = NearestWord(key, std::span(kKeys).first(readsAngles ? 4 : 1));
+  if (!meant.empty())
+    return Error(Code::KeyLost, at, "the key ", Quoted(key), " is ignored; did you mean '", meant,
+                 "'?");
+  const bool takesItem = HasPrefix(value, "units") || (readsAngles && HasPrefix(value, "Euler"));
+  if (takesItem && !BeginsForeignComment(key))
+    return Error(Code::KeyLost, at, "the word ", Quoted(key), " is a key that takes ",
+                 Quoted(value), " as its value: both are ignored. A comment begins with '#'");
+  Warn(Code::KeyIgnored, at, "ignored: the key ", Quoted(key));
+}
+
+// item: a key with its value; known: the key in front of it. A hinge code has no key.
+void Recorder::JudgeRepeatedItem(std::string_view item, std::string_view known)
+{
+  const std::ptrdiff_t at = OffsetIn(item);
+  if (known.empty())
+    return Error(Code::ItemsContradict, at, "the hinge code ", Quoted(item),
+                 " differs from that of an earlier record for the element: the last counts");
+  const std::ptrdiff_t before = OffsetIn(known);
+  const bool isConsequence =
+      std::any_of(findings.begin(), findings.end(), [=](const Finding& finding) {
+        return finding.code == Code::KeyMisread &&
+               (finding.offset == at || finding.offset == before);
+      });
+  if (isConsequence)
+    return;
+  ItemScanner items(TextBetween(before, at));
+  items.Key();
+  const std::string_view valueBefore = items.Value();
+  ItemScanner repeated(item);
+  repeated.Key();
+  const std::string_view value = repeated.Value();
+  const std::string first(TextBetween(before, OffsetIn(valueBefore) + std::ssize(valueBefore)));
+  if (AreEqualValues(value, valueBefore))
+    return Warn(Code::ItemRepeated, at, Quoted(item), " repeats '", first, "'");
+  const bool ofMaterial = EqualsNoCase(list.name, "materials") || list.ofMesh;
+  Error(Code::ItemsContradict, at, Quoted(item), " contradicts '", first, "' of the same record: ",
+        HasPrefix(item, "units") && ofMaterial ? "the first counts" : "the last counts");
 }
 
 // The words that begin the lists of a mesh, and words that only contain the one searched for.
@@ -148,9 +246,12 @@ void Recorder::JudgePrefix(std::string_view word, std::string_view beginning)
 void Recorder::JudgeNumber(std::string_view word)
 {
   const std::ptrdiff_t at = OffsetIn(word);
-  if (at < lastNumberEnd)
+  if (at < lastNumberEnd || word.empty())
     return;
   lastNumberEnd = at + std::ssize(word);
+  if (IsHingeCode(word))
+    return Error(Code::NumberPartlyRead, at, "the hinge code ", Quoted(word),
+                 " has more than two digits: read as '", word.substr(0, 2), "'");
   const bool isNode = IsInNodeList(word);
   if (isNode)
     misread.insert(start);
@@ -162,9 +263,24 @@ void Recorder::JudgeNumber(std::string_view word)
 void Recorder::JudgeTail(std::string_view tail)
 {
   const std::string_view rest = Trim(tail, " \t\r\n\v\f");
+  const std::ptrdiff_t place = OffsetIn(tail);
+  const bool cutsCode = !rest.empty() && IsDigit(rest[0]) &&
+                        EqualsNoCase(list.name, "elem_rotules") && place > 1 &&
+                        !IsDigit(content[static_cast<std::size_t>(place) - 2]);
+  if (cutsCode)
+    return Error(Code::NumberPartlyRead, OffsetIn(rest), "ignored: ", Quoted(rest),
+                 ". The two digits of a hinge code have no blank between them");
   if (!rest.empty() && rest[0] != '#')
     Warn(Code::TextIgnored, OffsetIn(tail) + (rest.data() - tail.data()),
          "ignored: ", Quoted(rest));
+}
+
+// True for a whole number in the place of the code of a hinge.
+bool Recorder::IsHingeCode(std::string_view word) const
+{
+  const std::ptrdiff_t at = scan.OffsetOf(word.data());
+  return at >= 0 && EqualsNoCase(list.name, "elem_rotules") && at > start &&
+         std::all_of(word.begin(), word.end(), IsDigit);
 }
 
 // True when only whole numbers are in front of the word in its record of an element.

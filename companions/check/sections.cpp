@@ -1,9 +1,11 @@
+#include <cmath>
 #include <optional>
 #include <set>
 #include <string>
 #include <utility>
 
 #include "check/checks.h"
+#include "check/joined.h"
 #include "check/recorder.h"
 #include "common/shortest.h"
 #include "model/material.h"
@@ -54,6 +56,37 @@ void MakeAxes(const Elem& elem, const Material& material, PROBLEMTYPE problem)
     elem.CalcTransfMatrixTriangle(T, bigT, &material);
 }
 
+// Solids are isotropic: they take E1 and nuXY and no others. Values of an orthotropic material that
+// differ contradict what is used. Values that an element's own items override may be meant.
+void CheckIsotropy(const Elem& elem, const Material& material, Recorder& recorder)
+{
+  struct Value
+  {
+    const char* name;
+    double given;
+    const char* usedName;
+    double used;
+    double rounding;  ///< the relative difference that rounding explains
+  };
+  const bool isNumbered = material.number > 0;
+  const Value values[] = {
+      {"Ey", material.E2, "Ex", material.E1, 1e-9},
+      {"nuYX", material.nuYX, "nuXY", material.nuXY, 1e-9},
+      {"G", material.Gxy, "E/(2+2nu)", material.E1 / (2.0 + 2.0 * material.nuXY), 0.01}};
+  for (const Value& value : values) {
+    if (value.given == 0.0 ||
+        std::fabs(value.given - value.used) <= value.rounding * std::fabs(value.used))
+      continue;
+    const std::string about =
+        Joined("solids ignore ", value.name, ", whose value differs from ", value.usedName,
+               isNumbered ? Joined("=", Rounded(value.used, 6)) : std::string(), ", which is used");
+    if (isNumbered)
+      recorder.Error(Code::ItemsContradict, PlaceOfMaterial(elem, recorder), about);
+    else
+      recorder.Warn(Code::KeyIgnored, PlaceOfMaterial(elem, recorder), about);
+  }
+}
+
 }  // namespace
 
 // A material is judged once for each kind of element, at the first of them.
@@ -70,6 +103,8 @@ void CheckSections(const Subject& subject, Recorder& recorder)
                          [&] { MakeAxes(*elem, *material, subject.problem.problemType); });
     if (!judged.insert({material, elem->ElemType()}).second)
       continue;
+    if (elem->ElemType() == Tetrahedra && material->E1 > 0.0)
+      CheckIsotropy(*elem, *material, recorder);
     recorder.AttemptAt(
         Code::SectionIncomplete, PlaceOfMaterial(*elem, recorder),
         [&] { MakeStiffness(*elem, *material, subject.problem.problemType); },

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -34,8 +35,8 @@ constexpr double kBetweenPatches = 0.05;
 constexpr double kLargestSlight = 0.02;
 // A patch is meant to be flat when it departs from one plane by less than this part of its size.
 constexpr double kFlat = 1e-3;
-// Folds up to this angle change displacements by less than 1e-4 and moments by less than 1e-3.
-constexpr double kHarmlessFold = 1e-6;
+// The analysis compares cosines, whose rounding errors are larger than smaller angles.
+constexpr double kSmallestAngle = 1e-8;
 // More triangles at one edge than the program takes at a node.
 constexpr std::size_t kTooManySides = 25;
 
@@ -198,14 +199,21 @@ double LeastHeight(const Patch& patch)
   return least;
 }
 
-// The decimals with which rounded coordinates fold triangles of this height by less than about
-// 1e-6: a unit of the last decimal is 5e-7 of the height, and folds reach two units over the
-// height. 7 for heights from 0.2 to 2.
-int DecimalsFor(double height)
+// The decimals with which rounded coordinates fold triangles of this height by less than an angle.
+// A corner moves along the normal by up to √3 / 2 units of the last decimal, so that a normal tilts
+// by up to √3 units over the height, and a fold is up to twice that. For 1e-7: 8 for heights from
+// 0.35 to 3.4.
+int DecimalsFor(double height, double angle)
 {
   constexpr double kMost = 17.0;
-  const double decimals = std::ceil(-std::log10(5e-7 * height));
+  const double unit = angle * height / (2.0 * std::numbers::sqrt3);
+  const double decimals = std::ceil(-std::log10(unit));
   return decimals > 0.0 ? static_cast<int>(std::min(decimals, kMost)) : 0;
+}
+
+double LimitOf(const Problem& problem)
+{
+  return std::max(problem.coplanarityAngle, kSmallestAngle);
 }
 
 // A coplanarity angle that makes the patch plane; none when its folds are too large for that. At a
@@ -222,7 +230,8 @@ std::optional<double> AngleFor(double fold)
 void Warn(const Patch& patch, const Problem& problem, std::size_t others, Recorder& recorder)
 {
   const Elem& first = *patch.triangles.front();
-  const int decimals = DecimalsFor(LeastHeight(patch) / problem.units.MeshLengthRatio());
+  const int decimals =
+      DecimalsFor(LeastHeight(patch) / problem.units.MeshLengthRatio(), LimitOf(problem));
   std::string mend = Joined("give the coordinates ", decimals, " or more decimals");
   if (const std::optional<double> angle = AngleFor(patch.largestFold))
     mend += Joined(", or 'CoplanarityAngle ", Rounded(*angle, 2), "'");
@@ -231,7 +240,7 @@ void Warn(const Patch& patch, const Problem& problem, std::size_t others, Record
   recorder.Warn(Code::ShellFold, recorder.PlaceOf(ReadItem::Element, first.Num()), "the ",
                 patch.triangles.size(), " triangles around element ", first.Num(),
                 " lie in one plane up to ", Rounded(Departure(patch), 2),
-                " of their size, but they are folded by up to ", Rounded(patch.largestFold, 2),
+                " of their size, but they are folded by up to ", Rounded(patch.largestFold, 3),
                 ", more than the coplanarity angle of ", Rounded(problem.coplanarityAngle, 2),
                 ": such folds transmit no twisting moments. Are the coordinates rounded? Then ",
                 mend);
@@ -246,7 +255,7 @@ void CheckFolds(const Subject& subject, Recorder& recorder)
   if (problem.shellFormulation == ShellFormulation::Refined)
     return;
   Patches patches(subject.elements);
-  std::vector<Patch> flat = patches.Folded(std::max(problem.coplanarityAngle, kHarmlessFold));
+  std::vector<Patch> flat = patches.Folded(LimitOf(problem));
   std::erase_if(flat, [](const Patch& patch) { return !(Departure(patch) < kFlat); });
   std::stable_sort(flat.begin(), flat.end(), [](const Patch& a, const Patch& b) {
     return a.triangles.size() > b.triangles.size();

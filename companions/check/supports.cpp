@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "assembly/row_space.h"
 #include "check/checks.h"
 #include "check/recorder.h"
 #include "model/constraint.h"
@@ -21,74 +22,10 @@
 namespace morlen::check {
 namespace {
 
-using Motion = std::array<double, 6>;
+using Motion = SixNumbers;
 
-// A row is dependent when the elimination leaves less than this part of its largest entry.
+// Vectors shorter than this part of the size of a body count as 0.
 constexpr double kDependent = 1e-7;
-
-/// Independent rows in reduced form (Gauss-Jordan elimination): each has a pivot column, where it
-/// is 1 and the other rows are 0.
-class RowSpace
-{
-public:
-  void Add(Motion row)
-  {
-    const double before = Largest(row);
-    for (const Reduced& known : rows)
-      Subtract(row, known.values, row[known.column]);
-    const int column = LargestColumn(row);
-    if (!(std::fabs(row[column]) > kDependent * before))
-      return;
-    const double pivot = row[column];
-    for (double& value : row)
-      value /= pivot;
-    for (Reduced& known : rows)
-      Subtract(known.values, row, known.values[column]);
-    rows.push_back({column, row});
-  }
-
-  /// A basis of the motions that all rows leave free: one for each column that is no pivot column.
-  std::vector<Motion> FreeMotions(const std::vector<int>& columns) const
-  {
-    std::vector<Motion> motions;
-    for (const int column : columns) {
-      if (std::any_of(rows.begin(), rows.end(),
-                      [column](const Reduced& r) { return r.column == column; }))
-        continue;
-      Motion motion{};
-      motion[column] = 1.0;
-      for (const Reduced& known : rows)
-        motion[known.column] = -known.values[column];
-      motions.push_back(motion);
-    }
-    return motions;
-  }
-
-private:
-  struct Reduced
-  {
-    int column;
-    Motion values;
-  };
-
-  static void Subtract(Motion& row, const Motion& other, double factor)
-  {
-    for (int k = 0; k < 6; ++k)
-      row[k] -= factor * other[k];
-  }
-
-  static int LargestColumn(const Motion& row)
-  {
-    return static_cast<int>(
-        std::max_element(row.begin(), row.end(),
-                         [](double a, double b) { return std::fabs(a) < std::fabs(b); }) -
-        row.begin());
-  }
-
-  static double Largest(const Motion& row) { return std::fabs(row[LargestColumn(row)]); }
-
-  std::vector<Reduced> rows;
-};
 
 /// A part with its centre and its size.
 struct Body

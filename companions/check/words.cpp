@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/digits.h"
 #include "base/nearest_word.h"
 #include "base/textscan.h"
 #include "problem/problem_reader.h"
@@ -18,6 +19,8 @@ bool IsKeyword(std::string_view word)
 
 std::string_view NearestKeyword(std::string_view word)
 {
+  if (word.size() < 2 || IsDigit(word[0]))
+    return {};
   std::vector<std::string_view> candidates = Keywords();
   candidates.push_back("end");
   return NearestWord(word, candidates);

@@ -67,6 +67,61 @@ private:
   std::vector<PlaneAtNode> planes;
 };
 
+/// The largest slight fold of a model: more than the coplanarity angle, but not meant as a fold.
+struct SlightFold
+{
+  double angle = 0.0;  ///< radians; 0 for none
+  int node = 0;        ///< by the numbers of the file
+};
+
+/// Finds the largest slight fold among the triangles around each node.
+class SlightFolds
+{
+public:
+  explicit SlightFolds(const Problem& problem_)
+      : problem(problem_), normalsAt(static_cast<std::size_t>(problem.numNodes))
+  {
+  }
+
+  void Add(const Mesh& mesh)
+  {
+    for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+      const ReaVec normal = UnitNormal(elem);
+      for (int i = 0; i < elem.Nnode(); ++i)
+        Compare(*elem(i), normal);
+    }
+  }
+
+  SlightFold Largest() const { return largest; }
+
+private:
+  void Compare(const Node& node, const ReaVec& normal)
+  {
+    constexpr double kLargestSlight = 0.02;
+    std::vector<ReaVec>& known = normalsAt[node.number - 1];
+    for (const ReaVec& other : known) {
+      const double angle = std::atan2(VectorProd(normal, other).modul(), std::fabs(normal * other));
+      if (angle > std::max(problem.coplanarityAngle, largest.angle) && angle < kLargestSlight)
+        largest = {angle, problem.meshes.front()->GiveOldNumber(&node)};
+    }
+    known.push_back(normal);
+  }
+
+  const Problem& problem;
+  std::vector<std::vector<ReaVec>> normalsAt;  ///< by system number - 1
+  SlightFold largest;
+};
+
+SlightFold LargestSlightFold(const Problem& problem)
+{
+  SlightFolds folds(problem);
+  for (const auto& mesh : problem.meshes) {
+    if (mesh->GiveElemType() == Triangle)
+      folds.Add(*mesh);
+  }
+  return folds.Largest();
+}
+
 /// Two triangles with opposite normals, at the node of the lowest number.
 struct OppositePair
 {
@@ -147,6 +202,19 @@ std::vector<int> CoplanarityTest::Marks() const
   for (std::size_t i = 0; i < marks.size(); ++i)
     marks[i] = planes[i].Size() != 0 && !folded[i];
   return marks;
+}
+
+void ExplainSlightFolds(const Problem& problem)
+{
+  if (problem.shellFormulation == ShellFormulation::Refined)
+    return;
+  const SlightFold fold = LargestSlightFold(problem);
+  if (fold.angle > 0.0)
+    Explain("shell triangles are folded by ", fold.angle, " at node ", fold.node,
+            ", more than the coplanarity angle of ", problem.coplanarityAngle,
+            ": slight folds hold the rotations only weakly. Are the coordinates rounded? Give "
+            "them more decimals: morlen-check says how many, and where 'CoplanarityAngle' mends "
+            "it");
 }
 
 void MarkCoplanarNodes(Problem& problem)

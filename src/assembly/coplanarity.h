@@ -42,6 +42,11 @@ private:
 /// are more than 25. fileNumbers: the mesh that knows the numbers of the file, for the message.
 std::vector<int> CountElementsAround(const Mesh& mesh, int nodes, const Mesh& fileNumbers);
 
+/// Makes the largest slight fold of the shells the hint of the next error: an angle at a node above
+/// the coplanarity angle and below 0.02 radians. Such folds are often rounding errors of the
+/// coordinates, and hold the rotations weakly. Refined shells have no such hint.
+void ExplainSlightFolds(const Problem& problem);
+
 /// Sets the coplanarity marks of a problem with shells, and with refined shells the shares of the
 /// nodes. Problems without shells have neither. Both are ordered by system number, so that they are
 /// valid until the nodes are renumbered.

@@ -3,15 +3,18 @@
 #include "assembly/direct_solution.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 
+#include "assembly/coplanarity.h"
 #include "assembly/free_equations.h"
 #include "assembly/free_motion.h"
 #include "assembly/internal_forces.h"
 #include "assembly/motion_words.h"
 #include "assembly/probe_load.h"
 #include "assembly/refinement.h"
+#include "assembly/rigid_motion.h"
 #include "assembly/support_axes.h"
 #include "base/errorwriter.h"
 #include "base/stprintf.h"
@@ -63,8 +66,11 @@ public:
   }
 
 private:
+  // hint: of a model that is too rough; empty for one that can move.
   [[noreturn]] void Fail(int result, const std::string& hint) const
   {
+    if (!hint.empty())
+      ExplainSlightFolds(task.problem);
     SolverFailed(task.problem.meshes, scale.components, result, hint);
   }
 
@@ -92,8 +98,10 @@ private:
   void ExplainMotion(ReaVecV motion) const
   {
     ConvertLocalResultsToGlobal(nodes, motion, scale.components.count);
-    if (IsFreeMotion(task.problem, task.families, motion))
-      Explain(DescribeMotion(task.problem, motion).text);
+    if (!IsFreeMotion(task.problem, task.families, motion))
+      return;
+    const std::optional<ReaVecV> rigid = FreeRigidMotion(task.problem, task.families, motion);
+    Explain(DescribeMotion(task.problem, rigid.value_or(motion)).text);
   }
 
   // Solves the right-hand sides and the probe without refinement. Returns 0 or the `result` of

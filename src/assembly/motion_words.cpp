@@ -175,9 +175,11 @@ std::string MotionWords::Group(const RigidMotion& rigid, const std::string& verb
   const std::string hinges = HingesOrSpin();
   if (motions.IsWholePart(rigid)) {
     const std::vector<const NodeMotion*> idle = motions.IdleRotations(rigid);
-    const std::string support =
+    std::string support =
         idle.empty() ? "no support prevents it"
                      : "the rotation held at " + Nodes(idle) + " does not hold the elements";
+    if (motions.HasHingedEndsAtSupports(rigid))
+      support += "; held rotations do not hold hinged beam ends";
     return WithReason(PartName() + verb, hinges.empty() ? support : hinges);
   }
   return WithReason(Nodes(motions.moving) + verb, hinges.empty() ? Hanging() : hinges);

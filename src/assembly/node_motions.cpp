@@ -242,20 +242,43 @@ std::vector<int> NodeMotions::SpinningBeams() const
   return numbers;
 }
 
+bool NodeMotions::HoldsRotation(const Constraint& support) const
+{
+  const auto rotations = support.flags.begin() + problem.components.translations;
+  return std::any_of(rotations, rotations + problem.components.Rotations(),
+                     [](int flag) { return flag == Constraint::kPrescribed; });
+}
+
+bool NodeMotions::HoldsAllRotations(const Constraint& support) const
+{
+  const auto rotations = support.flags.begin() + problem.components.translations;
+  return std::all_of(rotations, rotations + problem.components.Rotations(),
+                     [](int flag) { return flag == Constraint::kPrescribed; });
+}
+
 std::vector<const NodeMotion*> NodeMotions::IdleRotations(const RigidMotion& rigid) const
 {
-  const auto holdsRotation = [&](const Constraint& support) {
-    const auto rotations = support.flags.begin() + problem.components.translations;
-    return std::any_of(rotations, rotations + problem.components.Rotations(),
-                       [](int flag) { return flag == Constraint::kPrescribed; });
-  };
   std::vector<const NodeMotion*> idle;
   for (const NodeMotion* one : part) {
-    if (one->node->constraint && holdsRotation(*one->node->constraint) &&
+    if (one->node->constraint && HoldsRotation(*one->node->constraint) &&
         one->w.modul() < 0.5 * rigid.w.modul())
       idle.push_back(one);
   }
   return idle;
+}
+
+// The preparation holds the rotations of such nodes also where the file has no support.
+bool NodeMotions::HasHingedEndsAtSupports(const RigidMotion& rigid) const
+{
+  if (rigid.w.modul() == 0.0)
+    return false;
+  return std::any_of(part.begin(), part.end(), [&](const NodeMotion* one) {
+    const Constraint* support = one->node->constraint.get();
+    const auto isHeld = [](int flag) { return flag != Constraint::kFree; };
+    return support && HoldsAllRotations(*support) && one->w.modul() >= 0.5 * rigid.w.modul() &&
+           std::any_of(support->flags.begin(),
+                       support->flags.begin() + problem.components.translations, isHeld);
+  });
 }
 
 }  // namespace morlen

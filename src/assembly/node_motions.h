@@ -11,6 +11,7 @@
 
 namespace morlen {
 
+class Constraint;
 class Elem;
 class ReaVecV;
 
@@ -67,6 +68,9 @@ public:
   /// The supported nodes that do not turn with their part: a shell does not turn with the rotation
   /// of a node about its normal.
   std::vector<const NodeMotion*> IdleRotations(const RigidMotion& rigid) const;
+  /// True when a supported node turns though its rotation is held: all beam ends there are hinged,
+  /// and turn without the node.
+  bool HasHingedEndsAtSupports(const RigidMotion& rigid) const;
 
   const Problem& problem;
   double length;  ///< of the model
@@ -94,6 +98,8 @@ private:
     return std::all_of(moving.begin(), moving.end(),
                        [&](const NodeMotion* node) { return test(*node); });
   }
+  bool HoldsRotation(const Constraint& support) const;
+  bool HoldsAllRotations(const Constraint& support) const;
   bool FitsMoving(const RigidMotion& rigid) const;
   bool IsHingeAtWork(const Elem& beam) const;
 

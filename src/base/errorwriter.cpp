@@ -68,10 +68,16 @@ ThreadReport& ThisThread()
   return *report;
 }
 
+std::string_view UpToFirstNull(std::string_view text)
+{
+  return text.substr(0, text.find('\0'));
+}
+
 // Prints a text up to its first null character.
 void Print(std::FILE* file, std::string_view text)
 {
-  std::fwrite(text.data(), 1, std::min(text.find('\0'), text.size()), file);
+  const std::string_view shown = UpToFirstNull(text);
+  std::fwrite(shown.data(), 1, shown.size(), file);
 }
 
 }  // namespace
@@ -129,7 +135,7 @@ void ErrorWriter::WriteErrorAndQuit()
   std::FILE* file = errorFile ? errorFile : stderr;
   Print(file, message.View());
   if (report.lastHint.length > 0) {
-    Print(file, message.View().ends_with('\n') ? "hint: " : "\nhint: ");
+    Print(file, UpToFirstNull(message.View()).ends_with('\n') ? "hint: " : "\nhint: ");
     Print(file, report.lastHint.View());
     Print(file, "\n");
   }

@@ -71,6 +71,19 @@ void NoteBrokenRecord(const char* from, const TextScan& text, NumberKind kind, i
   Note(ReadEvent::BrokenRecord, word, FaultOfNumber(word, kind));
 }
 
+void ItemsSeen::Add(std::string_view item, std::string_view name)
+{
+  if (!readObserver)
+    return;
+  const std::string_view key = item.substr(0, name.size());
+  const auto known = std::find_if(keys.begin(), keys.end(),
+                                  [&](std::string_view seen) { return EqualsNoCase(seen, key); });
+  if (known != keys.end())
+    Note(ReadEvent::RepeatedItem, item, *known);
+  else
+    keys.push_back(key);
+}
+
 void NoteNumber(std::string_view value, NumberKind kind)
 {
   if (readObserver && !IsNumber(UpToNull(value), kind))

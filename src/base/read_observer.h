@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string_view>
+#include <vector>
 
 namespace morlen {
 
@@ -34,6 +35,12 @@ enum class ReadEvent : int
   UnitsUsed,          ///< the name of a unit system that is looked up
   UnitsRepeated,      ///< the definition of a unit system that is already defined, with the same
                       ///< contents
+  FaceMissing,        ///< the numbers of a record of face_loads without the index of a face, which
+                      ///< is read as a load over the volume
+  UnitsNotFound,      ///< an item of a material that names a unit system but is not found, by the
+                      ///< case of its key
+  RepeatedItem,  ///< an item whose key the record has already; the detail is the key before, in
+                 ///< the text. Or a hinge code other than the element has; no detail
 
   // Reasons of the error that follows:
   SearchFailed,        ///< the text does not have the word searched for, the detail
@@ -163,6 +170,17 @@ void NoteRecordEnd(const char* from, const TextScan& text);
 /// Notes a record of a list whose values, which began at `from`, cannot be read at the place
 /// reached. The word there is noted with the reason only. count: the number of its values.
 void NoteBrokenRecord(const char* from, const TextScan& text, NumberKind kind, int count);
+
+/// Notes the items of a record whose keys it has already. Empty without an observer.
+class ItemsSeen
+{
+public:
+  /// item: the key and its value, in the text. name: the key without what may follow it.
+  void Add(std::string_view item, std::string_view name);
+
+private:
+  std::vector<std::string_view> keys;  ///< each with the length of its name
+};
 
 /// Notes a value that is not one number from end to end.
 void NoteNumber(std::string_view value, NumberKind kind = NumberKind::kReal);

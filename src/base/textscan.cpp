@@ -38,9 +38,11 @@ bool TextScan::ReadIntSlow(int& value)
   if (!number.stop)
     return false;
   // A reader that took it for a word would end its block and lose all that follows.
-  if (!number.fits)
+  if (!number.fits) {
+    Explain("line ", LineOf(next), ": whole numbers are at most 2147483647");
     Fatal("error: the number ", FirstDigits(next + (*next == '+' ? 1 : 0), number.stop),
           " is too large\n");
+  }
   return Accept(number, value);
 }
 

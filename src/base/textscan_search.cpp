@@ -181,6 +181,27 @@ std::string NameOfBlock(const TextScan& text)
   return "the block " + Quoted(keyword) + InLine(text, keyword.data());
 }
 
+// "; the 'end' in line 9 is in a comment" when a comment of the block, between its keyword and
+// `to`, begins with that word; else empty.
+std::string CommentedEnd(const TextScan& text, const char* to)
+{
+  const std::string_view keyword = text.LastBlock().keyword;
+  std::string about;
+  bool isFirst = false;  // the next word is the first of a comment
+  if (keyword.empty())
+    return about;
+  ForEachWord({keyword.data(), to}, keyword.data(), [&](std::string_view word, bool inComment) {
+    const bool begins = inComment && word[0] == '#';
+    if (begins)
+      word.remove_prefix(std::min(word.find_first_not_of('#'), word.size()));
+    if (inComment && (begins || isFirst) && EqualsNoCase(word, "end"))
+      about = "; the 'end'" + InLine(text, word.data()) + " is in a comment";
+    isFirst = begins && word.empty();
+    return true;
+  });
+  return about;
+}
+
 // "the block 'coordinates' in line 3 ends at 'x' in line 5: 2 lines are not read, in lines 5 to 6"
 void WarnOfListEnd(const TextScan& text, const Skipped& skipped, std::string_view endWord)
 {
@@ -190,7 +211,8 @@ void WarnOfListEnd(const TextScan& text, const Skipped& skipped, std::string_vie
              InLines(text, skipped);
   if (!skipped.blocks.empty())
     warning += ". It has no 'end': " + Quoted(endWord) + InLine(text, endWord.data()) +
-               " is taken for it, and these blocks are lost: " + SwallowedBlocks(text, skipped);
+               " is taken for it, and these blocks are lost: " + SwallowedBlocks(text, skipped) +
+               CommentedEnd(text, skipped.first.data());
   errorwriter.WriteWarning(warning);
 }
 
@@ -254,7 +276,7 @@ void ExplainMissing(const TextScan& text, std::string_view word)
                    "'");
   const std::string where = Quoted(block) + ", which begins" + InLine(text, block.data());
   if (word == "end")
-    Explain("the block ", where, ", has no 'end'");
+    Explain("the block ", where, ", has no 'end'", CommentedEnd(text, text.Here()));
   else
     Explain("the block ", where, ", has no '", word, "' after line ", text.LineOf(text.Here()));
 }

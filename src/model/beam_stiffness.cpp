@@ -15,6 +15,8 @@
 // McGraw-Hill, 1968, chapter 5.
 
 #include <cmath>
+#include <string>
+#include <utility>
 
 #include "base/constants.h"
 #include "base/errorwriter.h"
@@ -57,25 +59,45 @@ struct LocalBlocks
   Matriu& K22;
 };
 
-void Require(double value, const char* what, int elemNumber)
+// Names the values of a beam that are above 0.
+void ExplainValues(const Material& m)
 {
-  if (!(value > 0.0))
-    AttemptOn(ReadItem::Element, elemNumber,
-              [&] { Fatal("error: ", what, " is 0 for element ", elemNumber, "\n"); });
+  const std::pair<const char*, double> values[] = {{"E", m.E1},  {"G", m.Gxy}, {"A", m.A},
+                                                   {"Iy", m.Iy}, {"Iz", m.Iz}, {"J", m.J}};
+  std::string names;
+  for (const auto& [name, value] : values) {
+    if (value > 0.0)
+      names += (names.empty() ? "" : ", ") + std::string(name);
+  }
+  if (names.empty())
+    Explain("its material gives no value of a beam: the record of an element is its number, its ",
+            "nodes and the number of a material");
+  else
+    Explain("of the section and the material only these are above 0: ", names);
+}
+
+void Require(const Material& m, double Material::*field, const char* what, int elemNumber)
+{
+  if (m.*field > 0.0)
+    return;
+  AttemptOn(ReadItem::Element, elemNumber, [&] {
+    ExplainValues(m);
+    Fatal("error: ", what, " is 0 for element ", elemNumber, "\n");
+  });
 }
 
 void CheckValues(const Material& m, int elemNumber, PROBLEMTYPE type)
 {
   if (type != kPlane && type != kSpace)
     Fatal("error in Material::ConstructLocalK. Unknown problem type\n");
-  Require(m.E1, "material parameter E", elemNumber);
-  Require(m.A, "section parameter A", elemNumber);
-  Require(m.Iz, "section parameter Iz", elemNumber);
+  Require(m, &Material::E1, "material parameter E", elemNumber);
+  Require(m, &Material::A, "section parameter A", elemNumber);
+  Require(m, &Material::Iz, "section parameter Iz", elemNumber);
   if (type == kPlane)
     return;
-  Require(m.Iy, "section parameter Iy", elemNumber);
-  Require(m.Gxy, "material parameter G", elemNumber);
-  Require(m.J, "section parameter J", elemNumber);
+  Require(m, &Material::Iy, "section parameter Iy", elemNumber);
+  Require(m, &Material::Gxy, "material parameter G", elemNumber);
+  Require(m, &Material::J, "section parameter J", elemNumber);
 }
 
 void Clear(Matriu& K, int n)

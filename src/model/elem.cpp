@@ -34,7 +34,10 @@ void NoteMaterialNumber(std::string_view item)
 [[noreturn]] void RefuseEqualNodes(const TextScan& text, int element)
 {
   const std::string_view second = text.WordAround(text.Here());
-  Explain(LinePrefix({second, &text}), FaultOfNumber(second, NumberKind::kWhole));
+  const std::string fault = FaultOfNumber(second, NumberKind::kWhole);
+  Explain(LinePrefix({second, &text}),
+          fault.empty() ? "a record is the number of the beam, two different nodes and a material"
+                        : fault);
   Fatal("error: element: ", element, "  have both nodes equal\n");
 }
 

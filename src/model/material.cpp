@@ -91,6 +91,14 @@ void Material::CalcOtherParametersForRecSec(double widthY, double widthZ)
   Enter(&Material::J, TorsionCoefficient(a / b) * a * b * b * b);
 }
 
+void Material::ForgetSection()
+{
+  for (double Material::*field : {&Material::A, &Material::Iy, &Material::Iz, &Material::J}) {
+    this->*field = kUnset;
+    given &= ~MarkOf(field);
+  }
+}
+
 void Material::GiveEI(double& EIy, double& EIz, double& EA) const
 {
   EIy = E1 * Iy;

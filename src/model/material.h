@@ -38,6 +38,8 @@ public:
   void ComposeMaterial(const Material* base);
   /// Enters A, Iy, Iz and J of a rectangular section from its widths along local y and z.
   void CalcOtherParametersForRecSec(double widthY, double widthZ);
+  /// Makes A, Iy, Iz and J -1 and not given.
+  void ForgetSection();
 
   void GiveEI(double& EIy, double& EIz, double& EA) const;
   /// Copies the angles and returns 0; returns 1 when there are none. Not used by the analysis

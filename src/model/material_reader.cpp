@@ -20,6 +20,7 @@ struct Widths
 {
   double y = -1.0;
   double z = -1.0;
+  bool zGiven = false;
   std::string_view key = {};  // the last that gave a width
 };
 
@@ -109,11 +110,10 @@ const KeyRule& RequireRule(const RecordText& word, std::string_view previous)
   return *rule;
 }
 
-Units::Ratios RatiosOfRecord(std::string_view text, const Units* units)
+Units::Ratios RatiosOfRecord(const UnitsBase* given, const Units* units)
 {
   if (!units)
     return {};
-  const UnitsBase* given = units->GiveUnitsBaseFromLine(text);
   return given ? units->RatiosOf(*given) : units->DefaultRatios();
 }
 
@@ -142,8 +142,10 @@ int Material::ReadFromAscii(TextScan& stream, const Units* units)
 
 int Material::ReadFromAsciiNoNum(const RecordText& record, const Units* units)
 {
-  const Units::Ratios ratios = RatiosOfRecord(record.text, units);
+  const UnitsBase* const system = units ? units->GiveUnitsBaseFromLine(record.text) : nullptr;
+  const Units::Ratios ratios = RatiosOfRecord(system, units);
   Widths widths;
+  ItemsSeen seen;
   ItemScanner items(record.text);
   std::string_view previous;
   int result = -1;
@@ -154,22 +156,31 @@ int Material::ReadFromAsciiNoNum(const RecordText& record, const Units* units)
       Note(ReadEvent::NoValue, key);
       break;
     }
-    const double value = HasPrefix(key, "units") ? 0.0 : NumberOfItem(valueText);
+    const std::string_view item(key.data(), valueText.data() + valueText.size());
+    const bool isUnits = HasPrefix(key, "units");
+    if (isUnits && units && !system)
+      Note(ReadEvent::UnitsNotFound, item);
+    const double value = isUnits ? 0.0 : NumberOfItem(valueText);
     if (const int angle = EulerIndex(record.Part(key)); angle >= 0) {
       eulerGiven = 1;
       Euler[angle] = value;
+      seen.Add(item, key);
       continue;
     }
     const KeyRule& rule = RequireRule(record.Part(key), previous);
-    previous = {key.data(), valueText.data() + valueText.size()};
+    previous = item;
+    seen.Add(item, rule.key);
     if (rule.width)
       widths.key = key;
+    widths.zGiven = widths.zGiven || rule.width == &Widths::z;
     SetItem(rule, value * ratios.Of(rule.forcePower, rule.lengthPower), *this, widths);
   }
   if ((widths.y < 0.0) != (widths.z < 0.0))
     Note(ReadEvent::LoneWidth, widths.key);
   if (widths.y > 0.0)
     CalcOtherParametersForRecSec(widths.y, widths.z);
+  if (widths.y > 0.0 && !widths.zGiven)
+    ForgetSection();
   return result;
 }
 

@@ -45,7 +45,7 @@ Mesh::Mesh(VoidPlex* sharedNodes, int elemCapacity, int dimension, ElemType type
 
 Mesh::~Mesh() = default;
 
-void Mesh::CalcShapeGaussFemv()
+void Mesh::CalcShapeGaussFemv(const std::string& origin)
 {
   if (elemType < Linear || elemType > Hexahedra)
     return;
@@ -53,7 +53,7 @@ void Mesh::CalcShapeGaussFemv()
       std::begin(kFemviewCodes), std::end(kFemviewCodes),
       [this](const FemviewCode& code) { return code.type == elemType && code.nnode == nnode; });
   if (row == std::end(kFemviewCodes)) {
-    Explain("elements of type ", ElemTypeName(elemType), " do not have ", nnode,
+    Explain(origin, "elements of type ", ElemTypeName(elemType), " do not have ", nnode,
             " nodes: Linear has 2, Triangle 3 or 6, Tetrahedra 4 or 10");
     Fatal("Unknown Femview type\n");
   }

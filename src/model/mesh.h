@@ -3,6 +3,7 @@
 #include <array>
 #include <memory>
 #include <ostream>
+#include <string>
 #include <vector>
 
 #include "model/elem.h"
@@ -49,7 +50,7 @@ public:
 
   /// Sets the Femview code of the type and the node count. Fatal for a count that the
   /// type does not have.
-  void CalcShapeGaussFemv();
+  void CalcShapeGaussFemv(const std::string& origin = {});
 
   /// The number in the file of the node whose system number is n.
   int GiveOldNumber(int n) const;

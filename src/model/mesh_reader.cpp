@@ -24,18 +24,24 @@ bool HasDigit(std::string_view text)
 }
 
 // The first integer after a keyword; any text between the two is skipped. 0 when the digits do
-// not fit into an int: every caller refuses 0.
-int ReadIntAfter(TextScan& text, const char* keyword)
+// not fit into an int: every caller refuses 0. foundWord: gets the word that has the keyword.
+int ReadIntAfter(TextScan& text, const char* keyword, std::string_view* foundWord = nullptr)
 {
   const std::string_view found = FindThisWord(text, keyword, HasDigit);
+  if (foundWord)
+    *foundWord = found;
   if (!FindDigit(text)) {
     Explain("no number follows '", keyword, "' in line ", text.LineOf(found.data()));
     Fatal("end of file and no digit found\n");
   }
+  const char* const digits = text.Here();
   int value = 0;
   if (!text.ReadInt(value))
     return 0;
-  NoteNumberEnd(text.Here(), text);
+  const std::string_view word = text.WordAround(digits);
+  const char* const stop = text.Here();
+  if (stop != word.data() + word.size() && *stop != ':' && *stop != '=')
+    Note(ReadEvent::NumberPart, {digits, word.data() + word.size()});
   return value;
 }
 
@@ -160,8 +166,12 @@ void Mesh::ReadHead(TextScan& text)
   }
   FindThisWord(text, "elemtype", IsTypeWord);
   elemType = FindType(text);
-  nnode = ReadIntAfter(text, "nnode");
-  CalcShapeGaussFemv();
+  std::string_view found;
+  nnode = ReadIntAfter(text, "nnode", &found);
+  const bool isPart = !EqualsNoCase(found, "nnode");
+  CalcShapeGaussFemv(isPart ? LinePrefix(text, found.data()) + Quoted(found) +
+                                  " is taken for the keyword nnode, without a value: "
+                            : std::string());
 }
 
 void Mesh::ReadFromAscii(TextScan& text, const Units* units)

@@ -32,6 +32,8 @@ std::string_view AfterUnitsWord(std::string_view line)
 // Explains a name that is not among those defined. defined: the names, each may occur often.
 void ExplainUndefined(std::string_view name, std::vector<std::string_view> defined)
 {
+  if (name.starts_with('#'))
+    return Explain("a comment cannot be between a keyword and its value");
   if (defined.empty())
     return Explain("no unit system is defined yet: the block 'units_names' comes first");
   std::sort(defined.begin(), defined.end());

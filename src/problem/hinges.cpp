@@ -10,6 +10,7 @@
 #include "base/number_text.h"
 #include "base/read_observer.h"
 #include "base/record_hint.h"
+#include "base/text_parts.h"
 #include "base/textscan.h"
 #include "model/constraint.h"
 #include "model/elem.h"
@@ -116,8 +117,12 @@ void ReadElementHinges(TextScan& text, Problem& problem)
 {
   ReadRecords(text, [&](int number) {
     RequireElem(problem, number, text, "error: trying to assign a rotule to element number ");
+    const char* const record = text.Here();
     const HingeCode code = ReadHingeCode(text, number);
-    problem.hingeCodes[number] = code;
+    const auto [known, added] = problem.hingeCodes.try_emplace(number, code);
+    if (!added && known->second != code)
+      Note(ReadEvent::RepeatedItem, FirstWord({record, text.Here()}));
+    known->second = code;
     problem.hasHinges = true;
   });
 }

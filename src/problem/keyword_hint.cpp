@@ -57,6 +57,22 @@ std::string EndOfBlock(const TextScan& text, const TextScan::Block& block)
          std::to_string(text.LineOf(block.endWord));
 }
 
+// The keyword that a word and those after it on its line are, joined by '_'; empty for none.
+std::string JoinedKeyword(const TextScan& text, std::string_view word,
+                          std::span<const std::string_view> keywords)
+{
+  std::string_view rest = text.LineAhead();
+  std::string joined(word);
+  for (int i = 0; i < 3; ++i) {
+    joined.append("_").append(ConsumeWord(rest));
+    for (const std::string_view keyword : keywords) {
+      if (EqualsNoCase(joined, keyword))
+        return std::string(keyword);
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
 void ExplainUnknownKey(const TextScan& text, std::string_view word, const TextScan::Block& before,
@@ -77,6 +93,8 @@ void ExplainUnknownKey(const TextScan& text, std::string_view word, const TextSc
   else if (IsBlockKeyword(word))
     Explain(line, "'", word, "' belongs into a mesh: 'mesh dimension = ...' comes first",
             EndOfBlock(text, before));
+  else if (const std::string joined = JoinedKeyword(text, bare, keywords); !joined.empty())
+    Explain(line, "did you mean '", joined, "'?");
   else if (const std::string_view meant = KeywordMeant(bare, keywords); !meant.empty())
     Explain(line, "did you mean '", meant, "'?");
   else

@@ -10,6 +10,7 @@
 #include "base/number_text.h"
 #include "base/read_observer.h"
 #include "base/record_hint.h"
+#include "base/text_parts.h"
 #include "model/euler.h"
 #include "model/node.h"
 #include "model/units.h"
@@ -27,8 +28,28 @@ struct RecordShape
 {
   bool withFace;
   int least, most;
-  bool strict = false;  // white space follows the face, and no number the values
+  bool strict = false;  // white space follows the face, and items or nothing the values
 };
+
+// True when the last key of the items has no value.
+bool EndsInKey(std::string_view items)
+{
+  ItemScanner scan(items);
+  while (!scan.Key().empty()) {
+    if (scan.Value().empty())
+      return true;
+  }
+  return false;
+}
+
+// True for the end of a record with items or without: a number or a separator is no key.
+bool BeginsWithItem(std::string_view rest)
+{
+  if (!rest.empty() && !IsWhite(rest[0]))
+    return false;
+  const std::string_view key = ItemScanner(rest).Key();
+  return !BeginsWithNumber(key) && key.find_first_of(",;") != 0 && !EndsInKey(rest);
+}
 
 // Notes words that are no numbers as a whole. read: the numbers of the record; tail: what follows.
 void NoteNumbersOf(const RecordShape& shape, std::string_view read, std::string_view tail)
@@ -57,7 +78,7 @@ bool ScanRecord(std::string_view& text, const RecordShape& shape, double* values
     ++given;
   if (given < shape.least)
     return false;
-  if (!shape.withFace && shape.strict && BeginsWithNumber(rest))
+  if (!shape.withFace && shape.strict && !BeginsWithItem(rest))
     return false;
   NoteNumbersOf(shape, {text.data(), rest.data()}, rest);
   text = rest;
@@ -66,19 +87,24 @@ bool ScanRecord(std::string_view& text, const RecordShape& shape, double* values
 
 // A load on a solid in a file with a 2d header: face and three numbers, else the two numbers of a
 // load in the plane, which acts over the volume.
-bool ScanSolidInPlane(std::string_view& text, double* values, int& face)
+bool ScanSolidInPlane(std::string_view& text, PreassureLT_type type, double* values, int& face)
 {
   if (ScanRecord(text, {.withFace = true, .least = 3, .most = 3, .strict = true}, values, face))
     return true;
   face = -1;
-  return ScanRecord(text, {.withFace = false, .least = 2, .most = 2, .strict = true}, values, face);
+  const char* const from = text.data();
+  if (!ScanRecord(text, {.withFace = false, .least = 2, .most = 2, .strict = true}, values, face))
+    return false;
+  if (type == PreassureLT_type::Face)
+    Note(ReadEvent::FaceMissing, {from, text.data()});
+  return true;
 }
 
 bool ScanNumbers(std::string_view& text, PROBLEMTYPE problem, ElemType elemType,
                  PreassureLT_type type, int elemNumber, double* values, int& face)
 {
   if (elemType == Tetrahedra && problem == kPlane)
-    return ScanSolidInPlane(text, values, face);
+    return ScanSolidInPlane(text, type, values, face);
   if (elemType == Tetrahedra)
     return ScanRecord(text, {true, 3, 3}, values, face);
   if (problem == kPlane)
@@ -109,6 +135,17 @@ RecordForm FormOf(PROBLEMTYPE problem, ElemType elemType, PreassureLT_type type)
   if (type == PreassureLT_type::Face)
     return {.values = 3, .content = "3 values, or the index of an edge and 3 values,"};
   return {.values = 3};
+}
+
+// Refuses a record with a number too many whose face is the beginning of a real number.
+void RefusePartOfFace(const RecordText& record, int elemNumber)
+{
+  const std::string_view first = FirstWord(record.text);
+  if (IsNumber(first, NumberKind::kWhole))
+    return;
+  Explain(LinePrefix(record), Quoted(first),
+          " is read as the index of a face or an edge and a value: an index is a whole number");
+  Fatal("Not reading correctly the preassure_loads. ElemNum=", elemNumber, "\n");
 }
 
 // The factor for a force per length or per area. A load per volume of a solid gets the factor of an
@@ -154,6 +191,8 @@ void PreassureLT::ReadYourLoad(int elemNumber, PROBLEMTYPE problem, const Record
     ExplainNumbers(record, FormOf(problem, elemType, type));
     Fatal("Not reading correctly preassure_loads. ElemNum=", elemNumber, "\n");
   }
+  if (face >= 0 && BeginsWithNumber(text) && EndsInKey(text))
+    RefusePartOfFace(record, elemNumber);
   const RecordItems items =
       ReadRecordItems(record.Part(text), units, AngleItems::kRead,
                       "Not reading correctly the preassure_loads. ElemNum=", elemNumber);

@@ -105,8 +105,11 @@ void PreassureLT::AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const
 
 void PreassureLT::AddToLoadVectorFaceTetra(const Elem& elem, ReaVecV& loads) const
 {
-  if (face < 0 || face > 3)
+  if (face < 0 || face > 3) {
+    Explain("element ", elem.Num(), " has a load with the index ", face,
+            ": a tetrahedron has the faces 0, 1, 2 and 3");
     Fatal("error in PreassureLT::AddToLoadVectorFaceTriangle\n");
+  }
   const SolidFace triangle(elem, face);
   for (const TrianglePoint& at : kMidEdgePoints) {
     const ReaVec normal = triangle.Normal(at);

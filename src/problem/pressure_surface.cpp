@@ -78,8 +78,11 @@ void PreassureLT::AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, Rea
 
 void PreassureLT::AddToLoadVectorFaceTriangle(const Elem& elem, ReaVecV& loads) const
 {
-  if (face < 0 || face > 2)
+  if (face < 0 || face > 2) {
+    Explain("element ", elem.Num(), " has a load with the index ", face,
+            ": a triangle has the edges 0, 1 and 2");
     Fatal("error in PreassureLT::AddToLoadVectorFaceTriangle\n");
+  }
   const Node& first = *elem(face);
   const Node& second = *elem((face + 1) % 3);
   const Node* middle = elem.Nnode() == 6 ? elem(face + 3) : nullptr;

@@ -279,9 +279,29 @@ bool ReadKeyword(TextScan& text, std::string_view word, Problem& problem)
   return true;
 }
 
+// The switch that the word before `word` on its line is; null without one.
+const Keyword* SwitchBefore(const TextScan& text, std::string_view word)
+{
+  const std::string_view whole = text.WholeText();
+  const std::string_view passed(whole.data(), word.data());
+  std::string_view line = passed.substr(passed.find_last_of('\n') + 1);
+  std::string_view last;
+  for (std::string_view next = ConsumeWord(line); !next.empty(); next = ConsumeWord(line))
+    last = next;
+  const auto* found = std::find_if(
+      std::begin(kKeywords), std::end(kKeywords),
+      [last](const Keyword& keyword) { return keyword.set && HasPrefix(last, keyword.name); });
+  return found == std::end(kKeywords) ? nullptr : found;
+}
+
 [[noreturn]] void RefuseKey(TextScan& text, std::string_view word, const TextScan::Block& before)
 {
-  ExplainUnknownKey(text, word, before, Keywords());
+  const Keyword* const onOff = SwitchBefore(text, word);
+  if (onOff && !BeginsForeignComment(word))
+    Explain(LinePrefix(text, word.data()), "'", onOff->name,
+            "' takes 0, no, false or off, or 1, yes, true or on");
+  else
+    ExplainUnknownKey(text, word, before, Keywords());
   Note(ReadEvent::UnknownKeyword, word);
   Fatal("Unknown key name=", word, "\n");
 }

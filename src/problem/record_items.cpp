@@ -57,18 +57,22 @@ RecordItems ReadRecordItems(const RecordText& tail, const Units& units, AngleIte
 {
   RecordItems found{.ratios = units.DefaultRatios()};
   ItemScanner items(tail.text);
+  ItemsSeen seen;
   for (std::string_view key = items.Key(); !key.empty(); key = items.Key()) {
     const std::string_view value = items.Value();
     if (value.empty()) {
       ExplainNoValue(tail.Part(key));
       Fatal(misread, number, "\n");
     }
+    const std::string_view item(key.data(), value.data() + value.size());
     const int angle = angleItems == AngleItems::kRead ? EulerIndex(tail.Part(key)) : -1;
     if (angle >= 0) {
       found.anglesGiven = true;
       found.angles[angle] = NumberOfItem(value);
+      seen.Add(item, key);
     } else if (HasPrefix(key, "units")) {
       found.ratios = units.RatiosOf(*units.GiveUnitsBase(value));
+      seen.Add(item, "units");
     } else {
       Note(ReadEvent::IgnoredKey, key);
     }

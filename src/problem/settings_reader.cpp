@@ -10,9 +10,11 @@
 #include <numbers>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/errorwriter.h"
 #include "base/nearest_word.h"
+#include "base/number_slip.h"
 #include "base/number_text.h"
 #include "base/read_observer.h"
 #include "base/record_hint.h"
@@ -20,6 +22,7 @@
 #include "model/material.h"
 #include "numeric/plex_range.h"
 #include "problem/problem.h"
+#include "problem/problem_reader.h"
 
 namespace morlen {
 
@@ -34,11 +37,6 @@ int ToInt(const std::string& text)
       std::clamp<long>(std::strtol(text.c_str(), nullptr, 10), INT_MIN, INT_MAX));
 }
 
-double ReadNumberWord(TextScan& text)
-{
-  return NumberOfItem(text.ReadWord());
-}
-
 bool IsAngle(double angle)
 {
   return angle >= EPSILON && angle <= std::numbers::pi;
@@ -50,16 +48,28 @@ std::string Line(const TextScan& text)
   return LinePrefix(text, text.Here());
 }
 
+// Explains a value that a keyword does not take.
+template <class... Parts>
+void ExplainValue(const TextScan& text, std::string_view value, const Parts&... parts)
+{
+  if (value.starts_with('#'))
+    Explain(Line(text), "a comment cannot be between a keyword and its value");
+  else
+    Explain(Line(text), parts...);
+}
+
 // Explains a value that is no angle. An angle beyond PI may be meant in degrees.
 void ExplainAngle(const TextScan& text, const std::string& value, double angle)
 {
   constexpr double kDegree = std::numbers::pi / 180.0;
   if (angle > std::numbers::pi && angle < 180.0)
     Explain(Line(text), "the angle is in radians: ", angle, " degrees are ", angle * kDegree);
-  else if (angle == 0.0)
+  else if (!IsNumber(value, NumberKind::kReal) && BeginsWithNumber(value))
+    Explain(Line(text), FaultOfNumber(value));
+  else if (angle == 0.0 && !value.starts_with('#'))
     Explain(Line(text), "the value is '", value, "'; leave the keyword out to do without it");
   else
-    Explain(Line(text), "the value is '", value, "'; it is an angle in radians");
+    ExplainValue(text, value, "the value is '", value, "'; it is an angle in radians");
 }
 
 struct SolverName
@@ -78,7 +88,8 @@ void ExplainSolver(const TextScan& text, const std::string& value)
   constexpr std::string_view kNames[] = {"Automatic", "SkyLine", "Sparse", "Double"};
   const std::string_view nearest = NearestWord(value, kNames);
   if (nearest.empty())
-    Explain(Line(text), "the solver is '", value, "'; without the line the program chooses one");
+    ExplainValue(text, value, "the solver is '", value,
+                 "'; without the line the program chooses one");
   else
     Explain(Line(text), "the solver is '", value, "'; did you mean '", nearest, "'?");
 }
@@ -103,30 +114,65 @@ void ReadSparseSettings(TextScan& text, SolverSettings& settings)
       " tolerance1<=tolerance2<10\n");
 }
 
-// The third component of the direction of gravity. A plane problem may leave it out.
-double ReadGravityZ(TextScan& text, PROBLEMTYPE problemType)
+// True for a word that a keyword is, or begins like one with a value.
+bool IsKeyword(std::string_view word)
+{
+  const std::vector<std::string_view> keywords = Keywords();
+  return std::any_of(keywords.begin(), keywords.end(),
+                     [word](std::string_view keyword) { return HasPrefix(word, keyword); });
+}
+
+// A component of the direction of gravity after the first. place: "second" or "third".
+double ReadGravityNumber(TextScan& text, const char* place)
+{
+  const std::string_view word = text.ReadWord();
+  if (word.empty())
+    return 0.0;
+  if (!BeginsWithNumber(word) && !readObserver)
+    errorwriter.WriteWarning(Line(text) + "'" + std::string(word) + "' is read as the " + place +
+                             " number of GravityDirection, 0");
+  return NumberOfItem(word);
+}
+
+// True when the third component follows. A plane problem may leave it out: then it is a number, or
+// a word of the same line that is neither a comment nor a keyword.
+bool HasGravityZ(const TextScan& text, PROBLEMTYPE problemType)
 {
   TextScan ahead = text;
   const std::string_view word = ahead.ReadWord();
-  std::string_view rest = word;
-  double number = 0.0;
-  const bool isNumber = ScanDouble(rest, number);
-  if (problemType == kPlane && !isNumber)
-    return 0.0;
-  if (!isNumber && !readObserver)
-    errorwriter.WriteWarning(Line(ahead) + "'" + std::string(word) +
-                             "' is read as the third number of GravityDirection, 0");
-  text = ahead;
-  return NumberOfItem(word);
+  if (problemType != kPlane || BeginsWithNumber(word))
+    return true;
+  const std::string_view line = text.LineAhead();
+  const bool onLine = word.data() < line.data() + line.size();
+  return !word.empty() && onLine && word[0] != '#' && !IsKeyword(word);
+}
+
+// Explains a material that is given again. record: its second record.
+void ExplainRepetition(const TextScan& text, int number, const char* record)
+{
+  const std::string_view keyword = text.LastBlock().keyword;
+  const std::string line = LinePrefix(text, record);
+  std::string first;
+  if (!keyword.empty()) {
+    TextScan list(std::string_view(keyword.data() + keyword.size(), record));
+    for (int known = 0; first.empty() && ReadRecordNumber(list, known); list.SkipLine()) {
+      if (known == number)
+        first = " in line " + std::to_string(text.LineOf(list.Here()));
+    }
+  }
+  Explain(line, "material ", number, " is already given", first);
 }
 
 // Reads the next record into `materials`. Returns false at the end of the block.
 bool ReadMaterial(TextScan& text, const Units& units, VoidPlex& materials)
 {
+  const char* const record = text.Here();
   auto material = std::make_unique<Material>();
   if (!material->ReadFromAscii(text, &units))
     return false;
   const int number = material->number;
+  if (Find<Material>(materials, number))
+    ExplainRepetition(text, number, record);
   Store(materials, number, std::move(material));
   NoteStored(ReadItem::Material, number);
   return true;
@@ -138,7 +184,8 @@ void ReadNumOfDivisions(TextScan& text, const std::string& value, Problem& probl
 {
   problem.numOfDivisions = ToInt(value);
   if (problem.numOfDivisions < 1 || problem.numOfDivisions > kMaxDivisions)
-    Explain(Line(text), "the value is '", value, "'; it is a whole number, 1 to ", kMaxDivisions);
+    ExplainValue(text, value, "the value is '", value, "'; it is a whole number, 1 to ",
+                 kMaxDivisions);
   if (problem.numOfDivisions < 1)
     Fatal("error: Number of divisions must be positive");
   if (problem.numOfDivisions > kMaxDivisions)
@@ -180,16 +227,17 @@ void ReadSolver(TextScan& text, const std::string& value, Problem& problem)
     ReadSparseSettings(text, problem.solverSettings);
 }
 
-void ReadShellFormulation(TextScan&, const std::string& value, Problem& problem)
+void ReadShellFormulation(TextScan& text, const std::string& value, Problem& problem)
 {
   if (EqualsNoCase(value, "Standard"))
     problem.shellFormulation = ShellFormulation::Standard;
   else if (EqualsNoCase(value, "Refined"))
     problem.shellFormulation = ShellFormulation::Refined;
   else {
-    Explain("'", value,
-            "' is no formulation of shells; Standard is the default, and Refined is the choice for"
-            " curved, folded and thin shells");
+    ExplainValue(
+        text, value, "'", value,
+        "' is no formulation of shells; Standard is the default, and Refined is the choice for"
+        " curved, folded and thin shells");
     Fatal("error: ShellFormulation must be: Standard or Refined\n");
   }
 }
@@ -197,11 +245,11 @@ void ReadShellFormulation(TextScan&, const std::string& value, Problem& problem)
 void ReadGravityDirection(TextScan& text, const std::string& value, Problem& problem)
 {
   const double x = NumberOfItem(value);
-  const double y = ReadNumberWord(text);
-  const double z = ReadGravityZ(text, problem.problemType);
+  const double y = ReadGravityNumber(text, "second");
+  const double z = HasGravityZ(text, problem.problemType) ? ReadGravityNumber(text, "third") : 0.0;
   const double length = std::hypot(x, y, z);
   if (!(length >= EPSILON && std::isfinite(length))) {
-    Explain(Line(text), "the numbers read are ", x, ", ", y, " and ", z);
+    ExplainValue(text, value, "the numbers read are ", x, ", ", y, " and ", z);
     Fatal("error: GravityDirection must be a vector no null");
   }
   problem.gravityDirection = ReaVec(x, y, z);

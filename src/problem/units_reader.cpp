@@ -1,6 +1,8 @@
 #include "problem/units_reader.h"
 
 #include <algorithm>
+#include <sstream>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -26,6 +28,21 @@ void RequireFactor(const TextScan& text, const UnitsBase& base, double size, con
   Explain(LinePrefix(text, text.Here()), "the sizes of the system '", base.name, "' are ",
           base.facN, " and ", base.facM);
   Fatal(message);
+}
+
+// A number in as few digits as tell it from another, 6 or more.
+std::string TextApart(double number, double other)
+{
+  const auto text = [](double value, int digits) {
+    std::ostringstream out;
+    out.precision(digits);
+    out << value;
+    return out.str();
+  };
+  int digits = 6;
+  while (digits < 17 && number != other && text(number, digits) == text(other, digits))
+    ++digits;
+  return text(number, digits);
 }
 
 // One line "name nameN nameM namePa facN facM". A word of more characters than a name may have is
@@ -112,8 +129,9 @@ void UnitsBlock::RequireSameContents(int line, const UnitsBase& base, const Unit
   if (base == known)
     return;
   Explain("line ", line, ": '", known.name, "' is already '", known.nameN, ' ', known.nameM, ' ',
-          known.namePa, ' ', known.facN, ' ', known.facM,
-          "'; give it once, or give one of the two ", "another name");
+          known.namePa, ' ', TextApart(known.facN, base.facN), ' ',
+          TextApart(known.facM, base.facM), "'; give it once, or give one of the two ",
+          "another name");
   Fatal("error: Unit name '", base.name, "' is defined twice with different contents\n");
 }
 
@@ -137,7 +155,8 @@ void UnitsBlock::Read(TextScan& text, std::string_view line)
   }
   const double factor = lengths.emplace(base.nameM, base.facM).first->second;
   if (factor != base.facM) {
-    Explain("line ", number, ": its factor is ", base.facM, " here and ", factor, " before");
+    Explain("line ", number, ": its factor is ", TextApart(base.facM, factor), " here and ",
+            TextApart(factor, base.facM), " before");
     Fatal("error: Unit length name '", base.nameM, "' is defined twice with different factors\n");
   }
   inBatch.emplace(base.name, batch.size());
@@ -196,14 +215,17 @@ void ReadUnitsNames(TextScan& text, Problem& problem)
                 " has no line that begins with 'end'");
       Fatal("error: 'units_names' should finish with the 'end' word\n");
     }
-    const std::string_view line = text.ReadRestOfLine();
-    if (comment == 1)
+    if (comment == 1) {
+      text.ReadRestOfLine();
       continue;
-    if (HasPrefix(line, "end")) {
+    }
+    if (HasPrefix(text.TextAhead(), "end")) {
+      const std::string_view line = text.ReadRestOfLine();
+      Note(ReadEvent::SkippedToBlockEnd, line.substr(0, 0));
       text.LeaveBlock(line.data());
       return block.EnterBatch();
     }
-    Attempt(&text, [&] { block.Read(text, line); });
+    Attempt(&text, [&] { block.Read(text, text.ReadRestOfLine()); });
     block.EnterLargeBatch();
   }
 }

@@ -71,6 +71,12 @@ TEST(ErrorWriterDeathTest, HintFollowsOnALineOfItsOwn)
   };
   EXPECT_EXIT(fail("error: 2,5\n"), testing::ExitedWithCode(2),
               "^error: 2,5\nhint: use a point\n$");
+  // The message ends at its first null character.
+  const auto cut = [] {
+    Explain("a hint");
+    Fatal("name=", std::string_view("\0\n", 2));
+  };
+  EXPECT_EXIT(cut(), testing::ExitedWithCode(2), "^name=\nhint: a hint\n$");
   EXPECT_EXIT(fail("no newline"), testing::ExitedWithCode(2), "^no newline\nhint: use a point\n$");
 }
 

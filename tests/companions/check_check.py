@@ -68,7 +68,8 @@ class Check(unittest.TestCase):
         self.assertEqual(report["problems"],
                          [{"severity": "error", "line": 36, "column": 3,
                            "message": "section parameter A is 0 for element 1",
-                           "code": "section-incomplete"}])
+                           "code": "section-incomplete",
+                           "hint": "of the section and the material only these are above 0: E, Iz"}])
         self.assertIsNone(report["summary"])
         report = json.loads(self.check_text(self.portal, "--json").stdout)
         self.assertEqual((report["errors"], report["summary"]["load"]), (0, [20, -120, 0]))

@@ -619,6 +619,132 @@ TEST(Check, ReportsNumbersThatAreOnlyPartlyNumbers)
         "after a number without a blank"}});
 }
 
+TEST(Check, ReportsKeysThatAreIgnoredByMistake)
+{
+  ExpectDataLost(
+      {{"3 0 -3 0", "3 0 -3 0 unit=kN-m",
+        "19:10: the key 'unit' is ignored; did you mean 'units'?"},
+       {"3 0 -3 0", "3 0 -3 0 wind units=kN-m",
+        "19:10: the word 'wind' is a key that takes 'units=kN-m' as its value: both are ignored. A "
+        "comment begins with '#'"},
+       {"1 111 0 0 0", "1 111 0 0 0 Eular1=1",
+        "16:13: the key 'Eular1' is ignored; did you mean 'Euler1'?"}});
+}
+
+TEST(Check, ReportsUnitsWithAnUnknownCase)
+{
+  const std::string units = With(kBeam, "mesh",
+                                 "units_names\nkN-m kN m kPa 1000 1\nend\nunits_mesh m\n"
+                                 "units_mat_and_load kN-m\nunits_res kN-m\nmesh");
+  EXPECT_EQ(Messages(With(units, "E=1e6", "units=kN-m E=1e6")), Lines{});
+  EXPECT_EQ(Messages(With(units, "E=1e6", "UnItS=kN-m E=1e6")),
+            Lines{"m:19:3: error: data lost: the unit system of 'UnItS=kN-m' is not found by this "
+                  "key. Write units"});
+}
+
+TEST(Check, ReportsRepeatedItems)
+{
+  ExpectDataLost({{"A=0.1", "A=80 A=0.1",
+                   "13:14: 'A=0.1' contradicts 'A=80' of the same record: the last counts"},
+                  {"A=0.1", "A = 80 a=0.1",
+                   "13:16: 'a=0.1' contradicts 'A = 80' of the same record: the last counts"}});
+  EXPECT_EQ(Messages(With(kBeam, "A=0.1", "A=1e-1 A=0.1")),
+            Lines{"m:13:16: warning: 'A=0.1' repeats 'A=1e-1'"});
+}
+
+TEST(Check, SaysWhichUnitsOfARecordCount)
+{
+  const std::string units = With(kBeam, "mesh",
+                                 "units_names\na kN m kPa 1000 1\nb N m Pa 1 1\nend\n"
+                                 "units_mesh m\nunits_mat_and_load a\nunits_res a\nmesh");
+  EXPECT_EQ(Messages(With(units, "E=1e6", "units=a units=b E=1e6"))[1],
+            "m:20:11: error: data lost: 'units=b' contradicts 'units=a' of the same record: "
+            "the first counts");
+  EXPECT_EQ(Messages(With(units, "3 0 -3 0", "3 0 -3 0 units=a units=b")),
+            Lines{"m:26:18: error: data lost: 'units=b' contradicts 'units=a' of the same record: "
+                  "the last counts"});
+}
+
+TEST(Check, JudgesHingeCodes)
+{
+  const auto hinges = [](const std::string& records) {
+    return Messages(
+        With(kBeam, "constraints\n", "elem_rotules\n" + records + "end\nconstraints\n"));
+  };
+  EXPECT_EQ(hinges("2 11\n2 11\n"), Lines{});
+  const auto first = [&](const std::string& records) { return hinges(records).front(); };
+  EXPECT_EQ(first("2 10\n2 11\n"),
+            "m:17:3: error: data lost: the hinge code '11' differs from that of an earlier record "
+            "for the element: the last counts");
+  EXPECT_EQ(first("2 1 0\n"),
+            "m:16:5: error: data lost: ignored: '0'. The two digits of a hinge code have no blank "
+            "between them");
+  EXPECT_EQ(first("2 110\n"),
+            "m:16:3: error: data lost: the hinge code '110' has more than two digits: read as "
+            "'11'");
+  EXPECT_EQ(first("2 11 0\n"), "m:16:6: warning: ignored: '0'");
+}
+
+TEST(Check, ReportsKeywordsOnTheLineOfAnEnd)
+{
+  ExpectDataLost({{"end materials", "end materials ConvertTo6Nodes",
+                   "14:15: the keyword 'ConvertTo6Nodes' is on the line of an 'end' and is not "
+                   "read. Write it on the next line"},
+                  {"mesh", "units_names\nend units_names GravityDirection=0 -1\nmesh",
+                   "3:17: the keyword 'GravityDirection' is on the line of an 'end' and is not "
+                   "read. Write it on the next line"}});
+  for (const char* line : {"end constraints", "end of materials", "end materials # Solver",
+                           "end mesh materials", "materials end"})
+    EXPECT_EQ(Messages(With(kBeam, "end materials", line)), Lines{}) << line;
+  EXPECT_EQ(Messages(With(kBeam, "end coordinates", "coordinates end")), Lines{});
+}
+
+TEST(Check, SaysThatSolidsAreIsotropic)
+{
+  EXPECT_EQ(Messages(With(kSolid, "nu=0.25", "nuYX=0.25")),
+            Lines{"m:13:1: error: data lost: solids ignore nuYX, whose value differs from nuXY=0, "
+                  "which is used"});
+  EXPECT_EQ(Messages(With(kSolid, "E=1e6", "Ex=1000 Ey=10")),
+            Lines{"m:13:1: error: data lost: solids ignore Ey, whose value differs from Ex=1000, "
+                  "which is used"});
+  EXPECT_EQ(Messages(With(kSolid, "nu=0.25", "nuXY=0.25 nuYX=0.25")), Lines{});
+  EXPECT_EQ(Messages(With(kSolid, "nu=0.25", "nu=0.25 G=4.01e5")), Lines{});
+  EXPECT_EQ(Messages(With(kSolid, "nu=0.25", "nu=0.25 G=8e5")),
+            Lines{"m:13:1: error: data lost: solids ignore G, whose value differs from "
+                  "E/(2+2nu)=400000, which is used"});
+  EXPECT_EQ(Messages(With(kSolid, "1 1 2 3 4 1\n", "1 1 2 3 4 1 Ex=500\n")),
+            Lines{"m:10:1: warning: solids ignore Ey, whose value differs from Ex, which is used"});
+}
+
+TEST(Check, ReportsFaceLoadsOfSolidsWithoutAFace)
+{
+  const std::string solid = With(kSolid, "type: 3d", "type: 2d");
+  const auto found = [&](const std::string& block) {
+    return Codes(solid + block + "\n1 10 0\nend\n");
+  };
+  EXPECT_EQ(found("face_loads"), Lines{"face-missing error"});
+  EXPECT_EQ(found("global_pressure_loads"), Lines{});
+}
+
+TEST(Check, NamesTheLinesOfUnitSystemsInError)
+{
+  const std::string names = "units_names\nkN m\nend units_names\nmesh";
+  EXPECT_EQ(
+      Messages(With(kBeam, "mesh", names)),
+      Lines{"m:3:1: error: 'units_names' items should be: name nameN nameM namePa facN facM"});
+}
+
+TEST(Check, SaysNothingOfWordsThatMeanNothing)
+{
+  const std::string line = With(kBeam, "mesh dimension = 2", "mesh dimension = 2 D");
+  EXPECT_EQ(Messages(line), Lines{"m:2:20: warning: skipped in front of 'elemtype': 'D'"});
+  EXPECT_EQ(check::NearestKeyword("3d"), "");
+  EXPECT_EQ(check::AboutMisreadNumber("8,000", NumberKind::kReal),
+            "'8,000' is no number as a whole: read as 8; did you mean 8.000 or 8000?");
+  EXPECT_EQ(check::AboutMisreadNumber("0,125", NumberKind::kReal),
+            "'0,125' is no number as a whole: read as 0; did you mean 0.125?");
+}
+
 TEST(Check, NamesOneCauseOnce)
 {
   // The word that ends a list is named with the records that are lost.

@@ -364,25 +364,25 @@ TEST(ShellFolds, ReportsPlaneShellsOfRoundedCoordinates)
     ShellModel slab = Slab(8);
     slab.settings = settings;
     EXPECT_TRUE(FoldWarnings(slab).empty());
-    for (const int decimals : {3, 4, 5}) {
+    for (const int decimals : {3, 4, 5, 6, 7}) {
       const std::vector<std::string> found = FoldWarnings(RoundedTo(slab, decimals));
       EXPECT_TRUE(Has(found, "the 128 triangles around element 1 lie in one plane")) << decimals;
-      EXPECT_TRUE(Has(found, "give the coordinates 7 or more decimals")) << decimals;
+      EXPECT_TRUE(Has(found, "give the coordinates 8 or more decimals")) << decimals;
     }
-    EXPECT_TRUE(FoldWarnings(RoundedTo(slab, 7)).empty());
+    EXPECT_TRUE(FoldWarnings(RoundedTo(slab, 8)).empty());
   }
 }
 
-// In millimetres three decimals are as many digits as six in metres.
+// In millimetres five decimals are as many digits as eight in metres.
 TEST(ShellFolds, CountsDecimalsInTheUnitsOfTheFile)
 {
-  EXPECT_TRUE(Has(FoldWarnings(RoundedTo(Slab(8, 1000.0), 0)), "the coordinates 4 or more"));
-  EXPECT_TRUE(FoldWarnings(RoundedTo(Slab(8, 1000.0), 4)).empty());
+  EXPECT_TRUE(Has(FoldWarnings(RoundedTo(Slab(8, 1000.0), 0)), "the coordinates 5 or more"));
+  EXPECT_TRUE(FoldWarnings(RoundedTo(Slab(8, 1000.0), 5)).empty());
   ShellModel millimetres = RoundedTo(Slab(8, 1000.0), 0);
   millimetres.settings +=
       "\nunits_names\nhere kN m kPa 1 1\ndrawn kN mm kN/mm2 1 0.001\nend\n"
       "units_mesh mm\nunits_res here";
-  EXPECT_TRUE(Has(FoldWarnings(millimetres), "the coordinates 4 or more"));
+  EXPECT_TRUE(Has(FoldWarnings(millimetres), "the coordinates 5 or more"));
 }
 
 // The proposed angle makes the shell plane again. Without it the plate is too soft.
@@ -412,6 +412,15 @@ TEST(ShellFolds, ProposesNoLargeAngle)
   const std::vector<std::string> found = FoldWarnings(RoundedTo(Slab(8), 2));
   ASSERT_EQ(found.size(), 1u);
   EXPECT_EQ(found[0].find("CoplanarityAngle "), std::string::npos);
+}
+
+// A larger coplanarity angle needs fewer decimals.
+TEST(ShellFolds, DecimalsFollowTheCoplanarityAngle)
+{
+  ShellModel slab = Slab(8);
+  slab.settings = "CoplanarityAngle 1e-5";
+  EXPECT_TRUE(Has(FoldWarnings(RoundedTo(slab, 4)), "the coordinates 6 or more"));
+  EXPECT_TRUE(FoldWarnings(RoundedTo(slab, 6)).empty());
 }
 
 // Refined shells transmit twisting moments at slight folds.

@@ -250,6 +250,23 @@ TEST(Material, WidthsWinOverSectionValues)
   }
 }
 
+// One width gives no section: the values are those of the material.
+TEST(Material, ALoneWidthOfAnElementGivesNothing)
+{
+  const Units units;
+  Material base;
+  base.A = base.Iy = base.Iz = base.J = 3.0;
+  for (const char* items : {"widthY=1.6", "A=2 widthY=1.6", "widthZ=1.6"}) {
+    Material own;
+    own.SetToNegative();
+    own.ReadFromAsciiNoNum(items, &units);
+    own.ComposeMaterial(&base);
+    for (double Material::*field : {&Material::A, &Material::Iy, &Material::Iz, &Material::J})
+      EXPECT_EQ(own.*field, 3.0) << items;
+  }
+  EXPECT_LT(Read("A=2 widthY=1.6").A, 0.0);
+}
+
 TEST(Material, WidthYIsNeededForASection)
 {
   EXPECT_EQ(Read("widthZ=0.4 A=1").A, 1.0);

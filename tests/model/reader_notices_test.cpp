@@ -30,6 +30,10 @@ TEST(ReaderNotices, OfAMaterialRecord)
       {"widthY=1 E=2", {{ReadEvent::LoneWidth, "widthY"}}},
       {"WIDTHZ=1 E=2", {{ReadEvent::LoneWidth, "WIDTHZ"}}},
       {"widthY=1 widthZ=2", {}},
+      {"A=2 UnItS=kN-m", {{ReadEvent::UnitsNotFound, "UnItS=kN-m"}}},
+      {"A=2 a=3 E=1 Ex=1", {{ReadEvent::RepeatedItem, "a=3"}}},
+      {"units=kN-m A=2 units=N",
+       {{ReadEvent::UnitsUsed, "kN-m"}, {ReadEvent::RepeatedItem, "units=N"}}},
       {"A=2 # Weight= widthY=1", {}},
   };
   const UnitsBase base{"kN-m", "kN", "m", "kPa", 1000.0, 1.0};

@@ -173,11 +173,13 @@ TEST(PreassureLT, SolidsOfA2dHeaderTakeAFaceOrTwoValues)
       EXPECT_EQ(load.face, c.face);
     }
     for (const char* text :
-         {"", " 1", " 1 2 3", " 1.5 2.5 3.5", " 1.5 2.5 3.5 4.5", " 1 2 x=1 y", " 1 2,5 3 4"})
+         {"", " 1", " 1 2 3", " 1.5 2.5 3.5", " 1.5 2.5 3.5 4.5", " 1 2 x=1 y", " 1 2,5 3 4",
+          " 1 10,0 0 0", " 1 1d1 0 0", " 1 10kN", " 1 10 kN", " 1.0 10 0 0", " 1 10 , 0 0 0"})
       EXPECT_NE(FatalCaught([&] { ReadRecord(type, kPlane, Tetrahedra, text); }),
                 "(the run went on)")
           << text;
-    ExpectRefused(type, kPlane, Tetrahedra, " 1.5 2.5 3.5", kTooFew);
+    for (const char* text : {" 1.5 2.5 3.5", " 1 10,0 0 0", " 1 10 kN", " 1.0 10 0 0"})
+      ExpectRefused(type, kPlane, Tetrahedra, text, kTooFew);
   }
   // With a 3d header the face ends where its digits end.
   EXPECT_EQ(ReadRecord(Global, kSpace, Tetrahedra, " 1.5 2 3").face, 1);

@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "base/textscan.h"
 #include "support/fatal.h"
 #include "support/frame.h"
 #include "support/hints.h"
+#include "support/read_listener.h"
 #include "support/solved.h"
 
 namespace morlen {
@@ -114,6 +116,44 @@ TEST(Gravity, TakesTwoNumbersInAPlane)
   EXPECT_DOUBLE_EQ(ReadWith("GravityDirection 0 3 4")->gravityDirection(3), 0.8);
 }
 
+// A third word on the line is consumed although it is no number; on the next line it is a keyword.
+TEST(Gravity, TakesAThirdWordOfItsLineInAPlane)
+{
+  for (const std::string word : {"(0)", ",0", "o", "-"}) {
+    const WarningsHeard warnings;
+    const auto problem = ReadWith("GravityDirection 0 -1 " + word + "\nNumOfDivisions 3");
+    EXPECT_EQ(problem->gravityDirection(2), -1.0) << word;
+    EXPECT_EQ(problem->gravityDirection(3), 0.0) << word;
+    EXPECT_EQ(problem->numOfDivisions, 3) << word;
+    EXPECT_EQ(warnings.Lines(),
+              std::vector<std::string>{"line 2: '" + word +
+                                       "' is read as the third number of GravityDirection, 0"});
+    ExpectFatal([&] { ReadWith("GravityDirection 0 -1\n" + word); },
+                "Unknown key name=" + word + "\n");
+  }
+  EXPECT_EQ(ReadWith("GravityDirection 0 -1 NumOfDivisions=3")->numOfDivisions, 3);
+}
+
+TEST(Gravity, WarnsOfASecondNumberThatIsNone)
+{
+  const WarningsHeard warnings;
+  FatalCaught([] { ReadWith("GravityDirection 1,0,-1\nNumOfDivisions 3"); });
+  EXPECT_EQ(warnings.Lines(),
+            std::vector<std::string>{
+                "line 3: 'NumOfDivisions' is read as the second number of GravityDirection, 0"});
+}
+
+TEST(Gravity, NothingIsSaidOfAMissingNumberAtTheEnd)
+{
+  const WarningsHeard warnings;
+  const std::string text = SpaceProblem().With(&ProblemParts::rest, "GravityDirection 0 -1").Text();
+  const ReadListener listener;
+  ReadProblemText(text);
+  EXPECT_EQ(warnings.Lines(), std::vector<std::string>());
+  EXPECT_TRUE(std::none_of(listener.notices.begin(), listener.notices.end(),
+                           [](const auto& n) { return n.first == ReadEvent::NumberPart; }));
+}
+
 TEST(Gravity, TakesThreeWordsInSpace)
 {
   const WarningsHeard warnings;
@@ -147,6 +187,10 @@ TEST(UnknownKeys, AreExplained)
       {"= 3", "line 2: no keyword takes a value here"},
       {"end", "line 2: no block is open here"},
       {"elements", "line 2: 'elements' belongs into a mesh: 'mesh dimension = ...' comes first"},
+      {"global pressure_loads", "line 2: did you mean 'global_pressure_loads'?"},
+      {"nodal point loads", "line 2: did you mean 'nodal_point_loads'?"},
+      {"ConvertTo6Nodes = none",
+       "line 2: 'ConvertTo6Nodes' takes 0, no, false or off, or 1, yes, true or on"},
       {"banana", "line 2: this is no keyword; comments begin with '#'"},
   };
   for (const auto& c : cases)
@@ -167,6 +211,22 @@ TEST(UnknownKeys, AfterABlockNameItsEnd)
             "line 19");
 }
 
+TEST(CommentedEnds, AreNamed)
+{
+  const auto with = [](const std::string& end) {
+    return "problem type 2d\nmaterials\n 1 E=1\n" + end + " materials\n";
+  };
+  EXPECT_EQ(
+      HintCaught([&] { ReadProblemText(with("# end")); }),
+      "the block 'materials', which begins in line 2, has no 'end'; the 'end' in line 4 is in "
+      "a comment");
+  const WarningsHeard warnings;
+  FatalCaught([&] { ReadProblemText(with("#end") + "rotules\n1\nend\n"); });
+  ASSERT_EQ(warnings.Lines().size(), 1u);
+  EXPECT_TRUE(warnings.Lines()[0].ends_with("; the 'end' in line 4 is in a comment"))
+      << warnings.Lines()[0];
+}
+
 TEST(BlockKeywords, AreThoseOfTheReaders)
 {
   for (const std::string_view keyword : BlockKeywords()) {
@@ -185,7 +245,11 @@ TEST(Settings, ErrorsAreExplained)
     const char* hint;
   } cases[] = {
       {"NumOfDivisions 0", "line 2: the value is '0'; it is a whole number, 1 to 100000"},
-      {"NumOfDivisions # 3", "line 2: the value is '#'; it is a whole number, 1 to 100000"},
+      {"NumOfDivisions # 3", "line 2: a comment cannot be between a keyword and its value"},
+      {"DoSmoothing # rad\n0.5", "line 2: a comment cannot be between a keyword and its value"},
+      {"Solver # x\nDouble", "line 2: a comment cannot be between a keyword and its value"},
+      {"units_res # x\nN-m", "a comment cannot be between a keyword and its value"},
+      {"DoSmoothing 0,5", "line 2: '0,5' is not a number: the decimal sign is a point, write 0.5"},
       {"DoSmoothing 30", "line 2: the angle is in radians: 30 degrees are 0.523599"},
       {"DoSmoothing=0", "line 2: the value is '0'; leave the keyword out to do without it"},
       {"CoplanarityAngle -1", "line 2: the value is '-1'; it is an angle in radians"},

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "base/textscan.h"
@@ -93,6 +94,37 @@ TEST(RecordNotices, OfTemperatures)
   EXPECT_EQ(NoticesOf("1 1e-5 30", read), (Notices{{ReadEvent::LineTail, ""}}));
   EXPECT_EQ(NoticesOf("1 1e-5 30,5", read),
             (Notices{{ReadEvent::NumberPart, "30,5"}, {ReadEvent::LineTail, ",5"}}));
+}
+
+TEST(RecordNotices, OfRepeatedItems)
+{
+  static const Case cases[] = {
+      {"1 111 0 0 0 Euler1=1 Euler2=1", {}},
+      {"1 111 0 0 0 Euler1=1 euler1=2", {{ReadEvent::RepeatedItem, "euler1=2"}}},
+  };
+  for (const Case& c : cases)
+    EXPECT_EQ(NoticesOf(c.record, ReadConstraints), c.notices) << c.record;
+  EXPECT_EQ(NoticesOf("1 10\n1 10 # same\n1 01", ReadElementHinges),
+            (Notices{{ReadEvent::LineTail, ""},
+                     {ReadEvent::LineTail, " # same"},
+                     {ReadEvent::LineTail, ""},
+                     {ReadEvent::RepeatedItem, "01"}}));
+}
+
+TEST(RecordNotices, OfASolidLoadWithoutAFace)
+{
+  const std::string head =
+      "problem type 2d\nmesh dimension 3 elemtype Tetrahedra nnode 4 coordinates\n"
+      "1 0 0 0\n2 1 0 0\n3 0 1 0\n4 0 0 1\nend\nelements\n1 1 2 3 4 1\nend\n";
+  const auto problem = ReadProblemText(head);
+  for (const bool faces : {true, false}) {
+    TextScan text("1 1 10\nend\n");
+    const ReadListener listener;
+    ReadElemLoad(text, faces ? "face_loads" : "global_pressure_loads", *problem);
+    const auto missing = std::count(listener.notices.begin(), listener.notices.end(),
+                                    Notices::value_type{ReadEvent::FaceMissing, " 1 10"});
+    EXPECT_EQ(missing, faces ? 1 : 0);
+  }
 }
 
 // The face ends where its digits end, in files with a 3d header.

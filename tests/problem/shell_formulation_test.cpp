@@ -60,7 +60,7 @@ TEST(ShellFormulationKeyword, TheProgramPrintsMessageAndHint)
   EXPECT_EQ(run.status, 2);
   EXPECT_NE(run.err.find("error: ShellFormulation must be: Standard or Refined\n"),
             std::string::npos);
-  EXPECT_NE(run.err.find("hint: 'Thin' is no formulation of shells"), std::string::npos);
+  EXPECT_NE(run.err.find(": 'Thin' is no formulation of shells"), std::string::npos);
 }
 
 }  // namespace morlen

@@ -102,6 +102,8 @@ TEST(UnitsBlock, ALengthUnitHasOneFactor)
   const std::string hint = ": its factor is 0.01 here and 0.001 before";
   ExpectRefused(Table("a N mm Pa 1 0.001\nb kN mm Pa 1 0.01"), message, "line 4" + hint);
   ExpectRefused(Table("a N mm Pa 1 0.001") + Table("b kN mm Pa 1 0.01"), message, "line 6" + hint);
+  ExpectRefused(Table("a N mm Pa 1 1\nb kN mm Pa 1 1.0000001"), message,
+                "line 4: its factor is 1.0000001 here and 1 before");
   EXPECT_EQ(ReadWith(Table("a N mm Pa 1 1e-3\nb kN mm Pa 1 0.001"))->units.bases.size(), 2u);
 }
 

@@ -311,6 +311,86 @@ TEST(Messages, RefuseMechanisms)
   }
 }
 
+// Two beams in a corner, and the third side of their triangle. Where a support is missing, hinges
+// that allow motions too are not the reason.
+TEST(Messages, RigidMotionsAreNotBlamedOnHinges)
+{
+  struct Case
+  {
+    std::string third, constraints, hinges, hint;
+  };
+  const std::string moves = "the whole model can move along x: no support prevents it";
+  const std::string turns =
+      "the whole model can turn about z through node 1: no support prevents it";
+  const std::string ends = "; held rotations do not hold hinged beam ends";
+  const std::vector<Case> cases = {
+      {"", "", "2 01\n", moves},
+      {"", "1 010 0 0 0\n3 010 0 0 0\n", "2 01\n", moves},
+      {"", "1 110 0 0 0\n", "2 01\n", turns},
+      {"", "1 110 0 0 0\n", "1 01\n", turns + ends},
+      {"", "1 111 0 0 0\n", "1 01\n", turns + ends},
+      {"3 1 3 1\n", "1 110 0 0 0\n", "1 00\n2 00\n3 00\n", turns + ends},
+      {"", "1 111 0 0 0\n", "2 01\n",
+       "node 3 can turn about z through node 2: the hinges of beam 2 allow it"},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.constraints + one.hinges);
+    const TemporaryFolder folder;
+    folder.Write("model.dat",
+                 "problem type: 2d\nmesh dimension = 2 elemtype Linear nnode = 2\ncoordinates\n"
+                 "1 0 0\n2 4 0\n3 2 3\nend coordinates\nelements\n1 1 2 1\n2 2 3 1\n" +
+                     one.third +
+                     "end elements\nmaterials\n1 E=3e7 widthY=0.5 widthZ=0.5\nend materials\n"
+                     "constraints\n" +
+                     one.constraints + "end constraints\nelem_rotules\n" + one.hinges +
+                     "end elem_rotules\n");
+    const RunResult run = RunProgram(folder, {"model.dat"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(run.err.ends_with("hint: " + one.hint + "\n")) << run.err;
+  }
+}
+
+// A clamped strip of six by six cells of a thin plate, whose coordinates have seven decimals.
+TEST(RoughModelMessages, TheHintNamesSlightFolds)
+{
+  const auto digits = [](double value) {
+    char text[40];
+    std::snprintf(text, sizeof text, " %.7f", value);
+    return std::string(text);
+  };
+  std::string nodes, elements, supports;
+  int count = 0;
+  const auto add = [&](int a, int b, int c) {
+    elements += std::to_string(++count) + " " + std::to_string(a) + " " + std::to_string(b) + " " +
+                std::to_string(c) + " 1\n";
+  };
+  for (int j = 0; j <= 6; ++j) {
+    for (int i = 0; i <= 6; ++i) {
+      const int node = 7 * j + i + 1;
+      const double x = 5.0 * i / 6.0, y = 5.0 * j / 6.0;
+      nodes += std::to_string(node) + digits(x) + digits(y) + digits(0.3 * x + 0.1 * y) + "\n";
+      if (i == 0)
+        supports += std::to_string(node) + " 111111 0 0 0 0 0 0\n";
+      if (i < 6 && j < 6) {
+        add(node, node + 1, node + 8);
+        add(node, node + 8, node + 7);
+      }
+    }
+  }
+  const TemporaryFolder folder;
+  folder.Write("model.dat",
+               "problem type: 3d\nmesh dimension = 3 elemtype Triangle nnode = 3\ncoordinates\n" +
+                   nodes + "end coordinates\nelements\n" + elements +
+                   "end elements\nmaterials\n1 E=3e7 nu=0.2 G=1.25e7 t=0.01 Weight=25\nend "
+                   "materials\nconstraints\n" +
+                   supports + "end constraints\nGravityDirection 0 0 -1\n");
+  const RunResult run = RunProgram(folder, {"model.dat"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_NE(run.err.find("The model is too rough"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("hint: shell triangles are folded by 1.0"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("more than the coplanarity angle of 1e-07"), std::string::npos);
+}
+
 TEST(Messages, RefuseSlopedMechanisms)
 {
   // The pivot is zero in exact arithmetic and small but not zero after rounding.

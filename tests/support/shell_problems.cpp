@@ -1,3 +1,6 @@
+// The shells that tests compare with published displacements, on grids of quadrilaterals that are
+// cut into triangles. scripts/shell_problems.py has the same ones and more.
+
 #include "support/shell_problems.h"
 
 #include <algorithm>
@@ -114,17 +117,7 @@ ShellProblem Cantilever(int n, double t, ShellGrid grid)
   GridSupports supports(n, m);
   supports.Column(0, "111111");
   supports.ApplyTo(p.model);
-  std::string edges;
-  for (std::size_t i = 0; i < p.model.triangles.size(); ++i) {
-    for (int k = 0; k < 3; ++k) {
-      const auto at = [&](int corner) {
-        return p.model.nodes[p.model.triangles[i][corner % 3] - 1];
-      };
-      if (at(k)[0] == L && at(k + 1)[0] == L)
-        edges += std::to_string(i + 1) + " " + std::to_string(k) + " 0 0 " + Digits(P / b) + "\n";
-    }
-  }
-  p.model.rest = Block("face_loads", edges);
+  p.model.rest = EdgeLoads(p.model, {0, 0, P / b}, [&](const Vector3& x) { return x[0] == L; });
   return p;
 }
 

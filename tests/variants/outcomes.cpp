@@ -185,6 +185,7 @@ constexpr const char* kNoSolver =
     "error: type of solver must be: Automatic, SkyLine, Double or Sparse\n";
 constexpr const char* kNoGravity = "error: GravityDirection must be a vector no null";
 constexpr const char* kUnknownKey = "Unknown key name=$\n";
+constexpr const char* kUnknownWord = "Unknown key name=note\n";
 constexpr const char* kUnknownItem = "Input of materials not correct. Unknown char: '$'\n";
 constexpr const char* kUnknownNote = "Input of materials not correct. Unknown char: 'note'\n";
 constexpr const char* kYoung = "error in materials. Young Modulus can only be E, Ex or Ey\n";
@@ -291,9 +292,9 @@ constexpr Rule kRules[] = {
     {kForeign, {B::Elements}, {P::Inside}, IsBefore<Field::Material>, Refuse(kUnknownNote)},
     {kForeign, {B::FaceLoads}, {P::Inside}, IsAfterFace<3>, Refuse(kPressureItem)},
 
-    // A plane problem needs two numbers of the direction.
+    // A plane problem needs two numbers of the direction. The third word of the line is consumed.
     {{K::Comment}, {B::Settings}, {P::Inside}, IsThirdOfPlaneGravity, kCut},
-    {kForeign, {B::Settings}, {P::Inside}, IsThirdOfPlaneGravity, Refuse(kUnknownKey)},
+    {kForeign, {B::Settings}, {P::Inside}, IsThirdOfPlaneGravity, Refuse(kUnknownWord)},
 
     // Comments where a value is needed, by either sign.
     {kBothComments, {B::Title}, {P::BeforeValue}, nullptr, Refuse(kNoType)},

@@ -32,11 +32,11 @@ bool HoldsBlocks(std::string_view text);
 /// The same, or the line that ended the list looks like a record with a fault.
 bool HoldsRecords(const EndedList& list);
 
-/// Why the text is skipped.
+/// The reason why the text is skipped.
 std::string AboutSkipped(const SkippedText& skipped);
 /// The same, and how much is lost by it.
 std::string AboutLost(const SkippedText& skipped);
-/// Why the list ended, and what is lost by it.
+/// The reason why the list ended, and the records that are lost.
 std::string AboutEndedList(const EndedList& list);
 
 }  // namespace morlen::check

@@ -7,8 +7,8 @@
 
 namespace morlen::check {
 
-/// What is wrong with a word that is no number of the expected kind from end to end, how the
-/// program reads it, and what its author probably meant.
+/// The fault of a word that is no number of the expected kind from end to end, the value that the
+/// program reads from it, and the value that its author probably meant.
 std::string AboutMisreadNumber(std::string_view word, NumberKind expected);
 
 /// True for the words by which a material's values are found, as "A" or "Iy". Keys that begin with

@@ -49,7 +49,7 @@ double LengthOf(const ShellEdges::Edge& edge)
   return std::sqrt(dist2(&edge.front().First(), &edge.front().Second()));
 }
 
-/// What the held edges tell about nodes and triangles.
+/// The nodes and triangles on which the held edges lie.
 class HeldLines
 {
 public:

@@ -31,7 +31,7 @@ struct Summary
   std::string solver;  ///< as in the problem file; "Automatic" when the run chooses by the work
   /// Stored numbers of the matrix; 0 when triangles get more nodes or the run chooses by the work.
   std::int64_t entries = 0;
-  /// Why the model was not tested for mechanisms; empty when it was.
+  /// The reason why the model was not tested for mechanisms; empty when it was.
   std::string untested;
 };
 

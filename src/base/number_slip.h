@@ -13,7 +13,7 @@ bool IsNumber(std::string_view word, NumberKind kind);
 /// True when the text, after white space, begins with a number.
 bool BeginsWithNumber(std::string_view text);
 
-/// Why a word is no number.
+/// The reason why a word is no number.
 struct NumberSlip
 {
   std::string rule;   ///< that the word breaks, such as "the decimal sign is a point"

@@ -16,7 +16,7 @@ bool EndsValues(std::string_view word)
   return word.empty() || word[0] == '#';
 }
 
-// What to write instead of a word that is no number; empty when it is not known.
+// The number to write instead of a word that is none; empty when it is not known.
 std::string Advice(std::string_view word, NumberKind kind)
 {
   const auto [rule, meant] = FindNumberSlip(word, kind);

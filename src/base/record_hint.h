@@ -17,7 +17,8 @@ std::string LinePrefix(const TextScan& text, const char* place);
 /// The same for the beginning of a record; empty when its file is not known.
 std::string LinePrefix(const RecordText& record);
 
-/// Why a word is no number, and what to write: "'2,1' is not a number: ...". Empty for a number.
+/// The reason why a word is no number, and the number to write: "'2,1' is not a number: ...". Empty
+/// for a number.
 std::string FaultOfNumber(std::string_view word, NumberKind kind = NumberKind::kReal);
 
 /// "3 numbers are expected, 2 are there", by the words of a text up to a comment.

@@ -11,8 +11,8 @@ namespace morlen {
 /// "It"; empty when the word says nothing. "Area" gives "A", and a key gives itself.
 std::string_view MeantMaterialKey(std::string_view word);
 
-/// The hint for a word that is no key: the key that is meant, or what is wrong. previous: the item
-/// before it, empty at the beginning of a record.
+/// The hint for a word that is no key: the key that is meant, or the fault of the word. previous:
+/// the item before it, empty at the beginning of a record.
 std::string FaultOfMaterialKey(const RecordText& word, std::string_view previous);
 
 }  // namespace morlen

@@ -79,7 +79,7 @@ std::string_view ReadWordOfHead(TextScan& text)
   }
 }
 
-// Where the list ends, when it does not end at "end".
+// The place at which a list without "end" ends.
 std::string EndOfList(const TextScan& text)
 {
   const std::string_view word = text.WordAround(text.Here());

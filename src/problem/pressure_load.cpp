@@ -121,7 +121,7 @@ bool ScanNumbers(std::string_view& text, PROBLEMTYPE problem, ElemType elemType,
   return ScanRecord(text, {false, 3, 3}, values, face);
 }
 
-// What a record must hold, for the hint.
+// The items of a record, for the hint.
 RecordForm FormOf(PROBLEMTYPE problem, ElemType elemType, PreassureLT_type type)
 {
   if (elemType == Tetrahedra && problem == kPlane)

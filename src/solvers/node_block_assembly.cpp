@@ -1,4 +1,4 @@
-// How elements get into a matrix of node blocks.
+// Adds elements to a matrix of node blocks.
 //
 // Finding the blocks of an element is a search in the line of each of its nodes. A group of
 // elements that was announced is searched for at once, four columns at a time, and the memory of

@@ -218,6 +218,17 @@ TEST(Elem, GiveEIInTheOrderOfItsNames)
   EXPECT_EQ(EA, 14.0);
 }
 
+// Reads the line of the pieces from a record, and composes the material of the element.
+void ReadLine(Pieces& p, const char* record, const VoidPlex& materials)
+{
+  TextScan text(record);
+  VoidPlex nodes(100);
+  for (int i = 0; i < 2; ++i)
+    nodes.set_at(i + 1, &p.nodes[i]);
+  ASSERT_EQ(p.line.ReadFromAscii(text, &nodes, nullptr), 1);
+  p.line.ComposeYourMaterial(&materials);
+}
+
 TEST(Elem, NegativeItemsReplaceTheValuesOfTheMaterial)
 {
   Pieces p;
@@ -227,12 +238,7 @@ TEST(Elem, NegativeItemsReplaceTheValuesOfTheMaterial)
   numbered.A = 7.0;
   VoidPlex materials(100);
   materials.set_at(4, &numbered);
-  TextScan text("1 1 2 4 nu=-0.2 Weight=-25");
-  VoidPlex nodes(100);
-  for (int i = 0; i < 2; ++i)
-    nodes.set_at(i + 1, &p.nodes[i]);
-  ASSERT_EQ(p.line.ReadFromAscii(text, &nodes, nullptr), 1);
-  p.line.ComposeYourMaterial(&materials);
+  ReadLine(p, "1 1 2 4 nu=-0.2 Weight=-25", materials);
   const Material* const own = p.line.GiveMaterial(&materials);
   EXPECT_EQ(own->nuXY, -0.2);
   EXPECT_EQ(own->nuYX, -0.2);
@@ -250,12 +256,7 @@ TEST(Elem, GiveEIOfAMaterialOfItsOwn)
   numbered.A = 7.0;
   VoidPlex materials(100);
   materials.set_at(4, &numbered);
-  TextScan text("1 1 2 4 E=2 Iy=3 Iz=5");
-  VoidPlex nodes(100);
-  for (int i = 0; i < 2; ++i)
-    nodes.set_at(i + 1, &p.nodes[i]);
-  ASSERT_EQ(p.line.ReadFromAscii(text, &nodes, nullptr), 1);
-  p.line.ComposeYourMaterial(&materials);
+  ReadLine(p, "1 1 2 4 E=2 Iy=3 Iz=5", materials);
   double EIy = 0.0, EIz = 0.0, EA = 0.0;
   p.line.GiveEI(&materials, EIy, EIz, EA);
   EXPECT_EQ(EIy, 6.0);

@@ -95,7 +95,10 @@ class Forces:
         return solve(normal, [sum(r[i] * f for r, f in rows) for i in size])[0]
 
     def nearest(self, place, k):
-        return min(self.points, key=lambda p: math.dist(p[0], place))[1][k]
+        """Of points at the same distance, such as one on a line of supports and one in the span, the largest value."""
+        distances = [math.dist(p, place) for p, _ in self.points]
+        limit = min(distances) * (1 + 1e-6)
+        return max((v[k] for (_, v), d in zip(self.points, distances) if d <= limit), key=abs)
 
 
 def compare(run, title, sizes, model, along, readings, one_sided=False):

@@ -54,6 +54,8 @@ void ExplainValue(const TextScan& text, std::string_view value, const Parts&... 
 {
   if (value.starts_with('#'))
     Explain(Line(text), "a comment cannot be between a keyword and its value");
+  else if (value.empty())
+    Explain(Line(text), "the file ends without the value of its last keyword");
   else
     Explain(Line(text), parts...);
 }

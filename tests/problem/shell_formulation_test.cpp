@@ -54,6 +54,14 @@ TEST(ShellFormulationKeyword, OtherWordsAreRefusedWithAHint)
   errorwriter.DropHint();
 }
 
+TEST(ShellFormulationKeyword, AFileThatEndsWithoutTheValueSaysSo)
+{
+  ExpectFatal([] { ReadProblemText("problem type: 3d\nShellFormulation"); },
+              "error: ShellFormulation must be: Standard or Refined\n");
+  EXPECT_EQ(errorwriter.Hint(), "line 2: the file ends without the value of its last keyword");
+  errorwriter.DropHint();
+}
+
 TEST(ShellFormulationKeyword, TheProgramPrintsMessageAndHint)
 {
   const RunResult run = RunOnProblem(With("ShellFormulation Thin"));

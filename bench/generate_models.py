@@ -9,6 +9,7 @@
     sheet N                  the same, thinner than its elements are wide
     plate6 N                 the plate as six-node shells
     roof N                   cylindrical roof of 2 N^2 three-node shells on two diaphragms
+    roof6 N                  the roof as six-node shells
     block N                  cube of 6 N^3 four-node tetrahedra, held on one side
     block10 N                the same of ten-node tetrahedra
 
@@ -187,6 +188,12 @@ def roof(n):
     return model
 
 
+def roof6(n):
+    model = roof(n)
+    model.settings = ["ConvertTo6Nodes"]
+    return model
+
+
 def solid_block(n, ten_nodes):
     """A cube of side 1, held at x = 0 and pulled at the nodes of x = 1."""
     mesh = SolidMesh(ten_nodes)
@@ -219,6 +226,7 @@ FAMILIES = {
     "sheet": (sheet, ("n",)),
     "plate6": (plate6, ("n",)),
     "roof": (roof, ("n",)),
+    "roof6": (roof6, ("n",)),
     "block": (block, ("n",)),
     "block10": (block10, ("n",)),
 }

@@ -8,9 +8,10 @@
     report.py cholmod PAIRS                the skyline solver against CHOLMOD
     report.py choice CHOICES               the automatic choice against both solvers
     report.py refinement RUNS              the part of the refinement in direct runs
+    report.py shells SHELLS                refined shells against standard ones
 
 RUNS is the output of morlen_stages, WHOLE that of whole_runs.py, LIMITS that of morlen_limits,
-PAIRS that of morlen_cholmod, CHOICES that of choice_runs.py.
+PAIRS that of morlen_cholmod, CHOICES that of choice_runs.py, SHELLS that of morlen_shells.
 """
 
 import argparse
@@ -31,6 +32,8 @@ ITERATION = {"block": 0.75, "block10": 0.60, "plate": 0.85, "roof": 0.85, "frame
              "portal2d": 0.75}
 # Microseconds an element.
 ASSEMBLY = {"block": 0.3, "block10": 5.0, "plate": 1.1, "roof": 1.1, "frame3d": 1.1, "portal2d": 1.1}
+# Of a refined shell of so many nodes.
+REFINED_SHELL = {3: 2.5, 6: 6.0}
 # Parts of the peer's time, by the number of equations up to which they hold.
 PEER = {"block": ((15e3, 1.0), (60e3, 0.35), (1e6, 0.5)),
         "block10": ((15e3, 2.1), (60e3, 0.35), (1e6, 0.5)),
@@ -241,11 +244,23 @@ def print_refinement(runs):
     markdown(("model", "equations", "refinement, ms", "run, ms", "part", "target"), cells)
 
 
+# ---------------------------------------------------------------- refined shells
+
+def print_shells(runs):
+    cells = []
+    for run in runs:
+        for stage, refined in run["refined"].items():
+            standard = run["standard"][stage]
+            cells.append((run["model"], str(run["nodes"]), stage, f"{standard:.2f}", f"{refined:.2f}",
+                          f"{refined / standard:.2f}", f"≤ {REFINED_SHELL[run['nodes']]:g}"))
+    markdown(("model", "nodes", "stage", "standard, µs", "refined, µs", "ratio", "target, µs"), cells)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("table", choices=("stages", "kernels", "whole", "growth", "cholmod",
-                                          "choice", "refinement"))
+                                          "choice", "refinement", "shells"))
     parser.add_argument("runs")
     parser.add_argument("limits", nargs="?")
     options = parser.parse_args()
@@ -255,7 +270,7 @@ def main():
     else:
         {"stages": print_stages, "whole": print_whole, "growth": print_growth,
          "cholmod": print_cholmod, "choice": print_choice,
-         "refinement": print_refinement}[options.table](runs)
+         "refinement": print_refinement, "shells": print_shells}[options.table](runs)
 
 
 if __name__ == "__main__":

@@ -6,6 +6,7 @@
 #   scripts/bench.sh cholmod     the skyline solver compared with CHOLMOD on the same matrices
 #   scripts/bench.sh choice      the automatic choice of the solver compared with both solvers
 #   scripts/bench.sh refinement  the part of the refinement in direct runs
+#   scripts/bench.sh shells      refined shells compared with standard ones, element by element
 #   scripts/bench.sh growth      growth with the number of equations
 #   scripts/bench.sh linear      growth with the length of the input
 #   scripts/bench.sh             all of these
@@ -14,9 +15,9 @@ set -eu
 cd "$(dirname "$0")/.."
 part="${1:-all}"
 case "$part" in
-  all | kernels | whole | cholmod | choice | refinement | growth | linear) ;;
+  all | kernels | whole | cholmod | choice | refinement | shells | growth | linear) ;;
   *)
-    echo "usage: scripts/bench.sh [kernels|whole|cholmod|choice|refinement|growth|linear]" >&2
+    echo "usage: scripts/bench.sh [kernels|whole|cholmod|choice|refinement|shells|growth|linear]" >&2
     exit 2
     ;;
 esac
@@ -135,6 +136,15 @@ frame3d 10 10 68" SkyLine)
   # shellcheck disable=SC2086  # one word per file
   "$bin"/morlen_stages $files >build/bench/refinement.json
   bench/report.py refinement build/bench/refinement.json
+fi
+if [ "$part" = shells ] || [ "$part" = all ]; then
+  files=$(generate "plate 224
+plate6 224
+roof 224
+roof6 224")
+  # shellcheck disable=SC2086  # one word per file
+  "$bin"/morlen_shells $files >build/bench/shells.json
+  bench/report.py shells build/bench/shells.json
 fi
 if [ "$part" = growth ] || [ "$part" = all ]; then
   files=$(generate "$growing_models")

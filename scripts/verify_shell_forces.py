@@ -94,11 +94,14 @@ class Forces:
         normal = [[sum(r[i] * r[j] for r, _ in rows) for j in size] for i in size]
         return solve(normal, [sum(r[i] * f for r, f in rows) for i in size])[0]
 
-    def nearest(self, place, k):
-        """Of points at the same distance, such as one on a line of supports and one in the span, the largest value."""
-        distances = [math.dist(p, place) for p, _ in self.points]
-        limit = min(distances) * (1 + 1e-6)
-        return max((v[k] for (_, v), d in zip(self.points, distances) if d <= limit), key=abs)
+    def nearest(self, place, first, k, one_sided):
+        """One-sided: at a line of supports across `first`, where points on the line are the nearest."""
+
+        def distance(point):
+            d = [p - q for p, q in zip(point[0], place)]
+            return round(abs(dot(d, first)), 6) if one_sided else 0, math.hypot(*d)
+
+        return min(self.points, key=distance)[1][k]
 
 
 def compare(run, title, sizes, model, along, readings, one_sided=False):
@@ -112,7 +115,7 @@ def compare(run, title, sizes, model, along, readings, one_sided=False):
         for name, place, tangents, k, reference in readings:
             row = []
             for forces in both:
-                row += [forces.fitted(place, *tangents, 3 * h, k, one_sided), forces.nearest(place, k)]
+                row += [forces.fitted(place, *tangents, 3 * h, k, one_sided), forces.nearest(place, tangents[0], k, one_sided)]
             print(f"| {n} | {name} | {reference:.5g} | " + " | ".join(f"{x / reference:.3f}" for x in row) + " |",
                   flush=True)
 

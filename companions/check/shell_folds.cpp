@@ -24,6 +24,7 @@
 #include "check/shell_edges.h"
 #include "model/elem.h"
 #include "model/node.h"
+#include "numeric/plane_angle.h"
 #include "problem/problem.h"
 
 namespace morlen::check {
@@ -46,11 +47,6 @@ struct Fold
   const ShellSide* side;  ///< of one of them
   double angle;           ///< between their normals without regard to their signs, in radians
 };
-
-double AngleBetween(const Point& n, const Point& m)
-{
-  return std::atan2(Length(Cross(n, m)), std::fabs(Dot(n, m)));
-}
 
 /// A patch with a fold that counts.
 struct Patch
@@ -110,7 +106,7 @@ private:
       for (std::size_t j = i + 1; j < edge.size(); ++j) {
         const Point& n = normals[edge[i].triangle];
         const Point& m = normals[edge[j].triangle];
-        const double angle = AngleBetween(n, m);
+        const double angle = AngleOfPlanes(n.data(), m.data());
         if (!(angle < kBetweenPatches && Dot(n, n) > 0.0 && Dot(m, m) > 0.0))
           continue;
         sets.Join(edge[i].triangle, edge[j].triangle);

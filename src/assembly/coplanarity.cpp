@@ -16,6 +16,7 @@
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
+#include "numeric/plane_angle.h"
 #include "numeric/plex_range.h"
 #include "problem/problem.h"
 
@@ -100,7 +101,7 @@ private:
     constexpr double kLargestSlight = 0.02;
     std::vector<ReaVec>& known = normalsAt[node.number - 1];
     for (const ReaVec& other : known) {
-      const double angle = std::atan2(VectorProd(normal, other).modul(), std::fabs(normal * other));
+      const double angle = AngleOfPlanes(normal.Data(), other.Data());
       if (angle > std::max(problem.coplanarityAngle, largest.angle) && angle < kLargestSlight)
         largest = {angle, problem.meshes.front()->GiveOldNumber(&node)};
     }

@@ -1,6 +1,5 @@
 #include "assembly/middle_supports.h"
 
-#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -8,6 +7,7 @@
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
+#include "numeric/plane_angle.h"
 #include "numeric/plex_range.h"
 #include "numeric/vector_functions.h"
 #include "problem/problem.h"
@@ -32,11 +32,10 @@ ReaVec NormalOf(const Elem& elem)
   return VectorProd(*elem(1) - *elem(0), *elem(2) - *elem(0));
 }
 
-// Triangles on either side of a plane are in one plane.
 bool IsFold(const ReaVec& a, const ReaVec& b)
 {
   constexpr double kSmallest = 0.02;
-  return std::atan2(VectorProd(a, b).modul(), std::fabs(a * b)) > kSmallest;
+  return AngleOfPlanes(a.Data(), b.Data()) > kSmallest;
 }
 
 void AddTriangle(const Elem& elem, int firstAdded, std::vector<ConvertedEdge>& edges)

@@ -21,37 +21,37 @@ void CopyMatrix(const Matriu& from, double (&to)[Order][Order])
   }
 }
 
-ShellSection SectionOf(const Elem& elem, const Material& material)
+}  // namespace
+
+template <class Shell>
+RefinedShellEvaluator<Shell>::RefinedShellEvaluator(const std::vector<double>& nodeShares_)
+    : nodeShares(nodeShares_), Dm(3, 3), Db(3, 3), Ds(2, 2)
 {
-  Matriu Dm(3, 3), Db(3, 3), Ds(2, 2);
+}
+
+template <class Shell>
+void RefinedShellEvaluator<Shell>::SetSection(const Elem& elem, const Material& material)
+{
+  if (&material == materialOfSection)
+    return;
   material.GiveDMatrix(elem.Num(), Dm, Db, Ds);
   ShellSection section;
   CopyMatrix(Dm, section.Dm);
   CopyMatrix(Db, section.Db);
   CopyMatrix(Ds, section.Ds);
   section.thickness = material.t;
-  return section;
-}
-
-}  // namespace
-
-template <class Shell>
-RefinedShellEvaluator<Shell>::RefinedShellEvaluator(const std::vector<double>& nodeShares_)
-    : nodeShares(nodeShares_)
-{
+  shell.SetSection(section);
+  materialOfSection = &material;
 }
 
 template <class Shell>
 void RefinedShellEvaluator<Shell>::Evaluate(const Elem& elem, const Material& material)
 {
   elem.CalcTransfMatrixTriangle(T, Tbig, &material);
-  if (&material != materialOfSection)
-    shell.SetSection(SectionOf(elem, material));
-  materialOfSection = &material;
+  SetSection(elem, material);
   CalcLocalCoordinates(elem, T, x, y);
   for (int i = 0; i < kNodes; ++i)
     shares[i] = nodeShares[elem(i)->number - 1];
-  area = CornerTriangle(x, y).area;
   if (!shell.Set(x, y, shares)) {
     if (kNodes > 3)
       Explain(

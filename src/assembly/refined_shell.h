@@ -29,19 +29,20 @@ public:
   const Matriu& Frame() const { return T; }
   const Shell& Element() const { return shell; }
   double Share(int i) const { return shares[i]; }
-  double Area() const { return area; }  ///< of the triangle of the corners
+  double Area() const { return shell.Area(); }  ///< of the triangle of the corners
 
   /// The displacements of the nodes in local axes, six each, without the rigid motion (see
   /// relative_motion.h). u: by equation, global axes.
   void CalcRelative(const Elem& elem, const SplitView& u, double* local) const;
 
 private:
+  void SetSection(const Elem& elem, const Material& material);
+
   const std::vector<double>& nodeShares;
   Shell shell;
   double x[kNodes], y[kNodes], shares[kNodes];
-  double area = 0.0;
   const Material* materialOfSection = nullptr;
-  Matriu T, Tbig;
+  Matriu T, Tbig, Dm, Db, Ds;
 };
 
 }  // namespace morlen

@@ -27,18 +27,14 @@ void AddStiffnessOf(const Problem& problem, const Mesh& mesh, int applyLocalAxes
   constexpr int kNodes = Shell::kNodes;
   RefinedShellEvaluator<Shell> shell(problem.shellShares);
   ShellStiffness<kNodes> stiffness;
-  Matriu K(6, 6);
   BlockAssembler assembler(sink, problem.components.count, applyLocalAxes);
   assembler.Assemble(mesh, [&](const Elem& elem) {
     shell.Evaluate(elem, problem.RequireMaterial(elem));
-    stiffness.Calc(shell.Element().Rows());
+    shell.Element().CalcStiffness(stiffness);
+    const ShellAxes axes(shell.Frame());
     for (int i = 0; i < kNodes; ++i) {
-      for (int j = i; j < kNodes; ++j) {
-        stiffness.CopyBlock(i, j, K.Data());
-        TurnRows(shell.Frame(), Turn::ToGlobal, K);
-        TurnColumns(shell.Frame(), Turn::ToGlobal, K);
-        assembler.Append(K);
-      }
+      for (int j = i; j < kNodes; ++j)
+        stiffness.CopyBlock(axes, i, j, assembler.NextBlock());
     }
   });
 }
@@ -54,7 +50,7 @@ void AddForcesOf(const Problem& problem, const Mesh& mesh, InternalForces& force
     shell.Evaluate(elem, problem.RequireMaterial(elem));
     for (int index = 0; index < forces.Count(); ++index) {
       shell.CalcRelative(elem, forces.Displacements(index), local);
-      CalcShellForces(shell.Element().Rows(), local, nodal);
+      shell.Element().CalcForces(local, nodal);
       for (int i = 0; i < kNodes; ++i)
         TurnVector(shell.Frame(), Turn::ToGlobal, 6, nodal + 6 * i);
       forces.Add(elem, index, nodal);

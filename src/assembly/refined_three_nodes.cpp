@@ -10,6 +10,11 @@
 // Plate: DKMT, I. Katili, A new discrete Kirchhoff-Mindlin element based on Mindlin-Reissner plate
 // theory and assumed shear strain fields, part I, Int. J. Numer. Methods Engrg. 36 (1993)
 // 1859-1883.
+//
+// In both parts the strains are the sum of a constant and of a deviation from it, whose energies do
+// not mix. The deviation follows from three numbers: in the membrane the drilling of the nodes, in
+// the plate the chords of the edges. Its energy over the points of integration is therefore a 3×3
+// matrix, and no row of strains at a point is formed.
 
 #include <algorithm>
 #include <cmath>
@@ -21,12 +26,61 @@ namespace morlen {
 
 namespace {
 
-using Rows = ShellRows<3>;
-using Row = Rows::Row;
+constexpr int kNodes = ThreeNodeShell::kNodes;
+constexpr int kColumns = ThreeNodeShell::kColumns;
+using Row = ThreeNodeShell::Row;
+using Part = ThreeNodeShell::Part;
+using Square = double[3][3];
+
+// The columns of node i (from 0).
+constexpr int U(int i)
+{
+  return i;
+}
+constexpr int V(int i)
+{
+  return kNodes + i;
+}
+constexpr int Rz(int i)
+{
+  return 2 * kNodes + i;
+}
+constexpr int W(int i)
+{
+  return i;
+}
+constexpr int Rx(int i)
+{
+  return kNodes + i;
+}
+constexpr int Ry(int i)
+{
+  return 2 * kNodes + i;
+}
 
 constexpr int Next(int i)
 {
   return (i + 1) % 3;
+}
+
+void CopyMultiple(double factor, const Square& from, Square& to)
+{
+  for (int a = 0; a < 3; ++a) {
+    for (int b = 0; b < 3; ++b)
+      to[a][b] = factor * from[a][b];
+  }
+}
+
+// sum += factor · mᵀ D m.
+void AddCongruent(double factor, const Square& D, const Square& m, Square& sum)
+{
+  for (int b = 0; b < 3; ++b) {
+    double product[3];
+    for (int k = 0; k < 3; ++k)
+      product[k] = factor * (D[k][0] * m[0][b] + D[k][1] * m[1][b] + D[k][2] * m[2][b]);
+    for (int a = 0; a < 3; ++a)
+      sum[a][b] += m[0][a] * product[0] + m[1][a] * product[1] + m[2][a] * product[2];
+  }
 }
 
 // Strains of the basic part: constant in the element, from the displacements of the edges, which
@@ -34,59 +88,46 @@ constexpr int Next(int i)
 void SetBasicStrains(const CornerTriangle& t, const double* f, std::array<Row, 3>& strain)
 {
   strain = {};
-  for (int i = 0; i < 3; ++i) {
+  for (int i = 0; i < kNodes; ++i) {
     const int j = Next(i);
+    strain[0][U(i)] = strain[2][V(i)] = t.gradient[i][0];
+    strain[1][V(i)] = strain[2][U(i)] = t.gradient[i][1];
     const double cx = t.edge[i][0];
     const double cy = t.edge[i][1];
-    const double twoA = 2.0 * t.area;
     const double bend = std::sqrt(f[i] * f[j]) / (8.0 * t.area);
     const double turned[] = {bend * cy * cy, bend * cx * cx, -2.0 * bend * cx * cy};
-    for (const int node : {i, j}) {
-      strain[0][Rows::U(node)] += cy / twoA;
-      strain[1][Rows::V(node)] -= cx / twoA;
-      strain[2][Rows::U(node)] -= cx / twoA;
-      strain[2][Rows::V(node)] += cy / twoA;
-      const double sign = node == i ? -1.0 : 1.0;
-      for (int k = 0; k < 3; ++k)
-        strain[k][Rows::Rz(node)] += sign * turned[k];
+    for (int k = 0; k < 3; ++k) {
+      strain[k][Rz(i)] -= turned[k];
+      strain[k][Rz(j)] += turned[k];
     }
   }
 }
 
-// The rotation of a node minus that of the corners' linear field.
-Row DrillingOf(const CornerTriangle& t, int node)
+// The rotations of the nodes minus that of the corners' linear field.
+void SetDrilling(const CornerTriangle& t, std::array<Row, 3>& rows)
 {
-  Row row{};
-  for (int i = 0; i < 3; ++i) {
-    row[Rows::U(i)] = t.gradient[i][1] / 2.0;
-    row[Rows::V(i)] = -t.gradient[i][0] / 2.0;
+  rows = {};
+  for (int node = 0; node < kNodes; ++node) {
+    for (int i = 0; i < kNodes; ++i) {
+      rows[node][U(i)] = t.gradient[i][1] / 2.0;
+      rows[node][V(i)] = -t.gradient[i][0] / 2.0;
+    }
+    rows[node][Rz(node)] = 1.0;
   }
-  row[Rows::Rz(node)] = 1.0;
-  return row;
 }
 
-// The inverse of the matrix whose rows (a², b², a b) / l turn strains into those along the edges.
+// The inverse of the matrix whose rows (a², b², a b) / l turn strains into those along the edges,
+// edge by edge in closed form, so that slender triangles lose no digits. The strain along the edge
+// between two corners comes only from the symmetric product of their gradients g, because the edge
+// times them is -1 and 1 and times the third gradient 0.
 void InvertEdgeStrains(const CornerTriangle& t, double (&inverse)[3][3])
 {
-  double S[3][3];
   for (int e = 0; e < 3; ++e) {
-    const double a = t.edge[e][0];
-    const double b = t.edge[e][1];
-    S[e][0] = a * a / t.squares[e];
-    S[e][1] = b * b / t.squares[e];
-    S[e][2] = a * b / t.squares[e];
-  }
-  double determinant = 0.0;
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) {
-      const int i1 = Next(i), i2 = Next(i1), j1 = Next(j), j2 = Next(j1);
-      inverse[j][i] = S[i1][j1] * S[i2][j2] - S[i1][j2] * S[i2][j1];
-    }
-    determinant += S[0][i] * inverse[i][0];
-  }
-  for (auto& row : inverse) {
-    for (double& value : row)
-      value /= determinant;
+    const double* const g = t.gradient[e];
+    const double* const h = t.gradient[Next(e)];
+    inverse[0][e] = -t.squares[e] * g[0] * h[0];
+    inverse[1][e] = -t.squares[e] * g[1] * h[1];
+    inverse[2][e] = -t.squares[e] * (g[0] * h[1] + g[1] * h[0]);
   }
 }
 
@@ -97,112 +138,248 @@ constexpr int kDeviationStrains[3][3][3] = {{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}},
                                             {{5, 6, 4}, {8, 9, 7}, {2, 3, 1}}};
 constexpr double kCoefficients[] = {0.0, 1.0, 2.0, 1.0, 0.0, 1.0, -1.0, -1.0, -1.0, -2.0};
 
-// The strains at the middle of edge e that the deviations cause.
-void SetHigherStrains(const CornerTriangle& t, const double (&inverse)[3][3], int e,
-                      const std::array<Row, 3>& deviation, std::array<Row, 3>& strain)
+/// The sums of the strains at both ends of an edge: at the middle of edge e they are
+/// area / 3 · kMiddleStrains[e][edge][node] / the squared length of the edge.
+constexpr std::array<std::array<std::array<double, 3>, 3>, 3> SumAtMiddles()
 {
-  std::array<Row, 3> alongEdges{};
-  for (int edge = 0; edge < 3; ++edge) {
-    for (int node = 0; node < 3; ++node) {
-      double sum = 0.0;
-      for (const int corner : {e, Next(e)})
-        sum += kCoefficients[kDeviationStrains[corner][edge][node]];
-      const double factor = t.area / 3.0 * sum / t.squares[edge];
-      for (int c = 0; c < Rows::kColumns; ++c)
-        alongEdges[edge][c] += factor * deviation[node][c];
+  std::array<std::array<std::array<double, 3>, 3>, 3> sums{};
+  for (int e = 0; e < 3; ++e) {
+    for (int edge = 0; edge < 3; ++edge) {
+      for (int node = 0; node < 3; ++node)
+        sums[e][edge][node] = kCoefficients[kDeviationStrains[e][edge][node]] +
+                              kCoefficients[kDeviationStrains[Next(e)][edge][node]];
     }
   }
-  for (int k = 0; k < 3; ++k) {
-    for (int c = 0; c < Rows::kColumns; ++c)
-      strain[k][c] = inverse[k][0] * alongEdges[0][c] + inverse[k][1] * alongEdges[1][c] +
-                     inverse[k][2] * alongEdges[2][c];
-  }
+  return sums;
 }
 
-void SetMembrane(const CornerTriangle& t, const double* f, double higher, Rows& rows)
+constexpr auto kMiddleStrains = SumAtMiddles();
+
+// Adds the stiffness of the deviations that comes from the strains at the middles of the edges.
+void AddHigherStiffness(const CornerTriangle& t, const Square& Dm, double higher, const double* f,
+                        Square& stiffness)
 {
-  SetBasicStrains(t, f, rows.strain[0]);
-  rows.strainWeight[0] = t.area;
-  std::array<Row, 3> deviation;
-  const double remainder = DrillingRemainder(rows.section.thickness, t.area);
-  for (int k = 0; k < 3; ++k) {
-    const Row row = DrillingOf(t, k);
-    rows.scalar[k] = row;
-    rows.scalarStiffness[k] = (1.0 - f[k]) * remainder * rows.section.Dm[2][2] * t.area / 3.0;
-    for (int c = 0; c < Rows::kColumns; ++c)
-      deviation[k][c] = f[k] * row[c];
-  }
-  double inverse[3][3];
+  Square inverse;
   InvertEdgeStrains(t, inverse);
+  Square ofEdges{};
+  AddCongruent(0.75 * higher * t.area, Dm, inverse, ofEdges);
   for (int e = 0; e < 3; ++e) {
-    SetHigherStrains(t, inverse, e, deviation, rows.strain[1 + e]);
-    rows.strainWeight[1 + e] = 0.75 * higher * t.area;
+    Square strains;
+    for (int edge = 0; edge < 3; ++edge) {
+      const double factor = t.area / (3.0 * t.squares[edge]);
+      for (int node = 0; node < kNodes; ++node)
+        strains[edge][node] = factor * f[node] * kMiddleStrains[e][edge][node];
+    }
+    AddCongruent(1.0, ofEdges, strains, stiffness);
   }
 }
 
-/// An edge of the plate: the part of its rotation that is not that of a straight normal.
-struct PlateEdge
+void SetMembrane(const CornerTriangle& t, const double* f, const ShellSection& section,
+                 double higher, Part& part)
 {
-  Row e;         ///< row of the difference between chord and mean rotation, times the length
-  double bend;   ///< factor of e in the curvature
-  double shear;  ///< factor of e in the shear strain
+  SetBasicStrains(t, f, part.mean);
+  CopyMultiple(t.area, section.Dm, part.elastic);
+  SetDrilling(t, part.further);
+  const double remainder = DrillingRemainder(section.thickness, t.area);
+  std::fill_n(&part.furtherStiffness[0][0], 9, 0.0);
+  for (int k = 0; k < kNodes; ++k)
+    part.furtherStiffness[k][k] = (1.0 - f[k]) * remainder * section.Dm[2][2] * t.area / 3.0;
+  AddHigherStiffness(t, section.Dm, higher, f, part.furtherStiffness);
+}
+
+/// The rows of the slopes that the rotations of its ends give each edge of the plate beyond those of a straight edge.
+struct PlateEdges
+{
+  double bend[3];   ///< factors in the curvature
+  double shear[3];  ///< factors in the shear strain
 };
 
-PlateEdge EdgeOf(const CornerTriangle& t, const ShellSection& section, int i)
+PlateEdges EdgesOf(const CornerTriangle& t, const ShellSection& section)
 {
-  const int j = Next(i);
-  const double cx = t.edge[i][0];
-  const double cy = t.edge[i][1];
-  const double squares = t.squares[i];
-  const double q[] = {cx * cx / squares, cy * cy / squares, 2.0 * cx * cy / squares};
-  double bending = 0.0;
-  for (int a = 0; a < 3; ++a) {
-    for (int b = 0; b < 3; ++b)
-      bending += q[a] * section.Db[a][b] * q[b];
+  PlateEdges edges;
+  for (int e = 0; e < 3; ++e) {
+    const double cx = t.edge[e][0];
+    const double cy = t.edge[e][1];
+    const double squares = t.squares[e];
+    const double q[] = {cx * cx / squares, cy * cy / squares, 2.0 * cx * cy / squares};
+    double bending = 0.0;
+    for (int a = 0; a < 3; ++a) {
+      for (int b = 0; b < 3; ++b)
+        bending += q[a] * section.Db[a][b] * q[b];
+    }
+    const double shear = (section.Ds[0][0] * cx * cx + section.Ds[1][1] * cy * cy) / squares;
+    const double phi = 12.0 * bending / (shear * squares);
+    edges.bend[e] = -1.5 / (squares * (1.0 + phi));
+    edges.shear[e] = phi / (1.0 + phi);
   }
-  const double shear = (section.Ds[0][0] * cx * cx + section.Ds[1][1] * cy * cy) / squares;
-  const double phi = 12.0 * bending / (shear * squares);
-  PlateEdge edge{{}, -1.5 / (squares * (1.0 + phi)), phi / (1.0 + phi)};
-  edge.e[Rows::W(i)] = -1.0;
-  edge.e[Rows::W(j)] = 1.0;
-  for (const int node : {i, j}) {
-    edge.e[Rows::Ry(node)] = cx / 2.0;
-    edge.e[Rows::Rx(node)] = -cy / 2.0;
-  }
-  return edge;
+  return edges;
 }
 
-// The rows at the point with the area coordinates L.
-void SetPlatePoint(const CornerTriangle& t, const std::array<PlateEdge, 3>& edges, const double* L,
-                   Rows::PlatePoint& point)
+// The differences between chord and mean rotation of the edges, times the length.
+void SetChords(const CornerTriangle& t, std::array<Row, 3>& rows)
 {
-  point = {};
+  rows = {};
   for (int i = 0; i < 3; ++i) {
-    const double gx = t.gradient[i][0];
-    const double gy = t.gradient[i][1];
-    point.curvature[0][Rows::Ry(i)] = gx;
-    point.curvature[1][Rows::Rx(i)] = -gy;
-    point.curvature[2][Rows::Ry(i)] = gy;
-    point.curvature[2][Rows::Rx(i)] = -gx;
+    rows[i][W(i)] = -1.0;
+    rows[i][W(Next(i))] = 1.0;
+    for (const int node : {i, Next(i)}) {
+      rows[i][Rx(node)] = -t.edge[i][1] / 2.0;
+      rows[i][Ry(node)] = t.edge[i][0] / 2.0;
+    }
   }
+}
+
+// The curvatures (rows) for the chords of the edges (columns). L: the area coordinates of a point,
+// or the differences between those of two points.
+void CalcChordCurvatures(const CornerTriangle& t, const PlateEdges& edges, const double* L,
+                         Square& curvature)
+{
   for (int i = 0; i < 3; ++i) {
     const int j = Next(i);
-    const double cx = t.edge[i][0];
-    const double cy = t.edge[i][1];
-    double P[2], S[2];
+    double P[2];
+    for (int k = 0; k < 2; ++k)
+      P[k] = 4.0 * edges.bend[i] * (L[i] * t.gradient[j][k] + L[j] * t.gradient[i][k]);
+    curvature[0][i] = P[0] * t.edge[i][0];
+    curvature[1][i] = P[1] * t.edge[i][1];
+    curvature[2][i] = P[1] * t.edge[i][0] + P[0] * t.edge[i][1];
+  }
+}
+
+void CalcChordShear(const CornerTriangle& t, const PlateEdges& edges, const double* L,
+                    double (&shear)[2][3])
+{
+  for (int i = 0; i < 3; ++i) {
+    const int j = Next(i);
+    for (int k = 0; k < 2; ++k)
+      shear[k][i] = edges.shear[i] * (L[i] * t.gradient[j][k] - L[j] * t.gradient[i][k]);
+  }
+}
+
+constexpr double kCentroid[] = {1.0 / 3.0, 1.0 / 3.0, 1.0 / 3.0};
+constexpr double kMiddles[3][3] = {{0.5, 0.5, 0.0}, {0.0, 0.5, 0.5}, {0.5, 0.0, 0.5}};
+
+// The mean curvatures, which are those at the centroid.
+void SetMeanCurvatures(const CornerTriangle& t, const PlateEdges& edges, Part& part)
+{
+  Square ofChords;
+  CalcChordCurvatures(t, edges, kCentroid, ofChords);
+  for (int k = 0; k < 3; ++k) {
+    for (int c = 0; c < kColumns; ++c)
+      part.mean[k][c] = ofChords[k][0] * part.further[0][c] + ofChords[k][1] * part.further[1][c] +
+                        ofChords[k][2] * part.further[2][c];
+  }
+  for (int i = 0; i < kNodes; ++i) {
+    part.mean[0][Ry(i)] += t.gradient[i][0];
+    part.mean[1][Rx(i)] -= t.gradient[i][1];
+    part.mean[2][Ry(i)] += t.gradient[i][1];
+    part.mean[2][Rx(i)] -= t.gradient[i][0];
+  }
+}
+
+// The curvature is linear in the element, and the points of integration are around the centroid. So
+// mean and deviation from it have no energy in common.
+void SetPlate(const CornerTriangle& t, const ShellSection& section, Part& part,
+              double (&shearAtCentroid)[2][3])
+{
+  const PlateEdges edges = EdgesOf(t, section);
+  SetChords(t, part.further);
+  SetMeanCurvatures(t, edges, part);
+  CopyMultiple(t.area, section.Db, part.elastic);
+  std::fill_n(&part.furtherStiffness[0][0], 9, 0.0);
+  for (const double* L : kMiddles) {
+    const double fromCentroid[] = {L[0] - kCentroid[0], L[1] - kCentroid[1], L[2] - kCentroid[2]};
+    Square curvature;
+    CalcChordCurvatures(t, edges, fromCentroid, curvature);
+    AddCongruent(t.area / 3.0, section.Db, curvature, part.furtherStiffness);
+    double shear[2][3];
+    CalcChordShear(t, edges, L, shear);
     for (int k = 0; k < 2; ++k) {
-      P[k] = 4.0 * edges[i].bend * (L[i] * t.gradient[j][k] + L[j] * t.gradient[i][k]);
-      S[k] = edges[i].shear * (L[i] * t.gradient[j][k] - L[j] * t.gradient[i][k]);
-    }
-    for (int c = 0; c < Rows::kColumns; ++c) {
-      const double e = edges[i].e[c];
-      point.curvature[0][c] += P[0] * cx * e;
-      point.curvature[1][c] += P[1] * cy * e;
-      point.curvature[2][c] += (P[1] * cx + P[0] * cy) * e;
-      point.shear[0][c] += S[0] * e;
-      point.shear[1][c] += S[1] * e;
+      for (int a = 0; a < 3; ++a) {
+        for (int b = 0; b < 3; ++b)
+          part.furtherStiffness[a][b] +=
+              t.area / 3.0 * section.Ds[k][k] * shear[k][a] * shear[k][b];
+      }
     }
   }
+  CalcChordShear(t, edges, kCentroid, shearAtCentroid);
+}
+
+// m rows.
+std::array<Row, 3> Product(const Square& m, const std::array<Row, 3>& rows)
+{
+  std::array<Row, 3> product;
+  for (int k = 0; k < 3; ++k) {
+    for (int c = 0; c < kColumns; ++c)
+      product[k][c] = m[k][0] * rows[0][c] + m[k][1] * rows[1][c] + m[k][2] * rows[2][c];
+  }
+  return product;
+}
+
+void CalcPart(const Part& part, ShellStiffness<kNodes>::Part& K)
+{
+  const std::array<Row, 3> mean = Product(part.elastic, part.mean);
+  const std::array<Row, 3> further = Product(part.furtherStiffness, part.further);
+  for (int r = 0; r < kColumns; ++r) {
+    Row row;
+    for (int c = 0; c < kColumns; ++c)
+      row[c] = part.mean[0][r] * mean[0][c] + part.mean[1][r] * mean[1][c] +
+               part.mean[2][r] * mean[2][c] + part.further[0][r] * further[0][c] +
+               part.further[1][r] * further[1][c] + part.further[2][r] * further[2][c];
+    std::copy(row.begin(), row.end(), K[r]);
+  }
+}
+
+// The displacements of the nodes that a part works on.
+Row PartOf(const double* displacements, const int (&components)[3])
+{
+  Row u;
+  for (int k = 0; k < 3; ++k) {
+    for (int i = 0; i < kNodes; ++i)
+      u[k * kNodes + i] = displacements[6 * i + components[k]];
+  }
+  return u;
+}
+
+void Apply(const std::array<Row, 3>& rows, const Row& u, double (&values)[3])
+{
+  for (int k = 0; k < 3; ++k) {
+    values[k] = 0.0;
+    for (int c = 0; c < kColumns; ++c)
+      values[k] += rows[k][c] * u[c];
+  }
+}
+
+// Adds rowsᵀ m rows u to the sum.
+void AddForces(const Square& m, const std::array<Row, 3>& rows, const Row& u, Row& sum)
+{
+  double values[3];
+  Apply(rows, u, values);
+  for (int k = 0; k < 3; ++k) {
+    const double force = m[k][0] * values[0] + m[k][1] * values[1] + m[k][2] * values[2];
+    for (int c = 0; c < kColumns; ++c)
+      sum[c] += force * rows[k][c];
+  }
+}
+
+void CalcPartForces(const Part& part, const double* displacements, const int (&components)[3],
+                    double* forces)
+{
+  const Row u = PartOf(displacements, components);
+  Row sum{};
+  AddForces(part.elastic, part.mean, u, sum);
+  AddForces(part.furtherStiffness, part.further, u, sum);
+  for (int k = 0; k < 3; ++k) {
+    for (int i = 0; i < kNodes; ++i)
+      forces[6 * i + components[k]] = sum[k * kNodes + i];
+  }
+}
+
+void CalcMeanStress(const Part& part, const Square& D, const Row& u, double* stress)
+{
+  double strain[3];
+  Apply(part.mean, u, strain);
+  for (int k = 0; k < 3; ++k)
+    stress[k] = D[k][0] * strain[0] + D[k][1] * strain[1] + D[k][2] * strain[2];
 }
 
 // The mean of E11 C11 over all directions: the products of the means and of the amplitudes of the
@@ -230,34 +407,45 @@ double HigherMembraneCoefficient(const double (&Dm)[3][3])
   return std::max(2.0 / MeanOverDirections(Dm, compliance) - 1.5, kLeast);
 }
 
-void ThreeNodeShell::SetSection(const ShellSection& section)
+void ThreeNodeShell::SetSection(const ShellSection& section_)
 {
-  rows.section = section;
+  section = section_;
   higher = HigherMembraneCoefficient(section.Dm);
 }
 
 bool ThreeNodeShell::Set(const double* x, const double* y, const double* shares)
 {
   const CornerTriangle triangle(x, y);
-  if (!ExceedsRounding(2.0 * triangle.area, std::sqrt(triangle.squares[0] * triangle.squares[2])))
+  area = triangle.area;
+  if (!ExceedsRounding(2.0 * area, std::sqrt(triangle.squares[0] * triangle.squares[2])))
     return false;
-  SetMembrane(triangle, shares, higher, rows);
-  std::array<PlateEdge, 3> edges;
-  for (int i = 0; i < 3; ++i)
-    edges[i] = EdgeOf(triangle, rows.section, i);
-  constexpr double kMiddles[3][3] = {{0.5, 0.5, 0.0}, {0.0, 0.5, 0.5}, {0.5, 0.0, 0.5}};
-  for (int p = 0; p < 3; ++p) {
-    SetPlatePoint(triangle, edges, kMiddles[p], rows.plate[p]);
-    rows.plateWeight[p] = triangle.area / 3.0;
-  }
-  constexpr double kCentroid[] = {1.0 / 3.0, 1.0 / 3.0, 1.0 / 3.0};
-  SetPlatePoint(triangle, edges, kCentroid, centroid);
+  SetMembrane(triangle, shares, section, higher, membrane);
+  SetPlate(triangle, section, plate, shear);
   return true;
+}
+
+void ThreeNodeShell::CalcStiffness(ShellStiffness<kNodes>& stiffness) const
+{
+  CalcPart(membrane, stiffness.membrane);
+  CalcPart(plate, stiffness.plate);
+}
+
+void ThreeNodeShell::CalcForces(const double* displacements, double* forces) const
+{
+  CalcPartForces(membrane, displacements, kMembraneComponents, forces);
+  CalcPartForces(plate, displacements, kPlateComponents, forces);
 }
 
 void ThreeNodeShell::CalcStrengths(int, const double* displacements, double* strengths) const
 {
-  CalcShellStrengths(rows, rows.strain[0], centroid, displacements, strengths);
+  CalcMeanStress(membrane, section.Dm, PartOf(displacements, kMembraneComponents), strengths);
+  const Row across = PartOf(displacements, kPlateComponents);
+  CalcMeanStress(plate, section.Db, across, strengths + 3);
+  double chords[3];
+  Apply(plate.further, across, chords);
+  for (int k = 0; k < 2; ++k)
+    strengths[6 + k] = section.Ds[k][k] * (shear[k][0] * chords[0] + shear[k][1] * chords[1] +
+                                           shear[k][2] * chords[2]);
 }
 
 double EdgeMoment(double normal, double length, double firstShare, double secondShare)

@@ -9,6 +9,7 @@
 #include "model/material.h"
 #include "model/mesh.h"
 #include "model/node.h"
+#include "numeric/plane_angle.h"
 #include "numeric/plex_range.h"
 #include "problem/problem.h"
 
@@ -22,20 +23,6 @@ struct Facet
   double thickness;
 };
 
-double Dot(const double* a, const double* b)
-{
-  return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
-void Cross(const double* a, const double* b, double* product)
-{
-  for (int k = 0; k < 3; ++k) {
-    const int k1 = (k + 1) % 3;
-    const int k2 = (k + 2) % 3;
-    product[k] = a[k1] * b[k2] - a[k2] * b[k1];
-  }
-}
-
 Facet FacetOf(const Elem& elem, double thickness)
 {
   double a[3], b[3];
@@ -44,16 +31,8 @@ Facet FacetOf(const Elem& elem, double thickness)
     b[k] = (*elem(2))(k + 1) - (*elem(0))(k + 1);
   }
   Facet facet{{}, thickness};
-  Cross(a, b, facet.normal);
+  CrossProduct(a, b, facet.normal);
   return facet;
-}
-
-// The angle between two planes, 0 to π/2: the order of the nodes does not matter.
-double FoldBetween(const Facet& a, const Facet& b)
-{
-  double product[3];
-  Cross(a.normal, b.normal, product);
-  return std::atan2(std::sqrt(Dot(product, product)), std::fabs(Dot(a.normal, b.normal)));
 }
 
 /// The triangles of a model and those around each node.
@@ -103,10 +82,10 @@ double ShareAmong(const std::vector<Facet>& facets, std::span<const int> around)
   double thickness = facets[around[0]].thickness;
   for (std::size_t i = 0; i < around.size(); ++i) {
     const Facet& facet = facets[around[i]];
-    area += std::sqrt(Dot(facet.normal, facet.normal)) / 2.0;
+    area += std::hypot(facet.normal[0], facet.normal[1], facet.normal[2]) / 2.0;
     thickness = std::min(thickness, facet.thickness);
     for (std::size_t j = 0; j < i; ++j)
-      curvature = std::max(curvature, CurvatureOfFold(FoldBetween(facet, facets[around[j]])));
+      curvature = std::max(curvature, CurvatureOfFold(AngleOfPlanes(facet.normal, facets[around[j]].normal)));
   }
   return ShareOf(curvature, std::sqrt(2.0 * area / static_cast<double>(around.size())), thickness);
 }

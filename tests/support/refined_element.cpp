@@ -26,7 +26,7 @@ template <class Shell>
 DenseRows StiffnessOf(const RefinedElement& e)
 {
   ShellStiffness<Shell::kNodes> stiffness;
-  stiffness.Calc(SetUp<Shell>(e).Rows());
+  SetUp<Shell>(e).CalcStiffness(stiffness);
   DenseRows K = DenseZero(6 * Shell::kNodes);
   for (int i = 0; i < Shell::kNodes; ++i) {
     for (int j = 0; j < Shell::kNodes; ++j) {
@@ -62,9 +62,9 @@ std::vector<double> RefinedElement::Forces(const std::vector<double>& displaceme
 {
   std::vector<double> forces(displacements.size());
   if (Nodes() == 3)
-    CalcShellForces(SetUp<ThreeNodeShell>(*this).Rows(), displacements.data(), forces.data());
+    SetUp<ThreeNodeShell>(*this).CalcForces(displacements.data(), forces.data());
   else
-    CalcShellForces(SetUp<SixNodeShell>(*this).Rows(), displacements.data(), forces.data());
+    SetUp<SixNodeShell>(*this).CalcForces(displacements.data(), forces.data());
   return forces;
 }
 

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "assembly/shell_rows.h"
+#include "assembly/shell_stiffness.h"
 #include "support/sparse.h"
 
 namespace morlen {

@@ -110,8 +110,12 @@ std::unique_ptr<SparseSolver> MakeIteration(const Problem& problem, const Solver
 {
   auto sparse = std::make_unique<SparseSolver>(problem.numNodes, problem.components.count,
                                                problem.solverSettings.processor);
-  IterationDemands demands = {.error = IterationDemands::kGoodError,
-                              .change = IterationDemands::kGoodChange,
+  // Bending of thin shells has little of their energy.
+  constexpr double kPartForRefinedShells = 0.1;
+  const double part =
+      problem.shellFormulation == ShellFormulation::Refined ? kPartForRefinedShells : 1.0;
+  IterationDemands demands = {.error = part * IterationDemands::kGoodError,
+                              .change = part * IterationDemands::kGoodChange,
                               .components = problem.components};
   if (choice.fitsDirectly) {
     demands.quotient = IterationDemands::kLeastQuotient;

@@ -50,6 +50,8 @@ void RefinedShellEvaluator<Shell>::Evaluate(const Elem& elem, const Material& ma
   elem.CalcTransfMatrixTriangle(T, Tbig, &material);
   SetSection(elem, material);
   CalcLocalCoordinates(elem, T, x, y);
+  if constexpr (kNodes > 3)
+    offsets.Set(elem, T, x, y);
   for (int i = 0; i < kNodes; ++i)
     shares[i] = nodeShares[elem(i)->number - 1];
   if (!shell.Set(x, y, shares)) {
@@ -68,6 +70,8 @@ void RefinedShellEvaluator<Shell>::CalcRelative(const Elem& elem, const SplitVie
   std::array<bool, 6> freeOfGround;
   freeOfGround.fill(true);
   CalcRelativeShell(elem, T, x, y, freeOfGround, u, local);
+  if (offsets.Any())
+    offsets.TransformDisplacements(local);
 }
 
 template class RefinedShellEvaluator<ThreeNodeShell>;

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "assembly/mid_side_offsets.h"
 #include "assembly/refined_triangle.h"
 #include "model/elem.h"
 #include "numeric/matriu.h"
@@ -28,11 +29,12 @@ public:
 
   const Matriu& Frame() const { return T; }
   const Shell& Element() const { return shell; }
-  double Share(int i) const { return shares[i]; }
+  /// Of an element of six nodes. Element() has the rows without them.
+  const MidSideOffsets& Offsets() const { return offsets; }
   double Area() const { return shell.Area(); }  ///< of the triangle of the corners
 
   /// The displacements of the nodes in local axes, six each, without the rigid motion (see
-  /// relative_motion.h). u: by equation, global axes.
+  /// relative_motion.h) at the ends of the links of offset nodes. u: by equation, global axes.
   void CalcRelative(const Elem& elem, const SplitView& u, double* local) const;
 
 private:
@@ -40,6 +42,7 @@ private:
 
   const std::vector<double>& nodeShares;
   Shell shell;
+  MidSideOffsets offsets;
   double x[kNodes], y[kNodes], shares[kNodes];
   const Material* materialOfSection = nullptr;
   Matriu T, Tbig, Dm, Db, Ds;

@@ -21,16 +21,44 @@ namespace morlen {
 
 namespace {
 
+// Appends the blocks of an element whose mid-side nodes are off its plane. K: working storage.
+template <int N>
+void AppendWithOffsets(const ShellStiffness<N>& stiffness, const MidSideOffsets& offsets,
+                       const Matriu& T, Matriu& K, BlockAssembler& assembler)
+{
+  double all[36][36] = {};
+  for (int i = 0; i < N; ++i) {
+    for (int j = 0; j < N; ++j) {
+      stiffness.CopyBlock(i, j, K.Data());
+      for (int k = 0; k < 6; ++k)
+        std::copy_n(K.Data() + 6 * k, 6, &all[6 * i + k][6 * j]);
+    }
+  }
+  offsets.TransformStiffness(all);
+  for (int i = 0; i < N; ++i) {
+    for (int j = i; j < N; ++j) {
+      for (int k = 0; k < 6; ++k)
+        std::copy_n(&all[6 * i + k][6 * j], 6, K.Data() + 6 * k);
+      TurnRows(T, Turn::ToGlobal, K);
+      TurnColumns(T, Turn::ToGlobal, K);
+      assembler.Append(K);
+    }
+  }
+}
+
 template <class Shell>
 void AddStiffnessOf(const Problem& problem, const Mesh& mesh, int applyLocalAxes, ElementSink& sink)
 {
   constexpr int kNodes = Shell::kNodes;
   RefinedShellEvaluator<Shell> shell(problem.shellShares);
   ShellStiffness<kNodes> stiffness;
+  Matriu K(6, 6);
   BlockAssembler assembler(sink, problem.components.count, applyLocalAxes);
   assembler.Assemble(mesh, [&](const Elem& elem) {
     shell.Evaluate(elem, problem.RequireMaterial(elem));
     shell.Element().CalcStiffness(stiffness);
+    if (shell.Offsets().Any())
+      return AppendWithOffsets(stiffness, shell.Offsets(), shell.Frame(), K, assembler);
     const ShellAxes axes(shell.Frame());
     for (int i = 0; i < kNodes; ++i) {
       for (int j = i; j < kNodes; ++j)
@@ -51,6 +79,8 @@ void AddForcesOf(const Problem& problem, const Mesh& mesh, InternalForces& force
     for (int index = 0; index < forces.Count(); ++index) {
       shell.CalcRelative(elem, forces.Displacements(index), local);
       shell.Element().CalcForces(local, nodal);
+      if (shell.Offsets().Any())
+        shell.Offsets().TransformForces(nodal);
       for (int i = 0; i < kNodes; ++i)
         TurnVector(shell.Frame(), Turn::ToGlobal, 6, nodal + 6 * i);
       forces.Add(elem, index, nodal);
@@ -80,6 +110,19 @@ void AddEdgeMoments(const Problem& problem, const Elem& elem, int edge, const Ma
     loads(problem.Equation(first, 3 + k)) -= moment * T(k, 3);
     loads(problem.Equation(second, 3 + k)) += moment * T(k, 3);
   }
+}
+
+// The largest ratio of longest edge to thickness in a mesh.
+double Slenderness(const Problem& problem, const Mesh& mesh)
+{
+  constexpr double kMost = 1e4;  // the ratio is infinite for a thickness of 0
+  double squares = 0.0;
+  for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+    const double t = problem.RequireMaterial(elem).t;
+    for (int i = 0; i < 3; ++i)
+      squares = std::max(squares, dist2(elem(i), elem((i + 1) % 3)) / (t * t));
+  }
+  return std::min(std::sqrt(squares), kMost);
 }
 
 }  // namespace
@@ -117,6 +160,14 @@ void AddRefinedShellLoads(const Problem& problem, const Mesh& mesh, ReaVecV& loa
       AddEdgeMoments(problem, elem, record.face, T, record.values.data(), loads);
     }
   }
+}
+
+double RefinedShellIterationFactor(const Problem& problem, const Mesh& mesh)
+{
+  const double slenderness = Slenderness(problem, mesh);
+  if (mesh.GiveNnode() == ThreeNodeShell::kNodes)
+    return 8.0 + 24.0 * slenderness / (1.0 + slenderness);
+  return 15.0 + 12.0 * slenderness;
 }
 
 }  // namespace morlen

@@ -7,7 +7,8 @@
 
 namespace morlen {
 
-// The refined shell triangles in their own axes (refined_three_nodes.cpp, refined_six_nodes.cpp).
+// The refined shell triangles in their own axes (refined_three_nodes.cpp with
+// three_node_parts.cpp, refined_six_nodes.cpp).
 //
 // x, y: coordinates of the nodes in the axes of the element, the corners first and
 // counter-clockwise. shares: of the nodes in the drilling freedoms, see shell_shares.h.

@@ -85,7 +85,8 @@ double ShareAmong(const std::vector<Facet>& facets, std::span<const int> around)
     area += std::hypot(facet.normal[0], facet.normal[1], facet.normal[2]) / 2.0;
     thickness = std::min(thickness, facet.thickness);
     for (std::size_t j = 0; j < i; ++j)
-      curvature = std::max(curvature, CurvatureOfFold(AngleOfPlanes(facet.normal, facets[around[j]].normal)));
+      curvature = std::max(curvature,
+                           CurvatureOfFold(AngleOfPlanes(facet.normal, facets[around[j]].normal)));
   }
   return ShareOf(curvature, std::sqrt(2.0 * area / static_cast<double>(around.size())), thickness);
 }

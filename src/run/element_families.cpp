@@ -60,6 +60,7 @@ constexpr ElementFamily RefinedShells(int nnode)
   family.addStiffness = AddRefinedShellStiffness;
   family.addForces = AddRefinedShellForces;
   family.addLoads = AddRefinedShellLoads;
+  family.iterationFactor = RefinedShellIterationFactor;
   family.calcStrengths = CalcRefinedShellStrengths;
   return family;
 }

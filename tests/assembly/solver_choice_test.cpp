@@ -29,6 +29,7 @@
 #include "support/solid_model.h"
 #include "support/solved.h"
 #include "support/structure.h"
+#include "support/thin_shells.h"
 
 namespace morlen {
 
@@ -112,6 +113,17 @@ TEST(SolverWork, IterationsGrowWithTheDistanceFromTheSupports)
   const double low = WorkOf(Building(3, 2, 5, kClamped)).iterations;
   const double high = WorkOf(Building(3, 2, 20, kClamped)).iterations;
   EXPECT_DOUBLE_EQ(high / low, 21.0 / 6.0);  // the supported nodes count as well
+}
+
+TEST(SolverWork, IterationsOfRefinedShellsGrowWithTheirSlenderness)
+{
+  const auto iterations = [](double ratio, int nnode) {
+    return WorkOf(QuarterRoof(10, ratio, nnode)).iterations;
+  };
+  EXPECT_LT(iterations(10, 3), 0.8 * iterations(1000, 3));
+  EXPECT_NEAR(iterations(10000, 3), iterations(1000, 3), 0.1 * iterations(1000, 3));
+  EXPECT_LT(iterations(10, 6), 0.2 * iterations(1000, 6));
+  EXPECT_NEAR(iterations(10000, 6), 10 * iterations(1000, 6), iterations(1000, 6));
 }
 
 TEST(SolverWork, NodesWithoutElementsHaveTheirOwnBlock)

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "support/precise_elements.h"
+#include "support/precise_refined.h"
 
 namespace morlen {
 
@@ -22,10 +23,38 @@ using namespace precise;
 
 // Numbers of 113 bits. On processors without __float128, long double has 113 bits.
 #ifdef __SIZEOF_FLOAT128__
-__extension__ typedef __float128 Quad;
+// An extension of the compiler, which `using` would not let pass.
+__extension__ typedef __float128 Quad;  // NOLINT(modernize-use-using)
 #else
 using Quad = long double;
 #endif
+
+// --- Elements ---
+
+enum class Family
+{
+  Beams,
+  Triangles,
+  Tetrahedra
+};
+
+/// Calls visit(element, family) for each element.
+template <class R, class Visit>
+void ForEachElement(const Structure& s, Visit visit)
+{
+  for (std::size_t i = 0; i < s.beams.size(); ++i)
+    visit(BeamElement<R>(s, static_cast<int>(i)), Family::Beams);
+  const std::vector<char> folded = s.shell.refined ? std::vector<char>() : FoldedNodes(s);
+  const std::vector<double> shares = s.shell.refined ? SharesOfNodes(s) : std::vector<double>();
+  for (std::size_t i = 0; i < s.triangles.size(); ++i) {
+    const int index = static_cast<int>(i);
+    visit(s.shell.refined ? RefinedTriangleElement<R>(s, index, shares)
+                          : TriangleElement<R>(s, index, folded),
+          Family::Triangles);
+  }
+  for (std::size_t i = 0; i < s.tetrahedra.size(); ++i)
+    visit(SolidElement<R>(s, static_cast<int>(i)), Family::Tetrahedra);
+}
 
 // --- Supports ---
 
@@ -357,9 +386,9 @@ public:
       for (int i = 0; i < s.Equations(); ++i)
         rows[ordering.Row(i)] = static_cast<R>(residual[i]);
       matrix.Solve(rows);
-      std::vector<Quad> correction;
+      std::vector<Quad> correction(residual.size());
       for (int i = 0; i < s.Equations(); ++i)
-        correction.push_back(rows[ordering.Row(i)]);
+        correction[i] = rows[ordering.Row(i)];
       supports.ToGlobalAxes(correction);
       return correction;
     });

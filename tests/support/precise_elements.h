@@ -417,26 +417,6 @@ inline std::vector<char> FoldedNodes(const Structure& s)
   return folded;
 }
 
-enum class Family
-{
-  Beams,
-  Triangles,
-  Tetrahedra
-};
-
-/// Calls visit(element, family) for each element.
-template <class R, class Visit>
-void ForEachElement(const Structure& s, Visit visit)
-{
-  const std::vector<char> folded = FoldedNodes(s);
-  for (std::size_t i = 0; i < s.beams.size(); ++i)
-    visit(BeamElement<R>(s, static_cast<int>(i)), Family::Beams);
-  for (std::size_t i = 0; i < s.triangles.size(); ++i)
-    visit(TriangleElement<R>(s, static_cast<int>(i), folded), Family::Triangles);
-  for (std::size_t i = 0; i < s.tetrahedra.size(); ++i)
-    visit(SolidElement<R>(s, static_cast<int>(i)), Family::Tetrahedra);
-}
-
 /// Rotates groups of three components into the axes, or back.
 template <class R>
 void TurnToLocal(const Axes<R>& axes, int components, R* values)

@@ -176,6 +176,20 @@ TEST(Precise, AgreesWithTheProgramOnSmallModels)
         },
         4, 4, 0.2, nnode));
     models.back().Hold(At(0, 0)).LoadAll({0, 1, -1, 0.1, 0.2, 0});
+    models.push_back(models.back());
+    models.back().shell.refined = true;
+    // Slight folds, at which the nodes have shares between 0 and 1. The middles of the edges of six
+    // nodes are off the planes of the corners.
+    models.push_back(ShellOn(
+        [](double u, double v) {
+          return Vector3{4 * u, 3 * v, 0};
+        },
+        4, 4, 0.2, nnode));
+    models.back().shell.refined = true;
+    models.back().Hold(At(0, 0)).LoadAll({0, 1, -1, 0.1, 0.2, 0});
+    models.back().Map([](const Vector3& p) {
+      return Vector3{p[0], p[1], 0.02 * p[0] * p[0] * p[1]};
+    });
   }
   for (const int nnode : {4, 10}) {
     models.push_back(SolidOf(SolidBlock({2, 2, 2}, {1, 1, 2}, nnode)).Hold(At(2, 0)));

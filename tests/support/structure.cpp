@@ -46,6 +46,8 @@ std::string MaterialRecords(const Structure& s)
 std::string Structure::Text(const std::string& settings) const
 {
   std::string text = std::string("problem type ") + (space ? "3d\n" : "2d\n") + settings + "\n";
+  if (shell.refined)
+    text += "ShellFormulation Refined\n";
   std::string coordinates = NodeRecords(*this);  // in the first mesh
   const auto addMesh = [&](const std::string& type, std::size_t nnode, const std::string& records) {
     text += std::string("mesh dimension = ") + (space ? "3" : "2") + " elemtype " + type +

@@ -23,6 +23,7 @@ struct Structure : Frame
     double nu = 0.2;
     double G = 1.25e7;
     double t = 0.2;
+    bool refined = false;  ///< the formulation; refined shells have G = E / 2(1 + ν)
   };
   struct Solid
   {

@@ -1,5 +1,7 @@
 #include "measure.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <string>
 
@@ -88,6 +90,21 @@ double MemoryPeak()
 void ResetMemoryPeak()
 {
   std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+TimedFiles ParseTimedFiles(int argc, char** argv, const char* program, int repetitions)
+{
+  TimedFiles arguments = {{argv + 1, argv + argc}, repetitions};
+  std::vector<std::string>& files = arguments.files;
+  if (files.size() >= 2 && files[0] == "-n") {
+    arguments.repetitions = std::atoi(files[1].c_str());
+    files.erase(files.begin(), files.begin() + 2);
+  }
+  if (files.empty() || arguments.repetitions < 1) {
+    std::fprintf(stderr, "usage: %s [-n REPETITIONS] problem.dat ...\n", program);
+    std::exit(2);
+  }
+  return arguments;
 }
 
 }  // namespace morlen

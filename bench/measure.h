@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <ctime>
+#include <string>
 #include <vector>
 
 namespace morlen {
@@ -74,5 +75,15 @@ double MemoryNow();
 double MemoryPeak();
 /// Resets the peak to the current memory.
 void ResetMemoryPeak();
+
+/// The arguments [-n REPETITIONS] problem.dat ... of a program that times problem files.
+struct TimedFiles
+{
+  std::vector<std::string> files;
+  int repetitions;
+};
+
+/// repetitions: without -n. Wrong arguments end the program with its usage and status 2.
+TimedFiles ParseTimedFiles(int argc, char** argv, const char* program, int repetitions);
 
 }  // namespace morlen

@@ -137,16 +137,7 @@ void Measure(const std::string& file, int repetitions)
 
 int main(int argc, char** argv)
 {
-  std::vector<std::string> files(argv + 1, argv + argc);
-  int repetitions = kRepetitions;
-  if (files.size() >= 2 && files[0] == "-n") {
-    repetitions = std::atoi(files[1].c_str());
-    files.erase(files.begin(), files.begin() + 2);
-  }
-  if (files.empty() || repetitions < 1) {
-    std::fprintf(stderr, "usage: morlen_shells [-n REPETITIONS] problem.dat ...\n");
-    return 2;
-  }
+  const auto [files, repetitions] = ParseTimedFiles(argc, argv, "morlen_shells", kRepetitions);
   for (const std::string& file : files)
     Measure(file, repetitions);
   return 0;

@@ -56,8 +56,8 @@ void MakeAxes(const Elem& elem, const Material& material, PROBLEMTYPE problem)
     elem.CalcTransfMatrixTriangle(T, bigT, &material);
 }
 
-// Solids are isotropic: they take E1 and nuXY and no others. Values of an orthotropic material that
-// differ contradict what is used. Values that an element's own items override may be meant.
+// Solids are isotropic and use E1 and nuXY only. Other moduli and ratios that differ from these are
+// errors in a numbered material, and warnings in one that the items of an element have changed.
 void CheckIsotropy(const Elem& elem, const Material& material, Recorder& recorder)
 {
   struct Value

@@ -28,7 +28,7 @@ public:
 
   /// A keyword with this topic at this place.
   void Entered(ReadTopic topic, std::ptrdiff_t place);
-  /// The item has been read from the record at this place. named: with a unit system of its own.
+  /// The item has been read from the record at this place. named: the record names its unit system.
   void Stored(ReadItem item, int number, std::ptrdiff_t place, bool named);
 
   /// After reading: an error for each kind of values that is read with other factors than meant.

@@ -78,17 +78,27 @@ std::unique_ptr<double[]> StartOfSixNodes(const Meshes& meshes, const NodeCompon
   return values;
 }
 
+std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem, const SolverKit& kit)
+{
+  std::unique_ptr<DirectSolver> solver = kit.MakeDirect(problem);
+  if (!solver)
+    Fatal("error: this program has been built without the solver Direct\n");
+  return solver;
+}
+
 std::unique_ptr<SkyMatriu> MakeSkyline(const Problem& problem)
 {
   return std::make_unique<SkyMatriu>(problem.Equations(), problem.solverSettings.processor);
 }
 
 // start: displacements of a pre-solve, empty without one.
-std::unique_ptr<BSolver> MakeSolver(const Problem& problem, ReaVecV& start)
+std::unique_ptr<BSolver> MakeSolver(const Problem& problem, const SolverKit& kit, ReaVecV& start)
 {
   const SolverSettings& s = problem.solverSettings;
   if (s.type == SolverType::SkyLine)
     return MakeSkyline(problem);
+  if (s.type == SolverType::Direct)
+    return MakeDirect(problem, kit);
   if (s.type != SolverType::Sparse)
     Fatal("error: unknown solver\n");
   const int n = problem.components.count;
@@ -132,26 +142,36 @@ void RequireLoads(const std::vector<LoadVector>& loads, int equations)
     Fatal("error: an analysis needs load vectors of ", equations, " components\n");
 }
 
+std::vector<LoadCase> MakeCases(const AnalysisTask& task, const MakeLoads& makeLoads)
+{
+  const Problem& problem = task.problem;
+  std::vector<LoadVector> loads = makeLoads(problem, task.families);
+  RequireLoads(loads, problem.Equations());
+  Progress(task.info, "Load vector constructed\n");
+  Progress(task.info, "Beginning to apply constraints\n");
+  return MakeLoadCases(problem.GiveNodes(), problem.components, std::move(loads));
+}
+
+const char* NameOf(const BSolver& solver, SolverType type)
+{
+  return type == SolverType::Sparse ? "Sparse" : static_cast<const DirectSolver&>(solver).Name();
+}
+
 /// Creates and fills the matrix, and makes the load cases. reason: why this solver; empty for none.
 std::vector<LoadCase> AssembleSystem(const AnalysisTask& task, BSolver& solver,
                                      const MakeLoads& makeLoads, const std::string& reason)
 {
-  const auto& [problem, families, info] = task;
-  CreateMatrix(problem.meshes, problem.components, solver);
+  const auto& [problem, families, info, kit] = task;
+  kit.CreateMatrix(task, solver);
   if (!reason.empty())
-    Progress(info, "Solver %s taken: %s\n",
-             problem.solverSettings.type == SolverType::Sparse ? "Sparse" : "SkyLine",
+    Progress(info, "Solver %s taken: %s\n", NameOf(solver, problem.solverSettings.type),
              reason.c_str());
   if (info)
     solver.PrintInfoMem(info);
   Progress(info, "Just before filling global stiffness matrix\n");
-  AddStiffness(task, solver);
+  kit.AddStiffness(task, solver);
   Progress(info, "Stiffness matrix filled\n");
-  std::vector<LoadVector> loads = makeLoads(problem, families);
-  RequireLoads(loads, problem.Equations());
-  Progress(info, "Load vector constructed\n");
-  Progress(info, "Beginning to apply constraints\n");
-  return MakeLoadCases(problem.GiveNodes(), problem.components, std::move(loads));
+  return MakeCases(task, makeLoads);
 }
 
 std::vector<Solution> Finish(const AnalysisTask& task, std::vector<LoadCase> cases)
@@ -170,7 +190,7 @@ std::vector<Solution> Solve(const AnalysisTask& task, BSolver& solver, const Mak
   if (task.problem.solverSettings.type == SolverType::Sparse)
     SolveByIteration(task, static_cast<SparseSolver&>(solver), cases);
   else
-    SolveDirectly(task, static_cast<SkyMatriu&>(solver), cases);
+    SolveDirectly(task, static_cast<DirectSolver&>(solver), cases);
   return Finish(task, std::move(cases));
 }
 
@@ -190,20 +210,23 @@ public:
     if (problem.solverSettings.type == SolverType::Double)
       PreSolve();
     const bool automatic = problem.solverSettings.type == SolverType::Automatic;
+    if (automatic && options.kit.Suits(problem) && SolveByKit())
+      return {nullptr, std::move(solutions)};
     const SolverChoice choice = PrepareEquations(problem, families, options);
     if (automatic && choice.type == SolverType::Sparse) {
       IterateFirst(choice);
     } else {
-      solver = MakeSolver(problem, start);
+      solver = MakeSolver(problem, options.kit, start);
       solutions = Solve(Task(), *solver, makeLoads, choice.reason);
     }
     return {std::move(solver), std::move(solutions)};
   }
 
 private:
-  AnalysisTask Task() const { return {problem, families, options.info}; }
+  AnalysisTask Task() const { return {problem, families, options.info, options.kit}; }
 
   void PreSolve();
+  bool SolveByKit();
   void IterateFirst(const SolverChoice& choice);
 
   Problem& problem;
@@ -233,6 +256,16 @@ void Analysis::PreSolve()
   start = std::move(Solve(Task(), *skyline, firstLoads, "").front().displacements);
   problem.solverSettings.type = SolverType::Sparse;
   problem.convertTo6Nodes = true;
+}
+
+// The program's own method. Returns false when it has failed.
+bool Analysis::SolveByKit()
+{
+  std::vector<LoadCase> cases = MakeCases(Task(), makeLoads);
+  if (!options.kit.Solve(Task(), cases))
+    return false;
+  solutions = Finish(Task(), std::move(cases));
+  return true;
 }
 
 // The iteration of an automatic choice. When it fails, the direct solver follows.
@@ -265,9 +298,10 @@ std::vector<LoadVector> LoadsOfProblem(const Problem& problem, const ElementFami
 }
 
 std::vector<Solution> SolvePrepared(const Problem& problem, const ElementFamilies& families,
-                                    BSolver& solver, const MakeLoads& makeLoads, std::FILE* info)
+                                    BSolver& solver, const MakeLoads& makeLoads, std::FILE* info,
+                                    const SolverKit& kit)
 {
-  return Solve({problem, families, info}, solver, makeLoads, "");
+  return Solve({problem, families, info, kit}, solver, makeLoads, "");
 }
 
 Analysed Analyse(Problem& problem, const ElementFamilies& families, const AnalysisOptions& options,

@@ -42,8 +42,9 @@ Analysed Analyse(Problem& problem, const ElementFamilies& families, const Analys
 
 /// Assembles and solves a problem after PrepareModel and PrepareEquations for all load vectors,
 /// with one factorisation. `solver`: empty, of the problem's size, a SparseSolver when the settings
-/// say Sparse, else a SkyMatriu.
+/// say Sparse, else a DirectSolver.
 std::vector<Solution> SolvePrepared(const Problem& problem, const ElementFamilies& families,
-                                    BSolver& solver, const MakeLoads& makeLoads, std::FILE* info);
+                                    BSolver& solver, const MakeLoads& makeLoads, std::FILE* info,
+                                    const SolverKit& kit = kPlainKit);
 
 }  // namespace morlen

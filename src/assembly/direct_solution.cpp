@@ -15,11 +15,12 @@
 #include "assembly/probe_load.h"
 #include "assembly/refinement.h"
 #include "assembly/rigid_motion.h"
+#include "assembly/solver_kit.h"
 #include "assembly/support_axes.h"
 #include "base/errorwriter.h"
 #include "base/stprintf.h"
 #include "problem/problem.h"
-#include "solvers/skymatriu.h"
+#include "solvers/direct_solver.h"
 
 namespace morlen {
 
@@ -38,7 +39,7 @@ std::string RoughModelHint(const RefinedCases& cases, Refinement::Verdict verdic
 class DirectSolution
 {
 public:
-  DirectSolution(const AnalysisTask& task_, SkyMatriu& matrix_,
+  DirectSolution(const AnalysisTask& task_, DirectSolver& matrix_,
                  const std::vector<LoadCase>& loadCases_)
       : task(task_),
         matrix(matrix_),
@@ -114,7 +115,7 @@ private:
     const double sizeOfProbe = SizeOnFree(Norm::Largest, nodes, scale, probe);
     std::vector<double> sizes;
     sizes.reserve(sides.size());
-    SkyMatriu::RightHandSides all;
+    DirectSolver::RightHandSides all;
     for (ReaVecV& side : sides) {
       sizes.push_back(SizeOnFree(Norm::Euclidean, nodes, scale, side));
       all.push_back(&side);
@@ -135,7 +136,7 @@ private:
   std::string RefusedPivotHint() const
   {
     matrix.SetToZero();
-    AddStiffness(task, matrix);
+    task.kit.AddStiffness(task, matrix);
     std::vector<ReaVecV> sides = LoadsOf(loadCases);
     ApplySupports(nodes, scale.components, matrix, sides);
     matrix.AcceptLostPivots();
@@ -147,12 +148,11 @@ private:
 
   Refinement MakeRefinement() const
   {
-    return {matrix, nodes, scale,
-            [this](InternalForces& f) { AddForces(task.problem, task.families, f); }};
+    return {matrix, nodes, scale, [this](InternalForces& f) { task.kit.AddForces(task, f); }};
   }
 
   const AnalysisTask& task;
-  SkyMatriu& matrix;
+  DirectSolver& matrix;
   const std::vector<LoadCase>& loadCases;
   const VoidPlex& nodes;
   ComponentScale scale;
@@ -160,7 +160,7 @@ private:
 
 }  // namespace
 
-void SolveDirectly(const AnalysisTask& task, SkyMatriu& matrix, std::vector<LoadCase>& cases)
+void SolveDirectly(const AnalysisTask& task, DirectSolver& matrix, std::vector<LoadCase>& cases)
 {
   RefinedCases refined = DirectSolution(task, matrix, cases).Solve();
   for (std::size_t k = 0; k < cases.size(); ++k) {

@@ -6,10 +6,10 @@
 
 namespace morlen {
 
-class SkyMatriu;
+class DirectSolver;
 
 /// Solves load cases by one factorisation of the assembled matrix and refines them. The refinement
 /// also tests the structure: fatal when it can move, or when the model is too rough.
-void SolveDirectly(const AnalysisTask& task, SkyMatriu& matrix, std::vector<LoadCase>& cases);
+void SolveDirectly(const AnalysisTask& task, DirectSolver& matrix, std::vector<LoadCase>& cases);
 
 }  // namespace morlen

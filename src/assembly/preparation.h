@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "assembly/solver_choice.h"
+#include "assembly/solver_kit.h"
 
 namespace morlen {
 
@@ -13,6 +14,7 @@ struct AnalysisOptions
 {
   bool renumber = true;       ///< false keeps the numbers of the file
   std::FILE* info = nullptr;  ///< progress; may be null
+  const SolverKit& kit = kPlainKit;
 };
 
 // The preparation is the only phase after reading that changes a problem. Later phases take it as

@@ -6,7 +6,7 @@
 
 #include "assembly/free_equations.h"
 #include "assembly/support_axes.h"
-#include "solvers/skymatriu.h"
+#include "solvers/direct_solver.h"
 
 namespace morlen {
 
@@ -78,7 +78,7 @@ bool RefinedCase::Diverges() const
   return !(LastCorrection() <= 2.0 * ofMotion);
 }
 
-Refinement::Refinement(const SkyMatriu& factors_, const VoidPlex& nodes_,
+Refinement::Refinement(const DirectSolver& factors_, const VoidPlex& nodes_,
                        const ComponentScale& scale_, AddForces addForces_)
     : factors(factors_), nodes(nodes_), scale(scale_), addForces(std::move(addForces_))
 {

@@ -9,7 +9,7 @@
 
 namespace morlen {
 
-class SkyMatriu;
+class DirectSolver;
 class VoidPlex;
 
 /// A load case that has been solved with the factors of the matrix, in the axes of the supports.
@@ -87,7 +87,7 @@ public:
   using AddForces = std::function<void(InternalForces&)>;
 
   /// Borrows the factors and the nodes with their supports.
-  Refinement(const SkyMatriu& factors, const VoidPlex& nodes, const ComponentScale& scale,
+  Refinement(const DirectSolver& factors, const VoidPlex& nodes, const ComponentScale& scale,
              AddForces addForces);
 
   /// Corrects each model until its correction and its residual are negligible or fall no more.
@@ -109,7 +109,7 @@ private:
   void FindResidual(RefinedCase& one) const;
   double Size(const ReaVecV& u) const;
 
-  const SkyMatriu& factors;
+  const DirectSolver& factors;
   const VoidPlex& nodes;
   ComponentScale scale;
   AddForces addForces;

@@ -7,6 +7,7 @@
 #include "assembly/free_equations.h"
 #include "assembly/load_vector.h"
 #include "assembly/solution.h"
+#include "assembly/solver_kit.h"
 #include "numeric/reavecv.h"
 #include "problem/problem.h"
 
@@ -21,6 +22,7 @@ struct AnalysisTask
   const Problem& problem;
   const ElementFamilies& families;
   std::FILE* info;  ///< progress; may be null
+  const SolverKit& kit = kPlainKit;
 };
 
 /// One load vector and its solution.

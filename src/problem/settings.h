@@ -12,7 +12,8 @@ enum class SolverType : int
   Automatic,
   SkyLine,
   Sparse,
-  Double
+  Double,
+  Direct
 };
 
 /// The solver of the run. The tolerances and maxIterations are those of the keyword `Solver

@@ -83,11 +83,12 @@ struct SolverName
 constexpr SolverName kSolvers[] = {{"Automatic", SolverType::Automatic},
                                    {"SkyLine", SolverType::SkyLine},
                                    {"Sparse", SolverType::Sparse},
-                                   {"Double", SolverType::Double}};
+                                   {"Double", SolverType::Double},
+                                   {"Direct", SolverType::Direct}};
 
 void ExplainSolver(const TextScan& text, const std::string& value)
 {
-  constexpr std::string_view kNames[] = {"Automatic", "SkyLine", "Sparse", "Double"};
+  constexpr std::string_view kNames[] = {"Automatic", "SkyLine", "Sparse", "Double", "Direct"};
   const std::string_view nearest = NearestWord(value, kNames);
   if (nearest.empty())
     ExplainValue(text, value, "the solver is '", value,

@@ -151,7 +151,7 @@ void Solve(Project& project, std::ifstream& input, const Options& options, std::
 
 }  // namespace
 
-int RunMorlen(int argc, char** argv)
+int RunMorlen(int argc, char** argv, const SolverKit& kit)
 {
   const std::clock_t start = std::clock();
   ProtectStreams();
@@ -166,7 +166,7 @@ int RunMorlen(int argc, char** argv)
   if (!input)
     Fatal("can't open file ", options.inputName, "\n");
   RequireFreeToWrite(FilesOf(options, ResultNamesOf(options)));
-  Project project(100);
+  Project project(100, kit);
   std::FILE* info = options.infoName ? OpenFile(options.infoName) : nullptr;
   if (options.errorName)
     errorwriter.SetErrorFile(OpenFile(options.errorName));

@@ -93,7 +93,7 @@ int Project::ReadElemLoad(TextScan& text, std::string_view word)
 void Project::Calc(int renumber, std::FILE* info)
 {
   Analysed analysed =
-      Analyse(problem, FamiliesOf(problem), {.renumber = renumber != 0, .info = info});
+      Analyse(problem, FamiliesOf(problem), {.renumber = renumber != 0, .info = info, .kit = kit});
   solver = std::move(analysed.solver);
   solution = std::move(analysed.solutions.front());
 }
@@ -102,7 +102,8 @@ void Project::FillMatrixVectorAndSolve(std::FILE* info)
 {
   if (!solver)
     Fatal("error: unknown solver\n");
-  solution = SolvePrepared(problem, FamiliesOf(problem), *solver, LoadsOfProblem, info).front();
+  solution =
+      SolvePrepared(problem, FamiliesOf(problem), *solver, LoadsOfProblem, info, kit).front();
 }
 
 void Project::CalcElemsRotules()

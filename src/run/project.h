@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "assembly/solution.h"
+#include "assembly/solver_kit.h"
 #include "problem/problem.h"
 #include "solvers/bsolver.h"
 
@@ -23,7 +24,10 @@ class TextScan;
 class Project
 {
 public:
-  explicit Project(int chunkSize) : problem(chunkSize) {}
+  /// kit: the solvers of the program, borrowed.
+  explicit Project(int chunkSize, const SolverKit& kit_ = kPlainKit) : problem(chunkSize), kit(kit_)
+  {
+  }
 
   // --- Reading ---
 
@@ -95,6 +99,9 @@ public:
   Problem problem;
   Solution solution;
   std::unique_ptr<BSolver> solver;  ///< null before Calc and after CalcStrengthsAndReactions
+
+private:
+  const SolverKit& kit;
 };
 
 }  // namespace morlen

@@ -218,19 +218,12 @@ void SkyMatriu::Substitute(const RightHandSides& sides, std::FILE* info) const
     std::reverse(b->Data(), b->Data() + n);
 }
 
-int SkyMatriu::Solver(ReaVecV& b, std::FILE* info)
-{
-  return Solver({&b}, info);
-}
-
-int SkyMatriu::Solver(const RightHandSides& sides, std::FILE* info)
+int SkyMatriu::Factorise(std::FILE* info)
 {
   const int refused = Txolesky(info);
-  if (refused)
-    return refused;
-  Progress(info, "Txolesky finished\n");
-  Substitute(sides, info);
-  return 0;
+  if (refused == 0)
+    Progress(info, "Txolesky finished\n");
+  return refused;
 }
 
 int SkyMatriu::ApplyConstraint(int eq, std::span<const double> prescribed,

@@ -8,7 +8,7 @@
 #include "base/large_array.h"
 #include "base/processor.h"
 #include "numeric/reavecv.h"
-#include "solvers/bsolver.h"
+#include "solvers/direct_solver.h"
 #include "solvers/pivot_check.h"
 
 namespace morlen {
@@ -30,7 +30,7 @@ struct HeldEquation
 ///
 /// After Solver the storage holds the factors. SetToZero makes the object ready for another
 /// assembly on the same profile.
-class SkyMatriu : public BSolver
+class SkyMatriu : public DirectSolver
 {
 public:
   /// Factorises with the instructions of the processor, which this one must have.
@@ -59,23 +59,17 @@ public:
   /// symmetric blocks.
   void AddSubMatriu(int row, int col, const Matriu& m) override;
 
-  /// Txolesky, then Substitute. The result is that of Txolesky; when it is not 0, b is as it
-  /// was. Factorises at every call: call it once for each assembled matrix.
-  int Solver(ReaVecV& b, std::FILE* info) override;
+  const char* Name() const override { return "SkyLine"; }
 
-  /// Right-hand sides, each of GiveSize() components.
-  using RightHandSides = std::vector<ReaVecV*>;
-
-  /// The same for several right-hand sides, of which each becomes its solution.
-  int Solver(const RightHandSides& sides, std::FILE* info);
+  /// Txolesky, with a message on success.
+  int Factorise(std::FILE* info) override;
 
   /// Factorises in place, without pivoting. Returns 0, or the first equation whose pivot is
   /// refused: not a number, below 1e-15, or only rounding error (see AcceptsPivot). Progress
   /// every 500 equations.
   int Txolesky(std::FILE* info);
 
-  /// From now on, pivots are accepted whatever digits they have lost, as long as they are not 0.
-  void AcceptLostPivots() { lostPart = 0.0; }
+  void AcceptLostPivots() override { lostPart = 0.0; }
 
   /// From now on, an equation whose pivot is refused is held: its diagonal entry, or 1 if that is
   /// below 1e-15, is added to its diagonal and the factorisation goes on. Each motion without
@@ -87,11 +81,9 @@ public:
 
   /// After Txolesky has refused this equation: the motion u with u = 1 there and 0 in the equations
   /// after it, for which K·u is 0 in the equations before it and the pivot in this one.
-  ReaVecV MotionOfRefused(int equation) const;
+  ReaVecV MotionOfRefused(int equation) const override;
 
-  /// Solves with the factors of Txolesky: the right-hand sides become solutions. Further load
-  /// vectors need no further factorisation.
-  void Substitute(const RightHandSides& sides, std::FILE* info) const;
+  void Substitute(const RightHandSides& sides, std::FILE* info) const override;
 
   /// Moves column eq to the right-hand sides and leaves a 1 on its diagonal, so that the
   /// matrix stays symmetric. Work: the rows that reach column eq, see lastRow.
@@ -130,8 +122,7 @@ public:
   /// The loops of the factorisation.
   const LdltKernel& Kernel() const { return *kernel; }
 
-  /// True while the storage holds the factors.
-  bool IsFactorised() const { return factorised; }
+  bool IsFactorised() const override { return factorised; }
 
   /// Before Create: the bytes of the entries that Create(ndof) will allocate with the couplings
   /// declared so far. After it, without an argument: the bytes that are allocated.

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+namespace morlen {
+
+class BSolver;
+class DirectSolver;
+class InternalForces;
+struct AnalysisTask;
+struct LoadCase;
+struct Problem;
+
+/// The parts of an analysis that a program adds or replaces.
+///
+/// The core has no libraries below it. A program that has a solver made of one derives a kit, gives
+/// it to RunMorlen or Project, and the analysis takes the solver from there. A program whose matrix
+/// is distributed replaces the assembly and the forces too. This class itself is the kit of a
+/// program that adds nothing.
+///
+/// A kit outlives the analysis and may serve several analyses in several threads.
+class SolverKit
+{
+public:
+  constexpr SolverKit() = default;
+  SolverKit(const SolverKit&) = delete;
+  SolverKit& operator=(const SolverKit&) = delete;
+  constexpr virtual ~SolverKit() {}  // NOLINT: GCC 12 takes no default here for a constant
+
+  /// An empty matrix with the solver of `Solver Direct`, for a problem after its preparation; null
+  /// when the program has none. The nodes have the numbers of the file.
+  virtual std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem) const;
+
+  /// True when `Solver Automatic` shall leave this problem to Solve. Asked after PrepareModel, with
+  /// the numbers of the file; triangles still have three nodes.
+  virtual bool Suits(const Problem& problem) const;
+
+  /// Solves all load cases of a problem that suits it, by a method that is neither a DirectSolver
+  /// nor a SparseSolver. Returns false when the method has failed in a way that the solvers of the
+  /// automatic choice may mend; the loads must then be as they were.
+  ///
+  /// cases: loads by equation in the axes of the supports, without the effect of supports. Each
+  /// solution gets displacements and displacementRests in the same axes, elementForces in global
+  /// axes, and accuracy, as in SolveDirectly. Such a method must test the structure with the probe
+  /// (ProbeLoad), and be fatal by SolverFailed for one that can move.
+  virtual bool Solve(const AnalysisTask& task, std::vector<LoadCase>& cases) const;
+
+  /// Declares the couplings of the nodes and allocates the matrix; of any solver.
+  virtual void CreateMatrix(const AnalysisTask& task, BSolver& solver) const;
+
+  /// Adds the stiffness of all elements, in the axes of the supports. Also called for a second
+  /// assembly, after SetToZero. Supports and springs follow, by ApplyConstraint and AddSubMatriu.
+  virtual void AddStiffness(const AnalysisTask& task, BSolver& solver) const;
+
+  /// Adds the forces of all elements for given displacements: the refinement's residuals, and the
+  /// reactions.
+  virtual void AddForces(const AnalysisTask& task, InternalForces& forces) const;
+};
+
+/// The kit of a program that adds nothing.
+inline constexpr SolverKit kPlainKit;
+
+}  // namespace morlen

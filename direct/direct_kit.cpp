@@ -1,0 +1,13 @@
+#include "direct/direct_kit.h"
+
+#include "direct/mumps_solver.h"
+#include "problem/problem.h"
+
+namespace morlen::direct {
+
+std::unique_ptr<DirectSolver> DirectKit::MakeDirect(const Problem& problem) const
+{
+  return std::make_unique<MumpsSolver>(problem.numNodes, problem.components.count, busy);
+}
+
+}  // namespace morlen::direct

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include "assembly/solver_kit.h"
+
+namespace morlen::direct {
+
+/// The kit of a program with the sparse direct solver. Solvers that it has made borrow it.
+class DirectKit : public SolverKit
+{
+public:
+  std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem) const override;
+
+private:
+  mutable std::mutex busy;  ///< MUMPS serves one caller at a time
+};
+
+}  // namespace morlen::direct

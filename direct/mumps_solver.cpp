@@ -1,0 +1,200 @@
+// The sparse direct solver: the order of the elimination, the entries for MUMPS, the memory.
+
+#include "direct/mumps_solver.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "base/array_size.h"
+#include "base/errorwriter.h"
+#include "base/memory_limit.h"
+#include "base/stprintf.h"
+#include "direct/node_ordering.h"
+#include "numeric/matriu.h"
+
+namespace morlen::direct {
+
+namespace {
+
+/// The part of a diagonal entry that is added to it after a pivot of 0.
+constexpr double kPerturbation = 1e-13;
+constexpr double kMegabyte = 1024.0 * 1024.0;
+
+double Megabytes(std::uint64_t bytes)
+{
+  return static_cast<double>(bytes) / kMegabyte;
+}
+
+}  // namespace
+
+MumpsSolver::MumpsSolver(int nodes_, int ndof_, std::mutex& busy_)
+    : nodes(nodes_),
+      ndof(ndof_),
+      busy(busy_),
+      couplings(std::make_unique<NodeCouplings>(nodes, std::numeric_limits<int>::max()))
+{
+  ArrayLength(nodes, ndof);
+}
+
+void MumpsSolver::EnterMaxDiff(int node1, int node2, int /*ndof*/)
+{
+  if (node1 == node2)
+    return;
+  couplings->Add(node1 - 1, node2 - 1);
+  couplings->Add(node2 - 1, node1 - 1);
+}
+
+void MumpsSolver::Create(int /*ndof*/)
+{
+  matrix = UpperMatrix(couplings->MakePattern(), ndof);
+  couplings.reset();
+  order = OrderNodes(matrix.Pattern());
+}
+
+double& MumpsSolver::operator()(int i, int j)
+{
+  if (double* const entry = matrix.Find(i, j))
+    return *entry;
+  outside = 0.0;
+  return outside;
+}
+
+void MumpsSolver::SetToZero()
+{
+  mumps.reset();
+  files.reset();
+  matrix.SetToZero();
+  factorised = false;
+}
+
+int MumpsSolver::ApplyConstraint(int eq, std::span<const double> prescribed,
+                                 std::span<ReaVecV* const> sides)
+{
+  matrix.Constrain(eq, prescribed, sides);
+  return eq;
+}
+
+int MumpsSolver::FindRefused() const
+{
+  for (int i = 1; i <= GiveSize(); ++i) {
+    if (!(std::fabs(*matrix.Find(i, i)) > 0.0))
+      return i;
+  }
+  return 0;
+}
+
+std::vector<int> MumpsSolver::Places() const
+{
+  std::vector<int> ofEquations;
+  ofEquations.reserve(static_cast<std::size_t>(GiveSize()));
+  for (const int place : order) {
+    for (int k = 1; k <= ndof; ++k)
+      ofEquations.push_back(place * ndof + k);
+  }
+  return ofEquations;
+}
+
+void MumpsSolver::ChoosePlace(const Mumps::Sizes& sizes, std::FILE* info)
+{
+  Progress(info, "Analysis finished: %.0f entries of the factors, %.2g operations, %.0f Mb\n",
+           sizes.entries, sizes.operations, Megabytes(sizes.bytes));
+  const std::uint64_t available = AvailableMemory();
+  if (sizes.bytes <= available)
+    return;
+  files = std::make_unique<FactorFiles>();
+  const auto size = static_cast<std::uint64_t>(sizes.entries * sizeof(double));
+  if (sizes.bytesLeast > available || size > files->FreeBytes()) {
+    Explain("with its factors in ", files->Folder(), " it would need ",
+            sizes.bytesLeast / 1000000 + 1, " MB of memory and ", size / 1000000 + 1,
+            " MB there; free are ", available / 1000000, " MB and ", files->FreeBytes() / 1000000,
+            " MB");
+    Fatal("error: the solver Direct needs ", sizes.bytes / 1000000 + 1, " MB of memory\n");
+  }
+  Progress(info, "The factors go to files in %s: %.0f Mb of memory are left\n",
+           files->Folder().c_str(), Megabytes(available));
+}
+
+int MumpsSolver::Factorise(std::FILE* info)
+{
+  factorised = false;
+  if (const int refused = FindRefused())
+    return refused;
+  entries = matrix.Compress();
+  for (std::int64_t k = 0; k < entries.Count(); ++k) {
+    if (!std::isfinite(entries.values[k]))
+      return entries.columns[k];
+  }
+  places = Places();
+  mumps = std::make_unique<Mumps>(busy);
+  Progress(info, "Analysis of %i equations, %lld entries\n", GiveSize(),
+           static_cast<long long>(entries.Count()));
+  const Mumps::Sizes sizes = mumps->Analyse(GiveSize(), entries, places);
+  ChoosePlace(sizes, info);
+  Progress(info, "Factorisation\n");
+  if (!mumps->Factorise(files.get())) {
+    for (std::int64_t k = 0; k < entries.Count(); ++k) {
+      if (entries.rows[k] == entries.columns[k])
+        entries.values[k] += kPerturbation * entries.values[k];
+    }
+    if (!mumps->Factorise(files.get()))
+      return -1;
+  }
+  Progress(info, "Factorisation finished\n");
+  factorised = true;
+  return 0;
+}
+
+void MumpsSolver::Substitute(const RightHandSides& sides, std::FILE* info) const
+{
+  Progress(info, "Solution for %zu right-hand sides\n", sides.size());
+  const auto n = static_cast<std::size_t>(GiveSize());
+  if (sides.size() == 1)
+    return mumps->Solve(sides.front()->Data(), 1);
+  std::vector<double> all(n * sides.size());
+  for (std::size_t k = 0; k < sides.size(); ++k)
+    std::copy_n(sides[k]->Data(), n, all.data() + k * n);
+  mumps->Solve(all.data(), static_cast<int>(sides.size()));
+  for (std::size_t k = 0; k < sides.size(); ++k)
+    std::copy_n(all.data() + k * n, n, sides[k]->Data());
+}
+
+void MumpsSolver::PrintTo(std::ofstream& out) const
+{
+  out << "\nprinting Sparse Matrix size=" << GiveSize() << "x" << GiveSize() << "\n";
+  for (int i = 1; i <= GiveSize(); ++i) {
+    for (int j = 1; j <= GiveSize(); ++j) {
+      if (const double* entry = matrix.Find(i, j))
+        out << i << " " << j << " " << *entry << "\n";
+    }
+  }
+}
+
+void MumpsSolver::CopyFromYouToMat(Matriu& m) const
+{
+  m = Matriu(GiveSize(), GiveSize());
+  for (int i = 1; i <= GiveSize(); ++i) {
+    for (int j = 1; j <= GiveSize(); ++j) {
+      const double* const entry = matrix.Find(i, j);
+      m(i, j) = entry ? *entry : 0.0;
+    }
+  }
+}
+
+void MumpsSolver::WriteForKiv(std::ofstream&, std::ofstream&) const
+{
+  Fatal("error MumpsSolver::WriteForKiv not implemented\n");
+}
+
+void MumpsSolver::PrintInfoMem(std::FILE* info) const
+{
+  Progress(info,
+           "\nINFORMATION ABOUT STIFFNESS MATRIX\n"
+           "Sparse matrix storage with a direct solver\n"
+           "Degrees of freedom= %i\n"
+           "Total number of positions= %zu\n"
+           "Amount of memory= %.1fMb\n\n",
+           GiveSize(), matrix.StorageBytes() / sizeof(double), Megabytes(matrix.StorageBytes()));
+}
+
+}  // namespace morlen::direct

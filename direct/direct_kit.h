@@ -11,6 +11,9 @@ namespace morlen::direct {
 class DirectKit : public SolverKit
 {
 public:
+  /// Call it before other threads run: see ChooseBlasKernels.
+  DirectKit();
+
   std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem) const override;
 
 private:

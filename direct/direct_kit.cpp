@@ -1,19 +1,96 @@
+// The kit, and the estimate of the solver's work.
+//
+// The time has a part for each node and coupling (order, analysis, entries), one for each entry of
+// the factors (memory, substitutions) and one for each operation. The constants are measured on
+// models of all families, relative to those of the skyline in assembly/solver_choice.cpp; see
+// bench/README.md.
+
 #include "direct/direct_kit.h"
+
+#include <utility>
 
 #include "direct/blas_kernels.h"
 #include "direct/mumps_solver.h"
+#include "direct/node_ordering.h"
+#include "direct/order_plan.h"
+#include "model/mesh.h"
+#include "model/node.h"
+#include "numeric/plex_range.h"
 #include "problem/problem.h"
 
 namespace morlen::direct {
+
+namespace {
+
+// The order of the nodes.
+constexpr double kSecondsPerNode = 4.2e-6;
+constexpr double kSecondsPerCoupling = 3e-7;
+/// The analysis and the assembly.
+constexpr double kSecondsPerEquation = 2.5e-6;
+// The factorisation and the substitutions.
+constexpr double kSecondsPerEntry = 3.4e-8;
+constexpr double kSecondsPerOperation = 3e-11;
+/// The factors of any structure have at least so many blocks for each pair of coupled nodes.
+constexpr double kLeastFill = 3.0;
+/// The memory for each byte of the factors: matrix, fronts and integers too.
+constexpr double kBytesPerByte = 1.75;
+
+/// The time without the factorisation's operations, for so many entries of the factors.
+double SecondsOf(const NodePattern& pattern, double n, double entries)
+{
+  const double nodes = pattern.Lines();
+  return kSecondsPerNode * nodes +
+         kSecondsPerCoupling * static_cast<double>(pattern.columns.size()) +
+         kSecondsPerEquation * n * nodes + kSecondsPerEntry * entries;
+}
+
+NodePattern PatternOf(const Problem& problem)
+{
+  NodeCouplings couplings(problem.numNodes, problem.numNodes);
+  for (const auto& mesh : problem.meshes) {
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+      for (int i = 0; i < elem.Nnode(); ++i) {
+        for (int j = 0; j < elem.Nnode(); ++j) {
+          if (elem(i) != elem(j))
+            couplings.Add(elem(i)->number - 1, elem(j)->number - 1);
+        }
+      }
+    }
+  }
+  return couplings.MakePattern();
+}
+
+}  // namespace
 
 DirectKit::DirectKit()
 {
   ChooseBlasKernels();
 }
 
-std::unique_ptr<DirectSolver> DirectKit::MakeDirect(const Problem& problem) const
+std::unique_ptr<DirectPlan> DirectKit::PlanDirect(const Problem& problem, double mostSeconds) const
 {
-  return std::make_unique<MumpsSolver>(problem.numNodes, problem.components.count, busy);
+  auto plan = std::make_unique<OrderPlan>();
+  plan->pattern = PatternOf(problem);
+  const double n = problem.components.count;
+  const double pairs =
+      (static_cast<double>(plan->pattern.columns.size()) - plan->pattern.Lines()) / 2.0;
+  if (SecondsOf(plan->pattern, n, kLeastFill * pairs * n * n) > mostSeconds)
+    return nullptr;
+  plan->order = OrderNodes(plan->pattern);
+  const FactorSize size = CountFactor(plan->pattern, plan->order);
+  const double entries = size.blocks * n * n;
+  plan->seconds =
+      SecondsOf(plan->pattern, n, entries) + kSecondsPerOperation * size.operations * n * n * n;
+  plan->bytes = static_cast<std::uint64_t>(kBytesPerByte * sizeof(double) * entries);
+  return plan;
+}
+
+std::unique_ptr<DirectSolver> DirectKit::MakeDirect(const Problem& problem,
+                                                    std::unique_ptr<DirectPlan> plan) const
+{
+  std::unique_ptr<OrderPlan> own(static_cast<OrderPlan*>(plan.release()));
+  return std::make_unique<MumpsSolver>(problem.numNodes, problem.components.count, busy,
+                                       std::move(own));
 }
 
 }  // namespace morlen::direct

@@ -14,7 +14,10 @@ public:
   /// Call it before other threads run: see ChooseBlasKernels.
   DirectKit();
 
-  std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem) const override;
+  bool HasDirect() const override { return true; }
+  std::unique_ptr<DirectPlan> PlanDirect(const Problem& problem, double mostSeconds) const override;
+  std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem,
+                                           std::unique_ptr<DirectPlan> plan) const override;
 
 private:
   mutable std::mutex busy;  ///< MUMPS serves one caller at a time

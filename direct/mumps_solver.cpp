@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <utility>
 
 #include "base/array_size.h"
 #include "base/errorwriter.h"
@@ -28,18 +28,17 @@ double Megabytes(std::uint64_t bytes)
 
 }  // namespace
 
-MumpsSolver::MumpsSolver(int nodes_, int ndof_, std::mutex& busy_)
-    : nodes(nodes_),
-      ndof(ndof_),
-      busy(busy_),
-      couplings(std::make_unique<NodeCouplings>(nodes, std::numeric_limits<int>::max()))
+MumpsSolver::MumpsSolver(int nodes_, int ndof_, std::mutex& busy_, std::unique_ptr<OrderPlan> plan_)
+    : nodes(nodes_), ndof(ndof_), busy(busy_), plan(std::move(plan_))
 {
   ArrayLength(nodes, ndof);
+  if (!plan)
+    couplings = std::make_unique<NodeCouplings>(nodes, nodes);
 }
 
 void MumpsSolver::EnterMaxDiff(int node1, int node2, int /*ndof*/)
 {
-  if (node1 == node2)
+  if (plan || node1 == node2)
     return;
   couplings->Add(node1 - 1, node2 - 1);
   couplings->Add(node2 - 1, node1 - 1);
@@ -47,9 +46,15 @@ void MumpsSolver::EnterMaxDiff(int node1, int node2, int /*ndof*/)
 
 void MumpsSolver::Create(int /*ndof*/)
 {
-  matrix = UpperMatrix(couplings->MakePattern(), ndof);
+  if (!plan) {
+    plan = std::make_unique<OrderPlan>();
+    plan->pattern = couplings->MakePattern();
+    plan->order = OrderNodes(plan->pattern);
+  }
   couplings.reset();
-  order = OrderNodes(matrix.Pattern());
+  order = std::move(plan->order);
+  matrix = UpperMatrix(std::move(plan->pattern), ndof);
+  plan.reset();
 }
 
 double& MumpsSolver::operator()(int i, int j)

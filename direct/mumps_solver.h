@@ -6,6 +6,7 @@
 
 #include "direct/factor_files.h"
 #include "direct/mumps.h"
+#include "direct/order_plan.h"
 #include "direct/upper_matrix.h"
 #include "solvers/direct_solver.h"
 #include "solvers/node_couplings.h"
@@ -21,8 +22,9 @@ namespace morlen::direct {
 class MumpsSolver : public DirectSolver
 {
 public:
-  /// For nodes with ndof equations each. busy: see Mumps.
-  MumpsSolver(int nodes, int ndof, std::mutex& busy);
+  /// For nodes with ndof equations each. busy: see Mumps. plan: with it, EnterMaxDiff declares
+  /// nothing new; may be null.
+  MumpsSolver(int nodes, int ndof, std::mutex& busy, std::unique_ptr<OrderPlan> plan = nullptr);
 
   const char* Name() const override { return "Direct"; }
   int GiveSize() const override { return nodes * ndof; }
@@ -62,7 +64,8 @@ private:
   int nodes;
   int ndof;
   std::mutex& busy;
-  std::unique_ptr<NodeCouplings> couplings;  ///< until Create
+  std::unique_ptr<OrderPlan> plan;           ///< until Create; may be null
+  std::unique_ptr<NodeCouplings> couplings;  ///< until Create; null with a plan
   UpperMatrix matrix;
   std::vector<int> order;  ///< places of the nodes, from 0
   Coordinates entries;     ///< of the assembled matrix

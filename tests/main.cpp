@@ -1,8 +1,8 @@
-// The tests with an option that chooses the vector instructions with which they solve:
+// The tests with options that choose the vector instructions and the solver with which they solve:
 //
-//   morlen_tests [--processor=plain|avx2|avx512] [options of GoogleTest]
+//   morlen_tests [--processor=plain|avx2|avx512] [--solver=Direct] [options of GoogleTest]
 //
-// The status is 77 when this machine lacks them.
+// The status is 77 when this machine lacks the instructions, or the program the solver.
 
 #include <gtest/gtest.h>
 
@@ -11,15 +11,18 @@
 #include <string_view>
 
 #include "support/processor.h"
+#include "support/tested_solver.h"
 
 using namespace morlen;
 
 namespace {
 
 constexpr int kLacking = 77;
-constexpr std::string_view kOption = "--processor=";
+constexpr std::string_view kProcessorOption = "--processor=";
+constexpr std::string_view kDirectOption = "--solver=Direct";
 
 Processor tested = ThisProcessor();
+bool testsDirect = false;
 
 std::optional<Processor> Named(std::string_view name)
 {
@@ -36,6 +39,20 @@ std::optional<Processor> Named(std::string_view name)
   return std::nullopt;
 }
 
+// Returns false for an unknown option.
+bool ReadOption(std::string_view option)
+{
+  if (option == kDirectOption) {
+    testsDirect = true;
+    return true;
+  }
+  const std::optional<Processor> named = option.starts_with(kProcessorOption)
+                                             ? Named(option.substr(kProcessorOption.size()))
+                                             : std::nullopt;
+  tested = named.value_or(tested);
+  return named.has_value();
+}
+
 }  // namespace
 
 Processor morlen::TestedProcessor()
@@ -43,21 +60,29 @@ Processor morlen::TestedProcessor()
   return tested;
 }
 
+bool morlen::TestsDirect()
+{
+  return testsDirect;
+}
+
+void morlen::SetTestedSolver(SolverSettings& settings)
+{
+  if (testsDirect &&
+      (settings.type == SolverType::SkyLine || settings.type == SolverType::Automatic))
+    settings.type = SolverType::Direct;
+}
+
 int main(int argc, char** argv)
 {
   testing::InitGoogleTest(&argc, argv);
   for (int i = 1; i < argc; ++i) {
-    const std::string_view option = argv[i];
-    const std::optional<Processor> named =
-        option.starts_with(kOption) ? Named(option.substr(kOption.size())) : std::nullopt;
-    if (!named) {
+    if (!ReadOption(argv[i])) {
       std::fprintf(stderr, "unknown option %s\n", argv[i]);
       return 2;
     }
-    tested = *named;
   }
-  if (tested > ThisProcessor()) {
-    std::puts("not on this processor");
+  if (tested > ThisProcessor() || (testsDirect && &TestedKit() == &kPlainKit)) {
+    std::puts("not on this processor, or not in this program");
     return kLacking;
   }
   return RUN_ALL_TESTS();

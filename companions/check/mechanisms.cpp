@@ -331,10 +331,10 @@ std::string TooLarge(const Problem& problem)
   if (equations > kMostEquations)
     return Joined(equations, " equations are more than ", kMostEquations);
   const SolverWork work = EstimateWork(problem, FamiliesOf(problem));
-  if (work.DirectBytes() > UsableMemory(AvailableMemory()))
-    return Joined("the matrix needs ", static_cast<long long>(work.DirectBytes() >> 20),
+  if (work.SkylineBytes() > UsableMemory(AvailableMemory()))
+    return Joined("the matrix needs ", static_cast<long long>(work.SkylineBytes() >> 20),
                   " MiB of memory");
-  if (work.DirectSeconds() > kMostSeconds)
+  if (work.SkylineSeconds() > kMostSeconds)
     return "the factorisation would take too long";
   return "";
 }

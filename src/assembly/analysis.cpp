@@ -49,7 +49,7 @@ std::string NoSolverHint(const SparseSolver& sparse, const SolverWork& work)
   stprintf(text,
            ". The direct solver would need %.0f Mb of memory. Where nothing can move, give it so "
            "much, or more iterations by a line \"Solver: Sparse 1e-5 1e-5 20000\"\n",
-           static_cast<double>(work.DirectBytes()) / (1024.0 * 1024.0));
+           static_cast<double>(work.SkylineBytes()) / (1024.0 * 1024.0));
   return text.str();
 }
 
@@ -78,9 +78,10 @@ std::unique_ptr<double[]> StartOfSixNodes(const Meshes& meshes, const NodeCompon
   return values;
 }
 
-std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem, const SolverKit& kit)
+std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem, const SolverKit& kit,
+                                         std::unique_ptr<DirectPlan> plan)
 {
-  std::unique_ptr<DirectSolver> solver = kit.MakeDirect(problem);
+  std::unique_ptr<DirectSolver> solver = kit.MakeDirect(problem, std::move(plan));
   if (!solver)
     Fatal("error: this program has been built without the solver Direct\n");
   return solver;
@@ -92,13 +93,14 @@ std::unique_ptr<SkyMatriu> MakeSkyline(const Problem& problem)
 }
 
 // start: displacements of a pre-solve, empty without one.
-std::unique_ptr<BSolver> MakeSolver(const Problem& problem, const SolverKit& kit, ReaVecV& start)
+std::unique_ptr<BSolver> MakeSolver(const Problem& problem, const SolverKit& kit,
+                                    std::unique_ptr<DirectPlan> plan, ReaVecV& start)
 {
   const SolverSettings& s = problem.solverSettings;
   if (s.type == SolverType::SkyLine)
     return MakeSkyline(problem);
   if (s.type == SolverType::Direct)
-    return MakeDirect(problem, kit);
+    return MakeDirect(problem, kit, std::move(plan));
   if (s.type != SolverType::Sparse)
     Fatal("error: unknown solver\n");
   const int n = problem.components.count;
@@ -129,7 +131,7 @@ std::unique_ptr<SparseSolver> MakeIteration(const Problem& problem, const Solver
                               .components = problem.components};
   if (choice.fitsDirectly) {
     demands.quotient = IterationDemands::kLeastQuotient;
-    sparse->LimitIterations(choice.work.IterationsWorthTrying());
+    sparse->LimitIterations(choice.work.IterationsWorthTrying(choice.directSeconds));
   }
   sparse->Demand(demands);
   return sparse;
@@ -212,11 +214,11 @@ public:
     const bool automatic = problem.solverSettings.type == SolverType::Automatic;
     if (automatic && options.kit.Suits(problem) && SolveByKit())
       return {nullptr, std::move(solutions)};
-    const SolverChoice choice = PrepareEquations(problem, families, options);
+    SolverChoice choice = PrepareEquations(problem, families, options);
     if (automatic && choice.type == SolverType::Sparse) {
       IterateFirst(choice);
     } else {
-      solver = MakeSolver(problem, options.kit, start);
+      solver = MakeSolver(problem, options.kit, std::move(choice.plan), start);
       solutions = Solve(Task(), *solver, makeLoads, choice.reason);
     }
     return {std::move(solver), std::move(solutions)};
@@ -238,22 +240,25 @@ private:
   ReaVecV start;  ///< displacements of the pre-solve; empty without one
 };
 
-// Solves the model of three-node triangles by the skyline solver, for the first load vector. Its
+// Solves the model of three-node triangles by a direct solver, for the first load vector. Its
 // displacements are the starting vector of the sparse solver for the model of six-node triangles.
 void Analysis::PreSolve()
 {
   CheckDoubleSolver(problem.meshes);
   Progress(options.info, "Running a pre-solver to prepare initial values\n");
-  PrepareForSkyline(problem, options.renumber);
+  const bool large = problem.Equations() >= kChoiceFrom;
+  const bool sparse = large && options.kit.HasDirect();
+  PrepareForDirect(problem, sparse ? SolverType::Direct : SolverType::SkyLine, options.renumber);
   ReportMarks(problem, options.info);
-  const auto skyline = MakeSkyline(problem);
+  ReaVecV none;
+  const auto direct = MakeSolver(problem, options.kit, nullptr, none);
   const MakeLoads firstLoads = [this](const Problem& prepared, const ElementFamilies& known) {
     std::vector<LoadVector> loads = makeLoads(prepared, known);
     if (!loads.empty())
       loads.erase(loads.begin() + 1, loads.end());
     return loads;
   };
-  start = std::move(Solve(Task(), *skyline, firstLoads, "").front().displacements);
+  start = std::move(Solve(Task(), *direct, firstLoads, "").front().displacements);
   problem.solverSettings.type = SolverType::Sparse;
   problem.convertTo6Nodes = true;
 }
@@ -283,8 +288,8 @@ void Analysis::IterateFirst(const SolverChoice& choice)
                  NoSolverHint(*sparse, choice.work));
   const std::string reason = Outcome(*sparse);
   sparse.reset();
-  PrepareForSkyline(problem, options.renumber);
-  solver = MakeSkyline(problem);
+  PrepareForDirect(problem, choice.directType, options.renumber);
+  solver = MakeSolver(problem, options.kit, nullptr, start);
   solutions = Solve(Task(), *solver, makeLoads, reason);
 }
 

@@ -62,7 +62,7 @@ public:
     if (verdict == Refinement::Verdict::Moves)
       FailByMotion(refinement, cases);
     if (verdict == Refinement::Verdict::TooRough)
-      Fail(-1, RoughModelHint(cases, verdict));
+      FailByRoughness(refinement, cases);
     return cases;
   }
 
@@ -92,15 +92,33 @@ private:
     const std::string hint = RoughModelHint(cases, Refinement::Verdict::Moves);
     if (hint.empty())
       ExplainMotion(refinement.Motion(cases.probe));
-    Fail(refinement.LargestMotion(cases.probe), hint);
+    Fail(refinement.LargestMotion(cases.probe.u.value), hint);
+  }
+
+  // The corrections of a motion are lost beside those of a much softer part. The residual, which no
+  // element resists, still has it.
+  [[noreturn]] void FailByRoughness(const Refinement& refinement, const RefinedCases& cases) const
+  {
+    ReaVecV motion = refinement.Motion(cases.probe);
+    const int largest = refinement.LargestMotion(motion);
+    ConvertLocalResultsToGlobal(nodes, motion, scale.components.count);
+    if (!IsFreeMotion(task.problem, task.families, motion))
+      Fail(-1, RoughModelHint(cases, Refinement::Verdict::TooRough));
+    ExplainFreeMotion(motion);
+    Fail(largest, "");
   }
 
   // motion: in the axes of the supports.
   void ExplainMotion(ReaVecV motion) const
   {
     ConvertLocalResultsToGlobal(nodes, motion, scale.components.count);
-    if (!IsFreeMotion(task.problem, task.families, motion))
-      return;
+    if (IsFreeMotion(task.problem, task.families, motion))
+      ExplainFreeMotion(motion);
+  }
+
+  // motion: in global axes.
+  void ExplainFreeMotion(const ReaVecV& motion) const
+  {
     const std::optional<ReaVecV> rigid = FreeRigidMotion(task.problem, task.families, motion);
     Explain(DescribeMotion(task.problem, rigid.value_or(motion)).text);
   }

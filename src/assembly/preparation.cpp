@@ -17,18 +17,22 @@ namespace morlen {
 
 namespace {
 
-// The faster solver of a large model, the direct one of a small model. The iteration uses the
-// numbers of the file.
-SolverChoice ChooseSolver(Problem& problem, const ElementFamilies& families, bool renumber)
+// The fastest solver of a large model, the skyline of a small model. The iteration uses the numbers
+// of the file.
+SolverChoice ChooseSolver(Problem& problem, const ElementFamilies& families,
+                          const AnalysisOptions& options)
 {
-  PrepareForSkyline(problem, renumber);
+  PrepareForSkyline(problem, options.renumber);
   const long long equations = static_cast<long long>(problem.numNodes) * problem.components.count;
   if (equations < kChoiceFrom)
     return {.reason = std::to_string(equations) + " equations are less than " +
                       std::to_string(kChoiceFrom)};
-  SolverChoice choice = FasterSolver(EstimateWork(problem, families), UsableMemory(MemoryLimit()));
+  const SolverWork work = EstimateWork(problem, families);
+  const std::uint64_t memory = UsableMemory(MemoryLimit());
+  SolverChoice choice =
+      FasterSolver(work, memory, options.kit.PlanDirect(problem, MostDirectSeconds(work, memory)));
   problem.solverSettings.type = choice.type;
-  if (choice.type == SolverType::Sparse && renumber) {
+  if (choice.type == SolverType::Sparse && options.renumber) {
     problem.meshes.front()->RestoreNumbers();
     MarkCoplanarNodes(problem);
   }
@@ -53,7 +57,7 @@ SolverChoice PrepareEquations(Problem& problem, const ElementFamilies& families,
   const SolverType asked = problem.solverSettings.type;
   SolverChoice choice{.type = asked, .reason = "the problem file asks for it"};
   if (asked == SolverType::Automatic)
-    choice = ChooseSolver(problem, families, options.renumber);
+    choice = ChooseSolver(problem, families, options);
   else if (asked == SolverType::SkyLine)
     PrepareForSkyline(problem, options.renumber);
   else
@@ -67,6 +71,14 @@ void PrepareForSkyline(Problem& problem, bool renumber)
   problem.solverSettings.type = SolverType::SkyLine;
   if (renumber)
     problem.meshes.front()->RenumberNodes();
+  MarkCoplanarNodes(problem);
+}
+
+void PrepareForDirect(Problem& problem, SolverType type, bool renumber)
+{
+  if (type == SolverType::SkyLine)
+    return PrepareForSkyline(problem, renumber);
+  problem.solverSettings.type = type;
   MarkCoplanarNodes(problem);
 }
 

@@ -33,6 +33,9 @@ SolverChoice PrepareEquations(Problem& problem, const ElementFamilies& families,
 /// nodes.
 void PrepareForSkyline(Problem& problem, bool renumber);
 
+/// The same for either direct solver: SkyLine, or Direct with the present numbers of the nodes.
+void PrepareForDirect(Problem& problem, SolverType type, bool renumber);
+
 /// Writes the number of coplanar nodes of a problem with shells to the information stream.
 void ReportMarks(const Problem& problem, std::FILE* info);
 

@@ -189,12 +189,12 @@ ReaVecV Refinement::Motion(const RefinedCase& probe) const
   return motion;
 }
 
-int Refinement::LargestMotion(const RefinedCase& probe) const
+int Refinement::LargestMotion(const ReaVecV& u) const
 {
   int found = 1;
   double largest = -1.0;
   ForEachFree(nodes, scale.components, [&](int equation, int component, double) {
-    const double motion = scale.Unit(component) * std::fabs(probe.u.value(equation));
+    const double motion = scale.Unit(component) * std::fabs(u(equation));
     if (motion > largest) {
       largest = motion;
       found = equation;

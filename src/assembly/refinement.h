@@ -95,8 +95,8 @@ public:
   /// eight steps.
   Verdict Run(RefinedCases& cases) const;
 
-  /// The free equation with the largest displacement; rotations count times the length.
-  int LargestMotion(const RefinedCase& probe) const;
+  /// The free equation with the largest displacement of u; rotations count times the length.
+  int LargestMotion(const ReaVecV& u) const;
 
   /// The motion of a structure for which Run has found Moves, in the axes of the supports. If there
   /// are several, it is a mixture. It is one more correction, which has only traces of the elastic

@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 #include "assembly/element_family.h"
@@ -161,9 +163,35 @@ int Distance(const VoidPlex& nodes, const Connections& connections)
   return steps;
 }
 
+std::string EstimateOf(double seconds, std::uint64_t bytes)
+{
+  std::ostringstream text;
+  stprintf(text, "%.2g s and %.0f Mb", seconds, static_cast<double>(bytes) / (1024.0 * 1024.0));
+  return text.str();
+}
+
+/// plan: of Solver Direct, when it fits; may be null.
+std::string ReasonOf(const SolverChoice& choice, const DirectPlan* plan)
+{
+  const SolverWork& work = choice.work;
+  std::ostringstream reason;
+  if (!work.canIterate)
+    return "a node has too many neighbours for an iteration";
+  const bool sparse = choice.directType == SolverType::Direct;
+  reason << "estimated "
+         << (sparse ? EstimateOf(plan->seconds, plan->bytes)
+                    : EstimateOf(work.SkylineSeconds(), work.SkylineBytes()));
+  stprintf(reason, ", against %.0f iterations in %.2g s", work.iterations, work.SparseSeconds());
+  if (sparse)
+    reason << " and Solver SkyLine with " << EstimateOf(work.SkylineSeconds(), work.SkylineBytes());
+  if (!choice.fitsDirectly)
+    reason << "; the direct solver does not fit into memory";
+  return reason.str();
+}
+
 }  // namespace
 
-double SolverWork::DirectSeconds() const
+double SolverWork::SkylineSeconds() const
 {
   return kSecondsPerOperation * operations + kSecondsPerProfileEntry * profileEntries;
 }
@@ -183,16 +211,16 @@ double SolverWork::SparseSeconds() const
   return (iterations + kIterationsOfFactors) * IterationSeconds();
 }
 
-std::uint64_t SolverWork::DirectBytes() const
+std::uint64_t SolverWork::SkylineBytes() const
 {
   constexpr double kWithCopies = 1.125 * sizeof(double);
   return static_cast<std::uint64_t>(kWithCopies * profileEntries);
 }
 
-int SolverWork::IterationsWorthTrying() const
+int SolverWork::IterationsWorthTrying(double directSeconds) const
 {
   constexpr double kMost = 1e6;
-  return static_cast<int>(std::min(kMost, std::max(1.0, DirectSeconds() / IterationSeconds())));
+  return static_cast<int>(std::min(kMost, std::max(1.0, directSeconds / IterationSeconds())));
 }
 
 SolverWork EstimateWork(const Problem& problem, const ElementFamilies& families)
@@ -213,19 +241,36 @@ std::uint64_t UsableMemory(std::uint64_t limit)
   return limit / 4 * 3;
 }
 
-SolverChoice FasterSolver(const SolverWork& work, std::uint64_t usableMemory)
+double MostDirectSeconds(const SolverWork& work, std::uint64_t usableMemory)
 {
-  const bool fits = work.DirectBytes() <= usableMemory;
-  if (!work.canIterate)
-    return {SolverType::SkyLine, "a node has too many neighbours for an iteration", work, true};
-  const bool direct = fits && work.DirectSeconds() <= kLeastGain * work.SparseSeconds();
-  std::ostringstream reason;
-  stprintf(reason, "estimated %.2g s and %.0f Mb, against %.0f iterations in %.2g s",
-           work.DirectSeconds(), static_cast<double>(work.DirectBytes()) / (1024.0 * 1024.0),
-           work.iterations, work.SparseSeconds());
-  if (!fits)
-    reason << "; the direct solver does not fit into memory";
-  return {direct ? SolverType::SkyLine : SolverType::Sparse, reason.str(), work, fits};
+  double most = std::numeric_limits<double>::infinity();
+  if (work.canIterate)
+    most = kLeastGain * work.SparseSeconds();
+  if (work.SkylineBytes() <= usableMemory)
+    most = std::min(most, work.SkylineSeconds());
+  return most;
+}
+
+SolverChoice FasterSolver(const SolverWork& work, std::uint64_t usableMemory,
+                          std::unique_ptr<DirectPlan> plan)
+{
+  const bool fits = work.SkylineBytes() <= usableMemory;
+  if (plan && plan->bytes > usableMemory)
+    plan.reset();
+  const bool sparseIsFaster = plan && (!fits || plan->seconds < work.SkylineSeconds());
+  SolverChoice choice;
+  choice.work = work;
+  choice.fitsDirectly = fits || plan;
+  choice.directType = sparseIsFaster ? SolverType::Direct : SolverType::SkyLine;
+  choice.directSeconds = sparseIsFaster ? plan->seconds : work.SkylineSeconds();
+  const bool direct =
+      !work.canIterate ||
+      (choice.fitsDirectly && choice.directSeconds <= kLeastGain * work.SparseSeconds());
+  choice.type = direct ? choice.directType : SolverType::Sparse;
+  choice.reason = ReasonOf(choice, plan.get());
+  if (choice.type == SolverType::Direct)
+    choice.plan = std::move(plan);
+  return choice;
 }
 
 }  // namespace morlen

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
+#include "assembly/solver_kit.h"
 #include "problem/settings.h"
 
 namespace morlen {
@@ -13,8 +15,8 @@ struct Problem;
 /// The automatic choice compares the work of the solvers from this number of equations on.
 constexpr long long kChoiceFrom = 15000;
 
-/// The estimated work of both equation solvers for a model. Times are those of the processor on
-/// which the constants in solver_choice.cpp were measured: only their ratio counts.
+/// The estimated work of the skyline and of the iteration for a model. Times are those of the
+/// processor on which the constants in solver_choice.cpp were measured: only their ratio counts.
 struct SolverWork
 {
   double equations = 0.0;
@@ -24,14 +26,14 @@ struct SolverWork
   double iterations = 0.0;      ///< estimate, until the sparse solver has converged
   bool canIterate = true;       ///< false when a node has too many neighbours for a sparse matrix
 
-  double DirectSeconds() const;
+  double SkylineSeconds() const;
   /// The time of one iteration for two right-hand sides.
   double IterationSeconds() const;
   double SparseSeconds() const;
   /// The bytes of the skyline matrix and of the copies that its factorisation keeps.
-  std::uint64_t DirectBytes() const;
-  /// The number of iterations after which the direct solver would have been faster.
-  int IterationsWorthTrying() const;
+  std::uint64_t SkylineBytes() const;
+  /// The number of iterations that a direct solver's time is worth.
+  int IterationsWorthTrying(double directSeconds) const;
 };
 
 /// The work with the current numbers of the nodes, from the elements alone. The coplanarity marks
@@ -44,13 +46,21 @@ struct SolverChoice
   SolverType type = SolverType::SkyLine;
   std::string reason;
   SolverWork work = {};      ///< of a large model
-  bool fitsDirectly = true;  ///< the memory has room for the skyline matrix
+  bool fitsDirectly = true;  ///< the memory has room for a direct solver
+  /// The direct solver that is faster, of those that fit; it follows an iteration that fails.
+  SolverType directType = SolverType::SkyLine;
+  double directSeconds = 0.0;
+  std::unique_ptr<DirectPlan> plan = nullptr;  ///< with the type Direct of a large model
 };
 
 /// The part of a memory limit that the matrix may use; the rest is for the model.
 std::uint64_t UsableMemory(std::uint64_t limit);
 
-/// The faster of the solvers for which the memory has room.
-SolverChoice FasterSolver(const SolverWork& work, std::uint64_t usableMemory);
+/// The time that a direct solver must not exceed to be chosen: that of the others.
+double MostDirectSeconds(const SolverWork& work, std::uint64_t usableMemory);
+
+/// The fastest of the solvers for which the memory has room. plan: of `Solver Direct`; may be null.
+SolverChoice FasterSolver(const SolverWork& work, std::uint64_t usableMemory,
+                          std::unique_ptr<DirectPlan> plan = nullptr);
 
 }  // namespace morlen

@@ -7,7 +7,14 @@
 
 namespace morlen {
 
-std::unique_ptr<DirectSolver> SolverKit::MakeDirect(const Problem& /*problem*/) const
+std::unique_ptr<DirectPlan> SolverKit::PlanDirect(const Problem& /*problem*/,
+                                                  double /*mostSeconds*/) const
+{
+  return nullptr;
+}
+
+std::unique_ptr<DirectSolver> SolverKit::MakeDirect(const Problem& /*problem*/,
+                                                    std::unique_ptr<DirectPlan> /*plan*/) const
 {
   return nullptr;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -11,6 +12,19 @@ class InternalForces;
 struct AnalysisTask;
 struct LoadCase;
 struct Problem;
+
+/// The estimated work of the solver of `Solver Direct` for one problem, and what the estimate has
+/// found out for the solver. Seconds are comparable with those of SolverWork.
+struct DirectPlan
+{
+  DirectPlan() = default;
+  DirectPlan(const DirectPlan&) = delete;
+  DirectPlan& operator=(const DirectPlan&) = delete;
+  virtual ~DirectPlan() = default;
+
+  double seconds = 0.0;
+  std::uint64_t bytes = 0;
+};
 
 /// The parts of an analysis that a program adds or replaces.
 ///
@@ -28,9 +42,17 @@ public:
   SolverKit& operator=(const SolverKit&) = delete;
   constexpr virtual ~SolverKit() {}  // NOLINT: GCC 12 takes no default here for a constant
 
-  /// An empty matrix with the solver of `Solver Direct`, for a problem after its preparation; null
-  /// when the program has none. The nodes have the numbers of the file.
-  virtual std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem) const;
+  /// True when the program has the solver of `Solver Direct`.
+  virtual bool HasDirect() const { return false; }
+
+  /// The work of that solver for a problem after its preparation, with the numbers of the file.
+  /// Null without the solver, and when it needs more than `mostSeconds` at least.
+  virtual std::unique_ptr<DirectPlan> PlanDirect(const Problem& problem, double mostSeconds) const;
+
+  /// An empty matrix with that solver, for the same problem; null without the solver. plan: null,
+  /// or a result of PlanDirect, whose work is then used.
+  virtual std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem,
+                                                   std::unique_ptr<DirectPlan> plan) const;
 
   /// True when `Solver Automatic` shall leave this problem to Solve. Asked after PrepareModel, with
   /// the numbers of the file; triangles still have three nodes.

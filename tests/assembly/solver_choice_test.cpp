@@ -145,8 +145,8 @@ TEST(FasterSolver, IsTheOneWithLessWorkThatFitsIntoMemory)
   const SolverWork slow = {
       .profileEntries = 1e6, .operations = 1e8, .sparseEntries = 1e6, .iterations = 3000};
   EXPECT_EQ(FasterSolver(slow, kAnyMemory).type, SolverType::SkyLine);
-  EXPECT_EQ(FasterSolver(slow, slow.DirectBytes()).type, SolverType::SkyLine);
-  const SolverChoice tooLarge = FasterSolver(slow, slow.DirectBytes() - 1);
+  EXPECT_EQ(FasterSolver(slow, slow.SkylineBytes()).type, SolverType::SkyLine);
+  const SolverChoice tooLarge = FasterSolver(slow, slow.SkylineBytes() - 1);
   EXPECT_EQ(tooLarge.type, SolverType::Sparse);
   EXPECT_FALSE(tooLarge.fitsDirectly);
   EXPECT_TRUE(tooLarge.reason.ends_with("; the direct solver does not fit into memory"))

@@ -16,6 +16,7 @@
 #include "numeric/plex_range.h"
 #include "problem/problem_reader.h"
 #include "support/processor.h"
+#include "support/tested_solver.h"
 
 namespace morlen {
 
@@ -124,6 +125,7 @@ void ReadInto(Problem& problem, const std::string& text)
   problem.solverSettings.processor = TestedProcessor();
   TextScan scan(text);
   ReadProblem(scan, problem);
+  SetTestedSolver(problem.solverSettings);
 }
 
 }  // namespace
@@ -137,7 +139,7 @@ std::unique_ptr<Problem> ReadProblemText(const std::string& text)
 
 std::unique_ptr<Project> ReadProject(const std::string& problem)
 {
-  auto project = std::make_unique<Project>(100);
+  auto project = std::make_unique<Project>(100, TestedKit());
   ReadInto(project->problem, problem);
   return project;
 }

@@ -9,6 +9,10 @@ namespace morlen::direct {
 /// variable OPENBLAS_CORETYPE is left to decide. Call it before other threads run.
 void ChooseBlasKernels(Processor processor = ThisProcessor());
 
+/// Lets BLAS allocate its working memory, which it keeps. Fatal when there is too little: BLAS
+/// itself would try for ever.
+void ReserveBlasMemory();
+
 /// The name of the kernels that BLAS uses; "" when it has only one set.
 const char* BlasKernels();
 

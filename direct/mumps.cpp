@@ -50,6 +50,12 @@ double Count(int number)
   return number < 0 ? -kMillion * number : number;
 }
 
+template <std::size_t size>
+void CopyText(const std::string& text, char (&to)[size])
+{
+  to[text.copy(to, size - 1)] = '\0';
+}
+
 std::uint64_t Bytes(int megabytes)
 {
   constexpr std::uint64_t kMillion = 1000000;
@@ -142,8 +148,8 @@ bool Mumps::Factorise(FactorFiles* factorFiles)
     DMUMPS_STRUC_C& data = instance->data;
     if (files->Folder().size() >= sizeof data.ooc_tmpdir)
       Fatal("error: the name of the folder for temporary files is too long\n");
-    files->Folder().copy(data.ooc_tmpdir, sizeof data.ooc_tmpdir - 1);
-    files->Prefix().copy(data.ooc_prefix, sizeof data.ooc_prefix - 1);
+    CopyText(files->Folder(), data.ooc_tmpdir);
+    CopyText(files->Prefix(), data.ooc_prefix);
   }
   int result = Call(kFactorise);
   // The estimate of the memory was too small.

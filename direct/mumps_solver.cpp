@@ -10,6 +10,7 @@
 #include "base/errorwriter.h"
 #include "base/memory_limit.h"
 #include "base/stprintf.h"
+#include "direct/blas_kernels.h"
 #include "direct/node_ordering.h"
 #include "numeric/matriu.h"
 
@@ -122,7 +123,9 @@ void MumpsSolver::ChoosePlace(const Mumps::Sizes& sizes, std::FILE* info)
 
 int MumpsSolver::Factorise(std::FILE* info)
 {
-  factorised = false;
+  factorised = GiveSize() == 0;
+  if (factorised)
+    return 0;
   if (const int refused = FindRefused())
     return refused;
   entries = matrix.Compress();
@@ -131,6 +134,7 @@ int MumpsSolver::Factorise(std::FILE* info)
       return entries.columns[k];
   }
   places = Places();
+  ReserveBlasMemory();
   mumps = std::make_unique<Mumps>(busy);
   Progress(info, "Analysis of %i equations, %lld entries\n", GiveSize(),
            static_cast<long long>(entries.Count()));
@@ -154,6 +158,8 @@ void MumpsSolver::Substitute(const RightHandSides& sides, std::FILE* info) const
 {
   Progress(info, "Solution for %zu right-hand sides\n", sides.size());
   const auto n = static_cast<std::size_t>(GiveSize());
+  if (n == 0)
+    return;
   if (sides.size() == 1)
     return mumps->Solve(sides.front()->Data(), 1);
   std::vector<double> all(n * sides.size());

@@ -59,7 +59,19 @@ void ExpectSurvived(const std::string& problem, const Files& results, long first
       << run.err << errors;
 }
 
-// Lets the allocations fail in turn: all of them, or about `most`.
+// The allocations of a run without arguments: those of libraries before the program begins.
+long AllocationsBeforeMain()
+{
+  const TemporaryFolder folder;
+  RunProgram(folder, {},
+             {.environment = {{"LD_PRELOAD", FAILING_MALLOC},
+                              {"COUNT_FILE", "count"},
+                              {"FAIL_FROM", "0"},
+                              {"FAIL_TO", "0"}}});
+  return std::stol(folder.Read("count"));
+}
+
+// Lets the allocations of the program fail in turn: all of them, or about `most`.
 void FailEach(const std::string& problem, long most)
 {
   if (kSanitized)
@@ -71,7 +83,7 @@ void FailEach(const std::string& problem, long most)
   const long count = std::stol(folder.Read("count"));
   ASSERT_GT(count, 20);
   const long step = std::max(1L, count / most);
-  for (long i = 1; i <= count; i += step) {
+  for (long i = AllocationsBeforeMain() + 1; i <= count; i += step) {
     ExpectSurvived(problem, results, i, i);
     ExpectSurvived(problem, results, i, 1000000000);
   }
@@ -114,6 +126,32 @@ TEST(Allocations, OfShellsMayFail)
 TEST(Allocations, OfTheIterativeSolverMayFail)
 {
   FailEach(Triangles("ConvertTo6Nodes\nSolver Sparse 1e-10 1e-8 1000"), 60);
+}
+
+// An allocation that fails in a library of the solver may end the run in the library's own way.
+TEST(Allocations, OfTheDirectSolverMayFail)
+{
+  if (kSanitized)
+    GTEST_SKIP() << "a sanitizer replaces the allocator";
+  const std::string problem = Triangles("Solver Direct");
+  const TemporaryFolder whole;
+  whole.Write("model.dat", problem);
+  if (RunFailing(whole, 0, 0).status != 0)
+    GTEST_SKIP() << "the program has no such solver";
+  const Files results = FilesOf(whole);
+  const long count = std::stol(whole.Read("count"));
+  for (long i = AllocationsBeforeMain() + 1; i <= count; i += 3) {
+    SCOPED_TRACE(i);
+    const TemporaryFolder folder;
+    folder.Write("model.dat", problem);
+    const RunResult run = RunFailing(folder, i, i);
+    if (run.status == 0) {
+      EXPECT_EQ(FilesOf(folder), results);
+    } else if (folder.Has("out.txt")) {
+      const std::string text = folder.Read("out.txt");
+      EXPECT_TRUE(text.empty() || text == results.at("out.txt")) << text;
+    }
+  }
 }
 
 }  // namespace morlen

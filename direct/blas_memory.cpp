@@ -1,0 +1,29 @@
+#include <sys/mman.h>
+
+#include "base/errorwriter.h"
+#include "direct/blas_kernels.h"
+
+extern "C" void dtrsm_(const char* side, const char* triangle, const char* transposed,
+                       const char* diagonal, const int* rows, const int* columns,
+                       const double* factor, const double* a, const int* lda, double* b,
+                       const int* ldb);
+
+namespace morlen::direct {
+
+// The first product makes BLAS map its memory. The address space for it is tried before.
+void ReserveBlasMemory()
+{
+  constexpr std::size_t kBytes = (std::size_t{128} << 20) + (std::size_t{1} << 20);
+  void* const map = mmap(nullptr, kBytes, PROT_READ | PROT_WRITE,
+                         MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (map == MAP_FAILED)
+    Fatal("Not space available on heap");
+  munmap(map, kBytes);
+  constexpr int kOne = 1;
+  constexpr double kFactor = 1.0;
+  const double a = 1.0;
+  double b = 1.0;
+  dtrsm_("L", "L", "N", "U", &kOne, &kOne, &kFactor, &a, &kOne, &b, &kOne);
+}
+
+}  // namespace morlen::direct

@@ -40,3 +40,10 @@ if(MORLEN_DIRECT)
     message(STATUS "Without Solver Direct (${packages}): ${missing} not found")
   endif()
 endif()
+
+# For the test of the packages.
+if(morlen_build_direct)
+  file(WRITE ${PROJECT_BINARY_DIR}/direct.txt "morlen_build_direct\n")
+else()
+  file(REMOVE ${PROJECT_BINARY_DIR}/direct.txt)
+endif()

@@ -34,6 +34,16 @@ endforeach()
 install(DIRECTORY examples docs DESTINATION ${CMAKE_INSTALL_DOCDIR} ${runtime})
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} ${runtime})
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright ${runtime})
+if(morlen_build_direct)
+  install(FILES LICENSE.third-party DESTINATION ${CMAKE_INSTALL_DOCDIR} ${runtime})
+  # The licences of what is linked into the program, as Debian has them.
+  foreach(package libmumps-seq-dev libmetis-dev libopenblas-serial-dev)
+    if(EXISTS /usr/share/doc/${package}/copyright)
+      install(FILES /usr/share/doc/${package}/copyright RENAME ${package}
+        DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences ${runtime})
+    endif()
+  endforeach()
+endif()
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libmorlen-dev RENAME copyright
   ${development})
 

@@ -93,7 +93,8 @@ generate() {
   done
 }
 
-scripts/install_tools.sh g++ cmake make python3 libbenchmark-dev
+scripts/install_tools.sh g++ cmake make python3 libbenchmark-dev libmumps-seq-dev libmetis-dev \
+  libopenblas-serial-dev
 if [ "$part" = cholmod ] || [ "$part" = all ]; then
   scripts/install_tools.sh libsuitesparse-dev libopenblas-dev
 fi

@@ -37,4 +37,11 @@ find "$work/libmorlen-dev" -name morlenConfig.cmake | grep -q . || fail "no pack
 cp "$work/morlen/usr/share/doc/morlen/examples/portal_frame.dat" "$work"
 (cd "$work" && morlen/usr/bin/morlen portal_frame.dat portal_frame.txt)
 grep -q "^2  0.00912" "$work/portal_frame.txt" || fail "the packed program computes something else"
+if grep -q "^morlen_build_direct" "$build/direct.txt" 2>/dev/null; then
+  sed '1,/^[^#]/s/^\(problem type.*\)/\1\nSolver Direct/' "$work/portal_frame.dat" >"$work/direct.dat"
+  (cd "$work" && morlen/usr/bin/morlen direct.dat direct.txt)
+  grep -q "^2  0.00912" "$work/direct.txt" || fail "the packed program has no Solver Direct"
+  [ -f "$work/morlen/usr/share/doc/morlen/LICENSE.third-party" ] || fail "no third licences"
+  dpkg-deb -f "$file" Depends | grep -Eq "blas|mumps|mpi" && fail "dependencies of the solver"
+fi
 rm -rf "$work"

@@ -14,7 +14,8 @@ import sys
 
 from object_symbols import demangled, layer_of, read_list, read_symbols
 
-# Each layer, and the layers that it may use beside itself. A layer is a folder of src/ or companions/.
+# Each layer, and the layers that it may use beside itself. A layer is a folder of src/
+# or companions/, or direct/.
 CORE = "base numeric model solvers problem assembly results run"
 MAY_USE = {
     "base": "",
@@ -25,6 +26,7 @@ MAY_USE = {
     "assembly": "base numeric model solvers problem",
     "results": "base numeric model solvers problem assembly",
     "run": "base numeric model solvers problem assembly results",
+    "direct": CORE,
     "common": CORE,
     "check": CORE + " common",
     "export": CORE + " common",
@@ -34,10 +36,10 @@ ALLOWED = {layer: set(others.split()) | {layer} for layer, others in MAY_USE.ite
 
 
 def source_files(source):
-    """(path, layer) of every header and source of the core and of the companions."""
-    for top in ("src", "companions"):
+    """(path, layer) of every header and source of the core, the direct solver and the companions."""
+    for top, base in (("src", "src"), ("direct", ""), ("companions", "companions")):
         for folder, _, names in sorted(os.walk(os.path.join(source, top))):
-            layer = os.path.relpath(folder, os.path.join(source, top)).split(os.sep)[0]
+            layer = os.path.relpath(folder, os.path.join(source, base)).split(os.sep)[0]
             for name in sorted(names):
                 if name.endswith((".h", ".cpp")):
                     yield os.path.join(folder, name), layer

@@ -57,6 +57,8 @@ def demangled(nm, names):
 def layer_of(path):
     """Folder of an object's source below the folder of its target: base, run, report ..."""
     inner = re.split(r"\.dir[/\\]", path)[-1]
+    if "morlen_direct.dir" in path:
+        return "direct"
     return re.sub(r"^src/", "", inner).split("/")[0]
 
 

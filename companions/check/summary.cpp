@@ -172,6 +172,8 @@ const char* NameOf(SolverType type)
       return "Sparse";
     case SolverType::Double:
       return "Double";
+    case SolverType::Direct:
+      return "Direct";
     default:
       return "Automatic";
   }
@@ -182,7 +184,8 @@ void AddSolver(const Subject& subject, Mesh& firstMesh, Summary& summary)
   const SolverPlan plan = SolverOf(subject);
   summary.solver = NameOf(plan.type);
   summary.equations = static_cast<int>(plan.equations);
-  if (plan.addedNodes > 0 || plan.type == SolverType::Automatic)
+  // The entries of sparse factors depend on the order of the elimination.
+  if (plan.addedNodes > 0 || plan.type == SolverType::Automatic || plan.type == SolverType::Direct)
     return;
   const bool profile = plan.type == SolverType::SkyLine;
   if (profile)

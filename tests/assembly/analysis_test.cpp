@@ -15,6 +15,7 @@
 #include "support/frame.h"
 #include "support/reference_frame.h"
 #include "support/solved.h"
+#include "support/tested_solver.h"
 
 namespace morlen {
 
@@ -608,6 +609,17 @@ TEST(Analysis, RenumberingBelongsToTheSkylineSolver)
                                           .Text());
   renumbered->Calc(1, nullptr);
   EXPECT_EQ(renumbered->problem.meshes[0]->GiveOldNumber(1), 3);
+}
+
+// The kit of these tests adds no solver.
+TEST(Analysis, WithoutTheSparseDirectSolverItsNameIsRefused)
+{
+  if (TestsDirect())
+    GTEST_SKIP() << "these tests have the solver";
+  Frame frame = PlaneChain({0, 2});
+  frame.supports = {{.node = 1, .flags = kClamped}};
+  ExpectFatal([&] { Solved(ProblemText(frame, "Solver Direct\n")); },
+              "error: this program has been built without the solver Direct\n");
 }
 
 }  // namespace morlen

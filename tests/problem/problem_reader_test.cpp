@@ -239,6 +239,7 @@ TEST(ProblemFile, SolverIsChosenByTheBeginningOfItsName)
       {"SOLVER=SKYLINE", SolverType::SkyLine},
       {"SolverSkyLine", SolverType::SkyLine},
       {"solver : double", SolverType::Double},
+      {"Solver: Direct", SolverType::Direct},
       {"Solver SkyLine Solver Double", SolverType::Double},
   };
   for (const auto& c : cases)

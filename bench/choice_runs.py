@@ -1,12 +1,11 @@
 #!/usr/bin/env python3
-"""Measures the processor time of whole runs by `Solver Automatic` and by each of both solvers, and
-prints a line of JSON for each model.
+"""Measures the processor time of whole runs by `Solver Automatic` and by each solver, and prints a
+line of JSON for each model.
 
     choice_runs.py [-n REPETITIONS] [--folder FOLDER] PROGRAM MODEL...
 
-A MODEL is a family and its numbers, as in "frame3d 5 5 68". The three runs take turns; each figure
-is the median, or one run where it is far from the best. The direct solver is left out where it would
-take long, since it is then the slower one. A run that fails has no figure. Models and results go to a
+A MODEL is a family and its numbers, as in "frame3d 5 5 68". The runs take turns; each figure is the
+median, or one run where it is far from the best. The skyline is left out where it would take long, since it is then the slower one. A run that fails has no figure. Models and results go to a
 new folder below FOLDER.
 """
 
@@ -17,8 +16,8 @@ import statistics
 from whole_runs import generate, measure_models, processor_seconds
 
 SETTINGS = {"automatic": "Solver Automatic", "skyline": "Solver SkyLine",
-            "sparse": "Solver Sparse 1e-5 0.1 3000"}
-# Seconds that the program estimates for the direct solver.
+            "direct": "Solver Direct", "sparse": "Solver Sparse 1e-5 0.1 3000"}
+# Seconds that the program estimates for the skyline.
 LONG = 60.0
 # Processor seconds from which three runs are enough.
 LONG_RUN = 5.0
@@ -41,8 +40,8 @@ def measure(program, model, folder, repetitions):
 
     first = seconds("automatic")  # warms up, and reports the choice
     info = (folder / "automatic.info").read_text(encoding="utf-8")
-    keys = [key for key in SETTINGS
-            if key != "skyline" or float(find(r"estimated (\S+) s and", info, "0")) <= LONG]
+    skyline = find(r"Solver SkyLine with (\S+) s and", info) or find(r"estimated (\S+) s and", info, "0")
+    keys = [key for key in SETTINGS if key != "skyline" or float(skyline) <= LONG]
     times = {key: [seconds(key)] for key in keys}
     ran = {key: of[0] for key, of in times.items() if of[0] is not None}
     near = [key for key, one in ran.items() if one <= FAR * min(ran.values())]

@@ -6,7 +6,7 @@
     report.py whole WHOLE                  whole runs against the peer's
     report.py growth RUNS                  growth with the number of equations
     report.py cholmod PAIRS                the skyline solver against CHOLMOD
-    report.py choice CHOICES               the automatic choice against both solvers
+    report.py choice CHOICES               the automatic choice against each solver
     report.py refinement RUNS              the part of the refinement in direct runs
     report.py shells SHELLS                refined shells against standard ones
 
@@ -226,12 +226,14 @@ def print_choice(runs):
 
     cells = []
     for run in runs:
-        automatic, skyline, sparse = (run["seconds"][key] for key in ("automatic", "skyline", "sparse"))
-        best = min((seconds for seconds in (skyline, sparse) if seconds), default=None)
+        keys = ("automatic", "skyline", "direct", "sparse")
+        automatic, skyline, direct, sparse = (run["seconds"].get(key) for key in keys)
+        best = min((seconds for seconds in (skyline, direct, sparse) if seconds), default=None)
         ratio = f"{automatic / best:.2f}" if automatic and best else "-"
         cells.append((run["model"], str(run["equations"]), run["chosen"], cell(automatic),
-                      cell(skyline), cell(sparse), ratio, f"≤ {CHOICE:g}"))
-    markdown(("model", "equations", "chosen", "Automatic, s", "SkyLine, s", "Sparse, s", "ratio",
+                      cell(skyline), cell(direct), cell(sparse), ratio, f"≤ {CHOICE:g}"))
+    markdown(("model", "equations", "chosen", "Automatic, s", "SkyLine, s", "Direct, s", "Sparse, s",
+              "ratio",
               "target"), cells)
 
 

@@ -36,12 +36,11 @@ constexpr double kLeastFill = 3.0;
 constexpr double kBytesPerByte = 1.75;
 
 /// The time without the factorisation's operations, for so many entries of the factors.
-double SecondsOf(const NodePattern& pattern, double n, double entries)
+double SecondsOf(const Problem& problem, double blocks, double entries)
 {
-  const double nodes = pattern.Lines();
-  return kSecondsPerNode * nodes +
-         kSecondsPerCoupling * static_cast<double>(pattern.columns.size()) +
-         kSecondsPerEquation * n * nodes + kSecondsPerEntry * entries;
+  return kSecondsPerNode * problem.numNodes + kSecondsPerCoupling * blocks +
+         kSecondsPerEquation * problem.numNodes * problem.components.count +
+         kSecondsPerEntry * entries;
 }
 
 NodePattern PatternOf(const Problem& problem)
@@ -67,20 +66,20 @@ DirectKit::DirectKit()
   ChooseBlasKernels();
 }
 
-std::unique_ptr<DirectPlan> DirectKit::PlanDirect(const Problem& problem, double mostSeconds) const
+std::unique_ptr<DirectPlan> DirectKit::PlanDirect(const Problem& problem, double blocks,
+                                                  double mostSeconds) const
 {
+  const double n = problem.components.count;
+  const double pairs = (blocks - problem.numNodes) / 2.0;
+  if (SecondsOf(problem, blocks, kLeastFill * pairs * n * n) > mostSeconds)
+    return nullptr;
   auto plan = std::make_unique<OrderPlan>();
   plan->pattern = PatternOf(problem);
-  const double n = problem.components.count;
-  const double pairs =
-      (static_cast<double>(plan->pattern.columns.size()) - plan->pattern.Lines()) / 2.0;
-  if (SecondsOf(plan->pattern, n, kLeastFill * pairs * n * n) > mostSeconds)
-    return nullptr;
   plan->order = OrderNodes(plan->pattern);
   const FactorSize size = CountFactor(plan->pattern, plan->order);
   const double entries = size.blocks * n * n;
   plan->seconds =
-      SecondsOf(plan->pattern, n, entries) + kSecondsPerOperation * size.operations * n * n * n;
+      SecondsOf(problem, blocks, entries) + kSecondsPerOperation * size.operations * n * n * n;
   plan->bytes = static_cast<std::uint64_t>(kBytesPerByte * sizeof(double) * entries);
   return plan;
 }

@@ -15,7 +15,8 @@ public:
   DirectKit();
 
   bool HasDirect() const override { return true; }
-  std::unique_ptr<DirectPlan> PlanDirect(const Problem& problem, double mostSeconds) const override;
+  std::unique_ptr<DirectPlan> PlanDirect(const Problem& problem, double blocks,
+                                         double mostSeconds) const override;
   std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem,
                                            std::unique_ptr<DirectPlan> plan) const override;
 

@@ -4,7 +4,7 @@
 #   scripts/bench.sh kernels     every stage of the program, and the kernels by themselves
 #   scripts/bench.sh whole       whole runs compared with CalculiX, where `ccx` is installed
 #   scripts/bench.sh cholmod     the skyline solver compared with CHOLMOD on the same matrices
-#   scripts/bench.sh choice      the automatic choice of the solver compared with both solvers
+#   scripts/bench.sh choice      the automatic choice of the solver compared with each solver
 #   scripts/bench.sh refinement  the part of the refinement in direct runs
 #   scripts/bench.sh shells      refined shells compared with standard ones, element by element
 #   scripts/bench.sh growth      growth with the number of equations

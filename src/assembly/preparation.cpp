@@ -28,9 +28,11 @@ SolverChoice ChooseSolver(Problem& problem, const ElementFamilies& families,
     return {.reason = std::to_string(equations) + " equations are less than " +
                       std::to_string(kChoiceFrom)};
   const SolverWork work = EstimateWork(problem, families);
+  const int n = problem.components.count;
+  const double blocks = work.sparseEntries / n / n;
   const std::uint64_t memory = UsableMemory(MemoryLimit());
-  SolverChoice choice =
-      FasterSolver(work, memory, options.kit.PlanDirect(problem, MostDirectSeconds(work, memory)));
+  SolverChoice choice = FasterSolver(
+      work, memory, options.kit.PlanDirect(problem, blocks, MostDirectSeconds(work, memory)));
   problem.solverSettings.type = choice.type;
   if (choice.type == SolverType::Sparse && options.renumber) {
     problem.meshes.front()->RestoreNumbers();

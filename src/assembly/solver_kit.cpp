@@ -7,7 +7,7 @@
 
 namespace morlen {
 
-std::unique_ptr<DirectPlan> SolverKit::PlanDirect(const Problem& /*problem*/,
+std::unique_ptr<DirectPlan> SolverKit::PlanDirect(const Problem& /*problem*/, double /*blocks*/,
                                                   double /*mostSeconds*/) const
 {
   return nullptr;

@@ -45,9 +45,11 @@ public:
   /// True when the program has the solver of `Solver Direct`.
   virtual bool HasDirect() const { return false; }
 
-  /// The work of that solver for a problem after its preparation, with the numbers of the file.
-  /// Null without the solver, and when it needs more than `mostSeconds` at least.
-  virtual std::unique_ptr<DirectPlan> PlanDirect(const Problem& problem, double mostSeconds) const;
+  /// The work of that solver for a problem after its preparation, with the present numbers of the
+  /// nodes. Null without the solver, and when it needs more than `mostSeconds` at least. blocks: of
+  /// the whole matrix, one for each node and two for each pair of coupled nodes.
+  virtual std::unique_ptr<DirectPlan> PlanDirect(const Problem& problem, double blocks,
+                                                 double mostSeconds) const;
 
   /// An empty matrix with that solver, for the same problem; null without the solver. plan: null,
   /// or a result of PlanDirect, whose work is then used.

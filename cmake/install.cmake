@@ -30,6 +30,12 @@ endif()
 foreach(program IN LISTS morlen_programs)
   morlen_install_program(${program})
 endforeach()
+# A component of its own: the packages do not depend on MPI.
+if(morlen_build_mpi)
+  set(runtime COMPONENT mpi)
+  morlen_install_program(morlen-mpi)
+  set(runtime COMPONENT runtime)
+endif()
 
 install(DIRECTORY examples docs DESTINATION ${CMAKE_INSTALL_DOCDIR} ${runtime})
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} ${runtime})

@@ -43,18 +43,22 @@ double SecondsOf(const Problem& problem, double blocks, double entries)
          kSecondsPerEntry * entries;
 }
 
+void AddCouplings(const Elem& elem, NodeCouplings& couplings)
+{
+  for (int i = 0; i < elem.Nnode(); ++i) {
+    for (int j = 0; j < elem.Nnode(); ++j) {
+      if (elem(i) != elem(j))
+        couplings.Add(elem(i)->number - 1, elem(j)->number - 1);
+    }
+  }
+}
+
 NodePattern PatternOf(const Problem& problem)
 {
   NodeCouplings couplings(problem.numNodes, problem.numNodes);
   for (const auto& mesh : problem.meshes) {
-    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
-      for (int i = 0; i < elem.Nnode(); ++i) {
-        for (int j = 0; j < elem.Nnode(); ++j) {
-          if (elem(i) != elem(j))
-            couplings.Add(elem(i)->number - 1, elem(j)->number - 1);
-        }
-      }
-    }
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
+      AddCouplings(elem, couplings);
   }
   return couplings.MakePattern();
 }

@@ -13,7 +13,8 @@
 #include "base/errorwriter.h"
 
 // MUMPS would end the process here, with a text of its own, after an error in itself.
-extern "C" [[noreturn]] void __wrap_mpi_abort_()
+// The linker wants this name.
+extern "C" [[noreturn]] void __wrap_mpi_abort_()  // NOLINT(bugprone-reserved-identifier)
 {
   morlen::Fatal("error: the solver Direct has failed: an internal error of its library\n");
 }

@@ -123,6 +123,25 @@ double UpperMatrix::RowTimes(int i, const ReaVecV& v) const
   return sum;
 }
 
+namespace {
+
+// Moves the entries of a block of the nodes p and q that are not 0 to the end of those found.
+void MoveBlock(const double* block, int p, int q, int ndof, Coordinates& found)
+{
+  for (int a = 0; a < ndof; ++a) {
+    for (int b = p == q ? a : 0; b < ndof; ++b) {
+      const double value = block[a * ndof + b];
+      if (value == 0.0)
+        continue;
+      found.values[found.rows.size()] = value;
+      found.rows.push_back(p * ndof + a + 1);
+      found.columns.push_back(q * ndof + b + 1);
+    }
+  }
+}
+
+}  // namespace
+
 Coordinates UpperMatrix::Compress()
 {
   const auto count = static_cast<std::size_t>(
@@ -132,20 +151,10 @@ Coordinates UpperMatrix::Compress()
   found.rows.reserve(count);
   found.columns.reserve(count);
   found.values = values.data();
-  const double* from = values.data();
+  const double* block = values.data();
   for (int p = 0; p < pattern.Lines(); ++p) {
-    for (int s = firstUpper[p]; s < pattern.starts[p + 1]; ++s) {
-      const int q = pattern.columns[s];
-      for (int a = 0; a < ndof; ++a) {
-        for (int b = 0; b < ndof; ++b, ++from) {
-          if (*from == 0.0 || (p == q && a > b))
-            continue;
-          found.values[found.rows.size()] = *from;
-          found.rows.push_back(p * ndof + a + 1);
-          found.columns.push_back(q * ndof + b + 1);
-        }
-      }
-    }
+    for (int s = firstUpper[p]; s < pattern.starts[p + 1]; ++s, block += ndof * ndof)
+      MoveBlock(block, p, pattern.columns[s], ndof, found);
   }
   return found;
 }

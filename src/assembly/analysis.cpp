@@ -209,12 +209,17 @@ public:
   Analysed Run()
   {
     PrepareModel(problem, families);
-    if (problem.solverSettings.type == SolverType::Double)
+    SolverType& type = problem.solverSettings.type;
+    const bool automatic = type == SolverType::Automatic;
+    type = options.kit.Settle(type);
+    const bool replaced = automatic && type != SolverType::Automatic;
+    if (type == SolverType::Double)
       PreSolve();
-    const bool automatic = problem.solverSettings.type == SolverType::Automatic;
     if (automatic && options.kit.Suits(problem) && SolveByKit())
       return {nullptr, std::move(solutions)};
     SolverChoice choice = PrepareEquations(problem, families, options);
+    if (replaced)
+      choice.reason = "the program has no other";
     if (automatic && choice.type == SolverType::Sparse) {
       IterateFirst(choice);
     } else {

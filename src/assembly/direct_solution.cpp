@@ -66,6 +66,18 @@ public:
     return cases;
   }
 
+  // Empty when the structure or the model is refused.
+  std::optional<RefinedCases> TrySolve() const
+  {
+    std::vector<ReaVecV> sides = LoadsOf(loadCases);
+    ApplySupports(nodes, scale.components, matrix, sides);
+    RefinedCases cases;
+    if (SolveCases(std::move(sides), cases, task.info) != 0 ||
+        MakeRefinement().Run(cases) != Refinement::Verdict::Accepted)
+      return {};
+    return cases;
+  }
+
 private:
   // hint: of a model that is too rough; empty for one that can move.
   [[noreturn]] void Fail(int result, const std::string& hint) const
@@ -176,11 +188,8 @@ private:
   ComponentScale scale;
 };
 
-}  // namespace
-
-void SolveDirectly(const AnalysisTask& task, DirectSolver& matrix, std::vector<LoadCase>& cases)
+void EnterSolutions(const AnalysisTask& task, RefinedCases refined, std::vector<LoadCase>& cases)
 {
-  RefinedCases refined = DirectSolution(task, matrix, cases).Solve();
   for (std::size_t k = 0; k < cases.size(); ++k) {
     RefinedCase& from = refined.models[k];
     Solution& solution = cases[k].solution;
@@ -190,6 +199,21 @@ void SolveDirectly(const AnalysisTask& task, DirectSolver& matrix, std::vector<L
     solution.elementForces = std::move(from.elementForces);
     TellAccuracy(solution.accuracy, SolverType::SkyLine, task.info);
   }
+}
+
+}  // namespace
+
+void SolveDirectly(const AnalysisTask& task, DirectSolver& matrix, std::vector<LoadCase>& cases)
+{
+  EnterSolutions(task, DirectSolution(task, matrix, cases).Solve(), cases);
+}
+
+bool TrySolveDirectly(const AnalysisTask& task, DirectSolver& matrix, std::vector<LoadCase>& cases)
+{
+  std::optional<RefinedCases> refined = DirectSolution(task, matrix, cases).TrySolve();
+  if (refined)
+    EnterSolutions(task, std::move(*refined), cases);
+  return refined.has_value();
 }
 
 }  // namespace morlen

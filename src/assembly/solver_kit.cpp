@@ -1,11 +1,19 @@
 #include "assembly/solver_kit.h"
 
+#include "assembly/element_family.h"
 #include "assembly/internal_forces.h"
+#include "assembly/solution.h"
 #include "assembly/solve.h"
+#include "model/mesh.h"
 #include "problem/problem.h"
 #include "solvers/direct_solver.h"
 
 namespace morlen {
+
+SolverType SolverKit::Settle(SolverType asked) const
+{
+  return asked;
+}
 
 std::unique_ptr<DirectPlan> SolverKit::PlanDirect(const Problem& /*problem*/, double /*blocks*/,
                                                   double /*mostSeconds*/) const
@@ -42,6 +50,13 @@ void SolverKit::AddStiffness(const AnalysisTask& task, BSolver& solver) const
 void SolverKit::AddForces(const AnalysisTask& task, InternalForces& forces) const
 {
   morlen::AddForces(task.problem, task.families, forces);
+}
+
+void SolverKit::FillStrengths(const Problem& problem, const ElementFamilies& families, int mesh,
+                              Solution& solution) const
+{
+  const Mesh& elements = *problem.meshes[mesh];
+  families.Of(elements).calcStrengths(problem, elements, solution, solution.results[mesh]);
 }
 
 }  // namespace morlen

@@ -4,14 +4,18 @@
 #include <memory>
 #include <vector>
 
+#include "problem/settings.h"
+
 namespace morlen {
 
 class BSolver;
 class DirectSolver;
+class ElementFamilies;
 class InternalForces;
 struct AnalysisTask;
 struct LoadCase;
 struct Problem;
+struct Solution;
 
 /// The estimated work of the solver of `Solver Direct` for one problem, and what the estimate has
 /// found out for the solver. Seconds are comparable with those of SolverWork.
@@ -41,6 +45,10 @@ public:
   SolverKit(const SolverKit&) = delete;
   SolverKit& operator=(const SolverKit&) = delete;
   constexpr virtual ~SolverKit() {}  // NOLINT: GCC 12 takes no default here for a constant
+
+  /// The solver for a problem that asks for `asked`. A program that has no choice replaces
+  /// Automatic by the solver that it has, and is fatal for solvers that it lacks.
+  virtual SolverType Settle(SolverType asked) const;
 
   /// True when the program has the solver of `Solver Direct`.
   virtual bool HasDirect() const { return false; }
@@ -80,6 +88,11 @@ public:
   /// Adds the forces of all elements for given displacements: the refinement's residuals, and the
   /// reactions.
   virtual void AddForces(const AnalysisTask& task, InternalForces& forces) const;
+
+  /// Fills the results of a mesh (from 0), whose numbers and points are known, by the function of
+  /// its family.
+  virtual void FillStrengths(const Problem& problem, const ElementFamilies& families, int mesh,
+                             Solution& solution) const;
 };
 
 /// The kit of a program that adds nothing.

@@ -16,7 +16,7 @@
 namespace morlen {
 
 void CalcStrengths(const Problem& problem, const ElementFamilies& families, int mesh,
-                   Solution& solution)
+                   Solution& solution, const SolverKit& kit)
 {
   const Mesh& elements = *problem.meshes[mesh];
   solution.results.resize(problem.meshes.size());
@@ -25,7 +25,7 @@ void CalcStrengths(const Problem& problem, const ElementFamilies& families, int 
   results.points = families.Of(elements).points;
   for (const Elem& elem : Each<Elem>(*elements.GiveElemPlex()))
     results.numbers.push_back(elem.Num());
-  families.Of(elements).calcStrengths(problem, elements, solution, results);
+  kit.FillStrengths(problem, families, mesh, solution);
 }
 
 void Smooth(const Problem& problem, const ElementFamilies& families, Solution& solution,
@@ -41,10 +41,10 @@ void Smooth(const Problem& problem, const ElementFamilies& families, Solution& s
 }
 
 void CalcStrengthsAndReactions(const Problem& problem, const ElementFamilies& families,
-                               Solution& solution, std::FILE* info)
+                               Solution& solution, std::FILE* info, const SolverKit& kit)
 {
   for (int mesh = 0; mesh < static_cast<int>(problem.meshes.size()); ++mesh)
-    CalcStrengths(problem, families, mesh, solution);
+    CalcStrengths(problem, families, mesh, solution, kit);
   CalcReactions(problem, families, solution);
   Smooth(problem, families, solution, info);
   if (!AreResultsFinite(problem, families, solution))

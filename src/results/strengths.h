@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "assembly/solver_kit.h"
+
 namespace morlen {
 
 class ElementFamilies;
@@ -12,7 +14,7 @@ struct Solution;
 
 /// Computes the strengths of a mesh (from 0), from the displacements of the solution.
 void CalcStrengths(const Problem& problem, const ElementFamilies& families, int mesh,
-                   Solution& solution);
+                   Solution& solution, const SolverKit& kit = kPlainKit);
 
 /// Averages the results of the elements that meet at a node when smoothing is on, for the families
 /// that have one. info: progress; may be null.
@@ -21,6 +23,7 @@ void Smooth(const Problem& problem, const ElementFamilies& families, Solution& s
 
 /// Computes strengths and reactions, and smooths. Fatal when a result is not finite.
 void CalcStrengthsAndReactions(const Problem& problem, const ElementFamilies& families,
-                               Solution& solution, std::FILE* info);
+                               Solution& solution, std::FILE* info,
+                               const SolverKit& kit = kPlainKit);
 
 }  // namespace morlen

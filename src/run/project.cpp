@@ -144,7 +144,7 @@ void Project::AddKToGlobalMatrixTetras(Mesh* mesh, int applyLocalAxes, ElementSi
 void Project::CalcStrengthsAndReactions(std::FILE* info)
 {
   solver.reset();  // frees the memory of the matrix for the results
-  morlen::CalcStrengthsAndReactions(problem, FamiliesOf(problem), solution, info);
+  morlen::CalcStrengthsAndReactions(problem, FamiliesOf(problem), solution, info, kit);
   ShowReactions(problem.GiveNodes(), problem.components, solution.reactions);
 }
 

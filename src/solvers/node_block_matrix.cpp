@@ -5,6 +5,7 @@
 #include <climits>
 #include <utility>
 
+#include "base/array_size.h"
 #include "base/errorwriter.h"
 
 namespace morlen {
@@ -17,7 +18,7 @@ int CheckedSize(const NodePattern& pattern, int ndof)
   if (pattern.Lines() < 1)
     Fatal("Sparse Matrix size must be greater than 0");
   if (static_cast<long long>(pattern.starts.back()) * ndof * ndof > INT_MAX)
-    Fatal("Not space available on heap");
+    TooManyToCount("entries of the matrix");
   return pattern.Lines() * ndof;
 }
 
@@ -36,7 +37,7 @@ NodeBlockMatrix::NodeBlockMatrix(NodePattern pattern, int ndof_, Processor proce
       columns(std::move(pattern.columns))
 {
   assert(kernels);
-  values.assign(static_cast<std::size_t>(GiveSlots()) + kBlockPadding, 0.0);
+  values.assign(static_cast<std::size_t>(NodeBlockMatrix::GiveSlots()) + kBlockPadding, 0.0);
 }
 
 void NodeBlockMatrix::RequireNode(int node) const

@@ -4,7 +4,7 @@
 #include <climits>
 #include <utility>
 
-#include "base/errorwriter.h"
+#include "base/array_size.h"
 
 // From couplings in any order to a sorted pattern, in time proportional to the mentions: see
 // NodeCouplings for the lists and MakePattern for the order of the lines.
@@ -64,7 +64,7 @@ std::vector<int> NodeCouplings::LineStarts()
   for (const long long length : lengths) {
     blocks += length;
     if (blocks > INT_MAX)
-      Fatal("Not space available on heap");
+      TooManyToCount("blocks of the matrix");
     starts.push_back(static_cast<int>(blocks));
   }
   return starts;

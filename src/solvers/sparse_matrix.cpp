@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstddef>
 
+#include "base/array_size.h"
 #include "base/errorwriter.h"
 #include "solvers/triangular_solve.h"
 
@@ -19,8 +20,10 @@ std::vector<int> RunningSums(int n, const int* lengths)
   long long sum = 0;
   for (int i = 0; i < n; ++i) {
     sum += lengths[i];
-    if (lengths[i] < 0 || sum > INT_MAX)
+    if (lengths[i] < 0)
       Fatal("Not space available on heap");
+    if (sum > INT_MAX)
+      TooManyToCount("entries of the matrix");
     sums[i + 1] = static_cast<int>(sum);
   }
   return sums;

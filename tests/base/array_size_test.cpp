@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/fatal.h"
+#include "support/hints.h"
 
 namespace morlen {
 
@@ -25,6 +26,13 @@ TEST(ArrayLength, IsRefusedWhereAnIntEnds)
                  {-1, -1},       {9223372036854775807, 2}, {65536, 65536}};
   for (const auto& r : refused)
     ExpectFatal([&] { ArrayLength(r.count, r.each); }, "Not space available on heap");
+}
+
+TEST(ArrayLength, ExplainsThatTheModelIsTooLarge)
+{
+  EXPECT_EQ(HintCaught([] { ArrayLength(357913942, 6); }),
+            "the model is too large: it has more than 2147483647 values of an array");
+  EXPECT_EQ(HintCaught([] { ArrayLength(-1, 6); }), "");
 }
 
 }  // namespace morlen

@@ -38,6 +38,19 @@ void Create(Matrix& matrix)
   matrix.Create(kNdof);
 }
 
+/// The blocks of a matrix of so many nodes, those on and above the diagonal.
+std::vector<double> BlocksOf(const Matriu& k, int nodes)
+{
+  std::vector<double> blocks;
+  for (int row = 0; row < nodes * kNdof; row += kNdof) {
+    for (int column = row; column < nodes * kNdof; column += kNdof) {
+      for (int entry = 0; entry < kNdof * kNdof; ++entry)
+        blocks.push_back(k(row + entry / kNdof + 1, column + entry % kNdof + 1));
+    }
+  }
+  return blocks;
+}
+
 /// Adds random positive definite elements, and springs at the last node.
 void Fill(BSolver& matrix)
 {
@@ -50,15 +63,7 @@ void Fill(BSolver& matrix)
       for (int j = 1; j <= i; ++j)
         k(i, j) = k(j, i) = i == j ? 1.0 + n : entry(random);
     }
-    std::vector<double> blocks;
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-      for (std::size_t j = i; j < nodes.size(); ++j) {
-        for (int a = 1; a <= kNdof; ++a) {
-          for (int b = 1; b <= kNdof; ++b)
-            blocks.push_back(k(static_cast<int>(i) * kNdof + a, static_cast<int>(j) * kNdof + b));
-        }
-      }
-    }
+    const std::vector<double> blocks = BlocksOf(k, static_cast<int>(nodes.size()));
     matrix.AddElement({nodes, kNdof, blocks.data()});
   }
   Matriu spring(1, 1);

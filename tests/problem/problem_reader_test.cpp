@@ -302,12 +302,13 @@ TEST(ProblemUnits, SystemsSetTheFactors)
 
 TEST(ProblemUnits, LookUpsAreChecked)
 {
-  for (const std::string keyword : {"units_mat_and_load", "units_res"}) {
-    ExpectRefused(std::string(kUnits) + keyword + " si",
+  const std::string longName(21, 'u');
+  for (const char* keyword : {"units_mat_and_load ", "units_res "}) {
+    ExpectRefused(std::string(kUnits) + keyword + "si",
                   "error: Unit name 'si' has not been previously defined\n");
-    ExpectRefused(keyword + " SI", "error: Unit name 'SI' has not been previously defined\n");
-    const std::string longName(21, 'u');
-    ExpectRefused(keyword + " " + longName, "error: Unit name '" + longName + "' is too long\n");
+    ExpectRefused(std::string(keyword) + "SI",
+                  "error: Unit name 'SI' has not been previously defined\n");
+    ExpectRefused(keyword + longName, "error: Unit name '" + longName + "' is too long\n");
   }
 }
 

@@ -23,7 +23,7 @@ import time
 MOST = 20
 SECONDS = 240
 SKIPPED = 77
-FOLDERS = ("src/", "direct/", "companions/", "bench/", "tests/")
+FOLDERS = ("src/", "direct/", "mpi/", "companions/", "bench/", "tests/")
 
 
 def git(source, *arguments):

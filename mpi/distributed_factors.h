@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "direct/factor_files.h"
+#include "direct/upper_matrix.h"
+
+namespace morlen::mpi {
+
+/// The share of one rank in the factors, for the information stream.
+struct FactorSize
+{
+  double megabytes = 0.0;  ///< of the solver's memory in use at most
+  double seconds = 0.0;    ///< processor time of the rank in the factorisation
+};
+
+/// The outcome of a step, the same on all ranks.
+struct FactorOutcome
+{
+  int status = 0;  ///< of the library: 0 or a warning above 0, an error below
+  int detail = 0;  ///< of the status
+
+  /// True when the estimated memory was too small.
+  bool NeedsRoom() const
+  {
+    return status == -8 || status == -9 || status == -11 || status == -12 || status == -14;
+  }
+  /// True when a pivot is 0, and remains so after a small part of the diagonal is added to it.
+  bool IsSingular() const { return status == -10; }
+};
+
+/// Memory in megabytes.
+struct MemoryDemand
+{
+  double needed = 0.0;
+  double left = 0.0;
+
+  bool Fits() const { return needed <= left; }
+};
+
+/// The multifrontal factorisation of a symmetric matrix whose entries are distributed over all
+/// ranks, by MUMPS. P. R. Amestoy, I. S. Duff, J. Koster, J.-Y. L'Excellent, A fully asynchronous
+/// multifrontal solver using distributed dynamic scheduling, SIAM Journal on Matrix Analysis and
+/// Applications 23, 2001.
+///
+/// All ranks call each function at the same time, but for the destructor, which removes the files
+/// only: a rank may end without the others.
+class DistributedFactors
+{
+public:
+  DistributedFactors();
+  DistributedFactors(const DistributedFactors&) = delete;
+  DistributedFactors& operator=(const DistributedFactors&) = delete;
+  ~DistributedFactors();
+
+  /// Chooses the steps of the factorisation. entries: of this rank; their values are borrowed until
+  /// Factorise has returned. order: the place of each equation, from 1, on the first rank; empty on
+  /// the others.
+  FactorOutcome Analyse(int equations, direct::Coordinates entries, std::vector<int> order);
+
+  /// The memory that the factorisation needs, on the machine where the least is left after it; with
+  /// outOfCore when the factors are written to files in the folder for temporary files.
+  MemoryDemand Demand(bool outOfCore) const;
+
+  /// Factorises the entries of Analyse.
+  FactorOutcome Factorise(bool outOfCore);
+
+  /// Solves for right-hand sides one after another in one array, which become solutions; on the
+  /// first rank, others pass an empty span. count: of right-hand sides, on the first rank.
+  FactorOutcome Solve(std::span<double> sides, int count);
+
+  /// Frees the memory of the library. Last.
+  void End();
+
+  FactorSize Size() const { return size; }
+
+private:
+  struct Instance;
+
+  FactorOutcome Run(int job);
+  /// The same, with more memory when the estimate was too small.
+  FactorOutcome RunWithRoom(int job);
+
+  std::unique_ptr<Instance> mumps;
+  direct::Coordinates matrix;
+  direct::FactorFiles files;
+  FactorSize size;
+};
+
+/// Fatal when a step has failed.
+void RequireSuccess(const FactorOutcome& outcome);
+
+}  // namespace morlen::mpi

@@ -1,0 +1,186 @@
+#include "mpi/distributed_solver.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "base/array_size.h"
+#include "base/errorwriter.h"
+#include "base/stprintf.h"
+#include "direct/node_ordering.h"
+#include "mpi/node_parts.h"
+#include "mpi/ranks.h"
+#include "numeric/matriu.h"
+
+namespace morlen::mpi {
+
+namespace {
+
+[[noreturn]] void NoEntries()
+{
+  Fatal("error: the entries of a distributed matrix are not available\n");
+}
+
+[[noreturn]] void FailForMemory(const FactorAnswer& answer)
+{
+  Explain("more machines, or more memory on each, are needed");
+  Fatal("error: the factors need ", static_cast<long long>(answer.demand.needed),
+        " Mb of memory on a machine, and ", static_cast<long long>(answer.demand.left),
+        " Mb are left\n");
+}
+
+void Report(const std::vector<FactorAnswer>& answers, std::FILE* info)
+{
+  for (std::size_t rank = 0; rank < answers.size(); ++rank) {
+    const auto& [megabytes, seconds] = answers[rank].size;
+    Progress(info, "Rank %zu: %.0f Mb of memory, %.2f seconds of processor time%s\n", rank,
+             megabytes, seconds, answers[rank].outOfCore ? ", factors in temporary files" : "");
+  }
+}
+
+}  // namespace
+
+DistributedMatrix::DistributedMatrix(Team& team_, int nodes, int components_)
+    : team(team_),
+      size(ArrayLength(nodes, components_)),
+      components(components_),
+      couplings(std::make_unique<NodeCouplings>(nodes, std::numeric_limits<int>::max()))
+{
+}
+
+DistributedMatrix::~DistributedMatrix()
+{
+  team.Order(
+      Command::Free, [](int, ByteWriter&) {}, [](int, ByteReader&) {});
+}
+
+void DistributedMatrix::EnterMaxDiff(int node1, int node2, int /*ndof*/)
+{
+  if (node1 == node2)
+    return;
+  couplings->Add(node1 - 1, node2 - 1);
+  couplings->Add(node2 - 1, node1 - 1);
+}
+
+void DistributedMatrix::Create(int /*ndof*/)
+{
+  const NodePattern pattern = couplings->MakePattern();
+  couplings.reset();
+  UsePattern(pattern);
+  partOfNode = PartsOfNodes(pattern, team.Count());
+}
+
+// The first call after an assembly adds the loads of all prescribed displacements.
+int DistributedMatrix::ApplyConstraint(int eq, std::span<const double> values,
+                                       std::span<ReaVecV* const> sides)
+{
+  if (assembled.loads.Size() > 0) {
+    for (ReaVecV* side : sides)
+      *side += assembled.loads;
+    assembled.loads.resize(0, 0.0);
+  }
+  for (std::size_t k = 0; k < sides.size(); ++k)
+    (*sides[k])(eq) = values[k];
+  return eq;
+}
+
+int DistributedMatrix::FindRefused() const
+{
+  for (int i = 1; i <= size; ++i) {
+    if (!(std::fabs(assembled.diagonal(i)) > 0.0))
+      return i;
+  }
+  return assembled.notFinite;
+}
+
+double& DistributedMatrix::operator()(int /*i*/, int /*j*/)
+{
+  NoEntries();
+}
+
+double DistributedMatrix::ReturnRowPerVector(int /*i*/, const ReaVecV& /*v*/) const
+{
+  NoEntries();
+}
+
+void DistributedMatrix::PrintTo(std::ofstream& /*out*/) const
+{
+  NoEntries();
+}
+
+void DistributedMatrix::CopyFromYouToMat(Matriu& /*m*/) const
+{
+  NoEntries();
+}
+
+void DistributedMatrix::WriteForKiv(std::ofstream& /*mesh*/, std::ofstream& /*res*/) const
+{
+  NoEntries();
+}
+
+void DistributedSolver::UsePattern(const NodePattern& pattern)
+{
+  order = direct::OrderNodes(pattern);
+}
+
+std::vector<int> DistributedSolver::OrderOfEquations() const
+{
+  std::vector<int> places;
+  places.reserve(static_cast<std::size_t>(size));
+  for (const int place : order) {
+    for (int k = 1; k <= components; ++k)
+      places.push_back(place * components + k);
+  }
+  return places;
+}
+
+int DistributedSolver::Factorise(std::FILE* info)
+{
+  factorised = false;
+  if (const int refused = FindRefused())
+    return refused;
+  std::vector<FactorAnswer> answers;
+  team.Order(
+      Command::Factorise,
+      [&](int rank, ByteWriter& out) {
+        out.Put(size);
+        out.PutAll(rank == kFirstRank ? OrderOfEquations() : std::vector<int>());
+      },
+      [&](int, ByteReader& in) { answers.push_back(in.Get<FactorAnswer>()); });
+  const FactorAnswer& first = answers.front();
+  if (!first.demand.Fits())
+    FailForMemory(first);
+  if (first.outcome.IsSingular())
+    return -1;
+  RequireSuccess(first.outcome);
+  Report(answers, info);
+  factorised = true;
+  return 0;
+}
+
+void DistributedSolver::Substitute(const RightHandSides& sides, std::FILE* /*info*/) const
+{
+  FactorOutcome outcome;
+  team.Order(
+      Command::Solve,
+      [&](int rank, ByteWriter& out) {
+        std::vector<double> all;
+        if (rank == kFirstRank) {
+          for (const ReaVecV* side : sides)
+            all.insert(all.end(), side->Data(), side->Data() + size);
+        }
+        out.Put(static_cast<int>(sides.size()));
+        out.PutAll(all);
+      },
+      [&](int rank, ByteReader& in) {
+        if (rank != kFirstRank)
+          return;
+        outcome = in.Get<FactorOutcome>();
+        const auto all = in.GetAll<double>();
+        for (std::size_t k = 0; k < sides.size(); ++k)
+          std::copy_n(all.data() + k * size, size, sides[k]->Data());
+      });
+  RequireSuccess(outcome);
+}
+
+}  // namespace morlen::mpi

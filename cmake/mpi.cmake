@@ -16,7 +16,8 @@ if(MORLEN_MPI AND NOT (MORLEN_SANITIZE AND MORLEN_MPI STREQUAL AUTO))
   find_path(MORLEN_METIS_INCLUDE metis.h)
   find_library(MORLEN_MPI_DMUMPS dmumps)
   find_library(MORLEN_MPI_METIS metis)
-  find_library(MORLEN_MPI_OPENBLAS openblas)
+  # The name used at run time. Its alternative is that of libblas.so.3; the name used for linking may differ.
+  find_library(MORLEN_MPI_OPENBLAS NAMES libopenblas.so.0 openblas)
   mark_as_advanced(MORLEN_MUMPS_INCLUDE MORLEN_METIS_INCLUDE MORLEN_MPI_DMUMPS MORLEN_MPI_METIS
     MORLEN_MPI_OPENBLAS)
   foreach(found MORLEN_MUMPS_INCLUDE MORLEN_METIS_INCLUDE MORLEN_MPI_DMUMPS MORLEN_MPI_METIS

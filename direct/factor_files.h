@@ -1,45 +1,52 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <list>
 #include <string>
 
 #include "base/unfinished_files.h"
 
 namespace morlen::direct {
 
-/// The files of factors that do not fit into memory: in the folder for temporary files (TMPDIR, or
-/// /tmp), with a name that no other solver has. MUMPS makes and removes them.
+/// The files of factors that do not fit into memory: in a new folder inside the folder for
+/// temporary files (TMPDIR, or /tmp). MUMPS makes the files. The end of the object removes the new
+/// folder, and so does an early end of the run: see UnfinishedFile.
 class FactorFiles
 {
 public:
   FactorFiles();
 
-  const std::string& Folder() const { return folder; }
-  /// The beginning of the names.
-  const std::string& Prefix() const { return prefix; }
-  /// The bytes that are free in the folder; the largest number when that is not known.
+  /// The folder for temporary files.
+  const std::string& Place() const { return place; }
+  /// The bytes that are free there; the largest number when that is not known.
   std::uint64_t FreeBytes() const;
 
-  /// Lets an early end of the run remove the files that exist by now. See UnfinishedFile.
-  void Watch();
-  /// Removes the files that exist.
+  /// Makes the new folder and writes its name and the beginning of the names of the files, for
+  /// MUMPS
+  /// (`ooc_tmpdir`, `ooc_prefix`). Returns false when there is no room for the name.
+  ///
+  /// Where the folder cannot be made, it is the folder for temporary files: MUMPS then says that it
+  /// cannot make its files.
+  template <std::size_t folderSize, std::size_t prefixSize>
+  bool MakeFolder(char (&folderName)[folderSize], char (&prefix)[prefixSize])
+  {
+    return Copy(Make(), folderName) && Copy("factors", prefix);
+  }
+  /// Removes the new folder and its files.
   void Remove();
 
 private:
-  template <class Visit>
-  void ForEachFile(Visit visit) const;
-
-  struct Watched
+  const std::string& Make();
+  template <std::size_t size>
+  static bool Copy(const std::string& text, char (&to)[size])
   {
-    std::string name;
-    UnfinishedFile file;
-  };
+    to[text.copy(to, size - 1)] = '\0';
+    return text.size() < size;
+  }
 
-  std::string folder;
-  std::string prefix;
-  std::list<Watched> watched;
+  std::string place;
+  std::string folder;  ///< empty before Make
+  UnfinishedFile unfinished;
 };
 
 }  // namespace morlen::direct

@@ -41,7 +41,7 @@ constexpr Failure kFailures[] = {
     {-22, -22, "an array of the matrix is missing"},
     {-53, -51, "the matrix is too large for its 32 bit integers"},
     {-79, -70, "its files cannot be used"},
-    {-90, -90, "its temporary files cannot be written or read"},
+    {-99, -90, "its temporary files cannot be written or read"},
 };
 
 /// A number of INFOG: a negative one counts millions.
@@ -49,12 +49,6 @@ double Count(int number)
 {
   constexpr double kMillion = 1e6;
   return number < 0 ? -kMillion * number : number;
-}
-
-template <std::size_t size>
-void CopyText(const std::string& text, char (&to)[size])
-{
-  to[text.copy(to, size - 1)] = '\0';
 }
 
 std::uint64_t Bytes(int megabytes)
@@ -147,10 +141,8 @@ bool Mumps::Factorise(FactorFiles* factorFiles)
   instance->Control(22) = files ? 1 : 0;
   if (files) {
     DMUMPS_STRUC_C& data = instance->data;
-    if (files->Folder().size() >= sizeof data.ooc_tmpdir)
+    if (!files->MakeFolder(data.ooc_tmpdir, data.ooc_prefix))
       Fatal("error: the name of the folder for temporary files is too long\n");
-    CopyText(files->Folder(), data.ooc_tmpdir);
-    CopyText(files->Prefix(), data.ooc_prefix);
   }
   int result = Call(kFactorise);
   // The estimate of the memory was too small.
@@ -160,8 +152,6 @@ bool Mumps::Factorise(FactorFiles* factorFiles)
     percent *= 2;
   if (result < 0 && result != kSingular)
     Fail(result);
-  if (files)
-    files->Watch();
   return result != kSingular;
 }
 

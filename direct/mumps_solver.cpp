@@ -111,14 +111,14 @@ void MumpsSolver::ChoosePlace(const Mumps::Sizes& sizes, std::FILE* info)
   files = std::make_unique<FactorFiles>();
   const auto size = static_cast<std::uint64_t>(sizes.entries * sizeof(double));
   if (sizes.bytesLeast > available || size > files->FreeBytes()) {
-    Explain("with its factors in ", files->Folder(), " it would need ",
+    Explain("with its factors in ", files->Place(), " it would need ",
             sizes.bytesLeast / 1000000 + 1, " MB of memory and ", size / 1000000 + 1,
             " MB there; free are ", available / 1000000, " MB and ", files->FreeBytes() / 1000000,
             " MB");
     Fatal("error: the solver Direct needs ", sizes.bytes / 1000000 + 1, " MB of memory\n");
   }
   Progress(info, "The factors go to files in %s: %.0f Mb of memory are left\n",
-           files->Folder().c_str(), Megabytes(available));
+           files->Place().c_str(), Megabytes(available));
 }
 
 int MumpsSolver::Factorise(std::FILE* info)

@@ -39,7 +39,7 @@ constexpr Failure kFailures[] = {
     {-53, -51,
      "error: the solver Direct has failed: the matrix is too large for its 32 bit integers\n"},
     {-79, -70, "error: the solver Direct has failed: its files cannot be used\n"},
-    {-90, -90,
+    {-99, -90,
      "error: the solver Direct has failed: its temporary files cannot be written or read\n"},
 };
 
@@ -62,13 +62,6 @@ MemoryDemand LeastRest(MemoryDemand demand)
   double values[] = {demand.needed, demand.left};
   MPI_Bcast(values, 2, MPI_DOUBLE, least.rank, MPI_COMM_WORLD);
   return {.needed = values[0], .left = values[1]};
-}
-
-/// Copies a text with its end into an array of the library; too long a text is cut.
-template <std::size_t size>
-void Copy(const std::string& text, char (&to)[size])
-{
-  to[text.copy(to, size - 1)] = '\0';
 }
 
 double ProcessorSeconds()
@@ -107,10 +100,7 @@ DistributedFactors::DistributedFactors() : mumps(std::make_unique<Instance>())
   mumps->Control(28) = 1;  // analysis on the first rank
 }
 
-DistributedFactors::~DistributedFactors()
-{
-  files.Remove();
-}
+DistributedFactors::~DistributedFactors() = default;
 
 void DistributedFactors::End()
 {
@@ -167,10 +157,9 @@ FactorOutcome DistributedFactors::Factorise(bool outOfCore)
 {
   const double before = ProcessorSeconds();
   mumps->Control(22) = outOfCore ? 1 : 0;
-  if (outOfCore) {
-    Copy(files.Folder(), mumps->ooc_tmpdir);
-    Copy(files.Prefix(), mumps->ooc_prefix);
-  }
+  // The name of a folder that is too long is cut; MUMPS then fails on all ranks.
+  if (outOfCore)
+    files.MakeFolder(mumps->ooc_tmpdir, mumps->ooc_prefix);
   FactorOutcome outcome = RunWithRoom(kFactorise);
   if (outcome.IsSingular()) {
     for (std::int64_t k = 0; k < matrix.Count(); ++k) {
@@ -179,8 +168,6 @@ FactorOutcome DistributedFactors::Factorise(bool outOfCore)
     }
     outcome = RunWithRoom(kFactorise);
   }
-  if (outOfCore)
-    files.Watch();
   matrix = {};
   mumps->irn_loc = mumps->jcn_loc = nullptr;
   mumps->a_loc = nullptr;

@@ -15,7 +15,7 @@ struct FreeEquations
 {
   std::vector<int> numbers;  ///< by equation of the part: from 0; -1 for a prescribed one
   int own = 0;               ///< equations of the nodes that the part owns
-  int blockSize = 1;         ///< 3 when every node has three or none
+  int blockSize = 1;         ///< 3 when every node of the part has three or none
 };
 
 /// Numbers the free equations. first: of each node of the part, the number of its first one.
@@ -28,7 +28,8 @@ FreeEquations NumberFreeEquations(const Part& part, const std::vector<int>& firs
 /// Source: P. Vanek, J. Mandel, M. Brezina, Algebraic multigrid by smoothed aggregation for second
 /// and fourth order elliptic problems, Computing 56 (1996) 179-196.
 ///
-/// All ranks call each function at the same time, but for the destructor.
+/// All ranks call each function at the same time, but for the destructor. A failure of the library
+/// is fatal.
 class Multigrid
 {
 public:
@@ -43,8 +44,7 @@ public:
   void EnterMatrix(const Part& part, const FreeEquations& equations,
                    const direct::Coordinates& entries);
 
-  /// Makes the grids. Returns false when that, or EnterMatrix, has failed.
-  bool MakeGrids(const Part& part);
+  void MakeGrids(const Part& part);
 
   /// Solves for one right-hand side, by equation of the part; the result is by equation of the
   /// part too, 0 in equations that the part does not own. Returns the number of iterations; -1 when

@@ -22,10 +22,7 @@ void Multigrid::EnterMatrix(const Part& /*part*/, const FreeEquations& /*equatio
 {
 }
 
-bool Multigrid::MakeGrids(const Part& /*part*/)
-{
-  return false;
-}
+void Multigrid::MakeGrids(const Part& /*part*/) {}
 
 int Multigrid::Solve(std::span<double> /*side*/)
 {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "assembly/support_axes.h"
+#include "base/errorwriter.h"
 #include "model/node.h"
 #include "mpi/multigrid.h"
 #include "numeric/plex_range.h"
@@ -19,15 +20,28 @@ constexpr int kMotions = 6;
 constexpr double kTolerance = 1e-6;
 constexpr int kMostIterations = 300;
 
+/// Calls a function of the library. A failure is fatal at once: the other ranks may have none, and
+/// wait in the next call for this one.
+template <class Function, class... Arguments>
+void Call(Function function, Arguments... arguments)
+{
+  const PetscErrorCode status = function(arguments...);
+  if (status == PETSC_ERR_MEM)
+    Fatal("Not space available on heap");
+  if (status != 0)
+    Fatal("error: multigrid has failed (", static_cast<int>(status), ")\n");
+}
+
 /// Starts the library with the first object that needs it; messages and signals stay ours.
-bool Start()
+void Start()
 {
   PetscBool started = PETSC_FALSE;
-  if (PetscInitialized(&started) == 0 && started)
-    return true;
-  return PetscOptionsSetValue(nullptr, "-no_signal_handler", "true") == 0 &&
-         PetscInitializeNoArguments() == 0 &&
-         PetscPushErrorHandler(PetscReturnErrorHandler, nullptr) == 0;
+  Call(PetscInitialized, &started);
+  if (started)
+    return;
+  Call(PetscOptionsSetValue, nullptr, "-no_signal_handler", "true");
+  Call(PetscInitializeNoArguments);
+  Call(PetscPushErrorHandler, PetscReturnErrorHandler, nullptr);
 }
 
 /// The displacement of a point by one of the six rigid motions: translations, then rotations.
@@ -55,20 +69,8 @@ ReaVecV MotionOfPart(const Problem& problem, int motion)
 
 }  // namespace
 
-/// The first failure of the library ends the calls that follow it.
 struct Multigrid::Grids
 {
-  ~Grids() = default;
-
-  bool Good() const { return status == 0; }
-  /// Calls a function of the library unless one before has failed.
-  template <class Function, class... Arguments>
-  void Call(Function function, Arguments... arguments)
-  {
-    if (Good())
-      status = function(arguments...);
-  }
-
   void MakeMatrix(const direct::Coordinates& entries);
   template <class Visit>
   void ForEachFree(const direct::Coordinates& entries, Visit visit) const;
@@ -83,7 +85,6 @@ struct Multigrid::Grids
   Vec side = nullptr;
   Vec solution = nullptr;
   KSP solver = nullptr;
-  PetscErrorCode status = 0;
 };
 
 // Both triangles, from the upper one. The matrix is copied once, because the original keeps the way
@@ -139,7 +140,7 @@ void Multigrid::Grids::SetOwn(Vec vector, const double* values)
 {
   PetscScalar* to = nullptr;
   Call(VecGetArray, vector, &to);
-  for (std::size_t k = 0; Good() && k < own.size(); ++k)
+  for (std::size_t k = 0; k < own.size(); ++k)
     to[own[k].second] = values[own[k].first];
   Call(VecRestoreArray, vector, &to);
 }
@@ -207,11 +208,10 @@ Multigrid::~Multigrid() = default;
 void Multigrid::EnterMatrix(const Part& part, const FreeEquations& equations,
                             const direct::Coordinates& entries)
 {
-  if (!Start()) {
-    grids->status = PETSC_ERR_LIB;
-    return;
-  }
+  Start();
   grids->equations = equations;
+  // A block of the whole matrix: other ranks may have partly supported nodes.
+  MPI_Allreduce(MPI_IN_PLACE, &grids->equations.blockSize, 1, MPI_INT, MPI_MIN, MPI_COMM_WORLD);
   const FreeEquations& free = grids->equations;
   const int n = part.problem.components.count;
   for (std::size_t i = 0; i < free.numbers.size(); ++i) {
@@ -221,29 +221,28 @@ void Multigrid::EnterMatrix(const Part& part, const FreeEquations& equations,
   grids->MakeMatrix(entries);
 }
 
-bool Multigrid::MakeGrids(const Part& part)
+void Multigrid::MakeGrids(const Part& part)
 {
   grids->AddMotions(part);
   grids->MakeSolver();
-  return grids->Good();
 }
 
 int Multigrid::Solve(std::span<double> values)
 {
   Grids& g = *grids;
   g.SetOwn(g.side, values.data());
-  g.Call(KSPSolve, g.solver, g.side, g.solution);
+  Call(KSPSolve, g.solver, g.side, g.solution);
   KSPConvergedReason reason = KSP_DIVERGED_ITS;
   PetscInt iterations = 0;
-  g.Call(KSPGetConvergedReason, g.solver, &reason);
-  g.Call(KSPGetIterationNumber, g.solver, &iterations);
+  Call(KSPGetConvergedReason, g.solver, &reason);
+  Call(KSPGetIterationNumber, g.solver, &iterations);
   std::fill(values.begin(), values.end(), 0.0);
   const PetscScalar* from = nullptr;
-  g.Call(VecGetArrayRead, g.solution, &from);
-  for (std::size_t k = 0; g.Good() && k < g.own.size(); ++k)
+  Call(VecGetArrayRead, g.solution, &from);
+  for (std::size_t k = 0; k < g.own.size(); ++k)
     values[g.own[k].first] = from[g.own[k].second];
-  g.Call(VecRestoreArrayRead, g.solution, &from);
-  return g.Good() && reason > 0 ? iterations : -1;
+  Call(VecRestoreArrayRead, g.solution, &from);
+  return reason > 0 ? iterations : -1;
 }
 
 void Multigrid::End()

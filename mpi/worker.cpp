@@ -97,7 +97,7 @@ void Worker::Do(Command command, ByteReader& in, ByteWriter& answer)
     case Command::Solve:
       return Solve(in, answer);
     case Command::MakeGrids:
-      return MakeGrids(in, answer);
+      return MakeGrids(in);
     case Command::Iterate:
       return Iterate(in, answer);
     case Command::Forces:
@@ -160,13 +160,13 @@ void Worker::Solve(ByteReader& in, ByteWriter& answer)
   answer.PutAll(sides);
 }
 
-void Worker::MakeGrids(ByteReader& in, ByteWriter& answer)
+void Worker::MakeGrids(ByteReader& in)
 {
   multigrid.emplace();
   multigrid->EnterMatrix(*part, NumberFreeEquations(*part, in.GetAll<int>()), entries);
   matrix.reset();
   entries = {};
-  answer.Put(multigrid->MakeGrids(*part));
+  multigrid->MakeGrids(*part);
 }
 
 void Worker::Iterate(ByteReader& in, ByteWriter& answer)

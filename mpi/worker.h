@@ -55,7 +55,7 @@ private:
   void Solve(ByteReader& in, ByteWriter& answer);
   /// In: the number, from 0, of the first free equation of each node of the part. Answer: true when
   /// the grids exist.
-  void MakeGrids(ByteReader& in, ByteWriter& answer);
+  void MakeGrids(ByteReader& in);
   /// In: a right-hand side by equation of the part. Answer: the number of iterations, -1 without
   /// convergence; the solution in the equations that the part owns, else 0.
   void Iterate(ByteReader& in, ByteWriter& answer);

@@ -4,6 +4,8 @@
 
 #include "base/unfinished_files.h"
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
@@ -14,9 +16,29 @@ namespace morlen {
 
 namespace {
 
-void CleanUpFile(const char* removed, int emptied)
+// By system calls alone: opendir would allocate memory. The entries "." and ".." stay.
+void RemoveFolderNow(const char* name)
 {
-  if (removed)
+  const int folder = open(name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (folder < 0)
+    return;
+  alignas(dirent64) char entries[4096];
+  for (ssize_t size = 0; (size = getdents64(folder, entries, sizeof entries)) > 0;) {
+    for (ssize_t at = 0; at < size;) {
+      const auto* entry = reinterpret_cast<const dirent64*>(entries + at);
+      unlinkat(folder, entry->d_name, 0);
+      at += entry->d_reclen;
+    }
+  }
+  close(folder);
+  rmdir(name);
+}
+
+void CleanUpFile(const char* removed, bool isFolder, int emptied)
+{
+  if (removed && isFolder)
+    RemoveFolderNow(removed);
+  else if (removed)
     unlink(removed);
   // The result is of no use: the process ends, or reports the error that led here.
   if (emptied >= 0 && ftruncate(emptied, 0) != 0)
@@ -29,12 +51,13 @@ public:
   ~Register() { CleanUp(); }
 
   // Returns the slot; -1 when all are taken.
-  int Enter(const char* removed, int emptied)
+  int Enter(const char* removed, bool isFolder, int emptied)
   {
     for (int i = 0; i < kSlots; ++i) {
       if (slots[i].taken.exchange(true))
         continue;
       slots[i].emptied = emptied;
+      slots[i].isFolder = isFolder;
       slots[i].removed = removed;
       return i;
     }
@@ -51,7 +74,7 @@ public:
   void CleanUp()
   {
     for (Slot& slot : slots)
-      CleanUpFile(slot.removed.exchange(nullptr), slot.emptied.exchange(-1));
+      CleanUpFile(slot.removed.exchange(nullptr), slot.isFolder, slot.emptied.exchange(-1));
   }
 
 private:
@@ -60,6 +83,7 @@ private:
   {
     std::atomic<bool> taken = false;
     std::atomic<const char*> removed = nullptr;
+    std::atomic<bool> isFolder = false;
     std::atomic<int> emptied = -1;
   };
   static_assert(std::atomic<const char*>::is_always_lock_free);
@@ -81,6 +105,14 @@ extern "C" void CleanUpAndEnd(int signal)
 void UnfinishedFile::Remove(const char* name)
 {
   removed = name;
+  isFolder = false;
+  EnterInRegister();
+}
+
+void UnfinishedFile::RemoveFolder(const char* name)
+{
+  removed = name;
+  isFolder = true;
   EnterInRegister();
 }
 
@@ -94,7 +126,7 @@ void UnfinishedFile::EnterInRegister()
 {
   if (slot >= 0)
     unfinishedFiles.Leave(slot);
-  slot = unfinishedFiles.Enter(removed, emptied);
+  slot = unfinishedFiles.Enter(removed, isFolder, emptied);
 }
 
 void UnfinishedFile::Release()
@@ -108,7 +140,7 @@ void UnfinishedFile::Release()
 
 void UnfinishedFile::CleanUp()
 {
-  CleanUpFile(removed, emptied);
+  CleanUpFile(removed, isFolder, emptied);
   Release();
 }
 

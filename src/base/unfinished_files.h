@@ -2,7 +2,7 @@
 
 namespace morlen {
 
-/// Removes or empties a file unless Release says that the file is finished.
+/// Removes or empties a file, or removes a folder, unless Release says that it is finished.
 ///
 /// The destructor does it; so does the end of the process by exit (an error calls it, which runs no
 /// destructors of local objects) and by the signals of CleanUpOnSignals.
@@ -16,6 +16,8 @@ public:
 
   /// The file of this name is removed. The text is borrowed until Release or CleanUp.
   void Remove(const char* name);
+  /// The folder of this name is removed with the files in it. The text is borrowed as above.
+  void RemoveFolder(const char* name);
   /// The open file is emptied. The descriptor is borrowed until Release or CleanUp.
   void Empty(int descriptor);
 
@@ -25,7 +27,8 @@ public:
 private:
   void EnterInRegister();
 
-  const char* removed = nullptr;  ///< null: no file is removed
+  const char* removed = nullptr;  ///< null: no file or folder is removed
+  bool isFolder = false;          ///< removed is the name of a folder
   int emptied = -1;               ///< -1: no file is emptied
   int slot = -1;                  ///< place in the register of the process; -1 when it is full
 };

@@ -41,8 +41,14 @@ public:
   virtual void AcceptLostPivots() {}
 
   /// After Factorise has refused this equation: the motion u with u = 1 there for which K·u is 0
-  /// elsewhere. Empty when the solver does not know it.
-  virtual ReaVecV MotionOfRefused(int /*equation*/) const { return {}; }
+  /// elsewhere. By default 0 elsewhere, for solvers that refuse only rows of zeros.
+  virtual ReaVecV MotionOfRefused(int equation) const
+  {
+    ReaVecV motion;
+    motion.resize(GiveSize(), 0.0);
+    motion(equation) = 1.0;
+    return motion;
+  }
 
   /// Factorise, then Substitute. The result is that of Factorise; when it is not 0, the sides are
   /// as they were. Call it once for each assembled matrix.

@@ -316,6 +316,33 @@ TEST_F(OutputFileTest, TheEndOfTheProcessCleansUp)
   }
 }
 
+TEST_F(OutputFileTest, EndsRemoveAFolderWithItsFiles)
+{
+  for (const int signal : {0, SIGINT, SIGTERM}) {
+    SCOPED_TRACE(signal);
+    for (int i = 0; i < 300; ++i)  // more than one call of the system lists
+      folder.Write("pool/a file with a rather long name " + std::to_string(i), "numbers");
+    const std::string name = Name("pool");
+    EndOfChild([&] {
+      CleanUpOnSignals();
+      UnfinishedFile pool;
+      pool.RemoveFolder(name.c_str());
+      if (signal == 0)
+        std::exit(3);
+      raise(signal);
+    });
+    EXPECT_FALSE(folder.Has("pool"));
+  }
+  folder.Write("pool/a", "numbers");
+  const std::string name = Name("pool");
+  {
+    UnfinishedFile pool;
+    pool.RemoveFolder(name.c_str());
+    pool.Release();
+  }
+  EXPECT_EQ(folder.Files(), (Files{{"pool/a", "numbers"}}));
+}
+
 TEST_F(OutputFileTest, IgnoredSignalsStayIgnored)
 {
   const int ended = EndOfChild([&] {

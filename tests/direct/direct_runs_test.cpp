@@ -1,8 +1,10 @@
 // Whole runs with Solver Direct, and its place in the automatic choice.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
+#include <csignal>
 #include <filesystem>
 #include <string>
 
@@ -30,6 +32,17 @@ std::string Plate(int n, const std::string& settings)
     plate.Hold(node, "111111");
   plate.Load((n + 1) * (n + 1), {0, 0, -1, 0, 0, 0});
   return plate.Text();
+}
+
+/// The number of files and folders below a folder, in which a run may be at work.
+int CountBelow(const std::filesystem::path& folder)
+{
+  int count = 0;
+  std::error_code gone;
+  for (std::filesystem::recursive_directory_iterator entry(folder, gone), end;
+       !gone && entry != end; entry.increment(gone))
+    ++count;
+  return count;
 }
 
 std::string Cube(int n)
@@ -130,7 +143,7 @@ TEST(SolverDirect, PutsItsFactorsIntoFiles)
   folder.Write("files/empty", "");
   const std::string files = (folder.Path() / "files").string();
   bool used = false;
-  for (long megabytes = 400; megabytes >= 160; megabytes -= 10) {
+  for (long megabytes = 400; megabytes >= 160; megabytes -= 20) {
     const RunResult run =
         RunProgram(folder, {"-i", "info.txt", "model.dat", "out.txt"},
                    {.addressSpace = megabytes << 20, .environment = {{"TMPDIR", files}}});
@@ -144,9 +157,56 @@ TEST(SolverDirect, PutsItsFactorsIntoFiles)
           << run.err;
       EXPECT_EQ(folder.Read("out.txt"), "");
     }
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(files), {}), 1);
+    EXPECT_EQ(CountBelow(files), 1);
   }
   EXPECT_TRUE(used);
+}
+
+// The signal comes as soon as the folder of the factors has a file, long before their end.
+TEST(SolverDirect, RemovesItsFilesAfterASignal)
+{
+  if (kSanitized)
+    GTEST_SKIP() << "a sanitizer reserves memory far beyond the limits here";
+  const TemporaryFolder folder;
+  folder.Write("model.dat", Plate(110, "Solver Direct"));
+  folder.Write("files/empty", "");
+  const std::string files = (folder.Path() / "files").string();
+  bool seen = false;
+  for (long megabytes = 260; !seen && megabytes >= 160; megabytes -= 10) {
+    StartedRun run(folder, {"model.dat", "out.txt"},
+                   {.addressSpace = megabytes << 20, .environment = {{"TMPDIR", files}}});
+    for (int k = 0; k < 5000 && !seen && !folder.Has("out.txt"); ++k) {
+      usleep(1000);
+      seen = CountBelow(files) > 2;
+    }
+    run.Send(SIGTERM);
+    const RunResult result = run.Wait();
+    EXPECT_TRUE(result.signal == SIGTERM || result.status >= 0);
+    EXPECT_EQ(CountBelow(files), 1);
+  }
+  EXPECT_TRUE(seen);
+}
+
+// A row of zeros is refused before the factorisation. The other support has axes of its own.
+TEST(SolverDirect, NamesTheNodeWithoutElements)
+{
+  for (const char* solver : {"SkyLine", "Direct"}) {
+    SCOPED_TRACE(solver);
+    const TemporaryFolder folder;
+    folder.Write("model.dat", "problem type: 2d\nSolver " + std::string(solver) +
+                                  "\nmesh dimension = 2 elemtype Linear nnode = 2\ncoordinates\n"
+                                  "1 0 0\n2 1 0\n3 3 9\nend coordinates\n"
+                                  "elements\n1 1 2 1\nend elements\n"
+                                  "materials\n1 E=1 A=1 Iz=1\nend materials\n"
+                                  "constraints\n1 110 0 0 0 Euler1=0.3\n2 010 0 0 0\n"
+                                  "end constraints\n");
+    const RunResult run = RunProgram(folder, {"-r0", "model.dat", "out.txt"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err.find("error when solving system(7)"), 0U) << run.err;
+    EXPECT_NE(run.err.find("hint: node 3 can move along x: it belongs to no element\n"),
+              std::string::npos)
+        << run.err;
+  }
 }
 
 }  // namespace morlen

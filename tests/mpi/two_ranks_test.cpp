@@ -254,6 +254,24 @@ TEST(TwoRanksMultigrid, SolvesSolids)
   EXPECT_LT(NumberAfter(two.info, "displacements= "), 1e-6);
 }
 
+// Only the rank of the node knows its roller; the blocks of the matrix are the same on all.
+TEST(TwoRanksMultigrid, SolvesASolidWithOneRoller)
+{
+  if (!mpi::Multigrid::IsAvailable())
+    GTEST_SKIP() << "without PETSc";
+  constexpr Closeness kClose = {.relative = 0.0, .floor = 1e-6};  // printed digits
+  SolidModel model = Block(6, 4);
+  model.supports[7 * 7 * 7] = {.flags = "001"};
+  const Results one = Solve(model.Text(), 1);
+  for (const int ranks : {2, 3}) {
+    SCOPED_TRACE(ranks);
+    const Results several = Solve(model.Text(), ranks);
+    EXPECT_NE(several.info.find("Iteration with multigrid"), std::string::npos);
+    EXPECT_EQ(several.info.find("The iteration has failed"), std::string::npos);
+    EXPECT_EQ(Difference(several.text, one.text, kClose), "");
+  }
+}
+
 TEST(TwoRanksMultigrid, LeavesASolidThatCanTurnToTheDirectSolver)
 {
   SolidModel model = Block(4, 4);

@@ -106,6 +106,7 @@ int main(int argc, char** argv)
   openblas_set_num_threads(arguments.threads);
   if (mpi::OwnRank() == mpi::kFirstRank)
     return RunFirstRank(arguments);
+  CleanUpOnSignals();
   mpi::Serve();
   MPI_Finalize();
   return 0;

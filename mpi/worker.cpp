@@ -14,6 +14,7 @@
 #include "assembly/internal_forces.h"
 #include "assembly/solution.h"
 #include "base/errorwriter.h"
+#include "direct/blas_kernels.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "mpi/ranks.h"
@@ -118,6 +119,7 @@ void Worker::TakePart(ByteReader& in)
 
 void Worker::Assemble(ByteWriter& answer)
 {
+  direct::ReserveBlasMemory();  // here, where an error of any rank is told once
   matrix.emplace(*part);
   const Problem& problem = part->problem;
   for (const auto& mesh : problem.meshes)

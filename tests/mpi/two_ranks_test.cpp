@@ -355,6 +355,24 @@ TEST(TwoRanksErrors, WrongNumbersOfThreadsAreAWrongUse)
   EXPECT_EQ(RunRanks(folder, 2, {"--threads", "2", "model.dat"}).status, 0);
 }
 
+// The launcher has the same limits, and needs less. Threads of BLAS would need memory too.
+TEST(TwoRanksErrors, TooLittleMemoryEndsTheRun)
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", Block(16, 4).Text());
+  RunConditions limited = kAnywhere;
+  limited.environment.emplace_back("OPENBLAS_NUM_THREADS", "1");
+  RunResult run;
+  run.status = 0;
+  for (long megabytes = 800; run.status == 0 && megabytes >= 300; megabytes -= 50) {
+    limited.addressSpace = megabytes << 20;
+    run = RunProgram(folder, Launched(2, {"model.dat", "out.txt"}), limited);
+  }
+  EXPECT_EQ(run.status, 2);
+  EXPECT_TRUE(run.err.starts_with("Not space available on heap")) << run.err;
+  EXPECT_EQ(folder.Read("out.txt"), "");
+}
+
 TEST(TwoRanksErrors, AKilledRankEndsTheRunWithoutResults)
 {
   const std::string problem = Roof(90).model.Text();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "base/processor.h"
 
 namespace morlen::direct {
@@ -8,6 +10,9 @@ namespace morlen::direct {
 /// a list of processors, and takes the oldest for one that is newer than the list. An environment
 /// variable OPENBLAS_CORETYPE is left to decide. Call it before other threads run.
 void ChooseBlasKernels(Processor processor = ThisProcessor());
+
+/// The address space that BLAS maps.
+constexpr std::size_t kBlasBytes = (std::size_t{128} << 20) + (std::size_t{1} << 20);
 
 /// Lets BLAS allocate its working memory, which it keeps. Fatal when there is too little: BLAS
 /// itself would try for ever.

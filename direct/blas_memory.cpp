@@ -13,12 +13,11 @@ namespace morlen::direct {
 // The first product makes BLAS map its memory. The address space for it is tried before.
 void ReserveBlasMemory()
 {
-  constexpr std::size_t kBytes = (std::size_t{128} << 20) + (std::size_t{1} << 20);
-  void* const map = mmap(nullptr, kBytes, PROT_READ | PROT_WRITE,
+  void* const map = mmap(nullptr, kBlasBytes, PROT_READ | PROT_WRITE,
                          MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (map == MAP_FAILED)
     Fatal("Not space available on heap");
-  munmap(map, kBytes);
+  munmap(map, kBlasBytes);
   constexpr int kOne = 1;
   constexpr double kFactor = 1.0;
   const double a = 1.0;

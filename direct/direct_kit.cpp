@@ -9,6 +9,7 @@
 
 #include <utility>
 
+#include "base/memory_limit.h"
 #include "direct/blas_kernels.h"
 #include "direct/mumps_solver.h"
 #include "direct/node_ordering.h"
@@ -84,7 +85,9 @@ std::unique_ptr<DirectPlan> DirectKit::PlanDirect(const Problem& problem, double
   const double entries = size.blocks * n * n;
   plan->seconds =
       SecondsOf(problem, blocks, entries) + kSecondsPerOperation * size.operations * n * n * n;
-  plan->bytes = static_cast<std::uint64_t>(kBytesPerByte * sizeof(double) * entries);
+  plan->bytes = static_cast<std::uint64_t>(kBytesPerByte * sizeof(double) * entries) + kBlasBytes;
+  if (plan->bytes > AvailableMemory())
+    return nullptr;
   return plan;
 }
 

@@ -108,29 +108,26 @@ private:
   }
 
   // The corrections of a motion are lost beside those of a much softer part. The residual, which no
-  // element resists, still has it.
+  // element resists, still has it. A stable structure may be so soft that its own residual looks
+  // free of strains too: only a rigid motion that its supports leave a part is proof.
   [[noreturn]] void FailByRoughness(const Refinement& refinement, const RefinedCases& cases) const
   {
     ReaVecV motion = refinement.Motion(cases.probe);
-    const int largest = refinement.LargestMotion(motion);
     ConvertLocalResultsToGlobal(nodes, motion, scale.components.count);
-    if (!IsFreeMotion(task.problem, task.families, motion))
+    std::optional<ReaVecV> free = FreeMotionOfAPart(task.problem, task.families, std::move(motion));
+    if (!free)
       Fail(-1, RoughModelHint(cases, Refinement::Verdict::TooRough));
-    ExplainFreeMotion(motion);
-    Fail(largest, "");
+    Explain(DescribeMotion(task.problem, *free).text);
+    ConvertGlobalLoadToLocal(nodes, *free, scale.components.count);
+    Fail(refinement.LargestMotion(*free), "");
   }
 
   // motion: in the axes of the supports.
   void ExplainMotion(ReaVecV motion) const
   {
     ConvertLocalResultsToGlobal(nodes, motion, scale.components.count);
-    if (IsFreeMotion(task.problem, task.families, motion))
-      ExplainFreeMotion(motion);
-  }
-
-  // motion: in global axes.
-  void ExplainFreeMotion(const ReaVecV& motion) const
-  {
+    if (!IsFreeMotion(task.problem, task.families, motion))
+      return;
     const std::optional<ReaVecV> rigid = FreeRigidMotion(task.problem, task.families, motion);
     Explain(DescribeMotion(task.problem, rigid.value_or(motion)).text);
   }

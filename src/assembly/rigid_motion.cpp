@@ -143,4 +143,25 @@ std::optional<ReaVecV> FreeRigidMotion(const Problem& problem, const ElementFami
   return std::nullopt;
 }
 
+std::optional<ReaVecV> FreeMotionOfAPart(const Problem& problem, const ElementFamilies& families,
+                                         ReaVecV motion)
+{
+  constexpr int kMostParts = 8;  // each costs a pass over all elements
+  for (int count = 0; count < kMostParts; ++count) {
+    const NodeMotions motions(problem, motion);
+    if (!motions.lead)
+      break;
+    const LoosePart part(motions);
+    for (const RigidMotion& rigid : part.FreeMotions()) {
+      if (IsFreeMotion(problem, families, part.ByEquation(rigid, false)))
+        return part.ByEquation(rigid, true);
+    }
+    for (const NodeMotion* node : motions.part) {
+      for (int k = 1; k <= problem.components.count; ++k)
+        motion(problem.Equation(*node->node, k)) = 0.0;
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace morlen

@@ -15,4 +15,9 @@ struct Problem;
 std::optional<ReaVecV> FreeRigidMotion(const Problem& problem, const ElementFamilies& families,
                                        const ReaVecV& motion);
 
+/// A motion as a rigid body of a connected part that moves in `motion`, when its supports leave one
+/// free; hinges are not needed. The parts are tried from the one that moves most, eight at most.
+std::optional<ReaVecV> FreeMotionOfAPart(const Problem& problem, const ElementFamilies& families,
+                                         ReaVecV motion);
+
 }  // namespace morlen

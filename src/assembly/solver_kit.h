@@ -54,8 +54,9 @@ public:
   virtual bool HasDirect() const { return false; }
 
   /// The work of that solver for a problem after its preparation, with the present numbers of the
-  /// nodes. Null without the solver, and when it needs more than `mostSeconds` at least. blocks: of
-  /// the whole matrix, one for each node and two for each pair of coupled nodes.
+  /// nodes. Null without the solver, when it needs more than `mostSeconds` at least, and when it
+  /// does not fit into the memory that is left. blocks: of the whole matrix, one for each node and
+  /// two for each pair of coupled nodes.
   virtual std::unique_ptr<DirectPlan> PlanDirect(const Problem& problem, double blocks,
                                                  double mostSeconds) const;
 

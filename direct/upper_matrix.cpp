@@ -38,7 +38,8 @@ std::ptrdiff_t UpperMatrix::FindBlock(int p, int q) const
 {
   const int* const first = pattern.columns.data() + firstUpper[p];
   const int* const end = pattern.columns.data() + pattern.starts[p + 1];
-  const int* place = first;
+  constexpr std::ptrdiff_t kLong = 32;  // few nodes have so many neighbours
+  const int* place = end - first > kLong ? std::lower_bound(first, end, q) : first;
   while (place != end && *place < q)
     ++place;
   return place != end && *place == q ? blockNumber[p] + (place - first) : -1;

@@ -14,9 +14,7 @@
 #include "direct/mumps_solver.h"
 #include "direct/node_ordering.h"
 #include "direct/order_plan.h"
-#include "model/mesh.h"
-#include "model/node.h"
-#include "numeric/plex_range.h"
+#include "direct/problem_pattern.h"
 #include "problem/problem.h"
 
 namespace morlen::direct {
@@ -42,26 +40,6 @@ double SecondsOf(const Problem& problem, double blocks, double entries)
   return kSecondsPerNode * problem.numNodes + kSecondsPerCoupling * blocks +
          kSecondsPerEquation * problem.numNodes * problem.components.count +
          kSecondsPerEntry * entries;
-}
-
-void AddCouplings(const Elem& elem, NodeCouplings& couplings)
-{
-  for (int i = 0; i < elem.Nnode(); ++i) {
-    for (int j = 0; j < elem.Nnode(); ++j) {
-      if (elem(i) != elem(j))
-        couplings.Add(elem(i)->number - 1, elem(j)->number - 1);
-    }
-  }
-}
-
-NodePattern PatternOf(const Problem& problem)
-{
-  NodeCouplings couplings(problem.numNodes, problem.numNodes);
-  for (const auto& mesh : problem.meshes) {
-    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
-      AddCouplings(elem, couplings);
-  }
-  return couplings.MakePattern();
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <limits>
+#include <sstream>
 #include <system_error>
 
 namespace morlen::direct {
@@ -22,6 +23,16 @@ std::uint64_t FactorFiles::FreeBytes() const
   std::error_code unknown;
   const fs::space_info space = fs::space(place, unknown);
   return unknown ? std::numeric_limits<std::uint64_t>::max() : space.available;
+}
+
+std::string FactorFiles::Need(const Room& needed, const Room& free) const
+{
+  constexpr std::uint64_t kMegabyte = 1000000;
+  std::ostringstream text;
+  text << "with its factors in " << place << " it would need " << needed.memory / kMegabyte + 1
+       << " MB of memory and " << needed.files / kMegabyte + 1 << " MB there; free are "
+       << free.memory / kMegabyte << " MB and " << free.files / kMegabyte << " MB";
+  return text.str();
 }
 
 const std::string& FactorFiles::Make()

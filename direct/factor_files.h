@@ -21,9 +21,17 @@ public:
   /// The bytes that are free there; the largest number when that is not known.
   std::uint64_t FreeBytes() const;
 
+  /// The sizes of factors in files, in bytes.
+  struct Room
+  {
+    std::uint64_t memory = 0;
+    std::uint64_t files = 0;
+  };
+  /// The hint of a solver whose factors fit neither into memory nor into files.
+  std::string Need(const Room& needed, const Room& free) const;
+
   /// Makes the new folder and writes its name and the beginning of the names of the files, for
-  /// MUMPS
-  /// (`ooc_tmpdir`, `ooc_prefix`). Returns false when there is no room for the name.
+  /// MUMPS (`ooc_tmpdir`, `ooc_prefix`). Returns false when there is no room for the name.
   ///
   /// Where the folder cannot be made, it is the folder for temporary files: MUMPS then says that it
   /// cannot make its files.

@@ -16,19 +16,6 @@
 
 namespace morlen::direct {
 
-namespace {
-
-/// The part of a diagonal entry that is added to it after a pivot of 0.
-constexpr double kPerturbation = 1e-13;
-constexpr double kMegabyte = 1024.0 * 1024.0;
-
-double Megabytes(std::uint64_t bytes)
-{
-  return static_cast<double>(bytes) / kMegabyte;
-}
-
-}  // namespace
-
 MumpsSolver::MumpsSolver(int nodes_, int ndof_, std::mutex& busy_, std::unique_ptr<OrderPlan> plan_)
     : nodes(nodes_), ndof(ndof_), busy(busy_), plan(std::move(plan_))
 {
@@ -90,31 +77,16 @@ int MumpsSolver::FindRefused() const
   return 0;
 }
 
-std::vector<int> MumpsSolver::Places() const
+void MumpsSolver::ChoosePlace(const MumpsSizes& sizes, std::FILE* info)
 {
-  std::vector<int> ofEquations;
-  ofEquations.reserve(static_cast<std::size_t>(GiveSize()));
-  for (const int place : order) {
-    for (int k = 1; k <= ndof; ++k)
-      ofEquations.push_back(place * ndof + k);
-  }
-  return ofEquations;
-}
-
-void MumpsSolver::ChoosePlace(const Mumps::Sizes& sizes, std::FILE* info)
-{
-  Progress(info, "Analysis finished: %.0f entries of the factors, %.2g operations, %.0f Mb\n",
-           sizes.entries, sizes.operations, Megabytes(sizes.bytes));
   const std::uint64_t available = AvailableMemory();
   if (sizes.bytes <= available)
     return;
   files = std::make_unique<FactorFiles>();
   const auto size = static_cast<std::uint64_t>(sizes.entries * sizeof(double));
   if (sizes.bytesLeast > available || size > files->FreeBytes()) {
-    Explain("with its factors in ", files->Place(), " it would need ",
-            sizes.bytesLeast / 1000000 + 1, " MB of memory and ", size / 1000000 + 1,
-            " MB there; free are ", available / 1000000, " MB and ", files->FreeBytes() / 1000000,
-            " MB");
+    Explain(files->Need({.memory = sizes.bytesLeast, .files = size},
+                        {.memory = available, .files = files->FreeBytes()}));
     Fatal("error: the solver Direct needs ", sizes.bytes / 1000000 + 1, " MB of memory\n");
   }
   Progress(info, "The factors go to files in %s: %.0f Mb of memory are left\n",
@@ -133,22 +105,16 @@ int MumpsSolver::Factorise(std::FILE* info)
     if (!std::isfinite(entries.values[k]))
       return entries.columns[k];
   }
-  places = Places();
+  places = PlacesOfEquations(order, ndof);
   ReserveBlasMemory();
   mumps = std::make_unique<Mumps>(busy);
-  Progress(info, "Analysis of %i equations, %lld entries\n", GiveSize(),
-           static_cast<long long>(entries.Count()));
-  const Mumps::Sizes sizes = mumps->Analyse(GiveSize(), entries, places);
+  ReportAnalysis(GiveSize(), entries.Count(), info);
+  const MumpsSizes sizes = mumps->Analyse(GiveSize(), entries, places);
+  ReportSizes(sizes, info);
   ChoosePlace(sizes, info);
   Progress(info, "Factorisation\n");
-  if (!mumps->Factorise(files.get())) {
-    for (std::int64_t k = 0; k < entries.Count(); ++k) {
-      if (entries.rows[k] == entries.columns[k])
-        entries.values[k] += kPerturbation * entries.values[k];
-    }
-    if (!mumps->Factorise(files.get()))
-      return -1;
-  }
+  if (!mumps->Factorise(files.get()))
+    return -1;
   Progress(info, "Factorisation finished\n");
   factorised = true;
   return 0;

@@ -15,10 +15,6 @@ namespace morlen::direct {
 
 /// The solver of `Solver Direct`: a sparse matrix of node blocks, factorised by MUMPS in an order
 /// by nested dissection of the graph of the nodes.
-///
-/// The factorisation takes every pivot except 0. When it meets a 0, each diagonal entry gets
-/// kPerturbation of itself more, and the factorisation is repeated: the refinement takes the change
-/// out of the displacements of a stable structure, and shows the motion of another one.
 class MumpsSolver : public DirectSolver
 {
 public:
@@ -57,9 +53,8 @@ public:
 
 private:
   int FindRefused() const;
-  std::vector<int> Places() const;
   /// Chooses memory or files for the factors, and tells it. Fatal when there is room in neither.
-  void ChoosePlace(const Mumps::Sizes& sizes, std::FILE* info);
+  void ChoosePlace(const MumpsSizes& sizes, std::FILE* info);
 
   int nodes;
   int ndof;

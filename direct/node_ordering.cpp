@@ -81,6 +81,17 @@ std::vector<int> OrderNodes(const NodePattern& pattern)
 
 // Row i of the factor: from each earlier neighbour the path towards the root, up to a node that the
 // row has already. The first node after which a path ends gets the row as its parent.
+std::vector<int> PlacesOfEquations(const std::vector<int>& placesOfNodes, int ndof)
+{
+  std::vector<int> places;
+  places.reserve(placesOfNodes.size() * ndof);
+  for (const int place : placesOfNodes) {
+    for (int k = 1; k <= ndof; ++k)
+      places.push_back(place * ndof + k);
+  }
+  return places;
+}
+
 FactorSize CountFactor(const NodePattern& pattern, const std::vector<int>& place)
 {
   const std::size_t count = place.size();

@@ -14,6 +14,10 @@ namespace morlen::direct {
 /// irregular graphs, SIAM Journal on Scientific Computing 20 (1998) 359-392.
 std::vector<int> OrderNodes(const NodePattern& pattern);
 
+/// The place of each equation, from 1, for places of the nodes, from 0: the ndof equations of a
+/// node remain together.
+std::vector<int> PlacesOfEquations(const std::vector<int>& placesOfNodes, int ndof);
+
 /// The size of the factors of a matrix of node blocks.
 struct FactorSize
 {

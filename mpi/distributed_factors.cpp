@@ -1,54 +1,17 @@
 #include "mpi/distributed_factors.h"
 
-#include <dmumps_c.h>
 #include <mpi.h>
 #include <time.h>
 
-#include <algorithm>
-#include <iterator>
-#include <string>
 #include <utility>
 
-#include "base/errorwriter.h"
 #include "base/memory_limit.h"
+#include "direct/mumps_record.h"
 #include "mpi/ranks.h"
 
 namespace morlen::mpi {
 
 namespace {
-
-// Values of `job`.
-constexpr int kBegin = -1;
-constexpr int kEnd = -2;
-constexpr int kAnalyse = 1;
-constexpr int kFactorise = 2;
-constexpr int kSolve = 3;
-
-constexpr int kWholeGroup = -987654;  // the communicator MPI_COMM_WORLD
-
-struct Failure
-{
-  int first, last;  ///< statuses
-  const char* sentence;
-};
-
-constexpr Failure kFailures[] = {
-    {-7, -5, "Not space available on heap"},
-    {-13, -13, "Not space available on heap"},
-    {-20, -19, "Not space available on heap"},
-    {-53, -51,
-     "error: the solver Direct has failed: the matrix is too large for its 32 bit integers\n"},
-    {-79, -70, "error: the solver Direct has failed: its files cannot be used\n"},
-    {-99, -90,
-     "error: the solver Direct has failed: its temporary files cannot be written or read\n"},
-};
-
-/// The part of a diagonal entry that is added to it after a pivot of 0.
-constexpr double kPerturbation = 1e-13;
-
-/// Percent of the estimated memory that are added to it.
-constexpr int kMoreMemory = 20;
-constexpr int kMostMemory = 10000;
 
 /// The demand of the rank where the least memory is left after it.
 MemoryDemand LeastRest(MemoryDemand demand)
@@ -73,45 +36,22 @@ double ProcessorSeconds()
 
 }  // namespace
 
-struct DistributedFactors::Instance : DMUMPS_STRUC_C
+DistributedFactors::DistributedFactors() : mumps(std::make_unique<direct::MumpsRecord>())
 {
-  // The arrays of the library count from 1 in its manual.
-  MUMPS_INT& Control(int k) { return icntl[k - 1]; }
-  MUMPS_INT Info(int k) const { return info[k - 1]; }
-  MUMPS_INT GlobalInfo(int k) const { return infog[k - 1]; }
-};
-
-DistributedFactors::DistributedFactors() : mumps(std::make_unique<Instance>())
-{
-  mumps->comm_fortran = kWholeGroup;
-  mumps->par = 1;
-  mumps->sym = 1;
-  Run(kBegin);
-  for (const int stream : {1, 2, 3})
-    mumps->Control(stream) = -1;
-  mumps->Control(4) = 0;
-  mumps->Control(5) = 0;
-  mumps->Control(6) = 0;
-  mumps->Control(7) = 1;   // the order is given
-  mumps->Control(8) = 0;   // no scaling: it changes nothing without a search for pivots
-  mumps->Control(13) = 1;  // the last front stays symmetric
-  mumps->Control(14) = kMoreMemory;
+  mumps->Begin();
   mumps->Control(18) = 3;  // distributed entries
-  mumps->Control(28) = 1;  // analysis on the first rank
 }
 
 DistributedFactors::~DistributedFactors() = default;
 
 void DistributedFactors::End()
 {
-  Run(kEnd);
+  mumps->End();
 }
 
-FactorOutcome DistributedFactors::Run(int job)
+FactorOutcome DistributedFactors::Outcome(int status) const
 {
-  mumps->job = job;
-  dmumps_c(mumps.get());
-  return {.status = mumps->GlobalInfo(1), .detail = mumps->GlobalInfo(2)};
+  return {.status = status, .detail = mumps->GlobalInfo(2)};
 }
 
 FactorOutcome DistributedFactors::Analyse(int equations, direct::Coordinates entries,
@@ -124,7 +64,7 @@ FactorOutcome DistributedFactors::Analyse(int equations, direct::Coordinates ent
   mumps->jcn_loc = matrix.columns.data();
   mumps->a_loc = matrix.values;
   mumps->perm_in = order.data();
-  const FactorOutcome outcome = Run(kAnalyse);
+  const FactorOutcome outcome = Outcome(mumps->Run(direct::MumpsRecord::kAnalyse));
   mumps->perm_in = nullptr;
   return outcome;
 }
@@ -144,15 +84,6 @@ MemoryDemand DistributedFactors::Demand(bool outOfCore) const
   return LeastRest(demand);
 }
 
-FactorOutcome DistributedFactors::RunWithRoom(int job)
-{
-  FactorOutcome outcome = Run(job);
-  for (int& percent = mumps->Control(14); outcome.NeedsRoom() && percent < kMostMemory;
-       outcome = Run(job))
-    percent *= 2;
-  return outcome;
-}
-
 FactorOutcome DistributedFactors::Factorise(bool outOfCore)
 {
   const double before = ProcessorSeconds();
@@ -160,14 +91,7 @@ FactorOutcome DistributedFactors::Factorise(bool outOfCore)
   // The name of a folder that is too long is cut; MUMPS then fails on all ranks.
   if (outOfCore)
     files.MakeFolder(mumps->ooc_tmpdir, mumps->ooc_prefix);
-  FactorOutcome outcome = RunWithRoom(kFactorise);
-  if (outcome.IsSingular()) {
-    for (std::int64_t k = 0; k < matrix.Count(); ++k) {
-      if (matrix.rows[k] == matrix.columns[k])
-        matrix.values[k] += kPerturbation * matrix.values[k];
-    }
-    outcome = RunWithRoom(kFactorise);
-  }
+  const FactorOutcome outcome = Outcome(mumps->Factorise(matrix));
   matrix = {};
   mumps->irn_loc = mumps->jcn_loc = nullptr;
   mumps->a_loc = nullptr;
@@ -184,22 +108,20 @@ FactorOutcome DistributedFactors::Solve(std::span<double> sides, int count)
     mumps->lrhs = mumps->n;
     mumps->Control(27) = count;
   }
-  const FactorOutcome outcome = RunWithRoom(kSolve);
+  const FactorOutcome outcome = Outcome(mumps->RunWithRoom(direct::MumpsRecord::kSolve));
   mumps->rhs = nullptr;
   return outcome;
 }
 
+bool FactorOutcome::IsSingular() const
+{
+  return status == direct::MumpsRecord::kSingular;
+}
+
 void RequireSuccess(const FactorOutcome& outcome)
 {
-  if (outcome.status >= 0)
-    return;
-  const auto* found =
-      std::find_if(std::begin(kFailures), std::end(kFailures), [&](const Failure& failure) {
-        return failure.first <= outcome.status && outcome.status <= failure.last;
-      });
-  if (found == std::end(kFailures))
-    Fatal("error: the solver Direct has failed (", outcome.status, ", ", outcome.detail, ")\n");
-  Fatal(found->sentence);
+  if (outcome.status < 0)
+    direct::FailOfMumps(outcome.status, outcome.detail);
 }
 
 }  // namespace morlen::mpi

@@ -8,6 +8,10 @@
 #include "direct/factor_files.h"
 #include "direct/upper_matrix.h"
 
+namespace morlen::direct {
+struct MumpsRecord;
+}
+
 namespace morlen::mpi {
 
 /// The share of one rank in the factors, for the information stream.
@@ -23,13 +27,8 @@ struct FactorOutcome
   int status = 0;  ///< of the library: 0 or a warning above 0, an error below
   int detail = 0;  ///< of the status
 
-  /// True when the estimated memory was too small.
-  bool NeedsRoom() const
-  {
-    return status == -8 || status == -9 || status == -11 || status == -12 || status == -14;
-  }
   /// True when a pivot is 0, and remains so after a small part of the diagonal is added to it.
-  bool IsSingular() const { return status == -10; }
+  bool IsSingular() const;
 };
 
 /// Memory in megabytes.
@@ -78,13 +77,9 @@ public:
   FactorSize Size() const { return size; }
 
 private:
-  struct Instance;
+  FactorOutcome Outcome(int status) const;
 
-  FactorOutcome Run(int job);
-  /// The same, with more memory when the estimate was too small.
-  FactorOutcome RunWithRoom(int job);
-
-  std::unique_ptr<Instance> mumps;
+  std::unique_ptr<direct::MumpsRecord> mumps;
   direct::Coordinates matrix;
   direct::FactorFiles files;
   FactorSize size;

@@ -123,17 +123,6 @@ void DistributedSolver::UsePattern(const NodePattern& pattern)
   order = direct::OrderNodes(pattern);
 }
 
-std::vector<int> DistributedSolver::OrderOfEquations() const
-{
-  std::vector<int> places;
-  places.reserve(static_cast<std::size_t>(size));
-  for (const int place : order) {
-    for (int k = 1; k <= components; ++k)
-      places.push_back(place * components + k);
-  }
-  return places;
-}
-
 int DistributedSolver::Factorise(std::FILE* info)
 {
   factorised = false;
@@ -144,7 +133,8 @@ int DistributedSolver::Factorise(std::FILE* info)
       Command::Factorise,
       [&](int rank, ByteWriter& out) {
         out.Put(size);
-        out.PutAll(rank == kFirstRank ? OrderOfEquations() : std::vector<int>());
+        out.PutAll(rank == kFirstRank ? direct::PlacesOfEquations(order, components)
+                                      : std::vector<int>());
       },
       [&](int, ByteReader& in) { answers.push_back(in.Get<FactorAnswer>()); });
   const FactorAnswer& first = answers.front();

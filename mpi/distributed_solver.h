@@ -86,7 +86,6 @@ public:
 private:
   /// Finds the order of elimination.
   void UsePattern(const NodePattern& pattern) override;
-  std::vector<int> OrderOfEquations() const;
 
   std::vector<int> order;  ///< place of each node, from 0
 };

@@ -1,42 +1,16 @@
 #include "mpi/part_matrix.h"
 
-#include <limits>
 #include <span>
 
+#include "direct/problem_pattern.h"
 #include "model/constraint.h"
-#include "model/elem.h"
-#include "model/mesh.h"
 #include "model/node.h"
 #include "numeric/plex_range.h"
 
 namespace morlen::mpi {
 
-namespace {
-
-void AddCouplings(const Elem& elem, NodeCouplings& couplings)
-{
-  for (int i = 0; i < elem.Nnode(); ++i) {
-    for (int j = 0; j < elem.Nnode(); ++j) {
-      if (i != j)
-        couplings.Add(elem(i)->number - 1, elem(j)->number - 1);
-    }
-  }
-}
-
-}  // namespace
-
-NodePattern PatternOf(const Problem& problem)
-{
-  NodeCouplings couplings(problem.numNodes, std::numeric_limits<int>::max());
-  for (const auto& mesh : problem.meshes) {
-    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex()))
-      AddCouplings(elem, couplings);
-  }
-  return couplings.MakePattern();
-}
-
 PartMatrix::PartMatrix(const Part& part_)
-    : part(part_), matrix(PatternOf(part.problem), part.problem.components.count)
+    : part(part_), matrix(direct::PatternOf(part.problem), part.problem.components.count)
 {
 }
 

@@ -4,12 +4,8 @@
 
 #include "direct/upper_matrix.h"
 #include "mpi/part.h"
-#include "solvers/node_couplings.h"
 
 namespace morlen::mpi {
-
-/// The couplings of the nodes of a problem.
-NodePattern PatternOf(const Problem& problem);
 
 /// The stiffness of a part, with its supports.
 ///

@@ -11,6 +11,7 @@
 #include "assembly/internal_forces.h"
 #include "assembly/preparation.h"
 #include "assembly/solve.h"
+#include "direct/problem_pattern.h"
 #include "mpi/node_parts.h"
 #include "mpi/part_matrix.h"
 #include "numeric/matriu.h"
@@ -41,7 +42,7 @@ struct Divided
     PrepareModel(*problem, FamiliesOf(*problem));
     PrepareEquations(*problem, FamiliesOf(*problem), {});
     const auto elements =
-        ElementsOfParts(*problem, PartsOfNodes(PatternOf(*problem), kParts), kParts);
+        ElementsOfParts(*problem, PartsOfNodes(direct::PatternOf(*problem), kParts), kParts);
     const auto nodes = NodesOfParts(*problem, elements);
     for (int k = 0; k < kParts; ++k) {
       ByteWriter out;
@@ -122,7 +123,7 @@ TEST(NodeParts, GridIsCutInHalves)
 {
   const ShellModel model = GridShell(39, 39, [](double u, double v) { return Vector3{u, v, 0.0}; });
   const auto problem = ReadProblemText(model.Text());
-  const NodePattern pattern = PatternOf(*problem);
+  const NodePattern pattern = direct::PatternOf(*problem);
   const std::vector<int> parts = PartsOfNodes(pattern, 2);
   const auto second = std::count(parts.begin(), parts.end(), 1);
   EXPECT_NEAR(static_cast<double>(second), 800.0, 0.05 * 800.0);

@@ -1,0 +1,25 @@
+#include "direct/mumps_sizes.h"
+
+#include "base/stprintf.h"
+
+namespace morlen::direct {
+
+double Megabytes(std::uint64_t bytes)
+{
+  constexpr double kMegabyte = 1024.0 * 1024.0;
+  return static_cast<double>(bytes) / kMegabyte;
+}
+
+void ReportAnalysis(int equations, std::int64_t entries, std::FILE* info)
+{
+  Progress(info, "Analysis of %i equations, %lld entries\n", equations,
+           static_cast<long long>(entries));
+}
+
+void ReportSizes(const MumpsSizes& sizes, std::FILE* info)
+{
+  Progress(info, "Analysis finished: %.0f entries of the factors, %.2g operations, %.0f Mb\n",
+           sizes.entries, sizes.operations, Megabytes(sizes.bytes));
+}
+
+}  // namespace morlen::direct

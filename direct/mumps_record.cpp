@@ -47,6 +47,19 @@ std::uint64_t Bytes(int megabytes)
   return kMillion * static_cast<std::uint64_t>(std::max(megabytes, 0));
 }
 
+/// A number of INFOG: a negative one counts millions.
+double Count(int number)
+{
+  constexpr double kMillion = 1e6;
+  return number < 0 ? -kMillion * number : number;
+}
+
+/// places: for entries of the factors, with those that remain 0.
+std::uint64_t FileBytes(int places)
+{
+  return static_cast<std::uint64_t>(sizeof(double) * Count(places));
+}
+
 }  // namespace
 
 int MumpsRecord::Begin()
@@ -103,16 +116,16 @@ int MumpsRecord::Factorise(Coordinates& matrix)
 
 MumpsSizes MumpsRecord::Sizes() const
 {
-  return {.entries = MumpsCount(GlobalInfo(20)),
+  return {.entries = Count(GlobalInfo(20)),
           .operations = rinfog[0],
           .bytes = Bytes(GlobalInfo(17)),
-          .bytesLeast = Bytes(GlobalInfo(27))};
+          .bytesLeast = Bytes(GlobalInfo(27)),
+          .fileBytes = FileBytes(GlobalInfo(3))};
 }
 
-double MumpsCount(int number)
+std::uint64_t MumpsRecord::OwnFileBytes() const
 {
-  constexpr double kMillion = 1e6;
-  return number < 0 ? -kMillion * number : number;
+  return FileBytes(Info(3));
 }
 
 void FailOfMumps(int status, int detail)

@@ -2,6 +2,8 @@
 
 #include <dmumps_c.h>
 
+#include <cstdint>
+
 #include "direct/mumps_sizes.h"
 #include "direct/upper_matrix.h"
 
@@ -42,10 +44,9 @@ struct MumpsRecord : DMUMPS_STRUC_C
 
   /// After the analysis.
   MumpsSizes Sizes() const;
+  /// The same: the bytes of this process in MumpsSizes::fileBytes.
+  std::uint64_t OwnFileBytes() const;
 };
-
-/// A number of INFO or INFOG: a negative one counts millions.
-double MumpsCount(int number);
 
 /// Ends the run after an error, with a sentence that explains it. detail: INFOG(2).
 [[noreturn]] void FailOfMumps(int status, int detail);

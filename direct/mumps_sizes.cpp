@@ -22,4 +22,15 @@ void ReportSizes(const MumpsSizes& sizes, std::FILE* info)
            sizes.entries, sizes.operations, Megabytes(sizes.bytes));
 }
 
+void ReportFiles(const std::string& folder, std::uint64_t memoryLeft, std::FILE* info)
+{
+  Progress(info, "The factors go to files in %s: %.0f Mb of memory are left\n", folder.c_str(),
+           Megabytes(memoryLeft));
+}
+
+void ReportSolution(std::size_t sides, std::FILE* info)
+{
+  Progress(info, "Solution for %zu right-hand sides\n", sides);
+}
+
 }  // namespace morlen::direct

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <string>
 
 namespace morlen::direct {
 
@@ -12,6 +14,7 @@ struct MumpsSizes
   double operations = 0.0;       ///< of the factorisation
   std::uint64_t bytes = 0;       ///< memory with the factors in it
   std::uint64_t bytesLeast = 0;  ///< memory with the factors in files
+  std::uint64_t fileBytes = 0;   ///< of these files
 };
 
 /// Bytes as the information stream counts them.
@@ -21,5 +24,7 @@ double Megabytes(std::uint64_t bytes);
 // the matrix.
 void ReportAnalysis(int equations, std::int64_t entries, std::FILE* info);
 void ReportSizes(const MumpsSizes& sizes, std::FILE* info);
+void ReportFiles(const std::string& folder, std::uint64_t memoryLeft, std::FILE* info);
+void ReportSolution(std::size_t sides, std::FILE* info);
 
 }  // namespace morlen::direct

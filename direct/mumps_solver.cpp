@@ -83,14 +83,12 @@ void MumpsSolver::ChoosePlace(const MumpsSizes& sizes, std::FILE* info)
   if (sizes.bytes <= available)
     return;
   files = std::make_unique<FactorFiles>();
-  const auto size = static_cast<std::uint64_t>(sizes.entries * sizeof(double));
-  if (sizes.bytesLeast > available || size > files->FreeBytes()) {
-    Explain(files->Need({.memory = sizes.bytesLeast, .files = size},
+  if (sizes.bytesLeast > available || sizes.fileBytes > files->FreeBytes()) {
+    Explain(files->Need({.memory = sizes.bytesLeast, .files = sizes.fileBytes},
                         {.memory = available, .files = files->FreeBytes()}));
     Fatal("error: the solver Direct needs ", sizes.bytes / 1000000 + 1, " MB of memory\n");
   }
-  Progress(info, "The factors go to files in %s: %.0f Mb of memory are left\n",
-           files->Place().c_str(), Megabytes(available));
+  ReportFiles(files->Place(), available, info);
 }
 
 int MumpsSolver::Factorise(std::FILE* info)
@@ -122,7 +120,7 @@ int MumpsSolver::Factorise(std::FILE* info)
 
 void MumpsSolver::Substitute(const RightHandSides& sides, std::FILE* info) const
 {
-  Progress(info, "Solution for %zu right-hand sides\n", sides.size());
+  ReportSolution(sides.size(), info);
   const auto n = static_cast<std::size_t>(GiveSize());
   if (n == 0)
     return;

@@ -13,8 +13,8 @@ namespace morlen::mpi {
 
 namespace {
 
-/// The demand of the rank where the least memory is left after it.
-MemoryDemand LeastRest(MemoryDemand demand)
+/// The demand of the rank where the least is left after it.
+Demand LeastRest(Demand demand)
 {
   struct
   {
@@ -26,6 +26,32 @@ MemoryDemand LeastRest(MemoryDemand demand)
   MPI_Bcast(values, 2, MPI_DOUBLE, least.rank, MPI_COMM_WORLD);
   return {.needed = values[0], .left = values[1]};
 }
+
+/// The ranks that share the memory and the folders of a machine.
+class Machine
+{
+public:
+  Machine()
+  {
+    MPI_Comm_split_type(MPI_COMM_WORLD, MPI_COMM_TYPE_SHARED, OwnRank(), MPI_INFO_NULL, &ranks);
+  }
+  Machine(const Machine&) = delete;
+  Machine& operator=(const Machine&) = delete;
+  ~Machine() { MPI_Comm_free(&ranks); }
+
+  /// The demand of the machine with the least rest. own: bytes that this rank needs; free: bytes
+  /// that it sees as free.
+  Demand Of(double own, std::uint64_t free) const
+  {
+    Demand demand{.needed = own, .left = static_cast<double>(free)};
+    MPI_Allreduce(MPI_IN_PLACE, &demand.needed, 1, MPI_DOUBLE, MPI_SUM, ranks);
+    MPI_Allreduce(MPI_IN_PLACE, &demand.left, 1, MPI_DOUBLE, MPI_MIN, ranks);
+    return LeastRest(demand);
+  }
+
+private:
+  MPI_Comm ranks = MPI_COMM_NULL;
+};
 
 double ProcessorSeconds()
 {
@@ -54,9 +80,11 @@ FactorOutcome DistributedFactors::Outcome(int status) const
   return {.status = status, .detail = mumps->GlobalInfo(2)};
 }
 
-FactorOutcome DistributedFactors::Analyse(int equations, direct::Coordinates entries,
-                                          std::vector<int> order)
+FactorAnalysis DistributedFactors::Analyse(int equations, direct::Coordinates entries,
+                                           std::vector<int> order)
 {
+  constexpr double kMegabyte = 1e6;
+  constexpr int kInMemory = 15, kOutOfCore = 17;
   matrix = std::move(entries);
   mumps->n = equations;
   mumps->nnz_loc = matrix.Count();
@@ -64,24 +92,18 @@ FactorOutcome DistributedFactors::Analyse(int equations, direct::Coordinates ent
   mumps->jcn_loc = matrix.columns.data();
   mumps->a_loc = matrix.values;
   mumps->perm_in = order.data();
-  const FactorOutcome outcome = Outcome(mumps->Run(direct::MumpsRecord::kAnalyse));
+  FactorAnalysis analysis;
+  analysis.outcome = Outcome(mumps->Run(direct::MumpsRecord::kAnalyse));
   mumps->perm_in = nullptr;
-  return outcome;
-}
-
-MemoryDemand DistributedFactors::Demand(bool outOfCore) const
-{
-  constexpr int kInMemory = 15;
-  constexpr int kOutOfCore = 17;
-  constexpr double kMegabyte = 1e6;
-  const double own = mumps->Info(outOfCore ? kOutOfCore : kInMemory);
-  MPI_Comm machine = MPI_COMM_NULL;
-  MPI_Comm_split_type(MPI_COMM_WORLD, MPI_COMM_TYPE_SHARED, OwnRank(), MPI_INFO_NULL, &machine);
-  MemoryDemand demand{.needed = 0.0, .left = static_cast<double>(AvailableMemory()) / kMegabyte};
-  MPI_Allreduce(&own, &demand.needed, 1, MPI_DOUBLE, MPI_SUM, machine);
-  MPI_Allreduce(MPI_IN_PLACE, &demand.left, 1, MPI_DOUBLE, MPI_MIN, machine);
-  MPI_Comm_free(&machine);
-  return LeastRest(demand);
+  if (analysis.outcome.status < 0)
+    return analysis;
+  const Machine machine;
+  const std::uint64_t available = AvailableMemory();
+  analysis.sizes = mumps->Sizes();
+  analysis.memory = machine.Of(kMegabyte * mumps->Info(kInMemory), available);
+  analysis.memoryLeast = machine.Of(kMegabyte * mumps->Info(kOutOfCore), available);
+  analysis.files = machine.Of(static_cast<double>(mumps->OwnFileBytes()), files.FreeBytes());
+  return analysis;
 }
 
 FactorOutcome DistributedFactors::Factorise(bool outOfCore)

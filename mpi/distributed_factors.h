@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "direct/factor_files.h"
+#include "direct/mumps_sizes.h"
 #include "direct/upper_matrix.h"
 
 namespace morlen::direct {
@@ -31,13 +32,23 @@ struct FactorOutcome
   bool IsSingular() const;
 };
 
-/// Memory in megabytes.
-struct MemoryDemand
+/// Bytes of memory or of files, on the machine where the least is left after them.
+struct Demand
 {
   double needed = 0.0;
   double left = 0.0;
 
   bool Fits() const { return needed <= left; }
+};
+
+/// The outcome of an analysis, the same on all ranks.
+struct FactorAnalysis
+{
+  FactorOutcome outcome;
+  direct::MumpsSizes sizes;
+  Demand memory;       ///< with the factors in it
+  Demand memoryLeast;  ///< with the factors in files
+  Demand files;        ///< in the folder for temporary files
 };
 
 /// The multifrontal factorisation of a symmetric matrix whose entries are distributed over all
@@ -58,13 +69,10 @@ public:
   /// Chooses the steps of the factorisation. entries: of this rank; their values are borrowed until
   /// Factorise has returned. order: the place of each equation, from 1, on the first rank; empty on
   /// the others.
-  FactorOutcome Analyse(int equations, direct::Coordinates entries, std::vector<int> order);
+  FactorAnalysis Analyse(int equations, direct::Coordinates entries, std::vector<int> order);
 
-  /// The memory that the factorisation needs, on the machine where the least is left after it; with
-  /// outOfCore when the factors are written to files in the folder for temporary files.
-  MemoryDemand Demand(bool outOfCore) const;
-
-  /// Factorises the entries of Analyse.
+  /// Factorises the entries of Analyse; with outOfCore the factors are written to files in the
+  /// folder for temporary files.
   FactorOutcome Factorise(bool outOfCore);
 
   /// Solves for right-hand sides one after another in one array, which become solutions; on the

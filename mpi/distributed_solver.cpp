@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 #include "base/array_size.h"
 #include "base/errorwriter.h"
 #include "base/stprintf.h"
+#include "direct/factor_files.h"
+#include "direct/mumps_sizes.h"
 #include "direct/node_ordering.h"
 #include "mpi/node_parts.h"
 #include "mpi/ranks.h"
@@ -21,20 +24,43 @@ namespace {
   Fatal("error: the entries of a distributed matrix are not available\n");
 }
 
-[[noreturn]] void FailForMemory(const FactorAnswer& answer)
+/// The bytes of a Demand. Those of an unknown rest have no end.
+std::uint64_t BytesOf(double size)
 {
-  Explain("more machines, or more memory on each, are needed");
-  Fatal("error: the factors need ", static_cast<long long>(answer.demand.needed),
-        " Mb of memory on a machine, and ", static_cast<long long>(answer.demand.left),
+  constexpr double kMost = 1e18;
+  return static_cast<std::uint64_t>(std::min(size, kMost));
+}
+
+[[noreturn]] void FailForMemory(const FactorAnalysis& analysis)
+{
+  Explain(
+      direct::FactorFiles().Need(
+          {.memory = BytesOf(analysis.memoryLeast.needed), .files = BytesOf(analysis.files.needed)},
+          {.memory = BytesOf(analysis.memoryLeast.left), .files = BytesOf(analysis.files.left)}),
+      "; more machines, or more memory on each, are the other way");
+  constexpr double kMegabyte = 1e6;
+  Fatal("error: the factors need ", BytesOf(analysis.memory.needed / kMegabyte),
+        " Mb of memory on a machine, and ", BytesOf(analysis.memory.left / kMegabyte),
         " Mb are left\n");
 }
 
-void Report(const std::vector<FactorAnswer>& answers, std::FILE* info)
+/// True when the factors go to files. Fatal when there is room neither in memory nor in files.
+bool NeedsFiles(const FactorAnalysis& analysis, std::FILE* info)
 {
-  for (std::size_t rank = 0; rank < answers.size(); ++rank) {
-    const auto& [megabytes, seconds] = answers[rank].size;
+  if (analysis.memory.Fits())
+    return false;
+  if (!analysis.memoryLeast.Fits() || !analysis.files.Fits())
+    FailForMemory(analysis);
+  direct::ReportFiles(direct::FactorFiles().Place(), BytesOf(analysis.memory.left), info);
+  return true;
+}
+
+void Report(const std::vector<FactorSize>& sizes, bool inFiles, std::FILE* info)
+{
+  for (std::size_t rank = 0; rank < sizes.size(); ++rank) {
+    const auto& [megabytes, seconds] = sizes[rank];
     Progress(info, "Rank %zu: %.0f Mb of memory, %.2f seconds of processor time%s\n", rank,
-             megabytes, seconds, answers[rank].outOfCore ? ", factors in temporary files" : "");
+             megabytes, seconds, inFiles ? ", factors in temporary files" : "");
   }
 }
 
@@ -93,6 +119,11 @@ int DistributedMatrix::FindRefused() const
   return assembled.notFinite;
 }
 
+std::int64_t DistributedMatrix::MatrixValues() const
+{
+  return std::accumulate(assembled.values.begin(), assembled.values.end(), std::int64_t{0});
+}
+
 double& DistributedMatrix::operator()(int /*i*/, int /*j*/)
 {
   NoEntries();
@@ -123,33 +154,51 @@ void DistributedSolver::UsePattern(const NodePattern& pattern)
   order = direct::OrderNodes(pattern);
 }
 
-int DistributedSolver::Factorise(std::FILE* info)
+FactorAnalysis DistributedSolver::Analyse(std::FILE* info) const
 {
-  factorised = false;
-  if (const int refused = FindRefused())
-    return refused;
-  std::vector<FactorAnswer> answers;
+  direct::ReportAnalysis(size, MatrixValues(), info);
+  FactorAnalysis analysis;
   team.Order(
-      Command::Factorise,
+      Command::Analyse,
       [&](int rank, ByteWriter& out) {
         out.Put(size);
         out.PutAll(rank == kFirstRank ? direct::PlacesOfEquations(order, components)
                                       : std::vector<int>());
       },
-      [&](int, ByteReader& in) { answers.push_back(in.Get<FactorAnswer>()); });
-  const FactorAnswer& first = answers.front();
-  if (!first.demand.Fits())
-    FailForMemory(first);
-  if (first.outcome.IsSingular())
+      [&](int, ByteReader& in) { analysis = in.Get<FactorAnalysis>(); });
+  RequireSuccess(analysis.outcome);
+  direct::ReportSizes(analysis.sizes, info);
+  return analysis;
+}
+
+int DistributedSolver::Factorise(std::FILE* info)
+{
+  factorised = false;
+  if (const int refused = FindRefused())
+    return refused;
+  const bool inFiles = NeedsFiles(Analyse(info), info);
+  Progress(info, "Factorisation\n");
+  FactorOutcome outcome;
+  std::vector<FactorSize> sizes;
+  team.Order(
+      Command::Factorise, [&](int, ByteWriter& out) { out.Put(inFiles); },
+      [&](int, ByteReader& in) {
+        const auto answer = in.Get<FactorAnswer>();
+        outcome = answer.outcome;
+        sizes.push_back(answer.size);
+      });
+  if (outcome.IsSingular())
     return -1;
-  RequireSuccess(first.outcome);
-  Report(answers, info);
+  RequireSuccess(outcome);
+  Progress(info, "Factorisation finished\n");
+  Report(sizes, inFiles, info);
   factorised = true;
   return 0;
 }
 
-void DistributedSolver::Substitute(const RightHandSides& sides, std::FILE* /*info*/) const
+void DistributedSolver::Substitute(const RightHandSides& sides, std::FILE* info) const
 {
+  direct::ReportSolution(sides.size(), info);
   FactorOutcome outcome;
   team.Order(
       Command::Solve,

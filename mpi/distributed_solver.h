@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -57,6 +58,8 @@ protected:
   virtual void UsePattern(const NodePattern& /*pattern*/) {}
   /// The first equation whose row is 0, or that has an entry that is not a number; 0 for none.
   int FindRefused() const;
+  /// The values of the matrix on all ranks.
+  std::int64_t MatrixValues() const;
 
   Team& team;
   int size;
@@ -86,6 +89,7 @@ public:
 private:
   /// Finds the order of elimination.
   void UsePattern(const NodePattern& pattern) override;
+  FactorAnalysis Analyse(std::FILE* info) const;
 
   std::vector<int> order;  ///< place of each node, from 0
 };

@@ -93,6 +93,8 @@ void Worker::Do(Command command, ByteReader& in, ByteWriter& answer)
       return TakePart(in);
     case Command::Assemble:
       return Assemble(answer);
+    case Command::Analyse:
+      return Analyse(in, answer);
     case Command::Factorise:
       return Factorise(in, answer);
     case Command::Solve:
@@ -133,23 +135,20 @@ void Worker::Assemble(ByteWriter& answer)
   answer.PutAll(diagonal);
 }
 
-void Worker::Factorise(ByteReader& in, ByteWriter& answer)
+void Worker::Analyse(ByteReader& in, ByteWriter& answer)
 {
   const int equations = in.Get<int>();
   FreeSolver();
   factors = std::make_unique<DistributedFactors>();
-  FactorAnswer result;
   RenumberAsWhole(*part, entries);
-  result.outcome = factors->Analyse(equations, std::move(entries), in.GetAll<int>());
-  if (result.outcome.status >= 0) {
-    result.demand = factors->Demand(false);
-    result.outOfCore = !result.demand.Fits();
-    if (result.outOfCore)
-      result.demand = factors->Demand(true);
-    if (result.demand.Fits())
-      result.outcome = factors->Factorise(result.outOfCore);
-    result.size = factors->Size();
-  }
+  answer.Put(factors->Analyse(equations, std::move(entries), in.GetAll<int>()));
+}
+
+void Worker::Factorise(ByteReader& in, ByteWriter& answer)
+{
+  FactorAnswer result;
+  result.outcome = factors->Factorise(in.Get<bool>());
+  result.size = factors->Size();
   matrix.reset();
   answer.Put(result);
 }

@@ -16,6 +16,7 @@ enum class Command : int
 {
   TakePart,   ///< Worker::TakePart
   Assemble,   ///< Worker::Assemble
+  Analyse,    ///< Worker::Analyse; all ranks work together
   Factorise,  ///< Worker::Factorise; all ranks work together
   Solve,      ///< Worker::Solve; all ranks work together
   MakeGrids,  ///< Worker::MakeGrids; all ranks work together
@@ -29,8 +30,9 @@ enum class Command : int
 /// True for commands during which the ranks wait for each other.
 constexpr bool IsTogether(Command command)
 {
-  return command == Command::Factorise || command == Command::Solve ||
-         command == Command::MakeGrids || command == Command::Iterate || command == Command::Free;
+  return command == Command::Analyse || command == Command::Factorise ||
+         command == Command::Solve || command == Command::MakeGrids ||
+         command == Command::Iterate || command == Command::Free;
 }
 
 /// The work of one rank: its part of the model and its share of the matrix. Every rank has one, the
@@ -48,7 +50,9 @@ private:
   /// In: nothing. Answer: the number of matrix values; an equation with a value that is not a
   /// number, or 0; the loads of prescribed displacements and the diagonal, by equation of the part.
   void Assemble(ByteWriter& answer);
-  /// In: the number of equations; on the first rank their order. Answer: FactorAnswer.
+  /// In: the number of equations; on the first rank their order. Answer: FactorAnalysis.
+  void Analyse(ByteReader& in, ByteWriter& answer);
+  /// In: true when the factors go to files. Answer: FactorAnswer.
   void Factorise(ByteReader& in, ByteWriter& answer);
   /// In: the number of right-hand sides, and these one after another; none on all ranks but the
   /// first. Answer: the outcome and the solutions.
@@ -78,8 +82,6 @@ private:
 struct FactorAnswer
 {
   FactorOutcome outcome;
-  MemoryDemand demand;
-  bool outOfCore = false;
   FactorSize size;
 };
 

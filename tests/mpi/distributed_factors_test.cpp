@@ -6,6 +6,8 @@
 #include <numeric>
 #include <vector>
 
+#include "direct/factor_files.h"
+
 namespace morlen::mpi {
 
 namespace {
@@ -69,8 +71,7 @@ TEST_F(DistributedFactorsTest, SolveInMemoryAndOutOfCore)
   for (const bool outOfCore : {false, true}) {
     Row row(n, true);
     DistributedFactors factors;
-    ASSERT_EQ(factors.Analyse(n, row.Entries(), InOrder(n)).status, 0);
-    EXPECT_TRUE(factors.Demand(outOfCore).Fits());
+    ASSERT_EQ(factors.Analyse(n, row.Entries(), InOrder(n)).outcome.status, 0);
     EXPECT_EQ(factors.Factorise(outOfCore).status, 0) << outOfCore;
     std::vector<double> sides(2 * n, 1.0);
     std::fill(sides.begin() + n, sides.end(), -2.0);
@@ -84,6 +85,30 @@ TEST_F(DistributedFactorsTest, SolveInMemoryAndOutOfCore)
   }
 }
 
+// In their order the masses fill nothing in: the factors have the diagonal and the springs between
+// two masses, and at most the zeros of the joined columns beside them. The free bytes of a folder
+// change while other programs run: half and twice the number.
+TEST_F(DistributedFactorsTest, TellTheSizesBeforehand)
+{
+  constexpr int n = 3000;
+  constexpr double entries = 2 * n - 1;
+  const double free = static_cast<double>(direct::FactorFiles().FreeBytes());
+  Row row(n, true);
+  DistributedFactors factors;
+  const FactorAnalysis analysis = factors.Analyse(n, row.Entries(), InOrder(n));
+  EXPECT_GE(analysis.sizes.entries, entries);
+  EXPECT_LE(analysis.sizes.entries, 100 * entries);
+  EXPECT_GT(analysis.sizes.operations, entries);
+  EXPECT_EQ(analysis.files.needed, static_cast<double>(analysis.sizes.fileBytes));
+  EXPECT_GE(analysis.files.needed, sizeof(double) * entries);
+  EXPECT_GT(analysis.files.left, 0.5 * free);
+  EXPECT_LT(analysis.files.left, 2.0 * free);
+  EXPECT_TRUE(analysis.memory.Fits());
+  EXPECT_TRUE(analysis.memoryLeast.Fits());
+  EXPECT_GT(analysis.memoryLeast.needed, 0.0);
+  factors.End();
+}
+
 // The last pivot of a free row is 0: it becomes a small part of its diagonal, and the motion of the
 // whole row is very large.
 TEST_F(DistributedFactorsTest, GoOnAfterAPivotOfZero)
@@ -91,7 +116,7 @@ TEST_F(DistributedFactorsTest, GoOnAfterAPivotOfZero)
   constexpr int n = 40;
   Row row(n, false);
   DistributedFactors factors;
-  ASSERT_EQ(factors.Analyse(n, row.Entries(), InOrder(n)).status, 0);
+  ASSERT_EQ(factors.Analyse(n, row.Entries(), InOrder(n)).outcome.status, 0);
   EXPECT_FALSE(factors.Factorise(false).IsSingular());
   std::vector<double> side(n, 1.0);
   EXPECT_EQ(factors.Solve(side, 1).status, 0);

@@ -207,6 +207,30 @@ std::vector<int> RanksIn(const fs::path& folder)
   return ranks;
 }
 
+// The folders of factors in the folder for temporary files, in which a run may be at work.
+int CountFactorFolders(const fs::path& files, bool withFilesOnly)
+{
+  int count = 0;
+  std::error_code gone;
+  for (fs::directory_iterator entry(files, gone), end; !gone && entry != end;
+       entry.increment(gone)) {
+    std::error_code other;
+    if (entry->path().filename().string().starts_with("morlen-"))
+      count += !withFilesOnly || !fs::is_empty(entry->path(), other);
+  }
+  return count;
+}
+
+// True when a run has begun the factorisation in memory.
+bool TakesNoFiles(const TemporaryFolder& folder)
+{
+  if (!folder.Has("info.txt"))
+    return false;
+  const std::string info = folder.Read("info.txt");
+  return info.find("Factorisation\n") != std::string::npos &&
+         info.find("The factors go to files in ") == std::string::npos;
+}
+
 }  // namespace
 
 class TwoRanks : public testing::TestWithParam<Model>
@@ -243,6 +267,24 @@ TEST_P(TwoRanks, GiveTheResultsOfTheSkyline)
 
 INSTANTIATE_TEST_SUITE_P(All, TwoRanks, testing::ValuesIn(Models()),
                          [](const auto& model) { return model.param.name; });
+
+// Each step is told with its size. The entries of the factors are told beforehand; they are at
+// least those of the matrix on and above the diagonal.
+TEST(TwoRanksInformation, TellsTheStepsOfTheSolver)
+{
+  const std::string info = Solve(Roof(14).model.Text(), 2).info;
+  std::size_t last = 0;
+  for (const char* step :
+       {"Rank 1: ", "Analysis of 1350 equations, ", "Analysis finished: ", "Factorisation\n",
+        "Factorisation finished\n", "Rank 0: ", "Solution for 2 right-hand sides\n"}) {
+    const std::size_t found = info.find(step, last);
+    ASSERT_NE(found, std::string::npos) << step << info;
+    last = found;
+  }
+  const double ofMatrix = NumberAfter(info, "Analysis of 1350 equations, ");
+  EXPECT_EQ(ofMatrix, NumberAfter(info, "Rank 0: ") + NumberAfter(info, "Rank 1: "));
+  EXPECT_GT(NumberAfter(info, "Analysis finished: "), 0.9 * ofMatrix);
+}
 
 TEST(TwoRanksMultigrid, SolvesSolids)
 {
@@ -301,7 +343,10 @@ TEST(TwoRanksErrors, MechanismsAreRefusedWithTheirMotion)
              "elem_rotules\n200 10\n201 01\nend elem_rotules\n"),
        "node 201 most"},
       {"node without elements", Chain(400, "1 110 0 0 0\n401 010 0 0 0\n", "", "1", "402 9 9\n"),
-       "system(1204)"}};
+       "system(1204)"},
+      {"node without elements beside skew supports",
+       Chain(400, "1 110 0 0 0 Euler1=0.3\n401 010 0 0 0\n", "", "1", "402 9 9\n"),
+       "hint: node 402 can move along x: it belongs to no element\n"}};
   for (const Mechanism& mechanism : mechanisms) {
     SCOPED_TRACE(mechanism.name);
     const TemporaryFolder folder;
@@ -398,6 +443,41 @@ TEST(TwoRanksErrors, AKilledRankEndsTheRunWithoutResults)
           << result.err;
     }
   }
+}
+
+// A limit is searched that leaves too little memory for the factors, and more than their files
+// need: the libraries of each machine take another part of it. The signal comes as soon as both
+// ranks have files, long before their end.
+TEST(TwoRanksErrors, ASignalRemovesTheFilesOfAllRanks)
+{
+  const TemporaryFolder folder;
+  folder.Write("model.dat", Roof(110).model.Text());
+  const fs::path files = folder.Path() / "files";
+  fs::create_directory(files);
+  RunConditions limited = kAnywhere;
+  limited.environment.insert(limited.environment.end(),
+                             {{"TMPDIR", files},
+                              {"OPENBLAS_NUM_THREADS", "1"},  // threads need memory too
+                              {"OMPI_MCA_odls_base_sigkill_timeout", "3"}});
+  int seen = 0;
+  for (long low = 200, high = 2000; seen < 2 && high - low > 10;) {
+    const long megabytes = (low + high) / 2;
+    SCOPED_TRACE(megabytes);
+    limited.addressSpace = megabytes << 20;
+    StartedRun run(folder, Launched(2, {"-i", "info.txt", "model.dat", "out.txt"}), limited);
+    bool inMemory = false;
+    for (int k = 0; k < 20000 && seen < 2 && !inMemory && run.IsRunning(); ++k) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      inMemory = TakesNoFiles(folder);
+      seen = CountFactorFolders(files, true);
+    }
+    run.Send(SIGTERM);
+    run.Wait();
+    EXPECT_EQ(CountFactorFolders(files, false), 0);
+    (inMemory ? high : low) = megabytes;
+    fs::remove(folder.Path() / "info.txt");
+  }
+  EXPECT_EQ(seen, 2);
 }
 
 }  // namespace morlen

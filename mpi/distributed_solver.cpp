@@ -34,10 +34,10 @@ std::uint64_t BytesOf(double size)
 [[noreturn]] void FailForMemory(const FactorAnalysis& analysis)
 {
   Explain(
+      "the solver Direct takes more machines, or more memory on each; ",
       direct::FactorFiles().Need(
           {.memory = BytesOf(analysis.memoryLeast.needed), .files = BytesOf(analysis.files.needed)},
-          {.memory = BytesOf(analysis.memoryLeast.left), .files = BytesOf(analysis.files.left)}),
-      "; more machines, or more memory on each, are the other way");
+          {.memory = BytesOf(analysis.memoryLeast.left), .files = BytesOf(analysis.files.left)}));
   constexpr double kMegabyte = 1e6;
   Fatal("error: the factors need ", BytesOf(analysis.memory.needed / kMegabyte),
         " Mb of memory on a machine, and ", BytesOf(analysis.memory.left / kMegabyte),

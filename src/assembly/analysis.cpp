@@ -3,6 +3,7 @@
 #include "assembly/analysis.h"
 
 #include <algorithm>
+#include <limits>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -41,15 +42,18 @@ std::string Outcome(const SparseSolver& sparse)
   return text.str();
 }
 
-/// The reason why a model that is too large for the direct solver is refused.
-std::string NoSolverHint(const SparseSolver& sparse, const SolverWork& work)
+/// The reason why a model that is too large for the direct solvers is refused. plan: of Solver
+/// Direct; null without it.
+std::string NoSolverHint(const std::string& outcome, const SolverWork& work, const DirectPlan* plan)
 {
+  const bool sparse = plan && plan->bytes < work.SkylineBytes();
   std::ostringstream text;
-  text << "The iteration has not converged: " << Outcome(sparse);
-  stprintf(text,
-           ". The direct solver would need %.0f Mb of memory. Where nothing can move, give it so "
-           "much, or more iterations by a line \"Solver: Sparse 1e-5 1e-5 20000\"\n",
-           static_cast<double>(work.SkylineBytes()) / (1024.0 * 1024.0));
+  text << "The iteration has not converged: " << outcome;
+  stprintf(text, ". The direct solver would need %.0f Mb of memory. ",
+           static_cast<double>(sparse ? plan->bytes : work.SkylineBytes()) / (1024.0 * 1024.0));
+  text << "Where nothing can move, give it so much"
+       << (sparse ? " and take it by a line \"Solver: Direct\"" : "")
+       << ", or more iterations by a line \"Solver: Sparse 1e-5 1e-5 20000\"\n";
   return text.str();
 }
 
@@ -235,6 +239,7 @@ private:
   void PreSolve();
   bool SolveByKit();
   void IterateFirst(const SolverChoice& choice);
+  [[noreturn]] void Refuse(const SolverWork& work, int iterations, const std::string& outcome);
 
   Problem& problem;
   const ElementFamilies& families;
@@ -278,6 +283,16 @@ bool Analysis::SolveByKit()
   return true;
 }
 
+// The plan of Solver Direct is made anew: the choice has no plan for a solver that would be slow.
+void Analysis::Refuse(const SolverWork& work, int iterations, const std::string& outcome)
+{
+  const int n = problem.components.count;
+  const auto plan = options.kit.PlanDirect(problem, work.sparseEntries / n / n,
+                                           std::numeric_limits<double>::infinity());
+  SolverFailed(problem.meshes, problem.components, -iterations,
+               NoSolverHint(outcome, work, plan.get()));
+}
+
 // The iteration of an automatic choice. When it fails, the direct solver follows.
 void Analysis::IterateFirst(const SolverChoice& choice)
 {
@@ -288,14 +303,14 @@ void Analysis::IterateFirst(const SolverChoice& choice)
     solver = std::move(sparse);
     return;
   }
-  if (!choice.fitsDirectly)
-    SolverFailed(problem.meshes, problem.components, -std::max(sparse->ModelReport().iterations, 1),
-                 NoSolverHint(*sparse, choice.work));
-  const std::string reason = Outcome(*sparse);
+  const std::string outcome = Outcome(*sparse);
+  const int iterations = std::max(sparse->ModelReport().iterations, 1);
   sparse.reset();
+  if (!choice.fitsDirectly)
+    Refuse(choice.work, iterations, outcome);
   PrepareForDirect(problem, choice.directType, options.renumber);
   solver = MakeSolver(problem, options.kit, nullptr, start);
-  solutions = Solve(Task(), *solver, makeLoads, reason);
+  solutions = Solve(Task(), *solver, makeLoads, outcome);
 }
 
 }  // namespace

@@ -22,3 +22,23 @@ if(MORLEN_COMPANIONS)
     message(STATUS "Without the companions: ${missing} not found")
   endif()
 endif()
+
+# MORLEN_CASES: whether morlen-cases is built, and morlen-check reads files of load cases. AUTO does
+# so when toml++ is installed; its headers are enough.
+set(MORLEN_CASES AUTO CACHE STRING "Build morlen-cases: ON, OFF, or AUTO when it can be")
+set_property(CACHE MORLEN_CASES PROPERTY STRINGS AUTO ON OFF)
+
+set(morlen_build_cases OFF)
+if(morlen_build_companions AND MORLEN_CASES)
+  find_path(MORLEN_TOML_INCLUDE toml++/toml.h)
+  mark_as_advanced(MORLEN_TOML_INCLUDE)
+  if(MORLEN_TOML_INCLUDE)
+    set(morlen_build_cases ON)
+  elseif(NOT MORLEN_CASES STREQUAL AUTO)
+    message(FATAL_ERROR "morlen-cases needs toml++; see docs/companions.md")
+  else()
+    message(STATUS "Without morlen-cases: toml++ not found")
+  endif()
+elseif(MORLEN_CASES AND NOT MORLEN_CASES STREQUAL AUTO)
+  message(FATAL_ERROR "morlen-cases is a companion; see MORLEN_COMPANIONS")
+endif()

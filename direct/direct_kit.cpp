@@ -29,6 +29,8 @@ constexpr double kSecondsPerEquation = 2.5e-6;
 // The factorisation and the substitutions.
 constexpr double kSecondsPerEntry = 3.4e-8;
 constexpr double kSecondsPerOperation = 3e-11;
+/// The substitutions and the refinement of each further load vector.
+constexpr double kSecondsPerEntryAndFurther = 3.5e-9;
 /// The factors of any structure have at least so many blocks for each pair of coupled nodes.
 constexpr double kLeastFill = 3.0;
 /// The memory for each byte of the factors: matrix, fronts and integers too.
@@ -63,6 +65,7 @@ std::unique_ptr<DirectPlan> DirectKit::PlanDirect(const Problem& problem, double
   const double entries = size.blocks * n * n;
   plan->seconds =
       SecondsOf(problem, blocks, entries) + kSecondsPerOperation * size.operations * n * n * n;
+  plan->secondsPerFurther = kSecondsPerEntryAndFurther * entries;
   plan->bytes = static_cast<std::uint64_t>(kBytesPerByte * sizeof(double) * entries) + kBlasBytes;
   if (plan->bytes > AvailableMemory())
     return nullptr;

@@ -36,7 +36,7 @@ public:
   /// pivot is 0. Changes values of the matrix.
   bool Factorise(FactorFiles* files);
 
-  /// Solves in place: `count` right-hand sides, one after the other.
+  /// Solves in place: `count` right-hand sides, which lie one after the other.
   void Solve(double* sides, int count);
 
 private:

@@ -124,14 +124,19 @@ void MumpsSolver::Substitute(const RightHandSides& sides, std::FILE* info) const
   const auto n = static_cast<std::size_t>(GiveSize());
   if (n == 0)
     return;
-  if (sides.size() == 1)
-    return mumps->Solve(sides.front()->Data(), 1);
-  std::vector<double> all(n * sides.size());
-  for (std::size_t k = 0; k < sides.size(); ++k)
-    std::copy_n(sides[k]->Data(), n, all.data() + k * n);
-  mumps->Solve(all.data(), static_cast<int>(sides.size()));
-  for (std::size_t k = 0; k < sides.size(); ++k)
-    std::copy_n(all.data() + k * n, n, sides[k]->Data());
+  // BLAS rounds a column by a kernel that depends on the number of columns. With one number for all
+  // calls, a solution does not depend on the right-hand sides beside it.
+  constexpr std::size_t kTogether = 8;
+  std::vector<double> block(n * kTogether);
+  for (std::size_t first = 0; first < sides.size(); first += kTogether) {
+    const std::size_t count = std::min(kTogether, sides.size() - first);
+    for (std::size_t k = 0; k < count; ++k)
+      std::copy_n(sides[first + k]->Data(), n, block.data() + k * n);
+    std::fill(block.data() + count * n, block.data() + block.size(), 0.0);
+    mumps->Solve(block.data(), kTogether);
+    for (std::size_t k = 0; k < count; ++k)
+      std::copy_n(block.data() + k * n, n, sides[first + k]->Data());
+  }
 }
 
 void MumpsSolver::PrintTo(std::ofstream& out) const

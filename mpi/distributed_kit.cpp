@@ -29,13 +29,14 @@ bool DistributedKit::Suits(const Problem& problem) const
                      [](const auto& mesh) { return mesh->GiveElemType() == Tetrahedra; });
 }
 
-bool DistributedKit::Solve(const AnalysisTask& task, std::vector<LoadCase>& cases) const
+bool DistributedKit::Solve(const AnalysisTask& task, std::vector<LoadCase>& cases,
+                           const OnSolved& onSolved) const
 {
   Progress(task.info, "Iteration with multigrid\n");
   MultigridSolver solver(*model, task.problem);
   CreateMatrix(task, solver);
   AddStiffness(task, solver);
-  if (TrySolveDirectly(task, solver, cases))
+  if (TrySolveDirectly(task, solver, cases, onSolved))
     return true;
   Progress(task.info, "The iteration has failed\n");
   return false;

@@ -17,7 +17,8 @@ public:
   SolverType Settle(SolverType asked) const override;
   /// True for models of solids, when the program has the multigrid method.
   bool Suits(const Problem& problem) const override;
-  bool Solve(const AnalysisTask& task, std::vector<LoadCase>& cases) const override;
+  bool Solve(const AnalysisTask& task, std::vector<LoadCase>& cases,
+             const OnSolved& onSolved) const override;
   bool HasDirect() const override { return true; }
   std::unique_ptr<DirectSolver> MakeDirect(const Problem& problem,
                                            std::unique_ptr<DirectPlan> plan) const override;

@@ -9,15 +9,16 @@
 #   scripts/bench.sh shells      refined shells compared with standard ones, element by element
 #   scripts/bench.sh growth      growth with the number of equations
 #   scripts/bench.sh linear      growth with the length of the input
+#   scripts/bench.sh cases       many load cases, combinations and envelopes
 #   scripts/bench.sh             all of these
 # Models and measurements are left in build/bench.
 set -eu
 cd "$(dirname "$0")/.."
 part="${1:-all}"
 case "$part" in
-  all | kernels | whole | cholmod | choice | refinement | shells | growth | linear) ;;
+  all | kernels | whole | cholmod | choice | refinement | shells | growth | linear | cases) ;;
   *)
-    echo "usage: scripts/bench.sh [kernels|whole|cholmod|choice|refinement|shells|growth|linear]" >&2
+    echo "usage: scripts/bench.sh [kernels|whole|cholmod|choice|refinement|shells|growth|linear|cases]" >&2
     exit 2
     ;;
 esac
@@ -155,4 +156,12 @@ if [ "$part" = growth ] || [ "$part" = all ]; then
 fi
 if [ "$part" = linear ] || [ "$part" = all ]; then
   bench/linear_time.py build/bench/morlen
+fi
+if [ "$part" = cases ] || [ "$part" = all ]; then
+  files=$(generate "frame3d 5 5 68
+plate 48" SkyLine)
+  # shellcheck disable=SC2086  # one word per file
+  "$bin"/morlen_case_stages $files
+  [ ! -x build/bench/companions/morlen-cases ] ||
+    bench/case_runs.py --folder build/bench build/bench/morlen build/bench/companions/morlen-cases
 fi

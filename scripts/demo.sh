@@ -5,7 +5,7 @@ set -eu
 cd "$(dirname "$0")/.."
 
 scripts/install_tools.sh g++ cmake make libcli11-dev nlohmann-json3-dev libpugixml-dev \
-  libmumps-seq-dev libmetis-dev libopenblas-serial-dev
+  libtomlplusplus-dev libmumps-seq-dev libmetis-dev libopenblas-serial-dev
 cmake --preset release -DMORLEN_TESTS=OFF -DMORLEN_COMPANIONS=ON -DMORLEN_DIRECT=ON -B build/demo >/dev/null
 cmake --build build/demo --target morlen morlen-report --parallel "$(nproc)"
 

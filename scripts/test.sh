@@ -8,8 +8,8 @@ preset="${MORLEN_PRESET:-release}"
 # The companions and the tests that read their files need more than the program does. The last
 # package is a BLAS with threads, which the program must not use.
 scripts/install_tools.sh g++ cmake make libgtest-dev libcli11-dev nlohmann-json3-dev \
-  libpugixml-dev python3-vtk9 dpkg-dev gzip libmumps-seq-dev libmetis-dev libopenblas-serial-dev \
-  libopenblas0-pthread
+  libpugixml-dev libtomlplusplus-dev python3-vtk9 dpkg-dev gzip libmumps-seq-dev libmetis-dev \
+  libopenblas-serial-dev libopenblas0-pthread
 # Tests of the reports need a browser and node, those of the sources' style git, clang and npm.
 # Where these cannot be installed, such tests are skipped.
 for tool in chromium git clang-format clang-tidy npm; do

@@ -10,10 +10,20 @@
 
 namespace morlen::check {
 
+/// The content of a file of load cases without errors.
+struct CasesSummary
+{
+  std::string model;
+  int cases = 0;
+  int combinations = 0;
+  int envelopes = 0;
+};
+
 struct Report
 {
-  std::vector<Located> problems;   ///< by place
-  std::optional<Summary> summary;  ///< only without errors
+  std::vector<Located> problems;           ///< by place
+  std::optional<Summary> summary;          ///< of a problem file; only without errors
+  std::optional<CasesSummary> cases = {};  ///< of a file of load cases; only without errors
   int errors = 0;
   int warnings = 0;
 };

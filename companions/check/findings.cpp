@@ -60,6 +60,7 @@ constexpr const char* kNames[] = {
     "shell-edge-supported",
     "shell-fold",
     "spring-under-conversion",
+    "unused-case",
 };
 static_assert(std::size(kNames) == static_cast<std::size_t>(Code::kCount));
 
@@ -109,9 +110,10 @@ std::vector<Located> Locate(std::vector<Finding> findings, std::string_view text
 
 std::string PlaceOf(const Located& problem, const std::string& file)
 {
+  const std::string& name = problem.file.empty() ? file : problem.file;
   return problem.line == 0
-             ? file
-             : file + ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column);
+             ? name
+             : name + ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column);
 }
 
 std::string TextOf(const Located& problem)

@@ -74,6 +74,9 @@ enum class Code : int
   ShellFold,
   SpringUnderConversion,
 
+  // Load cases:
+  UnusedCase,
+
   kCount
 };
 
@@ -104,6 +107,7 @@ struct Located
   int line, column;
   std::string message;
   std::string hint;
+  std::string file = {};  ///< another one than that of the report; empty for that
 };
 
 /// The findings sorted by place, without repetitions; those of the whole file come last.

@@ -45,11 +45,29 @@ Json JsonOf(const Located& p)
                   {"column", p.column},
                   {"message", ToUtf8(p.message)},
                   {"code", NameOf(p.code)}};
+  if (!p.file.empty())
+    problem["file"] = ToUtf8(p.file);
   if (IsDataLost(p.code))
     problem["class"] = "data-lost";
   if (!p.hint.empty())
     problem["hint"] = ToUtf8(p.hint);
   return problem;
+}
+
+Json JsonOf(const CasesSummary& s)
+{
+  return {{"model", ToUtf8(s.model)},
+          {"cases", s.cases},
+          {"combinations", s.combinations},
+          {"envelopes", s.envelopes}};
+}
+
+// Null for a file with errors.
+Json SummaryOf(const Report& report)
+{
+  if (report.cases)
+    return JsonOf(*report.cases);
+  return report.summary ? JsonOf(*report.summary) : Json(nullptr);
 }
 
 Json ObjectOf(const Report& report, const std::string& file)
@@ -64,7 +82,7 @@ Json ObjectOf(const Report& report, const std::string& file)
           {"errors", report.errors},
           {"warnings", report.warnings},
           {"problems", problems},
-          {"summary", report.summary ? JsonOf(*report.summary) : Json(nullptr)}};
+          {"summary", SummaryOf(report)}};
 }
 
 }  // namespace

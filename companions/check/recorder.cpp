@@ -5,6 +5,7 @@
 
 #include "base/number_text.h"
 #include "check/text_parts.h"
+#include "problem/problem.h"
 
 namespace morlen::check {
 namespace {
@@ -38,8 +39,8 @@ Code CodeOf(std::optional<ReadEvent> reason, Code otherwise)
 
 }  // namespace
 
-Recorder::Recorder(std::string_view text, TextScan& scanner, const Problem& problem)
-    : content(text), scan(scanner), scope(*this), unitOrder(problem)
+Recorder::Recorder(std::string_view text, TextScan& scanner, const Problem& forProblem)
+    : content(text), scan(scanner), problem(forProblem), scope(*this), unitOrder(problem)
 {
   for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1))
     newlines.push_back(static_cast<std::ptrdiff_t>(at));
@@ -83,6 +84,9 @@ bool Recorder::AttemptOn(ReadItem item, int number, const std::function<void()>&
 {
   const std::ptrdiff_t outer = start;
   start = PlaceOf(item, number);
+  if (item == ReadItem::Element &&
+      start == kWholeFile)  // the loads of a case: the mesh is elsewhere
+    start = PlaceOf(ReadItem::ElementLoad, number);
   const bool done = Run(step);
   start = outer;
   return done;
@@ -251,7 +255,7 @@ bool Recorder::IsUnknownReference() const
     return false;
   std::string_view record = content.substr(static_cast<std::size_t>(start));
   return ScanInt(record, number, 10, 0) &&
-         PlaceOf(ofNodes ? ReadItem::Node : ReadItem::Element, number) == kWholeFile;
+         (ofNodes ? !problem.FindNode(number) : !problem.GiveElem(number));
 }
 
 std::string_view Recorder::TextBetween(std::ptrdiff_t from, std::ptrdiff_t end) const

@@ -121,6 +121,7 @@ private:
   std::string_view content;
   std::vector<std::ptrdiff_t> newlines;  ///< their offsets, ascending
   TextScan& scan;
+  const Problem& problem;
   ObserverScope scope;
   ErrorWriter::EndOfRun previousEnd;
   std::vector<Finding> findings;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <filesystem>
-#include <ostream>
+#include <fstream>
 #include <string_view>
 
 #include "base/output_file.h"
@@ -18,7 +18,7 @@ class AtomicFile
 public:
   explicit AtomicFile(const std::filesystem::path& name);
 
-  std::ostream& Stream() { return file.Stream(); }
+  std::ofstream& Stream() { return file.Stream(); }
   void Write(std::string_view text);
 
   /// Finishes the file and prints "wrote" and its name on standard output.

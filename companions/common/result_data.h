@@ -19,6 +19,8 @@ struct Node
   Vec3 moment{};                   ///< reaction
   std::array<double, 6> stress{};  ///< of solids: Sx Sy Sz Txy Tyz Txz
   double vonMises = 0.0;
+  double translation = 0.0;           ///< length of the displacement
+  std::array<double, 3> principal{};  ///< stresses of solids, descending
 };
 
 /// A division point of a beam.
@@ -34,6 +36,8 @@ struct ShellPoint
   std::array<double, 8> local{};       ///< Nx' Ny' Nxy' Mx' My' Mxy' Qx' Qy'
   std::array<double, 6> main{};        ///< N11 N22 M11 M22 Qm1 Qm2
   std::array<double, 6> mainAngles{};  ///< Euler angles of the axes of N, then of M
+  std::array<double, 4> principal{};   ///< N1 N2 M1 M2, the larger ones first
+  std::array<double, 4> design{};      ///< moments mx+ my+ mx- my- of slabs by Wood and Armer
 };
 
 /// Forces and moments that the nodes exert on the ends of a beam, in its local axes: Px Py Pz
@@ -52,6 +56,7 @@ struct Results
   bool shellLocal = false;  ///< ShellPoint::local
   bool shellMain = false;   ///< ShellPoint::main and mainAngles
   bool stresses = false;    ///< Node::stress and vonMises
+  bool derived = false;     ///< translation, principal and design
 };
 
 /// A problem file and the result files of its run.

@@ -1,6 +1,7 @@
 #include "common/tables.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace morlen::tables {
 namespace {
@@ -16,7 +17,8 @@ public:
   {
   }
 
-  std::vector<Table> All();
+  std::vector<Table> All() const;
+  std::vector<Table> OfResults() const;
 
 private:
   Table Nodes() const;
@@ -89,12 +91,27 @@ void Maker::PutComponents(Table& table, const std::array<double, 6>& values) con
   table.Put(std::span(values).first(model.components));
 }
 
-std::vector<Table> Maker::All()
+void EraseEmpty(std::vector<Table>& tables)
 {
-  std::vector<Table> all = {Nodes(),        Elements(),      Materials(),     Supports(),
-                            NodalLoads(),   ElementLoads(),  Displacements(), Reactions(),
-                            BeamDiagrams(), BeamEndForces(), ShellForces(),   Stresses()};
-  std::erase_if(all, [](const Table& table) { return table.cells.empty(); });
+  std::erase_if(tables, [](const Table& table) { return table.cells.empty(); });
+}
+
+std::vector<Table> Maker::All() const
+{
+  std::vector<Table> all = {Nodes(),    Elements(),   Materials(),
+                            Supports(), NodalLoads(), ElementLoads()};
+  EraseEmpty(all);
+  std::vector<Table> ofResults = OfResults();
+  all.insert(all.end(), std::make_move_iterator(ofResults.begin()),
+             std::make_move_iterator(ofResults.end()));
+  return all;
+}
+
+std::vector<Table> Maker::OfResults() const
+{
+  std::vector<Table> all = {Displacements(), Reactions(),   BeamDiagrams(),
+                            BeamEndForces(), ShellForces(), Stresses()};
+  EraseEmpty(all);
   return all;
 }
 
@@ -199,11 +216,15 @@ Table Maker::Displacements() const
   AddTriple(table, {"ux", "uy", "uz"}, units.Length());
   if (results.rotations)
     AddMoments(table, "rz", {"rx", "ry", "rz"}, "rad");
+  if (results.derived)
+    table.columns.push_back({"u", units.Length()});
   for (std::size_t i = 0; i < model.nodes.size(); ++i) {
     table.Put(model.nodes[i].number);
     PutTriple(table, results.nodes[i].displacement);
     if (results.rotations)
       PutMoments(table, results.nodes[i].rotation);
+    if (results.derived)
+      table.Put(results.nodes[i].translation);
   }
   return table;
 }
@@ -276,6 +297,10 @@ Table Maker::ShellForces() const
     AddColumns(table, {"N_Euler1", "N_Euler2", "N_Euler3"}, "rad");
     AddColumns(table, {"M_Euler1", "M_Euler2", "M_Euler3"}, "rad");
   }
+  if (results.derived) {
+    AddColumns(table, {"N1", "N2"}, units.ForcePer(1));
+    AddColumns(table, {"M1", "M2", "mx+", "my+", "mx-", "my-"}, units.MomentPerLength());
+  }
   for (const model::Element& shell : model.elements) {
     for (int i = 0; shell.kind == model::Kind::Shell && i < shell.points; ++i) {
       const results::ShellPoint& point = results.shellPoints[shell.firstPoint + i];
@@ -287,6 +312,10 @@ Table Maker::ShellForces() const
         table.Put(point.main);
         table.Put(point.mainAngles);
       }
+      if (results.derived) {
+        table.Put(point.principal);
+        table.Put(point.design);
+      }
     }
   }
   return table;
@@ -296,10 +325,14 @@ Table Maker::Stresses() const
 {
   Table table{"stresses", {{"node", ""}}, {}};
   AddColumns(table, {"Sx", "Sy", "Sz", "Txy", "Tyz", "Txz", "von_Mises"}, units.Pressure());
+  if (results.derived)
+    AddColumns(table, {"S1", "S2", "S3"}, units.Pressure());
   for (std::size_t i = 0; results.stresses && i < model.nodes.size(); ++i) {
     table.Put(model.nodes[i].number);
     table.Put(results.nodes[i].stress);
     table.Put(results.nodes[i].vonMises);
+    if (results.derived)
+      table.Put(results.nodes[i].principal);
   }
   return table;
 }
@@ -324,6 +357,11 @@ std::string UnitTexts::Length(int power) const
 std::vector<Table> AllTables(const model::Model& model, const results::Results& results)
 {
   return Maker(model, results).All();
+}
+
+std::vector<Table> ResultTables(const model::Model& model, const results::Results& results)
+{
+  return Maker(model, results).OfResults();
 }
 
 }  // namespace morlen::tables

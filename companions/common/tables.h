@@ -54,5 +54,7 @@ private:
 
 /// The whole model and its results as tables. Empty tables are left out.
 std::vector<Table> AllTables(const model::Model& model, const results::Results& results);
+/// The same without the tables of the model.
+std::vector<Table> ResultTables(const model::Model& model, const results::Results& results);
 
 }  // namespace morlen::tables

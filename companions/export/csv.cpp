@@ -1,10 +1,9 @@
 #include "export/csv.h"
 
-#include <string>
 #include <string_view>
+#include <system_error>
 
 #include "base/errorwriter.h"
-#include "common/atomic_file.h"
 #include "common/shortest.h"
 
 namespace morlen {
@@ -36,10 +35,10 @@ struct CellWriter
   void operator()(const char* text) const { AppendText(line, text); }
 };
 
-std::string Heading(const tables::Table& table)
+std::string Heading(std::span<const tables::Column> columns)
 {
   std::string line;
-  for (const tables::Column& column : table.columns) {
+  for (const tables::Column& column : columns) {
     if (!line.empty())
       line += ',';
     AppendText(line, column.unit.empty() ? column.name : column.name + " [" + column.unit + "]");
@@ -47,35 +46,48 @@ std::string Heading(const tables::Table& table)
   return line + '\n';
 }
 
-void WriteTable(const tables::Table& table, const fs::path& name)
+}  // namespace
+
+CsvFile::CsvFile(const fs::path& name, std::span<const tables::Column> columns) : file(name)
 {
-  AtomicFile file(name);
-  file.Write(Heading(table));
-  std::string line;
-  std::size_t column = 0;
-  for (const tables::Cell& cell : table.cells) {
+  file.Write(Heading(columns));
+}
+
+void CsvFile::Row(std::span<const tables::Cell> cells)
+{
+  line.clear();
+  for (const tables::Cell& cell : cells) {
     std::visit(CellWriter{line}, cell);
-    const bool last = ++column == table.columns.size();
-    line += last ? '\n' : ',';
-    if (!last)
-      continue;
-    file.Write(line);
-    line.clear();
-    column = 0;
+    line += ',';
   }
+  line.back() = '\n';
+  file.Write(line);
+}
+
+void CsvFile::Commit()
+{
   file.Commit();
 }
 
-}  // namespace
-
-void WriteCsv(std::span<const tables::Table> tables, const fs::path& folder)
+void MakeFolder(const fs::path& folder)
 {
   std::error_code error;
   fs::create_directories(folder, error);
   if (!fs::is_directory(folder, error))
     Fatal("can't make folder ", folder.string(), "\n");
-  for (const tables::Table& table : tables)
-    WriteTable(table, folder / (table.name + ".csv"));
+}
+
+void WriteCsv(std::span<const tables::Table> tables, const fs::path& folder,
+              const std::string& prefix)
+{
+  MakeFolder(folder);
+  for (const tables::Table& table : tables) {
+    CsvFile file(folder / (prefix + table.name + ".csv"), table.columns);
+    const std::size_t width = table.columns.size();
+    for (std::size_t row = 0; row < table.Rows(); ++row)
+      file.Row(std::span(table.cells).subspan(row * width, width));
+    file.Commit();
+  }
 }
 
 }  // namespace morlen

@@ -1,10 +1,9 @@
 #include "export/json.h"
 
 #include <nlohmann/json.hpp>
-#include <string>
 
-#include "common/atomic_file.h"
 #include "common/command_line.h"
+#include "common/shortest.h"
 #include "common/utf8.h"
 
 namespace morlen {
@@ -23,11 +22,12 @@ Json Units(const model::Units& units)
           {"angle", "rad"}};
 }
 
-Json Head(const model::Model& model, const std::filesystem::path& modelFile)
+Json HeadOf(const JsonTables::Head& head, const model::Model& model,
+            const std::filesystem::path& modelFile)
 {
-  return {{"format", "morlen-results"},
+  return {{"format", head.format},
           {"formatVersion", kJsonFormatVersion},
-          {"program", {{"name", "morlen-export"}, {"version", ProgramVersion()}}},
+          {"program", {{"name", head.program}, {"version", ProgramVersion()}}},
           {"model",
            {{"file", ToUtf8(modelFile.filename().string())},
             {"problem", model.plane ? "2d" : "3d"},
@@ -37,52 +37,80 @@ Json Head(const model::Model& model, const std::filesystem::path& modelFile)
           {"units", Units(model.units)}};
 }
 
-struct CellToJson
+struct CellWriter
 {
-  Json operator()(std::monostate) const { return nullptr; }
-  Json operator()(int number) const { return number; }
-  Json operator()(double number) const { return number; }
-  Json operator()(const char* text) const { return text; }
+  std::string& line;
+
+  void operator()(std::monostate) const { line += "null"; }
+  void operator()(int number) const { AppendNumber(line, number); }
+  void operator()(double number) const { AppendNumber(line, number); }
+  void operator()(const char* text) const { line += Json(ToUtf8(text)).dump(); }
 };
 
-Json Columns(const tables::Table& table)
+Json Columns(std::span<const tables::Column> columns)
 {
-  Json columns = Json::array();
-  for (const tables::Column& column : table.columns)
-    columns.push_back({{"name", column.name}, {"unit", column.unit}});
-  return columns;
-}
-
-// One row on a line, written row by row: the text of all rows of a large model takes much memory.
-void WriteTable(const tables::Table& table, AtomicFile& file)
-{
-  file.Write(Json(table.name).dump() + ":{\"columns\":" + Columns(table).dump() + ",\"rows\":[");
-  for (std::size_t row = 0; row < table.Rows(); ++row) {
-    Json cells = Json::array();
-    for (std::size_t k = 0; k < table.columns.size(); ++k)
-      cells.push_back(std::visit(CellToJson{}, table.cells[row * table.columns.size() + k]));
-    file.Write((row > 0 ? ",\n" : "\n") + cells.dump());
-  }
-  file.Write("]}");
+  Json list = Json::array();
+  for (const tables::Column& column : columns)
+    list.push_back({{"name", column.name}, {"unit", column.unit}});
+  return list;
 }
 
 }  // namespace
 
-void WriteJson(const model::Model& model, const std::filesystem::path& modelFile,
-               std::span<const tables::Table> tables, const std::filesystem::path& name)
+JsonTables::JsonTables(const std::filesystem::path& name, const Head& head,
+                       const model::Model& model, const std::filesystem::path& modelFile)
+    : file(name)
 {
-  AtomicFile file(name);
-  std::string head = Head(model, modelFile).dump();
-  head.pop_back();
-  file.Write(head + ",\"tables\":{");
-  const char* separator = "\n";
-  for (const tables::Table& table : tables) {
-    file.Write(separator);
-    WriteTable(table, file);
-    separator = ",\n";
+  std::string text = HeadOf(head, model, modelFile).dump();
+  text.pop_back();
+  file.Write(text + (head.more.empty() ? "" : ",") + head.more + ",\"tables\":{");
+}
+
+void JsonTables::Begin(const std::string& table, std::span<const tables::Column> columns)
+{
+  file.Write(tableSeparator + Json(table).dump() + ":{\"columns\":" + Columns(columns).dump() +
+             ",\"rows\":[");
+  tableSeparator = ",\n";
+  rowSeparator = "\n";
+}
+
+void JsonTables::Row(std::span<const tables::Cell> cells)
+{
+  line = rowSeparator;
+  rowSeparator = ",\n";
+  line += '[';
+  for (const tables::Cell& cell : cells) {
+    std::visit(CellWriter{line}, cell);
+    line += ',';
   }
+  line.back() = ']';
+  file.Write(line);
+}
+
+void JsonTables::End()
+{
+  file.Write("]}");
+}
+
+void JsonTables::Commit()
+{
   file.Write("}}\n");
   file.Commit();
+}
+
+void WriteJson(const JsonTables::Head& head, const model::Model& model,
+               const std::filesystem::path& modelFile, std::span<const tables::Table> tables,
+               const std::filesystem::path& name)
+{
+  JsonTables json(name, head, model, modelFile);
+  for (const tables::Table& table : tables) {
+    json.Begin(table.name, table.columns);
+    const std::size_t width = table.columns.size();
+    for (std::size_t row = 0; row < table.Rows(); ++row)
+      json.Row(std::span(table.cells).subspan(row * width, width));
+    json.End();
+  }
+  json.Commit();
 }
 
 }  // namespace morlen

@@ -56,7 +56,7 @@ void Export(const Options& options)
   if (options.csv)
     WriteCsv(tables, *options.csv);
   if (options.json)
-    WriteJson(model, file, tables, *options.json);
+    WriteJson({"morlen-results", "morlen-export"}, model, file, tables, *options.json);
 }
 
 }  // namespace

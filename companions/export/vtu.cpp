@@ -103,6 +103,9 @@ private:
   void AddAxes();
   void AddShellData();
   void AddMainShellData();
+  void AddDesignMoments();
+  int MostShellPoints() const;
+  std::string OfPoint(int point) const;
   template <class OfNode, class OfBeamPoint>
   void AddPointArray(const ArrayName& name, OfNode ofNode, OfBeamPoint ofBeamPoint);
   template <class OfElement>
@@ -150,6 +153,7 @@ void Grid::Fill()
   AddAxes();
   AddShellData();
   AddMainShellData();
+  AddDesignMoments();
 }
 
 void Grid::AddPoints()
@@ -325,14 +329,37 @@ void Grid::AddShellData()
   AddCellArray({"Shear force", units.ForcePer(1), {"Qx'", "Qy'"}}, 2, part(6));
 }
 
-// Principal values are written point by point: their directions differ, so a mean has no sense.
-void Grid::AddMainShellData()
+// Written point by point, since they are not linear.
+void Grid::AddDesignMoments()
+{
+  for (int i = 0; results.derived && i < MostShellPoints(); ++i)
+    AddCellArray(
+        {"Design moment" + OfPoint(i), units.MomentPerLength(), {"mx+", "my+", "mx-", "my-"}}, 4,
+        [&](const model::Element& e) {
+          const bool has = e.kind == model::Kind::Shell && i < e.points;
+          return has ? Values(results.shellPoints[e.firstPoint + i].design) : Values(kZeros);
+        });
+}
+
+int Grid::MostShellPoints() const
 {
   int most = 0;
   for (const model::Element& element : model.elements)
     most = std::max(most, element.kind == model::Kind::Shell ? element.points : 0);
-  for (int i = 0; results.shellMain && i < most; ++i) {
-    const std::string at = most > 1 ? ", point " + std::to_string(i + 1) : "";
+  return most;
+}
+
+// The end of the name of an array of this point (from 0): empty when elements have one.
+std::string Grid::OfPoint(int point) const
+{
+  return MostShellPoints() > 1 ? ", point " + std::to_string(point + 1) : "";
+}
+
+// Principal values are written point by point: their directions differ, so a mean has no sense.
+void Grid::AddMainShellData()
+{
+  for (int i = 0; results.shellMain && i < MostShellPoints(); ++i) {
+    const std::string at = OfPoint(i);
     const auto part = [&](int first) {
       return [&, first](const model::Element& e) {
         const bool has = e.kind == model::Kind::Shell && i < e.points;

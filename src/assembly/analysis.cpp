@@ -180,24 +180,42 @@ std::vector<LoadCase> AssembleSystem(const AnalysisTask& task, BSolver& solver,
   return MakeCases(task, makeLoads);
 }
 
-std::vector<Solution> Finish(const AnalysisTask& task, std::vector<LoadCase> cases)
+// Collects the solutions of load cases, or hands them on.
+class Solutions
 {
-  const Problem& problem = task.problem;
-  std::vector<Solution> solutions =
-      FinishSolutions(problem.GiveNodes(), problem.components, std::move(cases));
-  Progress(task.info, "Solver finished\n");
-  return solutions;
-}
+public:
+  explicit Solutions(const UseSolution& use_) : use(use_) {}
 
-std::vector<Solution> Solve(const AnalysisTask& task, BSolver& solver, const MakeLoads& makeLoads,
-                            const std::string& reason)
+  // For the cases, which it borrows; without the solutions of an attempt before.
+  OnSolved Collect(const Problem& problem, std::vector<LoadCase>& cases)
+  {
+    collected.clear();
+    return [this, &problem, &cases](std::size_t k) {
+      Solution solution = FinishSolution(problem.GiveNodes(), problem.components, cases[k]);
+      if (use)
+        use(k, std::move(solution));
+      else
+        collected.push_back(std::move(solution));
+    };
+  }
+
+  std::vector<Solution>& Collected() { return collected; }
+
+private:
+  const UseSolution& use;
+  std::vector<Solution> collected;
+};
+
+void Solve(const AnalysisTask& task, BSolver& solver, const MakeLoads& makeLoads,
+           const std::string& reason, Solutions& solutions)
 {
   std::vector<LoadCase> cases = AssembleSystem(task, solver, makeLoads, reason);
+  const OnSolved onSolved = solutions.Collect(task.problem, cases);
   if (task.problem.solverSettings.type == SolverType::Sparse)
-    SolveByIteration(task, static_cast<SparseSolver&>(solver), cases);
+    SolveByIteration(task, static_cast<SparseSolver&>(solver), cases, onSolved);
   else
-    SolveDirectly(task, static_cast<DirectSolver&>(solver), cases);
-  return Finish(task, std::move(cases));
+    SolveDirectly(task, static_cast<DirectSolver&>(solver), cases, onSolved);
+  Progress(task.info, "Solver finished\n");
 }
 
 /// One analysis of a problem: the solver that is in use, and the solutions.
@@ -205,8 +223,12 @@ class Analysis
 {
 public:
   Analysis(Problem& problem_, const ElementFamilies& families_, const AnalysisOptions& options_,
-           const MakeLoads& makeLoads_)
-      : problem(problem_), families(families_), options(options_), makeLoads(makeLoads_)
+           const MakeLoads& makeLoads_, const UseSolution& use)
+      : problem(problem_),
+        families(families_),
+        options(options_),
+        makeLoads(makeLoads_),
+        solutions(use)
   {
   }
 
@@ -220,7 +242,7 @@ public:
     if (type == SolverType::Double)
       PreSolve();
     if (automatic && options.kit.Suits(problem) && SolveByKit())
-      return {nullptr, std::move(solutions)};
+      return {nullptr, std::move(solutions.Collected())};
     SolverChoice choice = PrepareEquations(problem, families, options);
     if (replaced)
       choice.reason = "the program has no other";
@@ -228,9 +250,9 @@ public:
       IterateFirst(choice);
     } else {
       solver = MakeSolver(problem, options.kit, std::move(choice.plan), start);
-      solutions = Solve(Task(), *solver, makeLoads, choice.reason);
+      Solve(Task(), *solver, makeLoads, choice.reason, solutions);
     }
-    return {std::move(solver), std::move(solutions)};
+    return {std::move(solver), std::move(solutions.Collected())};
   }
 
 private:
@@ -246,7 +268,7 @@ private:
   const AnalysisOptions& options;
   const MakeLoads& makeLoads;
   std::unique_ptr<BSolver> solver;
-  std::vector<Solution> solutions;
+  Solutions solutions;
   ReaVecV start;  ///< displacements of the pre-solve; empty without one
 };
 
@@ -260,15 +282,18 @@ void Analysis::PreSolve()
   const bool sparse = large && options.kit.HasDirect();
   PrepareForDirect(problem, sparse ? SolverType::Direct : SolverType::SkyLine, options.renumber);
   ReportMarks(problem, options.info);
-  ReaVecV none;
-  const auto direct = MakeSolver(problem, options.kit, nullptr, none);
+  ReaVecV noStart;
+  const auto direct = MakeSolver(problem, options.kit, nullptr, noStart);
   const MakeLoads firstLoads = [this](const Problem& prepared, const ElementFamilies& known) {
     std::vector<LoadVector> loads = makeLoads(prepared, known);
     if (!loads.empty())
       loads.erase(loads.begin() + 1, loads.end());
     return loads;
   };
-  start = std::move(Solve(Task(), *direct, firstLoads, "").front().displacements);
+  const UseSolution none;
+  Solutions first(none);
+  Solve(Task(), *direct, firstLoads, "", first);
+  start = std::move(first.Collected().front().displacements);
   problem.solverSettings.type = SolverType::Sparse;
   problem.convertTo6Nodes = true;
 }
@@ -277,9 +302,9 @@ void Analysis::PreSolve()
 bool Analysis::SolveByKit()
 {
   std::vector<LoadCase> cases = MakeCases(Task(), makeLoads);
-  if (!options.kit.Solve(Task(), cases))
+  if (!options.kit.Solve(Task(), cases, solutions.Collect(problem, cases)))
     return false;
-  solutions = Finish(Task(), std::move(cases));
+  Progress(options.info, "Solver finished\n");
   return true;
 }
 
@@ -298,8 +323,8 @@ void Analysis::IterateFirst(const SolverChoice& choice)
 {
   auto sparse = MakeIteration(problem, choice);
   std::vector<LoadCase> cases = AssembleSystem(Task(), *sparse, makeLoads, choice.reason);
-  if (IterateToTheEnd(Task(), *sparse, cases)) {
-    solutions = Finish(Task(), std::move(cases));
+  if (IterateToTheEnd(Task(), *sparse, cases, solutions.Collect(problem, cases))) {
+    Progress(options.info, "Solver finished\n");
     solver = std::move(sparse);
     return;
   }
@@ -310,7 +335,7 @@ void Analysis::IterateFirst(const SolverChoice& choice)
     Refuse(choice.work, iterations, outcome);
   PrepareForDirect(problem, choice.directType, options.renumber);
   solver = MakeSolver(problem, options.kit, nullptr, start);
-  solutions = Solve(Task(), *solver, makeLoads, outcome);
+  Solve(Task(), *solver, makeLoads, outcome, solutions);
 }
 
 }  // namespace
@@ -326,13 +351,16 @@ std::vector<Solution> SolvePrepared(const Problem& problem, const ElementFamilie
                                     BSolver& solver, const MakeLoads& makeLoads, std::FILE* info,
                                     const SolverKit& kit)
 {
-  return Solve({problem, families, info, kit}, solver, makeLoads, "");
+  const UseSolution none;
+  Solutions solutions(none);
+  Solve({problem, families, info, kit}, solver, makeLoads, "", solutions);
+  return std::move(solutions.Collected());
 }
 
 Analysed Analyse(Problem& problem, const ElementFamilies& families, const AnalysisOptions& options,
-                 const MakeLoads& makeLoads)
+                 const MakeLoads& makeLoads, const UseSolution& use)
 {
-  return Analysis(problem, families, options, makeLoads).Run();
+  return Analysis(problem, families, options, makeLoads, use).Run();
 }
 
 }  // namespace morlen

@@ -19,6 +19,10 @@ struct Problem;
 /// solves two models, of different numbers of equations.
 using MakeLoads = std::function<std::vector<LoadVector>(const Problem&, const ElementFamilies&)>;
 
+/// Receives the solution of a load vector (from 0) as soon as it is known. Where an iteration fails
+/// and the direct solver follows, all come again.
+using UseSolution = std::function<void(std::size_t, Solution&&)>;
+
 /// The loads that the problem has, as its only load vector.
 std::vector<LoadVector> LoadsOfProblem(const Problem& problem, const ElementFamilies& families);
 
@@ -37,8 +41,11 @@ struct Analysed
 /// With an automatic choice of the solver, small models are solved directly and large ones by the
 /// solver that is estimated to be faster. When that is the iteration and it fails, the direct
 /// solver follows, if the memory has room for it.
+///
+/// use: receives the solutions, which then are not in the result: only a few are in memory at a
+/// time.
 Analysed Analyse(Problem& problem, const ElementFamilies& families, const AnalysisOptions& options,
-                 const MakeLoads& makeLoads = LoadsOfProblem);
+                 const MakeLoads& makeLoads = LoadsOfProblem, const UseSolution& use = {});
 
 /// Assembles and solves a problem after PrepareModel and PrepareEquations for all load vectors,
 /// with one factorisation. `solver`: empty, of the problem's size, a SparseSolver when the settings

@@ -3,7 +3,7 @@
 #include "assembly/direct_solution.h"
 
 #include <algorithm>
-#include <optional>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -35,7 +35,9 @@ std::string RoughModelHint(const RefinedCases& cases, Refinement::Verdict verdic
          "arithmetic are not enough for its displacements\n";
 }
 
-/// Solves all load cases and the probe with one factorisation.
+/// Solves all load cases and the probe with one factorisation. The first batch of cases is solved
+/// and refined with the probe, which tests the structure; the others follow batch by batch, so that
+/// only one batch has the vectors of the refinement.
 class DirectSolution
 {
 public:
@@ -49,36 +51,65 @@ public:
   {
   }
 
-  RefinedCases Solve() const
+  /// deliver(index, solved case): for each load case, in order. Fatal when the structure or the
+  /// model is refused.
+  template <class Deliver>
+  void Solve(Deliver deliver) const
   {
-    std::vector<ReaVecV> sides = LoadsOf(loadCases);
-    ApplySupports(nodes, scale.components, matrix, sides);
-    Progress(task.info, "Just before Solver\n");
     RefinedCases cases;
-    if (const int refused = SolveCases(std::move(sides), cases, task.info))
-      FailAtPivot(refused);
     const Refinement refinement = MakeRefinement();
-    const Refinement::Verdict verdict = refinement.Run(cases);
-    if (verdict == Refinement::Verdict::Moves)
+    const Outcome outcome = Run(refinement, cases, deliver);
+    if (outcome.refused != 0)
+      FailAtPivot(outcome.refused);
+    if (outcome.verdict == Refinement::Verdict::Moves)
       FailByMotion(refinement, cases);
-    if (verdict == Refinement::Verdict::TooRough)
+    if (outcome.verdict == Refinement::Verdict::TooRough)
       FailByRoughness(refinement, cases);
-    return cases;
+    if (!outcome.finite)
+      Fail(-1, "");
   }
 
-  // Empty when the structure or the model is refused.
-  std::optional<RefinedCases> TrySolve() const
+  /// The same, but returns false where Solve is fatal.
+  template <class Deliver>
+  bool TrySolve(Deliver deliver) const
   {
-    std::vector<ReaVecV> sides = LoadsOf(loadCases);
-    ApplySupports(nodes, scale.components, matrix, sides);
     RefinedCases cases;
-    if (SolveCases(std::move(sides), cases, task.info) != 0 ||
-        MakeRefinement().Run(cases) != Refinement::Verdict::Accepted)
-      return {};
-    return cases;
+    const Outcome outcome = Run(MakeRefinement(), cases, deliver);
+    return outcome.refused == 0 && outcome.verdict == Refinement::Verdict::Accepted &&
+           outcome.finite;
   }
 
 private:
+  // How a solution has ended: the first member that is not as here tells why it has failed.
+  struct Outcome
+  {
+    int refused = 0;  // the result of SolveFirst
+    Refinement::Verdict verdict = Refinement::Verdict::Accepted;
+    bool finite = true;  // all solutions after the first batch
+  };
+
+  // Leaves in `cases` the batch with which it has ended.
+  template <class Deliver>
+  Outcome Run(const Refinement& refinement, RefinedCases& cases, Deliver deliver) const
+  {
+    std::vector<ReaVecV> sides = LoadsOf(loadCases);
+    ApplySupports(nodes, scale.components, matrix, sides, loadCases);
+    Progress(task.info, "Just before Solver\n");
+    if (const int refused = SolveFirst(sides, cases, task.info))
+      return {.refused = refused};
+    for (std::size_t first = 0;;) {
+      const Refinement::Verdict verdict = refinement.Run(cases);
+      if (verdict != Refinement::Verdict::Accepted)
+        return {.verdict = verdict};
+      for (RefinedCase& one : cases.models)
+        deliver(first++, one);
+      if (first == sides.size())
+        return {};
+      if (!SolveNext(first, sides, cases))
+        return {.finite = false};
+    }
+  }
+
   // hint: of a model that is too rough; empty for one that can move.
   [[noreturn]] void Fail(int result, const std::string& hint) const
   {
@@ -132,30 +163,71 @@ private:
     Explain(DescribeMotion(task.problem, rigid.value_or(motion)).text);
   }
 
-  // Solves the right-hand sides and the probe without refinement. Returns 0 or the `result` of
-  // SolverFailed.
-  int SolveCases(std::vector<ReaVecV> sides, RefinedCases& cases, std::FILE* info) const
+  // The sides of the batch that begins with this one.
+  static std::span<ReaVecV> Batch(std::size_t first, std::vector<ReaVecV>& sides)
   {
-    using Norm = RefinedCase::Norm;
+    constexpr std::size_t kMost = 16;
+    return std::span(sides).subspan(first, std::min(kMost, sides.size() - first));
+  }
+
+  // Factorises, and solves the first right-hand sides and the probe without refinement. Returns 0
+  // or the `result` of SolverFailed.
+  int SolveFirst(std::vector<ReaVecV>& sides, RefinedCases& cases, std::FILE* info) const
+  {
     const ReaVecV probeLoads = ProbeLoad(nodes, scale, matrix.GiveSize());
     ReaVecV probe = probeLoads;
-    const double sizeOfProbe = SizeOnFree(Norm::Largest, nodes, scale, probe);
-    std::vector<double> sizes;
-    sizes.reserve(sides.size());
-    DirectSolver::RightHandSides all;
-    for (ReaVecV& side : sides) {
-      sizes.push_back(SizeOnFree(Norm::Euclidean, nodes, scale, side));
-      all.push_back(&side);
-    }
+    const double sizeOfProbe = SizeOnFree(RefinedCase::Norm::Largest, nodes, scale, probe);
+    const std::span<ReaVecV> batch = Batch(0, sides);
+    const std::vector<double> sizes = SizesOf(batch);
+    DirectSolver::RightHandSides all = PointersTo(batch);
     all.push_back(&probe);
     if (const int refused = matrix.Solver(all, info))
       return refused;
-    if (!std::all_of(sides.begin(), sides.end(), AllFinite))
+    if (!EnterModels(0, batch, sizes, cases))
       return -1;
-    for (std::size_t k = 0; k < sides.size(); ++k)
-      cases.models.emplace_back(loadCases[k].loads, Norm::Euclidean, sizes[k], std::move(sides[k]));
-    cases.probe = RefinedCase(probeLoads, Norm::Largest, sizeOfProbe, std::move(probe));
+    cases.probe =
+        RefinedCase(probeLoads, RefinedCase::Norm::Largest, sizeOfProbe, std::move(probe));
     return 0;
+  }
+
+  // The same for the sides from `first` on, with the factors and the probe of SolveFirst. False
+  // when a solution is not finite.
+  bool SolveNext(std::size_t first, std::vector<ReaVecV>& sides, RefinedCases& cases) const
+  {
+    const std::span<ReaVecV> batch = Batch(first, sides);
+    const std::vector<double> sizes = SizesOf(batch);
+    matrix.Substitute(PointersTo(batch), nullptr);
+    return EnterModels(first, batch, sizes, cases);
+  }
+
+  std::vector<double> SizesOf(std::span<const ReaVecV> sides) const
+  {
+    std::vector<double> sizes;
+    for (const ReaVecV& side : sides)
+      sizes.push_back(SizeOnFree(RefinedCase::Norm::Euclidean, nodes, scale, side));
+    return sizes;
+  }
+
+  static DirectSolver::RightHandSides PointersTo(std::span<ReaVecV> sides)
+  {
+    DirectSolver::RightHandSides pointers;
+    for (ReaVecV& side : sides)
+      pointers.push_back(&side);
+    return pointers;
+  }
+
+  // Makes the solved sides, of the load cases from `first` on, the models of the cases. False when
+  // one is not finite.
+  bool EnterModels(std::size_t first, std::span<ReaVecV> solved, const std::vector<double>& sizes,
+                   RefinedCases& cases) const
+  {
+    if (!std::all_of(solved.begin(), solved.end(), AllFinite))
+      return false;
+    cases.models.clear();
+    for (std::size_t k = 0; k < solved.size(); ++k)
+      cases.models.emplace_back(loadCases[first + k].loads, RefinedCase::Norm::Euclidean, sizes[k],
+                                std::move(solved[k]));
+    return true;
   }
 
   // A refused pivot does not show why it is small: the structure can move, or the model is too
@@ -165,10 +237,10 @@ private:
     matrix.SetToZero();
     task.kit.AddStiffness(task, matrix);
     std::vector<ReaVecV> sides = LoadsOf(loadCases);
-    ApplySupports(nodes, scale.components, matrix, sides);
+    ApplySupports(nodes, scale.components, matrix, sides, loadCases);
     matrix.AcceptLostPivots();
     RefinedCases cases;
-    if (SolveCases(std::move(sides), cases, nullptr) != 0)
+    if (SolveFirst(sides, cases, nullptr) != 0)
       return "";
     return RoughModelHint(cases, MakeRefinement().Run(cases));
   }
@@ -185,32 +257,36 @@ private:
   ComponentScale scale;
 };
 
-void EnterSolutions(const AnalysisTask& task, RefinedCases refined, std::vector<LoadCase>& cases)
+// The refined case becomes the solution of a case, whose loads are no longer needed.
+void EnterSolution(const AnalysisTask& task, RefinedCase& from, LoadCase& one)
 {
-  for (std::size_t k = 0; k < cases.size(); ++k) {
-    RefinedCase& from = refined.models[k];
-    Solution& solution = cases[k].solution;
-    solution.accuracy = {.error = from.LastCorrection(), .residual = from.LastResidual()};
-    solution.displacements = std::move(from.u.value);
-    solution.displacementRests = std::move(from.u.rest);
-    solution.elementForces = std::move(from.elementForces);
-    TellAccuracy(solution.accuracy, SolverType::SkyLine, task.info);
-  }
+  Solution& solution = one.solution;
+  solution.accuracy = {.error = from.LastCorrection(), .residual = from.LastResidual()};
+  solution.displacements = std::move(from.u.value);
+  solution.displacementRests = std::move(from.u.rest);
+  solution.elementForces = std::move(from.elementForces);
+  one.loads = {};
+  TellAccuracy(one, SolverType::SkyLine, task.info);
 }
 
 }  // namespace
 
-void SolveDirectly(const AnalysisTask& task, DirectSolver& matrix, std::vector<LoadCase>& cases)
+void SolveDirectly(const AnalysisTask& task, DirectSolver& matrix, std::vector<LoadCase>& cases,
+                   const OnSolved& onSolved)
 {
-  EnterSolutions(task, DirectSolution(task, matrix, cases).Solve(), cases);
+  DirectSolution(task, matrix, cases).Solve([&](std::size_t k, RefinedCase& from) {
+    EnterSolution(task, from, cases[k]);
+    onSolved(k);
+  });
 }
 
-bool TrySolveDirectly(const AnalysisTask& task, DirectSolver& matrix, std::vector<LoadCase>& cases)
+bool TrySolveDirectly(const AnalysisTask& task, DirectSolver& matrix, std::vector<LoadCase>& cases,
+                      const OnSolved& onSolved)
 {
-  std::optional<RefinedCases> refined = DirectSolution(task, matrix, cases).TrySolve();
-  if (refined)
-    EnterSolutions(task, std::move(*refined), cases);
-  return refined.has_value();
+  return DirectSolution(task, matrix, cases).TrySolve([&](std::size_t k, RefinedCase& from) {
+    EnterSolution(task, from, cases[k]);
+    onSolved(k);
+  });
 }
 
 }  // namespace morlen

@@ -46,16 +46,17 @@ std::string UnprovenHint(const IterationReport& probe)
 /// The reports of a load case and of the probe, which is solved together with the first case.
 struct CaseReports
 {
+  bool first;  ///< of the load cases
   int result;  ///< of SparseSolver::Solver
   IterationReport model;
   IterationReport probe;
 };
 
-/// Solves the load cases in order and calls judge(solution, reports) after each. Stops and returns
+/// Solves the load cases in order and calls judge(load case, reports) after each. Stops and returns
 /// false when judge returns false; returns true after the last case.
 template <class Judge>
 bool Iterate(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCase>& cases,
-             Judge judge)
+             const OnSolved& onSolved, Judge judge)
 {
   const VoidPlex& nodes = task.problem.GiveNodes();
   const NodeComponents& components = task.problem.components;
@@ -63,13 +64,14 @@ bool Iterate(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCas
   sides.reserve(cases.size());
   for (LoadCase& one : cases)
     sides.push_back(std::move(one.loads));
-  ApplySupports(nodes, components, solver, sides);
+  ApplySupports(nodes, components, solver, sides, cases);
   ReaVecV probe =
       ProbeLoad(nodes, ScaleOfComponents(task.problem.meshes, components), solver.GiveSize());
   CaseReports reports{};
   solver.KeepPreconditioner(cases.size() > 1);
   Progress(task.info, "Just before Solver\n");
   for (std::size_t k = 0; k < cases.size(); ++k) {
+    reports.first = k == 0;
     reports.result =
         k == 0 ? solver.Solver(sides[k], probe, task.info) : solver.Solver(sides[k], task.info);
     reports.model = solver.ModelReport();
@@ -80,43 +82,47 @@ bool Iterate(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCas
     solution.displacementRests.resize(solution.displacements.Size(), 0.0);
     solution.displacementRests = 0.0;
     solution.accuracy = {.error = reports.model.error, .residual = reports.model.residual};
-    if (!judge(solution, reports))
+    if (!judge(cases[k], reports))
       return false;
-    TellAccuracy(solution.accuracy, SolverType::Sparse, task.info);
+    TellAccuracy(cases[k], SolverType::Sparse, task.info);
+    onSolved(k);
   }
   return true;
 }
 
 /// Explains the error that follows. The vectors of an iteration mix all motions with the loads, so
 /// that they name none.
-void AdviseCheck()
+void AdviseCheck(const LoadCase& one)
 {
-  Explain("morlen-check finds out whether the structure can move, and names the nodes");
+  Explain(LabelOf(one),
+          "morlen-check finds out whether the structure can move, and names the nodes");
 }
 
 /// For an iteration that the problem file asks for: refuses a solution that does not meet the
 /// second tolerance, and warns of one that does not meet the first. Also refuses the structure, or
 /// warns, when the probe has not converged.
-void JudgeExplicit(const AnalysisTask& task, const Solution& solution, const CaseReports& reports,
+void JudgeExplicit(const AnalysisTask& task, const LoadCase& one, const CaseReports& reports,
                    double tolerance)
 {
-  const auto& [result, model, probe] = reports;
+  const auto& [first, result, model, probe] = reports;
+  const ReaVecV& displacements = one.solution.displacements;
   const Problem& problem = task.problem;
-  if (result != 0 || !AllFinite(solution.displacements))
-    AdviseCheck();
-  RequireSolution(problem.meshes, problem.components, result, solution.displacements);
+  if (result != 0 || !AllFinite(displacements))
+    AdviseCheck(one);
+  RequireSolution(problem.meshes, problem.components, result, displacements);
   const bool unproven = model.reached && !HasAlmostConverged(probe, tolerance);
   if (!probe.reached && (unproven || MovesFreely(probe))) {
-    AdviseCheck();
+    AdviseCheck(one);
     SolverFailed(problem.meshes, problem.components, -std::max(probe.iterations, 1),
                  UnprovenHint(probe));
   }
   if (!model.reached)
-    Warn(task.info,
-         "warning: the iteration ended before its tolerance, with a residual of %.1e. The results "
-         "may be wrong by much more than that\n",
-         model.residual);
-  else if (!probe.reached)
+    Warn(
+        task.info,
+        "warning: %sthe iteration ended before its tolerance, with a residual of %.1e. The results "
+        "may be wrong by much more than that\n",
+        LabelOf(one).c_str(), model.residual);
+  else if (!probe.reached && first)
     Warn(task.info,
          "warning: a test with a load in every equation has not converged (residual %.1e): the "
          "structure may be able to move\n",
@@ -125,20 +131,23 @@ void JudgeExplicit(const AnalysisTask& task, const Solution& solution, const Cas
 
 }  // namespace
 
-void SolveByIteration(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCase>& cases)
+void SolveByIteration(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCase>& cases,
+                      const OnSolved& onSolved)
 {
-  Iterate(task, solver, cases, [&](const Solution& solution, const CaseReports& reports) {
-    JudgeExplicit(task, solution, reports, solver.Tolerance());
+  Iterate(task, solver, cases, onSolved, [&](const LoadCase& one, const CaseReports& reports) {
+    JudgeExplicit(task, one, reports, solver.Tolerance());
     return true;
   });
 }
 
-bool IterateToTheEnd(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCase>& cases)
+bool IterateToTheEnd(const AnalysisTask& task, SparseSolver& solver, std::vector<LoadCase>& cases,
+                     const OnSolved& onSolved)
 {
-  return Iterate(task, solver, cases, [](const Solution& solution, const CaseReports& reports) {
-    return reports.result == 0 && reports.model.reached && reports.probe.reached &&
-           AllFinite(solution.displacements);
-  });
+  return Iterate(task, solver, cases, onSolved,
+                 [](const LoadCase& one, const CaseReports& reports) {
+                   return reports.result == 0 && reports.model.reached && reports.probe.reached &&
+                          AllFinite(one.solution.displacements);
+                 });
 }
 
 }  // namespace morlen

@@ -27,7 +27,8 @@ SolverChoice ChooseSolver(Problem& problem, const ElementFamilies& families,
   if (equations < kChoiceFrom)
     return {.reason = std::to_string(equations) + " equations are less than " +
                       std::to_string(kChoiceFrom)};
-  const SolverWork work = EstimateWork(problem, families);
+  SolverWork work = EstimateWork(problem, families);
+  work.loadVectors = options.loadVectors;
   const int n = problem.components.count;
   const double blocks = work.sparseEntries / n / n;
   const std::uint64_t memory = UsableMemory(MemoryLimit());

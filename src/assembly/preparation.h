@@ -15,6 +15,7 @@ struct AnalysisOptions
   bool renumber = true;       ///< false keeps the numbers of the file
   std::FILE* info = nullptr;  ///< progress; may be null
   const SolverKit& kit = kPlainKit;
+  int loadVectors = 1;  ///< for the choice of the solver: how many load vectors there will be
 };
 
 // The preparation is the only phase after reading that changes a problem. Later phases take it as

@@ -91,7 +91,8 @@ Refinement::Verdict Refinement::Run(RefinedCases& cases) const
   all.reserve(models.size() + 1);
   for (RefinedCase& model : models)
     all.push_back(&model);
-  all.push_back(&probe);
+  if (!IsAccepted(probe))
+    all.push_back(&probe);
   FindResiduals(all);
   for (int step = 1; step <= kMostSteps; ++step) {
     std::vector<RefinedCase*> open;

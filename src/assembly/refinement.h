@@ -92,7 +92,7 @@ public:
 
   /// Corrects each model until its correction and its residual are negligible or fall no more.
   /// Corrects the probe until both are small enough to accept the structure. There are at most
-  /// eight steps.
+  /// eight steps. A probe that an earlier run has accepted stays as it is.
   Verdict Run(RefinedCases& cases) const;
 
   /// The free equation with the largest displacement of u; rotations count times the length.

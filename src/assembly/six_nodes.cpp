@@ -32,6 +32,15 @@ Node*& EdgeNodes::Between(const Node& a, const Node& b)
 
 namespace {
 
+// The means of the prescribed values, as MergeTwoConstraints makes them.
+void SetMeanValues(const Constraint& a, const Constraint& b, Constraint& middle)
+{
+  for (int k = 0; k < kMaxComponents; ++k) {
+    if (middle.flags[k] == Constraint::kPrescribed)
+      middle.values[k] = (a.values[k] + b.values[k]) / 2.0;
+  }
+}
+
 Node& AddMidSideNode(const Node& a, const Node& b, Problem& problem)
 {
   auto node = std::make_unique<Node>(3);
@@ -60,6 +69,22 @@ void ConvertTriangleTo6nod(Problem& problem, Mesh& mesh, EdgeNodes& edges)
       if (!middle)
         middle = &AddMidSideNode(a, b, problem);
       elem(i + 3) = middle;
+    }
+  }
+}
+
+void SetMiddleValues(Problem& problem)
+{
+  const Mesh& numbers = *problem.meshes.front();
+  for (const auto& mesh : problem.meshes) {
+    if (mesh->GiveElemType() != Triangle || mesh->GiveNnode() != 6)
+      continue;
+    for (const Elem& elem : Each<Elem>(*mesh->GiveElemPlex())) {
+      for (int i = 0; i < 3; ++i) {
+        const Node& middle = *elem(i + 3);
+        if (middle.constraint && numbers.GiveOldNumber(&middle) > problem.initialNumNodes)
+          SetMeanValues(*elem(i)->constraint, *elem((i + 1) % 3)->constraint, *middle.constraint);
+      }
     }
   }
 }

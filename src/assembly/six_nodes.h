@@ -34,6 +34,10 @@ private:
 /// for other meshes, and for more than 25 triangles at a node.
 void ConvertTriangleTo6nod(Problem& problem, Mesh& mesh, EdgeNodes& edges);
 
+/// Gives the nodes that a conversion has added the prescribed values of their edges: the means of
+/// both ends. For other values of prescribed displacements than those that it found.
+void SetMiddleValues(Problem& problem);
+
 /// Converts all meshes of three-node triangles, with the supports of the middle nodes. Returns
 /// false when there are none.
 bool ConvertTriangles(Problem& problem);

@@ -56,6 +56,39 @@ ReaVecV LoadsOnSupports(const VoidPlex& nodes, const NodeComponents& components,
   return negative;
 }
 
+// The values that a prescribed component has in the sides.
+class PrescribedValues
+{
+public:
+  PrescribedValues(std::span<const LoadCase> cases_, std::size_t sides)
+      : cases(cases_), values(sides)
+  {
+  }
+
+  // ofProblem: for sides without settlements of their own.
+  const std::vector<double>& At(int equation, double ofProblem)
+  {
+    std::fill(values.begin(), values.end(), ofProblem);
+    for (std::size_t k = 0; k < cases.size(); ++k) {
+      if (cases[k].settlements)
+        values[k] = ValueAt(*cases[k].settlements, equation);
+    }
+    return values;
+  }
+
+private:
+  static double ValueAt(const Settlements& settlements, int equation)
+  {
+    const auto found = std::lower_bound(
+        settlements.begin(), settlements.end(), equation,
+        [](const PrescribedValue& one, int wanted) { return one.equation < wanted; });
+    return found != settlements.end() && found->equation == equation ? found->value : 0.0;
+  }
+
+  std::span<const LoadCase> cases;
+  std::vector<double> values;
+};
+
 }  // namespace
 
 ComponentScale ScaleOfComponents(const Meshes& meshes, const NodeComponents& components)
@@ -90,6 +123,8 @@ std::vector<LoadCase> MakeLoadCases(const VoidPlex& nodes, const NodeComponents&
   cases.reserve(loads.size());
   for (LoadVector& global : loads) {
     LoadCase& added = cases.emplace_back();
+    added.name = std::move(global.name);
+    added.settlements = std::move(global.settlements);
     added.solution.elementLoads = global.elementLoads;
     added.solution.supportLoads = LoadsOnSupports(nodes, components, global.values);
     added.loads = std::move(global.values);
@@ -108,13 +143,13 @@ std::vector<ReaVecV> LoadsOf(const std::vector<LoadCase>& cases)
 }
 
 void ApplySupports(const VoidPlex& nodes, const NodeComponents& components, BSolver& solver,
-                   std::vector<ReaVecV>& sides)
+                   std::vector<ReaVecV>& sides, std::span<const LoadCase> cases)
 {
   std::vector<ReaVecV*> pointers;
   pointers.reserve(sides.size());
   for (ReaVecV& side : sides)
     pointers.push_back(&side);
-  std::vector<double> values(sides.size());
+  PrescribedValues prescribed(cases, sides.size());
   Matriu stiffness(1, 1);  // a block, because a node without elements may have only this spring
   for (const Node& node : Each<Node>(nodes)) {
     if (!node.constraint)
@@ -123,8 +158,7 @@ void ApplySupports(const VoidPlex& nodes, const NodeComponents& components, BSol
       const int equation = components.Equation(node.number, k);
       const double value = node.constraint->values[k - 1];
       if (node.constraint->flags[k - 1] == Constraint::kPrescribed) {
-        std::fill(values.begin(), values.end(), value);
-        solver.ApplyConstraint(equation, values, pointers);
+        solver.ApplyConstraint(equation, prescribed.At(equation, value), pointers);
       } else if (node.constraint->flags[k - 1] == Constraint::kSpring) {
         stiffness = value;
         solver.AddSubMatriu(equation, equation, stiffness);
@@ -133,21 +167,22 @@ void ApplySupports(const VoidPlex& nodes, const NodeComponents& components, BSol
   }
 }
 
-std::vector<Solution> FinishSolutions(const VoidPlex& nodes, const NodeComponents& components,
-                                      std::vector<LoadCase> cases)
+Solution FinishSolution(const VoidPlex& nodes, const NodeComponents& components, LoadCase& one)
 {
-  std::vector<Solution> solutions;
-  solutions.reserve(cases.size());
-  for (LoadCase& one : cases) {
-    Solution& solution = solutions.emplace_back(std::move(one.solution));
-    ConvertLocalResultsToGlobal(nodes, solution.displacements, components.count);
-    ConvertLocalResultsToGlobal(nodes, solution.displacementRests, components.count);
-  }
-  return solutions;
+  Solution solution = std::move(one.solution);
+  ConvertLocalResultsToGlobal(nodes, solution.displacements, components.count);
+  ConvertLocalResultsToGlobal(nodes, solution.displacementRests, components.count);
+  return solution;
 }
 
-void TellAccuracy(const SolutionAccuracy& accuracy, SolverType type, std::FILE* info)
+std::string LabelOf(const LoadCase& one)
 {
+  return one.name.empty() ? "" : "load case '" + one.name + "': ";
+}
+
+void TellAccuracy(const LoadCase& one, SolverType type, std::FILE* info)
+{
+  const SolutionAccuracy& accuracy = one.solution.accuracy;
   Progress(info, "Estimated relative error of the displacements= %.1e, residual= %.1e\n",
            accuracy.error, accuracy.residual);
   constexpr double kRoughError = 1e-6;
@@ -156,9 +191,9 @@ void TellAccuracy(const SolutionAccuracy& accuracy, SolverType type, std::FILE* 
     return;
   if (accuracy.error > kRoughError || accuracy.residual > kRoughResidual)
     Warn(info,
-         "warning: the model is rough: the displacements have a relative error of %.1e, and the "
+         "warning: %sthe model is rough: the displacements have a relative error of %.1e, and the "
          "forces miss the loads by %.1e of them\n",
-         accuracy.error, accuracy.residual);
+         LabelOf(one).c_str(), accuracy.error, accuracy.residual);
 }
 
 void SolverFailed(const Meshes& meshes, const NodeComponents& components, int result,

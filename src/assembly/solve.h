@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdio>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -28,7 +30,9 @@ struct AnalysisTask
 /// One load vector and its solution.
 struct LoadCase
 {
-  ReaVecV loads;      ///< by equation, in the axes of the supports
+  std::string name;  ///< for messages; may be empty
+  ReaVecV loads;     ///< by equation, in the axes of the supports
+  std::optional<Settlements> settlements;
   Solution solution;  ///< with its supportLoads before the system is solved
 };
 
@@ -48,17 +52,20 @@ std::vector<LoadCase> MakeLoadCases(const VoidPlex& nodes, const NodeComponents&
 /// Copies of the load vectors of the cases, to be used as right-hand sides.
 std::vector<ReaVecV> LoadsOf(const std::vector<LoadCase>& cases);
 
-/// Imposes the supports on the matrix and on all right-hand sides.
+/// Imposes the supports on the matrix and on all right-hand sides. cases: of the sides, for their
+/// settlements; without any, all sides have those of the problem.
 void ApplySupports(const VoidPlex& nodes, const NodeComponents& components, BSolver& solver,
-                   std::vector<ReaVecV>& sides);
+                   std::vector<ReaVecV>& sides, std::span<const LoadCase> cases = {});
 
-/// The solutions of the cases, with their displacements rotated into global axes.
-std::vector<Solution> FinishSolutions(const VoidPlex& nodes, const NodeComponents& components,
-                                      std::vector<LoadCase> cases);
+/// The solution of a case, with its displacements rotated into global axes.
+Solution FinishSolution(const VoidPlex& nodes, const NodeComponents& components, LoadCase& one);
+
+/// The beginning of a message about a case: "load case 'W1': "; empty without a name.
+std::string LabelOf(const LoadCase& one);
 
 /// Writes the accuracy of a solution to the information stream, which may be null. Warns of a rough
 /// model after a direct solution; an iterated solution has warnings about its residual instead.
-void TellAccuracy(const SolutionAccuracy& accuracy, SolverType type, std::FILE* info);
+void TellAccuracy(const LoadCase& one, SolverType type, std::FILE* info);
 
 /// Ends the run for a structure that could not be solved. result: -1, minus the number of
 /// iterations, or the equation of a diagonal that is 0. hint: a line after the message; may be

@@ -33,6 +33,8 @@ namespace {
 constexpr double kSecondsPerOperation = 4e-11;
 /// All passes through the matrix: clearing, assembly, substitutions and refinement.
 constexpr double kSecondsPerProfileEntry = 1e-8;
+/// Substitutions and refinement of each further load vector.
+constexpr double kSecondsPerEntryAndFurther = 2.5e-9;
 // The time that an iteration needs for each byte: the first kCachedBytes are in the caches.
 constexpr double kCachedBytes = 5e7;
 constexpr double kSecondsPerCachedByte = 4e-11;
@@ -179,7 +181,7 @@ std::string ReasonOf(const SolverChoice& choice, const DirectPlan* plan)
     return "a node has too many neighbours for an iteration";
   const bool sparse = choice.directType == SolverType::Direct;
   reason << "estimated "
-         << (sparse ? EstimateOf(plan->seconds, plan->bytes)
+         << (sparse ? EstimateOf(plan->Seconds(work.loadVectors), plan->bytes)
                     : EstimateOf(work.SkylineSeconds(), work.SkylineBytes()));
   stprintf(reason, ", against %.0f iterations in %.2g s", work.iterations, work.SparseSeconds());
   if (sparse)
@@ -193,22 +195,30 @@ std::string ReasonOf(const SolverChoice& choice, const DirectPlan* plan)
 
 double SolverWork::SkylineSeconds() const
 {
-  return kSecondsPerOperation * operations + kSecondsPerProfileEntry * profileEntries;
+  const double secondsPerEntry =
+      kSecondsPerProfileEntry + (loadVectors - 1.0) * kSecondsPerEntryAndFurther;
+  return kSecondsPerOperation * operations + secondsPerEntry * profileEntries;
 }
 
-double SolverWork::IterationSeconds() const
+double SolverWork::IterationSeconds(int sides) const
 {
   // Matrix and factors are read. Five vectors are read and written for each right-hand side.
   constexpr double kBytesPerEntry = 2.0 * sizeof(double);
-  constexpr double kBytesPerEquation = 2.0 * 5.0 * 2.0 * sizeof(double);
-  const double bytes = kBytesPerEntry * sparseEntries + kBytesPerEquation * equations;
+  constexpr double kBytesPerEquation = 5.0 * 2.0 * sizeof(double);
+  const double bytes = kBytesPerEntry * sparseEntries + sides * kBytesPerEquation * equations;
   return kSecondsPerCachedByte * std::min(bytes, kCachedBytes) +
          kSecondsPerFarByte * std::max(bytes - kCachedBytes, 0.0);
 }
 
+// The first load vector is solved side by side with the probe, each further one by itself.
+double SolverWork::AllSidesSeconds() const
+{
+  return IterationSeconds(2) + (loadVectors - 1.0) * IterationSeconds(1);
+}
+
 double SolverWork::SparseSeconds() const
 {
-  return (iterations + kIterationsOfFactors) * IterationSeconds();
+  return iterations * AllSidesSeconds() + kIterationsOfFactors * IterationSeconds(2);
 }
 
 std::uint64_t SolverWork::SkylineBytes() const
@@ -220,7 +230,7 @@ std::uint64_t SolverWork::SkylineBytes() const
 int SolverWork::IterationsWorthTrying(double directSeconds) const
 {
   constexpr double kMost = 1e6;
-  return static_cast<int>(std::min(kMost, std::max(1.0, directSeconds / IterationSeconds())));
+  return static_cast<int>(std::min(kMost, std::max(1.0, directSeconds / AllSidesSeconds())));
 }
 
 SolverWork EstimateWork(const Problem& problem, const ElementFamilies& families)
@@ -257,12 +267,13 @@ SolverChoice FasterSolver(const SolverWork& work, std::uint64_t usableMemory,
   const bool fits = work.SkylineBytes() <= usableMemory;
   if (plan && plan->bytes > usableMemory)
     plan.reset();
-  const bool sparseIsFaster = plan && (!fits || plan->seconds < work.SkylineSeconds());
+  const bool sparseIsFaster =
+      plan && (!fits || plan->Seconds(work.loadVectors) < work.SkylineSeconds());
   SolverChoice choice;
   choice.work = work;
   choice.fitsDirectly = fits || plan;
   choice.directType = sparseIsFaster ? SolverType::Direct : SolverType::SkyLine;
-  choice.directSeconds = sparseIsFaster ? plan->seconds : work.SkylineSeconds();
+  choice.directSeconds = sparseIsFaster ? plan->Seconds(work.loadVectors) : work.SkylineSeconds();
   const bool direct =
       !work.canIterate ||
       (choice.fitsDirectly && choice.directSeconds <= kLeastGain * work.SparseSeconds());

@@ -24,16 +24,21 @@ struct SolverWork
   double operations = 0.0;      ///< multiplications and additions of its factorisation
   double sparseEntries = 0.0;   ///< of the sparse matrix
   double iterations = 0.0;      ///< estimate, until the sparse solver has converged
+  double loadVectors = 1.0;     ///< that are solved with the same matrix
   bool canIterate = true;       ///< false when a node has too many neighbours for a sparse matrix
 
   double SkylineSeconds() const;
-  /// The time of one iteration for two right-hand sides.
-  double IterationSeconds() const;
+  /// The time of one iteration for so many right-hand sides, side by side.
+  double IterationSeconds(int sides) const;
   double SparseSeconds() const;
   /// The bytes of the skyline matrix and of the copies that its factorisation keeps.
   std::uint64_t SkylineBytes() const;
-  /// The number of iterations that a direct solver's time is worth.
+  /// The number of iterations for each load vector that a direct solver's time is worth.
   int IterationsWorthTrying(double directSeconds) const;
+
+private:
+  /// The time of one iteration for every load vector and the probe.
+  double AllSidesSeconds() const;
 };
 
 /// The work with the current numbers of the nodes, from the elements alone. The coplanarity marks

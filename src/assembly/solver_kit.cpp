@@ -32,7 +32,8 @@ bool SolverKit::Suits(const Problem& /*problem*/) const
   return false;
 }
 
-bool SolverKit::Solve(const AnalysisTask& /*task*/, std::vector<LoadCase>& /*cases*/) const
+bool SolverKit::Solve(const AnalysisTask& /*task*/, std::vector<LoadCase>& /*cases*/,
+                      const OnSolved& /*onSolved*/) const
 {
   return false;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -17,6 +19,9 @@ struct LoadCase;
 struct Problem;
 struct Solution;
 
+/// Called with the index of each load case that has been solved.
+using OnSolved = std::function<void(std::size_t)>;
+
 /// The estimated work of the solver of `Solver Direct` for one problem, and what the estimate has
 /// found out for the solver. Seconds are comparable with those of SolverWork.
 struct DirectPlan
@@ -26,7 +31,13 @@ struct DirectPlan
   DirectPlan& operator=(const DirectPlan&) = delete;
   virtual ~DirectPlan() = default;
 
-  double seconds = 0.0;
+  double Seconds(double loadVectors) const
+  {
+    return seconds + (loadVectors - 1.0) * secondsPerFurther;
+  }
+
+  double seconds = 0.0;            ///< with one load vector
+  double secondsPerFurther = 0.0;  ///< for each further load vector
   std::uint64_t bytes = 0;
 };
 
@@ -71,13 +82,15 @@ public:
 
   /// Solves all load cases of a problem that suits it, by a method that is neither a DirectSolver
   /// nor a SparseSolver. Returns false when the method has failed in a way that the solvers of the
-  /// automatic choice may mend; the loads must then be as they were.
+  /// automatic choice may mend; they get cases made anew.
   ///
   /// cases: loads by equation in the axes of the supports, without the effect of supports. Each
   /// solution gets displacements and displacementRests in the same axes, elementForces in global
-  /// axes, and accuracy, as in SolveDirectly. Such a method must test the structure with the probe
-  /// (ProbeLoad), and be fatal by SolverFailed for one that can move.
-  virtual bool Solve(const AnalysisTask& task, std::vector<LoadCase>& cases) const;
+  /// axes, and accuracy, as in SolveDirectly; then onSolved is called with its index. Such a method
+  /// must test the structure with the probe (ProbeLoad), and be fatal by SolverFailed for one that
+  /// can move.
+  virtual bool Solve(const AnalysisTask& task, std::vector<LoadCase>& cases,
+                     const OnSolved& onSolved) const;
 
   /// Declares the couplings of the nodes and allocates the matrix; of any solver.
   virtual void CreateMatrix(const AnalysisTask& task, BSolver& solver) const;

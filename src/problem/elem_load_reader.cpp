@@ -77,6 +77,14 @@ void ReadOneLoad(TextScan& text, int number, std::unique_ptr<BaseElemLoads> load
 
 }  // namespace
 
+std::vector<std::string_view> ElemLoadKeywords()
+{
+  std::vector<std::string_view> keywords;
+  for (const LoadTypeName& name : LoadTypeNames)
+    keywords.push_back(name.keyword);
+  return keywords;
+}
+
 bool ReadElemLoad(TextScan& text, std::string_view word, Problem& problem)
 {
   const MakeLoad make = FindLoadType(word);

@@ -52,6 +52,11 @@ void TemperatureLT::AddToLoadVectorTetra(const Elem&, ReaVecV&) const
   Fatal("temperature for 3D solids not implemented yet\n");
 }
 
+std::unique_ptr<BaseElemLoads> TemperatureLT::Copy() const
+{
+  return std::make_unique<TemperatureLT>(*this);
+}
+
 ElemLoadRecord TemperatureLT::Describe() const
 {
   return {"temperature_loads", std::nullopt, {values[0], values[1]}, -1};

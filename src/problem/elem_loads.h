@@ -33,7 +33,6 @@ class BaseElemLoads
 {
 public:
   BaseElemLoads() = default;
-  BaseElemLoads(const BaseElemLoads&) = delete;
   BaseElemLoads& operator=(const BaseElemLoads&) = delete;
   virtual ~BaseElemLoads();
 
@@ -53,11 +52,17 @@ public:
 
   virtual ElemLoadRecord Describe() const = 0;
 
+  /// A copy of this load alone, without the chain.
+  virtual std::unique_ptr<BaseElemLoads> Copy() const = 0;
+
   /// Appends a load to the chain that begins here.
   void Append(std::unique_ptr<BaseElemLoads> load);
   const BaseElemLoads* Next() const { return next.get(); }
   /// The last load of the chain that begins here.
   const BaseElemLoads& Last() const { return *last; }
+
+protected:
+  BaseElemLoads(const BaseElemLoads&) {}  ///< begins another chain
 
 private:
   std::unique_ptr<BaseElemLoads> next;
@@ -77,6 +82,7 @@ public:
   void AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const override;
 
   ElemLoadRecord Describe() const override;
+  std::unique_ptr<BaseElemLoads> Copy() const override;
 
   double values[2] = {};
 };

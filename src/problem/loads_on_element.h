@@ -19,7 +19,7 @@ template <class Visit>
 void ForEachLoadOn(const Problem& problem, const Elem& elem, double weight, PROBLEMTYPE type,
                    Visit visit)
 {
-  if (weight > 0.0) {
+  if (weight > 0.0 && problem.selfWeight) {
     PreassureLT selfWeight(PreassureLT_type::Global);
     selfWeight.EnterWeight(weight, problem.gravityDirection, type);
     visit(static_cast<const BaseElemLoads&>(selfWeight));

@@ -70,28 +70,89 @@ void NoteSupport(const TextScan& text, const int* flags, int n, std::string_view
         number, "\n");
 }
 
+/// The values of a record of the block `constraints`.
+struct SupportRecord
+{
+  int flags[kMaxComponents] = {};
+  double values[kMaxComponents] = {};
+  RecordItems items;
+};
+
+SupportRecord ReadSupport(TextScan& text, int number, int n, const Units& units)
+{
+  SupportRecord support;
+  const RecordText record(UpToNull(text.ReadRestOfLine()), &text);
+  std::string_view tail = record.text;
+  if (!ScanFlags(tail, n, support.flags))
+    RefuseConstraint(record, n, number);
+  const std::string_view afterFlags = tail;
+  if (!ScanValues(tail, n, support.values))
+    RefuseConstraint(record, n, number);
+  NoteSupport(text, support.flags, n, afterFlags, tail);
+  support.items = ReadRecordItems(record.Part(tail), units, AngleItems::kRead,
+                                  "Not reading correctly the constraints. -B- Number=", number);
+  return support;
+}
+
+void EnterSupport(const SupportRecord& support, int n, Constraint& constraint)
+{
+  const Units::Ratios& ratios = support.items.ratios;
+  constraint.EnterValuesAndFlags(support.flags, support.values, n, ratios.force, ratios.length);
+  if (support.items.anglesGiven)
+    constraint.EnterEulerAngles(support.items.angles);
+}
+
 void ReadConstraint(TextScan& text, int number, Node& node, const NodeComponents& components,
                     const Units& units)
 {
-  const int n = components.count;
-  int flags[kMaxComponents] = {};
-  double values[kMaxComponents] = {};
-  const RecordText record(UpToNull(text.ReadRestOfLine()), &text);
-  std::string_view tail = record.text;
-  if (!ScanFlags(tail, n, flags))
-    RefuseConstraint(record, n, number);
-  const std::string_view afterFlags = tail;
-  if (!ScanValues(tail, n, values))
-    RefuseConstraint(record, n, number);
-  NoteSupport(text, flags, n, afterFlags, tail);
-  const RecordItems items =
-      ReadRecordItems(record.Part(tail), units, AngleItems::kRead,
-                      "Not reading correctly the constraints. -B- Number=", number);
+  const SupportRecord support = ReadSupport(text, number, components.count, units);
   if (!node.constraint)
     node.constraint = std::make_unique<Constraint>(components);
-  node.constraint->EnterValuesAndFlags(flags, values, n, items.ratios.force, items.ratios.length);
-  if (items.anglesGiven)
-    node.constraint->EnterEulerAngles(items.angles);
+  EnterSupport(support, components.count, *node.constraint);
+  NoteStored(ReadItem::Support, number);
+}
+
+// The name of a component of a node, from 0.
+const char* NameOf(int component, const NodeComponents& components)
+{
+  constexpr const char* kDisplacements[] = {"x", "y", "z"};
+  constexpr const char* kRotations[] = {"the rotation about x", "the rotation about y",
+                                        "the rotation about z"};
+  if (component < components.translations)
+    return kDisplacements[component];
+  return kRotations[components.Rotations() == 1 ? 2 : component - components.translations];
+}
+
+// A settlement changes values that the model prescribes, and nothing else.
+void RequireSettlement(const SupportRecord& settlement, int number, const Node& node,
+                       const NodeComponents& components)
+{
+  if (settlement.items.anglesGiven) {
+    Explain("the values are in the axes that the support has in the model");
+    Fatal("error: the support of node ", number, " can't get other axes in a load case\n");
+  }
+  for (int i = 0; i < components.count; ++i) {
+    const int flag = settlement.flags[i];
+    if (flag == Constraint::kSpring) {
+      Explain("flag 1 sets a prescribed value, 0 leaves the component as it is");
+      Fatal("error: node ", number, " can't get a spring in a load case\n");
+    }
+    if (flag == Constraint::kPrescribed &&
+        (!node.constraint || node.constraint->flags[i] != Constraint::kPrescribed)) {
+      Explain("a load case sets values of components that have flag 1 in the model");
+      Fatal("error: the model does not prescribe ", NameOf(i, components), " of node ", number,
+            "\n");
+    }
+  }
+}
+
+void ReadSettlement(TextScan& text, int number, Node& node, const NodeComponents& components,
+                    const Units& units)
+{
+  const SupportRecord settlement = ReadSupport(text, number, components.count, units);
+  RequireSettlement(settlement, number, node, components);
+  if (node.constraint)
+    EnterSupport(settlement, components.count, *node.constraint);
   NoteStored(ReadItem::Support, number);
 }
 
@@ -133,6 +194,15 @@ void ReadConstraints(TextScan& text, Problem& problem)
     Node& node =
         RequireNode(problem, number, text, "error: Trying to assign constrain to unknown node\n");
     ReadConstraint(text, number, node, problem.components, problem.units);
+  });
+}
+
+void ReadSettlements(TextScan& text, Problem& problem)
+{
+  ReadRecords(text, [&](int number) {
+    Node& node =
+        RequireNode(problem, number, text, "error: Trying to assign constrain to unknown node\n");
+    ReadSettlement(text, number, node, problem.components, problem.units);
   });
 }
 

@@ -233,6 +233,11 @@ void PreassureLT::AddToSpanLoad(const BeamSpan& beam, SpanLoad& load) const
     load.q[k] += local[k];
 }
 
+std::unique_ptr<BaseElemLoads> PreassureLT::Copy() const
+{
+  return std::make_unique<PreassureLT>(*this);
+}
+
 ElemLoadRecord PreassureLT::Describe() const
 {
   ElemLoadRecord record{KeywordOf(type), type, {}, face};

@@ -34,6 +34,7 @@ public:
   void AddToLoadVectorTriangle(const Elem& elem, const Matriu& T, ReaVecV& loads) const override;
   void AddToLoadVectorTetra(const Elem& elem, ReaVecV& loads) const override;
   ElemLoadRecord Describe() const override;
+  std::unique_ptr<BaseElemLoads> Copy() const override;
 
   /// Makes this the self-weight of an element. weight: per length, area or volume; gravity: unit
   /// vector. Fatal in a plane problem with gravity along +z.

@@ -80,6 +80,7 @@ struct Problem
   int numNodes = 0;         ///< initialNumNodes and the nodes that the preparation adds
   VoidPlex materials;       ///< of Material by number, owned
   VoidPlex elemLoads;       ///< of BaseElemLoads by element number, owned: chains of loads
+  bool selfWeight = true;   ///< false: the elements have no weight, whatever their materials
   bool hasHinges = false;   ///< true when the file has a hinge record
   HingeCodes hingeCodes;
   std::vector<int> coplanarity;  ///< by system number - 1: 1 at a node where the shells are flat

@@ -93,15 +93,11 @@ void CalcBeamStrengths(const Problem& problem, const Mesh& mesh, const Solution&
   }
 }
 
-double GiveStrength(const MeshResults& results, int elemNumber, int component, double t, double L)
+double StrengthFromEnds(const double* ends, int n, int component, double t, double L)
 {
-  const int n = results.blockSize / 2;
-  if (component < 1 || component > n)
-    return 0.0;
-  const int first = results.Block(elemNumber);
-  const int second = first + n;
-  const double S1 = results.strengths(first + component);
-  const double S2 = results.strengths(second + component);
+  const auto first = [ends](int k) { return ends[k - 1]; };
+  const double S1 = first(component);
+  const double S2 = ends[n + component - 1];
   const double v = S1 * (1.0 - t) - S2 * t;
   const bool plane = n == 3;
   switch (component) {
@@ -111,12 +107,20 @@ double GiveStrength(const MeshResults& results, int elemNumber, int component, d
     case 4:
       return v;
     case 3:
-      return plane ? -S1 + t * L * results.strengths(first + 2) : v;
+      return plane ? -S1 + t * L * first(2) : v;
     case 5:
-      return S1 + t * L * results.strengths(first + 3);
+      return S1 + t * L * first(3);
     default:  // 6
-      return -S1 + t * L * results.strengths(first + 2);
+      return -S1 + t * L * first(2);
   }
+}
+
+double GiveStrength(const MeshResults& results, int elemNumber, int component, double t, double L)
+{
+  const int n = results.blockSize / 2;
+  if (component < 1 || component > n)
+    return 0.0;
+  return StrengthFromEnds(results.strengths.Data() + results.Block(elemNumber), n, component, t, L);
 }
 
 void ReleaseHingedRotations(HingeCode hingeCode, double L, int components, BeamEnds& ends)
@@ -134,13 +138,13 @@ void ReleaseHingedRotations(HingeCode hingeCode, double L, int components, BeamE
   }
 }
 
-void SetDisplacementVectors(const NodeComponents& components, const ReaVecV& displacements,
-                            const Elem& beam, HingeCode hingeCode, const Matriu& T, int divisions,
-                            double* out)
+namespace {
+
+// ends: in the axes of the beam.
+void SetPoints(const NodeComponents& components, BeamEnds ends, HingeCode hingeCode, double L,
+               const Matriu& T, int divisions, double* out)
 {
   const int count = components.translations;
-  const double L = std::sqrt(dist2(beam(0), beam(1)));
-  BeamEnds ends = GiveBeamEnds(components, displacements, beam, T);
   ReleaseHingedRotations(hingeCode, L, components.count, ends);
   for (int i = 0; i <= divisions; ++i) {
     const double t = static_cast<double>(i) / divisions;
@@ -152,6 +156,28 @@ void SetDisplacementVectors(const NodeComponents& components, const ReaVecV& dis
     TurnVector(T, Turn::ToGlobal, 3, local);
     std::copy_n(local, count, out + i * count);
   }
+}
+
+}  // namespace
+
+void SetDisplacementVectors(const NodeComponents& components, const ReaVecV& displacements,
+                            const Elem& beam, HingeCode hingeCode, const Matriu& T, int divisions,
+                            double* out)
+{
+  SetPoints(components, GiveBeamEnds(components, displacements, beam, T), hingeCode,
+            std::sqrt(dist2(beam(0), beam(1))), T, divisions, out);
+}
+
+void SetDisplacementVectors(const BeamSpan& beam, const double* first, const double* second,
+                            int divisions, double* out)
+{
+  const NodeComponents components = beam.Components();
+  BeamEnds ends;
+  std::copy_n(first, components.count, ends.first);
+  std::copy_n(second, components.count, ends.second);
+  TurnVector(beam.T, Turn::ToLocal, components.count, ends.first);
+  TurnVector(beam.T, Turn::ToLocal, components.count, ends.second);
+  SetPoints(components, ends, beam.hingeCode, beam.L, beam.T, divisions, out);
 }
 
 }  // namespace morlen

@@ -8,6 +8,7 @@ class Elem;
 class Matriu;
 class Mesh;
 class ReaVecV;
+struct BeamSpan;
 struct MeshResults;
 struct NodeComponents;
 struct Problem;
@@ -22,6 +23,10 @@ void CalcBeamStrengths(const Problem& problem, const Mesh& mesh, const Solution&
 /// Internal force `component` (from 1) of a beam of length L at the relative abscissa t in 0..1,
 /// from its end forces. 0 for a component that beams of the mesh do not have.
 double GiveStrength(const MeshResults& results, int elemNumber, int component, double t, double L);
+
+/// The same from the n end forces of the first end, which those of the second end follow.
+/// component: 1 to n.
+double StrengthFromEnds(const double* ends, int n, int component, double t, double L);
 
 /// Displacements of the two ends of a beam in its local axes: u, v, θz in plane problems,
 /// u, v, w, θx, θy, θz in space.
@@ -45,5 +50,9 @@ void ReleaseHingedRotations(HingeCode hingeCode, double L, int components, BeamE
 void SetDisplacementVectors(const NodeComponents& components, const ReaVecV& displacements,
                             const Elem& beam, HingeCode hingeCode, const Matriu& T, int divisions,
                             double* out);
+
+/// The same from the components of both ends in global axes.
+void SetDisplacementVectors(const BeamSpan& beam, const double* first, const double* second,
+                            int divisions, double* out);
 
 }  // namespace morlen

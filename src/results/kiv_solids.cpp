@@ -3,9 +3,6 @@
 
 #include "results/kiv_solids.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "assembly/solution.h"
 #include "base/text_out.h"
 #include "model/node.h"
@@ -13,33 +10,10 @@
 #include "problem/problem.h"
 #include "results/kiv_results.h"
 #include "results/mesh_output.h"
+#include "results/principal_values.h"
 #include "results/smooth_solid.h"
 
 namespace morlen {
-
-namespace {
-
-// The equivalent stress sqrt(((sx - sy)² + (sy - sz)² + (sz - sx)²) / 2 + 3 (txy² + txz² + tyz²)).
-// The stresses are divided by the largest of them first, so that no square overflows.
-// Source: R. von Mises, Mechanik der festen Körper im plastisch-deformablen Zustand, 1913.
-double VonMises(const double* stresses)
-{
-  double largest = 0.0;
-  for (int i = 0; i < 6; ++i)
-    largest = std::max(largest, std::fabs(stresses[i]));
-  if (largest == 0.0)
-    return 0.0;
-  double s[6];
-  for (int i = 0; i < 6; ++i)
-    s[i] = stresses[i] / largest;
-  const double a = s[0] - s[1];
-  const double b = s[1] - s[2];
-  const double c = s[2] - s[0];
-  return largest *
-         std::sqrt(0.5 * (a * a + b * b + c * c + 6.0 * (s[3] * s[3] + s[4] * s[4] + s[5] * s[5])));
-}
-
-}  // namespace
 
 void WriteSolidBlocks(const MeshOutput& output, TextOut& res)
 {

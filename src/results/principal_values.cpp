@@ -67,4 +67,22 @@ void ConvertResultsToMainValues(ReaVecV& values, int offset, int points, ReaVecV
   }
 }
 
+// The stresses are divided by the largest of them first, so that no square overflows.
+double VonMises(const double* stresses)
+{
+  double largest = 0.0;
+  for (int i = 0; i < 6; ++i)
+    largest = std::max(largest, std::fabs(stresses[i]));
+  if (largest == 0.0)
+    return 0.0;
+  double s[6];
+  for (int i = 0; i < 6; ++i)
+    s[i] = stresses[i] / largest;
+  const double a = s[0] - s[1];
+  const double b = s[1] - s[2];
+  const double c = s[2] - s[0];
+  return largest *
+         std::sqrt(0.5 * (a * a + b * b + c * c + 6.0 * (s[3] * s[3] + s[4] * s[4] + s[5] * s[5])));
+}
+
 }  // namespace morlen

@@ -29,4 +29,9 @@ void ConvertResultsToMainValues(ReaVecV& values, int offset, int points, ReaVecV
                                 int angleOffset, const Axes& axes, ReaVecV* out,
                                 double length = 0.0);
 
+/// The equivalent stress sqrt(((sx - sy)² + (sy - sz)² + (sz - sx)²) / 2 + 3 (txy² + txz² + tyz²))
+/// of six stresses; the order of the shears does not matter. Source: R. von Mises, Mechanik der
+/// festen Körper im plastisch-deformablen Zustand, 1913.
+double VonMises(const double* stresses);
+
 }  // namespace morlen

@@ -22,37 +22,55 @@ namespace {
 constexpr int kValues = 8;
 constexpr int kAngles = 6;
 
-void MakeRoom(StressOutput output, MeshResults& results)
+void MakeRoomForMain(StressOutput output, MeshResults& results)
 {
   const auto count = std::ssize(results.numbers);
-  results.blockSize = kValues * results.points;
-  results.strengths.resize(ArrayLength(count, results.blockSize), 0.0);
   if (output != StressOutput::Local)
     results.mainAngles.resize(ArrayLength(count, kAngles * results.points), 0.0);
   if (output == StressOutput::MainAndLocal)
     results.mainStrengths.resize(ArrayLength(count, results.blockSize), 0.0);
 }
 
-// Fills the results element by element. calculate(elem, offset) adds the local values of an element
-// from results.strengths(offset + 1) on, and returns the evaluator, which knows frame and area.
-template <class Calculate>
-void FillResults(const Problem& problem, const Mesh& mesh, MeshResults& results,
-                 Calculate calculate)
+// Makes the local values of all elements those of the stress output. local(elem, offset): makes the
+// local values of an element complete, which begin at results.strengths(offset + 1), and returns
+// the evaluator, which knows frame and area.
+template <class Local>
+void ConvertResults(const Problem& problem, const Mesh& mesh, MeshResults& results, Local local)
 {
   const StressOutput output = problem.stressOutput;
-  MakeRoom(output, results);
+  MakeRoomForMain(output, results);
   ReaVecV* const main = output == StressOutput::MainAndLocal ? &results.mainStrengths : nullptr;
   const int points = results.points;
   int place = 0;
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
     const int offset = place * results.blockSize;
-    const auto& shell = calculate(elem, offset);
+    const auto& shell = local(elem, offset);
     if (output != StressOutput::Local)
       ConvertResultsToMainValues(results.strengths, offset, points, results.mainAngles,
                                  place * kAngles * points, AxesFromMatriu(shell.Frame()), main,
                                  std::sqrt(shell.Area()));
     ++place;
   }
+}
+
+// Fills the results. calculate: as `local` of ConvertResults; it adds the local values.
+template <class Calculate>
+void FillResults(const Problem& problem, const Mesh& mesh, MeshResults& results,
+                 Calculate calculate)
+{
+  results.blockSize = kValues * results.points;
+  results.strengths.resize(ArrayLength(std::ssize(results.numbers), results.blockSize), 0.0);
+  ConvertResults(problem, mesh, results, calculate);
+}
+
+template <class Evaluator>
+void ConvertWith(Evaluator&& shell, const Problem& problem, const Mesh& mesh, MeshResults& results)
+{
+  ConvertResults(
+      problem, mesh, results, [&](const Elem& elem, int) -> const auto& {
+        shell.Evaluate(elem, problem.RequireMaterial(elem));
+        return shell;
+      });
 }
 
 template <class Shell>
@@ -96,6 +114,18 @@ void CalcRefinedShellStrengths(const Problem& problem, const Mesh& mesh, const S
     CalcRefined<ThreeNodeShell>(problem, mesh, solution, results);
   else
     CalcRefined<SixNodeShell>(problem, mesh, solution, results);
+}
+
+void ConvertShellStrengths(const Problem& problem, const Mesh& mesh, MeshResults& results)
+{
+  if (problem.stressOutput == StressOutput::Local)
+    return;
+  if (problem.shellFormulation == ShellFormulation::Standard)
+    ConvertWith(ShellEvaluator(), problem, mesh, results);
+  else if (mesh.GiveNnode() == ThreeNodeShell::kNodes)
+    ConvertWith(RefinedShellEvaluator<ThreeNodeShell>(problem.shellShares), problem, mesh, results);
+  else
+    ConvertWith(RefinedShellEvaluator<SixNodeShell>(problem.shellShares), problem, mesh, results);
 }
 
 }  // namespace morlen

@@ -17,4 +17,8 @@ void CalcShellStrengths(const Problem& problem, const Mesh& mesh, const Solution
 void CalcRefinedShellStrengths(const Problem& problem, const Mesh& mesh, const Solution& solution,
                                MeshResults& results);
 
+/// Replaces the local values of a mesh of shells, which are known, by those that the stress output
+/// of the problem asks for, or adds these.
+void ConvertShellStrengths(const Problem& problem, const Mesh& mesh, MeshResults& results);
+
 }  // namespace morlen

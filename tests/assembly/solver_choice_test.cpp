@@ -153,6 +153,30 @@ TEST(FasterSolver, IsTheOneWithLessWorkThatFitsIntoMemory)
       << tooLarge.reason;
 }
 
+// A factorisation serves all load vectors; an iteration begins anew for each.
+TEST(FasterSolver, ManyLoadVectorsSpeakAgainstAnIteration)
+{
+  SolverWork work = {
+      .profileEntries = 1e7, .operations = 1e11, .sparseEntries = 1e6, .iterations = 300};
+  const double once = work.SkylineSeconds();
+  const int worthOnce = work.IterationsWorthTrying(once);
+  EXPECT_EQ(FasterSolver(work, kAnyMemory).type, SolverType::Sparse);
+  work.loadVectors = 50;
+  EXPECT_EQ(FasterSolver(work, kAnyMemory).type, SolverType::SkyLine);
+  EXPECT_GT(work.SkylineSeconds(), once);
+  EXPECT_LT(work.SkylineSeconds(), 2.0 * once);
+  EXPECT_LT(work.IterationsWorthTrying(once), worthOnce / 20);
+}
+
+TEST(FasterSolver, APlanCountsTheLoadVectors)
+{
+  DirectPlan plan;
+  plan.seconds = 2.0;
+  plan.secondsPerFurther = 0.25;
+  EXPECT_EQ(plan.Seconds(1), 2.0);
+  EXPECT_EQ(plan.Seconds(9), 4.0);
+}
+
 TEST(Automatic, FallsBackToTheDirectSolverOnItsOwnNumbering)
 {
   const auto project = ReadProject(Bar(kStiff));

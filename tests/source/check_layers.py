@@ -16,7 +16,7 @@ from object_symbols import demangled, layer_of, read_list, read_symbols
 
 # Each layer, and the layers that it may use beside itself. A layer is a folder of src/
 # or companions/, or direct/.
-CORE = "base numeric model solvers problem assembly results run"
+CORE = "base numeric model solvers problem assembly results cases run"
 MAY_USE = {
     "base": "",
     "numeric": "base",
@@ -25,11 +25,15 @@ MAY_USE = {
     "problem": "base numeric model",
     "assembly": "base numeric model solvers problem",
     "results": "base numeric model solvers problem assembly",
+    "cases": "base numeric model solvers problem assembly results",
     "run": "base numeric model solvers problem assembly results",
     "direct": CORE,
     "common": CORE,
+    "kit": CORE + " direct",
     "check": CORE + " common",
     "export": CORE + " common",
+    "case_file": CORE + " common check export kit",
+    "check_program": CORE + " common check case_file",
     "report": CORE + " common check",
 }
 ALLOWED = {layer: set(others.split()) | {layer} for layer, others in MAY_USE.items()}

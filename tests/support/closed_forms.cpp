@@ -211,9 +211,9 @@ VerifiedResult PulledBar(int nnode)
 
 std::vector<VerifiedSection> ClosedForms()
 {
-  return {Beams(),      Frames(), Hinges(),
-          Supports(),   Shells(), {"Tetrahedra", {PulledBar(4), PulledBar(10)}},
-          UnitSystems()};
+  return {Beams(),       Frames(),   Hinges(),
+          Supports(),    Shells(),   {"Tetrahedra", {PulledBar(4), PulledBar(10)}},
+          UnitSystems(), LoadCases()};
 }
 
 }  // namespace morlen

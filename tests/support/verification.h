@@ -31,6 +31,9 @@ std::string ManualText(const std::vector<VerifiedSection>& sections);
 /// Computes frames, beams and solids whose solution is known in closed form.
 std::vector<VerifiedSection> ClosedForms();
 
+/// Envelopes of load cases, and the number of combinations.
+VerifiedSection LoadCases();
+
 /// The orders of convergence of the elements to manufactured solutions.
 VerifiedSection ManufacturedSolutions();
 

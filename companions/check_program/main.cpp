@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "case_file/check_cases.h"
 #include "check/check.h"
 #include "common/command_line.h"
 #include "common/file_text.h"
@@ -28,7 +29,8 @@ struct Options
 
 void Declare(CLI::App& app, Options& options)
 {
-  app.add_option("models", options.files, "the problem files; - is standard input")
+  app.add_option("models", options.files,
+                 "the problem files, and files of load cases (.cases); - is standard input")
       ->type_name("FILE")
       ->required();
   app.add_flag("--json", options.json,
@@ -48,7 +50,8 @@ std::optional<std::string> TextOf(const std::string& file)
 std::optional<check::FileReport> ReportOn(const std::string& file)
 {
   if (const std::optional<std::string> text = TextOf(file))
-    return check::FileReport{file, check::CheckText(*text)};
+    return check::FileReport{
+        file, cases::IsCaseFile(file) ? cases::CheckCases(file, *text) : check::CheckText(*text)};
   std::error_code fault;
   const bool folder = fs::is_directory(file, fault);
   std::cerr << "can't read file " << file << (folder ? ": it is a folder" : "") << "\n";
@@ -80,6 +83,10 @@ void PrintSummary(const check::FileReport& one, bool named)
     std::cout << one.file << ":\n";
   if (one.report.summary)
     std::cout << check::TextOf(*one.report.summary);
+  if (const std::optional<check::CasesSummary>& s = one.report.cases)
+    std::cout << "model: " << s->model << "\n"
+              << Counted(s->cases, "case") << ", " << Counted(s->combinations, "combination")
+              << ", " << Counted(s->envelopes, "envelope") << "\n";
   std::cout << Counts(one.report.errors, one.report.warnings);
 }
 

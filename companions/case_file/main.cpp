@@ -10,20 +10,19 @@
 #include "base/temporary_file.h"
 #include "case_file/envelope_files.h"
 #include "case_file/names.h"
+#include "case_file/open_study.h"
 #include "case_file/results_of.h"
 #include "case_file/study.h"
 #include "cases/case_writer.h"
 #include "cases/solved_cases.h"
 #include "common/atomic_file.h"
 #include "common/command_line.h"
-#include "common/file_text.h"
 #include "common/tables.h"
 #include "export/csv.h"
 #include "export/json.h"
 #include "export/vtu.h"
 #include "kit/make_kit.h"
 #include "problem/problem.h"
-#include "problem/problem_file.h"
 #include "run/element_families.h"
 
 using namespace morlen;
@@ -153,15 +152,6 @@ private:
   std::string stem;
 };
 
-int PrintProblems(const cases::Problems& problems, const std::string& file)
-{
-  std::string lines;
-  for (const check::Located& one : problems.Sorted())
-    lines += check::LineOf(one, file) + "\n";
-  std::cerr << lines << std::flush;
-  return problems.Errors();
-}
-
 std::string Counted(std::size_t count, const char* noun)
 {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
@@ -190,15 +180,8 @@ void PrintStudy(const cases::Study& study)
 
 ExitStatus Run(const Options& options)
 {
-  const std::optional<std::string> text = FileText(options.file);
-  if (!text)
-    Fatal("can't read file ", options.file, "\n");
-  if (IsProblemFile(options.file))
-    Fatal("error: ", options.file, " is a problem file, not a file of load cases\n");
-  cases::Problems problems(cases::Problems::LostData::Warning);
-  const std::unique_ptr<cases::Study> study =
-      cases::ReadStudy(options.file, *text, options.write, problems);
-  if (PrintProblems(problems, options.file) > 0 || !study)
+  const std::unique_ptr<cases::Study> study = cases::OpenStudy(options.file, options.write);
+  if (!study)
     return ExitStatus::Failed;
   std::vector<std::string> unmatched;
   cases::Selection selection = cases::Select(*study, options.write, unmatched);

@@ -19,6 +19,8 @@ public:
 
   const std::filesystem::path& Model() const { return model; }
   results::Files Files() const;
+  /// True when the command line has one of the options.
+  bool NamesResults() const { return post || text || anyTime; }
 
   /// Fatal when one of the files to be written is also read.
   void RefuseOverwriting(std::span<const std::optional<std::filesystem::path>> outputs) const;

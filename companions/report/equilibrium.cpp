@@ -76,12 +76,27 @@ Equilibrium EquilibriumOf(const model::Model& model, const std::vector<Wrench>& 
   }
   found.loads = applied.sum;
   found.reactions = reactions.sum;
-  const double force = std::max(applied.forces, reactions.forces);
+  const double force = found.scale = std::max(applied.forces, reactions.forces);
   const double moment = force * arm + std::max(applied.moments, reactions.moments);
   found.forceResidual = Ratio(LargestOfSum(found.loads.force, found.reactions.force), force);
   found.residual = std::max(
       found.forceResidual, Ratio(LargestOfSum(found.loads.moment, found.reactions.moment), moment));
   return found;
+}
+
+void RelateToLargest(std::span<Equilibrium> cases)
+{
+  constexpr double kLeast = 1e-9;
+  double largest = 0.0;
+  for (const Equilibrium& one : cases)
+    largest = std::max(largest, one.scale);
+  for (Equilibrium& one : cases) {
+    const double least = kLeast * largest;
+    if (one.scale >= least)
+      continue;
+    one.residual *= one.scale / least;
+    one.forceResidual *= one.scale / least;
+  }
 }
 
 std::string AdviceOf(const Equilibrium& equilibrium, const model::Model& model,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,7 @@ struct Equilibrium
   /// times half the box's diagonal, plus the larger of the sums of |moment|.
   double residual = 0.0;
   double forceResidual = 0.0;  ///< of the forces alone
+  double scale = 0.0;          ///< of forces
 
   bool IsBalanced() const { return residual <= kLimit; }
 };
@@ -32,6 +34,10 @@ struct Equilibrium
 /// the shells. `iterated`: the equations have been solved by iteration.
 std::string AdviceOf(const Equilibrium& equilibrium, const model::Model& model,
                      ShellFormulation formulation, bool iterated);
+
+/// Makes the residuals of load cases of one structure relative to at least 1e-9 of the largest
+/// scale of all: a settlement that causes no forces has reactions from rounding only.
+void RelateToLargest(std::span<Equilibrium> cases);
 
 /// The balance of the loads, by position in the model's list of nodes, and the reactions.
 Equilibrium EquilibriumOf(const model::Model& model, const std::vector<Wrench>& loads,

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -7,15 +6,17 @@
 #include <string>
 #include <vector>
 
-#include "check/check.h"
+#include "base/errorwriter.h"
+#include "case_file/check_cases.h"
 #include "common/command_line.h"
-#include "common/file_text.h"
 #include "common/input_files.h"
 #include "common/model_data.h"
 #include "common/result_data.h"
 #include "problem/problem.h"
 #include "report/applied_loads.h"
+#include "report/case_report.h"
 #include "report/equilibrium.h"
+#include "report/findings_of.h"
 #include "report/page.h"
 #include "report/page_data.h"
 
@@ -34,34 +35,15 @@ struct Options
 void Declare(CLI::App& app, Options& options)
 {
   options.input.Declare(app);
+  app.get_option("model")->description(
+      "the problem file of a run of morlen, or a file of load cases (.cases)");
   app.add_option("-o,--output", options.output, "the report (default: MODEL.html)")
       ->type_name("FILE");
   app.footer(
-      "It runs nothing: run morlen first. MODEL is the name of the problem file without its "
-      "ending.\n"
+      "It runs nothing: run morlen first. Only load cases are solved. MODEL is the name of the "
+      "problem file without its ending.\n"
       "Exit status: 0; 1 when loads and reactions are not in equilibrium; 2 when the report "
       "cannot be made.");
-}
-
-// The problems that morlen-check finds in the problem file.
-std::vector<Finding> FindingsIn(const fs::path& file)
-{
-  const std::string text = FileText(file).value_or("");
-  std::vector<Finding> findings;
-  for (const check::Located& problem : check::CheckText(text).problems)
-    findings.push_back({.error = problem.severity == check::Severity::Error,
-                        .place = check::PlaceOf(problem, file.filename().string()),
-                        .text = check::TextOf(problem)});
-  return findings;
-}
-
-void WarnOfErrors(const std::vector<Finding>& findings, const std::string& file)
-{
-  const auto errors = std::count_if(findings.begin(), findings.end(),
-                                    [](const Finding& finding) { return finding.error; });
-  if (errors > 0)
-    std::cerr << "warning: errors in the problem file, " << errors << ": see morlen-check " << file
-              << "\n";
 }
 
 ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advice)
@@ -77,6 +59,12 @@ ExitStatus Report(const Options& options)
 {
   const fs::path& file = options.input.Model();
   const fs::path output = options.output.value_or(fs::path(file).replace_extension("html"));
+  if (cases::IsCaseFile(file.string())) {
+    if (options.input.NamesResults())
+      Fatal(
+          "error: --results, --text and --any-time are for problem files: load cases are solved\n");
+    return ReportCases(file, output);
+  }
   options.input.RefuseOverwriting(std::array{std::optional(output)});
   Problem problem(100);
   model::ReadProblemFile(file, problem);

@@ -9,16 +9,9 @@
 #include "common/result_data.h"
 #include "report/applied_loads.h"
 #include "report/equilibrium.h"
+#include "report/page_parts.h"
 
 namespace morlen {
-
-/// A finding of the check of a problem file.
-struct Finding
-{
-  bool error;         ///< else a warning
-  std::string place;  ///< file, line and column
-  std::string text;
-};
 
 /// The content of a report. The objects that it refers to are borrowed.
 struct ReportContent

@@ -34,7 +34,7 @@ MAY_USE = {
     "export": CORE + " common",
     "case_file": CORE + " common check export kit",
     "check_program": CORE + " common check case_file",
-    "report": CORE + " common check",
+    "report": CORE + " common check case_file kit",
 }
 ALLOWED = {layer: set(others.split()) | {layer} for layer, others in MAY_USE.items()}
 

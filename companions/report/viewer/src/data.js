@@ -11,20 +11,22 @@ export function unpack({ type, data }) {
   return new TYPES[type](bytes.buffer);
 }
 
-class Column {
-  constructor(packed) {
-    this.name = packed.name;
-    this.unit = packed.unit;
-    this.words = packed.words ?? null;
-    this.packed = packed;
+export class Column {
+  /** make(): the values. words: those of a column of words, whose values are places in them. */
+  constructor(name, unit, make, words = null) {
+    Object.assign(this, { name, unit, make, words });
+  }
+
+  static unpacked(packed) {
+    return new Column(packed.name, packed.unit, () => unpack(packed), packed.words ?? null);
   }
 
   get values() {
-    if (!this.unpacked) {
-      this.unpacked = unpack(this.packed);
-      this.packed = null;
+    if (this.make) {
+      this.made = this.make();
+      this.make = null;
     }
-    return this.unpacked;
+    return this.made;
   }
 
   /** The cell of a row as a number, a word, or null. */
@@ -39,12 +41,15 @@ class Column {
   }
 }
 
-class Table {
-  constructor({ name, rows, columns }) {
-    this.name = name;
-    this.rows = rows;
-    this.columns = columns.map((column) => new Column(column));
-    this.byName = new Map(this.columns.map((column) => [column.name, column]));
+export class Table {
+  /** hidden: further columns, which are found by their names only. */
+  constructor(name, rows, columns, hidden = []) {
+    Object.assign(this, { name, rows, columns });
+    this.byName = new Map([...columns, ...hidden].map((column) => [column.name, column]));
+  }
+
+  static unpacked({ name, rows, columns }) {
+    return new Table(name, rows, columns.map(Column.unpacked));
   }
 
   column(name) {
@@ -52,10 +57,18 @@ class Table {
   }
 }
 
-/** Reads the data block of the page. */
-export function readReport(text) {
-  const report = JSON.parse(text);
-  report.tables = report.tables.map((table) => new Table(table));
-  report.table = (name) => report.tables.find((table) => table.name === name) ?? null;
-  return report;
+export const unpackLoads = ({ surfaces, beams, q }) => ({
+  surfaces: unpack(surfaces),
+  beams: unpack(beams),
+  q: unpack(q),
+});
+
+/** Gives a report its tables. */
+export function withTables(report, tables) {
+  return { ...report, tables, table: (name) => tables.find((one) => one.name === name) ?? null };
+}
+
+/** Reads the report of a run from the data block of the page. */
+export function readReport(data) {
+  return withTables({ ...data, loads: unpackLoads(data.loads) }, data.tables.map(Table.unpacked));
 }

@@ -16,6 +16,24 @@ export const DIAGRAMS = {
   Mz: { axis: 1, sign: -1, title: "Bending moment Mz", positive: "tension at \u2212y\u2032" },
 };
 
+/**
+ * The curves of a diagram: one, or of an envelope that of the least and that of the largest values,
+ * each with the column of the combinations that govern.
+ */
+export function curvesOf(diagrams, name) {
+  const curve = (key, label) => {
+    const column = diagrams?.column(`${name}${key}`);
+    if (!column) return null;
+    const { values, unit } = column;
+    return { label, values, unit, by: diagrams.column(`${name}${key} by`) };
+  };
+  const one = curve("", "");
+  return one ? [one] : [curve(" min", "min"), curve(" max", "max")].filter(Boolean);
+}
+
+export const hasDiagram = (diagrams, name) =>
+  [name, `${name} min`].some((key) => diagrams?.column(key));
+
 export class DiagramView {
   constructor(model) {
     this.model = model;
@@ -28,15 +46,16 @@ export class DiagramView {
     for (const part of this.group.children) part.geometry.dispose();
     this.group.clear();
     this.labels = [];
-    const values = name ? this.model.diagrams.column(name)?.values : null;
-    if (!values) return;
-    const { min, max } = extremesOf(values);
-    const largest = Math.max(-min, max);
+    const curves = name ? curvesOf(this.model.diagrams, name).map(({ values }) => values) : [];
+    const ranges = curves.map(extremesOf);
+    const largest = Math.max(0, ...ranges.map(({ min, max }) => Math.max(-min, max)));
     if (!(largest > 0)) return;
-    const ribbon = new Ribbon();
-    for (let b = 0; b < this.model.beams.length; ++b)
-      this.addBeam(ribbon, name, values, b, height / largest);
-    this.group.add(...ribbon.objects());
+    for (const values of curves) {
+      const ribbon = new Ribbon();
+      for (let b = 0; b < this.model.beams.length; ++b)
+        this.addBeam(ribbon, name, values, b, height / largest);
+      this.group.add(...ribbon.objects());
+    }
   }
 
   addBeam(ribbon, name, values, b, scale) {

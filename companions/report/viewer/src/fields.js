@@ -48,10 +48,31 @@ function displacementFields(model, translations) {
   }));
 }
 
+/** Of an envelope the least and the largest values: of nodes, and along beams. */
+function displacementExtremes(report, model) {
+  const table = report.table("displacements");
+  const names = table.columns
+    .map(({ name }) => name)
+    .filter((name) => /^u.? (min|max)$/.test(name));
+  return names.map((name) => ({
+    id: name,
+    label: name.startsWith("u ") ? name.replace("u", "|u|") : name,
+    group: "Displacements",
+    title: `Displacement ${name}`,
+    unit: model.units.length,
+    get nodes() {
+      return table.column(name).values;
+    },
+    get beams() {
+      return model.diagrams?.column(name).values;
+    },
+  }));
+}
+
 function columnFields(table, group, place, skip) {
   if (!table) return [];
   return table.columns
-    .filter((column) => !skip.test(column.name))
+    .filter((column) => !column.words && !skip.test(column.name))
     .map((column) => ({
       id: `${place}:${column.name}`,
       label: column.name.replace("_", " "),
@@ -66,10 +87,12 @@ function columnFields(table, group, place, skip) {
 
 export function fieldsOf(report, model) {
   return [
-    ...displacementFields(model, report.model.translations),
+    ...(report.isEnvelope
+      ? displacementExtremes(report, model)
+      : displacementFields(model, report.model.translations)),
     ...columnFields(report.table("shell_forces"), "Shells", "points", /^element$|^point$|Euler/),
     ...columnFields(report.table("stresses"), "Solids", "nodes", /^node$/),
-    ...columnFields(model.diagrams, "Beams", "beams", /^element$|^point$|^u[xyz]$/),
+    ...columnFields(model.diagrams, "Beams", "beams", /^element$|^point$|^u[xyz]?( |$)/),
   ];
 }
 

@@ -18,6 +18,10 @@ export class Labels {
     this.sources.set(kind, { colour, labels });
   }
 
+  clear() {
+    this.sources.clear();
+  }
+
   draw() {
     const { width, height } = this.stage;
     const ratio = Math.min(window.devicePixelRatio, 2);

@@ -4,7 +4,7 @@ import * as THREE from "three";
 import { BeamView } from "./beam_view.js";
 import { ColourScale } from "./colours.js";
 import { readReport } from "./data.js";
-import { DiagramView } from "./diagrams.js";
+import { DiagramView, curvesOf } from "./diagrams.js";
 import { format, h } from "./dom.js";
 import { ShellPoints, extremesOfField, fieldsOf } from "./fields.js";
 import { Highlight } from "./highlight.js";
@@ -15,7 +15,17 @@ import { Model, SHELL } from "./model.js";
 import { onClick, pick } from "./picking.js";
 import { principalCrosses } from "./principal.js";
 import { Stage, deformable } from "./scene.js";
-import { balanceCard, checkCard, extremesCard, header, modelCard } from "./summary.js";
+import { Selector } from "./selector.js";
+import { Study } from "./study.js";
+import {
+  balanceCard,
+  caseBalancesCard,
+  checkCard,
+  envelopeCard,
+  extremesCard,
+  header,
+  modelCard,
+} from "./summary.js";
 import { SurfaceView } from "./surface_view.js";
 import { hingeSymbols, loadSymbols, reactionSymbols, supportSymbols } from "./symbols.js";
 import { TableView, printedTables } from "./tables.js";
@@ -24,24 +34,48 @@ import { Toolbar } from "./toolbar.js";
 const PRINTED_ROWS = 60;
 
 class Report {
-  constructor(report) {
-    this.report = report;
-    this.model = new Model(report);
-    this.shells = new ShellPoints(this.model, report.table("shell_forces"));
-    this.fields = fieldsOf(report, this.model);
+  constructor(data) {
+    this.study = data.study ? new Study(data) : null;
+    this.selector = this.study && new Selector(this.study, (selection) => this.show(selection));
     this.factor = { value: 0 }; // of the displacements, shared by all materials
-    /** The factor at the middle of the slider: the largest displacement is 6% of the model's size. */
-    this.usualFactor =
-      this.model.largest > 0 ? niceFactor((0.06 * this.model.box.size) / this.model.largest) : 1;
     this.selected = -1;
+    this.remembered = {}; // values of controls
+    this.take(this.study ? this.study.view(this.study.all[0]) : readReport(data));
     this.layOut();
+    this.fillPage();
     try {
+      this.makeStage();
       this.fillStage();
     } catch (fault) {
       this.doWithoutView(fault);
       return;
     }
     this.showAtFirst();
+  }
+
+  /** Makes a report the one that is shown. */
+  take(report) {
+    this.report = report;
+    this.model = new Model(report);
+    this.shells = new ShellPoints(this.model, report.table("shell_forces"));
+    this.fields = fieldsOf(report, this.model);
+    /** The factor at the middle of the slider: the largest displacement is 6% of the model's size. */
+    this.usualFactor =
+      this.model.largest > 0 ? niceFactor((0.06 * this.model.box.size) / this.model.largest) : 1;
+  }
+
+  /** Shows a case, a combination or an envelope in the same way as the one before. */
+  show(selection) {
+    this.remembered = { ...this.remembered, ...this.toolbar.state };
+    this.take(this.study.view(selection));
+    this.fillPage();
+    if (this.stage) {
+      this.stage.clear();
+      this.labels.clear();
+      this.fillStage();
+      this.drawAll();
+    }
+    this.select(this.selected);
   }
 
   /** The rest of the report needs no graphics. */
@@ -58,18 +92,19 @@ class Report {
     this.select(-1);
   }
 
+  /** The parts of the page that stay, with empty ones for what changes. */
   layOut() {
-    const { report, model } = this;
     this.canvasBox = h("div", { class: "canvas" });
     this.legend = h("div", { class: "legend", id: "legend", hidden: true });
-    this.toolbar = new Toolbar(this);
     this.panel = h("aside", { id: "panel" });
-    const onplace = (kind, number) => this.choose(kind, Number(number));
-    this.tables = new TableView(report.tables, onplace);
+    this.toolbar = new Toolbar(this);
+    const part = () => h("div");
+    this.parts = { head: part(), cards: part(), tables: part() };
     document
       .getElementById("report")
       .append(
-        header(report),
+        this.parts.head,
+        ...(this.selector ? [this.selector.element] : []),
         h(
           "section",
           { class: "view" },
@@ -86,29 +121,58 @@ class Report {
           ),
           this.panel,
         ),
-        h(
-          "div",
-          { class: "cards" },
-          modelCard(report, model),
-          balanceCard(report, model),
-          checkCard(report),
-        ),
-        extremesCard(report, model, this.shells, this.fields, onplace),
-        h("section", { class: "card screen-only" }, h("h2", {}, "Tables"), this.tables.element),
-        printedTables(report.tables, PRINTED_ROWS),
+        this.parts.cards,
+        this.parts.tables,
         h(
           "footer",
           {},
-          `${report.program}. Displacements, reactions and nodal loads are in global axes, forces of elements in local ones; signs as in the result files.`,
+          `${this.report.program}. Displacements, reactions and nodal loads are in global axes, forces of elements in local ones; signs as in the result files.`,
         ),
       );
+  }
+
+  /** What belongs to the report that is shown. */
+  fillPage() {
+    const { report, model } = this;
+    const onplace = (kind, number) => this.choose(kind, Number(number));
+    const toolbar = new Toolbar(this);
+    toolbar.adopt(this.remembered);
+    this.toolbar.element.replaceWith(toolbar.element);
+    this.toolbar = toolbar;
+    this.selector?.show(report.selection);
+    const open = this.tables?.table.name;
+    this.tables = new TableView(report.tables, onplace, open);
+    this.parts.head.replaceChildren(header(report));
+    this.parts.cards.replaceChildren(
+      h(
+        "div",
+        { class: "cards" },
+        modelCard(report, model),
+        balanceCard(report, model),
+        report.balances ? caseBalancesCard(report, model) : null,
+        checkCard(report),
+      ),
+      report.isEnvelope
+        ? envelopeCard(report, onplace)
+        : extremesCard(report, model, this.shells, this.fields, onplace),
+    );
+    this.parts.tables.replaceChildren(
+      h("section", { class: "card screen-only" }, h("h2", {}, "Tables"), this.tables.element),
+      printedTables(report.tables, PRINTED_ROWS),
+    );
     this.tables.drawRows();
+  }
+
+  makeStage() {
+    this.stage = new Stage(this.canvasBox, this.model);
+    this.labels = new Labels(this.stage);
+    onClick(this.stage.renderer.domElement, (point) =>
+      this.select(pick(this.stage, this.model, this.views, this.factor.value, point)),
+    );
   }
 
   fillStage() {
     const { model, report } = this;
-    this.stage = new Stage(this.canvasBox, model);
-    this.labels = new Labels(this.stage);
     const meshes = Array.from({ length: report.model.meshes }, (_, i) => i + 1);
     this.views = {
       surfaces: meshes.map((mesh) => new SurfaceView(model, mesh, this.factor)),
@@ -137,9 +201,6 @@ class Report {
       this.crosses,
       this.highlight.line,
     );
-    onClick(this.stage.renderer.domElement, (point) =>
-      this.select(pick(this.stage, model, this.views, this.factor.value, point)),
-    );
   }
 
   /** Smaller where many supports are close together. */
@@ -155,13 +216,25 @@ class Report {
     if (model.plane && model.diagrams) this.toolbar.diagram.value = "Mz";
     else this.toolbar.colours.value = has("nodes:von_Mises") ? "nodes:von_Mises" : "u";
     this.toolbar.deformation.value = model.plane ? 0.5 : 1;
-    for (const name of Object.keys(this.symbols))
-      this.showSymbols(name, document.getElementById(name).checked);
-    this.colour();
-    this.showDiagram();
-    this.deform();
+    this.drawAll();
     this.stage.look(model.plane ? "top" : "iso");
     this.select(model.has(SHELL) ? -1 : this.mostBent());
+  }
+
+  /** Draws everything as the controls say. */
+  drawAll() {
+    const isOn = (id) => document.getElementById(id)?.checked ?? false;
+    for (const name of Object.keys(this.symbols)) this.showSymbols(name, isOn(name));
+    this.views.surfaces.forEach((_, i) => this.showMesh(i, this.meshIsOn(i)));
+    this.showNumbers(isOn("numbers"));
+    this.colour();
+    this.showDiagram();
+    this.showDirections();
+    this.deform();
+  }
+
+  meshIsOn(mesh) {
+    return document.getElementById(`mesh${mesh + 1}`)?.checked ?? true;
   }
 
   /** The beam with the largest bending moment; -1 without beams. */
@@ -169,8 +242,7 @@ class Report {
     const { model } = this;
     let found = -1,
       largest = 0;
-    for (const name of ["My", "Mz"]) {
-      const values = model.diagrams?.column(name)?.values ?? [];
+    for (const { values } of ["My", "Mz"].flatMap((name) => curvesOf(model.diagrams, name))) {
       for (let i = 0; i < values.length; ++i) {
         if (Math.abs(values[i]) <= largest) continue;
         largest = Math.abs(values[i]);
@@ -208,7 +280,7 @@ class Report {
   }
 
   showDirections() {
-    const kind = this.toolbar.directions.value;
+    const kind = this.report.isEnvelope ? "" : this.toolbar.directions.value;
     this.crosses.geometry.dispose();
     this.crosses.geometry = kind
       ? principalCrosses(this.report, this.model, this.shells, kind)
@@ -217,7 +289,9 @@ class Report {
   }
 
   deform() {
-    this.factor.value = this.toolbar.deformation.value * this.usualFactor;
+    this.factor.value = this.report.isEnvelope
+      ? 0
+      : this.toolbar.deformation.value * this.usualFactor;
     this.toolbar.factor.textContent = `\u00d7 ${format(this.factor.value, 3)}`;
     for (const view of [...this.views.beams, ...this.views.surfaces])
       view.deform(this.factor.value);
@@ -286,4 +360,4 @@ function niceFactor(value) {
 }
 
 /** For scripts and tests: the report of this page. */
-window.morlenReport = new Report(readReport(document.getElementById("data").textContent));
+window.morlenReport = new Report(JSON.parse(document.getElementById("data").textContent));

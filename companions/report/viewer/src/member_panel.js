@@ -1,6 +1,6 @@
 // What has been clicked: the diagrams of a beam, or the values of a shell or solid.
 
-import { DIAGRAMS } from "./diagrams.js";
+import { DIAGRAMS, curvesOf, hasDiagram } from "./diagrams.js";
 import { format, h, svg, withUnit } from "./dom.js";
 import { extremesOf } from "./fields.js";
 import { BEAM, SHELL, dot } from "./model.js";
@@ -15,30 +15,37 @@ const NOTHING = 1e-6; // of the largest value in the model: what only rounding h
 const isMoment = (name) => /^[TM]/.test(name);
 
 function largestOf(model, names) {
-  const columns = names.map((name) => model.diagrams.column(name)).filter(Boolean);
-  return columns.reduce(
+  const curves = names.flatMap((name) => curvesOf(model.diagrams, name));
+  return curves.reduce(
     (largest, { values }) => values.reduce((a, b) => Math.max(a, Math.abs(b)), largest),
     0,
   );
 }
 
 /**
- * The diagrams of a member: {title, unit, positive, values, up, least}; up: sign of the drawing;
- * least: the smallest range that is drawn in full height.
+ * The diagrams of a member: {name, title, unit, positive, curves, up, least}; curves: {label, values,
+ * by}, two of an envelope, whose `by` names the combination that governs at a point; up: sign of the
+ * drawing; least: the smallest range that is drawn in full height.
  */
 function diagramsOf(model, element) {
   const b = model.beamOf.get(element),
     { points } = model;
   const force = largestOf(model, ["N", "Vy", "Vz"]),
     moment = largestOf(model, ["T", "My", "Mz"]);
-  const part = (values) => Float64Array.from(values.subarray(b * points, (b + 1) * points));
+  const part = ({ label, values, by }) => ({
+    label,
+    values: Float64Array.from(values.subarray(b * points, (b + 1) * points)),
+    by: by ? (i) => by.cell(b * points + i) : null,
+  });
   const all = Object.entries(DIAGRAMS)
-    .filter(([name]) => model.diagrams.column(name))
+    .filter(([name]) => hasDiagram(model.diagrams, name))
     .map(([name, { title, positive, sign }]) => {
-      const { values, unit } = model.diagrams.column(name);
+      const curves = curvesOf(model.diagrams, name);
       const least = NOTHING * (isMoment(name) ? moment : force);
-      return { name, title, positive, unit, values: part(values), up: sign, least };
+      const { unit } = curves[0];
+      return { name, title, positive, unit, curves: curves.map(part), up: sign, least };
     });
+  if (all.some(({ curves }) => curves.length > 1)) return all;
   const [, y, z] = model.beamAxes(element);
   const along = (axis) =>
     Float64Array.from({ length: points }, (_, i) => {
@@ -50,7 +57,7 @@ function diagramsOf(model, element) {
     title: `Deflection ${name}`,
     positive: `along +${name[1]}\u2032`,
     unit: model.units.length,
-    values: along(axis),
+    curves: [{ label: "", values: along(axis), by: null }],
     up: 1,
     least: NOTHING * model.largest,
   });
@@ -80,48 +87,97 @@ function pieces(values, x) {
   return found;
 }
 
-function drawDiagram({ values, up, least }) {
-  const { min, max, minAt, maxAt } = extremesOf(values);
+/** The places of values in the drawing: x of a point, y of a value. */
+function scalesOf({ curves, up, least }) {
+  const ranges = curves.map(({ values }) => extremesOf(values));
+  const min = Math.min(...ranges.map((range) => range.min)),
+    max = Math.max(...ranges.map((range) => range.max));
   const largest = Math.max(-min, max, least) || 1;
   const [low, high] =
     up > 0 ? [Math.min(0, min), Math.max(0, max)] : [Math.min(0, -max), Math.max(0, -min)];
   const span = Math.max(high - low, least) || largest;
-  const x = (i) => LEFT + (i / (values.length - 1)) * (WIDTH - LEFT - RIGHT);
-  const y = (value) => 18 + ((high - up * value) / span) * (HEIGHT - 36);
-  const drawing = svg("svg", { viewBox: `0 0 ${WIDTH} ${HEIGHT}`, class: "diagram" });
-  for (const piece of pieces(values, x)) {
+  const last = curves[0].values.length - 1;
+  return {
+    largest,
+    x: (i) => LEFT + (i / last) * (WIDTH - LEFT - RIGHT),
+    y: (value) => 18 + ((high - up * value) / span) * (HEIGHT - 36),
+  };
+}
+
+const pointText = (px, py) => `${px.toFixed(2)},${py.toFixed(2)}`;
+
+function areasOf({ values }, { x, y }) {
+  return pieces(values, x).map((piece) => {
     const sign = piece.some(([, value]) => value < 0) ? "negative" : "positive";
-    const points = piece.map(([px, value]) => `${px.toFixed(2)},${y(value).toFixed(2)}`);
-    const feet = [
-      `${piece[piece.length - 1][0].toFixed(2)},${y(0).toFixed(2)}`,
-      `${piece[0][0].toFixed(2)},${y(0).toFixed(2)}`,
-    ];
-    drawing.append(svg("polygon", { points: [...points, ...feet].join(" "), class: sign }));
-  }
-  drawing.append(svg("line", { x1: LEFT, x2: WIDTH - RIGHT, y1: y(0), y2: y(0), class: "axis" }));
+    const points = piece.map(([px, value]) => pointText(px, y(value)));
+    const feet = [pointText(piece[piece.length - 1][0], y(0)), pointText(piece[0][0], y(0))];
+    return svg("polygon", { points: [...points, ...feet].join(" "), class: sign });
+  });
+}
+
+/** The range between the least and the largest values, and its two borders. */
+function bandOf([low, high], { x, y }) {
+  const line = ({ values }) => Array.from(values, (value, i) => pointText(x(i), y(value)));
+  const [below, above] = [line(low), line(high)];
+  return [
+    svg("polygon", { points: [...below, ...[...above].reverse()].join(" "), class: "band" }),
+    svg("polyline", { points: below.join(" "), class: "negative line" }),
+    svg("polyline", { points: above.join(" "), class: "positive line" }),
+  ];
+}
+
+/** A dot and a number at a point of a curve. */
+function markOf(values, i, up, { x, y }) {
   const last = values.length - 1;
-  const shown = new Set([0, last, minAt, maxAt]);
-  for (const i of shown) {
-    const between = i !== 0 && i !== last;
-    if (between && [0, last].some((end) => Math.abs(values[end] - values[i]) < 1e-3 * largest))
-      continue;
-    const above = up * values[i] >= 0;
-    drawing.append(svg("circle", { cx: x(i), cy: y(values[i]), r: 2 }));
-    drawing.append(
-      svg(
-        "text",
-        {
-          x: x(i),
-          y: y(values[i]) + (above ? -5 : 13),
-          "text-anchor": i === 0 ? "start" : i === last ? "end" : "middle",
-        },
-        format(values[i], 4),
-      ),
-    );
+  const above = up * values[i] >= 0;
+  return [
+    svg("circle", { cx: x(i), cy: y(values[i]), r: 2 }),
+    svg(
+      "text",
+      {
+        x: x(i),
+        y: y(values[i]) + (above ? -5 : 13),
+        "text-anchor": i === 0 ? "start" : i === last ? "end" : "middle",
+      },
+      format(values[i], 4),
+    ),
+  ];
+}
+
+/** Marked are the ends and the extremes that differ from them; of an envelope only its extremes. */
+function marksOf({ curves, up }, scales) {
+  if (curves.length > 1) {
+    const [low, high] = curves.map(({ values }) => values);
+    const { minAt } = extremesOf(low),
+      { maxAt } = extremesOf(high);
+    const marks = markOf(high, maxAt, up, scales);
+    if (Math.abs(high[maxAt] - low[minAt]) > 1e-3 * scales.largest)
+      marks.push(...markOf(low, minAt, up, scales));
+    return marks;
   }
+  const [{ values }] = curves;
+  const { minAt, maxAt } = extremesOf(values);
+  const last = values.length - 1;
+  const isNear = (i) => (end) => Math.abs(values[end] - values[i]) < 1e-3 * scales.largest;
+  return [...new Set([0, last, minAt, maxAt])]
+    .filter((i) => i === 0 || i === last || ![0, last].some(isNear(i)))
+    .flatMap((i) => markOf(values, i, up, scales));
+}
+
+function drawDiagram(diagram) {
+  const scales = scalesOf(diagram);
+  const { curves } = diagram;
   const cursor = svg("line", { y1: 4, y2: HEIGHT - 4, class: "cursor", visibility: "hidden" });
-  drawing.append(cursor);
-  return { drawing, cursor, x };
+  const axis = { x1: LEFT, x2: WIDTH - RIGHT, y1: scales.y(0), y2: scales.y(0), class: "axis" };
+  const drawing = svg(
+    "svg",
+    { viewBox: `0 0 ${WIDTH} ${HEIGHT}`, class: "diagram" },
+    curves.length > 1 ? bandOf(curves, scales) : areasOf(curves[0], scales),
+    svg("line", axis),
+    marksOf(diagram, scales),
+    cursor,
+  );
+  return { drawing, cursor, x: scales.x };
 }
 
 /** A row of a list of facts. */
@@ -137,31 +193,47 @@ function hinges(code) {
   return texts[code] ?? "";
 }
 
+/** "Mz = 3.2", or of an envelope "Mz min = -1.5 (ULS 2)" and the same for the largest value. */
+function valuesAt({ name, curves }, i) {
+  return curves.map(({ label, values, by }) => {
+    const text = `${label ? `${name} ${label}` : name} = ${format(values[i], 5)}`;
+    return by ? `${text} (${by(i)})` : text;
+  });
+}
+
 function memberPanel(report, model, element) {
   const { elements, units } = model;
   const table = report.table("elements");
   const nodes = [0, 1].map((i) => model.nodeNumbers[model.node(element, i)]);
   const length = model.lengthOf(element);
   const lengthUnit = units.named ? units.length : "";
-  const readout = h("div", { class: "readout" }, "Move over a diagram for its values.");
+  const { isEnvelope } = report;
+  const readout = h(
+    "div",
+    { class: "readout" },
+    isEnvelope
+      ? "Move over a diagram for its values and for what governs."
+      : "Move over a diagram for its values.",
+  );
   const diagrams = diagramsOf(model, element);
   const drawn = diagrams.map((diagram) => ({ diagram, ...drawDiagram(diagram) }));
-  const show = (i) => {
+  const show = (i, hovered) => {
     for (const { cursor, x } of drawn) {
       cursor.setAttribute("x1", x(i));
       cursor.setAttribute("x2", x(i));
       cursor.setAttribute("visibility", "visible");
     }
     const place = withUnit((i / (model.points - 1)) * length, lengthUnit, 4);
+    const shown = isEnvelope ? [hovered] : diagrams;
     readout.textContent = [
       `x\u2032 = ${place}`,
-      ...diagrams.map(({ name, values }) => `${name} = ${format(values[i], 5)}`),
+      ...shown.flatMap((diagram) => valuesAt(diagram, i)),
     ].join("   ");
   };
-  const follow = (event) => {
+  const follow = (hovered) => (event) => {
     const box = event.currentTarget.getBoundingClientRect();
     const t = (((event.clientX - box.left) / box.width) * WIDTH - LEFT) / (WIDTH - LEFT - RIGHT);
-    show(Math.min(model.points - 1, Math.max(0, Math.round(t * (model.points - 1)))));
+    show(Math.min(model.points - 1, Math.max(0, Math.round(t * (model.points - 1)))), hovered);
   };
   return [
     h("h3", {}, `Member ${elements.numbers[element]}`),
@@ -175,7 +247,7 @@ function memberPanel(report, model, element) {
     ),
     readout,
     drawn.map(({ diagram, drawing }) => {
-      drawing.addEventListener("pointermove", follow);
+      drawing.addEventListener("pointermove", follow(diagram));
       return h(
         "figure",
         {},
@@ -192,9 +264,13 @@ function memberPanel(report, model, element) {
     h(
       "p",
       { class: "sign" },
-      "Drawn from end 1 (left) to end 2 with the local axis y\u2032 or z\u2032 upwards; moments stand on the side of " +
-        "the tension. Forces act on the side of end 1. Values between the ends include the loads along the member. Deflections are the displacements along " +
-        "the local axes, those of the ends included.",
+      [
+        "Drawn from end 1 (left) to end 2 with the local axis y\u2032 or z\u2032 upwards; moments stand on the side of the tension.",
+        "Forces act on the side of end 1. Values between the ends include the loads along the member.",
+        isEnvelope
+          ? "Red: the largest values; blue: the least ones."
+          : "Deflections are the displacements along the local axes, those of the ends included.",
+      ].join(" "),
     ),
   ];
 }
@@ -229,7 +305,13 @@ function valueTable(heads, rows) {
 
 function shellTable(table, shells, element) {
   const places = Array.from({ length: shells.count[element] }, (_, i) => shells.first[element] + i);
-  const columns = table.columns.filter(({ name }) => !/^element$|^point$|Euler/.test(name));
+  const columns = table.columns.filter(
+    ({ name, words }) => !words && !/^element$|^point$|Euler/.test(name),
+  );
+  const cell = (column, row) => {
+    const by = table.column(`${column.name} by`);
+    return [format(column.values[row]), by ? h("small", {}, by.cell(row)) : null];
+  };
   const heads = [
     "value",
     ...places.map((_, i) =>
@@ -239,26 +321,25 @@ function shellTable(table, shells, element) {
   ];
   return valueTable(
     heads,
-    columns.map((column) => [
-      column.name,
-      ...places.map((row) => format(column.values[row])),
-      column.unit,
-    ]),
+    columns.map((column) => [column.name, ...places.map((row) => cell(column, row)), column.unit]),
   );
 }
 
-function nodeTable(model, fields, element) {
+function nodeTable(model, fields, isEnvelope, element) {
   const nodes = Array.from({ length: model.elements.nodeCounts[element] }, (_, i) =>
     model.node(element, i),
   );
-  const nodal = fields.filter((field) => "nodes" in field && field.group !== "Displacements");
-  const heads = ["node", "ux", "uy", "uz", ...nodal.map((field) => field.label)];
+  const nodal = fields.filter(
+    (field) => "nodes" in field && (isEnvelope || field.group !== "Displacements"),
+  );
+  const axes = isEnvelope ? [] : [0, 1, 2];
+  const heads = ["node", ...axes.map((k) => ["ux", "uy", "uz"][k]), ...nodal.map((f) => f.label)];
   const values = nodal.map((field) => field.nodes);
   return valueTable(
     heads,
     nodes.map((node) => [
       format(model.nodeNumbers[node]),
-      ...[0, 1, 2].map((k) => format(model.displacements[3 * node + k], 4)),
+      ...axes.map((k) => format(model.displacements[3 * node + k], 4)),
       ...values.map((of) => format(of[node], 4)),
     ]),
   );
@@ -285,7 +366,7 @@ function elementPanel(report, model, shells, fields, element) {
             "of +z\u2032, from bending along x\u2032 and y\u2032. Shears: along +z\u2032 on the side that looks to +x\u2032 (+y\u2032).",
         )
       : null,
-    h("div", { class: "wide" }, nodeTable(model, fields, element)),
+    h("div", { class: "wide" }, nodeTable(model, fields, report.isEnvelope, element)),
   ];
 }
 

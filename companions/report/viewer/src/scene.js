@@ -85,6 +85,20 @@ export class Stage {
     this.camera.updateProjectionMatrix();
   }
 
+  /** Removes and frees everything but the lights and the camera. */
+  clear() {
+    const stays = (object) => object.isLight || object.isCamera;
+    for (const object of this.scene.children.filter((one) => !stays(one))) {
+      this.scene.remove(object);
+      object.traverse(({ geometry, material }) => {
+        geometry?.dispose();
+        material?.map?.dispose();
+        material?.dispose();
+      });
+    }
+    this.thickLines = [];
+  }
+
   /** Looks at the whole model from one of VIEWS. */
   look(name) {
     const [direction, up] = VIEWS[name];

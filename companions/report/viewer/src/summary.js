@@ -1,7 +1,7 @@
 // What the model is, whether loads and reactions balance, the findings of the check, the extremes.
 
 import { format, h } from "./dom.js";
-import { extremesOfField } from "./fields.js";
+import { extremesOf, extremesOfField } from "./fields.js";
 
 const row = (...cells) =>
   h(
@@ -62,8 +62,10 @@ export function modelCard(report, model) {
   );
 }
 
+/** Loads and reactions of the present choice; null for an envelope. */
 export function balanceCard(report, model) {
   const { equilibrium, units } = report;
+  if (!equilibrium) return null;
   const { plane } = model;
   const names = plane ? ["Fx", "Fy", "Mz"] : ["Fx", "Fy", "Fz", "Mx", "My", "Mz"];
   const places = plane ? [0, 1, 5] : [0, 1, 2, 3, 4, 5];
@@ -71,8 +73,6 @@ export function balanceCard(report, model) {
     .slice(0, plane ? 2 : 3)
     .map((value) => format(value, 4))
     .join(", ");
-  const limit = equilibrium.limit.toExponential(0);
-  const residual = equilibrium.residual.toExponential(1);
   const isForce = (k) => k < 3;
   /** Without what only rounding has left. */
   const largest = Math.max(
@@ -104,19 +104,123 @@ export function balanceCard(report, model) {
         }),
       ),
     ),
-    h(
-      "p",
-      { class: equilibrium.balanced ? "verdict good" : "verdict bad" },
-      equilibrium.balanced
-        ? `Loads and reactions balance: residual ${residual}, below ${limit}.`
-        : `Warning: loads and reactions do not balance: residual ${residual}, above ${limit}. ${equilibrium.advice}`,
-    ),
+    equilibrium.residual === null ? null : verdict(equilibrium),
     h(
       "p",
       { class: "note" },
       `Moments are about (${center}), the middle of the model. The residual is the largest sum relative to ` +
         "the sizes of all loads or reactions.",
     ),
+  );
+}
+
+function verdict({ balanced, residual, limit, advice }) {
+  const size = residual.toExponential(1),
+    bound = limit.toExponential(0);
+  return h(
+    "p",
+    { class: balanced ? "verdict good" : "verdict bad" },
+    balanced
+      ? `Loads and reactions balance: residual ${size}, below ${bound}.`
+      : `Warning: loads and reactions do not balance: residual ${size}, above ${bound}. ${advice}`,
+  );
+}
+
+/** The sum of the loads and the residual of every load case. */
+export function caseBalancesCard(report, model) {
+  const { units, balances } = report;
+  const names = ["Fx", "Fy", "Fz"].slice(0, model.plane ? 2 : 3);
+  const largest = Math.max(
+    ...balances.flatMap(({ equilibrium }) => equilibrium.loads.slice(0, 3).map(Math.abs)),
+  );
+  const clean = (value) => (Math.abs(value) < 1e-10 * largest ? 0 : value);
+  const line = ({ name, equilibrium: { loads, residual, balanced } }) =>
+    h(
+      "tr",
+      { class: balanced ? "" : "unbalanced" },
+      h("th", {}, name),
+      names.map((_, k) => h("td", {}, format(clean(loads[k]), 5))),
+      h("td", {}, residual.toExponential(1)),
+    );
+  const bad = balances.filter(({ equilibrium }) => !equilibrium.balanced);
+  const limit = balances[0].equilibrium.limit.toExponential(0);
+  return card(
+    "balances",
+    "Balance of every case",
+    h(
+      "div",
+      { class: "scroll" },
+      h(
+        "table",
+        { class: "sums" },
+        h(
+          "thead",
+          {},
+          row("loads", ...names.map((name) => [name, h("small", {}, units.force)]), "residual"),
+        ),
+        h("tbody", {}, balances.map(line)),
+      ),
+    ),
+    h(
+      "p",
+      { class: bad.length ? "verdict bad" : "verdict good" },
+      bad.length
+        ? `Warning: loads and reactions do not balance: ${bad.map(({ name }) => name).join(", ")}. ${bad[0].equilibrium.advice}`
+        : `Loads and reactions of every case balance: all residuals are below ${limit}.`,
+    ),
+  );
+}
+
+const GROUPS = {
+  displacements: ["Displacements", "node"],
+  reactions: ["Reactions", "node"],
+  beam_diagrams: ["Beams", "element"],
+  shell_forces: ["Shells", "element"],
+  stresses: ["Solids", "node"],
+};
+
+/** The least and the largest value of every component over an envelope, and what governs. */
+export function envelopeCard(report, onplace) {
+  const lines = [];
+  for (const [name, [group, key]] of Object.entries(GROUPS)) {
+    const table = report.table(name);
+    for (const column of table?.columns ?? []) {
+      const component = column.name.match(/^(.*) min$/)?.[1];
+      if (!component || (name === "beam_diagrams" && /^u/.test(component))) continue;
+      lines.push(envelopeLine(table, component, group, key, onplace));
+    }
+  }
+  const heads = ["", "", "least", "at", "by", "largest", "at", "by"];
+  return card(
+    "extremes",
+    "Extremes",
+    h(
+      "div",
+      { class: "wide" },
+      h("table", { class: "sums" }, h("thead", {}, row(...heads)), h("tbody", {}, lines)),
+    ),
+  );
+}
+
+function envelopeLine(table, component, group, key, onplace) {
+  const end = (which) => {
+    const column = table.column(`${component} ${which}`);
+    const found = extremesOf(column.values);
+    const [value, at] = which === "min" ? [found.min, found.minAt] : [found.max, found.maxAt];
+    const number = table.column(key).cell(at);
+    const place = h(
+      "button",
+      { class: "link", onclick: () => onplace(key, number) },
+      `${key === "element" ? (table.name === "beam_diagrams" ? "member" : "element") : "node"} ${number}`,
+    );
+    return [format(value), place, table.column(`${component} ${which} by`).cell(at)];
+  };
+  const { unit } = table.column(`${component} min`);
+  return row(
+    [component.replace("_", " "), h("small", {}, unit)],
+    group,
+    ...end("min"),
+    ...end("max"),
   );
 }
 
@@ -182,9 +286,19 @@ function errorBanner(report) {
   );
 }
 
+/** Whether all is in equilibrium, and the words for it. */
+function stateOf({ equilibrium, balances }) {
+  const all = balances ? balances.map((one) => one.equilibrium) : [equilibrium];
+  const residual = Math.max(...all.map((one) => one.residual)).toExponential(1);
+  const bad = all.filter((one) => !one.balanced).length;
+  const state = bad ? "not in equilibrium" : "in equilibrium";
+  if (!balances) return { balanced: !bad, text: `${state}, residual ${residual}` };
+  const which = bad ? `${bad} of ${all.length} cases` : `${all.length} cases`;
+  return { balanced: !bad, text: `${which} ${state}, residual at most ${residual}` };
+}
+
 export function header(report) {
-  const { balanced, residual } = report.equilibrium;
-  const state = balanced ? "in equilibrium" : "not in equilibrium";
+  const { balanced, text } = stateOf(report);
   const description = report.model.description;
   return h(
     "header",
@@ -193,11 +307,7 @@ export function header(report) {
       "div",
       { class: "titles" },
       h("h1", {}, report.model.file),
-      h(
-        "span",
-        { class: balanced ? "badge good" : "badge bad" },
-        `${state}, residual ${residual.toExponential(1)}`,
-      ),
+      h("span", { class: balanced ? "badge good" : "badge bad" }, text),
     ),
     errorBanner(report),
     description.length ? h("pre", { class: "description" }, description.join("\n")) : null,

@@ -2,7 +2,6 @@
 
 import * as THREE from "three";
 import { mergeGeometries } from "three/examples/jsm/utils/BufferGeometryUtils.js";
-import { unpack } from "./data.js";
 import { triples, unit } from "./model.js";
 
 const SUPPORT = 0x2e7d5b,
@@ -216,8 +215,7 @@ function addNodal(arrows, table, model, units) {
 
 /** Loads along beams as rows of arrows whose tails a line connects. */
 function addLinear(arrows, report, model, group, length) {
-  const beams = unpack(report.loads.beams),
-    q = unpack(report.loads.q);
+  const { beams, q } = report.loads;
   const largest = largestOf(q),
     outline = [];
   const unitName = model.units.named ? ` ${model.units.forcePerLength}` : "";
@@ -261,7 +259,7 @@ export function loadSymbols(report, model, length) {
   const group = new THREE.Group();
   if (report.table("nodal_loads")) addNodal(nodal, report.table("nodal_loads"), model, model.units);
   addLinear(linear, report, model, group, 0.6 * length);
-  const forces = unpack(report.loads.surfaces),
+  const forces = report.loads.surfaces,
     largest = largestOf(forces);
   const step = Math.ceil(model.nodeCount / MOST_SURFACE_ARROWS);
   for (let node = 0; largest > 0 && node < model.nodeCount; node += step) {

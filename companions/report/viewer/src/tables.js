@@ -46,7 +46,8 @@ export function sortedRows(column, rows, descending) {
 
 export class TableView {
   /** onrow(kind, number) is called with "node" or "element" and the number in a clicked row. */
-  constructor(tables, onrow) {
+  /** first: the name of the table that is open at first. */
+  constructor(tables, onrow, first = "reactions") {
     this.tables = tables;
     this.onrow = onrow;
     this.tabs = h(
@@ -77,7 +78,7 @@ export class TableView {
       h("div", { class: "tablebar" }, this.tabs, this.search),
       this.scroller,
     );
-    this.open(tables.find((table) => table.name === "reactions") ?? tables[0]);
+    this.open(tables.find((table) => table.name === first) ?? tables[0]);
   }
 
   open(table) {

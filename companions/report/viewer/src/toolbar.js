@@ -1,6 +1,6 @@
 // The controls above the view. Each sets something in the report's view and draws it anew.
 
-import { DIAGRAMS } from "./diagrams.js";
+import { DIAGRAMS, hasDiagram } from "./diagrams.js";
 import { checkbox, h, select } from "./dom.js";
 
 const SPACE_LOOKS = [
@@ -27,10 +27,17 @@ function fieldGroups(fields) {
   }));
 }
 
+/** An option of a select, or the same of an envelope or of a single result; else none. */
+function optionLike(element, value) {
+  const has = (wanted) => [...element.options].some((option) => option.value === wanted);
+  return [value, `${value} max`, value.replace(/ (min|max)$/, "")].find(has) ?? "";
+}
+
 export class Toolbar {
   constructor(view) {
     const { model, report } = view;
-    const diagrams = Object.entries(DIAGRAMS).filter(([name]) => model.diagrams?.column(name));
+    const { isEnvelope } = report;
+    const diagrams = Object.entries(DIAGRAMS).filter(([name]) => hasDiagram(model.diagrams, name));
     this.colours = select("colours", [["", "none"], ...fieldGroups(view.fields)], () =>
       view.colour(),
     );
@@ -63,8 +70,8 @@ export class Toolbar {
       { class: "toolbar" },
       tool("Colours", this.colours, report.table("shell_forces") ? this.smooth : null),
       diagrams.length ? tool("Diagram", this.diagram, this.diagramSize) : null,
-      report.table("shell_forces") ? tool("Principal", this.directions) : null,
-      tool("Deformed", this.deformation, this.factor),
+      report.table("shell_forces") && !isEnvelope ? tool("Principal", this.directions) : null,
+      isEnvelope ? null : tool("Deformed", this.deformation, this.factor),
       h("span", { class: "tool" }, this.symbolChecks(view), this.meshChecks(view)),
       h(
         "span",
@@ -78,10 +85,10 @@ export class Toolbar {
 
   symbolChecks(view) {
     const symbol = (name, shown) => checkbox(name, name, shown, (on) => view.showSymbols(name, on));
+    const { isEnvelope } = view.report;
     return [
       symbol("supports", true),
-      symbol("loads", true),
-      symbol("reactions", false),
+      ...(isEnvelope ? [] : [symbol("loads", true), symbol("reactions", false)]),
       checkbox("numbers", "numbers", false, (on) => view.showNumbers(on)),
     ];
   }
@@ -92,6 +99,27 @@ export class Toolbar {
     return Array.from({ length: meshes }, (_, i) =>
       checkbox(`mesh${i + 1}`, `mesh ${i + 1}`, true, (on) => view.showMesh(i, on)),
     );
+  }
+
+  get controls() {
+    return [...this.element.querySelectorAll("select, input")];
+  }
+
+  /** The values of the controls by their names. */
+  get state() {
+    const valueOf = (one) => (one.type === "checkbox" ? one.checked : one.value);
+    return Object.fromEntries(this.controls.map((one) => [one.id, valueOf(one)]));
+  }
+
+  /** Takes over what fits of the values of another toolbar. */
+  adopt(state) {
+    for (const one of this.controls) {
+      const value = state[one.id];
+      if (value === undefined) continue;
+      if (one.type === "checkbox") one.checked = value;
+      else if (one.tagName === "SELECT") one.value = optionLike(one, value);
+      else one.value = value;
+    }
   }
 
   get isSmooth() {

@@ -1,0 +1,121 @@
+#include "report/case_report.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/errorwriter.h"
+#include "case_file/check_cases.h"
+#include "case_file/open_study.h"
+#include "case_file/results_of.h"
+#include "cases/solved_cases.h"
+#include "common/file_text.h"
+#include "kit/make_kit.h"
+#include "problem/problem.h"
+#include "report/case_data.h"
+#include "report/findings_of.h"
+#include "report/page.h"
+#include "report/page_data.h"
+#include "run/element_families.h"
+
+namespace morlen {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void RefuseOverwriting(const fs::path& file, const fs::path& model, const fs::path& output)
+{
+  for (const fs::path& input : {file, model}) {
+    std::error_code absent;
+    if (fs::equivalent(output, input, absent))
+      Fatal("error: ", output.string(), " is read and can't be written\n");
+  }
+}
+
+// The problems that morlen-check finds in the file with its loads, and in the model.
+std::vector<Finding> FindingsInAll(const fs::path& file, const fs::path& model)
+{
+  const check::Report report = cases::CheckCases(file.string(), FileText(file).value_or(""));
+  std::vector<Finding> findings = FindingsOf(report.problems, file.filename().string());
+  for (Finding& finding : FindingsIn(model)) {
+    const bool known = std::any_of(findings.begin(), findings.end(), [&](const Finding& other) {
+      return other.text == finding.text;
+    });
+    if (!known)
+      findings.push_back(std::move(finding));
+  }
+  return findings;
+}
+
+// Adds every case to the data of the page, one after the other. Returns the balances.
+std::vector<Equilibrium> AddCases(const cases::Study& study,
+                                  const std::vector<CaseActions>& actions,
+                                  const SolvedCases& solved, CasePageData& data)
+{
+  std::vector<Equilibrium> balances;
+  for (int k = 0; k < study.cases; ++k) {
+    results::Results results = cases::ResultsOf(study, solved, study.combinations[k]);
+    results.shellMain = false;
+    balances.push_back(EquilibriumOf(study.model, actions[k].applied.nodes, results));
+    data.Add(actions[k], results);
+  }
+  RelateToLargest(balances);
+  return balances;
+}
+
+std::vector<std::string> AdviceOnAll(const cases::Study& study,
+                                     const std::vector<Equilibrium>& balances)
+{
+  const Problem& problem = *study.problem;
+  const SolverType solver = problem.solverSettings.type;
+  const bool iterated = solver == SolverType::Sparse || solver == SolverType::Double;
+  std::vector<std::string> advice;
+  for (const Equilibrium& one : balances)
+    advice.push_back(AdviceOf(one, study.model, problem.shellFormulation, iterated));
+  return advice;
+}
+
+ExitStatus PrintBalances(const cases::Study& study, const std::vector<Equilibrium>& balances,
+                         const std::vector<std::string>& advice)
+{
+  std::size_t worst = 0;
+  for (std::size_t k = 0; k < balances.size(); ++k) {
+    if (balances[k].residual > balances[worst].residual)
+      worst = k;
+    if (!balances[k].IsBalanced())
+      std::cerr << "warning: load case '" << study.combinations[k].name
+                << "': loads and reactions are not in equilibrium. " << advice[k] << "\n";
+  }
+  std::printf("residual of equilibrium: %.2g, the largest of all cases, of '%s'\n",
+              balances[worst].residual, study.combinations[worst].name.c_str());
+  return balances[worst].IsBalanced() ? ExitStatus::Done : ExitStatus::Found;
+}
+
+}  // namespace
+
+ExitStatus ReportCases(const fs::path& file, const fs::path& output)
+{
+  const std::unique_ptr<cases::Study> study = cases::OpenStudy(file.string(), {});
+  if (!study)
+    return ExitStatus::Failed;
+  RefuseOverwriting(file, study->modelFile, output);
+  const std::vector<Finding> findings = FindingsInAll(file, study->modelFile);
+  const std::vector<CaseActions> actions = ActionsOf(*study);
+  const std::unique_ptr<SolverKit> kit = MakeKit();
+  const SolvedCases solved(*study->problem, FamiliesOf(*study->problem), study->loads,
+                           {.kit = *kit});
+  const std::string name = file.filename().string();
+  CasePageData data(*study, name, DescriptionOf(file), findings);
+  const std::vector<Equilibrium> balances = AddCases(*study, actions, solved, data);
+  const std::vector<std::string> advice = AdviceOnAll(*study, balances);
+  WritePage(output, name, data.Text(balances, advice));
+  WarnOfErrors(findings, file.string());
+  return PrintBalances(*study, balances, advice);
+}
+
+}  // namespace morlen

@@ -93,14 +93,14 @@ Json PackedValues(const std::vector<double>& values, int points)
   if (std::all_of(values.begin(), values.end(), [](double value) { return value == 0.0; }))
     return nullptr;
   if (points == 0)
-    return Packed(values);
+    return PackedExactly(values);
   const int count = CountOfPoints(values, points);
   std::vector<double> kept;
   for (std::size_t first = 0; first < values.size(); first += points) {
     for (const int point : ChosenPoints(count, points))
       kept.push_back(values[first + point]);
   }
-  Json packed = Packed(kept);
+  Json packed = PackedExactly(kept);
   packed["points"] = count;
   return packed;
 }

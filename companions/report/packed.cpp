@@ -138,6 +138,15 @@ Json Packed(std::span<const double> values)
   return Array("f4", std::span<const float>(small));
 }
 
+Json PackedExactly(std::span<const double> values)
+{
+  const std::vector<float> small(values.begin(), values.end());
+  if (!std::equal(values.begin(), values.end(), small.begin(),
+                  [](double value, float other) { return value == static_cast<double>(other); }))
+    return Array("f8", values);
+  return Array("f4", std::span<const float>(small));
+}
+
 Json Packed(const tables::Table& table)
 {
   Json columns = Json::array();

@@ -13,6 +13,9 @@ namespace morlen {
 nlohmann::ordered_json Packed(std::span<const int> values);
 nlohmann::ordered_json Packed(std::span<const double> values);
 
+/// The same without any loss: "f4" only when every value is one of 32 bits.
+nlohmann::ordered_json PackedExactly(std::span<const double> values);
+
 /// A table by columns. The values of a column of words are positions in its list "words", from 0.
 /// An empty cell is NaN in a column of floating numbers, else the least integer.
 nlohmann::ordered_json Packed(const tables::Table& table);

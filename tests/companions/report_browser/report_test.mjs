@@ -12,6 +12,7 @@ import { join } from "node:path";
 import { after, before, test } from "node:test";
 import { pathToFileURL } from "node:url";
 import { Browser } from "./browser.mjs";
+import { PIXELS, assertNear, differing, extremes } from "./helpers.mjs";
 
 const [MORLEN, EXPORT, REPORT, EXAMPLES, CHROMIUM, PICTURES] = process.argv.slice(2);
 const folder = mkdtempSync(join(tmpdir(), "report-test-"));
@@ -58,34 +59,6 @@ async function openExample(name) {
   const page = await browser.open(exampleReport(name), SIZE);
   if (PICTURES) writeFileSync(join(PICTURES, `${name}.png`), await page.screenshot());
   return page;
-}
-
-/** Pixels of the canvas, of every fourth row and column, as "r g b"; with how many are not white. */
-const PIXELS = `(() => {
-  const source = document.querySelector("canvas"), copy = document.createElement("canvas");
-  [copy.width, copy.height] = [source.width >> 2, source.height >> 2];
-  const context = copy.getContext("2d");
-  context.imageSmoothingEnabled = false;
-  context.drawImage(source, 0, 0, copy.width, copy.height);
-  const data = context.getImageData(0, 0, copy.width, copy.height).data;
-  const pixels = [];
-  for (let i = 0; i < data.length; i += 4) pixels.push(data[i] + " " + data[i + 1] + " " + data[i + 2]);
-  return pixels;
-})()`;
-
-const differing = (a, b) => a.reduce((count, pixel, i) => count + (pixel !== b[i]), 0);
-
-const extremes = (values) => [
-  values.reduce((a, b) => Math.min(a, b), Infinity),
-  values.reduce((a, b) => Math.max(a, b), -Infinity),
-];
-
-function assertNear(actual, expected, tolerance, what) {
-  const scale = Math.max(Math.abs(expected), 1e-30);
-  assert.ok(
-    Math.abs(actual - expected) <= tolerance * scale,
-    `${what}: ${actual}, expected ${expected}`,
-  );
 }
 
 for (const name of ["portal_frame", "space_frame", "slab_and_wall", "connecting_rod"]) {

@@ -142,7 +142,7 @@ class Report {
     this.selector?.show(report.selection);
     const open = this.tables?.table.name;
     this.tables = new TableView(report.tables, onplace, open);
-    this.parts.head.replaceChildren(header(report));
+    this.parts.head.replaceChildren(header(report), this.selector?.printed(report.selection) ?? "");
     this.parts.cards.replaceChildren(
       h(
         "div",

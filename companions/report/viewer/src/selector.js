@@ -57,6 +57,16 @@ export class Selector {
     return `least and largest values of ${count} ${count === 1 ? "combination" : "cases and combinations"}`;
   }
 
+  /** The choice as text, for the printer. */
+  printed(selection) {
+    return h(
+      "p",
+      { class: "print-only" },
+      h("b", {}, selection.name),
+      `: ${this.describe(selection)}`,
+    );
+  }
+
   changed() {
     this.onchoose(this.chosen);
   }

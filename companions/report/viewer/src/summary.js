@@ -29,6 +29,9 @@ function kindCounts(model) {
     .join(", ");
 }
 
+/** The loads of combinations are in the view only, those of envelopes nowhere. */
+const hasLoadTables = ({ selection }) => !selection || selection.kind === "case";
+
 export function modelCard(report, model) {
   const { low, high } = model.box;
   const size = high
@@ -50,7 +53,9 @@ export function modelCard(report, model) {
       ),
       row("Materials", format(count("materials"))),
       row("Supported nodes", format(count("supports"))),
-      row("Loads", `${count("nodal_loads")} at nodes, ${count("element_loads")} on elements`),
+      hasLoadTables(report)
+        ? row("Loads", `${count("nodal_loads")} at nodes, ${count("element_loads")} on elements`)
+        : null,
       row("Size", `${size.join(" \u00d7 ")}${units.named ? ` ${units.length}` : ""}`),
       row(
         "Units",
@@ -108,8 +113,11 @@ export function balanceCard(report, model) {
     h(
       "p",
       { class: "note" },
-      `Moments are about (${center}), the middle of the model. The residual is the largest sum relative to ` +
-        "the sizes of all loads or reactions.",
+      `Moments are about (${center}), the middle of the model. ${
+        equilibrium.residual === null
+          ? "The sums are those of the cases, with their factors."
+          : "The residual is the largest sum relative to the sizes of all loads or reactions."
+      }`,
     ),
   );
 }
@@ -197,7 +205,7 @@ export function envelopeCard(report, onplace) {
     h(
       "div",
       { class: "wide" },
-      h("table", { class: "sums" }, h("thead", {}, row(...heads)), h("tbody", {}, lines)),
+      h("table", { class: "sums governing" }, h("thead", {}, row(...heads)), h("tbody", {}, lines)),
     ),
   );
 }

@@ -240,6 +240,23 @@ TEST(Equilibrium, WithoutLoadsAndReactionsIsBalanced)
   EXPECT_EQ(EquilibriumOf(loaded.model, none, Reactions(loaded.model, {}, {})).residual, 0.0);
 }
 
+// A settlement that causes no forces has reactions of 1e-14 of those of the other cases.
+TEST(Equilibrium, ResidualsOfCasesAreRelativeToTheLargestOfAll)
+{
+  Equilibrium cases[3];
+  cases[0].scale = 200.0;
+  cases[0].residual = 1e-3;
+  cases[1].scale = 1e-12;
+  cases[1].residual = 0.7;
+  cases[2].scale = 1e-6;
+  cases[2].residual = 0.5;
+  RelateToLargest(cases);
+  EXPECT_EQ(cases[0].residual, 1e-3);
+  EXPECT_NEAR(cases[1].residual, 0.7 * 1e-12 / 2e-7, 1e-18);
+  EXPECT_TRUE(cases[1].IsBalanced());
+  EXPECT_EQ(cases[2].residual, 0.5);
+}
+
 TEST(Base64, GivesTheTestVectors)  // RFC 4648, section 10
 {
   for (const auto& [text, coded] : {std::pair{"", ""},
@@ -266,6 +283,13 @@ TEST(Packed, NumbersOfSixDigitsTakeFourBytes)
   };
   for (const auto& c : cases)
     EXPECT_EQ(Packed(std::span<const double>(c.values))["type"], c.type) << c.values.front();
+}
+
+TEST(Packed, ExactlyLosesNothing)
+{
+  EXPECT_EQ(PackedExactly(std::vector<double>{0.5, -3.0})["type"], "f4");
+  EXPECT_EQ(PackedExactly(std::vector<double>{0.5, 0.1})["type"], "f8");
+  EXPECT_EQ(PackedExactly(std::vector<double>{1e300})["type"], "f8");
 }
 
 TEST(Packed, ValuesAreLittleEndian)

@@ -126,10 +126,9 @@ function bandOf([low, high], { x, y }) {
   ];
 }
 
-/** A dot and a number at a point of a curve. */
-function markOf(values, i, up, { x, y }) {
+/** A dot and a number at a point of a curve, the number above or below it. */
+function markOf(values, i, above, { x, y }) {
   const last = values.length - 1;
-  const above = up * values[i] >= 0;
   return [
     svg("circle", { cx: x(i), cy: y(values[i]), r: 2 }),
     svg(
@@ -148,11 +147,14 @@ function markOf(values, i, up, { x, y }) {
 function marksOf({ curves, up }, scales) {
   if (curves.length > 1) {
     const [low, high] = curves.map(({ values }) => values);
-    const { minAt } = extremesOf(low),
-      { maxAt } = extremesOf(high);
-    const marks = markOf(high, maxAt, up, scales);
-    if (Math.abs(high[maxAt] - low[minAt]) > 1e-3 * scales.largest)
-      marks.push(...markOf(low, minAt, up, scales));
+    const { min } = extremesOf(low),
+      { max } = extremesOf(high);
+    // The first of points that differ by rounding only.
+    const firstAt = (values, extreme) =>
+      values.findIndex((value) => Math.abs(value - extreme) <= 1e-9 * scales.largest);
+    const marks = markOf(high, firstAt(high, max), up > 0, scales);
+    if (max - min > 1e-3 * scales.largest)
+      marks.push(...markOf(low, firstAt(low, min), up < 0, scales));
     return marks;
   }
   const [{ values }] = curves;
@@ -161,7 +163,7 @@ function marksOf({ curves, up }, scales) {
   const isNear = (i) => (end) => Math.abs(values[end] - values[i]) < 1e-3 * scales.largest;
   return [...new Set([0, last, minAt, maxAt])]
     .filter((i) => i === 0 || i === last || ![0, last].some(isNear(i)))
-    .flatMap((i) => markOf(values, i, up, scales));
+    .flatMap((i) => markOf(values, i, up * values[i] >= 0, scales));
 }
 
 function drawDiagram(diagram) {

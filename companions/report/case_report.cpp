@@ -100,7 +100,8 @@ ExitStatus PrintBalances(const cases::Study& study, const std::vector<Equilibriu
 
 ExitStatus ReportCases(const fs::path& file, const fs::path& output)
 {
-  const std::unique_ptr<cases::Study> study = cases::OpenStudy(file.string(), {});
+  const std::string all[] = {"*"};  // the page shows every case
+  const std::unique_ptr<cases::Study> study = cases::OpenStudy(file.string(), all);
   if (!study)
     return ExitStatus::Failed;
   RefuseOverwriting(file, study->modelFile, output);

@@ -1,8 +1,10 @@
 """Writes a model of generate_models.py as an input file of CalculiX, the free finite element
 program that whole runs are compared with. Frames become its two-node user elements U1, which
-like ours have six unknowns a node; shells its S3, solids its C3D4 and C3D10."""
+like ours have six unknowns a node; shells its S3 and S6, solids its C3D4 and C3D10."""
 
-TYPES = {"Linear nnode = 2": "U1", "Triangle nnode = 3": "S3",
+import dataclasses
+
+TYPES = {"Linear nnode = 2": "U1", "Triangle nnode = 3": "S3", "Triangle nnode = 6": "S6",
          "Tetrahedra nnode = 4": "C3D4", "Tetrahedra nnode = 10": "C3D10"}
 POISSON_OF_FRAMES = 0.2
 PLANE_UNKNOWNS = (1, 2, 6)
@@ -28,7 +30,7 @@ def write_section(model, material, element, out):
     out.write(f"*MATERIAL,NAME=M{material}\n*ELASTIC\n"
               f"{number_of(text, 'E'):g},{number_of(text, 'nu') or POISSON_OF_FRAMES:g}\n")
     place = f"ELSET=E{material},MATERIAL=M{material}"
-    if element == "S3":
+    if element in ("S3", "S6"):
         out.write(f"*SHELL SECTION,{place}\n{number_of(text, 't'):g}\n")
     elif element != "U1":
         out.write(f"*SOLID SECTION,{place}\n")
@@ -49,7 +51,33 @@ def direction(model, material):
     return "0.,1.,0."
 
 
+def with_middles(model):
+    """The model after `ConvertTo6Nodes`: a node in the middle of every edge, which has the supports
+    that both its ends have. Loads remain on the corners."""
+    coordinates, middles = list(model.coordinates), {}
+
+    def middle(a, b):
+        edge = min(a, b), max(a, b)
+        if edge not in middles:
+            coordinates.append(tuple(0.5 * (x + y) for x, y in zip(*(coordinates[k - 1] for k in edge))))
+            middles[edge] = len(coordinates)
+        return middles[edge]
+
+    elements = [((a, b, c, middle(a, b), middle(b, c), middle(c, a)), material)
+                for (a, b, c), material in model.elements]
+    flags, none = dict(model.supports), "000000"
+    supports = list(model.supports)
+    for (a, b), node in middles.items():
+        both = "".join(min(pair) for pair in zip(flags.get(a, none), flags.get(b, none)))
+        if both != none:
+            supports.append((node, both))
+    return dataclasses.replace(model, element="Triangle nnode = 6", coordinates=coordinates,
+                               elements=elements, supports=supports)
+
+
 def write(model, solver, out):
+    if "ConvertTo6Nodes" in model.settings:
+        model = with_middles(model)
     element, plane = TYPES[model.element], model.header == "2d"
     unknowns = PLANE_UNKNOWNS if plane else range(1, 7)
     out.write("*NODE,NSET=NALL\n")

@@ -7,11 +7,13 @@
     report.py growth RUNS                  growth with the number of equations
     report.py cholmod PAIRS                the skyline solver against CHOLMOD
     report.py choice CHOICES               the automatic choice against each solver
+    report.py direct DIRECT [PHASES]       the sparse direct solver against the skyline and the peer
     report.py refinement RUNS              the part of the refinement in direct runs
     report.py shells SHELLS                refined shells against standard ones
 
 RUNS is the output of morlen_stages, WHOLE that of whole_runs.py, LIMITS that of morlen_limits,
-PAIRS that of morlen_cholmod, CHOICES that of choice_runs.py, SHELLS that of morlen_shells.
+PAIRS that of morlen_cholmod, CHOICES that of choice_runs.py, DIRECT that of direct_runs.py, PHASES
+that of morlen_direct_phases, SHELLS that of morlen_shells.
 """
 
 import argparse
@@ -37,8 +39,21 @@ REFINED_SHELL = {3: 2.5, 6: 6.0}
 # Parts of the peer's time, by the number of equations up to which they hold.
 PEER = {"block": ((15e3, 1.0), (60e3, 0.35), (1e6, 0.5)),
         "block10": ((15e3, 2.1), (60e3, 0.35), (1e6, 0.5)),
-        "plate": ((15e3, 0.4), (60e3, 0.55), (300e3, 0.7)), "roof": ((15e3, 0.4),),
-        "frame3d": ((15e3, 0.9), (60e3, 0.5), (300e3, 0.35)), "portal2d": ((15e3, 1.1),)}
+        "plate": ((15e3, 0.4), (60e3, 0.55), (300e3, 0.35)),
+        "roof": ((15e3, 0.4), (300e3, 0.35)),
+        "frame3d": ((15e3, 0.9), (60e3, 0.5), (300e3, 0.35)),
+        "portal2d": ((15e3, 1.1), (300e3, 0.65))}
+# For all others: ahead.
+PEER_AT_MOST = 1.0
+# Targets of whole runs with the sparse direct solver: parts of the skyline's time, of its memory
+# and of the peer's time; seconds; megabytes.
+DIRECT = {"roof_181": {"time / SkyLine": 0.2, "memory / SkyLine": 0.3, "time / CalculiX": 0.35},
+          "plate_181": {"time / SkyLine": 0.2, "memory / SkyLine": 0.3, "time / CalculiX": 0.35},
+          "portal2d_199_332": {"time / CalculiX": 0.65},
+          "block_24": {"time / SkyLine": 0.25},
+          "roof_500": {"time": 30.0, "memory": 3600.0}}
+# Part of the sparse direct solver's time beside the phases of its libraries.
+BESIDE_LIBRARIES = 0.15
 # Parts of CHOLMOD's time; higher for solids, because of their numbering.
 CHOLMOD = {"plate": 1.3, "roof": 1.3, "frame3d": 0.6, "portal2d": 1.0, "block": 4.5, "block10": 10.0}
 # Exponents: of the factorisation, of all iterations together; of every other stage 1.
@@ -48,6 +63,9 @@ GROWTH_ALLOWANCE = 0.15
 # Times of the better solver, and part of a direct run.
 CHOICE = 1.2
 REFINEMENT = 0.15
+# The solvers of the peer; the phases of the libraries of the sparse direct solver.
+PEERS = ("spooles", "iterative cholesky")
+PHASES = ("order", "analysis", "factorisation", "solution")
 # Shorter stages are too noisy to show.
 SHORTEST = 0.005
 
@@ -152,23 +170,78 @@ def print_kernels(runs, limits):
 # ---------------------------------------------------------------- whole runs
 
 def peer_target(run):
-    for equations, target in PEER[family(run)]:
+    for equations, target in PEER.get(family(run), ()):
         if run["equations"] <= equations:
             return target
-    return None
+    return PEER_AT_MOST
+
+
+def fastest_peer(run):
+    """The solver of the peer with the least time; None when none has succeeded."""
+    times = {key: seconds for key, seconds in run["seconds"].items() if key in PEERS and seconds}
+    return min(times, key=times.get) if times else None
+
+
+def peer_cell(run):
+    best = fastest_peer(run)
+    if best:
+        return f"{run['seconds'][best]:.2f} ({best})"
+    return "; ".join(f"{key}: {failure}" for key, failure in run["failure"].items() if key in PEERS)
 
 
 def print_whole(runs):
     cells = []
     for run in runs:
-        peers = {name: seconds for name, seconds in run["peer"].items() if seconds}
-        best = min(peers, key=peers.get) if peers else None
-        ratio = f"{run['seconds'] / peers[best]:.2f}" if best else ""
-        target = peer_target(run)
-        cells.append((run["model"], str(run["equations"]), f"{run['seconds']:.2f}",
-                      f"{peers[best]:.2f} ({best})" if best else "", ratio,
-                      f"≤ {target:g}" if target else ""))
+        ours, best = run["seconds"]["ours"], fastest_peer(run)
+        cells.append((run["model"], str(run["equations"]), f"{ours:.2f}" if ours else run["failure"]["ours"],
+                      peer_cell(run), f"{ours / run['seconds'][best]:.2f}" if ours and best else "",
+                      f"≤ {peer_target(run):g}"))
     markdown(("model", "equations", "Morlen, s", "CalculiX, s", "ratio", "target"), cells)
+
+
+# ---------------------------------------------------------------- the sparse direct solver
+
+def direct_figures(run):
+    """Figures by the names of their targets, each with its unit."""
+    seconds, megabytes, best = run["seconds"], run["megabytes"], fastest_peer(run)
+    if not seconds["direct"]:
+        return
+    yield "time", seconds["direct"], "s"
+    yield "memory", megabytes["direct"], "MB"
+    if seconds.get("skyline"):
+        yield "time / SkyLine", seconds["direct"] / seconds["skyline"], ""
+        yield "memory / SkyLine", megabytes["direct"] / megabytes["skyline"], ""
+    if best:
+        yield "time / CalculiX", seconds["direct"] / seconds[best], ""
+
+
+def print_direct(runs, phases):
+    cells, rows = [], []
+    for run in runs:
+        keys = ("direct", "skyline", fastest_peer(run))
+        cells.append((run["model"], str(run["equations"]),
+                      *(f"{run['seconds'][key]:.2f} s, {run['megabytes'][key]:.0f} MB"
+                        if run["seconds"].get(key) else run["failure"].get(key, "") for key in keys)))
+        targets = DIRECT.get(run["model"], {})
+        rows += [Row(run["model"], figure, value, unit, targets[figure], False)
+                 for figure, value, unit in direct_figures(run) if figure in targets]
+    markdown(("model", "equations", "Direct", "SkyLine", "CalculiX"), cells)
+    if phases:
+        print_phases(phases)
+    rows += [Row(run["model"], "solver beside the libraries", part_beside(run), "", BESIDE_LIBRARIES, False)
+             for run in phases]
+    print_targets(rows)
+
+
+def part_beside(run):
+    seconds = run["seconds"]
+    return 1.0 - sum(seconds[phase] for phase in PHASES) / seconds["solver"]
+
+
+def print_phases(runs):
+    cells = [(run["model"], *(f"{1e3 * run['seconds'][phase]:.0f}" for phase in (*PHASES, "solver")),
+              f"{part_beside(run):.3f}") for run in runs]
+    markdown(("model", *(f"{phase}, ms" for phase in (*PHASES, "solver")), "part beside"), cells)
 
 
 # ---------------------------------------------------------------- growth
@@ -262,13 +335,16 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("table", choices=("stages", "kernels", "whole", "growth", "cholmod",
-                                          "choice", "refinement", "shells"))
+                                          "choice", "direct", "refinement", "shells"))
     parser.add_argument("runs")
-    parser.add_argument("limits", nargs="?")
+    parser.add_argument("further", nargs="?")
     options = parser.parse_args()
     runs = read_lines(options.runs)
+    further = read_lines(options.further) if options.further else []
     if options.table == "kernels":
-        print_kernels(runs, read_lines(options.limits)[0] if options.limits else {})
+        print_kernels(runs, further[0] if further else {})
+    elif options.table == "direct":
+        print_direct(runs, further)
     else:
         {"stages": print_stages, "whole": print_whole, "growth": print_growth,
          "cholmod": print_cholmod, "choice": print_choice,

@@ -5,6 +5,7 @@
 #   scripts/bench.sh whole       whole runs compared with CalculiX, where `ccx` is installed
 #   scripts/bench.sh cholmod     the skyline solver compared with CHOLMOD on the same matrices
 #   scripts/bench.sh choice      the automatic choice of the solver compared with each solver
+#   scripts/bench.sh direct      the sparse direct solver compared with the skyline and CalculiX
 #   scripts/bench.sh refinement  the part of the refinement in direct runs
 #   scripts/bench.sh shells      refined shells compared with standard ones, element by element
 #   scripts/bench.sh growth      growth with the number of equations
@@ -16,9 +17,10 @@ set -eu
 cd "$(dirname "$0")/.."
 part="${1:-all}"
 case "$part" in
-  all | kernels | whole | cholmod | choice | refinement | shells | growth | linear | cases) ;;
+  all | kernels | whole | cholmod | choice | direct | refinement | shells | growth | linear | cases) ;;
   *)
-    echo "usage: scripts/bench.sh [kernels|whole|cholmod|choice|refinement|shells|growth|linear|cases]" >&2
+    echo "usage: scripts/bench.sh" \
+      "[kernels|whole|cholmod|choice|direct|refinement|shells|growth|linear|cases]" >&2
     exit 2
     ;;
 esac
@@ -67,6 +69,24 @@ plate 90
 plate 181
 frame3d 10 10 68
 frame3d 15 15 130"
+# Further models of the comparison with the peer: up to 500,000 equations in every family.
+further_peer_models="roof 90
+plate6 90
+roof6 90
+roof 181
+portal2d 199 332
+plate 287
+roof 287
+plate6 143
+roof6 143
+frame3d 20 20 188
+portal2d 333 500"
+# Models with targets of the sparse direct solver.
+target_models="roof 181
+plate 181
+portal2d 199 332
+block 24
+roof 500"
 
 # Models for which both solvers take about as long, and families that favour one of them.
 further_models="roof 70
@@ -115,7 +135,7 @@ $sparse_models")
   "$bin"/morlen_bench --benchmark_filter=-SparseRun
 fi
 if [ "$part" = whole ] || [ "$part" = all ]; then
-  echo "$peer_models" | tr '\n' '\0' |
+  printf '%s\n%s' "$peer_models" "$further_peer_models" | tr '\n' '\0' |
     xargs -0 bench/whole_runs.py --folder build/bench build/bench/morlen >build/bench/whole.json
   bench/report.py whole build/bench/whole.json
 fi
@@ -129,6 +149,14 @@ if [ "$part" = choice ] || [ "$part" = all ]; then
   printf '%s\n%s' "$peer_models" "$further_models" | tr '\n' '\0' |
     xargs -0 bench/choice_runs.py --folder build/bench build/bench/morlen >build/bench/choice.json
   bench/report.py choice build/bench/choice.json
+fi
+if [ "$part" = direct ] || [ "$part" = all ]; then
+  files=$(generate "$target_models" Direct)
+  echo "$target_models" | tr '\n' '\0' |
+    xargs -0 bench/direct_runs.py -n 3 --folder build/bench build/bench/morlen >build/bench/direct.json
+  # shellcheck disable=SC2086  # one word per file
+  "$bin"/morlen_direct_phases -n 3 $files >build/bench/direct_phases.json
+  bench/report.py direct build/bench/direct.json build/bench/direct_phases.json
 fi
 if [ "$part" = refinement ] || [ "$part" = all ]; then
   files=$(generate "$direct_models

@@ -72,7 +72,7 @@ def run_once(command, folder):
         failure = failure_of(child.returncode, log.read())
     if failure:
         return Run(None, None, failure)
-    return Run(usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024, "")
+    return Run(usage.ru_utime + usage.ru_stime, 1024 * usage.ru_maxrss / 1e6, "")
 
 
 def processor_seconds(command, folder):

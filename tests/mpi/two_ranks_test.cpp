@@ -207,30 +207,6 @@ std::vector<int> RanksIn(const fs::path& folder)
   return ranks;
 }
 
-// The folders of factors in the folder for temporary files, in which a run may be at work.
-int CountFactorFolders(const fs::path& files, bool withFilesOnly)
-{
-  int count = 0;
-  std::error_code gone;
-  for (fs::directory_iterator entry(files, gone), end; !gone && entry != end;
-       entry.increment(gone)) {
-    std::error_code other;
-    if (entry->path().filename().string().starts_with("morlen-"))
-      count += !withFilesOnly || !fs::is_empty(entry->path(), other);
-  }
-  return count;
-}
-
-// True when a run has begun the factorisation in memory.
-bool TakesNoFiles(const TemporaryFolder& folder)
-{
-  if (!folder.Has("info.txt"))
-    return false;
-  const std::string info = folder.Read("info.txt");
-  return info.find("Factorisation\n") != std::string::npos &&
-         info.find("The factors go to files in ") == std::string::npos;
-}
-
 }  // namespace
 
 class TwoRanks : public testing::TestWithParam<Model>
@@ -443,41 +419,6 @@ TEST(TwoRanksErrors, AKilledRankEndsTheRunWithoutResults)
           << result.err;
     }
   }
-}
-
-// A limit is searched that leaves too little memory for the factors, and more than their files
-// need: the libraries of each machine take another part of it. The signal comes as soon as both
-// ranks have files, long before their end.
-TEST(TwoRanksErrors, ASignalRemovesTheFilesOfAllRanks)
-{
-  const TemporaryFolder folder;
-  folder.Write("model.dat", Roof(110).model.Text());
-  const fs::path files = folder.Path() / "files";
-  fs::create_directory(files);
-  RunConditions limited = kAnywhere;
-  limited.environment.insert(limited.environment.end(),
-                             {{"TMPDIR", files},
-                              {"OPENBLAS_NUM_THREADS", "1"},  // threads need memory too
-                              {"OMPI_MCA_odls_base_sigkill_timeout", "3"}});
-  int seen = 0;
-  for (long low = 200, high = 2000; seen < 2 && high - low > 10;) {
-    const long megabytes = (low + high) / 2;
-    SCOPED_TRACE(megabytes);
-    limited.addressSpace = megabytes << 20;
-    StartedRun run(folder, Launched(2, {"-i", "info.txt", "model.dat", "out.txt"}), limited);
-    bool inMemory = false;
-    for (int k = 0; k < 20000 && seen < 2 && !inMemory && run.IsRunning(); ++k) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-      inMemory = TakesNoFiles(folder);
-      seen = CountFactorFolders(files, true);
-    }
-    run.Send(SIGTERM);
-    run.Wait();
-    EXPECT_EQ(CountFactorFolders(files, false), 0);
-    (inMemory ? high : low) = megabytes;
-    fs::remove(folder.Path() / "info.txt");
-  }
-  EXPECT_EQ(seen, 2);
 }
 
 }  // namespace morlen

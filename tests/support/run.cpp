@@ -142,13 +142,6 @@ void StartedRun::Send(int signal) const
     kill(process, signal);
 }
 
-bool StartedRun::IsRunning() const
-{
-  siginfo_t ended = {};
-  return process > 0 && waitid(P_PID, process, &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-         ended.si_pid == 0;
-}
-
 RunResult StartedRun::Wait()
 {
   int state = 0;

@@ -68,7 +68,6 @@ public:
   ~StartedRun();  ///< kills the run unless Wait has been called
 
   void Send(int signal) const;
-  bool IsRunning() const;
   /// Waits for the end of the run.
   RunResult Wait();
 

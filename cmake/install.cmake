@@ -5,9 +5,8 @@ include(CMakePackageConfigHelpers)
 set(runtime COMPONENT runtime)
 set(development COMPONENT development)
 
-# Installs a program with its manual page, and the completion of its arguments in bash.
-function(morlen_install_program name)
-  install(TARGETS ${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ${runtime})
+# Installs the manual page of a program, and the completion of its arguments in bash.
+function(morlen_install_pages name)
   set(page ${PROJECT_SOURCE_DIR}/man/${name}.1)
   if(MORLEN_GZIP)
     set(packed ${PROJECT_BINARY_DIR}/man/${name}.1.gz)
@@ -28,13 +27,23 @@ if(morlen_build_companions)
   list(APPEND morlen_programs ${morlen_companion_programs})
 endif()
 foreach(program IN LISTS morlen_programs)
-  morlen_install_program(${program})
+  install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ${runtime})
+  morlen_install_pages(${program})
 endforeach()
 # A component of its own: the packages do not depend on MPI.
 if(morlen_build_mpi)
   set(runtime COMPONENT mpi)
-  morlen_install_program(morlen-mpi)
+  install(TARGETS morlen-mpi RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ${runtime})
+  morlen_install_pages(morlen-mpi)
   set(runtime COMPONENT runtime)
+endif()
+if(morlen_has_import)
+  install(PROGRAMS ${PROJECT_BINARY_DIR}/python/morlen-import
+    DESTINATION ${CMAKE_INSTALL_BINDIR} ${runtime})
+  install(DIRECTORY python/morlen_import DESTINATION ${import_folder} ${runtime}
+    FILES_MATCHING PATTERN "*.py")
+  morlen_install_pages(morlen-import)
+  list(APPEND morlen_programs morlen-import)
 endif()
 
 install(DIRECTORY examples docs DESTINATION ${CMAKE_INSTALL_DOCDIR} ${runtime})

@@ -22,4 +22,8 @@ set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
 "The library that the programs of morlen stand on, its headers, and its package
 for CMake: find_package(morlen), morlen::core.")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+if(morlen_has_import)
+  set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "python3 (>= 3.11), python3-numpy")
+  set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "python3-meshio, python3-h5py")
+endif()
 include(CPack)

@@ -1,0 +1,1 @@
+"""morlen-import: problem files of morlen from the meshes of other programs."""

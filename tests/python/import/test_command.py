@@ -1,0 +1,255 @@
+"""The command: arguments, files, exit status, time."""
+
+import os
+import re
+import subprocess
+import sys
+
+import numpy as np
+import pytest
+from small_meshes import SOLID, SOLID_MAP
+from solved import block_rows
+from test_inp_rules import BASE, STEPS
+
+
+@pytest.fixture
+def folder(tmp_path):
+    """A folder with a mesh, its map and a deck."""
+    (tmp_path / "a.msh").write_text(SOLID)
+    (tmp_path / "a.map").write_text(SOLID_MAP)
+    (tmp_path / "a.inp").write_text(BASE)
+    return tmp_path
+
+
+@pytest.mark.parametrize(
+    "arguments, message",
+    [
+        ([], "the following arguments are required: MESH"),
+        (["a.msh", "a.map"], "the name of the problem file is missing: -o FILE"),
+        (["a.msh", "-o", "a.dat"], "the map of the groups is missing (--groups lists them)"),
+        (["a.inp", "-o", "a.dat"], "--units LENGTH,FORCE is missing, or a map of the groups"),
+        (
+            ["a.msh", "--units", "mm,N", "-o", "a.dat"],
+            "the map of the groups is missing (--groups lists them)",
+        ),
+        (["a.msh", "a.map", "--units", "mm,N", "-o", "a.dat"], "the map has the units: leave out --units"),
+        (["a.inp", "--units", "mm", "-o", "a.dat"], "--units mm: two units are needed, such as mm,N"),
+        (
+            ["a.inp", "--units", "mm,kg", "-o", "a.dat"],
+            "--units mm,kg: 'kg' is no unit of force: use one of N, kN, MN, lbf, kip",
+        ),
+        (
+            ["a.inp", "--units", "yd,N", "-o", "a.dat"],
+            "--units yd,N: 'yd' is no unit of length: use one of mm, cm, m, km, in, ft",
+        ),
+        (["a.msh", "a.map", "--skip", "-o", "a.dat"], "--skip is only for .inp files"),
+        (["a.msh", "a.map", "--bad", "-o", "a.dat"], "unrecognized arguments: --bad"),
+    ],
+)
+def test_wrong_arguments(imported, folder, arguments, message):
+    status, out, err = imported(*arguments)
+    assert (status, out) == (2, "")
+    assert err.splitlines()[0] == f"morlen-import: {message}"
+    assert err.splitlines()[1].startswith("usage: morlen-import")
+    assert (folder / "a.map").read_text() == SOLID_MAP
+
+
+def test_groups(imported, folder):
+    status, out, err = imported("a.msh", "--groups")
+    assert (status, err) == (0, "")
+    assert out.splitlines() == [
+        "0:tip  1 point",
+        "2:foot  1 triangle",
+        "2:top  1 triangle",
+        "2:also top  1 triangle",
+        "2:inner  1 triangle",
+        "3:body  2 tetrahedra",
+    ]
+    (folder / "b.inp").write_text(BASE[: BASE.index("*MATERIAL")])
+    assert imported("b.inp", "--groups")[1].splitlines() == [
+        "3:BODY  2 tetrahedra",
+        "0:ALL  5 nodes",
+        "0:FEET  3 nodes",
+    ]
+    assert imported("a.msh", "--groups", "-o", "x")[0] == 2
+
+
+@pytest.mark.parametrize(
+    "missing, message",
+    [
+        ("meshio", "a.vtk: error: files of this kind are read by meshio, which is not installed"),
+        ("h5py", "a.med: error: meshio needs h5py, which is not installed"),
+    ],
+)
+def test_missing_packages(imported, folder, monkeypatch, missing, message):
+    pytest.importorskip("meshio")
+    import sys
+
+    monkeypatch.setitem(sys.modules, missing, None)
+    name = message.partition(":")[0]
+    (folder / name).write_text("x")
+    status, _, err = imported(name, "a.map", "-o", "a.dat")
+    assert (status, err.splitlines()[0]) == (2, message)
+    assert f"hint: install python3-{missing}" in err
+
+
+def test_help_and_version(imported):
+    assert imported("--help")[0] == 0 and imported("--version")[1].startswith("morlen-import ")
+
+
+@pytest.mark.parametrize(
+    "arguments, start",
+    [
+        (["none.msh", "a.map", "-o", "a.dat"], "none.msh: error: cannot be read: No such file"),
+        (["a.msh", "none.map", "-o", "a.dat"], "none.map: error: cannot be read: No such file"),
+        (["none.vtu", "a.map", "-o", "a.dat"], "none.vtu: error: cannot be read: No such file"),
+        ([".", "a.map", "-o", "a.dat"], ".: error: "),
+        (["a.msh", ".", "-o", "a.dat"], ".: error: this is a folder"),
+        (["a.msh", "a.map", "-o", "none/a.dat"], "none/a.dat: error: cannot be written: No such file"),
+        (["a.msh", "a.map", "-o", "."], ".: error: this is no regular file"),
+        (["a.msh", "a.map", "-o", "pipe"], "pipe: error: this is no regular file"),
+        (["a.msh", "a.map", "-o", "a.map"], "a.map: error: a.map would be written over"),
+        (["a.msh", "a.map", "-o", "./a.msh"], "a.msh: error: a.msh would be written over"),
+        (["a.msh", "a.map", "-o", "link"], "link: error: a.msh would be written over"),
+        (["b.inp", "--units", "mm,N", "-o", "a.inp"], "a.inp: error: a.inp would be written over"),
+    ],
+)
+def test_files_that_cannot_be_used(imported, folder, arguments, start):
+    os.mkfifo(folder / "pipe")
+    (folder / "link").symlink_to("a.msh")
+    (folder / "b.inp").write_text("*INCLUDE, INPUT=a.inp\n")
+    status, out, err = imported(*arguments)
+    errors = [line for line in err.splitlines() if ": warning: " not in line]
+    assert (status, out) == (2, "")
+    assert errors[0].startswith(start)
+    assert not [name for name in os.listdir(folder) if "tmp" in name]
+    assert (folder / "a.msh").read_text() == SOLID and (folder / "a.inp").read_text() == BASE
+
+
+def test_links_are_followed(imported, folder):
+    (folder / "there").mkdir()
+    (folder / "a.dat").symlink_to("there/b.dat")
+    assert imported("a.msh", "a.map", "-o", "a.dat")[:2] == (0, "wrote a.dat\n")
+    assert (folder / "a.dat").is_symlink() and (folder / "there" / "b.dat").read_text().startswith(
+        "problem type: 3d"
+    )
+
+
+def test_an_earlier_file_is_kept_after_an_error(imported, folder):
+    (folder / "a.dat").write_text("earlier")
+    (folder / "a.map").write_text(SOLID_MAP.replace("top", "tpo"))
+    assert imported("a.msh", "a.map", "-o", "a.dat")[0] == 2
+    assert (folder / "a.dat").read_text() == "earlier"
+    (folder / "a.map").write_text(SOLID_MAP)
+    assert imported("a.msh", "a.map", "-o", "a.dat")[0] == 0
+    assert (folder / "a.dat").read_text().startswith("problem type: 3d\n")
+
+
+def test_errors_of_the_check(imported, folder):
+    (folder / "a.map").write_text(SOLID_MAP.replace('"111"', '"001"'))
+    status, out, err = imported("a.msh", "a.map", "-o", "a.dat")
+    assert (status, out) == (2, "")
+    assert re.search(r"(?m)^a\.dat(:\d+:\d+)?: error: ", err) and "hint: --no-check writes the file" in err
+    assert not (folder / "a.dat").exists()
+    status, out, err = imported("a.msh", "a.map", "--no-check", "-o", "a.dat")
+    assert (status, out) == (0, "wrote a.dat\n")
+
+
+def test_without_the_check_program(folder, monkeypatch, capsys):
+    from morlen_import.command_line import main
+
+    monkeypatch.chdir(folder)
+    monkeypatch.setenv("PATH", "/nowhere")
+    assert main(["a.msh", "a.map", "-o", "a.dat"]) == 0
+    assert (
+        "a.dat: warning: not checked: morlen-check is neither beside this program nor on PATH"
+        in capsys.readouterr().err
+    )
+
+
+def test_cases_beside_the_model(imported, folder):
+    (folder / "a.inp").write_text(STEPS)
+    assert imported("a.inp", "--units", "mm,N", "-o", "b.dat")[1] == "wrote b.dat\nwrote b.cases\n"
+    assert imported("a.inp", "--units", "mm,N", "-o", "c.cases")[0] == 2
+    assert not (folder / "c.cases").exists()
+
+
+def test_launcher(build, folder):
+    launcher = build / "companions" / "morlen-import"
+    if not launcher.exists():
+        pytest.skip("morlen-import is not built")
+    environment = {"PATH": "/nowhere", "PYTHONDONTWRITEBYTECODE": "1"}
+    run = subprocess.run(
+        [launcher, "a.msh", "a.map", "-o", "a.dat"],
+        cwd=folder,
+        env=environment,
+        capture_output=True,
+        text=True,
+        check=False,
+    )
+    assert (run.returncode, run.stdout) == (0, "wrote a.dat\n"), run.stderr
+    # morlen-check is beside it.
+    assert "not checked" not in run.stderr
+
+
+def large_mesh(parts):
+    """A cube of parts^3 cubes of six tetrahedra each as .msh 2.2, its six sides as triangles of the group 'skin'."""
+    n = parts + 1
+    x, y, z = np.meshgrid(*[np.linspace(0, 1, n)] * 3, indexing="ij")
+    nodes = np.column_stack([x.ravel(), y.ravel(), z.ravel()])
+    corner = np.arange(n**3).reshape(n, n, n)
+    paths = [(1, 2, 4), (1, 4, 2), (2, 1, 4), (2, 4, 1), (4, 1, 2), (4, 2, 1)]
+    step = {1: (1, 0, 0), 2: (0, 1, 0), 4: (0, 0, 1)}
+
+    def shifted(offset):
+        return corner[tuple(slice(o, o + parts) for o in offset)].ravel()
+
+    tets = []
+    for path in paths:
+        offset, row = np.zeros(3, dtype=int), [shifted((0, 0, 0))]
+        for move in path:
+            offset = offset + step[move]
+            row.append(shifted(offset))
+        tets.append(np.column_stack(row))
+    tets = np.concatenate(tets) + 1
+    flat = corner[:, :, -1] + 1
+    a, b, c, d = (flat[:-1, :-1].ravel(), flat[1:, :-1].ravel(), flat[1:, 1:].ravel(), flat[:-1, 1:].ravel())
+    top = np.concatenate([np.column_stack([a, b, c]), np.column_stack([a, c, d])])
+    flat = corner[:, :, 0] + 1
+    a, b, c, d = (flat[:-1, :-1].ravel(), flat[1:, :-1].ravel(), flat[1:, 1:].ravel(), flat[:-1, 1:].ravel())
+    foot = np.concatenate([np.column_stack([a, b, c]), np.column_stack([a, c, d])])
+    rows = [f"{k} 2 2 2 1 {p} {q} {r}" for k, (p, q, r) in enumerate(foot.tolist(), 1)]
+    rows += [f"{k} 2 2 3 1 {p} {q} {r}" for k, (p, q, r) in enumerate(top.tolist(), 1 + len(rows))]
+    rows += [f"{k} 4 2 5 1 {p} {q} {r} {s}" for k, (p, q, r, s) in enumerate(tets.tolist(), 1 + len(rows))]
+    head = SOLID[: SOLID.index("$Nodes")]
+    places = "".join(f"{k} {p!r} {q!r} {r!r}\n" for k, (p, q, r) in enumerate(nodes.tolist(), 1))
+    return (
+        f"{head}$Nodes\n{len(nodes)}\n{places}$EndNodes\n$Elements\n{len(rows)}\n"
+        + "\n".join(rows)
+        + "\n$EndElements\n",
+        len(tets),
+    )
+
+
+def test_200000_tetrahedra_in_ten_seconds(build, folder):
+    text, count = large_mesh(33)
+    assert count > 200_000
+    (folder / "a.msh").write_text(text)
+    code = (
+        "import sys; sys.path.insert(0, sys.argv[1])\n"
+        "from morlen_import.command_line import main\n"
+        "sys.exit(main(sys.argv[3:], programs=[sys.argv[2]]))"
+    )
+    top = os.path.join(os.path.dirname(__file__), "..", "..", "..", "python")
+    run = subprocess.Popen(
+        [sys.executable, "-c", code, top, build / "companions", "a.msh", "a.map", "-o", "a.dat"], cwd=folder
+    )
+    _, status, used = os.wait4(run.pid, 0)
+    run.returncode = os.waitstatus_to_exitcode(status)
+    assert run.returncode == 0
+    # Time of the processor, so that other programs do not count.
+    if "MORLEN_SANITIZED" not in os.environ:
+        assert used.ru_utime + used.ru_stime < 10.0
+    written = (folder / "a.dat").read_text()
+    assert written.count("\n") > count
+    assert len(block_rows(written, "local_pressure_loads")) == 2 * 33 * 33

@@ -1,0 +1,42 @@
+"""Ten models, each in all forms: closed forms, and the same displacements from every form."""
+
+import shutil
+
+import numpy as np
+import pytest
+from gmsh_models import FORMS, MODELS, make_files, map_text
+from solved import coordinates, solve
+
+pytestmark = pytest.mark.skipif(not shutil.which("gmsh"), reason="gmsh is not installed")
+
+
+@pytest.fixture(scope="module", params=MODELS, ids=lambda model: model.name.replace(" ", "-"))
+def files(request, tmp_path_factory):
+    return request.param, make_files(request.param, tmp_path_factory.mktemp("gmsh"))
+
+
+@pytest.mark.parametrize("form", FORMS)
+def test_closed_forms(files, form, imported, build, tmp_path):
+    model, paths = files
+    (tmp_path / "mesh.map").write_text(map_text(model, form))
+    status, out, err = imported(paths[form], "mesh.map", "-o", "model.dat")
+    assert (status, out) == (0, "wrote model.dat\n"), err
+    xyz = coordinates((tmp_path / "model.dat").read_text())
+    model.check(solve(build, tmp_path / "model.dat"), xyz)
+
+
+def test_same_results(files, imported, build, tmp_path):
+    model, paths = files
+    first = None
+    for form, path in paths.items():
+        (tmp_path / "mesh.map").write_text(map_text(model, form))
+        assert imported(path, "mesh.map", "-o", "model.dat")[0] == 0
+        xyz = coordinates((tmp_path / "model.dat").read_text())
+        moved = solve(build, tmp_path / "model.dat").displacements
+        order = np.lexsort(np.round(xyz, 4).T + 0.0)
+        if first is None:
+            first = xyz[order], moved[order]
+            continue
+        # Six digits of the results, and of the coordinates in .inp files.
+        np.testing.assert_allclose(xyz[order], first[0], atol=1e-5 * np.abs(first[0]).max())
+        np.testing.assert_allclose(moved[order], first[1], atol=1e-4 * np.abs(first[1]).max())

@@ -19,6 +19,10 @@ if(MORLEN_DIRECT)
   # The runtime of the Fortran compiler with which MUMPS was built.
   find_library(MORLEN_GFORTRAN NAMES libgfortran.a libgfortran.so.5 gfortran
     PATHS ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES})
+  # The static one cannot be a part of the Python module.
+  find_library(MORLEN_GFORTRAN_SHARED NAMES libgfortran.so.5 gfortran
+    PATHS ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES})
+  mark_as_advanced(MORLEN_GFORTRAN_SHARED)
   find_library(MORLEN_QUADMATH NAMES libquadmath.a libquadmath.so.0 quadmath
     PATHS ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES})
   set(parts MUMPS_INCLUDE METIS_INCLUDE MUMPS MUMPS_COMMON MUMPS_MPI METIS OPENBLAS GFORTRAN QUADMATH)

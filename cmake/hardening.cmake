@@ -11,7 +11,7 @@ if(MORLEN_HARDEN AND NOT MORLEN_SANITIZE AND NOT MORLEN_COVERAGE
   set(hardened_build $<CONFIG:Release,RelWithDebInfo>)
   # Undefined first: some compilers define it themselves.
   target_compile_options(morlen_hardening INTERFACE
-    "$<${hardened_build}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-fstack-protector-strong;-fPIE>")
+    "$<${hardened_build}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-fstack-protector-strong;$<$<NOT:$<BOOL:$<TARGET_PROPERTY:POSITION_INDEPENDENT_CODE>>>:-fPIE>>")
   target_link_options(morlen_hardening INTERFACE
     "$<${hardened_build}:-pie;-Wl,-z,relro,-z,now>")
 endif()

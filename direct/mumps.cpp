@@ -3,6 +3,7 @@
 #include "direct/mumps.h"
 
 #include "base/errorwriter.h"
+#include "base/interruption.h"
 #include "direct/mumps_record.h"
 
 // MUMPS would end the process here, with a text of its own, after an error in itself.
@@ -52,6 +53,7 @@ MumpsSizes Mumps::Analyse(int n, Coordinates& entries, std::vector<int>& places)
   record->a = entries.values;
   record->perm_in = places.data();
   Require(Call([](MumpsRecord& r) { return r.Run(MumpsRecord::kAnalyse); }));
+  CheckInterruption();
   return record->Sizes();
 }
 
@@ -64,6 +66,7 @@ bool Mumps::Factorise(FactorFiles* factorFiles)
   const int status = Call([this](MumpsRecord& r) { return r.Factorise(*matrix); });
   if (status != MumpsRecord::kSingular)
     Require(status);
+  CheckInterruption();
   return status != MumpsRecord::kSingular;
 }
 

@@ -27,9 +27,11 @@ std::string Checked(const fs::path& name)
 
 }  // namespace
 
-AtomicFile::AtomicFile(const fs::path& givenName) : name(givenName), file(Checked(givenName))
+AtomicFile::AtomicFile(const fs::path& givenName, By writer)
+    : name(givenName), file(Checked(givenName)), by(writer)
 {
-  CleanUpOnSignals();
+  if (by == By::Program)
+    CleanUpOnSignals();
 }
 
 void AtomicFile::Write(std::string_view text)
@@ -41,7 +43,8 @@ void AtomicFile::Commit()
 {
   file.Stream();  // an empty file is written too
   file.Commit();
-  std::printf("wrote %s\n", name.c_str());
+  if (by == By::Program)
+    std::printf("wrote %s\n", name.c_str());
 }
 
 }  // namespace morlen

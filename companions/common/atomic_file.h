@@ -16,17 +16,26 @@ namespace morlen {
 class AtomicFile
 {
 public:
-  explicit AtomicFile(const std::filesystem::path& name);
+  /// By a program, signals that end the process clean up, and Commit tells the user; by a library
+  /// neither.
+  enum class By : bool
+  {
+    Program,
+    Library
+  };
+
+  explicit AtomicFile(const std::filesystem::path& name, By writer = By::Program);
 
   std::ofstream& Stream() { return file.Stream(); }
   void Write(std::string_view text);
 
-  /// Finishes the file and prints "wrote" and its name on standard output.
+  /// Finishes the file. A program prints "wrote" and its name on standard output.
   void Commit();
 
 private:
   std::filesystem::path name;
   OutputFile file;
+  By by;
 };
 
 }  // namespace morlen

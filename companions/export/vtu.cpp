@@ -377,9 +377,9 @@ void Grid::AddMainShellData()
 }  // namespace
 
 void WriteVtu(const model::Model& model, const results::Results& results,
-              const std::filesystem::path& name)
+              const std::filesystem::path& name, AtomicFile::By writer)
 {
-  AtomicFile file(name);
+  AtomicFile file(name, writer);
   pugi::xml_document document;
   pugi::xml_node root = document.append_child("VTKFile");
   root.append_attribute("type") = "UnstructuredGrid";

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "common/atomic_file.h"
 #include "common/model_data.h"
 #include "common/result_data.h"
 
@@ -14,6 +15,6 @@ namespace morlen {
 /// vertex for every node that no shell or solid has. Shells get the mean of their points. Values
 /// that a point or cell does not have are 0.
 void WriteVtu(const model::Model& model, const results::Results& results,
-              const std::filesystem::path& name);
+              const std::filesystem::path& name, AtomicFile::By writer = AtomicFile::By::Program);
 
 }  // namespace morlen

@@ -38,10 +38,11 @@ std::string HtmlText(std::string_view text)
   return html;
 }
 
-void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data)
+void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data,
+               AtomicFile::By writer)
 {
   std::string_view page = ViewerPage();
-  AtomicFile out(file);
+  AtomicFile out(file, writer);
   out.Write(ConsumeUpTo("@TITLE@", page));
   out.Write(HtmlText(title));
   out.Write(ConsumeUpTo("@DATA@", page));

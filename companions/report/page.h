@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "common/atomic_file.h"
+
 namespace morlen {
 
 /// Text for HTML: the characters with a meaning there are replaced by their names.
@@ -12,6 +14,7 @@ std::string HtmlText(std::string_view text);
 /// Writes the page of a report: the viewer with this title and data. Bytes of the title that are
 /// not ASCII become "?" when it is not UTF-8: browsers would guess the encoding of the whole page.
 /// Fatal when the page cannot be written.
-void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data);
+void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data,
+               AtomicFile::By writer = AtomicFile::By::Program);
 
 }  // namespace morlen

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "assembly/support_axes.h"
+#include "base/interruption.h"
 #include "model/constraint.h"
 #include "model/elem.h"
 #include "model/mesh.h"
@@ -58,6 +59,7 @@ bool BlockAssembler::IsSupported(const Elem& elem) const
 
 void BlockAssembler::Prefetch()
 {
+  CheckInterruption();  // once for each group of elements
   numbers.clear();
   for (const Elem* elem : group) {
     for (int i = 0; i < nnode; ++i)

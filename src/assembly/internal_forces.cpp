@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "assembly/element_family.h"
+#include "base/interruption.h"
 #include "base/node_components.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -33,6 +34,7 @@ bool InternalForces::Wants(const Elem& elem) const
 
 void InternalForces::Add(const Elem& elem, int index, const double* forces)
 {
+  CheckInterruption();
   double* const sum = sums[index].Data();
   const NodeComponents numbering = WithRotations(components);
   for (int i = 0; i < elem.Nnode(); ++i) {

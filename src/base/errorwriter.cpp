@@ -56,6 +56,7 @@ struct ThreadReport
   TextCopy lastHint;
   ErrorWriter::EndOfRun endOfRun = nullptr;
   ErrorWriter::WarningListener listener = nullptr;
+  std::FILE* errorFile = nullptr;
 };
 
 // The report of the calling thread. It is never destroyed: to register a destructor would allocate.
@@ -112,6 +113,11 @@ void ErrorWriter::DropHint()
   ThisThread().hint.Clear();
 }
 
+void ErrorWriter::SetErrorFile(std::FILE* file)
+{
+  ThisThread().errorFile = file;
+}
+
 ErrorWriter::EndOfRun ErrorWriter::SetEndOfRun(EndOfRun end)
 {
   return std::exchange(ThisThread().endOfRun, end);
@@ -132,7 +138,7 @@ void ErrorWriter::WriteErrorAndQuit()
   report.hint.Clear();
   if (report.endOfRun)
     report.endOfRun(message.View());
-  std::FILE* file = errorFile ? errorFile : stderr;
+  std::FILE* file = report.errorFile ? report.errorFile : stderr;
   Print(file, message.View());
   if (report.lastHint.length > 0) {
     Print(file, UpToFirstNull(message.View()).ends_with('\n') ? "hint: " : "\nhint: ");

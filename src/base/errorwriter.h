@@ -12,7 +12,7 @@ namespace morlen {
 /// A hint may explain the message; it is printed after it, on a line that begins with "hint: ". A
 /// warning does not end the run.
 ///
-/// Each thread has its own texts and its own replacement of the end; the error file is common.
+/// Each thread has its own texts, its own replacement of the end and its own error file.
 /// A text has at most 2048 characters; the rest is cut. Nothing on this path allocates, so
 /// that it works when memory has run out.
 class ErrorWriter
@@ -42,9 +42,9 @@ public:
   /// Forgets a hint whose error has not come.
   void DropHint();
 
-  /// Where messages are printed; null means standard error. The file is not owned. Set it before
-  /// other threads run.
-  void SetErrorFile(std::FILE* file) { errorFile = file; }
+  /// Where messages of the calling thread are printed; null means standard error. The file is not
+  /// owned.
+  void SetErrorFile(std::FILE* file);
 
   /// Replaces the end of the process for the calling thread; null restores it. Returns the
   /// replacement set before.
@@ -58,9 +58,6 @@ public:
 
   /// Prints "warning: ", the text and a newline on standard error, and flushes it.
   void WriteWarning(std::string_view text);
-
-private:
-  std::FILE* errorFile = nullptr;
 };
 
 extern ErrorWriter errorwriter;

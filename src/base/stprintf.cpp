@@ -1,6 +1,10 @@
 #include "base/stprintf.h"
 
 #include <cstdarg>
+#include <string_view>
+
+#include "base/errorwriter.h"
+#include "base/interruption.h"
 
 namespace morlen {
 
@@ -32,16 +36,24 @@ void Progress(std::FILE* info, const char* format, ...)
   va_start(args, format);
   PrintTo(info, format, args);
   va_end(args);
+  CheckInterruption();
 }
 
 void Warn(std::FILE* info, const char* format, ...)
 {
-  for (std::FILE* out : {stderr, info}) {
-    std::va_list args;
-    va_start(args, format);
-    PrintTo(out, format, args);
-    va_end(args);
-  }
+  constexpr std::string_view kBeginning = "warning: ";
+  char text[512];
+  std::va_list args;
+  va_start(args, format);
+  std::vsnprintf(text, sizeof text, format, args);
+  va_end(args);
+  std::string_view warning = text;
+  if (warning.starts_with(kBeginning))
+    warning.remove_prefix(kBeginning.size());
+  if (warning.ends_with('\n'))
+    warning.remove_suffix(1);
+  errorwriter.WriteWarning(warning);
+  Progress(info, "%s", text);
 }
 
 }  // namespace morlen

@@ -1,5 +1,7 @@
 #include "base/text_out.h"
 
+#include "base/interruption.h"
+
 namespace morlen {
 
 TextOut::TextOut(std::ostream& target)
@@ -7,9 +9,15 @@ TextOut::TextOut(std::ostream& target)
 {
 }
 
+void TextOut::EmptyBlock()
+{
+  CheckInterruption();
+  Flush();
+}
+
 TextOut& TextOut::WriteAcross(std::string_view text)
 {
-  Flush();
+  EmptyBlock();
   if (text.size() <= kBlock)
     return *this << text;
   stream.write(text.data(), static_cast<std::streamsize>(text.size()));

@@ -64,9 +64,12 @@ private:
   char* Room(std::size_t characters)
   {
     if (characters > Free())
-      Flush();
+      EmptyBlock();
     return next;
   }
+
+  /// Flush between two texts, where the run may end early. The destructor must not end it.
+  void EmptyBlock();
 
   /// Writes text that does not fit into the rest of the block.
   TextOut& WriteAcross(std::string_view text);

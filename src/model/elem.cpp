@@ -158,6 +158,11 @@ void Elem::ComposeYourMaterial(const VoidPlex* materials)
     own->ComposeMaterial(Find<Material>(*materials, materialNumber));
 }
 
+void Elem::EnterMaterial(std::unique_ptr<Material> material)
+{
+  MakeRare().material = std::move(material);
+}
+
 void Elem::GiveEI(const VoidPlex* materials, double& EIy, double& EIz, double& EA) const
 {
   const Material* m = GiveMaterial(materials);

@@ -78,7 +78,21 @@ void Material::ComposeMaterial(const Material* base)
   if (eulerGiven || !base || !base->eulerGiven)
     return;
   eulerGiven = 1;
+  eulerOfBase = true;
   std::copy(std::begin(base->Euler), std::end(base->Euler), Euler);
+}
+
+void Material::RecomposeMaterial(const Material& base)
+{
+  for (double Material::*field : kValues) {
+    if (!(given & MarkOf(field)))
+      this->*field = base.*field;
+  }
+  if (eulerGiven && !eulerOfBase)
+    return;
+  eulerGiven = base.eulerGiven;
+  eulerOfBase = base.eulerGiven != 0;
+  std::copy(std::begin(base.Euler), std::end(base.Euler), Euler);
 }
 
 void Material::CalcOtherParametersForRecSec(double widthY, double widthZ)

@@ -79,6 +79,24 @@ public:
   /// itself.
   void PrintTo(std::ostream& out) const;
 
+  /// Takes the values that were not given from the base again, after a change of the base. Of a
+  /// material after ComposeMaterial only.
+  void RecomposeMaterial(const Material& base);
+
+  /// Calls visit(member) for every data member, in a fixed order.
+  template <class Visit>
+  void VisitMembers(Visit& visit)
+  {
+    visit(number);
+    for (double* value : {&E1, &E2, &nuXY, &nuYX, &Iy, &Iz, &Gxy, &Gxz, &Gyz, &J, &A, &Weight, &t})
+      visit(*value);
+    visit(eulerGiven);
+    for (double& angle : Euler)
+      visit(angle);
+    visit(given);
+    visit(eulerOfBase);
+  }
+
   int number = 0;     ///< 0 for a material that an element owns
   double E1 = 0.0;    ///< Young's modulus along local x
   double E2 = 0.0;    ///< Young's modulus along local y
@@ -97,7 +115,8 @@ public:
   double Euler[3] = {0.0, 0.0, 0.0};  ///< of the local axes, in radians
 
 private:
-  unsigned given = 0;  ///< a bit for each value that was entered
+  unsigned given = 0;        ///< a bit for each value that was entered
+  bool eulerOfBase = false;  ///< true when the angles are those of the numbered material
 };
 
 }  // namespace morlen

@@ -4,6 +4,7 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "model/elem.h"
@@ -40,6 +41,11 @@ public:
   int GiveNdime() const { return ndime; }
   /// True when an element was read that owns its material.
   bool HasOwnMaterials() const { return ownMaterials; }
+  void SetOwnMaterials(bool present) { ownMaterials = present; }
+  /// Entry k - 1 is the number in the file of the node with the system number k; empty while the
+  /// two are the same.
+  const std::vector<int>& OldNumbers() const { return oldNumbers; }
+  void EnterOldNumbers(std::vector<int> numbers) { oldNumbers = std::move(numbers); }
 
   /// The mesh listing, with the numbers of the file (useOld 1) or of the system. `bare` 1, only
   /// together with useOld, leaves out the word "Mat:". Not used by the analysis itself.

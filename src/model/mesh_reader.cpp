@@ -5,6 +5,7 @@
 
 #include "base/digits.h"
 #include "base/errorwriter.h"
+#include "base/interruption.h"
 #include "base/read_observer.h"
 #include "base/record_hint.h"
 #include "base/text_parts.h"
@@ -17,6 +18,9 @@
 namespace morlen {
 
 namespace {
+
+/// Records between two calls of CheckInterruption: it would cost time after each.
+constexpr int kRecordsPerCheck = 4096;
 
 bool HasDigit(std::string_view text)
 {
@@ -195,6 +199,8 @@ void Mesh::ReadNodes(TextScan& text, double lengthFactor)
     Attempt(&text, [&] { more = ReadNode(text, lengthFactor); });
     if (!more)
       break;
+    if (count % kRecordsPerCheck == 0)
+      CheckInterruption();
   }
   Attempt(nullptr, [&] { RequireAllNumbers(count, text, first); });
 }
@@ -240,12 +246,14 @@ void Mesh::StoreNode(std::unique_ptr<Node> node)
 
 void Mesh::ReadElems(TextScan& text, const Units* units)
 {
-  for (;;) {
+  for (int count = 0;; ++count) {
     SkipComments(text);
     bool more = true;
     Attempt(&text, [&] { more = ReadElem(text, units); });
     if (!more)
       return;
+    if (count % kRecordsPerCheck == 0)
+      CheckInterruption();
   }
 }
 

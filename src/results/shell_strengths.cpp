@@ -9,6 +9,7 @@
 #include "assembly/shell_family.h"
 #include "assembly/solution.h"
 #include "base/array_size.h"
+#include "base/interruption.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "numeric/plex_range.h"
@@ -43,6 +44,7 @@ void ConvertResults(const Problem& problem, const Mesh& mesh, MeshResults& resul
   const int points = results.points;
   int place = 0;
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+    CheckInterruption();
     const int offset = place * results.blockSize;
     const auto& shell = local(elem, offset);
     if (output != StressOutput::Local)

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "assembly/solution.h"
+#include "base/interruption.h"
 #include "model/elem.h"
 #include "model/euler.h"
 #include "model/mesh.h"
@@ -209,6 +210,7 @@ private:
     groupsOfElements.reserve(results.numbers.size());
     int angleOffset = 0;
     for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+      CheckInterruption();
       const Triple axes = AxesOfValues(elem, &RequireMaterial(elem, materials), mainAngles,
                                        angleOffset, results.points, variable);
       const std::array<Triple, 3> atCorners = corners.FromPoints(element);

@@ -12,6 +12,7 @@
 #include "assembly/solution.h"
 #include "base/array_size.h"
 #include "base/errorwriter.h"
+#include "base/interruption.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "model/node.h"
@@ -84,6 +85,7 @@ void SmoothSolids(const Problem& problem, int mesh, Solution& solution)
   double atNodes[10];
   const double* v = result.strengths.Data();
   for (const Elem& elem : Each<Elem>(*problem.meshes[mesh]->GiveElemPlex())) {
+    CheckInterruption();
     for (int k = 0; k < kSolidStresses; ++k) {
       values.Calc(v + k, elem.Nnode(), atNodes);
       for (int i = 0; i < elem.Nnode(); ++i)

@@ -6,6 +6,7 @@
 #include "assembly/solid.h"
 #include "assembly/solution.h"
 #include "base/array_size.h"
+#include "base/interruption.h"
 #include "model/elem.h"
 #include "model/mesh.h"
 #include "numeric/plex_range.h"
@@ -23,6 +24,7 @@ void CalcSolidStrengths(const Problem& problem, const Mesh& mesh, const Solution
   double u[3 * 10];
   int offset = 0;
   for (const Elem& elem : Each<Elem>(*mesh.GiveElemPlex())) {
+    CheckInterruption();
     solid.Evaluate(elem, problem.RequireMaterial(elem));
     CalcRelativeSolid(elem, solution.Displacements(), u);
     solid.AddStrengths(u, results.strengths, offset);

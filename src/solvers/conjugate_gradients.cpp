@@ -4,6 +4,7 @@
 #include <cassert>
 #include <cmath>
 
+#include "base/interruption.h"
 #include "base/stprintf.h"
 #include "solvers/krylov.h"
 #include "solvers/preconditioner.h"
@@ -127,6 +128,7 @@ double CgSystem::RemainingError(const Preconditioner& M)
 
 void AnnounceIteration(int next, double residual, double tolerance, std::FILE* info)
 {
+  CheckInterruption();
   constexpr int kIterationsPerMessage = 10;
   if (next % kIterationsPerMessage == 0)
     Progress(info, "iteration number %i resid=%g tol=%g\n", next, residual, tolerance);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/errorwriter.h"
+#include "base/interruption.h"
 #include "solvers/sparse_matrix.h"
 #include "solvers/triangular_solve.h"
 
@@ -75,6 +76,7 @@ bool ILUPreconditioner::Factorise()
       entry[rows.indices[s]] = present ? &rows.values[s] : nullptr;
   };
   for (int i = 0; i < n; ++i) {
+    CheckInterruption();
     mark(lower, i, true);
     mark(upper, i, true);
     EliminateRow(i, entry.data());

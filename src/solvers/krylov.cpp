@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/interruption.h"
 #include "base/stprintf.h"
 #include "solvers/conjugate_gradients.h"
 #include "solvers/preconditioner.h"
@@ -76,6 +77,7 @@ public:
     }
     const int limit = limits.max_iter;
     for (int done = 0; done < limit;) {
+      CheckInterruption();
       if (!std::isfinite(resid) || !step(++done))
         return Breakdown();
       if (Reached())

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "base/interruption.h"
 #include "solvers/ldlt_blocks.h"
 
 namespace morlen {
@@ -247,6 +248,7 @@ void Factorisation::SubtractChunk(std::span<Panel> batch, int chunk)
   for (int other = end / kPanelRows; other < batch.back().number; ++other) {
     if (blocks.PanelStart(other) >= end)
       continue;
+    CheckInterruption();
     const double* const block = FindOrPack(other, chunk);
     for (Panel& panel : batch) {
       if (panel.number <= other || panel.first >= end)

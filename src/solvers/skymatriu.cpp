@@ -6,6 +6,7 @@
 
 #include "base/constants.h"
 #include "base/errorwriter.h"
+#include "base/interruption.h"
 #include "base/memory_limit.h"
 #include "base/stprintf.h"
 #include "numeric/matriu.h"
@@ -21,6 +22,8 @@ constexpr int kEquationsPerMessage = 500;
 /// Distance in rows of the prefetch in the substitutions: the processor itself does not prefetch
 /// across the end of a row, nor backwards.
 constexpr int kRowsAhead = 4;
+/// Rows of a substitution between two calls of CheckInterruption.
+constexpr int kRowsPerCheck = 64;
 
 bool IsZero(double value)
 {
@@ -194,6 +197,8 @@ void SkyMatriu::Substitute(const RightHandSides& sides, std::FILE* info) const
   for (ReaVecV* const b : sides)
     std::reverse(b->Data(), b->Data() + n);
   for (int i = 0; i < n; ++i) {
+    if (i % kRowsPerCheck == 0)
+      CheckInterruption();
     if (i + kRowsAhead < n)
       FetchRow(rows[i + kRowsAhead], heights[i + kRowsAhead]);
     for (ReaVecV* const b : sides) {
@@ -207,6 +212,8 @@ void SkyMatriu::Substitute(const RightHandSides& sides, std::FILE* info) const
     for (int i = 0; i < n; ++i)
       b->Data()[n - 1 - i] /= rows[i][0];
   for (int i = n - 1; i > 0; --i) {
+    if (i % kRowsPerCheck == 0)
+      CheckInterruption();
     if (i > kRowsAhead)
       FetchRow(rows[i - kRowsAhead], heights[i - kRowsAhead]);
     for (ReaVecV* const b : sides) {

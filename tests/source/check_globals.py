@@ -18,6 +18,7 @@ PERMITTED = [
     (r"errorwriter\.cpp\.o", r"morlen::errorwriter"),
     (r"errorwriter\.cpp\.o", r"thread .*"),  # where a thread's fatal errors go
     (r".*", r"thread morlen::mxnod"),
+    (r".*", r"thread morlen::interruptionTest"),
     (r".*", r"thread morlen::readObserver"),  # belongs to the end of a thread's run
     # Memory that all threads share: the pool is locked, the share is the thread's.
     (r".*", r"morlen::StaticPool<.*>::Pool\(\)::pool"),

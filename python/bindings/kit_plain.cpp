@@ -1,0 +1,10 @@
+#include "model.h"
+
+namespace morlen::python {
+
+const SolverKit& Kit()
+{
+  return kPlainKit;
+}
+
+}  // namespace morlen::python

@@ -1,0 +1,511 @@
+// The module morlen._core: the classes and arrays of C++ in Python. The package's Python files give
+// them their final form. The interpreter lock is released during all long work.
+
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "arrays.h"
+#include "base/text_parts.h"
+#include "common/model_data.h"
+#include "common/utf8.h"
+#include "model.h"
+#include "model/material.h"
+#include "numeric/plex_range.h"
+#include "outputs.h"
+#include "places.h"
+#include "rows.h"
+#include "session.h"
+
+namespace py = pybind11;
+
+namespace morlen::python {
+
+namespace {
+
+using Shape = std::vector<py::ssize_t>;
+
+[[noreturn]] void RaiseError(const FatalError& error, Place place)
+{
+  py::object type = py::module_::import("morlen._error").attr("Error");
+  const auto number = [](int n) { return n > 0 ? py::object(py::int_(n)) : py::none(); };
+  const auto text = [](std::string_view bytes) {
+    std::string whole(bytes.substr(0, bytes.find_last_not_of('\n') + 1));
+    return ToUtf8(whole);
+  };
+  py::object value =
+      type(text(error.Message()), number(place.line), number(place.column), text(error.Hint()));
+  PyErr_SetObject(type.ptr(), value.ptr());
+  throw py::error_already_set();
+}
+
+/// Lets Ctrl-C and other signals be handled, whose handlers may raise.
+void HandleSignals()
+{
+  const py::gil_scoped_acquire lock;
+  if (PyErr_CheckSignals() != 0)
+    throw py::error_already_set();
+}
+
+void IssueWarnings(const Session& session)
+{
+  if (session.Warnings().empty())
+    return;
+  py::object category = py::module_::import("morlen._error").attr("ModelWarning");
+  for (const std::string& text : session.Warnings()) {
+    if (PyErr_WarnEx(category.ptr(), ToUtf8(text).c_str(), 1) != 0)
+      throw py::error_already_set();
+  }
+}
+
+/// Does work without the interpreter lock. Its fatal errors become exceptions of Python: `locate`
+/// gives their place, without the lock.
+template <class Work, class Locate>
+auto Run(Session& session, Work work, Locate locate)
+{
+  std::optional<FatalError> failure;
+  Place place;
+  {
+    const py::gil_scoped_release unlocked;
+    try {
+      if constexpr (std::is_void_v<decltype(work())>)
+        work();
+      else
+        return work();
+    } catch (const FatalError& error) {
+      failure = error;
+      place = locate(error);
+    }
+  }
+  static_cast<void>(session);
+  if (failure)
+    RaiseError(*failure, place);
+  if constexpr (!std::is_void_v<decltype(work())>)
+    throw std::logic_error("unreachable");
+}
+
+template <class Work>
+auto Run(Work work)
+{
+  Session session(HandleSignals);
+  return Run(session, work, [](const FatalError&) { return Place(); });
+}
+
+/// A new array that cannot be written to, filled without the interpreter lock.
+template <class T, class Fill>
+py::array_t<T> Filled(const Shape& shape, Fill fill)
+{
+  py::array_t<T> array(shape);
+  T* const data = array.mutable_data();
+  Run([&] { fill(data); });
+  array.attr("setflags")(py::arg("write") = false);
+  return array;
+}
+
+template <class Owner, class Fill>
+py::array_t<double> FilledFrom(Owner& owner, const Shape& shape, Fill fill)
+{
+  return Filled<double>(shape, [&](double* rows) {
+    owner.With([&](const auto&... parts) { fill(parts..., rows); });
+  });
+}
+
+py::ssize_t Size(std::size_t count)
+{
+  return static_cast<py::ssize_t>(count);
+}
+
+// --- Models ---
+
+std::shared_ptr<Model> Parse(const py::bytes& text)
+{
+  const std::string_view content = text;
+  Session session(HandleSignals);
+  auto model = Run(
+      session, [&] { return std::make_shared<Model>(content); },
+      [&](const FatalError& error) { return PlaceOf(error, content); });
+  IssueWarnings(session);
+  return model;
+}
+
+using Finding = std::tuple<std::string, std::string, int, int, std::string, std::string>;
+
+std::vector<Finding> Check(const py::bytes& text)
+{
+  const std::string_view content = text;
+  return Run([&] {
+    std::vector<Finding> findings;
+    for (const check::Located& found : FindingsIn(content))
+      findings.emplace_back(check::SeverityName(found.severity), check::NameOf(found.code),
+                            found.line, found.column, ToUtf8(found.message), ToUtf8(found.hint));
+    return findings;
+  });
+}
+
+py::tuple Nodes(Model& model)
+{
+  const std::size_t n = model.With([](const Problem& problem) { return CountNodes(problem); });
+  py::array_t<int> numbers(Size(n));
+  int* const to = numbers.mutable_data();
+  py::array_t<double> places = FilledFrom(
+      model, {Size(n), 3}, [to](const Problem& p, double* rows) { FillNodes(p, to, rows); });
+  numbers.attr("setflags")(py::arg("write") = false);
+  return py::make_tuple(numbers, places);
+}
+
+py::tuple Elements(Model& model, int type)
+{
+  const auto kind = ElemType(type);
+  const auto [n, width] = model.With([kind](const Problem& p) {
+    return std::pair(Size(CountElements(p, kind)), MostNodes(p, kind));
+  });
+  py::array_t<int> numbers(n);
+  py::array_t<int> nodes(Shape{n, width});
+  py::array_t<int> materials(n);
+  int* const to[] = {numbers.mutable_data(), nodes.mutable_data(), materials.mutable_data()};
+  Run([&, w = width] {
+    model.With([&](const Problem& p) { FillElements(p, kind, w, to[0], to[1], to[2]); });
+  });
+  for (py::array_t<int>* array : {&numbers, &nodes, &materials})
+    array->attr("setflags")(py::arg("write") = false);
+  return py::make_tuple(numbers, nodes, materials);
+}
+
+std::tuple<std::string, std::string, std::string> UnitNames(const Problem& problem)
+{
+  const model::Units units = model::UnitsOf(problem.units);
+  return {units.force, units.length, units.pressure};
+}
+
+// --- Materials ---
+
+/// A material of a model, which it keeps alive.
+struct LiveMaterial
+{
+  std::shared_ptr<Model> model;
+  int number;
+
+  template <class Use>
+  auto With(Use use) const
+  {
+    return model->With([&](const Problem& problem) {
+      return use(*morlen::Find<Material>(problem.materials, number));
+    });
+  }
+};
+
+std::vector<int> MaterialNumbers(Model& model)
+{
+  return model.With([](const Problem& problem) {
+    std::vector<int> numbers;
+    for (const auto [number, material] : EachNumbered<Material>(problem.materials))
+      numbers.push_back(number);
+    return numbers;
+  });
+}
+
+void RequireFinite(double value)
+{
+  if (!std::isfinite(value))
+    throw py::value_error("the value of a material must be finite");
+}
+
+using Field = double Material::*;
+
+template <Field first, Field... others>
+void DefineValue(py::class_<LiveMaterial>& material, const char* name, const char* doc)
+{
+  material.def_property(
+      name, [](const LiveMaterial& m) { return m.With([](Material& x) { return x.*first; }); },
+      [](const LiveMaterial& m, double value) {
+        RequireFinite(value);
+        m.With([value](Material& x) {
+          x.Enter(first, value);
+          (x.Enter(others, value), ...);
+        });
+      },
+      doc);
+}
+
+py::object EulerOf(const LiveMaterial& material)
+{
+  const auto angles = material.With([](Material& m) {
+    return m.eulerGiven ? std::optional(std::array{m.Euler[0], m.Euler[1], m.Euler[2]})
+                        : std::nullopt;
+  });
+  return py::cast(angles);
+}
+
+void SetEuler(const LiveMaterial& material, const std::optional<std::array<double, 3>>& angles)
+{
+  for (const double angle : angles.value_or(std::array<double, 3>{}))
+    RequireFinite(angle);
+  material.With([&](Material& m) {
+    m.eulerGiven = angles ? 1 : 0;
+    for (int k = 0; k < 3; ++k)
+      m.Euler[k] = angles ? (*angles)[k] : 0.0;
+  });
+}
+
+void SetRectangle(const LiveMaterial& material, double widthY, double widthZ)
+{
+  if (!(widthY > 0.0 && widthZ > 0.0 && std::isfinite(widthY) && std::isfinite(widthZ)))
+    throw py::value_error("the widths of a rectangular section must be positive");
+  material.With([&](Material& m) { m.CalcOtherParametersForRecSec(widthY, widthZ); });
+}
+
+void DefineMaterial(py::module_& module)
+{
+  using M = Material;
+  py::class_<LiveMaterial> material(
+      module, "Material",
+      "A material or section of a model. Changes count from the next `solve` on.\n\n"
+      "Values are in the units of the results; the names are the keys of the problem file. A "
+      "value\n"
+      "that is not given is 0.");
+  material.def_property_readonly(
+      "number", [](const LiveMaterial& m) { return m.number; }, "Number in the problem file.");
+  DefineValue<&M::E1, &M::E2>(material, "E", "Young's modulus [force/length2]; reads as `Ex`.");
+  DefineValue<&M::E1>(material, "Ex", "Young's modulus along local x [force/length2].");
+  DefineValue<&M::E2>(material, "Ey", "Young's modulus along local y [force/length2].");
+  DefineValue<&M::nuXY, &M::nuYX>(material, "nu", "Poisson's ratio; reads as `nuXY`.");
+  DefineValue<&M::nuXY>(material, "nuXY", "Strain -ex/ey under a stress along y.");
+  DefineValue<&M::nuYX>(material, "nuYX", "Strain -ey/ex under a stress along x.");
+  DefineValue<&M::Gxy, &M::Gxz, &M::Gyz>(material, "G",
+                                         "Shear modulus [force/length2]; reads as `Gxy`.");
+  DefineValue<&M::Gxy>(material, "Gxy", "Shear modulus [force/length2].");
+  DefineValue<&M::Gxz>(material, "Gxz", "Shear modulus [force/length2].");
+  DefineValue<&M::Gyz>(material, "Gyz", "Shear modulus [force/length2].");
+  DefineValue<&M::A>(material, "A", "Area of a beam's section [length2].");
+  DefineValue<&M::Iy>(material, "Iy", "Second moment of area about local y [length4].");
+  DefineValue<&M::Iz>(material, "Iz", "Second moment of area about local z [length4].");
+  DefineValue<&M::J>(material, "J", "Torsion constant [length4].");
+  DefineValue<&M::t>(material, "t", "Thickness of a shell [length].");
+  DefineValue<&M::Weight>(material, "Weight", "Weight [force/length3].");
+  material.def_property("Euler", EulerOf, SetEuler,
+                        "Euler angles of the local axes [radians], or None without angles.");
+  material.def("rectangle", SetRectangle, py::arg("widthY"), py::arg("widthZ"),
+               "Sets A, Iy, Iz and J of a rectangular section with these widths [length].");
+}
+
+// --- Results ---
+
+std::shared_ptr<Solved> SolveModel(Model& model, const std::optional<std::string>& solver,
+                                   const py::object& progress)
+{
+  std::optional<SolverType> type;
+  if (solver) {
+    type = SolverOf(*solver);
+    if (!type)
+      throw py::value_error("unknown solver '" + *solver +
+                            "': Automatic, SkyLine, Sparse, Double or Direct");
+  }
+  Session session(HandleSignals);
+  std::function<void(std::string_view)> hear;
+  if (!progress.is_none())
+    hear = [&progress](std::string_view line) {
+      const py::gil_scoped_acquire lock;
+      progress(ToUtf8(std::string(line)));
+    };
+  auto solved = Run(
+      session,
+      [&] {
+        const ProgressStream stream(session, hear);
+        return Solve(model, type, stream.File());
+      },
+      [](const FatalError&) { return Place(); });
+  IssueWarnings(session);
+  return solved;
+}
+
+py::array_t<double> Nodal(const Solved& solved, ReaVecV Solution::*values)
+{
+  const Problem& problem = solved.analysis->problem;
+  return FilledFrom(solved, {Size(CountNodes(problem)), problem.components.count},
+                    [values](const Problem& p, const Solution& s, double* rows) {
+                      FillNodal(p, s.*values, rows);
+                    });
+}
+
+py::ssize_t Count(const Solved& solved, ElemType type)
+{
+  return Size(CountElements(solved.analysis->problem, type));
+}
+
+py::array_t<double> BeamForces(const Solved& solved, int points)
+{
+  return FilledFrom(solved, {Count(solved, Linear), points, kBeamForces},
+                    [points](const Problem& p, const Solution& s, double* rows) {
+                      FillBeamForces(p, s, points, rows);
+                    });
+}
+
+py::array_t<double> BeamDisplacements(const Solved& solved, int points)
+{
+  const int translations = solved.analysis->problem.components.translations;
+  return FilledFrom(solved, {Count(solved, Linear), points, translations},
+                    [points](const Problem& p, const Solution& s, double* rows) {
+                      FillBeamDisplacements(p, s, points, rows);
+                    });
+}
+
+py::array_t<double> ShellForces(const Solved& solved, bool main)
+{
+  const int points = ShellPoints(solved.analysis->problem, solved.solution);
+  return FilledFrom(solved, {Count(solved, Triangle), points, kShellForces},
+                    [main](const Problem& p, const Solution& s, double* rows) {
+                      FillShellForces(p, s, main, rows);
+                    });
+}
+
+py::array_t<double> SolidStress(const Solved& solved)
+{
+  const Problem& problem = solved.analysis->problem;
+  const bool solids = Count(solved, Tetrahedra) > 0;
+  return FilledFrom(solved, {solids ? Size(CountNodes(problem)) : 0, kSolidStress},
+                    [solids](const Problem& p, const Solution& s, double* rows) {
+                      if (solids)
+                        FillSolidStress(p, s, rows);
+                    });
+}
+
+const char* StressOutputOf(const Solved& solved)
+{
+  switch (solved.analysis->problem.stressOutput) {
+    case StressOutput::Main:
+      return "main";
+    case StressOutput::MainAndLocal:
+      return "both";
+    default:
+      return "local";
+  }
+}
+
+void Write(const Solved& solved, const std::optional<std::string>& text,
+           const std::optional<std::string>& post, const std::optional<std::string>& mesh,
+           const std::optional<std::string>& vtu, const std::optional<std::string>& report)
+{
+  Run([&] { WriteOutputs(solved, {text, post, mesh, vtu, report}); });
+}
+
+py::bytes AsBytes(const Bytes& bytes)
+{
+  return {bytes.data(), bytes.size()};
+}
+
+std::span<const char> SpanOf(const py::bytes& bytes)
+{
+  const std::string_view view = bytes;
+  return {view.data(), view.size()};
+}
+
+// --- Records ---
+
+py::bytes RowsOf(const py::array_t<std::int64_t, py::array::c_style | py::array::forcecast>& whole,
+                 const py::array_t<double, py::array::c_style | py::array::forcecast>& real,
+                 const std::string& word)
+{
+  if (whole.ndim() != 2 || real.ndim() != 2 || whole.shape(0) != real.shape(0))
+    throw py::value_error("two tables with the same number of rows are needed");
+  const auto span = [](const auto& array) {
+    return std::span(array.data(), static_cast<std::size_t>(array.size()));
+  };
+  return Run(
+      [&, ints = span(whole), reals = span(real), rows = static_cast<std::size_t>(whole.shape(0))] {
+        return Rows(ints, word, reals, rows);
+      });
+}
+
+void DefineModel(py::module_& module)
+{
+  py::class_<Model, std::shared_ptr<Model>>(module, "Model", "A model as it was read.")
+      .def("nodes", &Nodes, "Numbers (n) and places (n, 3) of the nodes.")
+      .def("elements", &Elements, py::arg("type"),
+           "Numbers (n), nodes (n, k) and materials (n) of elements: 1 beams, 2 shells, 4 solids.")
+      .def(
+          "is_plane",
+          [](Model& m) { return m.With([](const Problem& p) { return p.problemType == kPlane; }); })
+      .def("components",
+           [](Model& m) { return m.With([](const Problem& p) { return p.components.count; }); })
+      .def(
+          "units", [](Model& m) { return m.With(UnitNames); }, "Force, length, pressure.")
+      .def("solver",
+           [](Model& m) {
+             return m.With([](const Problem& p) { return NameOf(p.solverSettings.type); });
+           })
+      .def("material_numbers", &MaterialNumbers)
+      .def(
+          "material",
+          [](const std::shared_ptr<Model>& m, int number) {
+            m->With([number](const Problem& p) {
+              if (number < 1 || !morlen::Find<Material>(p.materials, number))
+                throw py::key_error("no material " + std::to_string(number));
+            });
+            return LiveMaterial{m, number};
+          },
+          py::arg("number"))
+      .def("solve", &SolveModel, py::arg("solver"), py::arg("progress"))
+      .def(py::pickle(
+          [](Model& m) {
+            const Bytes image = Run([&] { return m.Image(); });
+            return py::make_tuple(AsBytes(image), py::bytes(m.Head()));
+          },
+          [](const py::tuple& state) {
+            const auto image = state[0].cast<py::bytes>();
+            const std::string head = state[1].cast<py::bytes>();
+            return Run([&] { return std::make_shared<Model>(SpanOf(image), head); });
+          }));
+}
+
+void DefineSolved(py::module_& module)
+{
+  py::class_<Solved, std::shared_ptr<Solved>>(module, "Solved", "The results of one load case.")
+      .def("displacements", [](const Solved& s) { return Nodal(s, &Solution::displacements); })
+      .def("reactions", [](const Solved& s) { return Nodal(s, &Solution::reactions); })
+      .def("beam_forces", &BeamForces, py::arg("points"))
+      .def("beam_displacements", &BeamDisplacements, py::arg("points"))
+      .def("shell_forces", &ShellForces, py::arg("main"))
+      .def("solid_stress", &SolidStress)
+      .def("stress_output", &StressOutputOf)
+      .def("solver", [](const Solved& s) { return NameOf(s.analysis->solver); })
+      .def("residual", [](const Solved& s) { return s.solution.accuracy.residual; })
+      .def("error", [](const Solved& s) { return s.solution.accuracy.error; })
+      .def(
+          "model",
+          [](const Solved& s) {
+            return Run(
+                [&] { return std::make_shared<Model>(*s.analysis->modelImage, s.analysis->head); });
+          },
+          "The model as it was solved.")
+      .def("write", &Write, py::arg("text"), py::arg("post"), py::arg("mesh"), py::arg("vtu"),
+           py::arg("report"))
+      .def(py::pickle(
+          [](const Solved& s) { return AsBytes(Run([&] { return StateOf(s); })); },
+          [](const py::bytes& state) { return Run([&] { return SolvedOf(SpanOf(state)); }); }));
+}
+
+}  // namespace
+
+PYBIND11_MODULE(_core, module)
+{
+  ShareNewHandler();
+  Kit();  // before other threads run
+  module.doc() = "The part of the package that is written in C++.";
+  DefineMaterial(module);
+  DefineModel(module);
+  DefineSolved(module);
+  module.def("parse", &Parse, py::arg("text"), "Reads the text of a problem file.");
+  module.def("check", &Check, py::arg("text"),
+             "Severity, code, line, column, text and hint of each finding.");
+  module.def("rows", &RowsOf, py::arg("whole"), py::arg("real"), py::arg("word"),
+             "Records of a problem file.");
+}
+
+}  // namespace morlen::python

@@ -1,0 +1,9 @@
+"""Types of arrays."""
+
+from __future__ import annotations
+
+import numpy as np
+import numpy.typing as npt
+
+Floats = npt.NDArray[np.float64]
+Ints = npt.NDArray[np.int32]

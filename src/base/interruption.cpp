@@ -1,0 +1,7 @@
+#include "base/interruption.h"
+
+namespace morlen {
+
+constinit thread_local InterruptionTest interruptionTest = nullptr;
+
+}  // namespace morlen

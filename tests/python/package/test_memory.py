@@ -30,20 +30,14 @@ def try_all(texts):
 
 @pytest.mark.filterwarnings("ignore")
 def test_2000_errors():
-    texts = list(broken_texts(2000, seed=5))
-    warm = try_all(texts[:300])
+    # The first time, the pools grow to what the largest of these models needs.
+    refused = try_all(broken_texts(2000, seed=5))
     gc.collect()
     before = resident()
-    refused = warm + try_all(texts[300:])
+    refused += try_all(broken_texts(2000, seed=5))
     gc.collect()
-    # The same again, to tell leaks from the growth of pools to their largest size.
-    middle = resident()
-    try_all(texts)
-    gc.collect()
-    after = resident()
-    assert refused > 700
-    assert after - middle < 1024, (before, middle, after)
-    assert middle - before < 8192, (before, middle, after)
+    assert refused > 3000
+    assert resident() - before < 1024
 
 
 def test_solutions_are_freed():

@@ -1,4 +1,5 @@
-# `cpack` makes two Debian packages: morlen with the programs, libmorlen-dev with the library.
+# `cpack` makes Debian packages: morlen with the programs, libmorlen-dev with the library, and
+# python3-morlen with the Python package where it is built.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME morlen)
 set(CPACK_PACKAGE_VENDOR "The Morlen developers")
@@ -25,5 +26,18 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 if(morlen_has_import)
   set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "python3 (>= 3.11), python3-numpy")
   set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "python3-meshio, python3-h5py")
+endif()
+if(morlen_build_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-morlen)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  string(REGEX REPLACE "^3\\.([0-9]+)$" "\\1" minor ${morlen_python_version})
+  math(EXPR next "${minor} + 1")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "python3 (>= ${morlen_python_version}), python3 (<< 3.${next}), python3-numpy")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pandas, python3-meshio, python3-matplotlib")
+  set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+"The analysis of morlen for Python: models are read, changed and solved, and
+their results are arrays of numpy.")
 endif()
 include(CPack)

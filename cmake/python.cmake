@@ -4,6 +4,9 @@
 # The core library is then compiled as position-independent code with hidden symbols, as a part of
 # the module. The programs are as fast with it.
 set(MORLEN_PYTHON AUTO CACHE STRING "Build the Python package: ON, OFF, or AUTO when it can be")
+if(MORLEN_PYTHON MATCHES "/")  # of an older build folder, where the tests had the name
+  set_property(CACHE MORLEN_PYTHON PROPERTY VALUE AUTO)
+endif()
 set_property(CACHE MORLEN_PYTHON PROPERTY STRINGS AUTO ON OFF)
 set(MORLEN_PYTHON_EXECUTABLE /usr/bin/python3 CACHE FILEPATH "The Python that the package is for")
 mark_as_advanced(MORLEN_PYTHON_EXECUTABLE)

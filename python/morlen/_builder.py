@@ -32,7 +32,7 @@ Numbers = npt.NDArray[np.int64]
 
 def _floats(values: npt.ArrayLike, what: str, columns: Sequence[int], rows: int | None = None) -> Floats:
     """Finite numbers as rows; one row counts for all `rows`."""
-    array = np.atleast_2d(np.asarray(values, dtype=float))
+    array: Floats = np.atleast_2d(np.asarray(values, dtype=np.float64))
     if rows is not None and len(array) == 1:
         array = np.repeat(array, rows, axis=0)
     if array.ndim != 2 or array.shape[1] not in columns or (rows is not None and len(array) != rows):
@@ -54,7 +54,8 @@ def _numbers(values: npt.ArrayLike, what: str, rows: int | None = None) -> Numbe
         array = np.repeat(array, rows)
     if array.ndim != 1 or (rows is not None and len(array) != rows):
         raise ValueError(f"{what} must be {'a list' if rows is None else rows} of numbers")
-    return array.astype(np.int64)
+    numbers: Numbers = array.astype(np.int64)
+    return numbers
 
 
 def _text(value: float) -> str:

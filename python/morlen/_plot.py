@@ -38,7 +38,7 @@ def plot(results: Results, ax: Axes | None, scale: float | None, **options: Any)
         if plane:
             ax.add_collection(drawn)
         else:
-            ax.add_collection3d(drawn)  # type: ignore[attr-defined]
+            ax.add_collection3d(drawn)
     _set_limits(ax, np.concatenate([before, after]).reshape(-1, 3), width)
     ax.set_title(f"displacements × {scale:.3g}")
     unit = results.units.length
@@ -99,5 +99,5 @@ def _set_limits(ax: Axes, points: Floats, width: int) -> None:
     if width == 2:
         ax.set_aspect("equal")
         return
-    ax.set_zlim(low[2] - margin, high[2] + margin)  # type: ignore[attr-defined]
-    ax.set_box_aspect(high - low + 2 * margin)  # type: ignore[arg-type]
+    ax.set_zlim(low[2] - margin, high[2] + margin)
+    ax.set_box_aspect(high - low + 2 * margin)

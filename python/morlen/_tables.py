@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING
+from typing import TYPE_CHECKING, Any
 
 import numpy as np
 import numpy.typing as npt
@@ -87,7 +87,7 @@ def to_meshio(results: Results) -> meshio.Mesh:
             shells.append(
                 np.nanmean(results.shells.forces[rows], axis=1) if of_shells else np.zeros((len(rows), 8))
             )
-    cell_data = {"number": numbers}
+    cell_data: dict[str, list[npt.NDArray[Any]]] = {"number": list(numbers)}
     if len(results.shells):
         for k, name in enumerate(results.shells.components):
             if name != "0":

@@ -1,6 +1,7 @@
 #!/bin/sh
 # Packs the build into Debian packages and looks into them: contents, fields, a run.
 # Usage: check_debian.sh <build folder> <folder to use> <program that must be there> ...
+# MORLEN_PYTHON_PACKAGE: the Python that the package python3-morlen is for; empty without one.
 set -eu
 build=$1
 work=$2
@@ -15,7 +16,9 @@ fail()
 rm -rf "$work"
 mkdir -p "$work"
 cpack --config "$build/CPackConfig.cmake" -B "$work" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
-for package in morlen libmorlen-dev; do
+packages="morlen libmorlen-dev"
+[ -z "${MORLEN_PYTHON_PACKAGE:-}" ] || packages="$packages python3-morlen"
+for package in $packages; do
   file=$(find "$work" -maxdepth 1 -name "${package}_*.deb")
   [ -n "$file" ] || fail "no package $package"
   [ "$(dpkg-deb -f "$file" Package)" = "$package" ] || fail "name of $file"
@@ -43,5 +46,16 @@ if grep -q "^morlen_build_direct" "$build/direct.txt" 2>/dev/null; then
   grep -q "^2  0.00912" "$work/direct.txt" || fail "the packed program has no Solver Direct"
   [ -f "$work/morlen/usr/share/doc/morlen/LICENSE.third-party" ] || fail "no third licences"
   dpkg-deb -f "$file" Depends | grep -Eq "blas|mumps|mpi" && fail "dependencies of the solver"
+fi
+if [ -n "${MORLEN_PYTHON_PACKAGE:-}" ]; then
+  file=$(find "$work" -maxdepth 1 -name "python3-morlen_*.deb")
+  dpkg-deb -f "$file" Depends | grep -q "python3-numpy" || fail "dependencies of python3-morlen"
+  folder=$(dirname "$(find "$work/python3-morlen" -name py.typed)")
+  # The place is one of those where this Python looks.
+  "$MORLEN_PYTHON_PACKAGE" -c "import site, sys; sys.exit(sys.argv[1] not in site.getsitepackages())" \
+    "$(dirname "${folder#"$work"/python3-morlen}")" || fail "python3-morlen is in $folder"
+  sway=$(PYTHONPATH="$folder/.." "$MORLEN_PYTHON_PACKAGE" -c \
+    "import morlen; print(morlen.read('$work/portal_frame.dat').solve().displacements[1, 0])")
+  case "$sway" in 0.00912*) ;; *) fail "the packed Python package computes $sway" ;; esac
 fi
 rm -rf "$work"

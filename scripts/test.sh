@@ -10,6 +10,11 @@ preset="${MORLEN_PRESET:-release}"
 scripts/install_tools.sh g++ cmake make libgtest-dev libcli11-dev nlohmann-json3-dev \
   libpugixml-dev libtomlplusplus-dev python3-vtk9 dpkg-dev gzip libmumps-seq-dev libmetis-dev \
   libopenblas-serial-dev libopenblas0-pthread
+# The Python package, and what its tests use.
+scripts/install_tools.sh pybind11-dev python3-dev python3-numpy python3-pytest || true
+for package in python3-scipy python3-pandas python3-matplotlib python3-venv mypy; do
+  scripts/install_tools.sh "$package" || true
+done
 # Those of morlen-import read meshes of gmsh and compare with CalculiX.
 scripts/install_tools.sh python3-numpy python3-pytest || true
 for package in python3-meshio python3-h5py gmsh calculix-ccx; do

@@ -12,9 +12,7 @@ from . import _core
 from ._model import Model, parse
 from ._typing import Floats
 
-_KEYS = (
-    "E Ex Ey nu nuXY nuYX G Gxy Gxz Gyz A Iy Iz J t Weight widthY widthZ Euler1 Euler2 Euler3"
-).split()
+_KEYS = ("E Ex Ey nu nuXY nuYX G Gxy Gxz Gyz A Iy Iz J t Weight widthY widthZ Euler1 Euler2 Euler3").split()
 _SETTINGS = (
     "NumOfDivisions Solver GravityDirection DoSmoothing CoplanarityAngle MainStresses "
     "MainAndLocalStresses ConvertTo6Nodes ShellFormulation"

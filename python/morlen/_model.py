@@ -87,7 +87,7 @@ class Model:
 
     @property
     def kind(self) -> Literal["2d", "3d"]:
-        """"2d" for a plane problem."""
+        """ "2d" for a plane problem."""
         return "2d" if self._core.is_plane() else "3d"
 
     @property
@@ -125,9 +125,7 @@ class Model:
         """The materials by number; changes of them count from the next `solve` on."""
         return Materials(self._core)
 
-    def solve(
-        self, solver: str | None = None, progress: Callable[[str], object] | None = None
-    ) -> Results:
+    def solve(self, solver: str | None = None, progress: Callable[[str], object] | None = None) -> Results:
         """Analyses the model as it is now.
 
         solver: "Automatic", "SkyLine", "Sparse", "Double" or "Direct"; None takes that of the

@@ -65,9 +65,7 @@ def _lines(results: Results) -> tuple[Floats, Floats]:
         if not len(elements):
             continue
         of = elements.nodes[:, :corners]
-        pairs = np.unique(
-            np.sort(np.concatenate([of[:, edge] for edge in _EDGES[corners]]), axis=1), axis=0
-        )
+        pairs = np.unique(np.sort(np.concatenate([of[:, edge] for edge in _EDGES[corners]]), axis=1), axis=0)
         for values, into in ((model.nodes.coordinates, before), (_translations(results), moves)):
             ends = values[pairs - 1]
             into.append((1 - t) * ends[:, None, 0] + t * ends[:, None, 1])

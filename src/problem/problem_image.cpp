@@ -47,13 +47,19 @@ void VisitPlain(AnyProblem& p, Visit& visit)
   visit(p.hasHinges);
   visit(p.coplanarity);
   visit(p.shellShares);
-  visit(p.solverSettings);
-  visit(p.smoothing);
+  visit(p.solverSettings.type);
+  visit(p.solverSettings.tolerance1);
+  visit(p.solverSettings.tolerance2);
+  visit(p.solverSettings.maxIterations);
+  visit(p.solverSettings.processor);
+  visit(p.smoothing.on);
+  visit(p.smoothing.angle);
   visit(p.stressOutput);
   visit(p.convertTo6Nodes);
   visit(p.shellFormulation);
   visit(p.coplanarityAngle);
-  visit(p.gravityDirection);
+  for (auto& component : p.gravityDirection)
+    visit(component);
   visit(p.numOfDivisions);
 }
 
@@ -76,21 +82,27 @@ void VisitConstraint(AnyConstraint& constraint, Visit& visit)
   visit(constraint.euler);
 }
 
+// The records have no bytes between their members: equal problems have equal images.
+
 /// A node without what is applied to it.
 struct NodeRecord
 {
   int number;
   int systemNumber;
   int size;
-  bool hasRotule, supported, loaded;
+  int marks;  ///< kHinged, kSupported, kLoaded
   double x[3];
 };
+
+constexpr int kHinged = 1;
+constexpr int kSupported = 2;
+constexpr int kLoaded = 4;
 
 struct ElemRecord
 {
   int number;
   int material;
-  bool ownMaterial;
+  std::int64_t ownMaterial;  ///< 0 or 1
   double alpha;
 };
 
@@ -98,7 +110,7 @@ struct LoadRecord
 {
   int element;
   int type;  ///< of a pressure load; kTemperature
-  int face;
+  std::int64_t face;
   double values[6];
 };
 constexpr int kTemperature = -1;
@@ -108,7 +120,7 @@ struct MeshRecord
   int dimension;
   ElemType type;
   int nnode;
-  bool ownMaterials;
+  int ownMaterials;  ///< 0 or 1
   int elements;
 };
 
@@ -118,14 +130,12 @@ void PutNodes(const VoidPlex& nodes, BytePutter& put)
 {
   put(nodes.Count());
   for (const auto [number, node] : EachNumbered<const Node>(nodes)) {
-    NodeRecord record{};
-    record = {.number = number,
-              .systemNumber = node.number,
-              .size = node.Size(),
-              .hasRotule = node.hasRotule,
-              .supported = node.constraint != nullptr,
-              .loaded = node.load != nullptr,
-              .x = {}};
+    NodeRecord record = {.number = number,
+                         .systemNumber = node.number,
+                         .size = node.Size(),
+                         .marks = (node.hasRotule ? kHinged : 0) |
+                                  (node.constraint ? kSupported : 0) | (node.load ? kLoaded : 0),
+                         .x = {}};
     std::copy_n(node.Data(), node.Size(), record.x);
     put(record);
     if (node.constraint)
@@ -179,12 +189,12 @@ void GetNodes(ByteGetter& get, const NodeComponents& components, VoidPlex& nodes
     auto node = std::make_unique<Node>(record.size);
     std::copy_n(record.x, node->Size(), node->Data());
     node->number = record.systemNumber;
-    node->hasRotule = record.hasRotule;
-    if (record.supported) {
+    node->hasRotule = (record.marks & kHinged) != 0;
+    if (record.marks & kSupported) {
       node->constraint = std::make_unique<Constraint>(components);
       VisitConstraint(*node->constraint, get);
     }
-    if (record.loaded) {
+    if (record.marks & kLoaded) {
       node->load = std::make_unique<Load>(components);
       get(node->load->values);
     }
@@ -227,7 +237,7 @@ void GetMeshes(ByteGetter& get, Problem& problem)
                                                       record.dimension, record.type, record.nnode));
     Mesh& mesh = *problem.meshes.back();
     mesh.ShareNumbering(*problem.meshes.front());
-    mesh.SetOwnMaterials(record.ownMaterials);
+    mesh.SetOwnMaterials(record.ownMaterials != 0);
     std::vector<int> oldNumbers;
     get(oldNumbers);
     mesh.EnterOldNumbers(std::move(oldNumbers));
@@ -245,7 +255,7 @@ std::unique_ptr<BaseElemLoads> MakeLoad(const LoadRecord& record)
     return load;
   }
   auto load = std::make_unique<PreassureLT>(PreassureLT_type(record.type));
-  load->face = record.face;
+  load->face = static_cast<int>(record.face);
   std::copy_n(record.values, 6, load->values);
   return load;
 }
@@ -273,9 +283,11 @@ std::vector<char> ImageOf(const Problem& problem)
   put(problem.units.bases.size());
   for (UnitsBase base : problem.units.bases)
     VisitBase(base, put);
-  put(problem.hingeCodes.size());
+  std::vector<std::array<int, 2>> hinges;
   for (const auto& [element, code] : problem.hingeCodes)
-    put(std::array{element, code.Value()});
+    hinges.push_back({element, code.Value()});
+  std::sort(hinges.begin(), hinges.end());
+  put(hinges);
   put(problem.materials.Count());
   for (auto [number, material] : EachNumbered<Material>(problem.materials)) {
     put(number);
@@ -296,10 +308,10 @@ void ReadImage(std::span<const char> image, Problem& problem)
   VisitPlain(problem, get);
   for (auto count = get.Get<std::size_t>(); count > 0; --count)
     VisitBase(problem.units.bases.emplace_back(), get);
-  for (auto count = get.Get<std::size_t>(); count > 0; --count) {
-    const auto [element, code] = get.Get<std::array<int, 2>>();
+  std::vector<std::array<int, 2>> hinges;
+  get(hinges);
+  for (const auto& [element, code] : hinges)
     problem.hingeCodes.emplace(element, HingeCode(code));
-  }
   for (int count = get.Get<int>(); count > 0; --count) {
     const int number = get.Get<int>();
     auto material = std::make_unique<Material>();

@@ -153,6 +153,16 @@ TEST(ErrorWriterDeath, PrintsToStandardErrorAndEndsWithStatus2)
   EXPECT_EXIT(Fatal("Invalid ", 3), testing::ExitedWithCode(2), "^Invalid 3$");
 }
 
+TEST(ErrorWriterDeath, TheErrorFileBelongsToItsThread)
+{
+  EXPECT_EXIT(
+      {
+        std::thread([] { errorwriter.SetErrorFile(stdout); }).join();
+        Fatal("on standard error\n");
+      },
+      testing::ExitedWithCode(2), "^on standard error");
+}
+
 TEST(ErrorWriterDeath, PrintsToTheErrorFile)
 {
   const std::string name = testing::TempDir() + "errorwriter_test.txt";

@@ -1,6 +1,6 @@
 // Reads and solves damaged problem files in one process, as the Python package does. Every fatal
-// error is an exception that leaves nothing behind: the leak sanitizer, which this program is linked
-// with, reports what was lost at the end.
+// error is an exception that leaves nothing behind: the leak sanitizer, which this program is
+// linked with, reports what was lost at the end.
 //
 //   broken_files COUNT SEED FILE...
 //

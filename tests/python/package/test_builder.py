@@ -57,9 +57,7 @@ def test_plane_frame_as_from_its_file():
     beams = b.beams([nodes], b.materials(E=E, A=A, Iz=IZ))
     b.supports(nodes[:1], [1, 1, 1])
     b.element_loads(beams, [0, -12])
-    np.testing.assert_array_equal(
-        b.model().solve().displacements, morlen.parse(PLANE).solve().displacements
-    )
+    np.testing.assert_array_equal(b.model().solve().displacements, morlen.parse(PLANE).solve().displacements)
 
 
 def test_shells_and_solids_as_from_their_files():
@@ -69,9 +67,7 @@ def test_shells_and_solids_as_from_their_files():
     b.supports([1], "111111")
     b.supports([4, 2, 3], [[1, 0, 1, 1, 1, 1], [0, 0, 1, 1, 1, 1], [0, 0, 1, 1, 1, 1]])
     b.loads(nodes[1:3], [5, 0, 0, 0, 0, 0])
-    np.testing.assert_array_equal(
-        b.model().solve().displacements, morlen.parse(SHELLS).solve().displacements
-    )
+    np.testing.assert_array_equal(b.model().solve().displacements, morlen.parse(SHELLS).solve().displacements)
     b = morlen.Builder()
     b.nodes(np.vstack([np.zeros(3), np.eye(3)]))
     b.tetrahedra([1, 2, 3, 4], b.materials(E=1000, nu=0))

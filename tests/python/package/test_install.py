@@ -22,7 +22,9 @@ def venv(tmp_path_factory):
     """A virtual environment with the packages of the system."""
     folder = tmp_path_factory.mktemp("venv")
     made = subprocess.run(
-        [sys.executable, "-m", "venv", "--system-site-packages", str(folder)], capture_output=True, check=False
+        [sys.executable, "-m", "venv", "--system-site-packages", str(folder)],
+        capture_output=True,
+        check=False,
     )
     if made.returncode:
         pytest.skip("python3-venv is not installed")
@@ -46,9 +48,7 @@ def test_pip_installs_without_a_network(venv, tmp_path):
         cwd=tmp_path,
     )
     model = str(TOP / "examples" / "portal_frame.dat")
-    place, sway = run(
-        venv / "bin" / "python", "-c", USE.format(model), cwd=tmp_path, env=environment
-    ).split()
+    place, sway = run(venv / "bin" / "python", "-c", USE.format(model), cwd=tmp_path, env=environment).split()
     assert place.startswith(str(venv)) and float(sway) == pytest.approx(0.0091232, rel=1e-5)
     files = {path.name for path in (venv / "lib").glob("python3.*/site-packages/morlen/*")}
     assert {"py.typed", "_core.pyi", "__init__.py"} <= files
@@ -92,7 +92,7 @@ def test_stubs_are_those_of_the_module(tmp_path):
     assert done.returncode == 0, done.stdout
 
 
-USER = '''
+USER = """
 import morlen
 
 model = morlen.read("frame.dat")
@@ -104,7 +104,7 @@ reveal_type(r.beams.forces(points=21))
 model.materials[1].A = 0.02
 reveal_type(model.materials[1].A)
 r.write(text="frame.txt", post="frame.morlen.res", vtu="frame.vtu", report="frame.html")
-'''
+"""
 
 
 def test_types_of_a_program(tmp_path):

@@ -42,7 +42,15 @@ def test_the_page_names_what_there_is():
     for method in vars(morlen.Builder):
         if not method.startswith("_"):
             assert re.search(rf"\b{method}\(", PAGE), method
-    for line in ("displacements", "reactions", "residual", "error_estimate", "to_pandas", "to_meshio", "plot"):
+    for line in (
+        "displacements",
+        "reactions",
+        "residual",
+        "error_estimate",
+        "to_pandas",
+        "to_meshio",
+        "plot",
+    ):
         assert f"r.{line}" in PAGE or f"`{line}" in PAGE, line
     for key in (n for n in vars(morlen.Material) if not n.startswith("_") and n not in ("number",)):
         assert f"`{key}" in PAGE, key

@@ -1,9 +1,5 @@
 // The module morlen._core: the classes and arrays of C++ in Python. The package's Python files give
-// them their final form. The interpreter lock is released during all long work.
-
-#include <pybind11/numpy.h>
-#include <pybind11/pybind11.h>
-#include <pybind11/stl.h>
+// them their final form.
 
 #include <cstdint>
 #include <memory>
@@ -13,9 +9,8 @@
 #include <vector>
 
 #include "arrays.h"
-#include "base/text_parts.h"
+#include "binding.h"
 #include "common/model_data.h"
-#include "common/utf8.h"
 #include "model.h"
 #include "model/material.h"
 #include "numeric/plex_range.h"
@@ -24,103 +19,9 @@
 #include "rows.h"
 #include "session.h"
 
-namespace py = pybind11;
-
 namespace morlen::python {
 
 namespace {
-
-using Shape = std::vector<py::ssize_t>;
-
-[[noreturn]] void RaiseError(const FatalError& error, Place place)
-{
-  py::object type = py::module_::import("morlen._error").attr("Error");
-  const auto number = [](int n) { return n > 0 ? py::object(py::int_(n)) : py::none(); };
-  const auto text = [](std::string_view bytes) {
-    std::string whole(bytes.substr(0, bytes.find_last_not_of('\n') + 1));
-    return ToUtf8(whole);
-  };
-  py::object value =
-      type(text(error.Message()), number(place.line), number(place.column), text(error.Hint()));
-  PyErr_SetObject(type.ptr(), value.ptr());
-  throw py::error_already_set();
-}
-
-/// Lets Ctrl-C and other signals be handled, whose handlers may raise.
-void HandleSignals()
-{
-  const py::gil_scoped_acquire lock;
-  if (PyErr_CheckSignals() != 0)
-    throw py::error_already_set();
-}
-
-void IssueWarnings(const Session& session)
-{
-  if (session.Warnings().empty())
-    return;
-  py::object category = py::module_::import("morlen._error").attr("ModelWarning");
-  for (const std::string& text : session.Warnings()) {
-    if (PyErr_WarnEx(category.ptr(), ToUtf8(text).c_str(), 1) != 0)
-      throw py::error_already_set();
-  }
-}
-
-/// Does work without the interpreter lock. Its fatal errors become exceptions of Python: `locate`
-/// gives their place, without the lock.
-template <class Work, class Locate>
-auto Run(Session& session, Work work, Locate locate)
-{
-  std::optional<FatalError> failure;
-  Place place;
-  {
-    const py::gil_scoped_release unlocked;
-    try {
-      if constexpr (std::is_void_v<decltype(work())>)
-        work();
-      else
-        return work();
-    } catch (const FatalError& error) {
-      failure = error;
-      place = locate(error);
-    }
-  }
-  static_cast<void>(session);
-  if (failure)
-    RaiseError(*failure, place);
-  if constexpr (!std::is_void_v<decltype(work())>)
-    throw std::logic_error("unreachable");
-}
-
-template <class Work>
-auto Run(Work work)
-{
-  Session session(HandleSignals);
-  return Run(session, work, [](const FatalError&) { return Place(); });
-}
-
-/// A new array that cannot be written to, filled without the interpreter lock.
-template <class T, class Fill>
-py::array_t<T> Filled(const Shape& shape, Fill fill)
-{
-  py::array_t<T> array(shape);
-  T* const data = array.mutable_data();
-  Run([&] { fill(data); });
-  array.attr("setflags")(py::arg("write") = false);
-  return array;
-}
-
-template <class Owner, class Fill>
-py::array_t<double> FilledFrom(Owner& owner, const Shape& shape, Fill fill)
-{
-  return Filled<double>(shape, [&](double* rows) {
-    owner.With([&](const auto&... parts) { fill(parts..., rows); });
-  });
-}
-
-py::ssize_t Size(std::size_t count)
-{
-  return static_cast<py::ssize_t>(count);
-}
 
 // --- Models ---
 
@@ -128,9 +29,11 @@ std::shared_ptr<Model> Parse(const py::bytes& text)
 {
   const std::string_view content = text;
   Session session(HandleSignals);
-  auto model = Run(
-      session, [&] { return std::make_shared<Model>(content); },
-      [&](const FatalError& error) { return PlaceOf(error, content); });
+  auto model = Unlocked([&] { return std::make_shared<Model>(content); },
+                        [&](const FatalError& error) {
+                          const py::gil_scoped_release unlocked;
+                          return PlaceOf(error, content);
+                        });
   IssueWarnings(session);
   return model;
 }
@@ -151,7 +54,7 @@ std::vector<Finding> Check(const py::bytes& text)
 
 py::tuple Nodes(Model& model)
 {
-  const std::size_t n = model.With([](const Problem& problem) { return CountNodes(problem); });
+  const std::size_t n = Ask(model, [](const Problem& problem) { return CountNodes(problem); });
   py::array_t<int> numbers(Size(n));
   int* const to = numbers.mutable_data();
   py::array_t<double> places = FilledFrom(
@@ -163,7 +66,7 @@ py::tuple Nodes(Model& model)
 py::tuple Elements(Model& model, int type)
 {
   const auto kind = ElemType(type);
-  const auto [n, width] = model.With([kind](const Problem& p) {
+  const auto [n, width] = Ask(model, [kind](const Problem& p) {
     return std::pair(Size(CountElements(p, kind)), MostNodes(p, kind));
   });
   py::array_t<int> numbers(n);
@@ -195,7 +98,7 @@ struct LiveMaterial
   template <class Use>
   auto With(Use use) const
   {
-    return model->With([&](const Problem& problem) {
+    return Ask(*model, [&](const Problem& problem) {
       return use(*morlen::Find<Material>(problem.materials, number));
     });
   }
@@ -203,7 +106,7 @@ struct LiveMaterial
 
 std::vector<int> MaterialNumbers(Model& model)
 {
-  return model.With([](const Problem& problem) {
+  return Ask(model, [](const Problem& problem) {
     std::vector<int> numbers;
     for (const auto [number, material] : EachNumbered<Material>(problem.materials))
       numbers.push_back(number);
@@ -300,29 +203,9 @@ void DefineMaterial(py::module_& module)
 std::shared_ptr<Solved> SolveModel(Model& model, const std::optional<std::string>& solver,
                                    const py::object& progress)
 {
-  std::optional<SolverType> type;
-  if (solver) {
-    type = SolverOf(*solver);
-    if (!type)
-      throw py::value_error("unknown solver '" + *solver +
-                            "': Automatic, SkyLine, Sparse, Double or Direct");
-  }
-  Session session(HandleSignals);
-  std::function<void(std::string_view)> hear;
-  if (!progress.is_none())
-    hear = [&progress](std::string_view line) {
-      const py::gil_scoped_acquire lock;
-      progress(ToUtf8(std::string(line)));
-    };
-  auto solved = Run(
-      session,
-      [&] {
-        const ProgressStream stream(session, hear);
-        return Solve(model, type, stream.File());
-      },
-      [](const FatalError&) { return Place(); });
-  IssueWarnings(session);
-  return solved;
+  return RunAnalysis(solver, progress, [&](std::optional<SolverType> type, std::FILE* info) {
+    return Solve(model, type, info);
+  });
 }
 
 py::array_t<double> Nodal(const Solved& solved, ReaVecV Solution::*values)
@@ -431,20 +314,20 @@ void DefineModel(py::module_& module)
            "Numbers (n), nodes (n, k) and materials (n) of elements: 1 beams, 2 shells, 4 solids.")
       .def(
           "is_plane",
-          [](Model& m) { return m.With([](const Problem& p) { return p.problemType == kPlane; }); })
+          [](Model& m) { return Ask(m, [](const Problem& p) { return p.problemType == kPlane; }); })
       .def("components",
-           [](Model& m) { return m.With([](const Problem& p) { return p.components.count; }); })
+           [](Model& m) { return Ask(m, [](const Problem& p) { return p.components.count; }); })
       .def(
-          "units", [](Model& m) { return m.With(UnitNames); }, "Force, length, pressure.")
+          "units", [](Model& m) { return Ask(m, UnitNames); }, "Force, length, pressure.")
       .def("solver",
            [](Model& m) {
-             return m.With([](const Problem& p) { return NameOf(p.solverSettings.type); });
+             return Ask(m, [](const Problem& p) { return NameOf(p.solverSettings.type); });
            })
       .def("material_numbers", &MaterialNumbers)
       .def(
           "material",
           [](const std::shared_ptr<Model>& m, int number) {
-            m->With([number](const Problem& p) {
+            Ask(*m, [number](const Problem& p) {
               if (number < 1 || !morlen::Find<Material>(p.materials, number))
                 throw py::key_error("no material " + std::to_string(number));
             });

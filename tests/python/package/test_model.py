@@ -294,3 +294,31 @@ def test_the_interpreter_runs_meanwhile(large_model):
     thread.join()
     # The solution takes about a second: its thread would get no tick while the lock is held.
     assert len(ticks) > 5
+
+
+def test_threads_that_share_a_model_do_not_wait_for_each_other_forever(large_model):
+    """The lock of a model and that of the interpreter are never taken in the wrong order."""
+    model = morlen.read(large_model("block", "14"))
+    results = model.solve()
+    end = time.monotonic() + 1.5
+    rounds = [0, 0, 0]
+
+    def write(k, tmp=None):
+        while time.monotonic() < end:
+            pickle.dumps(results if k else model)
+            rounds[k] += 1
+
+    def ask():
+        while time.monotonic() < end:
+            model.materials[1].E = model.materials[1].E
+            results._core.displacements()
+            rounds[2] += 1
+
+    threads = [threading.Thread(target=write, args=(k,), daemon=True) for k in (0, 1)]
+    threads.append(threading.Thread(target=ask, daemon=True))
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join(60)
+        assert not thread.is_alive()
+    assert min(rounds) > 3

@@ -1,0 +1,58 @@
+#include "binding.h"
+
+namespace morlen::python {
+
+[[noreturn]] void RaiseError(const FatalError& error, Place place)
+{
+  py::object type = py::module_::import("morlen._error").attr("Error");
+  const auto number = [](int n) { return n > 0 ? py::object(py::int_(n)) : py::none(); };
+  const auto text = [](std::string_view bytes) {
+    std::string whole(bytes.substr(0, bytes.find_last_not_of('\n') + 1));
+    return ToUtf8(whole);
+  };
+  py::object value =
+      type(text(error.Message()), number(place.line), number(place.column), text(error.Hint()));
+  PyErr_SetObject(type.ptr(), value.ptr());
+  throw py::error_already_set();
+}
+
+void HandleSignals()
+{
+  const py::gil_scoped_acquire lock;
+  if (PyErr_CheckSignals() != 0)
+    throw py::error_already_set();
+}
+
+void IssueWarnings(const Session& session)
+{
+  if (session.Warnings().empty())
+    return;
+  py::object category = py::module_::import("morlen._error").attr("ModelWarning");
+  for (const std::string& text : session.Warnings()) {
+    if (PyErr_WarnEx(category.ptr(), ToUtf8(text).c_str(), 1) != 0)
+      throw py::error_already_set();
+  }
+}
+
+std::optional<SolverType> RequireSolver(const std::optional<std::string>& name)
+{
+  if (!name)
+    return {};
+  const std::optional<SolverType> type = SolverOf(*name);
+  if (!type)
+    throw py::value_error("unknown solver '" + *name +
+                          "': Automatic, SkyLine, Sparse, Double or Direct");
+  return type;
+}
+
+std::function<void(std::string_view)> HearerOf(const py::object& progress)
+{
+  if (progress.is_none())
+    return {};
+  return [&progress](std::string_view line) {
+    const py::gil_scoped_acquire lock;
+    progress(ToUtf8(std::string(line)));
+  };
+}
+
+}  // namespace morlen::python

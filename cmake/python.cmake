@@ -19,7 +19,8 @@ if(MORLEN_PYTHON)
   elseif(NOT morlen_build_companions)
     set(fault "the companions are not built")
   else()
-    execute_process(COMMAND ${MORLEN_PYTHON_EXECUTABLE} -c [==[import numpy, sysconfig
+    # -I: pip hides the packages of the system by variables of the environment.
+    execute_process(COMMAND ${MORLEN_PYTHON_EXECUTABLE} -I -c [==[import numpy, sysconfig
 print(sysconfig.get_paths()["include"], sysconfig.get_config_var("EXT_SUFFIX"), sysconfig.get_python_version(), sep=",")]==]
       OUTPUT_VARIABLE python_facts OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET RESULT_VARIABLE failed)
     string(REPLACE "," ";" python_facts "${python_facts}")

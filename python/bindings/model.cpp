@@ -66,7 +66,7 @@ std::shared_ptr<Solved> Solve(Model& model, std::optional<SolverType> solver, st
   const ElementFamilies& families = FamiliesOf(problem);
   Analysed analysed = Analyse(problem, families, {.info = info, .kit = Kit()});
   analysed.solver.reset();  // frees the memory of the matrix for the results
-  auto solved = std::make_shared<Solved>(analysis, std::move(analysed.solutions.front()));
+  auto solved = std::make_shared<Solved>(Solved{analysis, std::move(analysed.solutions.front())});
   CalcStrengthsAndReactions(problem, families, solved->solution, info, Kit());
   analysis->solver = problem.solverSettings.type;
   return solved;
@@ -101,7 +101,7 @@ std::shared_ptr<Solved> SolvedOf(std::span<const char> state)
   ReadImage(prepared, analysis->problem);
   Bytes solution;
   get(solution);
-  auto solved = std::make_shared<Solved>(std::move(analysis), Solution());
+  auto solved = std::make_shared<Solved>(Solved{std::move(analysis), {}});
   ReadImage(solution, solved->solution);
   return solved;
 }

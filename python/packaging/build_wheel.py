@@ -57,9 +57,14 @@ def _record(name, content):
     return f"{name},sha256={digest},{len(content)}\n"
 
 
-def _write(wheel, package):
-    info = f"morlen-{_version()}.dist-info"
+def _info():
+    """The folder with the facts of the wheel, and its files."""
     head = f"Wheel-Version: 1.0\nGenerator: morlen\nRoot-Is-Purelib: false\nTag: {_tag()}\n"
+    return f"morlen-{_version()}.dist-info", {"METADATA": _metadata(), "WHEEL": head}
+
+
+def _write(wheel, package):
+    info, facts = _info()
     suffix = sysconfig.get_config_var("EXT_SUFFIX")
     files = {
         f"morlen/{path.name}": path.read_bytes()
@@ -68,8 +73,7 @@ def _write(wheel, package):
     }
     if f"morlen/_core{suffix}" not in files:
         raise SystemExit(f"no package for this Python in {package.parents[1]}")
-    files[f"{info}/METADATA"] = _metadata().encode()
-    files[f"{info}/WHEEL"] = head.encode()
+    files |= {f"{info}/{name}": text.encode() for name, text in facts.items()}
     record = "".join(_record(name, content) for name, content in files.items())
     files[f"{info}/RECORD"] = (record + f"{info}/RECORD,,\n").encode()
     with zipfile.ZipFile(wheel, "w", zipfile.ZIP_DEFLATED) as archive:
@@ -82,6 +86,15 @@ def _write(wheel, package):
 
 def get_requires_for_build_wheel(config_settings=None):
     return []
+
+
+def prepare_metadata_for_build_wheel(metadata_directory, config_settings=None):
+    info, facts = _info()
+    folder = Path(metadata_directory) / info
+    folder.mkdir()
+    for name, text in facts.items():
+        (folder / name).write_text(text, encoding="utf-8")
+    return info
 
 
 def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):

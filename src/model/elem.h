@@ -88,7 +88,7 @@ public:
   /// Completes the material that the element owns, if any, from the numbered one.
   void ComposeYourMaterial(const VoidPlex* materials);
 
-  /// Makes the element own a material that is composed already.
+  /// Makes the element own a composed material. Not used by the analysis itself.
   void EnterMaterial(std::unique_ptr<Material> material);
 
   /// E·Iy, E·Iz and E·A of the element's material. Fatal without a material. Not used by the

@@ -80,10 +80,10 @@ public:
   void PrintTo(std::ostream& out) const;
 
   /// Takes the values that were not given from the base again, after a change of the base. Of a
-  /// material after ComposeMaterial only.
+  /// material after ComposeMaterial only. Not used by the analysis itself.
   void RecomposeMaterial(const Material& base);
 
-  /// Calls visit(member) for every data member, in a fixed order.
+  /// Calls visit(member) for every data member, in a fixed order. Not used by the analysis itself.
   template <class Visit>
   void VisitMembers(Visit& visit)
   {

@@ -43,7 +43,7 @@ public:
   bool HasOwnMaterials() const { return ownMaterials; }
   void SetOwnMaterials(bool present) { ownMaterials = present; }
   /// Entry k - 1 is the number in the file of the node with the system number k; empty while the
-  /// two are the same.
+  /// two are the same. Not used by the analysis itself, as EnterOldNumbers and SetOwnMaterials.
   const std::vector<int>& OldNumbers() const { return oldNumbers; }
   void EnterOldNumbers(std::vector<int> numbers) { oldNumbers = std::move(numbers); }
 

@@ -14,5 +14,5 @@ if [ -z "$tool" ]; then
   exit 77
 fi
 
-find src direct mpi companions bench tests -name node_modules -prune -o -name '*.h' -print -o -name '*.cpp' -print |
+find src direct mpi companions python bench tests -name node_modules -prune -o -name '*.h' -print -o -name '*.cpp' -print |
   xargs "$tool" --dry-run --Werror --ferror-limit=3

@@ -279,7 +279,7 @@ def test_one_model_in_two_threads():
 
 
 def test_the_interpreter_runs_meanwhile(large_model):
-    model = morlen.read(large_model("plate", "40", "--setting", "Solver SkyLine"))
+    model = morlen.read(large_model("plate", "100", "--setting", "Solver SkyLine"))
     ticks = []
     done = threading.Event()
 

@@ -30,14 +30,18 @@ def try_all(texts):
 
 @pytest.mark.filterwarnings("ignore")
 def test_2000_errors():
-    # The first time, the pools grow to what the largest of these models needs.
-    refused = try_all(broken_texts(2000, seed=5))
+    texts = list(broken_texts(2000, seed=5))
+    # In the first rounds, pools and allocator grow to what the largest of these models needs.
+    for _ in range(3):
+        assert try_all(texts) > 1500
     gc.collect()
     before = resident()
-    refused += try_all(broken_texts(2000, seed=5))
+    for _ in range(5):
+        try_all(texts)
     gc.collect()
-    assert refused > 3000
-    assert resident() - before < 1024
+    # A leak of 200 bytes for each of these 10,000 models would be 2 MB; the allocator alone moves
+    # by half of one.
+    assert resident() - before < 1500
 
 
 def test_solutions_are_freed():

@@ -24,7 +24,8 @@ def main():
     code = code[: code.index(end)] + "figure.tight_layout()\n"
     with tempfile.TemporaryDirectory() as folder:
         os.chdir(folder)
-        shutil.copy(HERE.parents[1] / "examples" / "portal_frame.dat", "frame.dat")
+        shutil.copytree(HERE.parents[1] / "examples", folder, dirs_exist_ok=True)
+        shutil.copy("portal_frame.dat", "frame.dat")
         names = {}
         exec(code, names)
         names["figure"].savefig(HERE / "python_study.svg", metadata={"Date": None})

@@ -115,4 +115,7 @@ auto RunAnalysis(const std::optional<std::string>& solver, const py::object& pro
   return results;
 }
 
+/// The classes of load cases, where they are built.
+void DefineCases(py::module_& module);
+
 }  // namespace morlen::python

@@ -80,6 +80,7 @@ Bytes StateOf(const Solved& solved)
   put(*analysis.modelImage);
   put(analysis.head);
   put(analysis.solver);
+  put(analysis.isCase);
   solved.With([&](const Problem& problem, const Solution& solution) {
     put(ImageOf(problem));
     put(ImageOf(solution));
@@ -96,6 +97,7 @@ std::shared_ptr<Solved> SolvedOf(std::span<const char> state)
   get(head);
   auto analysis = std::make_shared<Analysis>(std::make_shared<const Bytes>(std::move(image)), head);
   get(analysis->solver);
+  get(analysis->isCase);
   Bytes prepared;
   get(prepared);
   ReadImage(prepared, analysis->problem);

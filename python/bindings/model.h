@@ -13,6 +13,7 @@
 #include "assembly/solution.h"
 #include "assembly/solver_kit.h"
 #include "model/elem.h"
+#include "problem/load_set.h"
 #include "problem/problem.h"
 
 namespace morlen::python {
@@ -55,16 +56,23 @@ private:
 /// A model after its analysis, shared by the solutions of its load cases.
 struct Analysis
 {
-  Analysis(std::shared_ptr<const Bytes> modelImage_, std::string head_)
-      : modelImage(std::move(modelImage_)), head(std::move(head_))
+  /// prepared: the problem to be prepared.
+  Analysis(std::shared_ptr<const Bytes> modelImage_, std::string head_,
+           std::shared_ptr<Problem> prepared = std::make_shared<Problem>(100))
+      : owner(std::move(prepared)),
+        problem(*owner),
+        modelImage(std::move(modelImage_)),
+        head(std::move(head_))
   {
   }
 
-  Problem problem{100};                     ///< prepared
+  std::shared_ptr<Problem> owner;
+  Problem& problem;                         ///< prepared
   std::mutex busy;                          ///< of the containers of the problem
   std::shared_ptr<const Bytes> modelImage;  ///< before the analysis
   std::string head;
   SolverType solver = SolverType::Automatic;  ///< that was used
+  bool isCase = false;                        ///< of a file of load cases: the model has no loads
 };
 
 /// The results for one load case.
@@ -72,12 +80,17 @@ struct Solved
 {
   std::shared_ptr<Analysis> analysis;
   Solution solution;
+  /// Along the beams of the case, for a problem without loads; null when the problem has its loads.
+  std::shared_ptr<LoadSet> loads = nullptr;
 
   /// Calls use(problem, solution) while no other thread works on the problem.
   template <class Use>
   auto With(Use use) const
   {
     const std::lock_guard<std::mutex> alone(analysis->busy);
+    std::optional<LoadsInPlace> inPlace;
+    if (loads)
+      inPlace.emplace(analysis->problem, *loads);
     return use(static_cast<const Problem&>(analysis->problem), solution);
   }
 };

@@ -384,6 +384,7 @@ PYBIND11_MODULE(_core, module)
   DefineMaterial(module);
   DefineModel(module);
   DefineSolved(module);
+  DefineCases(module);
   module.def("parse", &Parse, py::arg("text"), "Reads the text of a problem file.");
   module.def("check", &Check, py::arg("text"),
              "Severity, code, line, column, text and hint of each finding.");

@@ -147,6 +147,8 @@ private:
 void WriteOutputs(const Solved& solved, const OutputNames& names)
 {
   RequireFree(names);
+  if (names.report && solved.analysis->isCase)
+    Fatal("error: a report is of a model with its loads, not of a load case\n");
   if (names.mesh && !names.post)
     Fatal("error: the mesh file is written with the results file: give both names\n");
   solved.With([&](const Problem& problem, const Solution& solution) {

@@ -10,6 +10,7 @@ files. Arrays cannot be written to.
 """
 
 from ._builder import Builder
+from ._cases import Cases, Envelope, Extremes, SolvedCases, read_cases
 from ._checks import Finding, check, check_text
 from ._error import Error, ModelWarning
 from ._model import Elements, Material, Materials, Model, Nodes, Units, parse, read
@@ -18,8 +19,11 @@ from ._results import BeamResults, Results, ShellResults, SolidResults
 __all__ = [
     "BeamResults",
     "Builder",
+    "Cases",
     "Elements",
+    "Envelope",
     "Error",
+    "Extremes",
     "Finding",
     "Material",
     "Materials",
@@ -29,9 +33,11 @@ __all__ = [
     "Results",
     "ShellResults",
     "SolidResults",
+    "SolvedCases",
     "Units",
     "check",
     "check_text",
     "parse",
     "read",
+    "read_cases",
 ]

@@ -44,6 +44,7 @@ void VisitPlain(AnyProblem& p, Visit& visit)
   visit(p.components);
   visit(p.initialNumNodes);
   visit(p.numNodes);
+  visit(p.selfWeight);
   visit(p.hasHinges);
   visit(p.coplanarity);
   visit(p.shellShares);

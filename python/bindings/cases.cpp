@@ -1,0 +1,199 @@
+#include "cases.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "arrays.h"
+#include "base/interruption.h"
+#include "cases/envelope.h"
+#include "problem/beam_span.h"
+#include "problem/load_set.h"
+#include "problem/loads_on_element.h"
+#include "problem/pressure_load.h"
+#include "problem/problem_image.h"
+#include "run/element_families.h"
+
+namespace morlen::python {
+
+namespace {
+
+template <std::size_t size>
+void CopyText(std::string_view from, char (&to)[size])
+{
+  to[from.copy(to, size - 1)] = '\0';
+}
+
+[[noreturn]] void Refuse(const check::Located& problem)
+{
+  RefusedCases refused;
+  CopyText(problem.file.empty() ? problem.message : problem.file + ": " + problem.message,
+           refused.error.message);
+  CopyText(problem.hint, refused.error.hint);
+  refused.place = {problem.line, problem.column};
+  throw refused;
+}
+
+// The loads along the beams as loads that can be described, and so stored.
+LoadSet SpanLoadsOf(const Problem& problem, LoadSet sums)
+{
+  Matriu T;
+  for (LoadSet::OnElement& on : sums.onElements) {
+    SpanLoad sum;
+    on.chain->AddToSpanLoad(MakeSpan(problem, *problem.GiveElem(on.number), T), sum);
+    auto forces = std::make_unique<PreassureLT>(PreassureLT_type::Local);
+    std::copy_n(sum.q, 4, forces->values);
+    auto strain = std::make_unique<TemperatureLT>();
+    strain->values[0] = sum.strain;
+    strain->values[1] = 1.0;
+    forces->Append(std::move(strain));
+    on.chain = std::move(forces);
+  }
+  return sums;
+}
+
+SolutionAccuracy WorstAccuracy(const SolvedCases& cases, const Combination& combination)
+{
+  SolutionAccuracy worst;
+  for (const CaseFactor& one : combination.factors) {
+    worst.error = std::max(worst.error, cases.Accuracy(one.index).error);
+    worst.residual = std::max(worst.residual, cases.Accuracy(one.index).residual);
+  }
+  return worst;
+}
+
+// The place of a component in its row: as in the results of one case.
+int PlaceOf(const ValueGroup& group, int component)
+{
+  constexpr int kPlaneForces[] = {0, 1, 5};
+  constexpr int kStresses[] = {0, 1, 2, 3, 5, 4};  // xz comes before yz
+  if (group.kind == ValueKind::BeamForces && group.linear == 3)
+    return kPlaneForces[component];
+  if (group.kind == ValueKind::SolidStresses && component < kSolidStress)
+    return kStresses[component];
+  return component;
+}
+
+int WidthOf(const ValueGroup& group)
+{
+  return group.kind == ValueKind::BeamForces ? kBeamForces : group.Width();
+}
+
+/// Fills the table of the groups of one kind.
+class TableFiller
+{
+public:
+  TableFiller(const CaseResults& all_, ValueKind kind) : all(all_)
+  {
+    for (const ValueGroup& group : all.Solved().Layout().Groups()) {
+      if (group.kind != kind)
+        continue;
+      groups.push_back(&group);
+      table.points = std::max(table.points, group.points);
+      table.width = std::max(table.width, WidthOf(group));
+      for (int item = 0; item < group.items; ++item)
+        table.numbers.push_back(all.Solved().Layout().NumberOf(group, item));
+    }
+    const std::size_t size = table.numbers.size() * table.points * table.width;
+    table.minimum.assign(size, std::numeric_limits<double>::quiet_NaN());
+    table.maximum = table.minimum;
+    table.minimumBy.assign(size, -1);
+    table.maximumBy = table.minimumBy;
+  }
+
+  EnvelopeTable Fill(std::span<const Combination> combinations)
+  {
+    std::size_t before = 0;
+    for (const ValueGroup* group : groups) {
+      FillZeros(*group, before);
+      ForEachEnvelopePoint(all.Solved(), *group, combinations, [&](const EnvelopePoint& at) {
+        CheckInterruption();
+        const std::size_t place = Row(before + at.item, at.point) + PlaceOf(*group, at.component);
+        table.minimum[place] = at.minimum.value;
+        table.maximum[place] = at.maximum.value;
+        table.minimumBy[place] = at.minimum.combination;
+        table.maximumBy[place] = at.maximum.combination;
+      });
+      before += group->items;
+    }
+    return std::move(table);
+  }
+
+private:
+  std::size_t Row(std::size_t item, int point) const
+  {
+    return (item * table.points + point) * table.width;
+  }
+
+  // The forces that beams in the plane do not have.
+  void FillZeros(const ValueGroup& group, std::size_t before)
+  {
+    if (group.kind != ValueKind::BeamForces || group.linear == kBeamForces)
+      return;
+    const std::size_t begin = Row(before, 0);
+    const std::size_t end = Row(before + group.items, 0);
+    std::fill(table.minimum.begin() + begin, table.minimum.begin() + end, 0.0);
+    std::fill(table.maximum.begin() + begin, table.maximum.begin() + end, 0.0);
+  }
+
+  const CaseResults& all;
+  std::vector<const ValueGroup*> groups;
+  EnvelopeTable table;
+};
+
+}  // namespace
+
+std::unique_ptr<cases::Study> ReadCases(const std::string& file, std::string_view text)
+{
+  cases::Problems problems(cases::Problems::LostData::Warning);
+  const std::string all = "*";  // every case can be asked for
+  std::unique_ptr<cases::Study> study = cases::ReadStudy(file, text, {&all, 1}, problems);
+  for (const check::Located& one : problems.Sorted()) {
+    if (one.severity == check::Severity::Error)
+      Refuse(one);
+    errorwriter.WriteWarning(check::LineOf(one, file));
+  }
+  return study;
+}
+
+CaseResults::CaseResults(std::unique_ptr<cases::Study> study_, std::optional<SolverType> solver,
+                         std::FILE* info)
+    : study(std::move(study_))
+{
+  Problem& problem = *study->problem;
+  auto image = std::make_shared<const Bytes>(ImageOf(problem));
+  if (solver)
+    problem.solverSettings.type = *solver;
+  solved = std::make_unique<SolvedCases>(problem, FamiliesOf(problem), study->loads,
+                                         AnalysisOptions{.info = info, .kit = Kit()});
+  // The problem lives as long as this object, which results keep alive: see ResultsOf.
+  analysis = std::make_shared<Analysis>(
+      std::move(image), "", std::shared_ptr<Problem>(std::shared_ptr<void>(), &problem));
+  analysis->solver = problem.solverSettings.type;
+  analysis->isCase = true;
+}
+
+std::shared_ptr<Solved> ResultsOf(const std::shared_ptr<CaseResults>& all, int index)
+{
+  const Combination& combination = all->Study().combinations[index];
+  const std::vector<double> column = CombinedColumn(all->Solved(), combination);
+  const ResultLayout& layout = all->Solved().Layout();
+  const std::shared_ptr<Analysis> common(all, all->Common().get());
+  const std::lock_guard<std::mutex> alone(common->busy);
+  auto solved = std::make_shared<Solved>(Solved{common, layout.SolutionOf(column)});
+  solved->solution.accuracy = WorstAccuracy(all->Solved(), combination);
+  solved->loads =
+      std::make_shared<LoadSet>(SpanLoadsOf(common->problem, layout.SpanLoadsOf(column)));
+  return solved;
+}
+
+EnvelopeTable TableOf(const CaseResults& all, const cases::Envelope& envelope, ValueKind kind)
+{
+  std::vector<Combination> members;
+  for (const int member : envelope.members)
+    members.push_back(all.Study().combinations[member]);
+  const std::lock_guard<std::mutex> alone(all.Common()->busy);
+  return TableFiller(all, kind).Fill(members);
+}
+
+}  // namespace morlen::python

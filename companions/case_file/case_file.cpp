@@ -141,7 +141,7 @@ private:
     if (count == 1 && !list)
       return ReadFactor(*entry.value, entry.key, *factors);
     if (!list || list->size() != count)
-      return WrongType(entry, Joined("a list of ", count, " numbers"));
+      return WrongType(entry, count == 1 ? "a number" : Joined("a list of ", count, " numbers"));
     for (const toml::node& node : *list)
       ReadFactor(node, entry.key, *factors++);
   }

@@ -37,6 +37,15 @@ std::optional<std::string> TextOf(const NamedPlace& name, const std::string& pat
   return text;
 }
 
+// True without errors that stop the reading; lost data do not.
+bool IsSound(const check::Recorder& recorder)
+{
+  const std::vector<check::Finding>& findings = recorder.Findings();
+  return std::none_of(findings.begin(), findings.end(), [](const check::Finding& f) {
+    return f.severity == check::Severity::Error && !check::IsDataLost(f.code);
+  });
+}
+
 /// Reads one text with loads.
 class LoadsOfText
 {
@@ -50,7 +59,7 @@ public:
     check::Recorder recorder(text, scan, problem);
     recorder.AttemptAt(check::Code::Refused, check::kWholeFile,
                        [&] { ReadLoadBlocks(scan, problem); });
-    if (!recorder.HasErrors() && NeedsTrial())
+    if (IsSound(recorder) && NeedsTrial())
       recorder.AttemptAt(check::Code::ModelRefused, check::kWholeFile, [&] { TryLoads(); });
     return check::Locate(recorder.Findings(), text);
   }
@@ -99,15 +108,9 @@ void ReadFile(const NamedPlace& name, const std::string& file, Problem& problem,
   }
 }
 
-// The place in the case file of a place in a text.
+// The place in the case file of a place in a text that has other lines than the file.
 check::Located Moved(check::Located found, const LoadText& text)
 {
-  if (found.line > 0 && text.exact) {
-    if (found.line == 1)
-      found.column += text.begin.column - 1;
-    found.line += text.begin.line - 1;
-    return found;
-  }
   if (found.line > 0)
     found.message += check::Joined(" (line ", found.line, " of the text)");
   found.line = text.place.line;
@@ -115,8 +118,17 @@ check::Located Moved(check::Located found, const LoadText& text)
   return found;
 }
 
+// A text with the lines of the file is read after as many blanks as are before it: all places,
+// those inside messages too, are then those of the file.
 void ReadText(const LoadText& text, Problem& problem, Problems& problems)
 {
+  if (text.exact) {
+    const std::string before =
+        std::string(text.begin.line - 1, '\n') + std::string(text.begin.column - 1, ' ');
+    for (check::Located& found : LoadsOfText(before + text.text, problem).Read())
+      problems.Add(found.line > 0 ? std::move(found) : Moved(std::move(found), text));
+    return;
+  }
   for (check::Located& found : LoadsOfText(text.text, problem).Read())
     problems.Add(Moved(std::move(found), text));
 }
@@ -147,10 +159,15 @@ bool ReadModel(const CaseFile& cases, const std::string& file, Problem& problem,
     found.file = path;
     problems.Add(std::move(found));
   }
-  const std::vector<check::Finding>& findings = recorder.Findings();
-  return std::none_of(findings.begin(), findings.end(), [](const check::Finding& f) {
-    return f.severity == check::Severity::Error && !check::IsDataLost(f.code);
-  });
+  return IsSound(recorder);
+}
+
+void FindMissingLoads(const CaseFile& cases, const std::string& file, Problems& problems)
+{
+  for (const CaseEntry& one : cases.cases) {
+    if (one.loads)
+      TextOf(*one.loads, PathOf(one.loads->name, file), problems);
+  }
 }
 
 std::vector<LoadSet> ReadLoads(const CaseFile& cases, const std::string& file, const LoadSet& own,

@@ -16,6 +16,9 @@ namespace cases {
 bool ReadModel(const CaseFile& cases, const std::string& file, Problem& problem,
                Problems& problems);
 
+/// Reports the files of loads that cannot be read, where the model cannot be read either.
+void FindMissingLoads(const CaseFile& cases, const std::string& file, Problems& problems);
+
 /// Reads the loads of all cases. own: those of the model. The problem has been read, and has no
 /// loads.
 std::vector<LoadSet> ReadLoads(const CaseFile& cases, const std::string& file, const LoadSet& own,

@@ -63,6 +63,37 @@ void Declare(CLI::App& app, Options& options)
   app.footer("Exit status: 0, also with warnings, or 2 when something is wrong.");
 }
 
+/// True for names of the files of one result. Tables have names of their own in the middle.
+bool IsResult(const std::string& file, const std::string& result)
+{
+  constexpr const char* kEndings[] = {".txt", ".morlen.res", ".vtu", ".json", ".csv"};
+  return file.starts_with(result + ".") &&
+         std::any_of(std::begin(kEndings), std::end(kEndings),
+                     [&](const char* ending) { return file.ends_with(ending); });
+}
+
+/// Fatal when a result would replace one of the files that were read. collection: the name of the
+/// list of VTU files.
+void SpareInputs(const cases::Study& study, const cases::Selection& selection,
+                 const fs::path& folder, const std::string& collection)
+{
+  std::vector<std::string> results;
+  for (const int index : selection.combinations)
+    results.push_back(cases::FileNameOf(study.combinations[index].name));
+  for (const int index : selection.envelopes)
+    results.push_back(cases::FileNameOf(study.envelopes[index].name));
+  for (const fs::path& input : study.inputs) {
+    std::error_code absent;
+    const std::string name = input.filename().string();
+    if (!fs::equivalent(fs::absolute(input).parent_path(), folder, absent))
+      continue;
+    if (name == collection || std::any_of(results.begin(), results.end(), [&](const auto& result) {
+          return IsResult(name, result);
+        }))
+      Fatal("error: ", input.string(), " is an input, and a result of its name would replace it\n");
+  }
+}
+
 /// Writes the selected results of a study.
 class Writer
 {
@@ -200,6 +231,7 @@ ExitStatus Run(const Options& options)
         "nothing is written: the file has no envelope, and --write is not given");
   const fs::path folder =
       options.folder.value_or(fs::path(options.file).replace_extension(".results"));
+  SpareInputs(*study, selection, folder, fs::path(options.file).stem().string() + ".pvd");
   MakeFolder(folder);
   RemoveStaleTemporaries(folder);
   const std::unique_ptr<SolverKit> kit = MakeKit();

@@ -7,6 +7,19 @@ bool IsPattern(std::string_view text)
   return text.find_first_of("*?") != text.npos;
 }
 
+namespace {
+
+/// The place after the character (UTF-8) that begins at a place.
+std::size_t AfterCharacter(std::string_view text, std::size_t place)
+{
+  const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
+  for (++place; place < text.size() && continues(text[place]);)
+    ++place;
+  return place;
+}
+
+}  // namespace
+
 // After a mismatch the last '*' takes one character more.
 bool Matches(std::string_view pattern, std::string_view name)
 {
@@ -18,12 +31,15 @@ bool Matches(std::string_view pattern, std::string_view name)
     if (p < pattern.size() && pattern[p] == '*') {
       star = p++;
       taken = n;
-    } else if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == name[n])) {
+    } else if (p < pattern.size() && pattern[p] == '?') {
+      ++p;
+      n = AfterCharacter(name, n);
+    } else if (p < pattern.size() && pattern[p] == name[n]) {
       ++p;
       ++n;
     } else if (star != pattern.npos) {
       p = star + 1;
-      n = ++taken;
+      n = taken = AfterCharacter(name, taken);
     } else {
       return false;
     }

@@ -181,8 +181,14 @@ private:
       problems.Error(term.name.place, Joined(Quoted(combination.name.name), " combines itself, by ",
                                              Quoted(term.name.name)));
     } else {
-      for (const auto& [index, factor] : FactorsOf(known->second.index))
-        factors[index] += term.factor * factor;
+      for (const auto& [index, factor] : FactorsOf(known->second.index)) {
+        double& sum = factors[index];
+        const bool wasFinite = std::isfinite(sum);
+        sum += term.factor * factor;
+        if (wasFinite && !std::isfinite(sum))
+          problems.Error(term.name.place, Joined("the factors of ", Quoted(combination.name.name),
+                                                 " are too large"));
+      }
     }
   }
 
@@ -301,6 +307,16 @@ void WarnOfUnusedCases(const CaseFile& file, const Study& study,
   }
 }
 
+std::vector<std::filesystem::path> InputsOf(const CaseFile& content, const std::string& file)
+{
+  std::vector<std::filesystem::path> inputs = {file, PathOf(content.model.name, file)};
+  for (const CaseEntry& one : content.cases) {
+    if (one.loads)
+      inputs.emplace_back(PathOf(one.loads->name, file));
+  }
+  return inputs;
+}
+
 }  // namespace
 
 std::unique_ptr<Study> ReadStudy(const std::string& file, std::string_view text,
@@ -314,6 +330,7 @@ std::unique_ptr<Study> ReadStudy(const std::string& file, std::string_view text,
   if (!problems.HasErrors())
     WarnOfUnusedCases(*content, *study, written, problems);
   study->modelFile = PathOf(content->model.name, file);
+  study->inputs = InputsOf(*content, file);
   study->problem = std::make_unique<Problem>(100);
   if (!content->model.name.empty() && ReadModel(*content, file, *study->problem, problems)) {
     study->model = model::ModelOf(*study->problem);
@@ -321,6 +338,8 @@ std::unique_ptr<Study> ReadStudy(const std::string& file, std::string_view text,
     study->loads = ReadLoads(*content, file, own, *study->problem, problems);
     for (std::size_t k = 0; k < study->loads.size(); ++k)
       study->loads[k].name = content->cases[k].name.name;
+  } else {
+    FindMissingLoads(*content, file, problems);
   }
   return problems.HasErrors() ? nullptr : std::move(study);
 }

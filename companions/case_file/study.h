@@ -23,7 +23,8 @@ struct Envelope
 struct Study
 {
   std::filesystem::path modelFile;
-  std::vector<std::string> titles;  ///< of the cases; may be empty
+  std::vector<std::filesystem::path> inputs;  ///< all files that were read
+  std::vector<std::string> titles;            ///< of the cases; may be empty
   int cases = 0;
   /// The cases, each with the factor 1, then the combinations of the file, then those made from its
   /// actions. Names are unique.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -60,6 +61,7 @@ public:
   {
     folder.Write(name, content);
   }
+  void Remove(const std::string& name) const { std::filesystem::remove(folder.Path() / name); }
   std::unique_ptr<Study> Read(Problems& problems) const
   {
     return ReadStudy(File(), text, {}, problems);
@@ -121,6 +123,8 @@ TEST(CaseNames, PatternsMatchAnyCharacter)
       {"ULS 1", "ULS 12", false},
       {"*1", "ULS 11", true},
       {"a", "A", false},
+      {"Sch? ?", "Sch\xC3\xA9 \xC3\xBC", true},  // letters of two bytes
+      {"??", "\xC3\xA9", false},
   };
   for (const auto& c : cases)
     EXPECT_EQ(Matches(c.pattern, c.name), c.matches) << c.pattern << " " << c.name;
@@ -223,6 +227,34 @@ TEST(CaseFile, FilesThatCannotBeRead)
   const Lines lines = folder.Messages();
   ASSERT_EQ(lines.size(), 1u);
   EXPECT_TRUE(lines[0].starts_with("3:9: error: can't read file ")) << lines[0];
+}
+
+TEST(CaseFile, AMissingModelHidesNoMissingLoads)
+{
+  const CaseFolder folder("[cases.Q]\nloads = \"none.loads\"\n" + std::string(kUse));
+  folder.Remove("beam.dat");
+  const Lines lines = folder.Messages();
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_TRUE(lines[0].starts_with("1:9: error: can't read file ")) << lines[0];
+  EXPECT_TRUE(lines[1].starts_with("3:9: error: can't read file ")) << lines[1];
+}
+
+// The first line of the text is line 4 of the file.
+TEST(CaseFile, MessagesAboutTextsNameLinesOfTheFile)
+{
+  const CaseFolder folder("[cases.Q]\ntext = '''\nnodal_point_loads\n2 0 -3 0\n'''\n" +
+                          std::string(kUse));
+  const Lines lines = folder.Messages();
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_NE(lines[0].find("which begins in line 4"), std::string::npos) << lines[0];
+}
+
+TEST(CaseFile, FactorsThatOverflowAreRefused)
+{
+  EXPECT_EQ(
+      CaseFolder(std::string(kCase) + "[combinations]\nA = { G = 1e308 }\nB = { A = 1e308 }\n")
+          .Messages(),
+      (Lines{"6:7: error: the factors of 'B' are too large"}));
 }
 
 TEST(CaseFile, ErrorsOfTheModelHaveItsName)

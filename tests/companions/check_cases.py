@@ -190,6 +190,23 @@ def check_refusals(folder):
     require(data["summary"] == {"model": "hall_frame.dat", "cases": 8, "combinations": 66, "envelopes": 3}, data)
 
 
+def check_inputs_stay(folder):
+    """A result never replaces a file of loads, the model or the case file."""
+    (folder / "B.txt").write_text("nodal_point_loads\n1 1 0 0 0 0 0\nend nodal_point_loads\n")
+    (folder / "own.cases").write_text('model = "model.dat"\n[cases.B]\nloads = "B.txt"\n')
+    (folder / "model.dat").write_text(
+        "problem type: 3d\nmesh dimension = 3 elemtype Linear nnode = 2\ncoordinates\n1 0 0 0\n"
+        "2 1 0 0\nend coordinates\nelements\n1 1 2 1\nend elements\nmaterials\n"
+        "1 E=1 G=1 A=1 Iy=1 Iz=1 J=1\nend materials\nconstraints\n2 111111 0 0 0 0 0 0\n"
+        "end constraints\n")
+    before = (folder / "B.txt").read_text()
+    for where in (".", str(folder), "../" + folder.name):
+        refused = run(folder, CASES, "own.cases", "-o", where, "--write", "B", "--formats", "text")
+        require(refused.returncode == 2 and "is an input" in refused.stderr, refused.stderr)
+        require((folder / "B.txt").read_text() == before, "an input has been replaced")
+    require(run(folder, CASES, "own.cases", "--write", "B").returncode == 0, "another folder")
+
+
 def main():
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
@@ -198,6 +215,7 @@ def main():
         check_run(folder)
         check_direct(folder)
         check_refusals(folder)
+        check_inputs_stay(folder)
 
 
 main()

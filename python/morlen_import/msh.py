@@ -32,9 +32,10 @@ def read_msh(path, data):
         if not line.startswith("$") or line.startswith("$End"):
             raise _at(path, source, begin, f"a section is needed here, not '{shown(line)}'")
         source.section = line[1:]
-        if source.section in ("Nodes", "Elements", "Entities", "PhysicalNames") and source.section in done:
+        kind = "Nodes" if source.section == "ParametricNodes" else source.section
+        if kind in ("Nodes", "Elements", "Entities", "PhysicalNames") and kind in done:
             raise _at(path, source, begin, f"a second section {line}")
-        done.add(source.section)
+        done.add(kind)
         _read_section(source, reader, names)
     source.section = None
     for section in ("Nodes", "Elements"):

@@ -1,10 +1,21 @@
-"""Sections of `.msh` 2.2."""
+"""Sections of `.msh` 2.2.
+
+Nodes may be in a section $ParametricNodes: the dimension and the number of the geometric entity of each node, and its
+parameters on it, follow its coordinates. They are not used.
+"""
 
 import numpy as np
 
-from morlen_import import msh_elements
+from morlen_import import msh_elements, numbers
 from morlen_import.fault import Fault
 from morlen_import.mesh import KINDS
+
+_PARAMETERS = (0, 1, 2, 0)  # of a node, by the dimension of its entity
+_NODE = [("number", "i4"), ("place", "f8", 3)]
+_PARAMETRIC = [
+    np.dtype([*_NODE, ("dimension", "i4"), ("entity", "i4"), ("parameters", "f8", (count,))])
+    for count in _PARAMETERS
+]
 
 
 class Reader:
@@ -17,6 +28,7 @@ class Reader:
         binary = source.is_binary
         self.sections = {
             "Nodes": self._binary_nodes if binary else self._text_nodes,
+            "ParametricNodes": self._binary_parametric if binary else self._text_parametric,
             "Elements": self._binary_elements if binary else self._text_elements,
         }
 
@@ -24,6 +36,21 @@ class Reader:
         count = self.source.count("count of nodes")
         table, lines = self.source.rows(count, 4, 1, "a node: number, x, y, z")
         self.builder.add_nodes(table[:, 0].astype(np.int64), table[:, 1:].copy(), lines)
+
+    def _text_parametric(self):
+        count = self.source.count("count of nodes")
+        what = "a node: number, x, y, z, dimension, entity, parameters"
+        run, starts, words, lines = self.source.ragged(count, what, np.float64)
+        path = self.source.path
+        _first_fault(path, lines, words < 6, f"{what}: at least 6 numbers needed")
+        head = run[starts[:, None] + np.arange(6)]
+        whole = head[:, (0, 4, 5)]
+        wrong = ((whole != np.trunc(whole)) | (np.abs(whole) >= numbers.LARGEST)).any(axis=1)
+        _first_fault(path, lines, wrong, f"{what}: a number is not whole")
+        _first_fault(path, lines, ~np.isin(head[:, 4], range(4)), f"{what}: no dimension")
+        wanted = 6 + np.array(_PARAMETERS)[head[:, 4].astype(np.int64)]
+        _first_fault(path, lines, words != wanted, f"{what}: another count of parameters")
+        self.builder.add_nodes(head[:, 0].astype(np.int64), head[:, 1:4].copy(), lines)
 
     def _text_elements(self):
         count = self.source.count("count of elements")
@@ -70,10 +97,32 @@ class Reader:
     def _binary_nodes(self):
         (count,) = self.source.whole_numbers(1, "count of nodes")
         begin = self.source.place
-        record = np.dtype([("number", "i4"), ("place", "f8", 3)])
-        table = self.source.array(record, count, "nodes")
+        self._add_binary_nodes(self.source.array(np.dtype(_NODE), count, "nodes"), begin)
+
+    def _binary_parametric(self):
+        """Nodes in runs of equal dimension, whose records have equal lengths."""
+        source = self.source
+        (left,) = source.whole_numbers(1, "count of nodes")
+        most = 1
+        while left > 0:
+            begin = source.place
+            dimension = int(source.array(_PARAMETRIC[0], 1, "a node")["dimension"][0])
+            source.place = begin
+            if not 0 <= dimension <= 3:
+                raise source.fault(f"a node on an entity of dimension {dimension}")
+            record = _PARAMETRIC[dimension]
+            room = (len(source.data) - begin) // record.itemsize
+            table = source.array(record, max(1, min(left, most, room)), "nodes")
+            other = np.flatnonzero(table["dimension"] != dimension)
+            most = 1 if len(other) else 2 * most
+            table = table[: other[0]] if len(other) else table
+            source.place = begin + record.itemsize * len(table)
+            self._add_binary_nodes(table, begin)
+            left -= len(table)
+
+    def _add_binary_nodes(self, table, begin):
         places = table["place"].astype(np.float64)
-        marks = begin + record.itemsize * np.arange(count)
+        marks = begin + table.dtype.itemsize * np.arange(len(table))
         wrong = np.flatnonzero(~np.isfinite(places).all(axis=1))
         if len(wrong):
             raise Fault(self.source.path, "a coordinate is no finite number", offset=int(marks[wrong[0]]))

@@ -80,19 +80,21 @@ class Lines:
         self._next += count
         return table, np.arange(first, first + count) + self._first
 
-    def ragged(self, count, what):
-        """The next `count` lines of whole numbers: all numbers, the place of each line's first, line numbers."""
+    def ragged(self, count, what, dtype=np.int64):
+        """The next `count` lines of numbers: all of them, the place of each line's first, counts, line numbers."""
         self.require_room(count, what)
         first = self._next
         text = self._chunk(first, first + count)
-        run = numbers.parse_run(text, np.int64)
+        run = numbers.parse_run(text, dtype)
         words, until = numbers.words_per_line(text)
-        if run is None or run.size != words.sum() or (np.abs(run) >= numbers.LARGEST).any():
+        is_whole = dtype is np.int64
+        if run is None or run.size != words.sum() or (is_whole and (np.abs(run) >= numbers.LARGEST).any()):
+            require = numbers.require_whole if is_whole else numbers.require_number
             for i, row in enumerate(text.split(b"\n")):
                 row_words = row.decode("utf-8", "replace").split()
                 numbers.refuse_end(self.path, self._first + first + i, row_words)
                 for word in row_words:
-                    numbers.require_whole(self.path, self._first + first + i, word, what)
+                    require(self.path, self._first + first + i, word, what)
             raise Fault(self.path, f"{what}: the numbers cannot be read", line=self._first + first)
         self._next += count
         return run, until - words, words, np.arange(first, first + count) + self._first

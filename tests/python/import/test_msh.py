@@ -63,6 +63,8 @@ $Elements
 $EndElements
 """
 
+PLACES = {2: (0, 0, 0), 4: (1, 0, 0), 6: (0, 1, 0), 8: (0, 0, 1), 10: (1, 1, 1), 12: (9, 9, 9)}
+
 
 def binary22(order="<"):
     """SOLID as binary, the two tetrahedra under one head, in one order of bytes."""
@@ -74,11 +76,10 @@ def binary22(order="<"):
         (2, [(5, 6, 1, 4, 6, 8)]),
         (4, [(6, 5, 1, 2, 4, 6, 8), (7, 5, 1, 4, 6, 8, 10)]),
     ]
-    nodes = {2: (0, 0, 0), 4: (1, 0, 0), 6: (0, 1, 0), 8: (0, 0, 1), 10: (1, 1, 1), 12: (9, 9, 9)}
     text = b"$MeshFormat\n2.2 1 8\n" + struct.pack(order + "i", 1) + b"\n$EndMeshFormat\n"
     text += SOLID[SOLID.index("$Phys") : SOLID.index("$Nodes")].encode() + b"$Nodes\n6\n"
     text += (
-        b"".join(struct.pack(order + "i3d", number, *place) for number, place in nodes.items())
+        b"".join(struct.pack(order + "i3d", number, *place) for number, place in PLACES.items())
         + b"\n$EndNodes\n$Elements\n7\n"
     )
     for kind, elements in rows:
@@ -187,8 +188,56 @@ def test_parametric_nodes():
     assert contents(read_msh("a.msh", data.encode())) == EXPECTED
 
 
+# Dimension and number of the entity of each node, and its parameters: one on a curve, two on a surface.
+ENTITIES = {2: (0, 1), 4: (1, 7, 0.5), 6: (2, 3, 0.5, 0.25), 8: (3, 1), 10: (1, 2, 0.25), 12: (0, 2)}
+PARAMETRIC = SOLID[: SOLID.index("$Nodes")] + "$ParametricNodes\n6\n"
+PARAMETRIC += "".join(f"{n} {' '.join(map(str, (*PLACES[n], *ENTITIES[n])))}\n" for n in PLACES)
+PARAMETRIC += "$EndParametricNodes\n" + SOLID[SOLID.index("$Elements") :]
+
+
+def parametric22(places, entities, order="<"):
+    """binary22 with other nodes, in a section of parametric nodes."""
+    data = binary22(order)
+    text = data[: data.index(b"$Nodes")] + b"$ParametricNodes\n%d\n" % len(places)
+    for number, place in places.items():
+        dimension, entity, *own = entities[number]
+        text += struct.pack(f"{order}i3d2i{len(own)}d", number, *place, dimension, entity, *own)
+    return text + b"\n$EndParametricNodes\n" + data[data.index(b"$Elements") :]
+
+
+@pytest.mark.parametrize("data", [PARAMETRIC.encode(), *(parametric22(PLACES, ENTITIES, o) for o in "<>")])
+def test_parametric_nodes_of_the_old_format(data):
+    assert contents(read_msh("a.msh", data)) == EXPECTED
+
+
+def test_runs_of_parametric_nodes():
+    random = np.random.default_rng(3)
+    dimensions = np.repeat(random.integers(4, size=60), random.integers(1, 40, size=60))
+    places = PLACES | {20 + k: tuple(random.random(3)) for k in range(len(dimensions))}
+    parameters = {0: (), 1: (0.5,), 2: (0.5, 0.25), 3: ()}
+    entities = ENTITIES | {20 + k: (int(d), 1, *parameters[int(d)]) for k, d in enumerate(dimensions)}
+    nodes = contents(read_msh("a.msh", parametric22(places, entities)))[0]
+    assert nodes == {number: list(place) for number, place in places.items()}
+
+
+def test_faults_of_binary_parametric_nodes():
+    data = parametric22(PLACES, ENTITIES)
+    begin = data.index(b"$ParametricNodes\n6\n") + len(b"$ParametricNodes\n6\n")
+    # The second node: its dimension has the place 28 of its record, its x the place 4.
+    second = begin + 36
+    for place, value, message in (
+        (second + 28, struct.pack("<i", 4), "a node on an entity of dimension 4"),
+        (second + 4, struct.pack("<d", float("nan")), "a coordinate is no finite number"),
+    ):
+        with pytest.raises(Fault) as error:
+            read_msh("a.msh", data[:place] + value + data[place + len(value) :])
+        assert error.value.lines == [f"a.msh: error: offset {second}: {message}"]
+
+
 WORDS_OF_ENDS = "comes before all lines that the section should have"
 NODE, LAST = "8 0 0 1", "6 4 2 5 1 2 4 6 8"
+NOT_READ = ": meshes in parts, or with parameters, are not read"
+PARAMETRIC_NODE = "a node: number, x, y, z, dimension, entity, parameters"
 # Mesh, text that is replaced, its replacement, the text in whose line the fault is (None: the replacement), the message.
 FAULTS = [
     (SOLID, "$MeshFormat", "$Mesh", None, "the file does not begin with $MeshFormat"),
@@ -251,12 +300,28 @@ FAULTS = [
     (SOLID, "2.2 0 8", "2.2 2 8", None, "the kind of file is 0 or 1, not '2'"),
     (SOLID, "2.2 0 8", "2.2 0", None, "version, kind and size are needed here"),
     (SOLID, "$Nodes", "Nodes", None, "a section is needed here, not 'Nodes'"),
+    (SOLID41, "$Entities", "$ParametricNodes", None, f"$ParametricNodes{NOT_READ}"),
+    (SOLID, "$Nodes", "$GhostElements", None, f"$GhostElements{NOT_READ}"),
+    (PARAMETRIC, "4 1 0 0 1 7 0.5", "4 1 0 0 1", None, f"{PARAMETRIC_NODE}: at least 6 numbers needed"),
+    (PARAMETRIC, "4 1 0 0 1 7 0.5", "4 1 0 0 1 7", None, f"{PARAMETRIC_NODE}: another count of parameters"),
     (
-        SOLID,
-        "$Nodes",
-        "$ParametricNodes",
+        PARAMETRIC,
+        "4 1 0 0 1 7 0.5",
+        "4 1 0 0 1 7 0.5 1",
         None,
-        "$ParametricNodes: meshes in parts, or with parameters, are not read",
+        f"{PARAMETRIC_NODE}: another count of parameters",
+    ),
+    (PARAMETRIC, "4 1 0 0 1 7 0.5", "4 1 0 0 4 7 0.5", None, f"{PARAMETRIC_NODE}: no dimension"),
+    (PARAMETRIC, "4 1 0 0 1 7 0.5", "4 1 0 0 -1 7 0.5", None, f"{PARAMETRIC_NODE}: no dimension"),
+    (PARAMETRIC, "4 1 0 0 1 7 0.5", "4.5 1 0 0 1 7 0.5", None, f"{PARAMETRIC_NODE}: a number is not whole"),
+    (PARAMETRIC, "4 1 0 0 1 7 0.5", "4 1 x 0 1 7 0.5", None, f"'x' is no number ({PARAMETRIC_NODE})"),
+    (PARAMETRIC, "4 1 0 0 1 7 0.5\n", "", "$EndParam", f"$EndParametricNodes {WORDS_OF_ENDS}"),
+    (
+        PARAMETRIC,
+        "$Elements",
+        "$Nodes\n0\n$EndNodes\n$Elements",
+        "$Nodes",
+        "a second section $Nodes",
     ),
     (SOLID, '2 2 "foot"', '2 3 "foot"', '2 3 "top"', "group 2:3 has two names"),
     (SOLID, "\n6\n0 1", "\n-6\n0 1", "-6", "the count of names is negative"),
@@ -294,7 +359,8 @@ def test_faults_of_texts(number):
 
 
 def test_every_cut_is_refused():
-    for data in (SOLID.encode(), SOLID41.encode(), binary22(), binary41()):
+    meshes = (SOLID.encode(), SOLID41.encode(), PARAMETRIC.encode(), binary22(), binary41())
+    for data in (*meshes, parametric22(PLACES, ENTITIES)):
         # Up to the last character of $EndElements.
         for end in range(len(data) - 1):
             with pytest.raises(Fault) as error:

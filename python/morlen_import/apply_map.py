@@ -2,7 +2,7 @@
 
 import numpy as np
 
-from morlen_import.fault import Fault, did_you_mean, ranges, warn
+from morlen_import.fault import Fault, did_you_mean, numbered, warn
 from morlen_import.group_map import EULER
 from morlen_import.mesh import KINDS
 from morlen_import.model import ElementLoads, Hinges, Material, Model, NodalLoads, Supports
@@ -64,11 +64,6 @@ def _listed(labels, limit=20):
     if not labels:
         return "none"
     return ", ".join(labels[:limit]) + (", ..." if len(labels) > limit else "")
-
-
-def _counted(indices, numbers):
-    """'3, the first is 17'."""
-    return f"{len(indices)}, the first is {numbers[indices[0]]}"
 
 
 class _Application:
@@ -134,8 +129,12 @@ class _Application:
                     raise self._fault(
                         rule,
                         "groups",
-                        f"elements that have a material already, that of {other.key}: "
-                        f"{_counted(double, self._mesh.cells[kind].numbers)}",
+                        self._numbered(
+                            kind,
+                            double,
+                            f"has a material already, that of {other.key}",
+                            f"have a material already, that of {other.key}",
+                        ),
                     )
                 materials[kind][indices] = number
         return materials
@@ -160,7 +159,11 @@ class _Application:
             raise self._fault(
                 rule,
                 "groups",
-                "nodes that belong to no element with a material: " f"{_counted(lost, self._mesh.numbers)}",
+                numbered(
+                    self._mesh.numbers[lost],
+                    "node belongs to no element with a material",
+                    "nodes belong to no element with a material",
+                ),
             )
         if not len(nodes):
             raise self._fault(rule, "groups", "the groups have no nodes")
@@ -276,22 +279,38 @@ class _Application:
         owners, sides, count = (structure.edges if is_line else structure.faces)(cells, rest)
         lost = rest[count == 0]
         if len(lost):
-            what = (
-                "lines that have no material and are no edges of shells"
-                if is_line
-                else ("triangles that have no material and are no faces of tetrahedra")
+            side, owner = ("edge", "shells") if is_line else ("face", "tetrahedra")
+            raise self._fault(
+                rule,
+                "groups",
+                self._numbered(
+                    cells,
+                    lost,
+                    f"has no material and is no {side} of {owner}",
+                    f"have no material and are no {side}s of {owner}",
+                ),
             )
-            raise self._fault(rule, "groups", f"{what}: {_counted(lost, self._mesh.cells[cells].numbers)}")
         if kind == "pressure" and (count > 1).any():
             inner = rest[count > 1]
             raise self._fault(
                 rule,
                 "groups",
-                "triangles inside the solid, where a pressure has no direction: "
-                f"{_counted(inner, self._mesh.cells[cells].numbers)}",
+                self._numbered(
+                    cells,
+                    inner,
+                    "is inside the solid, where a pressure has no direction",
+                    "are inside the solid, where a pressure has no direction",
+                ),
             )
         records.append(("face_loads" if is_line else block, np.column_stack([owners, sides])))
         return records
+
+    def _numbered(self, kind, cells, one, many):
+        """'1 triangle is ...: 5', '3 triangles are ...: 5, 7-8'."""
+        names = KINDS[kind]
+        return numbered(
+            self._mesh.cells[kind].numbers[cells], f"{names.name} {one}", f"{names.plural} {many}"
+        )
 
     def _warn_of_unused(self):
         mesh = self._mesh
@@ -299,23 +318,24 @@ class _Application:
         if unused:
             warn(mesh.path, f"groups that are not used: {_listed([group.label for group in unused])}")
         for kind, used in self._used.items():
-            left = np.sort(mesh.cells[kind].numbers[~used])
+            left = np.flatnonzero(~used)
             if len(left):
-                warn(
-                    mesh.path,
-                    f"elements without a material or another use: {KINDS[kind].count(len(left))}, "
-                    f"{ranges(left)}",
-                )
+                text = "no material or other use"
+                warn(mesh.path, self._numbered(kind, left, f"has {text}", f"have {text}"))
         warn_of_lost_nodes(mesh, self._structure)
 
 
 def warn_of_lost_nodes(mesh, structure):
     """Lists the nodes that belong to no element with a material."""
-    lost = np.sort(mesh.numbers[structure.node_index < 0])
+    lost = mesh.numbers[structure.node_index < 0]
     if len(lost):
         warn(
             mesh.path,
-            f"nodes that are left out, because no element with a material has them: {len(lost)}, {ranges(lost)}",
+            numbered(
+                lost,
+                "node is left out, because no element with a material has it",
+                "nodes are left out, because no element with a material has them",
+            ),
         )
 
 

@@ -3,6 +3,8 @@
 import difflib
 import sys
 
+_NEAR = 0.75  # of 1: below it, words of other meanings are proposed
+
 
 class Fault(Exception):
     """An error of the user's files: what is wrong, and where.
@@ -42,9 +44,11 @@ def warn(path, text, line=None):
 
 
 def did_you_mean(word, known):
-    """' (did you mean ...?)', or nothing when no known word is near."""
+    """'; did you mean ...?', or nothing when no known word is near. Words with letters exchanged are near."""
+    word = str(word).lower()
     lower = {str(k).lower(): k for k in known}
-    near = difflib.get_close_matches(str(word).lower(), lower, n=1, cutoff=0.6)
+    near = difflib.get_close_matches(word, lower, n=1, cutoff=_NEAR)
+    near += [other for other in lower if sorted(other) == sorted(word)]
     return f"; did you mean '{lower[near[0]]}'?" if near else ""
 
 
@@ -57,6 +61,11 @@ def shown(text, limit=60):
 def count_of(number, singular, plural=None):
     """'1 node', '3 nodes'."""
     return f"{number} {singular if number == 1 else plural or singular + 's'}"
+
+
+def numbered(numbers, one, many):
+    """'1 node is left out: 5', '3 nodes are left out: 5, 7-8'; `one` and `many` are the texts after the count."""
+    return f"{count_of(len(numbers), one, many)}: {ranges(sorted(map(int, numbers)))}"
 
 
 def ranges(numbers, limit=8):

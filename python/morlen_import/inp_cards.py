@@ -1,7 +1,8 @@
 """An `.inp` file as cards: a keyword with its parameters, and the lines of data after it.
 
-Lines that begin with `**` are comments. A keyword line that ends with a comma continues on the next line. *INCLUDE puts
-another file in its place, which may hold cards, or data of the card before it.
+Lines that begin with `**` are comments. A keyword line that ends with a comma continues on the next line when that line
+has parameters of the keyword; before other lines the comma has no meaning. *INCLUDE puts another file in its place, which
+may hold cards, or data of the card before it.
 """
 
 import os
@@ -19,6 +20,30 @@ _EXPONENT = bytes.maketrans(b"dD", b"ee")
 _PLAIN = re.compile(rb"[0-9+\-.eEdD, \n]*\Z")
 _LETTER_AT_BEGIN = re.compile(rb"(?:^|[ ,\n])[eEdD]")
 _DEEPEST = 10
+# The parameters of all keywords that are read.
+_SET = ("GENERATE", "INTERNAL", "UNSORTED")
+_PARAMETERS = {
+    "HEADING": (),
+    "INCLUDE": ("INPUT",),
+    "NODE": ("NSET",),
+    "ELEMENT": ("TYPE", "ELSET"),
+    "NSET": ("NSET", "ELSET", *_SET),
+    "ELSET": ("ELSET", *_SET),
+    "SURFACE": ("NAME", "TYPE"),
+    "MATERIAL": ("NAME",),
+    "ELASTIC": ("TYPE",),
+    "DENSITY": (),
+    "SOLID SECTION": ("ELSET", "MATERIAL"),
+    "SHELL SECTION": ("ELSET", "MATERIAL"),
+    "BEAM SECTION": ("ELSET", "MATERIAL", "SECTION"),
+    "BOUNDARY": ("OP", "TYPE"),
+    "STEP": ("NLGEOM", "NAME", "INC", "AMPLITUDE", "UNSYMM", "PERTURBATION"),
+    "STATIC": ("SOLVER", "DIRECT"),
+    "CLOAD": ("OP",),
+    "DLOAD": ("OP",),
+    "DSLOAD": ("OP",),
+    "END STEP": (),
+}
 
 
 @dataclass
@@ -59,10 +84,10 @@ class Card:
             for line, fields, _ in chunk.rows():
                 yield chunk.path, line, fields
 
-    def allow(self, *known):
-        """Refuses parameters that are not among `known`."""
+    def check_parameters(self):
+        """Refuses parameters that the keyword does not have here."""
         for name in self.parameters:
-            if name not in known:
+            if name not in _PARAMETERS[self.keyword]:
                 raise self.fault(f"the parameter {shown(name)} is not read")
 
     def need(self, name):
@@ -118,28 +143,78 @@ def _add_data(cards, path, line, text):
 
 def _keyword_lines(path, text, place, line):
     """The words of a keyword line with its continuations: where the data begin, and their line."""
-    words = b""
-    while True:
-        end = text.find(b"\n", place)
-        end = len(text) if end < 0 else end
-        words += bytes(text[place:end])
-        line += 1
-        place = min(end + 1, len(text))
-        if not words.rstrip().endswith(b","):
-            return place, line, words.decode("utf-8", "replace")
-        if place >= len(text) or text[place : place + 200].lstrip(b" ").startswith(b"*"):
-            raise Fault(path, "the keyword line ends with a comma, and no line continues it", line=line - 1)
+    words, place = _line_at(text, place)
+    line += 1
+    keyword = _keyword_of(words)
+    while words.endswith(","):
+        begin, next_line = _next_text(text, place, line)
+        more, end = _line_at(text, begin)
+        if not _continues(path, keyword, more, next_line):
+            words = words[:-1]
+            break
+        words += more
+        place, line = end, next_line + 1
+    return place, line, words
+
+
+def _line_at(text, place):
+    """A line without white space at its ends, and where the next begins."""
+    end = text.find(b"\n", place)
+    end = len(text) if end < 0 else end
+    return bytes(text[place:end]).decode("utf-8", "replace").strip(), min(end + 1, len(text))
+
+
+def _next_text(text, place, line):
+    """Where the next line that is not blank begins, and its number. Comments are blank here."""
+    while place < len(text):
+        words, end = _line_at(text, place)
+        if words:
+            break
+        place, line = end, line + 1
+    return place, line
+
+
+def _continues(path, keyword, words, line):
+    """True when a line after a comma has parameters of the keyword, false when it has data."""
+    known = _PARAMETERS.get(keyword)
+    if not known or not words or words.startswith("*"):
+        return False
+    parts = [part.strip() for part in _split(words.removesuffix(","))]
+    is_known = [_name_of(part) in known for part in parts]
+    has_value = ["=" in part and not part.startswith('"') for part in parts]
+    if not any(is_known) and not any(has_value):
+        return False
+    if any(is_known) and all(k or v for k, v in zip(is_known, has_value)):
+        return True
+    if all(has_value):
+        text = f"the parameter {shown(_name_of(parts[0]))} is not read"
+    else:
+        text = "after a comma this line can be data, or parameters of the keyword"
+    raise Fault(
+        path,
+        f"*{shown(keyword)}: {text}",
+        line=line,
+        hint="without the comma at the end of the keyword line this line is data",
+    )
+
+
+def _name_of(part):
+    """The name of a parameter in capitals."""
+    return " ".join(part.partition("=")[0].upper().split())
+
+
+def _keyword_of(words):
+    return " ".join(_split(words)[0].lstrip(" *").upper().split())
 
 
 def _card(path, line, words):
-    parts = _split(words)
-    keyword = " ".join(parts[0].lstrip(" *").upper().split())
+    keyword = _keyword_of(words)
     if not keyword:
         raise Fault(path, "a keyword is missing after *", line=line)
     parameters = {}
-    for part in parts[1:]:
-        name, equals, value = part.partition("=")
-        name = " ".join(name.upper().split())
+    for part in _split(words)[1:]:
+        _, equals, value = part.partition("=")
+        name = _name_of(part)
         if not name:
             raise Fault(path, f"*{shown(keyword)}: a parameter is missing between commas", line=line)
         if name in parameters:
@@ -162,7 +237,7 @@ def _split(words):
 
 
 def _include(cards, card, path, read_file, outer):
-    card.allow("INPUT")
+    card.check_parameters()
     name = card.need("INPUT")
     target = os.path.join(os.path.dirname(path), name)
     chain = [*outer, os.path.realpath(path)]

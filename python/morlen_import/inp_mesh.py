@@ -97,6 +97,7 @@ IGNORED = (
     "FILE OUTPUT",
 )
 _FLAT = ("PART", "END PART", "ASSEMBLY", "END ASSEMBLY", "INSTANCE", "END INSTANCE")
+_NOT_MISSPELT = ("PLASTIC",)  # near ELASTIC, but another keyword
 _FILE_BITS = 40
 
 
@@ -108,9 +109,10 @@ def refuse_keyword(card, skip, known):
             hint="write a flat file, without parts and assemblies",
         )
     if not skip:
+        near = "" if card.keyword in _NOT_MISSPELT else did_you_mean(card.keyword, known)
         raise Fault(
             card.path,
-            f"the keyword *{shown(card.keyword)} is not read" f"{did_you_mean(card.keyword, known)}",
+            f"the keyword *{shown(card.keyword)} is not read{near}",
             line=card.line,
             hint="--skip leaves such keywords out",
         )
@@ -168,14 +170,14 @@ class InpMesh:
         return Fault(self.files[int(mark) >> _FILE_BITS], text, line=int(mark) & ((1 << _FILE_BITS) - 1))
 
     def _read_heading(self, card):
-        card.allow()
+        card.check_parameters()
         texts = [
             line.strip() for chunk in card.data for line in chunk.text.decode("utf-8", "replace").split("\n")
         ]
         self.heading = " ".join(text for text in texts if text)
 
     def _read_nodes(self, card):
-        card.allow("NSET")
+        card.check_parameters()
         for chunk in card.data:
             found = inp_cards.plain_numbers(chunk)
             table, lines = self._plain_nodes(card, chunk, found) if found else self._node_rows(card, chunk)
@@ -220,7 +222,7 @@ class InpMesh:
         return np.array(table, dtype=float).reshape(-1, 4), np.array(lines, dtype=np.int64)
 
     def _read_elements(self, card):
-        card.allow("TYPE", "ELSET")
+        card.check_parameters()
         name = card.need("TYPE").upper()
         if name not in TYPES and name not in _OTHERS:
             raise card.fault(f"elements of the type {shown(name)} cannot be taken over")
@@ -275,7 +277,7 @@ class InpMesh:
         return lines[begins % width == 0]
 
     def _read_node_set(self, card):
-        card.allow("NSET", "GENERATE", "ELSET", "INTERNAL", "UNSORTED")
+        card.check_parameters()
         name = card.need("NSET")
         if "ELSET" in card.parameters:
             self._sets_of_elements.append((card, name))
@@ -284,7 +286,7 @@ class InpMesh:
             self.node_sets.read(card, name)
 
     def _read_element_set(self, card):
-        card.allow("ELSET", "GENERATE", "INTERNAL", "UNSORTED")
+        card.check_parameters()
         self.element_sets.read(card, card.need("ELSET"))
 
     def _index_elements(self):

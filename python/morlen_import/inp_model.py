@@ -3,7 +3,7 @@
 import numpy as np
 
 from morlen_import.apply_map import warn_of_lost_nodes
-from morlen_import.fault import Fault, count_of, ranges, warn
+from morlen_import.fault import Fault, count_of, numbered, warn
 from morlen_import.inp_mesh import MESH_KEYWORDS, InpMesh, refuse_keyword
 from morlen_import.inp_sections import SECTION_TYPES, MaterialTable, SectionReader
 from morlen_import.inp_steps import StepReader
@@ -177,9 +177,16 @@ class _Conversion:
 
     def _warn_of_unused(self):
         source = self._source
-        lost = np.sort(source.numbers[self._section_of < 0])
+        lost = source.numbers[self._section_of < 0]
         if len(lost):
-            warn(self._path, f"elements without a section, which are left out: {len(lost)}, {ranges(lost)}")
+            warn(
+                self._path,
+                numbered(
+                    lost,
+                    "element has no section and is left out",
+                    "elements have no section and are left out",
+                ),
+            )
         warn_of_lost_nodes(source.mesh, self._structure)
 
     def _set_weight(self, model):

@@ -82,7 +82,7 @@ class SectionReader:
         }
 
     def _material(self, card):
-        card.allow("NAME")
+        card.check_parameters()
         name = card.need("NAME")
         if name.upper() in self._substances:
             raise card.fault(f"the material {shown(name)} is given twice")
@@ -97,7 +97,7 @@ class SectionReader:
             raise card.fault(f"the material {shown(self._last.name)} has it already")
 
     def _elastic(self, card):
-        card.allow("TYPE")
+        card.check_parameters()
         self._of_material(card, "E")
         if card.parameters.get("TYPE", "ISO").upper() not in ("ISO", "ISOTROPIC"):
             raise card.fault("only TYPE=ISO is read")
@@ -108,14 +108,14 @@ class SectionReader:
             raise card.fault("Poisson's ratio is not above -1", next(card.rows())[1])
 
     def _density(self, card):
-        card.allow()
+        card.check_parameters()
         self._of_material(card, "density")
         (self._last.density,) = _one_row(card, 1, "the density")
         if not self._last.density > 0:
             raise card.fault("the density is not positive", next(card.rows())[1])
 
     def _section(self, card):
-        card.allow("ELSET", "MATERIAL", *(["SECTION"] if card.keyword == "BEAM SECTION" else []))
+        card.check_parameters()
         card.need("ELSET")
         # The material may come later in the file.
         section = Section(card, card.need("MATERIAL"))

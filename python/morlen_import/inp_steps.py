@@ -9,7 +9,7 @@ from dataclasses import dataclass, field
 import numpy as np
 
 from morlen_import import inp_cards, numbers
-from morlen_import.fault import count_of, shown, warn
+from morlen_import.fault import numbered, shown, warn
 from morlen_import.mesh import KINDS
 
 # Faces P1 to P4 and S1 to S4 of a tetrahedron as sides of the problem file; second: of one that was turned.
@@ -138,7 +138,7 @@ class StepReader:
             raise card.fault("NLGEOM: only small displacements are computed")
         if "PERTURBATION" in card.parameters:
             raise card.fault("PERTURBATION is not read")
-        card.allow("NLGEOM", "NAME", "INC", "AMPLITUDE", "UNSYMM")
+        card.check_parameters()
         if not self.steps:
             self._supports.end_step()
         self._step = card
@@ -146,11 +146,11 @@ class StepReader:
 
     def _static(self, card):
         self._need_step(card)
-        card.allow("SOLVER", "DIRECT")
+        card.check_parameters()
         self._has_static = True
 
     def _end(self, card):
-        card.allow()
+        card.check_parameters()
         self._need_step(card)
         for path, line, _ in card.rows():
             raise card.fault("no data belong here", line, path)
@@ -191,35 +191,31 @@ class StepReader:
 
     def _nodes(self, card, path, line, word):
         """Indices of the node of a number, or of the nodes of a set."""
-        number = numbers.whole_of(word)
-        if number is not None:
-            found = self._source.find_nodes(np.array([number]))
-            if found[0] < 0:
-                raise card.fault(f"there is no node {number}", line, path)
-            return found
-        name = word.strip('"')
-        if name not in self._source.node_sets:
-            hint = None
-            if name in self._source.element_sets:
-                shown_name = shown(word)
-                hint = f"{shown_name} is a set of elements: *NSET, NSET=name, ELSET={shown_name} makes a set of its nodes"
-            raise card.fault(f"there is no node or set of nodes {shown(word)}", line, path, hint)
-        return self._source.nodes_of_set(name)
+        source = self._source
+        return self._find(card, path, line, word, "node", source.node_sets, source.find_nodes)
 
     def _elements(self, card, path, line, word):
+        """Indices of the element of a number, or of the elements of a set."""
+        source = self._source
+        return self._find(card, path, line, word, "element", source.element_sets, source.find_elements)
+
+    def _find(self, card, path, line, word, what, sets, finder):
         number = numbers.whole_of(word)
         if number is not None:
-            found = self._source.find_elements(np.array([number]))
-            if found[0] < 0:
-                raise card.fault(f"there is no element {number}", line, path)
-            return found
+            found = finder(np.array([number]))
+            if found[0] >= 0:
+                return found
+            raise card.fault(f"there is no {what} {number}", line, path)
         name = word.strip('"')
-        if name not in self._source.element_sets:
-            raise card.fault(f"there is no element or set of elements {shown(word)}", line, path)
-        return self._source.elements_of_set(name)
+        if name in sets:
+            return sets.members(name, finder)
+        hint = None
+        if what == "node" and name in self._source.element_sets:
+            hint = f"{shown(word)} is a set of elements: *NSET, NSET=name, ELSET={shown(word)} makes a set of its nodes"
+        raise card.fault(f"there is no {what} or set of {what}s {shown(word)}", line, path, hint)
 
     def _boundary(self, card):
-        card.allow("OP", "TYPE")
+        card.check_parameters()
         if card.parameters.get("TYPE", "DISPLACEMENT").upper() != "DISPLACEMENT":
             raise card.fault("only TYPE=DISPLACEMENT is read")
         self._operation(card, self._supports)
@@ -261,8 +257,11 @@ class StepReader:
         if len(unused):
             self._warn_once(
                 card,
-                f"supports of {count_of(len(unused), 'node')} of no element with a section are left out (the"
-                f" first is {self._source.mesh.numbers[unused[0]]})",
+                numbered(
+                    self._source.mesh.numbers[unused],
+                    "support is left out, because no element with a section has its node",
+                    "supports are left out, because no element with a section has their nodes",
+                ),
                 line,
             )
         nodes = nodes[self._used[nodes]]
@@ -290,7 +289,7 @@ class StepReader:
 
     def _cload(self, card):
         self._need_step(card)
-        card.allow("OP")
+        card.check_parameters()
         self._operation(card, self._forces)
         for path, line, fields in card.rows():
             if len(fields) != 3:
@@ -312,7 +311,7 @@ class StepReader:
 
     def _dload(self, card):
         self._need_step(card)
-        card.allow("OP")
+        card.check_parameters()
         self._operation(card, self._faces, self._gravity)
         for path, line, fields in card.rows():
             if len(fields) < 2:
@@ -379,7 +378,7 @@ class StepReader:
         return of_kind[self._source.kinds[elements]]
 
     def _surface(self, card):
-        card.allow("NAME", "TYPE")
+        card.check_parameters()
         name = card.need("NAME")
         if card.parameters.get("TYPE", "ELEMENT").upper() != "ELEMENT":
             raise card.fault("only surfaces of elements are read, TYPE=ELEMENT")
@@ -403,7 +402,7 @@ class StepReader:
 
     def _dsload(self, card):
         self._need_step(card)
-        card.allow("OP")
+        card.check_parameters()
         self._operation(card, self._faces, self._gravity)
         for path, line, fields in card.rows():
             if len(fields) != 3 or fields[1].upper() != "P":

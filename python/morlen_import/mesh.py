@@ -8,7 +8,7 @@ from dataclasses import dataclass, field
 
 import numpy as np
 
-from morlen_import.fault import Fault, count_of, warn
+from morlen_import.fault import Fault, count_of, numbered, warn
 
 
 @dataclass(frozen=True)
@@ -277,8 +277,11 @@ def check_middles(mesh):
         if len(rows):
             warn(
                 mesh.path,
-                f"middle nodes far from the middles of their edges: {count_of(len(rows), 'element')}, the"
-                f" first is {cells.numbers[rows[0]]}",
+                numbered(
+                    cells.numbers[rows],
+                    "element has middle nodes far from the middles of its edges",
+                    "elements have middle nodes far from the middles of their edges",
+                ),
             )
 
 

@@ -1,6 +1,7 @@
 """Tests of morlen-import. MORLEN_BUILD is the build folder with the programs."""
 
 import os
+import signal
 import sys
 from pathlib import Path
 
@@ -27,9 +28,10 @@ def imported(build, tmp_path, monkeypatch, capsys):
 
     monkeypatch.chdir(tmp_path)
 
-    def run(*arguments):
+    def run(*arguments, programs=(build / "companions",)):
         capsys.readouterr()
-        status = main([str(a) for a in arguments], programs=[build / "companions"])
+        status = main([str(a) for a in arguments], programs=programs)
+        signal.signal(signal.SIGINT, signal.default_int_handler)  # the end of an import ignores it
         out, err = capsys.readouterr()
         return status, out, err
 

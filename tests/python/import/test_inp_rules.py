@@ -62,6 +62,10 @@ SAME = {
         lambda t: t.replace("2.1E5", "2.1d+5").replace("-4.", "-4.D0").replace("0, 1, 0\n", "0, 1.d0, 0\n")
     ),
     "trailing commas": (lambda t: re.sub(r"(?m)^([0-9].*)$", r"\1,", t)),
+    "trailing commas of keywords": (lambda t: re.sub(r"(?m)^(\*.*)$", r"\1,", t)),
+    "trailing commas before comments and blank lines": (
+        lambda t: re.sub(r"(?m)^(\*.*)$", r"\1 ,\t\n** OP=NEW, a comment\n\n", t)
+    ),
     "left-out coordinates": (
         lambda t: t.replace("1, 0, 0, 0", "1")
         .replace("2, 1, 0, 0", "2, 1")
@@ -69,6 +73,18 @@ SAME = {
         .replace("3, 0, 1, 0", "3,,1.")
     ),
     "keyword on two lines": (lambda t: t.replace("TYPE=C3D4, ", "TYPE=C3D4,\n")),
+    "keyword on four lines with a comment": (
+        lambda t: t.replace("TYPE=C3D4, ELSET=BODY", "\n** ELSET=OTHER\n  type = C3D4 ,\n\tElset=BODY,")
+    ),
+    "a word without value on the next line": (
+        lambda t: t.replace("NSET=FEET\n1, 2, 3", "NSET=FEET,\n generate,\n1, 3")
+    ),
+    "a step's parameters on the next line": (
+        lambda t: t.replace("*STEP\n", "*STEP,\nNLGEOM=NO, INC=10\n").replace(
+            "*STATIC\n", "*STATIC,\nDIRECT\n"
+        )
+    ),
+    "a trailing comma before the title of a step": (lambda t: t.replace("*STEP\n", "*STEP,\n Name plate\n")),
     "element on two lines": (lambda t: t.replace("10, 1, 2, 3, 4", "10, 1, 2,\n3, 4")),
     "quoted names": (lambda t: t.replace("STEEL", '"STEEL"')),
     "sets of sets": (
@@ -233,7 +249,46 @@ def test_include(imported, tmp_path):
         ("*HEADING\n", "*INCLUDE, INPUT=none.inp\n", 1, "*INCLUDE: there is no file none.inp"),
         ("*HEADING\n", "*INCLUDE, INPUT=a.inp\n", 1, "*INCLUDE: a.inp includes itself"),
         ("*HEADING\n", "", 1, "data before the first keyword"),
-        ("*END STEP\n", "*END STEP,", 24, "the keyword line ends with a comma, and no line continues it"),
+        (
+            "*CLOAD\n",
+            "*CLOAD,\nOP, 3, -4.\n",
+            23,
+            "*CLOAD: after a comma this line can be data, or parameters of the keyword",
+        ),
+        (
+            "*CLOAD\n",
+            "*CLOAD,\n** comment\nOP=NEW, 3, -4.\n",
+            24,
+            "*CLOAD: after a comma this line can be data, or parameters of the keyword",
+        ),
+        (
+            "*STEP\n",
+            "*STEP,\n a title, load = 5\n",
+            21,
+            "*STEP: after a comma this line can be data, or parameters of the keyword",
+        ),
+        (
+            "MATERIAL=STEEL\n",
+            "MATERIAL=STEEL,\nORIENTATION=O\n",
+            18,
+            "*SOLID SECTION: the parameter ORIENTATION is not read",
+        ),
+        (
+            "*CLOAD\n",
+            "*CLOAD,\nOP=NEW, AMPLITUDE=A\n",
+            22,
+            "*CLOAD: the parameter AMPLITUDE is not read",
+        ),
+        ("*CLOAD\n", "*CLOAD,,\n", 22, "*CLOAD: a parameter is missing between commas"),
+        ("*END STEP\n", "*END STEP,\n7\n", 25, "*END STEP: no data belong here"),
+        ("*STATIC\n", "*EQUATION\n", 21, "the keyword *EQUATION is not read"),
+        ("*STATIC\n", "*PLASTIC\n", 21, "the keyword *PLASTIC is not read"),
+        (
+            "*SOLID SECTION",
+            "*SOLID SECTOIN",
+            17,
+            "the keyword *SOLID SECTOIN is not read; did you mean 'SOLID SECTION'?",
+        ),
     ],
 )
 def test_refusals(imported, tmp_path, old, new, line, message):
@@ -592,9 +647,29 @@ def test_elements_and_nodes_without_section(imported, tmp_path):
     assert status == 0
     line = text[: text.index("7, 1, 3")].count("\n") + 1
     assert err.splitlines() == [
-        f"a.inp:{line}: warning: supports of 1 node of no element with a section are left out (the first is 7)",
-        "a.inp: warning: elements without a section, which are left out: 1, 30",
-        "a.inp: warning: nodes that are left out, because no element with a material has them: 2, 6, 7",
+        f"a.inp:{line}: warning: 1 support is left out, because no element with a section has its node: 7",
+        "a.inp: warning: 1 element has no section and is left out: 30",
+        "a.inp: warning: 2 nodes are left out, because no element with a material has them: 6, 7",
+    ]
+
+
+def test_counts_of_one_and_of_many(imported, tmp_path):
+    one = TWO.replace("5, 1, 1, 1\n", "5, 1, 1, 1\n16, 2, 2, 2\n")
+    assert (
+        "1 node is left out, because no element with a material has it: 16\n"
+        in run(imported, tmp_path, one)[2]
+    )
+    many = TWO.replace("30, 1, 2, 3\n", "30, 1, 2, 3\n31, 2, 3, 4\n40, 1, 2, 4\n").replace(
+        "5, 1, 1, 1\n", "5, 1, 1, 1\n6, 2\n7, 3\n8, 4\n"
+    )
+    many = many.replace("FEET, 1, 3", "OUTSIDE, 1, 3").replace(
+        "*BOUNDARY", "*NSET, NSET=OUTSIDE\n6, 7, 8, 1\n*BOUNDARY"
+    )
+    line = many[: many.index("OUTSIDE, 1, 3")].count("\n") + 1
+    assert run(imported, tmp_path, many, "--no-check")[2].splitlines() == [
+        f"a.inp:{line}: warning: 3 supports are left out, because no element with a section has their nodes: 6-8",
+        "a.inp: warning: 3 elements have no section and are left out: 30, 31, 40",
+        "a.inp: warning: 3 nodes are left out, because no element with a material has them: 6-8",
     ]
 
 

@@ -46,9 +46,9 @@ def test_unused_parts_are_listed(imported, tmp_path):
     err = run(imported, tmp_path, SOLID, SOLID_MAP)[2]
     assert err.splitlines() == [
         "a.msh: warning: groups that are not used: 0:tip, 2:also top, 2:inner",
-        "a.msh: warning: elements without a material or another use: 1 point, 1",
-        "a.msh: warning: elements without a material or another use: 1 triangle, 5",
-        "a.msh: warning: nodes that are left out, because no element with a material has them: 1, 12",
+        "a.msh: warning: 1 point has no material or other use: 1",
+        "a.msh: warning: 1 triangle has no material or other use: 5",
+        "a.msh: warning: 1 node is left out, because no element with a material has it: 12",
     ]
 
 
@@ -354,7 +354,7 @@ REFUSED = [
     (
         solid_map('["top"]', '["inner"]'),
         [
-            "a.map: error: loads.top.groups: triangles inside the solid, where a pressure has no direction: 1, the first is 5"
+            "a.map: error: loads.top.groups: 1 triangle is inside the solid, where a pressure has no direction: 5"
         ],
     ),
     (solid_map('["top"]', '["body"]'), ["a.map: error: loads.top.pressure: no pressure acts on tetrahedra"]),
@@ -396,7 +396,7 @@ REFUSED = [
     (
         SOLID_MAP + '[materials.other]\ngroups = ["body"]\nE = 1\n',
         [
-            "a.map: error: materials.other.groups: elements that have a material already, that of materials.steel: 2, the first is 6"
+            "a.map: error: materials.other.groups: 2 tetrahedra have a material already, that of materials.steel: 6, 7"
         ],
     ),
     (
@@ -425,7 +425,7 @@ def test_refusals(imported, tmp_path, number):
         ('groups = ["rib"]\npressure = 5', "loads.x.pressure: no pressure acts on lines"),
         (
             'groups = ["loose"]\ntraction = [1, 0, 0]',
-            "loads.x.groups: lines that have no material and are no edges of shells: 1, the first is 9",
+            "loads.x.groups: 1 line has no material and is no edge of shells: 9",
         ),
         ('groups = ["foot"]\ntraction = [1, 0, 0]', "loads.x.traction: no traction acts on points"),
     ],
@@ -454,7 +454,5 @@ def test_nodes_of_no_element(imported, tmp_path):
         mesh,
         SOLID_MAP.replace('groups = ["top"]\npressure = 6', 'groups = ["tip"]\neach = [1, 0, 0]'),
     )
-    message = (
-        "a.map: error: loads.top.groups: nodes that belong to no element with a material: 1, the first is 12"
-    )
+    message = "a.map: error: loads.top.groups: 1 node belongs to no element with a material: 12"
     assert (status, err.splitlines()[-1]) == (2, message)

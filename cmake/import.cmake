@@ -26,14 +26,18 @@ if(MORLEN_IMPORT)
   endif()
 endif()
 
-# The launcher is beside the other companions, in the build and where they are installed.
+# In the build the launcher is beside the other companions, with a link to it in python/. The one that is installed finds
+# its package from the folder of programs.
 if(morlen_has_import)
   set(import_folder ${CMAKE_INSTALL_DATADIR}/morlen/python)
+  set(executable FILE_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
   set(MORLEN_IMPORT_PACKAGE ${PROJECT_SOURCE_DIR}/python)
-  set(morlen_import_launcher ${PROJECT_BINARY_DIR}/companions/morlen-import)
-  configure_file(python/morlen-import.in ${morlen_import_launcher} @ONLY
-    FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+  configure_file(python/morlen-import.in ${PROJECT_BINARY_DIR}/companions/morlen-import @ONLY ${executable})
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/python)
+  file(CREATE_LINK ../companions/morlen-import ${PROJECT_BINARY_DIR}/python/morlen-import SYMBOLIC)
   file(RELATIVE_PATH MORLEN_IMPORT_PACKAGE
     /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${import_folder})
-  configure_file(python/morlen-import.in ${PROJECT_BINARY_DIR}/python/morlen-import @ONLY)
+  set(morlen_import_installed ${PROJECT_BINARY_DIR}/installed/morlen-import)
+  configure_file(python/morlen-import.in ${morlen_import_installed} @ONLY ${executable})
 endif()

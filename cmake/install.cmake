@@ -38,7 +38,7 @@ if(morlen_build_mpi)
   set(runtime COMPONENT runtime)
 endif()
 if(morlen_has_import)
-  install(PROGRAMS ${PROJECT_BINARY_DIR}/python/morlen-import
+  install(PROGRAMS ${morlen_import_installed}
     DESTINATION ${CMAKE_INSTALL_BINDIR} ${runtime})
   install(DIRECTORY python/morlen_import DESTINATION ${import_folder} ${runtime}
     FILES_MATCHING PATTERN "*.py")

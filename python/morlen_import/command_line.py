@@ -3,6 +3,7 @@
 import argparse
 import os
 import re
+import signal
 import sys
 from pathlib import Path
 
@@ -10,6 +11,8 @@ from morlen_import import units
 from morlen_import.fault import Fault, Faults
 
 USAGE = "morlen-import MESH MAP -o FILE, or morlen-import MODEL.inp --units LENGTH,FORCE -o FILE"
+
+INTERRUPTED = "morlen-import: interrupted"
 
 
 class _Parser(argparse.ArgumentParser):
@@ -65,24 +68,34 @@ def main(arguments=None, version="0.1.0", programs=()):
     except _Usage as error:
         print(f"morlen-import: {error}\nusage: {USAGE}", file=sys.stderr)
         return 2
+    interrupts = _note_interrupts()
     try:
         _run(options, programs)
+        return 0
     except (Fault, Faults) as error:
-        print("\n".join(error.lines), file=sys.stderr)
-        return 2
+        message = "\n".join(error.lines)
     except MemoryError:
-        print(f"{options.mesh}: error: there is not enough memory for it", file=sys.stderr)
-        return 2
+        message = f"{options.mesh}: error: there is not enough memory for it"
     except KeyboardInterrupt:
-        print("morlen-import: interrupted", file=sys.stderr)
-        return 2
+        message = INTERRUPTED
     except Exception as error:  # a fault of this program: still one message
-        print(
-            f"{options.mesh}: error: internal error, please report it: {type(error).__name__}: {error}",
-            file=sys.stderr,
-        )
-        return 2
-    return 0
+        message = f"{options.mesh}: error: internal error, please report it: {type(error).__name__}: {error}"
+    # An interrupt inside a library may come out of it as another error.
+    print(INTERRUPTED if interrupts else message, file=sys.stderr)
+    return 2
+
+
+def _note_interrupts():
+    """A list that every SIGINT is added to before it becomes a KeyboardInterrupt."""
+    noted = []
+
+    def note(number, _):
+        noted.append(number)
+        raise KeyboardInterrupt
+
+    if signal.getsignal(signal.SIGINT) is signal.default_int_handler:
+        signal.signal(signal.SIGINT, note)
+    return noted
 
 
 def _check_options(options):

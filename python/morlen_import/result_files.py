@@ -1,8 +1,13 @@
-"""Writes the problem file and its cases, and runs morlen-check on it."""
+"""Writes the problem file and its cases, and runs morlen-check on them.
+
+The files are made in a temporary folder beside their targets, checked there, and moved to their names when they have
+no errors.
+"""
 
 import os
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -12,9 +17,18 @@ from morlen_import.case_writer import cases_text
 from morlen_import.fault import Fault, warn
 from morlen_import.writer import problem_text
 
+# A step of an .inp file is a case that no combination uses: no reason for a warning.
+_UNUSED_CASE = ": warning: nothing uses the case "
+_NO_CASES = "this program has been built without files of load cases"
+# Elements and nodes in messages; 'node 2 of the element' is a place in an element.
+_NUMBERS = re.compile(
+    r"\b(element|node|neighbour)s? (\d+)\b(?: and (\d+)\b)?(?! of the element)", re.IGNORECASE
+)
+_MOST_NUMBERS = 6
+
 
 def write(output, model, cases, programs, inputs=()):
-    """Writes the files under temporary names, checks the problem file, and renames them.
+    """Writes and checks the files. After success it ignores SIGINT: an interrupt comes too late.
 
     `programs` are folders to look for morlen-check in, before those of PATH; None: no check. None of the `inputs` is
     written over.
@@ -27,20 +41,22 @@ def write(output, model, cases, programs, inputs=()):
             raise Fault(output, "the problem file needs another ending: its cases are written to this name")
         texts[case_path] = cases_text(path.name, model, cases)
     targets = {name: _target(name, inputs) for name in texts}
-    temporary = {}
+    if len({target.parent for target in targets.values()}) > 1:
+        raise Fault(output, "links of the problem file and of its cases lead to different folders")
     try:
-        for name, text in texts.items():
-            temporary[name] = _write_temporary(targets[name], text)
-        if programs is not None:
-            _check(path, temporary[path], programs)
-        for name, made in temporary.items():
-            os.replace(made, targets[name])
+        with tempfile.TemporaryDirectory(
+            prefix=f".{path.name}.", suffix=".morlen-tmp", dir=targets[path].parent
+        ) as folder:
+            made = {name: Path(folder) / name.name for name in texts}
+            for name, text in texts.items():
+                _write_file(made[name], text, targets[name])
+            if programs is not None:
+                _check(made, model, programs)
+            signal.signal(signal.SIGINT, signal.SIG_IGN)
+            for name in texts:
+                os.replace(made[name], targets[name])
     except OSError as error:
         raise Fault(output, f"cannot be written: {error.strerror or error}") from None
-    finally:
-        for made in temporary.values():
-            if os.path.exists(made):
-                os.unlink(made)
     for name in texts:
         print(f"wrote {name}")
 
@@ -58,20 +74,14 @@ def _target(path, inputs):
     return target
 
 
-def _write_temporary(path, text):
-    handle, name = tempfile.mkstemp(prefix=f".{path.name}.", suffix=".morlen-tmp", dir=path.parent)
-    try:
-        with os.fdopen(handle, "w", encoding="utf-8") as file:
-            file.write(text)
-            file.flush()
-            os.fsync(file.fileno())
-        mask = os.umask(0)
-        os.umask(mask)
-        os.chmod(name, path.stat().st_mode & 0o777 if path.exists() else 0o666 & ~mask)
-    except BaseException:
-        os.unlink(name)
-        raise
-    return name
+def _write_file(path, text, target):
+    """Writes a file with the rights of the one that it replaces."""
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+        file.flush()
+        os.fsync(file.fileno())
+    if target.exists():
+        os.chmod(path, target.stat().st_mode & 0o777)
 
 
 def _find_check(programs):
@@ -82,19 +92,65 @@ def _find_check(programs):
     return shutil.which("morlen-check")
 
 
-def _check(path, temporary, programs):
-    """Runs morlen-check; its errors are those of the import, its warnings are passed on."""
+def _check(made, model, programs):
+    """Runs morlen-check on every file; its errors are those of the import, its warnings are passed on."""
     program = _find_check(programs)
     if not program:
-        warn(path, "not checked: morlen-check is neither beside this program nor on PATH")
+        warn(next(iter(made)), "not checked: morlen-check is neither beside this program nor on PATH")
         return
-    run = subprocess.run([program, temporary], capture_output=True, text=True, errors="replace", check=False)
-    messages = re.sub(re.escape(temporary), lambda _: str(path), run.stderr).rstrip()
+    for path, file in made.items():
+        run = subprocess.run(
+            [program, f"./{file.name}"],
+            cwd=file.parent,
+            capture_output=True,
+            encoding="utf-8",
+            errors="surrogateescape",
+            check=False,
+        )
+        # The check names files without their folders.
+        lines = [_with_folder(line, made) for line in run.stderr.splitlines() if _UNUSED_CASE not in line]
+        _judge(path, model, run, lines)
+
+
+def _with_folder(line, paths):
+    for path in paths:
+        for name in (f"./{path.name}:", f"{path.name}:"):
+            if line.startswith(name):
+                return f"{path}:{line.removeprefix(name)}"
+    return line
+
+
+def _judge(path, model, run, lines):
+    if run.returncode and _NO_CASES in run.stderr:
+        warn(path, "not checked: this morlen-check has been built without files of load cases")
+        return
     if run.returncode == 0:
-        if messages:
-            print(messages, file=sys.stderr)
+        if lines:
+            print("\n".join(lines), file=sys.stderr)
         return
     fault = Fault(path, "morlen-check finds errors in the model, and no file is written")
-    fault.lines = ([messages] if messages else []) + fault.lines
+    fault.lines = lines + fault.lines + _numbers_in_mesh(lines, model)
     fault.lines.append("hint: --no-check writes the file, which has the lines and numbers of these errors")
     raise fault
+
+
+def _numbers_in_mesh(lines, model):
+    """A hint with the numbers that the elements and nodes of messages have in the mesh, where they are others."""
+    if model.numbers is None:
+        return []
+    elements = {}
+    for part in model.parts:
+        elements.update(enumerate(part.numbers.tolist(), part.first))
+    nodes = dict(enumerate(model.numbers.tolist(), 1))
+    found = {}
+    for line in lines:
+        for what, *words in _NUMBERS.findall(line):
+            what = "node" if what.lower() == "node" else "element"
+            for number in map(int, filter(None, words)):
+                own = (nodes if what == "node" else elements).get(number, number)
+                if own != number:
+                    found[f"{what} {number} is {own}"] = None
+    if not found:
+        return []
+    more = ", ..." if len(found) > _MOST_NUMBERS else ""
+    return [f"hint: in {model.source}: {', '.join(list(found)[:_MOST_NUMBERS])}{more}"]

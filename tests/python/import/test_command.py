@@ -2,8 +2,10 @@
 
 import os
 import re
+import signal
 import subprocess
 import sys
+import time
 
 import numpy as np
 import pytest
@@ -155,12 +157,123 @@ def test_errors_of_the_check(imported, folder):
     assert (status, out) == (0, "wrote a.dat\n")
 
 
+FOLDED = """$MeshFormat
+2.2 0 8
+$EndMeshFormat
+$Nodes
+4
+11 0 0 1
+12 2 0 1
+13 2 2 1
+14 0 2 1
+$EndNodes
+$Elements
+3
+5 1 2 1 1 11 12
+17 2 2 6 1 11 12 13
+19 2 2 6 1 11 14 13
+$EndElements
+"""
+FOLDED_MAP = """
+units = { length = "m", force = "kN" }
+[settings]
+ShellFormulation = "Refined"
+[materials.concrete]
+groups = ["2:6"]
+E = 3e7
+nu = 0.2
+G = 1.25e7
+t = 0.2
+[supports.foot]
+groups = ["1:1"]
+flags = "111111"
+"""
+
+
+def test_errors_of_the_check_have_the_numbers_of_the_mesh(imported, folder):
+    (folder / "b.msh").write_text(FOLDED)
+    (folder / "b.map").write_text(FOLDED_MAP)
+    status, _, err = imported("b.msh", "b.map", "-o", "b.dat")
+    assert status == 2 and "error: Elements 1 and 2 have normals in opposite directions" in err
+    assert "hint: in b.msh: element 2 is 19, element 1 is 17" in err.splitlines()
+    (folder / "b.map").write_text(FOLDED_MAP.replace("111111", "001000"))
+    (folder / "b.msh").write_text(FOLDED.replace("11 14 13", "11 13 14"))
+    status, _, err = imported("b.msh", "b.map", "-o", "b.dat")
+    assert status == 2 and "node 1 moves most" in err
+    assert [
+        line for line in err.splitlines() if "node 1 is 11" in line and line.startswith("hint: in b.msh: ")
+    ]
+
+
+def test_no_numbers_where_they_are_equal(imported, folder):
+    same = FOLDED.replace("5 1 2 1 1", "3 1 2 1 1").replace("17 2 2", "1 2 2").replace("19 2 2", "2 2 2")
+    for node in "1234":
+        same = re.sub(rf"\b1{node}\b", node, same)
+    (folder / "b.msh").write_text(same)
+    (folder / "b.map").write_text(FOLDED_MAP)
+    status, _, err = imported("b.msh", "b.map", "-o", "b.dat")
+    assert status == 2 and "Elements 1 and 2 have" in err and "hint: in b.msh" not in err
+
+
+def test_cases_are_checked(imported, build, folder):
+    (folder / "a.inp").write_text(STEPS)
+    status, _, err = imported("a.inp", "--units", "mm,N", "-o", "b.dat")
+    # No combination uses the steps: that is no warning.
+    assert (status, "nothing uses the case" in err, "not checked" in err) == (0, False, False)
+    # A check that knows an error of the cases: none of the files is written.
+    other = folder / "other"
+    other.mkdir()
+    (other / "morlen-check").write_text(
+        f"#!/bin/sh\ncase $1 in *.cases) {build}/companions/morlen-check $1 || exit 9;"
+        ' echo "c.dat:3:1: warning: careful" >&2; echo "$1:7:2: error: wrong" >&2; exit 1;; esac\n'
+    )
+    (other / "morlen-check").chmod(0o755)
+    (folder / "out").mkdir()
+    status, out, err = imported("a.inp", "--units", "mm,N", "-o", "out/c.dat", programs=[other])
+    assert (status, out) == (2, "")
+    assert [line for line in err.splitlines() if "out/c." in line] == [
+        "out/c.dat:3:1: warning: careful",
+        "out/c.cases:7:2: error: wrong",
+        "out/c.cases: error: morlen-check finds errors in the model, and no file is written",
+    ]
+    assert not os.listdir(folder / "out")
+    assert imported("a.inp", "--units", "mm,N", "-o", "out/c.dat", "--no-check", programs=[other])[0] == 0
+
+
+def test_a_check_without_cases(imported, folder):
+    (folder / "a.inp").write_text(STEPS)
+    other = folder / "other"
+    other.mkdir()
+    (other / "morlen-check").write_text(
+        '#!/bin/sh\ncase $1 in *.cases) echo "$1: error: this program has been built without files of load cases" >&2;'
+        " exit 1;; esac\n"
+    )
+    (other / "morlen-check").chmod(0o755)
+    status, _, err = imported("a.inp", "--units", "mm,N", "-o", "b.dat", programs=[other])
+    assert status == 0
+    assert (
+        "b.cases: warning: not checked: this morlen-check has been built without files of load cases\n" in err
+    )
+
+
+def test_links_to_different_folders(imported, folder):
+    (folder / "a.inp").write_text(STEPS)
+    (folder / "there").mkdir()
+    (folder / "b.cases").symlink_to("there/b.cases")
+    status, _, err = imported("a.inp", "--units", "mm,N", "-o", "b.dat")
+    assert (
+        status == 2
+        and "b.dat: error: links of the problem file and of its cases lead to different folders" in err
+    )
+
+
 def test_without_the_check_program(folder, monkeypatch, capsys):
     from morlen_import.command_line import main
 
     monkeypatch.chdir(folder)
     monkeypatch.setenv("PATH", "/nowhere")
     assert main(["a.msh", "a.map", "-o", "a.dat"]) == 0
+    signal.signal(signal.SIGINT, signal.default_int_handler)  # the end of an import ignores it
     assert (
         "a.dat: warning: not checked: morlen-check is neither beside this program nor on PATH"
         in capsys.readouterr().err
@@ -174,22 +287,51 @@ def test_cases_beside_the_model(imported, folder):
     assert not (folder / "c.cases").exists()
 
 
-def test_launcher(build, folder):
-    launcher = build / "companions" / "morlen-import"
-    if not launcher.exists():
+LAUNCHERS = ("companions/morlen-import", "python/morlen-import")
+
+
+@pytest.fixture(params=LAUNCHERS)
+def launcher(build, request):
+    """Starts the program of the build in a folder."""
+    program = build / request.param
+    if not program.exists():
         pytest.skip("morlen-import is not built")
-    environment = {"PATH": "/nowhere", "PYTHONDONTWRITEBYTECODE": "1"}
-    run = subprocess.run(
-        [launcher, "a.msh", "a.map", "-o", "a.dat"],
-        cwd=folder,
-        env=environment,
-        capture_output=True,
-        text=True,
-        check=False,
-    )
-    assert (run.returncode, run.stdout) == (0, "wrote a.dat\n"), run.stderr
-    # morlen-check is beside it.
-    assert "not checked" not in run.stderr
+
+    def start(folder, *arguments):
+        return subprocess.Popen(
+            [program, *arguments],
+            cwd=folder,
+            env={"PATH": "/usr/bin:/bin", "PYTHONDONTWRITEBYTECODE": "1"},
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            text=True,
+        )
+
+    return start
+
+
+def test_launcher(launcher, folder):
+    run = launcher(folder, "a.msh", "a.map", "-o", "a.dat")
+    out, err = run.communicate()
+    assert (run.returncode, out) == (0, "wrote a.dat\n"), err
+    # morlen-check is found.
+    assert "not checked" not in err
+
+
+@pytest.mark.parametrize("delay", [0.0, 0.002, 0.005, 0.01, 0.02, 0.03, 0.05, 0.07, 0.1, 0.15, 0.2, 0.3])
+def test_interrupts(launcher, folder, delay):
+    (folder / "a.msh").write_text(large_mesh(16)[0])
+    run = launcher(folder, "a.msh", "a.map", "-o", "a.dat")
+    # In the first millisecond the program that starts Python dies of the signal, as all programs do.
+    time.sleep(0.003 + delay)
+    run.send_signal(signal.SIGINT)
+    out, err = run.communicate()
+    if run.returncode == 0:
+        assert out == "wrote a.dat\n" and (folder / "a.dat").exists()
+        return
+    assert (run.returncode, out) == (2, "")
+    assert err.splitlines()[-1] == "morlen-import: interrupted" and "Traceback" not in err
+    assert sorted(os.listdir(folder)) == ["a.inp", "a.map", "a.msh"]
 
 
 def large_mesh(parts):

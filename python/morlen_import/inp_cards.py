@@ -5,6 +5,7 @@ has parameters of the keyword; before other lines the comma has no meaning. *INC
 may hold cards, or data of the card before it.
 """
 
+import codecs
 import os
 import re
 from dataclasses import dataclass, field
@@ -29,13 +30,14 @@ _PARAMETERS = {
     "ELEMENT": ("TYPE", "ELSET"),
     "NSET": ("NSET", "ELSET", *_SET),
     "ELSET": ("ELSET", *_SET),
-    "SURFACE": ("NAME", "TYPE"),
+    "SURFACE": ("NAME", "TYPE", "INTERNAL"),
     "MATERIAL": ("NAME",),
     "ELASTIC": ("TYPE",),
     "DENSITY": (),
     "SOLID SECTION": ("ELSET", "MATERIAL"),
     "SHELL SECTION": ("ELSET", "MATERIAL"),
-    "BEAM SECTION": ("ELSET", "MATERIAL", "SECTION"),
+    # TEMPERATURE says how temperatures are given, which are not read.
+    "BEAM SECTION": ("ELSET", "MATERIAL", "SECTION", "TEMPERATURE"),
     "BOUNDARY": ("OP", "TYPE"),
     "STEP": ("NLGEOM", "NAME", "INC", "AMPLITUDE", "UNSYMM", "PERTURBATION"),
     "STATIC": ("SOLVER", "DIRECT"),
@@ -108,7 +110,7 @@ def read_cards(path, read_file):
 
 
 def _read_into(cards, path, read_file, outer):
-    data = read_file(path)
+    data = read_file(path).removeprefix(codecs.BOM_UTF8)
     marks = list(_STAR.finditer(data))
     text = bytearray(data.translate(_WHITE))
     for mark in marks:

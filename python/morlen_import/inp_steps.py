@@ -200,16 +200,20 @@ class StepReader:
         return self._find(card, path, line, word, "element", source.element_sets, source.find_elements)
 
     def _find(self, card, path, line, word, what, sets, finder):
-        number = numbers.whole_of(word)
-        if number is not None:
-            found = finder(np.array([number]))
-            if found[0] >= 0:
-                return found
-            raise card.fault(f"there is no {what} {number}", line, path)
         name = word.strip('"')
+        number = numbers.whole_of(word)
+        hint = None
+        if number is not None:
+            if name in sets:
+                hint = f'{number} is the number of a {what}; the set of this name is written "{name}"'
+            found = finder(np.array([number]))
+            if found[0] < 0:
+                raise card.fault(f"there is no {what} {number}", line, path, hint)
+            if hint:
+                self._warn_once(card, hint, line)
+            return found
         if name in sets:
             return sets.members(name, finder)
-        hint = None
         if what == "node" and name in self._source.element_sets:
             hint = f"{shown(word)} is a set of elements: *NSET, NSET=name, ELSET={shown(word)} makes a set of its nodes"
         raise card.fault(f"there is no {what} or set of {what}s {shown(word)}", line, path, hint)
@@ -316,8 +320,11 @@ class StepReader:
         for path, line, fields in card.rows():
             if len(fields) < 2:
                 raise card.fault("a line has an element or a set, a kind of load and its values", line, path)
-            elements = self._loaded(card, path, line, self._elements(card, path, line, fields[0]))
             label = fields[1].upper()
+            if label == "GRAV" and not fields[0]:
+                elements = np.flatnonzero(self._has_section)  # without a set: the whole model
+            else:
+                elements = self._loaded(card, path, line, self._elements(card, path, line, fields[0]))
             if label == "GRAV":
                 self._add_gravity(card, path, line, elements, fields[2:])
             else:

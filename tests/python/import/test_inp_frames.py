@@ -159,7 +159,7 @@ def test_shapes(imported, build, tmp_path, section, second_moments, torsion):
 
 
 @pytest.mark.parametrize("kind", ["B31", "B32"])
-@pytest.mark.parametrize("elements", ["B", "1"])
+@pytest.mark.parametrize("elements", ["B", "1", ""])
 def test_weight(imported, build, tmp_path, kind, elements):
     step = f"*DLOAD\n{elements}, GRAV, 9810., 0, 0, -3\n"
     got = moved(imported, build, tmp_path, cantilever(RECT, (1, 0, 0), kind, "0, 1, 0", step))

@@ -95,6 +95,11 @@ SAME = {
         lambda t: t.replace("NSET=FEET\n1, 2, 3", "NSET=FEET, GENERATE\n1, 3, 2\n2, 2, 1")
     ),
     "a set that grows": (lambda t: t.replace("1, 2, 3\n*MAT", "1\n*NSET, NSET=feet\n2, 3\n*MAT")),
+    "a mark of the order of bytes": (lambda t: "\ufeff" + t),
+    "an internal set": (lambda t: t.replace("NSET=FEET", "NSET=FEET, INTERNAL")),
+    "a set with a number for a name": (
+        lambda t: t.replace("NSET=FEET\n", "NSET=7\n").replace("FEET, 1, 3", '"7", 1, 3')
+    ),
     "output requests": (
         lambda t: t.replace(
             "*END STEP",
@@ -306,6 +311,117 @@ def test_rotations_of_solids(imported, tmp_path, held):
     warning = "a.inp:19: warning: nodes of solids have no rotations: components 4 to 6 are left out\n"
     assert (status, err) == (0, warning)
     assert (tmp_path / "a.dat").read_text() == plain
+
+
+def test_sets_with_numbers_for_names(imported, tmp_path):
+    # The number of a node comes first; nothing is said of a set in quotation marks.
+    text = BASE.replace("NSET=FEET\n1, 2, 3", "NSET=2\n1, 2, 3")
+    for old, held, said in (
+        ('"2", 1, 3', ["1", "2", "3"], ""),
+        (
+            "2, 1, 3",
+            ["2"],
+            'a.inp:19: warning: 2 is the number of a node; the set of this name is written "2"\n',
+        ),
+    ):
+        status, _, err = run(imported, tmp_path, text.replace("FEET, 1, 3", old), "--no-check")
+        assert (status, err) == (0, said)
+        written = (tmp_path / "a.dat").read_text()
+        assert [row[0] for row in block_rows(written, "constraints")] == held
+    text = BASE.replace("NSET=FEET\n1, 2, 3", "NSET=77\n1, 2, 3").replace("FEET, 1, 3", "77, 1, 3")
+    assert run(imported, tmp_path, text)[2].splitlines() == [
+        "a.inp:19: error: *BOUNDARY: there is no node 77",
+        'hint: 77 is the number of a node; the set of this name is written "77"',
+    ]
+
+
+def test_gravity_of_the_whole_model(imported, tmp_path):
+    text = TWO.replace("*SOLID", "*DENSITY\n8e-9\n*SOLID")
+    written = [
+        accepted(
+            imported, tmp_path, text.replace("*CLOAD\n5, 3, -4.", f"*DLOAD\n{name}, GRAV, 9810., 0, 0, -1")
+        )
+        for name in ("BODY", "")
+    ]
+    # Element 30 has no section, and no weight.
+    assert written[0] == written[1] and "GravityDirection 0 0 -1\n" in written[0]
+    status, _, err = run(imported, tmp_path, text.replace("*CLOAD\n5, 3, -4.", "*DLOAD\n, P1, 3."))
+    assert status == 2 and "*DLOAD: there is no element or set of elements" in err
+
+
+DECK = """*Heading
+** Job name: bracket  Model name: Model-1
+*Preprint, echo=NO, model=NO, history=NO, contact=NO
+**
+*Node, nset=ALL
+*Include, input=parts/nodes.inc
+*Element, type=C3D10,
+Elset=Eall
+*Include, input=parts/elements.inc
+*Nset, nset=_PickedSet4, internal, generate
+ 1, 5, 2
+*Nset, nset="Held nodes"
+ 4, _PickedSet4
+*Elset, elset=_Face_S3, internal, generate
+ 1, 1, 1
+*Surface, type=ELEMENT, name=Face, internal
+_Face_S3, S3
+*Material, name=Steel-1
+*Density
+ 7.85e-09,
+*Elastic,
+ 210000., 0.3
+*Solid Section, elset=Eall, material=Steel-1
+,
+*Boundary
+"Held nodes", ENCASTRE
+*Step, name=Step-1, nlgeom=NO, inc=1000
+pull
+*Static
+1., 1., 1e-05, 1.
+*Cload
+2, 1, 1000.
+*Dload
+, GRAV, 9810., 0., 0., -1.
+*Dsload
+Face, P, 2.
+*Restart, write, frequency=0
+*Output, field, variable=PRESELECT
+*Output, history,
+variable=PRESELECT
+*End Step
+"""
+NODES = """1, 0., 0., 0.
+2, 100., 0., 0.
+3, 0., 80., 0.
+** comments and nested files
+*INCLUDE, INPUT=more/rest.inc
+"""
+REST = "4,,,60.\n5,50.\n6,50.,40.\n7,,40.\n8,,,30.\n9,5.d1,,30.\n10,,40.,30."
+
+
+@pytest.mark.parametrize("end", ["\n", "\r\n"])
+def test_a_deck_as_other_programs_write_it(imported, tmp_path, end):
+    (tmp_path / "parts" / "more").mkdir(parents=True)
+    files = {
+        "parts/nodes.inc": NODES,
+        "parts/more/rest.inc": REST,
+        "parts/elements.inc": "1, 1,\t2, 3, 4, 5, 6,\n** inside an element\n 7, 8, 9, 10\n",
+        "a.inp": DECK,
+    }
+    for name, text in files.items():
+        (tmp_path / name).write_text(text.replace("\n", end), newline="")
+    status, _, err = imported("a.inp", "--units", "mm,N", "-o", "a.dat")
+    warning = "nodes of solids have no rotations: components 4 to 6 are left out"
+    assert (status, re.findall(r"(?m)^a.inp:\d+: (.*)", err)) == (0, [f"warning: {warning}"]), err
+    written = (tmp_path / "a.dat").read_text()
+    assert [row[0] for row in block_rows(written, "constraints")] == ["1", "3", "4", "5"]
+    # S3 has the corners 2, 4, 3.
+    element, side, *values = block_rows(written, "local_pressure_loads")[0]
+    assert (element, side, values) == ("1", "1", ["0", "0", "-2"])
+    np.testing.assert_allclose(coordinates(written)[[3, 8]], [[0, 0, 60], [50, 0, 30]])
+    assert "GravityDirection 0 0 -1\n" in written
+    assert [row[:3] for row in block_rows(written, "nodal_point_loads")] == [["2", "1000", "0"]]
 
 
 def test_hint_on_a_set_of_elements(imported, tmp_path):

@@ -37,6 +37,10 @@ done
 find "$work/libmorlen-dev" -name morlenConfig.cmake | grep -q . || fail "no package for CMake"
 [ -z "$(find "$work/morlen" -name '*.h' -o -name '*.a')" ] || fail "headers among the programs"
 
+case " $* " in
+  *" morlen-import "*) "$work/morlen/usr/bin/morlen-import" --version >/dev/null || fail "morlen-import does not start" ;;
+esac
+
 cp "$work/morlen/usr/share/doc/morlen/examples/portal_frame.dat" "$work"
 (cd "$work" && morlen/usr/bin/morlen portal_frame.dat portal_frame.txt)
 grep -q "^2  0.00912" "$work/portal_frame.txt" || fail "the packed program computes something else"

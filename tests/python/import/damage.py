@@ -107,6 +107,7 @@ def make_sources(folder):
     from small_meshes import SHELL, SHELL_MAP, SOLID, SOLID_MAP
     from test_inp_frames import MATERIAL, RECT, cantilever, SHELL as SHELL_DECK
     from test_inp_rules import STEPS
+    from test_msh import ENTITIES, PARAMETRIC, PLACES, parametric22
 
     sources = []
     for number in (0, 2, 8):
@@ -116,6 +117,8 @@ def make_sources(folder):
         for form, path in gmsh_models.make_files(model, own).items():
             sources.append((path.name, path.read_bytes(), gmsh_models.map_text(model, form).encode()))
     sources.append(("small.msh", SOLID.encode(), SOLID_MAP.encode()))
+    for number, mesh in enumerate((PARAMETRIC.encode(), parametric22(PLACES, ENTITIES))):
+        sources.append((f"parametric{number}.msh", mesh, SOLID_MAP.encode()))
     sources.append(("shell.msh", SHELL.encode(), SHELL_MAP.encode()))
     decks = [
         STEPS,

@@ -5,11 +5,11 @@ closed forms.
 """
 
 import re
-import subprocess
 from dataclasses import dataclass
 
 import numpy as np
 import pytest
+from gmsh_runs import run_gmsh
 
 FORMS = ("22.msh", "22b.msh", "41.msh", "41b.msh", "vtk", "inp", "med", "vtu")
 _GMSH = {
@@ -97,6 +97,14 @@ def _roof(r, xyz):
     _near(r.reaction_sum(), [0, 0, 1.5 * np.pi * 1.0 * 3], 0.03)
 
 
+BEAM = """
+E = 1e6
+G = 4e5
+A = 0.01
+Iy = 2e-4
+Iz = 1e-4
+J = 1e-4
+"""
 SOLID = 'SetFactory("OpenCASCADE");\n'
 
 MODELS = [
@@ -270,13 +278,9 @@ Physical Curve("beam", 4) = {1}; Physical Point("foot", 5) = {1};
 units = { length = "m", force = "kN" }
 [materials.beam]
 groups = ["{1:beam}"]
-E = 1e6
-G = 4e5
-A = 0.01
-Iy = 2e-4
-Iz = 1e-4
-J = 1e-4
-[supports.foot]
+"""
+        + BEAM
+        + """[supports.foot]
 groups = ["{0:foot}"]
 flags = "111111"
 [loads.floor]
@@ -298,13 +302,9 @@ Physical Point("ends", 6) = {1,3}; Physical Point("middle", 7) = {2};
 units = { length = "m", force = "kN" }
 [materials.beam]
 groups = ["{1:west}", "{1:east}"]
-E = 1e6
-G = 4e5
-A = 0.01
-Iy = 2e-4
-Iz = 1e-4
-J = 1e-4
-[hinges.joint]
+"""
+        + BEAM
+        + """[hinges.joint]
 groups = ["{1:west}"]
 code = "10"
 [supports.ends]
@@ -410,19 +410,12 @@ def map_text(model, form):
 def make_files(model, folder):
     """All files of a model by their form."""
     (folder / "model.geo").write_text(model.geo)
-    _gmsh(folder, "model.geo", "-3", "-order", str(model.order), *_GMSH["41.msh"], "-o", "mesh.41.msh")
+    run_gmsh(folder, "model.geo", "-3", "-order", str(model.order), *_GMSH["41.msh"], "-o", "mesh.41.msh")
     for form, options in _GMSH.items():
         if form != "41.msh":
-            _gmsh(folder, "mesh.41.msh", "-save", *options, "-o", f"mesh.{form}")
+            run_gmsh(folder, "mesh.41.msh", "-save", *options, "-o", f"mesh.{form}")
     _by_meshio(folder, group_numbers(model.geo))
     return {form: folder / f"mesh.{form}" for form in FORMS}
-
-
-def _gmsh(folder, *arguments):
-    run = subprocess.run(
-        ["gmsh", *arguments, "-v", "1", "-nopopup"], cwd=folder, capture_output=True, text=True, check=False
-    )
-    assert run.returncode == 0 and "Error" not in run.stdout + run.stderr, run.stdout + run.stderr
 
 
 def _by_meshio(folder, numbers):

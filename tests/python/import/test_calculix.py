@@ -14,11 +14,12 @@ import tomllib
 
 import numpy as np
 import pytest
+from gmsh_runs import NEEDS_GMSH, run_gmsh
 from solved import Results, solve
 
 pytestmark = [
     pytest.mark.skipif(not shutil.which("ccx"), reason="ccx is not installed"),
-    pytest.mark.skipif(not shutil.which("gmsh"), reason="gmsh is not installed"),
+    NEEDS_GMSH,
 ]
 
 GEO = """
@@ -67,11 +68,7 @@ class Deck:
 
     def __init__(self, folder, order):
         (folder / "two.geo").write_text(GEO)
-        subprocess.run(
-            ["gmsh", "-3", "-order", str(order), "two.geo", "-format", "inp", "-o", "two.inp", "-v", "1"],
-            cwd=folder,
-            check=True,
-        )
+        run_gmsh(folder, "-3", "-order", str(order), "two.geo", "-format", "inp", "-o", "two.inp")
         # Not the lines and triangles, which CalculiX would want sections for.
         cards = re.split(r"(?m)^(?=\*[A-Za-z])", (folder / "two.inp").read_text())
         kept = [

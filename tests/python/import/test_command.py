@@ -215,19 +215,27 @@ def test_no_numbers_where_they_are_equal(imported, folder):
     assert status == 2 and "Elements 1 and 2 have" in err and "hint: in b.msh" not in err
 
 
+def check_of_cases(folder, commands):
+    """A folder with a morlen-check that runs shell commands for files of cases, and finds no errors in others."""
+    other = folder / "other"
+    other.mkdir()
+    program = other / "morlen-check"
+    program.write_text(f"#!/bin/sh\ncase $1 in *.cases) {commands};; esac\n")
+    program.chmod(0o755)
+    return other
+
+
 def test_cases_are_checked(imported, build, folder):
     (folder / "a.inp").write_text(STEPS)
     status, _, err = imported("a.inp", "--units", "mm,N", "-o", "b.dat")
     # No combination uses the steps: that is no warning.
     assert (status, "nothing uses the case" in err, "not checked" in err) == (0, False, False)
     # A check that knows an error of the cases: none of the files is written.
-    other = folder / "other"
-    other.mkdir()
-    (other / "morlen-check").write_text(
-        f"#!/bin/sh\ncase $1 in *.cases) {build}/companions/morlen-check $1 || exit 9;"
-        ' echo "c.dat:3:1: warning: careful" >&2; echo "$1:7:2: error: wrong" >&2; exit 1;; esac\n'
+    other = check_of_cases(
+        folder,
+        f"{build}/companions/morlen-check $1 || exit 9;"
+        ' echo "c.dat:3:1: warning: careful" >&2; echo "$1:7:2: error: wrong" >&2; exit 1',
     )
-    (other / "morlen-check").chmod(0o755)
     (folder / "out").mkdir()
     status, out, err = imported("a.inp", "--units", "mm,N", "-o", "out/c.dat", programs=[other])
     assert (status, out) == (2, "")
@@ -242,13 +250,8 @@ def test_cases_are_checked(imported, build, folder):
 
 def test_a_check_without_cases(imported, folder):
     (folder / "a.inp").write_text(STEPS)
-    other = folder / "other"
-    other.mkdir()
-    (other / "morlen-check").write_text(
-        '#!/bin/sh\ncase $1 in *.cases) echo "$1: error: this program has been built without files of load cases" >&2;'
-        " exit 1;; esac\n"
-    )
-    (other / "morlen-check").chmod(0o755)
+    text = "this program has been built without files of load cases"
+    other = check_of_cases(folder, f'echo "$1: error: {text}" >&2; exit 1')
     status, _, err = imported("a.inp", "--units", "mm,N", "-o", "b.dat", programs=[other])
     assert status == 0
     assert (
@@ -334,6 +337,12 @@ def test_interrupts(launcher, folder, delay):
     assert sorted(os.listdir(folder)) == ["a.inp", "a.map", "a.msh"]
 
 
+def _triangles(flat):
+    """Two triangles in every square of a table of nodes."""
+    a, b, c, d = (part.ravel() for part in (flat[:-1, :-1], flat[1:, :-1], flat[1:, 1:], flat[:-1, 1:]))
+    return np.concatenate([np.column_stack([a, b, c]), np.column_stack([a, c, d])])
+
+
 def large_mesh(parts):
     """A cube of parts^3 cubes of six tetrahedra each as .msh 2.2, its six sides as triangles of the group 'skin'."""
     n = parts + 1
@@ -354,12 +363,7 @@ def large_mesh(parts):
             row.append(shifted(offset))
         tets.append(np.column_stack(row))
     tets = np.concatenate(tets) + 1
-    flat = corner[:, :, -1] + 1
-    a, b, c, d = (flat[:-1, :-1].ravel(), flat[1:, :-1].ravel(), flat[1:, 1:].ravel(), flat[:-1, 1:].ravel())
-    top = np.concatenate([np.column_stack([a, b, c]), np.column_stack([a, c, d])])
-    flat = corner[:, :, 0] + 1
-    a, b, c, d = (flat[:-1, :-1].ravel(), flat[1:, :-1].ravel(), flat[1:, 1:].ravel(), flat[:-1, 1:].ravel())
-    foot = np.concatenate([np.column_stack([a, b, c]), np.column_stack([a, c, d])])
+    foot, top = (_triangles(corner[:, :, k] + 1) for k in (0, -1))
     rows = [f"{k} 2 2 2 1 {p} {q} {r}" for k, (p, q, r) in enumerate(foot.tolist(), 1)]
     rows += [f"{k} 2 2 3 1 {p} {q} {r}" for k, (p, q, r) in enumerate(top.tolist(), 1 + len(rows))]
     rows += [f"{k} 4 2 5 1 {p} {q} {r} {s}" for k, (p, q, r, s) in enumerate(tets.tolist(), 1 + len(rows))]

@@ -1,12 +1,10 @@
 """A sample of damaged files; damage.py makes any number of them."""
 
-import shutil
-
 import damage
-import pytest
+from gmsh_runs import NEEDS_GMSH
 
 
-@pytest.mark.skipif(not shutil.which("gmsh"), reason="gmsh is not installed")
+@NEEDS_GMSH
 def test_damaged_files(build, tmp_path):
     (tmp_path / "sources").mkdir()
     (tmp_path / "work").mkdir()

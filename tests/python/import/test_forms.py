@@ -1,13 +1,12 @@
 """Ten models, each in all forms: closed forms, and the same displacements from every form."""
 
-import shutil
-
 import numpy as np
 import pytest
 from gmsh_models import FORMS, MODELS, make_files, map_text
+from gmsh_runs import NEEDS_GMSH
 from solved import coordinates, solve
 
-pytestmark = pytest.mark.skipif(not shutil.which("gmsh"), reason="gmsh is not installed")
+pytestmark = NEEDS_GMSH
 
 
 @pytest.fixture(scope="module", params=MODELS, ids=lambda model: model.name.replace(" ", "-"))

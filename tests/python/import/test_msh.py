@@ -392,34 +392,30 @@ def test_offsets_of_binary_files():
     )
 
 
-def test_wrong_order_of_middle_nodes():
-    corners = np.array([[0, 0, 0], [1, 0, 0], [0, 1, 0], [0, 0, 1]], dtype=float)
+def tetrahedron_of_ten(corners, order=range(6)):
+    """A file with one tetrahedron of second order, its middle nodes in an order of the edges."""
+    corners = np.array(corners, dtype=float)
     edges = [(0, 1), (1, 2), (2, 0), (3, 0), (2, 3), (1, 3)]  # the order of .msh
-    for order, is_right in (([0, 1, 2, 3, 4, 5], True), ([0, 1, 2, 3, 5, 4], False)):
-        nodes = list(corners) + [0.5 * (corners[edges[k][0]] + corners[edges[k][1]]) for k in order]
-        text = "$MeshFormat\n2.2 0 8\n$EndMeshFormat\n$Nodes\n10\n"
-        text += "".join(f"{k + 1} {x} {y} {z}\n" for k, (x, y, z) in enumerate(nodes))
-        text += "$EndNodes\n$Elements\n1\n1 11 2 1 1 1 2 3 4 5 6 7 8 9 10\n$EndElements\n"
-        if is_right:
-            cells = read_msh("a.msh", text.encode()).cells["tet10"]
-            assert cells.nodes.tolist() == [[0, 1, 2, 3, 4, 5, 6, 7, 9, 8]]
-            continue
-        with pytest.raises(Fault) as error:
-            read_msh("a.msh", text.encode())
-        assert (
-            "element 1, a tetrahedron of ten nodes: its middle nodes are not on its edges"
-            in error.value.lines[0]
-        )
-
-
-def test_turned_tetrahedra_of_second_order():
-    corners = np.array([[0, 0, 0], [0, 1, 0], [1, 0, 0], [0, 0, 1]], dtype=float)
-    edges = [(0, 1), (1, 2), (2, 0), (3, 0), (2, 3), (1, 3)]  # the order of .msh
-    nodes = list(corners) + [0.5 * (corners[a] + corners[b]) for a, b in edges]
+    nodes = list(corners) + [0.5 * (corners[edges[k][0]] + corners[edges[k][1]]) for k in order]
     text = "$MeshFormat\n2.2 0 8\n$EndMeshFormat\n$Nodes\n10\n"
     text += "".join(f"{k + 1} {x} {y} {z}\n" for k, (x, y, z) in enumerate(nodes))
     text += "$EndNodes\n$Elements\n1\n1 11 2 1 1 1 2 3 4 5 6 7 8 9 10\n$EndElements\n"
-    mesh = read_msh("a.msh", text.encode())
+    return text.encode()
+
+
+def test_wrong_order_of_middle_nodes():
+    corners = [[0, 0, 0], [1, 0, 0], [0, 1, 0], [0, 0, 1]]
+    cells = read_msh("a.msh", tetrahedron_of_ten(corners)).cells["tet10"]
+    assert cells.nodes.tolist() == [[0, 1, 2, 3, 4, 5, 6, 7, 9, 8]]
+    with pytest.raises(Fault) as error:
+        read_msh("a.msh", tetrahedron_of_ten(corners, [0, 1, 2, 3, 5, 4]))
+    assert (
+        "element 1, a tetrahedron of ten nodes: its middle nodes are not on its edges" in error.value.lines[0]
+    )
+
+
+def test_turned_tetrahedra_of_second_order():
+    mesh = read_msh("a.msh", tetrahedron_of_ten([[0, 0, 0], [0, 1, 0], [1, 0, 0], [0, 0, 1]]))
     [row] = mesh.cells["tet10"].nodes
     a, b, c, d = mesh.places[row[:4]]
     assert np.linalg.det([b - a, c - a, d - a]) > 0

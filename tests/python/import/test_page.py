@@ -1,12 +1,10 @@
 """The examples of docs/import.md."""
 
 import re
-import shutil
-import subprocess
 
 import numpy as np
-import pytest
 from conftest import TOP
+from gmsh_runs import NEEDS_GMSH, run_gmsh
 from solved import coordinates, solve
 
 PAGE = (TOP / "docs" / "import.md").read_text(encoding="utf-8")
@@ -17,12 +15,12 @@ def blocks(language):
     return [text for name, text in re.findall(r"(?ms)^```(\w*)\n(.*?)^```$", PAGE) if name == language]
 
 
-@pytest.mark.skipif(not shutil.which("gmsh"), reason="gmsh is not installed")
+@NEEDS_GMSH
 def test_console(imported, build, tmp_path):
     (tmp_path / "console.geo").write_text(blocks("geo")[0])
     (tmp_path / "console.map").write_text(blocks("toml")[0])
     mesh, own, _ = blocks("sh")[0].splitlines()
-    subprocess.run([*mesh.split(), "-v", "1"], cwd=tmp_path, check=True)
+    run_gmsh(tmp_path, *mesh.split()[1:])
     assert imported(*own.split()[1:])[0] == 0
     text = (tmp_path / "console.dat").read_text()
     assert "local_pressure_loads\n# loads.floor: element, side, three values\n" in text

@@ -80,7 +80,7 @@ def read_map(path, data):
 
 def _parse(path, data):
     try:
-        text = data.decode("utf-8")
+        text = data.decode("utf-8-sig")
     except UnicodeDecodeError as error:
         line = data.count(b"\n", 0, error.start) + 1
         raise Fault(path, "the text is not UTF-8", line=line) from None

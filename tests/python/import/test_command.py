@@ -321,6 +321,23 @@ def test_launcher(launcher, folder):
     assert "not checked" not in err
 
 
+def test_a_missing_package(build, folder):
+    launcher = build / "companions" / "morlen-import"
+    if not launcher.exists():
+        pytest.skip("morlen-import is not built")
+    (folder / "numpy.py").write_text("raise ModuleNotFoundError('gone', name='numpy')")
+    run = subprocess.run(
+        [launcher, "a.msh", "a.map", "-o", "a.dat"],
+        cwd=folder,
+        env=os.environ | {"PYTHONPATH": str(folder)},
+        capture_output=True,
+        text=True,
+        check=False,
+    )
+    said = "morlen-import: numpy is not installed (Debian package python3-numpy)\n"
+    assert (run.returncode, run.stdout, run.stderr) == (2, "", said)
+
+
 @pytest.mark.parametrize("delay", [0.0, 0.002, 0.005, 0.01, 0.02, 0.03, 0.05, 0.07, 0.1, 0.15, 0.2, 0.3])
 def test_interrupts(launcher, folder, delay):
     (folder / "a.msh").write_text(large_mesh(16)[0])

@@ -42,6 +42,11 @@ def test_solid(imported, build, tmp_path):
     )
 
 
+def test_a_map_with_a_mark_of_the_order_of_bytes(imported, tmp_path):
+    plain = accepted(imported, tmp_path, SOLID, SOLID_MAP)
+    assert accepted(imported, tmp_path, SOLID, "\ufeff" + SOLID_MAP) == plain
+
+
 def test_unused_parts_are_listed(imported, tmp_path):
     err = run(imported, tmp_path, SOLID, SOLID_MAP)[2]
     assert err.splitlines() == [

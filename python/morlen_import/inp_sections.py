@@ -49,7 +49,7 @@ class Section:
     n1: tuple = (0.0, 0.0, -1.0)
 
     def mass_factor(self):
-        """What a weight per volume is multiplied with: 1, the thickness or the area."""
+        """Volume per size of the element: 1 for solids, the thickness of shells, the area of beams."""
         if self.card.keyword == "SHELL SECTION":
             return self.shape["t"]
         if self.card.keyword == "BEAM SECTION":

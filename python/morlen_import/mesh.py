@@ -260,7 +260,7 @@ def turn_tetrahedra(mesh):
 
 
 def check_middles(mesh):
-    """Refuses an order of middle nodes that fits most cells of a kind less well than another one."""
+    """Refuses middle nodes that, in most cells of a kind, are nearer to other edges than to their own."""
     for kind, edges in EDGES.items():
         if kind not in mesh.cells or not len(mesh.cells[kind].nodes):
             continue
@@ -272,7 +272,7 @@ def check_middles(mesh):
             raise Fault(
                 mesh.path,
                 f"element {cells.numbers[rows[0]]}, a {KINDS[kind].name}: its middle nodes are not"
-                f" on its edges, and so in {len(rows)} of {len(wrong)} such elements. Their order must be another",
+                f" on its edges. {len(rows)} of {len(wrong)} such elements have them in a wrong order",
             )
         if len(rows):
             warn(

@@ -121,6 +121,7 @@ def _with_folder(line, paths):
 
 
 def _judge(path, model, run, lines):
+    """Raises the fault of a file with errors; prints warnings. `lines` are the messages of the check."""
     if run.returncode and _NO_CASES in run.stderr:
         warn(path, "not checked: this morlen-check has been built without files of load cases")
         return

@@ -112,7 +112,7 @@ def _materials(model):
 
 
 def supports_text(supports, block):
-    """A block of supports; rows with equal labels stand together under their label."""
+    """A block of supports; rows with equal labels are together under their label."""
     labels, group = np.unique(supports.labels.astype(str), return_inverse=True)
     order = np.argsort([int(supports.nodes[group == k][0]) for k in range(len(labels))])
     count = supports.flags.shape[1]

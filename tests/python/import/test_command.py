@@ -342,16 +342,19 @@ def test_a_missing_package(build, folder):
 def test_interrupts(launcher, folder, delay):
     (folder / "a.msh").write_text(large_mesh(16)[0])
     run = launcher(folder, "a.msh", "a.map", "-o", "a.dat")
-    # In the first millisecond the program that starts Python dies of the signal, as all programs do.
     time.sleep(0.003 + delay)
     run.send_signal(signal.SIGINT)
     out, err = run.communicate()
     if run.returncode == 0:
         assert out == "wrote a.dat\n" and (folder / "a.dat").exists()
         return
+    assert sorted(os.listdir(folder)) == ["a.inp", "a.map", "a.msh"]
+    if run.returncode == -signal.SIGINT and delay < 0.01:
+        # On a busy machine the program that starts Python has not blocked the signal yet, and dies of it.
+        assert (out, err) == ("", "")
+        return
     assert (run.returncode, out) == (2, "")
     assert err.splitlines()[-1] == "morlen-import: interrupted" and "Traceback" not in err
-    assert sorted(os.listdir(folder)) == ["a.inp", "a.map", "a.msh"]
 
 
 def _triangles(flat):

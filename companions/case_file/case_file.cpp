@@ -46,7 +46,7 @@ std::vector<Entry> EntriesOf(const toml::table& table)
   return entries;
 }
 
-/// Reads the tables of a file and collects what is wrong in them.
+/// Converts the parsed tables of a file into a CaseFile. Errors and unknown keys go to Problems.
 class Reader
 {
 public:

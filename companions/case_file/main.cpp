@@ -17,6 +17,7 @@
 #include "cases/solved_cases.h"
 #include "common/atomic_file.h"
 #include "common/command_line.h"
+#include "common/source_files.h"
 #include "common/tables.h"
 #include "export/csv.h"
 #include "export/json.h"
@@ -63,7 +64,8 @@ void Declare(CLI::App& app, Options& options)
   app.footer("Exit status: 0, also with warnings, or 2 when something is wrong.");
 }
 
-/// True for names of the files of one result. Tables have names of their own in the middle.
+/// True for the name of a file that the case, combination or envelope called `result` may get. A
+/// table has its name between that of the result and the ending: "ULS.reactions.csv".
 bool IsResult(const std::string& file, const std::string& result)
 {
   constexpr const char* kEndings[] = {".txt", ".morlen.res", ".vtu", ".json", ".csv"};
@@ -83,14 +85,12 @@ void SpareInputs(const cases::Study& study, const cases::Selection& selection,
   for (const int index : selection.envelopes)
     results.push_back(cases::FileNameOf(study.envelopes[index].name));
   for (const fs::path& input : study.inputs) {
-    std::error_code absent;
     const std::string name = input.filename().string();
-    if (!fs::equivalent(fs::absolute(input).parent_path(), folder, absent))
-      continue;
     if (name == collection || std::any_of(results.begin(), results.end(), [&](const auto& result) {
           return IsResult(name, result);
         }))
-      Fatal("error: ", input.string(), " is an input, and a result of its name would replace it\n");
+      RefuseInputs(folder / name, study.inputs,
+                   "a result would have its name; -o names another folder for the results");
   }
 }
 

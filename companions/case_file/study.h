@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <span>
 #include <string>
@@ -12,11 +13,11 @@
 
 namespace morlen::cases {
 
-/// An envelope, with what it contains.
+/// An envelope and its members: the cases and combinations over which the extremes are taken.
 struct Envelope
 {
   std::string name;
-  std::vector<int> members;  ///< of Study::combinations, ascending
+  std::vector<int> members;  ///< places in Study::combinations, ascending
 };
 
 /// A file of load cases with its model and all loads, ready to be solved.

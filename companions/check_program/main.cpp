@@ -11,6 +11,7 @@
 #include "check/check.h"
 #include "common/command_line.h"
 #include "common/file_text.h"
+#include "common/source_files.h"
 
 using namespace morlen;
 
@@ -51,7 +52,7 @@ std::optional<check::FileReport> ReportOn(const std::string& file)
 {
   if (const std::optional<std::string> text = TextOf(file))
     return check::FileReport{
-        file, cases::IsCaseFile(file) ? cases::CheckCases(file, *text) : check::CheckText(*text)};
+        file, IsCaseFile(file) ? cases::CheckCases(file, *text) : check::CheckText(*text)};
   std::error_code fault;
   const bool folder = fs::is_directory(file, fault);
   std::cerr << "can't read file " << file << (folder ? ": it is a folder" : "") << "\n";

@@ -6,7 +6,7 @@
 
 #include "base/errorwriter.h"
 #include "base/unfinished_files.h"
-#include "problem/problem_file.h"
+#include "common/source_files.h"
 
 namespace morlen {
 
@@ -20,18 +20,15 @@ std::string Checked(const fs::path& name)
   std::error_code absent;
   if (fs::exists(name, absent) && !fs::is_regular_file(name, absent))
     Fatal("can't write file ", name.string(), ": it is no regular file\n");
-  if (IsProblemFile(name))
-    Fatal("error: ", name.string(), " is a problem file and would be written over\n");
+  RefuseSources(name);
   return name.string();
 }
 
 }  // namespace
 
-AtomicFile::AtomicFile(const fs::path& givenName, By writer)
-    : name(givenName), file(Checked(givenName)), by(writer)
+AtomicFile::AtomicFile(const fs::path& givenName) : name(givenName), file(Checked(givenName))
 {
-  if (by == By::Program)
-    CleanUpOnSignals();
+  CleanUpOnSignals();
 }
 
 void AtomicFile::Write(std::string_view text)
@@ -43,8 +40,7 @@ void AtomicFile::Commit()
 {
   file.Stream();  // an empty file is written too
   file.Commit();
-  if (by == By::Program)
-    std::printf("wrote %s\n", name.c_str());
+  std::printf("wrote %s\n", name.c_str());
 }
 
 }  // namespace morlen

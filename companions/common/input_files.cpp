@@ -1,9 +1,5 @@
 #include "common/input_files.h"
 
-#include <system_error>
-
-#include "base/errorwriter.h"
-
 namespace morlen {
 
 namespace fs = std::filesystem;
@@ -32,16 +28,13 @@ results::Files InputFiles::Files() const
   return files;
 }
 
-void InputFiles::RefuseOverwriting(std::span<const std::optional<fs::path>> outputs) const
+std::vector<fs::path> InputFiles::All() const
 {
   const results::Files files = Files();
-  for (const std::optional<fs::path>& output : outputs) {
-    for (const fs::path& input : {files.model, files.post, files.text.value_or(files.post)}) {
-      std::error_code absent;
-      if (output && fs::equivalent(*output, input, absent))
-        Fatal("error: ", output->string(), " is read and can't be written\n");
-    }
-  }
+  std::vector<fs::path> all = {files.model, files.post};
+  if (files.text)
+    all.push_back(*files.text);
+  return all;
 }
 
 }  // namespace morlen

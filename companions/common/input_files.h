@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <optional>
-#include <span>
+#include <vector>
 
 #include "common/result_data.h"
 
@@ -22,8 +22,8 @@ public:
   /// True when the command line has one of the options.
   bool NamesResults() const { return post || text || anyTime; }
 
-  /// Fatal when one of the files to be written is also read.
-  void RefuseOverwriting(std::span<const std::optional<std::filesystem::path>> outputs) const;
+  /// The model and the result files, for RefuseInputs.
+  std::vector<std::filesystem::path> All() const;
 
 private:
   std::filesystem::path model;

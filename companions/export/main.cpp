@@ -1,4 +1,3 @@
-#include <array>
 #include <filesystem>
 #include <optional>
 #include <vector>
@@ -8,6 +7,7 @@
 #include "common/input_files.h"
 #include "common/model_data.h"
 #include "common/result_data.h"
+#include "common/source_files.h"
 #include "common/tables.h"
 #include "export/csv.h"
 #include "export/json.h"
@@ -46,7 +46,10 @@ void Export(const Options& options)
     Fatal("error: nothing to write: give --vtu, --csv or --json\n");
   const fs::path& file = options.input.Model();
   const model::Model model = model::ReadModel(file);
-  options.input.RefuseOverwriting(std::array{options.vtu, options.json});
+  for (const std::optional<fs::path>& output : {options.vtu, options.json}) {
+    if (output)
+      RefuseInputs(*output, options.input.All());
+  }
   const results::Results results = results::ReadResults(model, options.input.Files());
   if (options.vtu)
     WriteVtu(model, results, *options.vtu);

@@ -1,5 +1,6 @@
 #include "export/vtu.h"
 
+#include <ostream>
 #include <pugixml.hpp>
 #include <span>
 #include <string>
@@ -376,17 +377,22 @@ void Grid::AddMainShellData()
 
 }  // namespace
 
-void WriteVtu(const model::Model& model, const results::Results& results,
-              const std::filesystem::path& name, AtomicFile::By writer)
+void WriteVtu(const model::Model& model, const results::Results& results, std::ostream& out)
 {
-  AtomicFile file(name, writer);
   pugi::xml_document document;
   pugi::xml_node root = document.append_child("VTKFile");
   root.append_attribute("type") = "UnstructuredGrid";
   root.append_attribute("version") = "0.1";
   root.append_attribute("byte_order") = "LittleEndian";
   Grid(model, results, root.append_child("UnstructuredGrid").append_child("Piece")).Fill();
-  document.save(file.Stream(), "", pugi::format_raw);
+  document.save(out, "", pugi::format_raw);
+}
+
+void WriteVtu(const model::Model& model, const results::Results& results,
+              const std::filesystem::path& name)
+{
+  AtomicFile file(name);
+  WriteVtu(model, results, file.Stream());
   file.Commit();
 }
 

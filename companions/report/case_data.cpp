@@ -27,7 +27,7 @@ using tables::Cell;
 using tables::Table;
 
 const std::set<std::string_view> kKeys = {"node", "element", "point"};
-/// What the page computes from the combined values.
+/// Columns without data in the page, whose script derives them from the combined values.
 const std::set<std::string_view> kDerived = {"u",   "N1",  "N2", "M1",        "M2", "mx+", "my+",
                                              "mx-", "my-", "S1", "von_Mises", "S2", "S3"};
 const std::set<std::string_view> kOfCase = {"supports", "nodal_loads", "element_loads"};

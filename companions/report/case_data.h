@@ -24,9 +24,9 @@ struct CaseActions
 /// The actions of each case of a study that has not been analysed.
 std::vector<CaseActions> ActionsOf(cases::Study& study);
 
-/// The data of a page with load cases. It has the results of the cases only: the page computes
-/// combinations, envelopes and what is not linear from them. Values along a beam are polynomials;
-/// the data has as many points as determine them.
+/// The data of a page with load cases. It contains the results of the cases only. The page computes
+/// from them combinations, envelopes, and the values that are not linear in the loads. Values along
+/// a beam are polynomials: the data has just as many points as determine them.
 class CasePageData
 {
 public:

@@ -8,12 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include "base/errorwriter.h"
 #include "case_file/check_cases.h"
 #include "case_file/open_study.h"
 #include "case_file/results_of.h"
 #include "cases/solved_cases.h"
 #include "common/file_text.h"
+#include "common/source_files.h"
 #include "kit/make_kit.h"
 #include "problem/problem.h"
 #include "report/case_data.h"
@@ -27,15 +27,6 @@ namespace morlen {
 namespace fs = std::filesystem;
 
 namespace {
-
-void RefuseOverwriting(const fs::path& file, const fs::path& model, const fs::path& output)
-{
-  for (const fs::path& input : {file, model}) {
-    std::error_code absent;
-    if (fs::equivalent(output, input, absent))
-      Fatal("error: ", output.string(), " is read and can't be written\n");
-  }
-}
 
 // The problems that morlen-check finds in the file with its loads, and in the model.
 std::vector<Finding> FindingsInAll(const fs::path& file, const fs::path& model)
@@ -104,7 +95,7 @@ ExitStatus ReportCases(const fs::path& file, const fs::path& output)
   const std::unique_ptr<cases::Study> study = cases::OpenStudy(file.string(), all);
   if (!study)
     return ExitStatus::Failed;
-  RefuseOverwriting(file, study->modelFile, output);
+  RefuseInputs(output, study->inputs);
   const std::vector<Finding> findings = FindingsInAll(file, study->modelFile);
   const std::vector<CaseActions> actions = ActionsOf(*study);
   const std::unique_ptr<SolverKit> kit = MakeKit();

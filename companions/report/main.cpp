@@ -1,4 +1,3 @@
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
@@ -7,11 +6,11 @@
 #include <vector>
 
 #include "base/errorwriter.h"
-#include "case_file/check_cases.h"
 #include "common/command_line.h"
 #include "common/input_files.h"
 #include "common/model_data.h"
 #include "common/result_data.h"
+#include "common/source_files.h"
 #include "problem/problem.h"
 #include "report/applied_loads.h"
 #include "report/case_report.h"
@@ -59,13 +58,13 @@ ExitStatus Report(const Options& options)
 {
   const fs::path& file = options.input.Model();
   const fs::path output = options.output.value_or(fs::path(file).replace_extension("html"));
-  if (cases::IsCaseFile(file.string())) {
+  if (IsCaseFile(file.string())) {
     if (options.input.NamesResults())
       Fatal(
           "error: --results, --text and --any-time are for problem files: load cases are solved\n");
     return ReportCases(file, output);
   }
-  options.input.RefuseOverwriting(std::array{std::optional(output)});
+  RefuseInputs(output, options.input.All());
   Problem problem(100);
   model::ReadProblemFile(file, problem);
   const model::Model model = model::ModelOf(problem);

@@ -1,5 +1,7 @@
 #include "report/page.h"
 
+#include <ostream>
+
 #include "common/atomic_file.h"
 #include "common/utf8.h"
 #include "report/viewer_page.h"
@@ -38,16 +40,19 @@ std::string HtmlText(std::string_view text)
   return html;
 }
 
-void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data,
-               AtomicFile::By writer)
+void WritePage(std::ostream& out, std::string_view title, std::string_view data)
 {
   std::string_view page = ViewerPage();
-  AtomicFile out(file, writer);
-  out.Write(ConsumeUpTo("@TITLE@", page));
-  out.Write(HtmlText(title));
-  out.Write(ConsumeUpTo("@DATA@", page));
-  out.Write(data);
-  out.Write(page);
+  out << ConsumeUpTo("@TITLE@", page);
+  out << HtmlText(title);
+  out << ConsumeUpTo("@DATA@", page);
+  out << data << page;
+}
+
+void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data)
+{
+  AtomicFile out(file);
+  WritePage(out.Stream(), title, data);
   out.Commit();
 }
 

@@ -1,5 +1,9 @@
 #include "binding.h"
 
+#include <cstdint>
+
+#include "base/memory_limit.h"
+
 namespace morlen::python {
 
 [[noreturn]] void RaiseError(const FatalError& error, Place place)
@@ -32,6 +36,16 @@ void IssueWarnings(const Session& session)
     if (PyErr_WarnEx(category.ptr(), ToUtf8(text).c_str(), 1) != 0)
       throw py::error_already_set();
   }
+}
+
+void RequireRoom(const Shape& shape, std::size_t bytesOfValue)
+{
+  constexpr double kSmall = 1 << 28;
+  double bytes = static_cast<double>(bytesOfValue);
+  for (const py::ssize_t side : shape)
+    bytes *= static_cast<double>(side);
+  if (bytes > kSmall)
+    Run([bytes] { RequireMemory(static_cast<std::uint64_t>(bytes)); });
 }
 
 std::optional<SolverType> RequireSolver(const std::optional<std::string>& name)

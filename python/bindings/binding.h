@@ -6,7 +6,9 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/utf8.h"
@@ -68,10 +70,25 @@ auto Ask(Owner& owner, Use use)
   return owner.With(use);
 }
 
+inline py::bytes AsBytes(const Bytes& bytes)
+{
+  return {bytes.data(), bytes.size()};
+}
+
+inline std::span<const char> SpanOf(const py::bytes& bytes)
+{
+  const std::string_view view = bytes;
+  return {view.data(), view.size()};
+}
+
+/// Fatal, in a session, when there is no memory for an array. Small ones are not tested.
+void RequireRoom(const Shape& shape, std::size_t bytesOfValue);
+
 /// A new array that cannot be written to, filled without the interpreter lock.
 template <class T, class Fill>
 py::array_t<T> Filled(const Shape& shape, Fill fill)
 {
+  RequireRoom(shape, sizeof(T));
   py::array_t<T> array(shape);
   T* const data = array.mutable_data();
   Run([&] { fill(data); });

@@ -153,35 +153,112 @@ std::unique_ptr<cases::Study> ReadCases(const std::string& file, std::string_vie
       Refuse(one);
     errorwriter.WriteWarning(check::LineOf(one, file));
   }
+  for (std::filesystem::path& input : study->inputs)
+    input = std::filesystem::absolute(input);
   return study;
 }
 
-CaseResults::CaseResults(std::unique_ptr<cases::Study> study_, std::optional<SolverType> solver,
+CaseResults::CaseResults(std::unique_ptr<cases::Study> study, std::optional<SolverType> solver,
                          std::FILE* info)
-    : study(std::move(study_))
+    : combinations(std::move(study->combinations)), envelopes(std::move(study->envelopes))
 {
   Problem& problem = *study->problem;
-  auto image = std::make_shared<const Bytes>(ImageOf(problem));
+  Bytes image = ImageOf(problem);
   if (solver)
     problem.solverSettings.type = *solver;
   solved = std::make_unique<SolvedCases>(problem, FamiliesOf(problem), study->loads,
                                          AnalysisOptions{.info = info, .kit = Kit()});
-  // The problem lives as long as this object, which results keep alive: see ResultsOf.
-  analysis = std::make_shared<Analysis>(
-      std::move(image), "", std::shared_ptr<Problem>(std::shared_ptr<void>(), &problem));
-  analysis->solver = problem.solverSettings.type;
+  const SolverType used = problem.solverSettings.type;
+  analysis = std::make_shared<Analysis>(std::move(image), Origin{"", study->inputs},
+                                        std::move(study->problem));
+  analysis->solver = used;
   analysis->isCase = true;
 }
 
-std::shared_ptr<Solved> ResultsOf(const std::shared_ptr<CaseResults>& all, int index)
+Bytes CaseResults::State() const
 {
-  const Combination& combination = all->Study().combinations[index];
-  const std::vector<double> column = CombinedColumn(all->Solved(), combination);
-  const ResultLayout& layout = all->Solved().Layout();
-  const std::shared_ptr<Analysis> common(all, all->Common().get());
+  Bytes state;
+  BytePutter put(state);
+  const std::lock_guard<std::mutex> alone(analysis->busy);
+  PutAnalysis(*analysis, put);
+  put(combinations.size());
+  for (const Combination& one : combinations) {
+    put(one.name);
+    put.PutList(one.factors.data(), one.factors.size());
+  }
+  put(envelopes.size());
+  for (const cases::Envelope& one : envelopes) {
+    put(one.name);
+    put(one.members);
+  }
+  put(static_cast<std::size_t>(solved->Count()));
+  for (int k = 0; k < solved->Count(); ++k) {
+    put.PutList(solved->Column(k).data(), solved->Column(k).size());
+    put(solved->Accuracy(k));
+  }
+  return state;
+}
+
+CaseResults::CaseResults(std::span<const char> state)
+{
+  ByteGetter get(state);
+  analysis = GetAnalysis(get);
+  GetCombinations(get);
+  std::vector<std::vector<double>> columns(get.GetCount(sizeof(SolutionAccuracy)));
+  std::vector<SolutionAccuracy> accuracies(columns.size());
+  for (std::size_t k = 0; k < columns.size(); ++k) {
+    get(columns[k]);
+    get(accuracies[k]);
+  }
+  if (!get.AtEnd())
+    RefuseBytes();
+  solved = std::make_unique<SolvedCases>(analysis->problem, FamiliesOf(analysis->problem),
+                                         std::move(columns), std::move(accuracies));
+  RequireMembers();
+}
+
+void CaseResults::GetCombinations(ByteGetter& get)
+{
+  combinations.resize(get.GetCount(2 * sizeof(std::size_t)));
+  for (Combination& one : combinations) {
+    get(one.name);
+    get(one.factors);
+  }
+  envelopes.resize(get.GetCount(2 * sizeof(std::size_t)));
+  for (cases::Envelope& one : envelopes) {
+    get(one.name);
+    get(one.members);
+  }
+}
+
+// The cases of the combinations and the members of the envelopes exist.
+void CaseResults::RequireMembers() const
+{
+  const auto isCase = [&](const CaseFactor& one) {
+    return one.index >= 0 && one.index < solved->Count();
+  };
+  for (const Combination& one : combinations) {
+    if (!std::all_of(one.factors.begin(), one.factors.end(), isCase))
+      RefuseBytes();
+  }
+  const auto isMember = [&](int member) {
+    return member >= 0 && member < static_cast<int>(combinations.size());
+  };
+  for (const cases::Envelope& one : envelopes) {
+    if (!std::all_of(one.members.begin(), one.members.end(), isMember))
+      RefuseBytes();
+  }
+}
+
+std::shared_ptr<Solved> ResultsOf(const CaseResults& all, int index)
+{
+  const Combination& combination = all.Combinations()[index];
+  const std::vector<double> column = CombinedColumn(all.Solved(), combination);
+  const ResultLayout& layout = all.Solved().Layout();
+  const std::shared_ptr<Analysis>& common = all.Common();
   const std::lock_guard<std::mutex> alone(common->busy);
   auto solved = std::make_shared<Solved>(Solved{common, layout.SolutionOf(column)});
-  solved->solution.accuracy = WorstAccuracy(all->Solved(), combination);
+  solved->solution.accuracy = WorstAccuracy(all.Solved(), combination);
   solved->loads =
       std::make_shared<LoadSet>(SpanLoadsOf(common->problem, layout.SpanLoadsOf(column)));
   return solved;
@@ -191,7 +268,7 @@ EnvelopeTable TableOf(const CaseResults& all, const cases::Envelope& envelope, V
 {
   std::vector<Combination> members;
   for (const int member : envelope.members)
-    members.push_back(all.Study().combinations[member]);
+    members.push_back(all.Combinations()[member]);
   const std::lock_guard<std::mutex> alone(all.Common()->busy);
   return TableFiller(all, kind).Fill(members);
 }

@@ -31,19 +31,30 @@ public:
   /// Fatal as Solve. solver: as there.
   CaseResults(std::unique_ptr<cases::Study> study, std::optional<SolverType> solver,
               std::FILE* info);
+  /// From State. Fatal for other bytes.
+  explicit CaseResults(std::span<const char> state);
 
-  const cases::Study& Study() const { return *study; }
+  /// All as bytes. Nothing has to be read or solved again.
+  Bytes State() const;
+
+  /// As in the study: the cases come first.
+  const std::vector<Combination>& Combinations() const { return combinations; }
+  const std::vector<cases::Envelope>& Envelopes() const { return envelopes; }
   const SolvedCases& Solved() const { return *solved; }
   const std::shared_ptr<Analysis>& Common() const { return analysis; }
 
 private:
-  std::unique_ptr<cases::Study> study;
+  void GetCombinations(ByteGetter& get);
+  void RequireMembers() const;
+
+  std::vector<Combination> combinations;
+  std::vector<cases::Envelope> envelopes;
+  std::shared_ptr<Analysis> analysis;  ///< its problem is borrowed by `solved`
   std::unique_ptr<SolvedCases> solved;
-  std::shared_ptr<Analysis> analysis;
 };
 
-/// The results of a case or a combination (from 0), which keep all of them alive.
-std::shared_ptr<Solved> ResultsOf(const std::shared_ptr<CaseResults>& all, int combination);
+/// The results of a case or a combination (from 0). They share the model with all others.
+std::shared_ptr<Solved> ResultsOf(const CaseResults& all, int combination);
 
 /// The extremes of values of one kind. Rows: items in the order of the file, each with its points;
 /// values that an item lacks are not numbers, by -1.

@@ -5,7 +5,6 @@
 
 #include "assembly/analysis.h"
 #include "assembly/solution_image.h"
-#include "base/byte_archive.h"
 #include "base/textscan.h"
 #include "problem/problem_image.h"
 #include "problem/problem_reader.h"
@@ -20,15 +19,37 @@ constexpr std::size_t kHead = 1 << 14;
 
 constexpr const char* kSolvers[] = {"Automatic", "SkyLine", "Sparse", "Double", "Direct"};
 
+void PutOrigin(const Origin& origin, BytePutter& put)
+{
+  put(origin.head);
+  put(origin.files.size());
+  for (const std::filesystem::path& file : origin.files)
+    put(file.native());
+}
+
+Origin GetOrigin(ByteGetter& get)
+{
+  Origin origin;
+  get(origin.head);
+  origin.files.resize(get.GetCount(sizeof(std::size_t)));
+  for (std::filesystem::path& file : origin.files) {
+    std::string name;
+    get(name);
+    file = name;
+  }
+  return origin;
+}
+
 }  // namespace
 
-Model::Model(std::string_view text) : head(text.substr(0, kHead))
+Model::Model(std::string_view text, std::vector<std::filesystem::path> files)
+    : origin{std::string(text.substr(0, kHead)), std::move(files)}
 {
   TextScan scan(text);
   ReadProblem(scan, problem);
 }
 
-Model::Model(std::span<const char> image, std::string head_) : head(std::move(head_))
+Model::Model(std::span<const char> image, Origin origin_) : origin(std::move(origin_))
 {
   ReadImage(image, problem);
 }
@@ -57,10 +78,9 @@ std::optional<SolverType> SolverOf(std::string_view name)
 
 std::shared_ptr<Solved> Solve(Model& model, std::optional<SolverType> solver, std::FILE* info)
 {
-  auto analysis =
-      std::make_shared<Analysis>(std::make_shared<const Bytes>(model.Image()), model.Head());
+  auto analysis = std::make_shared<Analysis>(model.Image(), model.Source());
   Problem& problem = analysis->problem;
-  ReadImage(*analysis->modelImage, problem);
+  ReadImage(analysis->modelImage, problem);
   if (solver)
     problem.solverSettings.type = *solver;
   const ElementFamilies& families = FamiliesOf(problem);
@@ -72,17 +92,54 @@ std::shared_ptr<Solved> Solve(Model& model, std::optional<SolverType> solver, st
   return solved;
 }
 
-Bytes StateOf(const Solved& solved)
+Bytes StateOf(Model& model)
 {
-  const Analysis& analysis = *solved.analysis;
   Bytes state;
   BytePutter put(state);
-  put(*analysis.modelImage);
-  put(analysis.head);
+  put(model.Image());
+  PutOrigin(model.Source(), put);
+  return state;
+}
+
+std::shared_ptr<Model> ModelOf(std::span<const char> state)
+{
+  ByteGetter get(state);
+  Bytes image;
+  get(image);
+  Origin origin = GetOrigin(get);
+  if (!get.AtEnd())
+    RefuseBytes();
+  return std::make_shared<Model>(image, std::move(origin));
+}
+
+void PutAnalysis(const Analysis& analysis, BytePutter& put)
+{
+  put(analysis.modelImage);
+  PutOrigin(analysis.origin, put);
   put(analysis.solver);
   put(analysis.isCase);
-  solved.With([&](const Problem& problem, const Solution& solution) {
-    put(ImageOf(problem));
+  put(ImageOf(analysis.problem));
+}
+
+std::shared_ptr<Analysis> GetAnalysis(ByteGetter& get)
+{
+  Bytes modelImage;
+  get(modelImage);
+  auto analysis = std::make_shared<Analysis>(std::move(modelImage), GetOrigin(get));
+  get(analysis->solver);
+  get(analysis->isCase);
+  Bytes prepared;
+  get(prepared);
+  ReadImage(prepared, analysis->problem);
+  return analysis;
+}
+
+Bytes StateOf(const Solved& solved)
+{
+  Bytes state;
+  BytePutter put(state);
+  solved.With([&](const Problem&, const Solution& solution) {
+    PutAnalysis(*solved.analysis, put);
     put(ImageOf(solution));
   });
   return state;
@@ -91,19 +148,11 @@ Bytes StateOf(const Solved& solved)
 std::shared_ptr<Solved> SolvedOf(std::span<const char> state)
 {
   ByteGetter get(state);
-  Bytes image;
-  get(image);
-  std::string head;
-  get(head);
-  auto analysis = std::make_shared<Analysis>(std::make_shared<const Bytes>(std::move(image)), head);
-  get(analysis->solver);
-  get(analysis->isCase);
-  Bytes prepared;
-  get(prepared);
-  ReadImage(prepared, analysis->problem);
+  auto solved = std::make_shared<Solved>(Solved{GetAnalysis(get), {}});
   Bytes solution;
   get(solution);
-  auto solved = std::make_shared<Solved>(Solved{std::move(analysis), {}});
+  if (!get.AtEnd())
+    RefuseBytes();
   ReadImage(solution, solved->solution);
   return solved;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -12,6 +13,7 @@
 
 #include "assembly/solution.h"
 #include "assembly/solver_kit.h"
+#include "base/byte_archive.h"
 #include "model/elem.h"
 #include "problem/load_set.h"
 #include "problem/problem.h"
@@ -23,21 +25,27 @@ using Bytes = std::vector<char>;
 /// The solvers of this build.
 const SolverKit& Kit();
 
+/// The source of a model.
+struct Origin
+{
+  std::string head;  ///< the beginning of the problem file, which describes the model
+  std::vector<std::filesystem::path> files;  ///< that were read, absolute: no result replaces them
+};
+
 /// A model as it was read: analyses work on copies. All members lock it.
 class Model
 {
 public:
-  /// Reads the text of a problem file. Fatal on the first error.
-  explicit Model(std::string_view text);
-  /// A model from ImageOf and the beginning of its text.
-  Model(std::span<const char> image, std::string head);
+  /// Reads the text of a problem file. Fatal on the first error. files: see Origin.
+  explicit Model(std::string_view text, std::vector<std::filesystem::path> files = {});
+  /// A model from ImageOf.
+  Model(std::span<const char> image, Origin origin);
   Model(const Model&) = delete;
   Model& operator=(const Model&) = delete;
 
   /// The model as it is now, with changed materials.
   Bytes Image();
-  /// The beginning of the problem file, which describes the model.
-  const std::string& Head() const { return head; }
+  const Origin& Source() const { return origin; }
 
   /// Calls use(problem) while no other thread works on the problem.
   template <class Use>
@@ -50,27 +58,27 @@ public:
 private:
   Problem problem{100};
   std::mutex busy;
-  std::string head;
+  Origin origin;
 };
 
 /// A model after its analysis, shared by the solutions of its load cases.
 struct Analysis
 {
-  /// prepared: the problem to be prepared.
-  Analysis(std::shared_ptr<const Bytes> modelImage_, std::string head_,
-           std::shared_ptr<Problem> prepared = std::make_shared<Problem>(100))
+  /// prepared: the problem, prepared or to be prepared.
+  Analysis(Bytes modelImage_, Origin origin_,
+           std::unique_ptr<Problem> prepared = std::make_unique<Problem>(100))
       : owner(std::move(prepared)),
         problem(*owner),
         modelImage(std::move(modelImage_)),
-        head(std::move(head_))
+        origin(std::move(origin_))
   {
   }
 
-  std::shared_ptr<Problem> owner;
-  Problem& problem;                         ///< prepared
-  std::mutex busy;                          ///< of the containers of the problem
-  std::shared_ptr<const Bytes> modelImage;  ///< before the analysis
-  std::string head;
+  std::unique_ptr<Problem> owner;
+  Problem& problem;  ///< prepared
+  std::mutex busy;   ///< of the containers of the problem
+  Bytes modelImage;  ///< before the analysis
+  Origin origin;
   SolverType solver = SolverType::Automatic;  ///< that was used
   bool isCase = false;                        ///< of a file of load cases: the model has no loads
 };
@@ -104,8 +112,16 @@ std::optional<SolverType> SolverOf(std::string_view name);
 /// be null.
 std::shared_ptr<Solved> Solve(Model& model, std::optional<SolverType> solver, std::FILE* info);
 
-/// Results as bytes, and back.
+/// A model as bytes, and back. ModelOf is fatal for other bytes.
+Bytes StateOf(Model& model);
+std::shared_ptr<Model> ModelOf(std::span<const char> state);
+
+/// Results as bytes, and back. SolvedOf is fatal for other bytes.
 Bytes StateOf(const Solved& solved);
 std::shared_ptr<Solved> SolvedOf(std::span<const char> state);
+
+/// The parts of such bytes that do not depend on the load case.
+void PutAnalysis(const Analysis& analysis, BytePutter& put);
+std::shared_ptr<Analysis> GetAnalysis(ByteGetter& get);
 
 }  // namespace morlen::python

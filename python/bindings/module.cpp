@@ -1,7 +1,10 @@
 // The module morlen._core: the classes and arrays of C++ in Python. The package's Python files give
 // them their final form.
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,19 +24,24 @@
 
 namespace morlen::python {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 // --- Models ---
 
-std::shared_ptr<Model> Parse(const py::bytes& text)
+std::shared_ptr<Model> Parse(const py::bytes& text, const std::vector<std::string>& files)
 {
   const std::string_view content = text;
   Session session(HandleSignals);
-  auto model = Unlocked([&] { return std::make_shared<Model>(content); },
-                        [&](const FatalError& error) {
-                          const py::gil_scoped_release unlocked;
-                          return PlaceOf(error, content);
-                        });
+  auto model = Unlocked(
+      [&] {
+        return std::make_shared<Model>(content, std::vector<fs::path>(files.begin(), files.end()));
+      },
+      [&](const FatalError& error) {
+        const py::gil_scoped_release unlocked;
+        return PlaceOf(error, content);
+      });
   IssueWarnings(session);
   return model;
 }
@@ -114,10 +122,22 @@ std::vector<int> MaterialNumbers(Model& model)
   });
 }
 
-void RequireFinite(double value)
+[[noreturn]] void RefuseType(const std::string& expected, const py::handle& given)
 {
+  throw py::type_error(expected + ", not " + std::string(py::repr(given)));
+}
+
+// The number, which is finite. name: of the value.
+double NumberOf(const py::handle& given, const std::string& name)
+{
+  const double value = PyFloat_AsDouble(given.ptr());
+  if (PyErr_Occurred()) {
+    PyErr_Clear();
+    RefuseType(name + " is a number", given);
+  }
   if (!std::isfinite(value))
-    throw py::value_error("the value of a material must be finite");
+    throw py::value_error(name + " must be finite, not " + std::string(py::repr(given)));
+  return value;
 }
 
 using Field = double Material::*;
@@ -127,8 +147,8 @@ void DefineValue(py::class_<LiveMaterial>& material, const char* name, const cha
 {
   material.def_property(
       name, [](const LiveMaterial& m) { return m.With([](Material& x) { return x.*first; }); },
-      [](const LiveMaterial& m, double value) {
-        RequireFinite(value);
+      [name](const LiveMaterial& m, const py::object& given) {
+        const double value = NumberOf(given, name);
         m.With([value](Material& x) {
           x.Enter(first, value);
           (x.Enter(others, value), ...);
@@ -146,22 +166,27 @@ py::object EulerOf(const LiveMaterial& material)
   return py::cast(angles);
 }
 
-void SetEuler(const LiveMaterial& material, const std::optional<std::array<double, 3>>& angles)
+void SetEuler(const LiveMaterial& material, const py::object& given)
 {
-  for (const double angle : angles.value_or(std::array<double, 3>{}))
-    RequireFinite(angle);
+  const bool isList = py::isinstance<py::sequence>(given) && !py::isinstance<py::str>(given);
+  if (!given.is_none() && !(isList && py::len(given) == 3))
+    RefuseType("Euler is None or three numbers", given);
+  double angles[3] = {};
+  for (int k = 0; k < 3 && isList; ++k)
+    angles[k] = NumberOf(given[py::int_(k)], "an angle of Euler");
   material.With([&](Material& m) {
-    m.eulerGiven = angles ? 1 : 0;
-    for (int k = 0; k < 3; ++k)
-      m.Euler[k] = angles ? (*angles)[k] : 0.0;
+    m.eulerGiven = isList ? 1 : 0;
+    std::copy_n(angles, 3, m.Euler);
   });
 }
 
-void SetRectangle(const LiveMaterial& material, double widthY, double widthZ)
+void SetRectangle(const LiveMaterial& material, const py::object& widthY, const py::object& widthZ)
 {
-  if (!(widthY > 0.0 && widthZ > 0.0 && std::isfinite(widthY) && std::isfinite(widthZ)))
+  const double y = NumberOf(widthY, "widthY");
+  const double z = NumberOf(widthZ, "widthZ");
+  if (!(y > 0.0 && z > 0.0))
     throw py::value_error("the widths of a rectangular section must be positive");
-  material.With([&](Material& m) { m.CalcOtherParametersForRecSec(widthY, widthZ); });
+  material.With([&](Material& m) { m.CalcOtherParametersForRecSec(y, z); });
 }
 
 void DefineMaterial(py::module_& module)
@@ -278,17 +303,6 @@ void Write(const Solved& solved, const std::optional<std::string>& text,
   Run([&] { WriteOutputs(solved, {text, post, mesh, vtu, report}); });
 }
 
-py::bytes AsBytes(const Bytes& bytes)
-{
-  return {bytes.data(), bytes.size()};
-}
-
-std::span<const char> SpanOf(const py::bytes& bytes)
-{
-  const std::string_view view = bytes;
-  return {view.data(), view.size()};
-}
-
 // --- Records ---
 
 py::bytes RowsOf(const py::array_t<std::int64_t, py::array::c_style | py::array::forcecast>& whole,
@@ -336,15 +350,8 @@ void DefineModel(py::module_& module)
           py::arg("number"))
       .def("solve", &SolveModel, py::arg("solver"), py::arg("progress"))
       .def(py::pickle(
-          [](Model& m) {
-            const Bytes image = Run([&] { return m.Image(); });
-            return py::make_tuple(AsBytes(image), py::bytes(m.Head()));
-          },
-          [](const py::tuple& state) {
-            const auto image = state[0].cast<py::bytes>();
-            const std::string head = state[1].cast<py::bytes>();
-            return Run([&] { return std::make_shared<Model>(SpanOf(image), head); });
-          }));
+          [](Model& m) { return AsBytes(Run([&] { return StateOf(m); })); },
+          [](const py::bytes& state) { return Run([&] { return ModelOf(SpanOf(state)); }); }));
 }
 
 void DefineSolved(py::module_& module)
@@ -363,8 +370,9 @@ void DefineSolved(py::module_& module)
       .def(
           "model",
           [](const Solved& s) {
-            return Run(
-                [&] { return std::make_shared<Model>(*s.analysis->modelImage, s.analysis->head); });
+            return Run([&] {
+              return std::make_shared<Model>(s.analysis->modelImage, s.analysis->origin);
+            });
           },
           "The model as it was solved.")
       .def("write", &Write, py::arg("text"), py::arg("post"), py::arg("mesh"), py::arg("vtu"),
@@ -385,7 +393,9 @@ PYBIND11_MODULE(_core, module)
   DefineModel(module);
   DefineSolved(module);
   DefineCases(module);
-  module.def("parse", &Parse, py::arg("text"), "Reads the text of a problem file.");
+  module.def("parse", &Parse, py::arg("text"), py::arg("files"),
+             "Reads the text of a problem file. files: that were read, absolute.");
+  module.attr("__version__") = MORLEN_VERSION;
   module.def("check", &Check, py::arg("text"),
              "Severity, code, line, column, text and hint of each finding.");
   module.def("rows", &RowsOf, py::arg("whole"), py::arg("real"), py::arg("word"),

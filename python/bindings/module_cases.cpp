@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "arrays.h"
 #include "binding.h"
 #include "cases.h"
 
@@ -85,10 +86,9 @@ int IndexOf(const List& list, const std::string& name, const char* kind)
   return static_cast<int>(found - list.begin());
 }
 
-std::shared_ptr<Solved> ResultsOfName(const std::shared_ptr<CaseResults>& all,
-                                      const std::string& name)
+std::shared_ptr<Solved> ResultsOfName(const CaseResults& all, const std::string& name)
 {
-  const int index = IndexOf(all->Study().combinations, name, "case or combination");
+  const int index = IndexOf(all.Combinations(), name, "case or combination");
   return Run([&] { return ResultsOf(all, index); });
 }
 
@@ -114,8 +114,7 @@ py::array_t<T> ReadOnly(const std::vector<T>& values, const Shape& shape)
 
 py::tuple EnvelopeOf(const CaseResults& all, const std::string& name, const std::string& kind)
 {
-  const cases::Envelope& envelope =
-      all.Study().envelopes[IndexOf(all.Study().envelopes, name, "envelope")];
+  const cases::Envelope& envelope = all.Envelopes()[IndexOf(all.Envelopes(), name, "envelope")];
   const EnvelopeTable table = Run([&] { return TableOf(all, envelope, KindOf(kind)); });
   const auto count = static_cast<py::ssize_t>(table.numbers.size());
   const Shape shape = {count, table.points, table.width};
@@ -140,7 +139,15 @@ void DefineCases(py::module_& module)
            [](const CaseResults& all) { return all.Common()->problem.components.count; })
       .def("is_plane",
            [](const CaseResults& all) { return all.Common()->problem.problemType == kPlane; })
-      .def("has_solids", [](const CaseResults& all) { return all.Study().model.solids; });
+      .def("has_solids",
+           [](const CaseResults& all) {
+             return CountElements(all.Common()->problem, Tetrahedra) > 0;
+           })
+      .def(py::pickle(
+          [](const CaseResults& all) { return AsBytes(Run([&] { return all.State(); })); },
+          [](const py::bytes& state) {
+            return Run([&] { return std::make_shared<CaseResults>(SpanOf(state)); });
+          }));
   module.def("read_cases", &Read, py::arg("path"), py::arg("text"));
 }
 

@@ -3,13 +3,17 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <ostream>
+#include <span>
 #include <system_error>
 #include <vector>
 
 #include "base/errorwriter.h"
+#include "base/interruption.h"
 #include "base/output_file.h"
 #include "common/model_data.h"
 #include "common/result_data.h"
+#include "common/source_files.h"
 #include "export/vtu.h"
 #include "problem/problem_image.h"
 #include "report/applied_loads.h"
@@ -50,7 +54,7 @@ private:
   std::string name;
 };
 
-void RequireFree(const OutputNames& names)
+void RequireFree(const OutputNames& names, std::span<const fs::path> inputs)
 {
   std::vector<RunFile> files;
   const auto add = [&](const char* role, const std::optional<std::string>& name) {
@@ -63,29 +67,57 @@ void RequireFree(const OutputNames& names)
   add("VTU file", names.vtu);
   add("report", names.report);
   RequireDifferentFiles(files);
-  RequireNoProblemFile(files);
+  for (const RunFile& file : files) {
+    RefuseSources(file.name);
+    RefuseInputs(file.name, inputs);
+  }
 }
 
-void WriteText(const Problem& problem, const Solution& solution, const std::string& name)
+/// The files of one call. Nothing is under their names before Commit.
+class Outputs
 {
-  OutputFile file(name);
+public:
+  /// Tests all files. Fatal when one cannot be written; then all are as before.
+  explicit Outputs(const OutputNames& names)
+  {
+    Open(text, names.text);
+    Open(post, names.post);
+    Open(mesh, names.mesh);
+    Open(vtu, names.vtu);
+    Open(report, names.report);
+  }
+
+  // A full disk is noticed before the first file gets its name.
+  void Commit()
+  {
+    for (OutputFile* file : opened)
+      file->Complete();
+    for (OutputFile* file : opened)
+      file->Commit();
+  }
+
+  std::optional<OutputFile> text, post, mesh, vtu, report;
+
+private:
+  void Open(std::optional<OutputFile>& file, const std::optional<std::string>& name)
+  {
+    if (name)
+      opened.push_back(&file.emplace(*name));
+  }
+
+  std::vector<OutputFile*> opened;
+};
+
+void WriteText(const Problem& problem, const Solution& solution, OutputFile& file)
+{
   WriteResults(problem, FamiliesOf(problem), solution, file.Stream());
-  file.Commit();
 }
 
-// The mesh file, if any, is written with the results.
-void WritePost(const Problem& problem, const Solution& solution, const std::string& name,
-               const std::optional<std::string>& meshName)
+// mesh: null without a mesh file.
+void WritePost(const Problem& problem, const Solution& solution, OutputFile& file, OutputFile* mesh)
 {
-  std::optional<OutputFile> mesh;
-  if (meshName)
-    mesh.emplace(*meshName);
-  OutputFile file(name);
   WriteKivResults(problem, FamiliesOf(problem), solution, file.Stream(),
                   mesh ? mesh->WrittenName().c_str() : nullptr);
-  if (mesh)
-    mesh->Commit();
-  file.Commit();
 }
 
 std::vector<std::string> DescriptionIn(const std::string& head, const TemporaryFolder& folder)
@@ -102,27 +134,31 @@ class ForCompanions
 public:
   explicit ForCompanions(const Solved& solved)
   {
-    ReadImage(*solved.analysis->modelImage, problem);
+    ReadImage(solved.analysis->modelImage, problem);
     problem.solverSettings.type = solved.analysis->solver;
     model = model::ModelOf(problem);
     const fs::path post = folder / "post";
     const fs::path text = folder / "text";
     solved.With([&](const Problem& prepared, const Solution& solution) {
-      WritePost(prepared, solution, post.string(), {});
-      WriteText(prepared, solution, text.string());
+      Outputs files({.text = text, .post = post, .mesh = {}, .vtu = {}, .report = {}});
+      WriteText(prepared, solution, *files.text);
+      WritePost(prepared, solution, *files.post, nullptr);
+      files.Commit();
     });
+    CheckInterruption();
     results = results::ReadResults(model, {.model = {}, .post = post, .text = text});
+    CheckInterruption();
   }
 
-  void WriteReport(const std::string& name, const std::string& head)
+  // title: that of the page.
+  void WriteReport(std::ostream& out, const std::string& title, const std::string& head)
   {
     PrepareLoads(problem);
     const AppliedLoads loads = AppliedLoadsOf(problem, model);
     const Equilibrium equilibrium = EquilibriumOf(model, loads.nodes, results);
     const SolverType solver = problem.solverSettings.type;
     const bool iterated = solver == SolverType::Sparse || solver == SolverType::Double;
-    const std::string title = fs::path(name).stem().string();
-    WritePage(name, title,
+    WritePage(out, title,
               PageData({.file = title,
                         .description = DescriptionIn(head, folder),
                         .model = model,
@@ -130,8 +166,7 @@ public:
                         .loads = loads,
                         .equilibrium = equilibrium,
                         .advice = AdviceOf(equilibrium, model, problem.shellFormulation, iterated),
-                        .check = {}}),
-              AtomicFile::By::Library);
+                        .check = {}}));
   }
 
   model::Model model;
@@ -146,24 +181,29 @@ private:
 
 void WriteOutputs(const Solved& solved, const OutputNames& names)
 {
-  RequireFree(names);
+  RequireFree(names, solved.analysis->origin.files);
   if (names.report && solved.analysis->isCase)
     Fatal("error: a report is of a model with its loads, not of a load case\n");
   if (names.mesh && !names.post)
     Fatal("error: the mesh file is written with the results file: give both names\n");
+  Outputs files(names);
   solved.With([&](const Problem& problem, const Solution& solution) {
-    if (names.text)
-      WriteText(problem, solution, *names.text);
-    if (names.post)
-      WritePost(problem, solution, *names.post, names.mesh);
+    if (files.text)
+      WriteText(problem, solution, *files.text);
+    if (files.post)
+      WritePost(problem, solution, *files.post, files.mesh ? &*files.mesh : nullptr);
   });
-  if (!names.vtu && !names.report)
-    return;
-  ForCompanions data(solved);
-  if (names.vtu)
-    WriteVtu(data.model, data.results, *names.vtu, AtomicFile::By::Library);
-  if (names.report)
-    data.WriteReport(*names.report, solved.analysis->head);
+  if (files.vtu || files.report) {
+    ForCompanions data(solved);
+    if (files.vtu)
+      WriteVtu(data.model, data.results, files.vtu->Stream());
+    CheckInterruption();
+    if (files.report)
+      data.WriteReport(files.report->Stream(), fs::path(*names.report).stem().string(),
+                       solved.analysis->origin.head);
+  }
+  CheckInterruption();  // the last one: from here on all files get their names
+  files.Commit();
 }
 
 }  // namespace morlen::python

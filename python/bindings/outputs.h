@@ -17,8 +17,9 @@ struct OutputNames
   std::optional<std::string> report;  ///< as of morlen-report
 };
 
-/// Writes the files; each is complete or as it was before. Fatal when one cannot be written, would
-/// replace a problem file, or is named twice.
+/// Writes the files: all of them, or none. Fatal when one cannot be written, is named twice, or is
+/// refused by RefuseSources or RefuseInputs; then all are as they were before, but for those that
+/// OutputFile writes in place.
 void WriteOutputs(const Solved& solved, const OutputNames& names);
 
 }  // namespace morlen::python

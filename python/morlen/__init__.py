@@ -9,6 +9,7 @@ Values are in the units of the results of the problem file, components and signs
 files. Arrays cannot be written to.
 """
 
+from ._core import __version__ as __version__
 from ._builder import Builder
 from ._cases import Cases, Envelope, Extremes, SolvedCases, read_cases
 from ._checks import Finding, check, check_text

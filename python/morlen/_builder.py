@@ -9,6 +9,7 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _core
+from ._fixed import Fixed
 from ._model import Model, parse
 from ._typing import Floats
 
@@ -28,32 +29,76 @@ _TYPES = {"beams": "Linear", "shells": "Triangle", "tetrahedra": "Tetrahedra"}
 Numbers = npt.NDArray[np.int64]
 
 
+def _shape_fault(what: str, kind: str, shapes: Sequence[tuple[int | str, ...]], got: object) -> ValueError:
+    """An argument of the wrong shape. got: what was given, a shape for an array."""
+    wanted = " or ".join(str(shape).replace("'", "") for shape in shapes)
+    return ValueError(f"{what}: expected {kind} of the shape {wanted}, got {got}")
+
+
+def _array(values: npt.ArrayLike, what: str, kind: str, shapes: Sequence[tuple[int | str, ...]]) -> Any:
+    """The values as an array of numbers of any shape."""
+    try:
+        array = np.asarray(values)
+        return array if array.dtype.kind in "iub" else array.astype(np.float64)
+    except (TypeError, ValueError):
+        ragged = isinstance(values, (list, tuple)) and any(
+            np.iterable(v) and not isinstance(v, str) for v in values
+        )
+        got = "rows of different lengths" if ragged else repr(values)
+        raise _shape_fault(what, kind, shapes, got) from None
+
+
+def _finite(array: Any, what: str) -> Floats:
+    real: Floats = array.astype(np.float64)
+    if not np.isfinite(real).all():
+        raise ValueError(f"{what}: expected finite numbers")
+    return real
+
+
+def _whole(array: Any, what: str) -> Numbers:
+    if not array.size:
+        array = array.astype(np.int64)
+    if not np.issubdtype(array.dtype, np.integer):
+        raise ValueError(f"{what}: expected whole numbers, got {array.dtype}")
+    numbers: Numbers = array.astype(np.int64)
+    return numbers
+
+
+def _table(
+    values: npt.ArrayLike, what: str, columns: Sequence[int], rows: int | None = None, kind: str = "numbers"
+) -> Any:
+    """Rows of numbers; one row counts for all `rows`."""
+    shapes = [("n" if rows is None else rows, count) for count in columns]
+    given = _array(values, what, kind, shapes)
+    table = np.atleast_2d(given)
+    if rows is not None and len(table) == 1:
+        table = np.repeat(table, rows, axis=0)
+    if table.ndim != 2 or table.shape[1] not in columns or (rows is not None and len(table) != rows):
+        got = repr(values) if isinstance(values, str) else given.shape
+        raise _shape_fault(what, kind, shapes, got)
+    return table
+
+
+def _list(values: npt.ArrayLike, what: str, rows: int | None = None, kind: str = "numbers") -> Any:
+    """Numbers; one counts for all `rows`."""
+    shapes: list[tuple[int | str, ...]] = [("n" if rows is None else rows,)]
+    given = _array(values, what, kind, shapes)
+    numbers = np.atleast_1d(given)
+    if rows is not None and numbers.shape == (1,):
+        numbers = np.repeat(numbers, rows)
+    if numbers.ndim != 1 or (rows is not None and len(numbers) != rows):
+        raise _shape_fault(what, kind, shapes, str(given.shape).replace("'", ""))
+    return numbers
+
+
 def _floats(values: npt.ArrayLike, what: str, columns: Sequence[int], rows: int | None = None) -> Floats:
     """Finite numbers as rows; one row counts for all `rows`."""
-    array: Floats = np.atleast_2d(np.asarray(values, dtype=np.float64))
-    if rows is not None and len(array) == 1:
-        array = np.repeat(array, rows, axis=0)
-    if array.ndim != 2 or array.shape[1] not in columns or (rows is not None and len(array) != rows):
-        wanted = f"{rows if rows is not None else 'n'}, {' or '.join(map(str, columns))}"
-        raise ValueError(f"{what} must have the shape ({wanted}), not {np.shape(values)}")
-    if not np.isfinite(array).all():
-        raise ValueError(f"{what} must be finite")
-    return array
+    return _finite(_table(values, what, columns, rows), what)
 
 
 def _numbers(values: npt.ArrayLike, what: str, rows: int | None = None) -> Numbers:
     """Whole numbers; one counts for all `rows`."""
-    array = np.atleast_1d(np.asarray(values))
-    if not array.size:
-        array = array.astype(np.int64)
-    if not np.issubdtype(array.dtype, np.integer):
-        raise ValueError(f"{what} must be whole numbers")
-    if rows is not None and array.shape == (1,):
-        array = np.repeat(array, rows)
-    if array.ndim != 1 or (rows is not None and len(array) != rows):
-        raise ValueError(f"{what} must be {'a list' if rows is None else rows} of numbers")
-    numbers: Numbers = array.astype(np.int64)
-    return numbers
+    return _whole(_list(values, what, rows, "whole numbers"), what)
 
 
 def _text(value: float) -> str:
@@ -70,7 +115,7 @@ def _none(rows: int) -> Floats:
     return np.empty((rows, 0))
 
 
-class Builder:
+class Builder(Fixed):
     """Collects a model from arrays.
 
     Nodes and elements get the numbers 1, 2, ... in the order in which they are added; every method
@@ -82,7 +127,7 @@ class Builder:
     def __init__(self, kind: Literal["2d", "3d"] = "3d", comment: str = "") -> None:
         """kind: "2d" for plane frames, else "3d". comment: describes the model in its file."""
         if kind not in ("2d", "3d"):
-            raise ValueError(f"the kind of a model is '2d' or '3d', not {kind!r}")
+            raise ValueError(f"kind: expected '2d' or '3d', got {kind!r}")
         self._kind = kind
         self._comment = comment
         self._units: tuple[str, str, str] | None = None
@@ -102,7 +147,12 @@ class Builder:
         """Names the units of all values, such as "kN", "m", "kPa"; they convert nothing."""
         names = (force, length, pressure or f"{force}/{length}2")
         for name in names:
-            if not name or len(name) > 20 or any(c.isspace() or c in "#:=" for c in name):
+            if (
+                not isinstance(name, str)
+                or not name
+                or len(name) > 20
+                or any(c.isspace() or c in "#:=" for c in name)
+            ):
                 raise ValueError(f"{name!r} is no name of a unit")
         self._units = names
 
@@ -129,17 +179,12 @@ class Builder:
     def _add(
         self, kind: str, nodes: npt.ArrayLike, widths: Sequence[int], materials: npt.ArrayLike
     ) -> Numbers:
-        table = np.atleast_2d(np.asarray(nodes))
-        if not np.issubdtype(table.dtype, np.integer):
-            raise ValueError("numbers of nodes must be whole numbers")
-        if table.ndim != 2 or table.shape[1] not in widths:
-            wanted = " or ".join(map(str, widths))
-            raise ValueError(f"the nodes of {kind} must have the shape (n, {wanted})")
-        of = _numbers(materials, "numbers of materials", len(table))
+        table = _whole(_table(nodes, "nodes", widths, kind="whole numbers"), "nodes")
+        of = _numbers(materials, "materials", len(table))
         first = self._element_count + 1
         self._element_count += len(table)
         numbers = np.arange(first, first + len(table))
-        block = np.column_stack([numbers, table.astype(np.int64), of])
+        block = np.column_stack([numbers, table, of])
         self._elements.setdefault((kind, table.shape[1]), []).append(block)
         return numbers
 
@@ -151,11 +196,11 @@ class Builder:
         for key in values:
             if key not in _KEYS:
                 raise ValueError(f"unknown key of a material: {key!r}; keys are {', '.join(_KEYS)}")
-        arrays = np.broadcast_arrays(*(np.atleast_1d(np.asarray(v, dtype=float)) for v in values.values()))
-        if not arrays or arrays[0].ndim != 1:
-            raise ValueError("the values of materials must be numbers or lists of equal length")
-        if not all(np.isfinite(array).all() for array in arrays):
-            raise ValueError("the values of materials must be finite")
+        if not values:
+            raise ValueError("a material needs values, such as E=2.1e8")
+        lists = {key: _list(value, key) for key, value in values.items()}
+        count = next((len(one) for one in lists.values() if len(one) != 1), 1)
+        arrays = [_finite(_list(one, key, count), key) for key, one in lists.items()]
         first = len(self._materials) + 1
         for row in zip(*arrays):
             self._materials.append(dict(zip(values, map(float, row))))
@@ -178,14 +223,14 @@ class Builder:
 
         flags: "111000" or (n, 6) numbers, for x, y, z and the rotations: 0 free, 1 prescribed,
         2 held by a spring; three in the plane and for solids. values: (n, 6) prescribed
-        displacements [length, radians] or stiffnesses [force/length, moment]; None for zeros.
-        euler: (n, 3) angles of the axes of the supports [radians]; None for global axes.
+        displacements [length, radians] or stiffnesses [force/length, moment]; None for zeros,
+        without springs. euler: (n, 3) angles of the axes of the supports [radians]; None for global
+        axes.
         """
-        of = _numbers(nodes, "numbers of nodes")
-        digits = [list(map(int, flags))] if isinstance(flags, str) else flags
-        marks = _floats(digits, "flags", self._components, len(of))
-        if not np.isin(marks, (0, 1, 2)).all():
-            raise ValueError("flags are 0, 1 or 2")
+        of = _numbers(nodes, "nodes")
+        marks = self._flags(flags, len(of))
+        if values is None and (marks == 2).any():
+            raise ValueError("values: expected the stiffnesses of the springs (flags 2), got None")
         count = marks.shape[1]
         given = _floats(np.zeros(count) if values is None else values, "values", (count,), len(of))
         angles = None if euler is None else _floats(euler, "euler", (3,), len(of))
@@ -199,31 +244,40 @@ class Builder:
                 text = _with_angles(text, angles[rows])
             block.append(text)
 
+    def _flags(self, flags: str | npt.ArrayLike, rows: int) -> Floats:
+        digits = [ord(digit) - ord("0") for digit in flags] if isinstance(flags, str) else flags
+        marks = _table(digits, "flags", self._components, rows)
+        if not np.isin(marks, (0, 1, 2)).all():
+            raise ValueError(f"flags: expected 0, 1 or 2, got {flags!r}")
+        return _finite(marks, "flags")
+
     def hinges(
         self,
         elements: npt.ArrayLike | None = None,
-        code: str = "00",
+        code: str | None = None,
         nodes: npt.ArrayLike | None = None,
     ) -> None:
         """Hinges ends of beams, or all ends of beams at nodes.
 
-        code: one digit for each end: 1 continuous, 0 hinged.
+        code: of elements, one digit for each end: 1 continuous, 0 hinged; None for "00".
         """
         if (elements is None) == (nodes is None):
             raise ValueError("give either elements or nodes")
-        if code not in ("00", "01", "10", "11"):
-            raise ValueError(f"the code of a hinge is 00, 01, 10 or 11, not {code!r}")
-        if elements is not None:
-            of = _numbers(elements, "numbers of elements")
-            self._put("elem_rotules", _rows(of, _none(len(of)), code))
-        else:
-            of = _numbers(nodes if nodes is not None else [], "numbers of nodes")
+        if nodes is not None:
+            if code is not None:
+                raise ValueError(f"code: expected with elements only, got {code!r} with nodes")
+            of = _numbers(nodes, "nodes")
             self._put("rotules", _rows(of, _none(len(of)), "hinge"))
+        elif elements is not None:
+            if code not in (None, "00", "01", "10", "11"):
+                raise ValueError(f"code: expected '00', '01', '10' or '11', got {code!r}")
+            of = _numbers(elements, "elements")
+            self._put("elem_rotules", _rows(of, _none(len(of)), code or "00"))
 
     def loads(self, nodes: npt.ArrayLike, values: npt.ArrayLike) -> None:
         """Adds (n, 6) forces and moments on nodes, global axes; (n, 3) Fx, Fy, Mz in the plane,
         Fx, Fy, Fz on solids. Loads on a node add up."""
-        of = _numbers(nodes, "numbers of nodes")
+        of = _numbers(nodes, "nodes")
         self._put("nodal_point_loads", _rows(of, _floats(values, "values", self._components, len(of))))
 
     def element_loads(
@@ -241,22 +295,23 @@ class Builder:
         """
         if kind not in _LOADS:
             raise ValueError(f"unknown kind of load: {kind!r}; kinds are {', '.join(_LOADS)}")
-        of = _numbers(elements, "numbers of elements")
+        of = _numbers(elements, "elements")
         columns = (2,) if self._kind == "2d" else (3, 4) if kind == "local" else (3,)
         given = _floats(values, "values", columns, len(of))
         if faces is None:
             self._put(_LOADS[kind], _rows(of, given))
         else:
-            sides = _numbers(faces, "indices of faces", len(of))
+            sides = _numbers(faces, "faces", len(of))
             self._put(_LOADS[kind], _rows(np.column_stack([of, sides]), given))
 
     def temperature_loads(
         self, elements: npt.ArrayLike, expansion: npt.ArrayLike, change: npt.ArrayLike
     ) -> None:
         """Adds changes of temperature of beams: coefficients of expansion and changes."""
-        of = _numbers(elements, "numbers of elements")
-        columns = [np.broadcast_to(np.asarray(v, dtype=float), len(of)) for v in (expansion, change)]
-        self._put("temperature_loads", _rows(of, _floats(np.column_stack(columns), "values", (2,), len(of))))
+        of = _numbers(elements, "elements")
+        given = {"expansion": expansion, "change": change}
+        columns = [_finite(_list(value, name, len(of)), name) for name, value in given.items()]
+        self._put("temperature_loads", _rows(of, np.column_stack(columns)))
 
     def settings(self, **values: Any) -> None:
         """Sets settings of the problem file, such as GravityDirection=(0, 0, -1),

@@ -4,13 +4,18 @@ from __future__ import annotations
 
 import os
 from collections.abc import Callable, Iterator, Mapping
-from dataclasses import dataclass
+from dataclasses import dataclass, fields
 from functools import cached_property
+from typing import Any
+
+import numpy as np
 
 from . import _core
-from ._files import read_bytes
+from ._files import encoded, name_of, read_bytes
+from ._fixed import Fixed
+from ._model import solution_arguments
 from ._results import Results
-from ._typing import Floats, Ints
+from ._typing import Floats, Ints, Texts
 
 
 @dataclass(frozen=True, eq=False)
@@ -23,34 +28,72 @@ class Extremes:
     minimum: Floats
     maximum: Floats
     minimum_by: Ints
-    """The combination that governs, as a place in `Envelope.names`; -1 where there is no value."""
+    """The combination that governs, as a place in `names`.
+
+    -1 where there is no value, such as Vz of a beam in the plane: as an index it would give the last
+    name. `minimum_name` has no such trap.
+    """
     maximum_by: Ints
+    names: tuple[str, ...]
+    """The cases and combinations of the envelope."""
+
+    @cached_property
+    def minimum_name(self) -> Texts:
+        """The name of the combination that governs; "" where there is no value."""
+        return self._names_at(self.minimum_by)
+
+    @cached_property
+    def maximum_name(self) -> Texts:
+        """The name of the combination that governs; "" where there is no value."""
+        return self._names_at(self.maximum_by)
+
+    def _names_at(self, places: Ints) -> Texts:
+        names: Texts = np.array((*self.names, ""), dtype=object)[places]  # -1 is the last
+        names.flags.writeable = False
+        return names
 
     def __len__(self) -> int:
         return len(self.numbers)
 
+    def __getstate__(self) -> dict[str, Any]:
+        return {field.name: getattr(self, field.name) for field in fields(self)}
 
-class Envelope:
-    """The extremes over some cases and combinations.
+    def __setstate__(self, state: dict[str, Any]) -> None:
+        for value in state.values():
+            if isinstance(value, np.ndarray):
+                value.flags.writeable = False
+        vars(self).update(state)
+
+
+class Envelope(Fixed):
+    """The extremes over some cases and combinations. They can be pickled.
 
     Derived values, such as `u` or the design moments `mx+`, are computed from the combined ones.
     """
 
-    def __init__(self, core: _core.CaseResults, name: str, names: tuple[str, ...], plane: bool) -> None:
+    name: str
+    names: tuple[str, ...]
+    """The cases and combinations of the envelope."""
+
+    def __init__(self, core: _core.CaseResults, name: str, names: tuple[str, ...]) -> None:
+        super().__init__(name=name, names=names)
         self._core = core
-        self._plane = plane
-        self.name = name
-        self.names = names
+
+    def __getstate__(self) -> tuple[_core.CaseResults, str, tuple[str, ...]]:
+        return self._core, self.name, self.names
+
+    def __setstate__(self, state: tuple[_core.CaseResults, str, tuple[str, ...]]) -> None:
+        Envelope.__init__(self, *state)
 
     def _extremes(self, kind: str, components: tuple[str, ...]) -> Extremes:
         numbers, low, high, low_by, high_by = self._core.envelope(self.name, kind)
-        return Extremes(numbers, components[: low.shape[2]], low, high, low_by, high_by)
+        return Extremes(numbers, components[: low.shape[2]], low, high, low_by, high_by, self.names)
 
     def _of_nodes(self, space: tuple[str, ...], plane: tuple[str, ...]) -> tuple[str, ...]:
         count = self._core.components()
         if count == 6:
             return space
-        return plane if self._plane and not self._core.has_solids() else space[:3]
+        return plane if self._core.is_plane() and not self._core.has_solids() else space[:3]
 
     @cached_property
     def displacements(self) -> Extremes:
@@ -86,25 +129,32 @@ class Envelope:
         return f"<morlen.Envelope {self.name!r} over {len(self.names)}>"
 
 
-class SolvedCases(Mapping[str, Results]):
-    """The results of cases and combinations by name."""
+class SolvedCases(Fixed, Mapping[str, Results]):
+    """The results of cases and combinations by name. They can be pickled."""
+
+    cases: Cases
+    """The cases that were solved."""
 
     def __init__(self, core: _core.CaseResults, cases: Cases) -> None:
+        super().__init__(cases=cases)
         self._core = core
-        self._cases = cases
 
     def __getitem__(self, name: str) -> Results:
+        if name not in self.cases.combinations:
+            raise KeyError(f"no case or combination {name!r}")
         return Results(self._core.results(name))
 
     def __iter__(self) -> Iterator[str]:
-        return iter(self._cases.combinations)
+        return iter(self.cases.combinations)
 
     def __len__(self) -> int:
-        return len(self._cases.combinations)
+        return len(self.cases.combinations)
 
     def envelope(self, name: str) -> Envelope:
         """An envelope of the file."""
-        return Envelope(self._core, name, self._cases.envelopes[name], self._core.is_plane())
+        if name not in self.cases.envelopes:
+            raise KeyError(f"no envelope {name!r}")
+        return Envelope(self._core, name, self.cases.envelopes[name])
 
     @property
     def solver(self) -> str:
@@ -112,24 +162,32 @@ class SolvedCases(Mapping[str, Results]):
         return self._core.solver()
 
     def __repr__(self) -> str:
-        return f"<morlen.SolvedCases of {self._cases!r}, solver {self.solver}>"
+        return f"<morlen.SolvedCases of {self.cases!r}, solver {self.solver}>"
 
 
-class Cases:
+class Cases(Fixed):
     """A file of load cases with its model and its loads, made by `read_cases`."""
 
+    names: tuple[str, ...]
+    """The names of the load cases."""
+    titles: dict[str, str]
+    combinations: dict[str, dict[str, float]]
+    """Cases and combinations by name, each with the factors of its cases."""
+    envelopes: dict[str, tuple[str, ...]]
+    """Envelopes by name, each with the names of its cases and combinations."""
+
     def __init__(self, path: str, text: bytes) -> None:
-        self._path = path
+        core = _core.read_cases(encoded(path), text)
+        names, titles, combinations, envelopes = core.content()
+        super().__init__(
+            names=tuple(names),
+            titles=dict(zip(names, titles)),
+            combinations=dict(combinations),
+            envelopes={name: tuple(of) for name, of in envelopes},
+        )
+        self._path = os.path.abspath(path)
         self._text = text
-        self._core: _core.Cases | None = _core.read_cases(path, text)
-        names, titles, combinations, envelopes = self._core.content()
-        self.names: tuple[str, ...] = tuple(names)
-        """The names of the load cases."""
-        self.titles: dict[str, str] = dict(zip(names, titles))
-        self.combinations: dict[str, dict[str, float]] = dict(combinations)
-        """Cases and combinations by name, each with the factors of its cases."""
-        self.envelopes: dict[str, tuple[str, ...]] = {name: tuple(of) for name, of in envelopes}
-        """Envelopes by name, each with the names of its cases and combinations."""
+        self._core: _core.Cases | None = core
 
     def solve(
         self, solver: str | None = None, progress: Callable[[str], object] | None = None
@@ -138,8 +196,13 @@ class Cases:
 
         A second call reads the files that the cases name again.
         """
+        arguments = solution_arguments(solver, progress)
         core, self._core = self._core, None
-        return SolvedCases((core or _core.read_cases(self._path, self._text)).solve(solver, progress), self)
+        core = core or _core.read_cases(encoded(self._path), self._text)
+        return SolvedCases(core.solve(*arguments), self)
+
+    def __getstate__(self) -> dict[str, Any]:
+        return vars(self) | {"_core": None}  # the files are read again for a solution
 
     def __repr__(self) -> str:
         others = len(self.combinations) - len(self.names)
@@ -155,4 +218,5 @@ def read_cases(path: str | os.PathLike[str]) -> Cases:
     """
     if not hasattr(_core, "read_cases"):
         raise NotImplementedError("this package has been built without load cases")
-    return Cases(os.fspath(path), read_bytes(path))
+    name = name_of(path)
+    return Cases(name, read_bytes(name))

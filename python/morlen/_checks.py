@@ -6,7 +6,7 @@ import os
 from typing import NamedTuple
 
 from . import _core
-from ._files import read_bytes, to_bytes
+from ._files import name_of, read_bytes, to_bytes
 
 
 class Finding(NamedTuple):
@@ -25,7 +25,7 @@ class Finding(NamedTuple):
 
 def check(path: str | os.PathLike[str]) -> list[Finding]:
     """All findings in a problem file, by place; those of the whole file come last."""
-    return check_text(read_bytes(path))
+    return check_text(read_bytes(name_of(path)))
 
 
 def check_text(text: str | bytes) -> list[Finding]:

@@ -22,11 +22,12 @@ class Error(Exception):
         column: int | None = None,
         hint: str | None = None,
     ) -> None:
+        hint = hint or None
         super().__init__(message, line, column, hint)
         self.message = message
         self.line = line
         self.column = column
-        self.hint = hint or None
+        self.hint = hint
 
     def __str__(self) -> str:
         place = f"line {self.line}, column {self.column}: " if self.line else ""

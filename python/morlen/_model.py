@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import operator
 import os
 from collections.abc import Callable, Iterator, Mapping
 from dataclasses import dataclass
@@ -10,7 +11,8 @@ from typing import Literal, NamedTuple
 
 from . import _core
 from ._core import Material
-from ._files import read_bytes, to_bytes
+from ._files import encoded, name_of, read_bytes, to_bytes
+from ._fixed import Fixed
 from ._results import Results
 from ._typing import Floats, Ints
 
@@ -60,14 +62,22 @@ class Elements:
         return len(self.numbers)
 
 
-class Materials(Mapping[int, Material]):
+class Materials(Fixed, Mapping[int, Material]):
     """The materials of a model by their numbers, as live objects."""
 
     def __init__(self, core: _core.Model) -> None:
         self._core = core
 
     def __getitem__(self, number: int) -> Material:
-        return self._core.material(number)
+        try:
+            return self._core.material(operator.index(number))
+        except (KeyError, TypeError, OverflowError):
+            raise KeyError(f"no material {number!r}; the model has {self._all()}") from None
+
+    def _all(self) -> str:
+        numbers = [str(number) for number in self]
+        listed = ", ".join(numbers[:10]) + (", ..." if len(numbers) > 10 else "")
+        return f"the material{'s' if len(numbers) > 1 else ''} {listed}" if numbers else "none"
 
     def __iter__(self) -> Iterator[int]:
         return iter(self._core.material_numbers())
@@ -79,7 +89,7 @@ class Materials(Mapping[int, Material]):
         return f"<materials {', '.join(map(str, self))}>"
 
 
-class Model:
+class Model(Fixed):
     """A model, made by `read`, `parse` or `Builder.model`. It can be solved again and again."""
 
     def __init__(self, core: _core.Model) -> None:
@@ -135,7 +145,7 @@ class Model:
         Other threads run meanwhile. Ctrl-C ends the analysis. Raises Error for a model that the
         program refuses, ValueError for an unknown solver.
         """
-        return Results(self._core.solve(solver, progress))
+        return Results(self._core.solve(*solution_arguments(solver, progress)))
 
     def __getstate__(self) -> _core.Model:
         return self._core
@@ -151,11 +161,23 @@ class Model:
         return f"<morlen.Model {self.kind}: {', '.join(counts)}>"
 
 
+def solution_arguments(
+    solver: str | None, progress: Callable[[str], object] | None
+) -> tuple[str | None, Callable[[str], object] | None]:
+    """The arguments of `solve`. Raises TypeError for those of other types."""
+    if not (solver is None or isinstance(solver, str)):
+        raise TypeError(f"solver is a name or None, not {solver!r}")
+    if not (progress is None or callable(progress)):
+        raise TypeError(f"progress is a function or None, not {progress!r}")
+    return solver, progress
+
+
 def read(path: str | os.PathLike[str]) -> Model:
     """Reads a problem file. Raises Error where the program refuses it, OSError without a file."""
-    return parse(read_bytes(path))
+    name = name_of(path)
+    return Model(_core.parse(read_bytes(name), [encoded(os.path.abspath(name))]))
 
 
 def parse(text: str | bytes) -> Model:
     """Reads the text of a problem file. Raises Error where the program refuses it."""
-    return Model(_core.parse(to_bytes(text)))
+    return Model(_core.parse(to_bytes(text), []))

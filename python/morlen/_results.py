@@ -2,12 +2,14 @@
 
 from __future__ import annotations
 
+import operator
 import os
 from functools import cached_property
 from typing import TYPE_CHECKING, Any
 
 from . import _core
-from ._files import name_of
+from ._files import encoded, name_of
+from ._fixed import Fixed
 from ._typing import Floats, Ints
 
 if TYPE_CHECKING:
@@ -21,44 +23,62 @@ _LOCAL = ("Nx", "Ny", "Nxy", "Mx", "My", "Mxy", "Qx", "Qy")
 _MAIN = ("N11", "N22", "0", "M11", "M22", "0", "Qm1", "Qm2")
 
 
-def _require_points(points: int, least: int) -> None:
-    if points < least:
-        raise ValueError(f"points must be {least} or more")
+# The most bytes of an array of results along beams: more is a slip, and would fill the memory.
+_MOST_BYTES = 2**32
 
 
-class BeamResults:
+def _point_count(points: int, least: int, beams: int, width: int) -> int:
+    """The number of points as an int. beams, width: the other sides of the array."""
+    try:
+        count = operator.index(points)
+    except TypeError:
+        raise TypeError(f"points is a whole number, not {points!r}") from None
+    if count < least:
+        raise ValueError(f"points is at least {least}, not {count}")
+    most = _MOST_BYTES // (8 * width * max(beams, 1))
+    if count > most:
+        of_beams = f"{beams} beam" + ("" if beams == 1 else "s")
+        raise ValueError(f"points is at most {most} for {of_beams}, an array of 4 GiB, not {count}")
+    return count
+
+
+class BeamResults(Fixed):
     """The results of the beams, in the order of `numbers`."""
 
     components = ("N", "Vy", "Vz", "T", "My", "Mz")
+    numbers: Ints
+    """(beams) their numbers in the problem file."""
 
     def __init__(self, core: _core.Solved, numbers: Ints) -> None:
+        super().__init__(numbers=numbers)
         self._core = core
-        self.numbers = numbers
 
     def forces(self, points: int = 21) -> Floats:
         """(beams, points, 6) N, Vy, Vz [force], T, My, Mz [moment] in local axes.
 
         The points have equal distances and begin and end at the ends of the beam; a single point is
-        its middle. In the plane Vz, T and My are 0. Loads on the span count.
+        its middle. In the plane Vz, T and My are 0. Loads on the span count. The array has 4 GiB at
+        most.
         """
-        _require_points(points, 1)
-        return self._core.beam_forces(points)
+        return self._core.beam_forces(_point_count(points, 1, len(self), 6))
 
     def displacements(self, points: int = 21) -> Floats:
         """(beams, points, 3) displacements along global x, y, z [length]; 2 in the plane."""
-        _require_points(points, 2)
-        return self._core.beam_displacements(points)
+        return self._core.beam_displacements(_point_count(points, 2, len(self), 3))
 
     def __len__(self) -> int:
         return len(self.numbers)
 
 
-class ShellResults:
+class ShellResults(Fixed):
     """The results of the shells, in the order of `numbers`."""
 
+    numbers: Ints
+    """(shells) their numbers in the problem file."""
+
     def __init__(self, core: _core.Solved, numbers: Ints) -> None:
+        super().__init__(numbers=numbers)
         self._core = core
-        self.numbers = numbers
 
     @property
     def components(self) -> tuple[str, ...]:
@@ -88,14 +108,16 @@ class ShellResults:
         return len(self.numbers)
 
 
-class SolidResults:
+class SolidResults(Fixed):
     """The results of the solids, at the nodes."""
 
     components = ("Sx", "Sy", "Sz", "Txy", "Tyz", "Txz")
+    numbers: Ints
+    """(solids) their numbers in the problem file."""
 
     def __init__(self, core: _core.Solved, numbers: Ints) -> None:
+        super().__init__(numbers=numbers)
         self._core = core
-        self.numbers = numbers
 
     @cached_property
     def stress(self) -> Floats:
@@ -106,7 +128,7 @@ class SolidResults:
         return len(self.numbers)
 
 
-class Results:
+class Results(Fixed):
     """The results of an analysis for one load case. They can be pickled."""
 
     def __init__(self, core: _core.Solved) -> None:
@@ -179,12 +201,14 @@ class Results:
         vtu: str | os.PathLike[str] | None = None,
         report: str | os.PathLike[str] | None = None,
     ) -> None:
-        """Writes files, each of them complete or not at all.
+        """Writes files: all of them, or none and all are as before.
 
         text, post, mesh: as of `morlen`; vtu: as of `morlen-export`; report: as of `morlen-report`.
-        The mesh file is written together with `post`.
+        The mesh file is written together with `post`. Problem files, files of load cases and all
+        files that the model was read from are refused.
         """
-        self._core.write(*map(name_of, (text, post, mesh, vtu, report)))
+        paths = (text, post, mesh, vtu, report)
+        self._core.write(*(None if path is None else encoded(name_of(path)) for path in paths))
 
     def to_pandas(self) -> dict[str, pandas.DataFrame]:
         """Tables by name: displacements and reactions by node, beams by beam and point, shells by

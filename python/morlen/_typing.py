@@ -7,3 +7,4 @@ import numpy.typing as npt
 
 Floats = npt.NDArray[np.float64]
 Ints = npt.NDArray[np.int32]
+Texts = npt.NDArray[np.object_]

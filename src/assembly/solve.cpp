@@ -56,7 +56,7 @@ ReaVecV LoadsOnSupports(const VoidPlex& nodes, const NodeComponents& components,
   return negative;
 }
 
-// The values that a prescribed component has in the sides.
+// The values of one prescribed component, one for each right-hand side.
 class PrescribedValues
 {
 public:
@@ -65,10 +65,11 @@ public:
   {
   }
 
-  // ofProblem: for sides without settlements of their own.
-  const std::vector<double>& At(int equation, double ofProblem)
+  // inProblem: the value in the problem, which counts for right-hand sides whose load case has no
+  // settlements.
+  const std::vector<double>& At(int equation, double inProblem)
   {
-    std::fill(values.begin(), values.end(), ofProblem);
+    std::fill(values.begin(), values.end(), inProblem);
     for (std::size_t k = 0; k < cases.size(); ++k) {
       if (cases[k].settlements)
         values[k] = ValueAt(*cases[k].settlements, equation);

@@ -9,7 +9,8 @@ using InterruptionTest = void (*)();
 extern constinit thread_local InterruptionTest interruptionTest;
 
 /// Called in all long loops, many times a second: a program that embeds the library can end a run.
-/// The functions in between leave no owner behind, as with fatal errors.
+/// The test may throw. As with fatal errors, each function on the way frees its memory and files by
+/// destructors.
 inline void CheckInterruption()
 {
   if (interruptionTest)

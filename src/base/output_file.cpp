@@ -132,13 +132,18 @@ std::ofstream& OutputFile::Stream()
   return stream;
 }
 
-void OutputFile::Commit()
+void OutputFile::Complete()
 {
   if (stream.is_open())
     CloseOutput(stream);
+  if (temporary.IsCreated() && temporary.Sync() != 0)
+    DiskIsFull();
+}
+
+void OutputFile::Commit()
+{
+  Complete();
   if (temporary.IsCreated()) {
-    if (temporary.Sync() != 0)
-      DiskIsFull();
     if (const int error = temporary.Rename())
       CannotOpen(name, error);
   }

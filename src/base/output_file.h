@@ -44,8 +44,10 @@ public:
   /// Opened for writing by the first call. Fatal when that fails.
   std::ofstream& Stream();
 
-  /// Closes the stream and puts the content under the name of the file. Fatal when anything written
-  /// has been lost.
+  /// Closes the stream and waits until the content is on the disk; then only the name is missing.
+  /// Fatal when anything written has been lost.
+  void Complete();
+  /// Completes the file and puts the content under its name. Fatal as Complete.
   void Commit();
 
 private:

@@ -1,11 +1,11 @@
 // The results of a load case as one array, and the values that users see computed from it.
 //
-// A column has what is linear in the loads and cannot be computed from the rest. Beams have their
-// end forces and the loads along them, which are linear too: forces and displacements at division
-// points follow by the closed forms of SpanLoad, so that a column is small whatever the number of
-// points. Smoothing of local forces is a fixed linear map, and the column has its result. Smoothed
-// principal forces are not linear; where a problem asks for them, the column has the forces before
-// smoothing too.
+// All values of a column are linear in the loads, and none of them can be computed from the others.
+// A beam has its end forces and the loads along it: forces and displacements at division points
+// follow by the closed forms of SpanLoad, so that the number of points does not change the size of
+// a column. Smoothing of local forces is a fixed linear map, and the column has the smoothed
+// forces. Smoothed principal forces are not linear in the loads; where a problem asks for them, the
+// column has the forces before smoothing too.
 
 #include "cases/result_layout.h"
 

@@ -1,9 +1,11 @@
 #include "cases/solved_cases.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "assembly/analysis.h"
 #include "assembly/solve.h"
+#include "base/byte_archive.h"
 #include "base/errorwriter.h"
 #include "cases/case_loads.h"
 #include "problem/problem.h"
@@ -65,6 +67,18 @@ SolvedCases::SolvedCases(Problem& problem, const ElementFamilies& families,
       SolverFailed(problem.meshes, problem.components, -1);
     }
   });
+}
+
+SolvedCases::SolvedCases(const Problem& problem, const ElementFamilies& families,
+                         std::vector<std::vector<double>>&& columns_,
+                         std::vector<SolutionAccuracy>&& accuracies_)
+    : layout(std::make_unique<ResultLayout>(problem, families)),
+      columns(std::move(columns_)),
+      accuracies(std::move(accuracies_))
+{
+  const auto fits = [&](const std::vector<double>& one) { return one.size() == layout->Size(); };
+  if (accuracies.size() != columns.size() || !std::all_of(columns.begin(), columns.end(), fits))
+    RefuseBytes();
 }
 
 bool SolvedCases::Enter(std::size_t index, Solution&& solution, Problem& problem,

@@ -28,6 +28,11 @@ public:
   /// Memory: that of one analysis, a load vector for each case, and the columns.
   SolvedCases(Problem& problem, const ElementFamilies& families, std::span<LoadSet> cases,
               const AnalysisOptions& options);
+  /// Results that have been stored. problem: as the other constructor has left it. Fatal for
+  /// columns that are not of this problem.
+  SolvedCases(const Problem& problem, const ElementFamilies& families,
+              std::vector<std::vector<double>>&& columns,
+              std::vector<SolutionAccuracy>&& accuracies);
 
   int Count() const { return static_cast<int>(columns.size()); }
   const ResultLayout& Layout() const { return *layout; }

@@ -11,6 +11,7 @@
 #include "problem/keyword_hint.h"
 #include "problem/nodal_reader.h"
 #include "problem/problem_reader.h"
+#include "problem/top_level_word.h"
 
 namespace morlen {
 
@@ -35,17 +36,11 @@ constexpr std::string_view kNodalLoads = "nodal_point_loads";
   Fatal("Unknown key name=", word, "\n");
 }
 
-void ReadWord(TextScan& text, Problem& problem)
+void ReadNext(TextScan& text, Problem& problem)
 {
-  const std::string_view word = text.ReadWord();
+  const auto [word, before] = ReadTopLevelWord(text);
   if (word.empty())
     return;
-  if (word[0] == '#')
-    return text.SkipLine();
-  Note(ReadEvent::Keyword, word);
-  const TextScan::Block before = text.LastBlock();
-  if (IsBlockKeyword(word))
-    text.EnterBlock(word);
   if (EqualsNoCase(word, kSettlements)) {
     NoteTopic(ReadTopic::Supports);
     ReadSettlements(text, problem);
@@ -71,7 +66,7 @@ void ReadLoadBlocks(TextScan& text, Problem& problem)
 {
   text.GoTo(WithoutByteOrderMark(text.TextAhead()).data());
   while (!text.AtEnd())
-    Attempt(&text, [&] { ReadWord(text, problem); });
+    Attempt(&text, [&] { ReadNext(text, problem); });
 }
 
 }  // namespace morlen

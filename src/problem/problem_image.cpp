@@ -85,7 +85,7 @@ void VisitConstraint(AnyConstraint& constraint, Visit& visit)
 
 // The records have no bytes between their members: equal problems have equal images.
 
-/// A node without what is applied to it.
+/// A node; its hinge, support and load follow in records, where `marks` says so.
 struct NodeRecord
 {
   int number;

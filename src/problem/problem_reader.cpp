@@ -25,6 +25,7 @@
 #include "problem/problem.h"
 #include "problem/settings_reader.h"
 #include "problem/switch_reader.h"
+#include "problem/top_level_word.h"
 #include "problem/units_reader.h"
 
 namespace morlen {
@@ -273,17 +274,11 @@ const Keyword* SwitchBefore(const TextScan& text, std::string_view word)
   Fatal("Unknown key name=", word, "\n");
 }
 
-void ReadWord(TextScan& text, Problem& problem)
+void ReadNext(TextScan& text, Problem& problem)
 {
-  const std::string_view word = text.ReadWord();
+  const auto [word, before] = ReadTopLevelWord(text);
   if (word.empty())
     return;
-  if (word[0] == '#')
-    return text.SkipLine();
-  Note(ReadEvent::Keyword, word);
-  const TextScan::Block before = text.LastBlock();
-  if (IsBlockKeyword(word))
-    text.EnterBlock(word);
   if (!ReadKeyword(text, word, problem) && !ReadElemLoad(text, word, problem))
     RefuseKey(text, word, before);
 }
@@ -366,7 +361,7 @@ void ReadProblem(TextScan& text, Problem& problem)
     return;
   problem.components = ComponentsOf(problem.problemType);
   while (!text.AtEnd()) {
-    const bool read = Attempt(&text, [&] { ReadWord(text, problem); });
+    const bool read = Attempt(&text, [&] { ReadNext(text, problem); });
     if (!read && !problem.meshes.empty() && problem.meshes.back()->GiveFvType() == 0)
       return;  // the lists of a mesh whose head is unreadable have no meaning
   }

@@ -202,7 +202,9 @@ def check_inputs_stay(folder):
     before = (folder / "B.txt").read_text()
     for where in (".", str(folder), "../" + folder.name):
         refused = run(folder, CASES, "own.cases", "-o", where, "--write", "B", "--formats", "text")
-        require(refused.returncode == 2 and "is an input" in refused.stderr, refused.stderr)
+        require(refused.returncode == 2 and "B.txt is read and can't be written" in refused.stderr,
+                refused.stderr)
+        require("hint: " in refused.stderr and "-o" in refused.stderr, refused.stderr)
         require((folder / "B.txt").read_text() == before, "an input has been replaced")
     require(run(folder, CASES, "own.cases", "--write", "B").returncode == 0, "another folder")
 

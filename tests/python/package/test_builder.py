@@ -1,5 +1,7 @@
 """Models from arrays."""
 
+import re
+
 import numpy as np
 import pytest
 from small_models import A, E, G, IY, IZ, J, LENGTH, PLANE, SHELLS, SOLID
@@ -194,6 +196,78 @@ def test_mistakes_raise(mistake):
     with pytest.raises(ValueError):
         mistake(b)
     assert b.text() == before
+
+
+# Each error says the argument, the shape that it has to have and the one that it has.
+@pytest.mark.parametrize(
+    "mistake, text",
+    [
+        (lambda b: b.nodes([[0, 0]]), "coordinates: expected numbers of the shape (n, 3), got (1, 2)"),
+        (lambda b: b.nodes("x"), "coordinates: expected numbers of the shape (n, 3), got 'x'"),
+        (
+            lambda b: b.nodes([[0, 0, 0], [1, 2]]),
+            "coordinates: expected numbers of the shape (n, 3), got rows of different",
+        ),
+        (lambda b: b.nodes([0, 0, np.nan]), "coordinates: expected finite numbers"),
+        (lambda b: b.beams([[1, 2, 3]], 1), "nodes: expected whole numbers of the shape (n, 2), got (1, 3)"),
+        (
+            lambda b: b.shells([[1, 2]], 1),
+            "nodes: expected whole numbers of the shape (n, 3) or (n, 6), got (1, 2)",
+        ),
+        (lambda b: b.beams([[1.0, 2.0]], 1), "nodes: expected whole numbers, got float64"),
+        (
+            lambda b: b.beams([[1, 2]], [1, 1]),
+            "materials: expected whole numbers of the shape (1,), got (2,)",
+        ),
+        (
+            lambda b: b.supports([1, 2], "111111", [[0] * 6] * 3),
+            "values: expected numbers of the shape (2, 6), got (3, 6)",
+        ),
+        (lambda b: b.supports(1, "11x"), "flags: expected 0, 1 or 2, got '11x'"),
+        (lambda b: b.supports(1, "1113"), "flags: expected numbers of the shape (1, 3) or (1, 6), got (4,)"),
+        (
+            lambda b: b.supports([[1, 2]], "111111"),
+            "nodes: expected whole numbers of the shape (n,), got (1, 2)",
+        ),
+        (
+            lambda b: b.supports(1, "222222"),
+            "values: expected the stiffnesses of the springs (flags 2), got None",
+        ),
+        (lambda b: b.supports(1, "112000"), "values: expected the stiffnesses"),
+        (lambda b: b.loads(1, [1, 2]), "values: expected numbers of the shape (1, 3) or (1, 6), got (2,)"),
+        (lambda b: b.hinges(nodes=[1], code="11"), "code: expected with elements only"),
+        (lambda b: b.hinges(1, 3), "code: expected '00', '01', '10' or '11', got 3"),
+        (
+            lambda b: b.element_loads([1, 1, 1], [1, 2, 3], "face", faces=[1, 2]),
+            "faces: expected whole numbers of the shape (3,), got (2,)",
+        ),
+        (
+            lambda b: b.temperature_loads([1, 1], [1e-5] * 3, 20),
+            "expansion: expected numbers of the shape (2,), got (3,)",
+        ),
+        (
+            lambda b: b.temperature_loads(1, 1e-5, "hot"),
+            "change: expected numbers of the shape (1,), got 'hot'",
+        ),
+        (lambda b: b.materials(E=[1, 2], A=[1, 2, 3]), "A: expected numbers of the shape (2,), got (3,)"),
+        (lambda b: b.materials(E="steel"), "E: expected numbers of the shape (n,), got 'steel'"),
+        (lambda b: b.materials(E=np.inf), "E: expected finite numbers"),
+        (lambda b: b.units(3, "m"), "3 is no name of a unit"),
+        (lambda b: morlen.Builder("1d"), "kind: expected '2d' or '3d', got '1d'"),
+    ],
+)
+def test_errors_name_argument_and_shapes(mistake, text):
+    b, _, _ = cantilever()
+    before = b.text()
+    with pytest.raises(ValueError, match="^" + re.escape(text)):
+        mistake(b)
+    assert b.text() == before
+
+
+def test_misspelt_names_raise():
+    b, _, _ = cantilever()
+    with pytest.raises(AttributeError, match="Builder has no attribute 'coment'"):
+        b.coment = "A mast"
 
 
 def test_what_the_program_refuses_is_an_error():

@@ -1,5 +1,6 @@
 """Load cases: each as the problem file that it is, combinations as sums, envelopes as extremes."""
 
+import gc
 import pickle
 import re
 
@@ -60,8 +61,10 @@ def test_content(frame):
     assert solved.solver == "SkyLine" and "ULS 1" in solved and "ULS" not in solved
     with pytest.raises(KeyError):
         solved["ULS 3"]
-    with pytest.raises(KeyError):
+    with pytest.raises(KeyError, match="no envelope 'G'"):
         solved.envelope("G")
+    with pytest.raises(KeyError, match="no case or combination 3"):
+        solved[3]
 
 
 @pytest.mark.parametrize(
@@ -86,7 +89,7 @@ def test_cases_are_the_problem_files_that_they_are(name, loads, frame, tmp_path)
 
 def test_combinations_are_sums(frame):
     solved = morlen.read_cases(frame).solve()
-    for name, factors in solved._cases.combinations.items():
+    for name, factors in solved.cases.combinations.items():
         parts = [(factor, solved[case]) for case, factor in factors.items()]
         for take in (
             lambda r: r.displacements,
@@ -107,6 +110,106 @@ def test_results_of_cases_can_be_pickled_and_outlive_the_others(frame, tmp_path)
     r.write(post=tmp_path / "a")
     other.write(post=tmp_path / "b")
     assert (tmp_path / "a").read_bytes() == (tmp_path / "b").read_bytes()
+
+
+def same_arrays(one, other):
+    np.testing.assert_array_equal(one, other)
+    assert not other.flags.writeable
+
+
+def test_solved_cases_can_be_pickled(frame, tmp_path, monkeypatch):
+    solved = morlen.read_cases(frame).solve()
+    state = pickle.dumps(solved)
+    # No file is read again and nothing is solved again.
+    for file in tmp_path.iterdir():
+        file.unlink()
+    other = pickle.loads(state)
+    assert list(other) == list(solved) and other.solver == solved.solver and repr(other) == repr(solved)
+    for name in solved:
+        same_arrays(solved[name].displacements, other[name].displacements)
+        same_arrays(solved[name].beams.forces(9), other[name].beams.forces(9))
+        same_arrays(solved[name].reactions, other[name].reactions)
+        assert solved[name].residual == other[name].residual
+    for envelope in ("ULS", "all"):
+        one, two = solved.envelope(envelope).beams, other.envelope(envelope).beams
+        same_arrays(one.maximum, two.maximum)
+        same_arrays(one.minimum_by, two.minimum_by)
+    solved["ULS 1"].write(text=tmp_path / "a.txt", vtu=tmp_path / "a.vtu")
+    again = pickle.loads(pickle.dumps(other))
+    again["ULS 1"].write(text=tmp_path / "b.txt", vtu=tmp_path / "b.vtu")
+    for ending in ("txt", "vtu"):
+        assert (tmp_path / f"a.{ending}").read_bytes() == (tmp_path / f"b.{ending}").read_bytes()
+    with pytest.raises(morlen.Error, match="can't read file"):  # a second solution reads the files again
+        other.cases.solve()
+
+
+def test_results_outlive_the_solved_cases_of_a_pickle(frame):
+    solved = morlen.read_cases(frame).solve()
+    expected = solved["ULS 2"].beams.forces(5)
+    one = pickle.loads(pickle.dumps(solved))["ULS 2"]
+    gc.collect()
+    np.testing.assert_array_equal(one.beams.forces(5), expected)
+    np.testing.assert_array_equal(pickle.loads(pickle.dumps(one)).beams.forces(5), expected)
+
+
+def test_envelopes_can_be_pickled(frame):
+    envelope = morlen.read_cases(frame).solve().envelope("ULS")
+    before = envelope.displacements
+    other = pickle.loads(pickle.dumps(envelope))
+    assert other.name == "ULS" and other.names == envelope.names and repr(other) == repr(envelope)
+    for kind in ("displacements", "reactions", "beams", "shells", "solids"):
+        one, two = getattr(envelope, kind), getattr(other, kind)
+        assert one.components == two.components and one.names == two.names
+        for values in ("numbers", "minimum", "maximum", "minimum_by", "maximum_by"):
+            same_arrays(getattr(one, values), getattr(two, values))
+    alone = pickle.loads(pickle.dumps(before))
+    same_arrays(before.maximum, alone.maximum)
+    assert alone.maximum_name[1, 0, 1] == before.maximum_name[1, 0, 1]
+
+
+def test_unsolved_cases_can_be_pickled(frame, tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
+    cases = morlen.read_cases("frame.cases")
+    other = pickle.loads(pickle.dumps(cases))
+    monkeypatch.chdir("/")
+    same_arrays(cases.solve()["ULS 1"].displacements, other.solve()["ULS 1"].displacements)
+
+
+def test_damaged_pickles_of_cases_are_refused(frame):
+    core = morlen.read_cases(frame).solve()._core
+    state = core.__getstate__()
+    for damaged in (state[:-5], state[: len(state) // 2], state[:100], b"", b"x" * len(state), state + b"x"):
+        with pytest.raises(morlen.Error, match="stored"):
+            type(core).__new__(type(core)).__setstate__(damaged)
+
+
+def test_inputs_are_never_written_over(frame, tmp_path, monkeypatch):
+    (tmp_path / "snow.txt").write_text(SNOW)
+    frame.write_text(CASES.replace(f"text = '''\n{SNOW}'''", 'loads = "snow.txt"'))
+    assert "snow.txt" in frame.read_text()
+    (tmp_path / "other.cases").write_text("anything")
+    (tmp_path / "link.vtu").symlink_to("frame.cases")
+    (tmp_path / "link2.vtu").symlink_to("other.cases")
+    (tmp_path / "hard.txt").hardlink_to(tmp_path / "snow.txt")
+    monkeypatch.chdir(tmp_path)
+    solved = morlen.read_cases("frame.cases").solve()
+    monkeypatch.chdir("/")
+    plain = morlen.parse(SHELLS).solve()
+    before = {file.name: file.read_bytes() for file in tmp_path.iterdir()}
+    names = ["frame.cases", "frame.dat", "snow.txt", "other.cases", "link.vtu", "link2.vtu", "hard.txt"]
+    for name in names:
+        for kind in ("text", "post", "vtu"):
+            for r in (
+                solved["G"],
+                pickle.loads(pickle.dumps(solved))["G"],
+                pickle.loads(pickle.dumps(solved["G"])),
+            ):
+                with pytest.raises(morlen.Error, match="is read|is a problem file|is a file of load cases"):
+                    r.write(**{kind: tmp_path / name})
+    for name in ("frame.cases", "other.cases", "link2.vtu"):  # also by results of another model
+        with pytest.raises(morlen.Error, match="is a file of load cases"):
+            plain.write(vtu=tmp_path / name)
+    assert {file.name: file.read_bytes() for file in tmp_path.iterdir()} == before
 
 
 def check_extremes(extremes, values, count):
@@ -130,7 +233,15 @@ def test_envelopes_are_extremes(name, frame):
     assert envelope.beams.components == ("N", "Vy", "Vz", "T", "My", "Mz")
     assert envelope.beams.minimum.shape == (1, 21, 6) and envelope.beams.numbers.tolist() == [7]
     check_extremes(envelope.beams, [r.beams.forces(21) for r in members], 6)
+    # Where no value is, none governs, and no name is given.
     assert (envelope.beams.minimum_by[..., [2, 3, 4]] == -1).all()
+    assert (envelope.beams.minimum_name[..., [2, 3, 4]] == "").all()
+    for by, name in (
+        (envelope.beams.minimum_by, envelope.beams.minimum_name),
+        (envelope.beams.maximum_by, envelope.beams.maximum_name),
+    ):
+        assert name.shape == by.shape
+        assert all(name[i] == envelope.names[by[i]] for i in np.ndindex(by.shape) if by[i] >= 0)
     assert envelope.displacements.components == ("ux", "uy", "rz", "u")
     check_extremes(envelope.displacements, [r.displacements for r in members], 3)
     lengths = np.array([np.hypot(*r.displacements[:, :2].T) for r in members])

@@ -130,6 +130,80 @@ def test_unknown_names_raise():
         model.solve().beams.displacements(points=1)
 
 
+@pytest.mark.parametrize(
+    "mistake, error, text",
+    [
+        (lambda m: m.materials["x"], KeyError, "no material 'x'; the model has the material 1"),
+        (lambda m: m.materials[2], KeyError, "no material 2; the model has the material 1"),
+        (lambda m: m.materials[10**20], KeyError, "no material 100000000000000000000"),
+        (lambda m: m.materials[1.5], KeyError, "no material 1.5"),
+        (lambda m: setattr(m.materials[1], "A", "x"), TypeError, "A is a number, not 'x'"),
+        (lambda m: setattr(m.materials[1], "E", None), TypeError, "E is a number, not None"),
+        (lambda m: setattr(m.materials[1], "Iz", [1, 2]), TypeError, "Iz is a number, not [1, 2]"),
+        (lambda m: setattr(m.materials[1], "Euler", 3), TypeError, "Euler is None or three numbers, not 3"),
+        (
+            lambda m: setattr(m.materials[1], "Euler", (1, 2)),
+            TypeError,
+            "Euler is None or three numbers, not (1, 2)",
+        ),
+        (
+            lambda m: setattr(m.materials[1], "Euler", "abc"),
+            TypeError,
+            "Euler is None or three numbers, not 'abc'",
+        ),
+        (lambda m: m.materials[1].rectangle("a", 1), TypeError, "widthY is a number, not 'a'"),
+        (lambda m: m.solve(solver=3), TypeError, "solver is a name or None, not 3"),
+        (lambda m: m.solve(progress=3), TypeError, "progress is a function or None, not 3"),
+        (lambda m: m.solve().beams.forces(points=2.5), TypeError, "points is a whole number, not 2.5"),
+        (lambda m: m.solve().beams.forces(10**9), ValueError, "points is at most 89478485 for 1 beam"),
+        (
+            lambda m: m.solve().beams.displacements(10**10),
+            ValueError,
+            "points is at most 178956970 for 1 beam",
+        ),
+        (lambda m: m.solve().write(text=3), TypeError, "the name of a file is a str or a path, not 3"),
+        (lambda m: morlen.read(3), TypeError, "the name of a file is a str or a path, not 3"),
+        (lambda m: morlen.read(b"a.dat"), TypeError, "the name of a file is a str or a path, not b'a.dat'"),
+        (lambda m: morlen.check(0), TypeError, "the name of a file is a str or a path, not 0"),
+        (lambda m: morlen.parse(3), TypeError, "the text of a problem file is str or bytes, not int"),
+        (lambda m: setattr(m, "foo", 1), AttributeError, "Model has no attribute 'foo' that can be set"),
+        (lambda m: setattr(m, "nodes", 1), AttributeError, "Model has no attribute 'nodes' that can be set"),
+        (lambda m: setattr(m.solve(), "foo", 1), AttributeError, "Results has no attribute 'foo'"),
+        (lambda m: setattr(m.solve().beams, "numbers", 1), AttributeError, "BeamResults has no attribute"),
+        (lambda m: setattr(m.materials, "foo", 1), AttributeError, "Materials has no attribute 'foo'"),
+    ],
+)
+def test_mistakes_are_one_sentence(mistake, error, text):
+    with pytest.raises(error) as caught:
+        mistake(morlen.parse(CANTILEVER))
+    message = str(caught.value.args[0])
+    assert message.startswith(text) and "\n" not in message and "incompatible" not in message
+
+
+def test_numbers_of_numpy_are_numbers():
+    model = morlen.parse(CANTILEVER)
+    model.materials[np.int64(1)].A = np.float32(0.5)
+    assert model.materials[1].A == 0.5
+    model.materials[1].Euler = np.array([0.0, 0.25, 1])
+    assert model.materials[1].Euler == [0, 0.25, 1]
+    assert model.solve().beams.forces(np.int32(3)).shape == (1, 3, 6)
+    assert "x" not in model.materials and 1 in model.materials
+
+
+def test_version():
+    cmake = (TOP / "CMakeLists.txt").read_text()
+    assert re.search(r"(?s)project\(.*?VERSION " + re.escape(morlen.__version__) + r"\b", cmake)
+
+
+def test_errors_without_a_hint():
+    error = morlen.Error("text", hint="")
+    assert error.hint is None and error.args == ("text", None, None, None)
+    assert pickle.loads(pickle.dumps(error)).hint is None
+    with pytest.raises(morlen.Error) as caught:
+        morlen.parse(PLANE + "nodal_point_loads\n2 a\nend\n").solve()
+    assert "" not in caught.value.args
+
+
 def test_errors_have_their_place():
     with pytest.raises(morlen.Error) as caught:
         morlen.parse(PLANE.replace("materials\n1", "materialz\n1", 1))

@@ -3,6 +3,7 @@
 import gc
 import pickle
 import re
+import signal
 import weakref
 
 import numpy as np
@@ -162,6 +163,75 @@ def test_refused_files(tmp_path):
     assert model.read_text() == CANTILEVER
     with pytest.raises(TypeError):
         r.write(pdf="a.pdf")
+
+
+def test_the_model_is_never_written_over(tmp_path, monkeypatch):
+    # Not recognised as a problem file by its first megabyte: only its name protects it.
+    (tmp_path / "model.dat").write_text("# x\n" * 300000 + CANTILEVER)
+    (tmp_path / "link").symlink_to("model.dat")
+    monkeypatch.chdir(tmp_path)
+    model = morlen.read("link")
+    monkeypatch.chdir("/")
+    before = (tmp_path / "model.dat").read_bytes()
+    for r in (
+        model.solve(),
+        pickle.loads(pickle.dumps(model)).solve(),
+        pickle.loads(pickle.dumps(model.solve())),
+        model.solve().model.solve(),
+    ):
+        for name in ("model.dat", "link"):
+            for kind in ("text", "post", "vtu", "report"):
+                with pytest.raises(morlen.Error, match="is read and can't be written"):
+                    r.write(**{kind: tmp_path / name})
+    assert (tmp_path / "model.dat").read_bytes() == before
+
+
+@pytest.mark.parametrize("last", ["nodir/x", "folder", "model.dat", "hall.cases"])
+def test_all_files_are_written_or_none(last, tmp_path):
+    r = solve(CANTILEVER)
+    (tmp_path / "folder").mkdir()
+    (tmp_path / "model.dat").write_text(CANTILEVER)
+    (tmp_path / "hall.cases").write_text("x")
+    (tmp_path / "old").write_text("old")
+    for kinds in (["text", "post", "vtu", "report"], ["report", "vtu", "post", "text"], ["post", "mesh"]):
+        names = {kind: tmp_path / ("old" if k == 0 else f"new{k}") for k, kind in enumerate(kinds)}
+        names[kinds[-1]] = tmp_path / last
+        with pytest.raises(morlen.Error):
+            r.write(**names)
+        assert (tmp_path / "old").read_text() == "old"
+        assert sorted(path.name for path in tmp_path.iterdir()) == [
+            "folder",
+            "hall.cases",
+            "model.dat",
+            "old",
+        ]
+
+
+def test_an_interruption_leaves_all_files_as_they_were(tmp_path, large_model):
+    """Whenever the signal comes, all files have their names, or none."""
+    r = morlen.read(large_model("block", "24")).solve()
+
+    def stop(number, frame):
+        raise KeyboardInterrupt
+
+    before = signal.signal(signal.SIGALRM, stop)
+    stopped = 0
+    try:
+        for delay in (0.05, 0.1, 0.2, 0.3):
+            for file in tmp_path.iterdir():
+                file.unlink()
+            try:
+                signal.setitimer(signal.ITIMER_REAL, delay)
+                r.write(text=tmp_path / "a", post=tmp_path / "b", vtu=tmp_path / "c", report=tmp_path / "d")
+            except KeyboardInterrupt:
+                left = sorted(file.name for file in tmp_path.iterdir())
+                assert left in ([], ["a", "b", "c", "d"])
+                stopped += not left
+            finally:
+                signal.setitimer(signal.ITIMER_REAL, 0)
+    finally:
+        signal.signal(signal.SIGALRM, before)
+    assert stopped > 0
 
 
 @pytest.mark.parametrize("name", ALL)

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <filesystem>
+#include <span>
+#include <string_view>
+
+// The files that a user has written and that no result may replace.
+namespace morlen {
+
+/// True for names of files of load cases: they end in ".cases".
+bool IsCaseFile(std::string_view name);
+
+/// Fatal when the file to be written exists and is a problem file or a file of load cases, also
+/// under the name of a link.
+void RefuseSources(const std::filesystem::path& output);
+
+/// Fatal when the file to be written is one of the inputs under any name. hint: for the error; may
+/// be empty.
+void RefuseInputs(const std::filesystem::path& output,
+                  std::span<const std::filesystem::path> inputs, std::string_view hint = {});
+
+}  // namespace morlen

@@ -71,6 +71,41 @@ TEST_F(OutputFileTest, ChangesNothingUnderItsNameUntilItIsCommitted)
   EXPECT_EQ(folder.Files(), (Files{{"a", "new"}}));
 }
 
+TEST_F(OutputFileTest, CompletedItHasItsContentButNotItsName)
+{
+  folder.Write("a", "old");
+  OutputFile file(Name("a"));
+  file.Stream() << "new";
+  file.Complete();
+  std::string written;
+  std::getline(std::ifstream(file.WrittenName()), written);
+  EXPECT_EQ(written, "new");
+  EXPECT_EQ(folder.Read("a"), "old");
+  file.Commit();
+  EXPECT_EQ(folder.Files(), (Files{{"a", "new"}}));
+}
+
+TEST_F(OutputFileTest, CompletedWithoutCommitNothingIsLeft)
+{
+  folder.Write("a", "old");
+  {
+    OutputFile file(Name("a"));
+    file.Stream() << "new";
+    file.Complete();
+  }
+  EXPECT_EQ(folder.Files(), (Files{{"a", "old"}}));
+}
+
+TEST_F(OutputFileTest, CompletionNoticesAFullDisk)
+{
+  const auto fill = [] {
+    OutputFile file("/dev/full");
+    file.Stream() << "new";
+    file.Complete();
+  };
+  ExpectFatal(fill, "error: Failed writing to disk. Probably the disk is full\n");
+}
+
 TEST_F(OutputFileTest, WithoutCommitNothingIsLeft)
 {
   folder.Write("old", "old");

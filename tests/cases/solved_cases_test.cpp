@@ -19,6 +19,7 @@
 #include "cases/envelope.h"
 #include "problem/load_blocks.h"
 #include "problem/problem.h"
+#include "problem/problem_image.h"
 #include "problem/problem_reader.h"
 #include "run/element_families.h"
 #include "run/project.h"
@@ -74,6 +75,20 @@ std::string EquivalentText(const CasesModel& model, const TestCase& one)
   return model.Text(one.gravity || one.fromModel, (one.fromModel ? model.own : "") + one.loads);
 }
 
+/// Text and post-process results of a column, one after the other.
+std::string Written(Problem& problem, const ResultLayout& layout, std::span<const double> column)
+{
+  const TemporaryFolder folder;
+  {
+    const CaseWriter writer(problem, FamiliesOf(problem), layout, column);
+    std::ofstream text(folder.Path() / "text");
+    writer.WriteText(text);
+    std::ofstream post(folder.Path() / "post");
+    writer.WritePost(post);
+  }
+  return folder.Read("text") + folder.Read("post");
+}
+
 /// A model with all its cases solved.
 class SolvedModel
 {
@@ -99,18 +114,10 @@ public:
   const SolvedCases& Cases() const { return *solved; }
   const Problem& Model() const { return *problem; }
 
-  /// Text and post-process results of a column, one after the other.
+  /// The files of a column.
   std::string Write(std::span<const double> column)
   {
-    const TemporaryFolder folder;
-    {
-      const CaseWriter writer(*problem, FamiliesOf(*problem), solved->Layout(), column);
-      std::ofstream text(folder.Path() / "text");
-      writer.WriteText(text);
-      std::ofstream post(folder.Path() / "post");
-      writer.WritePost(post);
-    }
-    return folder.Read("text") + folder.Read("post");
+    return Written(*problem, solved->Layout(), column);
   }
 
 private:
@@ -329,6 +336,41 @@ TEST(SolvedCases, ColumnsDoNotDependOnTheirNeighbours)
       const std::span<const double> x = a.Cases().Column(static_cast<int>(k));
       const std::span<const double> y = b.Cases().Column(static_cast<int>(many.size() - 1 - k));
       EXPECT_TRUE(std::equal(x.begin(), x.end(), y.begin(), y.end())) << k;
+    }
+  }
+}
+
+// Results of all kinds, shells with smoothed principal values included, come from the columns and
+// an image of the model that was solved.
+TEST(SolvedCases, StoredColumnsGiveTheSameResults)
+{
+  for (const CasesModel& model : AllFamilies()) {
+    SCOPED_TRACE(model.name);
+    SolvedModel solved(model, TestCasesOf(model));
+    Problem problem{100};
+    ReadImage(ImageOf(solved.Model()), problem);
+    std::vector<std::vector<double>> columns;
+    std::vector<SolutionAccuracy> accuracies;
+    for (int k = 0; k < solved.Cases().Count(); ++k) {
+      const std::span<const double> column = solved.Cases().Column(k);
+      columns.emplace_back(column.begin(), column.end());
+      accuracies.push_back(solved.Cases().Accuracy(k));
+    }
+    auto damaged = columns;
+    damaged.back().pop_back();
+    ExpectFatal(
+        [&] {
+          const SolvedCases none(problem, FamiliesOf(problem), std::move(damaged),
+                                 std::vector(accuracies));
+        },
+        "error: the stored data are damaged, or of another version of the program\n");
+    const SolvedCases stored(problem, FamiliesOf(problem), std::move(columns),
+                             std::move(accuracies));
+    ASSERT_EQ(stored.Count(), solved.Cases().Count());
+    for (int k = 0; k < stored.Count(); ++k) {
+      EXPECT_EQ(stored.Accuracy(k).residual, solved.Cases().Accuracy(k).residual);
+      EXPECT_TRUE(Written(problem, stored.Layout(), stored.Column(k)) ==
+                  solved.Write(solved.Cases().Column(k)));
     }
   }
 }

@@ -1,6 +1,7 @@
 """Errors and interruptions leave nothing behind: the memory of the process stays flat."""
 
 import gc
+import pickle
 import random
 
 import pytest
@@ -28,20 +29,29 @@ def try_all(texts):
     return refused
 
 
+def assert_flat(work, warmup, rounds, kilobytes):
+    """The memory grows by less than this over the rounds. Pools and allocator first grow to what the
+    work needs."""
+    for _ in range(warmup):
+        work()
+    gc.collect()
+    before = resident()
+    for _ in range(rounds):
+        work()
+    gc.collect()
+    assert resident() - before < kilobytes
+
+
 @pytest.mark.filterwarnings("ignore")
 def test_2000_errors():
     texts = list(broken_texts(2000, seed=5))
-    # In the first rounds, pools and allocator grow to what the largest of these models needs.
-    for _ in range(3):
+
+    def work():
         assert try_all(texts) > 1500
-    gc.collect()
-    before = resident()
-    for _ in range(5):
-        try_all(texts)
-    gc.collect()
+
     # A leak of 200 bytes for each of these 10,000 models would be 2 MB; the allocator alone moves
     # by half of one.
-    assert resident() - before < 1500
+    assert_flat(work, warmup=3, rounds=5, kilobytes=1500)
 
 
 def test_solutions_are_freed():
@@ -50,15 +60,25 @@ def test_solutions_are_freed():
             results = morlen.parse(text).solve()
             results.beams.forces()
             results.displacements.copy()
+            pickle.loads(pickle.dumps(results))
 
-    for _ in range(20):
-        work()
-    gc.collect()
-    before = resident()
-    for _ in range(300):
-        work()
-    gc.collect()
-    assert resident() - before < 1024
+    assert_flat(work, warmup=20, rounds=300, kilobytes=1024)
+
+
+@pytest.mark.skipif(not hasattr(morlen._core, "read_cases"), reason="built without load cases")
+def test_solved_cases_are_freed(tmp_path):
+    (tmp_path / "m.dat").write_text(ALL["cantilever"])
+    (tmp_path / "m.cases").write_text(
+        'model = "m.dat"\n[cases.A]\nfrom_model = true\n[combinations]\nB = { A = 2 }\n[envelopes]\nE = ["*"]\n'
+    )
+
+    def work():
+        solved = morlen.read_cases(tmp_path / "m.cases").solve()
+        other = pickle.loads(pickle.dumps(solved))
+        other["B"].displacements.copy()
+        pickle.loads(pickle.dumps(other.envelope("E"))).beams
+
+    assert_flat(work, warmup=20, rounds=300, kilobytes=1024)
 
 
 def test_stopped_analyses_are_freed():
@@ -83,11 +103,4 @@ def test_stopped_analyses_are_freed():
             with pytest.raises(Stop):
                 model.solve(progress=stop_at(generator.randrange(8)))
 
-    for _ in range(20):
-        work()
-    gc.collect()
-    before = resident()
-    for _ in range(300):
-        work()
-    gc.collect()
-    assert resident() - before < 1024
+    assert_flat(work, warmup=20, rounds=300, kilobytes=1024)

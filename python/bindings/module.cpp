@@ -124,7 +124,8 @@ std::vector<int> MaterialNumbers(Model& model)
 
 [[noreturn]] void RefuseType(const std::string& expected, const py::handle& given)
 {
-  throw py::type_error(expected + ", not " + std::string(py::repr(given)));
+  const py::object shortened = py::module_::import("reprlib").attr("repr")(given);
+  throw py::type_error(expected + ", not " + shortened.cast<std::string>());
 }
 
 // The number, which is finite. name: of the value.
@@ -198,6 +199,9 @@ void DefineMaterial(py::module_& module)
       "Values are in the units of the results; the names are the keys of the problem file. A "
       "value\n"
       "that is not given is 0.");
+  material.def("__repr__", [](const LiveMaterial& m) {
+    return "<morlen.Material " + std::to_string(m.number) + ">";
+  });
   material.def_property_readonly(
       "number", [](const LiveMaterial& m) { return m.number; }, "Number in the problem file.");
   DefineValue<&M::E1, &M::E2>(material, "E", "Young's modulus [force/length2]; reads as `Ex`.");

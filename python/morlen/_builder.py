@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import reprlib
 from collections.abc import Iterable, Sequence
 from typing import Any, Literal
 
@@ -39,13 +40,12 @@ def _array(values: npt.ArrayLike, what: str, kind: str, shapes: Sequence[tuple[i
     """The values as an array of numbers of any shape."""
     try:
         array = np.asarray(values)
+    except ValueError:
+        raise _shape_fault(what, kind, shapes, "rows of different lengths") from None
+    try:
         return array if array.dtype.kind in "iub" else array.astype(np.float64)
     except (TypeError, ValueError):
-        ragged = isinstance(values, (list, tuple)) and any(
-            np.iterable(v) and not isinstance(v, str) for v in values
-        )
-        got = "rows of different lengths" if ragged else repr(values)
-        raise _shape_fault(what, kind, shapes, got) from None
+        raise _shape_fault(what, kind, shapes, reprlib.repr(values)) from None
 
 
 def _finite(array: Any, what: str) -> Floats:
@@ -68,7 +68,7 @@ def _table(
     values: npt.ArrayLike, what: str, columns: Sequence[int], rows: int | None = None, kind: str = "numbers"
 ) -> Any:
     """Rows of numbers; one row counts for all `rows`."""
-    shapes = [("n" if rows is None else rows, count) for count in columns]
+    shapes: list[tuple[int | str, ...]] = [("n" if rows is None else rows, count) for count in columns]
     given = _array(values, what, kind, shapes)
     table = np.atleast_2d(given)
     if rows is not None and len(table) == 1:
@@ -87,7 +87,7 @@ def _list(values: npt.ArrayLike, what: str, rows: int | None = None, kind: str =
     if rows is not None and numbers.shape == (1,):
         numbers = np.repeat(numbers, rows)
     if numbers.ndim != 1 or (rows is not None and len(numbers) != rows):
-        raise _shape_fault(what, kind, shapes, str(given.shape).replace("'", ""))
+        raise _shape_fault(what, kind, shapes, given.shape)
     return numbers
 
 
@@ -128,6 +128,8 @@ class Builder(Fixed):
         """kind: "2d" for plane frames, else "3d". comment: describes the model in its file."""
         if kind not in ("2d", "3d"):
             raise ValueError(f"kind: expected '2d' or '3d', got {kind!r}")
+        if not isinstance(comment, str):
+            raise ValueError(f"comment: expected a text, got {comment!r}")
         self._kind = kind
         self._comment = comment
         self._units: tuple[str, str, str] | None = None

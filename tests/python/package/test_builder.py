@@ -209,6 +209,11 @@ def test_mistakes_raise(mistake):
             "coordinates: expected numbers of the shape (n, 3), got rows of different",
         ),
         (lambda b: b.nodes([0, 0, np.nan]), "coordinates: expected finite numbers"),
+        (
+            lambda b: b.nodes([["x", 0, 0]]),
+            "coordinates: expected numbers of the shape (n, 3), got [['x', 0, 0]]",
+        ),
+        (lambda b: morlen.Builder(comment=3), "comment: expected a text, got 3"),
         (lambda b: b.beams([[1, 2, 3]], 1), "nodes: expected whole numbers of the shape (n, 2), got (1, 3)"),
         (
             lambda b: b.shells([[1, 2]], 1),

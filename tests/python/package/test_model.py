@@ -138,6 +138,11 @@ def test_unknown_names_raise():
         (lambda m: m.materials[10**20], KeyError, "no material 100000000000000000000"),
         (lambda m: m.materials[1.5], KeyError, "no material 1.5"),
         (lambda m: setattr(m.materials[1], "A", "x"), TypeError, "A is a number, not 'x'"),
+        (
+            lambda m: setattr(m.materials[1], "A", 10**400),
+            TypeError,
+            "A is a number, not 1000000000",
+        ),
         (lambda m: setattr(m.materials[1], "E", None), TypeError, "E is a number, not None"),
         (lambda m: setattr(m.materials[1], "Iz", [1, 2]), TypeError, "Iz is a number, not [1, 2]"),
         (lambda m: setattr(m.materials[1], "Euler", 3), TypeError, "Euler is None or three numbers, not 3"),
@@ -187,6 +192,7 @@ def test_numbers_of_numpy_are_numbers():
     model.materials[1].Euler = np.array([0.0, 0.25, 1])
     assert model.materials[1].Euler == [0, 0.25, 1]
     assert model.solve().beams.forces(np.int32(3)).shape == (1, 3, 6)
+    assert repr(model.materials[1]) == "<morlen.Material 1>"
     assert "x" not in model.materials and 1 in model.materials
 
 

@@ -43,12 +43,14 @@ def _array(values: npt.ArrayLike, what: str, kind: str, shapes: Sequence[tuple[i
     except ValueError:
         raise _shape_fault(what, kind, shapes, "rows of different lengths") from None
     try:
-        return array if array.dtype.kind in "iub" else array.astype(np.float64)
+        return array if array.dtype.kind in "iubc" else array.astype(np.float64)
     except (TypeError, ValueError):
         raise _shape_fault(what, kind, shapes, reprlib.repr(values)) from None
 
 
 def _finite(array: Any, what: str) -> Floats:
+    if np.iscomplexobj(array):
+        raise ValueError(f"{what}: expected real numbers, got {array.dtype}")
     real: Floats = array.astype(np.float64)
     if not np.isfinite(real).all():
         raise ValueError(f"{what}: expected finite numbers")
@@ -162,7 +164,7 @@ class Builder(Fixed):
         """Adds nodes at (n, 3) places [length]; (n, 2) in the plane."""
         places = _floats(coordinates, "coordinates", (self._dimension,))
         first = sum(map(len, self._coordinates)) + 1
-        self._coordinates.append(places.copy())
+        self._coordinates.append(places)
         return np.arange(first, first + len(places))
 
     def beams(self, nodes: npt.ArrayLike, materials: npt.ArrayLike) -> Numbers:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <system_error>
 #include <utility>
 
 #include "arrays.h"
@@ -153,8 +154,9 @@ std::unique_ptr<cases::Study> ReadCases(const std::string& file, std::string_vie
       Refuse(one);
     errorwriter.WriteWarning(check::LineOf(one, file));
   }
+  std::error_code none;  // without a working folder
   for (std::filesystem::path& input : study->inputs)
-    input = std::filesystem::absolute(input);
+    input = std::filesystem::absolute(input, none);
   return study;
 }
 
@@ -184,7 +186,11 @@ Bytes CaseResults::State() const
   put(combinations.size());
   for (const Combination& one : combinations) {
     put(one.name);
-    put.PutList(one.factors.data(), one.factors.size());
+    put(one.factors.size());
+    for (const CaseFactor& factor : one.factors) {
+      put(factor.index);  // by itself: the record has bytes without a value
+      put(factor.factor);
+    }
   }
   put(envelopes.size());
   for (const cases::Envelope& one : envelopes) {
@@ -222,7 +228,11 @@ void CaseResults::GetCombinations(ByteGetter& get)
   combinations.resize(get.GetCount(2 * sizeof(std::size_t)));
   for (Combination& one : combinations) {
     get(one.name);
-    get(one.factors);
+    one.factors.resize(get.GetCount(sizeof(int) + sizeof(double)));
+    for (CaseFactor& factor : one.factors) {
+      get(factor.index);
+      get(factor.factor);
+    }
   }
   envelopes.resize(get.GetCount(2 * sizeof(std::size_t)));
   for (cases::Envelope& one : envelopes) {

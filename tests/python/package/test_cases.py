@@ -120,6 +120,7 @@ def same_arrays(one, other):
 def test_solved_cases_can_be_pickled(frame, tmp_path, monkeypatch):
     solved = morlen.read_cases(frame).solve()
     state = pickle.dumps(solved)
+    assert solved._core.__getstate__() == pickle.loads(state)._core.__getstate__()
     # No file is read again and nothing is solved again.
     for file in tmp_path.iterdir():
         file.unlink()

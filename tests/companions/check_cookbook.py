@@ -1,0 +1,287 @@
+#!/usr/bin/env python3
+"""Compares the recipes of docs/cookbook.md with closed forms.
+
+    check_cookbook.py COOKBOOK FOLDER_OF_MODELS FOLDER_OF_PROGRAMS...
+
+Every problem file of the folder is solved. Each row of the page's tables | result | program | by hand | is
+checked twice: the program's value against the formula, and both against the digits of the page. Indented
+blocks must be lines of the files that their section names, and morlen-check must find nothing in any file.
+Beams, bedding and symmetry are independent of the program: the formulas are those of the recipes.
+"""
+
+import math
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+from math import exp, pi, radians, sqrt, tan
+
+
+class Results:
+    """Results of a run: displacements, end forces and reactions by number, and the blocks of points."""
+
+    def __init__(self, folder, name, text=None):
+        path = pathlib.Path(folder) / name
+        if text is not None:
+            path.write_text(text)
+        run = subprocess.run(["morlen", "-i", "-", name, "out.txt"], cwd=folder, text=True, capture_output=True)
+        if run.returncode:
+            sys.exit(f"{name}: {run.stderr}")
+        self.log = run.stdout
+        self.sections = {}
+        rows, element = None, None
+        for line in (pathlib.Path(folder) / "out.txt").read_text().splitlines():
+            if re.match(r"[A-Z]{4}", line):
+                rows = self.sections.setdefault(line.split(" (")[0], {})
+            elif line.startswith("Element "):
+                element = int(line.split()[1])
+                rows[element] = []
+            elif line.strip():
+                values = [float(word) for word in line.split()]
+                if element is not None and "STRENGTH" in list(self.sections)[-1]:
+                    rows[element].append(values)
+                else:
+                    rows[int(values[0])] = values[1:]
+        self.res = path.with_suffix(".morlen.res").read_text()
+
+    def moved(self, node):
+        return self.sections["NODAL DISPLACEMENTS"][node]
+
+    def ends(self, element):
+        """Forces of the nodes on the element: two ends, local axes."""
+        return self.sections["ELEMENT STRENGTH"][element]
+
+    def reaction(self, node):
+        return self.sections["REACTIONS"][node]
+
+    def block(self, name):
+        """{number: [values of each point]} of a block of the post-process file."""
+        rows, inside = {}, False
+        for line in self.res.splitlines():
+            if " Estatic " in line:
+                inside = line.split(" 4 1.0 ")[0].strip() == name
+            elif inside and re.match(r" ?-?\d", line):
+                values = [float(word) for word in line.split()]
+                if not line.startswith(" "):
+                    current = rows.setdefault(int(values.pop(0)), [])
+                current.append(values)
+        return rows
+
+    def estimated_error(self):
+        return float(re.findall(r"error of the displacements= (\S+),", self.log)[-1])
+
+
+E, STEEL_I, GIRDER_I = 2.1e8, 5696e-8, 11770e-8
+
+
+def rigid_link(r, _):
+    load, h, e, area = 40, 6, 0.5, 78.08e-4
+    return [("deflection of node 3", -r.moved(3)[1],
+             load * e * e * h / (E * STEEL_I) + load * h / (E * area), 2e-5, 1e3),
+            ("sway of node 2", r.moved(2)[0], load * e * h * h / (2 * E * STEEL_I), 1e-5, 1e3)]
+
+
+def girder_under_slab(r, _):
+    q, length, e, slab, girder = 10, 6, 0.28, 0.16, 0.25 * 0.40
+    inertia = slab**3 / 12 + 0.25 * 0.40**3 / 12 + e * e * slab * girder / (slab + girder)
+    moment = q * length**2 / 8
+    axial = moment * e / inertia * slab * girder / (slab + girder)
+    # 2 %: the slab lags a little, and its girder follows the moment in steps between the links.
+    return [("deflection in the middle", -r.moved(middle_of_girder(r))[2], 5 * q * length**4 / (384 * 3e7 * inertia),
+             0.02, 1e3),
+            ("tension of the girder", max(ends[1][0] for n, ends in r.sections["ELEMENT STRENGTH"].items()
+                                          if 1000 < n < 2000), axial, 0.03, 1)]
+
+
+def middle_of_girder(r):
+    return min((u[2], n) for n, u in r.sections["NODAL DISPLACEMENTS"].items())[1]
+
+
+def half_restraint(r, _):
+    q, length, k = 20, 6, 10000
+    return [("moment at the ends", r.reaction(1)[2], q * length**2 / 12 / (1 + 2 * E * GIRDER_I / (k * length)), 1e-5, 1)]
+
+
+def spring_joint(r, _):
+    q, length, k = 20, 6, 10000
+    # 1 %: the shear of the beam bends the short beams too.
+    return [("moment at the ends", abs(r.ends(2)[0][2]),
+             q * length**2 / 12 / (1 + 2 * E * GIRDER_I / (k * length)), 1e-2, 1)]
+
+
+def beam_on_bedding(r, _):
+    load, k, ei, half = 500, 20000, 3e7 * 0.010416667, 12
+    lam = (k / (4 * ei))**0.25
+    assert exp(-lam * half) < 0.02  # the free ends are far away
+    # 1 %: the springs are 0.5 m apart, and the beam ends.
+    return [("deflection under the load", -r.moved(25)[1], load * lam / (2 * k), 1e-2, 1e3),
+            ("moment under the load", abs(r.ends(24)[1][2]), load / (4 * lam), 1.5e-2, 1)]
+
+
+def slab_on_bedding(r, _):
+    load, k, d = 100, 20000, 3e7 * 0.2**3 / 12 / (1 - 0.2**2)
+    # 4 %: shear deformation under the load, and edges at 5 lengths of the slab.
+    return [("deflection under the load", -r.moved(1)[2], load / (8 * sqrt(k * d)), 0.04, 1e3),
+            ("sum of the springs, a quarter", sum(v[2] for v in r.sections["REACTIONS"].values()), load / 4, 1e-5, 1)]
+
+
+def symmetric_half(r, _):
+    q, length, h = 12, 8, 5
+    k = GIRDER_I * h / (STEEL_I * length)
+    corner = q * length**2 / (6 * (k + 2))
+    return [("moment of the corner", abs(r.ends(1)[1][2]), corner, 2e-5, 1),
+            ("moment of the foot", abs(r.reaction(1)[2]), corner / 2, 2e-5, 1),
+            ("moment in the middle of the girder", abs(r.reaction(3)[2]), q * length**2 / 8 - corner, 2e-5, 1)]
+
+
+def antisymmetric_half(r, _):
+    load, length, h = 20, 8, 5
+    k = GIRDER_I * h / (STEEL_I * length)
+    return [("moment of the corner", abs(r.ends(1)[1][2]), load * h / 2 * 3 * k / (6 * k + 1), 2e-5, 1),
+            ("moment of the foot", abs(r.reaction(1)[2]), load * h / 2 * (3 * k + 1) / (6 * k + 1), 2e-5, 1)]
+
+
+def temperature_gradient(r, _):
+    m0, length = 3.3e7 * 3.125e-3 * 1e-5 * 20 / 0.5, 8
+    # The second end of a beam that sags has a positive moment; M0 is tension on top.
+    return [("moment over the middle support", r.ends(1)[1][2] + m0, 1.5 * m0, 1e-5, 1),
+            ("Py of the middle support", r.reaction(2)[1], -3 * m0 / length, 1e-5, 1)]
+
+
+def wall_temperature(r, _):
+    free = 3e7 * 0.2 * 1e-5 * 25 / (1 - 0.2)
+    points = [p for points in r.block("Axial Force").values() for p in points]
+    assert max(p[0] for p in points) - min(p[0] for p in points) < 1e-3
+    # x' is against X on a wall with the normal -Y or +Y: N does not depend on that.
+    return [("N along the wall", points[0][0] - free, -3e7 * 0.2 * 1e-5 * 25, 1e-5, 1),
+            ("N upwards", points[0][1] - free, 0, 1e-3, 1)]
+
+
+def block_temperature(r, _):
+    pressure = 3e7 * 1e-5 * 25 / (1 - 2 * 0.2)
+    stress = r.block("Strengths")[8][0]
+    return [("Sx", stress[0] - pressure, -3e7 * 1e-5 * 25, 1e-5, 1),
+            ("Sy", stress[1] - pressure, 0, 0.1, 1),
+            ("rise of the top", r.moved(8)[2], 1.2 * 1e-5 * 25, 1e-5, 1e3)]
+
+
+def inclined_roller(r, _):
+    return [("Py of the roller", r.reaction(3)[1], 30, 1e-5, 1),
+            ("Px of the roller", r.reaction(3)[0], -30 * tan(radians(30)), 1e-5, 1),
+            ("Px of the pin", r.reaction(1)[0], 30 * tan(radians(30)), 1e-5, 1)]
+
+
+def inclined_roller_in_space(r, _):
+    return [("Pz of the roller", r.reaction(3)[2], 30, 1e-5, 1),
+            ("Py of the roller", r.reaction(3)[1], -30 * tan(radians(30)), 1e-5, 1)]
+
+
+def settlement(r, _):
+    ei, length, sunk = 3.3e7 * 3.125e-3, 8, 0.010
+    return [("moment over the middle support", abs(r.ends(1)[1][2]), 3 * ei * sunk / length**2, 1e-5, 1),
+            ("reaction of the middle support", r.reaction(2)[1], -6 * ei * sunk / length**3, 1e-5, 1)]
+
+
+def prestressed_tie(r, _):
+    h, length, short, area = 4, 6, 0.012, 4.52e-4
+    force = short / (length / (E * area) + 2 * h**3 / (3 * E * STEEL_I))
+    return [("force of the tie", r.ends(2)[1][0], force, 1e-5, 1),
+            ("moment of the foot", abs(r.reaction(1)[2]), force * h, 1e-5, 1)]
+
+
+def parabolic_tendon(r, _):
+    force, sag, length, ei = 1200, 0.30, 12, 3.4e7 * 0.0149333
+    up = 8 * force * sag / length**2
+    return [("rise in the middle", r.moved(2)[1], 5 * up * length**4 / (384 * ei), 1e-5, 1e3),
+            ("moment in the middle", abs(r.ends(1)[1][2]), force * sag, 1e-5, 1)]
+
+
+def one_axis_hinge(r, _):
+    load, length = 15, 6
+    # 2 %: the hinge is 20 mm long.
+    return [("deflection", -r.moved(3)[2], load / 2 * (length / 2)**3 / (3 * E * STEEL_I), 2e-2, 1e3),
+            ("sway", r.moved(3)[1], load * length**3 / (192 * E * 2003e-8), 1e-5, 1e3),
+            ("My at the clamped end", abs(r.reaction(1)[4]), load / 2 * length / 2, 2e-2, 1)]
+
+
+def diaphragm(r, _):
+    wind, width, depth, ratio = 80, 8, 6, (0.40 / 0.30)**4
+    # Stiffness 1 for the columns at x = 8, `ratio` for those at x = 0; the wind acts at x = 4.
+    centre = 2 * width / (2 * ratio + 2)
+    about = 2 * ratio * centre**2 + 2 * (width - centre)**2 + (2 * ratio + 2) * (depth / 2)**2
+    turn = wind * (width / 2 - centre) / about
+    shift = wind / (2 * ratio + 2)
+    # 0.2 %: the bars of the floor stretch a little.
+    return [("shear of columns 1 and 4", -r.reaction(1)[1], ratio * (shift - turn * centre), 2e-3, 1),
+            ("shear of columns 2 and 3", -r.reaction(2)[1], shift + turn * (width - centre), 2e-3, 1),
+            ("Px of columns 1 and 2, by the twist", -r.reaction(1)[0], ratio * turn * depth / 2, 5e-3, 1)]
+
+
+def link_stiffness(folder, text):
+    """Rows of the table of links: error of the deflection by the factor of E, and the estimated error."""
+    load, h, e, area = 40, 6, 0.5, 78.08e-4
+    rigid = load * e * e * h / (E * STEEL_I) + load * h / (E * area)
+    for power in (0, 2, 4, 6, 8, 10):
+        model = text.replace("2.1e12", f"2.1e{8 + power}")
+        r = Results(folder, "link.dat", model)
+        own = load * e**3 / (3 * E * 10**power * STEEL_I) / rigid
+        yield power, -r.moved(3)[1] / rigid - 1, own, r.estimated_error()
+
+
+def sections(page):
+    """{name of a problem file: text of the sections that have it}"""
+    found = {}
+    for text in re.split(r"(?m)^#+ ", page)[1:]:
+        for name in re.findall(r"/cookbook/(\w+)\.dat\)", text):
+            found.setdefault(name, text)
+    return found
+
+
+def rows_of(text, name):
+    """{label: (program, by hand)} of the table of results of a file; the texts keep their digits."""
+    table = text.split(f"/cookbook/{name}.dat)", 1)[1]
+    rows = {}
+    for row in re.findall(r"(?m)^\| ([^|]+) \| ([^|]+) \| ([^|]+) \|$", table):
+        rows.setdefault(row[0], row[1:])
+    return rows
+
+
+def as_printed(value, text):
+    """Whether a number is that of the page, at the page's digits."""
+    number = re.search(r"[-−]?\d[\d.]*", text)[0].replace("−", "-")
+    digits = len(number.partition(".")[2])
+    return abs(float(number) - value) <= 0.51 * 10**-digits
+
+
+def main():
+    page = pathlib.Path(sys.argv[1]).read_text()
+    models = pathlib.Path(sys.argv[2])
+    os.environ["PATH"] = os.pathsep.join([str(pathlib.Path(p).resolve()) for p in sys.argv[3:]] + [os.environ["PATH"]])
+    described = sections(page)
+    files = sorted(path.stem for path in models.glob("*.dat"))
+    faults = [f"{name}: the page lacks it, or the folder" for name in set(files) ^ set(described)]
+    with tempfile.TemporaryDirectory() as folder:
+        for name in files:
+            text = (models / f"{name}.dat").read_text()
+            results = globals()[name](Results(folder, f"{name}.dat", text), text)
+            if shutil.which("morlen-check"):
+                check = subprocess.run(["morlen-check", "--strict", f"{name}.dat"], cwd=folder, capture_output=True)
+                if check.returncode:
+                    faults.append(f"{name}: {check.stderr.decode()}")
+            rows = rows_of(described.get(name, f"/cookbook/{name}.dat)"), name)
+            for label, program, exact, tolerance, factor in results:
+                print(f"{name}: {label}: {program * factor:.6g}, by hand {exact * factor:.6g}")
+                if abs(program - exact) > tolerance * (abs(exact) or 1):
+                    faults.append(f"{name}: {label}: {program} is not {exact}")
+                stated = rows.get(label)
+                if not stated or not as_printed(program * factor, stated[0]) or not as_printed(exact * factor, stated[1]):
+                    faults.append(f"{name}: the page has {stated} for {label}")
+    if faults:
+        sys.exit("\n".join(faults))
+
+
+if __name__ == "__main__":
+    main()

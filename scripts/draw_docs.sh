@@ -11,6 +11,7 @@ build=$(realpath "${1:-build/release}")
 browser=${2:-chromium}
 images=$PWD/docs/images
 python=/usr/bin/python3
+export PYTHONDONTWRITEBYTECODE=1
 
 scripts/install_tools.sh nodejs chromium gmsh python3-numpy python3-matplotlib
 
@@ -32,6 +33,7 @@ picture() {
 
 "$python" docs/images/draw_signs.py "$images"  # plane_beams.svg space_beams.svg euler_angles.svg end_forces.svg
                                                # diagram_signs.svg shell_signs.svg families.svg
+"$python" docs/images/draw_cookbook.py "$images"  # cookbook.svg
 "$python" docs/images/draw_results.py "$build/morlen" >"$work/results.svg"
 "$python" docs/images/draw_hinges.py "$build/morlen" >"$work/hinges.svg"
 mv "$work/results.svg" "$work/hinges.svg" "$images"

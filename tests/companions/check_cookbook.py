@@ -254,6 +254,21 @@ def series(folder, models):
         yield words, [program * 1e3], abs(program / exact - 1) < 0.2 * size**2 + 0.01
 
 
+def refused_link(folder, models):
+    """Whether the stiffest link of the page's table is refused as too rough."""
+    text = (models / "rigid_link.dat").read_text().replace("2.1e12", "2.1e20")
+    (pathlib.Path(folder) / "link.dat").write_text(text)
+    run = subprocess.run(["morlen", "link.dat"], cwd=folder, text=True, capture_output=True)
+    return run.returncode == 2 and "The model is too rough" in run.stderr
+
+
+def written(models):
+    """{name: text} of the models of generate.py."""
+    names = re.findall(r"(?m)^def (\w+)\(size=", (models / "generate.py").read_text())
+    return {name: subprocess.run([sys.executable, models / "generate.py", name], text=True, capture_output=True,
+                                 check=True).stdout for name in names}
+
+
 def excerpts(text, name):
     """Indented blocks of a section that follow the name of a file, up to the next file."""
     part = re.split(r"/cookbook/\w+\.dat\)", text.split(f"/cookbook/{name}.dat)", 1)[1])[0]
@@ -310,6 +325,10 @@ def main():
                 stated = rows.get(label)
                 if not stated or not as_printed(program * factor, stated[0]) or not as_printed(exact * factor, stated[1]):
                     faults.append(f"{name}: the page has {stated} for {label}")
+        if not refused_link(folder, models):
+            faults.append("rigid_link: the factor 1e12 is not refused")
+        faults += [f"{name}.dat is not what generate.py writes" for name, text in written(models).items()
+                   if text != (models / f"{name}.dat").read_text()]
         for words, numbers, sound in series(folder, models):
             print(words, *numbers)
             place = page.find(words)

@@ -176,7 +176,8 @@ def euler_angles():
     for x, angles, title, text in ((190, (0, 0, 0), "0, 0, 0", "global axes"),
                                    (375, (math.pi / 6, 0, 0), "Euler1 = 0.5236", "30° clockwise about Z"),
                                    (575, (0, quarter, 0), "Euler2 = 1.5708", "beam along X, rolled by 90°"),
-                                   (775, (quarter, quarter, 0), "Euler1 = Euler2 = 1.5708", "the default of a vertical beam")):
+                                   (775, (quarter, quarter, 0), "Euler1 = Euler2 = 1.5708",
+                                    "the default of a vertical beam")):
         origin = (x, 120)
         for axis in GLOBAL:
             picture.line(origin, at(origin, axis, 68), GREY, 1.2, "4 3")
@@ -238,8 +239,10 @@ def end_forces():
 def diagram_signs():
     picture = Drawing(1000, 240)
     panels = ((125, "X'_Shear: axial force", ["positive: tension"]),
-              (365, "Y'_Shear, Z'_Shear", ["positive: along the local axis on the", "side of end 1, against it on the other"]),
-              (615, "Y'_Momentus, Z'_Momentus", ["positive: tension on the side of", "−z' (Y'_Momentus), −y' (Z'_Momentus)"]),
+              (365, "Y'_Shear, Z'_Shear",
+               ["positive: along the local axis on the", "side of end 1, against it on the other"]),
+              (615, "Y'_Momentus, Z'_Momentus",
+               ["positive: tension on the side of", "−z' (Y'_Momentus), −y' (Z'_Momentus)"]),
               (870, "X'_Momentus: torsion", ["positive: moment along +x'", "on the side of end 1"]))
     for k, (x, title, lines) in enumerate(panels):
         picture.word(x, 24, title, bold=True)
@@ -286,13 +289,13 @@ def shell_signs():
     picture.word(150, 264, "seen from z': nodes counter-clockwise", size=13)
 
     picture.polygon([(370, 95), (460, 95), (460, 185), (370, 185)], width=2)
-    for a, b, color, name, place in (((460, 140), (500, 140), RED, "Nx'", (514, 134)), ((370, 140), (330, 140), RED, "", None),
-                                     ((415, 95), (415, 55), GREEN, "Ny'", (438, 67)), ((415, 185), (415, 225), GREEN, "", None),
-                                     ((468, 179), (468, 101), BLUE, "Nxy'", (494, 109)), ((376, 87), (454, 87), BLUE, "", None),
-                                     ((362, 101), (362, 179), BLUE, "", None), ((454, 193), (376, 193), BLUE, "", None)):
+    for a, b, color in (((460, 140), (500, 140), RED), ((370, 140), (330, 140), RED), ((415, 95), (415, 55), GREEN),
+                        ((415, 185), (415, 225), GREEN), ((468, 179), (468, 101), BLUE), ((376, 87), (454, 87), BLUE),
+                        ((362, 101), (362, 179), BLUE), ((454, 193), (376, 193), BLUE)):
         picture.arrow(a, b, color)
-        if name:
-            picture.word(*place, name, color)
+    picture.word(514, 134, "Nx'", RED)
+    picture.word(438, 67, "Ny'", GREEN)
+    picture.word(494, 109, "Nxy'", BLUE)
     picture.word(415, 264, "membrane forces, seen from z'", size=13)
 
     picture.polygon([(600, 130), (710, 130), (710, 156), (600, 156)], width=2)

@@ -315,9 +315,9 @@ def main():
                 check = subprocess.run(["morlen-check", "--strict", f"{name}.dat"], cwd=folder, capture_output=True)
                 if check.returncode:
                     faults.append(f"{name}: {check.stderr.decode()}")
-            faults += [f"{name}: not in the file:\n{block}" for block in excerpts(described.get(name, f"/cookbook/{name}.dat)"), name)
-                       if block not in text]
-            rows = rows_of(described.get(name, f"/cookbook/{name}.dat)"), name)
+            section = described.get(name, f"/cookbook/{name}.dat)")
+            faults += [f"{name}: not in the file:\n{block}" for block in excerpts(section, name) if block not in text]
+            rows = rows_of(section, name)
             for label, program, exact, tolerance, factor in results:
                 print(f"{name}: {label}: {program * factor:.6g}, by hand {exact * factor:.6g}")
                 if abs(program - exact) > tolerance * (abs(exact) or 1):

@@ -222,7 +222,7 @@ def diaphragm(r, _):
 
 def generated(folder, models, name, size, change=lambda text: text):
     """Results of a model of generate.py."""
-    text = subprocess.run([sys.executable, models / "generate.py", name, "--size", str(size)], text=True,
+    text = subprocess.run([sys.executable, "-B", models / "generate.py", name, "--size", str(size)], text=True,
                           capture_output=True, check=True).stdout
     return Results(folder, f"{name}.dat", change(text))
 
@@ -265,7 +265,7 @@ def refused_link(folder, models):
 def written(models):
     """{name: text} of the models of generate.py."""
     names = re.findall(r"(?m)^def (\w+)\(size=", (models / "generate.py").read_text())
-    return {name: subprocess.run([sys.executable, models / "generate.py", name], text=True, capture_output=True,
+    return {name: subprocess.run([sys.executable, "-B", models / "generate.py", name], text=True, capture_output=True,
                                  check=True).stdout for name in names}
 
 

@@ -207,6 +207,17 @@ def one_axis_hinge(r, _):
             ("My at the clamped end", abs(r.reaction(1)[4]), load / 2 * length / 2, 2e-2, 1)]
 
 
+def tension_diagonal(r, text):
+    load, length, h, girder, bar = 30, 6, 4, 42.96e-4, 3.142e-4
+    diagonal = (length**2 + h**2)**0.5
+    sway = load / E * (length / girder + (diagonal / length)**2 * diagonal / bar + (h / length)**2 * h / girder)
+    both = text.replace("# 5   4   2   2", "  5   4   2   2").replace("  4   00\n", "  4   00\n  5   00\n")
+    with tempfile.TemporaryDirectory() as folder:
+        assert Results(folder, "both.dat", both).ends(5)[1][0] < 0  # the first run
+    return [("force of the diagonal", r.ends(4)[1][0], load * diagonal / length, 1e-5, 1),
+            ("sway of node 2", r.moved(2)[0], sway, 1e-5, 1e3)]
+
+
 def diaphragm(r, _):
     wind, width, depth, ratio = 80, 8, 6, (0.40 / 0.30)**4
     # Stiffness 1 for the columns at x = 8, `ratio` for those at x = 0; the wind acts at x = 4.

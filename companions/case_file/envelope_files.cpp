@@ -38,15 +38,15 @@ class Layouts
 public:
   explicit Layouts(const model::Model& forModel) : model(forModel), units(model.units) {}
 
-  /// Nothing for groups that have no envelope.
-  std::optional<GroupTable> Of(const ValueGroup& group) const
+  /// Nothing for kinds that have no envelope.
+  std::optional<GroupTable> Of(ValueKind kind) const
   {
-    GroupTable table = Named(group.kind);
+    GroupTable table = Named(kind);
     if (table.values.empty())
       return std::nullopt;
     table.order.resize(table.values.size());
     std::iota(table.order.begin(), table.order.end(), 0);
-    if (group.kind == ValueKind::SolidStresses)
+    if (kind == ValueKind::SolidStresses)
       std::swap(table.order[4], table.order[5]);  // yz before xz
     return table;
   }
@@ -209,22 +209,30 @@ private:
     return folder / (FileNameOf(envelope.name) + ending);
   }
 
+  std::filesystem::path CsvOf(const GroupTable& table) const
+  {
+    return FileWith(std::string(".") + table.name + ".csv");
+  }
+
   void WriteKind(ValueKind kind, const Layouts& layouts)
   {
-    std::optional<GroupTable> table;
+    const std::optional<GroupTable> table = layouts.Of(kind);
+    bool begun = false;
     std::optional<CsvFile> csv;
     Largest largest;
     for (const ValueGroup& group : cases.Layout().Groups()) {
       if (group.kind != kind || group.items == 0)
         continue;
-      if (!table) {
-        table = layouts.Of(group);
+      if (!begun)
         Begin(*table, csv);
-      }
+      begun = true;
       WriteGroup(group, *table, csv, largest);
     }
-    if (!table)
+    if (!begun) {
+      if (formats.csv)
+        RemoveStale(CsvOf(*table));
       return;
+    }
     if (csv)
       csv->Commit();
     if (json)
@@ -241,7 +249,7 @@ private:
       columns.push_back({name, ""});
     columns.insert(columns.end(), table.values.begin(), table.values.end());
     if (formats.csv)
-      csv.emplace(FileWith(std::string(".") + table.name + ".csv"), columns);
+      csv.emplace(CsvOf(table), columns);
     if (json)
       json->Begin(table.name, columns);
   }

@@ -135,7 +135,7 @@ private:
       return;
     const results::Results results = cases::ResultsOf(study, solved, combination);
     if (vtu)
-      WriteVtu(study.model, results, FileOf(combination, ".vtu"));
+      WriteVtu(study.model, results, FileOf(combination, ".vtu"), {.withLoads = false});
     if (!csv && !json)
       return;
     const std::vector<tables::Table> tables = tables::ResultTables(study.model, results);
@@ -222,7 +222,7 @@ ExitStatus Run(const Options& options)
     return ExitStatus::Failed;
   if (options.check) {
     PrintStudy(*study);
-    return std::cout.flush() ? ExitStatus::Done : ExitStatus::Failed;
+    return ExitStatus::Done;
   }
   for (std::size_t k = 0; options.write.empty() && k < study->envelopes.size(); ++k)
     selection.envelopes.push_back(static_cast<int>(k));
@@ -252,6 +252,6 @@ int main(int argc, char** argv)
   Options options;
   Declare(commandLine.Options(), options);
   if (const std::optional<ExitStatus> end = commandLine.Parse(argc, argv))
-    return static_cast<int>(*end);
-  return static_cast<int>(Run(options));
+    return SystemStatus(*end);
+  return SystemStatus(Run(options));
 }

@@ -134,7 +134,7 @@ ExitStatus Check(const Options& options)
     std::cout << check::JsonOf(reports.front().report, reports.front().file);
   else if (several)
     PrintTotal(reports, options.files.size());
-  return std::cout.flush() ? status : ExitStatus::Failed;
+  return status;
 }
 
 }  // namespace
@@ -145,6 +145,6 @@ int main(int argc, char** argv)
   Options options;
   Declare(commandLine.Options(), options);
   if (const std::optional<ExitStatus> end = commandLine.Parse(argc, argv))
-    return static_cast<int>(*end);
-  return static_cast<int>(Check(options));
+    return SystemStatus(*end);
+  return SystemStatus(Check(options));
 }

@@ -2,6 +2,8 @@
 
 #include <iostream>
 
+#include "common/standard_output.h"
+
 namespace morlen {
 
 CommandLine::CommandLine(const std::string& name, const std::string& purpose) : app(purpose, name)
@@ -19,6 +21,12 @@ std::optional<ExitStatus> CommandLine::Parse(int argc, char** argv)
     return asked ? ExitStatus::Done : ExitStatus::Failed;
   }
   return std::nullopt;
+}
+
+int SystemStatus(ExitStatus status)
+{
+  FinishStandardOutput();
+  return static_cast<int>(status);
 }
 
 const char* ProgramVersion()

@@ -33,6 +33,10 @@ private:
   CLI::App app;
 };
 
+/// The status for the system at the end of a companion. Fatal, which is the status 2, when
+/// something printed on standard output is lost.
+int SystemStatus(ExitStatus status);
+
 /// The version of the program and its companions.
 const char* ProgramVersion();
 

@@ -158,7 +158,7 @@ void Builder::AddElementLoads()
     for (const BaseElemLoads* load = &chain; load; load = load->Next()) {
       const ElemLoadRecord record = load->Describe();
       result.elementLoads.push_back(
-          {elementAt.at(number), record.keyword, record.values, record.face});
+          {elementAt.at(number), record.keyword, record.pressure, record.values, record.face});
     }
   }
 }

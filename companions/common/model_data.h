@@ -2,6 +2,7 @@
 
 #include <array>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 namespace morlen {
 
 class Units;
+enum class PreassureLT_type : int;
 struct Problem;
 
 /// A model as plain data: the content of its problem file, in the units of the results.
@@ -74,10 +76,19 @@ struct NodalLoad
 struct ElementLoad
 {
   int element;
-  const char* kind;  ///< the keyword of its block
+  const char* kind;                          ///< the keyword of its block
+  std::optional<PreassureLT_type> pressure;  ///< none for a change of temperature
   std::array<double, 6> values;
   int face;  ///< from 0; -1 without one
+
+  bool IsTemperature() const { return !pressure; }
+  /// The dimensions that the load is spread over, on an element of this kind: 1 for a length, 2 for
+  /// an area, 3 for a volume.
+  int Dimensions(Kind ofElement) const { return static_cast<int>(ofElement) + (face < 0 ? 1 : 0); }
 };
+
+/// Components of a node in space: three displacements, three rotations.
+constexpr int kSpaceComponents = 6;
 
 /// Names of the units of the results, in UTF-8; empty when the problem file does not name them.
 struct Units
@@ -106,6 +117,12 @@ struct Model
   int Translations() const
   {
     return (solids ? kSolidComponents : ComponentsOf(plane ? kPlane : kSpace)).translations;
+  }
+
+  /// The place of component k of a node, both from 0, among the six of a node in space.
+  int PlaceInSpace(int k) const
+  {
+    return k < Translations() ? k : k + kSpaceComponents - components;
   }
 };
 

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "base/errorwriter.h"
+#include "common/standard_output.h"
 #include "problem/problem_file.h"
 
 namespace morlen {
@@ -19,7 +20,8 @@ void RefuseSources(const fs::path& output)
 {
   std::error_code absent;
   const fs::path present = fs::canonical(output, absent);
-  if (absent)
+  // The opening of a pipe, to look for a problem file, would wait for its writer.
+  if (absent || !fs::is_regular_file(present, absent))
     return;
   if (IsProblemFile(present))
     Fatal("error: ", output.string(), " is a problem file and would be written over\n");
@@ -38,6 +40,20 @@ void RefuseInputs(const fs::path& output, std::span<const fs::path> inputs, std:
   if (!hint.empty())
     Explain(hint);
   Fatal("error: ", output.string(), " is read and can't be written\n");
+}
+
+void RefuseEqual(std::span<const std::optional<fs::path>> outputs)
+{
+  const auto areOne = [](const fs::path& a, const fs::path& b) {
+    std::error_code absent;
+    return a == b || (IsStandardOutput(a) && IsStandardOutput(b)) || fs::equivalent(a, b, absent);
+  };
+  for (std::size_t i = 0; i < outputs.size(); ++i) {
+    for (std::size_t k = 0; k < i; ++k) {
+      if (outputs[i] && outputs[k] && areOne(*outputs[i], *outputs[k]))
+        Fatal("error: two outputs are written to ", outputs[i]->string(), "\n");
+    }
+  }
 }
 
 }  // namespace morlen

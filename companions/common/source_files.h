@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -18,5 +19,8 @@ void RefuseSources(const std::filesystem::path& output);
 /// be empty.
 void RefuseInputs(const std::filesystem::path& output,
                   std::span<const std::filesystem::path> inputs, std::string_view hint = {});
+
+/// Fatal when two of the files to be written are one.
+void RefuseEqual(std::span<const std::optional<std::filesystem::path>> outputs);
 
 }  // namespace morlen

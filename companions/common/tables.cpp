@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 
 namespace morlen::tables {
 namespace {
@@ -27,6 +28,7 @@ private:
   Table Supports() const;
   Table NodalLoads() const;
   Table ElementLoads() const;
+  std::string UnitsOfLoads(const char* ofTemperature) const;
   Table Displacements() const;
   Table Reactions() const;
   Table BeamDiagrams() const;
@@ -91,16 +93,10 @@ void Maker::PutComponents(Table& table, const std::array<double, 6>& values) con
   table.Put(std::span(values).first(model.components));
 }
 
-void EraseEmpty(std::vector<Table>& tables)
-{
-  std::erase_if(tables, [](const Table& table) { return table.cells.empty(); });
-}
-
 std::vector<Table> Maker::All() const
 {
   std::vector<Table> all = {Nodes(),    Elements(),   Materials(),
                             Supports(), NodalLoads(), ElementLoads()};
-  EraseEmpty(all);
   std::vector<Table> ofResults = OfResults();
   all.insert(all.end(), std::make_move_iterator(ofResults.begin()),
              std::make_move_iterator(ofResults.end()));
@@ -109,10 +105,7 @@ std::vector<Table> Maker::All() const
 
 std::vector<Table> Maker::OfResults() const
 {
-  std::vector<Table> all = {Displacements(), Reactions(),   BeamDiagrams(),
-                            BeamEndForces(), ShellForces(), Stresses()};
-  EraseEmpty(all);
-  return all;
+  return {Displacements(), Reactions(), BeamDiagrams(), BeamEndForces(), ShellForces(), Stresses()};
 }
 
 Table Maker::Nodes() const
@@ -150,28 +143,28 @@ Table Maker::Elements() const
 Table Maker::Materials() const
 {
   Table table{"materials", {{"material", ""}}, {}};
-  AddColumns(table, {"Ex", "Ey"}, units.Pressure());
-  AddColumns(table, {"nuXY", "nuYX"}, "");
-  AddColumns(table, {"Gxy", "Gxz", "Gyz"}, units.Pressure());
-  table.columns.push_back({"A", units.Length(2)});
-  AddColumns(table, {"Iy", "Iz", "J"}, units.Length(4));
-  table.columns.push_back({"t", units.Length()});
-  table.columns.push_back({"Weight", units.ForcePer(3)});
-  for (const model::Material& m : model.materials) {
-    table.Put(m.number);
-    table.Put(std::array{m.E1, m.E2, m.nuXY, m.nuYX, m.Gxy, m.Gxz, m.Gyz, m.A, m.Iy, m.Iz, m.J, m.t,
-                         m.weight});
+  const std::vector<MaterialValue> values = MaterialValues(units);
+  for (const MaterialValue& value : values)
+    table.columns.push_back({value.name, value.unit});
+  for (const model::Material& material : model.materials) {
+    table.Put(material.number);
+    for (const MaterialValue& value : values)
+      table.Put(material.*value.field);
   }
   return table;
 }
 
-// A column of values has no unit: they are displacements, rotations or stiffnesses.
+// A value is prescribed or a stiffness, by its flag.
 Table Maker::Supports() const
 {
   Table table{"supports", {{"node", ""}}, {}};
-  for (const char* name : {"flag", "value"}) {
-    for (int k = 1; k <= model.components; ++k)
-      table.columns.push_back({name + std::to_string(k), ""});
+  for (int k = 1; k <= model.components; ++k)
+    table.columns.push_back({"flag" + std::to_string(k), ""});
+  for (int k = 1; k <= model.components; ++k) {
+    const bool rotates = k > model.Translations();
+    table.columns.push_back(
+        {"value" + std::to_string(k), rotates ? "rad or " + units.Moment() + "/rad"
+                                              : units.Length() + " or " + units.ForcePer(1)});
   }
   AddColumns(table, {"Euler1", "Euler2", "Euler3"}, "rad");
   for (const model::Support& support : model.supports) {
@@ -196,11 +189,31 @@ Table Maker::NodalLoads() const
   return table;
 }
 
-// A column of values has no unit: they are loads per length, area or volume, or temperatures.
+// The units of the loads that the model has, joined by "or".
+std::string Maker::UnitsOfLoads(const char* ofTemperature) const
+{
+  std::set<std::string> found;
+  for (const model::ElementLoad& load : model.elementLoads) {
+    const model::Kind kind = model.elements[load.element].kind;
+    if (load.IsTemperature())
+      found.insert(ofTemperature);
+    else
+      found.insert(units.ForcePer(load.Dimensions(kind)));
+  }
+  std::string joined;
+  for (const std::string& unit : found)
+    joined += (joined.empty() || unit.empty() ? "" : " or ") + unit;
+  return joined;
+}
+
 Table Maker::ElementLoads() const
 {
   Table table{"element_loads", {}, {}};
-  AddColumns(table, {"element", "kind", "face", "value1", "value2", "value3", "value4"}, "");
+  AddColumns(table, {"element", "kind", "face"}, "");
+  AddColumns(table, {"value1"}, UnitsOfLoads("1/degree"));
+  AddColumns(table, {"value2"}, UnitsOfLoads("degree"));
+  AddColumns(table, {"value3"}, UnitsOfLoads(""));
+  AddColumns(table, {"value4"}, units.MomentPerLength());
   for (const model::ElementLoad& load : model.elementLoads) {
     table.Put(model.elements[load.element].number);
     table.Put(load.kind);
@@ -229,14 +242,22 @@ Table Maker::Displacements() const
   return table;
 }
 
+// Nodes with supports, and those where the program itself holds a rotation that no element resists
+// and a moment acts on it.
 Table Maker::Reactions() const
 {
   Table table{"reactions", {{"node", ""}}, {}};
   AddForces(table);
-  for (const model::Support& support : model.supports) {
-    table.Put(model.nodes[support.node].number);
-    PutTriple(table, results.nodes[support.node].force);
-    PutMoments(table, results.nodes[support.node].moment);
+  std::vector<bool> listed(model.nodes.size());
+  for (const model::Support& support : model.supports)
+    listed[support.node] = true;
+  for (std::size_t i = 0; i < model.nodes.size(); ++i) {
+    const results::Node& node = results.nodes[i];
+    if (!listed[i] && node.force == Vec3{} && node.moment == Vec3{})
+      continue;
+    table.Put(model.nodes[i].number);
+    PutTriple(table, node.force);
+    PutMoments(table, node.moment);
   }
   return table;
 }
@@ -352,6 +373,27 @@ UnitTexts::UnitTexts(const model::Units& units)
 std::string UnitTexts::Length(int power) const
 {
   return power == 1 ? length : length + std::to_string(power);
+}
+
+std::vector<MaterialValue> MaterialValues(const UnitTexts& units)
+{
+  using model::Material;
+  const std::string modulus = units.Pressure();
+  constexpr bool kYes = true;
+  constexpr bool kNo = false;
+  return {{"Ex", modulus, &Material::E1, kYes, kYes, kYes},
+          {"Ey", modulus, &Material::E2, kNo, kYes, kNo},
+          {"nuXY", "", &Material::nuXY, kNo, kYes, kYes},
+          {"nuYX", "", &Material::nuYX, kNo, kYes, kNo},
+          {"Gxy", modulus, &Material::Gxy, kYes, kYes, kNo},
+          {"Gxz", modulus, &Material::Gxz, kNo, kYes, kNo},
+          {"Gyz", modulus, &Material::Gyz, kNo, kYes, kNo},
+          {"A", units.Length(2), &Material::A, kYes, kNo, kNo},
+          {"Iy", units.Length(4), &Material::Iy, kYes, kNo, kNo},
+          {"Iz", units.Length(4), &Material::Iz, kYes, kNo, kNo},
+          {"J", units.Length(4), &Material::J, kYes, kNo, kNo},
+          {"t", units.Length(), &Material::t, kNo, kYes, kNo},
+          {"Weight", units.ForcePer(3), &Material::weight, kYes, kYes, kYes}};
 }
 
 std::vector<Table> AllTables(const model::Model& model, const results::Results& results)

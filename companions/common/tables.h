@@ -52,7 +52,25 @@ private:
   std::string force, length, pressure;
 };
 
-/// The whole model and its results as tables. Empty tables are left out.
+/// A value of materials: its name and unit, and the kinds of elements that have it.
+struct MaterialValue
+{
+  const char* name;
+  std::string unit;  ///< empty for a pure number
+  double model::Material::*field;
+  bool ofBeams, ofShells, ofSolids;
+
+  bool IsOf(model::Kind kind) const
+  {
+    return kind == model::Kind::Beam ? ofBeams : kind == model::Kind::Shell ? ofShells : ofSolids;
+  }
+};
+
+/// All values of materials.
+std::vector<MaterialValue> MaterialValues(const UnitTexts& units);
+
+/// The whole model and its results as tables. Tables that the model has no values for are without
+/// rows.
 std::vector<Table> AllTables(const model::Model& model, const results::Results& results);
 /// The same without the tables of the model.
 std::vector<Table> ResultTables(const model::Model& model, const results::Results& results);

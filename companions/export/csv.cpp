@@ -1,10 +1,12 @@
 #include "export/csv.h"
 
+#include <cstdio>
 #include <string_view>
 #include <system_error>
 
 #include "base/errorwriter.h"
 #include "common/shortest.h"
+#include "common/standard_output.h"
 
 namespace morlen {
 
@@ -48,7 +50,9 @@ std::string Heading(std::span<const tables::Column> columns)
 
 }  // namespace
 
-CsvFile::CsvFile(const fs::path& name, std::span<const tables::Column> columns) : file(name)
+CsvFile::CsvFile(const fs::path& name, std::span<const tables::Column> columns,
+                 AtomicFile::By writer)
+    : file(name, writer)
 {
   file.Write(Heading(columns));
 }
@@ -69,20 +73,46 @@ void CsvFile::Commit()
   file.Commit();
 }
 
+void RequireFolderName(const fs::path& folder)
+{
+  if (IsStandardOutput(folder)) {
+    Explain("a folder named - is ./-");
+    Fatal("error: ", folder.string(), " is the standard output, and a folder is needed\n");
+  }
+}
+
 void MakeFolder(const fs::path& folder)
 {
+  RequireFolderName(folder);
   std::error_code error;
   fs::create_directories(folder, error);
   if (!fs::is_directory(folder, error))
     Fatal("can't make folder ", folder.string(), "\n");
 }
 
+void RemoveStale(const fs::path& name, AtomicFile::By writer)
+{
+  std::error_code error;
+  if (!fs::is_regular_file(name, error))
+    return;
+  if (!fs::remove(name, error)) {
+    Explain(error.message());
+    Fatal("can't remove file ", name.string(), ", which is of an earlier run\n");
+  }
+  std::fprintf(NotesOf(writer), "removed %s, which is of an earlier run\n", name.c_str());
+}
+
 void WriteCsv(std::span<const tables::Table> tables, const fs::path& folder,
-              const std::string& prefix)
+              const std::string& prefix, AtomicFile::By writer)
 {
   MakeFolder(folder);
   for (const tables::Table& table : tables) {
-    CsvFile file(folder / (prefix + table.name + ".csv"), table.columns);
+    const fs::path name = folder / (prefix + table.name + ".csv");
+    if (table.Rows() == 0) {
+      RemoveStale(name, writer);
+      continue;
+    }
+    CsvFile file(name, table.columns, writer);
     const std::size_t width = table.columns.size();
     for (std::size_t row = 0; row < table.Rows(); ++row)
       file.Row(std::span(table.cells).subspan(row * width, width));

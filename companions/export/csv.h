@@ -14,7 +14,8 @@ namespace morlen {
 class CsvFile
 {
 public:
-  CsvFile(const std::filesystem::path& name, std::span<const tables::Column> columns);
+  CsvFile(const std::filesystem::path& name, std::span<const tables::Column> columns,
+          AtomicFile::By writer = AtomicFile::By::Program);
 
   /// A cell for each column.
   void Row(std::span<const tables::Cell> cells);
@@ -25,12 +26,21 @@ private:
   std::string line;
 };
 
-/// Makes a folder that does not exist. Fatal when that fails.
+/// Fatal when the name is that of the standard output.
+void RequireFolderName(const std::filesystem::path& folder);
+
+/// Makes a folder that does not exist. Fatal when that fails, and for the standard output.
 void MakeFolder(const std::filesystem::path& folder);
 
-/// Writes every table into a separate file, "name.csv" after the prefix, in the folder, which is
-/// made when it does not exist. Fatal when that fails.
+/// Removes the file of a table that an earlier run has written and this one does not have; nothing
+/// when there is none. Fatal when that fails.
+void RemoveStale(const std::filesystem::path& name,
+                 AtomicFile::By writer = AtomicFile::By::Program);
+
+/// Writes every table that has rows into a separate file, "name.csv" after the prefix, in the
+/// folder, which is made when it does not exist. Removes the files of the tables without rows.
+/// Fatal when that fails.
 void WriteCsv(std::span<const tables::Table> tables, const std::filesystem::path& folder,
-              const std::string& prefix = "");
+              const std::string& prefix = "", AtomicFile::By writer = AtomicFile::By::Program);
 
 }  // namespace morlen

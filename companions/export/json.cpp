@@ -58,8 +58,9 @@ Json Columns(std::span<const tables::Column> columns)
 }  // namespace
 
 JsonTables::JsonTables(const std::filesystem::path& name, const Head& head,
-                       const model::Model& model, const std::filesystem::path& modelFile)
-    : file(name)
+                       const model::Model& model, const std::filesystem::path& modelFile,
+                       AtomicFile::By writer)
+    : file(name, writer)
 {
   std::string text = HeadOf(head, model, modelFile).dump();
   text.pop_back();
@@ -100,10 +101,12 @@ void JsonTables::Commit()
 
 void WriteJson(const JsonTables::Head& head, const model::Model& model,
                const std::filesystem::path& modelFile, std::span<const tables::Table> tables,
-               const std::filesystem::path& name)
+               const std::filesystem::path& name, AtomicFile::By writer)
 {
-  JsonTables json(name, head, model, modelFile);
+  JsonTables json(name, head, model, modelFile, writer);
   for (const tables::Table& table : tables) {
+    if (table.Rows() == 0)
+      continue;
     json.Begin(table.name, table.columns);
     const std::size_t width = table.columns.size();
     for (std::size_t row = 0; row < table.Rows(); ++row)

@@ -28,7 +28,8 @@ public:
   };
 
   JsonTables(const std::filesystem::path& name, const Head& head, const model::Model& model,
-             const std::filesystem::path& modelFile);
+             const std::filesystem::path& modelFile,
+             AtomicFile::By writer = AtomicFile::By::Program);
 
   void Begin(const std::string& table, std::span<const tables::Column> columns);
   void Row(std::span<const tables::Cell> cells);
@@ -42,9 +43,9 @@ private:
   const char* rowSeparator = "";
 };
 
-/// Writes tables as such an object.
+/// Writes the tables that have rows as such an object.
 void WriteJson(const JsonTables::Head& head, const model::Model& model,
                const std::filesystem::path& modelFile, std::span<const tables::Table> tables,
-               const std::filesystem::path& name);
+               const std::filesystem::path& name, AtomicFile::By writer = AtomicFile::By::Program);
 
 }  // namespace morlen

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "base/errorwriter.h"
+#include "common/atomic_file.h"
 #include "common/command_line.h"
 #include "common/input_files.h"
 #include "common/model_data.h"
@@ -31,9 +32,9 @@ void Declare(CLI::App& app, Options& options)
     return app.add_option(name, value, help)->type_name("FILE");
   };
   options.input.Declare(app);
-  add("--vtu", options.vtu, "write a VTU file, for ParaView");
+  add("--vtu", options.vtu, "write a VTU file, for ParaView; - is standard output");
   add("--csv", options.csv, "write tables into CSV files in a folder")->type_name("DIR");
-  add("--json", options.json, "write all tables into one JSON file");
+  add("--json", options.json, "write all tables into one JSON file; - is standard output");
   app.footer(
       "It runs nothing: run morlen first. MODEL is the name of the problem file without its "
       "ending.\n"
@@ -46,20 +47,25 @@ void Export(const Options& options)
     Fatal("error: nothing to write: give --vtu, --csv or --json\n");
   const fs::path& file = options.input.Model();
   const model::Model model = model::ReadModel(file);
-  for (const std::optional<fs::path>& output : {options.vtu, options.json}) {
+  const std::array files{options.vtu, options.json};
+  for (const std::optional<fs::path>& output : files) {
     if (output)
       RefuseInputs(*output, options.input.All());
   }
+  RefuseEqual(files);
+  if (options.csv)
+    RequireFolderName(*options.csv);
+  const AtomicFile::By writer = WriterOf(files);
   const results::Results results = results::ReadResults(model, options.input.Files());
   if (options.vtu)
-    WriteVtu(model, results, *options.vtu);
+    WriteVtu(model, results, *options.vtu, {.writer = writer});
   if (!options.csv && !options.json)
     return;
   const std::vector<tables::Table> tables = tables::AllTables(model, results);
   if (options.csv)
-    WriteCsv(tables, *options.csv);
+    WriteCsv(tables, *options.csv, "", writer);
   if (options.json)
-    WriteJson({"morlen-results", "morlen-export"}, model, file, tables, *options.json);
+    WriteJson({"morlen-results", "morlen-export"}, model, file, tables, *options.json, writer);
 }
 
 }  // namespace
@@ -71,7 +77,7 @@ int main(int argc, char** argv)
   Options options;
   Declare(commandLine.Options(), options);
   if (const std::optional<ExitStatus> end = commandLine.Parse(argc, argv))
-    return static_cast<int>(*end);
+    return SystemStatus(*end);
   Export(options);
-  return static_cast<int>(ExitStatus::Done);
+  return SystemStatus(ExitStatus::Done);
 }

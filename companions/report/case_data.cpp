@@ -215,6 +215,8 @@ void CasePageData::Add(const CaseActions& actions, const results::Results& resul
               {"tables", Json::array()}};
   std::size_t place = 0;
   for (const Table& whole : tables::AllTables(model, results)) {
+    if (whole.Rows() == 0)
+      continue;
     if (kOfCase.contains(whole.name)) {
       one["tables"].push_back(Packed(whole));
     } else if (kOfModel.contains(whole.name)) {

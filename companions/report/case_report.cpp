@@ -1,9 +1,11 @@
 #include "report/case_report.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,6 +14,7 @@
 #include "case_file/open_study.h"
 #include "case_file/results_of.h"
 #include "cases/solved_cases.h"
+#include "common/atomic_file.h"
 #include "common/file_text.h"
 #include "common/source_files.h"
 #include "kit/make_kit.h"
@@ -43,6 +46,19 @@ std::vector<Finding> FindingsInAll(const fs::path& file, const fs::path& model)
   return findings;
 }
 
+// Removes the reactions at nodes without supports: the tables of the page have the same rows for
+// all cases.
+void KeepReactionsOfSupports(const model::Model& model, results::Results& results)
+{
+  std::vector<bool> supported(model.nodes.size());
+  for (const model::Support& support : model.supports)
+    supported[support.node] = true;
+  for (std::size_t i = 0; i < supported.size(); ++i) {
+    if (!supported[i])
+      results.nodes[i].force = results.nodes[i].moment = Vec3{};
+  }
+}
+
 // Adds every case to the data of the page, one after the other. Returns the balances.
 std::vector<Equilibrium> AddCases(const cases::Study& study,
                                   const std::vector<CaseActions>& actions,
@@ -53,6 +69,7 @@ std::vector<Equilibrium> AddCases(const cases::Study& study,
     results::Results results = cases::ResultsOf(study, solved, study.combinations[k]);
     results.shellMain = false;
     balances.push_back(EquilibriumOf(study.model, actions[k].applied.nodes, results));
+    KeepReactionsOfSupports(study.model, results);
     data.Add(actions[k], results);
   }
   RelateToLargest(balances);
@@ -72,7 +89,7 @@ std::vector<std::string> AdviceOnAll(const cases::Study& study,
 }
 
 ExitStatus PrintBalances(const cases::Study& study, const std::vector<Equilibrium>& balances,
-                         const std::vector<std::string>& advice)
+                         const std::vector<std::string>& advice, std::FILE* notes)
 {
   std::size_t worst = 0;
   for (std::size_t k = 0; k < balances.size(); ++k) {
@@ -82,8 +99,8 @@ ExitStatus PrintBalances(const cases::Study& study, const std::vector<Equilibriu
       std::cerr << "warning: load case '" << study.combinations[k].name
                 << "': loads and reactions are not in equilibrium. " << advice[k] << "\n";
   }
-  std::printf("residual of equilibrium: %.2g, the largest of all cases, of '%s'\n",
-              balances[worst].residual, study.combinations[worst].name.c_str());
+  std::fprintf(notes, "residual of equilibrium: %.2g, the largest of all cases, of '%s'\n",
+               balances[worst].residual, study.combinations[worst].name.c_str());
   return balances[worst].IsBalanced() ? ExitStatus::Done : ExitStatus::Found;
 }
 
@@ -105,9 +122,10 @@ ExitStatus ReportCases(const fs::path& file, const fs::path& output)
   CasePageData data(*study, name, DescriptionOf(file), findings);
   const std::vector<Equilibrium> balances = AddCases(*study, actions, solved, data);
   const std::vector<std::string> advice = AdviceOnAll(*study, balances);
-  WritePage(output, name, data.Text(balances, advice));
+  const AtomicFile::By writer = WriterOf(std::array{std::optional(output)});
+  WritePage(output, name, data.Text(balances, advice), writer);
   WarnOfErrors(findings, file.string());
-  return PrintBalances(*study, balances, advice);
+  return PrintBalances(*study, balances, advice, NotesOf(writer));
 }
 
 }  // namespace morlen

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/errorwriter.h"
+#include "common/atomic_file.h"
 #include "common/command_line.h"
 #include "common/input_files.h"
 #include "common/model_data.h"
@@ -36,7 +37,8 @@ void Declare(CLI::App& app, Options& options)
   options.input.Declare(app);
   app.get_option("model")->description(
       "the problem file of a run of morlen, or a file of load cases (.cases)");
-  app.add_option("-o,--output", options.output, "the report (default: MODEL.html)")
+  app.add_option("-o,--output", options.output,
+                 "the report (default: MODEL.html); - is standard output")
       ->type_name("FILE");
   app.footer(
       "It runs nothing: run morlen first. Only load cases are solved. MODEL is the name of the "
@@ -45,9 +47,9 @@ void Declare(CLI::App& app, Options& options)
       "cannot be made.");
 }
 
-ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advice)
+ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advice, std::FILE* notes)
 {
-  std::printf("residual of equilibrium: %.2g\n", equilibrium.residual);
+  std::fprintf(notes, "residual of equilibrium: %.2g\n", equilibrium.residual);
   if (equilibrium.IsBalanced())
     return ExitStatus::Done;
   std::cerr << "warning: loads and reactions are not in equilibrium. " << advice << "\n";
@@ -65,6 +67,7 @@ ExitStatus Report(const Options& options)
     return ReportCases(file, output);
   }
   RefuseInputs(output, options.input.All());
+  const AtomicFile::By writer = WriterOf(std::array{std::optional(output)});
   Problem problem(100);
   model::ReadProblemFile(file, problem);
   const model::Model model = model::ModelOf(problem);
@@ -85,9 +88,10 @@ ExitStatus Report(const Options& options)
                       .loads = loads,
                       .equilibrium = equilibrium,
                       .advice = advice,
-                      .check = findings}));
+                      .check = findings}),
+            writer);
   WarnOfErrors(findings, file.string());
-  return PrintBalance(equilibrium, advice);
+  return PrintBalance(equilibrium, advice, NotesOf(writer));
 }
 
 }  // namespace
@@ -99,6 +103,6 @@ int main(int argc, char** argv)
   Options options;
   Declare(commandLine.Options(), options);
   if (const std::optional<ExitStatus> end = commandLine.Parse(argc, argv))
-    return static_cast<int>(*end);
-  return static_cast<int>(Report(options));
+    return SystemStatus(*end);
+  return SystemStatus(Report(options));
 }

@@ -2,7 +2,6 @@
 
 #include <ostream>
 
-#include "common/atomic_file.h"
 #include "common/utf8.h"
 #include "report/viewer_page.h"
 
@@ -49,9 +48,10 @@ void WritePage(std::ostream& out, std::string_view title, std::string_view data)
   out << data << page;
 }
 
-void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data)
+void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data,
+               AtomicFile::By writer)
 {
-  AtomicFile out(file);
+  AtomicFile out(file, writer);
   WritePage(out.Stream(), title, data);
   out.Commit();
 }

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "common/atomic_file.h"
+
 namespace morlen {
 
 /// Text for HTML: the characters with a meaning there are replaced by their names.
@@ -14,6 +16,7 @@ std::string HtmlText(std::string_view text);
 /// not ASCII become "?" when it is not UTF-8: browsers would guess the encoding of the whole page.
 void WritePage(std::ostream& out, std::string_view title, std::string_view data);
 /// The same as an AtomicFile.
-void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data);
+void WritePage(const std::filesystem::path& file, std::string_view title, std::string_view data,
+               AtomicFile::By writer = AtomicFile::By::Program);
 
 }  // namespace morlen

@@ -37,8 +37,10 @@ std::string PageData(const ReportContent& content)
   data["equilibrium"] = BalancePart(content.equilibrium, content.advice);
   data["loads"] = LoadsPart(content.loads);
   Json& packed = data["tables"] = Json::array();
-  for (const tables::Table& table : tables::AllTables(content.model, content.results))
-    packed.push_back(Packed(TableOfPage(table, content.model.Translations())));
+  for (const tables::Table& table : tables::AllTables(content.model, content.results)) {
+    if (table.Rows() > 0)
+      packed.push_back(Packed(TableOfPage(table, content.model.Translations())));
+  }
   return PageText(data);
 }
 

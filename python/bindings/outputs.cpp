@@ -196,7 +196,7 @@ void WriteOutputs(const Solved& solved, const OutputNames& names)
   if (files.vtu || files.report) {
     ForCompanions data(solved);
     if (files.vtu)
-      WriteVtu(data.model, data.results, files.vtu->Stream());
+      WriteVtu(data.model, data.results, !solved.analysis->isCase, files.vtu->Stream());
     CheckInterruption();
     if (files.report)
       data.WriteReport(files.report->Stream(), fs::path(*names.report).stem().string(),

@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <array>
+#include <optional>
+#include <span>
+
 #include "support/fatal.h"
 #include "support/run.h"
 
@@ -83,11 +87,34 @@ TEST(AtomicFile, RefusesTargetsThatAreNotFiles)
   const std::string name = folder.Path().string();
   ExpectFatal([&] { AtomicFile file(folder.Path()); },
               "can't write file " + name + ": it is no regular file\n");
-  ExpectFatal([&] { AtomicFile file("/dev/null"); },
-              "can't write file /dev/null: it is no regular file\n");
   ExpectFatal([&] { AtomicFile file(folder.Path() / "no" / "a"); },
               "can't open file " + name + "/no/a\n");
   EXPECT_EQ(errorwriter.Hint(), "No such file or directory");
+}
+
+TEST(AtomicFile, WritesDevicesInPlace)
+{
+  EXPECT_EQ(Printed("/dev/null", "text"), "wrote /dev/null\n");
+}
+
+TEST(AtomicFile, TheStandardOutputHasTheTextAlone)
+{
+  for (const char* name : {"-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"})
+    EXPECT_EQ(Printed(name, "text"), "text") << name;
+}
+
+TEST(AtomicFile, NotesOfFiltersGoToStandardError)
+{
+  const TemporaryFolder folder;
+  const std::string name = (folder.Path() / "a").string();
+  const std::array<std::optional<fs::path>, 3> outputs{name, std::nullopt, "-"};
+  EXPECT_EQ(WriterOf(outputs), AtomicFile::By::Filter);
+  EXPECT_EQ(WriterOf(std::span(outputs).first(2)), AtomicFile::By::Program);
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  AtomicFile(name, AtomicFile::By::Filter).Commit();
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "wrote " + name + "\n");
 }
 
 TEST(AtomicFile, RefusesProblemFiles)

@@ -5,10 +5,11 @@
 
 The VTU file is read by VTK, the CSV and JSON files by Python; they are compared with the
 result files, which this script reads itself, with relations among the values (von Mises
-stress, end forces of beams), and with lengths, areas and volumes of the cells. Exit status
-77 when VTK for Python is not installed.
+stress, end forces of beams), and with lengths, areas and volumes of the cells. Values that
+cannot exist are NaN. Exit status 77 when VTK for Python is not installed.
 """
 
+import cmath
 import csv
 import json
 import math
@@ -40,6 +41,25 @@ def require_close(found, expected, what, tolerance=1e-9):
 
 def flat(rows):
     return [value for row in rows for value in row]
+
+
+def dot(a, b):
+    return sum(x * y for x, y in zip(a, b))
+
+
+def is_nan(rows):
+    return all(math.isnan(value) for value in flat(rows))
+
+
+def turned(forces, axes, to):
+    """Nx' Ny' Nxy' Mx' My' Mxy' Qx' Qy' along axes turned about the normal, by complex numbers."""
+    angle = math.atan2(dot(to[0], axes[1]) - dot(to[1], axes[0]), dot(to[0], axes[0]) + dot(to[1], axes[1]))
+    found = []
+    for x, y, xy in (forces[:3], forces[3:6]):
+        deviator = complex((x - y) / 2, xy) * cmath.exp(-2j * angle)
+        found += [(x + y) / 2 + deviator.real, (x + y) / 2 - deviator.real, deviator.imag]
+    shear = complex(*forces[6:]) * cmath.exp(-1j * angle)
+    return found + [shear.real, shear.imag]
 
 
 def read_post(path):
@@ -176,7 +196,11 @@ class Case:
     def check_nodes(self):
         n = len(self.nodes)
         numbers = [int(row[0]) for row in self.grid.point("Node")]
-        require(numbers[:n] == self.nodes and not any(numbers[n:]), "numbers of nodes")
+        divisions = len(self.tables["beam_diagrams"]) - 1 if "beam_diagrams" in self.tables else 0
+        copies = numbers[n + divisions:]
+        require(numbers[:n] == self.nodes and not any(numbers[n:n + divisions]), "numbers of nodes")
+        self.check_copies(n + divisions, [self.nodes.index(number) for number in copies])
+        self.check_supports(n, divisions)
         split = [self.space(self.displacements[node]) for node in self.nodes]
         require_close(flat(self.grid.point("Displacement")[:n]), flat(s[0] for s in split), "u", 1e-5)
         zero = [0.0] * len(self.displacements[self.nodes[0]])
@@ -186,9 +210,34 @@ class Case:
             require_close(flat(self.grid.point("Rotation")[:n]), flat(s[1] for s in split), "rotation")
             require_close(flat(self.grid.point("Reaction moment")[:n]),
                           flat(r[1] for r in reactions), "moments of supports")
+        table = self.tables["reactions"]
+        held = {row[0] for row in self.tables["supports"][1:]}
+        listed = [number for number in self.nodes if str(number) in held or any(self.reactions.get(number, zero))]
+        require([int(row[0]) for row in table[1:]] == listed, "rows of reactions.csv")
+        require_close([float(x) for x in flat(row[1:] for row in table[1:])],
+                      flat(self.reactions[number] for number in listed), "reactions.csv")
         table = self.tables["displacements"]
         require_close([float(x) for x in flat(row[1:] for row in table[1:])],
                       flat(self.displacements[node] for node in self.nodes), "displacements.csv", 1e-5)
+
+    def check_copies(self, first, nodes):
+        """Copies have the place and the displacement of their node, and no forces."""
+        points = [self.grid.grid.GetPoint(i) for i in range(first + len(nodes))]
+        require(points[first:] == [points[i] for i in nodes], "places of copies")
+        moved = self.grid.point("Displacement")
+        require(moved[first:] == [moved[i] for i in nodes], "displacements of copies")
+        for name in ("Reaction force", "Nodal force"):
+            if name in self.grid.points:
+                require(not any(flat(self.grid.point(name)[len(self.nodes):])), name, "outside nodes")
+
+    def check_supports(self, n, divisions):
+        head, *rows = self.tables["supports"]
+        count = sum(name.startswith("flag") for name in head)
+        flags = {int(row[0]): [int(x) for x in row[1:1 + count]] for row in rows}
+        found = [[int(x) for x in row] for row in self.grid.point("Support")]
+        require(found[:n] == [flags.get(node, [0] * count) for node in self.nodes], "flags of supports")
+        require(not any(flat(found[n:n + divisions])), "supports of division points")
+        require(all("[" in name for name in head if name.startswith("value")), "units of supports", head)
 
     def check_json(self):
         data = json.loads((self.folder / "out.json").read_text(encoding="utf-8"))
@@ -225,6 +274,8 @@ class Case:
             require_close([self.grid.point(name)[k][0] for k in flat(ids)], expected, name)
         along = [(row + [0.0])[:3] for _, rows in self.post["BDisplacements"] for row in rows]
         require_close(flat(self.grid.point("Displacement")[k] for k in flat(ids)), flat(along), "beam u")
+        require(is_nan(self.grid.point(name)[k] for name in ("N", "Vy", "Mz") for k in range(len(self.nodes))),
+                "forces of beams at nodes are not NaN")
         self.check_beam_ends(lines, numbers, ids)
 
     def check_beam_ends(self, lines, numbers, ids):
@@ -246,13 +297,21 @@ class Case:
     def check_shells(self):
         shells = self.cells_of(TRIANGLE)
         numbers = [int(self.grid.cell("Element")[i][0]) for i in shells]
-        for name, block, parts in (("Membrane force", "Axial Force", 3), ("Moment", "Momentus", 3),
-                                   ("Shear force", "Shear", 2)):
+        others = [i for i in range(len(self.grid.types())) if i not in set(shells)]
+        for name, block, parts in (("Mean membrane force", "Axial Force", 3), ("Mean moment", "Momentus", 3),
+                                   ("Mean shear force", "Shear", 2)):
             values = {number: rows for number, rows in self.post[block]}
             require(sorted(values) == sorted(numbers), "shells of", block)
             means = [[sum(row[k] for row in values[n]) / len(values[n]) for k in range(parts)]
                      for n in numbers]
             require_close(flat(self.grid.cell(name)[i] for i in shells), flat(means), name)
+            require(is_nan(self.grid.cell(name)[i] for i in others), name, "of other elements is not NaN")
+        self.check_corners(shells, numbers)
+        for name, of_beams in (("Material t", False), ("Material A", True)):
+            cells = shells if of_beams else self.cells_of(POLY_LINE)
+            if name in self.grid.cells:
+                require(is_nan(self.grid.cell(name)[i] for i in cells), name, "of a wrong kind is not NaN")
+        self.check_materials(shells)
         meshes = {int(row[0]): int(row[1]) for row in self.tables["elements"][1:]}
         require([int(self.grid.cell("Mesh")[i][0]) for i in shells] == [meshes[n] for n in numbers],
                 "meshes of shells")
@@ -265,6 +324,51 @@ class Case:
             require_close(product, [2.0 * areas[cell] * x for x in normal], "normal and area", 1e-6)
         if "Main Momentus" in self.post:
             self.check_principal(shells, numbers)
+
+    def check_materials(self, shells):
+        head, *rows = self.tables["materials"]
+        column = [name.split(" ")[0] for name in head].index("t")
+        thickness = {int(row[0]): float(row[column]) for row in rows}
+        for cell in shells:
+            number = int(self.grid.cell("Material")[cell][0])
+            if number:
+                require(self.grid.cell("Material t")[cell] == (thickness[number],), "thickness of", cell)
+
+    def check_corners(self, shells, numbers):
+        """Values at corners: those of the Gauss points, continued, turned and averaged by this script."""
+        blocks = [dict(self.post[name]) for name in ("Axial Force", "Momentus", "Shear")]
+        groups = {}
+        expected, found = [], []
+        for cell, number in zip(shells, numbers):
+            points = [flat(row[:n] for row, n in zip(rows, (3, 3, 2)))
+                      for rows in zip(*(block[number] for block in blocks))]
+            axes = [self.grid.cell(f"Local {axis}")[cell] for axis in "xyz"]
+            mesh = self.grid.cell("Mesh")[cell]
+            for corner, point in enumerate(self.grid.points_of(cell)):
+                value = points[0]
+                if len(points) == 3:
+                    value = [sum(values) - 2 * values[(corner + 1) % 3] for values in zip(*points)]
+                node = int(self.grid.point("Node")[point][0])
+                for group in groups.setdefault(node, []):
+                    if mesh == group["mesh"] and all(
+                            dot(axes[k], group["axes"][k]) > math.cos(math.radians(15)) for k in (0, 2)):
+                        break
+                else:
+                    group = {"mesh": mesh, "axes": axes, "values": [], "points": set()}
+                    groups[node].append(group)
+                group["values"].append(turned(value, axes, group["axes"]))
+                group["points"].add(point)
+        for group in flat(groups.values()):
+            require(len(group["points"]) == 1, "a group has the points", group["points"])
+            point, = group["points"]
+            expected.append([sum(values) / len(group["values"]) for values in zip(*group["values"])])
+            found.append(flat(self.grid.point(name)[point] for name in ("Membrane force", "Moment", "Shear force")))
+        require(len({id(g) for g in flat(groups.values())}) == len(set().union(*(g["points"] for g in flat(groups.values())))),
+                "groups share a point")
+        for part in (slice(0, 3), slice(3, 6), slice(6, 8)):
+            require_close(flat(row[part] for row in found), flat(row[part] for row in expected), f"corners {part}")
+        free = [i for i, (number,) in enumerate(self.grid.point("Node")) if int(number) not in groups]
+        require(is_nan(self.grid.point("Moment")[i] for i in free), "moments of points without shells are not NaN")
 
     def check_principal(self, shells, numbers):
         """The principal values are at their points, in every format."""

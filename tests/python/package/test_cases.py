@@ -3,6 +3,7 @@
 import gc
 import pickle
 import re
+import xml.etree.ElementTree
 
 import numpy as np
 import pytest
@@ -81,8 +82,14 @@ def test_cases_are_the_problem_files_that_they_are(name, loads, frame, tmp_path)
     np.testing.assert_array_equal(case.beams.displacements(7), alone.beams.displacements(7))
     case.write(text=tmp_path / "a.txt", post=tmp_path / "a.res", vtu=tmp_path / "a.vtu")
     alone.write(text=tmp_path / "b.txt", post=tmp_path / "b.res", vtu=tmp_path / "b.vtu")
-    for ending in ("txt", "res", "vtu"):
+    for ending in ("txt", "res"):
         assert (tmp_path / f"a.{ending}").read_bytes() == (tmp_path / f"b.{ending}").read_bytes()
+    # The file of a case has the results and no loads.
+    arrays = [xml.etree.ElementTree.parse(tmp_path / f"{k}.vtu").iter("DataArray") for k in "ab"]
+    of_case, of_model = ({array.get("Name"): array.text for array in one} for one in arrays)
+    assert len(of_case) > 10 and of_case.items() <= of_model.items()
+    extra = {array.split(" [")[0] for array in of_model.keys() - of_case.keys()}
+    assert extra <= {"Nodal force", "Nodal moment", "Line load", "Prescribed displacement", "Material Weight"}
     with pytest.raises(morlen.Error, match="report"):
         case.write(report=tmp_path / "a.html")
 

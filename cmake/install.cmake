@@ -5,7 +5,8 @@ include(CMakePackageConfigHelpers)
 set(runtime COMPONENT runtime)
 set(development COMPONENT development)
 
-# Installs the manual page of a program, and the completion of its arguments in bash.
+# Installs the manual page of a program, and the completions of its arguments where the packages of
+# Debian have those for bash, zsh and fish.
 function(morlen_install_pages name)
   set(page ${PROJECT_SOURCE_DIR}/man/${name}.1)
   if(MORLEN_GZIP)
@@ -18,6 +19,10 @@ function(morlen_install_pages name)
   install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 ${runtime})
   install(FILES ${PROJECT_SOURCE_DIR}/completions/${name}
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions ${runtime})
+  install(FILES ${PROJECT_SOURCE_DIR}/completions/_${name}
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions ${runtime})
+  install(FILES ${PROJECT_SOURCE_DIR}/completions/${name}.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d ${runtime})
 endfunction()
 
 find_program(MORLEN_GZIP gzip)

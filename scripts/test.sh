@@ -20,9 +20,10 @@ scripts/install_tools.sh python3-numpy python3-pytest || true
 for package in python3-meshio python3-h5py gmsh calculix-ccx; do
   scripts/install_tools.sh "$package" || true
 done
-# Tests of the reports need a browser and node, those of the sources' style git, clang and npm.
+# Tests of the reports need a browser and node, those of the sources' style git, clang and npm,
+# those of the completions zsh and fish.
 # Where these cannot be installed, such tests are skipped.
-for tool in chromium git clang-format clang-tidy npm; do
+for tool in chromium git clang-format clang-tidy npm zsh fish; do
   command -v "$tool" >/dev/null || scripts/install_tools.sh "$tool" || true
 done
 command -v node >/dev/null || scripts/install_tools.sh nodejs || true

@@ -14,7 +14,8 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix --config ${CONFIG})
 foreach(file bin/morlen share/doc/morlen/docs/manual.md include/morlen/run/project.h
-    share/bash-completion/completions/morlen)
+    share/bash-completion/completions/morlen share/zsh/vendor-completions/_morlen
+    share/fish/vendor_completions.d/morlen.fish)
   if(NOT EXISTS ${WORK}/prefix/${file})
     message(FATAL_ERROR "${file} is not installed")
   endif()

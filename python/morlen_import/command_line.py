@@ -8,7 +8,7 @@ import sys
 from pathlib import Path
 
 from morlen_import import units
-from morlen_import.fault import Fault, Faults
+from morlen_import.fault import Fault, Faults, LostOutput, finish_output
 
 USAGE = "morlen-import MESH MAP -o FILE, or morlen-import MODEL.inp --units LENGTH,FORCE -o FILE"
 
@@ -34,7 +34,7 @@ def _parser():
     )
     parser.add_argument("mesh", metavar="MESH", help="a mesh (.msh, .inp, .med, .vtk, .vtu, ...)")
     parser.add_argument("map", metavar="MAP", nargs="?", help="what becomes of its groups, in TOML")
-    parser.add_argument("-o", "--output", metavar="FILE", help="the problem file")
+    parser.add_argument("-o", "--output", metavar="FILE", help="the problem file; - is standard output")
     parser.add_argument(
         "--groups", action="store_true", help="list the groups of the mesh, and write no file"
     )
@@ -74,6 +74,8 @@ def main(arguments=None, version="0.1.0", programs=()):
         return 0
     except (Fault, Faults) as error:
         message = "\n".join(error.lines)
+    except LostOutput as error:
+        message = f"error: can't write to standard output\nhint: {error}"
     except MemoryError:
         message = f"{options.mesh}: error: there is not enough memory for it"
     except KeyboardInterrupt:
@@ -146,7 +148,7 @@ def _run(options, programs):
 
     if options.groups:
         for group in _read_mesh(options, read).groups:
-            print(group.text())
+            finish_output(group.text() + "\n")
         return
     cases = []
     if options.map:

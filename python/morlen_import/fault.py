@@ -1,6 +1,7 @@
 """Errors with a place in a file, and warnings."""
 
 import difflib
+import os
 import sys
 
 _NEAR = 0.75  # of 1: below it, words of other meanings are proposed
@@ -92,3 +93,18 @@ def _range(pair):
     if first == last:
         return str(first)
     return f"{first}-{last}" if last > first + 1 else f"{first}, {last}"
+
+
+class LostOutput(Exception):
+    """Something printed on standard output is lost, for example because a disk is full."""
+
+
+def finish_output(text):
+    """Writes a text on standard output and empties its buffer. Raises LostOutput."""
+    try:
+        sys.stdout.write(text)
+        sys.stdout.flush()
+    except OSError as error:
+        # Without another file Python would try again at the end, and print its own message.
+        sys.stdout = open(os.devnull, "w", encoding="utf-8")
+        raise LostOutput(error.strerror or error) from None

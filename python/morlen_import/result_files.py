@@ -14,7 +14,7 @@ import tempfile
 from pathlib import Path
 
 from morlen_import.case_writer import cases_text
-from morlen_import.fault import Fault, warn
+from morlen_import.fault import Fault, finish_output, warn
 from morlen_import.writer import problem_text
 
 # A step of an .inp file is a case that no combination uses: no reason for a warning.
@@ -27,13 +27,21 @@ _NUMBERS = re.compile(
 _MOST_NUMBERS = 6
 
 
+STANDARD_OUTPUT = ("-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1")
+
+
 def write(output, model, cases, programs, inputs=()):
     """Writes and checks the files. After success it ignores SIGINT: an interrupt comes too late.
+
+    The standard output, pipes and devices get the problem file once it is checked.
 
     `programs` are folders to look for morlen-check in, before those of PATH; None: no check. None of the `inputs` is
     written over.
     """
     path = Path(output)
+    if output in STANDARD_OUTPUT or (path.exists() and not path.is_file() and not path.is_dir()):
+        _write_stream(output, model, cases, programs)
+        return
     texts = {path: problem_text(model)}
     if cases:
         case_path = path.with_suffix(".cases")
@@ -58,11 +66,32 @@ def write(output, model, cases, programs, inputs=()):
     except OSError as error:
         raise Fault(output, f"cannot be written: {error.strerror or error}") from None
     for name in texts:
-        print(f"wrote {name}")
+        finish_output(f"wrote {name}\n")
+
+
+def _write_stream(output, model, cases, programs):
+    """Writes the problem file into the standard output, a pipe or a device."""
+    text = problem_text(model)
+    if cases:
+        raise Fault(output, "the model has load cases, which need a second file: give the name of a file")
+    if programs is not None:
+        with tempfile.TemporaryDirectory() as folder:
+            file = Path(folder) / "model.dat"
+            file.write_text(text, encoding="utf-8")
+            _check({Path(output): file}, model, programs)
+    if output in STANDARD_OUTPUT:
+        finish_output(text)
+        return
+    try:
+        with open(output, "w", encoding="utf-8") as file:
+            file.write(text)
+    except OSError as error:
+        raise Fault(output, f"cannot be written: {error.strerror or error}") from None
+    finish_output(f"wrote {output}\n")
 
 
 def _target(path, inputs):
-    """The file of a name, with links followed. Only regular files are replaced."""
+    """The file of a name, with links followed. Folders are not replaced."""
     target = Path(os.path.realpath(path))
     if target.exists() and not target.is_file():
         raise Fault(path, "this is no regular file")

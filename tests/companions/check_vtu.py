@@ -421,7 +421,8 @@ end
         if not CASES:
             self.skipTest("morlen-cases is not built")
         (self.folder / "m.dat").write_text(FRAME_WITH_SLAB)
-        (self.folder / "m.cases").write_text('model = "m.dat"\n[cases.G]\ntext = "nodal_point_loads\\n2 0 0 1 0 0 0\\nend"\n')
+        (self.folder / "m.cases").write_text(
+            'model = "m.dat"\n[cases.G]\ntext = "nodal_point_loads\\n2 0 0 1 0 0 0\\nend"\n')
         self.run_program(*CASES, "m.cases", "--formats", "vtu", "--write", "G")
         grid = Grid(self.folder / "m.results" / "G.vtu")
         self.assertIn("Support", grid.points)

@@ -17,6 +17,7 @@ import sys
 
 TOP = pathlib.Path(sys.argv[1])
 PROGRAMS = {pathlib.Path(name).name: name for name in sys.argv[2:]}
+COMMON = {"-h", "--help", "--version"}
 FOLDER = TOP / "completions"
 PAGES = {page.stem: page.read_text(encoding="utf-8") for page in (TOP / "man").glob("*.1")}
 
@@ -51,12 +52,14 @@ def options_of_help(program):
 def options_of(name):
     if name == "morlen-mpi":
         return options_of_page(name) | options_of_page("morlen")
-    if name not in PROGRAMS or name == "morlen":
+    if name == "morlen":
         return options_of_page(name)
+    if name not in PROGRAMS:
+        return options_of_page(name) | COMMON
     options = options_of_help(PROGRAMS[name])
     require("--help" in options, name, "has the options", options)
     missing = options - options_of_page(name)
-    require(not missing - {"-h", "--help", "--version"}, "the page of", name, "lacks", missing)
+    require(not missing - COMMON, "the page of", name, "lacks", missing)
     return options
 
 

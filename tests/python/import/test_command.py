@@ -6,6 +6,7 @@ import signal
 import subprocess
 import sys
 import time
+from pathlib import Path
 
 import numpy as np
 import pytest
@@ -109,7 +110,6 @@ def test_help_and_version(imported):
         (["a.msh", ".", "-o", "a.dat"], ".: error: this is a folder"),
         (["a.msh", "a.map", "-o", "none/a.dat"], "none/a.dat: error: cannot be written: No such file"),
         (["a.msh", "a.map", "-o", "."], ".: error: this is no regular file"),
-        (["a.msh", "a.map", "-o", "pipe"], "pipe: error: this is no regular file"),
         (["a.msh", "a.map", "-o", "a.map"], "a.map: error: a.map would be written over"),
         (["a.msh", "a.map", "-o", "./a.msh"], "a.msh: error: a.msh would be written over"),
         (["a.msh", "a.map", "-o", "link"], "link: error: a.msh would be written over"),
@@ -117,7 +117,6 @@ def test_help_and_version(imported):
     ],
 )
 def test_files_that_cannot_be_used(imported, folder, arguments, start):
-    os.mkfifo(folder / "pipe")
     (folder / "link").symlink_to("a.msh")
     (folder / "b.inp").write_text("*INCLUDE, INPUT=a.inp\n")
     status, out, err = imported(*arguments)
@@ -126,6 +125,34 @@ def test_files_that_cannot_be_used(imported, folder, arguments, start):
     assert errors[0].startswith(start)
     assert not [name for name in os.listdir(folder) if "tmp" in name]
     assert (folder / "a.msh").read_text() == SOLID and (folder / "a.inp").read_text() == BASE
+
+
+@pytest.mark.parametrize("name", ["-", "/dev/stdout", "/dev/fd/1"])
+def test_standard_output_has_the_problem_file_alone(imported, folder, name):
+    assert imported("a.msh", "a.map", "-o", "a.dat")[0] == 0
+    expected = (folder / "a.dat").read_text()
+    before = set(os.listdir(folder))
+    assert imported("a.msh", "a.map", "-o", name)[:2] == (0, expected)
+    assert set(os.listdir(folder)) == before
+
+
+@pytest.mark.parametrize("name", ["-", "a.dat"])
+def test_a_full_standard_output_is_an_error(folder, name):
+    package = str(Path(__file__).resolve().parents[3] / "python")
+    command = "from morlen_import.command_line import main; import sys; sys.exit(main())"
+    with open("/dev/full", "w") as full:
+        run = subprocess.run([sys.executable, "-c", command, "a.msh", "a.map", "-o", name, "--no-check"], cwd=folder,
+                             stdout=full, stderr=subprocess.PIPE, text=True, env=os.environ | {"PYTHONPATH": package})
+    message = "error: can't write to standard output\nhint: No space left on device\n"
+    assert run.returncode == 2 and run.stderr.endswith(message) and "Exception" not in run.stderr
+
+
+def test_pipes_get_the_problem_file(imported, folder):
+    assert imported("a.msh", "a.map", "-o", "a.dat")[0] == 0
+    os.mkfifo(folder / "pipe")
+    with subprocess.Popen(["cat", "pipe"], cwd=folder, stdout=subprocess.PIPE, text=True) as reader:
+        assert imported("a.msh", "a.map", "-o", "pipe")[:2] == (0, "wrote pipe\n")
+        assert reader.communicate(timeout=30)[0] == (folder / "a.dat").read_text()
 
 
 def test_links_are_followed(imported, folder):

@@ -1,27 +1,15 @@
-#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "base/errorwriter.h"
-#include "base/temporary_file.h"
-#include "case_file/envelope_files.h"
-#include "case_file/names.h"
+#include "case_file/case_results.h"
 #include "case_file/open_study.h"
-#include "case_file/results_of.h"
 #include "case_file/study.h"
-#include "cases/case_writer.h"
 #include "cases/solved_cases.h"
-#include "common/atomic_file.h"
 #include "common/command_line.h"
-#include "common/source_files.h"
-#include "common/tables.h"
-#include "export/csv.h"
-#include "export/json.h"
-#include "export/vtu.h"
 #include "kit/make_kit.h"
 #include "problem/problem.h"
 #include "run/element_families.h"
@@ -63,125 +51,6 @@ void Declare(CLI::App& app, Options& options)
                "check the files and list the combinations; solve nothing");
   app.footer("Exit status: 0, also with warnings, or 2 when something is wrong.");
 }
-
-/// True for the name of a file that the case, combination or envelope called `result` may get. A
-/// table has its name between that of the result and the ending: "ULS.reactions.csv".
-bool IsResult(const std::string& file, const std::string& result)
-{
-  constexpr const char* kEndings[] = {".txt", ".morlen.res", ".vtu", ".json", ".csv"};
-  return file.starts_with(result + ".") &&
-         std::any_of(std::begin(kEndings), std::end(kEndings),
-                     [&](const char* ending) { return file.ends_with(ending); });
-}
-
-/// Fatal when a result would replace one of the files that were read. collection: the name of the
-/// list of VTU files.
-void SpareInputs(const cases::Study& study, const cases::Selection& selection,
-                 const fs::path& folder, const std::string& collection)
-{
-  std::vector<std::string> results;
-  for (const int index : selection.combinations)
-    results.push_back(cases::FileNameOf(study.combinations[index].name));
-  for (const int index : selection.envelopes)
-    results.push_back(cases::FileNameOf(study.envelopes[index].name));
-  for (const fs::path& input : study.inputs) {
-    const std::string name = input.filename().string();
-    if (name == collection || std::any_of(results.begin(), results.end(), [&](const auto& result) {
-          return IsResult(name, result);
-        }))
-      RefuseInputs(folder / name, study.inputs,
-                   "a result would have its name; -o names another folder for the results");
-  }
-}
-
-/// Writes the selected results of a study.
-class Writer
-{
-public:
-  Writer(cases::Study& study_, const SolvedCases& cases_, const Options& options, fs::path folder_)
-      : study(study_),
-        solved(cases_),
-        formats(options.formats.begin(), options.formats.end()),
-        folder(std::move(folder_)),
-        stem(fs::path(options.file).stem().string())
-  {
-  }
-
-  void Write(const cases::Selection& selection)
-  {
-    for (const int index : selection.combinations)
-      Write(study.combinations[index]);
-    if (formats.contains("vtu") && !selection.combinations.empty())
-      WriteCollection(selection.combinations);
-    for (const int index : selection.envelopes)
-      cases::WriteEnvelope(study, solved, study.envelopes[index],
-                           {formats.contains("csv"), formats.contains("json")}, folder);
-  }
-
-private:
-  fs::path FileOf(const Combination& combination, const char* ending) const
-  {
-    return folder / (cases::FileNameOf(combination.name) + ending);
-  }
-
-  void Write(const Combination& combination)
-  {
-    if (formats.contains("text") || formats.contains("post"))
-      WriteOurs(combination);
-    const bool csv = formats.contains("csv");
-    const bool json = formats.contains("json");
-    const bool vtu = formats.contains("vtu");
-    if (!csv && !json && !vtu)
-      return;
-    const results::Results results = cases::ResultsOf(study, solved, combination);
-    if (vtu)
-      WriteVtu(study.model, results, FileOf(combination, ".vtu"), {.withLoads = false});
-    if (!csv && !json)
-      return;
-    const std::vector<tables::Table> tables = tables::ResultTables(study.model, results);
-    if (csv)
-      WriteCsv(tables, folder, cases::FileNameOf(combination.name) + ".");
-    if (json)
-      WriteJson({"morlen-results", "morlen-cases", cases::JsonOf(study, combination)}, study.model,
-                study.modelFile, tables, FileOf(combination, ".json"));
-  }
-
-  // In the formats of the program.
-  void WriteOurs(const Combination& combination)
-  {
-    const std::vector<double> column = CombinedColumn(solved, combination);
-    const CaseWriter writer(*study.problem, FamiliesOf(*study.problem), solved.Layout(), column);
-    if (formats.contains("text")) {
-      AtomicFile file(FileOf(combination, ".txt"));
-      writer.WriteText(file.Stream());
-      file.Commit();
-    }
-    if (formats.contains("post")) {
-      AtomicFile file(FileOf(combination, ".morlen.res"));
-      writer.WritePost(file.Stream());
-      file.Commit();
-    }
-  }
-
-  // The list of the VTU files for ParaView, whose time is the number of the combination.
-  void WriteCollection(const std::vector<int>& combinations)
-  {
-    AtomicFile file(folder / (stem + ".pvd"));
-    file.Write("<VTKFile type=\"Collection\" version=\"0.1\">\n<Collection>\n");
-    int time = 0;
-    for (const int index : combinations)
-      file.Write("<DataSet timestep=\"" + std::to_string(time++) + "\" file=\"" +
-                 FileOf(study.combinations[index], ".vtu").filename().string() + "\"/>\n");
-    file.Write("</Collection>\n</VTKFile>\n");
-    file.Commit();
-  }
-
-  cases::Study& study;
-  const SolvedCases& solved;
-  std::set<std::string> formats;
-  fs::path folder;
-  std::string stem;
-};
 
 std::string Counted(std::size_t count, const char* noun)
 {
@@ -231,13 +100,14 @@ ExitStatus Run(const Options& options)
         "nothing is written: the file has no envelope, and --write is not given");
   const fs::path folder =
       options.folder.value_or(fs::path(options.file).replace_extension(".results"));
-  SpareInputs(*study, selection, folder, fs::path(options.file).stem().string() + ".pvd");
-  MakeFolder(folder);
-  RemoveStaleTemporaries(folder);
+  const cases::CaseTargets targets = {folder,
+                                      fs::path(options.file).stem().string(),
+                                      {options.formats.begin(), options.formats.end()}};
+  PrepareCaseResults(*study, selection, targets);
   const std::unique_ptr<SolverKit> kit = MakeKit();
   const SolvedCases solved(*study->problem, FamiliesOf(*study->problem), study->loads,
                            {.kit = *kit});
-  Writer(*study, solved, options, folder).Write(selection);
+  WriteCaseResults(*study, solved, selection, targets);
   return ExitStatus::Done;
 }
 

@@ -4,9 +4,11 @@
 #include <iostream>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "base/errorwriter.h"
 #include "base/unfinished_files.h"
+#include "common/output_set.h"
 #include "common/source_files.h"
 #include "common/standard_output.h"
 
@@ -14,25 +16,22 @@ namespace morlen {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-// Returns the name of a file that may be written.
-std::string Checked(const fs::path& name)
+void RequireReplaceable(const fs::path& name)
 {
   std::error_code absent;
   if (fs::is_directory(name, absent))
     Fatal("can't write file ", name.string(), ": it is no regular file\n");
   RefuseSources(name);
-  return name.string();
 }
-
-}  // namespace
 
 AtomicFile::AtomicFile(const fs::path& givenName, By writer) : name(givenName), by(writer)
 {
-  if (!IsStandardOutput(name))
-    file.emplace(Checked(name));
-  CleanUpOnSignals();
+  if (by.Set() || !IsStandardOutput(name)) {
+    RequireReplaceable(name);
+    file = std::make_unique<OutputFile>(name.string());
+  }
+  if (!by.Set())
+    CleanUpOnSignals();
 }
 
 void AtomicFile::Write(std::string_view text)
@@ -52,8 +51,10 @@ void AtomicFile::Commit()
   if (!file)
     return FinishStandardOutput();
   file->Stream();  // an empty file is written too
+  if (by.Set())
+    return by.Set()->Take(name, std::move(file));
   file->Commit();
-  std::fprintf(NotesOf(by), "wrote %s\n", name.c_str());
+  std::fprintf(by.Notes(), "wrote %s\n", name.c_str());
 }
 
 AtomicFile::By WriterOf(std::span<const std::optional<fs::path>> outputs)
@@ -64,9 +65,11 @@ AtomicFile::By WriterOf(std::span<const std::optional<fs::path>> outputs)
   return filters ? AtomicFile::By::Filter : AtomicFile::By::Program;
 }
 
-std::FILE* NotesOf(AtomicFile::By writer)
+std::FILE* AtomicFile::By::Notes() const
 {
-  return writer == AtomicFile::By::Filter ? stderr : stdout;
+  if (set)
+    return nullptr;
+  return isFilter ? stderr : stdout;
 }
 
 }  // namespace morlen

@@ -72,6 +72,9 @@ struct Files
 /// there are some under the same name with the ending ".txt".
 Files UsualFiles(const std::filesystem::path& model);
 
+/// The result files of the run: the results for the post-processor, then the text results.
+std::vector<std::filesystem::path> ResultsOf(const Files& files);
+
 /// Reads the results of the model. Fatal: files that are missing, older than the problem file
 /// or damaged, or that belong to another model or to two different runs.
 Results ReadResults(const model::Model& model, const Files& files);

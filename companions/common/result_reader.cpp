@@ -90,6 +90,14 @@ Files UsualFiles(const fs::path& model)
   return files;
 }
 
+std::vector<fs::path> ResultsOf(const Files& files)
+{
+  std::vector<fs::path> all = {files.post};
+  if (files.text)
+    all.push_back(*files.text);
+  return all;
+}
+
 Results ReadResults(const model::Model& model, const Files& files)
 {
   RequireFresh(files, files.post);

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "base/errorwriter.h"
+#include "common/output_set.h"
 #include "common/shortest.h"
 #include "common/standard_output.h"
 
@@ -95,11 +96,13 @@ void RemoveStale(const fs::path& name, AtomicFile::By writer)
   std::error_code error;
   if (!fs::is_regular_file(name, error))
     return;
+  if (writer.Set())
+    return writer.Set()->Remove(name);
   if (!fs::remove(name, error)) {
     Explain(error.message());
     Fatal("can't remove file ", name.string(), ", which is of an earlier run\n");
   }
-  std::fprintf(NotesOf(writer), "removed %s, which is of an earlier run\n", name.c_str());
+  std::fprintf(writer.Notes(), "removed %s, which is of an earlier run\n", name.c_str());
 }
 
 void WriteCsv(std::span<const tables::Table> tables, const fs::path& folder,

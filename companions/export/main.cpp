@@ -8,10 +8,10 @@
 #include "common/input_files.h"
 #include "common/model_data.h"
 #include "common/result_data.h"
+#include "common/run_record.h"
 #include "common/source_files.h"
-#include "common/tables.h"
 #include "export/csv.h"
-#include "export/json.h"
+#include "export/run_tables.h"
 #include "export/vtu.h"
 
 using namespace morlen;
@@ -61,11 +61,8 @@ void Export(const Options& options)
     WriteVtu(model, results, *options.vtu, {.writer = writer});
   if (!options.csv && !options.json)
     return;
-  const std::vector<tables::Table> tables = tables::AllTables(model, results);
-  if (options.csv)
-    WriteCsv(tables, *options.csv, "", writer);
-  if (options.json)
-    WriteJson({"morlen-results", "morlen-export"}, model, file, tables, *options.json, writer);
+  const KnownRun run = FindRun(file, results::ResultsOf(options.input.Files()));
+  WriteTables(model, results, run, {"morlen-export", file, options.csv, options.json}, writer);
 }
 
 }  // namespace

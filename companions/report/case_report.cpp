@@ -10,16 +10,15 @@
 #include <utility>
 #include <vector>
 
+#include "base/errorwriter.h"
 #include "case_file/check_cases.h"
 #include "case_file/open_study.h"
 #include "case_file/results_of.h"
 #include "cases/solved_cases.h"
-#include "common/atomic_file.h"
 #include "common/file_text.h"
 #include "common/source_files.h"
 #include "kit/make_kit.h"
 #include "problem/problem.h"
-#include "report/case_data.h"
 #include "report/findings_of.h"
 #include "report/page.h"
 #include "report/page_data.h"
@@ -30,21 +29,6 @@ namespace morlen {
 namespace fs = std::filesystem;
 
 namespace {
-
-// The problems that morlen-check finds in the file with its loads, and in the model.
-std::vector<Finding> FindingsInAll(const fs::path& file, const fs::path& model)
-{
-  const check::Report report = cases::CheckCases(file.string(), FileText(file).value_or(""));
-  std::vector<Finding> findings = FindingsOf(report.problems, file.filename().string());
-  for (Finding& finding : FindingsIn(model)) {
-    const bool known = std::any_of(findings.begin(), findings.end(), [&](const Finding& other) {
-      return other.text == finding.text;
-    });
-    if (!known)
-      findings.push_back(std::move(finding));
-  }
-  return findings;
-}
 
 // Removes the reactions at nodes without supports: the tables of the page have the same rows for
 // all cases.
@@ -88,23 +72,46 @@ std::vector<std::string> AdviceOnAll(const cases::Study& study,
   return advice;
 }
 
-ExitStatus PrintBalances(const cases::Study& study, const std::vector<Equilibrium>& balances,
-                         const std::vector<std::string>& advice, std::FILE* notes)
+}  // namespace
+
+std::vector<Finding> FindingsInAll(const fs::path& file, const fs::path& model)
 {
-  std::size_t worst = 0;
-  for (std::size_t k = 0; k < balances.size(); ++k) {
-    if (balances[k].residual > balances[worst].residual)
-      worst = k;
-    if (!balances[k].IsBalanced())
-      std::cerr << "warning: load case '" << study.combinations[k].name
-                << "': loads and reactions are not in equilibrium. " << advice[k] << "\n";
+  const check::Report report = cases::CheckCases(file.string(), FileText(file).value_or(""));
+  std::vector<Finding> findings = FindingsOf(report.problems, file.filename().string());
+  for (Finding& finding : FindingsIn(model)) {
+    const bool known = std::any_of(findings.begin(), findings.end(), [&](const Finding& other) {
+      return other.text == finding.text;
+    });
+    if (!known)
+      findings.push_back(std::move(finding));
   }
-  std::fprintf(notes, "residual of equilibrium: %.2g, the largest of all cases, of '%s'\n",
-               balances[worst].residual, study.combinations[worst].name.c_str());
-  return balances[worst].IsBalanced() ? ExitStatus::Done : ExitStatus::Found;
+  return findings;
 }
 
-}  // namespace
+CaseBalances WriteCaseReport(const cases::Study& study, const std::vector<CaseActions>& actions,
+                             const SolvedCases& solved, const CaseReportTexts& texts,
+                             const fs::path& output, AtomicFile::By writer)
+{
+  CasePageData data(study, texts.file, texts.description, texts.findings);
+  CaseBalances balances;
+  balances.equilibria = AddCases(study, actions, solved, data);
+  balances.advice = AdviceOnAll(study, balances.equilibria);
+  for (std::size_t k = 0; k < balances.equilibria.size(); ++k) {
+    if (balances.equilibria[k].residual > balances.Worst().residual)
+      balances.worst = k;
+  }
+  WritePage(output, texts.file, data.Text(balances.equilibria, balances.advice), writer);
+  return balances;
+}
+
+void WarnOfBalances(const cases::Study& study, const CaseBalances& balances)
+{
+  for (std::size_t k = 0; k < balances.equilibria.size(); ++k) {
+    if (!balances.equilibria[k].IsBalanced())
+      std::cerr << "warning: load case '" << study.combinations[k].name
+                << "': loads and reactions are not in equilibrium. " << balances.advice[k] << "\n";
+  }
+}
 
 ExitStatus ReportCases(const fs::path& file, const fs::path& output)
 {
@@ -118,14 +125,15 @@ ExitStatus ReportCases(const fs::path& file, const fs::path& output)
   const std::unique_ptr<SolverKit> kit = MakeKit();
   const SolvedCases solved(*study->problem, FamiliesOf(*study->problem), study->loads,
                            {.kit = *kit});
-  const std::string name = file.filename().string();
-  CasePageData data(*study, name, DescriptionOf(file), findings);
-  const std::vector<Equilibrium> balances = AddCases(*study, actions, solved, data);
-  const std::vector<std::string> advice = AdviceOnAll(*study, balances);
   const AtomicFile::By writer = WriterOf(std::array{std::optional(output)});
-  WritePage(output, name, data.Text(balances, advice), writer);
+  const CaseBalances balances =
+      WriteCaseReport(*study, actions, solved,
+                      {file.filename().string(), DescriptionOf(file), findings}, output, writer);
   WarnOfErrors(findings, file.string());
-  return PrintBalances(*study, balances, advice, NotesOf(writer));
+  WarnOfBalances(*study, balances);
+  std::fprintf(writer.Notes(), "residual of equilibrium: %.2g, the largest of all cases, of '%s'\n",
+               balances.Worst().residual, study->combinations[balances.worst].name.c_str());
+  return balances.Worst().IsBalanced() ? ExitStatus::Done : ExitStatus::Found;
 }
 
 }  // namespace morlen

@@ -11,14 +11,13 @@
 #include "common/input_files.h"
 #include "common/model_data.h"
 #include "common/result_data.h"
+#include "common/run_record.h"
 #include "common/source_files.h"
 #include "problem/problem.h"
-#include "report/applied_loads.h"
 #include "report/case_report.h"
-#include "report/equilibrium.h"
 #include "report/findings_of.h"
-#include "report/page.h"
 #include "report/page_data.h"
+#include "report/run_report.h"
 
 using namespace morlen;
 
@@ -47,12 +46,12 @@ void Declare(CLI::App& app, Options& options)
       "cannot be made.");
 }
 
-ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advice, std::FILE* notes)
+ExitStatus PrintBalance(const Balance& balance, std::FILE* notes)
 {
-  std::fprintf(notes, "residual of equilibrium: %.2g\n", equilibrium.residual);
-  if (equilibrium.IsBalanced())
+  std::fprintf(notes, "residual of equilibrium: %.2g\n", balance.equilibrium.residual);
+  if (balance.equilibrium.IsBalanced())
     return ExitStatus::Done;
-  std::cerr << "warning: loads and reactions are not in equilibrium. " << advice << "\n";
+  std::cerr << "warning: loads and reactions are not in equilibrium. " << balance.advice << "\n";
   return ExitStatus::Found;
 }
 
@@ -72,26 +71,16 @@ ExitStatus Report(const Options& options)
   model::ReadProblemFile(file, problem);
   const model::Model model = model::ModelOf(problem);
   const results::Results results = results::ReadResults(model, options.input.Files());
-  PrepareLoads(problem);
-  const AppliedLoads loads = AppliedLoadsOf(problem, model);
-  const Equilibrium equilibrium = EquilibriumOf(model, loads.nodes, results);
-  const SolverType solver = problem.solverSettings.type;
-  const bool iterated = solver == SolverType::Sparse || solver == SolverType::Double;
-  const std::string advice = AdviceOf(equilibrium, model, problem.shellFormulation, iterated);
-  const std::string name = file.filename().string();
+  const results::Files files = options.input.Files();
   const std::vector<Finding> findings = FindingsIn(file);
-  WritePage(output, name,
-            PageData({.file = name,
-                      .description = DescriptionOf(file),
-                      .model = model,
-                      .results = results,
-                      .loads = loads,
-                      .equilibrium = equilibrium,
-                      .advice = advice,
-                      .check = findings}),
-            writer);
+  const Balance balance = WriteRunReport(problem, model, results,
+                                         {.file = file.filename().string(),
+                                          .description = DescriptionOf(file),
+                                          .check = findings,
+                                          .run = FindRun(file, results::ResultsOf(files))},
+                                         output, writer);
   WarnOfErrors(findings, file.string());
-  return PrintBalance(equilibrium, advice, NotesOf(writer));
+  return PrintBalance(balance, writer.Notes());
 }
 
 }  // namespace

@@ -12,10 +12,15 @@ using Json = nlohmann::ordered_json;
 
 std::vector<std::string> DescriptionOf(const std::filesystem::path& file)
 {
+  std::ifstream in(file);
+  return DescriptionIn(in);
+}
+
+std::vector<std::string> DescriptionIn(std::istream& in)
+{
   constexpr std::size_t kMostLines = 40;
   constexpr std::size_t kMostCharacters = 200;
   std::vector<std::string> lines;
-  std::ifstream in(file);
   bool first = true;  // the first line may be the type of the problem
   for (std::string line; lines.size() < kMostLines && std::getline(in, line); first = false) {
     const std::size_t begin = line.find_first_not_of(" \t\r");
@@ -33,7 +38,8 @@ std::vector<std::string> DescriptionOf(const std::filesystem::path& file)
 
 std::string PageData(const ReportContent& content)
 {
-  Json data = ModelParts(content.file, content.description, content.model, content.check);
+  Json data =
+      ModelParts(content.file, content.description, content.model, content.check, content.run);
   data["equilibrium"] = BalancePart(content.equilibrium, content.advice);
   data["loads"] = LoadsPart(content.loads);
   Json& packed = data["tables"] = Json::array();

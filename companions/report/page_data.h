@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <istream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,11 +25,14 @@ struct ReportContent
   const Equilibrium& equilibrium;
   std::string advice;                         ///< on a bad balance; empty for none
   std::optional<std::vector<Finding>> check;  ///< absent when the problem file was not checked
+  KnownRun run = {};
 };
 
 /// The comment lines at the beginning of a problem file, without their signs: the author's
 /// description of the model.
 std::vector<std::string> DescriptionOf(const std::filesystem::path& file);
+/// The same of the text of a problem file.
+std::vector<std::string> DescriptionIn(std::istream& text);
 
 /// The content as JSON for the page, without characters that begin or end markup.
 std::string PageData(const ReportContent& content);

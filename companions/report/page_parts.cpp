@@ -90,13 +90,15 @@ std::string WithoutMarkup(const std::string& json)
 }  // namespace
 
 Json ModelParts(const std::string& file, const std::vector<std::string>& description,
-                const model::Model& model, const std::optional<std::vector<Finding>>& check)
+                const model::Model& model, const std::optional<std::vector<Finding>>& check,
+                const KnownRun& run)
 {
   return {{"format", kFormatVersion},
           {"program", std::string("morlen-report ") + ProgramVersion()},
           {"model", Head(file, description, model)},
           {"units", UnitTable(model.units)},
           {"check", Check(check)},
+          {"run", Json::parse(JsonOf(run))},
           {"axes", Axes(model)}};
 }
 

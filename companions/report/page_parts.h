@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/model_data.h"
+#include "common/run_record.h"
 #include "common/tables.h"
 #include "report/applied_loads.h"
 #include "report/equilibrium.h"
@@ -22,12 +23,13 @@ struct Finding
   std::string text;
 };
 
-/// Program, model, units, the check and the local axes of the elements. file: the name that the
-/// page shows.
+/// Program, model, units, the check, the run and the local axes of the elements. file: the name
+/// that the page shows.
 nlohmann::ordered_json ModelParts(const std::string& file,
                                   const std::vector<std::string>& description,
                                   const model::Model& model,
-                                  const std::optional<std::vector<Finding>>& check);
+                                  const std::optional<std::vector<Finding>>& check,
+                                  const KnownRun& run = {});
 
 /// advice: on a bad balance; empty for none.
 nlohmann::ordered_json BalancePart(const Equilibrium& equilibrium, const std::string& advice);

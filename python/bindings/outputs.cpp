@@ -16,10 +16,8 @@
 #include "common/source_files.h"
 #include "export/vtu.h"
 #include "problem/problem_image.h"
-#include "report/applied_loads.h"
-#include "report/equilibrium.h"
-#include "report/page.h"
 #include "report/page_data.h"
+#include "report/run_report.h"
 #include "results/kiv_results.h"
 #include "results/text_results.h"
 #include "run/element_families.h"
@@ -153,20 +151,9 @@ public:
   // title: that of the page.
   void WriteReport(std::ostream& out, const std::string& title, const std::string& head)
   {
-    PrepareLoads(problem);
-    const AppliedLoads loads = AppliedLoadsOf(problem, model);
-    const Equilibrium equilibrium = EquilibriumOf(model, loads.nodes, results);
-    const SolverType solver = problem.solverSettings.type;
-    const bool iterated = solver == SolverType::Sparse || solver == SolverType::Double;
-    WritePage(out, title,
-              PageData({.file = title,
-                        .description = DescriptionIn(head, folder),
-                        .model = model,
-                        .results = results,
-                        .loads = loads,
-                        .equilibrium = equilibrium,
-                        .advice = AdviceOf(equilibrium, model, problem.shellFormulation, iterated),
-                        .check = {}}));
+    WriteRunReport(
+        problem, model, results,
+        {.file = title, .description = DescriptionIn(head, folder), .check = {}, .run = {}}, out);
   }
 
   model::Model model;

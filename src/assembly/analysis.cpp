@@ -250,13 +250,29 @@ public:
       IterateFirst(choice);
     } else {
       solver = MakeSolver(problem, options.kit, std::move(choice.plan), start);
-      Solve(Task(), *solver, makeLoads, choice.reason, solutions);
+      SolveFor(choice.reason);
     }
-    return {std::move(solver), std::move(solutions.Collected())};
+    SolverAccount account = Account();
+    return {std::move(solver), std::move(solutions.Collected()), std::move(account)};
   }
 
 private:
   AnalysisTask Task() const { return {problem, families, options.info, options.kit}; }
+
+  void SolveFor(const std::string& why)
+  {
+    reason = why;
+    Solve(Task(), *solver, makeLoads, reason, solutions);
+  }
+
+  SolverAccount Account() const
+  {
+    const SolverType type = problem.solverSettings.type;
+    const bool iterated = type == SolverType::Sparse;
+    const int iterations =
+        iterated ? static_cast<const SparseSolver&>(*solver).ModelReport().iterations : 0;
+    return {NameOf(*solver, type), reason, iterations};
+  }
 
   void PreSolve();
   bool SolveByKit();
@@ -269,7 +285,8 @@ private:
   const MakeLoads& makeLoads;
   std::unique_ptr<BSolver> solver;
   Solutions solutions;
-  ReaVecV start;  ///< displacements of the pre-solve; empty without one
+  std::string reason;  ///< why this solver
+  ReaVecV start;       ///< displacements of the pre-solve; empty without one
 };
 
 // Solves the model of three-node triangles by a direct solver, for the first load vector. Its
@@ -322,7 +339,8 @@ void Analysis::Refuse(const SolverWork& work, int iterations, const std::string&
 void Analysis::IterateFirst(const SolverChoice& choice)
 {
   auto sparse = MakeIteration(problem, choice);
-  std::vector<LoadCase> cases = AssembleSystem(Task(), *sparse, makeLoads, choice.reason);
+  reason = choice.reason;
+  std::vector<LoadCase> cases = AssembleSystem(Task(), *sparse, makeLoads, reason);
   if (IterateToTheEnd(Task(), *sparse, cases, solutions.Collect(problem, cases))) {
     Progress(options.info, "Solver finished\n");
     solver = std::move(sparse);
@@ -335,7 +353,7 @@ void Analysis::IterateFirst(const SolverChoice& choice)
     Refuse(choice.work, iterations, outcome);
   PrepareForDirect(problem, choice.directType, options.renumber);
   solver = MakeSolver(problem, options.kit, nullptr, start);
-  Solve(Task(), *solver, makeLoads, outcome, solutions);
+  SolveFor(outcome);
 }
 
 }  // namespace

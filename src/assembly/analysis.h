@@ -8,6 +8,7 @@
 #include "assembly/load_vector.h"
 #include "assembly/preparation.h"
 #include "assembly/solution.h"
+#include "assembly/solver_account.h"
 #include "solvers/bsolver.h"
 
 namespace morlen {
@@ -32,6 +33,7 @@ struct Analysed
   std::unique_ptr<BSolver> solver;  ///< with the factors or the assembled matrix
   /// One for each load vector, with displacements and supportLoads.
   std::vector<Solution> solutions;
+  SolverAccount account = {};
 };
 
 /// Checks and prepares a problem, chooses the solver, and solves all load vectors with one

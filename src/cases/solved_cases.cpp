@@ -56,7 +56,7 @@ SolvedCases::SolvedCases(Problem& problem, const ElementFamilies& families,
                                   .info = options.info,
                                   .kit = options.kit,
                                   .loadVectors = Count()};
-  Analyse(problem, families, forAll, makeLoads, [&](std::size_t index, Solution&& solution) {
+  const UseSolution use = [&](std::size_t index, Solution&& solution) {
     if (!layout)
       layout = std::make_unique<ResultLayout>(problem, families);
     const std::string& name = cases[index].name;
@@ -66,7 +66,8 @@ SolvedCases::SolvedCases(Problem& problem, const ElementFamilies& families,
         Explain("in load case '", name, "'");
       SolverFailed(problem.meshes, problem.components, -1);
     }
-  });
+  };
+  account = Analyse(problem, families, forAll, makeLoads, use).account;
 }
 
 SolvedCases::SolvedCases(const Problem& problem, const ElementFamilies& families,

@@ -6,6 +6,7 @@
 
 #include "assembly/preparation.h"
 #include "assembly/solution.h"
+#include "assembly/solver_account.h"
 #include "cases/result_layout.h"
 #include "problem/load_set.h"
 
@@ -39,6 +40,7 @@ public:
   /// The results of a case (from 0).
   std::span<const double> Column(int index) const { return columns[index]; }
   const SolutionAccuracy& Accuracy(int index) const { return accuracies[index]; }
+  const SolverAccount& Account() const { return account; }
 
 private:
   // False when a result is not finite.
@@ -48,6 +50,7 @@ private:
   std::unique_ptr<ResultLayout> layout;
   std::vector<std::vector<double>> columns;
   std::vector<SolutionAccuracy> accuracies;
+  SolverAccount account;
 };
 
 }  // namespace morlen

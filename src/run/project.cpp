@@ -96,6 +96,7 @@ void Project::Calc(int renumber, std::FILE* info)
       Analyse(problem, FamiliesOf(problem), {.renumber = renumber != 0, .info = info, .kit = kit});
   solver = std::move(analysed.solver);
   solution = std::move(analysed.solutions.front());
+  account = std::move(analysed.account);
 }
 
 void Project::FillMatrixVectorAndSolve(std::FILE* info)

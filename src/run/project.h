@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "assembly/solution.h"
+#include "assembly/solver_account.h"
 #include "assembly/solver_kit.h"
 #include "problem/problem.h"
 #include "solvers/bsolver.h"
@@ -99,6 +100,7 @@ public:
   Problem problem;
   Solution solution;
   std::unique_ptr<BSolver> solver;  ///< null before Calc and after CalcStrengthsAndReactions
+  SolverAccount account;            ///< after Calc
 
 private:
   const SolverKit& kit;

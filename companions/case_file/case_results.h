@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <set>
+#include <string>
+
+#include "case_file/study.h"
+
+namespace morlen {
+
+class SolvedCases;
+
+namespace cases {
+
+/// Where the results of load cases go.
+struct CaseTargets
+{
+  std::filesystem::path folder;
+  std::string stem;               ///< of the list of VTU files, "stem.pvd"
+  std::set<std::string> formats;  ///< of text, post, csv, json, vtu
+};
+
+/// Before the solution: makes the folder. Fatal when that fails, and when a result would replace
+/// one of the files that were read.
+void PrepareCaseResults(const Study& study, const Selection& selection, const CaseTargets& targets);
+
+/// Writes the selected cases, combinations and envelopes. Each file tells its name on standard
+/// output. Fatal when a file cannot be written.
+void WriteCaseResults(Study& study, const SolvedCases& solved, const Selection& selection,
+                      const CaseTargets& targets);
+
+}  // namespace cases
+
+}  // namespace morlen

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/output_file.h"
+
+namespace morlen {
+
+/// Files that get their names together, at the end of a run: an early end leaves the old files.
+///
+/// An OutputFile keeps its content under a temporary name until it is committed. A file that is
+/// written in place (see OutputFile) is an exception.
+class OutputSet
+{
+public:
+  /// A new file of the set. Fatal as OutputFile, and for a target that is a problem file or no
+  /// regular file. The reference is valid until Commit.
+  OutputFile& Open(const std::filesystem::path& name);
+
+  /// Takes a file whose content is complete. Fatal when something written to it has been lost.
+  void Take(const std::filesystem::path& name, std::unique_ptr<OutputFile> file);
+
+  /// Flushes the files, so that others can read them under their temporary names. Fatal when
+  /// something written has been lost.
+  void Flush();
+
+  struct Member
+  {
+    std::filesystem::path name;
+    std::unique_ptr<OutputFile> file;
+  };
+  const std::vector<Member>& Members() const { return members; }
+
+  /// Commit removes a file of an earlier run, before the new files get their names.
+  void Remove(const std::filesystem::path& name) { outdated.push_back(name); }
+
+  /// Gives all files their names, in the order in which they were opened. Fatal when that fails.
+  void Commit();
+
+private:
+  std::vector<Member> members;
+  std::vector<std::filesystem::path> outdated;
+};
+
+}  // namespace morlen

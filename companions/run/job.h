@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "run/options.h"
+
+namespace morlen::run {
+
+/// One file to be solved, and the names of its results.
+struct Job
+{
+  std::string input;           ///< as on the command line; "-" is standard input
+  std::filesystem::path base;  ///< of the results, without ending
+  bool isCases = false;        ///< a file of load cases
+
+  bool IsStandardInput() const { return input == "-"; }
+  /// A result: the base with this ending.
+  std::filesystem::path Result(const char* ending) const;
+  std::filesystem::path Folder() const;  ///< of the results
+};
+
+/// The jobs of a command line. Fatal when two of them would write the same results, or one would
+/// replace an input.
+std::vector<Job> PlanJobs(const Options& options);
+
+}  // namespace morlen::run

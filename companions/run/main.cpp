@@ -1,0 +1,32 @@
+#include <optional>
+#include <vector>
+
+#include "run/job.h"
+#include "run/open_page.h"
+#include "run/options.h"
+#include "run/process_streams.h"
+#include "run/solve_model.h"
+#include "run/supervisor.h"
+
+using namespace morlen;
+
+int main(int argc, char** argv)
+{
+  ProtectStreams();
+  CommandLine commandLine("morlen-run", "Checks, solves and reports problem files in one go.");
+  run::Options options;
+  run::Declare(commandLine.Options(), options);
+  if (const std::optional<ExitStatus> end = commandLine.Parse(argc, argv))
+    return static_cast<int>(*end);
+  run::RequireConsistent(options);
+  const std::vector<run::Job> jobs = run::PlanJobs(options);
+  const auto work = [&](const run::Job& job, run::ProgressSender& progress) {
+    return job.isCases ? run::SolveCases(job, options, progress)
+                       : run::SolveModel(job, options, progress);
+  };
+  const auto onEnd = [&](const run::Job& job, ExitStatus status) {
+    if (options.open && status != ExitStatus::Failed)
+      run::OpenPage(job.Result(".html"));
+  };
+  return static_cast<int>(run::Supervise(jobs, options, work, onEnd));
+}

@@ -1,0 +1,167 @@
+// Load cases: what morlen-check, morlen-cases and morlen-report do with the file, with one
+// solution.
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "case_file/case_results.h"
+#include "case_file/check_cases.h"
+#include "case_file/results_of.h"
+#include "cases/solved_cases.h"
+#include "common/file_text.h"
+#include "kit/make_kit.h"
+#include "problem/problem.h"
+#include "report/case_report.h"
+#include "report/findings_of.h"
+#include "report/page_data.h"
+#include "run/element_families.h"
+#include "run/finish.h"
+#include "run/input_check.h"
+#include "run/solve_model.h"
+
+namespace morlen::run {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<RecordedFile> RecordedInputs(const cases::Study& study)
+{
+  std::vector<RecordedFile> inputs;
+  for (const fs::path& input : study.inputs)
+    inputs.push_back({input.string(), FingerprintOf(input).value_or(Fingerprint{})});
+  return inputs;
+}
+
+/// All envelopes; with VTU, which envelopes do not have, all cases too.
+cases::Selection SelectionOf(const cases::Study& study, const Options& options)
+{
+  cases::Selection selection;
+  for (int k = 0; options.vtu && k < study.cases; ++k)
+    selection.combinations.push_back(k);
+  for (std::size_t k = 0; k < study.envelopes.size(); ++k)
+    selection.envelopes.push_back(static_cast<int>(k));
+  return selection;
+}
+
+cases::CaseTargets TargetsOf(const Job& job, const Options& options)
+{
+  cases::CaseTargets targets = {job.Result(".results"), job.base.filename().string(), {}};
+  if (options.vtu)
+    targets.formats.insert("vtu");
+  if (options.json)
+    targets.formats.insert("json");
+  if (options.csv || !options.json)
+    targets.formats.insert("csv");
+  return targets;
+}
+
+/// The facts of the worst case.
+RunFacts FactsOfAll(const SolvedCases& solved, const Problem& problem)
+{
+  SolutionAccuracy worst;
+  for (int k = 0; k < solved.Count(); ++k) {
+    worst.error = std::max(worst.error, solved.Accuracy(k).error);
+    worst.residual = std::max(worst.residual, solved.Accuracy(k).residual);
+  }
+  return FactsOf(solved.Account(), worst, problem.Equations());
+}
+
+std::vector<Extreme> ExtremesOfAll(const cases::Study& study, const SolvedCases& solved)
+{
+  std::vector<Extreme> extremes;
+  for (int k = 0; k < study.cases; ++k)
+    MergeExtremes(extremes,
+                  ExtremesOf(study.model, cases::ResultsOf(study, solved, study.combinations[k])),
+                  ", case " + study.combinations[k].name);
+  return extremes;
+}
+
+/// Prints the problems of the file and of its model. The model's that the file has too are not
+/// repeated.
+check::Report PrintAllProblems(const Job& job, check::Report report, const check::Report& ofModel,
+                               const std::string& model)
+{
+  PrintProblems(report, job.input);
+  check::Report further;
+  for (const check::Located& problem : ofModel.problems) {
+    const bool known = std::any_of(
+        report.problems.begin(), report.problems.end(),
+        [&](const check::Located& one) { return check::TextOf(one) == check::TextOf(problem); });
+    if (known)
+      continue;
+    further.problems.push_back(problem);
+    ++(problem.severity == check::Severity::Error ? report.errors : report.warnings);
+  }
+  PrintProblems(further, model);
+  report.problems.insert(report.problems.end(), further.problems.begin(), further.problems.end());
+  return report;
+}
+
+ExitStatus SolveStudy(cases::Study& study, const check::Report& report, const Job& job,
+                      const Options& options, ProgressSender& progress, const Stopwatch& watch)
+{
+  const cases::Selection selection = SelectionOf(study, options);
+  const cases::CaseTargets targets = TargetsOf(job, options);
+  PrepareFolder(job.Folder());
+  RefuseOverwritingInputs(study, job.Result(".html"));
+  PrepareCaseResults(study, selection, targets);
+  const std::vector<Finding> findings = FindingsInAll(job.input, study.modelFile);
+  const std::vector<CaseActions> actions = ActionsOf(study);
+  const std::unique_ptr<SolverKit> kit = MakeKit();
+  const SolvedCases solved(*study.problem, FamiliesOf(*study.problem), study.loads,
+                           {.info = progress.Stream(), .kit = *kit});
+  progress.Stage("writing the results and the report");
+  Summary summary;
+  summary.facts = FactsOfAll(solved, *study.problem);
+  OutputSet files;
+  const std::string title = fs::path(job.input).filename().string();
+  const CaseBalances balances =
+      WriteCaseReport(study, actions, solved, {title, DescriptionOf(job.input), findings},
+                      job.Result(".html"), files);
+  WriteCaseResults(study, solved, selection, targets);
+  Publish(job, RecordedInputs(study), summary.facts, files);
+  summary.balance = balances.Worst().residual;
+  summary.balanceOf = study.combinations[balances.worst].name;
+  summary.advice = balances.advice[balances.worst];
+  summary.extremes = ExtremesOfAll(study, solved);
+  summary.checkWarnings = report.warnings;
+  summary.analysisWarnings = progress.Warnings();
+  summary.seconds = watch.Seconds();
+  return Tell(summary, stdout);
+}
+
+}  // namespace
+
+ExitStatus SolveCases(const Job& job, const Options& options, ProgressSender& progress)
+{
+  const Stopwatch watch;
+  const std::optional<std::string> text = FileText(job.input);
+  if (!text)
+    return CannotRead(job.input);
+  progress.Stage("checking");
+  check::Report report = cases::CheckCases(job.input, *text);
+  if (report.cases) {
+    const std::string model = report.cases->model;
+    const check::Report ofModel = check::CheckText(FileText(model).value_or(""));
+    if (ofModel.summary)
+      progress.SetEquations(ofModel.summary->equations);
+    report = PrintAllProblems(job, std::move(report), ofModel, model);
+  } else {
+    PrintProblems(report, job.input);
+  }
+  if (StopsAt(report, options.strict))
+    return NotSolved(job.input, report);
+  cases::Problems silent(cases::Problems::LostData::Warning);
+  const std::string all[] = {"*"};  // the report shows every case
+  const std::unique_ptr<cases::Study> study = cases::ReadStudy(job.input, *text, all, silent);
+  if (!study)
+    return NotSolved(job.input, report);
+  return SolveStudy(*study, report, job, options, progress, watch);
+}
+
+}  // namespace morlen::run

@@ -1,0 +1,216 @@
+// One problem file: the check, the analysis, the results under temporary names, and at the end the
+// names. The file is read once, so that all parts see the same content. The problem is made of its
+// text twice, because an analysis changes it.
+
+#include "run/solve_model.h"
+
+#include <chrono>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <utility>
+
+#include "base/errorwriter.h"
+#include "base/temporary_file.h"
+#include "base/textscan.h"
+#include "common/file_text.h"
+#include "common/output_set.h"
+#include "common/run_record.h"
+#include "export/csv.h"
+#include "export/run_tables.h"
+#include "export/vtu.h"
+#include "kit/make_kit.h"
+#include "problem/problem.h"
+#include "problem/problem_reader.h"
+#include "report/findings_of.h"
+#include "report/page_data.h"
+#include "report/run_report.h"
+#include "run/finish.h"
+#include "run/input_check.h"
+#include "run/project.h"
+#include "run/scratch_folder.h"
+#include "run/summary.h"
+
+namespace morlen::run {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The name of the problem in the report and in the tables.
+std::string TitleOf(const Job& job)
+{
+  return job.IsStandardInput() ? "stdin" : fs::path(job.input).filename().string();
+}
+
+/// The solution of a problem file whose check has found nothing that stops it.
+class ModelRun
+{
+public:
+  ModelRun(const Job& job_, const Options& options_, std::string text_, check::Report report_,
+           ProgressSender& progress_)
+      : job(job_),
+        options(options_),
+        text(std::move(text_)),
+        report(std::move(report_)),
+        progress(progress_)
+  {
+  }
+
+  ExitStatus Run(const Stopwatch& watch)
+  {
+    Open();
+    Solve();
+    results::Results results;
+    model::Model model = ReadBack(results);
+    progress.Stage(options.ToStandardOutput() ? "writing the results"
+                                              : "writing the results and the report");
+    Write(model, results);
+    summary.extremes = ExtremesOf(model, results);
+    summary.checkWarnings = report.warnings;
+    summary.analysisWarnings = progress.Warnings();
+    return Finish(watch);
+  }
+
+private:
+  // The files whose writing takes a test before the solution.
+  void Open()
+  {
+    if (options.ToStandardOutput())
+      base = scratch.emplace().Path() / "model";
+    else
+      PrepareFolder(job.Folder());
+    textResults = &files.Open(NameOf(".txt"));
+    postResults = &files.Open(NameOf(".morlen.res"));
+  }
+
+  fs::path NameOf(const char* ending) const
+  {
+    if (base.empty())
+      return job.Result(ending);
+    fs::path name = base;
+    return name += ending;
+  }
+
+  void Solve()
+  {
+    const std::unique_ptr<SolverKit> kit = MakeKit();
+    Project project(100, *kit);
+    TextScan scan(text);
+    project.ReadFromAscii(scan);
+    project.Calc(true, progress.Stream());
+    project.CalcStrengthsAndReactions(progress.Stream());
+    project.WriteResults(textResults->Stream());
+    project.WriteKivResults(postResults->Stream(), nullptr);
+    summary.facts =
+        FactsOf(project.account, project.solution.accuracy, project.problem.Equations());
+    files.Flush();
+  }
+
+  // The results as the files have them, with six digits, for everything that is made of them.
+  model::Model ReadBack(results::Results& results)
+  {
+    TextScan scan(text);
+    ReadProblem(scan, problem);
+    model::Model model = model::ModelOf(problem);
+    results = results::ReadResults(model, {.model = job.input,
+                                           .post = postResults->WrittenName(),
+                                           .text = textResults->WrittenName(),
+                                           .anyTime = true});
+    return model;
+  }
+
+  void Write(const model::Model& model, const results::Results& results)
+  {
+    const KnownRun run = {KnownRun::State::Matches, summary.facts};
+    Balance balance;
+    if (options.ToStandardOutput()) {
+      balance = BalanceOf(problem, model, results);
+    } else {
+      const std::string title = TitleOf(job);
+      std::istringstream description(text);
+      balance = WriteRunReport(problem, model, results,
+                               {.file = title,
+                                .description = DescriptionIn(description),
+                                .check = FindingsOf(report.problems, title),
+                                .run = run},
+                               job.Result(".html"), files);
+      Export(model, results, run);
+    }
+    summary.balance = balance.equilibrium.residual;
+    summary.advice = balance.advice;
+  }
+
+  void Export(const model::Model& model, const results::Results& results, const KnownRun& run)
+  {
+    if (options.vtu)
+      WriteVtu(model, results, job.Result(".vtu"), files);
+    TableTargets targets = {"morlen-run", TitleOf(job), std::nullopt, std::nullopt};
+    if (options.csv)
+      targets.csv = newFolder.emplace(job.Result("_csv")).Path();
+    if (options.json)
+      targets.json = job.Result(".json");
+    WriteTables(model, results, run, targets, files);
+  }
+
+  ExitStatus Finish(const Stopwatch& watch)
+  {
+    if (options.ToStandardOutput())
+      PrintFile(textResults->WrittenName());
+    else
+      Name();
+    summary.seconds = watch.Seconds();
+    return Tell(summary, options.ToStandardOutput() ? stderr : stdout);
+  }
+
+  void Name()
+  {
+    const SignalsHeld held;
+    Publish(job, {{job.input, FingerprintOf(std::string_view(text))}}, summary.facts, files);
+    if (newFolder)
+      newFolder->Keep();
+  }
+
+  const Job& job;
+  const Options& options;
+  const std::string text;  ///< of the problem file
+  const check::Report report;
+  ProgressSender& progress;
+
+  Problem problem{100};  ///< as read
+  Summary summary;
+  std::optional<ScratchFolder> scratch;  ///< of results that go to standard output
+  fs::path base;                         ///< of these
+  std::optional<NewFolder> newFolder;    ///< of the CSV files
+  OutputSet files;
+  OutputFile* textResults = nullptr;
+  OutputFile* postResults = nullptr;
+};
+
+std::optional<std::string> TextOf(const Job& job)
+{
+  return job.IsStandardInput() ? StreamText(std::cin) : FileText(job.input);
+}
+
+}  // namespace
+
+ExitStatus SolveModel(const Job& job, const Options& options, ProgressSender& progress)
+{
+  const Stopwatch watch;
+  std::optional<std::string> text = TextOf(job);
+  if (!text)
+    return CannotRead(job.input);
+  progress.Stage("checking");
+  check::Report report = check::CheckText(*text);
+  PrintProblems(report, job.input);
+  if (StopsAt(report, options.strict))
+    return NotSolved(job.input, report);
+  if (report.summary)
+    progress.SetEquations(report.summary->equations);
+  return ModelRun(job, options, std::move(*text), std::move(report), progress).Run(watch);
+}
+
+}  // namespace morlen::run

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "common/command_line.h"
+#include "run/job.h"
+#include "run/options.h"
+#include "run/progress.h"
+
+namespace morlen::run {
+
+/// Checks, solves and reports one problem file. Prints the problems on standard error, the names of
+/// the results and the summary on standard output; with `-o -` the text results there, and the
+/// summary on standard error. Failed when the check stops the run; later errors end the process.
+ExitStatus SolveModel(const Job& job, const Options& options, ProgressSender& progress);
+
+/// The same for a file of load cases.
+ExitStatus SolveCases(const Job& job, const Options& options, ProgressSender& progress);
+
+}  // namespace morlen::run

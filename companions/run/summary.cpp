@@ -1,0 +1,81 @@
+#include "run/summary.h"
+
+#include <cstdio>
+
+namespace morlen::run {
+
+namespace {
+
+// A line of the summary: its values begin in one column.
+std::string Line(const std::string& label, const std::string& value)
+{
+  constexpr std::size_t kColumn = 14;
+  std::string line = label + ":";
+  line.resize(std::max(line.size() + 1, kColumn), ' ');
+  return line + value + "\n";
+}
+
+std::string Short(double value)
+{
+  char text[32];
+  std::snprintf(text, sizeof text, "%.2g", value);
+  return text;
+}
+
+std::string SolverText(const RunFacts& facts)
+{
+  std::string text = facts.solver + ", " + std::to_string(facts.equations) + " equations";
+  if (facts.iterations > 0)
+    text += ", " + std::to_string(facts.iterations) + " iterations";
+  return text + " (" + facts.why + ")";
+}
+
+bool IsGood(double error)
+{
+  return error <= kLargestError;
+}
+
+std::string WarningCount(const Summary& summary)
+{
+  if (summary.checkWarnings == 0 && summary.analysisWarnings == 0)
+    return "none";
+  return std::to_string(summary.checkWarnings) + " of the check, " +
+         std::to_string(summary.analysisWarnings) + " of the analysis";
+}
+
+}  // namespace
+
+ExitStatus StatusOf(const Summary& summary)
+{
+  return IsGood(summary.balance) && IsGood(summary.facts.estimatedError) ? ExitStatus::Done
+                                                                         : ExitStatus::Found;
+}
+
+std::string WarningsOf(const Summary& summary)
+{
+  std::string text;
+  if (!IsGood(summary.balance))
+    text += "warning: loads and reactions are not in equilibrium" +
+            (summary.balanceOf.empty() ? "" : " in case " + summary.balanceOf) + ". " +
+            summary.advice + "\n";
+  if (!IsGood(summary.facts.estimatedError))
+    text += "warning: the displacements have an estimated error of " +
+            Short(summary.facts.estimatedError) + ", more than " + Short(kLargestError) + "\n";
+  return text;
+}
+
+std::string TextOf(const Summary& summary)
+{
+  const RunFacts& facts = summary.facts;
+  std::string text = Line("solver", SolverText(facts));
+  text += Line("accuracy", "residual " + Short(facts.residual) + ", estimated error " +
+                               Short(facts.estimatedError));
+  text += Line("balance", "residual " + Short(summary.balance) + " of loads and reactions" +
+                              (summary.balanceOf.empty() ? "" : ", in case " + summary.balanceOf));
+  for (const Extreme& extreme : summary.extremes)
+    text += Line(extreme.label, TextOf(extreme));
+  text += Line("warnings", WarningCount(summary));
+  return text + Line("time", Short(summary.seconds) + " s");
+}
+
+}  // namespace morlen::run

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "common/command_line.h"
+#include "common/run_record.h"
+#include "run/extremes.h"
+
+namespace morlen::run {
+
+/// What a user must know of a run that is done.
+struct Summary
+{
+  RunFacts facts;
+  double balance = 0.0;   ///< the residual of loads and reactions
+  std::string balanceOf;  ///< the load case that has it; empty for a problem file
+  std::string advice;     ///< on a bad balance; empty for a good one
+  std::vector<Extreme> extremes;
+  int checkWarnings = 0;
+  int analysisWarnings = 0;
+  double seconds = 0.0;
+};
+
+/// The balance and the estimated error above which results are not reliable.
+constexpr double kLargestError = 1e-4;
+
+/// Found when the balance or the estimated error is too large, or is no number.
+ExitStatus StatusOf(const Summary& summary);
+
+/// The warnings on a bad balance and a bad estimate, a line each.
+std::string WarningsOf(const Summary& summary);
+
+/// The summary as lines of text.
+std::string TextOf(const Summary& summary);
+
+}  // namespace morlen::run

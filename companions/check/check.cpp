@@ -4,6 +4,7 @@
 
 #include "assembly/coplanarity.h"
 #include "assembly/model_checks.h"
+#include "assembly/solver_choice.h"
 #include "check/mechanisms.h"
 #include "check/recorder.h"
 #include "model/mesh.h"
@@ -41,7 +42,13 @@ std::vector<std::size_t> CheckSupportsAsRead(const Subject& subject, Recorder& r
   return sound ? loose : std::vector<std::size_t>();
 }
 
-std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder)
+bool Searches(Motions motions, const Problem& problem)
+{
+  const long long equations = static_cast<long long>(problem.numNodes) * problem.components.count;
+  return motions == Motions::Find || equations < kChoiceFrom;
+}
+
+std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder, Motions motions)
 {
   if (problem.meshes.empty() || problem.meshes.back()->GiveFvType() == 0)
     return std::nullopt;  // the header or the head of a mesh could not be read
@@ -50,7 +57,8 @@ std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder)
   const Subject subject = SubjectOf(problem);
   CheckModelAsRead(subject, recorder);
   const std::vector<std::size_t> loose = CheckSupportsAsRead(subject, recorder);
-  if (!loose.empty() && loose.size() < subject.parts.size())
+  const bool searches = Searches(motions, problem);
+  if (searches && !loose.empty() && loose.size() < subject.parts.size())
     CheckMechanisms(problem, subject, loose, recorder);
   if (recorder.HasErrors())
     return std::nullopt;
@@ -65,14 +73,14 @@ std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder)
   if (recorder.HasErrors())
     return std::nullopt;
   Summary summary = Summarise(problem, subject);
-  if (!recorder.HasErrors())
+  if (!recorder.HasErrors() && searches)
     summary.untested = CheckMechanisms(problem, subject, {}, recorder);
   return recorder.HasErrors() ? std::nullopt : std::optional(std::move(summary));
 }
 
 }  // namespace
 
-Report CheckText(std::string_view text)
+Report CheckText(std::string_view text, Motions motions)
 {
   TextScan scan(text);
   Problem problem(100);
@@ -81,7 +89,7 @@ Report CheckText(std::string_view text)
   recorder.AttemptAt(Code::Refused, kWholeFile, [&] {
     ReadProblem(scan, problem);
     recorder.ReportUnitOrder();
-    report.summary = CheckProblem(problem, recorder);
+    report.summary = CheckProblem(problem, recorder, motions);
   });
   report.problems = Locate(recorder.Findings(), text);
   report.errors = static_cast<int>(

@@ -28,9 +28,16 @@ struct Report
   int warnings = 0;
 };
 
+/// Whether motions inside a part are searched for, which takes a factorisation.
+enum class Motions : bool
+{
+  Find,
+  LeaveToAnalysis  ///< found only in models of few equations: an analysis follows and refuses them
+};
+
 /// Reads the text of a problem file as the program does and judges it. No error in the file ends
 /// the run.
-Report CheckText(std::string_view text);
+Report CheckText(std::string_view text, Motions motions = Motions::Find);
 
 /// A report and the name of its file.
 struct FileReport

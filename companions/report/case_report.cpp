@@ -30,6 +30,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// The problems that morlen-check finds in the file with its loads, and in the model.
+std::vector<Finding> FindingsInAll(const fs::path& file, const fs::path& model)
+{
+  const check::Report report = cases::CheckCases(file.string(), FileText(file).value_or(""));
+  std::vector<Finding> findings = FindingsOf(report.problems, file.filename().string());
+  for (Finding& finding : FindingsIn(model)) {
+    const bool known = std::any_of(findings.begin(), findings.end(), [&](const Finding& other) {
+      return other.text == finding.text;
+    });
+    if (!known)
+      findings.push_back(std::move(finding));
+  }
+  return findings;
+}
+
 // Removes the reactions at nodes without supports: the tables of the page have the same rows for
 // all cases.
 void KeepReactionsOfSupports(const model::Model& model, results::Results& results)
@@ -73,20 +88,6 @@ std::vector<std::string> AdviceOnAll(const cases::Study& study,
 }
 
 }  // namespace
-
-std::vector<Finding> FindingsInAll(const fs::path& file, const fs::path& model)
-{
-  const check::Report report = cases::CheckCases(file.string(), FileText(file).value_or(""));
-  std::vector<Finding> findings = FindingsOf(report.problems, file.filename().string());
-  for (Finding& finding : FindingsIn(model)) {
-    const bool known = std::any_of(findings.begin(), findings.end(), [&](const Finding& other) {
-      return other.text == finding.text;
-    });
-    if (!known)
-      findings.push_back(std::move(finding));
-  }
-  return findings;
-}
 
 CaseBalances WriteCaseReport(const cases::Study& study, const std::vector<CaseActions>& actions,
                              const SolvedCases& solved, const CaseReportTexts& texts,

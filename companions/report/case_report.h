@@ -35,10 +35,6 @@ struct CaseBalances
 /// made, and in a program without load cases.
 ExitStatus ReportCases(const std::filesystem::path& file, const std::filesystem::path& output);
 
-/// The problems that morlen-check finds in the file with its loads, and in the model.
-std::vector<Finding> FindingsInAll(const std::filesystem::path& file,
-                                   const std::filesystem::path& model);
-
 /// Writes the page of load cases that are solved. actions: of the study before its solution. Fatal
 /// when the page cannot be written.
 CaseBalances WriteCaseReport(const cases::Study& study, const std::vector<CaseActions>& actions,

@@ -81,24 +81,34 @@ std::vector<Extreme> ExtremesOfAll(const cases::Study& study, const SolvedCases&
   return extremes;
 }
 
-/// Prints the problems of the file and of its model. The model's that the file has too are not
-/// repeated.
-check::Report PrintAllProblems(const Job& job, check::Report report, const check::Report& ofModel,
-                               const std::string& model)
+/// Adds the problems of the model, unless the file has the same.
+void AddProblems(const check::Report& ofModel, const std::string& model, check::Report& report)
 {
-  PrintProblems(report, job.input);
-  check::Report further;
-  for (const check::Located& problem : ofModel.problems) {
-    const bool known = std::any_of(
-        report.problems.begin(), report.problems.end(),
-        [&](const check::Located& one) { return check::TextOf(one) == check::TextOf(problem); });
+  const std::size_t own = report.problems.size();
+  for (check::Located problem : ofModel.problems) {
+    const auto end = report.problems.begin() + static_cast<std::ptrdiff_t>(own);
+    const bool known = std::any_of(report.problems.begin(), end, [&](const check::Located& one) {
+      return check::TextOf(one) == check::TextOf(problem);
+    });
     if (known)
       continue;
-    further.problems.push_back(problem);
     ++(problem.severity == check::Severity::Error ? report.errors : report.warnings);
+    problem.file = model;
+    report.problems.push_back(std::move(problem));
   }
-  PrintProblems(further, model);
-  report.problems.insert(report.problems.end(), further.problems.begin(), further.problems.end());
+}
+
+check::Report CheckAll(const Job& job, std::string_view text, ProgressSender& progress)
+{
+  check::Report report = cases::CheckCases(job.input, text);
+  if (!report.cases)
+    return report;
+  const std::string& model = report.cases->model;
+  const check::Report ofModel =
+      check::CheckText(FileText(model).value_or(""), check::Motions::LeaveToAnalysis);
+  if (ofModel.summary)
+    progress.SetEquations(ofModel.summary->equations);
+  AddProblems(ofModel, model, report);
   return report;
 }
 
@@ -110,7 +120,6 @@ ExitStatus SolveStudy(cases::Study& study, const check::Report& report, const Jo
   PrepareFolder(job.Folder());
   RefuseOverwritingInputs(study, job.Result(".html"));
   PrepareCaseResults(study, selection, targets);
-  const std::vector<Finding> findings = FindingsInAll(job.input, study.modelFile);
   const std::vector<CaseActions> actions = ActionsOf(study);
   const std::unique_ptr<SolverKit> kit = MakeKit();
   const SolvedCases solved(*study.problem, FamiliesOf(*study.problem), study.loads,
@@ -120,9 +129,9 @@ ExitStatus SolveStudy(cases::Study& study, const check::Report& report, const Jo
   summary.facts = FactsOfAll(solved, *study.problem);
   OutputSet files;
   const std::string title = fs::path(job.input).filename().string();
-  const CaseBalances balances =
-      WriteCaseReport(study, actions, solved, {title, DescriptionOf(job.input), findings},
-                      job.Result(".html"), files);
+  const CaseBalances balances = WriteCaseReport(
+      study, actions, solved, {title, DescriptionOf(job.input), FindingsOf(report.problems, title)},
+      job.Result(".html"), files);
   WriteCaseResults(study, solved, selection, targets);
   Publish(job, RecordedInputs(study), summary.facts, files);
   summary.balance = balances.Worst().residual;
@@ -144,16 +153,8 @@ ExitStatus SolveCases(const Job& job, const Options& options, ProgressSender& pr
   if (!text)
     return CannotRead(job.input);
   progress.Stage("checking");
-  check::Report report = cases::CheckCases(job.input, *text);
-  if (report.cases) {
-    const std::string model = report.cases->model;
-    const check::Report ofModel = check::CheckText(FileText(model).value_or(""));
-    if (ofModel.summary)
-      progress.SetEquations(ofModel.summary->equations);
-    report = PrintAllProblems(job, std::move(report), ofModel, model);
-  } else {
-    PrintProblems(report, job.input);
-  }
+  const check::Report report = CheckAll(job, *text, progress);
+  PrintProblems(report, job.input);
   if (StopsAt(report, options.strict))
     return NotSolved(job.input, report);
   cases::Problems silent(cases::Problems::LostData::Warning);

@@ -204,7 +204,7 @@ ExitStatus SolveModel(const Job& job, const Options& options, ProgressSender& pr
   if (!text)
     return CannotRead(job.input);
   progress.Stage("checking");
-  check::Report report = check::CheckText(*text);
+  check::Report report = check::CheckText(*text, check::Motions::LeaveToAnalysis);
   PrintProblems(report, job.input);
   if (StopsAt(report, options.strict))
     return NotSolved(job.input, report);

@@ -49,10 +49,17 @@ void ProgressSender::Hear(const std::string& text)
   else if (std::sscanf(text.c_str(), "Solving degree %d of %d", &first, &second) == 2)
     Advance("factorising, equation " + std::to_string(first) + " of " + std::to_string(second));
   else if (std::sscanf(text.c_str(), "Solver %19s taken: %n", solver, &rest) == 1 && rest > 0)
-    Stage("solving" + (equations > 0 ? " " + std::to_string(equations) + " equations" : "") +
-          " with " + solver + ": " + text.substr(static_cast<std::size_t>(rest)));
+    StageOfSolver(solver, text.substr(static_cast<std::size_t>(rest)));
   else if (text == "Factorisation")
     Advance("factorising");
+}
+
+void ProgressSender::StageOfSolver(const std::string& solver, const std::string& reason)
+{
+  std::string text = "solving ";
+  if (equations > 0)
+    text += std::to_string(equations) + " equations ";
+  Stage(text + "with " + solver + ": " + reason);
 }
 
 void ProgressSender::Iterate(int iteration, double residual, double tolerance)
@@ -96,7 +103,7 @@ void ProgressSender::Advance(std::string_view text)
 // Whoever shows the progress may have ended: the run goes on.
 void ProgressSender::Send(char kind, std::string_view text)
 {
-  std::string message(1, kind);
+  std::string message = {kMark, kind};
   message += text;
   message += '\n';
   if (write(descriptor, message.data(), message.size()) < 0)

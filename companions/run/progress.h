@@ -7,14 +7,15 @@
 
 namespace morlen::run {
 
-/// Sends the progress of a run to the process that shows it, a line for each message. The first
-/// character of a line is its kind.
+/// Sends the progress of a run to the process that shows it, among the messages of the run, whose
+/// order it keeps. A line of progress begins with kMark and its kind.
 ///
 /// The analysis writes its progress to Stream(), as it does for the option -i of morlen; the
 /// messages that matter to a user become events.
 class ProgressSender
 {
 public:
+  static constexpr char kMark = '\1';
   static constexpr char kStage = 'S';    ///< a new stage, at most five in a run
   static constexpr char kAdvance = 'A';  ///< the state of the present stage
 
@@ -39,6 +40,7 @@ public:
 private:
   static ssize_t Receive(void* sender, const char* text, size_t size);
   void Advance(std::string_view text);
+  void StageOfSolver(const std::string& solver, const std::string& reason);
   void Iterate(int iteration, double residual, double tolerance);
   void Send(char kind, std::string_view text);
 

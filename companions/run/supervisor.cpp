@@ -67,10 +67,11 @@ struct Child
 {
   const Job& job;
   pid_t process;
-  Source output, messages, progress;
+  Source output;
+  Source messages;  ///< and the progress
 
-  std::array<Source*, 3> Sources() { return {&output, &messages, &progress}; }
-  bool IsOpen() { return output.descriptor || messages.descriptor || progress.descriptor; }
+  std::array<Source*, 2> Sources() { return {&output, &messages}; }
+  bool IsOpen() { return output.descriptor || messages.descriptor; }
 };
 
 /// The signals at which the jobs end; they come through a descriptor.
@@ -131,14 +132,13 @@ public:
     if (jobs.size() > 1)
       PrintTotal();
     if (!outputIsWhole)
-      console.Message("morlen-run", "error: can't write to standard output");
+      console.Message("morlen-run", "morlen-run: error: can't write to standard output");
     return outputIsWhole ? worst : ExitStatus::Failed;
   }
 
 private:
   void Start(const Job& job);
-  [[noreturn]] void BecomeJob(const Job& job, const Pipe& output, const Pipe& messages,
-                              const Pipe& progress);
+  [[noreturn]] void BecomeJob(const Job& job, const Pipe& output, const Pipe& messages);
   void Wait();
   void Hear(Child& child);
   void CollectEnded();
@@ -166,7 +166,6 @@ void Supervisor::Start(const Job& job)
 {
   Pipe output;
   Pipe messages;
-  Pipe progress;
   std::fflush(nullptr);
   const pid_t process = fork();
   if (process < 0) {
@@ -174,17 +173,13 @@ void Supervisor::Start(const Job& job)
     Fatal("error: can't start another process\n");
   }
   if (process == 0)
-    BecomeJob(job, output, messages, progress);
-  children.push_back(std::unique_ptr<Child>(new Child{job,
-                                                      process,
-                                                      {std::move(output.reading), {}},
-                                                      {std::move(messages.reading), {}},
-                                                      {std::move(progress.reading), {}}}));
+    BecomeJob(job, output, messages);
+  children.push_back(std::unique_ptr<Child>(
+      new Child{job, process, {std::move(output.reading), {}}, {std::move(messages.reading), {}}}));
 }
 
 // The text results of `-o -` go to standard output itself.
-void Supervisor::BecomeJob(const Job& job, const Pipe& output, const Pipe& messages,
-                           const Pipe& progress)
+void Supervisor::BecomeJob(const Job& job, const Pipe& output, const Pipe& messages)
 {
   const pid_t parent = getppid();
   prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -195,7 +190,7 @@ void Supervisor::BecomeJob(const Job& job, const Pipe& output, const Pipe& messa
   if (!options.ToStandardOutput())
     dup2(output.writing.Number(), STDOUT_FILENO);
   dup2(messages.writing.Number(), STDERR_FILENO);
-  ProgressSender sender(progress.writing.Number());
+  ProgressSender sender(STDERR_FILENO);
   const ExitStatus status = work(job, sender);
   std::exit(std::fflush(stdout) == 0 ? static_cast<int>(status) : ErrorWriter::kExitStatus);
 }
@@ -236,20 +231,17 @@ void Supervisor::Wait()
     Hear(*child);
 }
 
-// Messages before the progress: the stage that follows a message is the newer one.
 void Supervisor::Hear(Child& child)
 {
   const std::string& file = child.job.input;
   for (std::string line; !(line = child.messages.CutLine()).empty();) {
     line.pop_back();
-    console.Message(file, line);
-  }
-  for (std::string line; !(line = child.progress.CutLine()).empty();) {
-    line.pop_back();
-    if (line.starts_with(ProgressSender::kStage))
-      console.Stage(file, line.substr(1));
+    if (!line.starts_with(ProgressSender::kMark))
+      console.Message(file, line);
+    else if (line.substr(1).starts_with(ProgressSender::kStage))
+      console.Stage(file, line.substr(2));
     else
-      console.Advance(file, line.substr(1));
+      console.Advance(file, line.substr(2));
   }
 }
 
@@ -297,7 +289,7 @@ ExitStatus Supervisor::StatusOf(const Child& child, int ended)
 // As if there were no handler, so that a shell sees the signal.
 void Supervisor::EndBy(int number)
 {
-  console.Message("morlen-run", std::string("ended by a signal: ") + strsignal(number));
+  console.Message("morlen-run", std::string("morlen-run: ended by a signal: ") + strsignal(number));
   std::signal(number, SIG_DFL);
   raise(number);
   signals.Restore();

@@ -1,22 +1,21 @@
 #!/bin/sh
-# Builds the program optimised, runs it on an example (a multi-storey space frame), and makes its
-# report.
+# Builds the programs optimised, and checks, solves and reports an example (a multi-storey space
+# frame) by morlen-run.
 set -eu
 cd "$(dirname "$0")/.."
 
 scripts/install_tools.sh g++ cmake make libcli11-dev nlohmann-json3-dev libpugixml-dev \
   libtomlplusplus-dev libmumps-seq-dev libmetis-dev libopenblas-serial-dev
 cmake --preset release -DMORLEN_TESTS=OFF -DMORLEN_COMPANIONS=ON -DMORLEN_DIRECT=ON -B build/demo >/dev/null
-cmake --build build/demo --target morlen morlen-report --parallel "$(nproc)"
+cmake --build build/demo --target morlen morlen-run --parallel "$(nproc)"
 
 mkdir -p build/demo/results
 cp examples/space_frame.dat build/demo/results/
 cd build/demo/results
-../morlen -i - space_frame.dat space_frame.txt
-../companions/morlen-report space_frame.dat -o space_frame.html
+../companions/morlen-run space_frame.dat
 
 echo
 echo "Displacements, end forces and reactions: $PWD/space_frame.txt"
 echo "Diagrams for the post-processor:         $PWD/space_frame.morlen.res"
 echo "Report, for the browser:                 $PWD/space_frame.html"
-echo "The program:                             $(dirname "$PWD")/morlen"
+echo "The programs:                            $(dirname "$PWD")/morlen, $(dirname "$PWD")/companions/morlen-run"

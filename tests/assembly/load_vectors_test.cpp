@@ -126,6 +126,22 @@ TEST(LoadVectors, ShareOneFactorisation)
   EXPECT_EQ(Count(info, "Beginning 1st substitution"), 1) << info;
 }
 
+TEST(LoadVectors, TellTheSolverAndTheReason)
+{
+  const auto asked = Cantilever("Solver SkyLine");
+  const SolverAccount direct = Analyse(*asked, FamiliesOf(*asked), {}, ThreeLoads).account;
+  EXPECT_EQ(direct.solver, "SkyLine");
+  EXPECT_EQ(direct.reason, "the problem file asks for it");
+  EXPECT_EQ(direct.iterations, 0);
+  const auto chosen = Cantilever("");
+  EXPECT_EQ(Analyse(*chosen, FamiliesOf(*chosen), {}).account.reason,
+            "9 equations are less than 15000");
+  const auto iterated = Cantilever("Solver Sparse 1e-12 1e-12 100");
+  const SolverAccount sparse = Analyse(*iterated, FamiliesOf(*iterated), {}).account;
+  EXPECT_EQ(sparse.solver, "Sparse");
+  EXPECT_GT(sparse.iterations, 0);
+}
+
 TEST(LoadVectors, AreIteratedOneAfterTheOther)
 {
   const auto problem = Cantilever("Solver Sparse 1e-12 1e-12 1000");

@@ -402,6 +402,9 @@ TEST(SparseFrames, AutomaticIteratesForWideFrames)
   ASSERT_GE(lines.size(), 3u);
   const std::size_t converged = FindLine(lines, "Converged it number. ");
   EXPECT_GT(ConvergedAt(lines[converged], 1e-5), 0);
+  EXPECT_EQ(project->account.solver, "Sparse");
+  EXPECT_NE(info.find("Solver Sparse taken: " + project->account.reason + "\n"), std::string::npos);
+  EXPECT_EQ(project->account.iterations, ConvergedAt(lines[converged], 1e-5));
   EXPECT_LT(project->solution.accuracy.error, 1e-6);
   EXPECT_LT(project->solution.accuracy.residual, 1e-5);
 }

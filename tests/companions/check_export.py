@@ -160,7 +160,8 @@ class Case:
         self.grid = Grid(folder / "out.vtu")
         self.nodes = sorted(self.displacements)
         self.plane = "2d" in model.read_text().split("\n")[0]
-        self.tables = {path.stem: self.read_csv(path) for path in (folder / "csv").glob("*.csv")}
+        self.tables = {path.stem: self.read_csv(path) for path in (folder / "csv").glob("*.csv")
+                       if path.stem != "run"}
 
     @staticmethod
     def read_csv(path):

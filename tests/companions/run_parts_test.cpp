@@ -5,10 +5,10 @@
 #include <cmath>
 
 #include "base/stprintf.h"
-#include "run/extremes.h"
-#include "run/job.h"
-#include "run/progress.h"
-#include "run/summary.h"
+#include "run_program/extremes.h"
+#include "run_program/job.h"
+#include "run_program/progress.h"
+#include "run_program/summary.h"
 #include "support/fatal.h"
 #include "support/run.h"
 

@@ -35,6 +35,7 @@ MAY_USE = {
     "case_file": CORE + " common check export kit",
     "check_program": CORE + " common check case_file",
     "report": CORE + " common check case_file kit",
+    "run_program": CORE + " common check export case_file kit report",
 }
 ALLOWED = {layer: set(others.split()) | {layer} for layer, others in MAY_USE.items()}
 

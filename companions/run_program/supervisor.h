@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "common/command_line.h"
-#include "run/job.h"
-#include "run/progress.h"
+#include "run_program/job.h"
+#include "run_program/progress.h"
 
 namespace morlen::run {
 

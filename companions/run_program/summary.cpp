@@ -1,4 +1,4 @@
-#include "run/summary.h"
+#include "run_program/summary.h"
 
 #include <cstdio>
 

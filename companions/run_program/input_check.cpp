@@ -1,4 +1,4 @@
-#include "run/input_check.h"
+#include "run_program/input_check.h"
 
 #include <algorithm>
 #include <iostream>

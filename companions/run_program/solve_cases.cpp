@@ -19,9 +19,9 @@
 #include "report/findings_of.h"
 #include "report/page_data.h"
 #include "run/element_families.h"
-#include "run/finish.h"
-#include "run/input_check.h"
-#include "run/solve_model.h"
+#include "run_program/finish.h"
+#include "run_program/input_check.h"
+#include "run_program/solve_model.h"
 
 namespace morlen::run {
 

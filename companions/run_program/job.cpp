@@ -1,4 +1,4 @@
-#include "run/job.h"
+#include "run_program/job.h"
 
 #include <map>
 #include <system_error>

@@ -1,4 +1,4 @@
-#include "run/open_page.h"
+#include "run_program/open_page.h"
 
 #include <fcntl.h>
 #include <spawn.h>

@@ -2,7 +2,7 @@
 // names. The file is read once, so that all parts see the same content. The problem is made of its
 // text twice, because an analysis changes it.
 
-#include "run/solve_model.h"
+#include "run_program/solve_model.h"
 
 #include <chrono>
 #include <cstdio>
@@ -28,11 +28,11 @@
 #include "report/findings_of.h"
 #include "report/page_data.h"
 #include "report/run_report.h"
-#include "run/finish.h"
-#include "run/input_check.h"
 #include "run/project.h"
-#include "run/scratch_folder.h"
-#include "run/summary.h"
+#include "run_program/finish.h"
+#include "run_program/input_check.h"
+#include "run_program/scratch_folder.h"
+#include "run_program/summary.h"
 
 namespace morlen::run {
 

@@ -1,4 +1,4 @@
-#include "run/finish.h"
+#include "run_program/finish.h"
 
 #include <cerrno>
 #include <cstring>
@@ -11,7 +11,7 @@
 #include "base/temporary_file.h"
 #include "common/file_text.h"
 #include "export/csv.h"
-#include "run/input_check.h"
+#include "run_program/input_check.h"
 
 namespace morlen::run {
 

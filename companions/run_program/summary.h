@@ -5,7 +5,7 @@
 
 #include "common/command_line.h"
 #include "common/run_record.h"
-#include "run/extremes.h"
+#include "run_program/extremes.h"
 
 namespace morlen::run {
 

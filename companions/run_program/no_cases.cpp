@@ -1,7 +1,7 @@
 // In the place of solve_cases.cpp where the library for the files of load cases is missing.
 
 #include "base/errorwriter.h"
-#include "run/solve_model.h"
+#include "run_program/solve_model.h"
 
 namespace morlen::run {
 

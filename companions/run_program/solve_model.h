@@ -1,9 +1,9 @@
 #pragma once
 
 #include "common/command_line.h"
-#include "run/job.h"
-#include "run/options.h"
-#include "run/progress.h"
+#include "run_program/job.h"
+#include "run_program/options.h"
+#include "run_program/progress.h"
 
 namespace morlen::run {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "run/options.h"
+#include "run_program/options.h"
 
 namespace morlen::run {
 

@@ -12,8 +12,8 @@
 #include "check/check.h"
 #include "common/output_set.h"
 #include "common/run_record.h"
-#include "run/job.h"
-#include "run/summary.h"
+#include "run_program/job.h"
+#include "run_program/summary.h"
 
 namespace morlen::run {
 

@@ -1,7 +1,7 @@
 // The principal values m of a symmetric tensor (a, b; c): m = (a + b)/2 ± sqrt(((a - b)/2)² + c²),
 // see S. P. Timoshenko, S. Woinowsky-Krieger, Theory of Plates and Shells, 2nd ed. (1959), § 10.
 
-#include "run/extremes.h"
+#include "run_program/extremes.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "run/scratch_folder.h"
+#include "run_program/scratch_folder.h"
 
 #include <cstdlib>
 #include <system_error>

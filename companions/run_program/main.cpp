@@ -1,12 +1,12 @@
 #include <optional>
 #include <vector>
 
-#include "run/job.h"
-#include "run/open_page.h"
-#include "run/options.h"
 #include "run/process_streams.h"
-#include "run/solve_model.h"
-#include "run/supervisor.h"
+#include "run_program/job.h"
+#include "run_program/open_page.h"
+#include "run_program/options.h"
+#include "run_program/solve_model.h"
+#include "run_program/supervisor.h"
 
 using namespace morlen;
 

@@ -1,4 +1,4 @@
-#include "run/progress.h"
+#include "run_program/progress.h"
 
 #include <unistd.h>
 

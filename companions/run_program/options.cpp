@@ -1,4 +1,4 @@
-#include "run/options.h"
+#include "run_program/options.h"
 
 #include <algorithm>
 

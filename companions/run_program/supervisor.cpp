@@ -2,7 +2,7 @@
 // one with its own cleaning up. The processes write into pipes: messages, results and progress come
 // together here, where they are printed line by line.
 
-#include "run/supervisor.h"
+#include "run_program/supervisor.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -22,7 +22,7 @@
 #include "base/descriptor.h"
 #include "base/errorwriter.h"
 #include "base/unfinished_files.h"
-#include "run/console.h"
+#include "run_program/console.h"
 
 namespace morlen::run {
 

@@ -1,4 +1,4 @@
-#include "run/console.h"
+#include "run_program/console.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>

@@ -9,6 +9,7 @@
 
 #include "base/errorwriter.h"
 #include "base/temporary_file.h"
+#include "common/atomic_file.h"
 #include "common/file_text.h"
 #include "export/csv.h"
 #include "run_program/input_check.h"
@@ -67,6 +68,14 @@ void PrepareFolder(const fs::path& folder)
 {
   MakeFolder(folder);
   RemoveStaleTemporaries(folder);
+}
+
+void RequireWritable(std::span<const fs::path> files)
+{
+  for (const fs::path& name : files) {
+    RequireReplaceable(name);
+    const OutputFile test(name.string());
+  }
 }
 
 RunFacts FactsOf(const SolverAccount& account, const SolutionAccuracy& accuracy, int equations)

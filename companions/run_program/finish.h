@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,9 @@ ExitStatus NotSolved(const std::string& file, const check::Report& report);
 /// Makes the folder of the results and removes the temporary files of killed runs from it. Fatal
 /// when that fails.
 void PrepareFolder(const std::filesystem::path& folder);
+
+/// Tests that files can be written, before the work for them. Fatal when one cannot.
+void RequireWritable(std::span<const std::filesystem::path> files);
 
 RunFacts FactsOf(const SolverAccount& account, const SolutionAccuracy& accuracy, int equations);
 

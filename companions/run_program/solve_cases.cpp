@@ -2,6 +2,7 @@
 // solution.
 
 #include <algorithm>
+#include <array>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -118,7 +119,9 @@ ExitStatus SolveStudy(cases::Study& study, const check::Report& report, const Jo
   const cases::Selection selection = SelectionOf(study, options);
   const cases::CaseTargets targets = TargetsOf(job, options);
   PrepareFolder(job.Folder());
-  RefuseOverwritingInputs(study, job.Result(".html"));
+  const fs::path page = job.Result(".html");
+  RefuseOverwritingInputs(study, page);
+  RequireWritable(std::array{page, job.Result(".morlen.run")});
   PrepareCaseResults(study, selection, targets);
   const std::vector<CaseActions> actions = ActionsOf(study);
   const std::unique_ptr<SolverKit> kit = MakeKit();
@@ -131,7 +134,7 @@ ExitStatus SolveStudy(cases::Study& study, const check::Report& report, const Jo
   const std::string title = fs::path(job.input).filename().string();
   const CaseBalances balances = WriteCaseReport(
       study, actions, solved, {title, DescriptionOf(job.input), FindingsOf(report.problems, title)},
-      job.Result(".html"), files);
+      page, files);
   WriteCaseResults(study, solved, selection, targets);
   Publish(job, RecordedInputs(study), summary.facts, files);
   summary.balance = balances.Worst().residual;

@@ -12,6 +12,7 @@
 #include <sstream>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/errorwriter.h"
 #include "base/temporary_file.h"
@@ -85,6 +86,21 @@ private:
       PrepareFolder(job.Folder());
     textResults = &files.Open(NameOf(".txt"));
     postResults = &files.Open(NameOf(".morlen.res"));
+    if (!options.ToStandardOutput())
+      TestOthers();
+  }
+
+  // The files that are made after the solution.
+  void TestOthers()
+  {
+    std::vector<fs::path> others = {job.Result(".html"), job.Result(".morlen.run")};
+    if (options.vtu)
+      others.push_back(job.Result(".vtu"));
+    if (options.json)
+      others.push_back(job.Result(".json"));
+    RequireWritable(others);
+    if (options.csv)
+      newFolder.emplace(job.Result("_csv"));
   }
 
   fs::path NameOf(const char* ending) const
@@ -150,7 +166,7 @@ private:
       WriteVtu(model, results, job.Result(".vtu"), files);
     TableTargets targets = {"morlen-run", TitleOf(job), std::nullopt, std::nullopt};
     if (options.csv)
-      targets.csv = newFolder.emplace(job.Result("_csv")).Path();
+      targets.csv = newFolder->Path();
     if (options.json)
       targets.json = job.Result(".json");
     WriteTables(model, results, run, targets, files);

@@ -22,6 +22,14 @@ std::string Short(double value)
   return text;
 }
 
+std::string TimeText(double seconds)
+{
+  constexpr double kLong = 10.0;
+  char text[32];
+  std::snprintf(text, sizeof text, seconds < kLong ? "%.2g s" : "%.0f s", seconds);
+  return text;
+}
+
 std::string SolverText(const RunFacts& facts)
 {
   std::string text = facts.solver + ", " + std::to_string(facts.equations) + " equations";
@@ -56,8 +64,8 @@ std::string WarningsOf(const Summary& summary)
   std::string text;
   if (!IsGood(summary.balance))
     text += "warning: loads and reactions are not in equilibrium" +
-            (summary.balanceOf.empty() ? "" : " in case " + summary.balanceOf) + ". " +
-            summary.advice + "\n";
+            (summary.balanceOf.empty() ? "" : " in case " + summary.balanceOf) + "." +
+            (summary.advice.empty() ? "" : " " + summary.advice) + "\n";
   if (!IsGood(summary.facts.estimatedError))
     text += "warning: the displacements have an estimated error of " +
             Short(summary.facts.estimatedError) + ", more than " + Short(kLargestError) + "\n";
@@ -75,7 +83,7 @@ std::string TextOf(const Summary& summary)
   for (const Extreme& extreme : summary.extremes)
     text += Line(extreme.label, TextOf(extreme));
   text += Line("warnings", WarningCount(summary));
-  return text + Line("time", Short(summary.seconds) + " s");
+  return text + Line("time", TimeText(summary.seconds));
 }
 
 }  // namespace morlen::run

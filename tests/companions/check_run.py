@@ -252,7 +252,12 @@ class Run(unittest.TestCase):
         self.refused("error: x.txt is an input, and a result of x.txt would replace it\n", "x.txt")
         (self.folder / "hall_frame.html").write_text(example("truss.dat"))
         self.refused("is a problem file and would be written over", "hall_frame.dat")
-        self.refused("can't make folder truss.dat", "hall_frame.dat", "-o", "truss.dat")
+        self.refused("can't make folder truss.dat", "truss.dat", "-o", "truss.dat")
+        (self.folder / "truss_csv").write_text("a file")
+        self.refused("can't make folder truss_csv", "truss.dat", "--csv")
+        (self.folder / "truss.html").mkdir()
+        run = self.refused("can't write file truss.html: it is no regular file\n", "truss.dat")
+        self.assertNotIn("solving", run.stderr)
 
     def test_check_stops_the_run(self):
         text = example("truss.dat")

@@ -183,7 +183,7 @@ TEST(RunSummary, StatusFollowsBalanceAndError)
   EXPECT_EQ(StatusOf(summary), ExitStatus::Done);
   summary.balance = 1.1e-4;
   EXPECT_EQ(StatusOf(summary), ExitStatus::Found);
-  EXPECT_EQ(WarningsOf(summary), "warning: loads and reactions are not in equilibrium. \n");
+  EXPECT_EQ(WarningsOf(summary), "warning: loads and reactions are not in equilibrium.\n");
   summary.balance = std::nan("");
   EXPECT_EQ(StatusOf(summary), ExitStatus::Found);
   summary.balance = 0.0;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/errorwriter.h"
+#include "base/signals_held.h"
 #include "base/temporary_file.h"
 #include "common/atomic_file.h"
 #include "common/file_text.h"
@@ -31,18 +32,6 @@ std::vector<RecordedFile> RecordedIn(const OutputSet& files, const fs::path& fol
 }
 
 }  // namespace
-
-SignalsHeld::SignalsHeld()
-{
-  sigset_t all;
-  sigfillset(&all);
-  sigprocmask(SIG_BLOCK, &all, &before);
-}
-
-SignalsHeld::~SignalsHeld()
-{
-  sigprocmask(SIG_SETMASK, &before, nullptr);
-}
 
 ExitStatus CannotRead(const std::string& file)
 {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <span>
@@ -31,19 +30,6 @@ public:
 
 private:
   std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-};
-
-/// Holds back the signals that end the process.
-class SignalsHeld
-{
-public:
-  SignalsHeld();
-  SignalsHeld(const SignalsHeld&) = delete;
-  SignalsHeld& operator=(const SignalsHeld&) = delete;
-  ~SignalsHeld();
-
-private:
-  sigset_t before;
 };
 
 /// Tells on standard error that a file cannot be read, and why.

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "base/errorwriter.h"
+#include "base/signals_held.h"
 #include "export/csv.h"
 
 namespace morlen::run {
@@ -12,6 +13,7 @@ namespace fs = std::filesystem;
 
 ScratchFolder::ScratchFolder()
 {
+  const SignalsHeld held;
   std::error_code error;
   name = (fs::temp_directory_path(error) / "morlen-run-XXXXXX").string();
   if (error || !mkdtemp(name.data()))
@@ -21,6 +23,7 @@ ScratchFolder::ScratchFolder()
 
 NewFolder::NewFolder(const fs::path& folder) : name(folder.string())
 {
+  const SignalsHeld held;
   std::error_code absent;
   const bool isNew = !fs::exists(folder, absent);
   MakeFolder(folder);

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "base/errorwriter.h"
-#include "base/temporary_file.h"
+#include "base/signals_held.h"
 #include "base/textscan.h"
 #include "common/file_text.h"
 #include "common/output_set.h"

@@ -19,6 +19,8 @@
 #include <system_error>
 #include <utility>
 
+#include "base/signals_held.h"
+
 namespace morlen {
 
 namespace fs = std::filesystem;
@@ -123,6 +125,7 @@ int TemporaryFile::Create(const fs::path& targetName, const struct stat* present
 
 int TemporaryFile::CreateOnce(const struct stat* present)
 {
+  const SignalsHeld held;  // a signal in between would leave a file that nobody removes
   const mode_t permissions = present ? 0600 : 0666;  // less the mask of the process
   Descriptor created(
       open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, permissions));

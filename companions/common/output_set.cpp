@@ -51,8 +51,9 @@ void OutputSet::Flush()
 
 void OutputSet::Commit()
 {
-  for (const fs::path& name : outdated)
+  for (const fs::path& name : stale)
     RemoveFile(name);
+  stale.clear();
   for (const Member& member : members)
     member.file->Commit();
   members.clear();

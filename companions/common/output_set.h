@@ -23,6 +23,9 @@ public:
   /// Takes a file whose content is complete. Fatal when something written to it has been lost.
   void Take(const std::filesystem::path& name, std::unique_ptr<OutputFile> file);
 
+  /// Removes a file of an earlier run at Commit.
+  void RemoveAtCommit(const std::filesystem::path& name) { stale.push_back(name); }
+
   /// Flushes the files, so that others can read them under their temporary names. Fatal when
   /// something written has been lost.
   void Flush();
@@ -34,15 +37,13 @@ public:
   };
   const std::vector<Member>& Members() const { return members; }
 
-  /// Commit removes a file of an earlier run, before the new files get their names.
-  void Remove(const std::filesystem::path& name) { outdated.push_back(name); }
-
-  /// Gives all files their names, in the order in which they were opened. Fatal when that fails.
+  /// Removes the files of earlier runs, and gives all files their names, in the order in which they
+  /// were opened. Fatal when that fails.
   void Commit();
 
 private:
   std::vector<Member> members;
-  std::vector<std::filesystem::path> outdated;
+  std::vector<std::filesystem::path> stale;
 };
 
 }  // namespace morlen

@@ -97,7 +97,7 @@ void RemoveStale(const fs::path& name, AtomicFile::By writer)
   if (!fs::is_regular_file(name, error))
     return;
   if (writer.Set())
-    return writer.Set()->Remove(name);
+    return writer.Set()->RemoveAtCommit(name);
   if (!fs::remove(name, error)) {
     Explain(error.message());
     Fatal("can't remove file ", name.string(), ", which is of an earlier run\n");

@@ -43,6 +43,20 @@ TEST(OutputSet, LeavesTheOldFilesWithoutCommit)
   EXPECT_EQ(folder.Files(), (std::map<std::string, std::string>{{"a", "old"}}));
 }
 
+TEST(OutputSet, RemovesFilesOfEarlierRunsAtTheEnd)
+{
+  const TemporaryFolder folder;
+  folder.Write("stale", "old");
+  OutputSet set;
+  set.Open(folder.Path() / "a").Stream() << "new";
+  set.RemoveAtCommit(folder.Path() / "stale");
+  set.RemoveAtCommit(folder.Path() / "absent");
+  EXPECT_TRUE(folder.Has("stale"));
+  set.Flush();
+  set.Commit();
+  EXPECT_EQ(folder.Files(), (std::map<std::string, std::string>{{"a", "new"}}));
+}
+
 TEST(OutputSet, RefusesProblemFiles)
 {
   const TemporaryFolder folder;

@@ -1,0 +1,10 @@
+# fish completion for morlen-run
+complete -c morlen-run -s o -l output -x -a '(__fish_complete_directories)' -d 'Folder of the results'
+complete -c morlen-run -s j -l jobs -x -d 'Files that are solved at the same time'
+complete -c morlen-run -l vtu -d 'Write a VTU file'
+complete -c morlen-run -l csv -d 'Write tables into CSV files'
+complete -c morlen-run -l json -d 'Write all tables into one JSON file'
+complete -c morlen-run -l strict -d 'Stop at warnings of the check too'
+complete -c morlen-run -l open -d 'Open the report in the browser'
+complete -c morlen-run -s h -l help -d 'Print help'
+complete -c morlen-run -l version -d 'Print the version'

@@ -4,6 +4,7 @@
 #include <spawn.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstring>
 #include <iostream>
 #include <string>
@@ -14,7 +15,8 @@ namespace {
 
 constexpr const char* kOpener = "xdg-open";
 
-// The words of the browser would mix with those of the run.
+// The words of the browser would mix with those of the run. The signals of this process, which it
+// blocks or ignores, are not those of the browser.
 class SilentStart
 {
 public:
@@ -25,7 +27,12 @@ public:
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
     posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+    posix_spawnattr_setflags(&attributes, kFlags);
+    sigset_t signals;
+    sigemptyset(&signals);
+    posix_spawnattr_setsigmask(&attributes, &signals);
+    sigfillset(&signals);
+    posix_spawnattr_setsigdefault(&attributes, &signals);
   }
   SilentStart(const SilentStart&) = delete;
   SilentStart& operator=(const SilentStart&) = delete;
@@ -43,6 +50,8 @@ public:
   }
 
 private:
+  static constexpr int kFlags = POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+
   posix_spawn_file_actions_t actions;
   posix_spawnattr_t attributes;
 };

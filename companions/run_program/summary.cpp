@@ -35,7 +35,7 @@ std::string SolverText(const RunFacts& facts)
   std::string text = facts.solver + ", " + std::to_string(facts.equations) + " equations";
   if (facts.iterations > 0)
     text += ", " + std::to_string(facts.iterations) + " iterations";
-  return text + " (" + facts.why + ")";
+  return text;
 }
 
 bool IsGood(double error)
@@ -76,6 +76,7 @@ std::string TextOf(const Summary& summary)
 {
   const RunFacts& facts = summary.facts;
   std::string text = Line("solver", SolverText(facts));
+  text += Line("why", facts.why);
   text += Line("accuracy", "residual " + Short(facts.residual) + ", estimated error " +
                                Short(facts.estimatedError));
   text += Line("balance", "residual " + Short(summary.balance) + " of loads and reactions" +

@@ -301,7 +301,7 @@ void Supervisor::PrintTotal()
   const auto [done, doubtful, failed] = counts;
   std::string text = std::to_string(jobs.size()) + " files: " + std::to_string(done) + " solved";
   if (doubtful > 0)
-    text += ", " + std::to_string(doubtful) + " solved with bad accuracy";
+    text += ", " + std::to_string(doubtful) + " solved with a bad balance or error";
   if (failed > 0)
     text += ", " + std::to_string(failed) + " not solved";
   Print(text + "\n");

@@ -40,6 +40,7 @@ public:
     std::FILE* Notes() const;
     /// Null without a set.
     OutputSet* Set() const { return set; }
+    bool operator==(const By&) const = default;
 
   private:
     constexpr explicit By(bool isFilter_) : isFilter(isFilter_) {}

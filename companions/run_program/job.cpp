@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "base/errorwriter.h"
-#include "case_file/check_cases.h"
+#include "common/source_files.h"
 
 namespace morlen::run {
 
@@ -16,7 +16,7 @@ constexpr const char* kEndings[] = {".txt", ".morlen.res", ".html", ".vtu", ".js
 
 Job JobOf(const std::string& input, const Options& options)
 {
-  Job job{input, {}, cases::IsCaseFile(input)};
+  Job job{input, {}, IsCaseFile(input)};
   const fs::path file = job.IsStandardInput() ? fs::path("stdin") : fs::path(input);
   job.base = options.folder.value_or(file.parent_path()) / file.stem();
   return job;

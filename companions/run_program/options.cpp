@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/errorwriter.h"
-#include "case_file/check_cases.h"
+#include "common/source_files.h"
 
 namespace morlen::run {
 
@@ -42,7 +42,7 @@ void RequireConsistent(const Options& options)
     return;
   if (options.files.size() > 1)
     Fatal("error: -o - writes the results of one file\n");
-  if (cases::IsCaseFile(options.files.front()))
+  if (IsCaseFile(options.files.front()))
     Fatal("error: -o - is for problem files: load cases have no text results\n");
   if (options.vtu || options.csv || options.json || options.open)
     Fatal("error: -o - writes no file: leave out --vtu, --csv, --json and --open\n");

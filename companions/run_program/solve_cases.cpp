@@ -14,6 +14,7 @@
 #include "case_file/results_of.h"
 #include "cases/solved_cases.h"
 #include "common/file_text.h"
+#include "common/source_files.h"
 #include "kit/make_kit.h"
 #include "problem/problem.h"
 #include "report/case_report.h"
@@ -120,7 +121,7 @@ ExitStatus SolveStudy(cases::Study& study, const check::Report& report, const Jo
   const cases::CaseTargets targets = TargetsOf(job, options);
   PrepareFolder(job.Folder());
   const fs::path page = job.Result(".html");
-  RefuseOverwritingInputs(study, page);
+  RefuseInputs(page, study.inputs);
   RequireWritable(std::array{page, job.Result(".morlen.run")});
   PrepareCaseResults(study, selection, targets);
   const std::vector<CaseActions> actions = ActionsOf(study);

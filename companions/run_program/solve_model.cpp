@@ -163,7 +163,7 @@ private:
   void Export(const model::Model& model, const results::Results& results, const KnownRun& run)
   {
     if (options.vtu)
-      WriteVtu(model, results, job.Result(".vtu"), files);
+      WriteVtu(model, results, job.Result(".vtu"), {.writer = files});
     TableTargets targets = {"morlen-run", TitleOf(job), std::nullopt, std::nullopt};
     if (options.csv)
       targets.csv = newFolder->Path();

@@ -15,12 +15,12 @@ CaseWriter::CaseWriter(Problem& problem_, const ElementFamilies& families_,
 {
 }
 
-void CaseWriter::WriteText(std::ofstream& out) const
+void CaseWriter::WriteText(std::ostream& out) const
 {
   WriteResults(problem, families, solution, out);
 }
 
-void CaseWriter::WritePost(std::ofstream& out) const
+void CaseWriter::WritePost(std::ostream& out) const
 {
   WriteKivResults(problem, families, solution, out, nullptr);
 }

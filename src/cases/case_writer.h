@@ -1,6 +1,6 @@
 #pragma once
 
-#include <fstream>
+#include <iosfwd>
 #include <span>
 
 #include "cases/result_layout.h"
@@ -15,8 +15,8 @@ public:
   CaseWriter(Problem& problem, const ElementFamilies& families, const ResultLayout& layout,
              std::span<const double> column);
 
-  void WriteText(std::ofstream& out) const;
-  void WritePost(std::ofstream& out) const;
+  void WriteText(std::ostream& out) const;
+  void WritePost(std::ostream& out) const;
 
 private:
   const Problem& problem;

@@ -3,6 +3,8 @@
 
 #include "results/kiv_results.h"
 
+#include <fstream>
+
 #include "assembly/element_family.h"
 #include "assembly/solution.h"
 #include "base/errorwriter.h"
@@ -108,7 +110,7 @@ void WriteKivDisplacements(const VoidPlex& nodes, int initialNumNodes,
 }
 
 void WriteKivResults(const Problem& problem, const ElementFamilies& families,
-                     const Solution& solution, std::ofstream& stream, const char* meshFileName)
+                     const Solution& solution, std::ostream& stream, const char* meshFileName)
 {
   if (meshFileName)
     WriteMeshFile(*problem.meshes.front(), problem.initialNumNodes, meshFileName);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <fstream>
+#include <iosfwd>
 
 namespace morlen {
 
@@ -15,7 +15,7 @@ struct Solution;
 /// Writes the post-process results. meshFileName: of the mesh file that is written before them;
 /// null for none.
 void WriteKivResults(const Problem& problem, const ElementFamilies& families,
-                     const Solution& solution, std::ofstream& res, const char* meshFileName);
+                     const Solution& solution, std::ostream& res, const char* meshFileName);
 
 /// The block of nodal displacements of shells and solids, for the nodes of ForEachNodeRead.
 void WriteKivDisplacements(const VoidPlex& nodes, int initialNumNodes,

@@ -39,7 +39,7 @@ void WriteLine(TextOut& out, const double* values, int count)
 }  // namespace
 
 void WriteResults(const Problem& problem, const ElementFamilies& families, const Solution& solution,
-                  std::ofstream& stream)
+                  std::ostream& stream)
 {
   const PROBLEMTYPE type = problem.problemType;
   const int n = problem.components.count;

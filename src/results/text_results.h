@@ -1,6 +1,6 @@
 #pragma once
 
-#include <fstream>
+#include <iosfwd>
 
 namespace morlen {
 
@@ -12,7 +12,7 @@ struct Solution;
 
 /// Writes the text results: displacements, end forces of beams, reactions.
 void WriteResults(const Problem& problem, const ElementFamilies& families, const Solution& solution,
-                  std::ofstream& out);
+                  std::ostream& out);
 
 /// Writes the end forces of a mesh of beams, the fixed-end forces of the loads on their spans
 /// included.

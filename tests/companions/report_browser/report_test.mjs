@@ -1,65 +1,27 @@
 // What the reports show in a browser, beside the tables that morlen-export writes.
-//
-//     node report_test.mjs MORLEN MORLEN_EXPORT MORLEN_REPORT EXAMPLES CHROMIUM [PICTURES]
-//
-// With a folder PICTURES it leaves the pictures of the pages there, to be looked at.
 
 import assert from "node:assert/strict";
-import { execFileSync, spawnSync } from "node:child_process";
-import { copyFileSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
-import { tmpdir } from "node:os";
+import { spawnSync } from "node:child_process";
+import { readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
-import { after, before, test } from "node:test";
+import { test } from "node:test";
 import { pathToFileURL } from "node:url";
-import { Browser } from "./browser.mjs";
+import {
+  EXAMPLES,
+  MORLEN,
+  PICTURES,
+  REPORT,
+  SIZE,
+  browser,
+  exampleReport,
+  exported,
+  folder,
+  openExample,
+  picture,
+  reportOf,
+  run,
+} from "./context.mjs";
 import { PIXELS, assertNear, differing, extremes } from "./helpers.mjs";
-
-const [MORLEN, EXPORT, REPORT, EXAMPLES, CHROMIUM, PICTURES] = process.argv.slice(2);
-const folder = mkdtempSync(join(tmpdir(), "report-test-"));
-let browser;
-
-before(async () => {
-  browser = await Browser.start(CHROMIUM);
-});
-after(async () => {
-  await browser.close();
-  rmSync(folder, { recursive: true, force: true });
-});
-
-const run = (program, ...args) => execFileSync(program, args, { cwd: folder, encoding: "utf8" });
-
-/** Runs a model and makes its report; the name of the page. */
-function reportOf(model) {
-  const base = model.replace(/\.dat$/, "");
-  run(MORLEN, model, `${base}.txt`);
-  run(REPORT, model, "-o", `${base}.html`);
-  return join(folder, `${base}.html`);
-}
-
-function exampleReport(name) {
-  copyFileSync(join(EXAMPLES, `${name}.dat`), join(folder, `${name}.dat`));
-  return reportOf(`${name}.dat`);
-}
-
-/** The tables of morlen-export: a function that returns a column. */
-function exported(name) {
-  run(EXPORT, `${name}.dat`, "--json", `${name}.json`);
-  const { tables } = JSON.parse(readFileSync(join(folder, `${name}.json`), "utf8"));
-  return (table, column) => {
-    const { columns, rows } = tables[table];
-    const place = columns.findIndex((one) => one.name === column);
-    return rows.map((row) => row[place]);
-  };
-}
-
-/** A small window where nobody looks: the processor draws every pixel. */
-const SIZE = PICTURES ? { width: 1480, height: 1000 } : { width: 1120, height: 760 };
-
-async function openExample(name) {
-  const page = await browser.open(exampleReport(name), SIZE);
-  if (PICTURES) writeFileSync(join(PICTURES, `${name}.png`), await page.screenshot());
-  return page;
-}
 
 for (const name of ["portal_frame", "space_frame", "slab_and_wall", "connecting_rod"]) {
   test(`${name} opens from one file, without complaints, and draws`, async () => {
@@ -328,7 +290,7 @@ test("errors of the problem file are in the head, in red", async () => {
   for (const [name, text, errors] of cases) {
     writeFileSync(join(folder, `${name}.dat`), text);
     const page = await browser.open(reportOf(`${name}.dat`), SIZE);
-    if (PICTURES) writeFileSync(join(PICTURES, `${name}.png`), await page.screenshot());
+    await picture(page, name);
     const alert = await page.evaluate(ALERT);
     assert.deepEqual(page.complaints, []);
     await page.close();

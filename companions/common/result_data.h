@@ -72,6 +72,9 @@ struct Files
 /// there are some under the same name with the ending ".txt".
 Files UsualFiles(const std::filesystem::path& model);
 
+/// True when the post-process results exist and are not older than the problem file.
+bool HasFreshResults(const Files& files);
+
 /// Reads the results of the model. Fatal: files that are missing, older than the problem file
 /// or damaged, or that belong to another model or to two different runs.
 Results ReadResults(const model::Model& model, const Files& files);

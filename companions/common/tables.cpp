@@ -18,6 +18,7 @@ public:
   }
 
   std::vector<Table> All() const;
+  std::vector<Table> OfModel() const;
   std::vector<Table> OfResults() const;
 
 private:
@@ -96,11 +97,17 @@ void EraseEmpty(std::vector<Table>& tables)
   std::erase_if(tables, [](const Table& table) { return table.cells.empty(); });
 }
 
-std::vector<Table> Maker::All() const
+std::vector<Table> Maker::OfModel() const
 {
   std::vector<Table> all = {Nodes(),    Elements(),   Materials(),
                             Supports(), NodalLoads(), ElementLoads()};
   EraseEmpty(all);
+  return all;
+}
+
+std::vector<Table> Maker::All() const
+{
+  std::vector<Table> all = OfModel();
   std::vector<Table> ofResults = OfResults();
   all.insert(all.end(), std::make_move_iterator(ofResults.begin()),
              std::make_move_iterator(ofResults.end()));
@@ -357,6 +364,11 @@ std::string UnitTexts::Length(int power) const
 std::vector<Table> AllTables(const model::Model& model, const results::Results& results)
 {
   return Maker(model, results).All();
+}
+
+std::vector<Table> ModelTables(const model::Model& model)
+{
+  return Maker(model, results::Results()).OfModel();
 }
 
 std::vector<Table> ResultTables(const model::Model& model, const results::Results& results)

@@ -41,9 +41,10 @@ void Declare(CLI::App& app, Options& options)
       ->type_name("FILE");
   app.footer(
       "It runs nothing: run morlen first. Only load cases are solved. MODEL is the name of the "
-      "problem file without its ending.\n"
-      "Exit status: 0; 1 when loads and reactions are not in equilibrium; 2 when the report "
-      "cannot be made.");
+      "problem file without its ending. A model with errors and without results gets a page "
+      "that shows them.\n"
+      "Exit status: 0; 1 when loads and reactions are not in equilibrium or a model with errors "
+      "has no results; 2 when the report cannot be made.");
 }
 
 ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advice)
@@ -53,6 +54,27 @@ ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advic
     return ExitStatus::Done;
   std::cerr << "warning: loads and reactions are not in equilibrium. " << advice << "\n";
   return ExitStatus::Found;
+}
+
+// The page of a model without results: what the check finds, with the motions that it can show.
+ExitStatus ReportModel(const fs::path& file, const fs::path& output, Problem& problem,
+                       const std::vector<Finding>& findings)
+{
+  const model::Model model = model::ModelOf(problem);
+  PrepareLoads(problem);
+  const AppliedLoads loads = AppliedLoadsOf(problem, model);
+  const std::string name = file.filename().string();
+  WritePage(output, name, PageDataOfModel(name, DescriptionOf(file), model, loads, findings));
+  std::cerr << "warning: there are no results of this model: the report shows the model and its "
+               "errors\n";
+  WarnOfErrors(findings, file.string());
+  return ExitStatus::Found;
+}
+
+// A model with errors has no results of its own, or only those of an earlier state.
+bool IsWithoutResults(const InputFiles& input, const std::vector<Finding>& findings)
+{
+  return HasErrors(findings) && !input.NamesResults() && !results::HasFreshResults(input.Files());
 }
 
 ExitStatus Report(const Options& options)
@@ -68,6 +90,9 @@ ExitStatus Report(const Options& options)
   options.input.RefuseOverwriting(std::array{std::optional(output)});
   Problem problem(100);
   model::ReadProblemFile(file, problem);
+  const std::vector<Finding> findings = FindingsIn(file);
+  if (IsWithoutResults(options.input, findings))
+    return ReportModel(file, output, problem, findings);
   const model::Model model = model::ModelOf(problem);
   const results::Results results = results::ReadResults(model, options.input.Files());
   PrepareLoads(problem);
@@ -77,7 +102,6 @@ ExitStatus Report(const Options& options)
   const bool iterated = solver == SolverType::Sparse || solver == SolverType::Double;
   const std::string advice = AdviceOf(equilibrium, model, problem.shellFormulation, iterated);
   const std::string name = file.filename().string();
-  const std::vector<Finding> findings = FindingsIn(file);
   WritePage(output, name,
             PageData({.file = name,
                       .description = DescriptionOf(file),

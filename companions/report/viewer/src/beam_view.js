@@ -4,9 +4,9 @@ import * as THREE from "three";
 import { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
 import { LineSegments2 } from "three/examples/jsm/lines/LineSegments2.js";
 import { LineSegmentsGeometry } from "three/examples/jsm/lines/LineSegmentsGeometry.js";
+import { theme } from "./theme.js";
 
-const PLAIN = [0.11, 0.2, 0.3],
-  MOST_SEGMENTS = 200000;
+const MOST_SEGMENTS = 200000;
 
 export class BeamView {
   constructor(model, stage, mesh) {
@@ -52,7 +52,10 @@ export class BeamView {
     });
     const geometry = new THREE.BufferGeometry();
     geometry.setAttribute("position", new THREE.BufferAttribute(position, 3));
-    return new THREE.LineSegments(geometry, new THREE.LineBasicMaterial({ color: 0xa9b4bd }));
+    return new THREE.LineSegments(
+      geometry,
+      new THREE.LineBasicMaterial({ color: theme.hex("scene-beam-ghost") }),
+    );
   }
 
   /** Visits the ends of all segments: place in the array, beam, division point. */
@@ -81,8 +84,9 @@ export class BeamView {
     if (this.isEmpty) return;
     const colours = new Float32Array(this.coordinates.length);
     const linear = new THREE.Color();
+    const plain = theme.rgb("scene-beam");
     this.visit((place, b, point) => {
-      const rgb = values ? scale.colour(values[b * this.model.points + point]) : PLAIN;
+      const rgb = values ? scale.colour(values[b * this.model.points + point]) : plain;
       linear.setRGB(...rgb, THREE.SRGBColorSpace).toArray(colours, 3 * place);
     });
     this.line.geometry.setColors(colours);

@@ -1,6 +1,8 @@
 // Colour maps with even steps of perceived lightness, made in the colour space OKLab
 // (Ottosson, "A perceptual color space for image processing", 2020).
 
+import { theme } from "./theme.js";
+
 function toSrgb(linear) {
   const value = linear <= 0.0031308 ? 12.92 * linear : 1.055 * linear ** (1 / 2.4) - 0.055;
   return Math.min(1, Math.max(0, value));
@@ -22,9 +24,9 @@ function oklch(lightness, chroma, hue) {
 
 const mix = (a, b, t) => a + (b - a) * t;
 
-/** From dark blue over green to light yellow, for values of one sign. */
+/** From dark blue over green to light yellow, for values of one sign; lighter on a dark ground. */
 function sequential(t) {
-  return oklch(mix(0.32, 0.93, t), 0.1 + 0.04 * t, mix(285, 102, t));
+  return oklch(mix(theme.isDark ? 0.46 : 0.32, 0.93, t), 0.1 + 0.04 * t, mix(285, 102, t));
 }
 
 /** Blue below, red above, light in the middle, for values of both signs. */
@@ -77,5 +79,3 @@ export class ColourScale {
 }
 
 export const cssColour = (rgb) => `rgb(${rgb.map((part) => Math.round(255 * part)).join(" ")})`;
-export const POSITIVE = oklch(0.52, 0.16, 28);
-export const NEGATIVE = oklch(0.5, 0.15, 255);

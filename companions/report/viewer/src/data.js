@@ -65,7 +65,8 @@ export const unpackLoads = ({ surfaces, beams, q }) => ({
 
 /** Gives a report its tables. */
 export function withTables(report, tables) {
-  return { ...report, tables, table: (name) => tables.find((one) => one.name === name) ?? null };
+  const table = (name) => tables.find((one) => one.name === name) ?? null;
+  return { ...report, tables, table, hasResults: table("displacements") !== null };
 }
 
 /** Reads the report of a run from the data block of the page. */

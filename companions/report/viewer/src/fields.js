@@ -86,6 +86,7 @@ function columnFields(table, group, place, skip) {
 }
 
 export function fieldsOf(report, model) {
+  if (!report.hasResults) return [];
   return [
     ...(report.isEnvelope
       ? displacementExtremes(report, model)

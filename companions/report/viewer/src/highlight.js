@@ -5,8 +5,8 @@ import { LineSegments2 } from "three/examples/jsm/lines/LineSegments2.js";
 import { LineSegmentsGeometry } from "three/examples/jsm/lines/LineSegmentsGeometry.js";
 import { beamPoint } from "./beam_view.js";
 import { BEAM } from "./model.js";
+import { theme } from "./theme.js";
 
-const COLOUR = 0xe8590c;
 const TRIANGLE = [0, 1, 1, 2, 2, 0],
   TETRAHEDRON = [...TRIANGLE, 0, 3, 1, 3, 2, 3];
 
@@ -14,7 +14,7 @@ export class Highlight {
   constructor(stage, model) {
     this.model = model;
     const material = new LineMaterial({
-      color: COLOUR,
+      color: theme.hex("scene-selected"),
       linewidth: 6,
       depthTest: false,
       transparent: true,

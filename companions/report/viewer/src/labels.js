@@ -1,5 +1,6 @@
 // Text over the view: numbers, values, and the global axes in a corner. Labels that would cover
 // one that is already placed are left out.
+import { theme } from "./theme.js";
 
 const FONT = "12px system-ui, sans-serif";
 
@@ -24,7 +25,7 @@ export class Labels {
 
   draw() {
     const { width, height } = this.stage;
-    const ratio = Math.min(window.devicePixelRatio, 2);
+    const ratio = this.stage.renderer.getPixelRatio();
     this.canvas.width = width * ratio;
     this.canvas.height = height * ratio;
     const context = this.canvas.getContext("2d");
@@ -61,7 +62,7 @@ export class Labels {
       const tip = this.stage.project([0, 1, 2].map((i) => (i === k ? 100 * scale : 0)));
       const [dx, dy] = [(tip[0] - start[0]) / 100, (tip[1] - start[1]) / 100];
       if (Math.hypot(dx, dy) < 4) return;
-      const colour = ["#b3261e", "#2e7d32", "#1f5fa8"][k];
+      const colour = theme.css(["scene-x", "scene-y", "scene-z"][k]);
       context.strokeStyle = colour;
       context.lineWidth = 2;
       context.beginPath();
@@ -100,7 +101,7 @@ export function numberLabels(model) {
 }
 
 function halo(context, text, x, y, colour) {
-  context.strokeStyle = "rgba(255, 255, 255, 0.9)";
+  context.strokeStyle = theme.css("scene-halo");
   context.lineWidth = 3;
   context.strokeText(text, x, y);
   context.fillStyle = colour;

@@ -12,9 +12,13 @@ import { Labels, numberLabels } from "./labels.js";
 import { showLegend } from "./legend.js";
 import { panelOf } from "./member_panel.js";
 import { Model, SHELL } from "./model.js";
+import { Motions } from "./motions.js";
+import { pageBar } from "./page_bar.js";
 import { onClick, pick } from "./picking.js";
+import { PrintSheet } from "./print_sheet.js";
 import { principalCrosses } from "./principal.js";
 import { Stage, deformable } from "./scene.js";
+import { reachScrollers } from "./scrollers.js";
 import { Selector } from "./selector.js";
 import { Study } from "./study.js";
 import {
@@ -28,10 +32,11 @@ import {
 } from "./summary.js";
 import { SurfaceView } from "./surface_view.js";
 import { hingeSymbols, loadSymbols, reactionSymbols, supportSymbols } from "./symbols.js";
-import { TableView, printedTables } from "./tables.js";
+import { TableView } from "./tables.js";
+import { theme } from "./theme.js";
 import { Toolbar } from "./toolbar.js";
-
-const PRINTED_ROWS = 60;
+import { listenToKeys } from "./view_keys.js";
+import { ViewText } from "./view_text.js";
 
 class Report {
   constructor(data) {
@@ -51,6 +56,7 @@ class Report {
       return;
     }
     this.showAtFirst();
+    theme.onChange(() => this.redraw());
   }
 
   /** Makes a report the one that is shown. */
@@ -69,13 +75,24 @@ class Report {
     this.remembered = { ...this.remembered, ...this.toolbar.state };
     this.take(this.study.view(selection));
     this.fillPage();
-    if (this.stage) {
-      this.stage.clear();
-      this.labels.clear();
-      this.fillStage();
-      this.drawAll();
-    }
+    this.redraw();
     this.select(this.selected);
+  }
+
+  /** Makes the scene anew: of another case, or in other colours. */
+  redraw() {
+    if (!this.stage) return;
+    this.stage.setGround();
+    this.stage.clear();
+    this.labels.clear();
+    this.fillStage();
+    this.drawAll();
+    this.motions.restore();
+  }
+
+  /** False for a page of a model without results. */
+  get hasResults() {
+    return this.report.hasResults;
   }
 
   /** The rest of the report needs no graphics. */
@@ -96,22 +113,29 @@ class Report {
   layOut() {
     this.canvasBox = h("div", { class: "canvas" });
     this.legend = h("div", { class: "legend", id: "legend", hidden: true });
-    this.panel = h("aside", { id: "panel" });
+    this.panel = h("section", { id: "panel", "aria-label": "selected object" });
     this.toolbar = new Toolbar(this);
+    this.motions = new Motions(this);
+    this.viewText = new ViewText(this);
+    this.sheet = new PrintSheet(this);
+    this.footnote = `${this.report.program}. Displacements, reactions and nodal loads are in global axes, forces of elements in local ones; signs as in the result files.`;
     const part = () => h("div");
     this.parts = { head: part(), cards: part(), tables: part() };
     document
       .getElementById("report")
       .append(
-        this.parts.head,
+        h("div", { class: "top" }, this.parts.head, pageBar(this)),
         ...(this.selector ? [this.selector.element] : []),
         h(
           "section",
-          { class: "view" },
+          { class: "view", "aria-labelledby": "view-title" },
+          h("h2", { class: "unseen", id: "view-title" }, "View"),
           h(
             "div",
             { class: "stage" },
+            toolbarFold(),
             this.toolbar.element,
+            this.motions.element,
             h(
               "div",
               { class: "frame" },
@@ -123,17 +147,15 @@ class Report {
         ),
         this.parts.cards,
         this.parts.tables,
-        h(
-          "footer",
-          {},
-          `${this.report.program}. Displacements, reactions and nodal loads are in global axes, forces of elements in local ones; signs as in the result files.`,
-        ),
+        h("footer", {}, this.footnote),
+        this.viewText.element,
+        this.sheet.element,
       );
   }
 
   /** What belongs to the report that is shown. */
   fillPage() {
-    const { report, model } = this;
+    const { report } = this;
     const onplace = (kind, number) => this.choose(kind, Number(number));
     const toolbar = new Toolbar(this);
     toolbar.adopt(this.remembered);
@@ -142,30 +164,49 @@ class Report {
     this.selector?.show(report.selection);
     const open = this.tables?.table.name;
     this.tables = new TableView(report.tables, onplace, open);
-    this.parts.head.replaceChildren(header(report), this.selector?.printed(report.selection) ?? "");
-    this.parts.cards.replaceChildren(
+    this.parts.head.replaceChildren(...this.headParts());
+    this.parts.cards.replaceChildren(...this.cardParts());
+    this.parts.tables.replaceChildren(
+      h("section", { class: "card" }, h("h2", {}, "Tables"), this.tables.element),
+    );
+    this.tables.drawRows();
+    reachScrollers();
+  }
+
+  /** What the page says first, for the screen and for the printer. */
+  headParts() {
+    const choice = this.selector?.printed(this.report.selection);
+    return [header(this.report, (finding) => this.motions.show(finding)), choice].filter(Boolean);
+  }
+
+  /** The cards on the model and on its results. */
+  cardParts() {
+    const { report, model } = this;
+    const onplace = (kind, number) => this.choose(kind, Number(number));
+    return [
       h(
         "div",
         { class: "cards" },
         modelCard(report, model),
         balanceCard(report, model),
         report.balances ? caseBalancesCard(report, model) : null,
-        checkCard(report),
+        checkCard(report, (finding) => this.motions.show(finding)),
       ),
-      report.isEnvelope
-        ? envelopeCard(report, onplace)
-        : extremesCard(report, model, this.shells, this.fields, onplace),
-    );
-    this.parts.tables.replaceChildren(
-      h("section", { class: "card screen-only" }, h("h2", {}, "Tables"), this.tables.element),
-      printedTables(report.tables, PRINTED_ROWS),
-    );
-    this.tables.drawRows();
+      report.hasResults ? this.extremes(onplace) : null,
+    ].filter(Boolean);
+  }
+
+  extremes(onplace) {
+    return this.report.isEnvelope
+      ? envelopeCard(this.report, onplace)
+      : extremesCard(this.report, this.model, this.shells, this.fields, onplace);
   }
 
   makeStage() {
     this.stage = new Stage(this.canvasBox, this.model);
     this.labels = new Labels(this.stage);
+    this.viewText.name(this.canvasBox);
+    listenToKeys(this);
     onClick(this.stage.renderer.domElement, (point) =>
       this.select(pick(this.stage, this.model, this.views, this.factor.value, point)),
     );
@@ -219,6 +260,8 @@ class Report {
     this.drawAll();
     this.stage.look(model.plane ? "top" : "iso");
     this.select(model.has(SHELL) ? -1 : this.mostBent());
+    const moving = this.report.hasResults ? null : this.report.check?.find(({ motion }) => motion);
+    if (moving) this.motions.show(moving);
   }
 
   /** Draws everything as the controls say. */
@@ -273,7 +316,7 @@ class Report {
       this.model.beams.length <= 100 ? this.diagrams.labels : largestLabels(this.diagrams.labels);
     this.labels.set(
       "diagram",
-      "#1b2a38",
+      theme.css("scene-label"),
       labels.map(({ place, value }) => ({ place, text: format(value, 4) })),
     );
     this.stage.draw();
@@ -289,9 +332,11 @@ class Report {
   }
 
   deform() {
-    this.factor.value = this.report.isEnvelope
-      ? 0
-      : this.toolbar.deformation.value * this.usualFactor;
+    this.deformBy(this.report.isEnvelope ? 0 : this.toolbar.deformation.value * this.usualFactor);
+  }
+
+  deformBy(factor) {
+    this.factor.value = factor;
     this.toolbar.factor.textContent = `\u00d7 ${format(this.factor.value, 3)}`;
     for (const view of [...this.views.beams, ...this.views.surfaces])
       view.deform(this.factor.value);
@@ -302,14 +347,18 @@ class Report {
   showSymbols(name, on) {
     const { group, labels } = this.symbols[name];
     group.visible = on;
-    this.labels.set(name, name === "loads" ? "#8f3210" : "#53307d", on ? labels : []);
+    this.labels.set(
+      name,
+      theme.css(name === "loads" ? "scene-label-load" : "scene-label-reaction"),
+      on ? labels : [],
+    );
     this.stage.draw();
   }
 
   showNumbers(on) {
     const { nodes, elements } = on ? numberLabels(this.model) : { nodes: [], elements: [] };
-    this.labels.set("nodes", "#2c5282", nodes);
-    this.labels.set("elements", "#6b4c11", elements);
+    this.labels.set("nodes", theme.css("scene-label-node"), nodes);
+    this.labels.set("elements", theme.css("scene-label-element"), elements);
     this.stage.draw();
   }
 
@@ -341,9 +390,33 @@ class Report {
     this.stage.draw();
   }
 
+  /** Selects nothing, and ends a motion that is shown. */
+  release() {
+    this.motions.stop();
+    this.select(-1);
+  }
+
   placeHighlight() {
     this.highlight.place(this.selected, this.factor.value);
   }
+}
+
+/** On narrow screens: the button that shows the controls above the view. */
+function toolbarFold() {
+  const button = h(
+    "button",
+    {
+      class: "toolbar-fold",
+      "aria-expanded": "false",
+      "aria-controls": "toolbar",
+      onclick: () => {
+        const isOpen = button.parentElement.classList.toggle("open");
+        button.setAttribute("aria-expanded", String(isOpen));
+      },
+    },
+    "View options",
+  );
+  return button;
 }
 
 /** The labels of the least and the largest value. */

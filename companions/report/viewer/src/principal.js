@@ -2,7 +2,7 @@
 // directions in which they act, red for tension (or positive moments), blue for compression.
 
 import * as THREE from "three";
-import { NEGATIVE, POSITIVE } from "./colours.js";
+import { theme } from "./theme.js";
 import { SHELL, dot } from "./model.js";
 import { axesOfEuler } from "./symbols.js";
 
@@ -48,8 +48,8 @@ export function principalCrosses(report, model, shells, kind) {
   const usual = usualSize(states.flatMap(([, a, b]) => [Math.abs(a), Math.abs(b)]));
   const position = new Float32Array(12 * found.length),
     colour = new Float32Array(12 * found.length);
-  const [positive, negative] = [POSITIVE, NEGATIVE].map((rgb) =>
-    new THREE.Color().setRGB(...rgb, THREE.SRGBColorSpace),
+  const [positive, negative] = ["scene-positive", "scene-negative"].map(
+    (name) => new THREE.Color(theme.hex(name)),
   );
   found.forEach((e, i) => {
     const corners = [0, 1, 2].map((k) => model.place(model.node(e, k)));

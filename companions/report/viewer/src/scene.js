@@ -2,6 +2,7 @@
 
 import * as THREE from "three";
 import { OrbitControls } from "three/examples/jsm/controls/OrbitControls.js";
+import { theme } from "./theme.js";
 
 const VIEWS = {
   iso: [
@@ -16,7 +17,12 @@ const VIEWS = {
     [1, 0, 0],
     [0, 0, 1],
   ],
+  // Not quite from above: the camera turns about z, and from z itself it has no direction.
   top: [
+    [0, -1e-5, 1],
+    [0, 0, 1],
+  ],
+  plane: [
     [0, 0, 1],
     [0, 1, 0],
   ],
@@ -27,10 +33,11 @@ export class Stage {
     this.container = container;
     this.model = model;
     this.renderer = new THREE.WebGLRenderer({ antialias: true, preserveDrawingBuffer: true });
-    this.renderer.setClearColor(0xffffff, 1);
+    this.setGround();
     this.renderer.setPixelRatio(Math.min(window.devicePixelRatio, 2));
     this.scene = new THREE.Scene();
     this.camera = new THREE.OrthographicCamera(-1, 1, 1, -1, -1, 1);
+    if (!model.plane) this.camera.up.set(0, 0, 1); // the axis about which the controls turn
     this.listeners = [];
     this.thickLines = []; // their materials need the size of the canvas
     this.addLights();
@@ -39,6 +46,7 @@ export class Stage {
     this.controls.enableRotate = !model.plane;
     this.controls.zoomToCursor = true;
     if (model.plane) this.controls.mouseButtons.LEFT = THREE.MOUSE.PAN;
+    if (model.plane) this.controls.touches.ONE = THREE.TOUCH.PAN;
     this.controls.addEventListener("change", () => this.draw());
     new ResizeObserver(() => this.resize()).observe(container);
     this.resize();
@@ -55,7 +63,10 @@ export class Stage {
 
   resize() {
     const { clientWidth: width, clientHeight: height } = this.container;
-    if (!width || !height) return;
+    if (width && height) this.resizeTo(width, height);
+  }
+
+  resizeTo(width, height) {
     this.width = width;
     this.height = height;
     this.renderer.setSize(width, height, false);
@@ -99,9 +110,14 @@ export class Stage {
     this.thickLines = [];
   }
 
-  /** Looks at the whole model from one of VIEWS. */
+  /** Takes the colour of the ground from the theme. */
+  setGround() {
+    this.renderer.setClearColor(theme.hex("scene"), 1);
+  }
+
+  /** Looks at the whole model from one of VIEWS; at a plane one always from the front. */
   look(name) {
-    const [direction, up] = VIEWS[name];
+    const [direction, up] = VIEWS[this.model.plane ? "plane" : name];
     this.camera.up.set(...up);
     this.camera.position
       .set(...direction)

@@ -1,13 +1,15 @@
 // What the model is, whether loads and reactions balance, the findings of the check, the extremes.
 
 import { format, h } from "./dom.js";
+import { accuracyLine } from "./accuracy.js";
 import { extremesOf, extremesOfField } from "./fields.js";
+import { motionButton } from "./motions.js";
 
 const row = (...cells) =>
   h(
     "tr",
     {},
-    cells.map((cell, i) => h(i ? "td" : "th", {}, cell)),
+    cells.map((cell, i) => h(i || cell === "" ? "td" : "th", {}, cell)),
   );
 
 function card(id, title, ...content) {
@@ -232,15 +234,19 @@ function envelopeLine(table, component, group, key, onplace) {
   );
 }
 
-/** The findings of the check of the problem file; null when it was not checked. */
-export function checkCard(report) {
+/**
+ * The findings of the check of the problem file; null when it was not checked. onmotion(finding) is
+ * called to show the motion of one.
+ */
+export function checkCard(report, onmotion) {
   if (!report.check) return null;
-  const findings = report.check.map(({ error, place, text }) =>
+  const findings = report.check.map((finding) =>
     h(
       "li",
-      { class: error ? "bad" : "warn" },
-      h("b", {}, error ? "error" : "warning"),
-      ` ${place}: ${text}`,
+      { class: finding.error ? "bad" : "warn" },
+      h("b", {}, finding.error ? "error" : "warning"),
+      ` ${finding.place}: ${finding.text} `,
+      motionButton(finding, onmotion),
     ),
   );
   return card(
@@ -276,26 +282,38 @@ export function extremesCard(report, model, shells, fields, onplace) {
 }
 
 /** The errors of the problem file, in red; null without any. */
-function errorBanner(report) {
+function errorBanner(report, onmotion) {
   const SHOWN = 3;
   const errors = (report.check ?? []).filter(({ error }) => error);
   if (!errors.length) return null;
   const count = errors.length === 1 ? "1 error" : `${errors.length} errors`;
   const items = errors
     .slice(0, SHOWN)
-    .map(({ place, text }) => h("li", {}, h("b", {}, `${place}: `), text));
+    .map((finding) =>
+      h(
+        "li",
+        {},
+        h("b", {}, `${finding.place}: `),
+        `${finding.text} `,
+        motionButton(finding, onmotion),
+      ),
+    );
+  const meaning = report.hasResults
+    ? "these results may be those of another model."
+    : "there are no results.";
   if (errors.length > SHOWN)
     items.push(h("li", {}, `and ${errors.length - SHOWN} more, in the check of the problem file`));
   return h(
     "div",
     { class: "alert", role: "alert" },
-    h("b", {}, `${count} in the problem file: these results may be those of another model.`),
+    h("b", {}, `${count} in the problem file: ${meaning}`),
     h("ul", {}, items),
   );
 }
 
 /** Whether all is in equilibrium, and the words for it. */
-function stateOf({ equilibrium, balances }) {
+function stateOf({ hasResults, equilibrium, balances }) {
+  if (!hasResults) return { balanced: false, text: "no results" };
   const all = balances ? balances.map((one) => one.equilibrium) : [equilibrium];
   const residual = Math.max(...all.map((one) => one.residual)).toExponential(1);
   const bad = all.filter((one) => !one.balanced).length;
@@ -305,7 +323,8 @@ function stateOf({ equilibrium, balances }) {
   return { balanced: !bad, text: `${which} ${state}, residual at most ${residual}` };
 }
 
-export function header(report) {
+/** onmotion(finding): shows the motion of a finding of the check. */
+export function header(report, onmotion) {
   const { balanced, text } = stateOf(report);
   const description = report.model.description;
   return h(
@@ -317,7 +336,8 @@ export function header(report) {
       h("h1", {}, report.model.file),
       h("span", { class: balanced ? "badge good" : "badge bad" }, text),
     ),
-    errorBanner(report),
+    errorBanner(report, onmotion),
+    accuracyLine(report),
     description.length ? h("pre", { class: "description" }, description.join("\n")) : null,
   );
 }

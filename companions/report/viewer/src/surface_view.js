@@ -5,10 +5,7 @@ import { BANDS } from "./colours.js";
 import { vertexValues } from "./fields.js";
 import { deformable, geometryAt } from "./scene.js";
 import { trianglesOf } from "./surfaces.js";
-
-const PLAIN = 0xc9d6e2,
-  EDGE = 0x31404d,
-  GHOST = 0x9aa5ae;
+import { theme } from "./theme.js";
 
 function lines(model, nodes, colour, opacity, factor) {
   const material = new THREE.LineBasicMaterial({
@@ -26,7 +23,7 @@ export class SurfaceView {
     if (this.triangles.nodes.length === 0) return;
     this.material = deformable(
       new THREE.MeshLambertMaterial({
-        color: PLAIN,
+        color: theme.hex("scene-surface"),
         side: THREE.DoubleSide,
         flatShading: true,
         polygonOffset: true,
@@ -40,8 +37,10 @@ export class SurfaceView {
     geometry.setAttribute("uv", this.places);
     const count = this.triangles.owner.length;
     const opacity = Math.min(0.55, 60 / Math.sqrt(count));
-    this.edges = lines(model, this.triangles.edges, EDGE, opacity, factor);
-    this.ghost = lines(model, this.triangles.edges, GHOST, 0.5 * opacity, { value: 0 });
+    this.edges = lines(model, this.triangles.edges, theme.hex("scene-edge"), opacity, factor);
+    this.ghost = lines(model, this.triangles.edges, theme.hex("scene-ghost"), 0.5 * opacity, {
+      value: 0,
+    });
     this.mesh = new THREE.Mesh(geometry, this.material);
     for (const part of [this.mesh, this.edges, this.ghost]) part.frustumCulled = false;
     this.group.add(this.mesh, this.edges, this.ghost);
@@ -66,7 +65,7 @@ export class SurfaceView {
     this.places.needsUpdate = true;
     this.material.map?.dispose();
     this.material.map = shown ? bandTexture(scale) : null;
-    this.material.color.set(shown ? 0xffffff : PLAIN);
+    this.material.color.set(shown ? 0xffffff : theme.hex("scene-surface"));
     this.material.needsUpdate = true;
   }
 }

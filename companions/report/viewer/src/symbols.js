@@ -3,12 +3,8 @@
 import * as THREE from "three";
 import { mergeGeometries } from "three/examples/jsm/utils/BufferGeometryUtils.js";
 import { triples, unit } from "./model.js";
+import { theme } from "./theme.js";
 
-const SUPPORT = 0x2e7d5b,
-  SPRING = 0xb07d12,
-  LOAD = 0xb4441c,
-  REACTION = 0x6a3d9a,
-  HINGE = 0xf2f5f7;
 const MOST_SURFACE_ARROWS = 1500;
 const UP = new THREE.Vector3(0, 1, 0);
 
@@ -77,9 +73,18 @@ export function supportSymbols(report, model, size) {
   const { components, translations } = report.model;
   const cone = new THREE.ConeGeometry(0.5, 1, 12).translate(0, -0.5, 0);
   const ring = new THREE.TorusGeometry(0.55, 0.09, 8, 20).rotateX(Math.PI / 2);
-  const cones = { 1: new Instances(cone, SUPPORT), 2: new Instances(cone, SPRING) };
-  const rings = { 1: new Instances(ring, SUPPORT), 2: new Instances(ring, SPRING) };
-  const blocks = new Instances(new THREE.BoxGeometry(1, 0.45, 1).translate(0, -0.225, 0), SUPPORT);
+  const cones = {
+    1: new Instances(cone, theme.hex("scene-support")),
+    2: new Instances(cone, theme.hex("scene-spring")),
+  };
+  const rings = {
+    1: new Instances(ring, theme.hex("scene-support")),
+    2: new Instances(ring, theme.hex("scene-spring")),
+  };
+  const blocks = new Instances(
+    new THREE.BoxGeometry(1, 0.45, 1).translate(0, -0.225, 0),
+    theme.hex("scene-support"),
+  );
   const down = model.plane ? [0, 1, 0] : [0, 0, 1];
   for (let row = 0; row < table.rows; ++row) {
     const place = model.place(model.nodeAt.get(table.column("node").cell(row)));
@@ -103,7 +108,7 @@ export function supportSymbols(report, model, size) {
 /** A ball near every hinged end of a beam. */
 export function hingeSymbols(report, model, size) {
   const codes = report.table("elements").column("hinge_code");
-  const balls = new Instances(new THREE.SphereGeometry(1, 16, 12), HINGE);
+  const balls = new Instances(new THREE.SphereGeometry(1, 16, 12), theme.hex("scene-hinge"));
   for (const element of model.beams) {
     const code = codes.cell(element);
     const ends = [0, 1].map((i) => model.place(model.node(element, i)));
@@ -244,7 +249,12 @@ function addLinear(arrows, report, model, group, length) {
   if (outline.length === 0) return;
   const geometry = new THREE.BufferGeometry();
   geometry.setAttribute("position", new THREE.BufferAttribute(new Float32Array(outline), 3));
-  group.add(new THREE.LineSegments(geometry, new THREE.LineBasicMaterial({ color: LOAD })));
+  group.add(
+    new THREE.LineSegments(
+      geometry,
+      new THREE.LineBasicMaterial({ color: theme.hex("scene-load") }),
+    ),
+  );
 }
 
 /**
@@ -252,10 +262,10 @@ function addLinear(arrows, report, model, group, length) {
  * many nodes only at some.
  */
 export function loadSymbols(report, model, length) {
-  const nodal = new Arrows(LOAD, length),
-    linear = new Arrows(LOAD, 0.6 * length);
+  const nodal = new Arrows(theme.hex("scene-load"), length),
+    linear = new Arrows(theme.hex("scene-load"), 0.6 * length);
   const crowd = Math.min(1, 18 / Math.sqrt(Math.min(model.nodeCount, MOST_SURFACE_ARROWS)));
-  const surface = new Arrows(LOAD, 0.55 * crowd * length, true);
+  const surface = new Arrows(theme.hex("scene-load"), 0.55 * crowd * length, true);
   const group = new THREE.Group();
   if (report.table("nodal_loads")) addNodal(nodal, report.table("nodal_loads"), model, model.units);
   addLinear(linear, report, model, group, 0.6 * length);
@@ -270,7 +280,7 @@ export function loadSymbols(report, model, length) {
 }
 
 export function reactionSymbols(report, model, length) {
-  const arrows = new Arrows(REACTION, length);
+  const arrows = new Arrows(theme.hex("scene-reaction"), length);
   if (report.table("reactions")) addNodal(arrows, report.table("reactions"), model, model.units);
   return { group: arrows.group(), labels: arrows.labels };
 }

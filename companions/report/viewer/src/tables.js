@@ -1,6 +1,7 @@
 // The tables: sorted by a click on a column, searched by a number, drawn only as far as they are seen.
 
 import { format, h } from "./dom.js";
+import { listenInRows, listenInTabs } from "./table_keys.js";
 
 const ROW = 25,
   SPARE = 8;
@@ -52,11 +53,16 @@ export class TableView {
     this.onrow = onrow;
     this.tabs = h(
       "div",
-      { class: "tabs", role: "tablist" },
+      { class: "tabs", role: "tablist", "aria-label": "tables" },
       tables.map((table) =>
         h(
           "button",
-          { role: "tab", "data-table": table.name, onclick: () => this.open(table) },
+          {
+            role: "tab",
+            "data-table": table.name,
+            "aria-controls": "rows",
+            onclick: () => this.open(table),
+          },
           titleOf(table),
           h("small", {}, format(table.rows)),
         ),
@@ -70,8 +76,11 @@ export class TableView {
     this.search.addEventListener("input", () => this.arrange());
     this.head = h("thead");
     this.body = h("tbody");
-    this.scroller = h("div", { class: "rows" }, h("table", {}, this.head, this.body));
+    this.grid = h("table", { role: "grid", tabindex: 0 }, this.head, this.body);
+    this.scroller = h("div", { class: "rows", id: "rows", role: "tabpanel" }, this.grid);
     this.scroller.addEventListener("scroll", () => this.drawRows());
+    listenInRows(this, this.grid, ROW);
+    listenInTabs(this.tabs);
     this.element = h(
       "div",
       { class: "tables" },
@@ -86,8 +95,13 @@ export class TableView {
     this.sortedBy = null;
     this.descending = false;
     this.search.value = "";
-    for (const tab of this.tabs.children)
-      tab.setAttribute("aria-selected", tab.dataset.table === table.name);
+    for (const tab of this.tabs.children) {
+      const isOpen = tab.dataset.table === table.name;
+      tab.setAttribute("aria-selected", isOpen);
+      tab.tabIndex = isOpen ? 0 : -1;
+    }
+    this.grid.setAttribute("aria-label", `${titleOf(table)}, Enter selects the element of a row`);
+    this.scroller.setAttribute("aria-label", titleOf(table));
     this.scroller.scrollTop = 0;
     this.arrange();
   }
@@ -95,11 +109,24 @@ export class TableView {
   sortBy(column) {
     this.descending = this.sortedBy === column && !this.descending;
     this.sortedBy = column;
+    const isByKey = this.head.contains(document.activeElement);
     this.arrange();
+    if (isByKey) this.head.querySelectorAll("button")[this.table.columns.indexOf(column)].focus();
+  }
+
+  /** Marks a row, by its place in the order, and scrolls to it: the row that keys act on. */
+  activate(place) {
+    this.active = place;
+    const top = place * ROW,
+      seen = this.scroller.clientHeight - 2 * ROW;
+    if (top < this.scroller.scrollTop) this.scroller.scrollTop = top;
+    else if (top > this.scroller.scrollTop + seen) this.scroller.scrollTop = top - seen;
+    this.drawRows();
   }
 
   /** Puts the rows into their order and draws. */
   arrange() {
+    this.active = -1;
     const { table } = this;
     const columns = table.columns;
     this.order = this.sortedBy
@@ -114,6 +141,8 @@ export class TableView {
     }
     const mark = (column) =>
       column !== this.sortedBy ? null : this.descending ? " \u25be" : " \u25b4";
+    const sorting = (column) =>
+      column !== this.sortedBy ? null : this.descending ? "descending" : "ascending";
     this.head.replaceChildren(
       h(
         "tr",
@@ -121,9 +150,12 @@ export class TableView {
         columns.map((column) =>
           h(
             "th",
-            { onclick: () => this.sortBy(column), class: column.words ? "word" : "" },
-            headOf(column),
-            mark(column),
+            {
+              onclick: () => this.sortBy(column),
+              class: column.words ? "word" : "",
+              "aria-sort": sorting(column),
+            },
+            h("button", { class: "sort" }, headOf(column), mark(column)),
           ),
         ),
       ),
@@ -135,14 +167,25 @@ export class TableView {
     const height = this.scroller.clientHeight || 400;
     const first = Math.max(0, Math.floor(this.scroller.scrollTop / ROW) - SPARE);
     const last = Math.min(this.order.length, first + Math.ceil(height / ROW) + 2 * SPARE);
-    const space = (rows) => h("tr", { class: "space", style: `height:${rows * ROW}px` });
+    const space = (rows) =>
+      h("tr", { class: "space", "aria-hidden": "true", style: `height:${rows * ROW}px` });
     const rows = [];
-    for (let i = first; i < last; ++i) rows.push(this.row(this.order[i]));
+    for (let i = first; i < last; ++i) rows.push(this.row(this.order[i], i));
+    this.grid.setAttribute("aria-rowcount", this.order.length + 1);
+    if (this.active >= first && this.active < last)
+      this.grid.setAttribute("aria-activedescendant", `row-${this.active}`);
+    else this.grid.removeAttribute("aria-activedescendant");
     this.body.replaceChildren(space(first), ...rows, space(this.order.length - last));
   }
 
-  row(row) {
-    return h("tr", { onclick: () => this.choose(row) }, cellsOf(this.table, row));
+  row(row, place) {
+    const attributes = {
+      id: `row-${place}`,
+      "aria-rowindex": place + 2,
+      class: place === this.active ? "active" : "",
+      onclick: () => this.choose(row),
+    };
+    return h("tr", attributes, cellsOf(this.table, row));
   }
 
   choose(row) {
@@ -151,49 +194,11 @@ export class TableView {
   }
 }
 
-function cellsOf(table, row) {
+/** The cells of a row. */
+export function cellsOf(table, row) {
   return table.columns.map((column) => {
     const cell = column.cell(row);
     const text = typeof cell === "string" ? cell.replaceAll("_", " ") : format(cell);
     return h("td", { class: column.words ? "word" : "" }, text);
   });
-}
-
-/** All tables with at most `most` rows, for the printer; of the others only a note. */
-export function printedTables(tables, most) {
-  const short = tables.filter((table) => table.rows <= most),
-    long = tables.filter((table) => table.rows > most);
-  const whole = (table) =>
-    h(
-      "section",
-      { class: "printed" },
-      h("h3", {}, titleOf(table)),
-      h(
-        "table",
-        {},
-        h(
-          "thead",
-          {},
-          h(
-            "tr",
-            {},
-            table.columns.map((column) => h("th", {}, headOf(column))),
-          ),
-        ),
-        h(
-          "tbody",
-          {},
-          Array.from({ length: table.rows }, (_, row) => h("tr", {}, cellsOf(table, row))),
-        ),
-      ),
-    );
-  const note =
-    long.length === 0
-      ? null
-      : h(
-          "p",
-          {},
-          `Tables with more than ${most} rows are not printed: ${long.map((table) => `${titleOf(table)} (${table.rows})`).join(", ")}.`,
-        );
-  return h("div", { class: "print-only" }, short.map(whole), note);
 }

@@ -11,7 +11,9 @@ const SPACE_LOOKS = [
 ];
 const PLANE_LOOKS = [["top", "Fit"]];
 
-const tool = (text, ...parts) => h("label", { class: "tool" }, h("span", {}, text), parts);
+/** A control with its name; further controls beside it have names of their own. */
+const tool = (text, control, ...others) =>
+  h("span", { class: "tool" }, h("label", { for: control.id }, text), control, others);
 
 function range(id, attributes, oninput) {
   const input = h("input", { type: "range", id, ...attributes });
@@ -67,17 +69,27 @@ export class Toolbar {
     this.factor = h("output", { id: "factor" });
     this.element = h(
       "div",
-      { class: "toolbar" },
-      tool("Colours", this.colours, report.table("shell_forces") ? this.smooth : null),
+      { class: "toolbar", id: "toolbar", role: "group", "aria-label": "view" },
+      view.fields.length === 0
+        ? null
+        : tool("Colours", this.colours, report.table("shell_forces") ? this.smooth : null),
       diagrams.length ? tool("Diagram", this.diagram, this.diagramSize) : null,
       report.table("shell_forces") && !isEnvelope ? tool("Principal", this.directions) : null,
-      isEnvelope ? null : tool("Deformed", this.deformation, this.factor),
+      isEnvelope || !report.hasResults ? null : tool("Deformed", this.deformation, this.factor),
       h("span", { class: "tool" }, this.symbolChecks(view), this.meshChecks(view)),
       h(
         "span",
         { class: "tool looks" },
         (model.plane ? PLANE_LOOKS : SPACE_LOOKS).map(([name, text]) =>
-          h("button", { "data-look": name, onclick: () => view.stage.look(name) }, text),
+          h(
+            "button",
+            {
+              "data-look": name,
+              "aria-label": `view ${text}`,
+              onclick: () => view.stage.look(name),
+            },
+            text,
+          ),
         ),
       ),
     );
@@ -88,7 +100,8 @@ export class Toolbar {
     const { isEnvelope } = view.report;
     return [
       symbol("supports", true),
-      ...(isEnvelope ? [] : [symbol("loads", true), symbol("reactions", false)]),
+      ...(isEnvelope ? [] : [symbol("loads", true)]),
+      ...(isEnvelope || !view.report.hasResults ? [] : [symbol("reactions", false)]),
       checkbox("numbers", "numbers", false, (on) => view.showNumbers(on)),
     ];
   }

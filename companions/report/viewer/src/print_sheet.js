@@ -1,0 +1,96 @@
+// The report on paper. It is made when the browser is about to print, by the button of the page or
+// by its own command, in light colours, and thrown away afterwards.
+
+import { h } from "./dom.js";
+import { panelOf } from "./member_panel.js";
+import { largestMembers } from "./print_members.js";
+import { printedTables } from "./print_tables.js";
+import { picturesOf, viewsOf } from "./print_views.js";
+import { theme } from "./theme.js";
+
+/** Of a picture, in pixels of the page: the width of A4 less its margins, and its proportion. */
+const WIDTH = 688,
+  HEIGHT = 430;
+
+/** The choices of the print dialog, as long as nobody changes them. */
+export function usualChoices(report) {
+  return {
+    views: ["current"],
+    selected: true,
+    members: report.model.beams.length ? 3 : 0,
+    rows: 60,
+  };
+}
+
+function figures(report, chosen) {
+  if (!report.stage) return [];
+  const views = viewsOf(report).filter(({ id }) => chosen.includes(id));
+  return picturesOf(report, views, WIDTH, HEIGHT).map((canvas, i) =>
+    h(
+      "figure",
+      { class: "print-view" },
+      canvas,
+      report.legend.hidden ? null : report.legend.cloneNode(true),
+      h("figcaption", {}, captionOf(report, views[i])),
+    ),
+  );
+}
+
+function captionOf(report, view) {
+  const factor = view.factor ?? report.factor.value;
+  const shape = factor ? `deformed \u00d7 ${Number(factor.toPrecision(3))}` : "undeformed";
+  const name = view.id === "current" ? "View" : view.text;
+  return report.hasResults ? `${name}, ${shape}` : name;
+}
+
+function elementSheet(report, element) {
+  const { model, shells, fields } = report;
+  const content = panelOf(report.report, model, shells, fields, element).flat().filter(Boolean);
+  return h("article", { class: "print-element" }, content);
+}
+
+/** The elements that are printed: the selected one, then those with the largest forces. */
+function elements(report, { selected, members }) {
+  const chosen = selected && report.selected >= 0 ? [report.selected] : [];
+  const found = largestMembers(report.model, members).filter((one) => !chosen.includes(one));
+  const sheets = (list) => list.map((element) => elementSheet(report, element));
+  return [
+    chosen.length ? [h("h2", {}, "Selected"), sheets(chosen)] : [],
+    found.length ? [h("h2", {}, "Members with the largest forces"), sheets(found)] : [],
+  ].flat(2);
+}
+
+export class PrintSheet {
+  constructor(report) {
+    this.report = report;
+    this.choices = usualChoices(report);
+    this.element = h("div", { id: "print-sheet", class: "print-only", "aria-hidden": "true" });
+    window.addEventListener("beforeprint", () => this.fill());
+    window.addEventListener("afterprint", () => this.clear());
+  }
+
+  fill() {
+    const { report, choices } = this;
+    theme.forceLight(true);
+    const [head, cards] = [report.headParts(), report.cardParts()];
+    this.element.replaceChildren(
+      ...[
+        head,
+        figures(report, choices.views),
+        elements(report, choices),
+        cards,
+        choices.rows ? printedTables(report.report.tables, choices.rows) : null,
+        h("footer", {}, report.footnote),
+      ]
+        .flat()
+        .filter(Boolean),
+    );
+    for (const one of this.element.querySelectorAll("[id]")) one.removeAttribute("id");
+    for (const one of this.element.querySelectorAll("details")) one.open = true;
+  }
+
+  clear() {
+    this.element.replaceChildren();
+    theme.forceLight(false);
+  }
+}

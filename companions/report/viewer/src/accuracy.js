@@ -7,8 +7,9 @@ const lower = (text) => text[0].toLowerCase() + text.slice(1);
 const size = (value) => (value === 0 ? "0" : value.toExponential(1));
 
 /** Why the data of the run are not known; empty when they are. */
-function whyUnknown(run) {
+function whyUnknown({ run, balances }) {
   if (run?.state === "matches") return "";
+  if (balances) return "A report of load cases does not tell it.";
   return run?.state === "differs"
     ? "The record of the run is of another state of the problem file."
     : "There is no record of the run beside the results: morlen-run writes it.";
@@ -67,7 +68,7 @@ function factsOf(report) {
 export function accuracyLine(report) {
   if (!report.hasResults) return null;
   const facts = factsOf(report);
-  const why = whyUnknown(report.run);
+  const why = whyUnknown(report);
   const known = facts.slice(0, -1).filter(([, value]) => value !== UNKNOWN);
   const unknown = facts.filter(([, value]) => value === UNKNOWN).map(([name]) => lower(name));
   return h(

@@ -49,10 +49,11 @@ function elementSheet(report, element) {
   return h("article", { class: "print-element" }, content);
 }
 
-/** The elements that are printed: the selected one, then those with the largest forces. */
+/** The elements that are printed: the selected one, and those with the largest forces. */
 function elements(report, { selected, members }) {
-  const chosen = selected && report.selected >= 0 ? [report.selected] : [];
-  const found = largestMembers(report.model, members).filter((one) => !chosen.includes(one));
+  const found = largestMembers(report.model, members);
+  const isExtra = selected && report.selected >= 0 && !found.includes(report.selected);
+  const chosen = isExtra ? [report.selected] : [];
   const sheets = (list) => list.map((element) => elementSheet(report, element));
   return [
     chosen.length ? [h("h2", {}, "Selected"), sheets(chosen)] : [],

@@ -55,18 +55,33 @@ function copyOf(stage, width, height) {
   return copy;
 }
 
+/** Width and height of what the camera sees. */
+const extentOf = ({ camera }) => [
+  (camera.right - camera.left) / camera.zoom,
+  (camera.top - camera.bottom) / camera.zoom,
+];
+
+/** Zooms so that at least an extent is seen, whatever the shape of the picture. */
+function showExtent({ camera }, [width, height]) {
+  camera.zoom = Math.min(
+    (camera.right - camera.left) / width,
+    (camera.top - camera.bottom) / height,
+  );
+  camera.updateProjectionMatrix();
+}
+
 /** Canvases of views, of a width and a height in pixels of the page. */
 export function picturesOf(report, views, width, height) {
   const { stage } = report;
   const camera = cameraState(stage);
   const factor = report.factor.value;
-  const before = stage.width;
+  const extent = extentOf(stage);
   const ratio = stage.renderer.getPixelRatio();
   stage.renderer.setPixelRatio(RATIO);
   stage.resizeTo(width, height);
   const pictures = views.map((view) => {
     if (view.look) stage.look(view.look);
-    else if (before < stage.width * 0.6) stage.camera.zoom = camera.zoom;
+    else showExtent(stage, extent);
     if (view.factor !== null) report.deformBy(view.factor);
     stage.drawNow();
     const picture = copyOf(stage, width, height);

@@ -118,7 +118,7 @@ export class TableView {
   activate(place) {
     this.active = place;
     const top = place * ROW,
-      seen = this.scroller.clientHeight - 2 * ROW;
+      seen = this.scroller.clientHeight - this.head.offsetHeight - ROW;
     if (top < this.scroller.scrollTop) this.scroller.scrollTop = top;
     else if (top > this.scroller.scrollTop + seen) this.scroller.scrollTop = top - seen;
     this.drawRows();

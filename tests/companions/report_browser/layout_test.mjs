@@ -240,6 +240,23 @@ test("keys alone turn the view, go through elements and tables", async () => {
     await page.evaluate("document.getElementById('view-text').textContent"),
     /^Structure of 180 elements and 84 nodes, 18 by 10 by 20 m\..*Selected: Member 1/,
   );
+  // Along the first diagram of the member, N, and on to the next one.
+  await tabTo(page, (focus) => focus.role === "slider");
+  for (let i = 0; i < 5; ++i) await press(page, "ArrowRight");
+  const force = exported("space_frame")("beam_diagrams", "N")[5];
+  const read = "document.querySelector('#panel .readout').textContent";
+  const [, place, axial] = (await page.evaluate(read)).match(/^x\u2032 = (\S+) m +N = (\S+)/);
+  assertNear(Number(place), (4 * 5) / 20, 1e-4, "place along the member");
+  assertNear(Number(axial), force, 1e-4, "axial force");
+  await press(page, "ArrowDown");
+  assert.match(
+    await page.evaluate("document.activeElement.getAttribute('aria-label')"),
+    /^Shear force Vy/,
+  );
+  assert.equal(
+    await page.evaluate("document.activeElement.getAttribute('aria-valuetext')"),
+    await page.evaluate(read),
+  );
   await tabTo(page, (focus) => focus.role === "tab");
   const open = "document.querySelector('[role=tab][aria-selected=true]').dataset.table";
   assert.equal(await page.evaluate(open), "reactions");
@@ -506,6 +523,9 @@ test("a model that can move gets a page that shows the motion", async () => {
   assert.equal(await page.evaluate(amplitude), paused);
   await button("Stop");
   assert.equal(await page.evaluate("document.getElementById('motion').hidden"), true);
+  await page.evaluate("morlenReport.select(0)");
+  assert.equal(await page.evaluate(HEADING), "Member 1");
+  assert.equal(await page.evaluate("document.querySelectorAll('#panel .diagram').length"), 0);
   // Without animation where the user wants none; the outermost place is seen.
   await setMedia(page, "", ["prefers-reduced-motion", "reduce"]);
   await page.evaluate("document.querySelector('header .show-motion').click()");

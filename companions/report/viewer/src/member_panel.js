@@ -1,6 +1,7 @@
 // What has been clicked: the diagrams of a beam, or the values of a shell or solid.
 
 import { DIAGRAMS, curvesOf, hasDiagram } from "./diagrams.js";
+import { listenAlong } from "./diagram_keys.js";
 import { format, h, svg, withUnit } from "./dom.js";
 import { extremesOf } from "./fields.js";
 import { BEAM, SHELL, dot } from "./model.js";
@@ -28,6 +29,7 @@ function largestOf(model, names) {
  * drawing; least: the smallest range that is drawn in full height.
  */
 function diagramsOf(model, element) {
+  if (!model.diagrams) return []; // without results
   const b = model.beamOf.get(element),
     { points } = model;
   const force = largestOf(model, ["N", "Vy", "Vz"]),
@@ -203,6 +205,17 @@ function valuesAt({ name, curves }, i) {
   });
 }
 
+function signsOfDiagrams(isEnvelope) {
+  const texts = [
+    "Drawn from end 1 (left) to end 2 with the local axis y\u2032 or z\u2032 upwards; moments stand on the side of the tension.",
+    "Forces act on the side of end 1. Values between the ends include the loads along the member.",
+    isEnvelope
+      ? "Red: the largest values; blue: the least ones."
+      : "Deflections are the displacements along the local axes, those of the ends included.",
+  ];
+  return h("p", { class: "sign" }, texts.join(" "));
+}
+
 function memberPanel(report, model, element) {
   const { elements, units } = model;
   const table = report.table("elements");
@@ -232,6 +245,15 @@ function memberPanel(report, model, element) {
       ...shown.flatMap((diagram) => valuesAt(diagram, i)),
     ].join("   ");
   };
+  listenAlong(
+    drawn.map(({ drawing }) => drawing),
+    diagrams.map(({ title }) => title),
+    model.points,
+    (i, k) => {
+      show(i, diagrams[k]);
+      return readout.textContent;
+    },
+  );
   const follow = (hovered) => (event) => {
     const box = event.currentTarget.getBoundingClientRect();
     const t = (((event.clientX - box.left) / box.width) * WIDTH - LEFT) / (WIDTH - LEFT - RIGHT);
@@ -247,7 +269,7 @@ function memberPanel(report, model, element) {
       fact("Material", format(table.column("material").cell(element))),
       fact("Ends", hinges(table.column("hinge_code").cell(element))),
     ),
-    readout,
+    model.diagrams ? readout : null,
     drawn.map(({ diagram, drawing }) => {
       drawing.addEventListener("pointermove", follow(diagram));
       return h(
@@ -263,17 +285,7 @@ function memberPanel(report, model, element) {
         drawing,
       );
     }),
-    h(
-      "p",
-      { class: "sign" },
-      [
-        "Drawn from end 1 (left) to end 2 with the local axis y\u2032 or z\u2032 upwards; moments stand on the side of the tension.",
-        "Forces act on the side of end 1. Values between the ends include the loads along the member.",
-        isEnvelope
-          ? "Red: the largest values; blue: the least ones."
-          : "Deflections are the displacements along the local axes, those of the ends included.",
-      ].join(" "),
-    ),
+    model.diagrams ? signsOfDiagrams(isEnvelope) : null,
   ];
 }
 
@@ -349,6 +361,7 @@ function nodeTable(model, fields, isEnvelope, element) {
 
 function elementPanel(report, model, shells, fields, element) {
   const isShell = model.elements.kinds[element] === SHELL;
+  const forces = report.table("shell_forces");
   return [
     h("h3", {}, `${isShell ? "Shell" : "Solid"} ${model.elements.numbers[element]}`),
     h(
@@ -357,10 +370,8 @@ function elementPanel(report, model, shells, fields, element) {
       fact("Mesh", format(model.elements.meshes[element])),
       fact("Material", format(report.table("elements").column("material").cell(element))),
     ),
-    isShell
-      ? h("div", { class: "wide" }, shellTable(report.table("shell_forces"), shells, element))
-      : null,
-    isShell
+    isShell && forces ? h("div", { class: "wide" }, shellTable(forces, shells, element)) : null,
+    isShell && forces
       ? h(
           "p",
           { class: "sign" },
@@ -368,7 +379,9 @@ function elementPanel(report, model, shells, fields, element) {
             "of +z\u2032, from bending along x\u2032 and y\u2032. Shears: along +z\u2032 on the side that looks to +x\u2032 (+y\u2032).",
         )
       : null,
-    h("div", { class: "wide" }, nodeTable(model, fields, report.isEnvelope, element)),
+    report.hasResults
+      ? h("div", { class: "wide" }, nodeTable(model, fields, report.isEnvelope, element))
+      : null,
   ];
 }
 

@@ -25,6 +25,7 @@ export function keysOf(model) {
     ["N and P", "next and previous element"],
     ["Escape", "select nothing; end a motion"],
     ["Tab", "from one control to the next; the keys above work in the view"],
+    ["Arrows", "in a diagram of a member: along it, and to its other diagrams"],
     ["Arrows, Enter", "in a table: from row to row, and select its element"],
     ["Left and right", "in the list of tables: from table to table"],
   ];

@@ -56,7 +56,7 @@ ExitStatus PrintBalance(const Equilibrium& equilibrium, const std::string& advic
   return ExitStatus::Found;
 }
 
-// The page of a model without results: what the check finds, with the motions that it can show.
+// The page of a model without results shows the findings of the check, with their motions.
 ExitStatus ReportModel(const fs::path& file, const fs::path& output, Problem& problem,
                        const std::vector<Finding>& findings)
 {
@@ -71,7 +71,7 @@ ExitStatus ReportModel(const fs::path& file, const fs::path& output, Problem& pr
   return ExitStatus::Found;
 }
 
-// A model with errors has no results of its own, or only those of an earlier state.
+// True for a model with errors that has no results, or only those of an earlier state.
 bool IsWithoutResults(const InputFiles& input, const std::vector<Finding>& findings)
 {
   return HasErrors(findings) && !input.NamesResults() && !results::HasFreshResults(input.Files());

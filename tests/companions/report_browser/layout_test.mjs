@@ -396,6 +396,7 @@ test("the chosen views and members print on A4", async () => {
   const text = spawnSync("pdftotext", ["-layout", "-", "-"], { input: pdf, encoding: "utf8" });
   if (!text.error) {
     // The head of the displacements, which fill more than a page.
+    assert.match(text.stdout, new RegExp(`1 ?/ ?${boxes.length}\\n`), "number of the page");
     const heads = text.stdout.split("\f").filter((one) => /node +ux m? +uy m? +uz/.test(one));
     assert.ok(heads.length >= 2, `a head on ${heads.length} pages`);
   }
@@ -454,7 +455,7 @@ test("the head tells the solver and the accuracy, or that they are unknown", asy
   }
 });
 
-/** A portal whose columns are hinged at both ends, and a column that stands. */
+/** A portal whose columns are hinged at both ends, beside a clamped column. */
 const MECHANISM = `problem type: 2d
 mesh dimension = 2 elemtype Linear nnode = 2
 coordinates

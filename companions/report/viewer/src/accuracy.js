@@ -69,6 +69,7 @@ export function accuracyLine(report) {
   if (!report.hasResults) return null;
   const facts = factsOf(report);
   const why = whyUnknown(report);
+  const first = facts.findIndex(([, value]) => value === UNKNOWN);
   const known = facts.slice(0, -1).filter(([, value]) => value !== UNKNOWN);
   const unknown = facts.filter(([, value]) => value === UNKNOWN).map(([name]) => lower(name));
   return h(
@@ -84,9 +85,9 @@ export function accuracyLine(report) {
     h(
       "dl",
       {},
-      facts.flatMap(([name, value, meaning]) => [
+      facts.flatMap(([name, value, meaning], i) => [
         h("dt", {}, `${name}: `, h("b", {}, value)),
-        h("dd", {}, meaning, value === UNKNOWN && why ? ` ${why}` : ""),
+        h("dd", {}, meaning, i === first && why ? ` ${why}` : ""),
       ]),
     ),
   );

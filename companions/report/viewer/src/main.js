@@ -109,7 +109,7 @@ class Report {
     this.select(-1);
   }
 
-  /** The parts of the page that stay, with empty ones for what changes. */
+  /** Builds the fixed parts of the page, and empty boxes for those that change with the choice. */
   layOut() {
     this.canvasBox = h("div", { class: "canvas" });
     this.legend = h("div", { class: "legend", id: "legend", hidden: true });
@@ -153,7 +153,7 @@ class Report {
       );
   }
 
-  /** What belongs to the report that is shown. */
+  /** Fills the boxes with the present report. */
   fillPage() {
     const { report } = this;
     const onplace = (kind, number) => this.choose(kind, Number(number));
@@ -173,7 +173,7 @@ class Report {
     reachScrollers();
   }
 
-  /** What the page says first, for the screen and for the printer. */
+  /** The head of the page, for the screen and for the printer. */
   headParts() {
     const choice = this.selector?.printed(this.report.selection);
     return [header(this.report, (finding) => this.motions.show(finding)), choice].filter(Boolean);
@@ -367,7 +367,7 @@ class Report {
     this.stage.draw();
   }
 
-  /** Selects what a row of a table or a place of an extreme names. */
+  /** Selects an element, or an element at a node, by its number: from a table or an extreme. */
   choose(kind, number) {
     const { model } = this;
     if (kind !== "node") return this.select(model.elementAt.get(number) ?? -1);

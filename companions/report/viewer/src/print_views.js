@@ -5,7 +5,10 @@ import { h } from "./dom.js";
 
 const RATIO = 2; // dots of the printer for a pixel of the page
 
-/** The views that can be printed: {id, text, look, factor}; null stands for the present one. */
+/**
+ * The views that can be printed: {id, text, look, factor}; without a look or a factor (null) the
+ * present one is kept.
+ */
 export function viewsOf(report) {
   const { model } = report;
   const standard = [
@@ -46,7 +49,7 @@ function restoreCamera({ camera, controls }, state) {
   camera.updateMatrixWorld();
 }
 
-/** Copies what the stage shows, labels included. */
+/** Copies the picture of the stage, labels included. */
 function copyOf(stage, width, height) {
   const copy = h("canvas", { width: width * RATIO, height: height * RATIO });
   const context = copy.getContext("2d");
@@ -55,7 +58,7 @@ function copyOf(stage, width, height) {
   return copy;
 }
 
-/** Width and height of what the camera sees. */
+/** Width and height that the camera sees. */
 const extentOf = ({ camera }) => [
   (camera.right - camera.left) / camera.zoom,
   (camera.top - camera.bottom) / camera.zoom,

@@ -165,7 +165,7 @@ export class Stage {
     this.camera.updateProjectionMatrix();
   }
 
-  /** Calls back after every frame: for what is drawn on top. */
+  /** Calls back after every frame, to draw on top of it. */
   onFrame(listener) {
     this.listeners.push(listener);
   }

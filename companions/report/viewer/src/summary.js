@@ -1,4 +1,4 @@
-// What the model is, whether loads and reactions balance, the findings of the check, the extremes.
+// The head and the cards of the page: model, balance of loads and reactions, check, extremes.
 
 import { format, h } from "./dom.js";
 import { accuracyLine } from "./accuracy.js";
@@ -81,7 +81,7 @@ export function balanceCard(report, model) {
     .map((value) => format(value, 4))
     .join(", ");
   const isForce = (k) => k < 3;
-  /** Without what only rounding has left. */
+  /** Replaces values that only rounding has left by 0. */
   const largest = Math.max(
     ...[...equilibrium.loads.slice(0, 3), ...equilibrium.reactions.slice(0, 3)].map(Math.abs),
   );
@@ -189,7 +189,10 @@ const GROUPS = {
   stresses: ["Solids", "node"],
 };
 
-/** The least and the largest value of every component over an envelope, and what governs. */
+/**
+ * The least and the largest value of every component over an envelope, and the combinations
+ * that govern.
+ */
 export function envelopeCard(report, onplace) {
   const lines = [];
   for (const [name, [group, key]] of Object.entries(GROUPS)) {

@@ -1,9 +1,9 @@
-// Light and dark: the choice of the user, and the colours of theme.css for what is drawn by script.
+// Light and dark: the choice of the user, and the colours of theme.css for drawings by script.
 
 const KEY = "morlen-report-appearance";
 const CHOICES = ["auto", "light", "dark"];
 
-/** The storage of the browser, or what the page has alone: some browsers refuse it to files. */
+/** The choice that the browser has stored; null without one, or where files may not store. */
 function remembered() {
   try {
     return window.localStorage.getItem(KEY);
@@ -31,7 +31,7 @@ class Theme {
     this.apply();
   }
 
-  /** "light" or "dark": what is shown now. */
+  /** The present colours: "light" or "dark". */
   get shown() {
     if (this.forced) return this.forced;
     if (this.choice !== "auto") return this.choice;

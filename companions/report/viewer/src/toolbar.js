@@ -124,7 +124,7 @@ export class Toolbar {
     return Object.fromEntries(this.controls.map((one) => [one.id, valueOf(one)]));
   }
 
-  /** Takes over what fits of the values of another toolbar. */
+  /** Takes over the values of another toolbar where this one has the same control. */
   adopt(state) {
     for (const one of this.controls) {
       const value = state[one.id];

@@ -55,7 +55,7 @@ function step(report, by) {
   report.select((from + by + count) % count);
 }
 
-/** What a key does in the view; null for nothing. */
+/** The action of a key in the view; null where it has none. */
 function actionOf(report, { key, shiftKey }) {
   const { stage, model } = report;
   if (ARROWS[key]) return () => moveByArrow(stage, model, ARROWS[key], shiftKey);

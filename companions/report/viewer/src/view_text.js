@@ -1,4 +1,4 @@
-// The view in words, for those who do not see it: what it shows, and the object that is selected.
+// The view in words, for screen readers: model, colours, diagram, and the selected object.
 
 import { format, h } from "./dom.js";
 import { reachScrollers } from "./scrollers.js";

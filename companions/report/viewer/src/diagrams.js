@@ -5,6 +5,7 @@ import * as THREE from "three";
 import { NEGATIVE, POSITIVE } from "./colours.js";
 import { beamPoint } from "./beam_view.js";
 import { extremesOf } from "./fields.js";
+import { DETAIL } from "./scene.js";
 
 /** Name, local axis (1: y', 2: z') and sign of the drawing of each diagram. */
 export const DIAGRAMS = {
@@ -146,7 +147,10 @@ class Ribbon {
     });
     const line = new THREE.LineBasicMaterial({ color: 0x46525c });
     const objects = [new THREE.Mesh(faces, fill), new THREE.LineSegments(outline, line)];
-    for (const object of objects) object.frustumCulled = false;
+    for (const object of objects) {
+      object.frustumCulled = false;
+      object.layers.set(DETAIL);
+    }
     return objects;
   }
 }

@@ -33,7 +33,7 @@ export class Labels {
     context.textBaseline = "middle";
     context.lineJoin = "round";
     this.taken = [];
-    for (const { colour, labels } of this.sources.values()) {
+    for (const { colour, labels } of this.stage.isMoving ? [] : this.sources.values()) {
       for (const label of labels) this.drawLabel(context, colour, label);
     }
     this.drawAxes(context, height);

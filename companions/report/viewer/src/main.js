@@ -2,19 +2,19 @@
 
 import * as THREE from "three";
 import { BeamView } from "./beam_view.js";
-import { ColourScale } from "./colours.js";
+import { ColourScale, bandTexture } from "./colours.js";
 import { readReport } from "./data.js";
 import { DiagramView, curvesOf } from "./diagrams.js";
 import { format, h } from "./dom.js";
 import { ShellPoints, extremesOfField, fieldsOf } from "./fields.js";
 import { Highlight } from "./highlight.js";
 import { Labels, numberLabels } from "./labels.js";
-import { showLegend } from "./legend.js";
+import { Legend } from "./legend.js";
 import { panelOf } from "./member_panel.js";
 import { Model, SHELL } from "./model.js";
 import { onClick, pick } from "./picking.js";
 import { principalCrosses } from "./principal.js";
-import { Stage, deformable } from "./scene.js";
+import { DETAIL, NO_CUT, Stage, deformable, dispose } from "./scene.js";
 import { Selector } from "./selector.js";
 import { Study } from "./study.js";
 import {
@@ -30,6 +30,7 @@ import { SurfaceView } from "./surface_view.js";
 import { hingeSymbols, loadSymbols, reactionSymbols, supportSymbols } from "./symbols.js";
 import { TableView, printedTables } from "./tables.js";
 import { Toolbar } from "./toolbar.js";
+import { Visibility } from "./visibility.js";
 
 const PRINTED_ROWS = 60;
 
@@ -38,6 +39,9 @@ class Report {
     this.study = data.study ? new Study(data) : null;
     this.selector = this.study && new Selector(this.study, (selection) => this.show(selection));
     this.factor = { value: 0 }; // of the displacements, shared by all materials
+    this.visibility = new Visibility();
+    /** What all parts of the view share; see deformable(). */
+    this.settings = { factor: this.factor, cut: { value: new THREE.Vector4(...NO_CUT) } };
     this.selected = -1;
     this.remembered = {}; // values of controls
     this.take(this.study ? this.study.view(this.study.all[0]) : readReport(data));
@@ -57,6 +61,7 @@ class Report {
   take(report) {
     this.report = report;
     this.model = new Model(report);
+    this.settings.isShown = this.visibility.test(this.model);
     this.shells = new ShellPoints(this.model, report.table("shell_forces"));
     this.fields = fieldsOf(report, this.model);
     /** The factor at the middle of the slider: the largest displacement is 6% of the model's size. */
@@ -95,7 +100,7 @@ class Report {
   /** The parts of the page that stay, with empty ones for what changes. */
   layOut() {
     this.canvasBox = h("div", { class: "canvas" });
-    this.legend = h("div", { class: "legend", id: "legend", hidden: true });
+    this.legend = new Legend(() => this.colour());
     this.panel = h("aside", { id: "panel" });
     this.toolbar = new Toolbar(this);
     const part = () => h("div");
@@ -116,7 +121,7 @@ class Report {
               "div",
               { class: "frame" },
               h("div", { class: "canvas-cell" }, this.canvasBox),
-              this.legend,
+              this.legend.element,
             ),
           ),
           this.panel,
@@ -173,15 +178,12 @@ class Report {
 
   fillStage() {
     const { model, report } = this;
-    const meshes = Array.from({ length: report.model.meshes }, (_, i) => i + 1);
-    this.views = {
-      surfaces: meshes.map((mesh) => new SurfaceView(model, mesh, this.factor)),
-      beams: meshes.map((mesh) => new BeamView(model, this.stage, mesh)),
-    };
+    this.shapes = new THREE.Group();
+    this.makeShapes();
     this.diagrams = new DiagramView(model);
     this.crosses = new THREE.LineSegments(
       new THREE.BufferGeometry(),
-      deformable(new THREE.LineBasicMaterial({ vertexColors: true }), this.factor),
+      deformable(new THREE.LineBasicMaterial({ vertexColors: true }), this.settings),
     );
     this.crosses.frustumCulled = false;
     const size = this.symbolSize();
@@ -192,15 +194,27 @@ class Report {
       reactions: reactionSymbols(report, model, 0.085 * model.box.size),
     };
     this.highlight = new Highlight(this.stage, model);
-    this.stage.scene.add(
-      ...this.views.surfaces.map(({ group }) => group),
-      ...this.views.beams.map(({ group }) => group),
+    const details = [
       ...Object.values(this.symbols).map(({ group }) => group),
       this.hinges,
       this.diagrams.group,
       this.crosses,
-      this.highlight.line,
-    );
+    ];
+    for (const object of details) object.traverse((one) => one.layers.set(DETAIL));
+    this.stage.scene.add(this.shapes, ...details, this.highlight.line);
+  }
+
+  /** The shown elements, one view for each mesh. */
+  makeShapes() {
+    const { model, report } = this;
+    const meshes = Array.from({ length: report.model.meshes }, (_, i) => i + 1);
+    dispose(this.shapes);
+    this.shapes.clear();
+    this.views = {
+      surfaces: meshes.map((mesh) => new SurfaceView(model, mesh, this.settings)),
+      beams: meshes.map((mesh) => new BeamView(model, this.stage, mesh, this.settings)),
+    };
+    this.shapes.add(...[...this.views.surfaces, ...this.views.beams].map(({ group }) => group));
   }
 
   /** Smaller where many supports are close together. */
@@ -225,16 +239,12 @@ class Report {
   drawAll() {
     const isOn = (id) => document.getElementById(id)?.checked ?? false;
     for (const name of Object.keys(this.symbols)) this.showSymbols(name, isOn(name));
-    this.views.surfaces.forEach((_, i) => this.showMesh(i, this.meshIsOn(i)));
+    this.showLines(isOn("lines"));
     this.showNumbers(isOn("numbers"));
     this.colour();
     this.showDiagram();
     this.showDirections();
     this.deform();
-  }
-
-  meshIsOn(mesh) {
-    return document.getElementById(`mesh${mesh + 1}`)?.checked ?? true;
   }
 
   /** The beam with the largest bending moment; -1 without beams. */
@@ -255,13 +265,16 @@ class Report {
   colour() {
     const field = this.fields.find(({ id }) => id === this.toolbar.colours.value) ?? null;
     const extremes = field && extremesOfField(field, this.model, this.shells);
-    const scale = field && new ColourScale(extremes.min, extremes.max);
+    const scale = field && new ColourScale(extremes.min, extremes.max, this.legend.limitsOf(field));
     const smooth = this.toolbar.isSmooth;
-    for (const view of this.views.surfaces) view.colour(field, scale, this.shells, smooth);
+    this.bands?.dispose();
+    this.bands = scale && bandTexture(scale);
+    for (const view of this.views.surfaces)
+      view.colour(field, scale, this.shells, smooth, this.bands);
     const values = field?.beams ?? null;
     for (const view of this.views.beams) view.colour(values, scale);
     this.toolbar.smooth.hidden = !field?.points;
-    showLegend(this.legend, field, scale, extremes);
+    this.legend.show(field, scale, extremes);
     this.stage.draw();
   }
 
@@ -313,8 +326,15 @@ class Report {
     this.stage.draw();
   }
 
-  showMesh(mesh, on) {
-    for (const { group } of [this.views.surfaces[mesh], this.views.beams[mesh]]) group.visible = on;
+  /** Shows or hides a mesh or a material: kind "meshes" or "materials", and its number. */
+  showPart(kind, number, on) {
+    this.visibility.set(kind, number, on);
+    this.makeShapes();
+    this.drawAll();
+  }
+
+  showLines(on) {
+    for (const view of this.views.surfaces) view.showLines(on);
     this.stage.draw();
   }
 

@@ -9,7 +9,8 @@ const SUPPORT = 0x2e7d5b,
   LOAD = 0xb4441c,
   REACTION = 0x6a3d9a,
   HINGE = 0xf2f5f7;
-const MOST_SURFACE_ARROWS = 1500;
+const MOST_SURFACE_ARROWS = 1500,
+  MANY = 100; // symbols of a kind, above which their shapes are simple
 const UP = new THREE.Vector3(0, 1, 0);
 
 /** Collects places of one shape and makes an instanced mesh of them. */
@@ -75,8 +76,11 @@ export function supportSymbols(report, model, size) {
   const table = report.table("supports");
   if (!table) return new THREE.Group();
   const { components, translations } = report.model;
-  const cone = new THREE.ConeGeometry(0.5, 1, 12).translate(0, -0.5, 0);
-  const ring = new THREE.TorusGeometry(0.55, 0.09, 8, 20).rotateX(Math.PI / 2);
+  const many = table.rows > MANY;
+  const cone = new THREE.ConeGeometry(0.5, 1, many ? 4 : 12, 1, many).translate(0, -0.5, 0);
+  const ring = new THREE.TorusGeometry(0.55, 0.09, many ? 3 : 8, many ? 8 : 20).rotateX(
+    Math.PI / 2,
+  );
   const cones = { 1: new Instances(cone, SUPPORT), 2: new Instances(cone, SPRING) };
   const rings = { 1: new Instances(ring, SUPPORT), 2: new Instances(ring, SPRING) };
   const blocks = new Instances(new THREE.BoxGeometry(1, 0.45, 1).translate(0, -0.225, 0), SUPPORT);
@@ -103,7 +107,8 @@ export function supportSymbols(report, model, size) {
 /** A ball near every hinged end of a beam. */
 export function hingeSymbols(report, model, size) {
   const codes = report.table("elements").column("hinge_code");
-  const balls = new Instances(new THREE.SphereGeometry(1, 16, 12), HINGE);
+  const round = model.beams.length > MANY ? [6, 4] : [16, 12];
+  const balls = new Instances(new THREE.SphereGeometry(1, ...round), HINGE);
   for (const element of model.beams) {
     const code = codes.cell(element);
     const ends = [0, 1].map((i) => model.place(model.node(element, i)));
@@ -127,8 +132,7 @@ export function hingeSymbols(report, model, size) {
 
 /** Arrows of forces whose tips are at nodes, and arcs of moments about their axes. */
 class Arrows {
-  /** Of many (thousands) the shapes are simple. */
-  constructor(colour, length, many = false) {
+  constructor(colour, length, many) {
     this.length = length;
     const sides = many ? 3 : 12;
     this.shafts = new Instances(
@@ -139,7 +143,7 @@ class Arrows {
       new THREE.ConeGeometry(1, 1, sides, 1, many).translate(0, -0.5, 0),
       colour,
     );
-    this.arcs = new Instances(arc(), colour);
+    this.arcs = new Instances(arc(many), colour);
     this.labels = [];
   }
 
@@ -175,9 +179,11 @@ class Arrows {
 }
 
 /** Three quarters of a circle about y, with a head that turns counter-clockwise. */
-function arc() {
-  const ring = new THREE.TorusGeometry(1, 0.05, 8, 32, 1.5 * Math.PI);
-  const head = new THREE.ConeGeometry(0.17, 0.4, 12).rotateZ(-Math.PI / 2).translate(0.15, -1, 0);
+function arc(many) {
+  const ring = new THREE.TorusGeometry(1, 0.05, many ? 3 : 8, many ? 10 : 32, 1.5 * Math.PI);
+  const head = new THREE.ConeGeometry(0.17, 0.4, many ? 4 : 12)
+    .rotateZ(-Math.PI / 2)
+    .translate(0.15, -1, 0);
   return mergeGeometries([ring, head]).rotateX(-Math.PI / 2);
 }
 
@@ -252,12 +258,13 @@ function addLinear(arrows, report, model, group, length) {
  * many nodes only at some.
  */
 export function loadSymbols(report, model, length) {
-  const nodal = new Arrows(LOAD, length),
-    linear = new Arrows(LOAD, 0.6 * length);
+  const nodalTable = report.table("nodal_loads");
+  const nodal = new Arrows(LOAD, length, nodalTable?.rows > MANY),
+    linear = new Arrows(LOAD, 0.6 * length, report.loads.beams.length > MANY);
   const crowd = Math.min(1, 18 / Math.sqrt(Math.min(model.nodeCount, MOST_SURFACE_ARROWS)));
   const surface = new Arrows(LOAD, 0.55 * crowd * length, true);
   const group = new THREE.Group();
-  if (report.table("nodal_loads")) addNodal(nodal, report.table("nodal_loads"), model, model.units);
+  if (nodalTable) addNodal(nodal, nodalTable, model, model.units);
   addLinear(linear, report, model, group, 0.6 * length);
   const forces = report.loads.surfaces,
     largest = largestOf(forces);
@@ -270,7 +277,8 @@ export function loadSymbols(report, model, length) {
 }
 
 export function reactionSymbols(report, model, length) {
-  const arrows = new Arrows(REACTION, length);
-  if (report.table("reactions")) addNodal(arrows, report.table("reactions"), model, model.units);
+  const table = report.table("reactions");
+  const arrows = new Arrows(REACTION, length, table?.rows > MANY);
+  if (table) addNodal(arrows, table, model, model.units);
   return { group: arrows.group(), labels: arrows.labels };
 }

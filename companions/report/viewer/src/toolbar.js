@@ -2,6 +2,9 @@
 
 import { DIAGRAMS, hasDiagram } from "./diagrams.js";
 import { checkbox, h, select } from "./dom.js";
+import { menu } from "./menu.js";
+import { SHELL, SOLID } from "./model.js";
+import { LARGE } from "./scene.js";
 
 const SPACE_LOOKS = [
   ["iso", "3D"],
@@ -25,6 +28,17 @@ function fieldGroups(fields) {
     label,
     options: fields.filter(({ group }) => group === label).map((field) => [field.id, field.label]),
   }));
+}
+
+/** What can be hidden of one kind, if there is a choice. */
+function partChecks(view, kind, numbers) {
+  if (numbers.length < 2) return [];
+  const kinds = { mesh: "meshes", material: "materials" }[kind];
+  return numbers.map((number) =>
+    checkbox(`${kind}${number}`, `${kind} ${number}`, !view.visibility[kinds].has(number), (on) =>
+      view.showPart(kinds, number, on),
+    ),
+  );
 }
 
 /** An option of a select, or the same of an envelope or of a single result; else none. */
@@ -72,7 +86,7 @@ export class Toolbar {
       diagrams.length ? tool("Diagram", this.diagram, this.diagramSize) : null,
       report.table("shell_forces") && !isEnvelope ? tool("Principal", this.directions) : null,
       isEnvelope ? null : tool("Deformed", this.deformation, this.factor),
-      h("span", { class: "tool" }, this.symbolChecks(view), this.meshChecks(view)),
+      this.showMenu(view),
       h(
         "span",
         { class: "tool looks" },
@@ -83,22 +97,38 @@ export class Toolbar {
     );
   }
 
-  symbolChecks(view) {
+  /** Everything that is switched on and off. */
+  showMenu(view) {
+    const { report, model } = view;
+    const { isEnvelope } = report;
     const symbol = (name, shown) => checkbox(name, name, shown, (on) => view.showSymbols(name, on));
-    const { isEnvelope } = view.report;
-    return [
-      symbol("supports", true),
-      ...(isEnvelope ? [] : [symbol("loads", true), symbol("reactions", false)]),
-      checkbox("numbers", "numbers", false, (on) => view.showNumbers(on)),
-    ];
-  }
-
-  meshChecks(view) {
-    const { meshes } = view.report.model;
-    if (meshes < 2) return [];
-    return Array.from({ length: meshes }, (_, i) =>
-      checkbox(`mesh${i + 1}`, `mesh ${i + 1}`, true, (on) => view.showMesh(i, on)),
-    );
+    const materials = report.table("materials").column("material").values;
+    return menu("show", "Show", [
+      [
+        "Symbols",
+        symbol("supports", true),
+        isEnvelope ? null : symbol("loads", true),
+        isEnvelope ? null : symbol("reactions", false),
+      ],
+      [
+        "Model",
+        checkbox("numbers", "numbers", false, (on) => view.showNumbers(on)),
+        model.has(SHELL) || model.has(SOLID)
+          ? checkbox("lines", "mesh lines", model.elements.count <= LARGE, (on) =>
+              view.showLines(on),
+            )
+          : null,
+      ],
+      [
+        "Meshes",
+        partChecks(
+          view,
+          "mesh",
+          Array.from({ length: report.model.meshes }, (_, i) => i + 1),
+        ),
+      ],
+      ["Materials", partChecks(view, "material", [...materials])],
+    ]);
   }
 
   get controls() {

@@ -1,6 +1,6 @@
 // Beams on the stage: lines through their division points, deformed point by point. A thick line
-// takes eight triangles a segment, so large models have thin ones in their place: with very many
-// segments always, else while the view moves.
+// takes eight triangles a segment: models with very many segments have thin lines. While the view
+// of a large model moves, its beams are thin lines through few of their points.
 
 import * as THREE from "three";
 import { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";
@@ -10,7 +10,8 @@ import { COARSE, DETAIL } from "./scene.js";
 
 const PLAIN = [0.11, 0.2, 0.3],
   MOST_SEGMENTS = 200000,
-  MOST_THICK = 30000; // segments
+  MOST_THICK = 30000, // segments
+  MOST_COARSE = 20000;
 
 export class BeamView {
   /** settings: those of the view that all meshes share: isShown(element). */
@@ -28,11 +29,19 @@ export class BeamView {
     this.places = this.chosenPoints();
     this.coordinates = new Float32Array(3 * this.places.length);
     this.colours = new Float32Array(3 * this.places.length);
-    const isThick = this.segments * this.beams.length <= MOST_THICK;
-    this.thick = isThick ? this.thickLine(stage) : null;
-    this.thin = this.thinLine(isThick ? COARSE : 0);
+    this.ends = this.segmentEnds(1);
+    this.attributes = [this.coordinates, this.colours].map(
+      (values) => new THREE.BufferAttribute(values, 3),
+    );
+    const count = this.segments * this.beams.length,
+      each = Math.max(1, Math.floor(MOST_COARSE / this.beams.length));
+    this.thick = count <= MOST_THICK ? this.thickLine(stage) : null;
     this.ghost = this.straightLines();
-    this.group.add(...[this.thick, this.thin, this.ghost].filter(Boolean));
+    this.group.add(
+      this.thick ?? this.thinLine(DETAIL, this.ends),
+      this.thinLine(COARSE, this.segmentEnds(Math.ceil(this.segments / each))),
+      this.ghost,
+    );
     this.deform(0);
     this.colour(null);
   }
@@ -65,11 +74,10 @@ export class BeamView {
     return line;
   }
 
-  thinLine(layer) {
+  thinLine(layer, ends) {
     const geometry = new THREE.BufferGeometry();
-    geometry.setAttribute("position", new THREE.BufferAttribute(this.coordinates, 3));
-    geometry.setAttribute("color", new THREE.BufferAttribute(this.colours, 3));
-    geometry.setIndex(new THREE.BufferAttribute(this.segmentEnds(), 1));
+    ["position", "color"].forEach((name, i) => geometry.setAttribute(name, this.attributes[i]));
+    geometry.setIndex(new THREE.BufferAttribute(ends, 1));
     const line = new THREE.LineSegments(
       geometry,
       new THREE.LineBasicMaterial({ vertexColors: true }),
@@ -79,13 +87,17 @@ export class BeamView {
     return line;
   }
 
-  segmentEnds() {
-    const ends = new Uint32Array(2 * this.segments * this.beams.length);
+  /** Pairs of drawn points, along every beam from each `step`-th to the next. */
+  segmentEnds(step) {
+    const count = Math.ceil(this.segments / step);
+    const ends = new Uint32Array(2 * count * this.beams.length);
     let place = 0;
-    for (let point = 0; point < this.places.length; ++point) {
-      if (point % (this.segments + 1) === this.segments) continue;
-      ends[place++] = point;
-      ends[place++] = point + 1;
+    for (let i = 0; i < this.beams.length; ++i) {
+      const first = i * (this.segments + 1);
+      for (let s = 0; s < this.segments; s += step) {
+        ends[place++] = first + s;
+        ends[place++] = first + Math.min(this.segments, s + step);
+      }
     }
     return ends;
   }
@@ -112,7 +124,7 @@ export class BeamView {
     this.places.forEach((place, i) =>
       beamPoint(this.model, (place / points) | 0, place % points, factor, this.coordinates, 3 * i),
     );
-    this.thin.geometry.attributes.position.needsUpdate = true;
+    this.attributes[0].needsUpdate = true;
     this.thick?.geometry.setPositions(this.bySegments(this.coordinates));
     this.ghost.visible = factor !== 0;
   }
@@ -125,13 +137,13 @@ export class BeamView {
       const rgb = values ? scale.colour(values[place]) : PLAIN;
       linear.setRGB(...rgb, THREE.SRGBColorSpace).toArray(this.colours, 3 * i);
     });
-    this.thin.geometry.attributes.color.needsUpdate = true;
+    this.attributes[1].needsUpdate = true;
     this.thick?.geometry.setColors(this.bySegments(this.colours));
   }
 
   /** Triples of points as six numbers for each segment. */
   bySegments(triples) {
-    const ends = this.thin.geometry.index.array;
+    const { ends } = this;
     const result = new Float32Array(3 * ends.length);
     for (let i = 0; i < ends.length; ++i) {
       for (let k = 0; k < 3; ++k) result[3 * i + k] = triples[3 * ends[i] + k];

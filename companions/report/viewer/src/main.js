@@ -231,6 +231,7 @@ class Report {
     else this.toolbar.colours.value = has("nodes:von_Mises") ? "nodes:von_Mises" : "u";
     this.toolbar.deformation.value = model.plane ? 0.5 : 1;
     this.drawAll();
+    this.stage.resize(); // the legend takes space
     this.stage.look(model.plane ? "top" : "iso");
     this.select(model.has(SHELL) ? -1 : this.mostBent());
   }

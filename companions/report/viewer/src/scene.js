@@ -96,7 +96,8 @@ export class Stage {
 
   resize() {
     const { clientWidth: width, clientHeight: height } = this.container;
-    if (!width || !height) return;
+    const isSame = width === this.width && height === this.height;
+    if (!width || !height || isSame) return; // a change of size waits for the last picture
     this.width = width;
     this.height = height;
     this.renderer.setSize(width, height, false);

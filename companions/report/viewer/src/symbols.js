@@ -9,7 +9,7 @@ const SUPPORT = 0x2e7d5b,
   LOAD = 0xb4441c,
   REACTION = 0x6a3d9a,
   HINGE = 0xf2f5f7;
-const MOST_SURFACE_ARROWS = 1500,
+const MOST_ARROWS = 1500,
   MANY = 100; // symbols of a kind, above which their shapes are simple
 const UP = new THREE.Vector3(0, 1, 0);
 
@@ -208,7 +208,7 @@ function addNodal(arrows, table, model, units) {
   const force = largestOf(forces),
     moment = largestOf(moments);
   const labelled = table.rows <= 60;
-  for (let row = 0; row < table.rows; ++row) {
+  for (let row = 0; row < table.rows; row += Math.ceil(table.rows / MOST_ARROWS)) {
     const place = model.place(model.nodeAt.get(table.column("node").cell(row)));
     const f = Array.from(forces.subarray(3 * row, 3 * row + 3)),
       m = Array.from(moments.subarray(3 * row, 3 * row + 3));
@@ -253,22 +253,25 @@ function addLinear(arrows, report, model, group, length) {
   group.add(new THREE.LineSegments(geometry, new THREE.LineBasicMaterial({ color: LOAD })));
 }
 
+/** The size of symbols where there are many. */
+const crowd = (count) => Math.min(1, 18 / Math.sqrt(Math.max(1, Math.min(count, MOST_ARROWS))));
+
 /**
- * All loads: {group, labels}. Those of shells and solids are forces at their nodes; with very
- * many nodes only at some.
+ * All loads: {group, labels}. Those of shells and solids are forces at their nodes. Of very many
+ * only some are drawn.
  */
 export function loadSymbols(report, model, length) {
   const nodalTable = report.table("nodal_loads");
-  const nodal = new Arrows(LOAD, length, nodalTable?.rows > MANY),
+  const nodalCount = nodalTable?.rows ?? 0;
+  const nodal = new Arrows(LOAD, crowd(nodalCount) * length, nodalCount > MANY),
     linear = new Arrows(LOAD, 0.6 * length, report.loads.beams.length > MANY);
-  const crowd = Math.min(1, 18 / Math.sqrt(Math.min(model.nodeCount, MOST_SURFACE_ARROWS)));
-  const surface = new Arrows(LOAD, 0.55 * crowd * length, true);
+  const surface = new Arrows(LOAD, 0.55 * crowd(model.nodeCount) * length, true);
   const group = new THREE.Group();
   if (nodalTable) addNodal(nodal, nodalTable, model, model.units);
   addLinear(linear, report, model, group, 0.6 * length);
   const forces = report.loads.surfaces,
     largest = largestOf(forces);
-  const step = Math.ceil(model.nodeCount / MOST_SURFACE_ARROWS);
+  const step = Math.ceil(model.nodeCount / MOST_ARROWS);
   for (let node = 0; largest > 0 && node < model.nodeCount; node += step) {
     surface.force(model.place(node), Array.from(forces.subarray(3 * node, 3 * node + 3)), largest);
   }
@@ -278,7 +281,8 @@ export function loadSymbols(report, model, length) {
 
 export function reactionSymbols(report, model, length) {
   const table = report.table("reactions");
-  const arrows = new Arrows(REACTION, length, table?.rows > MANY);
+  const count = table?.rows ?? 0;
+  const arrows = new Arrows(REACTION, crowd(count) * length, count > MANY);
   if (table) addNodal(arrows, table, model, model.units);
   return { group: arrows.group(), labels: arrows.labels };
 }

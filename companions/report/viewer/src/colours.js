@@ -2,7 +2,7 @@
 // (Ottosson, "A perceptual color space for image processing", 2020).
 
 import * as THREE from "three";
-import { roundStep } from "./ticks.js";
+import { roundStep, ticksBetween } from "./ticks.js";
 
 function toSrgb(linear) {
   const value = linear <= 0.0031308 ? 12.92 * linear : 1.055 * linear ** (1 / 2.4) - 0.055;
@@ -78,6 +78,18 @@ export class ColourScale {
 
   colour(value) {
     return this.band(Math.min(this.bands - 1, Math.floor(this.place(value) * this.bands)));
+  }
+
+  /** Where the colour changes between two values: parts of the way, with 0 and 1. */
+  crossings(from, to) {
+    const end = this.base + this.bands * this.step;
+    const low = Math.max(this.base, Math.min(from, to)),
+      high = Math.min(end, Math.max(from, to));
+    const inside = ticksBetween(low, high, this.step).filter(
+      (value) => value > low && value < high,
+    );
+    const stops = inside.map((value) => (value - from) / (to - from)).sort((a, b) => a - b);
+    return [0, ...stops, 1];
   }
 
   /** Bands as RGBA bytes, for a texture. */

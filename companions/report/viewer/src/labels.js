@@ -40,6 +40,7 @@ export class Labels {
   }
 
   drawLabel(context, colour, { place, text }) {
+    if (this.stage.hides(place)) return;
     const [x, y] = this.stage.project(place);
     if (x < 0 || x > this.stage.width || y < 0 || y > this.stage.height) return;
     const { width } = context.measureText(text);

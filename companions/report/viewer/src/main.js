@@ -10,11 +10,15 @@ import { ShellPoints, extremesOfField, fieldsOf } from "./fields.js";
 import { Highlight } from "./highlight.js";
 import { Labels, numberLabels } from "./labels.js";
 import { Legend } from "./legend.js";
+import { LineTool } from "./line_tool.js";
+import { closeMenusOutside, menu } from "./menu.js";
 import { panelOf } from "./member_panel.js";
 import { Model, SHELL } from "./model.js";
-import { onClick, pick } from "./picking.js";
+import { onClick, pick, pickSurface } from "./picking.js";
 import { principalCrosses } from "./principal.js";
 import { DETAIL, NO_CUT, Stage, deformable, dispose } from "./scene.js";
+import { SectionControls } from "./section_controls.js";
+import { SectionView, canBeCut, clip } from "./section_view.js";
 import { Selector } from "./selector.js";
 import { Study } from "./study.js";
 import {
@@ -103,6 +107,7 @@ class Report {
     this.legend = new Legend(() => this.colour());
     this.panel = h("aside", { id: "panel" });
     this.toolbar = new Toolbar(this);
+    closeMenusOutside(document.getElementById("report"));
     const part = () => h("div");
     this.parts = { head: part(), cards: part(), tables: part() };
     document
@@ -171,9 +176,24 @@ class Report {
   makeStage() {
     this.stage = new Stage(this.canvasBox, this.model);
     this.labels = new Labels(this.stage);
-    onClick(this.stage.renderer.domElement, (point) =>
-      this.select(pick(this.stage, this.model, this.views, this.factor.value, point)),
-    );
+    this.addTools();
+    const { cut } = this.settings;
+    this.stage.hides = ([x, y, z]) =>
+      cut.value.x * x + cut.value.y * y + cut.value.z * z > cut.value.w;
+    onClick(this.stage.renderer.domElement, (point) => {
+      const place = [this.stage, this.model, this.views, this.factor.value, point];
+      if (this.lineTool?.isPicking) this.lineTool.take(pickSurface(...place)?.place);
+      else this.select(pick(...place));
+    });
+  }
+
+  /** Section cut and values along a line, of models with shells or solids. */
+  addTools() {
+    if (!canBeCut(this.model)) return;
+    const box = h("div", { class: "line-chart", hidden: true });
+    this.canvasBox.closest(".stage").append(box);
+    this.cut = new SectionControls(this.stage, this.model, () => this.showCut());
+    this.lineTool = new LineTool(this, box);
   }
 
   fillStage() {
@@ -201,7 +221,16 @@ class Report {
       this.crosses,
     ];
     for (const object of details) object.traverse((one) => one.layers.set(DETAIL));
-    this.stage.scene.add(this.shapes, ...details, this.highlight.line);
+    this.section = new SectionView(model, this.stage, this.settings);
+    this.views.section = this.section;
+    this.stage.scene.add(this.shapes, ...details, this.section.group, this.highlight.line);
+    if (this.cut)
+      this.toolbar.add(
+        menu("section", "Section", [
+          ["Cut", this.cut.controls],
+          ["Values along a line", this.lineTool.controls],
+        ]),
+      );
   }
 
   /** The shown elements, one view for each mesh. */
@@ -211,6 +240,7 @@ class Report {
     dispose(this.shapes);
     this.shapes.clear();
     this.views = {
+      section: this.section,
       surfaces: meshes.map((mesh) => new SurfaceView(model, mesh, this.settings)),
       beams: meshes.map((mesh) => new BeamView(model, this.stage, mesh, this.settings)),
     };
@@ -246,6 +276,7 @@ class Report {
     this.showDiagram();
     this.showDirections();
     this.deform();
+    this.showCut();
   }
 
   /** The beam with the largest bending moment; -1 without beams. */
@@ -265,6 +296,7 @@ class Report {
 
   colour() {
     const field = this.fields.find(({ id }) => id === this.toolbar.colours.value) ?? null;
+    this.field = field;
     const extremes = field && extremesOfField(field, this.model, this.shells);
     const scale = field && new ColourScale(extremes.min, extremes.max, this.legend.limitsOf(field));
     const smooth = this.toolbar.isSmooth;
@@ -275,7 +307,11 @@ class Report {
     const values = field?.beams ?? null;
     for (const view of this.views.beams) view.colour(values, scale);
     this.toolbar.smooth.hidden = !field?.points;
+    this.scale = scale;
     this.legend.show(field, scale, extremes);
+    this.section.colour(field, scale, this.bands);
+    this.section.deform(this.factor.value);
+    this.lineTool?.refresh();
     this.stage.draw();
   }
 
@@ -290,6 +326,7 @@ class Report {
       "#1b2a38",
       labels.map(({ place, value }) => ({ place, text: format(value, 4) })),
     );
+    this.clip();
     this.stage.draw();
   }
 
@@ -309,8 +346,25 @@ class Report {
     this.toolbar.factor.textContent = `\u00d7 ${format(this.factor.value, 3)}`;
     for (const view of [...this.views.beams, ...this.views.surfaces])
       view.deform(this.factor.value);
+    this.section.deform(this.factor.value);
     this.placeHighlight();
     this.stage.draw();
+  }
+
+  /** Cuts as the controls say. */
+  showCut() {
+    const plane = this.cut?.plane ?? null;
+    this.section.show(plane, this.views.surfaces);
+    this.section.colour(this.field, this.scale, this.bands);
+    this.section.deform(this.factor.value);
+    this.clip();
+    this.stage.draw();
+  }
+
+  /** Surfaces leave out what is beyond the cut by themselves. */
+  clip() {
+    const others = [...this.views.beams, ...Object.values(this.symbols), this.diagrams];
+    clip([...others.map(({ group }) => group), this.hinges], this.cut?.plane ?? null);
   }
 
   showSymbols(name, on) {

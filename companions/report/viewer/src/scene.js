@@ -46,6 +46,8 @@ export class Stage {
     this.scene = new THREE.Scene();
     this.camera = new THREE.OrthographicCamera(-1, 1, 1, -1, -1, 1);
     this.camera.layers.enable(DETAIL);
+    /** Whether a place is beyond the cut. */
+    this.hides = () => false;
     this.listeners = [];
     this.thickLines = []; // their materials need the size of the canvas
     this.addLights();
@@ -88,6 +90,8 @@ export class Stage {
     this.settling = setTimeout(() => {
       this.isMoving = false;
       this.camera.layers.enable(DETAIL);
+      /** Whether a place is beyond the cut. */
+      this.hides = () => false;
       this.camera.layers.disable(COARSE);
       this.renderer.setPixelRatio(usualRatio());
       this.draw();
@@ -214,6 +218,11 @@ export class Stage {
     const p = this.scratch ?? (this.scratch = new THREE.Vector3());
     p.set(point[0], point[1], point[2]).project(this.camera);
     return [((p.x + 1) / 2) * this.width, ((1 - p.y) / 2) * this.height, p.z];
+  }
+
+  /** The direction from the model to the eye. */
+  get sight() {
+    return this.camera.position.clone().sub(this.controls.target).normalize().toArray();
   }
 
   /** The length of a pixel at the model. */

@@ -131,6 +131,11 @@ export class Toolbar {
     ]);
   }
 
+  /** Adds a menu before the buttons of the views. */
+  add(element) {
+    this.element.querySelector(".looks").before(element);
+  }
+
   get controls() {
     return [...this.element.querySelectorAll("select, input")];
   }

@@ -36,7 +36,7 @@ function diverging(t) {
   return oklch(mix(0.95, 0.46, away), 0.165 * Math.min(1, 1.25 * away), t < 0.5 ? 255 : 28);
 }
 
-const BANDS = 12; // about
+const BANDS = 15; // at most, and at least two fifths of them
 
 /**
  * Colours of a range of values in bands, whose limits are multiples of a round step. Without limits

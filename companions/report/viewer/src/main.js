@@ -12,6 +12,7 @@ import { Labels, numberLabels } from "./labels.js";
 import { Legend } from "./legend.js";
 import { LineTool } from "./line_tool.js";
 import { closeMenusOutside, menu } from "./menu.js";
+import { LocalAxes } from "./local_axes.js";
 import { panelOf } from "./member_panel.js";
 import { Model, SHELL } from "./model.js";
 import { onClick, pick, pickSurface } from "./picking.js";
@@ -43,6 +44,7 @@ class Report {
     this.study = data.study ? new Study(data) : null;
     this.selector = this.study && new Selector(this.study, (selection) => this.show(selection));
     this.factor = { value: 0 }; // of the displacements, shared by all materials
+    this.typedFactor = null;
     this.visibility = new Visibility();
     /** What all parts of the view share; see deformable(). */
     this.settings = { factor: this.factor, cut: { value: new THREE.Vector4(...NO_CUT) } };
@@ -221,9 +223,16 @@ class Report {
       this.crosses,
     ];
     for (const object of details) object.traverse((one) => one.layers.set(DETAIL));
+    this.axes = new LocalAxes(this.stage, this.labels, this.settings);
     this.section = new SectionView(model, this.stage, this.settings);
     this.views.section = this.section;
-    this.stage.scene.add(this.shapes, ...details, this.section.group, this.highlight.line);
+    this.stage.scene.add(
+      this.shapes,
+      ...details,
+      this.section.group,
+      this.axes.line,
+      this.highlight.line,
+    );
     if (this.cut)
       this.toolbar.add(
         menu("section", "Section", [
@@ -275,6 +284,7 @@ class Report {
     this.colour();
     this.showDiagram();
     this.showDirections();
+    this.showAxes();
     this.deform();
     this.showCut();
   }
@@ -317,6 +327,7 @@ class Report {
 
   showDiagram() {
     const name = this.toolbar.diagram.value;
+    this.diagramName = name;
     this.toolbar.diagramSize.hidden = !name;
     this.diagrams.show(name, 0.1 * this.model.box.size * this.toolbar.diagramSize.value);
     const labels =
@@ -339,11 +350,24 @@ class Report {
     this.stage.draw();
   }
 
+  /** A typed factor stays until the slider moves, also in other cases. */
+  typeFactor(value) {
+    if (!Number.isFinite(value)) return;
+    this.typedFactor = value;
+    this.deform();
+  }
+
+  slideFactor() {
+    this.typedFactor = null;
+    this.deform();
+  }
+
   deform() {
-    this.factor.value = this.report.isEnvelope
-      ? 0
-      : this.toolbar.deformation.value * this.usualFactor;
-    this.toolbar.factor.textContent = `\u00d7 ${format(this.factor.value, 3)}`;
+    const { deformation, factor } = this.toolbar;
+    const sliding = Number(format(deformation.value * this.usualFactor, 3));
+    this.factor.value = this.report.isEnvelope ? 0 : (this.typedFactor ?? sliding);
+    factor.value = String(this.factor.value);
+    if (this.typedFactor !== null) deformation.value = String(this.typedFactor / this.usualFactor);
     for (const view of [...this.views.beams, ...this.views.surfaces])
       view.deform(this.factor.value);
     this.section.deform(this.factor.value);
@@ -365,6 +389,11 @@ class Report {
   clip() {
     const others = [...this.views.beams, ...Object.values(this.symbols), this.diagrams];
     clip([...others.map(({ group }) => group), this.hinges], this.cut?.plane ?? null);
+  }
+
+  showAxes() {
+    this.axes.show(this.toolbar.axes.value, this.report, this.model, this.selected);
+    this.stage.draw();
   }
 
   showSymbols(name, on) {
@@ -413,7 +442,7 @@ class Report {
     );
     if (!this.stage) return;
     this.placeHighlight();
-    this.stage.draw();
+    this.showAxes();
   }
 
   placeHighlight() {

@@ -3,6 +3,7 @@
 import * as THREE from "three";
 import { mergeGeometries } from "three/examples/jsm/utils/BufferGeometryUtils.js";
 import { triples, unit } from "./model.js";
+import { surfaceLoadLabels } from "./surface_loads.js";
 
 const SUPPORT = 0x2e7d5b,
   SPRING = 0xb07d12,
@@ -276,7 +277,8 @@ export function loadSymbols(report, model, length) {
     surface.force(model.place(node), Array.from(forces.subarray(3 * node, 3 * node + 3)), largest);
   }
   group.add(nodal.group(), linear.group(), surface.group());
-  return { group, labels: [...nodal.labels, ...linear.labels] };
+  const labels = [...nodal.labels, ...linear.labels, ...surfaceLoadLabels(report, model)];
+  return { group, labels };
 }
 
 export function reactionSymbols(report, model, length) {

@@ -4,6 +4,7 @@ import { DIAGRAMS, hasDiagram } from "./diagrams.js";
 import { checkbox, h, select } from "./dom.js";
 import { menu } from "./menu.js";
 import { SHELL, SOLID } from "./model.js";
+import { savePng, saveSvg } from "./picture.js";
 import { LARGE } from "./scene.js";
 
 const SPACE_LOOKS = [
@@ -76,17 +77,32 @@ export class Toolbar {
       () => view.showDirections(),
     );
     this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () =>
-      view.deform(),
+      view.slideFactor(),
     );
-    this.factor = h("output", { id: "factor" });
+    this.factor = h("input", {
+      type: "number",
+      id: "factor",
+      step: "any",
+      "aria-label": "scale of the deformation",
+    });
+    this.factor.addEventListener("change", () => view.typeFactor(this.factor.valueAsNumber));
     this.element = h(
       "div",
       { class: "toolbar" },
       tool("Colours", this.colours, report.table("shell_forces") ? this.smooth : null),
       diagrams.length ? tool("Diagram", this.diagram, this.diagramSize) : null,
       report.table("shell_forces") && !isEnvelope ? tool("Principal", this.directions) : null,
-      isEnvelope ? null : tool("Deformed", this.deformation, this.factor),
+      isEnvelope ? null : tool("Deformed", this.deformation, "\u00d7", this.factor),
       this.showMenu(view),
+      menu("save", "Save", [
+        [
+          "Picture",
+          h("button", { id: "save-png", onclick: () => savePng(view) }, "PNG with legend"),
+          model.has(SHELL) || model.has(SOLID)
+            ? null
+            : h("button", { id: "save-svg", onclick: () => saveSvg(view) }, "SVG with legend"),
+        ],
+      ]),
       h(
         "span",
         { class: "tool looks" },
@@ -103,6 +119,16 @@ export class Toolbar {
     const { isEnvelope } = report;
     const symbol = (name, shown) => checkbox(name, name, shown, (on) => view.showSymbols(name, on));
     const materials = report.table("materials").column("material").values;
+    this.axes = select(
+      "axes",
+      [
+        ["", "none"],
+        ["selected", "of the selected element"],
+        ["all", "of all"],
+      ],
+      () => view.showAxes(),
+    );
+    this.axes.setAttribute("aria-label", "local axes");
     return menu("show", "Show", [
       [
         "Symbols",
@@ -119,6 +145,7 @@ export class Toolbar {
             )
           : null,
       ],
+      ["Local axes", model.beams.length || model.has(SHELL) ? this.axes : null],
       [
         "Meshes",
         partChecks(

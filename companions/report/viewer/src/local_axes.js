@@ -39,6 +39,7 @@ export class LocalAxes {
     const frames = list.filter(Boolean);
     this.line.geometry.dispose();
     this.line.geometry = geometryOf(frames);
+    this.line.material.depthTest = which === "all";
     this.key.hidden = frames.length === 0;
     const single = frames.length === 1 ? frames[0] : null;
     NAMES.forEach((text, k) => {

@@ -16,7 +16,7 @@ import { LocalAxes } from "./local_axes.js";
 import { panelOf } from "./member_panel.js";
 import { Model, SHELL } from "./model.js";
 import { onClick, pick, pickSurface } from "./picking.js";
-import { principalCrosses } from "./principal.js";
+import { principalCrosses, principalStars } from "./principal.js";
 import { DETAIL, NO_CUT, Stage, deformable, dispose } from "./scene.js";
 import { SectionControls } from "./section_controls.js";
 import { SectionView, canBeCut, clip } from "./section_view.js";
@@ -341,12 +341,17 @@ class Report {
     this.stage.draw();
   }
 
+  directionLines(kind) {
+    const { model, report, shells } = this;
+    if (!kind) return new THREE.BufferGeometry();
+    if (kind === "S") return principalStars(report, model, this.views.surfaces);
+    return principalCrosses(report, model, shells, kind, this.settings.isShown);
+  }
+
   showDirections() {
     const kind = this.report.isEnvelope ? "" : this.toolbar.directions.value;
     this.crosses.geometry.dispose();
-    this.crosses.geometry = kind
-      ? principalCrosses(this.report, this.model, this.shells, kind)
-      : new THREE.BufferGeometry();
+    this.crosses.geometry = this.directionLines(kind);
     this.stage.draw();
   }
 

@@ -1,6 +1,7 @@
 // The picture of the view with its title and its legend, as PNG, and of frames as SVG.
 
 import { cssColour } from "./colours.js";
+import { DIAGRAMS, curvesOf } from "./diagrams.js";
 import { fileName, saveFile } from "./save.js";
 import { svgOf } from "./vector_picture.js";
 
@@ -14,10 +15,15 @@ function frameOf(view) {
   const style = getComputedStyle(document.documentElement);
   const { report, stage } = view;
   const { selection } = report;
+  const diagram = DIAGRAMS[view.diagramName];
+  const curve = diagram && curvesOf(view.model.diagrams, view.diagramName)[0];
+  const parts = [
+    report.model.file,
+    selection && `${selection.kind} ${selection.name}`,
+    diagram && [diagram.title, curve.unit].filter(Boolean).join(" "),
+  ];
   return {
-    title: [report.model.file, selection && `${selection.kind} ${selection.name}`]
-      .filter(Boolean)
-      .join(", "),
+    title: parts.filter(Boolean).join(", "),
     legend: view.field ? view.legend.content : null,
     width: stage.width + (view.field ? LEGEND : 0),
     height: stage.height + HEAD,

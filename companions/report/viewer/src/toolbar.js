@@ -5,6 +5,7 @@ import { checkbox, h, select } from "./dom.js";
 import { menu } from "./menu.js";
 import { SHELL, SOLID } from "./model.js";
 import { savePng, saveSvg } from "./picture.js";
+import { hasPrincipalStresses } from "./principal.js";
 import { LARGE } from "./scene.js";
 
 const SPACE_LOOKS = [
@@ -71,8 +72,13 @@ export class Toolbar {
       "directions",
       [
         ["", "none"],
-        ["N", "membrane forces"],
-        ["M", "moments"],
+        ...(report.table("shell_forces")
+          ? [
+              ["N", "membrane forces"],
+              ["M", "moments"],
+            ]
+          : []),
+        ...(hasPrincipalStresses(report) ? [["S", "stresses"]] : []),
       ],
       () => view.showDirections(),
     );
@@ -91,7 +97,7 @@ export class Toolbar {
       { class: "toolbar" },
       tool("Colours", this.colours, report.table("shell_forces") ? this.smooth : null),
       diagrams.length ? tool("Diagram", this.diagram, this.diagramSize) : null,
-      report.table("shell_forces") && !isEnvelope ? tool("Principal", this.directions) : null,
+      this.directions.options.length > 1 && !isEnvelope ? tool("Principal", this.directions) : null,
       isEnvelope ? null : tool("Deformed", this.deformation, "\u00d7", this.factor),
       this.showMenu(view),
       menu("save", "Save", [

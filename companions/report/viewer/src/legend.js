@@ -85,6 +85,7 @@ export class Legend {
       h("summary", {}, "Limits"),
       h("label", {}, "to", high),
       h("label", {}, "from", low),
+      field.unit ? h("div", {}, `in ${field.unit}`) : null,
       h(
         "button",
         { id: "legend-reset", disabled: this.limitsOf(field) === null, onclick: reset },
@@ -93,6 +94,9 @@ export class Legend {
     );
   }
 }
+
+/** A value far beyond typed limits, without the power of ten of the scale. */
+const unscaled = (value, unit) => [value.toExponential(2), unit].filter(Boolean).join(" ");
 
 /** Bands from above with their parts of the height, marks with their places (0 above, 1 below). */
 function contentOf(field, scale, extremes) {
@@ -104,11 +108,13 @@ function contentOf(field, scale, extremes) {
     bands.push({ rgb: scale.band(i), part: part / (high - low) });
   }
   const every = scale.bands > 7 ? 2 : 1;
-  const marks = ticksBetween(low, high, every * step).map((value) => ({
+  const ticks = ticksBetween(low, high, every * step).reverse();
+  const marks = ticks.map((value) => ({
     text: text(value),
     place: (high - value) / (high - low),
   }));
-  const at = (name, place) => `${name} ${text(extremes[name])} at ${place}`;
+  const short = (value) => (text(value).length > 8 ? unscaled(value, field.unit) : text(value));
+  const at = (name, place) => `${name} ${short(extremes[name])} at ${place}`;
   return {
     title: field.title,
     unit: [factor, field.unit].filter(Boolean).join(" "),

@@ -40,6 +40,7 @@ export class LocalAxes {
     this.line.geometry.dispose();
     this.line.geometry = geometryOf(frames);
     this.line.material.depthTest = which === "all";
+    this.line.visible = frames.length > 0;
     this.key.hidden = frames.length === 0;
     const single = frames.length === 1 ? frames[0] : null;
     NAMES.forEach((text, k) => {

@@ -41,11 +41,19 @@ function pieceIn(coordinates, p, q, values, element) {
   return { from: range[0], to: range[1], values: range.map(valueAt), element };
 }
 
-function overlaps(corners, low, high) {
-  return [0, 1, 2].every((k) => {
-    const of = corners.map((corner) => corner[k]);
-    return Math.min(...of) <= high[k] && Math.max(...of) >= low[k];
-  });
+/** Whether the box of some nodes meets another box. */
+function overlaps(local, nodes, low, high) {
+  for (let k = 0; k < 3; ++k) {
+    let least = Infinity,
+      largest = -Infinity;
+    for (const node of nodes) {
+      const x = local[3 * node + k];
+      if (x < least) least = x;
+      if (x > largest) largest = x;
+    }
+    if (least > high[k] || largest < low[k]) return false;
+  }
+  return true;
 }
 
 function boxAround(p, q, margin) {
@@ -63,8 +71,8 @@ function inSolids(model, isShown, nodal, p, q) {
     if (elements.kinds[e] !== SOLID || !isShown(e)) continue;
     for (const places of TETRAHEDRA[elements.nodeCounts[e]]) {
       const nodes = places.map((place) => model.node(e, place));
+      if (!overlaps(model.local, nodes, low, high)) continue;
       const corners = nodes.map((node) => model.place(node));
-      if (!overlaps(corners, low, high)) continue;
       const [d, a, b, c] = [
         corners[3],
         ...corners.slice(0, 3).map((one) => minus(one, corners[3])),
@@ -90,52 +98,69 @@ function normalOf([a, b, c]) {
   return unit(cross(minus(b, a), minus(c, a)));
 }
 
-/** The shell triangles of the views that have values: {corners, values, element}. */
-function shellTriangles(model, views) {
-  const found = [];
-  for (const { triangles, values } of views) {
-    if (!values) continue;
-    triangles.owner.forEach((element, i) => {
-      if (model.elements.kinds[element] !== SHELL) return;
-      const vertices = [3 * i, 3 * i + 1, 3 * i + 2];
-      found.push({
-        corners: vertices.map((vertex) => model.place(triangles.nodes[vertex])),
-        values: vertices.map((vertex) => values[vertex]),
-        element,
-      });
+/** Calls use(triangle, nodes) for the shell triangles of a view; triangle: its place from 0. */
+function eachShell(model, { triangles }, use) {
+  const { nodes, owner } = triangles;
+  for (let i = 0; i < owner.length; ++i)
+    if (model.elements.kinds[owner[i]] === SHELL) use(i, nodes.subarray(3 * i, 3 * i + 3));
+}
+
+/** The normal of the shell whose middle is nearest to a place; null without shells. */
+function nearestNormal(model, views, place) {
+  const { local } = model;
+  let least = Infinity,
+    nearest = null;
+  for (const view of views) {
+    eachShell(model, view, (_, [a, b, c]) => {
+      let distance = 0;
+      for (let k = 0; k < 3; ++k)
+        distance += ((local[3 * a + k] + local[3 * b + k] + local[3 * c + k]) / 3 - place[k]) ** 2;
+      if (distance >= least) return;
+      least = distance;
+      nearest = [a, b, c];
     });
   }
-  return found;
+  return nearest && normalOf(nearest.map((node) => model.place(node)));
+}
+
+/** The piece of the line in a triangle onto which it is projected along a normal. */
+function pieceInShell(corners, normal, p, q, values, element) {
+  const [a, b] = [minus(corners[0], corners[2]), minus(corners[1], corners[2])];
+  const parts = (point) => solve(a, b, normal, minus(point, corners[2]));
+  const coordinates = (point) => {
+    const x = parts(point);
+    return x && [x[0], x[1], 1 - x[0] - x[1]];
+  };
+  const piece = pieceIn(coordinates, p, q, values, element);
+  if (!piece) return null;
+  const height = mix(parts(p)[2], parts(q)[2], (piece.from + piece.to) / 2);
+  return { ...piece, distance: Math.abs(height) };
 }
 
 /**
  * Pieces in shells: the line is projected on them along the normal of the shell that is nearest to
  * its middle. Of several sheets the nearest to the line counts.
  */
-function inShells(model, views, p, q) {
-  const all = shellTriangles(model, views);
-  if (all.length === 0) return [];
-  const middle = p.map((x, k) => (x + q[k]) / 2);
-  const away = ({ corners }) =>
-    Math.hypot(...[0, 1, 2].map((k) => corners.reduce((sum, c) => sum + c[k], 0) / 3 - middle[k]));
-  const nearest = all.reduce((a, b) => (away(b) < away(a) ? b : a));
-  const normal = normalOf(nearest.corners);
+function inShells(model, allViews, p, q) {
+  const views = allViews.filter(({ values }) => values);
+  const normal = nearestNormal(
+    model,
+    views,
+    p.map((x, k) => (x + q[k]) / 2),
+  );
+  if (!normal) return [];
   const reach = REACH * Math.hypot(...minus(q, p));
   const [low, high] = boxAround(p, q, reach + 1e-6 * model.box.size);
   const pieces = [];
-  for (const { corners, values, element } of all) {
-    if (!overlaps(corners, low, high)) continue;
-    if (Math.abs(dot(normalOf(corners), normal)) < STEEP) continue;
-    const [a, b, c] = [minus(corners[0], corners[2]), minus(corners[1], corners[2]), normal];
-    const height = (point) => solve(a, b, c, minus(point, corners[2]))?.[2];
-    const coordinates = (point) => {
-      const x = solve(a, b, c, minus(point, corners[2]));
-      return x && [x[0], x[1], 1 - x[0] - x[1]];
-    };
-    const piece = pieceIn(coordinates, p, q, values, element);
-    if (!piece) continue;
-    piece.distance = Math.abs(mix(height(p), height(q), (piece.from + piece.to) / 2));
-    if (piece.distance <= reach) pieces.push(piece);
+  for (const view of views) {
+    eachShell(model, view, (i, nodes) => {
+      if (!overlaps(model.local, nodes, low, high)) return;
+      const corners = Array.from(nodes, (node) => model.place(node));
+      if (Math.abs(dot(normalOf(corners), normal)) < STEEP) return;
+      const values = Array.from(view.values.subarray(3 * i, 3 * i + 3));
+      const piece = pieceInShell(corners, normal, p, q, values, view.triangles.owner[i]);
+      if (piece && piece.distance <= reach) pieces.push(piece);
+    });
   }
   return nearestSheet(pieces, 1e-6 * model.box.size);
 }

@@ -1,6 +1,6 @@
 // Triangles to draw: shells, and the faces of solids that belong to one element only.
 
-import { SHELL, SOLID, cross, minus, unit } from "./model.js";
+import { SHELL, SOLID } from "./model.js";
 
 // Nodes (from 0) of the pieces of a triangle with corners 0 1 2 and middles 3 4 5 of its edges
 // 0-1, 1-2, 2-0.
@@ -124,6 +124,7 @@ class EdgeSet {
   constructor(model) {
     this.model = model;
     this.known = new Map();
+    this.normal = [0, 0, 0];
     this.pairs = new Collector(Int32Array);
     this.normals = new Collector(Float32Array); // of the first face of each edge
     this.faces = new Collector(Uint8Array); // their number; 3 also at a fold
@@ -131,8 +132,7 @@ class EdgeSet {
 
   /** nodes: the corners, then the nodes in the middles of the edges if there are any. */
   addFace(nodes) {
-    const [a, b, c] = nodes.slice(0, 3).map((node) => this.model.place(node));
-    const normal = unit(cross(minus(b, a), minus(c, a)));
+    const normal = this.normalOf(nodes);
     for (let i = 0; i < 3; ++i) {
       const j = (i + 1) % 3;
       if (nodes.length === 3) this.add(nodes[i], nodes[j], normal);
@@ -141,6 +141,22 @@ class EdgeSet {
         this.add(nodes[i + 3], nodes[j], normal);
       }
     }
+  }
+
+  /** The unit normal of a face, in one array for all: there are many faces. */
+  normalOf(nodes) {
+    const { local } = this.model;
+    const [a, b, c] = [3 * nodes[0], 3 * nodes[1], 3 * nodes[2]];
+    for (let k = 0; k < 3; ++k) {
+      const i = (k + 1) % 3,
+        j = (k + 2) % 3;
+      this.normal[k] =
+        (local[b + i] - local[a + i]) * (local[c + j] - local[a + j]) -
+        (local[b + j] - local[a + j]) * (local[c + i] - local[a + i]);
+    }
+    const size = Math.hypot(this.normal[0], this.normal[1], this.normal[2]) || 1;
+    for (let k = 0; k < 3; ++k) this.normal[k] /= size;
+    return this.normal;
   }
 
   add(a, b, normal) {
@@ -155,7 +171,9 @@ class EdgeSet {
       return;
     }
     const { values } = this.normals;
-    const cosine = normal.reduce((sum, x, k) => sum + x * values[3 * edge + k], 0);
+    const first = 3 * edge;
+    const cosine =
+      normal[0] * values[first] + normal[1] * values[first + 1] + normal[2] * values[first + 2];
     this.faces.values[edge] = Math.abs(cosine) < FOLD ? 3 : this.faces.values[edge] + 1;
   }
 

@@ -92,7 +92,7 @@ async function barPage() {
 
 /** Corners of the filled cut, undeformed, in the coordinates of the problem file. */
 const CUT = `(() => {
-  const { center } = morlenReport.model.box, { array } = morlenReport.section.fill.geometry.attributes.position;
+  const { center } = morlenReport.model.box, { array } = morlenReport.cutting.section.fill.geometry.attributes.position;
   return Array.from(array, (x, i) => x + center[i % 3]);
 })()`;
 
@@ -110,7 +110,7 @@ const areaOf = (corners) => {
 
 /** Places of the field's values on the cut in the scale, 0..1. */
 const CUT_VALUES = `(() => {
-  const { array } = morlenReport.section.fill.geometry.attributes.uv, { scale } = morlenReport;
+  const { array } = morlenReport.cutting.section.fill.geometry.attributes.uv, { scale } = morlenReport;
   return Array.from(array).filter((_, i) => i % 2 === 0).map((t) => scale.base + t * scale.bands * scale.step);
 })()`;
 
@@ -125,7 +125,7 @@ const typePoints = async (page, points) => {
   await page.frame();
 };
 
-const PIECES = "morlenReport.lineTool.pieces(morlenReport.field)";
+const PIECES = "morlenReport.cutting.line.pieces(morlenReport.field)";
 
 test("a cut through a pulled bar has its area, and the field of theory", async () => {
   const page = await barPage();
@@ -159,7 +159,7 @@ test("a cut through a pulled bar has its area, and the field of theory", async (
     /Displacement ux from A to B.*distance from A m/,
   );
   const csv = await page.evaluate(
-    `(() => { const { lineTool, field } = morlenReport; return lineTool.csv(field, ${PIECES}, Math.hypot(3.5, 0.8, 0.5)); })()`,
+    `(() => { const { cutting, field } = morlenReport; return cutting.line.csv(field, ${PIECES}, Math.hypot(3.5, 0.8, 0.5)); })()`,
   );
   const [head, ...rows] = csv.trim().split("\n");
   assert.equal(head, "distance [m],x [m],y [m],z [m],Displacement ux [m],element");
@@ -228,7 +228,7 @@ test("the handle drags the cut, its keys move it, and along the view it faces th
   );
   assertNear((await where()).place, end.place - 0.04, 1e-3, "place after a key");
   await page.set("cut-axis", "view");
-  const normal = await page.evaluate("morlenReport.cut.plane.normal");
+  const normal = await page.evaluate("morlenReport.cutting.plane.normal");
   // The controls of the view stay 1e-6 away from a view along their pole.
   [0, -1, 0].forEach((x, k) => assert.ok(Math.abs(normal[k] - x) < 1e-5, `normal ${normal}`));
   assertNear(areaOf(await page.evaluate(CUT)), 4, 1e-5, "the section along the bar");
@@ -338,7 +338,7 @@ test("shells are cut along lines, and lines through nodes meet their values", as
   await page.set("cut-axis", "y");
   await page.set("cut-place", "3.5");
   const length = await page.evaluate(`(() => {
-    const { instanceStart: a, instanceEnd: b } = morlenReport.section.lines.geometry.attributes;
+    const { instanceStart: a, instanceEnd: b } = morlenReport.cutting.section.lines.geometry.attributes;
     let sum = 0;
     for (let i = 0; i < a.count; ++i) sum += Math.abs(a.getX(i) - b.getX(i));
     return sum;

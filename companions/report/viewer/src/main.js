@@ -3,23 +3,22 @@
 import * as THREE from "three";
 import { BeamView } from "./beam_view.js";
 import { ColourScale, bandTexture } from "./colours.js";
+import { Cutting } from "./cutting.js";
 import { readReport } from "./data.js";
+import { Deformation } from "./deformation.js";
 import { DiagramView, curvesOf } from "./diagrams.js";
 import { format, h } from "./dom.js";
 import { ShellPoints, extremesOfField, fieldsOf } from "./fields.js";
 import { Highlight } from "./highlight.js";
 import { Labels, numberLabels } from "./labels.js";
 import { Legend } from "./legend.js";
-import { LineTool } from "./line_tool.js";
-import { closeMenusOutside, menu } from "./menu.js";
+import { closeMenusOutside } from "./menu.js";
 import { LocalAxes } from "./local_axes.js";
 import { panelOf } from "./member_panel.js";
 import { Model, SHELL } from "./model.js";
-import { onClick, pick, pickSurface } from "./picking.js";
-import { principalCrosses, principalStars } from "./principal.js";
+import { onClick, pick } from "./picking.js";
+import { directionLines } from "./principal.js";
 import { DETAIL, NO_CUT, Stage, deformable, dispose } from "./scene.js";
-import { SectionControls } from "./section_controls.js";
-import { SectionView, canBeCut, clip } from "./section_view.js";
 import { Selector } from "./selector.js";
 import { Study } from "./study.js";
 import {
@@ -43,8 +42,8 @@ class Report {
   constructor(data) {
     this.study = data.study ? new Study(data) : null;
     this.selector = this.study && new Selector(this.study, (selection) => this.show(selection));
-    this.factor = { value: 0 }; // of the displacements, shared by all materials
-    this.typedFactor = null;
+    this.deformation = new Deformation();
+    this.factor = this.deformation.factor;
     this.visibility = new Visibility();
     /** What all parts of the view share; see deformable(). */
     this.settings = { factor: this.factor, cut: { value: new THREE.Vector4(...NO_CUT) } };
@@ -70,9 +69,7 @@ class Report {
     this.settings.isShown = this.visibility.test(this.model);
     this.shells = new ShellPoints(this.model, report.table("shell_forces"));
     this.fields = fieldsOf(report, this.model);
-    /** The factor at the middle of the slider: the largest displacement is 6% of the model's size. */
-    this.usualFactor =
-      this.model.largest > 0 ? niceFactor((0.06 * this.model.box.size) / this.model.largest) : 1;
+    this.deformation.take(this.model);
   }
 
   /** Shows a case, a combination or an envelope in the same way as the one before. */
@@ -178,24 +175,16 @@ class Report {
   makeStage() {
     this.stage = new Stage(this.canvasBox, this.model);
     this.labels = new Labels(this.stage);
-    this.addTools();
-    const { cut } = this.settings;
-    this.stage.hides = ([x, y, z]) =>
-      cut.value.x * x + cut.value.y * y + cut.value.z * z > cut.value.w;
+    this.axes = new LocalAxes(this.stage, this.labels, this.settings);
+    this.cutting = new Cutting(this);
     onClick(this.stage.renderer.domElement, (point) => {
-      const place = [this.stage, this.model, this.views, this.factor.value, point];
-      if (this.lineTool?.isPicking) this.lineTool.take(pickSurface(...place)?.place);
-      else this.select(pick(...place));
+      if (!this.cutting.take(point)) this.select(this.pickAt(point));
     });
   }
 
-  /** Section cut and values along a line, of models with shells or solids. */
-  addTools() {
-    if (!canBeCut(this.model)) return;
-    const box = h("div", { class: "line-chart", hidden: true });
-    this.canvasBox.closest(".stage").append(box);
-    this.cut = new SectionControls(this.stage, this.model, () => this.showCut());
-    this.lineTool = new LineTool(this, box);
+  pickAt(point) {
+    const { cutting, factor, model, stage, views } = this;
+    return pick(stage, model, views, cutting.section, factor.value, point);
   }
 
   fillStage() {
@@ -223,23 +212,13 @@ class Report {
       this.crosses,
     ];
     for (const object of details) object.traverse((one) => one.layers.set(DETAIL));
-    this.axes = new LocalAxes(this.stage, this.labels, this.settings);
-    this.section = new SectionView(model, this.stage, this.settings);
-    this.views.section = this.section;
     this.stage.scene.add(
       this.shapes,
       ...details,
-      this.section.group,
+      this.cutting.fill(),
       this.axes.line,
       this.highlight.line,
     );
-    if (this.cut)
-      this.toolbar.add(
-        menu("section", "Section", [
-          ["Cut", this.cut.controls],
-          ["Values along a line", this.lineTool.controls],
-        ]),
-      );
   }
 
   /** The shown elements, one view for each mesh. */
@@ -249,7 +228,6 @@ class Report {
     dispose(this.shapes);
     this.shapes.clear();
     this.views = {
-      section: this.section,
       surfaces: meshes.map((mesh) => new SurfaceView(model, mesh, this.settings)),
       beams: meshes.map((mesh) => new BeamView(model, this.stage, mesh, this.settings)),
     };
@@ -286,7 +264,7 @@ class Report {
     this.showDirections();
     this.showAxes();
     this.deform();
-    this.showCut();
+    this.cutting.show();
   }
 
   /** The beam with the largest bending moment; -1 without beams. */
@@ -319,9 +297,7 @@ class Report {
     this.toolbar.smooth.hidden = !field?.points;
     this.scale = scale;
     this.legend.show(field, scale, extremes);
-    this.section.colour(field, scale, this.bands);
-    this.section.deform(this.factor.value);
-    this.lineTool?.refresh();
+    this.cutting.colour();
     this.stage.draw();
   }
 
@@ -337,63 +313,24 @@ class Report {
       "#1b2a38",
       labels.map(({ place, value }) => ({ place, text: format(value, 4) })),
     );
-    this.clip();
+    this.cutting.clip();
     this.stage.draw();
-  }
-
-  directionLines(kind) {
-    const { model, report, shells } = this;
-    if (!kind) return new THREE.BufferGeometry();
-    if (kind === "S") return principalStars(report, model, this.views.surfaces);
-    return principalCrosses(report, model, shells, kind, this.settings.isShown);
   }
 
   showDirections() {
     const kind = this.report.isEnvelope ? "" : this.toolbar.directions.value;
     this.crosses.geometry.dispose();
-    this.crosses.geometry = this.directionLines(kind);
+    this.crosses.geometry = directionLines(kind, this);
     this.stage.draw();
-  }
-
-  /** A typed factor stays until the slider moves, also in other cases. */
-  typeFactor(value) {
-    if (!Number.isFinite(value)) return;
-    this.typedFactor = value;
-    this.deform();
-  }
-
-  slideFactor() {
-    this.typedFactor = null;
-    this.deform();
   }
 
   deform() {
-    const { deformation, factor } = this.toolbar;
-    const sliding = Number(format(deformation.value * this.usualFactor, 3));
-    this.factor.value = this.report.isEnvelope ? 0 : (this.typedFactor ?? sliding);
-    factor.value = String(this.factor.value);
-    if (this.typedFactor !== null) deformation.value = String(this.typedFactor / this.usualFactor);
+    this.deformation.update(this.toolbar, this.report.isEnvelope);
     for (const view of [...this.views.beams, ...this.views.surfaces])
       view.deform(this.factor.value);
-    this.section.deform(this.factor.value);
+    this.cutting.section.deform(this.factor.value);
     this.placeHighlight();
     this.stage.draw();
-  }
-
-  /** Cuts as the controls say. */
-  showCut() {
-    const plane = this.cut?.plane ?? null;
-    this.section.show(plane, this.views.surfaces);
-    this.section.colour(this.field, this.scale, this.bands);
-    this.section.deform(this.factor.value);
-    this.clip();
-    this.stage.draw();
-  }
-
-  /** Surfaces leave out what is beyond the cut by themselves. */
-  clip() {
-    const others = [...this.views.beams, ...Object.values(this.symbols), this.diagrams];
-    clip([...others.map(({ group }) => group), this.hinges], this.cut?.plane ?? null);
   }
 
   showAxes() {
@@ -460,12 +397,6 @@ function largestLabels(labels) {
   if (labels.length === 0) return [];
   const least = labels.reduce((a, b) => (b.value < a.value ? b : a));
   return [least, labels.reduce((a, b) => (b.value > a.value ? b : a))];
-}
-
-/** 1, 2 or 5 times a power of ten, below the value. */
-function niceFactor(value) {
-  const power = 10 ** Math.floor(Math.log10(value));
-  return ([5, 2, 1].find((step) => step * power <= value) ?? 1) * power;
 }
 
 /** For scripts and tests: the report of this page. */

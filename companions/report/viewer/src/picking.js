@@ -105,16 +105,16 @@ function nearestOfCut(stage, section, factor, point) {
 }
 
 /** The surface or cut at a point of the canvas: {element, place (undeformed), depth}; null for none. */
-export function pickSurface(stage, model, views, factor, point) {
+export function pickSurface(stage, model, views, section, factor, point) {
   const surface = nearestTriangle(stage, model, views.surfaces, factor, point);
-  const cut = nearestOfCut(stage, views.section, factor, point);
+  const cut = nearestOfCut(stage, section, factor, point);
   return cut && (!surface || cut.depth < surface.depth) ? cut : surface;
 }
 
 /** The element (place in the model's list) at a point of the canvas; -1 for none. */
-export function pick(stage, model, views, factor, point) {
+export function pick(stage, model, views, section, factor, point) {
   const beam = nearestBeam(stage, model, views.beams, factor, point);
-  const surface = pickSurface(stage, model, views, factor, point);
+  const surface = pickSurface(stage, model, views, section, factor, point);
   if (beam && (!surface || beam.depth < surface.depth + BEHIND)) return beam.element;
   return surface ? surface.element : -1;
 }

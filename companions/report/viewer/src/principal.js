@@ -40,7 +40,7 @@ function usualSize(sizes) {
   return sorted[Math.floor(0.9 * (sorted.length - 1))] || sorted[sorted.length - 1] || 1;
 }
 
-export function principalCrosses(report, model, shells, kind, isShown) {
+function principalCrosses(report, model, shells, kind, isShown) {
   const table = report.table("shell_forces");
   const read = reader(table, shells, kind, model);
   const { elements } = model;
@@ -107,7 +107,7 @@ function surfaceNodes(model, views) {
 }
 
 /** Principal stresses at the nodes on the surfaces of solids: three lines at each. */
-export function principalStars(report, model, views) {
+function principalStars(report, model, views) {
   const { nodes, length } = surfaceNodes(model, views);
   const table = report.table("stresses");
   const columns = STRESSES.map((name) => table.column(name)?.values);
@@ -154,4 +154,11 @@ function centreDisplacements(model, found) {
     }
   });
   return new THREE.BufferAttribute(values, 3);
+}
+
+/** Lines of principal membrane forces (kind "N"), moments ("M") or stresses ("S"); "" for none. */
+export function directionLines(kind, { report, model, shells, views, settings }) {
+  if (!kind) return new THREE.BufferGeometry();
+  if (kind === "S") return principalStars(report, model, views.surfaces);
+  return principalCrosses(report, model, shells, kind, settings.isShown);
 }

@@ -82,16 +82,20 @@ export class Toolbar {
       ],
       () => view.showDirections(),
     );
-    this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () =>
-      view.slideFactor(),
-    );
+    this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () => {
+      view.deformation.slide();
+      view.deform();
+    });
     this.factor = h("input", {
       type: "number",
       id: "factor",
       step: "any",
       "aria-label": "scale of the deformation",
     });
-    this.factor.addEventListener("change", () => view.typeFactor(this.factor.valueAsNumber));
+    this.factor.addEventListener("change", () => {
+      view.deformation.type(this.factor.valueAsNumber);
+      view.deform();
+    });
     this.element = h(
       "div",
       { class: "toolbar" },

@@ -47,11 +47,10 @@ async function legendOf(page, field) {
   await page.set("colours", field);
   return page.evaluate(`({
     min: Number(legend.dataset.min), max: Number(legend.dataset.max),
-    marks: [...legend.querySelectorAll(".marks span")].map((mark) => Number(mark.textContent)),
     title: legend.querySelector(".legend-title").textContent })`);
 }
 
-test("the ends of the legend are the extremes of the data", async () => {
+test("the legend tells the extremes of the data", async () => {
   const cases = {
     slab_and_wall: [
       ["points:Mx'", "shell_forces", "Mx'"],
@@ -69,8 +68,6 @@ test("the ends of the legend are the extremes of the data", async () => {
       const legend = await legendOf(page, field);
       assertNear(legend.min, min, 1e-6, `${model} ${field} min`);
       assertNear(legend.max, max, 1e-6, `${model} ${field} max`);
-      assertNear(legend.marks[0], max, 1e-5, `${model} ${field} upper mark`);
-      assertNear(legend.marks.at(-1), min, 1e-5, `${model} ${field} lower mark`);
     }
     await page.close();
   }
@@ -144,7 +141,7 @@ test("the slider moves the shape", async () => {
     }
     assert.ok(differing(pictures[0], pictures[1]) > 100, `${name} does not move`);
     assert.equal(differing(pictures[0], pictures[2]), 0, `${name} does not return`);
-    assert.equal(await page.evaluate("factor.textContent"), "\u00d7 0");
+    assert.equal(await page.evaluate("factor.value"), "0");
     await page.close();
   }
 });

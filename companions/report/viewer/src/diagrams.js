@@ -4,6 +4,7 @@
 import * as THREE from "three";
 import { beamPoint } from "./beam_view.js";
 import { extremesOf } from "./fields.js";
+import { DETAIL } from "./scene.js";
 import { theme } from "./theme.js";
 
 /** Name, local axis (1: y', 2: z') and sign of the drawing of each diagram. */
@@ -147,7 +148,10 @@ class Ribbon {
     });
     const line = new THREE.LineBasicMaterial({ color: theme.hex("scene-outline") });
     const objects = [new THREE.Mesh(faces, fill), new THREE.LineSegments(outline, line)];
-    for (const object of objects) object.frustumCulled = false;
+    for (const object of objects) {
+      object.frustumCulled = false;
+      object.layers.set(DETAIL);
+    }
     return objects;
   }
 }

@@ -30,17 +30,24 @@ export class Labels {
     this.canvas.height = height * ratio;
     const context = this.canvas.getContext("2d");
     context.scale(ratio, ratio);
+    this.drawOn(context);
+  }
+
+  /** Draws on the context of any canvas, in pixels of the view. */
+  drawOn(target) {
+    const context = target;
     context.font = FONT;
     context.textBaseline = "middle";
     context.lineJoin = "round";
     this.taken = [];
-    for (const { colour, labels } of this.sources.values()) {
+    for (const { colour, labels } of this.stage.isMoving ? [] : this.sources.values()) {
       for (const label of labels) this.drawLabel(context, colour, label);
     }
-    this.drawAxes(context, height);
+    this.drawAxes(context, this.stage.height);
   }
 
   drawLabel(context, colour, { place, text }) {
+    if (this.stage.hides(place)) return;
     const [x, y] = this.stage.project(place);
     if (x < 0 || x > this.stage.width || y < 0 || y > this.stage.height) return;
     const { width } = context.measureText(text);

@@ -2,22 +2,26 @@
 
 import * as THREE from "three";
 import { BeamView } from "./beam_view.js";
-import { ColourScale } from "./colours.js";
+import { ColourScale, bandTexture } from "./colours.js";
+import { Cutting } from "./cutting.js";
 import { readReport } from "./data.js";
+import { Deformation } from "./deformation.js";
 import { DiagramView, curvesOf } from "./diagrams.js";
 import { format, h } from "./dom.js";
 import { ShellPoints, extremesOfField, fieldsOf } from "./fields.js";
 import { Highlight } from "./highlight.js";
 import { Labels, numberLabels } from "./labels.js";
-import { showLegend } from "./legend.js";
+import { Legend } from "./legend.js";
+import { closeMenusOutside } from "./menu.js";
+import { LocalAxes } from "./local_axes.js";
 import { panelOf } from "./member_panel.js";
 import { Model, SHELL } from "./model.js";
 import { Motions } from "./motions.js";
 import { pageBar } from "./page_bar.js";
 import { onClick, pick } from "./picking.js";
 import { PrintSheet } from "./print_sheet.js";
-import { principalCrosses } from "./principal.js";
-import { Stage, deformable } from "./scene.js";
+import { directionLines } from "./principal.js";
+import { DETAIL, NO_CUT, Stage, deformable, dispose } from "./scene.js";
 import { reachScrollers } from "./scrollers.js";
 import { Selector } from "./selector.js";
 import { Study } from "./study.js";
@@ -37,12 +41,17 @@ import { theme } from "./theme.js";
 import { Toolbar } from "./toolbar.js";
 import { listenToKeys } from "./view_keys.js";
 import { ViewText } from "./view_text.js";
+import { Visibility } from "./visibility.js";
 
 class Report {
   constructor(data) {
     this.study = data.study ? new Study(data) : null;
     this.selector = this.study && new Selector(this.study, (selection) => this.show(selection));
-    this.factor = { value: 0 }; // of the displacements, shared by all materials
+    this.deformation = new Deformation();
+    this.factor = this.deformation.factor;
+    this.visibility = new Visibility();
+    /** What all parts of the view share; see deformable(). */
+    this.settings = { factor: this.factor, cut: { value: new THREE.Vector4(...NO_CUT) } };
     this.selected = -1;
     this.remembered = {}; // values of controls
     this.take(this.study ? this.study.view(this.study.all[0]) : readReport(data));
@@ -63,11 +72,10 @@ class Report {
   take(report) {
     this.report = report;
     this.model = new Model(report);
+    this.settings.isShown = this.visibility.test(this.model);
     this.shells = new ShellPoints(this.model, report.table("shell_forces"));
     this.fields = fieldsOf(report, this.model);
-    /** The factor at the middle of the slider: the largest displacement is 6% of the model's size. */
-    this.usualFactor =
-      this.model.largest > 0 ? niceFactor((0.06 * this.model.box.size) / this.model.largest) : 1;
+    this.deformation.take(this.model);
   }
 
   /** Shows a case, a combination or an envelope in the same way as the one before. */
@@ -112,12 +120,13 @@ class Report {
   /** Builds the fixed parts of the page, and empty boxes for those that change with the choice. */
   layOut() {
     this.canvasBox = h("div", { class: "canvas" });
-    this.legend = h("div", { class: "legend", id: "legend", hidden: true });
+    this.legend = new Legend(() => this.colour());
     this.panel = h("section", { id: "panel", "aria-label": "selected object" });
     this.toolbar = new Toolbar(this);
     this.motions = new Motions(this);
     this.viewText = new ViewText(this);
     this.sheet = new PrintSheet(this);
+    closeMenusOutside(document.getElementById("report"));
     this.footnote = `${this.report.program}. Displacements, reactions and nodal loads are in global axes, forces of elements in local ones; signs as in the result files.`;
     const part = () => h("div");
     this.parts = { head: part(), cards: part(), tables: part() };
@@ -140,7 +149,7 @@ class Report {
               "div",
               { class: "frame" },
               h("div", { class: "canvas-cell" }, this.canvasBox),
-              this.legend,
+              this.legend.element,
             ),
           ),
           this.panel,
@@ -207,22 +216,26 @@ class Report {
     this.labels = new Labels(this.stage);
     this.viewText.name(this.canvasBox);
     listenToKeys(this);
-    onClick(this.stage.renderer.domElement, (point) =>
-      this.select(pick(this.stage, this.model, this.views, this.factor.value, point)),
-    );
+    this.axes = new LocalAxes(this.stage, this.labels, this.settings);
+    this.cutting = new Cutting(this);
+    onClick(this.stage.renderer.domElement, (point) => {
+      if (!this.cutting.take(point)) this.select(this.pickAt(point));
+    });
+  }
+
+  pickAt(point) {
+    const { cutting, factor, model, stage, views } = this;
+    return pick(stage, model, views, cutting.section, factor.value, point);
   }
 
   fillStage() {
     const { model, report } = this;
-    const meshes = Array.from({ length: report.model.meshes }, (_, i) => i + 1);
-    this.views = {
-      surfaces: meshes.map((mesh) => new SurfaceView(model, mesh, this.factor)),
-      beams: meshes.map((mesh) => new BeamView(model, this.stage, mesh)),
-    };
+    this.shapes = new THREE.Group();
+    this.makeShapes();
     this.diagrams = new DiagramView(model);
     this.crosses = new THREE.LineSegments(
       new THREE.BufferGeometry(),
-      deformable(new THREE.LineBasicMaterial({ vertexColors: true }), this.factor),
+      deformable(new THREE.LineBasicMaterial({ vertexColors: true }), this.settings),
     );
     this.crosses.frustumCulled = false;
     const size = this.symbolSize();
@@ -233,15 +246,33 @@ class Report {
       reactions: reactionSymbols(report, model, 0.085 * model.box.size),
     };
     this.highlight = new Highlight(this.stage, model);
-    this.stage.scene.add(
-      ...this.views.surfaces.map(({ group }) => group),
-      ...this.views.beams.map(({ group }) => group),
+    const details = [
       ...Object.values(this.symbols).map(({ group }) => group),
       this.hinges,
       this.diagrams.group,
       this.crosses,
+    ];
+    for (const object of details) object.traverse((one) => one.layers.set(DETAIL));
+    this.stage.scene.add(
+      this.shapes,
+      ...details,
+      this.cutting.fill(),
+      this.axes.line,
       this.highlight.line,
     );
+  }
+
+  /** The shown elements, one view for each mesh. */
+  makeShapes() {
+    const { model, report } = this;
+    const meshes = Array.from({ length: report.model.meshes }, (_, i) => i + 1);
+    dispose(this.shapes);
+    this.shapes.clear();
+    this.views = {
+      surfaces: meshes.map((mesh) => new SurfaceView(model, mesh, this.settings)),
+      beams: meshes.map((mesh) => new BeamView(model, this.stage, mesh, this.settings)),
+    };
+    this.shapes.add(...[...this.views.surfaces, ...this.views.beams].map(({ group }) => group));
   }
 
   /** Smaller where many supports are close together. */
@@ -258,6 +289,7 @@ class Report {
     else this.toolbar.colours.value = has("nodes:von_Mises") ? "nodes:von_Mises" : "u";
     this.toolbar.deformation.value = model.plane ? 0.5 : 1;
     this.drawAll();
+    this.stage.resize(); // the legend takes space
     this.stage.look(model.plane ? "top" : "iso");
     this.select(model.has(SHELL) ? -1 : this.mostBent());
     const moving = this.report.hasResults ? null : this.report.check?.find(({ motion }) => motion);
@@ -268,16 +300,14 @@ class Report {
   drawAll() {
     const isOn = (id) => document.getElementById(id)?.checked ?? false;
     for (const name of Object.keys(this.symbols)) this.showSymbols(name, isOn(name));
-    this.views.surfaces.forEach((_, i) => this.showMesh(i, this.meshIsOn(i)));
+    this.showLines(isOn("lines"));
     this.showNumbers(isOn("numbers"));
     this.colour();
     this.showDiagram();
     this.showDirections();
+    this.showAxes();
     this.deform();
-  }
-
-  meshIsOn(mesh) {
-    return document.getElementById(`mesh${mesh + 1}`)?.checked ?? true;
+    this.cutting.show();
   }
 
   /** The beam with the largest bending moment; -1 without beams. */
@@ -297,19 +327,26 @@ class Report {
 
   colour() {
     const field = this.fields.find(({ id }) => id === this.toolbar.colours.value) ?? null;
+    this.field = field;
     const extremes = field && extremesOfField(field, this.model, this.shells);
-    const scale = field && new ColourScale(extremes.min, extremes.max);
+    const scale = field && new ColourScale(extremes.min, extremes.max, this.legend.limitsOf(field));
     const smooth = this.toolbar.isSmooth;
-    for (const view of this.views.surfaces) view.colour(field, scale, this.shells, smooth);
+    this.bands?.dispose();
+    this.bands = scale && bandTexture(scale);
+    for (const view of this.views.surfaces)
+      view.colour(field, scale, this.shells, smooth, this.bands);
     const values = field?.beams ?? null;
     for (const view of this.views.beams) view.colour(values, scale);
     this.toolbar.smooth.hidden = !field?.points;
-    showLegend(this.legend, field, scale, extremes);
+    this.scale = scale;
+    this.legend.show(field, scale, extremes);
+    this.cutting.colour();
     this.stage.draw();
   }
 
   showDiagram() {
     const name = this.toolbar.diagram.value;
+    this.diagramName = name;
     this.toolbar.diagramSize.hidden = !name;
     this.diagrams.show(name, 0.1 * this.model.box.size * this.toolbar.diagramSize.value);
     const labels =
@@ -319,28 +356,38 @@ class Report {
       theme.css("scene-label"),
       labels.map(({ place, value }) => ({ place, text: format(value, 4) })),
     );
+    this.cutting.clip();
     this.stage.draw();
   }
 
   showDirections() {
     const kind = this.report.isEnvelope ? "" : this.toolbar.directions.value;
     this.crosses.geometry.dispose();
-    this.crosses.geometry = kind
-      ? principalCrosses(this.report, this.model, this.shells, kind)
-      : new THREE.BufferGeometry();
+    this.crosses.geometry = directionLines(kind, this);
     this.stage.draw();
   }
 
   deform() {
-    this.deformBy(this.report.isEnvelope ? 0 : this.toolbar.deformation.value * this.usualFactor);
+    this.deformation.update(this.toolbar, this.report.isEnvelope);
+    this.showDeformed();
   }
 
+  /** Shows the shape with another factor than that of the controls, until deform. */
   deformBy(factor) {
     this.factor.value = factor;
-    this.toolbar.factor.textContent = `\u00d7 ${format(this.factor.value, 3)}`;
+    this.showDeformed();
+  }
+
+  showDeformed() {
     for (const view of [...this.views.beams, ...this.views.surfaces])
       view.deform(this.factor.value);
+    this.cutting.section.deform(this.factor.value);
     this.placeHighlight();
+    this.stage.draw();
+  }
+
+  showAxes() {
+    this.axes.show(this.toolbar.axes.value, this.report, this.model, this.selected);
     this.stage.draw();
   }
 
@@ -362,8 +409,15 @@ class Report {
     this.stage.draw();
   }
 
-  showMesh(mesh, on) {
-    for (const { group } of [this.views.surfaces[mesh], this.views.beams[mesh]]) group.visible = on;
+  /** Shows or hides a mesh or a material: kind "meshes" or "materials", and its number. */
+  showPart(kind, number, on) {
+    this.visibility.set(kind, number, on);
+    this.makeShapes();
+    this.drawAll();
+  }
+
+  showLines(on) {
+    for (const view of this.views.surfaces) view.showLines(on);
     this.stage.draw();
   }
 
@@ -387,7 +441,7 @@ class Report {
     );
     if (!this.stage) return;
     this.placeHighlight();
-    this.stage.draw();
+    this.showAxes();
   }
 
   /** Selects nothing, and ends a motion that is shown. */
@@ -424,12 +478,6 @@ function largestLabels(labels) {
   if (labels.length === 0) return [];
   const least = labels.reduce((a, b) => (b.value < a.value ? b : a));
   return [least, labels.reduce((a, b) => (b.value > a.value ? b : a))];
-}
-
-/** 1, 2 or 5 times a power of ten, below the value. */
-function niceFactor(value) {
-  const power = 10 ** Math.floor(Math.log10(value));
-  return ([5, 2, 1].find((step) => step * power <= value) ?? 1) * power;
 }
 
 /** For scripts and tests: the report of this page. */

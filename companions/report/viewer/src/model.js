@@ -40,7 +40,8 @@ function readElements(table, nodeAt) {
     while (nodeCounts[i] < width && nodes[i * width + nodeCounts[i]] >= 0) ++nodeCounts[i];
   }
   const numbers = table.column("element").values;
-  return { count, kinds, nodes, width, nodeCounts, numbers, meshes: table.column("mesh").values };
+  const [meshes, materials] = ["mesh", "material"].map((name) => table.column(name).values);
+  return { count, kinds, nodes, width, nodeCounts, numbers, meshes, materials };
 }
 
 function boxOf(xyz) {

@@ -30,7 +30,7 @@ function figures(report, chosen) {
       "figure",
       { class: "print-view" },
       canvas,
-      report.legend.hidden ? null : report.legend.cloneNode(true),
+      report.legend.element.hidden ? null : report.legend.element.cloneNode(true),
       h("figcaption", {}, captionOf(report, views[i])),
     ),
   );

@@ -23,7 +23,7 @@ export function viewsOf(report) {
     ...(model.plane ? standard.slice(3) : standard),
     ...(isDeformable
       ? [
-          { id: "deformed", text: "Deformed shape", look: null, factor: report.usualFactor },
+          { id: "deformed", text: "Deformed shape", look: null, factor: report.deformation.usual },
           { id: "undeformed", text: "Undeformed shape", look: null, factor: 0 },
         ]
       : []),

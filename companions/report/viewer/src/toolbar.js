@@ -2,6 +2,11 @@
 
 import { DIAGRAMS, hasDiagram } from "./diagrams.js";
 import { checkbox, h, select } from "./dom.js";
+import { menu } from "./menu.js";
+import { SHELL, SOLID } from "./model.js";
+import { savePng, saveSvg } from "./picture.js";
+import { hasPrincipalStresses } from "./principal.js";
+import { LARGE } from "./scene.js";
 
 const SPACE_LOOKS = [
   ["iso", "3D"],
@@ -27,6 +32,17 @@ function fieldGroups(fields) {
     label,
     options: fields.filter(({ group }) => group === label).map((field) => [field.id, field.label]),
   }));
+}
+
+/** What can be hidden of one kind, if there is a choice. */
+function partChecks(view, kind, numbers) {
+  if (numbers.length < 2) return [];
+  const kinds = { mesh: "meshes", material: "materials" }[kind];
+  return numbers.map((number) =>
+    checkbox(`${kind}${number}`, `${kind} ${number}`, !view.visibility[kinds].has(number), (on) =>
+      view.showPart(kinds, number, on),
+    ),
+  );
 }
 
 /** An option of a select, or the same of an envelope or of a single result; else none. */
@@ -58,15 +74,30 @@ export class Toolbar {
       "directions",
       [
         ["", "none"],
-        ["N", "membrane forces"],
-        ["M", "moments"],
+        ...(report.table("shell_forces")
+          ? [
+              ["N", "membrane forces"],
+              ["M", "moments"],
+            ]
+          : []),
+        ...(hasPrincipalStresses(report) ? [["S", "stresses"]] : []),
       ],
       () => view.showDirections(),
     );
-    this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () =>
-      view.deform(),
-    );
-    this.factor = h("output", { id: "factor" });
+    this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () => {
+      view.deformation.slide();
+      view.deform();
+    });
+    this.factor = h("input", {
+      type: "number",
+      id: "factor",
+      step: "any",
+      "aria-label": "scale of the deformation",
+    });
+    this.factor.addEventListener("change", () => {
+      view.deformation.type(this.factor.valueAsNumber);
+      view.deform();
+    });
     this.element = h(
       "div",
       { class: "toolbar", id: "toolbar", role: "group", "aria-label": "view" },
@@ -74,9 +105,22 @@ export class Toolbar {
         ? null
         : tool("Colours", this.colours, report.table("shell_forces") ? this.smooth : null),
       diagrams.length ? tool("Diagram", this.diagram, this.diagramSize) : null,
-      report.table("shell_forces") && !isEnvelope ? tool("Principal", this.directions) : null,
-      isEnvelope || !report.hasResults ? null : tool("Deformed", this.deformation, this.factor),
-      h("span", { class: "tool" }, this.symbolChecks(view), this.meshChecks(view)),
+      this.directions.options.length > 1 && !isEnvelope && report.hasResults
+        ? tool("Principal", this.directions)
+        : null,
+      isEnvelope || !report.hasResults
+        ? null
+        : tool("Deformed", this.deformation, "\u00d7", this.factor),
+      this.showMenu(view),
+      menu("save", "Save", [
+        [
+          "Picture",
+          h("button", { id: "save-png", onclick: () => savePng(view) }, "PNG with legend"),
+          model.has(SHELL) || model.has(SOLID)
+            ? null
+            : h("button", { id: "save-svg", onclick: () => saveSvg(view) }, "SVG with legend"),
+        ],
+      ]),
       h(
         "span",
         { class: "tool looks" },
@@ -95,23 +139,54 @@ export class Toolbar {
     );
   }
 
-  symbolChecks(view) {
+  /** Everything that is switched on and off. */
+  showMenu(view) {
+    const { report, model } = view;
+    const { isEnvelope } = report;
     const symbol = (name, shown) => checkbox(name, name, shown, (on) => view.showSymbols(name, on));
-    const { isEnvelope } = view.report;
-    return [
-      symbol("supports", true),
-      ...(isEnvelope ? [] : [symbol("loads", true)]),
-      ...(isEnvelope || !view.report.hasResults ? [] : [symbol("reactions", false)]),
-      checkbox("numbers", "numbers", false, (on) => view.showNumbers(on)),
-    ];
+    const materials = report.table("materials").column("material").values;
+    this.axes = select(
+      "axes",
+      [
+        ["", "none"],
+        ["selected", "of the selected element"],
+        ["all", "of all"],
+      ],
+      () => view.showAxes(),
+    );
+    this.axes.setAttribute("aria-label", "local axes");
+    return menu("show", "Show", [
+      [
+        "Symbols",
+        symbol("supports", true),
+        isEnvelope ? null : symbol("loads", true),
+        isEnvelope || !report.hasResults ? null : symbol("reactions", false),
+      ],
+      [
+        "Model",
+        checkbox("numbers", "numbers", false, (on) => view.showNumbers(on)),
+        model.has(SHELL) || model.has(SOLID)
+          ? checkbox("lines", "mesh lines", model.elements.count <= LARGE, (on) =>
+              view.showLines(on),
+            )
+          : null,
+      ],
+      ["Local axes", model.beams.length || model.has(SHELL) ? this.axes : null],
+      [
+        "Meshes",
+        partChecks(
+          view,
+          "mesh",
+          Array.from({ length: report.model.meshes }, (_, i) => i + 1),
+        ),
+      ],
+      ["Materials", partChecks(view, "material", [...materials])],
+    ]);
   }
 
-  meshChecks(view) {
-    const { meshes } = view.report.model;
-    if (meshes < 2) return [];
-    return Array.from({ length: meshes }, (_, i) =>
-      checkbox(`mesh${i + 1}`, `mesh ${i + 1}`, true, (on) => view.showMesh(i, on)),
-    );
+  /** Adds a menu before the buttons of the views. */
+  add(element) {
+    this.element.querySelector(".looks").before(element);
   }
 
   get controls() {

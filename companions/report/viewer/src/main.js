@@ -17,7 +17,8 @@ import { LocalAxes } from "./local_axes.js";
 import { panelOf } from "./member_panel.js";
 import { Model, SHELL } from "./model.js";
 import { Motions } from "./motions.js";
-import { pageBar } from "./page_bar.js";
+import { cardsOf, headOf } from "./page_contents.js";
+import { layOutPage } from "./page_frame.js";
 import { onClick, pick } from "./picking.js";
 import { PrintSheet } from "./print_sheet.js";
 import { directionLines } from "./principal.js";
@@ -25,15 +26,6 @@ import { DETAIL, NO_CUT, Stage, deformable, dispose } from "./scene.js";
 import { reachScrollers } from "./scrollers.js";
 import { Selector } from "./selector.js";
 import { Study } from "./study.js";
-import {
-  balanceCard,
-  caseBalancesCard,
-  checkCard,
-  envelopeCard,
-  extremesCard,
-  header,
-  modelCard,
-} from "./summary.js";
 import { SurfaceView } from "./surface_view.js";
 import { hingeSymbols, loadSymbols, reactionSymbols, supportSymbols } from "./symbols.js";
 import { TableView } from "./tables.js";
@@ -127,39 +119,9 @@ class Report {
     this.viewText = new ViewText(this);
     this.sheet = new PrintSheet(this);
     closeMenusOutside(document.getElementById("report"));
-    this.footnote = `${this.report.program}. Displacements, reactions and nodal loads are in global axes, forces of elements in local ones; signs as in the result files.`;
     const part = () => h("div");
     this.parts = { head: part(), cards: part(), tables: part() };
-    document
-      .getElementById("report")
-      .append(
-        h("div", { class: "top" }, this.parts.head, pageBar(this)),
-        ...(this.selector ? [this.selector.element] : []),
-        h(
-          "section",
-          { class: "view", "aria-labelledby": "view-title" },
-          h("h2", { class: "unseen", id: "view-title" }, "View"),
-          h(
-            "div",
-            { class: "stage" },
-            toolbarFold(),
-            this.toolbar.element,
-            this.motions.element,
-            h(
-              "div",
-              { class: "frame" },
-              h("div", { class: "canvas-cell" }, this.canvasBox),
-              this.legend.element,
-            ),
-          ),
-          this.panel,
-        ),
-        this.parts.cards,
-        this.parts.tables,
-        h("footer", {}, this.footnote),
-        this.viewText.element,
-        this.sheet.element,
-      );
+    layOutPage(this);
   }
 
   /** Fills the boxes with the present report. */
@@ -173,42 +135,13 @@ class Report {
     this.selector?.show(report.selection);
     const open = this.tables?.table.name;
     this.tables = new TableView(report.tables, onplace, open);
-    this.parts.head.replaceChildren(...this.headParts());
-    this.parts.cards.replaceChildren(...this.cardParts());
+    this.parts.head.replaceChildren(...headOf(this));
+    this.parts.cards.replaceChildren(...cardsOf(this));
     this.parts.tables.replaceChildren(
       h("section", { class: "card" }, h("h2", {}, "Tables"), this.tables.element),
     );
     this.tables.drawRows();
     reachScrollers();
-  }
-
-  /** The head of the page, for the screen and for the printer. */
-  headParts() {
-    const choice = this.selector?.printed(this.report.selection);
-    return [header(this.report, (finding) => this.motions.show(finding)), choice].filter(Boolean);
-  }
-
-  /** The cards on the model and on its results. */
-  cardParts() {
-    const { report, model } = this;
-    const onplace = (kind, number) => this.choose(kind, Number(number));
-    return [
-      h(
-        "div",
-        { class: "cards" },
-        modelCard(report, model),
-        balanceCard(report, model),
-        report.balances ? caseBalancesCard(report, model) : null,
-        checkCard(report, (finding) => this.motions.show(finding)),
-      ),
-      report.hasResults ? this.extremes(onplace) : null,
-    ].filter(Boolean);
-  }
-
-  extremes(onplace) {
-    return this.report.isEnvelope
-      ? envelopeCard(this.report, onplace)
-      : extremesCard(this.report, this.model, this.shells, this.fields, onplace);
   }
 
   makeStage() {
@@ -453,24 +386,6 @@ class Report {
   placeHighlight() {
     this.highlight.place(this.selected, this.factor.value);
   }
-}
-
-/** On narrow screens: the button that shows the controls above the view. */
-function toolbarFold() {
-  const button = h(
-    "button",
-    {
-      class: "toolbar-fold",
-      "aria-expanded": "false",
-      "aria-controls": "toolbar",
-      onclick: () => {
-        const isOpen = button.parentElement.classList.toggle("open");
-        button.setAttribute("aria-expanded", String(isOpen));
-      },
-    },
-    "View options",
-  );
-  return button;
 }
 
 /** The labels of the least and the largest value. */

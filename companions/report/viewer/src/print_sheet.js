@@ -3,6 +3,7 @@
 
 import { h } from "./dom.js";
 import { panelOf } from "./member_panel.js";
+import { cardsOf, footnoteOf, headOf } from "./page_contents.js";
 import { largestMembers } from "./print_members.js";
 import { printedTables } from "./print_tables.js";
 import { picturesOf, viewsOf } from "./print_views.js";
@@ -73,7 +74,7 @@ export class PrintSheet {
   fill() {
     const { report, choices } = this;
     theme.forceLight(true);
-    const [head, cards] = [report.headParts(), report.cardParts()];
+    const [head, cards] = [headOf(report), cardsOf(report)];
     this.element.replaceChildren(
       ...[
         head,
@@ -81,7 +82,7 @@ export class PrintSheet {
         elements(report, choices),
         cards,
         choices.rows ? printedTables(report.report.tables, choices.rows) : null,
-        h("footer", {}, report.footnote),
+        h("footer", {}, footnoteOf(report)),
       ]
         .flat()
         .filter(Boolean),

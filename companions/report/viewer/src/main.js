@@ -4,14 +4,17 @@ import * as THREE from "three";
 import { BeamView } from "./beam_view.js";
 import { ColourScale } from "./colours.js";
 import { readReport } from "./data.js";
-import { DiagramView, curvesOf } from "./diagrams.js";
+import { DiagramView } from "./diagrams.js";
 import { format, h } from "./dom.js";
 import { ShellPoints, extremesOfField, fieldsOf } from "./fields.js";
 import { Highlight } from "./highlight.js";
 import { Labels, numberLabels } from "./labels.js";
 import { showLegend } from "./legend.js";
-import { panelOf } from "./member_panel.js";
+import { MemberResults } from "./member_results.js";
+import { Members } from "./members.js";
 import { Model, SHELL } from "./model.js";
+import { pickNode } from "./node_picking.js";
+import { panelOf } from "./panel.js";
 import { onClick, pick } from "./picking.js";
 import { principalCrosses } from "./principal.js";
 import { Stage, deformable } from "./scene.js";
@@ -37,8 +40,10 @@ class Report {
   constructor(data) {
     this.study = data.study ? new Study(data) : null;
     this.selector = this.study && new Selector(this.study, (selection) => this.show(selection));
+    this.choose = (kind, number) => this.selectNumber(kind, Number(number));
     this.factor = { value: 0 }; // of the displacements, shared by all materials
-    this.selected = -1;
+    this.selected = -1; // an element
+    this.selectedNode = -1;
     this.remembered = {}; // values of controls
     this.take(this.study ? this.study.view(this.study.all[0]) : readReport(data));
     this.layOut();
@@ -59,6 +64,8 @@ class Report {
     this.model = new Model(report);
     this.shells = new ShellPoints(this.model, report.table("shell_forces"));
     this.fields = fieldsOf(report, this.model);
+    this.members = Members.of(report, this.model);
+    this.results = new MemberResults(report, this.model, this.members);
     /** The factor at the middle of the slider: the largest displacement is 6% of the model's size. */
     this.usualFactor =
       this.model.largest > 0 ? niceFactor((0.06 * this.model.box.size) / this.model.largest) : 1;
@@ -75,7 +82,7 @@ class Report {
       this.fillStage();
       this.drawAll();
     }
-    this.select(this.selected);
+    this.mark(this.selected, this.selectedNode);
   }
 
   /** The rest of the report needs no graphics. */
@@ -134,27 +141,27 @@ class Report {
   /** What belongs to the report that is shown. */
   fillPage() {
     const { report, model } = this;
-    const onplace = (kind, number) => this.choose(kind, Number(number));
     const toolbar = new Toolbar(this);
     toolbar.adopt(this.remembered);
     this.toolbar.element.replaceWith(toolbar.element);
     this.toolbar = toolbar;
     this.selector?.show(report.selection);
     const open = this.tables?.table.name;
-    this.tables = new TableView(report.tables, onplace, open);
+    const tables = withMembers(report.tables, this.results);
+    this.tables = new TableView(tables, this.choose, open, fileNameOf(report));
     this.parts.head.replaceChildren(header(report), this.selector?.printed(report.selection) ?? "");
     this.parts.cards.replaceChildren(
       h(
         "div",
         { class: "cards" },
-        modelCard(report, model),
+        modelCard(report, model, this.members),
         balanceCard(report, model),
         report.balances ? caseBalancesCard(report, model) : null,
         checkCard(report),
       ),
       report.isEnvelope
-        ? envelopeCard(report, onplace)
-        : extremesCard(report, model, this.shells, this.fields, onplace),
+        ? envelopeCard(report, this.choose)
+        : extremesCard(report, model, this.shells, this.fields, this.choose),
     );
     this.parts.tables.replaceChildren(
       h("section", { class: "card screen-only" }, h("h2", {}, "Tables"), this.tables.element),
@@ -166,9 +173,11 @@ class Report {
   makeStage() {
     this.stage = new Stage(this.canvasBox, this.model);
     this.labels = new Labels(this.stage);
-    onClick(this.stage.renderer.domElement, (point) =>
-      this.select(pick(this.stage, this.model, this.views, this.factor.value, point)),
-    );
+    onClick(this.stage.renderer.domElement, (point) => {
+      const element = pick(this.stage, this.model, this.views, this.factor.value, point);
+      const node = pickNode(this.stage, this.model, this.factor.value, element, point);
+      this.mark(node < 0 ? element : -1, node);
+    });
   }
 
   fillStage() {
@@ -191,7 +200,7 @@ class Report {
       loads: loadSymbols(report, model, 0.085 * model.box.size),
       reactions: reactionSymbols(report, model, 0.085 * model.box.size),
     };
-    this.highlight = new Highlight(this.stage, model);
+    this.highlight = new Highlight(this.stage, model, this.members);
     this.stage.scene.add(
       ...this.views.surfaces.map(({ group }) => group),
       ...this.views.beams.map(({ group }) => group),
@@ -199,7 +208,7 @@ class Report {
       this.hinges,
       this.diagrams.group,
       this.crosses,
-      this.highlight.line,
+      ...this.highlight.objects,
     );
   }
 
@@ -218,7 +227,7 @@ class Report {
     this.toolbar.deformation.value = model.plane ? 0.5 : 1;
     this.drawAll();
     this.stage.look(model.plane ? "top" : "iso");
-    this.select(model.has(SHELL) ? -1 : this.mostBent());
+    this.select(model.has(SHELL) ? -1 : this.results.mostBent());
   }
 
   /** Draws everything as the controls say. */
@@ -235,21 +244,6 @@ class Report {
 
   meshIsOn(mesh) {
     return document.getElementById(`mesh${mesh + 1}`)?.checked ?? true;
-  }
-
-  /** The beam with the largest bending moment; -1 without beams. */
-  mostBent() {
-    const { model } = this;
-    let found = -1,
-      largest = 0;
-    for (const { values } of ["My", "Mz"].flatMap((name) => curvesOf(model.diagrams, name))) {
-      for (let i = 0; i < values.length; ++i) {
-        if (Math.abs(values[i]) <= largest) continue;
-        largest = Math.abs(values[i]);
-        found = model.beams[Math.floor(i / model.points)];
-      }
-    }
-    return found;
   }
 
   colour() {
@@ -318,31 +312,30 @@ class Report {
     this.stage.draw();
   }
 
-  /** Selects what a row of a table or a place of an extreme names. */
-  choose(kind, number) {
+  /** Selects what a row of a table, a link or a place of an extreme names. */
+  selectNumber(kind, number) {
     const { model } = this;
-    if (kind !== "node") return this.select(model.elementAt.get(number) ?? -1);
-    const node = model.nodeAt.get(number),
-      { elements } = model;
-    for (let e = 0; e < elements.count; ++e) {
-      for (let i = 0; i < elements.nodeCounts[e]; ++i)
-        if (model.node(e, i) === node) return this.select(e);
-    }
-    return this.select(-1);
+    if (kind === "node") this.mark(-1, model.nodeAt.get(number) ?? -1);
+    else this.select(model.elementAt.get(number) ?? -1);
   }
 
   select(element) {
+    this.mark(element, -1);
+  }
+
+  /** Selects an element or a node, places in their lists; -1 for none. */
+  mark(element, node) {
     this.selected = element;
-    this.panel.replaceChildren(
-      ...panelOf(this.report, this.model, this.shells, this.fields, element).flat().filter(Boolean),
-    );
+    this.selectedNode = node;
+    this.panel.replaceChildren(...panelOf(this, { element, node }).flat(2).filter(Boolean));
     if (!this.stage) return;
     this.placeHighlight();
     this.stage.draw();
   }
 
   placeHighlight() {
-    this.highlight.place(this.selected, this.factor.value);
+    const { selected: element, selectedNode: node } = this;
+    this.highlight.place({ element, node }, this.factor.value);
   }
 }
 
@@ -352,6 +345,15 @@ function largestLabels(labels) {
   const least = labels.reduce((a, b) => (b.value < a.value ? b : a));
   return [least, labels.reduce((a, b) => (b.value > a.value ? b : a))];
 }
+
+/** The tables with that of the members, which is in front of the diagrams of their beams. */
+function withMembers(tables, results) {
+  const place = tables.findIndex(({ name }) => name === "beam_diagrams");
+  return place < 0 ? tables : [...tables.slice(0, place), results.table(), ...tables.slice(place)];
+}
+
+/** The beginning of the names of saved files: of the problem file, with cases of what is shown. */
+const fileNameOf = ({ model, selection }) => [model.file.replace(/\.[^.]*$/, ""), selection?.name];
 
 /** 1, 2 or 5 times a power of ten, below the value. */
 function niceFactor(value) {

@@ -1,0 +1,234 @@
+// Forces and deflections along members: the curves of all beams, and their extremes in every member.
+
+import { Column, Table } from "./data.js";
+import { DIAGRAMS, curvesOf, hasDiagram } from "./diagrams.js";
+import { dot } from "./model.js";
+
+/** Of the largest force or moment of the model: what only rounding has left is drawn flat. */
+const NOTHING = 1e-6;
+
+/** Values of a quantity that differ by less than this part of the largest one count as equal. */
+const TIE = 1e-9;
+
+const isMoment = (name) => /^[TM]/.test(name);
+
+const sizeOf = (values) => values.reduce((largest, value) => Math.max(largest, Math.abs(value)), 0);
+
+/**
+ * The extremes of values at some points, and their positions among the points: the first of those that
+ * differ by at most `tie`.
+ */
+export function firstExtremes(rows, values, tie) {
+  let [min, max] = [Infinity, -Infinity];
+  for (const row of rows) {
+    if (values[row] < min) min = values[row];
+    if (values[row] > max) max = values[row];
+  }
+  const minAt = rows.findIndex((row) => values[row] <= min + tie);
+  const maxAt = rows.findIndex((row) => values[row] >= max - tie);
+  return { min: values[rows[minAt]], max: values[rows[maxAt]], minAt, maxAt };
+}
+
+export class MemberResults {
+  constructor(report, model, members) {
+    Object.assign(this, { report, model, members });
+    const forces = Object.keys(DIAGRAMS).filter((name) => hasDiagram(model.diagrams, name));
+    this.quantities = [
+      ...forces.map((name) => this.force(name)),
+      ...(report.isEnvelope || !model.diagrams ? [] : this.deflections()),
+    ];
+  }
+
+  /**
+   * A quantity: {name, title, unit, positive, up, curves, noise}. curves: {label, values, by}, one, or two of an
+   * envelope: its least and its largest values, `by` with the combinations that govern. Values are those of all
+   * points of all beams. up: sign of the drawing; noise: the smallest range that is drawn in full height.
+   */
+  force(name) {
+    const { title, positive, sign } = DIAGRAMS[name];
+    const curves = curvesOf(this.model.diagrams, name);
+    const all = this;
+    return {
+      name,
+      title,
+      positive,
+      unit: curves[0].unit,
+      up: sign,
+      curves,
+      get noise() {
+        return NOTHING * all.largest(isMoment(name));
+      },
+    };
+  }
+
+  /** The largest force, or moment, of all beams. */
+  largest(moments) {
+    this.sizes ??= {};
+    return (this.sizes[moments] ??= Math.max(
+      0,
+      ...this.quantities
+        .filter(({ name }) => name in DIAGRAMS && isMoment(name) === moments)
+        .flatMap(({ curves }) => curves.map(({ values }) => sizeOf(values))),
+    ));
+  }
+
+  /** The displacements along the local axes y' and z'. */
+  deflections() {
+    const { model } = this;
+    const along = (axis) => {
+      const values = new Float64Array(model.beams.length * model.points);
+      model.beams.forEach((element, b) => {
+        const direction = model.beamAxes(element)[axis];
+        for (let i = b * model.points; i < (b + 1) * model.points; ++i)
+          values[i] = dot(model.beamDisplacements.subarray(3 * i, 3 * i + 3), direction);
+      });
+      return values;
+    };
+    const deflection = (axis, name) => {
+      let found = null;
+      const curve = {
+        label: "",
+        by: null,
+        get values() {
+          return (found ??= along(axis));
+        },
+      };
+      return {
+        name,
+        title: `Deflection ${name}`,
+        positive: `along +${name[1]}\u2032`,
+        unit: model.units.length,
+        up: 1,
+        curves: [curve],
+        noise: NOTHING * model.largest,
+      };
+    };
+    const all = [deflection(1, "uy\u2032"), deflection(2, "uz\u2032")];
+    return model.plane ? all.slice(0, 1) : all;
+  }
+
+  /** The distance of a point of the list from the beginning of its member. */
+  distance(point) {
+    const { model, members } = this;
+    const b = Math.floor(point / model.points);
+    return members.offset[b] + ((point % model.points) / (model.points - 1)) * members.lengthOf(b);
+  }
+
+  /** The points of a member in order, as places in the values of a curve; a node between beams has two. */
+  pointsOf(member) {
+    const { points } = this.model;
+    const beams = this.members.beamsOf(member);
+    const rows = new Int32Array(beams.length * points);
+    beams.forEach((b, k) => {
+      for (let i = 0; i < points; ++i) rows[k * points + i] = b * points + i;
+    });
+    return rows;
+  }
+
+  /** The size of differences between values of a quantity that are only rounding. */
+  tieOf({ curves, noise }) {
+    return TIE * Math.max(noise, ...curves.map(({ values }) => sizeOf(values)));
+  }
+
+  /** The points with the extremes of a quantity in every member: two arrays by member. */
+  extremePoints(quantity) {
+    const { curves } = quantity;
+    const [low, high] = [curves[0].values, curves[curves.length - 1].values];
+    const tie = this.tieOf(quantity);
+    const least = new Int32Array(this.members.count),
+      most = new Int32Array(this.members.count);
+    for (let m = 0; m < this.members.count; ++m) {
+      const rows = this.pointsOf(m);
+      least[m] = rows[firstExtremes(rows, low, tie).minAt];
+      most[m] = rows[firstExtremes(rows, high, tie).maxAt];
+    }
+    return { least, most };
+  }
+
+  /** The beam (place in the list of elements) with the largest bending moment; -1 without beams. */
+  mostBent() {
+    const count = this.model.beams.length * this.model.points;
+    return this.mostBentAt(Array.from({ length: count }, (_, point) => point));
+  }
+
+  /** The same of a member; its first beam where nothing bends. */
+  mostBentOf(member) {
+    const found = this.mostBentAt(this.pointsOf(member));
+    return found < 0 ? this.model.beams[this.members.beamsOf(member)[0]] : found;
+  }
+
+  mostBentAt(points) {
+    let found = -1,
+      largest = 0;
+    for (const { name, curves } of this.quantities) {
+      if (!/^M/.test(name)) continue;
+      for (const { values } of curves) {
+        for (const point of points) {
+          if (Math.abs(values[point]) <= largest) continue;
+          largest = Math.abs(values[point]);
+          found = this.model.beams[Math.floor(point / this.model.points)];
+        }
+      }
+    }
+    return found;
+  }
+
+  /** The members as a table: what they are, and the extremes of every quantity with their places. */
+  table() {
+    const { members, model } = this;
+    const numbers = (i) => () =>
+      Int32Array.from(
+        { length: members.count },
+        (_, m) => model.nodeNumbers[members.endNode(m, i)],
+      );
+    const texts = (list) => [() => Int32Array.from(list, (_, m) => m), list];
+    const materials = this.report.table("elements").column("material").values;
+    const material = () =>
+      Int32Array.from(
+        { length: members.count },
+        (_, m) => materials[model.beams[members.beamsOf(m)[0]]],
+      );
+    const elements = Array.from({ length: members.count }, (_, m) => members.elementsText(m));
+    const table = new Table("members", members.count, [
+      new Column("member", "", ...texts(members.names)),
+      new Column("elements", "", ...texts(elements)),
+      new Column("from", "", numbers(0)),
+      new Column("to", "", numbers(1)),
+      new Column("length", model.units.length, () => members.lengths),
+      new Column("material", "", material),
+      ...this.quantities.flatMap((quantity) => this.columnsOf(quantity)),
+    ]);
+    table.beamOf = (row) => model.elements.numbers[this.mostBentOf(row)];
+    return table;
+  }
+
+  /** "Mz min", "Mz min at", of an envelope "Mz min by", and the same for the largest values. */
+  columnsOf(quantity) {
+    const { curves, unit } = quantity;
+    const name = quantity.name.replace("\u2032", "'");
+    let points = null;
+    const found = (which) => (points ??= this.extremePoints(quantity))[which];
+    const columns = (which, key, curve) => [
+      new Column(`${name} ${key}`, unit, () =>
+        Float64Array.from(found(which), (point) => curve.values[point]),
+      ),
+      new Column(`${name} ${key} at`, this.model.units.length, () =>
+        Float64Array.from(found(which), (point) => this.distance(point)),
+      ),
+      ...(curve.by
+        ? [
+            new Column(
+              `${name} ${key} by`,
+              "",
+              () => Int32Array.from(found(which), (point) => curve.by.values[point]),
+              curve.by.words,
+            ),
+          ]
+        : []),
+    ];
+    return [
+      ...columns("least", "min", curves[0]),
+      ...columns("most", "max", curves[curves.length - 1]),
+    ];
+  }
+}

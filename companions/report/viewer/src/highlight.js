@@ -26,14 +26,14 @@ export class Highlight {
   place({ element, node }, factor) {
     const isBeam = element >= 0 && this.model.elements.kinds[element] === BEAM;
     this.line.visible = element >= 0;
-    this.rest.visible = isBeam;
+    this.rest.visible = isBeam && this.memberOf(element).length > 1;
     this.dot.visible = node >= 0;
     if (element >= 0)
       setLine(
         this.line,
         isBeam ? this.alongBeam(element, factor) : this.aroundElement(element, factor),
       );
-    if (isBeam) setLine(this.rest, this.alongMember(element, factor));
+    if (this.rest.visible) setLine(this.rest, this.alongMember(element, factor));
     if (node >= 0) this.dot.position.fromArray(this.nodePlace(node, factor));
   }
 
@@ -42,13 +42,16 @@ export class Highlight {
     return [0, 1, 2].map((k) => local[3 * node + k] + factor * displacements[3 * node + k]);
   }
 
-  /** All beams of the member of a beam. */
-  alongMember(element, factor) {
+  /** The beams of the member of a beam, as places in the list of beams. */
+  memberOf(element) {
     const { model, members } = this;
-    const member = members.of[model.beamOf.get(element)];
+    return members.beamsOf(members.of[model.beamOf.get(element)]);
+  }
+
+  alongMember(element, factor) {
     const ends = [];
-    for (const b of members.beamsOf(member))
-      for (const value of this.alongBeam(model.beams[b], factor)) ends.push(value);
+    for (const b of this.memberOf(element))
+      for (const value of this.alongBeam(this.model.beams[b], factor)) ends.push(value);
     return ends;
   }
 

@@ -1,7 +1,6 @@
 // The drawing of one quantity along a member: a curve, or the band between the two of an envelope.
 
 import { svg } from "./dom.js";
-import { styled } from "./numbers.js";
 
 const WIDTH = 400,
   HEIGHT = 76,
@@ -10,6 +9,10 @@ const WIDTH = 400,
 
 /** Lines between beams are left out when they would be closer than this, in units of the drawing. */
 const CLOSEST = 3;
+
+/** Space that a number takes: part of the length, and units of the drawing. */
+const TEXT_WIDTH = 0.12,
+  TEXT_HEIGHT = 11;
 
 /** The position along the member, from 0 to 1, of a place across the drawing, from 0 to 1. */
 export const positionAt = (across) => (across * WIDTH - LEFT) / (WIDTH - LEFT - RIGHT);
@@ -71,21 +74,21 @@ function bandOf([low, high], x, y) {
 }
 
 /** A dot and a number at a value, the number above or below it. */
-function markOf(position, value, above, y, style) {
+function markOf(position, value, above, y, text) {
   const anchor = position < 0.06 ? "start" : position > 0.94 ? "end" : "middle";
   return [
     svg("circle", { cx: xOf(position), cy: y(value), r: 2 }),
     svg(
       "text",
       { x: xOf(position), y: y(value) + (above ? -5 : 13), "text-anchor": anchor },
-      styled(value, style),
+      text(value),
     ),
   ];
 }
 
 /** Marked are the ends and the extremes that differ from them; of an envelope only its extremes. */
-function marksOf({ positions, curves, extremes, up, style }, { largest, y }) {
-  const mark = (values, i, above) => markOf(positions[i], values[i], above, y, style);
+function marksOf({ positions, curves, extremes, up, text }, { largest, y }) {
+  const mark = (values, i, above) => markOf(positions[i], values[i], above, y, text);
   if (curves.length > 1) {
     const [low, high] = extremes;
     const marks = mark(curves[1].values, high.maxAt, up > 0);
@@ -96,10 +99,14 @@ function marksOf({ positions, curves, extremes, up, style }, { largest, y }) {
   const [{ values }] = curves,
     [{ minAt, maxAt }] = extremes;
   const last = values.length - 1;
+  const covers = (i) => (j) =>
+    Math.abs(positions[i] - positions[j]) < TEXT_WIDTH &&
+    Math.abs(y(values[i]) - y(values[j])) < TEXT_HEIGHT;
   const isNear = (i) => (end) => Math.abs(values[end] - values[i]) < 1e-3 * largest;
-  return [...new Set([0, last, minAt, maxAt])]
-    .filter((i) => i === 0 || i === last || ![0, last].some(isNear(i)))
-    .flatMap((i) => mark(values, i, up * values[i] >= 0));
+  const shown = [0, last];
+  for (const i of new Set([minAt, maxAt]))
+    if (!shown.some(covers(i)) && ![0, last].some(isNear(i))) shown.push(i);
+  return shown.flatMap((i) => mark(values, i, up * values[i] >= 0));
 }
 
 /** Lines where one beam ends and the next begins, and the range of the chosen beam. */
@@ -118,8 +125,8 @@ function beamsOf({ borders, chosen, isOne }) {
 }
 
 /**
- * Draws a diagram: {positions, curves, extremes, drawn, up, noise, style, borders, chosen, isOne}. positions: of its
- * points, from 0 to 1; drawn: the points that the curves pass; extremes: of each curve; borders: positions
+ * Draws a diagram: {positions, curves, extremes, drawn, up, noise, text, borders, chosen, isOne}. positions: of its
+ * points, from 0 to 1; drawn: the points that the curves pass; extremes: of each curve; text(value); borders: positions
  * between beams; chosen: the two ends of the chosen beam. Returns the drawing and moveTo(position) of its line.
  */
 export function drawChart(diagram) {

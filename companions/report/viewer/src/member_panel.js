@@ -4,15 +4,13 @@ import { h } from "./dom.js";
 import { drawChart, positionAt } from "./member_chart.js";
 import { firstExtremes } from "./member_results.js";
 import { styleOf, styled } from "./numbers.js";
-import { fact, linkTo } from "./panel_parts.js";
+import { fact, linkTo, unitAfter } from "./panel_parts.js";
 
 /** A drawing passes about this many points; a long member leaves some out, but no end and no extreme. */
 const MOST_DRAWN = 3000;
 
 /** Links to the beams of a member; of very long ones only those near the chosen one. */
 const MOST_LINKS = 24;
-
-const unitText = (unit) => (unit ? ` ${unit}` : "");
 
 /** A member as it is drawn: its points, their places, and the beams between them. */
 class Line {
@@ -25,7 +23,7 @@ class Line {
     this.distances = Float64Array.from(this.points, (point) => results.distance(point));
     this.positions = this.distances.map((distance) => distance / this.length);
     this.own = model.beamOf.get(element);
-    this.unit = unitText(model.units.length);
+    this.unit = unitAfter(model.units, model.units.length);
     this.style = styleOf(this.distances, 4);
   }
 
@@ -85,49 +83,54 @@ class Line {
       extremes[k].min,
       extremes[k].max,
     ]);
-    const styleFor = (values, digits) =>
-      styleOf(
-        values.filter((value) => Math.abs(value) >= noise),
+    const isNothing = (value) => value === 0 || Math.abs(value) < noise;
+    const textFor = (values, digits) => {
+      const style = styleOf(
+        values.filter((value) => !isNothing(value)),
         digits,
       );
+      return (value) => (isNothing(value) ? "0" : styled(value, style));
+    };
     return {
       title,
       quantity,
+      unit: unitAfter(this.model.units, quantity.unit),
       curves,
       extremes,
       up,
       noise,
       positions: this.positions,
       drawn: this.drawn(extremes),
-      style: styleFor(marked, 4),
-      fineStyle: styleFor(Float64Array.from(curves.flatMap(({ values }) => [...values])), 5),
+      text: textFor(marked, 4),
+      fineText: textFor(Float64Array.from(curves.flatMap(({ values }) => [...values])), 5),
       borders: this.borders,
       chosen: this.chosen,
       isOne: this.beams.length === 1,
+      isNothing: extremes.every(({ min, max }) => isNothing(min) && isNothing(max)),
     };
   }
 }
 
 /** "Mz = 3.2 kN*m", or of an envelope "Mz min = -1.5 kN*m (ULS 2)" and the same for the largest value. */
-function valuesAt({ quantity: { name, unit }, curves, fineStyle }, i) {
+function valuesAt({ quantity: { name }, unit, curves, fineText }, i) {
   return curves.map(({ label, values, by }) => {
-    const text = `${label ? `${name} ${label}` : name} = ${styled(values[i], fineStyle)}${unitText(unit)}`;
+    const text = `${label ? `${name} ${label}` : name} = ${fineText(values[i])}${unit}`;
     return by ? `${text} (${by(i)})` : text;
   });
 }
 
-/** "least -60.0 at 3.00 m, largest 30.0 at 6.00 m", with what governs in an envelope. */
-function extremesText({ curves, extremes, style }, line) {
+/** "least -60.0 kN at 3.00 m, largest 30.0 kN at 6.00 m", with what governs in an envelope. */
+function extremesText({ curves, extremes, text, unit }, line) {
+  const value = (k, i) => text(curves[k].values[i]) + unit;
+  const part = (word, k, i) => {
+    const { by } = curves[k];
+    const governing = by ? ` (${by(i)})` : "";
+    return `${word} ${value(k, i)} at ${line.place(line.distances[i])}${governing}`;
+  };
   const last = curves.length - 1;
-  const part = (word, { values, by }, i) =>
-    `${word} ${styled(values[i], style)} at ${line.place(line.distances[i])}${by ? ` (${by(i)})` : ""}`;
   const [low, high] = [extremes[0].minAt, extremes[last].maxAt];
-  if (
-    curves.length === 1 &&
-    styled(curves[0].values[low], style) === styled(curves[0].values[high], style)
-  )
-    return `constant ${styled(curves[0].values[low], style)}`;
-  return [part("least", curves[0], low), part("largest", curves[last], high)].join(", ");
+  if (last === 0 && value(0, low) === value(0, high)) return `${value(0, low)} everywhere`;
+  return [part("least", 0, low), part("largest", last, high)].join(", ");
 }
 
 function hinges(code) {
@@ -172,7 +175,7 @@ function memberFacts(line, choose) {
   const material = line.results.report.table("elements").column("material").cell(line.element);
   return h(
     "table",
-    { class: "facts pairs" },
+    { class: "facts" },
     fact("From", endText(line, 0, choose)),
     fact("To", members.isRing(member) ? "itself: a ring" : endText(line, 1, choose)),
     fact("Length", line.place(line.length)),
@@ -224,7 +227,7 @@ function diagramsOf(line, isEnvelope) {
   const { results, members, model } = line;
   const readout = h(
     "div",
-    { class: "readout" },
+    { class: results.quantities.length > 4 ? "readout tall" : "readout" },
     isEnvelope
       ? "Move over a diagram for its values and for what governs."
       : "Move over a diagram for its values.",
@@ -258,9 +261,9 @@ function diagramsOf(line, isEnvelope) {
         h("b", {}, title),
         unit ? ` in ${unit}` : "",
         h("span", { class: "sign" }, `positive: ${positive}`),
-        h("div", { class: "sign extremes" }, extremesText(diagram, line)),
+        h("div", { class: "extremes" }, extremesText(diagram, line)),
       ),
-      drawing,
+      diagram.isNothing ? null : drawing,
     );
   };
   return [readout, drawn.map(figure)];

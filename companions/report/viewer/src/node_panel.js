@@ -3,12 +3,10 @@
 import { h } from "./dom.js";
 import { BEAM, SHELL } from "./model.js";
 import { significant, styledTogether } from "./numbers.js";
-import { fact, linkTo, valueTable } from "./panel_parts.js";
+import { fact, linkTo, unitAfter, valueTable } from "./panel_parts.js";
 
 /** Links to the elements around a node; the others are counted. */
 const MOST_LINKS = 24;
-
-const withUnit = (text, unit) => (unit ? `${text} ${unit}` : text);
 
 /** The rows of a table that belong to a node. */
 function rowsOf(table, number) {
@@ -25,7 +23,7 @@ function valueRows(table, row) {
   for (const unit of new Set(columns.map((column) => column.unit))) {
     const own = columns.filter((column) => column.unit === unit);
     const together = styledTogether(own.map((column) => column.cell(row) ?? NaN));
-    own.forEach((column, i) => texts.set(column.name, together[i]));
+    own.forEach((column, i) => texts.set(column.name, column.cell(row) === 0 ? "0" : together[i]));
   }
   return columns.map(({ name, unit }) => {
     const by = table.column(`${name} by`)?.cell(row);
@@ -58,6 +56,7 @@ function componentNames({ components, translations }) {
 /** "ux, uy held; uz = -0.002 m; rz spring 500 kN*m/rad", of a support with its own axes with a note. */
 function supportText(report, table, row) {
   const { model, units } = report;
+  const withUnit = (value, unit) => significant(value) + unitAfter(units, unit);
   const names = componentNames(model);
   const held = [],
     others = [];
@@ -66,11 +65,10 @@ function supportText(report, table, row) {
     const value = table.column(`value${k + 1}`).cell(row) ?? 0;
     const isMove = k < model.translations;
     if (flag === 1 && value === 0) held.push(name);
-    else if (flag === 1)
-      others.push(withUnit(`${name} = ${significant(value)}`, isMove ? units.length : "rad"));
+    else if (flag === 1) others.push(`${name} = ${withUnit(value, isMove ? units.length : "rad")}`);
     else if (flag === 2)
       others.push(
-        `${name} spring ${withUnit(significant(value), isMove ? units.forcePerLength : `${units.moment}/rad`)}`,
+        `${name} spring ${withUnit(value, isMove ? units.forcePerLength : `${units.moment}/rad`)}`,
       );
   });
   const hasAxes = (table.column("Euler1")?.cell(row) ?? null) !== null;
@@ -79,10 +77,12 @@ function supportText(report, table, row) {
 }
 
 /** "Px 5.000 kN, Mz 3.000 kN*m": what is not zero. */
-function loadText(table, row) {
+function loadText(table, row, units) {
   return table.columns
     .filter((column) => column.name !== "node" && column.cell(row))
-    .map((column) => withUnit(`${column.name} ${significant(column.cell(row))}`, column.unit))
+    .map(
+      (column) => `${column.name} ${significant(column.cell(row))}${unitAfter(units, column.unit)}`,
+    )
     .join(", ");
 }
 
@@ -111,16 +111,14 @@ export function nodePanel({ report, model, choose }, node) {
   const number = model.nodeNumbers[node];
   const { translations } = report.model;
   const xyz = styledTogether(model.xyz.subarray(3 * node, 3 * node + translations));
-  const unit = model.units.length;
-  const facts = ["x", "y", "z"]
-    .slice(0, translations)
-    .map((name, k) => fact(name, withUnit(xyz[k], unit)));
+  const unit = unitAfter(model.units, model.units.length);
+  const facts = ["x", "y", "z"].slice(0, translations).map((name, k) => fact(name, xyz[k] + unit));
   const [supports, loads] = ["supports", "nodal_loads"].map((name) => report.table(name));
   const supported = rowsOf(supports, number).map((row) =>
     fact("Support", supportText(report, supports, row)),
   );
   const loaded = rowsOf(loads, number)
-    .map((row) => loadText(loads, row))
+    .map((row) => loadText(loads, row, report.units))
     .filter(Boolean);
   return [
     h("h3", {}, `Node ${number}`),

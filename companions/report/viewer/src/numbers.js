@@ -42,7 +42,7 @@ function neededDecimals(values, most) {
 /** A value in a style; an empty text for none. */
 export function styled(value, { decimals, exponent }) {
   if (value === null || value === undefined || Number.isNaN(value)) return "";
-  if (value === 0) return "0";
+  if (value === 0 && exponent) return "0";
   const text = exponent ? value.toExponential(decimals) : value.toFixed(decimals);
   return /^-[0.]*$/.test(text) ? text.slice(1) : text;
 }

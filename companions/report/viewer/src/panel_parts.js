@@ -2,8 +2,11 @@
 
 import { h } from "./dom.js";
 
+/** A unit as it follows a number; nothing where the problem file names none. */
+export const unitAfter = (units, unit) => (units.named && unit ? ` ${unit}` : "");
+
 /** A row of a list of facts; value: text, elements, or a list of both. */
-export const fact = (name, ...value) => h("tr", {}, h("th", {}, name), h("td", {}, value));
+export const fact = (name, ...value) => h("tr", {}, h("th", {}, name), h("td", {}, value.flat(3)));
 
 /** A button that chooses a "node", "beam", "element" or "member" by its number: "node 3". */
 export const linkTo = (kind, number, choose, text = `${kind} ${number}`) =>

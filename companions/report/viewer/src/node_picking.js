@@ -1,6 +1,8 @@
 // The node under the pointer.
 
-const REACH = 6; // pixels around a node
+/** Pixels around a node; with fewer the elements are so small that a click means one of them. */
+const REACH = 6,
+  LEAST_REACH = 2;
 
 /** A node takes at most this part of the shortest edge, so that small elements can be chosen too. */
 const PART_OF_EDGE = 0.25;
@@ -25,6 +27,7 @@ export function pickNode(stage, model, factor, element, point) {
   for (let i = 0; i < corners; ++i)
     for (let j = 0; j < i; ++j) shortest = Math.min(shortest, distance(seen[i], seen[j]));
   const reach = Math.min(REACH, PART_OF_EDGE * shortest);
+  if (reach < LEAST_REACH) return -1;
   const near = nodes.map((_, i) => i).filter((i) => distance(seen[i], point) <= reach);
   if (near.length === 0) return -1;
   return nodes[near.reduce((a, b) => (seen[b][2] < seen[a][2] ? b : a))];

@@ -1,6 +1,6 @@
 // The tables: sorted by a click on a column, searched by a number, drawn only as far as they are seen.
 
-import { csvParts } from "./csv.js";
+import { csvOf, csvParts } from "./csv.js";
 import { h } from "./dom.js";
 import { cellText, shortest } from "./numbers.js";
 import { fileName, save } from "./save.js";
@@ -191,6 +191,11 @@ export class TableView {
     if (this.table.beamOf) return this.onrow("beam", this.table.beamOf(row));
     const key = this.table.columns.find(({ name }) => name === "element" || name === "node");
     return key && this.onrow(key.name, key.cell(row));
+  }
+
+  /** The text of the file of a table. */
+  csvOf(table) {
+    return csvOf(table);
   }
 
   /** Saves the open table, all its rows in their own order. */

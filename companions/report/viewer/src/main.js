@@ -11,8 +11,9 @@ import { Highlight } from "./highlight.js";
 import { Labels, numberLabels } from "./labels.js";
 import { showLegend } from "./legend.js";
 import { MemberResults } from "./member_results.js";
+import { memberTable } from "./member_table.js";
 import { Members } from "./members.js";
-import { Model, SHELL } from "./model.js";
+import { Model } from "./model.js";
 import { pickNode } from "./node_picking.js";
 import { panelOf } from "./panel.js";
 import { onClick, pick } from "./picking.js";
@@ -227,7 +228,7 @@ class Report {
     this.toolbar.deformation.value = model.plane ? 0.5 : 1;
     this.drawAll();
     this.stage.look(model.plane ? "top" : "iso");
-    this.select(model.has(SHELL) ? -1 : this.results.mostBent());
+    this.select(this.results.mostBent());
   }
 
   /** Draws everything as the controls say. */
@@ -349,7 +350,9 @@ function largestLabels(labels) {
 /** The tables with that of the members, which is in front of the diagrams of their beams. */
 function withMembers(tables, results) {
   const place = tables.findIndex(({ name }) => name === "beam_diagrams");
-  return place < 0 ? tables : [...tables.slice(0, place), results.table(), ...tables.slice(place)];
+  return place < 0
+    ? tables
+    : [...tables.slice(0, place), memberTable(results), ...tables.slice(place)];
 }
 
 /** The beginning of the names of saved files: of the problem file, with cases of what is shown. */

@@ -1,6 +1,5 @@
 // Forces and deflections along members: the curves of all beams, and their extremes in every member.
 
-import { Column, Table } from "./data.js";
 import { DIAGRAMS, curvesOf, hasDiagram } from "./diagrams.js";
 import { dot } from "./model.js";
 
@@ -130,25 +129,10 @@ export class MemberResults {
     return TIE * Math.max(noise, ...curves.map(({ values }) => sizeOf(values)));
   }
 
-  /** The points with the extremes of a quantity in every member: two arrays by member. */
-  extremePoints(quantity) {
-    const { curves } = quantity;
-    const [low, high] = [curves[0].values, curves[curves.length - 1].values];
-    const tie = this.tieOf(quantity);
-    const least = new Int32Array(this.members.count),
-      most = new Int32Array(this.members.count);
-    for (let m = 0; m < this.members.count; ++m) {
-      const rows = this.pointsOf(m);
-      least[m] = rows[firstExtremes(rows, low, tie).minAt];
-      most[m] = rows[firstExtremes(rows, high, tie).maxAt];
-    }
-    return { least, most };
-  }
-
   /** The beam (place in the list of elements) with the largest bending moment; -1 without beams. */
   mostBent() {
     const count = this.model.beams.length * this.model.points;
-    return this.mostBentAt(Array.from({ length: count }, (_, point) => point));
+    return this.mostBentAt(new Int32Array(count).map((_, point) => point));
   }
 
   /** The same of a member; its first beam where nothing bends. */
@@ -171,64 +155,5 @@ export class MemberResults {
       }
     }
     return found;
-  }
-
-  /** The members as a table: what they are, and the extremes of every quantity with their places. */
-  table() {
-    const { members, model } = this;
-    const numbers = (i) => () =>
-      Int32Array.from(
-        { length: members.count },
-        (_, m) => model.nodeNumbers[members.endNode(m, i)],
-      );
-    const texts = (list) => [() => Int32Array.from(list, (_, m) => m), list];
-    const materials = this.report.table("elements").column("material").values;
-    const material = () =>
-      Int32Array.from(
-        { length: members.count },
-        (_, m) => materials[model.beams[members.beamsOf(m)[0]]],
-      );
-    const elements = Array.from({ length: members.count }, (_, m) => members.elementsText(m));
-    const table = new Table("members", members.count, [
-      new Column("member", "", ...texts(members.names)),
-      new Column("elements", "", ...texts(elements)),
-      new Column("from", "", numbers(0)),
-      new Column("to", "", numbers(1)),
-      new Column("length", model.units.length, () => members.lengths),
-      new Column("material", "", material),
-      ...this.quantities.flatMap((quantity) => this.columnsOf(quantity)),
-    ]);
-    table.beamOf = (row) => model.elements.numbers[this.mostBentOf(row)];
-    return table;
-  }
-
-  /** "Mz min", "Mz min at", of an envelope "Mz min by", and the same for the largest values. */
-  columnsOf(quantity) {
-    const { curves, unit } = quantity;
-    const name = quantity.name.replace("\u2032", "'");
-    let points = null;
-    const found = (which) => (points ??= this.extremePoints(quantity))[which];
-    const columns = (which, key, curve) => [
-      new Column(`${name} ${key}`, unit, () =>
-        Float64Array.from(found(which), (point) => curve.values[point]),
-      ),
-      new Column(`${name} ${key} at`, this.model.units.length, () =>
-        Float64Array.from(found(which), (point) => this.distance(point)),
-      ),
-      ...(curve.by
-        ? [
-            new Column(
-              `${name} ${key} by`,
-              "",
-              () => Int32Array.from(found(which), (point) => curve.by.values[point]),
-              curve.by.words,
-            ),
-          ]
-        : []),
-    ];
-    return [
-      ...columns("least", "min", curves[0]),
-      ...columns("most", "max", curves[curves.length - 1]),
-    ];
   }
 }

@@ -26,9 +26,10 @@ export function styleOf(values, digits = DIGITS) {
 
 /** The least number of decimals, up to `most`, with which all values read as with `most`. */
 function neededDecimals(values, most) {
+  const scale = 10 ** most;
   let needed = 0;
   for (let i = 0; i < values.length && needed < most; ++i) {
-    let whole = Math.abs(Math.round(values[i] * 10 ** most));
+    let whole = Math.abs(Math.round(values[i] * scale));
     let zeros = 0;
     while (whole > 0 && whole % 10 === 0 && zeros < most) {
       whole /= 10;

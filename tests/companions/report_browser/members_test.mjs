@@ -699,4 +699,52 @@ if (CASES) {
     }
     await page.close();
   });
+
+  test("deflections of an envelope are those of its combinations", async () => {
+    const page = await browser.open(join(folder, "hall.html"), SIZE);
+    await page.evaluate(
+      `morlenReport.show(morlenReport.selector.list.find(({ name }) => name === "ULS"))`,
+    );
+    const names = await page.evaluate(
+      "morlenReport.report.selection.members.map((member) => morlenReport.study.all[member].name)",
+    );
+    assert.ok(names.length > 10, `${names.length} combinations`);
+    /** uy' of the points of beam 2, from the displacements of a combination: y' is x' turned by 90 degrees. */
+    const deflections = (name) => {
+      const file = `${name.replace(/[^A-Za-z0-9._-]/g, "_")}.beam_diagrams.csv`;
+      const [head, ...rows] = readFileSync(join(folder, "members-csv", file), "utf8")
+        .trim()
+        .split("\n")
+        .map((line) => line.split(","));
+      const at = (column) =>
+        head.findIndex((one) => one.startsWith(`${column} `) || one === column);
+      const own = rows.filter((row) => row[at("element")] === "2");
+      const [x, y] = ["x", "y"].map((axis) => own.at(-1)[at(axis)] - own[0][at(axis)]);
+      return own.map((row) => (x * row[at("uy")] - y * row[at("ux")]) / Math.hypot(x, y));
+    };
+    const all = new Map(names.map((name) => [name, deflections(name)]));
+    const curves = await page.evaluate(`(() => {
+      const { model, results } = morlenReport, first = model.beamOf.get(model.elementAt.get(2)) * model.points;
+      return results.quantities.find(({ name }) => name.startsWith("uy")).curves.map(({ label, values, by }) => ({
+        label, values: Array.from(values.slice(first, first + model.points)),
+        by: Array.from({ length: model.points }, (_, i) => by.cell(first + i)) }));
+    })()`);
+    assert.deepEqual(
+      curves.map(({ label }) => label),
+      ["min", "max"],
+    );
+    // Axes of the page have seven digits.
+    const isNear = (a, b) =>
+      Math.abs(a - b) <= 1e-6 * Math.max(...all.get(names[0]).map(Math.abs), 1e-3);
+    for (const { label, values, by } of curves) {
+      values.forEach((value, i) => {
+        const found = names.map((name) => all.get(name)[i]);
+        const expected = label === "min" ? Math.min(...found) : Math.max(...found);
+        assert.ok(isNear(value, expected), `${label} ${i}: ${value}, ${expected}`);
+        assert.ok(isNear(all.get(by[i])[i], expected), `${label} ${i}: ${by[i]}`);
+      });
+    }
+    assert.deepEqual(page.complaints, []);
+    await page.close();
+  });
 }

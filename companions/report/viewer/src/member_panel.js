@@ -215,9 +215,8 @@ function explanation(isEnvelope, isOne) {
       "Drawn from the first node (left) to the last with the local axis y\u2032 or z\u2032 upwards; moments are on the side of the tension.",
       "Forces act on the side of end 1 of each beam. Values between the nodes include the loads along the beams.",
       isOne ? "" : "Lines separate the beams of the member; the chosen beam is shaded.",
-      isEnvelope
-        ? "Red: the largest values; blue: the least ones."
-        : "Deflections are the displacements along the local axes, those of the ends included.",
+      "Deflections are the displacements along the local axes, those of the ends included.",
+      isEnvelope ? "Red: the largest values; blue: the least ones." : "",
     ].join(" "),
   );
 }

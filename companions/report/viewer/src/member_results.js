@@ -1,5 +1,6 @@
 // Forces and deflections along members: the curves of all beams, and their extremes in every member.
 
+import { Column } from "./data.js";
 import { DIAGRAMS, curvesOf, hasDiagram } from "./diagrams.js";
 import { dot } from "./model.js";
 
@@ -34,7 +35,7 @@ export class MemberResults {
     const forces = Object.keys(DIAGRAMS).filter((name) => hasDiagram(model.diagrams, name));
     this.quantities = [
       ...forces.map((name) => this.force(name)),
-      ...(report.isEnvelope || !model.diagrams ? [] : this.deflections()),
+      ...(model.diagrams ? this.deflections() : []),
     ];
   }
 
@@ -71,39 +72,59 @@ export class MemberResults {
     ));
   }
 
-  /** The displacements along the local axes y' and z'. */
+  /** The displacements along the local axes y' and z', of an envelope their extremes. */
   deflections() {
     const { model } = this;
-    const along = (axis) => {
-      const values = new Float64Array(model.beams.length * model.points);
-      model.beams.forEach((element, b) => {
-        const direction = model.beamAxes(element)[axis];
-        for (let i = b * model.points; i < (b + 1) * model.points; ++i)
-          values[i] = dot(model.beamDisplacements.subarray(3 * i, 3 * i + 3), direction);
-      });
-      return values;
-    };
-    const deflection = (axis, name) => {
-      let found = null;
-      const curve = {
-        label: "",
-        by: null,
-        get values() {
-          return (found ??= along(axis));
-        },
-      };
-      return {
-        name,
-        title: `Deflection ${name}`,
-        positive: `along +${name[1]}\u2032`,
-        unit: model.units.length,
-        up: 1,
-        curves: [curve],
-        noise: NOTHING * model.largest,
-      };
-    };
+    const deflection = (axis, name) => ({
+      name,
+      title: `Deflection ${name}`,
+      positive: `along +${name[1]}\u2032`,
+      unit: model.units.length,
+      up: 1,
+      curves: this.report.isEnvelope ? this.movesOfEnvelope(axis) : [this.moves(axis)],
+      noise: NOTHING * model.largest,
+    });
     const all = [deflection(1, "uy\u2032"), deflection(2, "uz\u2032")];
     return model.plane ? all.slice(0, 1) : all;
+  }
+
+  /** A local axis (1: y', 2: z') of every beam, three numbers each. */
+  directions(axis) {
+    return Float64Array.from(this.model.beams.flatMap((e) => this.model.beamAxes(e)[axis]));
+  }
+
+  moves(axis) {
+    const { beamDisplacements: u, points } = this.model;
+    const along = () => {
+      const directions = this.directions(axis);
+      return new Float64Array(u.length / 3).map((_, i) => {
+        const beam = 3 * Math.floor(i / points);
+        return dot(u.subarray(3 * i, 3 * i + 3), directions.subarray(beam, beam + 3));
+      });
+    };
+    let values = null;
+    return {
+      label: "",
+      by: null,
+      get values() {
+        return (values ??= along());
+      },
+    };
+  }
+
+  movesOfEnvelope(axis) {
+    let moves = null;
+    const found = () => (moves ??= this.report.movesAlong(this.directions(axis)));
+    const curve = (label, key) => ({
+      label,
+      get values() {
+        return found()[key];
+      },
+      get by() {
+        return new Column(`${label} by`, "", () => found()[`${key}By`], found().words);
+      },
+    });
+    return [curve("min", "low"), curve("max", "high")];
   }
 
   /** The distance of a point of the list from the beginning of its member. */

@@ -255,6 +255,43 @@ test("a member tells its length, its name, where its beams lie, and why it ends"
   assert.deepEqual(doubled.names, ["1 to 2", "1 to 2 (2)"]);
 });
 
+test("materials of single elements count by their values", async () => {
+  const items = ["", "E=1e6", "E=2e6", "E=2e6", "", "A=0.2"];
+  const nodes = Array.from({ length: items.length + 1 }, (_, i) => i + 1);
+  writeFileSync(
+    join(folder, "own.dat"),
+    [
+      "problem type: 2d",
+      "NumOfDivisions 2",
+      "mesh dimension = 2 elemtype Linear nnode = 2",
+      "coordinates",
+      ...nodes.map((i) => `${i} ${i} 0`),
+      "end coordinates",
+      "elements",
+      ...items.map((item, i) => `${i + 1} ${i + 1} ${i + 2} 1 ${item}`),
+      "end elements",
+      "materials",
+      "1 E=1e6 A=0.1 Iz=0.01",
+      "end materials",
+      "constraints",
+      "1 111 0 0 0",
+      "end constraints",
+      "nodal_point_loads",
+      "7 0 -1 0",
+      "end nodal_point_loads",
+      "",
+    ].join("\n"),
+  );
+  const page = await browser.open(reportOf("own.dat"), SIZE);
+  await openTable(page, "members");
+  const members = Object.values(await page.evaluate(MEMBER_TABLE));
+  assert.deepEqual(
+    members.map(({ elements }) => elements),
+    ["1 2", "3 4", "5", "6"],
+  );
+  await page.close();
+});
+
 test("numbers: the same decimals in a column, all digits in files", () => {
   const column = (values) => {
     const style = styleOf(values);

@@ -221,6 +221,19 @@ function explanation(isEnvelope, isOne) {
   );
 }
 
+/** The title of a diagram and its extremes; of one without values only that. */
+function captionOf(diagram, line) {
+  const { title, unit, positive } = diagram.quantity;
+  const extremes = extremesText(diagram, line);
+  if (diagram.isNothing) return [h("b", {}, title), `: ${extremes}`];
+  return [
+    h("b", {}, title),
+    unit ? ` in ${unit}` : "",
+    h("span", { class: "sign" }, `positive: ${positive}`),
+    h("div", { class: "extremes" }, extremes),
+  ];
+}
+
 /** The diagrams, and a line above them with the values at the pointer. */
 function diagramsOf(line, isEnvelope) {
   const { results, members, model } = line;
@@ -239,10 +252,11 @@ function diagramsOf(line, isEnvelope) {
     const own = line.distances[i] - members.offset[b];
     const beam = `beam ${model.elements.numbers[model.beams[b]]}, x\u2032 = ${line.place(own)}`;
     const isOne = line.beams.length === 1;
-    readout.textContent = [
+    const texts = [
       isOne ? `x\u2032 = ${line.place(own)}` : `at ${line.place(line.distances[i])} (${beam})`,
       ...(isEnvelope ? [hovered] : diagrams).flatMap((diagram) => valuesAt(diagram, i)),
-    ].join("   ");
+    ];
+    readout.replaceChildren(...texts.flatMap((text) => [h("span", {}, text), "   "]));
   };
   const figure = ({ diagram, drawing }) => {
     drawing.addEventListener("pointermove", (event) => {
@@ -250,18 +264,10 @@ function diagramsOf(line, isEnvelope) {
       const position = positionAt((event.clientX - box.left) / box.width);
       show(line.nearest(Math.min(1, Math.max(0, position))), diagram);
     });
-    const { title, unit, positive } = diagram.quantity;
     return h(
       "figure",
       {},
-      h(
-        "figcaption",
-        {},
-        h("b", {}, title),
-        unit ? ` in ${unit}` : "",
-        h("span", { class: "sign" }, `positive: ${positive}`),
-        h("div", { class: "extremes" }, extremesText(diagram, line)),
-      ),
+      h("figcaption", {}, captionOf(diagram, line)),
       diagram.isNothing ? null : drawing,
     );
   };

@@ -4,7 +4,7 @@
 // - no third beam has that node, whatever its direction: beams that frame in end a member, and of
 //   several beams in one line (overlapping, doubled) none can be chosen;
 // - the node has no support, and neither beam a hinge there;
-// - both have one material; materials of single elements count as one when all their values are equal;
+// - both have one material; that of a single element counts as any other with the same values;
 // - the angle between their axes x', and that between their axes y', is at most 0.1 degrees. A beam
 //   that runs the other way has the opposite axes: it ends the member.
 // Nodes of shells, loads and the borders of meshes do not end a member. One pass over the ends of all
@@ -42,7 +42,7 @@ export class Members {
     const supports = report.table("supports");
     return new Members(model, {
       hinges: (element) => codes.cell(element) ?? 11,
-      section: sectionsOf(report, model),
+      section: sectionsOf(report),
       isHeld: heldNodes(supports, model),
     });
   }
@@ -226,22 +226,31 @@ function heldNodes(supports, model) {
 
 /**
  * A key for the material of a beam: its number, or of a material that belongs to one element, which
- * has the number 0, all its values. Such materials are at the end of their table, in the order of
- * their elements.
+ * has the number 0, that of a numbered material with the same values, or else its values. Materials
+ * of elements are at the end of their table, in the order of their elements.
  */
-function sectionsOf(report, model) {
+function sectionsOf(report) {
   const ofElements = report.table("elements").column("material").values;
   const table = report.table("materials");
-  const own = [];
   const numbers = table?.column("material").values ?? [];
-  for (let row = 0; row < numbers.length; ++row) if (numbers[row] === 0) own.push(row);
-  const keys = new Map();
-  let used = 0;
-  for (let e = 0; e < model.elements.count; ++e) {
-    if (ofElements[e] !== 0) continue;
-    const row = own[used++];
-    const values = table?.columns.slice(1).map((column) => column.values[row]);
-    keys.set(e, row === undefined ? `element ${e}` : values.join(" "));
-  }
+  const valuesOf = (row) =>
+    table.columns
+      .slice(1)
+      .map((column) => column.values[row].toPrecision(6))
+      .join(" ");
+  const rows = Array.from(numbers.keys());
+  const own = rows.filter((row) => numbers[row] === 0);
+  if (own.length === 0) return (element) => ofElements[element];
+  const numbered = new Map(
+    rows.filter((row) => numbers[row] !== 0).map((row) => [valuesOf(row), numbers[row]]),
+  );
+  const owners = Array.from(ofElements.keys()).filter((e) => ofElements[e] === 0);
+  const isWhole = owners.length === own.length; // elements without any material have the number 0 too
+  const keys = new Map(
+    owners.map((e, i) => {
+      const values = isWhole ? valuesOf(own[i]) : `element ${e}`;
+      return [e, numbered.get(values) ?? values];
+    }),
+  );
   return (element) => keys.get(element) ?? ofElements[element];
 }

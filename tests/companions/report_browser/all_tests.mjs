@@ -9,6 +9,6 @@
 import { CASES } from "./context.mjs";
 
 const chosen = process.env.REPORT_TESTS?.split(" ");
-const files = ["report", "layout", "view", ...(CASES ? ["case_report"] : [])];
+const files = ["report", "layout", "view", "members", ...(CASES ? ["case_report"] : [])];
 for (const name of files.filter((one) => chosen?.includes(one) ?? true))
   await import(`./${name}_test.mjs`);

@@ -81,8 +81,9 @@ function rotate(a, axes, p, q) {
 
 const MEMBRANE = ["Nx'", "Ny'", "Nxy'"],
   MOMENTS = ["Mx'", "My'", "Mxy'"],
-  STRESSES = ["Sx", "Sy", "Sz", "Txy", "Tyz", "Txz"],
-  TRANSLATIONS = ["ux", "uy", "uz"];
+  STRESSES = ["Sx", "Sy", "Sz", "Txy", "Tyz", "Txz"];
+
+export const TRANSLATIONS = ["ux", "uy", "uz"];
 
 /** Columns and what they are computed from. A column of `from` that the table lacks counts as 0. */
 export const DERIVED = {

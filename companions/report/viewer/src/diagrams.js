@@ -25,8 +25,14 @@ export function curvesOf(diagrams, name) {
   const curve = (key, label) => {
     const column = diagrams?.column(`${name}${key}`);
     if (!column) return null;
-    const { values, unit } = column;
-    return { label, values, unit, by: diagrams.column(`${name}${key} by`) };
+    return {
+      label,
+      unit: column.unit,
+      by: diagrams.column(`${name}${key} by`),
+      get values() {
+        return column.values;
+      },
+    };
   };
   const one = curve("", "");
   return one ? [one] : [curve(" min", "min"), curve(" max", "max")].filter(Boolean);

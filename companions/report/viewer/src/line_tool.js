@@ -6,7 +6,7 @@ import { chart } from "./chart.js";
 import { h } from "./dom.js";
 import { valuesAlongLine } from "./line_values.js";
 import { minus } from "./model.js";
-import { fileName, saveFile } from "./save.js";
+import { fileBase, fileName, save } from "./save.js";
 import { DETAIL } from "./scene.js";
 import { theme } from "./theme.js";
 
@@ -143,8 +143,12 @@ export class LineTool {
       from: [from * length, values[0]],
       to: [to * length, values[1]],
     }));
-    const save = () =>
-      saveFile(fileName(report, "line", "csv"), "text/csv", this.csv(field, pieces, length));
+    const saveValues = () =>
+      save(
+        fileName(...fileBase(report), "line", "csv"),
+        [this.csv(field, pieces, length)],
+        "text/csv",
+      );
     this.box.hidden = false;
     this.box.replaceChildren(
       h(
@@ -154,7 +158,7 @@ export class LineTool {
         h(
           "span",
           {},
-          h("button", { id: "line-csv", onclick: save }, "CSV"),
+          h("button", { id: "line-csv", onclick: saveValues }, "CSV"),
           h("button", { onclick: () => this.clear() }, "Close"),
         ),
       ),

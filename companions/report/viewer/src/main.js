@@ -6,7 +6,7 @@ import { ColourScale, bandTexture } from "./colours.js";
 import { Cutting } from "./cutting.js";
 import { readReport } from "./data.js";
 import { Deformation } from "./deformation.js";
-import { DiagramView, curvesOf } from "./diagrams.js";
+import { DiagramView } from "./diagrams.js";
 import { format, h } from "./dom.js";
 import { ShellPoints, extremesOfField, fieldsOf } from "./fields.js";
 import { Highlight } from "./highlight.js";
@@ -14,11 +14,15 @@ import { Labels, numberLabels } from "./labels.js";
 import { Legend } from "./legend.js";
 import { closeMenusOutside } from "./menu.js";
 import { LocalAxes } from "./local_axes.js";
-import { panelOf } from "./member_panel.js";
-import { Model, SHELL } from "./model.js";
+import { MemberResults } from "./member_results.js";
+import { memberTable } from "./member_table.js";
+import { Members } from "./members.js";
+import { Model } from "./model.js";
 import { Motions } from "./motions.js";
+import { pickNode } from "./node_picking.js";
 import { cardsOf, headOf } from "./page_contents.js";
 import { layOutPage } from "./page_frame.js";
+import { panelOf } from "./panel.js";
 import { onClick, pick } from "./picking.js";
 import { PrintSheet } from "./print_sheet.js";
 import { directionLines } from "./principal.js";
@@ -39,12 +43,14 @@ class Report {
   constructor(data) {
     this.study = data.study ? new Study(data) : null;
     this.selector = this.study && new Selector(this.study, (selection) => this.show(selection));
+    this.choose = (kind, number) => this.selectNumber(kind, Number(number));
     this.deformation = new Deformation();
     this.factor = this.deformation.factor;
     this.visibility = new Visibility();
     /** What all parts of the view share; see deformable(). */
     this.settings = { factor: this.factor, cut: { value: new THREE.Vector4(...NO_CUT) } };
-    this.selected = -1;
+    this.selected = -1; // an element
+    this.selectedNode = -1;
     this.remembered = {}; // values of controls
     this.take(this.study ? this.study.view(this.study.all[0]) : readReport(data));
     this.layOut();
@@ -67,6 +73,8 @@ class Report {
     this.settings.isShown = this.visibility.test(this.model);
     this.shells = new ShellPoints(this.model, report.table("shell_forces"));
     this.fields = fieldsOf(report, this.model);
+    this.members = Members.of(report, this.model);
+    this.results = new MemberResults(report, this.model, this.members);
     this.deformation.take(this.model);
   }
 
@@ -76,7 +84,7 @@ class Report {
     this.take(this.study.view(selection));
     this.fillPage();
     this.redraw();
-    this.select(this.selected);
+    this.mark(this.selected, this.selectedNode);
   }
 
   /** Makes the scene anew: of another case, or in other colours. */
@@ -127,14 +135,14 @@ class Report {
   /** Fills the boxes with the present report. */
   fillPage() {
     const { report } = this;
-    const onplace = (kind, number) => this.choose(kind, Number(number));
     const toolbar = new Toolbar(this);
     toolbar.adopt(this.remembered);
     this.toolbar.element.replaceWith(toolbar.element);
     this.toolbar = toolbar;
     this.selector?.show(report.selection);
     const open = this.tables?.table.name;
-    this.tables = new TableView(report.tables, onplace, open);
+    const tables = withMembers(report.tables, this.results);
+    this.tables = new TableView(tables, this.choose, open, fileNameOf(report));
     this.parts.head.replaceChildren(...headOf(this));
     this.parts.cards.replaceChildren(...cardsOf(this));
     this.parts.tables.replaceChildren(
@@ -152,13 +160,20 @@ class Report {
     this.axes = new LocalAxes(this.stage, this.labels, this.settings);
     this.cutting = new Cutting(this);
     onClick(this.stage.renderer.domElement, (point) => {
-      if (!this.cutting.take(point)) this.select(this.pickAt(point));
+      if (!this.cutting.take(point)) this.markAt(point);
     });
   }
 
   pickAt(point) {
     const { cutting, factor, model, stage, views } = this;
     return pick(stage, model, views, cutting.section, factor.value, point);
+  }
+
+  /** Selects the node near a point of the view, or the element there. */
+  markAt(point) {
+    const element = this.pickAt(point);
+    const node = pickNode(this.stage, this.model, this.factor.value, element, point);
+    this.mark(node < 0 ? element : -1, node);
   }
 
   fillStage() {
@@ -178,7 +193,7 @@ class Report {
       loads: loadSymbols(report, model, 0.085 * model.box.size),
       reactions: reactionSymbols(report, model, 0.085 * model.box.size),
     };
-    this.highlight = new Highlight(this.stage, model);
+    this.highlight = new Highlight(this.stage, model, this.members);
     const details = [
       ...Object.values(this.symbols).map(({ group }) => group),
       this.hinges,
@@ -191,7 +206,7 @@ class Report {
       ...details,
       this.cutting.fill(),
       this.axes.line,
-      this.highlight.line,
+      ...this.highlight.objects,
     );
   }
 
@@ -224,7 +239,7 @@ class Report {
     this.drawAll();
     this.stage.resize(); // the legend takes space
     this.stage.look(model.plane ? "top" : "iso");
-    this.select(model.has(SHELL) ? -1 : this.mostBent());
+    this.select(this.results.mostBent());
     const moving = this.report.hasResults ? null : this.report.check?.find(({ motion }) => motion);
     if (moving) this.motions.show(moving);
   }
@@ -241,21 +256,6 @@ class Report {
     this.showAxes();
     this.deform();
     this.cutting.show();
-  }
-
-  /** The beam with the largest bending moment; -1 without beams. */
-  mostBent() {
-    const { model } = this;
-    let found = -1,
-      largest = 0;
-    for (const { values } of ["My", "Mz"].flatMap((name) => curvesOf(model.diagrams, name))) {
-      for (let i = 0; i < values.length; ++i) {
-        if (Math.abs(values[i]) <= largest) continue;
-        largest = Math.abs(values[i]);
-        found = model.beams[Math.floor(i / model.points)];
-      }
-    }
-    return found;
   }
 
   colour() {
@@ -354,24 +354,22 @@ class Report {
     this.stage.draw();
   }
 
-  /** Selects an element, or an element at a node, by its number: from a table or an extreme. */
-  choose(kind, number) {
+  /** Selects what a row of a table, a link or a place of an extreme names. */
+  selectNumber(kind, number) {
     const { model } = this;
-    if (kind !== "node") return this.select(model.elementAt.get(number) ?? -1);
-    const node = model.nodeAt.get(number),
-      { elements } = model;
-    for (let e = 0; e < elements.count; ++e) {
-      for (let i = 0; i < elements.nodeCounts[e]; ++i)
-        if (model.node(e, i) === node) return this.select(e);
-    }
-    return this.select(-1);
+    if (kind === "node") this.mark(-1, model.nodeAt.get(number) ?? -1);
+    else this.select(model.elementAt.get(number) ?? -1);
   }
 
   select(element) {
+    this.mark(element, -1);
+  }
+
+  /** Selects an element or a node, places in their lists; -1 for none. */
+  mark(element, node) {
     this.selected = element;
-    this.panel.replaceChildren(
-      ...panelOf(this.report, this.model, this.shells, this.fields, element).flat().filter(Boolean),
-    );
+    this.selectedNode = node;
+    this.panel.replaceChildren(...panelOf(this, { element, node }).flat(2).filter(Boolean));
     if (!this.stage) return;
     this.placeHighlight();
     this.showAxes();
@@ -384,7 +382,8 @@ class Report {
   }
 
   placeHighlight() {
-    this.highlight.place(this.selected, this.factor.value);
+    const { selected: element, selectedNode: node } = this;
+    this.highlight.place({ element, node }, this.factor.value);
   }
 }
 
@@ -394,6 +393,17 @@ function largestLabels(labels) {
   const least = labels.reduce((a, b) => (b.value < a.value ? b : a));
   return [least, labels.reduce((a, b) => (b.value > a.value ? b : a))];
 }
+
+/** The tables with that of the members, which is in front of the diagrams of their beams. */
+function withMembers(tables, results) {
+  const place = tables.findIndex(({ name }) => name === "beam_diagrams");
+  return place < 0
+    ? tables
+    : [...tables.slice(0, place), memberTable(results), ...tables.slice(place)];
+}
+
+/** The beginning of the names of saved files: of the problem file, with cases of what is shown. */
+const fileNameOf = ({ model, selection }) => [model.file.replace(/\.[^.]*$/, ""), selection?.name];
 
 /** For scripts and tests: the report of this page. */
 window.morlenReport = new Report(JSON.parse(document.getElementById("data").textContent));

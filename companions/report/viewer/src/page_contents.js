@@ -21,10 +21,9 @@ export function headOf(page) {
 
 function extremes(page) {
   const { report, model, shells, fields } = page;
-  const onplace = (kind, number) => page.choose(kind, Number(number));
   return report.isEnvelope
-    ? envelopeCard(report, onplace)
-    : extremesCard(report, model, shells, fields, onplace);
+    ? envelopeCard(report, page.choose)
+    : extremesCard(report, model, shells, fields, page.choose);
 }
 
 /** The cards on the model and on its results. */
@@ -34,7 +33,7 @@ export function cardsOf(page) {
     h(
       "div",
       { class: "cards" },
-      modelCard(report, model),
+      modelCard(report, model, page.members),
       balanceCard(report, model),
       report.balances ? caseBalancesCard(report, model) : null,
       checkCard(report, showMotion(page)),

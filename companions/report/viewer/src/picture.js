@@ -2,7 +2,7 @@
 
 import { cssColour } from "./colours.js";
 import { DIAGRAMS, curvesOf } from "./diagrams.js";
-import { fileName, saveFile } from "./save.js";
+import { fileBase, fileName, save } from "./save.js";
 import { svgOf } from "./vector_picture.js";
 
 const HEAD = 44, // pixels of the title
@@ -87,7 +87,7 @@ export function pictureOf(view) {
 
 export function savePng(view) {
   pictureOf(view).toBlob((blob) =>
-    saveFile(fileName(view.report, view.field?.id ?? "view", "png"), "image/png", blob),
+    save(fileName(...fileBase(view.report), view.field?.id ?? "view", "png"), [blob], "image/png"),
   );
 }
 
@@ -165,6 +165,10 @@ export function vectorPictureOf(view) {
 }
 
 export function saveSvg(view) {
-  const name = fileName(view.report, view.diagramName || view.field?.id || "view", "svg");
-  saveFile(name, "image/svg+xml", vectorPictureOf(view));
+  const name = fileName(
+    ...fileBase(view.report),
+    view.diagramName || view.field?.id || "view",
+    "svg",
+  );
+  save(name, [vectorPictureOf(view)], "image/svg+xml");
 }

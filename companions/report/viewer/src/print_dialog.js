@@ -20,12 +20,17 @@ export function openPrintDialog(report) {
     id,
     checkbox(`print-${id}`, text, choices.views.includes(id), () => {}),
   ]);
-  const selected = checkbox("print-selected", "The selected element", choices.selected, () => {});
+  const selected = checkbox(
+    "print-selected",
+    "The selected element or node",
+    choices.selected,
+    () => {},
+  );
   const [members, memberCount] = numberField(
     "print-members",
     "Members with the largest forces",
     choices.members,
-    report.model.beams.length,
+    report.members.count,
   );
   const [rows, rowCount] = numberField(
     "print-rows",
@@ -56,7 +61,7 @@ export function openPrintDialog(report) {
         "fieldset",
         {},
         h("legend", {}, "Elements and tables"),
-        report.selected >= 0 ? selected : null,
+        report.selected >= 0 || report.selectedNode >= 0 ? selected : null,
         report.model.beams.length ? members : null,
         rows,
       ),

@@ -1,28 +1,45 @@
 // The members with the largest forces, in the order in which they are printed.
 
-import { DIAGRAMS, curvesOf, hasDiagram } from "./diagrams.js";
+import { DIAGRAMS } from "./diagrams.js";
+
+/** The largest size of a quantity in every member, and the beam (place in the list of beams) that has it. */
+function largestIn({ model, members }, { curves }) {
+  const sizes = new Float64Array(members.count),
+    beams = new Int32Array(members.count).fill(-1);
+  for (const { values } of curves) {
+    for (let i = 0; i < values.length; ++i) {
+      const b = Math.floor(i / model.points),
+        member = members.of[b];
+      if (!(Math.abs(values[i]) > sizes[member])) continue;
+      sizes[member] = Math.abs(values[i]);
+      beams[member] = b;
+    }
+  }
+  return { sizes, beams };
+}
 
 /**
- * The `count` members (places in the model's list of elements) whose forces are the largest. A
- * member is judged by the largest of its ratios |force| / largest |force| of the same kind in the
- * model, so that each kind has its member at the beginning; ties go to the member with the larger
- * sum of its ratios.
+ * The `count` members whose forces are the largest: of each the beam, as a place in the list of
+ * elements, that has its largest force. A member is judged by the largest of its ratios |force| /
+ * largest |force| of the same kind in the model, so that each kind has its member at the
+ * beginning; ties go to the member with the larger sum of its ratios. results: MemberResults.
  */
-export function largestMembers(model, count) {
-  const scores = model.beams.map((element, b) => ({ element, b, largest: 0, sum: 0 }));
-  for (const name of Object.keys(DIAGRAMS).filter((one) => hasDiagram(model.diagrams, one))) {
-    const sizes = new Float64Array(scores.length);
-    for (const { values } of curvesOf(model.diagrams, name)) {
-      for (let i = 0; i < values.length; ++i) {
-        const b = Math.floor(i / model.points);
-        sizes[b] = Math.max(sizes[b], Math.abs(values[i]));
-      }
-    }
+export function largestMembers(results, count) {
+  const { model, members } = results;
+  const scores = Array.from({ length: members.count }, (_, member) => ({
+    member,
+    beam: -1,
+    largest: 0,
+    sum: 0,
+  }));
+  for (const quantity of results.quantities.filter(({ name }) => name in DIAGRAMS)) {
+    const { sizes, beams } = largestIn(results, quantity);
     const most = sizes.reduce((a, b) => Math.max(a, b), 0);
     if (!(most > 0)) continue;
     for (const score of scores) {
-      const ratio = sizes[score.b] / most;
-      score.largest = Math.max(score.largest, ratio);
+      const ratio = sizes[score.member] / most;
+      if (ratio > score.largest)
+        Object.assign(score, { largest: ratio, beam: beams[score.member] });
       score.sum += ratio;
     }
   }
@@ -30,8 +47,8 @@ export function largestMembers(model, count) {
   return scores
     .filter(({ largest }) => largest > 0)
     .sort((a, b) =>
-      isEqual(a.largest, b.largest) ? b.sum - a.sum || a.b - b.b : b.largest - a.largest,
+      isEqual(a.largest, b.largest) ? b.sum - a.sum || a.member - b.member : b.largest - a.largest,
     )
     .slice(0, count)
-    .map(({ element }) => element);
+    .map(({ beam }) => model.beams[beam]);
 }

@@ -2,7 +2,7 @@
 // by its own command, in light colours, and thrown away afterwards.
 
 import { h } from "./dom.js";
-import { panelOf } from "./member_panel.js";
+import { panelOf } from "./panel.js";
 import { cardsOf, footnoteOf, headOf } from "./page_contents.js";
 import { largestMembers } from "./print_members.js";
 import { printedTables } from "./print_tables.js";
@@ -44,22 +44,27 @@ function captionOf(report, view) {
   return report.hasResults ? `${name}, ${shape}` : name;
 }
 
-function elementSheet(report, element) {
-  const { model, shells, fields } = report;
-  const content = panelOf(report.report, model, shells, fields, element).flat().filter(Boolean);
+function sheet(report, selection) {
+  const content = panelOf(report, selection).flat(2).filter(Boolean);
   return h("article", { class: "print-element" }, content);
 }
 
-/** The elements that are printed: the selected one, and those with the largest forces. */
-function elements(report, { selected, members }) {
-  const found = largestMembers(report.model, members);
-  const isExtra = selected && report.selected >= 0 && !found.includes(report.selected);
-  const chosen = isExtra ? [report.selected] : [];
-  const sheets = (list) => list.map((element) => elementSheet(report, element));
+/** True when an element is a beam of one of the members that have these beams. */
+function isOfOne({ model, members }, element, beams) {
+  const memberOf = (one) => members.of[model.beamOf.get(one)];
+  return model.beamOf.has(element) && beams.some((beam) => memberOf(beam) === memberOf(element));
+}
+
+/** The panels that are printed: the selected one, and the members with the largest forces. */
+function panels(report, { selected, members }) {
+  const { selected: element, selectedNode: node } = report;
+  const found = largestMembers(report.results, members);
+  const isChosen = selected && (node >= 0 || (element >= 0 && !isOfOne(report, element, found)));
+  const sheets = found.map((beam) => sheet(report, { element: beam, node: -1 }));
   return [
-    chosen.length ? [h("h2", {}, "Selected"), sheets(chosen)] : [],
-    found.length ? [h("h2", {}, "Members with the largest forces"), sheets(found)] : [],
-  ].flat(2);
+    isChosen ? [h("h2", {}, "Selected"), sheet(report, { element, node })] : [],
+    found.length ? [h("h2", {}, "Members with the largest forces"), ...sheets] : [],
+  ].flat();
 }
 
 export class PrintSheet {
@@ -79,7 +84,7 @@ export class PrintSheet {
       ...[
         head,
         figures(report, choices.views),
-        elements(report, choices),
+        panels(report, choices),
         cards,
         choices.rows ? printedTables(report.report.tables, choices.rows) : null,
         h("footer", {}, footnoteOf(report)),

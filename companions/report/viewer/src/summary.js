@@ -4,6 +4,7 @@ import { format, h } from "./dom.js";
 import { accuracyLine } from "./accuracy.js";
 import { extremesOf, extremesOfField } from "./fields.js";
 import { motionButton } from "./motions.js";
+import { significant, styleOf, styled } from "./numbers.js";
 
 const row = (...cells) =>
   h(
@@ -18,7 +19,7 @@ function card(id, title, ...content) {
 
 function kindCounts(model) {
   const names = [
-    ["member", "members"],
+    ["beam", "beams"],
     ["shell", "shells"],
     ["solid", "solids"],
   ];
@@ -34,7 +35,7 @@ function kindCounts(model) {
 /** The loads of combinations are in the view only, those of envelopes nowhere. */
 const hasLoadTables = ({ selection }) => !selection || selection.kind === "case";
 
-export function modelCard(report, model) {
+export function modelCard(report, model, members) {
   const { low, high } = model.box;
   const size = high
     .map((value, k) => format(value - low[k], 4))
@@ -53,6 +54,7 @@ export function modelCard(report, model) {
         "Elements",
         `${kindCounts(model)} in ${report.model.meshes} ${report.model.meshes === 1 ? "mesh" : "meshes"}`,
       ),
+      members.count ? row("Members", String(members.count)) : null,
       row("Materials", format(count("materials"))),
       row("Supported nodes", format(count("supports"))),
       hasLoadTables(report)
@@ -87,6 +89,14 @@ export function balanceCard(report, model) {
   );
   const clean = (value, k) =>
     Math.abs(value) < 1e-10 * largest * (isForce(k) ? 1 : model.box.size) ? 0 : value;
+  const styleFor = (wanted) =>
+    styleOf(
+      places
+        .filter((k) => isForce(k) === wanted)
+        .flatMap((k) => [equilibrium.loads[k], equilibrium.reactions[k]])
+        .map((value) => (Math.abs(value) < 1e-10 * largest ? 0 : value)),
+    );
+  const styles = { true: styleFor(true), false: styleFor(false) };
   return card(
     "equilibrium",
     "Equilibrium",
@@ -104,8 +114,8 @@ export function balanceCard(report, model) {
           const sum = clean(load + reaction, k);
           return row(
             [name, h("small", {}, isForce(k) ? units.force : units.moment)],
-            format(clean(load, k)),
-            format(clean(reaction, k)),
+            styled(clean(load, k), styles[isForce(k)]),
+            styled(clean(reaction, k), styles[isForce(k)]),
             sum ? sum.toExponential(1) : "0",
           );
         }),
@@ -144,12 +154,15 @@ export function caseBalancesCard(report, model) {
     ...balances.flatMap(({ equilibrium }) => equilibrium.loads.slice(0, 3).map(Math.abs)),
   );
   const clean = (value) => (Math.abs(value) < 1e-10 * largest ? 0 : value);
+  const styles = names.map((_, k) =>
+    styleOf(balances.map(({ equilibrium }) => clean(equilibrium.loads[k]))),
+  );
   const line = ({ name, equilibrium: { loads, residual, balanced } }) =>
     h(
       "tr",
       { class: balanced ? "" : "unbalanced" },
       h("th", {}, name),
-      names.map((_, k) => h("td", {}, format(clean(loads[k]), 5))),
+      names.map((_, k) => h("td", {}, styled(clean(loads[k]), styles[k]))),
       h("td", {}, residual.toExponential(1)),
     );
   const bad = balances.filter(({ equilibrium }) => !equilibrium.balanced);
@@ -224,9 +237,9 @@ function envelopeLine(table, component, group, key, onplace) {
     const place = h(
       "button",
       { class: "link", onclick: () => onplace(key, number) },
-      `${key === "element" ? (table.name === "beam_diagrams" ? "member" : "element") : "node"} ${number}`,
+      `${key === "element" ? (table.name === "beam_diagrams" ? "beam" : "element") : "node"} ${number}`,
     );
-    return [format(value), place, table.column(`${component} ${which} by`).cell(at)];
+    return [significant(value), place, table.column(`${component} ${which} by`).cell(at)];
   };
   const { unit } = table.column(`${component} min`);
   return row(
@@ -266,9 +279,9 @@ export function extremesCard(report, model, shells, fields, onplace) {
     const { min, max, minAt, maxAt } = extremesOfField(field, model, shells);
     return row(
       [field.id === "u" ? "|u|" : field.label, h("small", {}, field.unit)],
-      format(min),
+      significant(min),
       place(minAt),
-      format(max),
+      significant(max),
       place(maxAt),
     );
   });

@@ -1,6 +1,9 @@
 // The tables: sorted by a click on a column, searched by a number, drawn only as far as they are seen.
 
-import { format, h } from "./dom.js";
+import { csvOf, csvParts } from "./csv.js";
+import { h } from "./dom.js";
+import { cellText, shortest } from "./numbers.js";
+import { fileName, save } from "./save.js";
 import { listenInRows, listenInTabs } from "./table_keys.js";
 
 const ROW = 25,
@@ -15,6 +18,7 @@ const TITLES = {
   element_loads: "Element loads",
   displacements: "Displacements",
   reactions: "Reactions",
+  members: "Members",
   beam_diagrams: "Beam diagrams",
   beam_end_forces: "Beam end forces",
   shell_forces: "Shell forces",
@@ -29,13 +33,29 @@ export const headOf = (column) => [
   column.unit ? h("small", {}, column.unit) : null,
 ];
 
+/** The order of words; numbers in them count as numbers. */
+const compareWords = new Intl.Collator(undefined, { numeric: true }).compare;
+
+/** Columns by which the rows can be searched. */
+const SEARCHED = /^(node|element|material)\d*$|^(member|elements|from|to)$/;
+
+/** Whether a cell is a wanted number, or a list of words that has it: "11 to 16", "3 8 9". */
+function hasNumber(cell, wanted) {
+  const text = String(cell);
+  if (text === wanted) return true;
+  if (typeof cell !== "string") return false;
+  const run = text.match(/^(\d+) to (\d+)$/);
+  if (run && Number(wanted) > Number(run[1]) && Number(wanted) < Number(run[2])) return true;
+  return text.split(" ").includes(wanted);
+}
+
 /** Places of the rows in the order of a column; empty cells at the end. */
 export function sortedRows(column, rows, descending) {
   const order = Uint32Array.from({ length: rows }, (_, i) => i);
   const sign = descending ? -1 : 1;
   if (column.words)
     return order.sort(
-      (a, b) => sign * String(column.cell(a)).localeCompare(String(column.cell(b))) || a - b,
+      (a, b) => sign * compareWords(String(column.cell(a)), String(column.cell(b))) || a - b,
     );
   const values = Float64Array.from({ length: rows }, (_, i) => column.cell(i) ?? NaN);
   return order.sort((a, b) => {
@@ -46,11 +66,15 @@ export function sortedRows(column, rows, descending) {
 }
 
 export class TableView {
-  /** onrow(kind, number) is called with "node" or "element" and the number in a clicked row. */
-  /** first: the name of the table that is open at first. */
-  constructor(tables, onrow, first = "reactions") {
+  /**
+   * onrow(kind, number) is called with "node" or "element" and the number in a clicked row, or with "beam" and
+   * the number that beamOf(row) of a table gives; first: the name of the table that is open at first; files: the beginning of the names
+   * of saved files.
+   */
+  constructor(tables, onrow, first = "reactions", files = []) {
     this.tables = tables;
     this.onrow = onrow;
+    this.files = files;
     this.tabs = h(
       "div",
       { class: "tabs", role: "tablist", "aria-label": "tables" },
@@ -64,7 +88,7 @@ export class TableView {
             onclick: () => this.open(table),
           },
           titleOf(table),
-          h("small", {}, format(table.rows)),
+          h("small", {}, String(table.rows)),
         ),
       ),
     );
@@ -84,7 +108,25 @@ export class TableView {
     this.element = h(
       "div",
       { class: "tables" },
-      h("div", { class: "tablebar" }, this.tabs, this.search),
+      h(
+        "div",
+        { class: "tablebar" },
+        this.tabs,
+        h(
+          "div",
+          { class: "tabletools" },
+          this.search,
+          h(
+            "button",
+            {
+              "data-action": "save-csv",
+              title: "all rows and digits",
+              onclick: () => this.saveCsv(),
+            },
+            "Save CSV",
+          ),
+        ),
+      ),
       this.scroller,
     );
     this.open(tables.find((table) => table.name === first) ?? tables[0]);
@@ -134,9 +176,9 @@ export class TableView {
       : Uint32Array.from({ length: table.rows }, (_, i) => i);
     const wanted = this.search.value.trim();
     if (wanted) {
-      const keys = columns.filter((column) => /^(node|element|material)\d*$/.test(column.name));
+      const keys = columns.filter((column) => SEARCHED.test(column.name));
       this.order = this.order.filter((row) =>
-        keys.some((column) => String(column.cell(row)) === wanted),
+        keys.some((column) => hasNumber(column.cell(row), wanted)),
       );
     }
     const mark = (column) =>
@@ -189,16 +231,30 @@ export class TableView {
   }
 
   choose(row) {
+    if (this.table.beamOf) return this.onrow("beam", this.table.beamOf(row));
     const key = this.table.columns.find(({ name }) => name === "element" || name === "node");
-    if (key) this.onrow(key.name, key.cell(row));
+    return key && this.onrow(key.name, key.cell(row));
+  }
+
+  /** The text of the file of a table. */
+  csvOf(table) {
+    return csvOf(table);
+  }
+
+  /** Saves the open table, all its rows in their own order. */
+  saveCsv() {
+    const { table } = this;
+    save(fileName(...this.files, table.name, "csv"), csvParts(table), "text/csv");
   }
 }
 
 /** The cells of a row. */
 export function cellsOf(table, row) {
   return table.columns.map((column) => {
-    const cell = column.cell(row);
-    const text = typeof cell === "string" ? cell.replaceAll("_", " ") : format(cell);
-    return h("td", { class: column.words ? "word" : "" }, text);
+    const text = cellText(column, row);
+    if (column.words)
+      return h("td", { class: "word", title: text.length > 24 ? text : null }, text);
+    const full = column.isInteger ? text : shortest(column.cell(row) ?? NaN);
+    return h("td", { title: full === text ? null : full }, text);
   });
 }

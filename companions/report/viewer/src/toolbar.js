@@ -84,20 +84,7 @@ export class Toolbar {
       ],
       () => view.showDirections(),
     );
-    this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () => {
-      view.deformation.slide();
-      view.deform();
-    });
-    this.factor = h("input", {
-      type: "number",
-      id: "factor",
-      step: "any",
-      "aria-label": "scale of the deformation",
-    });
-    this.factor.addEventListener("change", () => {
-      view.deformation.type(this.factor.valueAsNumber);
-      view.deform();
-    });
+    this.makeDeformation(view);
     this.element = h(
       "div",
       { class: "toolbar", id: "toolbar", role: "group", "aria-label": "view" },
@@ -137,6 +124,24 @@ export class Toolbar {
         ),
       ),
     );
+  }
+
+  /** The scale of the deformation: a slider, and a number to type. */
+  makeDeformation(view) {
+    this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () => {
+      view.deformation.slide();
+      view.deform();
+    });
+    this.factor = h("input", {
+      type: "number",
+      id: "factor",
+      step: "any",
+      "aria-label": "scale of the deformation",
+    });
+    this.factor.addEventListener("change", () => {
+      view.deformation.type(this.factor.valueAsNumber);
+      view.deform();
+    });
   }
 
   /** Everything that is switched on and off. */

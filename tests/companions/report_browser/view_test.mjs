@@ -7,6 +7,7 @@ import { join } from "node:path";
 import { after, test } from "node:test";
 import { PICTURES, browser, exported, folder, openExample, picture, reportOf } from "./context.mjs";
 import { PIXELS, assertNear, differing, extremes } from "./helpers.mjs";
+import { TETRAHEDRA } from "../../../companions/report/viewer/src/section.js";
 import { pulledBar, slab } from "./view_models.mjs";
 
 const SMALL = PICTURES ? { width: 1400, height: 900 } : { width: 700, height: 620 };
@@ -299,6 +300,43 @@ test("values along a line are those of an independent interpolation", async () =
       // Coordinates have 32 bits in the page.
       assertNear(ends[0] + part * (ends[1] - ends[0]), expected, 1e-4, `at ${t}`);
     }
+  }
+});
+
+test("the parts of a ten-node solid fill it without overlaps", () => {
+  const corners = [
+    [0, 0, 0],
+    [3, 0, 0],
+    [0, 2, 0],
+    [0.5, 0.4, 1.7],
+  ];
+  const pairs = [
+    [0, 1],
+    [1, 2],
+    [0, 2],
+    [0, 3],
+    [1, 3],
+    [2, 3],
+  ];
+  const middles = pairs.map((pair) =>
+    [0, 1, 2].map((k) => (corners[pair[0]][k] + corners[pair[1]][k]) / 2),
+  );
+  const all = [...corners, ...middles];
+  const numbers = new Map(all.map((_, i) => [i, i]));
+  const parts = TETRAHEDRA[10].map((nodes) => ({ nodes, places: nodes.map((node) => all[node]) }));
+  for (const weights of [
+    [0.12, 0.2, 0.29, 0.39],
+    [0.7, 0.1, 0.15, 0.05],
+    [0.28, 0.26, 0.25, 0.21],
+    [0.4, 0.07, 0.42, 0.11],
+    [0.1, 0.46, 0.05, 0.39],
+    [0.35, 0.3, 0.05, 0.3],
+    [0.05, 0.35, 0.31, 0.29],
+    [0.03, 0.02, 0.05, 0.9],
+  ]) {
+    const point = [0, 1, 2].map((k) => weights.reduce((sum, w, i) => sum + w * corners[i][k], 0));
+    const around = parts.filter((part) => interpolate([part], numbers, point) !== null);
+    assert.equal(around.length, 1, `${around.length} parts have the point ${weights}`);
   }
 });
 

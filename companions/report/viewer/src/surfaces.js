@@ -123,7 +123,7 @@ const FOLD = Math.cos((30 * Math.PI) / 180); // of the normals of two faces
 class EdgeSet {
   constructor(model) {
     this.model = model;
-    this.known = new Map();
+    this.slots = new Int32Array(4096).fill(-1); // hash table of edges; -1: empty
     this.normal = [0, 0, 0];
     this.pairs = new Collector(Int32Array);
     this.normals = new Collector(Float32Array); // of the first face of each edge
@@ -159,14 +159,17 @@ class EdgeSet {
     return this.normal;
   }
 
-  add(a, b, normal) {
-    const key = Math.min(a, b) * this.model.nodeCount + Math.max(a, b);
-    const edge = this.known.get(key);
-    if (edge === undefined) {
-      this.known.set(key, this.faces.length);
+  add(one, other, normal) {
+    const a = Math.min(one, other),
+      b = Math.max(one, other);
+    if (2 * this.faces.length >= this.slots.length) this.grow();
+    const slot = this.slotOf(a, b);
+    const edge = this.slots[slot];
+    if (edge < 0) {
+      this.slots[slot] = this.faces.length;
       this.pairs.push(a);
       this.pairs.push(b);
-      for (const x of normal) this.normals.push(x);
+      for (let k = 0; k < 3; ++k) this.normals.push(normal[k]);
       this.faces.push(1);
       return;
     }
@@ -175,6 +178,26 @@ class EdgeSet {
     const cosine =
       normal[0] * values[first] + normal[1] * values[first + 1] + normal[2] * values[first + 2];
     this.faces.values[edge] = Math.abs(cosine) < FOLD ? 3 : this.faces.values[edge] + 1;
+  }
+
+  /** The place in the hash table of an edge, or the empty one where it belongs (a < b). */
+  slotOf(a, b) {
+    const mask = this.slots.length - 1,
+      { values } = this.pairs;
+    let slot = (Math.imul(a, 0x9e3779b1) ^ Math.imul(b, 0x85ebca6b)) >>> 0;
+    slot = (slot ^ (slot >>> 15)) & mask;
+    for (let edge = this.slots[slot]; edge >= 0; edge = this.slots[slot]) {
+      if (values[2 * edge] === a && values[2 * edge + 1] === b) break;
+      slot = (slot + 1) & mask;
+    }
+    return slot;
+  }
+
+  grow() {
+    this.slots = new Int32Array(2 * this.slots.length).fill(-1);
+    const { values } = this.pairs;
+    for (let edge = 0; edge < this.faces.length; ++edge)
+      this.slots[this.slotOf(values[2 * edge], values[2 * edge + 1])] = edge;
   }
 
   /** Two faces without a fold make an inner edge; all other edges belong to the outline. */

@@ -69,7 +69,7 @@ export class Motions {
     this.element.hidden = true;
     this.finding = null;
     if (!this.view) return;
-    this.view.group.removeFromParent();
+    this.report.stage.remove(this.view.group);
     this.view = null;
     this.report.stage.draw();
   }

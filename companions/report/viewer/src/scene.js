@@ -128,6 +128,16 @@ export class Stage {
     material.resolution.set(this.width, this.height);
   }
 
+  /** Takes an object with thick lines off the stage, and frees it. */
+  remove(object) {
+    object.removeFromParent();
+    object.traverse(({ geometry, material }) => {
+      geometry?.dispose();
+      material?.dispose();
+      this.thickLines = this.thickLines.filter((one) => one !== material);
+    });
+  }
+
   setFrustum() {
     const half = 0.5 * this.model.box.size * 1.02;
     const aspect = this.width / this.height;

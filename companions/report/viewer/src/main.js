@@ -11,13 +11,15 @@ import { Highlight } from "./highlight.js";
 import { Labels, numberLabels } from "./labels.js";
 import { showLegend } from "./legend.js";
 import { MemberResults } from "./member_results.js";
-import { memberTable } from "./member_table.js";
+import { withMembers } from "./member_table.js";
 import { Members } from "./members.js";
 import { Model } from "./model.js";
 import { pickNode } from "./node_picking.js";
+import { styledTogether } from "./numbers.js";
 import { panelOf } from "./panel.js";
 import { onClick, pick } from "./picking.js";
 import { principalCrosses } from "./principal.js";
+import { fileBase } from "./save.js";
 import { Stage, deformable } from "./scene.js";
 import { Selector } from "./selector.js";
 import { Study } from "./study.js";
@@ -149,7 +151,7 @@ class Report {
     this.selector?.show(report.selection);
     const open = this.tables?.table.name;
     const tables = withMembers(report.tables, this.results);
-    this.tables = new TableView(tables, this.choose, open, fileNameOf(report));
+    this.tables = new TableView(tables, this.choose, open, fileBase(report));
     this.parts.head.replaceChildren(header(report), this.selector?.printed(report.selection) ?? "");
     this.parts.cards.replaceChildren(
       h(
@@ -266,10 +268,14 @@ class Report {
     this.diagrams.show(name, 0.1 * this.model.box.size * this.toolbar.diagramSize.value);
     const labels =
       this.model.beams.length <= 100 ? this.diagrams.labels : largestLabels(this.diagrams.labels);
+    const texts = styledTogether(
+      labels.map(({ value }) => value),
+      4,
+    );
     this.labels.set(
       "diagram",
       "#1b2a38",
-      labels.map(({ place, value }) => ({ place, text: format(value, 4) })),
+      labels.map(({ place }, i) => ({ place, text: texts[i] })),
     );
     this.stage.draw();
   }
@@ -346,17 +352,6 @@ function largestLabels(labels) {
   const least = labels.reduce((a, b) => (b.value < a.value ? b : a));
   return [least, labels.reduce((a, b) => (b.value > a.value ? b : a))];
 }
-
-/** The tables with that of the members, which is in front of the diagrams of their beams. */
-function withMembers(tables, results) {
-  const place = tables.findIndex(({ name }) => name === "beam_diagrams");
-  return place < 0
-    ? tables
-    : [...tables.slice(0, place), memberTable(results), ...tables.slice(place)];
-}
-
-/** The beginning of the names of saved files: of the problem file, with cases of what is shown. */
-const fileNameOf = ({ model, selection }) => [model.file.replace(/\.[^.]*$/, ""), selection?.name];
 
 /** 1, 2 or 5 times a power of ten, below the value. */
 function niceFactor(value) {

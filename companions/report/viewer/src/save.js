@@ -7,6 +7,12 @@ export const fileName = (...parts) =>
     .map((part) => part.replace(/[^A-Za-z0-9._-]/g, "_"))
     .join(".");
 
+/** The first parts of names of files: of the problem file, with load cases of what is shown. */
+export const fileBase = ({ model, selection }) => [
+  model.file.replace(/\.[^.]*$/, ""),
+  selection?.name,
+];
+
 /** Saves a file; parts: texts or bytes. */
 export function save(name, parts, type) {
   const address = URL.createObjectURL(new Blob(parts, { type }));

@@ -1,4 +1,5 @@
-// The table of members: what they are, and the extremes of every quantity with their places.
+// The table of members: nodes, beams, length and material, and the extremes of every quantity with
+// their places.
 
 import { Column, Table } from "./data.js";
 import { firstExtremes } from "./member_results.js";

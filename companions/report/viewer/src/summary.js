@@ -81,7 +81,7 @@ export function balanceCard(report, model) {
     .map((value) => format(value, 4))
     .join(", ");
   const isForce = (k) => k < 3;
-  /** Without what only rounding has left. */
+  /** Sums below 1e-10 of the largest force are rounding errors and become 0. */
   const largest = Math.max(
     ...[...equilibrium.loads.slice(0, 3), ...equilibrium.reactions.slice(0, 3)].map(Math.abs),
   );

@@ -27,6 +27,9 @@ import {
 } from "./context.mjs";
 import { assertNear } from "./helpers.mjs";
 
+/** Where only panels and tables are read: few pixels to draw. */
+const SMALL = { width: 700, height: 420 };
+
 /**
  * A model by hand: nodes as [x, y, z], beams as [first node, second node, {material, hinge, y}], numbered from 1.
  * The local axis y' is global Y where none is given.
@@ -282,7 +285,7 @@ test("materials of single elements count by their values", async () => {
       "",
     ].join("\n"),
   );
-  const page = await browser.open(reportOf("own.dat"), SIZE);
+  const page = await browser.open(reportOf("own.dat"), SMALL);
   await openTable(page, "members");
   const members = Object.values(await page.evaluate(MEMBER_TABLE));
   assert.deepEqual(
@@ -471,7 +474,7 @@ test("the diagrams of a member span its beams, and tell places", async () => {
 });
 
 test("jumps of forces at nodes keep both values", async () => {
-  const page = await browser.open(exampleReport("stiffened_plate"), SIZE);
+  const page = await browser.open(exampleReport("stiffened_plate"), SMALL);
   const values = exported("stiffened_plate");
   const beams = [529, 530];
   const shears = values("beam_diagrams", "Vz").filter((_, i) =>
@@ -495,7 +498,7 @@ test("jumps of forces at nodes keep both values", async () => {
 });
 
 test("the table of members sorts, filters and chooses", async () => {
-  const page = await browser.open(join(folder, "girders.html"), SIZE);
+  const page = await browser.open(join(folder, "girders.html"), SMALL);
   await openTable(page, "members");
   const first =
     "[...document.querySelectorAll('.rows tbody tr:not(.space)')].map((row) => row.children[0].textContent)";
@@ -610,7 +613,7 @@ test("nodes of shells can be chosen, and small shells too", async () => {
 });
 
 test("numbers of a column have the same decimals", async () => {
-  const page = await browser.open(join(folder, "slab_and_wall.html"), SIZE);
+  const page = await browser.open(join(folder, "slab_and_wall.html"), SMALL);
   for (const name of ["nodes", "materials", "displacements", "shell_forces", "members"]) {
     await openTable(page, name);
     const columns = await page.evaluate(`(() => {
@@ -638,7 +641,7 @@ async function compareFiles(page, files, names) {
 
 test("saved tables are those of morlen-export, byte by byte", async () => {
   for (const name of ["portal_frame", "slab_and_wall", "connecting_rod"]) {
-    const page = await browser.open(exampleReport(name), SIZE);
+    const page = await browser.open(exampleReport(name), SMALL);
     const files = join(folder, `${name}-csv`);
     run(EXPORT, `${name}.dat`, "--csv", files);
     const names = await page.evaluate("morlenReport.report.tables.map(({ name }) => name)");
@@ -650,7 +653,7 @@ test("saved tables are those of morlen-export, byte by byte", async () => {
 });
 
 test("the table of members is saved with its extremes in full", async () => {
-  const page = await browser.open(join(folder, "girders.html"), SIZE);
+  const page = await browser.open(join(folder, "girders.html"), SMALL);
   const [head, ...rows] = (await csvIn(page, "members"))
     .trim()
     .split("\n")
@@ -675,7 +678,7 @@ test("the table of members is saved with its extremes in full", async () => {
 });
 
 test("a click saves the open table as a file", async () => {
-  const page = await browser.open(join(folder, "girders.html"), SIZE);
+  const page = await browser.open(join(folder, "girders.html"), SMALL);
   const downloads = join(folder, "downloads");
   mkdirSync(downloads, { recursive: true });
   await browser.send("Browser.setDownloadBehavior", { behavior: "allow", downloadPath: downloads });
@@ -699,7 +702,7 @@ if (CASES) {
       copyFileSync(join(EXAMPLES, file), join(folder, file));
     run(REPORT, "hall.cases");
     run(CASES, "hall.cases", "--write", "*", "--formats", "csv", "-o", "members-csv");
-    const page = await browser.open(join(folder, "hall.html"), SIZE);
+    const page = await browser.open(join(folder, "hall.html"), SMALL);
     for (const one of ["G", "Q"]) {
       await page.set(
         "selection",
@@ -738,7 +741,7 @@ if (CASES) {
   });
 
   test("deflections of an envelope are those of its combinations", async () => {
-    const page = await browser.open(join(folder, "hall.html"), SIZE);
+    const page = await browser.open(join(folder, "hall.html"), SMALL);
     await page.evaluate(
       `morlenReport.show(morlenReport.selector.list.find(({ name }) => name === "ULS"))`,
     );

@@ -1,4 +1,4 @@
-// The marks on what is chosen: an element, pale the rest of its member, or a node.
+// The marks on the chosen node, or on the chosen element, with the rest of its member in a pale line.
 
 import * as THREE from "three";
 import { LineMaterial } from "three/examples/jsm/lines/LineMaterial.js";

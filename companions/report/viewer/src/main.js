@@ -15,17 +15,19 @@ import { Legend } from "./legend.js";
 import { closeMenusOutside } from "./menu.js";
 import { LocalAxes } from "./local_axes.js";
 import { MemberResults } from "./member_results.js";
-import { memberTable } from "./member_table.js";
+import { withMembers } from "./member_table.js";
 import { Members } from "./members.js";
 import { Model } from "./model.js";
 import { Motions } from "./motions.js";
 import { pickNode } from "./node_picking.js";
+import { styledTogether } from "./numbers.js";
 import { cardsOf, headOf } from "./page_contents.js";
 import { layOutPage } from "./page_frame.js";
 import { panelOf } from "./panel.js";
 import { onClick, pick } from "./picking.js";
 import { PrintSheet } from "./print_sheet.js";
 import { directionLines } from "./principal.js";
+import { fileBase } from "./save.js";
 import { DETAIL, NO_CUT, Stage, deformable, dispose } from "./scene.js";
 import { reachScrollers } from "./scrollers.js";
 import { Selector } from "./selector.js";
@@ -142,7 +144,7 @@ class Report {
     this.selector?.show(report.selection);
     const open = this.tables?.table.name;
     const tables = withMembers(report.tables, this.results);
-    this.tables = new TableView(tables, this.choose, open, fileNameOf(report));
+    this.tables = new TableView(tables, this.choose, open, fileBase(report));
     this.parts.head.replaceChildren(...headOf(this));
     this.parts.cards.replaceChildren(...cardsOf(this));
     this.parts.tables.replaceChildren(
@@ -284,10 +286,14 @@ class Report {
     this.diagrams.show(name, 0.1 * this.model.box.size * this.toolbar.diagramSize.value);
     const labels =
       this.model.beams.length <= 100 ? this.diagrams.labels : largestLabels(this.diagrams.labels);
+    const texts = styledTogether(
+      labels.map(({ value }) => value),
+      4,
+    );
     this.labels.set(
       "diagram",
       theme.css("scene-label"),
-      labels.map(({ place, value }) => ({ place, text: format(value, 4) })),
+      labels.map(({ place }, i) => ({ place, text: texts[i] })),
     );
     this.cutting.clip();
     this.stage.draw();
@@ -393,17 +399,6 @@ function largestLabels(labels) {
   const least = labels.reduce((a, b) => (b.value < a.value ? b : a));
   return [least, labels.reduce((a, b) => (b.value > a.value ? b : a))];
 }
-
-/** The tables with that of the members, which is in front of the diagrams of their beams. */
-function withMembers(tables, results) {
-  const place = tables.findIndex(({ name }) => name === "beam_diagrams");
-  return place < 0
-    ? tables
-    : [...tables.slice(0, place), memberTable(results), ...tables.slice(place)];
-}
-
-/** The beginning of the names of saved files: of the problem file, with cases of what is shown. */
-const fileNameOf = ({ model, selection }) => [model.file.replace(/\.[^.]*$/, ""), selection?.name];
 
 /** For scripts and tests: the report of this page. */
 window.morlenReport = new Report(JSON.parse(document.getElementById("data").textContent));

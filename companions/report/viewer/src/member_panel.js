@@ -1,4 +1,5 @@
-// The panel of a member: what it is, and one diagram over its whole length for every force and deflection.
+// The panel of a member: its ends, beams and material, and one diagram over its whole length for every
+// force and deflection.
 
 import { listenAlong } from "./diagram_keys.js";
 import { h } from "./dom.js";
@@ -120,7 +121,7 @@ function valuesAt({ quantity: { name }, unit, curves, fineText }, i) {
   });
 }
 
-/** "least -60.0 kN at 3.00 m, largest 30.0 kN at 6.00 m", with what governs in an envelope. */
+/** "least -60.0 kN at 3.00 m, largest 30.0 kN at 6.00 m", in an envelope with the governing combination. */
 function extremesText({ curves, extremes, text, unit }, line) {
   const value = (k, i) => text(curves[k].values[i]) + unit;
   const part = (word, k, i) => {

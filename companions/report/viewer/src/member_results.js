@@ -4,7 +4,7 @@ import { Column } from "./data.js";
 import { DIAGRAMS, curvesOf, hasDiagram } from "./diagrams.js";
 import { dot } from "./model.js";
 
-/** Of the largest force or moment of the model: what only rounding has left is drawn flat. */
+/** Values below this part of the largest force or moment of the model are rounding errors, drawn as 0. */
 const NOTHING = 1e-6;
 
 /** Values of a quantity that differ by less than this part of the largest one count as equal. */

@@ -1,4 +1,5 @@
-// The table of members: what they are, and the extremes of every quantity with their places.
+// The table of members: nodes, beams, length and material, and the extremes of every quantity with
+// their places.
 
 import { Column, Table } from "./data.js";
 import { firstExtremes } from "./member_results.js";
@@ -18,7 +19,7 @@ function columnOfTexts(name, make) {
  * combination that governs "Mz min by", and the same for the largest values. beamOf(row): the number
  * of the beam of a member that bends most.
  */
-export function memberTable(results) {
+function memberTable(results) {
   const { members, model, report } = results;
   const all = Array.from({ length: members.count }, (_, m) => m);
   const numbers = (name, of) => new Column(name, "", () => Int32Array.from(all, of));
@@ -34,6 +35,14 @@ export function memberTable(results) {
   ]);
   table.beamOf = (row) => model.elements.numbers[results.mostBentOf(row)];
   return table;
+}
+
+/** The tables of a report with that of the members, which is in front of the diagrams of their beams. */
+export function withMembers(tables, results) {
+  const place = tables.findIndex(({ name }) => name === "beam_diagrams");
+  return place < 0
+    ? tables
+    : [...tables.slice(0, place), memberTable(results), ...tables.slice(place)];
 }
 
 /** The points with the extremes of a quantity in every member: two arrays by member. */

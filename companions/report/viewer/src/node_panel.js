@@ -1,4 +1,4 @@
-// The panel of a node: where it is, what holds and loads it, its results, and the elements around it.
+// The panel of a node: its coordinates, support, loads and results, and links to the elements around it.
 
 import { h } from "./dom.js";
 import { BEAM, SHELL } from "./model.js";
@@ -76,7 +76,7 @@ function supportText(report, table, row) {
   return (parts.join("; ") || "free") + (hasAxes ? "; in axes of its own" : "");
 }
 
-/** "Px 5.000 kN, Mz 3.000 kN*m": what is not zero. */
+/** "Px 5.000 kN, Mz 3.000 kN*m": the components that are not 0. */
 function loadText(table, row, units) {
   return table.columns
     .filter((column) => column.name !== "node" && column.cell(row))

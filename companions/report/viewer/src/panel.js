@@ -1,4 +1,4 @@
-// The panel beside the view: what is chosen, a node, or an element with the member that it belongs to.
+// The panel beside the view: the chosen node, or the chosen element with the member that it belongs to.
 
 import { h } from "./dom.js";
 import { elementPanel } from "./element_panel.js";

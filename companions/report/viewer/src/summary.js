@@ -83,7 +83,7 @@ export function balanceCard(report, model) {
     .map((value) => format(value, 4))
     .join(", ");
   const isForce = (k) => k < 3;
-  /** Replaces values that only rounding has left by 0. */
+  /** Sums below 1e-10 of the largest force are rounding errors and become 0. */
   const largest = Math.max(
     ...[...equilibrium.loads.slice(0, 3), ...equilibrium.reactions.slice(0, 3)].map(Math.abs),
   );

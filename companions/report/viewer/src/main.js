@@ -7,7 +7,7 @@ import { Cutting } from "./cutting.js";
 import { readReport } from "./data.js";
 import { Deformation } from "./deformation.js";
 import { DiagramView } from "./diagrams.js";
-import { format, h } from "./dom.js";
+import { h } from "./dom.js";
 import { ShellPoints, extremesOfField, fieldsOf } from "./fields.js";
 import { Highlight } from "./highlight.js";
 import { Labels, numberLabels } from "./labels.js";

@@ -82,6 +82,25 @@ bool IsDataLost(Code code)
   return code >= Code::NumberPartlyRead && code <= Code::ItemsContradict;
 }
 
+void Motion::Normalise()
+{
+  constexpr double kNone = 1e-6;
+  double longest = 0.0;
+  for (const Vec3& vector : vectors)
+    longest = std::max(longest, Length(vector));
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    if (!(Length(vectors[i]) > kNone * longest))
+      continue;
+    nodes[kept] = nodes[i];
+    for (int k = 0; k < 3; ++k)
+      vectors[kept][k] = vectors[i][k] / longest;
+    ++kept;
+  }
+  nodes.resize(kept);
+  vectors.resize(kept);
+}
+
 std::vector<Located> Locate(std::vector<Finding> findings, std::string_view text)
 {
   std::stable_sort(findings.begin(), findings.end(),
@@ -93,7 +112,14 @@ std::vector<Located> Locate(std::vector<Finding> findings, std::string_view text
   int line = 1;
   for (const Finding& problem : findings) {
     if (problem.offset == kWholeFile) {
-      located.push_back({problem.severity, problem.code, 0, 0, problem.message, problem.hint});
+      located.push_back({problem.severity,
+                         problem.code,
+                         0,
+                         0,
+                         problem.message,
+                         problem.hint,
+                         {},
+                         problem.motion});
       continue;
     }
     const std::size_t place = static_cast<std::size_t>(problem.offset);
@@ -102,8 +128,14 @@ std::vector<Located> Locate(std::vector<Finding> findings, std::string_view text
       lineStart = end + 1;
       ++line;
     }
-    located.push_back({problem.severity, problem.code, line,
-                       static_cast<int>(place - lineStart) + 1, problem.message, problem.hint});
+    located.push_back({problem.severity,
+                       problem.code,
+                       line,
+                       static_cast<int>(place - lineStart) + 1,
+                       problem.message,
+                       problem.hint,
+                       {},
+                       problem.motion});
   }
   return located;
 }

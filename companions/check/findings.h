@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "common/vec3.h"
 
 namespace morlen::check {
 
@@ -89,6 +92,19 @@ bool IsDataLost(Code code);
 /// The offset of a problem of the whole file.
 constexpr std::ptrdiff_t kWholeFile = -1;
 
+/// A motion that nothing resists, as a shape: the nodes that move, by their numbers in the file,
+/// with their displacements in global axes. Where no node is displaced, `turns` is true and the
+/// vectors are rotations. The longest vector has the length 1.
+struct Motion
+{
+  /// Scales the vectors, and leaves out those below 1e-6 of the longest.
+  void Normalise();
+
+  bool turns = false;
+  std::vector<int> nodes;
+  std::vector<Vec3> vectors;  ///< one for each node
+};
+
 /// A fault of a problem file, or a warning of it.
 struct Finding
 {
@@ -97,6 +113,7 @@ struct Finding
   std::ptrdiff_t offset;  ///< bytes from the beginning of the file, or kWholeFile
   std::string message;
   std::string hint = {};  ///< the program's explanation of a refusal; empty without one
+  std::shared_ptr<const Motion> motion = {};  ///< of Mechanism and FreeMotion; else null
 };
 
 /// A problem with its line and column, both from 1; both 0 for a problem of the whole file.
@@ -108,6 +125,7 @@ struct Located
   std::string message;
   std::string hint;
   std::string file = {};  ///< another one than that of the report; empty for that
+  std::shared_ptr<const Motion> motion = {};
 };
 
 /// The findings sorted by place, without repetitions; those of the whole file come last.

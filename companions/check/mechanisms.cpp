@@ -27,6 +27,7 @@
 #include "assembly/free_equations.h"
 #include "assembly/free_motion.h"
 #include "assembly/motion_words.h"
+#include "assembly/node_motions.h"
 #include "assembly/preparation.h"
 #include "assembly/probe_load.h"
 #include "assembly/refinement.h"
@@ -302,6 +303,20 @@ FreeMotions FindMotions(Problem& problem)
   return found.motions.empty() ? FreeMotions() : std::move(found);
 }
 
+Motion MotionOf(const Problem& problem, const ReaVecV& vector)
+{
+  const NodeMotions motions(problem, vector);
+  Motion motion{.turns = motions.turnsOnly};
+  for (const NodeMotion& one : motions.all) {
+    if (!one.node || !motions.IsInFile(*one.node))
+      continue;
+    const ReaVec& shown = motion.turns ? one.w : one.u;
+    motion.nodes.push_back(motions.NumberInFile(*one.node));
+    motion.vectors.push_back({shown(1), shown(2), shown(3)});
+  }
+  return motion;
+}
+
 void Report(const Problem& problem, const Subject& subject, const std::vector<std::size_t>& loose,
             const FreeMotions& found, Recorder& recorder)
 {
@@ -314,10 +329,12 @@ void Report(const Problem& problem, const Subject& subject, const std::vector<st
     const std::size_t part = entry == partOf.end() ? subject.parts.size() : entry->second;
     if (std::binary_search(loose.begin(), loose.end(), part))
       continue;
-    if (++listed[part] > kMostListed)
+    if (++listed[part] > kMostListed) {
       ++unlisted;
-    else
-      recorder.Error(Code::Mechanism, recorder.PlaceOf(ReadItem::Node, words.node), words.text);
+      continue;
+    }
+    recorder.Error(Code::Mechanism, recorder.PlaceOf(ReadItem::Node, words.node), words.text);
+    recorder.AddMotion(MotionOf(problem, motion));
   }
   if (unlisted > 0)
     recorder.Error(Code::Mechanism, kWholeFile, "the structure can move in ", unlisted,

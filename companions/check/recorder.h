@@ -3,11 +3,13 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "base/errorwriter.h"
@@ -51,6 +53,13 @@ public:
   void Warn(Code code, std::ptrdiff_t offset, const Parts&... parts)
   {
     findings.push_back({Severity::Warning, code, offset, Joined(parts...)});
+  }
+
+  /// Gives the finding that was recorded last its motion.
+  void AddMotion(Motion motion)
+  {
+    motion.Normalise();
+    findings.back().motion = std::make_shared<const Motion>(std::move(motion));
   }
 
   /// Text to be added to the message of an error with this reason; none when it is not known.

@@ -22,7 +22,7 @@
 namespace morlen::check {
 namespace {
 
-using Motion = SixNumbers;
+using RigidMotion = SixNumbers;
 
 // Vectors shorter than this part of the size of a body count as 0.
 constexpr double kDependent = 1e-7;
@@ -51,10 +51,10 @@ Body BodyOf(const std::vector<const Node*>& nodes)
 }
 
 // The row of a support at a place that holds the displacement along u and the rotation about a.
-Motion RowOf(const Body& body, const Point& place, const Point& u, const Point& a)
+RigidMotion RowOf(const Body& body, const Point& place, const Point& u, const Point& a)
 {
   const Point moment = Cross(Minus(place, body.centre), u);
-  Motion row;
+  RigidMotion row;
   for (int k = 0; k < 3; ++k) {
     row[k] = u[k];
     row[3 + k] = (moment[k] + a[k]) / body.size;
@@ -217,14 +217,36 @@ RowSpace RowsOf(const NodeComponents& components, const Hinges& hinges, const Bo
   return rows;
 }
 
+Point DisplacementAt(const Node& node, const Body& body, const Point& t, const Point& w)
+{
+  Point u = Cross(w, Minus(PlaceOf(node), body.centre));
+  for (int k = 0; k < 3; ++k)
+    u[k] += t[k];
+  return u;
+}
+
+// A straight part may turn about its own line, which displaces no node.
+Motion MotionOf(const Body& body, const Point& t, const Point& w)
+{
+  constexpr double kNone = 1e-6;
+  Motion motion{.turns = true};
+  for (const Node* node : body.nodes) {
+    const Point u = DisplacementAt(*node, body, t, w);
+    motion.nodes.push_back(node->number);
+    motion.vectors.push_back(u);
+    motion.turns = motion.turns && Length(u) <= kNone * body.size * Length(w);
+  }
+  if (motion.turns)
+    std::fill(motion.vectors.begin(), motion.vectors.end(), w);
+  return motion;
+}
+
 const Node& MostMoved(const Body& body, const Point& t, const Point& w)
 {
   const Node* most = body.nodes.front();
   double largest = 0.0;
   for (const Node* node : body.nodes) {
-    Point u = Cross(w, Minus(PlaceOf(*node), body.centre));
-    for (int k = 0; k < 3; ++k)
-      u[k] += t[k];
+    const Point u = DisplacementAt(*node, body, t, w);
     if (Dot(u, u) > largest * (1.0 + 1e-9)) {
       largest = Dot(u, u);
       most = node;
@@ -251,15 +273,16 @@ std::vector<std::size_t> CheckSupports(const Subject& subject, Recorder& recorde
     const int first = part.nodes.front()->number;
     const std::string name =
         subject.parts.size() == 1 ? "the model" : Joined("the part of node ", first);
-    const std::vector<Motion> motions = rows.FreeMotions(columns);
+    const std::vector<RigidMotion> motions = rows.FreeMotions(columns);
     if (!motions.empty())
       loose.push_back(index);
-    for (const Motion& motion : motions) {
+    for (const RigidMotion& motion : motions) {
       const Point t = {motion[0], motion[1], motion[2]};
       const Point w = {motion[3] / body.size, motion[4] / body.size, motion[5] / body.size};
       const int node = MostMoved(body, t, w).number;
       recorder.Error(Code::FreeMotion, recorder.PlaceOf(ReadItem::Node, node), "the supports let ",
                      name, " ", MotionName(body, t, w), ": node ", node, " moves most");
+      recorder.AddMotion(MotionOf(body, t, w));
     }
   }
   return loose;

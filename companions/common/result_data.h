@@ -74,6 +74,8 @@ Files UsualFiles(const std::filesystem::path& model);
 
 /// The result files of the run: the results for the post-processor, then the text results.
 std::vector<std::filesystem::path> ResultsOf(const Files& files);
+/// True when the post-process results exist and are not older than the problem file.
+bool HasFreshResults(const Files& files);
 
 /// Reads the results of the model. Fatal: files that are missing, older than the problem file
 /// or damaged, or that belong to another model or to two different runs.

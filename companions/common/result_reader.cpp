@@ -15,16 +15,31 @@ namespace fs = std::filesystem;
 namespace results {
 namespace {
 
-// Fatal when the file is missing or older than the problem file.
-void RequireFresh(const Files& files, const fs::path& file)
+enum class Age
+{
+  Fresh,
+  Older,  // than the problem file
+  Missing
+};
+
+Age AgeOf(const Files& files, const fs::path& file)
 {
   std::error_code error;
   const fs::file_time_type written = fs::last_write_time(file, error);
   if (error)
+    return Age::Missing;
+  const fs::file_time_type changed = fs::last_write_time(files.model, error);
+  return !error && written < changed ? Age::Older : Age::Fresh;
+}
+
+// Fatal when the file is missing or older than the problem file.
+void RequireFresh(const Files& files, const fs::path& file)
+{
+  const Age age = AgeOf(files, file);
+  if (age == Age::Missing)
     Fatal("can't open file ", file.string(), "\nThe results are missing: run morlen ",
           files.model.string(), " first\n");
-  const fs::file_time_type changed = fs::last_write_time(files.model, error);
-  if (!error && written < changed && !files.anyTime)
+  if (age == Age::Older && !files.anyTime)
     Fatal("error: ", file.string(), " is older than ", files.model.string(),
           "\nRun morlen again, or give --any-time if the model has not changed\n");
 }
@@ -68,6 +83,11 @@ void RequireSameRun(const Files& files, const TextDisplacements& text, const Res
 }
 
 }  // namespace
+
+bool HasFreshResults(const Files& files)
+{
+  return AgeOf(files, files.post) == Age::Fresh;
+}
 
 Positions::Positions(const model::Model& model)
 {

@@ -19,6 +19,7 @@ public:
   }
 
   std::vector<Table> All() const;
+  std::vector<Table> OfModel() const;
   std::vector<Table> OfResults() const;
 
 private:
@@ -93,10 +94,14 @@ void Maker::PutComponents(Table& table, const std::array<double, 6>& values) con
   table.Put(std::span(values).first(model.components));
 }
 
+std::vector<Table> Maker::OfModel() const
+{
+  return {Nodes(), Elements(), Materials(), Supports(), NodalLoads(), ElementLoads()};
+}
+
 std::vector<Table> Maker::All() const
 {
-  std::vector<Table> all = {Nodes(),    Elements(),   Materials(),
-                            Supports(), NodalLoads(), ElementLoads()};
+  std::vector<Table> all = OfModel();
   std::vector<Table> ofResults = OfResults();
   all.insert(all.end(), std::make_move_iterator(ofResults.begin()),
              std::make_move_iterator(ofResults.end()));
@@ -399,6 +404,11 @@ std::vector<MaterialValue> MaterialValues(const UnitTexts& units)
 std::vector<Table> AllTables(const model::Model& model, const results::Results& results)
 {
   return Maker(model, results).All();
+}
+
+std::vector<Table> ModelTables(const model::Model& model)
+{
+  return Maker(model, results::Results()).OfModel();
 }
 
 std::vector<Table> ResultTables(const model::Model& model, const results::Results& results)

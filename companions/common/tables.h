@@ -72,7 +72,9 @@ std::vector<MaterialValue> MaterialValues(const UnitTexts& units);
 /// The whole model and its results as tables. Tables that the model has no values for are without
 /// rows.
 std::vector<Table> AllTables(const model::Model& model, const results::Results& results);
-/// The same without the tables of the model.
+/// The tables of the model alone: nodes, elements, materials, supports and loads.
+std::vector<Table> ModelTables(const model::Model& model);
+/// The tables of the results alone.
 std::vector<Table> ResultTables(const model::Model& model, const results::Results& results);
 
 }  // namespace morlen::tables

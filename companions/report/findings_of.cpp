@@ -14,7 +14,8 @@ std::vector<Finding> FindingsOf(std::span<const check::Located> problems, const 
   for (const check::Located& problem : problems)
     findings.push_back({.error = problem.severity == check::Severity::Error,
                         .place = check::PlaceOf(problem, file),
-                        .text = check::TextOf(problem)});
+                        .text = check::TextOf(problem),
+                        .motion = problem.motion});
   return findings;
 }
 
@@ -22,6 +23,12 @@ std::vector<Finding> FindingsIn(const std::filesystem::path& file)
 {
   return FindingsOf(check::CheckText(FileText(file).value_or("")).problems,
                     file.filename().string());
+}
+
+bool HasErrors(const std::vector<Finding>& findings)
+{
+  return std::any_of(findings.begin(), findings.end(),
+                     [](const Finding& finding) { return finding.error; });
 }
 
 void WarnOfErrors(const std::vector<Finding>& findings, const std::string& file)

@@ -16,6 +16,9 @@ std::vector<Finding> FindingsOf(std::span<const check::Located> problems, const 
 /// The problems that morlen-check finds in a problem file.
 std::vector<Finding> FindingsIn(const std::filesystem::path& file);
 
+/// True when a finding is an error.
+bool HasErrors(const std::vector<Finding>& findings);
+
 /// Tells on standard error that findings have errors. file: to be given to morlen-check.
 void WarnOfErrors(const std::vector<Finding>& findings, const std::string& file);
 

@@ -1,3 +1,4 @@
+#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
@@ -14,8 +15,10 @@
 #include "common/run_record.h"
 #include "common/source_files.h"
 #include "problem/problem.h"
+#include "report/applied_loads.h"
 #include "report/case_report.h"
 #include "report/findings_of.h"
+#include "report/page.h"
 #include "report/page_data.h"
 #include "report/run_report.h"
 
@@ -41,9 +44,10 @@ void Declare(CLI::App& app, Options& options)
       ->type_name("FILE");
   app.footer(
       "It runs nothing: run morlen first. Only load cases are solved. MODEL is the name of the "
-      "problem file without its ending.\n"
-      "Exit status: 0; 1 when loads and reactions are not in equilibrium; 2 when the report "
-      "cannot be made.");
+      "problem file without its ending. A model with errors and without results gets a page "
+      "that shows them.\n"
+      "Exit status: 0; 1 when loads and reactions are not in equilibrium or a model with errors "
+      "has no results; 2 when the report cannot be made.");
 }
 
 ExitStatus PrintBalance(const Balance& balance, std::FILE* notes)
@@ -53,6 +57,28 @@ ExitStatus PrintBalance(const Balance& balance, std::FILE* notes)
     return ExitStatus::Done;
   std::cerr << "warning: loads and reactions are not in equilibrium. " << balance.advice << "\n";
   return ExitStatus::Found;
+}
+
+// The page of a model without results shows the findings of the check, with their motions.
+ExitStatus ReportModel(const fs::path& file, const fs::path& output, Problem& problem,
+                       const std::vector<Finding>& findings, AtomicFile::By writer)
+{
+  const model::Model model = model::ModelOf(problem);
+  PrepareLoads(problem);
+  const AppliedLoads loads = AppliedLoadsOf(problem, model);
+  const std::string name = file.filename().string();
+  WritePage(output, name, PageDataOfModel(name, DescriptionOf(file), model, loads, findings),
+            writer);
+  std::cerr << "warning: there are no results of this model: the report shows the model and its "
+               "errors\n";
+  WarnOfErrors(findings, file.string());
+  return ExitStatus::Found;
+}
+
+// True for a model with errors that has no results, or only those of an earlier state.
+bool IsWithoutResults(const InputFiles& input, const std::vector<Finding>& findings)
+{
+  return HasErrors(findings) && !input.NamesResults() && !results::HasFreshResults(input.Files());
 }
 
 ExitStatus Report(const Options& options)
@@ -69,10 +95,12 @@ ExitStatus Report(const Options& options)
   const AtomicFile::By writer = WriterOf(std::array{std::optional(output)});
   Problem problem(100);
   model::ReadProblemFile(file, problem);
+  const std::vector<Finding> findings = FindingsIn(file);
+  if (IsWithoutResults(options.input, findings))
+    return ReportModel(file, output, problem, findings, writer);
   const model::Model model = model::ModelOf(problem);
   const results::Results results = results::ReadResults(model, options.input.Files());
   const results::Files files = options.input.Files();
-  const std::vector<Finding> findings = FindingsIn(file);
   const Balance balance = WriteRunReport(problem, model, results,
                                          {.file = file.filename().string(),
                                           .description = DescriptionOf(file),

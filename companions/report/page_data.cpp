@@ -36,17 +36,37 @@ std::vector<std::string> DescriptionIn(std::istream& in)
   return lines;
 }
 
+namespace {
+
+void PutTables(Json& data, const std::vector<tables::Table>& all, const model::Model& model)
+{
+  Json& packed = data["tables"] = Json::array();
+  for (const tables::Table& table : all) {
+    if (table.Rows() > 0)
+      packed.push_back(Packed(TableOfPage(table, model.Translations())));
+  }
+}
+
+}  // namespace
+
 std::string PageData(const ReportContent& content)
 {
   Json data =
       ModelParts(content.file, content.description, content.model, content.check, content.run);
   data["equilibrium"] = BalancePart(content.equilibrium, content.advice);
   data["loads"] = LoadsPart(content.loads);
-  Json& packed = data["tables"] = Json::array();
-  for (const tables::Table& table : tables::AllTables(content.model, content.results)) {
-    if (table.Rows() > 0)
-      packed.push_back(Packed(TableOfPage(table, content.model.Translations())));
-  }
+  PutTables(data, tables::AllTables(content.model, content.results), content.model);
+  return PageText(data);
+}
+
+std::string PageDataOfModel(const std::string& file, const std::vector<std::string>& description,
+                            const model::Model& model, const AppliedLoads& loads,
+                            const std::vector<Finding>& check)
+{
+  Json data = ModelParts(file, description, model, check, {});
+  data["equilibrium"] = nullptr;
+  data["loads"] = LoadsPart(loads);
+  PutTables(data, tables::ModelTables(model), model);
   return PageText(data);
 }
 

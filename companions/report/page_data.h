@@ -37,4 +37,9 @@ std::vector<std::string> DescriptionIn(std::istream& text);
 /// The content as JSON for the page, without characters that begin or end markup.
 std::string PageData(const ReportContent& content);
 
+/// The same for a model without results: its tables, its loads and the findings of the check.
+std::string PageDataOfModel(const std::string& file, const std::vector<std::string>& description,
+                            const model::Model& model, const AppliedLoads& loads,
+                            const std::vector<Finding>& check);
+
 }  // namespace morlen

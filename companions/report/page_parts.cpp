@@ -43,14 +43,27 @@ Json SixValues(const Wrench& wrench)
   return values;
 }
 
+Json MotionPart(const check::Motion& motion)
+{
+  std::vector<double> vectors;
+  for (const Vec3& vector : motion.vectors) {
+    for (const double component : vector)
+      vectors.push_back(static_cast<float>(component));
+  }
+  return {{"turns", motion.turns}, {"nodes", Packed(motion.nodes)}, {"vectors", Packed(vectors)}};
+}
+
 Json Check(const std::optional<std::vector<Finding>>& check)
 {
   if (!check)
     return nullptr;
   Json findings = Json::array();
-  for (const Finding& finding : *check)
-    findings.push_back(
-        {{"error", finding.error}, {"place", finding.place}, {"text", finding.text}});
+  for (const Finding& finding : *check) {
+    Json one = {{"error", finding.error}, {"place", finding.place}, {"text", finding.text}};
+    if (finding.motion)
+      one["motion"] = MotionPart(*finding.motion);
+    findings.push_back(std::move(one));
+  }
   return findings;
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "check/findings.h"
 #include "common/model_data.h"
 #include "common/run_record.h"
 #include "common/tables.h"
@@ -21,6 +23,7 @@ struct Finding
   bool error;         ///< else a warning
   std::string place;  ///< file, line and column
   std::string text;
+  std::shared_ptr<const check::Motion> motion = {};  ///< that the page can show; null for none
 };
 
 /// Program, model, units, the check, the run and the local axes of the elements. file: the name

@@ -103,6 +103,29 @@ class Report(unittest.TestCase):
         self.assertEqual([finding["error"] for finding in data["check"]], [True])
         self.assertTrue(data["check"][0]["text"].startswith("data lost: '78,08e-4'"), data["check"])
 
+    def test_a_model_without_results(self):
+        text = (self.folder / "m.dat").read_text()
+        self.assertNotIn("elem_rotules", text)
+        # All beams are hinged at both ends.
+        hinges = "".join(f"{i} 00\n" for i in range(1, 6))
+        (self.folder / "m.dat").write_text(text + f"elem_rotules\n{hinges}end elem_rotules\n")
+        run = subprocess.run([MORLEN, "m.dat", "m.txt"], cwd=self.folder, capture_output=True)
+        self.assertNotEqual(run.returncode, 0)
+        run = self.report("m.dat")
+        self.assertEqual((run.returncode, run.stdout), (1, "wrote m.html\n"))
+        self.assertTrue(run.stderr.startswith("warning: there are no results of this model"))
+        data = json.loads(Page((self.folder / "m.html").read_text()).texts["data"])
+        self.assertIsNone(data["equilibrium"])
+        self.assertEqual({table["name"] for table in data["tables"]},
+                         {"nodes", "elements", "materials", "supports", "nodal_loads"})
+        self.assertTrue(any("motion" in finding for finding in data["check"]))
+        # Older results are those of another state of the model; named ones are taken or refused.
+        (self.folder / "m.morlen.res").write_text("old")
+        time = os.stat(self.folder / "m.dat").st_mtime
+        os.utime(self.folder / "m.morlen.res", (time - 5, time - 5))
+        self.assertEqual(self.report("m.dat").returncode, 1)
+        self.refuse("is older than", "m.dat", "--results", "m.morlen.res")
+
     def check_reactions(self, data):
         table = next(table for table in data["tables"] if table["name"] == "reactions")
         columns = {column["name"]: self.unpack(column) for column in table["columns"]}

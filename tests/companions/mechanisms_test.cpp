@@ -324,6 +324,38 @@ TEST_P(MechanismTest, IsNamed)
   EXPECT_EQ(ErrorsOf(GetParam().text), GetParam().messages);
 }
 
+// The displacements of the found motion are a multiple of the expected ones. The solution of the
+// held system has about ten digits.
+TEST_P(MechanismTest, HasItsMotion)
+{
+  std::vector<check::Motion> found;
+  for (const check::Located& problem : check::CheckText(GetParam().text).problems) {
+    if (problem.motion)
+      found.push_back(*problem.motion);
+  }
+  ASSERT_EQ(found.size(), GetParam().motions.size());
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    const NodeMotions& expected = GetParam().motions[i];
+    const int first = found[i].turns ? 3 : 0;
+    double product = 0.0;
+    double square = 0.0;
+    double ownSquare = 0.0;
+    for (const auto& [node, components] : expected) {
+      for (int k = 0; k < 3; ++k)
+        square += components[first + k] * components[first + k];
+    }
+    for (std::size_t j = 0; j < found[i].nodes.size(); ++j) {
+      const auto entry = expected.find(found[i].nodes[j]);
+      ASSERT_NE(entry, expected.end()) << found[i].nodes[j];
+      for (int k = 0; k < 3; ++k) {
+        product += found[i].vectors[j][k] * entry->second[first + k];
+        ownSquare += found[i].vectors[j][k] * found[i].vectors[j][k];
+      }
+    }
+    EXPECT_NEAR(product * product, square * ownSquare, 1e-6 * square * ownSquare);
+  }
+}
+
 // Rounding of the stiffness is about 1e-16 of its entries; its sums here have few terms.
 TEST_P(MechanismTest, HasNoEnergy)
 {

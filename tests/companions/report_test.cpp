@@ -347,6 +347,26 @@ TEST(PageData, HasTheFindingsOfACheck)
   EXPECT_EQ(data["check"][0]["error"], false);
 }
 
+TEST(PageData, OfAModelHasNoResultsAndTheMotionsOfItsFindings)
+{
+  const Loaded loaded(kCantilever);
+  check::Motion motion{.nodes = {1, 2}, .vectors = {{0.0, 0.0, 0.0}, {0.0, -4.0, 3.0}}};
+  motion.Normalise();
+  const nlohmann::json data = nlohmann::json::parse(
+      PageDataOfModel("m.dat", {}, loaded.model, loaded.loads,
+                      {{.error = true,
+                        .place = "m.dat:3:1",
+                        .text = "node 2 can move",
+                        .motion = std::make_shared<const check::Motion>(motion)}}));
+  EXPECT_TRUE(data["equilibrium"].is_null());
+  for (const nlohmann::json& table : data["tables"])
+    EXPECT_NE(table["name"], "displacements");
+  const nlohmann::json& shown = data["check"][0]["motion"];
+  EXPECT_EQ(shown["turns"], false);
+  EXPECT_EQ(shown["nodes"], Packed(std::vector<int>{2}));
+  EXPECT_EQ(shown["vectors"], Packed(std::vector<double>{0.0, -0.8f, 0.6f}));
+}
+
 TEST(DescriptionOf, IsTheCommentAtTheBeginning)
 {
   const TemporaryFolder folder;

@@ -18,7 +18,7 @@ const script = await build({
   format: "iife",
   target: "es2020",
 });
-const style = await build({ ...options, entryPoints: ["src/style.css"] });
+const style = await build({ ...options, entryPoints: ["src/page.css"] });
 const licence = readFileSync("node_modules/three/LICENSE", "utf8")
   .replaceAll("\u00a9", "(c)")
   .trim();

@@ -1,32 +1,11 @@
 // The page of load cases, beside the files that morlen-cases writes.
-//
-//     node case_report_test.mjs MORLEN_CASES MORLEN_REPORT EXAMPLES CHROMIUM [PICTURES]
-//
-// With a folder PICTURES it leaves the pictures of the pages there, to be looked at.
 
 import assert from "node:assert/strict";
-import { execFileSync } from "node:child_process";
-import { copyFileSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
-import { tmpdir } from "node:os";
+import { copyFileSync, readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
-import { after, before, test } from "node:test";
-import { Browser } from "./browser.mjs";
+import { test } from "node:test";
+import { CASES, EXAMPLES, REPORT, SIZE, browser, folder, picture, run } from "./context.mjs";
 import { PIXELS, assertNear, differing, extremes } from "./helpers.mjs";
-
-const [CASES, REPORT, EXAMPLES, CHROMIUM, PICTURES] = process.argv.slice(2);
-const folder = mkdtempSync(join(tmpdir(), "case-report-test-"));
-const SIZE = PICTURES ? { width: 1400, height: 900 } : { width: 1120, height: 760 };
-let browser;
-
-before(async () => {
-  browser = await Browser.start(CHROMIUM);
-});
-after(async () => {
-  await browser.close();
-  rmSync(folder, { recursive: true, force: true });
-});
-
-const run = (program, ...args) => execFileSync(program, args, { cwd: folder, encoding: "utf8" });
 
 /** Cases of the example of shells, beams and both kinds of loads; one is a settlement. */
 const SHELLS = `model = "slab_and_wall.dat"
@@ -137,7 +116,7 @@ function prepareSolids() {
 
 async function open(name) {
   const page = await browser.open(join(folder, `${name}.html`), SIZE);
-  if (PICTURES) writeFileSync(join(PICTURES, `${name}.png`), await page.screenshot());
+  await picture(page, name);
   return page;
 }
 
@@ -366,7 +345,7 @@ test("a diagram of an envelope has two curves and tells what governs", async () 
   const drawings = "[...document.querySelectorAll('#panel .diagram')]";
   assert.deepEqual(
     await page.evaluate(`${drawings}.map((one) => one.querySelectorAll('polyline').length)`),
-    [2, 2, 2],
+    [2, 2, 2, 2], // N, Vy, Mz and the deflection
   );
   for (const i of [0, 5, points - 1]) {
     await page.evaluate(`(() => {
@@ -439,8 +418,7 @@ test("the page fits a narrow window", async () => {
         (await page.evaluate("document.documentElement.scrollWidth")) <= 400,
         `${name} ${one}`,
       );
-      if (PICTURES)
-        writeFileSync(join(PICTURES, `${name}-${one}-400.png`), await page.screenshot());
+      await picture(page, `${name}-${one}-400`);
     }
     await page.close();
   }

@@ -1,65 +1,27 @@
 // What the reports show in a browser, beside the tables that morlen-export writes.
-//
-//     node report_test.mjs MORLEN MORLEN_EXPORT MORLEN_REPORT EXAMPLES CHROMIUM [PICTURES]
-//
-// With a folder PICTURES it leaves the pictures of the pages there, to be looked at.
 
 import assert from "node:assert/strict";
-import { execFileSync, spawnSync } from "node:child_process";
-import { copyFileSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
-import { tmpdir } from "node:os";
+import { spawnSync } from "node:child_process";
+import { readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
-import { after, before, test } from "node:test";
+import { test } from "node:test";
 import { pathToFileURL } from "node:url";
-import { Browser } from "./browser.mjs";
+import {
+  EXAMPLES,
+  MORLEN,
+  PICTURES,
+  REPORT,
+  SIZE,
+  browser,
+  exampleReport,
+  exported,
+  folder,
+  openExample,
+  picture,
+  reportOf,
+  run,
+} from "./context.mjs";
 import { PIXELS, assertNear, differing, extremes } from "./helpers.mjs";
-
-const [MORLEN, EXPORT, REPORT, EXAMPLES, CHROMIUM, PICTURES] = process.argv.slice(2);
-const folder = mkdtempSync(join(tmpdir(), "report-test-"));
-let browser;
-
-before(async () => {
-  browser = await Browser.start(CHROMIUM);
-});
-after(async () => {
-  await browser.close();
-  rmSync(folder, { recursive: true, force: true });
-});
-
-const run = (program, ...args) => execFileSync(program, args, { cwd: folder, encoding: "utf8" });
-
-/** Runs a model and makes its report; the name of the page. */
-function reportOf(model) {
-  const base = model.replace(/\.dat$/, "");
-  run(MORLEN, model, `${base}.txt`);
-  run(REPORT, model, "-o", `${base}.html`);
-  return join(folder, `${base}.html`);
-}
-
-function exampleReport(name) {
-  copyFileSync(join(EXAMPLES, `${name}.dat`), join(folder, `${name}.dat`));
-  return reportOf(`${name}.dat`);
-}
-
-/** The tables of morlen-export: a function that returns a column. */
-function exported(name) {
-  run(EXPORT, `${name}.dat`, "--json", `${name}.json`);
-  const { tables } = JSON.parse(readFileSync(join(folder, `${name}.json`), "utf8"));
-  return (table, column) => {
-    const { columns, rows } = tables[table];
-    const place = columns.findIndex((one) => one.name === column);
-    return rows.map((row) => row[place]);
-  };
-}
-
-/** A small window where nobody looks: the processor draws every pixel. */
-const SIZE = PICTURES ? { width: 1480, height: 1000 } : { width: 1120, height: 760 };
-
-async function openExample(name) {
-  const page = await browser.open(exampleReport(name), SIZE);
-  if (PICTURES) writeFileSync(join(PICTURES, `${name}.png`), await page.screenshot());
-  return page;
-}
 
 for (const name of ["portal_frame", "space_frame", "slab_and_wall", "connecting_rod"]) {
   test(`${name} opens from one file, without complaints, and draws`, async () => {
@@ -85,11 +47,10 @@ async function legendOf(page, field) {
   await page.set("colours", field);
   return page.evaluate(`({
     min: Number(legend.dataset.min), max: Number(legend.dataset.max),
-    marks: [...legend.querySelectorAll(".marks span")].map((mark) => Number(mark.textContent)),
     title: legend.querySelector(".legend-title").textContent })`);
 }
 
-test("the ends of the legend are the extremes of the data", async () => {
+test("the legend tells the extremes of the data", async () => {
   const cases = {
     slab_and_wall: [
       ["points:Mx'", "shell_forces", "Mx'"],
@@ -107,8 +68,6 @@ test("the ends of the legend are the extremes of the data", async () => {
       const legend = await legendOf(page, field);
       assertNear(legend.min, min, 1e-6, `${model} ${field} min`);
       assertNear(legend.max, max, 1e-6, `${model} ${field} max`);
-      assertNear(legend.marks[0], max, 1e-5, `${model} ${field} upper mark`);
-      assertNear(legend.marks.at(-1), min, 1e-5, `${model} ${field} lower mark`);
     }
     await page.close();
   }
@@ -129,9 +88,14 @@ test("a click shows the member under it, with its diagrams", async () => {
   const page = await openExample("portal_frame");
   await page.set("deformation", "0");
   const column = exported("portal_frame");
-  for (const number of [1, 2, 3, 4, 5]) {
+  const girder = [2, 3, 4];
+  for (const [number, heading, beams] of [
+    [1, "Member 1 to 2", [1]],
+    ...girder.map((beam) => [beam, "Member 2 to 5", girder]),
+    [5, "Member 6 to 5", [5]],
+  ]) {
     await page.click(...(await page.evaluate(middleOf(number))));
-    assert.equal(await page.evaluate(HEADING), `Member ${number}`);
+    assert.equal(await page.evaluate(HEADING), heading);
     const titles = await page.evaluate(
       "[...document.querySelectorAll('#panel figcaption b')].map((b) => b.textContent)",
     );
@@ -144,11 +108,11 @@ test("a click shows the member under it, with its diagrams", async () => {
     const shown = await page.evaluate(
       "[...document.querySelectorAll('#panel .diagram')[2].querySelectorAll('text')].map((t) => Number(t.textContent))",
     );
-    const moments = column("beam_diagrams", "Mz").filter(
-      (_, i) => column("beam_diagrams", "element")[i] === number,
+    const moments = column("beam_diagrams", "Mz").filter((_, i) =>
+      beams.includes(column("beam_diagrams", "element")[i]),
     );
-    assertNear(shown[0], moments[0], 1e-3, `moment at end 1 of member ${number}`);
-    assertNear(shown[1], moments.at(-1), 1e-3, `moment at end 2 of member ${number}`);
+    assertNear(shown[0], moments[0], 1e-3, `moment at the first node of ${heading}`);
+    assertNear(shown[1], moments.at(-1), 1e-3, `moment at the last node of ${heading}`);
   }
   await page.close();
 });
@@ -182,7 +146,7 @@ test("the slider moves the shape", async () => {
     }
     assert.ok(differing(pictures[0], pictures[1]) > 100, `${name} does not move`);
     assert.equal(differing(pictures[0], pictures[2]), 0, `${name} does not return`);
-    assert.equal(await page.evaluate("factor.textContent"), "\u00d7 0");
+    assert.equal(await page.evaluate("factor.value"), "0");
     await page.close();
   }
 });
@@ -260,7 +224,7 @@ test("tables sort by a column, both ways", async () => {
         "Number(document.querySelectorAll('.rows tbody tr')[1].children[3].textContent)",
       ),
       expected,
-      1e-6,
+      1e-4, // five digits are shown
       "first row",
     );
   }
@@ -273,12 +237,13 @@ test("tables sort by a column, both ways", async () => {
 
 test("a report prints, with its short tables", async () => {
   const page = await openExample("portal_frame");
+  await page.evaluate(`addEventListener("beforeprint", () => {
+    window.printed = [...document.querySelectorAll("#print-sheet caption")].map((one) => one.textContent);
+  })`);
   const pdf = await page.pdf();
   assert.equal(pdf.subarray(0, 5).toString(), "%PDF-");
   assert.ok(pdf.length > 20000, `${pdf.length} bytes`);
-  const titles = await page.evaluate(
-    "[...document.querySelectorAll('.print-only h3')].map((h) => h.textContent)",
-  );
+  const titles = await page.evaluate("printed");
   assert.ok(titles.includes("Reactions") && titles.includes("Nodal loads"), titles.join());
   if (PICTURES) writeFileSync(join(PICTURES, "portal_frame.pdf"), pdf);
   await page.close();
@@ -328,7 +293,7 @@ test("errors of the problem file are in the head, in red", async () => {
   for (const [name, text, errors] of cases) {
     writeFileSync(join(folder, `${name}.dat`), text);
     const page = await browser.open(reportOf(`${name}.dat`), SIZE);
-    if (PICTURES) writeFileSync(join(PICTURES, `${name}.png`), await page.screenshot());
+    await picture(page, name);
     const alert = await page.evaluate(ALERT);
     assert.deepEqual(page.complaints, []);
     await page.close();

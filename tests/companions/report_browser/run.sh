@@ -1,9 +1,9 @@
 #!/bin/sh
 # Tests the reports in a headless Chromium; status 77 (skipped) where it or Node.js is missing.
 #
-#     run.sh TEST [CHROMIUM] [NODE] ARGUMENT...
+#     run.sh CHROMIUM NODE MORLEN MORLEN_EXPORT MORLEN_REPORT MORLEN_CASES EXAMPLES
 #
-# TEST is one of the files here. It gets the arguments and the browser.
+# An empty CHROMIUM or NODE is looked for. REPORT_TESTS="report members" runs some files only.
 # With REPORT_PICTURES=folder it leaves the pictures of the pages there, to be looked at.
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
@@ -11,13 +11,12 @@ find_one()
 {
   for name in "$@"; do command -v "$name" 2>/dev/null && return; done
 }
-test="$1"
-chromium=$(find_one "${2:-chromium}" chromium-browser google-chrome) || true
-node=$(find_one "${3:-node}" nodejs) || true
+chromium=$(find_one "${1:-chromium}" chromium-browser google-chrome) || true
+node=$(find_one "${2:-node}" nodejs) || true
 if [ -z "$chromium" ] || [ -z "$node" ] ||
     [ "$("$node" -p 'Number(process.versions.node.split(".")[0]) >= 18' 2>/dev/null)" != true ]; then
   echo "skipped: the tests of the reports need Chromium and Node.js 18 or later"
   exit 77
 fi
-shift 3
-exec "$node" "$here/$test" "$@" "$chromium" ${REPORT_PICTURES:+"$REPORT_PICTURES"}
+shift 2
+exec "$node" "$here/all_tests.mjs" "$@" "$chromium" ${REPORT_PICTURES:+"$REPORT_PICTURES"}

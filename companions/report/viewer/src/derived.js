@@ -27,12 +27,20 @@ function vonMises(x, y, z, xy, yz, xz) {
   return Math.sqrt(((x - y) ** 2 + (y - z) ** 2 + (z - x) ** 2) / 2 + 3 * shears);
 }
 
-/** Principal stresses in descending order, by Jacobi rotations. */
-function principalStresses(x, y, z, xy, yz, xz) {
+/**
+ * Principal stresses in descending order with their directions, {value, axis}, by Jacobi rotations
+ * (Golub and Van Loan, "Matrix Computations", 1996, section 8.4).
+ */
+export function principalAxes(x, y, z, xy, yz, xz) {
   const a = [
     [x, xy, xz],
     [xy, y, yz],
     [xz, yz, z],
+  ];
+  const axes = [
+    [1, 0, 0],
+    [0, 1, 0],
+    [0, 0, 1],
   ];
   for (let sweep = 0, changed = true; changed && sweep < 30; ++sweep) {
     changed = false;
@@ -44,30 +52,38 @@ function principalStresses(x, y, z, xy, yz, xz) {
       const size = Math.abs(a[p][p]) + Math.abs(a[q][q]);
       if (a[p][q] === 0 || size + Math.abs(a[p][q]) === size) continue;
       changed = true;
-      rotate(a, p, q);
+      rotate(a, axes, p, q);
     }
   }
-  return [a[0][0], a[1][1], a[2][2]].sort((one, other) => other - one);
+  return axes
+    .map((axis, k) => ({ value: a[k][k], axis }))
+    .sort((one, two) => two.value - one.value);
 }
 
-function rotate(a, p, q) {
+const principalStresses = (...stresses) => principalAxes(...stresses).map(({ value }) => value);
+
+/** Makes a[p][q] zero; the rows of `axes` turn with it. */
+function rotate(a, axes, p, q) {
   const theta = (a[q][q] - a[p][p]) / (2 * a[p][q]);
   const t = (theta < 0 ? -1 : 1) / (Math.abs(theta) + Math.hypot(theta, 1));
   const cosine = 1 / Math.hypot(t, 1),
     sine = t * cosine;
+  const turned = (one, two) => [cosine * one - sine * two, sine * one + cosine * two];
   a[p][p] -= t * a[p][q];
   a[q][q] += t * a[p][q];
   a[p][q] = a[q][p] = 0;
   const r = 3 - p - q;
-  const [rp, rq] = [a[r][p], a[r][q]];
-  a[r][p] = a[p][r] = cosine * rp - sine * rq;
-  a[r][q] = a[q][r] = sine * rp + cosine * rq;
+  const [rp, rq] = turned(a[r][p], a[r][q]);
+  a[r][p] = a[p][r] = rp;
+  a[r][q] = a[q][r] = rq;
+  for (let k = 0; k < 3; ++k) [axes[p][k], axes[q][k]] = turned(axes[p][k], axes[q][k]);
 }
 
 const MEMBRANE = ["Nx'", "Ny'", "Nxy'"],
   MOMENTS = ["Mx'", "My'", "Mxy'"],
-  STRESSES = ["Sx", "Sy", "Sz", "Txy", "Tyz", "Txz"],
-  TRANSLATIONS = ["ux", "uy", "uz"];
+  STRESSES = ["Sx", "Sy", "Sz", "Txy", "Tyz", "Txz"];
+
+export const TRANSLATIONS = ["ux", "uy", "uz"];
 
 /** Columns and what they are computed from. A column of `from` that the table lacks counts as 0. */
 export const DERIVED = {

@@ -2,9 +2,10 @@
 // with the opposite sign, so that they are on the side of the tension.
 
 import * as THREE from "three";
-import { NEGATIVE, POSITIVE } from "./colours.js";
 import { beamPoint } from "./beam_view.js";
 import { extremesOf } from "./fields.js";
+import { DETAIL } from "./scene.js";
+import { theme } from "./theme.js";
 
 /** Name, local axis (1: y', 2: z') and sign of the drawing of each diagram. */
 export const DIAGRAMS = {
@@ -24,8 +25,14 @@ export function curvesOf(diagrams, name) {
   const curve = (key, label) => {
     const column = diagrams?.column(`${name}${key}`);
     if (!column) return null;
-    const { values, unit } = column;
-    return { label, values, unit, by: diagrams.column(`${name}${key} by`) };
+    return {
+      label,
+      unit: column.unit,
+      by: diagrams.column(`${name}${key} by`),
+      get values() {
+        return column.values;
+      },
+    };
   };
   const one = curve("", "");
   return one ? [one] : [curve(" min", "min"), curve(" max", "max")].filter(Boolean);
@@ -120,8 +127,9 @@ class Ribbon {
   }
 
   quad(a, b, value) {
+    const colour = theme.rgb(value < 0 ? "scene-negative" : "scene-positive");
     this.faces.push(...a.foot, ...b.foot, ...b.tip, ...a.foot, ...b.tip, ...a.tip);
-    for (let i = 0; i < 6; ++i) this.colours.push(...(value < 0 ? NEGATIVE : POSITIVE));
+    for (let i = 0; i < 6; ++i) this.colours.push(...colour);
   }
 
   objects() {
@@ -144,9 +152,12 @@ class Ribbon {
       side: THREE.DoubleSide,
       depthWrite: false,
     });
-    const line = new THREE.LineBasicMaterial({ color: 0x46525c });
+    const line = new THREE.LineBasicMaterial({ color: theme.hex("scene-outline") });
     const objects = [new THREE.Mesh(faces, fill), new THREE.LineSegments(outline, line)];
-    for (const object of objects) object.frustumCulled = false;
+    for (const object of objects) {
+      object.frustumCulled = false;
+      object.layers.set(DETAIL);
+    }
     return objects;
   }
 }

@@ -30,11 +30,6 @@ export function format(value, digits = 6) {
   return String(Number(value.toPrecision(digits)));
 }
 
-/** "value unit" */
-export function withUnit(value, unit, digits = 6) {
-  return unit ? `${format(value, digits)} ${unit}` : format(value, digits);
-}
-
 /** A select of [value, text] options, or of groups {label, options}. */
 export function select(id, groups, onchange) {
   const option = ([value, text]) => h("option", { value }, text);

@@ -86,13 +86,14 @@ function columnFields(table, group, place, skip) {
 }
 
 export function fieldsOf(report, model) {
+  if (!report.hasResults) return [];
   return [
     ...(report.isEnvelope
       ? displacementExtremes(report, model)
       : displacementFields(model, report.model.translations)),
     ...columnFields(report.table("shell_forces"), "Shells", "points", /^element$|^point$|Euler/),
     ...columnFields(report.table("stresses"), "Solids", "nodes", /^node$/),
-    ...columnFields(model.diagrams, "Beams", "beams", /^element$|^point$|^u[xyz]?( |$)/),
+    ...columnFields(model.diagrams, "Beams", "beams", /^(element|point|[xyz])$|^u[xyz]?( |$)/),
   ];
 }
 
@@ -113,7 +114,7 @@ export function extremesOfField(field, model, shells) {
   const { numbers } = model.elements;
   add(field.nodes, "node", (i) => model.nodeNumbers[i]);
   add(field.points, "element", (i) => numbers[shells.owner[i]]);
-  add(field.beams, "member", (i) => numbers[model.beams[Math.floor(i / model.points)]]);
+  add(field.beams, "beam", (i) => numbers[model.beams[Math.floor(i / model.points)]]);
   const low = parts.reduce((a, b) => (b.min < a.min ? b : a));
   const high = parts.reduce((a, b) => (b.max > a.max ? b : a));
   return {

@@ -1,5 +1,6 @@
 // Text over the view: numbers, values, and the global axes in a corner. Labels that would cover
 // one that is already placed are left out.
+import { theme } from "./theme.js";
 
 const FONT = "12px system-ui, sans-serif";
 
@@ -24,22 +25,29 @@ export class Labels {
 
   draw() {
     const { width, height } = this.stage;
-    const ratio = Math.min(window.devicePixelRatio, 2);
+    const ratio = this.stage.renderer.getPixelRatio();
     this.canvas.width = width * ratio;
     this.canvas.height = height * ratio;
     const context = this.canvas.getContext("2d");
     context.scale(ratio, ratio);
+    this.drawOn(context);
+  }
+
+  /** Draws on the context of any canvas, in pixels of the view. */
+  drawOn(target) {
+    const context = target;
     context.font = FONT;
     context.textBaseline = "middle";
     context.lineJoin = "round";
     this.taken = [];
-    for (const { colour, labels } of this.sources.values()) {
+    for (const { colour, labels } of this.stage.isMoving ? [] : this.sources.values()) {
       for (const label of labels) this.drawLabel(context, colour, label);
     }
-    this.drawAxes(context, height);
+    this.drawAxes(context, this.stage.height);
   }
 
   drawLabel(context, colour, { place, text }) {
+    if (this.stage.hides(place)) return;
     const [x, y] = this.stage.project(place);
     if (x < 0 || x > this.stage.width || y < 0 || y > this.stage.height) return;
     const { width } = context.measureText(text);
@@ -61,7 +69,7 @@ export class Labels {
       const tip = this.stage.project([0, 1, 2].map((i) => (i === k ? 100 * scale : 0)));
       const [dx, dy] = [(tip[0] - start[0]) / 100, (tip[1] - start[1]) / 100];
       if (Math.hypot(dx, dy) < 4) return;
-      const colour = ["#b3261e", "#2e7d32", "#1f5fa8"][k];
+      const colour = theme.css(["scene-x", "scene-y", "scene-z"][k]);
       context.strokeStyle = colour;
       context.lineWidth = 2;
       context.beginPath();
@@ -100,7 +108,7 @@ export function numberLabels(model) {
 }
 
 function halo(context, text, x, y, colour) {
-  context.strokeStyle = "rgba(255, 255, 255, 0.9)";
+  context.strokeStyle = theme.css("scene-halo");
   context.lineWidth = 3;
   context.strokeText(text, x, y);
   context.fillStyle = colour;

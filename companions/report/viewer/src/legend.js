@@ -1,41 +1,130 @@
-// The legend of the colours: bands between the extremes of the data.
+// The legend of the colours: bands between round numbers, the extremes of the data, and the limits
+// of the colours, which can be typed.
 
-import { BANDS, cssColour } from "./colours.js";
-import { format, h } from "./dom.js";
+import { cssColour } from "./colours.js";
+import { h } from "./dom.js";
+import { numberStyle, ticksBetween } from "./ticks.js";
 
-/** Shows a field with its scale and extremes; null hides the legend. */
-export function showLegend(element, field, scale, extremes) {
-  element.hidden = !field;
-  if (!field) return;
-  const ticks = 4;
-  const bands = Array.from({ length: BANDS }, (_, i) =>
-    h("span", { style: `background:${cssColour(scale.band(BANDS - 1 - i))}` }),
-  );
-  const marks = Array.from({ length: ticks + 1 }, (_, i) => {
-    const value = scale.value(1 - i / ticks);
-    return h("span", { style: `top:${(100 * i) / ticks}%` }, format(value, i % ticks ? 3 : 6));
-  });
-  element.dataset.min = extremes.min;
-  element.dataset.max = extremes.max;
-  element.replaceChildren(
-    h(
-      "div",
-      { class: "legend-title" },
-      field.title,
-      field.unit ? h("span", {}, ` ${field.unit}`) : null,
-    ),
-    h(
-      "div",
-      { class: "legend-scale" },
-      h("div", { class: "bands" }, bands),
-      h("div", { class: "marks" }, marks),
-    ),
-    h(
-      "div",
-      { class: "legend-note" },
-      `max at ${extremes.maxAt}`,
-      h("br"),
-      `min at ${extremes.minAt}`,
-    ),
-  );
+export class Legend {
+  /** onchange() is called when limits have changed. */
+  constructor(onchange) {
+    this.onchange = onchange;
+    this.element = h("div", { class: "legend", id: "legend", hidden: true });
+    this.limits = new Map(); // [low, high] by field
+    this.content = null; // what is shown: {title, unit, bands, marks, notes}
+  }
+
+  /** The typed limits of a field; null without. */
+  limitsOf(field) {
+    return this.limits.get(field.id) ?? null;
+  }
+
+  /** Shows a field with its scale and extremes; null hides the legend. */
+  show(field, scale, extremes) {
+    this.element.hidden = !field;
+    this.content = field && contentOf(field, scale, extremes);
+    if (!field) return;
+    this.element.dataset.min = extremes.min;
+    this.element.dataset.max = extremes.max;
+    const { title, unit, bands, marks, notes } = this.content;
+    this.element.replaceChildren(
+      h("div", { class: "legend-title" }, title, unit ? h("span", {}, ` ${unit}`) : null),
+      h(
+        "div",
+        { class: "legend-scale" },
+        h(
+          "div",
+          { class: "bands" },
+          bands.map(({ rgb, part }) =>
+            h("span", { style: `background:${cssColour(rgb)};flex:${part}` }),
+          ),
+        ),
+        h(
+          "div",
+          { class: "marks" },
+          marks.map(({ text, place }) => h("span", { style: `top:${100 * place}%` }, text)),
+        ),
+      ),
+      h(
+        "div",
+        { class: "legend-note" },
+        notes.map((line) => h("div", {}, line)),
+      ),
+      this.form(field, scale),
+    );
+  }
+
+  /** Two numbers and a button that takes them away. */
+  form(field, scale) {
+    const input = (name, value) =>
+      h("input", {
+        type: "number",
+        step: "any",
+        id: `legend-${name}`,
+        value: String(Number(value.toPrecision(6))),
+        "aria-label": `${name === "low" ? "lower" : "upper"} limit of the colours`,
+      });
+    const low = input("low", scale.low),
+      high = input("high", scale.high);
+    const take = () => {
+      const limits = [low, high].map((one) => one.valueAsNumber);
+      const sound = limits[0] < limits[1];
+      for (const one of [low, high]) one.setAttribute("aria-invalid", String(!sound));
+      if (!sound) return;
+      this.limits.set(field.id, limits);
+      this.onchange();
+    };
+    for (const one of [low, high]) one.addEventListener("change", take);
+    const reset = () => {
+      this.limits.delete(field.id);
+      this.onchange();
+    };
+    return h(
+      "details",
+      { class: "limits", open: this.limitsOf(field) !== null },
+      h("summary", {}, "Limits"),
+      h("label", {}, "to", high),
+      h("label", {}, "from", low),
+      field.unit ? h("div", {}, `in ${field.unit}`) : null,
+      h(
+        "button",
+        { id: "legend-reset", disabled: this.limitsOf(field) === null, onclick: reset },
+        "Reset",
+      ),
+    );
+  }
+}
+
+/** A value far beyond typed limits, without the power of ten of the scale. */
+const unscaled = (value, unit) => [value.toExponential(2), unit].filter(Boolean).join(" ");
+
+/** Bands from above with their parts of the height, marks with their places (0 above, 1 below). */
+function contentOf(field, scale, extremes) {
+  const { low, high, step } = scale;
+  const { text, factor } = numberStyle(low, high, step);
+  const bands = [];
+  for (let i = scale.bands - 1; i >= 0; --i) {
+    const part = Math.min(high, scale.limit(i + 1)) - Math.max(low, scale.limit(i));
+    bands.push({ rgb: scale.band(i), part: part / (high - low) });
+  }
+  const every = scale.bands > 7 ? 2 : 1;
+  const ticks = ticksBetween(low, high, every * step).reverse();
+  const marks = ticks.map((value) => ({
+    text: text(value),
+    place: (high - value) / (high - low),
+  }));
+  const short = (value) => (text(value).length > 8 ? unscaled(value, field.unit) : text(value));
+  const at = (name, place) => `${name} ${short(extremes[name])} at ${place}`;
+  return {
+    title: field.title,
+    unit: [factor, field.unit].filter(Boolean).join(" "),
+    bands,
+    marks,
+    notes: [
+      at("max", extremes.maxAt),
+      at("min", extremes.minAt),
+      scale.cutsAbove ? `\u25b2 the colour above holds for more than ${text(high)}` : null,
+      scale.cutsBelow ? `\u25bc the colour below holds for less than ${text(low)}` : null,
+    ].filter(Boolean),
+  };
 }

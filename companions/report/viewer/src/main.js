@@ -2,43 +2,57 @@
 
 import * as THREE from "three";
 import { BeamView } from "./beam_view.js";
-import { ColourScale } from "./colours.js";
+import { ColourScale, bandTexture } from "./colours.js";
+import { Cutting } from "./cutting.js";
 import { readReport } from "./data.js";
-import { DiagramView, curvesOf } from "./diagrams.js";
-import { format, h } from "./dom.js";
+import { Deformation } from "./deformation.js";
+import { DiagramView } from "./diagrams.js";
+import { h } from "./dom.js";
 import { ShellPoints, extremesOfField, fieldsOf } from "./fields.js";
 import { Highlight } from "./highlight.js";
 import { Labels, numberLabels } from "./labels.js";
-import { showLegend } from "./legend.js";
-import { panelOf } from "./member_panel.js";
-import { Model, SHELL } from "./model.js";
+import { Legend } from "./legend.js";
+import { closeMenusOutside } from "./menu.js";
+import { LocalAxes } from "./local_axes.js";
+import { MemberResults } from "./member_results.js";
+import { withMembers } from "./member_table.js";
+import { Members } from "./members.js";
+import { Model } from "./model.js";
+import { Motions } from "./motions.js";
+import { pickNode } from "./node_picking.js";
+import { styledTogether } from "./numbers.js";
+import { cardsOf, headOf } from "./page_contents.js";
+import { layOutPage } from "./page_frame.js";
+import { panelOf } from "./panel.js";
 import { onClick, pick } from "./picking.js";
-import { principalCrosses } from "./principal.js";
-import { Stage, deformable } from "./scene.js";
+import { PrintSheet } from "./print_sheet.js";
+import { directionLines } from "./principal.js";
+import { fileBase } from "./save.js";
+import { DETAIL, NO_CUT, Stage, deformable, dispose } from "./scene.js";
+import { reachScrollers } from "./scrollers.js";
 import { Selector } from "./selector.js";
 import { Study } from "./study.js";
-import {
-  balanceCard,
-  caseBalancesCard,
-  checkCard,
-  envelopeCard,
-  extremesCard,
-  header,
-  modelCard,
-} from "./summary.js";
 import { SurfaceView } from "./surface_view.js";
 import { hingeSymbols, loadSymbols, reactionSymbols, supportSymbols } from "./symbols.js";
-import { TableView, printedTables } from "./tables.js";
+import { TableView } from "./tables.js";
+import { theme } from "./theme.js";
 import { Toolbar } from "./toolbar.js";
-
-const PRINTED_ROWS = 60;
+import { listenToKeys } from "./view_keys.js";
+import { ViewText } from "./view_text.js";
+import { Visibility } from "./visibility.js";
 
 class Report {
   constructor(data) {
     this.study = data.study ? new Study(data) : null;
     this.selector = this.study && new Selector(this.study, (selection) => this.show(selection));
-    this.factor = { value: 0 }; // of the displacements, shared by all materials
-    this.selected = -1;
+    this.choose = (kind, number) => this.selectNumber(kind, Number(number));
+    this.deformation = new Deformation();
+    this.factor = this.deformation.factor;
+    this.visibility = new Visibility();
+    /** What all parts of the view share; see deformable(). */
+    this.settings = { factor: this.factor, cut: { value: new THREE.Vector4(...NO_CUT) } };
+    this.selected = -1; // an element
+    this.selectedNode = -1;
     this.remembered = {}; // values of controls
     this.take(this.study ? this.study.view(this.study.all[0]) : readReport(data));
     this.layOut();
@@ -51,17 +65,19 @@ class Report {
       return;
     }
     this.showAtFirst();
+    theme.onChange(() => this.redraw());
   }
 
   /** Makes a report the one that is shown. */
   take(report) {
     this.report = report;
     this.model = new Model(report);
+    this.settings.isShown = this.visibility.test(this.model);
     this.shells = new ShellPoints(this.model, report.table("shell_forces"));
     this.fields = fieldsOf(report, this.model);
-    /** The factor at the middle of the slider: the largest displacement is 6% of the model's size. */
-    this.usualFactor =
-      this.model.largest > 0 ? niceFactor((0.06 * this.model.box.size) / this.model.largest) : 1;
+    this.members = Members.of(report, this.model);
+    this.results = new MemberResults(report, this.model, this.members);
+    this.deformation.take(this.model);
   }
 
   /** Shows a case, a combination or an envelope in the same way as the one before. */
@@ -69,13 +85,24 @@ class Report {
     this.remembered = { ...this.remembered, ...this.toolbar.state };
     this.take(this.study.view(selection));
     this.fillPage();
-    if (this.stage) {
-      this.stage.clear();
-      this.labels.clear();
-      this.fillStage();
-      this.drawAll();
-    }
-    this.select(this.selected);
+    this.redraw();
+    this.mark(this.selected, this.selectedNode);
+  }
+
+  /** Makes the scene anew: of another case, or in other colours. */
+  redraw() {
+    if (!this.stage) return;
+    this.stage.setGround();
+    this.stage.clear();
+    this.labels.clear();
+    this.fillStage();
+    this.drawAll();
+    this.motions.restore();
+  }
+
+  /** False for a page of a model without results. */
+  get hasResults() {
+    return this.report.hasResults;
   }
 
   /** The rest of the report needs no graphics. */
@@ -92,96 +119,73 @@ class Report {
     this.select(-1);
   }
 
-  /** The parts of the page that stay, with empty ones for what changes. */
+  /** Builds the fixed parts of the page, and empty boxes for those that change with the choice. */
   layOut() {
     this.canvasBox = h("div", { class: "canvas" });
-    this.legend = h("div", { class: "legend", id: "legend", hidden: true });
-    this.panel = h("aside", { id: "panel" });
+    this.legend = new Legend(() => this.colour());
+    this.panel = h("section", { id: "panel", "aria-label": "selected object" });
     this.toolbar = new Toolbar(this);
+    this.motions = new Motions(this);
+    this.viewText = new ViewText(this);
+    this.sheet = new PrintSheet(this);
+    closeMenusOutside(document.getElementById("report"));
     const part = () => h("div");
     this.parts = { head: part(), cards: part(), tables: part() };
-    document
-      .getElementById("report")
-      .append(
-        this.parts.head,
-        ...(this.selector ? [this.selector.element] : []),
-        h(
-          "section",
-          { class: "view" },
-          h(
-            "div",
-            { class: "stage" },
-            this.toolbar.element,
-            h(
-              "div",
-              { class: "frame" },
-              h("div", { class: "canvas-cell" }, this.canvasBox),
-              this.legend,
-            ),
-          ),
-          this.panel,
-        ),
-        this.parts.cards,
-        this.parts.tables,
-        h(
-          "footer",
-          {},
-          `${this.report.program}. Displacements, reactions and nodal loads are in global axes, forces of elements in local ones; signs as in the result files.`,
-        ),
-      );
+    layOutPage(this);
   }
 
-  /** What belongs to the report that is shown. */
+  /** Fills the boxes with the present report. */
   fillPage() {
-    const { report, model } = this;
-    const onplace = (kind, number) => this.choose(kind, Number(number));
+    const { report } = this;
     const toolbar = new Toolbar(this);
     toolbar.adopt(this.remembered);
     this.toolbar.element.replaceWith(toolbar.element);
     this.toolbar = toolbar;
     this.selector?.show(report.selection);
     const open = this.tables?.table.name;
-    this.tables = new TableView(report.tables, onplace, open);
-    this.parts.head.replaceChildren(header(report), this.selector?.printed(report.selection) ?? "");
-    this.parts.cards.replaceChildren(
-      h(
-        "div",
-        { class: "cards" },
-        modelCard(report, model),
-        balanceCard(report, model),
-        report.balances ? caseBalancesCard(report, model) : null,
-        checkCard(report),
-      ),
-      report.isEnvelope
-        ? envelopeCard(report, onplace)
-        : extremesCard(report, model, this.shells, this.fields, onplace),
-    );
+    const tables = withMembers(report.tables, this.results);
+    this.tables = new TableView(tables, this.choose, open, fileBase(report));
+    this.parts.head.replaceChildren(...headOf(this));
+    this.parts.cards.replaceChildren(...cardsOf(this));
     this.parts.tables.replaceChildren(
-      h("section", { class: "card screen-only" }, h("h2", {}, "Tables"), this.tables.element),
-      printedTables(report.tables, PRINTED_ROWS),
+      h("section", { class: "card" }, h("h2", {}, "Tables"), this.tables.element),
     );
     this.tables.drawRows();
+    reachScrollers();
   }
 
   makeStage() {
     this.stage = new Stage(this.canvasBox, this.model);
     this.labels = new Labels(this.stage);
-    onClick(this.stage.renderer.domElement, (point) =>
-      this.select(pick(this.stage, this.model, this.views, this.factor.value, point)),
-    );
+    this.viewText.name(this.canvasBox);
+    listenToKeys(this);
+    this.axes = new LocalAxes(this.stage, this.labels, this.settings);
+    this.cutting = new Cutting(this);
+    onClick(this.stage.renderer.domElement, (point) => {
+      if (!this.cutting.take(point)) this.markAt(point);
+    });
+  }
+
+  pickAt(point) {
+    const { cutting, factor, model, stage, views } = this;
+    return pick(stage, model, views, cutting.section, factor.value, point);
+  }
+
+  /** Selects the node near a point of the view, or the element there. */
+  markAt(point) {
+    const element = this.pickAt(point);
+    const node = pickNode(this.stage, this.model, this.factor.value, element, point);
+    this.mark(node < 0 ? element : -1, node);
   }
 
   fillStage() {
     const { model, report } = this;
-    const meshes = Array.from({ length: report.model.meshes }, (_, i) => i + 1);
-    this.views = {
-      surfaces: meshes.map((mesh) => new SurfaceView(model, mesh, this.factor)),
-      beams: meshes.map((mesh) => new BeamView(model, this.stage, mesh)),
-    };
+    this.shapes = new THREE.Group();
+    this.makeShapes();
     this.diagrams = new DiagramView(model);
     this.crosses = new THREE.LineSegments(
       new THREE.BufferGeometry(),
-      deformable(new THREE.LineBasicMaterial({ vertexColors: true }), this.factor),
+      deformable(new THREE.LineBasicMaterial({ vertexColors: true }), this.settings),
     );
     this.crosses.frustumCulled = false;
     const size = this.symbolSize();
@@ -191,16 +195,34 @@ class Report {
       loads: loadSymbols(report, model, 0.085 * model.box.size),
       reactions: reactionSymbols(report, model, 0.085 * model.box.size),
     };
-    this.highlight = new Highlight(this.stage, model);
-    this.stage.scene.add(
-      ...this.views.surfaces.map(({ group }) => group),
-      ...this.views.beams.map(({ group }) => group),
+    this.highlight = new Highlight(this.stage, model, this.members);
+    const details = [
       ...Object.values(this.symbols).map(({ group }) => group),
       this.hinges,
       this.diagrams.group,
       this.crosses,
-      this.highlight.line,
+    ];
+    for (const object of details) object.traverse((one) => one.layers.set(DETAIL));
+    this.stage.scene.add(
+      this.shapes,
+      ...details,
+      this.cutting.fill(),
+      this.axes.line,
+      ...this.highlight.objects,
     );
+  }
+
+  /** The shown elements, one view for each mesh. */
+  makeShapes() {
+    const { model, report } = this;
+    const meshes = Array.from({ length: report.model.meshes }, (_, i) => i + 1);
+    dispose(this.shapes);
+    this.shapes.clear();
+    this.views = {
+      surfaces: meshes.map((mesh) => new SurfaceView(model, mesh, this.settings)),
+      beams: meshes.map((mesh) => new BeamView(model, this.stage, mesh, this.settings)),
+    };
+    this.shapes.add(...[...this.views.surfaces, ...this.views.beams].map(({ group }) => group));
   }
 
   /** Smaller where many supports are close together. */
@@ -217,132 +239,157 @@ class Report {
     else this.toolbar.colours.value = has("nodes:von_Mises") ? "nodes:von_Mises" : "u";
     this.toolbar.deformation.value = model.plane ? 0.5 : 1;
     this.drawAll();
+    this.stage.resize(); // the legend takes space
     this.stage.look(model.plane ? "top" : "iso");
-    this.select(model.has(SHELL) ? -1 : this.mostBent());
+    this.select(this.results.mostBent());
+    const moving = this.report.hasResults ? null : this.report.check?.find(({ motion }) => motion);
+    if (moving) this.motions.show(moving);
   }
 
   /** Draws everything as the controls say. */
   drawAll() {
     const isOn = (id) => document.getElementById(id)?.checked ?? false;
     for (const name of Object.keys(this.symbols)) this.showSymbols(name, isOn(name));
-    this.views.surfaces.forEach((_, i) => this.showMesh(i, this.meshIsOn(i)));
+    this.showLines(isOn("lines"));
     this.showNumbers(isOn("numbers"));
     this.colour();
     this.showDiagram();
     this.showDirections();
+    this.showAxes();
     this.deform();
-  }
-
-  meshIsOn(mesh) {
-    return document.getElementById(`mesh${mesh + 1}`)?.checked ?? true;
-  }
-
-  /** The beam with the largest bending moment; -1 without beams. */
-  mostBent() {
-    const { model } = this;
-    let found = -1,
-      largest = 0;
-    for (const { values } of ["My", "Mz"].flatMap((name) => curvesOf(model.diagrams, name))) {
-      for (let i = 0; i < values.length; ++i) {
-        if (Math.abs(values[i]) <= largest) continue;
-        largest = Math.abs(values[i]);
-        found = model.beams[Math.floor(i / model.points)];
-      }
-    }
-    return found;
+    this.cutting.show();
   }
 
   colour() {
     const field = this.fields.find(({ id }) => id === this.toolbar.colours.value) ?? null;
+    this.field = field;
     const extremes = field && extremesOfField(field, this.model, this.shells);
-    const scale = field && new ColourScale(extremes.min, extremes.max);
+    const scale = field && new ColourScale(extremes.min, extremes.max, this.legend.limitsOf(field));
     const smooth = this.toolbar.isSmooth;
-    for (const view of this.views.surfaces) view.colour(field, scale, this.shells, smooth);
+    this.bands?.dispose();
+    this.bands = scale && bandTexture(scale);
+    for (const view of this.views.surfaces)
+      view.colour(field, scale, this.shells, smooth, this.bands);
     const values = field?.beams ?? null;
     for (const view of this.views.beams) view.colour(values, scale);
     this.toolbar.smooth.hidden = !field?.points;
-    showLegend(this.legend, field, scale, extremes);
+    this.scale = scale;
+    this.legend.show(field, scale, extremes);
+    this.cutting.colour();
     this.stage.draw();
   }
 
   showDiagram() {
     const name = this.toolbar.diagram.value;
+    this.diagramName = name;
     this.toolbar.diagramSize.hidden = !name;
     this.diagrams.show(name, 0.1 * this.model.box.size * this.toolbar.diagramSize.value);
     const labels =
       this.model.beams.length <= 100 ? this.diagrams.labels : largestLabels(this.diagrams.labels);
+    const texts = styledTogether(
+      labels.map(({ value }) => value),
+      4,
+    );
     this.labels.set(
       "diagram",
-      "#1b2a38",
-      labels.map(({ place, value }) => ({ place, text: format(value, 4) })),
+      theme.css("scene-label"),
+      labels.map(({ place }, i) => ({ place, text: texts[i] })),
     );
+    this.cutting.clip();
     this.stage.draw();
   }
 
   showDirections() {
     const kind = this.report.isEnvelope ? "" : this.toolbar.directions.value;
     this.crosses.geometry.dispose();
-    this.crosses.geometry = kind
-      ? principalCrosses(this.report, this.model, this.shells, kind)
-      : new THREE.BufferGeometry();
+    this.crosses.geometry = directionLines(kind, this);
     this.stage.draw();
   }
 
   deform() {
-    this.factor.value = this.report.isEnvelope
-      ? 0
-      : this.toolbar.deformation.value * this.usualFactor;
-    this.toolbar.factor.textContent = `\u00d7 ${format(this.factor.value, 3)}`;
+    this.deformation.update(this.toolbar, this.report.isEnvelope);
+    this.showDeformed();
+  }
+
+  /** Shows the shape with another factor than that of the controls, until deform. */
+  deformBy(factor) {
+    this.factor.value = factor;
+    this.showDeformed();
+  }
+
+  showDeformed() {
     for (const view of [...this.views.beams, ...this.views.surfaces])
       view.deform(this.factor.value);
+    this.cutting.section.deform(this.factor.value);
     this.placeHighlight();
+    this.stage.draw();
+  }
+
+  showAxes() {
+    this.axes.show(this.toolbar.axes.value, this.report, this.model, this.selected);
     this.stage.draw();
   }
 
   showSymbols(name, on) {
     const { group, labels } = this.symbols[name];
     group.visible = on;
-    this.labels.set(name, name === "loads" ? "#8f3210" : "#53307d", on ? labels : []);
+    this.labels.set(
+      name,
+      theme.css(name === "loads" ? "scene-label-load" : "scene-label-reaction"),
+      on ? labels : [],
+    );
     this.stage.draw();
   }
 
   showNumbers(on) {
     const { nodes, elements } = on ? numberLabels(this.model) : { nodes: [], elements: [] };
-    this.labels.set("nodes", "#2c5282", nodes);
-    this.labels.set("elements", "#6b4c11", elements);
+    this.labels.set("nodes", theme.css("scene-label-node"), nodes);
+    this.labels.set("elements", theme.css("scene-label-element"), elements);
     this.stage.draw();
   }
 
-  showMesh(mesh, on) {
-    for (const { group } of [this.views.surfaces[mesh], this.views.beams[mesh]]) group.visible = on;
+  /** Shows or hides a mesh or a material: kind "meshes" or "materials", and its number. */
+  showPart(kind, number, on) {
+    this.visibility.set(kind, number, on);
+    this.makeShapes();
+    this.drawAll();
+  }
+
+  showLines(on) {
+    for (const view of this.views.surfaces) view.showLines(on);
     this.stage.draw();
   }
 
-  /** Selects what a row of a table or a place of an extreme names. */
-  choose(kind, number) {
+  /** Selects what a row of a table, a link or a place of an extreme names. */
+  selectNumber(kind, number) {
     const { model } = this;
-    if (kind !== "node") return this.select(model.elementAt.get(number) ?? -1);
-    const node = model.nodeAt.get(number),
-      { elements } = model;
-    for (let e = 0; e < elements.count; ++e) {
-      for (let i = 0; i < elements.nodeCounts[e]; ++i)
-        if (model.node(e, i) === node) return this.select(e);
-    }
-    return this.select(-1);
+    if (kind === "node") this.mark(-1, model.nodeAt.get(number) ?? -1);
+    else this.select(model.elementAt.get(number) ?? -1);
   }
 
   select(element) {
+    this.mark(element, -1);
+  }
+
+  /** Selects an element or a node, places in their lists; -1 for none. */
+  mark(element, node) {
     this.selected = element;
-    this.panel.replaceChildren(
-      ...panelOf(this.report, this.model, this.shells, this.fields, element).flat().filter(Boolean),
-    );
+    this.selectedNode = node;
+    this.panel.replaceChildren(...panelOf(this, { element, node }).flat(2).filter(Boolean));
     if (!this.stage) return;
     this.placeHighlight();
-    this.stage.draw();
+    this.showAxes();
+  }
+
+  /** Selects nothing, and ends a motion that is shown. */
+  release() {
+    this.motions.stop();
+    this.select(-1);
   }
 
   placeHighlight() {
-    this.highlight.place(this.selected, this.factor.value);
+    const { selected: element, selectedNode: node } = this;
+    this.highlight.place({ element, node }, this.factor.value);
   }
 }
 
@@ -351,12 +398,6 @@ function largestLabels(labels) {
   if (labels.length === 0) return [];
   const least = labels.reduce((a, b) => (b.value < a.value ? b : a));
   return [least, labels.reduce((a, b) => (b.value > a.value ? b : a))];
-}
-
-/** 1, 2 or 5 times a power of ten, below the value. */
-function niceFactor(value) {
-  const power = 10 ** Math.floor(Math.log10(value));
-  return ([5, 2, 1].find((step) => step * power <= value) ?? 1) * power;
 }
 
 /** For scripts and tests: the report of this page. */

@@ -1,193 +1,142 @@
-// What has been clicked: the diagrams of a beam, or the values of a shell or solid.
+// The panel of a member: its ends, beams and material, and one diagram over its whole length for every
+// force and deflection.
 
-import { DIAGRAMS, curvesOf, hasDiagram } from "./diagrams.js";
-import { format, h, svg, withUnit } from "./dom.js";
-import { extremesOf } from "./fields.js";
-import { BEAM, SHELL, dot } from "./model.js";
+import { listenAlong } from "./diagram_keys.js";
+import { h } from "./dom.js";
+import { drawChart, positionAt } from "./member_chart.js";
+import { firstExtremes } from "./member_results.js";
+import { styleOf, styled } from "./numbers.js";
+import { fact, linkTo, unitAfter } from "./panel_parts.js";
 
-const WIDTH = 400,
-  HEIGHT = 76,
-  LEFT = 8,
-  RIGHT = 8;
+/** A drawing passes about this many points; a long member leaves some out, but no end and no extreme. */
+const MOST_DRAWN = 3000;
 
-const NOTHING = 1e-6; // of the largest value in the model: what only rounding has left is drawn flat
+/** Links to the beams of a member; of very long ones only those near the chosen one. */
+const MOST_LINKS = 24;
 
-const isMoment = (name) => /^[TM]/.test(name);
+/** A member as it is drawn: its points, their places, and the beams between them. */
+class Line {
+  constructor(results, member, element) {
+    const { model, members } = results;
+    Object.assign(this, { results, model, members, member, element });
+    this.beams = members.beamsOf(member);
+    this.length = members.lengths[member];
+    this.points = results.pointsOf(member);
+    this.distances = Float64Array.from(this.points, (point) => results.distance(point));
+    this.positions = this.distances.map((distance) => distance / this.length);
+    this.own = model.beamOf.get(element);
+    this.unit = unitAfter(model.units, model.units.length);
+    this.style = styleOf(this.distances, 4);
+  }
 
-function largestOf(model, names) {
-  const curves = names.flatMap((name) => curvesOf(model.diagrams, name));
-  return curves.reduce(
-    (largest, { values }) => values.reduce((a, b) => Math.max(a, Math.abs(b)), largest),
-    0,
-  );
-}
+  /** Places along the member, as text with a unit. */
+  place(distance) {
+    return styled(distance, this.style) + this.unit;
+  }
 
-/**
- * The diagrams of a member: {name, title, unit, positive, curves, up, least}; curves: {label, values,
- * by}, two of an envelope, whose `by` names the combination that governs at a point; up: sign of the
- * drawing; least: the smallest range that is drawn in full height.
- */
-function diagramsOf(model, element) {
-  const b = model.beamOf.get(element),
-    { points } = model;
-  const force = largestOf(model, ["N", "Vy", "Vz"]),
-    moment = largestOf(model, ["T", "My", "Mz"]);
-  const part = ({ label, values, by }) => ({
-    label,
-    values: Float64Array.from(values.subarray(b * points, (b + 1) * points)),
-    by: by ? (i) => by.cell(b * points + i) : null,
-  });
-  const all = Object.entries(DIAGRAMS)
-    .filter(([name]) => hasDiagram(model.diagrams, name))
-    .map(([name, { title, positive, sign }]) => {
-      const curves = curvesOf(model.diagrams, name);
-      const least = NOTHING * (isMoment(name) ? moment : force);
-      const { unit } = curves[0];
-      return { name, title, positive, unit, curves: curves.map(part), up: sign, least };
-    });
-  if (all.some(({ curves }) => curves.length > 1)) return all;
-  const [, y, z] = model.beamAxes(element);
-  const along = (axis) =>
-    Float64Array.from({ length: points }, (_, i) => {
-      const place = 3 * (b * points + i);
-      return dot(model.beamDisplacements.subarray(place, place + 3), axis);
-    });
-  const deflection = (axis, name) => ({
-    name,
-    title: `Deflection ${name}`,
-    positive: `along +${name[1]}\u2032`,
-    unit: model.units.length,
-    curves: [{ label: "", values: along(axis), by: null }],
-    up: 1,
-    least: NOTHING * model.largest,
-  });
-  all.push(deflection(y, "uy\u2032"));
-  if (!model.plane) all.push(deflection(z, "uz\u2032"));
-  return all;
-}
+  /** Positions from 0 to 1 between beams, and the two ends of the chosen beam. */
+  get borders() {
+    return Array.from(this.beams.subarray(1), (b) => this.members.offset[b] / this.length);
+  }
 
-/** Polygon pieces of one sign each, so that they can be coloured. */
-function pieces(values, x) {
-  const found = [];
-  let piece = [[x(0), values[0]]];
-  const close = () => {
-    if (piece.length > 1) found.push(piece);
-  };
-  for (let i = 1; i < values.length; ++i) {
-    if (values[i - 1] * values[i] < 0) {
-      const t = values[i - 1] / (values[i - 1] - values[i]);
-      const zero = [x(i - 1 + t), 0];
-      piece.push(zero);
-      close();
-      piece = [zero];
+  get chosen() {
+    const begin = this.members.offset[this.own];
+    return [begin / this.length, (begin + this.members.lengthOf(this.own)) / this.length];
+  }
+
+  /** The point nearest to a position; at a node with two values the one on the side of the position. */
+  nearest(position) {
+    const { positions } = this;
+    let [low, high] = [0, positions.length - 1];
+    while (high - low > 1) {
+      const middle = (low + high) >> 1;
+      if (positions[middle] <= position) low = middle;
+      else high = middle;
     }
-    piece.push([x(i), values[i]]);
+    return position - positions[low] <= positions[high] - position ? low : high;
   }
-  close();
-  return found;
+
+  /** The points that a curve passes. */
+  drawn(extremes) {
+    const { points } = this.model;
+    const step = Math.max(1, Math.ceil(this.points.length / MOST_DRAWN));
+    const kept = new Set(extremes.flatMap(({ minAt, maxAt }) => [minAt, maxAt]));
+    const isEnd = (i) => i % points === 0 || i % points === points - 1;
+    return Int32Array.from(this.points.keys()).filter(
+      (i) => i % step === 0 || isEnd(i) || kept.has(i),
+    );
+  }
+
+  /** A quantity along this member, as drawChart takes it. */
+  diagram(quantity) {
+    const { up, noise, title } = quantity;
+    const tie = this.results.tieOf(quantity);
+    const curves = quantity.curves.map(({ label, values, by }) => ({
+      label,
+      values: Float64Array.from(this.points, (point) => values[point]),
+      by: by ? (i) => by.cell(this.points[i]) : null,
+    }));
+    const extremes = curves.map(({ values }) =>
+      firstExtremes(Int32Array.from(this.points.keys()), values, tie),
+    );
+    const marked = curves.flatMap(({ values }, k) => [
+      values[0],
+      values[values.length - 1],
+      extremes[k].min,
+      extremes[k].max,
+    ]);
+    const isNothing = (value) => value === 0 || Math.abs(value) < noise;
+    const textFor = (values, digits) => {
+      const style = styleOf(
+        values.filter((value) => !isNothing(value)),
+        digits,
+      );
+      return (value) => (isNothing(value) ? "0" : styled(value, style));
+    };
+    return {
+      title,
+      quantity,
+      unit: unitAfter(this.model.units, quantity.unit),
+      curves,
+      extremes,
+      up,
+      noise,
+      positions: this.positions,
+      drawn: this.drawn(extremes),
+      text: textFor(marked, 4),
+      fineText: textFor(Float64Array.from(curves.flatMap(({ values }) => [...values])), 5),
+      borders: this.borders,
+      chosen: this.chosen,
+      isOne: this.beams.length === 1,
+      isNothing: extremes.every(({ min, max }) => isNothing(min) && isNothing(max)),
+    };
+  }
 }
 
-/** The places of values in the drawing: x of a point, y of a value. */
-function scalesOf({ curves, up, least }) {
-  const ranges = curves.map(({ values }) => extremesOf(values));
-  const min = Math.min(...ranges.map((range) => range.min)),
-    max = Math.max(...ranges.map((range) => range.max));
-  const largest = Math.max(-min, max, least) || 1;
-  const [low, high] =
-    up > 0 ? [Math.min(0, min), Math.max(0, max)] : [Math.min(0, -max), Math.max(0, -min)];
-  const span = Math.max(high - low, least) || largest;
-  const last = curves[0].values.length - 1;
-  return {
-    largest,
-    x: (i) => LEFT + (i / last) * (WIDTH - LEFT - RIGHT),
-    y: (value) => 18 + ((high - up * value) / span) * (HEIGHT - 36),
-  };
-}
-
-const pointText = (px, py) => `${px.toFixed(2)},${py.toFixed(2)}`;
-
-function areasOf({ values }, { x, y }) {
-  return pieces(values, x).map((piece) => {
-    const sign = piece.some(([, value]) => value < 0) ? "negative" : "positive";
-    const points = piece.map(([px, value]) => pointText(px, y(value)));
-    const feet = [pointText(piece[piece.length - 1][0], y(0)), pointText(piece[0][0], y(0))];
-    return svg("polygon", { points: [...points, ...feet].join(" "), class: sign });
+/** "Mz = 3.2 kN*m", or of an envelope "Mz min = -1.5 kN*m (ULS 2)" and the same for the largest value. */
+function valuesAt({ quantity: { name }, unit, curves, fineText }, i) {
+  return curves.map(({ label, values, by }) => {
+    const text = `${label ? `${name} ${label}` : name} = ${fineText(values[i])}${unit}`;
+    return by ? `${text} (${by(i)})` : text;
   });
 }
 
-/** The range between the least and the largest values, and its two borders. */
-function bandOf([low, high], { x, y }) {
-  const line = ({ values }) => Array.from(values, (value, i) => pointText(x(i), y(value)));
-  const [below, above] = [line(low), line(high)];
-  return [
-    svg("polygon", { points: [...below, ...[...above].reverse()].join(" "), class: "band" }),
-    svg("polyline", { points: below.join(" "), class: "negative line" }),
-    svg("polyline", { points: above.join(" "), class: "positive line" }),
-  ];
+/** "least -60.0 kN at 3.00 m, largest 30.0 kN at 6.00 m", in an envelope with the governing combination. */
+function extremesText({ curves, extremes, text, unit }, line) {
+  const value = (k, i) => text(curves[k].values[i]) + unit;
+  const part = (word, k, i) => {
+    const { by } = curves[k];
+    const governing = by ? ` (${by(i)})` : "";
+    return `${word} ${value(k, i)} at ${line.place(line.distances[i])}${governing}`;
+  };
+  const last = curves.length - 1;
+  const [low, high] = [extremes[0].minAt, extremes[last].maxAt];
+  if (last === 0 && value(0, low) === value(0, high)) return `${value(0, low)} everywhere`;
+  return [part("least", 0, low), part("largest", last, high)].join(", ");
 }
-
-/** A dot and a number at a point of a curve, the number above or below it. */
-function markOf(values, i, above, { x, y }) {
-  const last = values.length - 1;
-  return [
-    svg("circle", { cx: x(i), cy: y(values[i]), r: 2 }),
-    svg(
-      "text",
-      {
-        x: x(i),
-        y: y(values[i]) + (above ? -5 : 13),
-        "text-anchor": i === 0 ? "start" : i === last ? "end" : "middle",
-      },
-      format(values[i], 4),
-    ),
-  ];
-}
-
-/** Marked are the ends and the extremes that differ from them; of an envelope only its extremes. */
-function marksOf({ curves, up }, scales) {
-  if (curves.length > 1) {
-    const [low, high] = curves.map(({ values }) => values);
-    const { min } = extremesOf(low),
-      { max } = extremesOf(high);
-    // The first of points that differ by rounding only.
-    const firstAt = (values, extreme) =>
-      values.findIndex((value) => Math.abs(value - extreme) <= 1e-9 * scales.largest);
-    const marks = markOf(high, firstAt(high, max), up > 0, scales);
-    if (max - min > 1e-3 * scales.largest)
-      marks.push(...markOf(low, firstAt(low, min), up < 0, scales));
-    return marks;
-  }
-  const [{ values }] = curves;
-  const { minAt, maxAt } = extremesOf(values);
-  const last = values.length - 1;
-  const isNear = (i) => (end) => Math.abs(values[end] - values[i]) < 1e-3 * scales.largest;
-  return [...new Set([0, last, minAt, maxAt])]
-    .filter((i) => i === 0 || i === last || ![0, last].some(isNear(i)))
-    .flatMap((i) => markOf(values, i, up * values[i] >= 0, scales));
-}
-
-function drawDiagram(diagram) {
-  const scales = scalesOf(diagram);
-  const { curves } = diagram;
-  const cursor = svg("line", { y1: 4, y2: HEIGHT - 4, class: "cursor", visibility: "hidden" });
-  const axis = { x1: LEFT, x2: WIDTH - RIGHT, y1: scales.y(0), y2: scales.y(0), class: "axis" };
-  const drawing = svg(
-    "svg",
-    { viewBox: `0 0 ${WIDTH} ${HEIGHT}`, class: "diagram" },
-    curves.length > 1 ? bandOf(curves, scales) : areasOf(curves[0], scales),
-    svg("line", axis),
-    marksOf(diagram, scales),
-    cursor,
-  );
-  return { drawing, cursor, x: scales.x };
-}
-
-/** A row of a list of facts. */
-const fact = (name, ...value) => h("tr", {}, h("th", {}, name), h("td", {}, value));
 
 function hinges(code) {
   const texts = {
-    11: "continuous",
     10: "hinged at end 2",
     1: "hinged at end 1",
     0: "hinged at both ends",
@@ -195,197 +144,159 @@ function hinges(code) {
   return texts[code] ?? "";
 }
 
-/** "Mz = 3.2", or of an envelope "Mz min = -1.5 (ULS 2)" and the same for the largest value. */
-function valuesAt({ name, curves }, i) {
-  return curves.map(({ label, values, by }) => {
-    const text = `${label ? `${name} ${label}` : name} = ${format(values[i], 5)}`;
-    return by ? `${text} (${by(i)})` : text;
-  });
+/** "node 3 (support)": where a member ends, and why. */
+function endText(line, i, choose) {
+  const { members, member, model } = line;
+  const why = members.whyEnds(member, i);
+  const number = model.nodeNumbers[members.endNode(member, i)];
+  return [linkTo("node", number, choose), why ? ` (${why})` : ""];
 }
 
-function memberPanel(report, model, element) {
-  const { elements, units } = model;
-  const table = report.table("elements");
+function beamLinks(line, choose) {
+  const { model, beams, own, element } = line;
+  const at = beams.indexOf(own);
+  const first = Math.max(0, Math.min(at - MOST_LINKS / 2, beams.length - MOST_LINKS));
+  const shown = beams.subarray(first, first + MOST_LINKS);
+  const links = Array.from(shown, (b) => {
+    const number = model.elements.numbers[model.beams[b]];
+    return model.beams[b] === element
+      ? h("b", { class: "chosen" }, number)
+      : linkTo("beam", number, choose, String(number));
+  });
+  const dots = (left) => (left ? ["\u2026 "] : []);
+  return [
+    ...dots(first > 0),
+    ...links.flatMap((link) => [link, " "]),
+    ...dots(first + shown.length < beams.length),
+    beams.length > MOST_LINKS ? `(${beams.length})` : "",
+  ];
+}
+
+function memberFacts(line, choose) {
+  const { members, member, beams } = line;
+  const material = line.results.report.table("elements").column("material").cell(line.element);
+  return h(
+    "table",
+    { class: "facts" },
+    fact("From", endText(line, 0, choose)),
+    fact("To", members.isRing(member) ? "itself: a ring" : endText(line, 1, choose)),
+    fact("Length", line.place(line.length)),
+    fact("Material", material === 0 ? "of the element" : String(material)),
+    fact(beams.length === 1 ? "Beam" : "Beams", beamLinks(line, choose)),
+  );
+}
+
+/** The chosen beam: its nodes, its place in the member, its hinges. */
+function beamFacts(line, choose) {
+  const { model, members, element, own, beams } = line;
+  const number = model.elements.numbers[element];
   const nodes = [0, 1].map((i) => model.nodeNumbers[model.node(element, i)]);
-  const length = model.lengthOf(element);
-  const lengthUnit = units.named ? units.length : "";
-  const { isEnvelope } = report;
+  const begin = members.offset[own];
+  const code = line.results.report.table("elements").column("hinge_code").cell(element);
+  return h(
+    "p",
+    { class: "beam-facts" },
+    h("b", {}, `Beam ${number}`),
+    ": ",
+    linkTo("node", nodes[0], choose),
+    " (end 1) to ",
+    linkTo("node", nodes[1], choose),
+    " (end 2)",
+    beams.length > 1
+      ? `, from ${line.place(begin)} to ${line.place(begin + members.lengthOf(own))} of the member`
+      : null,
+    hinges(code) ? `, ${hinges(code)}` : null,
+  );
+}
+
+function explanation(isEnvelope, isOne) {
+  return h(
+    "p",
+    { class: "sign" },
+    [
+      "Drawn from the first node (left) to the last with the local axis y\u2032 or z\u2032 upwards; moments are on the side of the tension.",
+      "Forces act on the side of end 1 of each beam. Values between the nodes include the loads along the beams.",
+      isOne ? "" : "Lines separate the beams of the member; the chosen beam is shaded.",
+      "Deflections are the displacements along the local axes, those of the ends included.",
+      isEnvelope ? "Red: the largest values; blue: the least ones." : "",
+    ].join(" "),
+  );
+}
+
+/** The title of a diagram and its extremes; of one without values only that. */
+function captionOf(diagram, line) {
+  const { title, unit, positive } = diagram.quantity;
+  const extremes = extremesText(diagram, line);
+  if (diagram.isNothing) return [h("b", {}, title), `: ${extremes}`];
+  return [
+    h("b", {}, title),
+    unit ? ` in ${unit}` : "",
+    h("span", { class: "sign" }, `positive: ${positive}`),
+    h("div", { class: "extremes" }, extremes),
+  ];
+}
+
+/** The diagrams, and a line above them with the values at the pointer. */
+function diagramsOf(line, isEnvelope) {
+  const { results, members, model } = line;
   const readout = h(
     "div",
-    { class: "readout" },
+    { class: results.quantities.length > 4 ? "readout tall" : "readout" },
     isEnvelope
       ? "Move over a diagram for its values and for what governs."
       : "Move over a diagram for its values.",
   );
-  const diagrams = diagramsOf(model, element);
-  const drawn = diagrams.map((diagram) => ({ diagram, ...drawDiagram(diagram) }));
+  const diagrams = results.quantities.map((quantity) => line.diagram(quantity));
+  const drawn = diagrams.map((diagram) => ({ diagram, ...drawChart(diagram) }));
   const show = (i, hovered) => {
-    for (const { cursor, x } of drawn) {
-      cursor.setAttribute("x1", x(i));
-      cursor.setAttribute("x2", x(i));
-      cursor.setAttribute("visibility", "visible");
-    }
-    const place = withUnit((i / (model.points - 1)) * length, lengthUnit, 4);
-    const shown = isEnvelope ? [hovered] : diagrams;
-    readout.textContent = [
-      `x\u2032 = ${place}`,
-      ...shown.flatMap((diagram) => valuesAt(diagram, i)),
-    ].join("   ");
-  };
-  const follow = (hovered) => (event) => {
-    const box = event.currentTarget.getBoundingClientRect();
-    const t = (((event.clientX - box.left) / box.width) * WIDTH - LEFT) / (WIDTH - LEFT - RIGHT);
-    show(Math.min(model.points - 1, Math.max(0, Math.round(t * (model.points - 1)))), hovered);
-  };
-  return [
-    h("h3", {}, `Member ${elements.numbers[element]}`),
-    h(
-      "table",
-      { class: "facts pairs" },
-      fact("Nodes", `${nodes[0]} (end 1) to ${nodes[1]} (end 2)`),
-      fact("Length", withUnit(length, lengthUnit)),
-      fact("Material", format(table.column("material").cell(element))),
-      fact("Ends", hinges(table.column("hinge_code").cell(element))),
-    ),
-    readout,
-    drawn.map(({ diagram, drawing }) => {
-      drawing.addEventListener("pointermove", follow(diagram));
-      return h(
-        "figure",
-        {},
-        h(
-          "figcaption",
-          {},
-          h("b", {}, diagram.title),
-          diagram.unit ? ` in ${diagram.unit}` : "",
-          h("span", { class: "sign" }, `positive: ${diagram.positive}`),
-        ),
-        drawing,
-      );
-    }),
-    h(
-      "p",
-      { class: "sign" },
-      [
-        "Drawn from end 1 (left) to end 2 with the local axis y\u2032 or z\u2032 upwards; moments stand on the side of the tension.",
-        "Forces act on the side of end 1. Values between the ends include the loads along the member.",
-        isEnvelope
-          ? "Red: the largest values; blue: the least ones."
-          : "Deflections are the displacements along the local axes, those of the ends included.",
-      ].join(" "),
-    ),
-  ];
-}
-
-/** A table of the values of an element's rows or nodes. */
-function valueTable(heads, rows) {
-  return h(
-    "table",
-    { class: "values" },
-    h(
-      "thead",
-      {},
-      h(
-        "tr",
-        {},
-        heads.map((head) => h("th", {}, head)),
-      ),
-    ),
-    h(
-      "tbody",
-      {},
-      rows.map((cells) =>
-        h(
-          "tr",
-          {},
-          cells.map((cell, i) => h(i ? "td" : "th", {}, cell)),
-        ),
-      ),
-    ),
-  );
-}
-
-function shellTable(table, shells, element) {
-  const places = Array.from({ length: shells.count[element] }, (_, i) => shells.first[element] + i);
-  const columns = table.columns.filter(
-    ({ name, words }) => !words && !/^element$|^point$|Euler/.test(name),
-  );
-  const cell = (column, row) => {
-    const by = table.column(`${column.name} by`);
-    return [format(column.values[row]), by ? h("small", {}, by.cell(row)) : null];
-  };
-  const heads = [
-    "value",
-    ...places.map((_, i) =>
-      places.length === 1 ? "centroid" : `edge ${["1\u20132", "2\u20133", "3\u20131"][i]}`,
-    ),
-    "unit",
-  ];
-  return valueTable(
-    heads,
-    columns.map((column) => [column.name, ...places.map((row) => cell(column, row)), column.unit]),
-  );
-}
-
-function nodeTable(model, fields, isEnvelope, element) {
-  const nodes = Array.from({ length: model.elements.nodeCounts[element] }, (_, i) =>
-    model.node(element, i),
-  );
-  const nodal = fields.filter(
-    (field) => "nodes" in field && (isEnvelope || field.group !== "Displacements"),
-  );
-  const axes = isEnvelope ? [] : [0, 1, 2];
-  const heads = ["node", ...axes.map((k) => ["ux", "uy", "uz"][k]), ...nodal.map((f) => f.label)];
-  const values = nodal.map((field) => field.nodes);
-  return valueTable(
-    heads,
-    nodes.map((node) => [
-      format(model.nodeNumbers[node]),
-      ...axes.map((k) => format(model.displacements[3 * node + k], 4)),
-      ...values.map((of) => format(of[node], 4)),
-    ]),
-  );
-}
-
-function elementPanel(report, model, shells, fields, element) {
-  const isShell = model.elements.kinds[element] === SHELL;
-  return [
-    h("h3", {}, `${isShell ? "Shell" : "Solid"} ${model.elements.numbers[element]}`),
-    h(
-      "table",
-      { class: "facts" },
-      fact("Mesh", format(model.elements.meshes[element])),
-      fact("Material", format(report.table("elements").column("material").cell(element))),
-    ),
-    isShell
-      ? h("div", { class: "wide" }, shellTable(report.table("shell_forces"), shells, element))
-      : null,
-    isShell
-      ? h(
-          "p",
-          { class: "sign" },
-          "Membrane forces: tension positive. Mx\u2032 and My\u2032: positive with tension on the side " +
-            "of +z\u2032, from bending along x\u2032 and y\u2032. Shears: along +z\u2032 on the side that looks to +x\u2032 (+y\u2032).",
-        )
-      : null,
-    h("div", { class: "wide" }, nodeTable(model, fields, report.isEnvelope, element)),
-  ];
-}
-
-/** The content of the panel for an element; the hint of an empty panel for -1. */
-export function panelOf(report, model, shells, fields, element) {
-  if (element < 0) {
-    return [
-      h(
-        "p",
-        { class: "hint" },
-        model.beams.length
-          ? "Click on a member in the view, or on a row of a table, for its diagrams and values."
-          : "Click on an element in the view, or on a row of a table, for its values.",
-      ),
+    for (const { moveTo } of drawn) moveTo(line.positions[i]);
+    const b = Math.floor(line.points[i] / model.points);
+    const own = line.distances[i] - members.offset[b];
+    const beam = `beam ${model.elements.numbers[model.beams[b]]}, x\u2032 = ${line.place(own)}`;
+    const isOne = line.beams.length === 1;
+    const texts = [
+      isOne ? `x\u2032 = ${line.place(own)}` : `at ${line.place(line.distances[i])} (${beam})`,
+      ...(isEnvelope ? [hovered] : diagrams).flatMap((diagram) => valuesAt(diagram, i)),
     ];
-  }
-  return model.elements.kinds[element] === BEAM
-    ? memberPanel(report, model, element)
-    : elementPanel(report, model, shells, fields, element);
+    readout.replaceChildren(...texts.flatMap((text) => [h("span", {}, text), "   "]));
+  };
+  const shown = drawn.filter(({ diagram }) => !diagram.isNothing);
+  listenAlong(
+    shown.map(({ drawing }) => drawing),
+    shown.map(({ diagram }) => diagram.title),
+    line.points.length,
+    (i, k) => {
+      show(i, shown[k].diagram);
+      return readout.textContent;
+    },
+  );
+  const figure = ({ diagram, drawing }) => {
+    drawing.addEventListener("pointermove", (event) => {
+      const box = event.currentTarget.getBoundingClientRect();
+      const position = positionAt((event.clientX - box.left) / box.width);
+      show(line.nearest(Math.min(1, Math.max(0, position))), diagram);
+    });
+    return h(
+      "figure",
+      {},
+      h("figcaption", {}, captionOf(diagram, line)),
+      diagram.isNothing ? null : drawing,
+    );
+  };
+  return [readout, drawn.map(figure)];
+}
+
+/** The panel of the member of a beam (place in the list of elements); choose(kind, number) follows its links. */
+export function memberPanel(results, element, choose) {
+  const { members, model, report } = results;
+  const member = members.of[model.beamOf.get(element)];
+  const line = new Line(results, member, element);
+  const isOne = line.beams.length === 1;
+  return [
+    h("h3", {}, `Member ${members.names[member]}`),
+    memberFacts(line, choose),
+    beamFacts(line, choose),
+    ...diagramsOf(line, report.isEnvelope),
+    explanation(report.isEnvelope, isOne),
+  ];
 }

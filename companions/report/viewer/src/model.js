@@ -40,7 +40,8 @@ function readElements(table, nodeAt) {
     while (nodeCounts[i] < width && nodes[i * width + nodeCounts[i]] >= 0) ++nodeCounts[i];
   }
   const numbers = table.column("element").values;
-  return { count, kinds, nodes, width, nodeCounts, numbers, meshes: table.column("mesh").values };
+  const [meshes, materials] = ["mesh", "material"].map((name) => table.column(name).values);
+  return { count, kinds, nodes, width, nodeCounts, numbers, meshes, materials };
 }
 
 function boxOf(xyz) {
@@ -68,7 +69,10 @@ export class Model {
     this.elements = readElements(report.table("elements"), this.nodeAt);
     this.elementAt = positions(this.elements.numbers);
     this.axes = unpack(report.axes);
-    this.displacements = triples(report.table("displacements"), ["ux", "uy", "uz"]);
+    const displacements = report.table("displacements"); // null without results
+    this.displacements = displacements
+      ? triples(displacements, ["ux", "uy", "uz"])
+      : new Float32Array(3 * this.nodeCount);
     this.points = report.model.beamDivisions + 1;
     this.readBeams(report.table("beam_diagrams"));
     /** Coordinates from the middle of the box: small numbers for the graphics. */
@@ -89,7 +93,9 @@ export class Model {
       this.beams.push(i);
     }
     this.diagrams = diagrams;
-    this.beamDisplacements = diagrams ? triples(diagrams, ["ux", "uy", "uz"]) : new Float64Array(0);
+    this.beamDisplacements = diagrams
+      ? triples(diagrams, ["ux", "uy", "uz"])
+      : new Float64Array(3 * this.points * this.beams.length);
   }
 
   has(kind) {

@@ -1,9 +1,11 @@
 // Principal membrane forces or moments of shells: a cross at the middle of every shell, in the
-// directions in which they act, red for tension (or positive moments), blue for compression.
+// directions in which they act, red for tension (or positive moments), blue for compression. Of
+// solids the principal stresses at the nodes on the surface.
 
 import * as THREE from "three";
-import { NEGATIVE, POSITIVE } from "./colours.js";
-import { SHELL, dot } from "./model.js";
+import { principalAxes } from "./derived.js";
+import { SHELL, SOLID, dot, minus } from "./model.js";
+import { theme } from "./theme.js";
 import { axesOfEuler } from "./symbols.js";
 
 const COLUMNS = {
@@ -38,18 +40,19 @@ function usualSize(sizes) {
   return sorted[Math.floor(0.9 * (sorted.length - 1))] || sorted[sorted.length - 1] || 1;
 }
 
-export function principalCrosses(report, model, shells, kind) {
+function principalCrosses(report, model, shells, kind, isShown) {
   const table = report.table("shell_forces");
   const read = reader(table, shells, kind, model);
   const { elements } = model;
   const found = [];
-  for (let e = 0; e < elements.count; ++e) if (elements.kinds[e] === SHELL) found.push(e);
+  for (let e = 0; e < elements.count; ++e)
+    if (elements.kinds[e] === SHELL && isShown(e)) found.push(e);
   const states = found.map(read);
   const usual = usualSize(states.flatMap(([, a, b]) => [Math.abs(a), Math.abs(b)]));
   const position = new Float32Array(12 * found.length),
     colour = new Float32Array(12 * found.length);
-  const [positive, negative] = [POSITIVE, NEGATIVE].map((rgb) =>
-    new THREE.Color().setRGB(...rgb, THREE.SRGBColorSpace),
+  const [positive, negative] = ["scene-positive", "scene-negative"].map(
+    (name) => new THREE.Color(theme.hex(name)),
   );
   found.forEach((e, i) => {
     const corners = [0, 1, 2].map((k) => model.place(model.node(e, k)));
@@ -76,6 +79,71 @@ export function principalCrosses(report, model, shells, kind) {
   return geometry;
 }
 
+const STRESSES = ["Sx", "Sy", "Sz", "Txy", "Tyz", "Txz"],
+  MOST_NODES = 3000; // of more only some have directions
+
+export const hasPrincipalStresses = (report) => Boolean(report.table("stresses")?.column("Sx"));
+
+/** Nodes on the surfaces of solids, thinned, and the usual length of an edge there. */
+function surfaceNodes(model, views) {
+  const nodes = new Set();
+  let length = 0,
+    edges = 0;
+  for (const { triangles } of views) {
+    triangles.owner.forEach((element, i) => {
+      if (model.elements.kinds[element] !== SOLID) return;
+      const corners = triangles.nodes.subarray(3 * i, 3 * i + 3);
+      for (const node of corners) nodes.add(node);
+      const [a, b] = [corners[0], corners[1]].map((node) => model.place(node));
+      length += Math.hypot(...minus(b, a));
+      ++edges;
+    });
+  }
+  const step = Math.ceil(nodes.size / MOST_NODES);
+  return {
+    nodes: [...nodes].filter((_, i) => i % step === 0),
+    length: (length * step ** 0.5) / edges,
+  };
+}
+
+/** Principal stresses at the nodes on the surfaces of solids: three lines at each. */
+function principalStars(report, model, views) {
+  const { nodes, length } = surfaceNodes(model, views);
+  const table = report.table("stresses");
+  const columns = STRESSES.map((name) => table.column(name)?.values);
+  const rows = new Map(Array.from(table.column("node").values, (number, i) => [number, i]));
+  const states = nodes.map((node) => {
+    const row = rows.get(model.nodeNumbers[node]);
+    return principalAxes(...columns.map((values) => values?.[row] ?? 0));
+  });
+  const usual = usualSize(states.flatMap((state) => state.map(({ value }) => Math.abs(value))));
+  const position = new Float32Array(18 * nodes.length),
+    displacement = new Float32Array(18 * nodes.length),
+    colour = new Float32Array(18 * nodes.length);
+  const [positive, negative] = ["scene-positive", "scene-negative"].map(
+    (name) => new THREE.Color(theme.hex(name)),
+  );
+  nodes.forEach((node, i) => {
+    const place = model.place(node);
+    states[i].forEach(({ value, axis }, which) => {
+      const half = 0.45 * length * Math.min(1.5, Math.abs(value) / usual);
+      [-half, half].forEach((step, end) => {
+        const at = 18 * i + 6 * which + 3 * end;
+        position.set(
+          place.map((x, k) => x + step * axis[k]),
+          at,
+        );
+        displacement.set(model.displacements.subarray(3 * node, 3 * node + 3), at);
+        (value < 0 ? negative : positive).toArray(colour, at);
+      });
+    });
+  });
+  const geometry = new THREE.BufferGeometry();
+  for (const [name, values] of Object.entries({ position, displacement, color: colour }))
+    geometry.setAttribute(name, new THREE.BufferAttribute(values, 3));
+  return geometry;
+}
+
 function centreDisplacements(model, found) {
   const values = new Float32Array(12 * found.length);
   found.forEach((e, i) => {
@@ -86,4 +154,11 @@ function centreDisplacements(model, found) {
     }
   });
   return new THREE.BufferAttribute(values, 3);
+}
+
+/** Lines of principal membrane forces (kind "N"), moments ("M") or stresses ("S"); "" for none. */
+export function directionLines(kind, { report, model, shells, views, settings }) {
+  if (!kind) return new THREE.BufferGeometry();
+  if (kind === "S") return principalStars(report, model, views.surfaces);
+  return principalCrosses(report, model, shells, kind, settings.isShown);
 }

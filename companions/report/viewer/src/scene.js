@@ -2,6 +2,7 @@
 
 import * as THREE from "three";
 import { OrbitControls } from "three/examples/jsm/controls/OrbitControls.js";
+import { theme } from "./theme.js";
 
 const VIEWS = {
   iso: [
@@ -16,21 +17,44 @@ const VIEWS = {
     [1, 0, 0],
     [0, 0, 1],
   ],
+  // Not quite from above: the camera turns about z, and from z itself it has no direction.
   top: [
+    [0, -1e-5, 1],
+    [0, 0, 1],
+  ],
+  plane: [
     [0, 0, 1],
     [0, 1, 0],
   ],
 };
+
+/**
+ * Layers: what shows always is on layer 0. Of a large model DETAIL is hidden while the view moves;
+ * COARSE shows only then.
+ */
+export const DETAIL = 1,
+  COARSE = 2;
+
+/** Elements above which mesh lines are off at first and moves leave out details. */
+export const LARGE = 5000;
+export const isLarge = ({ elements, beams, points }) =>
+  elements.count > LARGE || beams.length * points > 2 * LARGE;
+const SETTLED = 180; // milliseconds from the end of a move to the full picture
 
 export class Stage {
   constructor(container, model) {
     this.container = container;
     this.model = model;
     this.renderer = new THREE.WebGLRenderer({ antialias: true, preserveDrawingBuffer: true });
-    this.renderer.setClearColor(0xffffff, 1);
-    this.renderer.setPixelRatio(Math.min(window.devicePixelRatio, 2));
+    this.setGround();
+    this.renderer.localClippingEnabled = true;
+    this.renderer.setPixelRatio(usualRatio());
     this.scene = new THREE.Scene();
     this.camera = new THREE.OrthographicCamera(-1, 1, 1, -1, -1, 1);
+    if (!model.plane) this.camera.up.set(0, 0, 1); // the axis about which the controls turn
+    this.camera.layers.enable(DETAIL);
+    /** Whether a place is beyond the cut. */
+    this.hides = () => false;
     this.listeners = [];
     this.thickLines = []; // their materials need the size of the canvas
     this.addLights();
@@ -39,7 +63,10 @@ export class Stage {
     this.controls.enableRotate = !model.plane;
     this.controls.zoomToCursor = true;
     if (model.plane) this.controls.mouseButtons.LEFT = THREE.MOUSE.PAN;
+    if (model.plane) this.controls.touches.ONE = THREE.TOUCH.PAN;
     this.controls.addEventListener("change", () => this.draw());
+    this.controls.addEventListener("start", () => this.beginMove());
+    this.controls.addEventListener("end", () => this.endMove());
     new ResizeObserver(() => this.resize()).observe(container);
     this.resize();
     this.look(model.plane ? "top" : "iso");
@@ -53,9 +80,37 @@ export class Stage {
     this.scene.add(this.camera);
   }
 
+  /** Leaves out the details of a large model until endMove. */
+  beginMove() {
+    clearTimeout(this.settling);
+    if (this.isMoving || !isLarge(this.model)) return;
+    this.isMoving = true;
+    this.camera.layers.disable(DETAIL);
+    this.camera.layers.enable(COARSE);
+    this.renderer.setPixelRatio(Math.min(1, usualRatio()));
+    this.draw();
+  }
+
+  /** The full picture comes a moment later: turns of a wheel are many short moves. */
+  endMove() {
+    if (!this.isMoving) return;
+    clearTimeout(this.settling);
+    this.settling = setTimeout(() => {
+      this.isMoving = false;
+      this.camera.layers.enable(DETAIL);
+      this.camera.layers.disable(COARSE);
+      this.renderer.setPixelRatio(usualRatio());
+      this.draw();
+    }, SETTLED);
+  }
+
   resize() {
     const { clientWidth: width, clientHeight: height } = this.container;
-    if (!width || !height) return;
+    const isSame = width === this.width && height === this.height;
+    if (width && height && !isSame) this.resizeTo(width, height); // a change waits for the last picture
+  }
+
+  resizeTo(width, height) {
     this.width = width;
     this.height = height;
     this.renderer.setSize(width, height, false);
@@ -67,7 +122,20 @@ export class Stage {
   /** Tells the material of a thick line the size of the canvas, now and when it changes. */
   addThickLine(material) {
     this.thickLines.push(material);
+    material.addEventListener("dispose", () => {
+      this.thickLines = this.thickLines.filter((one) => one !== material);
+    });
     material.resolution.set(this.width, this.height);
+  }
+
+  /** Takes an object with thick lines off the stage, and frees it. */
+  remove(object) {
+    object.removeFromParent();
+    object.traverse(({ geometry, material }) => {
+      geometry?.dispose();
+      material?.dispose();
+      this.thickLines = this.thickLines.filter((one) => one !== material);
+    });
   }
 
   setFrustum() {
@@ -90,18 +158,19 @@ export class Stage {
     const stays = (object) => object.isLight || object.isCamera;
     for (const object of this.scene.children.filter((one) => !stays(one))) {
       this.scene.remove(object);
-      object.traverse(({ geometry, material }) => {
-        geometry?.dispose();
-        material?.map?.dispose();
-        material?.dispose();
-      });
+      dispose(object);
     }
     this.thickLines = [];
   }
 
-  /** Looks at the whole model from one of VIEWS. */
+  /** Takes the colour of the ground from the theme. */
+  setGround() {
+    this.renderer.setClearColor(theme.hex("scene"), 1);
+  }
+
+  /** Looks at the whole model from one of VIEWS; at a plane one always from the front. */
   look(name) {
-    const [direction, up] = VIEWS[name];
+    const [direction, up] = VIEWS[this.model.plane ? "plane" : name];
     this.camera.up.set(...up);
     this.camera.position
       .set(...direction)
@@ -149,7 +218,7 @@ export class Stage {
     this.camera.updateProjectionMatrix();
   }
 
-  /** Calls back after every frame: for what is drawn on top. */
+  /** Calls back after every frame, to draw on top of it. */
   onFrame(listener) {
     this.listeners.push(listener);
   }
@@ -175,25 +244,54 @@ export class Stage {
     return [((p.x + 1) / 2) * this.width, ((1 - p.y) / 2) * this.height, p.z];
   }
 
+  /** The direction from the model to the eye. */
+  get sight() {
+    return this.camera.position.clone().sub(this.controls.target).normalize().toArray();
+  }
+
   /** The length of a pixel at the model. */
   get pixel() {
     return (this.camera.right - this.camera.left) / this.camera.zoom / this.width;
   }
 }
 
-/** Lets the vertices of a material move by `factor` times their attribute `displacement`. */
-export function deformable(material, factor) {
+/** Frees what the graphics hold of an object and of all in it. */
+export function dispose(object) {
+  object.traverse(({ geometry, material }) => {
+    geometry?.dispose();
+    material?.dispose();
+  });
+}
+
+const usualRatio = () => Math.min(window.devicePixelRatio, 2);
+
+/**
+ * Lets the vertices of a material move by a factor times their attribute `displacement`, and leaves
+ * out what is beyond the cut. settings: {factor: {value}, cut: {value: Vector4}}, read at every
+ * frame. Beyond is where cut.xyz · x > cut.w, x undeformed.
+ */
+export function deformable(material, { factor, cut }) {
+  const declare = (shader, text) =>
+    shader.replace("#include <common>", `#include <common>\n${text}`);
   material.onBeforeCompile = (shader) => {
-    shader.uniforms.factor = factor;
-    shader.vertexShader = shader.vertexShader
-      .replace(
-        "#include <common>",
-        "#include <common>\nattribute vec3 displacement;\nuniform float factor;",
-      )
-      .replace("#include <begin_vertex>", "vec3 transformed = position + factor * displacement;");
+    Object.assign(shader.uniforms, { factor, cut });
+    shader.vertexShader = declare(
+      shader.vertexShader,
+      "attribute vec3 displacement;\nuniform float factor;\nuniform vec4 cut;\nvarying float beyond;",
+    ).replace(
+      "#include <begin_vertex>",
+      "vec3 transformed = position + factor * displacement;\nbeyond = dot(cut.xyz, position) - cut.w;",
+    );
+    shader.fragmentShader = declare(shader.fragmentShader, "varying float beyond;").replace(
+      "#include <clipping_planes_fragment>",
+      "if (beyond > 0.0) discard;",
+    );
   };
   return material;
 }
+
+/** The cut that leaves out nothing. */
+export const NO_CUT = [0, 0, 0, 1];
 
 /** A geometry at nodes (places in the model's list) that can be deformed. */
 export function geometryAt(model, nodes) {

@@ -2,7 +2,7 @@
 // an envelope are computed from them, column by column, when they are first needed.
 
 import { Column, Table, unpack, unpackLoads, withTables } from "./data.js";
-import { DERIVED } from "./derived.js";
+import { DERIVED, TRANSLATIONS } from "./derived.js";
 import { format } from "./dom.js";
 
 /** Values count as equal when they differ by at most this part of the largest one in the column. */
@@ -90,12 +90,17 @@ class CaseTable {
 
   /** The extremes of a column over combinations, each with the place of the one that governs. */
   extremes(name, combinations) {
+    return this.extremesOf((factors) => this.combined(name, factors), combinations);
+  }
+
+  /** The same of values that are computed from the factors of a combination. */
+  extremesOf(valuesOf, combinations) {
     const kept = this.rows * combinations.length <= MOST_KEPT ? [] : null;
     const low = new Float64Array(this.rows).fill(Infinity),
       high = new Float64Array(this.rows).fill(-Infinity);
     let largest = 0;
     for (const { factors } of combinations) {
-      const values = this.combined(name, factors);
+      const values = valuesOf(factors);
       kept?.push(values);
       for (let i = 0; i < values.length; ++i) {
         if (values[i] < low[i]) low[i] = values[i];
@@ -109,7 +114,7 @@ class CaseTable {
       highBy = new Int32Array(this.rows);
     // The last one that qualifies in descending order is the first of the file.
     for (let k = combinations.length - 1; k >= 0; --k) {
-      const values = kept ? kept[k] : this.combined(name, combinations[k].factors);
+      const values = kept ? kept[k] : valuesOf(combinations[k].factors);
       for (let i = 0; i < values.length; ++i) {
         if (values[i] <= below[i]) [low[i], lowBy[i]] = [values[i], k];
         if (values[i] >= above[i]) [high[i], highBy[i]] = [values[i], k];
@@ -216,9 +221,33 @@ export class Study {
         balances: this.cases,
         equilibrium: isEnvelope ? null : this.equilibriumOf(factors),
         loads: isEnvelope ? NO_LOADS : this.loadsOf(factors),
+        movesAlong: isEnvelope ? (directions) => this.movesAlong(selection, directions) : null,
       },
       [...this.shared, ...this.actions(selection, factors), ...results],
     );
+  }
+
+  /**
+   * The extremes over an envelope of the displacements of beams in directions, three numbers for each beam;
+   * words: the names of the combinations.
+   */
+  movesAlong({ members }, directions) {
+    const table = this.tables.find(({ name }) => name === "beam_diagrams");
+    const combinations = members.map((member) => this.all[member]);
+    const valuesOf = (factors) => {
+      const sums = new Float64Array(table.rows);
+      TRANSLATIONS.forEach((name, k) => {
+        if (!table.linear.has(name)) return;
+        const values = table.combined(name, factors);
+        for (let i = 0; i < sums.length; ++i)
+          sums[i] += values[i] * directions[3 * Math.floor(i / table.points) + k];
+      });
+      return sums;
+    };
+    return {
+      ...table.extremesOf(valuesOf, combinations),
+      words: combinations.map(({ name }) => name),
+    };
   }
 
   /** Supports with settlements, and loads. */

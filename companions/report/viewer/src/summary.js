@@ -1,13 +1,16 @@
-// What the model is, whether loads and reactions balance, the findings of the check, the extremes.
+// The head and the cards of the page: model, balance of loads and reactions, check, extremes.
 
 import { format, h } from "./dom.js";
+import { accuracyLine } from "./accuracy.js";
 import { extremesOf, extremesOfField } from "./fields.js";
+import { motionButton } from "./motions.js";
+import { significant, styleOf, styled } from "./numbers.js";
 
 const row = (...cells) =>
   h(
     "tr",
     {},
-    cells.map((cell, i) => h(i ? "td" : "th", {}, cell)),
+    cells.map((cell, i) => h(i || cell === "" ? "td" : "th", {}, cell)),
   );
 
 function card(id, title, ...content) {
@@ -16,7 +19,7 @@ function card(id, title, ...content) {
 
 function kindCounts(model) {
   const names = [
-    ["member", "members"],
+    ["beam", "beams"],
     ["shell", "shells"],
     ["solid", "solids"],
   ];
@@ -32,7 +35,7 @@ function kindCounts(model) {
 /** The loads of combinations are in the view only, those of envelopes nowhere. */
 const hasLoadTables = ({ selection }) => !selection || selection.kind === "case";
 
-export function modelCard(report, model) {
+export function modelCard(report, model, members) {
   const { low, high } = model.box;
   const size = high
     .map((value, k) => format(value - low[k], 4))
@@ -51,6 +54,7 @@ export function modelCard(report, model) {
         "Elements",
         `${kindCounts(model)} in ${report.model.meshes} ${report.model.meshes === 1 ? "mesh" : "meshes"}`,
       ),
+      members.count ? row("Members", String(members.count)) : null,
       row("Materials", format(count("materials"))),
       row("Supported nodes", format(count("supports"))),
       hasLoadTables(report)
@@ -79,12 +83,20 @@ export function balanceCard(report, model) {
     .map((value) => format(value, 4))
     .join(", ");
   const isForce = (k) => k < 3;
-  /** Without what only rounding has left. */
+  /** Sums below 1e-10 of the largest force are rounding errors and become 0. */
   const largest = Math.max(
     ...[...equilibrium.loads.slice(0, 3), ...equilibrium.reactions.slice(0, 3)].map(Math.abs),
   );
   const clean = (value, k) =>
     Math.abs(value) < 1e-10 * largest * (isForce(k) ? 1 : model.box.size) ? 0 : value;
+  const styleFor = (wanted) =>
+    styleOf(
+      places
+        .filter((k) => isForce(k) === wanted)
+        .flatMap((k) => [equilibrium.loads[k], equilibrium.reactions[k]])
+        .map((value) => (Math.abs(value) < 1e-10 * largest ? 0 : value)),
+    );
+  const styles = { true: styleFor(true), false: styleFor(false) };
   return card(
     "equilibrium",
     "Equilibrium",
@@ -102,8 +114,8 @@ export function balanceCard(report, model) {
           const sum = clean(load + reaction, k);
           return row(
             [name, h("small", {}, isForce(k) ? units.force : units.moment)],
-            format(clean(load, k)),
-            format(clean(reaction, k)),
+            styled(clean(load, k), styles[isForce(k)]),
+            styled(clean(reaction, k), styles[isForce(k)]),
             sum ? sum.toExponential(1) : "0",
           );
         }),
@@ -142,12 +154,15 @@ export function caseBalancesCard(report, model) {
     ...balances.flatMap(({ equilibrium }) => equilibrium.loads.slice(0, 3).map(Math.abs)),
   );
   const clean = (value) => (Math.abs(value) < 1e-10 * largest ? 0 : value);
+  const styles = names.map((_, k) =>
+    styleOf(balances.map(({ equilibrium }) => clean(equilibrium.loads[k]))),
+  );
   const line = ({ name, equilibrium: { loads, residual, balanced } }) =>
     h(
       "tr",
       { class: balanced ? "" : "unbalanced" },
       h("th", {}, name),
-      names.map((_, k) => h("td", {}, format(clean(loads[k]), 5))),
+      names.map((_, k) => h("td", {}, styled(clean(loads[k]), styles[k]))),
       h("td", {}, residual.toExponential(1)),
     );
   const bad = balances.filter(({ equilibrium }) => !equilibrium.balanced);
@@ -187,7 +202,10 @@ const GROUPS = {
   stresses: ["Solids", "node"],
 };
 
-/** The least and the largest value of every component over an envelope, and what governs. */
+/**
+ * The least and the largest value of every component over an envelope, and the combinations
+ * that govern.
+ */
 export function envelopeCard(report, onplace) {
   const lines = [];
   for (const [name, [group, key]] of Object.entries(GROUPS)) {
@@ -219,9 +237,9 @@ function envelopeLine(table, component, group, key, onplace) {
     const place = h(
       "button",
       { class: "link", onclick: () => onplace(key, number) },
-      `${key === "element" ? (table.name === "beam_diagrams" ? "member" : "element") : "node"} ${number}`,
+      `${key === "element" ? (table.name === "beam_diagrams" ? "beam" : "element") : "node"} ${number}`,
     );
-    return [format(value), place, table.column(`${component} ${which} by`).cell(at)];
+    return [significant(value), place, table.column(`${component} ${which} by`).cell(at)];
   };
   const { unit } = table.column(`${component} min`);
   return row(
@@ -232,15 +250,19 @@ function envelopeLine(table, component, group, key, onplace) {
   );
 }
 
-/** The findings of the check of the problem file; null when it was not checked. */
-export function checkCard(report) {
+/**
+ * The findings of the check of the problem file; null when it was not checked. onmotion(finding) is
+ * called to show the motion of one.
+ */
+export function checkCard(report, onmotion) {
   if (!report.check) return null;
-  const findings = report.check.map(({ error, place, text }) =>
+  const findings = report.check.map((finding) =>
     h(
       "li",
-      { class: error ? "bad" : "warn" },
-      h("b", {}, error ? "error" : "warning"),
-      ` ${place}: ${text}`,
+      { class: finding.error ? "bad" : "warn" },
+      h("b", {}, finding.error ? "error" : "warning"),
+      ` ${finding.place}: ${finding.text} `,
+      motionButton(finding, onmotion),
     ),
   );
   return card(
@@ -257,9 +279,9 @@ export function extremesCard(report, model, shells, fields, onplace) {
     const { min, max, minAt, maxAt } = extremesOfField(field, model, shells);
     return row(
       [field.id === "u" ? "|u|" : field.label, h("small", {}, field.unit)],
-      format(min),
+      significant(min),
       place(minAt),
-      format(max),
+      significant(max),
       place(maxAt),
     );
   });
@@ -276,26 +298,38 @@ export function extremesCard(report, model, shells, fields, onplace) {
 }
 
 /** The errors of the problem file, in red; null without any. */
-function errorBanner(report) {
+function errorBanner(report, onmotion) {
   const SHOWN = 3;
   const errors = (report.check ?? []).filter(({ error }) => error);
   if (!errors.length) return null;
   const count = errors.length === 1 ? "1 error" : `${errors.length} errors`;
   const items = errors
     .slice(0, SHOWN)
-    .map(({ place, text }) => h("li", {}, h("b", {}, `${place}: `), text));
+    .map((finding) =>
+      h(
+        "li",
+        {},
+        h("b", {}, `${finding.place}: `),
+        `${finding.text} `,
+        motionButton(finding, onmotion),
+      ),
+    );
+  const meaning = report.hasResults
+    ? "these results may be those of another model."
+    : "there are no results.";
   if (errors.length > SHOWN)
     items.push(h("li", {}, `and ${errors.length - SHOWN} more, in the check of the problem file`));
   return h(
     "div",
     { class: "alert", role: "alert" },
-    h("b", {}, `${count} in the problem file: these results may be those of another model.`),
+    h("b", {}, `${count} in the problem file: ${meaning}`),
     h("ul", {}, items),
   );
 }
 
 /** Whether all is in equilibrium, and the words for it. */
-function stateOf({ equilibrium, balances }) {
+function stateOf({ hasResults, equilibrium, balances }) {
+  if (!hasResults) return { balanced: false, text: "no results" };
   const all = balances ? balances.map((one) => one.equilibrium) : [equilibrium];
   const residual = Math.max(...all.map((one) => one.residual)).toExponential(1);
   const bad = all.filter((one) => !one.balanced).length;
@@ -305,7 +339,8 @@ function stateOf({ equilibrium, balances }) {
   return { balanced: !bad, text: `${which} ${state}, residual at most ${residual}` };
 }
 
-export function header(report) {
+/** onmotion(finding): shows the motion of a finding of the check. */
+export function header(report, onmotion) {
   const { balanced, text } = stateOf(report);
   const description = report.model.description;
   return h(
@@ -317,7 +352,8 @@ export function header(report) {
       h("h1", {}, report.model.file),
       h("span", { class: balanced ? "badge good" : "badge bad" }, text),
     ),
-    errorBanner(report),
+    errorBanner(report, onmotion),
+    accuracyLine(report),
     description.length ? h("pre", { class: "description" }, description.join("\n")) : null,
   );
 }

@@ -3,13 +3,11 @@
 import * as THREE from "three";
 import { mergeGeometries } from "three/examples/jsm/utils/BufferGeometryUtils.js";
 import { triples, unit } from "./model.js";
+import { surfaceLoadLabels } from "./surface_loads.js";
+import { theme } from "./theme.js";
 
-const SUPPORT = 0x2e7d5b,
-  SPRING = 0xb07d12,
-  LOAD = 0xb4441c,
-  REACTION = 0x6a3d9a,
-  HINGE = 0xf2f5f7;
-const MOST_SURFACE_ARROWS = 1500;
+const MOST_ARROWS = 1500,
+  MANY = 100; // symbols of a kind, above which their shapes are simple
 const UP = new THREE.Vector3(0, 1, 0);
 
 /** Collects places of one shape and makes an instanced mesh of them. */
@@ -75,11 +73,23 @@ export function supportSymbols(report, model, size) {
   const table = report.table("supports");
   if (!table) return new THREE.Group();
   const { components, translations } = report.model;
-  const cone = new THREE.ConeGeometry(0.5, 1, 12).translate(0, -0.5, 0);
-  const ring = new THREE.TorusGeometry(0.55, 0.09, 8, 20).rotateX(Math.PI / 2);
-  const cones = { 1: new Instances(cone, SUPPORT), 2: new Instances(cone, SPRING) };
-  const rings = { 1: new Instances(ring, SUPPORT), 2: new Instances(ring, SPRING) };
-  const blocks = new Instances(new THREE.BoxGeometry(1, 0.45, 1).translate(0, -0.225, 0), SUPPORT);
+  const many = table.rows > MANY;
+  const cone = new THREE.ConeGeometry(0.5, 1, many ? 4 : 12, 1, many).translate(0, -0.5, 0);
+  const ring = new THREE.TorusGeometry(0.55, 0.09, many ? 3 : 8, many ? 8 : 20).rotateX(
+    Math.PI / 2,
+  );
+  const cones = {
+    1: new Instances(cone, theme.hex("scene-support")),
+    2: new Instances(cone, theme.hex("scene-spring")),
+  };
+  const rings = {
+    1: new Instances(ring, theme.hex("scene-support")),
+    2: new Instances(ring, theme.hex("scene-spring")),
+  };
+  const blocks = new Instances(
+    new THREE.BoxGeometry(1, 0.45, 1).translate(0, -0.225, 0),
+    theme.hex("scene-support"),
+  );
   const down = model.plane ? [0, 1, 0] : [0, 0, 1];
   for (let row = 0; row < table.rows; ++row) {
     const place = model.place(model.nodeAt.get(table.column("node").cell(row)));
@@ -103,7 +113,8 @@ export function supportSymbols(report, model, size) {
 /** A ball near every hinged end of a beam. */
 export function hingeSymbols(report, model, size) {
   const codes = report.table("elements").column("hinge_code");
-  const balls = new Instances(new THREE.SphereGeometry(1, 16, 12), HINGE);
+  const round = model.beams.length > MANY ? [6, 4] : [16, 12];
+  const balls = new Instances(new THREE.SphereGeometry(1, ...round), theme.hex("scene-hinge"));
   for (const element of model.beams) {
     const code = codes.cell(element);
     const ends = [0, 1].map((i) => model.place(model.node(element, i)));
@@ -127,8 +138,7 @@ export function hingeSymbols(report, model, size) {
 
 /** Arrows of forces whose tips are at nodes, and arcs of moments about their axes. */
 class Arrows {
-  /** Of many (thousands) the shapes are simple. */
-  constructor(colour, length, many = false) {
+  constructor(colour, length, many) {
     this.length = length;
     const sides = many ? 3 : 12;
     this.shafts = new Instances(
@@ -139,7 +149,7 @@ class Arrows {
       new THREE.ConeGeometry(1, 1, sides, 1, many).translate(0, -0.5, 0),
       colour,
     );
-    this.arcs = new Instances(arc(), colour);
+    this.arcs = new Instances(arc(many), colour);
     this.labels = [];
   }
 
@@ -175,9 +185,11 @@ class Arrows {
 }
 
 /** Three quarters of a circle about y, with a head that turns counter-clockwise. */
-function arc() {
-  const ring = new THREE.TorusGeometry(1, 0.05, 8, 32, 1.5 * Math.PI);
-  const head = new THREE.ConeGeometry(0.17, 0.4, 12).rotateZ(-Math.PI / 2).translate(0.15, -1, 0);
+function arc(many) {
+  const ring = new THREE.TorusGeometry(1, 0.05, many ? 3 : 8, many ? 10 : 32, 1.5 * Math.PI);
+  const head = new THREE.ConeGeometry(0.17, 0.4, many ? 4 : 12)
+    .rotateZ(-Math.PI / 2)
+    .translate(0.15, -1, 0);
   return mergeGeometries([ring, head]).rotateX(-Math.PI / 2);
 }
 
@@ -202,7 +214,7 @@ function addNodal(arrows, table, model, units) {
   const force = largestOf(forces),
     moment = largestOf(moments);
   const labelled = table.rows <= 60;
-  for (let row = 0; row < table.rows; ++row) {
+  for (let row = 0; row < table.rows; row += Math.ceil(table.rows / MOST_ARROWS)) {
     const place = model.place(model.nodeAt.get(table.column("node").cell(row)));
     const f = Array.from(forces.subarray(3 * row, 3 * row + 3)),
       m = Array.from(moments.subarray(3 * row, 3 * row + 3));
@@ -244,33 +256,45 @@ function addLinear(arrows, report, model, group, length) {
   if (outline.length === 0) return;
   const geometry = new THREE.BufferGeometry();
   geometry.setAttribute("position", new THREE.BufferAttribute(new Float32Array(outline), 3));
-  group.add(new THREE.LineSegments(geometry, new THREE.LineBasicMaterial({ color: LOAD })));
+  group.add(
+    new THREE.LineSegments(
+      geometry,
+      new THREE.LineBasicMaterial({ color: theme.hex("scene-load") }),
+    ),
+  );
 }
 
+/** The size of symbols where there are many. */
+const crowd = (count) => Math.min(1, 18 / Math.sqrt(Math.max(1, Math.min(count, MOST_ARROWS))));
+
 /**
- * All loads: {group, labels}. Those of shells and solids are forces at their nodes; with very
- * many nodes only at some.
+ * All loads: {group, labels}. Those of shells and solids are forces at their nodes. Of very many
+ * only some are drawn.
  */
 export function loadSymbols(report, model, length) {
-  const nodal = new Arrows(LOAD, length),
-    linear = new Arrows(LOAD, 0.6 * length);
-  const crowd = Math.min(1, 18 / Math.sqrt(Math.min(model.nodeCount, MOST_SURFACE_ARROWS)));
-  const surface = new Arrows(LOAD, 0.55 * crowd * length, true);
+  const nodalTable = report.table("nodal_loads");
+  const nodalCount = nodalTable?.rows ?? 0;
+  const nodal = new Arrows(theme.hex("scene-load"), crowd(nodalCount) * length, nodalCount > MANY),
+    linear = new Arrows(theme.hex("scene-load"), 0.6 * length, report.loads.beams.length > MANY);
+  const surface = new Arrows(theme.hex("scene-load"), 0.55 * crowd(model.nodeCount) * length, true);
   const group = new THREE.Group();
-  if (report.table("nodal_loads")) addNodal(nodal, report.table("nodal_loads"), model, model.units);
+  if (nodalTable) addNodal(nodal, nodalTable, model, model.units);
   addLinear(linear, report, model, group, 0.6 * length);
   const forces = report.loads.surfaces,
     largest = largestOf(forces);
-  const step = Math.ceil(model.nodeCount / MOST_SURFACE_ARROWS);
+  const step = Math.ceil(model.nodeCount / MOST_ARROWS);
   for (let node = 0; largest > 0 && node < model.nodeCount; node += step) {
     surface.force(model.place(node), Array.from(forces.subarray(3 * node, 3 * node + 3)), largest);
   }
   group.add(nodal.group(), linear.group(), surface.group());
-  return { group, labels: [...nodal.labels, ...linear.labels] };
+  const labels = [...nodal.labels, ...linear.labels, ...surfaceLoadLabels(report, model)];
+  return { group, labels };
 }
 
 export function reactionSymbols(report, model, length) {
-  const arrows = new Arrows(REACTION, length);
-  if (report.table("reactions")) addNodal(arrows, report.table("reactions"), model, model.units);
+  const table = report.table("reactions");
+  const count = table?.rows ?? 0;
+  const arrows = new Arrows(theme.hex("scene-reaction"), crowd(count) * length, count > MANY);
+  if (table) addNodal(arrows, table, model, model.units);
   return { group: arrows.group(), labels: arrows.labels };
 }

@@ -2,6 +2,11 @@
 
 import { DIAGRAMS, hasDiagram } from "./diagrams.js";
 import { checkbox, h, select } from "./dom.js";
+import { menu } from "./menu.js";
+import { SHELL, SOLID } from "./model.js";
+import { savePng, saveSvg } from "./picture.js";
+import { hasPrincipalStresses } from "./principal.js";
+import { LARGE } from "./scene.js";
 
 const SPACE_LOOKS = [
   ["iso", "3D"],
@@ -11,7 +16,9 @@ const SPACE_LOOKS = [
 ];
 const PLANE_LOOKS = [["top", "Fit"]];
 
-const tool = (text, ...parts) => h("label", { class: "tool" }, h("span", {}, text), parts);
+/** A control with its name; further controls beside it have names of their own. */
+const tool = (text, control, ...others) =>
+  h("span", { class: "tool" }, h("label", { for: control.id }, text), control, others);
 
 function range(id, attributes, oninput) {
   const input = h("input", { type: "range", id, ...attributes });
@@ -25,6 +32,17 @@ function fieldGroups(fields) {
     label,
     options: fields.filter(({ group }) => group === label).map((field) => [field.id, field.label]),
   }));
+}
+
+/** What can be hidden of one kind, if there is a choice. */
+function partChecks(view, kind, numbers) {
+  if (numbers.length < 2) return [];
+  const kinds = { mesh: "meshes", material: "materials" }[kind];
+  return numbers.map((number) =>
+    checkbox(`${kind}${number}`, `${kind} ${number}`, !view.visibility[kinds].has(number), (on) =>
+      view.showPart(kinds, number, on),
+    ),
+  );
 }
 
 /** An option of a select, or the same of an envelope or of a single result; else none. */
@@ -56,49 +74,124 @@ export class Toolbar {
       "directions",
       [
         ["", "none"],
-        ["N", "membrane forces"],
-        ["M", "moments"],
+        ...(report.table("shell_forces")
+          ? [
+              ["N", "membrane forces"],
+              ["M", "moments"],
+            ]
+          : []),
+        ...(hasPrincipalStresses(report) ? [["S", "stresses"]] : []),
       ],
       () => view.showDirections(),
     );
-    this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () =>
-      view.deform(),
-    );
-    this.factor = h("output", { id: "factor" });
+    this.makeDeformation(view);
     this.element = h(
       "div",
-      { class: "toolbar" },
-      tool("Colours", this.colours, report.table("shell_forces") ? this.smooth : null),
+      { class: "toolbar", id: "toolbar", role: "group", "aria-label": "view" },
+      view.fields.length === 0
+        ? null
+        : tool("Colours", this.colours, report.table("shell_forces") ? this.smooth : null),
       diagrams.length ? tool("Diagram", this.diagram, this.diagramSize) : null,
-      report.table("shell_forces") && !isEnvelope ? tool("Principal", this.directions) : null,
-      isEnvelope ? null : tool("Deformed", this.deformation, this.factor),
-      h("span", { class: "tool" }, this.symbolChecks(view), this.meshChecks(view)),
+      this.directions.options.length > 1 && !isEnvelope && report.hasResults
+        ? tool("Principal", this.directions)
+        : null,
+      isEnvelope || !report.hasResults
+        ? null
+        : tool("Deformed", this.deformation, "\u00d7", this.factor),
+      this.showMenu(view),
+      menu("save", "Save", [
+        [
+          "Picture",
+          h("button", { id: "save-png", onclick: () => savePng(view) }, "PNG with legend"),
+          model.has(SHELL) || model.has(SOLID)
+            ? null
+            : h("button", { id: "save-svg", onclick: () => saveSvg(view) }, "SVG with legend"),
+        ],
+      ]),
       h(
         "span",
         { class: "tool looks" },
         (model.plane ? PLANE_LOOKS : SPACE_LOOKS).map(([name, text]) =>
-          h("button", { "data-look": name, onclick: () => view.stage.look(name) }, text),
+          h(
+            "button",
+            {
+              "data-look": name,
+              "aria-label": `view ${text}`,
+              onclick: () => view.stage.look(name),
+            },
+            text,
+          ),
         ),
       ),
     );
   }
 
-  symbolChecks(view) {
-    const symbol = (name, shown) => checkbox(name, name, shown, (on) => view.showSymbols(name, on));
-    const { isEnvelope } = view.report;
-    return [
-      symbol("supports", true),
-      ...(isEnvelope ? [] : [symbol("loads", true), symbol("reactions", false)]),
-      checkbox("numbers", "numbers", false, (on) => view.showNumbers(on)),
-    ];
+  /** The scale of the deformation: a slider, and a number to type. */
+  makeDeformation(view) {
+    this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () => {
+      view.deformation.slide();
+      view.deform();
+    });
+    this.factor = h("input", {
+      type: "number",
+      id: "factor",
+      step: "any",
+      "aria-label": "scale of the deformation",
+    });
+    this.factor.addEventListener("change", () => {
+      view.deformation.type(this.factor.valueAsNumber);
+      view.deform();
+    });
   }
 
-  meshChecks(view) {
-    const { meshes } = view.report.model;
-    if (meshes < 2) return [];
-    return Array.from({ length: meshes }, (_, i) =>
-      checkbox(`mesh${i + 1}`, `mesh ${i + 1}`, true, (on) => view.showMesh(i, on)),
+  /** Everything that is switched on and off. */
+  showMenu(view) {
+    const { report, model } = view;
+    const { isEnvelope } = report;
+    const symbol = (name, shown) => checkbox(name, name, shown, (on) => view.showSymbols(name, on));
+    const materials = report.table("materials").column("material").values;
+    this.axes = select(
+      "axes",
+      [
+        ["", "none"],
+        ["selected", "of the selected element"],
+        ["all", "of all"],
+      ],
+      () => view.showAxes(),
     );
+    this.axes.setAttribute("aria-label", "local axes");
+    return menu("show", "Show", [
+      [
+        "Symbols",
+        symbol("supports", true),
+        isEnvelope ? null : symbol("loads", true),
+        isEnvelope || !report.hasResults ? null : symbol("reactions", false),
+      ],
+      [
+        "Model",
+        checkbox("numbers", "numbers", false, (on) => view.showNumbers(on)),
+        model.has(SHELL) || model.has(SOLID)
+          ? checkbox("lines", "mesh lines", model.elements.count <= LARGE, (on) =>
+              view.showLines(on),
+            )
+          : null,
+      ],
+      ["Local axes", model.beams.length || model.has(SHELL) ? this.axes : null],
+      [
+        "Meshes",
+        partChecks(
+          view,
+          "mesh",
+          Array.from({ length: report.model.meshes }, (_, i) => i + 1),
+        ),
+      ],
+      ["Materials", partChecks(view, "material", [...materials])],
+    ]);
+  }
+
+  /** Adds a menu before the buttons of the views. */
+  add(element) {
+    this.element.querySelector(".looks").before(element);
   }
 
   get controls() {
@@ -111,7 +204,7 @@ export class Toolbar {
     return Object.fromEntries(this.controls.map((one) => [one.id, valueOf(one)]));
   }
 
-  /** Takes over what fits of the values of another toolbar. */
+  /** Takes over the values of another toolbar where this one has the same control. */
   adopt(state) {
     for (const one of this.controls) {
       const value = state[one.id];

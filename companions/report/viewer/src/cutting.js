@@ -1,0 +1,79 @@
+// The section cut and the values along a line in the view: joins their controls and what they draw
+// with the other parts of the report.
+
+import { h } from "./dom.js";
+import { LineTool } from "./line_tool.js";
+import { menu } from "./menu.js";
+import { pickSurface } from "./picking.js";
+import { SectionControls } from "./section_controls.js";
+import { SectionView, canBeCut, clip } from "./section_view.js";
+
+export class Cutting {
+  /** view: the report, whose stage is there. Models of beams have neither controls nor cuts. */
+  constructor(view) {
+    this.view = view;
+    const { settings, stage } = view;
+    stage.hides = ([x, y, z]) => {
+      const { value } = settings.cut;
+      return value.x * x + value.y * y + value.z * z > value.w;
+    };
+    if (!canBeCut(view.model)) return;
+    const box = h("div", { class: "line-chart", hidden: true });
+    stage.container.closest(".stage").append(box);
+    this.controls = new SectionControls(stage, view.model, () => this.show());
+    this.line = new LineTool(view, box);
+  }
+
+  /** Makes the parts of a report that is newly shown; gives what belongs on the stage. */
+  fill() {
+    const { model, settings, stage, toolbar } = this.view;
+    this.section = new SectionView(model, stage, settings);
+    if (this.controls)
+      toolbar.add(
+        menu("section", "Section", [
+          ["Cut", this.controls.controls],
+          ["Values along a line", this.line.controls],
+        ]),
+      );
+    return this.section.group;
+  }
+
+  get plane() {
+    return this.controls?.plane ?? null;
+  }
+
+  /** Cuts as the controls say. */
+  show() {
+    this.section.show(this.plane, this.view.views.surfaces);
+    this.colourSection();
+    this.clip();
+    this.view.stage.draw();
+  }
+
+  colourSection() {
+    const { bands, factor, field, scale } = this.view;
+    this.section.colour(field, scale, bands);
+    this.section.deform(factor.value);
+  }
+
+  /** After a change of the shown field. */
+  colour() {
+    this.colourSection();
+    this.line?.refresh();
+  }
+
+  /** Surfaces leave out what is beyond the cut by themselves. */
+  clip() {
+    const { diagrams, hinges, symbols, views } = this.view;
+    const others = [...views.beams, ...Object.values(symbols), diagrams];
+    clip([...others.map(({ group }) => group), hinges], this.plane);
+  }
+
+  /** Whether a click at a point of the canvas is one of the points of the line. */
+  take(point) {
+    if (!this.line?.isPicking) return false;
+    const { factor, model, stage, views } = this.view;
+    this.line.take(pickSurface(stage, model, views, this.section, factor.value, point)?.place);
+    return true;
+  }
+}

@@ -1,0 +1,100 @@
+// Numbers as text: with the same number of digits in a column for the eye, and in full for files.
+
+/** Significant digits of the largest value of a column. */
+const DIGITS = 5;
+
+/** Powers of ten within which a column is written without an exponent. */
+const LOWEST = -5,
+  HIGHEST = 6;
+
+/**
+ * How a set of values is written: with `decimals` digits after the point, with an exponent where the
+ * largest is very large or very small. The largest gets `digits` significant digits, fewer when no
+ * value needs them.
+ */
+export function styleOf(values, digits = DIGITS) {
+  let largest = 0;
+  for (let i = 0; i < values.length; ++i) {
+    const size = Math.abs(values[i]);
+    if (size > largest && size < Infinity) largest = size;
+  }
+  if (largest === 0) return { decimals: 0, exponent: false };
+  const power = Math.floor(Math.log10(largest));
+  if (power < LOWEST || power > HIGHEST) return { decimals: digits - 2, exponent: true };
+  return { decimals: neededDecimals(values, Math.max(0, digits - 1 - power)), exponent: false };
+}
+
+/** The least number of decimals, up to `most`, with which all values read as with `most`. */
+function neededDecimals(values, most) {
+  const scale = 10 ** most;
+  let needed = 0;
+  for (let i = 0; i < values.length && needed < most; ++i) {
+    let whole = Math.abs(Math.round(values[i] * scale));
+    let zeros = 0;
+    while (whole > 0 && whole % 10 === 0 && zeros < most) {
+      whole /= 10;
+      ++zeros;
+    }
+    if (whole > 0) needed = Math.max(needed, most - zeros);
+  }
+  return needed;
+}
+
+/** A value in a style; an empty text for none. */
+export function styled(value, { decimals, exponent }) {
+  if (value === null || value === undefined || Number.isNaN(value)) return "";
+  if (value === 0 && exponent) return "0";
+  const text = exponent ? value.toExponential(decimals) : value.toFixed(decimals);
+  return /^-[0.]*$/.test(text) ? text.slice(1) : text;
+}
+
+/** The texts of values that are read together. */
+export function styledTogether(values, digits = DIGITS) {
+  const style = styleOf(values, digits);
+  return Array.from(values, (value) => styled(value, style));
+}
+
+/** A single value in exactly `digits` significant digits, for columns of mixed units. */
+export function significant(value, digits = 4) {
+  if (value === null || value === undefined || Number.isNaN(value)) return "";
+  if (value === 0) return "0";
+  const rounded = Number(value.toPrecision(digits));
+  const power = Math.floor(Math.log10(Math.abs(rounded)));
+  if (power < LOWEST || power > HIGHEST) return rounded.toExponential(digits - 1);
+  return rounded.toFixed(Math.max(0, digits - 1 - power));
+}
+
+/** The text of a cell; numbers of a column have the same number of decimals. */
+export function cellText(column, row) {
+  const cell = column.cell(row);
+  if (cell === null) return "";
+  if (column.words) return cell.replaceAll("_", " ");
+  if (column.isInteger) return String(cell);
+  column.style ??= styleOf(column.values);
+  return styled(cell, column.style);
+}
+
+/**
+ * The fewest digits that give the same number again, with or without an exponent, whichever is
+ * shorter: the way in which the files of the command line have numbers.
+ */
+export function shortest(value) {
+  if (Number.isNaN(value)) return "";
+  if (Object.is(value, -0)) return "-0";
+  if (value === 0 || !Number.isFinite(value)) return String(value).replace("Infinity", "inf");
+  const [, sign, mantissa, power] = value.toExponential().match(/^(-?)([\d.]+)e([+-]\d+)$/);
+  const digits = mantissa.replace(".", "");
+  const exponent = Number(power);
+  const plain = plainText(value, digits, exponent);
+  const size = String(Math.abs(exponent)).padStart(2, "0");
+  const scientific = `${mantissa}e${exponent < 0 ? "-" : "+"}${size}`;
+  return sign + (plain.length <= scientific.length ? plain : scientific);
+}
+
+/** Digits d.ddd·10^exponent without an exponent; large whole numbers exactly. */
+function plainText(value, digits, exponent) {
+  if (exponent < 0) return `0.${"0".repeat(-exponent - 1)}${digits}`;
+  if (digits.length > exponent + 1)
+    return `${digits.slice(0, exponent + 1)}.${digits.slice(exponent + 1)}`;
+  return BigInt(Math.abs(value)).toString();
+}

@@ -229,16 +229,16 @@ test("keys alone turn the view, go through elements and tables", async () => {
   assert.equal(await page.evaluate(HEADING), "");
   await press(page, "n");
   await press(page, "n");
-  assert.equal(await page.evaluate(HEADING), "Member 2");
+  assert.equal(await page.evaluate(HEADING), "Member 2 to 14");
   await press(page, "p");
-  assert.equal(await page.evaluate(HEADING), "Member 1");
+  assert.equal(await page.evaluate(HEADING), "Member 1 to 13");
   await page.frame();
   const said = "document.getElementById('announcement').textContent";
-  assert.match(await page.evaluate(said), /^Member 1, Nodes 1 .*Length 4 m/);
+  assert.match(await page.evaluate(said), /^Member 1 to 13, From node 1 .*Length 4/);
   await page.evaluate("new Promise((done) => setTimeout(done, 600))");
   assert.match(
     await page.evaluate("document.getElementById('view-text').textContent"),
-    /^Structure of 180 elements and 84 nodes, 18 by 10 by 20 m\..*Selected: Member 1/,
+    /^Structure of 180 elements and 84 nodes, 18 by 10 by 20 m\..*Selected: Member 1 to 13/,
   );
   // Along the first diagram of the member, N, and on to the next one.
   await tabTo(page, (focus) => focus.role === "slider");
@@ -261,12 +261,14 @@ test("keys alone turn the view, go through elements and tables", async () => {
   const open = "document.querySelector('[role=tab][aria-selected=true]').dataset.table";
   assert.equal(await page.evaluate(open), "reactions");
   await press(page, "ArrowRight");
+  assert.equal(await page.evaluate(open), "members");
+  await press(page, "ArrowRight");
   assert.equal(await page.evaluate(open), "beam_diagrams");
   await tabTo(page, (focus) => focus.role === "grid");
   for (let i = 0; i < 45; ++i) await press(page, "ArrowDown");
   await press(page, "Enter");
-  // 21 rows for each member: row 45 is of the third one.
-  assert.equal(await page.evaluate(HEADING), "Member 3");
+  // 21 rows for each beam: row 45 is of the third one.
+  assert.equal(await page.evaluate(HEADING), "Member 3 to 15");
   assert.deepEqual(
     await page.evaluate(`(() => {
       const grid = document.querySelector("[role=grid]");
@@ -321,13 +323,19 @@ test(
   },
 );
 
-/** The members with the largest |value| of each force. */
+/** The members with the largest |value| of each force, in a frame where each beam is a member. */
 function leadersOf(name) {
   const value = exported(name);
   const members = value("beam_diagrams", "element");
+  const numbers = value("elements", "element");
+  const [first, second] = ["node1", "node2"].map((end) => value("elements", end));
+  const nameOf = (beam) => {
+    const row = numbers.indexOf(beam);
+    return `${first[row]} to ${second[row]}`;
+  };
   return ["N", "Vy", "Vz", "T", "My", "Mz"].map((force) => {
     const sizes = value("beam_diagrams", force).map(Math.abs);
-    return members[sizes.indexOf(Math.max(...sizes))];
+    return nameOf(members[sizes.indexOf(Math.max(...sizes))]);
   });
 }
 
@@ -525,7 +533,7 @@ test("a model that can move gets a page that shows the motion", async () => {
   await button("Stop");
   assert.equal(await page.evaluate("document.getElementById('motion').hidden"), true);
   await page.evaluate("morlenReport.select(0)");
-  assert.equal(await page.evaluate(HEADING), "Member 1");
+  assert.equal(await page.evaluate(HEADING), "Member 1 to 2");
   assert.equal(await page.evaluate("document.querySelectorAll('#panel .diagram').length"), 0);
   // Without animation where the user wants none; the outermost place is seen.
   await setMedia(page, "", ["prefers-reduced-motion", "reduce"]);

@@ -536,13 +536,13 @@ test("the picture is saved as PNG, of frames as SVG too", async () => {
   const page = await openExample("portal_frame", SMALL);
   const [name, type, data] = await page.evaluate(saved("save-png"));
   const png = Buffer.from(data, "base64");
-  assert.deepEqual([name, type], ["portal_frame_view.png", "image/png"]);
+  assert.deepEqual([name, type], ["portal_frame.view.png", "image/png"]);
   assert.equal(png.subarray(1, 4).toString(), "PNG");
   const size = await page.evaluate("[morlenReport.stage.width, morlenReport.stage.height]");
   assert.deepEqual([png.readUInt32BE(16), png.readUInt32BE(20)], [2 * size[0], 2 * (size[1] + 44)]);
   const [svgName, svgType, svgData] = await page.evaluate(saved("save-svg"));
   const text = Buffer.from(svgData, "base64").toString();
-  assert.deepEqual([svgName, svgType], ["portal_frame_Mz.svg", "image/svg+xml"]);
+  assert.deepEqual([svgName, svgType], ["portal_frame.Mz.svg", "image/svg+xml"]);
   const read = await page.evaluate(`(() => {
     const doc = new DOMParser().parseFromString(${JSON.stringify(text)}, "image/svg+xml");
     return { faults: doc.querySelectorAll("parsererror").length, paths: doc.querySelectorAll("path").length,

@@ -18,10 +18,10 @@ scripts/install_tools.sh nodejs chromium gmsh python3-numpy python3-matplotlib
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT INT TERM
 
-# A run of an example and its report: report_of NAME
+# The report of an example: report_of NAME
 report_of() {
   cp "examples/$1.dat" "$work"
-  (cd "$work" && "$build/morlen" "$1.dat" "$1.txt" && "$build/companions/morlen-report" "$1.dat" -o "$1.html")
+  (cd "$work" && "$build/companions/morlen-run" "$1.dat")
 }
 
 # A picture of a report: picture REPORT PICTURE [CONTROL=VALUE...]

@@ -159,6 +159,7 @@ test("light and dark follow the system or the choice, which is remembered", asyn
   await setMedia(page, "", ["prefers-color-scheme", "dark"]);
   const [ground, paper] = await grounds();
   await picture(page, "slab_and_wall-dark");
+  assert.equal(await page.evaluate("document.querySelectorAll('#menu-section').length"), 1);
   assert.ok(isDark(ground) && isDark(paper), `${ground} ${paper}`);
   assert.deepEqual(ground, paper);
   await page.set("appearance", "light");

@@ -22,19 +22,17 @@ export class Cutting {
     stage.container.closest(".stage").append(box);
     this.controls = new SectionControls(stage, view.model, () => this.show());
     this.line = new LineTool(view, box);
+    this.menu = menu("section", "Section", [
+      ["Cut", this.controls.controls],
+      ["Values along a line", this.line.controls],
+    ]);
   }
 
   /** Makes the parts of a report that is newly shown; gives what belongs on the stage. */
   fill() {
     const { model, settings, stage, toolbar } = this.view;
     this.section = new SectionView(model, stage, settings);
-    if (this.controls)
-      toolbar.add(
-        menu("section", "Section", [
-          ["Cut", this.controls.controls],
-          ["Values along a line", this.line.controls],
-        ]),
-      );
+    if (this.menu) toolbar.add(this.menu); // it moves from the toolbar that it replaces
     return this.section.group;
   }
 

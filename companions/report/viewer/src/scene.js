@@ -207,13 +207,13 @@ export class Stage {
     );
     this.camera.position.add(shift);
     this.controls.target.add(shift);
-    const margin = 1.28,
-      least = 0.05 * this.model.box.size;
-    const width = Math.max(high.x - low.x, least) * margin,
-      height = Math.max(high.y - low.y, least) * margin;
+    const { box, beams } = this.model;
+    // Diagrams and arrows at beams have up to a tenth of the size, on both sides, and labels.
+    const room = beams.length ? 0.26 * box.size : 0;
+    const wide = (extent) => Math.max(1.28 * Math.max(extent, 0.05 * box.size), extent + room);
     this.camera.zoom = Math.min(
-      (this.camera.right - this.camera.left) / width,
-      (this.camera.top - this.camera.bottom) / height,
+      (this.camera.right - this.camera.left) / wide(high.x - low.x),
+      (this.camera.top - this.camera.bottom) / wide(high.y - low.y),
     );
     this.camera.updateProjectionMatrix();
   }

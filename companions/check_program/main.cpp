@@ -26,6 +26,7 @@ struct Options
   std::vector<std::string> files;
   bool json = false;
   bool strict = false;
+  bool quick = false;
 };
 
 void Declare(CLI::App& app, Options& options)
@@ -37,6 +38,8 @@ void Declare(CLI::App& app, Options& options)
   app.add_flag("--json", options.json,
                "print JSON instead of text: an object, or an array for several files");
   app.add_flag("--strict", options.strict, "warnings count as errors in the exit status");
+  app.add_flag("--quick", options.quick,
+               "look for motions in small models only: morlen finds them in all");
   app.footer(
       "Exit status, the highest of all files: 0, 1 when there are errors, 2 when a file cannot be "
       "read.");
@@ -48,11 +51,11 @@ std::optional<std::string> TextOf(const std::string& file)
 }
 
 // Null after a message when the file cannot be read.
-std::optional<check::FileReport> ReportOn(const std::string& file)
+std::optional<check::FileReport> ReportOn(const std::string& file, check::Motions motions)
 {
   if (const std::optional<std::string> text = TextOf(file))
     return check::FileReport{
-        file, IsCaseFile(file) ? cases::CheckCases(file, *text) : check::CheckText(*text)};
+        file, IsCaseFile(file) ? cases::CheckCases(file, *text) : check::CheckText(*text, motions)};
   std::error_code fault;
   const bool folder = fs::is_directory(file, fault);
   std::cerr << "can't read file " << file << (folder ? ": it is a folder" : "") << "\n";
@@ -117,8 +120,10 @@ ExitStatus Check(const Options& options)
   const bool several = options.files.size() > 1;
   ExitStatus status = ExitStatus::Done;
   std::vector<check::FileReport> reports;
+  const check::Motions motions =
+      options.quick ? check::Motions::LeaveToAnalysis : check::Motions::Find;
   for (const std::string& file : options.files) {
-    std::optional<check::FileReport> one = ReportOn(file);
+    std::optional<check::FileReport> one = ReportOn(file, motions);
     status = std::max(status, one ? StatusOf(one->report, options.strict) : ExitStatus::Failed);
     if (!one)
       continue;

@@ -116,6 +116,17 @@ const char* NameOf(KnownRun::State state)
 
 }  // namespace
 
+RunFacts FactsOf(const SolverAccount& account, const SolutionAccuracy& accuracy, int equations)
+{
+  return {.version = ProgramVersion(),
+          .solver = account.solver,
+          .why = account.reason,
+          .iterations = account.iterations,
+          .residual = accuracy.residual,
+          .estimatedError = accuracy.error,
+          .equations = equations};
+}
+
 Fingerprint FingerprintOf(std::string_view bytes)
 {
   return {bytes.size(), Hashed(bytes, kFnvStart)};

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "assembly/solution.h"
+#include "assembly/solver_account.h"
 #include "common/tables.h"
 
 namespace morlen {
@@ -27,6 +29,9 @@ struct RunFacts
   double estimatedError = 0.0;  ///< relative: SolutionAccuracy::error
   int equations = 0;
 };
+
+/// The facts of a run of this program.
+RunFacts FactsOf(const SolverAccount& account, const SolutionAccuracy& accuracy, int equations);
 
 /// The size of a file and the FNV-1a hash of its bytes, 64 bits (G. Fowler, L. C. Noll, K.-P. Vo,
 /// D. Eastlake, The FNV Non-Cryptographic Hash Algorithm, 2011).

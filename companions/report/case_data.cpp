@@ -194,10 +194,10 @@ struct CasePageData::Parts
 
 CasePageData::CasePageData(const cases::Study& study_, const std::string& file,
                            const std::vector<std::string>& description,
-                           const std::vector<Finding>& check)
+                           const std::vector<Finding>& check, const KnownRun& run)
     : study(study_), model(study.model), parts(std::make_unique<Parts>())
 {
-  parts->data = ModelParts(file, description, model, check);
+  parts->data = ModelParts(file, description, model, check, run);
   parts->data["tables"] = Json::array();
 }
 

@@ -30,9 +30,10 @@ std::vector<CaseActions> ActionsOf(cases::Study& study);
 class CasePageData
 {
 public:
-  /// Begins with the parts of the model. The study is borrowed.
+  /// Begins with the parts of the model. run: how all cases were solved. The study is borrowed.
   CasePageData(const cases::Study& study, const std::string& file,
-               const std::vector<std::string>& description, const std::vector<Finding>& check);
+               const std::vector<std::string>& description, const std::vector<Finding>& check,
+               const KnownRun& run);
   ~CasePageData();
 
   /// Adds the cases in order. results: without principal values that only some problems ask for.

@@ -14,7 +14,7 @@ namespace morlen::run {
 
 namespace {
 
-/// Keeps the value of the largest size.
+/// Keeps the value of the largest size. Values that are all 0 are no extreme.
 class Largest
 {
 public:
@@ -24,7 +24,7 @@ public:
 
   void Judge(double value, const char* kind, int number)
   {
-    if (!found.place.empty() && !(std::fabs(value) > std::fabs(found.value)))
+    if (!(std::fabs(value) > std::fabs(found.value)))
       return;
     found.value = value;
     found.place = std::string(kind) + " " + std::to_string(number);
@@ -32,7 +32,7 @@ public:
 
   void AddTo(std::vector<Extreme>& list) const
   {
-    if (!found.place.empty())
+    if (found.value != 0.0)
       list.push_back(found);
   }
 

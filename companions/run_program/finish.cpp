@@ -53,6 +53,15 @@ ExitStatus NotSolved(const std::string& file, const check::Report& report)
   return ExitStatus::Failed;
 }
 
+void TellOfOldResults(const Job& job)
+{
+  std::error_code absent;
+  const fs::path page = job.Result(".html");
+  if (fs::exists(page, absent))
+    std::cerr << job.input << ": the results of an earlier run stay, such as " << page.string()
+              << "\n";
+}
+
 void PrepareFolder(const fs::path& folder)
 {
   MakeFolder(folder);
@@ -65,17 +74,6 @@ void RequireWritable(std::span<const fs::path> files)
     RequireReplaceable(name);
     const OutputFile test(name.string());
   }
-}
-
-RunFacts FactsOf(const SolverAccount& account, const SolutionAccuracy& accuracy, int equations)
-{
-  return {.version = ProgramVersion(),
-          .solver = account.solver,
-          .why = account.reason,
-          .iterations = account.iterations,
-          .residual = accuracy.residual,
-          .estimatedError = accuracy.error,
-          .equations = equations};
 }
 
 void Publish(const Job& job, std::vector<RecordedFile> inputs, const RunFacts& facts,

@@ -7,8 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "assembly/solution.h"
-#include "assembly/solver_account.h"
 #include "check/check.h"
 #include "common/output_set.h"
 #include "common/run_record.h"
@@ -38,14 +36,15 @@ ExitStatus CannotRead(const std::string& file);
 /// Tells on standard error that the problems of a file stop the run.
 ExitStatus NotSolved(const std::string& file, const check::Report& report);
 
+/// Tells on standard error that results of an earlier run stay, where there are some.
+void TellOfOldResults(const Job& job);
+
 /// Makes the folder of the results and removes the temporary files of killed runs from it. Fatal
 /// when that fails.
 void PrepareFolder(const std::filesystem::path& folder);
 
 /// Tests that files can be written, before the work for them. Fatal when one cannot.
 void RequireWritable(std::span<const std::filesystem::path> files);
-
-RunFacts FactsOf(const SolverAccount& account, const SolutionAccuracy& accuracy, int equations);
 
 /// Adds the record of the run to the files, gives all their names, and prints these on standard
 /// output. A signal in between takes effect at the end, so that the old and the new results are not

@@ -62,17 +62,6 @@ cases::CaseTargets TargetsOf(const Job& job, const Options& options)
   return targets;
 }
 
-/// The facts of the worst case.
-RunFacts FactsOfAll(const SolvedCases& solved, const Problem& problem)
-{
-  SolutionAccuracy worst;
-  for (int k = 0; k < solved.Count(); ++k) {
-    worst.error = std::max(worst.error, solved.Accuracy(k).error);
-    worst.residual = std::max(worst.residual, solved.Accuracy(k).residual);
-  }
-  return FactsOf(solved.Account(), worst, problem.Equations());
-}
-
 std::vector<Extreme> ExtremesOfAll(const cases::Study& study, const SolvedCases& solved)
 {
   std::vector<Extreme> extremes;
@@ -159,8 +148,10 @@ ExitStatus SolveCases(const Job& job, const Options& options, ProgressSender& pr
   progress.Stage("checking");
   const check::Report report = CheckAll(job, *text, progress);
   PrintProblems(report, job.input);
-  if (StopsAt(report, options.strict))
+  if (StopsAt(report, options.strict)) {
+    TellOfOldResults(job);
     return NotSolved(job.input, report);
+  }
   cases::Problems silent(cases::Problems::LostData::Warning);
   const std::string all[] = {"*"};  // the report shows every case
   const std::unique_ptr<cases::Study> study = cases::ReadStudy(job.input, *text, all, silent);

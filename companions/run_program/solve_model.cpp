@@ -222,8 +222,10 @@ ExitStatus SolveModel(const Job& job, const Options& options, ProgressSender& pr
   progress.Stage("checking");
   check::Report report = check::CheckText(*text, check::Motions::LeaveToAnalysis);
   PrintProblems(report, job.input);
-  if (StopsAt(report, options.strict))
+  if (StopsAt(report, options.strict)) {
+    TellOfOldResults(job);
     return NotSolved(job.input, report);
+  }
   if (report.summary)
     progress.SetEquations(report.summary->equations);
   return ModelRun(job, options, std::move(*text), std::move(report), progress).Run(watch);

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 
+#include "base/byte_archive.h"
 #include "base/memory_limit.h"
+#include "common/run_record.h"
 
 namespace morlen::python {
 
@@ -18,6 +20,27 @@ namespace morlen::python {
       type(text(error.Message()), number(place.line), number(place.column), text(error.Hint()));
   PyErr_SetObject(type.ptr(), value.ptr());
   throw py::error_already_set();
+}
+
+py::bytes Sealed(const Bytes& state)
+{
+  Bytes sealed = state;
+  BytePutter put(sealed);
+  put(FingerprintOf(std::string_view(state.data(), state.size())).hash);
+  return {sealed.data(), sealed.size()};
+}
+
+std::span<const char> Unsealed(std::string_view bytes)
+{
+  std::uint64_t hash = 0;
+  if (bytes.size() < sizeof hash)
+    RefuseBytes();
+  const std::string_view state = bytes.substr(0, bytes.size() - sizeof hash);
+  ByteGetter get(bytes.substr(state.size()));
+  get(hash);
+  if (FingerprintOf(state).hash != hash)
+    RefuseBytes();
+  return state;
 }
 
 void HandleSignals()

@@ -70,19 +70,22 @@ auto Ask(Owner& owner, Use use)
   return owner.With(use);
 }
 
-inline py::bytes AsBytes(const Bytes& bytes)
-{
-  return {bytes.data(), bytes.size()};
-}
-
-inline std::span<const char> SpanOf(const py::bytes& bytes)
-{
-  const std::string_view view = bytes;
-  return {view.data(), view.size()};
-}
+/// What a pickle holds of a state: its bytes and their hash.
+py::bytes Sealed(const Bytes& state);
+/// The state that Sealed has stored. Fatal when the bytes are damaged.
+std::span<const char> Unsealed(std::string_view bytes);
 
 /// Fatal, in a session, when there is no memory for an array. Small ones are not tested.
 void RequireRoom(const Shape& shape, std::size_t bytesOfValue);
+
+/// The values of a new array as one that cannot be written to, nor made so: numpy lets the owner of
+/// its values allow that again, but not a view of it.
+template <class T>
+py::array_t<T> ReadOnly(py::array_t<T> array)
+{
+  array.attr("setflags")(py::arg("write") = false);
+  return array.attr("view")();
+}
 
 /// A new array that cannot be written to, filled without the interpreter lock.
 template <class T, class Fill>
@@ -92,8 +95,7 @@ py::array_t<T> Filled(const Shape& shape, Fill fill)
   py::array_t<T> array(shape);
   T* const data = array.mutable_data();
   Run([&] { fill(data); });
-  array.attr("setflags")(py::arg("write") = false);
-  return array;
+  return ReadOnly(std::move(array));
 }
 
 template <class Owner, class Fill>

@@ -67,8 +67,7 @@ py::tuple Nodes(Model& model)
   int* const to = numbers.mutable_data();
   py::array_t<double> places = FilledFrom(
       model, {Size(n), 3}, [to](const Problem& p, double* rows) { FillNodes(p, to, rows); });
-  numbers.attr("setflags")(py::arg("write") = false);
-  return py::make_tuple(numbers, places);
+  return py::make_tuple(ReadOnly(std::move(numbers)), places);
 }
 
 py::tuple Elements(Model& model, int type)
@@ -84,9 +83,8 @@ py::tuple Elements(Model& model, int type)
   Run([&, w = width] {
     model.With([&](const Problem& p) { FillElements(p, kind, w, to[0], to[1], to[2]); });
   });
-  for (py::array_t<int>* array : {&numbers, &nodes, &materials})
-    array->attr("setflags")(py::arg("write") = false);
-  return py::make_tuple(numbers, nodes, materials);
+  return py::make_tuple(ReadOnly(std::move(numbers)), ReadOnly(std::move(nodes)),
+                        ReadOnly(std::move(materials)));
 }
 
 std::tuple<std::string, std::string, std::string> UnitNames(const Problem& problem)
@@ -354,8 +352,8 @@ void DefineModel(py::module_& module)
           py::arg("number"))
       .def("solve", &SolveModel, py::arg("solver"), py::arg("progress"))
       .def(py::pickle(
-          [](Model& m) { return AsBytes(Run([&] { return StateOf(m); })); },
-          [](const py::bytes& state) { return Run([&] { return ModelOf(SpanOf(state)); }); }));
+          [](Model& m) { return Sealed(Run([&] { return StateOf(m); })); },
+          [](const py::bytes& state) { return Run([&] { return ModelOf(Unsealed(state)); }); }));
 }
 
 void DefineSolved(py::module_& module)
@@ -382,8 +380,8 @@ void DefineSolved(py::module_& module)
       .def("write", &Write, py::arg("text"), py::arg("post"), py::arg("mesh"), py::arg("vtu"),
            py::arg("report"))
       .def(py::pickle(
-          [](const Solved& s) { return AsBytes(Run([&] { return StateOf(s); })); },
-          [](const py::bytes& state) { return Run([&] { return SolvedOf(SpanOf(state)); }); }));
+          [](const Solved& s) { return Sealed(Run([&] { return StateOf(s); })); },
+          [](const py::bytes& state) { return Run([&] { return SolvedOf(Unsealed(state)); }); }));
 }
 
 }  // namespace

@@ -104,12 +104,11 @@ ValueKind KindOf(const std::string& name)
 }
 
 template <class T>
-py::array_t<T> ReadOnly(const std::vector<T>& values, const Shape& shape)
+py::array_t<T> ArrayOf(const std::vector<T>& values, const Shape& shape)
 {
   py::array_t<T> array(shape);
   std::copy(values.begin(), values.end(), array.mutable_data());
-  array.attr("setflags")(py::arg("write") = false);
-  return array;
+  return ReadOnly(std::move(array));
 }
 
 py::tuple EnvelopeOf(const CaseResults& all, const std::string& name, const std::string& kind)
@@ -118,9 +117,9 @@ py::tuple EnvelopeOf(const CaseResults& all, const std::string& name, const std:
   const EnvelopeTable table = Run([&] { return TableOf(all, envelope, KindOf(kind)); });
   const auto count = static_cast<py::ssize_t>(table.numbers.size());
   const Shape shape = {count, table.points, table.width};
-  return py::make_tuple(ReadOnly(table.numbers, {count}), ReadOnly(table.minimum, shape),
-                        ReadOnly(table.maximum, shape), ReadOnly(table.minimumBy, shape),
-                        ReadOnly(table.maximumBy, shape));
+  return py::make_tuple(ArrayOf(table.numbers, {count}), ArrayOf(table.minimum, shape),
+                        ArrayOf(table.maximum, shape), ArrayOf(table.minimumBy, shape),
+                        ArrayOf(table.maximumBy, shape));
 }
 
 }  // namespace
@@ -144,9 +143,9 @@ void DefineCases(py::module_& module)
              return CountElements(all.Common()->problem, Tetrahedra) > 0;
            })
       .def(py::pickle(
-          [](const CaseResults& all) { return AsBytes(Run([&] { return all.State(); })); },
+          [](const CaseResults& all) { return Sealed(Run([&] { return all.State(); })); },
           [](const py::bytes& state) {
-            return Run([&] { return std::make_shared<CaseResults>(SpanOf(state)); });
+            return Run([&] { return std::make_shared<CaseResults>(Unsealed(state)); });
           }));
   module.def("read_cases", &Read, py::arg("path"), py::arg("text"));
 }

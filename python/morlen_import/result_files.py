@@ -129,7 +129,7 @@ def _check(made, model, programs):
         return
     for path, file in made.items():
         run = subprocess.run(
-            [program, f"./{file.name}"],
+            [program, "--quick", f"./{file.name}"],
             cwd=file.parent,
             capture_output=True,
             encoding="utf-8",

@@ -247,7 +247,7 @@ def check_of_cases(folder, commands):
     other = folder / "other"
     other.mkdir()
     program = other / "morlen-check"
-    program.write_text(f"#!/bin/sh\ncase $1 in *.cases) {commands};; esac\n")
+    program.write_text(f"#!/bin/sh\ncase $2 in *.cases) {commands};; esac\n")
     program.chmod(0o755)
     return other
 
@@ -260,8 +260,8 @@ def test_cases_are_checked(imported, build, folder):
     # A check that knows an error of the cases: none of the files is written.
     other = check_of_cases(
         folder,
-        f"{build}/companions/morlen-check $1 || exit 9;"
-        ' echo "c.dat:3:1: warning: careful" >&2; echo "$1:7:2: error: wrong" >&2; exit 1',
+        f'{build}/companions/morlen-check "$@" || exit 9;'
+        ' echo "c.dat:3:1: warning: careful" >&2; echo "$2:7:2: error: wrong" >&2; exit 1',
     )
     (folder / "out").mkdir()
     status, out, err = imported("a.inp", "--units", "mm,N", "-o", "out/c.dat", programs=[other])
@@ -278,7 +278,7 @@ def test_cases_are_checked(imported, build, folder):
 def test_a_check_without_cases(imported, folder):
     (folder / "a.inp").write_text(STEPS)
     text = "this program has been built without files of load cases"
-    other = check_of_cases(folder, f'echo "$1: error: {text}" >&2; exit 1')
+    other = check_of_cases(folder, f'echo "$2: error: {text}" >&2; exit 1')
     status, _, err = imported("a.inp", "--units", "mm,N", "-o", "b.dat", programs=[other])
     assert status == 0
     assert (

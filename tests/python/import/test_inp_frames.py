@@ -1,6 +1,7 @@
 """Beams and shells of .inp files: closed forms."""
 
 import math
+import re
 
 import numpy as np
 import pytest
@@ -45,6 +46,16 @@ def bending(second_moment):
 
 RECT = "RECT\n30., 80."  # 30 along n1, 80 along n2
 ALONG_N1, ALONG_N2 = 30**3 * 80 / 12, 30 * 80**3 / 12
+
+
+# J = beta a b^3 with a >= b (S. P. Timoshenko, J. N. Goodier, Theory of Elasticity, 1951, chapter 11), three digits.
+@pytest.mark.parametrize("ratio, beta", [(1.0, 0.1406), (1.2, 0.166), (1.5, 0.196), (2.5, 0.249), (10.0, 0.312)])
+def test_torsion_of_rectangles(imported, build, tmp_path, ratio, beta):
+    for widths in (f"{20 * ratio}, 20.", f"20., {20 * ratio}"):
+        moved(imported, build, tmp_path, cantilever(f"RECT\n{widths}", (1, 0, 0), "B31", "0, 1, 0"))
+        record = (tmp_path / "frame.dat").read_text()
+        J = float(re.search(r"\bJ\s*=?\s*(\S+)", record).group(1))
+        assert J == pytest.approx(beta * 20 * ratio * 20**3, rel=5e-3)
 
 
 @pytest.mark.parametrize("kind", ["B31", "B31R", "B32", "B32R"])

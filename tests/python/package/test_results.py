@@ -268,17 +268,23 @@ def test_converted_shells_survive_pickling(tmp_path):
 def test_damaged_pickles_are_refused():
     r = solve(PLANE)
     state = r._core.__getstate__()
-    for damaged in (state[:-5], state[:100], b"", b"x" * len(state)):
+    middle = len(state) // 2
+    flipped = state[:middle] + bytes([state[middle] ^ 1]) + state[middle + 1 :]
+    for damaged in (state[:-5], state[:100], b"", b"x" * len(state), flipped):
         with pytest.raises(morlen.Error, match="stored"):
             type(r._core).__new__(type(r._core)).__setstate__(damaged)
 
 
 def test_arrays_are_read_only_and_outlive_their_results():
     r = solve(CANTILEVER)
-    arrays = [r.displacements, r.reactions, r.beams.forces(), r.model.nodes.coordinates]
+    nodes, beams = r.model.nodes, r.model.beams
+    arrays = [r.displacements, r.reactions, r.beams.forces(), r.beams.displacements()]
+    arrays += [nodes.coordinates, nodes.numbers, beams.numbers, beams.nodes, beams.materials]
     for array in arrays:
         with pytest.raises(ValueError, match="read-only"):
             array[0] = 1
+        with pytest.raises(ValueError, match="WRITEABLE"):
+            array.setflags(write=True)
     copies = [array.copy() for array in arrays]
     gone = weakref.ref(r)
     del r

@@ -7,23 +7,22 @@ const lower = (text) => text[0].toLowerCase() + text.slice(1);
 const size = (value) => (value === 0 ? "0" : value.toExponential(1));
 
 /** Why the data of the run are not known; empty when they are. */
-function whyUnknown({ run, balances }) {
+function whyUnknown({ run }) {
   if (run?.state === "matches") return "";
-  if (balances) return "A report of load cases does not tell it.";
   return run?.state === "differs"
     ? "The record of the run is of another state of the problem file."
     : "There is no record of the run beside the results: morlen-run writes it.";
 }
 
 function solverFact(run) {
-  const equations = run.equations ? ` for ${format(run.equations)} equations` : "";
-  const steps = run.iterations ? `, ${format(run.iterations)} iterations` : "";
-  const why = run.why ? ` ${run.why[0].toUpperCase()}${run.why.slice(1)}.` : "";
+  const equations = run.equations ? ` ${format(run.equations)} equations` : " the equations";
+  const steps = run.iterations ? ` in ${format(run.iterations)} iterations` : "";
+  const why = run.why ? ` It was chosen because of this: ${run.why}.` : "";
   return [
     "Solver",
     run.solver ?? UNKNOWN,
     run.solver
-      ? `The method that solved the equations${equations}${steps}.${why}`
+      ? `The method that solved${equations}${steps}.${why}`
       : "The method that solved the equations.",
   ];
 }

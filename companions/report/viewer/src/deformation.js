@@ -14,9 +14,12 @@ export class Deformation {
     this.usual = model.largest > 0 ? roundFactor((0.06 * model.box.size) / model.largest) : 1;
   }
 
-  /** A typed factor stays until the slider moves, in other cases too. */
+  /**
+   * A typed factor stays until the slider moves, in other cases too. It is kept between 0 and a
+   * thousand times the usual one, with which nothing of the shape would be seen.
+   */
   type(value) {
-    if (Number.isFinite(value)) this.typed = value;
+    if (Number.isFinite(value)) this.typed = Math.min(Math.max(value, 0), 1000 * this.usual);
   }
 
   slide() {

@@ -13,7 +13,7 @@ function choicesIn(toolbar) {
     .filter((one) => one.value)
     .map((one) => {
       const name =
-        one.getAttribute("aria-label") ?? textOf(one.closest("label")?.firstChild ?? one);
+        one.getAttribute("aria-label") ?? textOf(one.closest("label, .tool")?.firstElementChild);
       return `${name}: ${textOf(one.selectedOptions[0])}`;
     });
 }

@@ -23,7 +23,8 @@ bool IsStandardOutput(const fs::path& name)
   });
 }
 
-// std::cout has no buffer of its own: it is synchronised with stdout.
+// std::cout is synchronised with stdout and passes every character on to it: fflush(stdout) empties
+// both.
 void FinishStandardOutput()
 {
   errno = 0;

@@ -195,7 +195,8 @@ void Supervisor::BecomeJob(const Job& job, const Pipe& output, const Pipe& messa
   std::exit(std::fflush(stdout) == 0 ? static_cast<int>(status) : ErrorWriter::kExitStatus);
 }
 
-// Reads what the jobs have written, and the signals.
+// Waits for messages of the jobs and for signals, and handles them. On a terminal it also redraws
+// the line of progress every second.
 void Supervisor::Wait()
 {
   std::vector<pollfd> polled = {{signals.Number(), POLLIN, 0}};

@@ -70,11 +70,11 @@ def options_in_bash(name):
 
 
 def options_in_zsh(name):
-    """The specifications for _arguments, as zsh gives them."""
+    """The options that the file declares to _arguments, after zsh has expanded it."""
     file = FOLDER / f"_{name}"
     require(file.read_text().startswith(f"#compdef {name}\n"), file, "is for another program")
-    specifications = output_of("zsh", "-f", "-c", f'_arguments() {{ print -rl -- "$@" }}; source "{file}"')
-    return re.findall(r"^(?:\([^)]*\))?\*?(--?[\w-]+)\[", specifications, re.M)
+    declared = output_of("zsh", "-f", "-c", f'_arguments() {{ print -rl -- "$@" }}; source "{file}"')
+    return re.findall(r"^(?:\([^)]*\))?\*?(--?[\w-]+)\[", declared, re.M)
 
 
 def options_in_fish(name):

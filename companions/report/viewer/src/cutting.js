@@ -1,5 +1,5 @@
-// The section cut and the values along a line in the view: joins their controls and what they draw
-// with the other parts of the report.
+// The section cut and the values along a line. Cutting passes the state of their controls to the
+// drawings in the view, and makes clicks in the view points of the line.
 
 import { h } from "./dom.js";
 import { LineTool } from "./line_tool.js";

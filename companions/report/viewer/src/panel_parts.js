@@ -1,4 +1,4 @@
-// What the panels of members, elements and nodes have in common.
+// Tables, links and units that the panels of members, elements and nodes share.
 
 import { h } from "./dom.js";
 

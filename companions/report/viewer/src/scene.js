@@ -267,8 +267,8 @@ const usualRatio = () => Math.min(window.devicePixelRatio, 2);
 
 /**
  * Lets the vertices of a material move by a factor times their attribute `displacement`, and leaves
- * out what is beyond the cut. settings: {factor: {value}, cut: {value: Vector4}}, read at every
- * frame. Beyond is where cut.xyz · x > cut.w, x undeformed.
+ * out every place x of the undeformed shape with cut.xyz · x > cut.w. settings: {factor: {value},
+ * cut: {value: Vector4}}; they are read at every frame.
  */
 export function deformable(material, { factor, cut }) {
   const declare = (shader, text) =>

@@ -80,7 +80,7 @@ export class Collector {
 }
 
 /**
- * The triangles of the shown elements of a mesh, without objects of their own:
+ * The triangles of the shown elements of a mesh, as flat arrays:
  * nodes: three for each triangle; owner: its element; corner: for each vertex its place among the
  * element's nodes (from 0); outline, inner: edges as pairs of nodes, each edge once. The outline
  * has the edges of the surface and its folds.

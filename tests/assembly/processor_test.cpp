@@ -13,6 +13,7 @@
 #include "solvers/sparse_solver.h"
 #include "support/frame.h"
 #include "support/processor.h"
+#include "support/sanitizer.h"
 #include "support/solved.h"
 
 namespace morlen {
@@ -90,6 +91,8 @@ TEST(ChosenProcessor, MultipliesTheBlocksOfTheSparseMatrix)
 // The plain loops round after each multiplication, the others only after the addition.
 TEST(ChosenProcessor, DecidesOnTheLastDigits)
 {
+  if (kSanitized)
+    GTEST_SKIP() << "a build for sanitizers is not optimised enough to join the two";
   for (const char* const settings : {"Solver SkyLine", "Solver Sparse 1e-12 1e-12 1000"}) {
     const std::string problem = ProblemText(Tower(12), settings);
     const std::vector<double> plain = Displacements(problem, Processor::kPlain);

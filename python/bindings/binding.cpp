@@ -1,6 +1,7 @@
 #include "binding.h"
 
 #include <cstdint>
+#include <vector>
 
 #include "base/byte_archive.h"
 #include "base/memory_limit.h"
@@ -69,6 +70,22 @@ void RequireRoom(const Shape& shape, std::size_t bytesOfValue)
     bytes *= static_cast<double>(side);
   if (bytes > kSmall)
     Run([bytes] { RequireMemory(static_cast<std::uint64_t>(bytes)); });
+}
+
+py::array ReadOnly(py::array owner)
+{
+  const auto sides = [&owner](const py::ssize_t* first) {
+    return std::vector<py::ssize_t>(first, first + owner.ndim());
+  };
+  const py::dtype type = owner.dtype();
+  const std::vector<py::ssize_t> shape = sides(owner.shape());
+  const std::vector<py::ssize_t> strides = sides(owner.strides());
+  const void* const values = owner.data();
+  void (*const release)(void*) = [](void* array) { Py_DECREF(static_cast<PyObject*>(array)); };
+  const py::capsule hidden(owner.release().ptr(), release);
+  py::array view(type, shape, strides, values, hidden);
+  view.attr("setflags")(py::arg("write") = false);
+  return view;
 }
 
 std::optional<SolverType> RequireSolver(const std::optional<std::string>& name)

@@ -78,18 +78,13 @@ std::span<const char> Unsealed(std::string_view bytes);
 /// Fatal, in a session, when there is no memory for an array. Small ones are not tested.
 void RequireRoom(const Shape& shape, std::size_t bytesOfValue);
 
-/// The values of a new array as one that cannot be written to, nor made so: numpy lets the owner of
-/// its values allow that again, but not a view of it.
-template <class T>
-py::array_t<T> ReadOnly(py::array_t<T> array)
-{
-  array.attr("setflags")(py::arg("write") = false);
-  return array.attr("view")();
-}
+/// An array of the values of another that cannot be written to, nor made so. It keeps the other one
+/// alive but does not show it: numpy lets the owner of values allow writing again.
+py::array ReadOnly(py::array owner);
 
 /// A new array that cannot be written to, filled without the interpreter lock.
 template <class T, class Fill>
-py::array_t<T> Filled(const Shape& shape, Fill fill)
+py::array Filled(const Shape& shape, Fill fill)
 {
   RequireRoom(shape, sizeof(T));
   py::array_t<T> array(shape);
@@ -99,7 +94,7 @@ py::array_t<T> Filled(const Shape& shape, Fill fill)
 }
 
 template <class Owner, class Fill>
-py::array_t<double> FilledFrom(Owner& owner, const Shape& shape, Fill fill)
+py::array FilledFrom(Owner& owner, const Shape& shape, Fill fill)
 {
   return Filled<double>(shape, [&](double* rows) {
     owner.With([&](const auto&... parts) { fill(parts..., rows); });

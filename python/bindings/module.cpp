@@ -65,7 +65,7 @@ py::tuple Nodes(Model& model)
   const std::size_t n = Ask(model, [](const Problem& problem) { return CountNodes(problem); });
   py::array_t<int> numbers(Size(n));
   int* const to = numbers.mutable_data();
-  py::array_t<double> places = FilledFrom(
+  const py::array places = FilledFrom(
       model, {Size(n), 3}, [to](const Problem& p, double* rows) { FillNodes(p, to, rows); });
   return py::make_tuple(ReadOnly(std::move(numbers)), places);
 }
@@ -179,8 +179,13 @@ void SetEuler(const LiveMaterial& material, const py::object& given)
   });
 }
 
-void SetRectangle(const LiveMaterial& material, const py::object& widthY, const py::object& widthZ)
+// The last two collect what a wrong call has too many of: the binding would refuse it by its own
+// signature.
+void SetRectangle(const LiveMaterial& material, const py::object& widthY, const py::object& widthZ,
+                  const py::args& more, const py::kwargs& others)
 {
+  if (widthY.is_none() || widthZ.is_none() || !more.empty() || !others.empty())
+    throw py::type_error("rectangle takes two numbers, widthY and widthZ");
   const double y = NumberOf(widthY, "widthY");
   const double z = NumberOf(widthZ, "widthZ");
   if (!(y > 0.0 && z > 0.0))
@@ -221,7 +226,8 @@ void DefineMaterial(py::module_& module)
   DefineValue<&M::Weight>(material, "Weight", "Weight [force/length3].");
   material.def_property("Euler", EulerOf, SetEuler,
                         "Euler angles of the local axes [radians], or None without angles.");
-  material.def("rectangle", SetRectangle, py::arg("widthY"), py::arg("widthZ"),
+  material.def("rectangle", SetRectangle, py::arg("widthY") = py::none(),
+               py::arg("widthZ") = py::none(),
                "Sets A, Iy, Iz and J of a rectangular section with these widths [length].");
 }
 
@@ -235,7 +241,7 @@ std::shared_ptr<Solved> SolveModel(Model& model, const std::optional<std::string
   });
 }
 
-py::array_t<double> Nodal(const Solved& solved, ReaVecV Solution::*values)
+py::array Nodal(const Solved& solved, ReaVecV Solution::*values)
 {
   const Problem& problem = solved.analysis->problem;
   return FilledFrom(solved, {Size(CountNodes(problem)), problem.components.count},
@@ -249,7 +255,7 @@ py::ssize_t Count(const Solved& solved, ElemType type)
   return Size(CountElements(solved.analysis->problem, type));
 }
 
-py::array_t<double> BeamForces(const Solved& solved, int points)
+py::array BeamForces(const Solved& solved, int points)
 {
   return FilledFrom(solved, {Count(solved, Linear), points, kBeamForces},
                     [points](const Problem& p, const Solution& s, double* rows) {
@@ -257,7 +263,7 @@ py::array_t<double> BeamForces(const Solved& solved, int points)
                     });
 }
 
-py::array_t<double> BeamDisplacements(const Solved& solved, int points)
+py::array BeamDisplacements(const Solved& solved, int points)
 {
   const int translations = solved.analysis->problem.components.translations;
   return FilledFrom(solved, {Count(solved, Linear), points, translations},
@@ -266,7 +272,7 @@ py::array_t<double> BeamDisplacements(const Solved& solved, int points)
                     });
 }
 
-py::array_t<double> ShellForces(const Solved& solved, bool main)
+py::array ShellForces(const Solved& solved, bool main)
 {
   const int points = ShellPoints(solved.analysis->problem, solved.solution);
   return FilledFrom(solved, {Count(solved, Triangle), points, kShellForces},
@@ -275,7 +281,7 @@ py::array_t<double> ShellForces(const Solved& solved, bool main)
                     });
 }
 
-py::array_t<double> SolidStress(const Solved& solved)
+py::array SolidStress(const Solved& solved)
 {
   const Problem& problem = solved.analysis->problem;
   const bool solids = Count(solved, Tetrahedra) > 0;
@@ -400,6 +406,8 @@ PYBIND11_MODULE(_core, module)
   module.attr("__version__") = MORLEN_VERSION;
   module.def("check", &Check, py::arg("text"),
              "Severity, code, line, column, text and hint of each finding.");
+  module.def("read_only", &ReadOnly, py::arg("owner"),
+             "An array of the values of another that cannot be written to, nor made so.");
   module.def("rows", &RowsOf, py::arg("whole"), py::arg("real"), py::arg("word"),
              "Records of a problem file.");
 }

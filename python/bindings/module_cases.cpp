@@ -104,7 +104,7 @@ ValueKind KindOf(const std::string& name)
 }
 
 template <class T>
-py::array_t<T> ArrayOf(const std::vector<T>& values, const Shape& shape)
+py::array ArrayOf(const std::vector<T>& values, const Shape& shape)
 {
   py::array_t<T> array(shape);
   std::copy(values.begin(), values.end(), array.mutable_data());

@@ -12,14 +12,14 @@ import numpy as np
 
 from . import _core
 from ._files import encoded, name_of, read_bytes
-from ._fixed import Fixed
+from ._fixed import Fixed, ReadOnlyArrays
 from ._model import solution_arguments
 from ._results import Results
 from ._typing import Floats, Ints, Texts
 
 
 @dataclass(frozen=True, eq=False)
-class Extremes:
+class Extremes(ReadOnlyArrays):
     """The smallest and the largest values of an envelope: (n, points, components), each by itself."""
 
     numbers: Ints
@@ -49,20 +49,13 @@ class Extremes:
 
     def _names_at(self, places: Ints) -> Texts:
         names: Texts = np.array((*self.names, ""), dtype=object)[places]  # -1 is the last
-        names.flags.writeable = False
-        return names
+        return _core.read_only(names)
 
     def __len__(self) -> int:
         return len(self.numbers)
 
     def __getstate__(self) -> dict[str, Any]:
         return {field.name: getattr(self, field.name) for field in fields(self)}
-
-    def __setstate__(self, state: dict[str, Any]) -> None:
-        for value in state.values():
-            if isinstance(value, np.ndarray):
-                value.flags.writeable = False
-        vars(self).update(state)
 
 
 class Envelope(Fixed):

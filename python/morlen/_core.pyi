@@ -1,9 +1,12 @@
 from collections.abc import Callable
+from typing import TypeVar
 
 import numpy as np
 import numpy.typing as npt
 
 from ._typing import Floats, Ints
+
+_Value = TypeVar("_Value", bound=np.generic)
 
 class Material:
     @property
@@ -81,4 +84,5 @@ __version__: str
 def read_cases(path: bytes, text: bytes) -> Cases: ...
 def parse(text: bytes, files: list[bytes]) -> Model: ...
 def check(text: bytes) -> list[tuple[str, str, int, int, str, str]]: ...
+def read_only(owner: npt.NDArray[_Value]) -> npt.NDArray[_Value]: ...
 def rows(whole: npt.NDArray[np.int64], real: Floats, word: bytes) -> bytes: ...

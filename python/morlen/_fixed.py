@@ -1,8 +1,20 @@
-"""A base of classes whose objects take no new attributes."""
+"""Bases of classes whose objects cannot be changed."""
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING
+from typing import TYPE_CHECKING, Any
+
+import numpy as np
+
+from . import _core
+
+
+class ReadOnlyArrays:
+    """A base of classes with arrays: those out of a pickle cannot be written to either."""
+
+    def __setstate__(self, state: dict[str, Any]) -> None:
+        for name, value in state.items():
+            vars(self)[name] = _core.read_only(value) if isinstance(value, np.ndarray) else value
 
 
 class Fixed:

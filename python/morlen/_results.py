@@ -9,7 +9,7 @@ from typing import TYPE_CHECKING, Any
 
 from . import _core
 from ._files import encoded, name_of
-from ._fixed import Fixed
+from ._fixed import Fixed, ReadOnlyArrays
 from ._typing import Floats, Ints
 
 if TYPE_CHECKING:
@@ -42,7 +42,7 @@ def _point_count(points: int, least: int, beams: int, width: int) -> int:
     return count
 
 
-class BeamResults(Fixed):
+class BeamResults(ReadOnlyArrays, Fixed):
     """The results of the beams, in the order of `numbers`."""
 
     components = ("N", "Vy", "Vz", "T", "My", "Mz")
@@ -70,7 +70,7 @@ class BeamResults(Fixed):
         return len(self.numbers)
 
 
-class ShellResults(Fixed):
+class ShellResults(ReadOnlyArrays, Fixed):
     """The results of the shells, in the order of `numbers`."""
 
     numbers: Ints
@@ -108,7 +108,7 @@ class ShellResults(Fixed):
         return len(self.numbers)
 
 
-class SolidResults(Fixed):
+class SolidResults(ReadOnlyArrays, Fixed):
     """The results of the solids, at the nodes."""
 
     components = ("Sx", "Sy", "Sz", "Txy", "Tyz", "Txz")

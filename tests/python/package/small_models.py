@@ -105,3 +105,12 @@ end nodal_point_loads
 """
 
 ALL = {"cantilever": CANTILEVER, "plane": PLANE, "shells": SHELLS, "solid": SOLID}
+
+
+def write_cases(folder, text):
+    """A file of load cases of a model: A as in the file, B twice that, and the envelope E of both."""
+    (folder / "m.dat").write_text(text)
+    (folder / "m.cases").write_text(
+        'model = "m.dat"\n[cases.A]\nfrom_model = true\n[combinations]\nB = { A = 2 }\n[envelopes]\nE = ["*"]\n'
+    )
+    return folder / "m.cases"

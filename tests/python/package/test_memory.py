@@ -6,7 +6,7 @@ import random
 
 import pytest
 from broken import broken_texts
-from small_models import ALL
+from small_models import ALL, write_cases
 
 import morlen
 
@@ -67,13 +67,10 @@ def test_solutions_are_freed():
 
 @pytest.mark.skipif(not hasattr(morlen._core, "read_cases"), reason="built without load cases")
 def test_solved_cases_are_freed(tmp_path):
-    (tmp_path / "m.dat").write_text(ALL["cantilever"])
-    (tmp_path / "m.cases").write_text(
-        'model = "m.dat"\n[cases.A]\nfrom_model = true\n[combinations]\nB = { A = 2 }\n[envelopes]\nE = ["*"]\n'
-    )
+    file = write_cases(tmp_path, ALL["cantilever"])
 
     def work():
-        solved = morlen.read_cases(tmp_path / "m.cases").solve()
+        solved = morlen.read_cases(file).solve()
         other = pickle.loads(pickle.dumps(solved))
         other["B"].displacements.copy()
         pickle.loads(pickle.dumps(other.envelope("E"))).beams

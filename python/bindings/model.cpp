@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "assembly/analysis.h"
 #include "assembly/solution_image.h"
@@ -89,6 +90,9 @@ std::shared_ptr<Solved> Solve(Model& model, std::optional<SolverType> solver, st
   auto solved = std::make_shared<Solved>(Solved{analysis, std::move(analysed.solutions.front())});
   CalcStrengthsAndReactions(problem, families, solved->solution, info, Kit());
   analysis->solver = problem.solverSettings.type;
+  analysis->account = std::move(analysed.account);
+  if (solver && *solver != SolverType::Automatic)
+    analysis->account.reason = "the call of solve asks for it";
   return solved;
 }
 
@@ -118,6 +122,9 @@ void PutAnalysis(const Analysis& analysis, BytePutter& put)
   PutOrigin(analysis.origin, put);
   put(analysis.solver);
   put(analysis.isCase);
+  put(analysis.account.solver);
+  put(analysis.account.reason);
+  put(analysis.account.iterations);
   put(ImageOf(analysis.problem));
 }
 
@@ -128,6 +135,9 @@ std::shared_ptr<Analysis> GetAnalysis(ByteGetter& get)
   auto analysis = std::make_shared<Analysis>(std::move(modelImage), GetOrigin(get));
   get(analysis->solver);
   get(analysis->isCase);
+  get(analysis->account.solver);
+  get(analysis->account.reason);
+  get(analysis->account.iterations);
   Bytes prepared;
   get(prepared);
   ReadImage(prepared, analysis->problem);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "assembly/solution.h"
+#include "assembly/solver_account.h"
 #include "assembly/solver_kit.h"
 #include "base/byte_archive.h"
 #include "model/elem.h"
@@ -80,6 +81,7 @@ struct Analysis
   Bytes modelImage;  ///< before the analysis
   Origin origin;
   SolverType solver = SolverType::Automatic;  ///< that was used
+  SolverAccount account = {};                 ///< empty for load cases
   bool isCase = false;                        ///< of a file of load cases: the model has no loads
 };
 

@@ -13,6 +13,7 @@
 #include "base/output_file.h"
 #include "common/model_data.h"
 #include "common/result_data.h"
+#include "common/run_record.h"
 #include "common/source_files.h"
 #include "export/vtu.h"
 #include "problem/problem_image.h"
@@ -138,6 +139,8 @@ public:
     const fs::path post = folder / "post";
     const fs::path text = folder / "text";
     solved.With([&](const Problem& prepared, const Solution& solution) {
+      run = {KnownRun::State::Matches,
+             FactsOf(solved.analysis->account, solution.accuracy, prepared.Equations())};
       Outputs files({.text = text, .post = post, .mesh = {}, .vtu = {}, .report = {}});
       WriteText(prepared, solution, *files.text);
       WritePost(prepared, solution, *files.post, nullptr);
@@ -153,7 +156,7 @@ public:
   {
     WriteRunReport(
         problem, model, results,
-        {.file = title, .description = DescriptionIn(head, folder), .check = {}, .run = {}}, out);
+        {.file = title, .description = DescriptionIn(head, folder), .check = {}, .run = run}, out);
   }
 
   model::Model model;
@@ -162,6 +165,7 @@ public:
 private:
   TemporaryFolder folder;
   Problem problem{100};
+  KnownRun run;
 };
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "problem/load_set.h"
 #include "problem/loads_on_element.h"
 #include "problem/pressure_load.h"
+#include "problem/problem_file.h"
 #include "problem/problem_image.h"
 #include "run/element_families.h"
 
@@ -33,6 +34,13 @@ void CopyText(std::string_view from, char (&to)[size])
   CopyText(problem.hint, refused.error.hint);
   refused.place = {problem.line, problem.column};
   throw refused;
+}
+
+// The error with a hint for those who read a problem file as a file of load cases.
+check::Located OfProblemFile(check::Located problem)
+{
+  problem.hint = "this is a problem file, not a file of load cases: morlen.read reads it";
+  return problem;
 }
 
 // The loads along the beams as loads that can be described, and so stored.
@@ -151,7 +159,7 @@ std::unique_ptr<cases::Study> ReadCases(const std::string& file, std::string_vie
   std::unique_ptr<cases::Study> study = cases::ReadStudy(file, text, {&all, 1}, problems);
   for (const check::Located& one : problems.Sorted()) {
     if (one.severity == check::Severity::Error)
-      Refuse(one);
+      Refuse(BeginsLikeProblem(text) ? OfProblemFile(one) : one);
     errorwriter.WriteWarning(check::LineOf(one, file));
   }
   std::error_code none;  // without a working folder

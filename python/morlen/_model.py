@@ -11,8 +11,9 @@ from typing import Literal, NamedTuple
 
 from . import _core
 from ._core import Material
+from ._error import Error
 from ._files import encoded, name_of, read_bytes, to_bytes
-from ._fixed import Fixed
+from ._fixed import Fixed, ReadOnlyArrays
 from ._results import Results
 from ._typing import Floats, Ints
 
@@ -35,7 +36,7 @@ class Units(NamedTuple):
 
 
 @dataclass(frozen=True, eq=False)
-class Nodes:
+class Nodes(ReadOnlyArrays):
     """The nodes of a model, in the order of all arrays with a row for each node."""
 
     numbers: Ints
@@ -48,7 +49,7 @@ class Nodes:
 
 
 @dataclass(frozen=True, eq=False)
-class Elements:
+class Elements(ReadOnlyArrays):
     """Elements of one kind, in the order of all arrays with a row for each of them."""
 
     numbers: Ints
@@ -175,7 +176,13 @@ def solution_arguments(
 def read(path: str | os.PathLike[str]) -> Model:
     """Reads a problem file. Raises Error where the program refuses it, OSError without a file."""
     name = name_of(path)
-    return Model(_core.parse(read_bytes(name), [encoded(os.path.abspath(name))]))
+    try:
+        return Model(_core.parse(read_bytes(name), [encoded(os.path.abspath(name))]))
+    except Error as error:
+        if not name.endswith(".cases"):
+            raise
+        hint = "this is a file of load cases: morlen.read_cases reads it"
+        raise Error(error.message, error.line, error.column, hint) from None
 
 
 def parse(text: str | bytes) -> Model:

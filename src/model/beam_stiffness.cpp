@@ -24,6 +24,7 @@
 #include "base/read_observer.h"
 #include "model/hinge_code.h"
 #include "model/material.h"
+#include "model/negative_value.h"
 #include "numeric/matriu.h"
 
 namespace morlen {
@@ -76,13 +77,15 @@ void ExplainValues(const Material& m)
     Explain("of the section and the material only these are above 0: ", names);
 }
 
-void Require(const Material& m, double Material::*field, const char* what, int elemNumber)
+void Require(const Material& m, double Material::*field, const char* kind, const char* name,
+             int elemNumber)
 {
   if (m.*field > 0.0)
     return;
   AttemptOn(ReadItem::Element, elemNumber, [&] {
     ExplainValues(m);
-    Fatal("error: ", what, " is 0 for element ", elemNumber, "\n");
+    ExplainNegative(m.*field, name);
+    Fatal("error: ", kind, " parameter ", name, " is 0 for element ", elemNumber, "\n");
   });
 }
 
@@ -90,14 +93,14 @@ void CheckValues(const Material& m, int elemNumber, PROBLEMTYPE type)
 {
   if (type != kPlane && type != kSpace)
     Fatal("error in Material::ConstructLocalK. Unknown problem type\n");
-  Require(m, &Material::E1, "material parameter E", elemNumber);
-  Require(m, &Material::A, "section parameter A", elemNumber);
-  Require(m, &Material::Iz, "section parameter Iz", elemNumber);
+  Require(m, &Material::E1, "material", "E", elemNumber);
+  Require(m, &Material::A, "section", "A", elemNumber);
+  Require(m, &Material::Iz, "section", "Iz", elemNumber);
   if (type == kPlane)
     return;
-  Require(m, &Material::Iy, "section parameter Iy", elemNumber);
-  Require(m, &Material::Gxy, "material parameter G", elemNumber);
-  Require(m, &Material::J, "section parameter J", elemNumber);
+  Require(m, &Material::Iy, "section", "Iy", elemNumber);
+  Require(m, &Material::Gxy, "material", "G", elemNumber);
+  Require(m, &Material::J, "section", "J", elemNumber);
 }
 
 void Clear(Matriu& K, int n)

@@ -19,6 +19,7 @@
 #include "base/read_observer.h"
 #include "model/material.h"
 #include "model/material_symmetry.h"
+#include "model/negative_value.h"
 #include "numeric/matriu.h"
 
 namespace morlen {
@@ -31,10 +32,13 @@ void Refuse(int elemNumber, const char* text)
   AttemptOn(ReadItem::Element, elemNumber, [&] { Fatal("error in element ", elemNumber, text); });
 }
 
-void RequirePositive(double value, int elemNumber, const char* text)
+// key: of the value in problem files.
+void RequirePositive(double value, int elemNumber, const char* key, const char* text)
 {
-  if (!(value > 0.0))
-    Refuse(elemNumber, text);
+  if (value > 0.0)
+    return;
+  ExplainNegative(value, key);
+  Refuse(elemNumber, text);
 }
 
 void RefuseRatio(int elemNumber, const char* text)
@@ -76,12 +80,12 @@ void RequireStableSheet(const Material& m, int elemNumber)
 
 void RequireShellValues(const Material& m, int elemNumber)
 {
-  RequirePositive(m.t, elemNumber, " Shell thickness is 0\n");
-  RequirePositive(m.E1, elemNumber, " Ex is 0\n");
-  RequirePositive(m.E2, elemNumber, " Ey is 0\n");
-  RequirePositive(m.Gxy, elemNumber, " Gxy is 0\n");
-  RequirePositive(m.Gxz, elemNumber, " Gxz is 0\n");
-  RequirePositive(m.Gyz, elemNumber, " Gyz is 0\n");
+  RequirePositive(m.t, elemNumber, "t", " Shell thickness is 0\n");
+  RequirePositive(m.E1, elemNumber, "Ex", " Ex is 0\n");
+  RequirePositive(m.E2, elemNumber, "Ey", " Ey is 0\n");
+  RequirePositive(m.Gxy, elemNumber, "Gxy", " Gxy is 0\n");
+  RequirePositive(m.Gxz, elemNumber, "Gxz", " Gxz is 0\n");
+  RequirePositive(m.Gyz, elemNumber, "Gyz", " Gyz is 0\n");
   const bool isXFit = RequireDifferent(m.nuXY, 1.0, elemNumber, " nuXY is 1\n");
   const bool isYFit = RequireDifferent(m.nuYX, 1.0, elemNumber, " nuYX is 1\n");
   if (!IsSymmetric(m)) {
@@ -94,7 +98,7 @@ void RequireShellValues(const Material& m, int elemNumber)
 
 void RequireSolidValues(const Material& m, int elemNumber)
 {
-  RequirePositive(m.E1, elemNumber, " E is 0\n");
+  RequirePositive(m.E1, elemNumber, "E", " E is 0\n");
   if (RequireDifferent(m.nuXY, 1.0, elemNumber, " nu is 1\n") &&
       RequireDifferent(m.nuXY, 0.5, elemNumber, " nu is 0.5\n") &&
       RequireDifferent(m.nuXY, -1.0, elemNumber, " nu is -1\n"))

@@ -4,8 +4,11 @@
 
 #include <array>
 #include <cmath>
+#include <string>
+#include <utility>
 #include <vector>
 
+#include "base/errorwriter.h"
 #include "model/material.h"
 #include "model/mesh.h"
 #include "numeric/matriu.h"
@@ -254,6 +257,27 @@ TEST(BeamStiffness, MissingValuesAreRefusedInOrder)
       material.*c.value = 1e-40;  // in km and MN values are small
     }
     material.ConstructLocalK(42, K11, K12, K22, 1.0, kSpace, code);
+  }
+}
+
+TEST(BeamStiffness, NegativeValuesAreGivenInTheHint)
+{
+  static const std::pair<double Material::*, const char*> values[] = {
+      {&Material::E1, "E"},  {&Material::A, "A"},   {&Material::Iz, "Iz"},
+      {&Material::Iy, "Iy"}, {&Material::Gxy, "G"}, {&Material::J, "J"}};
+  Matriu K11, K12, K22;
+  Material material;
+  const auto hint = [&] {
+    FatalCaught([&] { material.ConstructLocalK(42, K11, K12, K22, 1.0, kSpace, 11); });
+    return std::string(errorwriter.Hint());
+  };
+  for (const auto& [value, name] : values) {
+    material.*value = -0.02;
+    EXPECT_EQ(hint(),
+              name + std::string(" is -0.02 in the units of the results; it must be above 0"));
+    material.*value = 0.0;
+    EXPECT_EQ(hint().find("must be above 0"), std::string::npos) << name;
+    material.*value = 1.0;
   }
 }
 

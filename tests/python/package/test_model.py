@@ -10,7 +10,7 @@ from concurrent.futures import ThreadPoolExecutor
 import numpy as np
 import pytest
 from conftest import TOP
-from small_models import ALL, CANTILEVER, PLANE, SHELLS
+from small_models import ALL, CANTILEVER, PLANE, SHELLS, SOLID
 
 import morlen
 
@@ -157,6 +157,17 @@ def test_unknown_names_raise():
             "Euler is None or three numbers, not 'abc'",
         ),
         (lambda m: m.materials[1].rectangle("a", 1), TypeError, "widthY is a number, not 'a'"),
+        *(
+            (wrong, TypeError, "rectangle takes two numbers, widthY and widthZ")
+            for wrong in (
+                lambda m: m.materials[1].rectangle(),
+                lambda m: m.materials[1].rectangle(1),
+                lambda m: m.materials[1].rectangle(widthZ=1),
+                lambda m: m.materials[1].rectangle(1, None),
+                lambda m: m.materials[1].rectangle(1, 2, 3),
+                lambda m: m.materials[1].rectangle(1, 2, width=3),
+            )
+        ),
         (lambda m: m.solve(solver=3), TypeError, "solver is a name or None, not 3"),
         (lambda m: m.solve(progress=3), TypeError, "progress is a function or None, not 3"),
         (lambda m: m.solve().beams.forces(points=2.5), TypeError, "points is a whole number, not 2.5"),
@@ -237,6 +248,31 @@ def test_a_failed_analysis_leaves_the_model_alone():
         model.solve()
     model.materials[1].A = 0.02
     np.testing.assert_array_equal(model.solve().displacements, before)
+
+
+@pytest.mark.parametrize(
+    "key, value, text, kind",
+    [
+        ("A", -0.02, CANTILEVER, "error: section parameter A is 0 for element 1"),
+        ("Iy", -3e-5, CANTILEVER, "error: section parameter Iy is 0 for element 1"),
+        ("J", -1.0, CANTILEVER, "error: section parameter J is 0 for element 1"),
+        ("E", -5.0, PLANE, "error: material parameter E is 0 for element 7"),
+        ("t", -0.25, SHELLS, "error in element 1 Shell thickness is 0"),
+        ("Gxz", -2.0, SHELLS, "error in element 1 Gxz is 0"),
+        ("E", -1.0, SOLID, "error in element 1 E is 0"),
+    ],
+)
+def test_negative_values_are_given_in_the_hint(key, value, text, kind):
+    hint = f"{key} is {value:g} in the units of the results; it must be above 0"
+    model = morlen.parse(text)
+    setattr(model.materials[1], key, value)
+    in_file = re.sub(rf"(?m)^(1 .*E = .*)$", rf"\1 {key} = {value}", re.sub(rf" {key} = \S+", "", text))
+    for solve in (model.solve, lambda: morlen.parse(in_file).solve()):
+        if key == "E" and solve != model.solve:
+            continue  # the record begins with it
+        with pytest.raises(morlen.Error) as caught:
+            solve()
+        assert (caught.value.message, caught.value.hint) == (kind, hint)
 
 
 def test_findings(tmp_path):

@@ -73,8 +73,9 @@ std::optional<Summary> CheckProblem(Problem& problem, Recorder& recorder, Motion
   if (recorder.HasErrors())
     return std::nullopt;
   Summary summary = Summarise(problem, subject);
-  if (!recorder.HasErrors() && searches)
-    summary.untested = CheckMechanisms(problem, subject, {}, recorder);
+  if (!recorder.HasErrors())
+    summary.untested = searches ? CheckMechanisms(problem, subject, {}, recorder)
+                                : "they are left to the analysis";
   return recorder.HasErrors() ? std::nullopt : std::optional(std::move(summary));
 }
 

@@ -81,10 +81,10 @@ class Card:
         return Fault(path or self.path, f"*{self.keyword}: {text}", line=line or self.line, hint=hint)
 
     def rows(self):
-        """All lines with data: file, number, fields."""
+        """All lines with data: file, number, fields. Empty fields at the end, such as a spreadsheet writes, are no data."""
         for chunk in self.data:
             for line, fields, _ in chunk.rows():
-                yield chunk.path, line, fields
+                yield chunk.path, line, without_empty_end(fields)
 
     def check_parameters(self):
         """Refuses parameters that the keyword does not have here."""
@@ -98,6 +98,14 @@ class Card:
         if not value:
             raise self.fault(f"{name}= is missing")
         return value
+
+
+def without_empty_end(fields):
+    """The fields up to the last that is not empty; the first in any case."""
+    count = len(fields)
+    while count > 1 and not fields[count - 1]:
+        count -= 1
+    return fields[:count]
 
 
 def read_cards(path, read_file):

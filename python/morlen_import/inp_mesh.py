@@ -208,6 +208,7 @@ class InpMesh:
     def _node_rows(self, card, chunk):
         table, lines = [], []
         for line, fields, _ in chunk.rows():
+            fields = inp_cards.without_empty_end(fields)
             if len(fields) > 4:
                 raise card.fault(
                     "a field too many: a node has a number and three coordinates", line, chunk.path
@@ -247,6 +248,12 @@ class InpMesh:
     def _element_rows(self, card, chunk):
         run, counts, lines, open_ends = [], [], [], []
         for line, fields, is_open in chunk.rows():
+            if not fields[-1]:
+                raise card.fault(
+                    "an empty field: only one comma at the end of a line says that the element goes on",
+                    line,
+                    chunk.path,
+                )
             run += [
                 inp_cards.need_whole(card, chunk.path, line, word, "an element: its number, its nodes")
                 for word in fields

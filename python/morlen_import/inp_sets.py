@@ -48,7 +48,7 @@ class Sets:
                 self.add(name, run.astype(np.int64), chunk.path, np.repeat(lines, counts))
                 continue
             for line, fields, _ in chunk.rows():
-                for word in fields:
+                for word in inp_cards.without_empty_end(fields):
                     self._add_word(card, name, word, chunk.path, line)
 
     def _add_word(self, card, name, word, path, line):

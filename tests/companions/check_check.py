@@ -15,6 +15,17 @@ import unittest
 MORLEN, CHECK, EXAMPLES = sys.argv[1:4]
 
 
+def beam_with_a_loose_end(beams):
+    """A continuous beam, three equations for each node, whose last beam hangs from node 1 by a hinge."""
+    nodes = "".join(f"{k} {k} 0\n" for k in range(1, beams + 1)) + f"{beams + 1} 1 -1\n"
+    elements = "".join(f"{k} {k} {k + 1} 1\n" for k in range(1, beams)) + f"{beams} 1 {beams + 1} 1\n"
+    supports = "".join(f"{k} 110 0 0 0\n" for k in range(1, beams + 1))
+    return (f"problem type: 2d\nmesh dimension = 2 elemtype Linear nnode = 2\ncoordinates\n{nodes}end coordinates\n"
+            f"elements\n{elements}end elements\nmaterials\n1 E = 2e8 A = 0.01 Iz = 1e-4\nend materials\n"
+            f"constraints\n{supports}end constraints\nelem_rotules\n{beams} 01\nend elem_rotules\n"
+            "nodal_point_loads\n2 0 0 1\nend nodal_point_loads\n")
+
+
 class Check(unittest.TestCase):
     def setUp(self):
         self.temporary = tempfile.TemporaryDirectory()
@@ -60,6 +71,31 @@ class Check(unittest.TestCase):
             self.assertRegex(run.stderr, r"^m\.dat:\d+:\d+: error: ")
             self.assertEqual(subprocess.run([MORLEN, "m.dat"], cwd=self.folder,
                                             capture_output=True).returncode, 2, old)
+
+    def test_quick(self):
+        """Motions inside parts are left to morlen in models of 15,000 equations and more, and only they."""
+        for beams in (3, 4998, 4999):
+            (self.folder / "loose.dat").write_text(beam_with_a_loose_end(beams))
+            full, quick = self.check("loose.dat"), self.check("--quick", "loose.dat")
+            found = f"error: node {beams + 1} can turn about z through node 1: the hinges of beam {beams} allow it"
+            self.assertEqual(full.returncode, 1)
+            self.assertIn(found, full.stderr)
+            if 3 * (beams + 1) < 15000:
+                self.assertEqual((quick.returncode, quick.stdout, quick.stderr), (1, full.stdout, full.stderr))
+                continue
+            self.assertEqual((quick.returncode, quick.stderr), (0, ""))
+            self.assertTrue(quick.stdout.endswith(
+                "mechanisms: not tested: they are left to the analysis\n0 errors, 0 warnings\n"), quick.stdout)
+            report = json.loads(self.check("--quick", "--json", "loose.dat").stdout)
+            self.assertEqual(report["summary"]["mechanismsNotTested"], "they are left to the analysis")
+            run = subprocess.run([MORLEN, "loose.dat"], cwd=self.folder, capture_output=True, text=True)
+            self.assertEqual(run.returncode, 2)
+            self.assertIn(found.removeprefix("error: "), run.stderr)
+            # Everything else is checked as always: supports that let the model move, lost data.
+            text = beam_with_a_loose_end(beams).replace(" 110 0 0 0", " 010 0 0 0")
+            run = self.check_text(text, "--quick")
+            self.assertEqual(run.returncode, 1)
+            self.assertIn("the supports let the model move along X", run.stderr)
 
     def test_json(self):
         run = self.check_text(self.portal.replace("A = 78.08e-4", ""), "--json")

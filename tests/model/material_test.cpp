@@ -591,8 +591,9 @@ TEST(Material, ShellMatricesNeedTheirValues)
     Material m = Isotropic(1e11, 0.3);
     m.*c.field = c.value;
     ExpectFatal([&] { m.GiveDMatrix(12, Dm, Db, Ds); }, c.message);
-    EXPECT_EQ(errorwriter.Hint(),
-              c.value < 0.0 ? "t is -1 in the units of the results; it must be above 0" : "");
+    const bool isExplained =
+        errorwriter.Hint() == "t is -1 in the units of the results; it must be above 0";
+    EXPECT_EQ(isExplained, c.value < 0.0);
   }
   ExpectFatal([&] { Material().GiveDMatrix(12, Dm, Db, Ds); },
               "error in element 12 Shell thickness is 0\n");

@@ -169,6 +169,62 @@ def test_shapes(imported, build, tmp_path, section, second_moments, torsion):
     np.testing.assert_allclose(got[3], FORCE * LENGTH / (G * torsion), rtol=1e-5)
 
 
+def second_moments_of(a, b):
+    """About the axes along a and b of a rectangle, and its torsion constant.
+
+    J by the double Fourier series of Prandtl's stress function (S. P. Timoshenko, J. N. Goodier, Theory of Elasticity,
+    1951, chapter 11): 256/pi^6 a b sum of 1/(m^2 n^2 (m^2/a^2 + n^2/b^2)) over odd m and n.
+    """
+    m, n = np.meshgrid(np.arange(1, 800, 2.0), np.arange(1, 800, 2.0))
+    series = (1 / (m**2 * n**2 * (m**2 / a**2 + n**2 / b**2))).sum()
+    return a * b**3 / 12, a**3 * b / 12, 256 / math.pi**6 * a * b * series
+
+
+@pytest.mark.parametrize("kind", ["B31", "B32"])
+@pytest.mark.parametrize(
+    "section, about_n1, torsion",
+    [
+        ("RECT\n30., 80.", *second_moments_of(30, 80)[::2]),
+        ("RECT\n80., 30.", *second_moments_of(80, 30)[::2]),
+        ("PIPE\n20., 3.", math.pi * (20**4 - 17**4) / 4, math.pi * (20**4 - 17**4) / 2),
+    ],
+    ids=["upright", "flat", "pipe"],
+)
+def test_torsion_frame(imported, build, tmp_path, kind, section, about_n1, torsion):
+    """A girder from (0, 0) to (2a, 0), clamped at both ends, and an arm of length b at its middle with a load along Z.
+
+    The load bends the arm, P b^3/(3 E I), and the girder, P (2a)^3/(192 E I), and its moment P b twists both halves
+    of the girder by P b a/(2 G J), which the arm's length b makes a deflection. n1 is horizontal in both.
+    """
+    a, b = 1500.0, 900.0
+    places = [(0, 0), (a / 2, 0), (a, 0), (1.5 * a, 0), (2 * a, 0), (a, b / 2), (a, b)]
+    nodes = "".join(f"{k}, {x}, {y}, 0.\n" for k, (x, y) in enumerate(places, 1))
+    halves = ([(1, 2, 3), (3, 4, 5)], [(3, 6, 7)])
+    cards, number = "", 0
+    for name, n1, members in zip(("GIRDER", "ARM"), ("0., 1., 0.", "-1., 0., 0."), halves):
+        rows = members if kind == "B32" else [pair for m in members for pair in (m[:2], m[1:])]
+        cards += f"*ELEMENT, TYPE={kind}, ELSET={name}\n"
+        for row in rows:
+            number += 1
+            cards += f"{number}, " + ", ".join(map(str, row)) + "\n"
+        cards += f"*BEAM SECTION, ELSET={name}, MATERIAL=M, SECTION={section}\n{n1}\n"
+    text = (
+        f"*NODE\n{nodes}{MATERIAL}{cards}*BOUNDARY\n1, ENCASTRE\n5, ENCASTRE\n"
+        "*STEP\n*STATIC\n*CLOAD\n7, 3, -7.\n*END STEP\n"
+    )
+    moved(imported, build, tmp_path, text)
+    results = solve(build, tmp_path / "frame.dat")
+    bent = FORCE * (b**3 / 3 + (2 * a) ** 3 / 192) / (E * about_n1)
+    twist = FORCE * b * a / (2 * G * torsion)
+    got = results.displacements
+    # Six digits are printed; the series of J is cut off at 1e-6.
+    np.testing.assert_allclose(got[6][2], -(bent + twist * b), rtol=1e-5)
+    np.testing.assert_allclose(got[2][3], -twist, rtol=1e-5)
+    # Each half takes half of the load and of the torque; the sign is that of the reaction.
+    np.testing.assert_allclose(results.reactions[1][2:4], [FORCE / 2, FORCE * b / 2], rtol=1e-5)
+    np.testing.assert_allclose(results.reactions[5][2:4], [FORCE / 2, FORCE * b / 2], rtol=1e-5)
+
+
 @pytest.mark.parametrize("kind", ["B31", "B32"])
 @pytest.mark.parametrize("elements", ["B", "1", ""])
 def test_weight(imported, build, tmp_path, kind, elements):

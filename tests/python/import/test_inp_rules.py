@@ -62,6 +62,8 @@ SAME = {
         lambda t: t.replace("2.1E5", "2.1d+5").replace("-4.", "-4.D0").replace("0, 1, 0\n", "0, 1.d0, 0\n")
     ),
     "trailing commas": (lambda t: re.sub(r"(?m)^([0-9].*)$", r"\1,", t)),
+    # Lines of elements (10, 20) may go on after a comma, and are left alone.
+    "several trailing commas": (lambda t: re.sub(r"(?m)^(?!10,|20,)([0-9A-Z].*)$", r"\1,, ,", t)),
     "trailing commas of keywords": (lambda t: re.sub(r"(?m)^(\*.*)$", r"\1,", t)),
     "trailing commas before comments and blank lines": (
         lambda t: re.sub(r"(?m)^(\*.*)$", r"\1 ,\t\n** OP=NEW, a comment\n\n", t)
@@ -158,6 +160,18 @@ def test_include(imported, tmp_path):
             "2, 1, 0, 0, 7\n",
             5,
             "*NODE: a field too many: a node has a number and three coordinates",
+        ),
+        (
+            "2, 1, 0, 0\n",
+            "2, 1, 0, 0,, 7,,\n",
+            5,
+            "*NODE: a field too many: a node has a number and three coordinates",
+        ),
+        (
+            "10, 1, 2, 3, 4\n",
+            "10, 1, 2, 3, 4,,\n",
+            10,
+            "*ELEMENT: an empty field: only one comma at the end of a line says that the element goes on",
         ),
         ("2, 1, 0, 0\n", "2, 1, 0 0\n", 5, "*NODE: '0 0' is no number (coordinate)"),
         ("2, 1, 0, 0\n", "2, x, 0, 0\n", 5, "*NODE: 'x' is no number (coordinate)"),

@@ -11,27 +11,38 @@ pytestmark = NEEDS_GMSH
 
 @pytest.fixture(scope="module", params=MODELS, ids=lambda model: model.name.replace(" ", "-"))
 def files(request, tmp_path_factory):
-    return request.param, make_files(request.param, tmp_path_factory.mktemp("gmsh"))
+    """A model, its files by their forms, and what has been made of them: coordinates and results."""
+    return request.param, make_files(request.param, tmp_path_factory.mktemp("gmsh")), {}
+
+
+@pytest.fixture
+def solved(files, imported, build, tmp_path):
+    """Imports and solves a model in one form; gives coordinates and results. Each form once for all tests."""
+    model, paths, made = files
+
+    def make(form):
+        if form not in made:
+            (tmp_path / "mesh.map").write_text(map_text(model, form))
+            status, out, err = imported(paths[form], "mesh.map", "-o", "model.dat")
+            assert (status, out) == (0, "wrote model.dat\n"), err
+            xyz = coordinates((tmp_path / "model.dat").read_text())
+            made[form] = xyz, solve(build, tmp_path / "model.dat")
+        return made[form]
+
+    return make
 
 
 @pytest.mark.parametrize("form", FORMS)
-def test_closed_forms(files, form, imported, build, tmp_path):
-    model, paths = files
-    (tmp_path / "mesh.map").write_text(map_text(model, form))
-    status, out, err = imported(paths[form], "mesh.map", "-o", "model.dat")
-    assert (status, out) == (0, "wrote model.dat\n"), err
-    xyz = coordinates((tmp_path / "model.dat").read_text())
-    model.check(solve(build, tmp_path / "model.dat"), xyz)
+def test_closed_forms(files, form, solved):
+    xyz, results = solved(form)
+    files[0].check(results, xyz)
 
 
-def test_same_results(files, imported, build, tmp_path):
-    model, paths = files
+def test_same_results(files, solved):
     first = None
-    for form, path in paths.items():
-        (tmp_path / "mesh.map").write_text(map_text(model, form))
-        assert imported(path, "mesh.map", "-o", "model.dat")[0] == 0
-        xyz = coordinates((tmp_path / "model.dat").read_text())
-        moved = solve(build, tmp_path / "model.dat").displacements
+    for form in files[1]:
+        xyz, results = solved(form)
+        moved = results.displacements
         order = np.lexsort(np.round(xyz, 4).T + 0.0)
         if first is None:
             first = xyz[order], moved[order]

@@ -1,5 +1,6 @@
 """The package as pip installs it, and its types."""
 
+import importlib.util
 import os
 import shutil
 import subprocess
@@ -19,10 +20,12 @@ def run(*command, **options):
 
 @pytest.fixture(scope="module")
 def venv(tmp_path_factory):
-    """A virtual environment with the packages of the system."""
+    """A virtual environment with the packages of the system: with its pip, else with one of its own, which takes
+    seconds to unpack."""
     folder = tmp_path_factory.mktemp("venv")
+    own = [] if importlib.util.find_spec("pip") is None else ["--without-pip"]
     made = subprocess.run(
-        [sys.executable, "-m", "venv", "--system-site-packages", str(folder)],
+        [sys.executable, "-m", "venv", "--system-site-packages", *own, str(folder)],
         capture_output=True,
         check=False,
     )
@@ -37,8 +40,9 @@ def test_pip_installs_without_a_network(venv, tmp_path):
     nowhere = "http://127.0.0.1:9"
     environment = {k: v for k, v in os.environ.items() if k not in ("PYTHONPATH", "MAKEFLAGS")}
     environment |= {"http_proxy": nowhere, "https_proxy": nowhere, "PIP_INDEX_URL": nowhere}
+    pip = (venv / "bin" / "python", "-m", "pip")
     run(
-        venv / "bin" / "pip",
+        *pip,
         "install",
         "--disable-pip-version-check",
         "--config-settings",
@@ -52,7 +56,7 @@ def test_pip_installs_without_a_network(venv, tmp_path):
     assert place.startswith(str(venv)) and float(sway) == pytest.approx(0.0091232, rel=1e-5)
     files = {path.name for path in (venv / "lib").glob("python3.*/site-packages/morlen/*")}
     assert {"py.typed", "_core.pyi", "__init__.py"} <= files
-    run(venv / "bin" / "pip", "uninstall", "-y", "morlen", env=environment, cwd=tmp_path)
+    run(*pip, "uninstall", "-y", "morlen", env=environment, cwd=tmp_path)
 
 
 def test_names_of_other_libraries_stay_hidden():
@@ -63,6 +67,12 @@ def test_names_of_other_libraries_stay_hidden():
     shown = run("nm", "-D", "--defined-only", str(module)).split()
     assert [word for word in shown if word.startswith("P")] == ["PyInit__core"]
     assert len(shown) == 3
+
+
+@pytest.fixture(scope="module")
+def cache(tmp_path_factory):
+    """A cache of mypy for all tests: the types of numpy are read once."""
+    return str(tmp_path_factory.mktemp("mypy"))
 
 
 def mypy(*arguments):
@@ -79,8 +89,8 @@ def mypy(*arguments):
     )
 
 
-def test_types_of_the_package(tmp_path):
-    done = mypy("mypy", "--cache-dir", str(tmp_path), "--strict", "-p", "morlen")
+def test_types_of_the_package(cache):
+    done = mypy("mypy", "--cache-dir", cache, "--strict", "-p", "morlen")
     assert done.returncode == 0, done.stdout
 
 
@@ -107,11 +117,11 @@ r.write(text="frame.txt", post="frame.morlen.res", vtu="frame.vtu", report="fram
 """
 
 
-def test_types_of_a_program(tmp_path):
+def test_types_of_a_program(tmp_path, cache):
     (tmp_path / "user.py").write_text(USER)
-    done = mypy("mypy", "--cache-dir", str(tmp_path), "--strict", str(tmp_path / "user.py"))
+    done = mypy("mypy", "--cache-dir", cache, "--strict", str(tmp_path / "user.py"))
     assert done.returncode == 0, done.stdout
     assert done.stdout.count("ndarray") == 2 and "builtins.float" in done.stdout
     (tmp_path / "wrong.py").write_text(USER + "model.solv()\nmodel.foo = 1\nmodel.materials[1].Area = 1\n")
-    done = mypy("mypy", "--cache-dir", str(tmp_path), "--strict", str(tmp_path / "wrong.py"))
+    done = mypy("mypy", "--cache-dir", cache, "--strict", str(tmp_path / "wrong.py"))
     assert all(name in done.stdout for name in ('"solv"', '"foo"', '"Area"'))

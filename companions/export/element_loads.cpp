@@ -112,7 +112,8 @@ void Adder::Add(const std::string& name, const std::string& unit, int components
   while (sum != sums.end() && sum->name != name)
     ++sum;
   if (sum == sums.end())
-    sum = sums.insert(sum, {name, unit, components, std::vector<Vec3>(model.elements.size())});
+    sum = sums.insert(sum, {name, unit, model.elements[element].kind, components,
+                            std::vector<Vec3>(model.elements.size())});
   for (int k = 0; k < 3; ++k)
     sum->values[element][k] += value[k];
 }

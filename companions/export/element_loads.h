@@ -13,6 +13,7 @@ struct ElementLoadSum
 {
   std::string name;
   std::string unit;
+  model::Kind kind;          ///< of the elements that can have it
   int components;            ///< 3: global axes; 1: the first of each value
   std::vector<Vec3> values;  ///< by the position of the element; 0 without a load
 };

@@ -6,16 +6,23 @@
 
 #include "common/model_data.h"
 #include "common/result_data.h"
+#include "export/shell_neighbours.h"
 
 namespace morlen {
 
-/// Forces and moments of shells at their nodes: the values of the Gauss points continued to the
-/// corners, and averaged over neighbours.
+/// Forces and moments of shells at their nodes, from the Gauss points around them.
 ///
-/// Neighbours are averaged in groups: shells at one node, of one mesh, whose x' and z' differ by
-/// less than 15 degrees from those of the first shell of the group. The values are along the axes
-/// of that shell. The first group of a node has the point of the node; each further group is a
-/// copy of the node, so that values jump at folds and where axes turn.
+/// The shells at a node are taken in groups of neighbours (ShellNeighbours) whose axes agree with
+/// those of the first shell of the group. The values are along the axes of that shell. The first
+/// group of a node has the point of the node; each further group is a copy of the node, so that
+/// values jump at folds, at beams and where axes turn.
+///
+/// The value of a group is that of the polynomial of least squares through its Gauss points. The
+/// polynomial has the degree of the shells: 2 with three Gauss points, where these determine it
+/// well, else 1. A group of fewer than five shells with one point takes their neighbours too. The
+/// value exceeds the range of these Gauss points by at most half of the range. Source:
+/// O. C. Zienkiewicz, J. Z. Zhu, The superconvergent patch recovery and a posteriori error
+/// estimates, part 1, Int. J. Numer. Meth. Engng 33, 1992.
 class ShellCorners
 {
 public:
@@ -25,24 +32,28 @@ public:
   ShellCorners() = default;  ///< without values: every shell has the points of its nodes
   ShellCorners(const model::Model& model, std::span<const results::ShellPoint> points);
 
+  /// The values of a group; NaN, and the element -1, for nodes without shells.
+  struct Group
+  {
+    Forces forces;
+    int first;  ///< the element whose axes the values are along, by its position
+  };
+
   /// The nodes of the copies.
   const std::vector<int>& CopiedNodes() const { return copiedNodes; }
   /// The copy that node i of an element has, both by their positions; -1 for the node itself.
   int CopyAt(std::size_t element, int i) const;
 
-  /// Values of a node or a copy; NaN for nodes without shells.
-  const Forces& OfNode(int node) const { return ofNodes[node]; }
-  const Forces& OfCopy(int copy) const { return ofCopies[copy]; }
+  const Group& OfNode(int node) const { return ofNodes[node]; }
+  const Group& OfCopy(int copy) const { return ofCopies[copy]; }
 
 private:
-  void AddNode(const model::Model& model, std::span<const results::ShellPoint> points, int node,
-               std::span<const int> places);
+  class Recovery;
 
   std::vector<int> firstPlace;  ///< by element: of its nodes in `copies`
   std::vector<int> copies;      ///< by place: CopyAt
   std::vector<int> copiedNodes;
-  std::vector<Forces> ofNodes, ofCopies;
-  std::vector<int> ownerOf;  ///< by place: the element
+  std::vector<Group> ofNodes, ofCopies;
 };
 
 /// The values of a shell at its node i: at a corner the linear function through the three Gauss

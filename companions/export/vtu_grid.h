@@ -59,9 +59,9 @@ private:
   pugi::xml_node piece, pointData, cellData;
 };
 
-/// Functions for values that an item does not have: NaN for results and constants, so that no
-/// colour shows them; 0 for forces, which then may be summed, and for directions, which then have
-/// no arrow.
+/// Functions for values that an item does not have: NaN for results, constants and loads of
+/// elements, so that no colour shows them; 0 for forces at nodes, which then may be summed, and for
+/// vectors, which then have no arrow.
 VtuGrid::Values NotANumber();
 VtuGrid::Values Zeros();
 VtuGrid::Values NoValue(int item);

@@ -168,8 +168,12 @@ void AddLoads(VtuGrid& grid, const model::Model& model)
           NoForce, NoForce);
   for (const ElementLoadSum& load : SumsOfElementLoads(model, units))
     grid.AddCellArray(
-        {load.name, load.unit}, load.components, [&](int e) { return Values(load.values[e]); },
-        Zeros());
+        {load.name, load.unit}, load.components,
+        [&](int e) {
+          const bool has = model.elements[e].kind == load.kind;
+          return has ? Values(load.values[e]) : NotANumber();
+        },
+        NotANumber());
 }
 
 }  // namespace morlen

@@ -1,6 +1,9 @@
 // The arrays of results.
 
 #include <algorithm>
+#include <array>
+#include <cctype>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -29,11 +32,14 @@ public:
   void AddBeams();
   void AddSolids();
   void AddShellCorners(const ShellCorners& corners);
+  void AddPrincipalForces(const ShellCorners& corners);
   void AddShellMeans();
+  void AddShellExtremes();
   void AddMainForces();
   void AddDesignMoments();
 
 private:
+  void AddOfShells(const char* prefix, const std::vector<ShellCorners::Forces>& ofElements);
   template <class OfPoint>
   void AddAtPoint(const std::string& name, const std::string& unit,
                   const std::vector<const char*>& components, int point, OfPoint ofPoint);
@@ -103,16 +109,15 @@ void Adder::AddSolids()
 struct ForcePart
 {
   const char* name;
-  const char* meanName;
   int first;
   std::vector<const char*> components;
 };
 
 std::vector<ForcePart> ForceParts()
 {
-  return {{"Membrane force", "Mean membrane force", 0, {"Nx'", "Ny'", "Nxy'"}},
-          {"Moment", "Mean moment", 3, {"Mx'", "My'", "Mxy'"}},
-          {"Shear force", "Mean shear force", 6, {"Qx'", "Qy'"}}};
+  return {{"Membrane force", 0, {"Nx'", "Ny'", "Nxy'"}},
+          {"Moment", 3, {"Mx'", "My'", "Mxy'"}},
+          {"Shear force", 6, {"Qx'", "Qy'"}}};
 }
 
 void Adder::AddShellCorners(const ShellCorners& corners)
@@ -122,9 +127,103 @@ void Adder::AddShellCorners(const ShellCorners& corners)
     const auto from = static_cast<std::size_t>(part.first);
     grid.AddPointArray(
         {part.name, unit, part.components}, static_cast<int>(part.components.size()),
-        {.ofNode = [&, from](int i) { return Values(corners.OfNode(i)).subspan(from); },
+        {.ofNode = [&, from](int i) { return Values(corners.OfNode(i).forces).subspan(from); },
          .ofBeamPoint = NoValue,
-         .ofCopy = [&, from](int i) { return Values(corners.OfCopy(i)).subspan(from); }});
+         .ofCopy = [&, from](int i) { return Values(corners.OfCopy(i).forces).subspan(from); }});
+  }
+}
+
+/// Principal values of a tensor at a point, the larger one first, and the unit vector along which
+/// the first acts; NaN and no vector without shells.
+struct Principal
+{
+  std::array<double, 2> values;
+  Vec3 direction;
+};
+
+Vec3 InPlane(const std::array<Vec3, 3>& axes, double x, double y)
+{
+  Vec3 vector{};
+  for (int k = 0; k < 3; ++k)
+    vector[k] = x * axes[0][k] + y * axes[1][k];
+  return vector;
+}
+
+// Mohr's circle: m ± r with m = (a + b) / 2, r = √(((a - b) / 2)² + c²); the first value is along
+// the angle ½ atan2(2c, a - b) from x'. Source: S. Timoshenko, J. N. Goodier, Theory of Elasticity,
+// 3rd ed. 1970, § 9.
+Principal PrincipalOf(const model::Model& model, const ShellCorners::Group& group, int first)
+{
+  const double a = group.forces[first];
+  const double b = group.forces[first + 1];
+  const double c = group.forces[first + 2];
+  const double middle = (a + b) / 2.0;
+  const double radius = std::hypot((a - b) / 2.0, c);
+  Principal principal{{middle + radius, middle - radius}, {}};
+  if (group.first >= 0) {
+    const double angle = 0.5 * std::atan2(2.0 * c, a - b);
+    principal.direction =
+        InPlane(model.elements[group.first].axes, std::cos(angle), std::sin(angle));
+  }
+  return principal;
+}
+
+// The shear force as a vector: along it the shear is largest, and across it there is none.
+Vec3 ShearOf(const model::Model& model, const ShellCorners::Group& group)
+{
+  return group.first < 0
+             ? Vec3{}
+             : InPlane(model.elements[group.first].axes, group.forces[6], group.forces[7]);
+}
+
+void Adder::AddPrincipalForces(const ShellCorners& corners)
+{
+  const int copies = static_cast<int>(corners.CopiedNodes().size());
+  const auto add = [&](const ArrayName& name, int components, auto of,
+                       VtuGrid::Values (*none)(int)) {
+    // The function gives values that live as long as its result.
+    using Item = decltype(of(corners.OfNode(0)));
+    std::vector<Item> ofNodes, ofCopies;
+    for (int i = 0; i < static_cast<int>(model.nodes.size()); ++i)
+      ofNodes.push_back(of(corners.OfNode(i)));
+    for (int i = 0; i < copies; ++i)
+      ofCopies.push_back(of(corners.OfCopy(i)));
+    grid.AddPointArray(name, components,
+                       {.ofNode = [&](int i) { return Values(ofNodes[i]); },
+                        .ofBeamPoint = none,
+                        .ofCopy = [&](int i) { return Values(ofCopies[i]); }});
+  };
+  using Group = ShellCorners::Group;
+  const auto values = [this](int first) {
+    return [this, first](const Group& group) { return PrincipalOf(model, group, first).values; };
+  };
+  const auto direction = [this](int first) {
+    return [this, first](const Group& group) { return PrincipalOf(model, group, first).direction; };
+  };
+  add({"Principal membrane force at nodes", units.ForcePer(1), {"N1", "N2"}}, 2, values(0),
+      NoValue);
+  add({"Direction of N1"}, 3, direction(0), NoForce);
+  add({"Principal moment at nodes", units.MomentPerLength(), {"M1", "M2"}}, 2, values(3), NoValue);
+  add({"Direction of M1"}, 3, direction(3), NoForce);
+  add(
+      {"Shear force vector", units.ForcePer(1)}, 3,
+      [this](const Group& group) { return ShearOf(model, group); }, NoForce);
+}
+
+// Adds arrays of cells with forces of shells.
+void Adder::AddOfShells(const char* prefix, const std::vector<ShellCorners::Forces>& ofElements)
+{
+  for (const ForcePart& part : ForceParts()) {
+    const std::string unit = part.first == 3 ? units.MomentPerLength() : units.ForcePer(1);
+    std::string name = part.name;
+    name.front() = static_cast<char>(std::tolower(name.front()));
+    grid.AddCellArray(
+        {prefix + name, unit, part.components}, static_cast<int>(part.components.size()),
+        [&](int e) {
+          const bool has = model.elements[e].kind == model::Kind::Shell;
+          return has ? Values(ofElements[e]).subspan(part.first) : NotANumber();
+        },
+        NotANumber());
   }
 }
 
@@ -138,16 +237,27 @@ void Adder::AddShellMeans()
         means[e][k] += results.shellPoints[element.firstPoint + i].local[k] / element.points;
     }
   }
-  for (const ForcePart& part : ForceParts()) {
-    const std::string unit = part.first == 3 ? units.MomentPerLength() : units.ForcePer(1);
-    grid.AddCellArray(
-        {part.meanName, unit, part.components}, static_cast<int>(part.components.size()),
-        [&](int e) {
-          const bool has = model.elements[e].kind == model::Kind::Shell;
-          return has ? Values(means[e]).subspan(part.first) : NotANumber();
-        },
-        NotANumber());
+  AddOfShells("Mean ", means);
+}
+
+// Of each component the value of the largest size among the points of the element, with its sign.
+// With one point it would be the mean.
+void Adder::AddShellExtremes()
+{
+  if (mostShellPoints < 2)
+    return;
+  std::vector<ShellCorners::Forces> extremes(model.elements.size());
+  for (std::size_t e = 0; e < extremes.size(); ++e) {
+    const model::Element& element = model.elements[e];
+    for (int i = 0; element.kind == model::Kind::Shell && i < element.points; ++i) {
+      const ShellCorners::Forces& local = results.shellPoints[element.firstPoint + i].local;
+      for (std::size_t k = 0; k < local.size(); ++k) {
+        if (std::fabs(local[k]) > std::fabs(extremes[e][k]))
+          extremes[e][k] = local[k];
+      }
+    }
   }
+  AddOfShells("Extreme ", extremes);
 }
 
 // Adds an array of cells with the values of one Gauss point of shells, from 0. Its name has the
@@ -199,7 +309,9 @@ void AddResults(VtuGrid& grid, const model::Model& model, const results::Results
   adder.AddSolids();
   if (results.shellLocal) {
     adder.AddShellCorners(corners);
+    adder.AddPrincipalForces(corners);
     adder.AddShellMeans();
+    adder.AddShellExtremes();
   }
   adder.AddMainForces();
   adder.AddDesignMoments();

@@ -75,12 +75,13 @@ void AddShells(const model::Model& model, const results::Results& results, Large
     for (int i = 0; element.kind == model::Kind::Shell && i < element.points; ++i) {
       const results::ShellPoint& at = results.shellPoints[element.firstPoint + i];
       const auto& v = at.local;
-      const bool local = results.shellLocal;
+      // Smoothed principal values differ from those of smoothed local ones: users read the former.
+      const bool main = results.shellMain;
       m.Judge(
-          local ? PrincipalOfLargestSize(v[3], v[4], v[5]) : OfLargerSize(at.main[2], at.main[3]),
+          main ? OfLargerSize(at.main[2], at.main[3]) : PrincipalOfLargestSize(v[3], v[4], v[5]),
           "in shell", element.number);
       n.Judge(
-          local ? PrincipalOfLargestSize(v[0], v[1], v[2]) : OfLargerSize(at.main[0], at.main[1]),
+          main ? OfLargerSize(at.main[0], at.main[1]) : PrincipalOfLargestSize(v[0], v[1], v[2]),
           "in shell", element.number);
     }
   }

@@ -247,6 +247,97 @@ class Vtu(unittest.TestCase):
         self.assertAlmostEqual(largest, exact, delta=0.06 * exact)
         self.assertAlmostEqual(largest, gauss, delta=0.02 * gauss)
         self.assertLess(mean, 0.92 * gauss)
+        self.assertEqual(max(row[0] for row in grid.cells["Extreme moment"]), gauss)
+
+    def test_three_node_shells_reach_the_clamped_edge(self):
+        """Their points are inside: at 8 cells to the span the last one has 0.73 of q L² / 12."""
+        nx, length, load = 8, 4.0, 10.0
+        nodes, triangles = grid_mesh(nx, 4, length, 1.0)
+        supports = [(i + 1, "111111" if x[0] in (0, length) else "010101", *[0] * 6) for i, x in enumerate(nodes)]
+        grid = self.grid_of(shell_model(
+            nodes, triangles, "1 E=3e7 nu=0 G=1.5e7 t=0.1\n", supports,
+            "global_pressure_loads\n" + "".join(f"{i + 1} 0 0 {-load}\n" for i in range(len(triangles))) + "end\n",
+            "ShellFormulation Refined\n"))
+        exact = load * length**2 / 12
+        at_edge = [row[0] for i, row in enumerate(grid.points["Moment"]) if grid.place(i)[0] in (0, length)]
+        # The mesh of 8 cells has an error of some percent.
+        self.assertAlmostEqual(sum(at_edge) / len(at_edge), exact, delta=0.1 * exact)
+        self.assertLess(self.largest_in_table("Mx'"), 0.8 * exact)
+        self.assertNotIn("Extreme moment", grid.cells)
+
+    def test_a_wall_in_bending(self):
+        """A cantilever in its plane, three-node shells: Nx' = P (L - x) y 12 / h³ (beam theory)."""
+        nx, ny, length, force = 16, 4, 4.0, 10.0
+        nodes, triangles = grid_mesh(nx, ny, length, 1.0)
+        supports = [(i + 1, "111111" if x[0] == 0 else "001110", *[0] * 6) for i, x in enumerate(nodes)]
+        ends = [i + 1 for i, x in enumerate(nodes) if x[0] == length]
+        shares = [0.5 if node in (ends[0], ends[-1]) else 1.0 for node in ends]
+        grid = self.grid_of(shell_model(
+            nodes, triangles, "1 E=3e7 nu=0 G=1.5e7 t=0.1\n", supports, "nodal_point_loads\n"
+            + "".join(f"{node} 0 {force * share / ny} 0 0 0 0\n" for node, share in zip(ends, shares)) + "end\n",
+            "ShellFormulation Refined\n"))
+        largest = 12 * force * length / 2
+        inside = [i for i in range(grid.grid.GetNumberOfPoints()) if 1.0 <= grid.place(i)[0] <= 3.0]
+        self.assertGreater(len(inside), 40)
+        for i in inside:
+            x, y, _ = grid.place(i)
+            exact = -12 * force * (length - x) * (y - 0.5)
+            # Four elements to the depth: some percent. The mean of the shells at a node is 15 % off.
+            self.assertAlmostEqual(grid.points["Membrane force"][i][0], exact, delta=0.05 * largest)
+
+    def test_shears_and_moments_at_a_line_support(self):
+        """A strip over two spans: at the middle support the moment is q L² / 8, and the shear jumps
+        from -5/8 q L to 5/8 q L."""
+        n, length, load = 32, 4.0, 10.0
+        nodes, triangles = grid_mesh(2 * n, 4, 2 * length, 1.0)
+        flags = {0.0: "011101", length: "111101", 2 * length: "011101"}
+        supports = [(i + 1, flags.get(x[0], "010101"), *[0] * 6) for i, x in enumerate(nodes)]
+        grid = self.grid_of(shell_model(
+            nodes, triangles, "1 E=3e7 nu=0 G=1.5e7 t=0.1\n", supports,
+            "global_pressure_loads\n" + "".join(f"{i + 1} 0 0 {-load}\n" for i in range(len(triangles))) + "end\n",
+            "ShellFormulation Refined\n"))
+        moment, shear = load * length**2 / 8, 5 / 8 * load * length
+        line = [i for i in range(grid.grid.GetNumberOfPoints()) if grid.place(i)[0] == length]
+        self.assertEqual(len(line), 2 * 5)
+        shears = sorted(grid.points["Shear force"][i][0] for i in line)
+        # With 32 elements to the span.
+        for found, exact in zip(shears, [-shear] * 5 + [shear] * 5):
+            self.assertAlmostEqual(found, exact, delta=0.1 * shear)
+        for i in line:
+            self.assertAlmostEqual(abs(grid.points["Moment"][i][0]), moment, delta=0.03 * moment)
+
+    def test_principal_values_at_points(self):
+        """They are the eigenvalues of the point's own components, with their directions in space."""
+        grid, _, _ = self.stretched(math.radians(10))
+        for name, of, direction in (("Principal membrane force at nodes", "Membrane force", "Direction of N1"),
+                                    ("Principal moment at nodes", "Moment", "Direction of M1")):
+            for i, (first, second) in enumerate(grid.points[name]):
+                x, y, xy = grid.points[of][i]
+                self.assertGreaterEqual(first, second)
+                self.assertAlmostEqual(first + second, x + y, delta=1e-9)
+                self.assertAlmostEqual(first * second, x * y - xy * xy, delta=1e-6)
+                self.assertAlmostEqual(math.hypot(*grid.points[direction][i]), 1.0, places=12)
+        # 300, 100 and 50 along the global axes, whatever the local ones: the tensor times the vector.
+        for i, (first, _) in enumerate(grid.points["Principal membrane force at nodes"]):
+            u, v, w = grid.points["Direction of N1"][i]
+            self.assertAlmostEqual(first, 200 + math.hypot(100, 50), delta=2e-3)  # six digits
+            self.assertAlmostEqual(300 * u + 50 * v, first * u, delta=1e-2)
+            self.assertAlmostEqual(50 * u + 100 * v, first * v, delta=1e-2)
+            self.assertEqual(w, 0.0)
+        self.assertEqual([grid.units[name] for name in ("Principal moment at nodes", "Direction of M1",
+                                                        "Shear force vector")],
+                         ["force*length/length", "", "force/length"])
+
+    def test_the_shear_vector_is_in_space(self):
+        grid = self.grid_of(FRAME_WITH_SLAB)
+        cell = [int(row[0]) for row in grid.cells["Element"]].index(21)
+        x, y = grid.cells["Local x"][cell], grid.cells["Local y"][cell]
+        for point in grid.points_of(cell):
+            qx, qy = grid.points["Shear force"][point]
+            for found, a, b in zip(grid.points["Shear force vector"][point], x, y):
+                self.assertAlmostEqual(found, qx * a + qy * b, delta=1e-12 * (abs(qx) + abs(qy)))
+        beam = [int(row[0]) for row in grid.cells["Element"]].index(11)
+        self.assertEqual(grid.points["Shear force vector"][grid.points_of(beam)[0]], (0.0,) * 3)
 
     def stretched(self, angle):
         """A sheet under uniform tension in two directions and shear. Every second square has a
@@ -308,7 +399,8 @@ class Vtu(unittest.TestCase):
         for axis in range(3):
             parts = [row[axis] for name in ("Nodal force", "Reaction force") for row in grid.points.get(name, [])]
             for name, size in loads.items():
-                parts += [row[axis] * size(cell) for cell, row in enumerate(grid.cells[name]) if row[axis]]
+                parts += [row[axis] * size(cell) for cell, row in enumerate(grid.cells[name])
+                          if not math.isnan(row[axis])]
             self.assertGreater(len([part for part in parts if part]), 1)
             # Reactions have six digits.
             self.assertAlmostEqual(sum(parts), 0.0, delta=1e-5 * sum(abs(part) for part in parts))
@@ -365,9 +457,15 @@ class Vtu(unittest.TestCase):
         for name in ("t", "Ey", "nuXY"):
             self.nan_outside(grid.cells[f"Material {name}"], set(shells))
         self.nan_outside(grid.cells["Material Ex"], set(beams + shells))
-        for name in ("Displacement", "Reaction force", "Nodal force"):
+        for name in ("Principal membrane force at nodes", "Principal moment at nodes"):
+            self.nan_outside(grid.points[name], nodes_of_shells)
+        for name in ("Displacement", "Reaction force", "Nodal force", "Direction of M1", "Shear force vector"):
             self.nan_outside(grid.points[name], set(range(grid.grid.GetNumberOfPoints())))
-        self.assertEqual([grid.cells[name][vertex] for name in ("Local x", "Line load")], [(0.0,) * 3] * 2)
+        for name in ("Surface load", "Edge load, edge 2"):
+            self.nan_outside(grid.cells[name], set(shells))
+        for name in ("Line load", "Line torque", "Free strain"):
+            self.nan_outside(grid.cells[name], set(beams))
+        self.assertEqual(grid.cells["Local x"][vertex], (0.0,) * 3)
 
     def nan_outside(self, rows, inside):
         for i, row in enumerate(rows):

@@ -167,6 +167,25 @@ TEST(Extremes, OfShellsArePrincipalValues)
   EXPECT_EQ(TextOf(Of(extremes, "shell moment")), "-6 [force*length/length] in shell 4");
 }
 
+TEST(Extremes, OfShellsAreThePrincipalValuesOfTheFilesWhereTheyHaveSome)
+{
+  model::Model model;
+  model.nodes = {{1, {}}};
+  model.elements = {BeamOf(4, 0)};
+  model.elements.front().kind = model::Kind::Shell;
+  model.elements.front().points = 1;
+  results::Results results;
+  results.nodes.resize(1);
+  results.shellLocal = results.shellMain = true;
+  results.shellPoints.resize(1);
+  // Smoothed principal values are not those of the smoothed local values.
+  results.shellPoints[0].local = {3.0, -5.0, 3.0, 3.0, -5.0, -3.0, 0.0, 0.0};
+  results.shellPoints[0].main = {4.5, -6.5, -7.0, 4.0, 0.0, 0.0};
+  const std::vector<Extreme> extremes = ExtremesOf(model, results);
+  EXPECT_EQ(TextOf(Of(extremes, "shell force")), "-6.5 [force/length] in shell 4");
+  EXPECT_EQ(TextOf(Of(extremes, "shell moment")), "-7 [force*length/length] in shell 4");
+}
+
 TEST(Extremes, MergedKeepTheLarger)
 {
   std::vector<Extreme> all;

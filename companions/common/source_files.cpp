@@ -42,11 +42,26 @@ void RefuseInputs(const fs::path& output, std::span<const fs::path> inputs, std:
   Fatal("error: ", output.string(), " is read and can't be written\n");
 }
 
+namespace {
+
+// The path without links, "." and "..", also of a file that is absent.
+fs::path Resolved(const fs::path& name)
+{
+  std::error_code failed;
+  const fs::path whole = fs::absolute(name, failed);
+  const fs::path resolved = fs::weakly_canonical(whole, failed);
+  return failed ? name : resolved;
+}
+
+}  // namespace
+
 void RefuseEqual(std::span<const std::optional<fs::path>> outputs)
 {
   const auto areOne = [](const fs::path& a, const fs::path& b) {
+    if (IsStandardOutput(a) || IsStandardOutput(b))
+      return IsStandardOutput(a) && IsStandardOutput(b);
     std::error_code absent;
-    return a == b || (IsStandardOutput(a) && IsStandardOutput(b)) || fs::equivalent(a, b, absent);
+    return Resolved(a) == Resolved(b) || fs::equivalent(a, b, absent);
   };
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     for (std::size_t k = 0; k < i; ++k) {

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <string>
+
 #include "support/fatal.h"
 #include "support/run.h"
 
@@ -83,6 +88,33 @@ TEST(SourceFiles, InputsAreRefusedUnderEveryName)
   ExpectFatal([&] { RefuseInputs(inputs[1], inputs); },
               Refusal(inputs[1], "read and can't be written"));
   EXPECT_EQ(errorwriter.Hint(), "");
+}
+
+TEST(SourceFiles, OneOutputUnderTwoNamesIsRefused)
+{
+  const TemporaryFolder folder;
+  folder.Write("there", "x");
+  folder.Link("link", "there");
+  fs::create_directory(folder.Path() / "sub");
+  const auto refuse = [&](const fs::path& one, const fs::path& two) {
+    const std::array<std::optional<fs::path>, 3> files{one, std::nullopt, two};
+    RefuseEqual(files);
+  };
+  const fs::path there = folder.Path() / "there";
+  const fs::path absent = folder.Path() / "new.vtu";
+  for (const fs::path& other : {there, folder.Path() / "link", folder.Path() / "sub/../there"})
+    ExpectFatal([&] { refuse(there, other); },
+                "error: two outputs are written to " + other.string() + "\n");
+  for (const fs::path& other : {absent, folder.Path() / "./new.vtu",
+                                folder.Path() / "sub/../new.vtu", fs::proximate(absent)})
+    ExpectFatal([&] { refuse(absent, other); },
+                "error: two outputs are written to " + other.string() + "\n");
+  for (const char* name : {"-", "/dev/stdout"})
+    ExpectFatal([&] { refuse("-", name); },
+                std::string("error: two outputs are written to ") + name + "\n");
+  refuse(absent, folder.Path() / "sub/new.vtu");
+  refuse("-", "./-");
+  refuse(absent, there);
 }
 
 }  // namespace morlen

@@ -1,11 +1,13 @@
 #include "case_file/case_results.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <optional>
 #include <vector>
 
 #include "base/temporary_file.h"
+#include "case_file/case_facts.h"
 #include "case_file/envelope_files.h"
 #include "case_file/names.h"
 #include "case_file/results_of.h"
@@ -48,9 +50,9 @@ void SpareInputs(const Study& study, const Selection& selection, const fs::path&
     results.push_back(FileNameOf(study.envelopes[index].name));
   for (const fs::path& input : study.inputs) {
     const std::string name = input.filename().string();
-    if (name == collection || std::any_of(results.begin(), results.end(), [&](const auto& result) {
-          return IsResult(name, result);
-        }))
+    if (name == collection || name == "run.csv" ||
+        std::any_of(results.begin(), results.end(),
+                    [&](const auto& result) { return IsResult(name, result); }))
       RefuseInputs(folder / name, study.inputs,
                    "a result would have its name; -o names another folder for the results");
   }
@@ -65,7 +67,8 @@ public:
         solved(cases_),
         formats(targets.formats),
         folder(targets.folder),
-        stem(targets.stem)
+        stem(targets.stem),
+        run{KnownRun::State::Matches, FactsOfAll(solved, *study.problem)}
   {
   }
 
@@ -78,6 +81,8 @@ public:
     for (const int index : selection.envelopes)
       WriteEnvelope(study, solved, study.envelopes[index],
                     {formats.contains("csv"), formats.contains("json")}, folder);
+    if (formats.contains("csv"))
+      WriteCsv(std::array{RunTable(run)}, folder, "");
   }
 
 private:
@@ -104,8 +109,9 @@ private:
     if (csv)
       WriteCsv(tables, folder, FileNameOf(combination.name) + ".");
     if (json)
-      WriteJson({"morlen-results", "morlen-cases", JsonOf(study, combination)}, study.model,
-                study.modelFile, tables, FileOf(combination, ".json"));
+      WriteJson({"morlen-results", "morlen-cases",
+                 JsonOf(study, combination) + ",\"run\":" + morlen::JsonOf(run)},
+                study.model, study.modelFile, tables, FileOf(combination, ".json"));
   }
 
   // In the formats of the program.
@@ -143,6 +149,7 @@ private:
   const std::set<std::string>& formats;
   const fs::path& folder;
   const std::string& stem;
+  const KnownRun run;
 };
 
 }  // namespace

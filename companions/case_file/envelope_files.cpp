@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <numeric>
 
+#include "case_file/case_facts.h"
 #include "case_file/names.h"
 #include "cases/envelope.h"
 #include "check/joined.h"
@@ -159,13 +160,15 @@ nlohmann::ordered_json MembersOf(const Study& study, const Combination& combinat
   return {{"name", ToUtf8(combination.name)}, {"factors", factors}};
 }
 
-std::string JsonOfEnvelope(const Study& study, const Envelope& envelope)
+std::string JsonOfEnvelope(const Study& study, const SolvedCases& cases, const Envelope& envelope)
 {
   nlohmann::ordered_json list = nlohmann::ordered_json::array();
   for (const int member : envelope.members)
     list.push_back(MembersOf(study, study.combinations[member]));
-  return check::Joined("\"name\":", nlohmann::ordered_json(ToUtf8(envelope.name)).dump(),
-                       ",\"combinations\":", list.dump());
+  return check::Joined(
+      "\"name\":", nlohmann::ordered_json(ToUtf8(envelope.name)).dump(),
+      ",\"combinations\":", list.dump(),
+      ",\"run\":", morlen::JsonOf({KnownRun::State::Matches, FactsOfAll(cases, *study.problem)}));
 }
 
 /// Writes the files of one envelope.
@@ -183,10 +186,10 @@ public:
   void Write()
   {
     if (formats.json)
-      json.emplace(
-          FileWith(".json"),
-          JsonTables::Head{"morlen-envelope", "morlen-cases", JsonOfEnvelope(study, envelope)},
-          study.model, study.modelFile);
+      json.emplace(FileWith(".json"),
+                   JsonTables::Head{"morlen-envelope", "morlen-cases",
+                                    JsonOfEnvelope(study, cases, envelope)},
+                   study.model, study.modelFile);
     summary = check::Joined("Envelope ", envelope.name, "\n\n");
     for (const Combination& one : combinations)
       summary += check::Joined("  ", one.name, " = ", TextOf(study, one), "\n");

@@ -89,16 +89,6 @@ std::vector<std::string> AdviceOnAll(const cases::Study& study,
 
 }  // namespace
 
-RunFacts FactsOfAll(const SolvedCases& solved, const Problem& problem)
-{
-  SolutionAccuracy worst;
-  for (int k = 0; k < solved.Count(); ++k) {
-    worst.error = std::max(worst.error, solved.Accuracy(k).error);
-    worst.residual = std::max(worst.residual, solved.Accuracy(k).residual);
-  }
-  return FactsOf(solved.Account(), worst, problem.Equations());
-}
-
 CaseBalances WriteCaseReport(const cases::Study& study, const std::vector<CaseActions>& actions,
                              const SolvedCases& solved, const CaseReportTexts& texts,
                              const fs::path& output, AtomicFile::By writer)

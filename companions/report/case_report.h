@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "case_file/case_facts.h"
 #include "common/atomic_file.h"
 #include "common/command_line.h"
 #include "common/run_record.h"
@@ -36,9 +37,6 @@ struct CaseBalances
 /// Found when loads and reactions of a case are not in equilibrium. Fatal when the page cannot be
 /// made, and in a program without load cases.
 ExitStatus ReportCases(const std::filesystem::path& file, const std::filesystem::path& output);
-
-/// How the cases were solved: residual and error of the worst one.
-RunFacts FactsOfAll(const SolvedCases& solved, const Problem& problem);
 
 /// Writes the page of load cases that are solved. actions: of the study before its solution. Fatal
 /// when the page cannot be written.

@@ -69,8 +69,12 @@ def check_run(folder):
     done = run(folder, CASES, "hall.cases")
     require(done.returncode == 0, done.stderr)
     written = sorted(path.name for path in (folder / "hall.results").iterdir())
-    require(written == sorted(f"{e}.{t}" for e in members for t in
-                              ("beam_forces.csv", "displacements.csv", "reactions.csv", "summary.txt")), written)
+    require(written == sorted(["run.csv"] + [f"{e}.{t}" for e in members for t in (
+        "beam_forces.csv", "displacements.csv", "reactions.csv", "summary.txt")]), written)
+    head, facts = (line.split(",") for line in (folder / "hall.results" / "run.csv").read_text().splitlines())
+    facts = dict(zip(head, facts))
+    require(facts["solver"] == "SkyLine" and 0 < float(facts["residual [1]"]) < 1e-12
+            and 0 < float(facts["estimated_error [1]"]) < 1e-10, facts)
     done = run(folder, CASES, "hall.cases", "-o", "all", "--formats", "csv,json,text,post,vtu", "--write", "*")
     require(done.returncode == 0, done.stderr)
     results = folder / "all"
@@ -120,6 +124,7 @@ def check_combinations(results, combinations, cases):
                 require(all(abs(r[3] - (r[0] ** 2 + r[1] ** 2) ** 0.5) <= 1e-12 * r[3] + 1e-300 for r in found.values()),
                         name, "length of the displacement")
     data = json.loads((results / "6.10_3.json").read_text())
+    require(data["run"]["solver"] == "SkyLine" and 0 < data["run"]["estimatedError"] < 1e-10, data["run"])
     require(data["name"] == "6.10/3" and data["factors"] == {"G": 1.35, "Q": 1.5}, data["factors"])
     table = [[float(cell) for cell in row] for row in rows_of(results / "6.10_3.reactions.csv")[1:]]
     require(data["tables"]["reactions"]["rows"] == table, "JSON and CSV differ")
@@ -151,6 +156,7 @@ def check_envelope(results, name, members, combinations):
             require(all(shortest(cell) for cell in row[start:]), row)
         data = json.loads((results / f"{name}.json").read_text())
         require(data["format"] == "morlen-envelope", data["format"])
+        require(data["run"]["solver"] == "SkyLine" and 0 < data["run"]["residual"] < 1e-12, data["run"])
         require([c["name"] for c in data["combinations"]] == members, "members")
         require(all(c["factors"] == combinations[c["name"]] for c in data["combinations"]), "factors")
         require([[str(cell) for cell in row[:start]] for row in data["tables"][table]["rows"]] ==

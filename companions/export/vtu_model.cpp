@@ -101,6 +101,7 @@ void AddFlags(VtuGrid& grid, const model::Model& model)
 {
   constexpr const char* kNames[] = {"X", "Y", "Z", "RX", "RY", "RZ"};
   std::vector<const char*> names;
+  names.reserve(model.components);
   for (int k = 0; k < model.components; ++k)
     names.push_back(kNames[model.PlaceInSpace(k)]);
   std::vector<std::array<std::int32_t, 6>> flags(model.nodes.size());

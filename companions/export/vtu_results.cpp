@@ -133,12 +133,14 @@ void Adder::AddShellCorners(const ShellCorners& corners)
   }
 }
 
-/// Principal values of a tensor at a point, the larger one first, and the unit vector along which
-/// the first acts; NaN and no vector without shells.
-struct Principal
+/// What follows from the forces of a group: principal values, the larger one first, unit vectors
+/// along which the first ones act, and the shear as a vector, along which it is largest. Without
+/// shells NaN, and vectors of length 0.
+struct DerivedForces
 {
-  std::array<double, 2> values;
-  Vec3 direction;
+  std::array<double, 2> N, M;
+  Vec3 directionOfN{}, directionOfM{};
+  Vec3 shear{};
 };
 
 Vec3 InPlane(const std::array<Vec3, 3>& axes, double x, double y)
@@ -149,65 +151,61 @@ Vec3 InPlane(const std::array<Vec3, 3>& axes, double x, double y)
   return vector;
 }
 
-// Mohr's circle: m ± r with m = (a + b) / 2, r = √(((a - b) / 2)² + c²); the first value is along
-// the angle ½ atan2(2c, a - b) from x'. Source: S. Timoshenko, J. N. Goodier, Theory of Elasticity,
-// 3rd ed. 1970, § 9.
-Principal PrincipalOf(const model::Model& model, const ShellCorners::Group& group, int first)
+// Mohr's circle of the tensor [a c; c b] at t: m ± r with m = (a + b) / 2, r = √(((a - b) / 2)² +
+// c²). Source: S. Timoshenko, J. N. Goodier, Theory of Elasticity, 3rd ed. 1970, § 9.
+std::array<double, 2> PrincipalOf(const double* t)
 {
-  const double a = group.forces[first];
-  const double b = group.forces[first + 1];
-  const double c = group.forces[first + 2];
-  const double middle = (a + b) / 2.0;
-  const double radius = std::hypot((a - b) / 2.0, c);
-  Principal principal{{middle + radius, middle - radius}, {}};
-  if (group.first >= 0) {
-    const double angle = 0.5 * std::atan2(2.0 * c, a - b);
-    principal.direction =
-        InPlane(model.elements[group.first].axes, std::cos(angle), std::sin(angle));
-  }
-  return principal;
+  const double middle = (t[0] + t[1]) / 2.0;
+  const double radius = std::hypot((t[0] - t[1]) / 2.0, t[2]);
+  return {middle + radius, middle - radius};
 }
 
-// The shear force as a vector: along it the shear is largest, and across it there is none.
-Vec3 ShearOf(const model::Model& model, const ShellCorners::Group& group)
+// The first principal value acts along x' turned by ½ atan2(2c, a - b).
+Vec3 DirectionOf(const double* t, const std::array<Vec3, 3>& axes)
 {
-  return group.first < 0
-             ? Vec3{}
-             : InPlane(model.elements[group.first].axes, group.forces[6], group.forces[7]);
+  const double angle = 0.5 * std::atan2(2.0 * t[2], t[0] - t[1]);
+  return InPlane(axes, std::cos(angle), std::sin(angle));
+}
+
+DerivedForces DerivedOf(const model::Model& model, const ShellCorners::Group& group)
+{
+  const double* N = group.forces.data();
+  const double* M = N + 3;
+  const double* Q = N + 6;
+  DerivedForces derived{PrincipalOf(N), PrincipalOf(M)};
+  if (group.first < 0)
+    return derived;
+  const std::array<Vec3, 3>& axes = model.elements[group.first].axes;
+  derived.directionOfN = DirectionOf(N, axes);
+  derived.directionOfM = DirectionOf(M, axes);
+  derived.shear = InPlane(axes, Q[0], Q[1]);
+  return derived;
 }
 
 void Adder::AddPrincipalForces(const ShellCorners& corners)
 {
-  const int copies = static_cast<int>(corners.CopiedNodes().size());
-  const auto add = [&](const ArrayName& name, int components, auto of,
+  const std::size_t nodes = model.nodes.size();
+  std::vector<DerivedForces> list;  // of nodes, then of copies
+  list.reserve(nodes + corners.CopiedNodes().size());
+  for (std::size_t i = 0; i < nodes + corners.CopiedNodes().size(); ++i) {
+    const bool isNode = i < nodes;
+    list.push_back(DerivedOf(model, isNode ? corners.OfNode(static_cast<int>(i))
+                                           : corners.OfCopy(static_cast<int>(i - nodes))));
+  }
+  const auto add = [&](const ArrayName& name, int components, auto member,
                        VtuGrid::Values (*none)(int)) {
-    // The function gives values that live as long as its result.
-    using Item = decltype(of(corners.OfNode(0)));
-    std::vector<Item> ofNodes, ofCopies;
-    for (int i = 0; i < static_cast<int>(model.nodes.size()); ++i)
-      ofNodes.push_back(of(corners.OfNode(i)));
-    for (int i = 0; i < copies; ++i)
-      ofCopies.push_back(of(corners.OfCopy(i)));
     grid.AddPointArray(name, components,
-                       {.ofNode = [&](int i) { return Values(ofNodes[i]); },
+                       {.ofNode = [&](int i) { return Values(list[i].*member); },
                         .ofBeamPoint = none,
-                        .ofCopy = [&](int i) { return Values(ofCopies[i]); }});
+                        .ofCopy = [&](int i) { return Values(list[nodes + i].*member); }});
   };
-  using Group = ShellCorners::Group;
-  const auto values = [this](int first) {
-    return [this, first](const Group& group) { return PrincipalOf(model, group, first).values; };
-  };
-  const auto direction = [this](int first) {
-    return [this, first](const Group& group) { return PrincipalOf(model, group, first).direction; };
-  };
-  add({"Principal membrane force at nodes", units.ForcePer(1), {"N1", "N2"}}, 2, values(0),
+  add({"Principal membrane force at nodes", units.ForcePer(1), {"N1", "N2"}}, 2, &DerivedForces::N,
       NoValue);
-  add({"Direction of N1"}, 3, direction(0), NoForce);
-  add({"Principal moment at nodes", units.MomentPerLength(), {"M1", "M2"}}, 2, values(3), NoValue);
-  add({"Direction of M1"}, 3, direction(3), NoForce);
-  add(
-      {"Shear force vector", units.ForcePer(1)}, 3,
-      [this](const Group& group) { return ShearOf(model, group); }, NoForce);
+  add({"Direction of N1"}, 3, &DerivedForces::directionOfN, NoForce);
+  add({"Principal moment at nodes", units.MomentPerLength(), {"M1", "M2"}}, 2, &DerivedForces::M,
+      NoValue);
+  add({"Direction of M1"}, 3, &DerivedForces::directionOfM, NoForce);
+  add({"Shear force vector", units.ForcePer(1)}, 3, &DerivedForces::shear, NoForce);
 }
 
 // Adds arrays of cells with forces of shells.

@@ -82,6 +82,7 @@ std::vector<std::string> AdviceOnAll(const cases::Study& study,
   const SolverType solver = problem.solverSettings.type;
   const bool iterated = solver == SolverType::Sparse || solver == SolverType::Double;
   std::vector<std::string> advice;
+  advice.reserve(balances.size());
   for (const Equilibrium& one : balances)
     advice.push_back(AdviceOf(one, study.model, problem.shellFormulation, iterated));
   return advice;

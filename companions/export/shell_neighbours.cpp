@@ -113,7 +113,7 @@ int ShellNeighbours::FindBeyond(int element, int edge) const
     return -1;
   const model::Element& other = model.elements[found];
   const bool jumps = !AxesAgree(shell, other) || !SectionsAgree(model, shell, other) ||
-                     HasBeam(shell, edge) || HasBeam(other, edgeOfFound) ||
+                     HasBeam(shell, edge) ||
                      IsHeld(nodes, OppositeNode(shell, edge), OppositeNode(other, edgeOfFound));
   return jumps ? -1 : found;
 }

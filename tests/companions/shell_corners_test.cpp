@@ -243,7 +243,8 @@ TEST(ShellCorners, NodesWithoutShellsAreNotANumber)
 {
   Pair pair(0.0);
   pair.model.nodes.push_back({5, {9, 9, 9}});
-  for (const double value : ShellCorners(pair.model, pair.points).OfNode(4).forces)
+  const ShellCorners corners(pair.model, pair.points);
+  for (const double value : corners.OfNode(4).forces)
     EXPECT_TRUE(std::isnan(value));
 }
 

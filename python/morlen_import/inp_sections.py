@@ -12,6 +12,7 @@ import numpy as np
 from morlen_import import inp_cards
 from morlen_import.fault import Fault, count_of, shown
 from morlen_import.model import Material
+from morlen_import.writer import number_text
 
 SECTION_TYPES = {
     "SOLID SECTION": ("C3D4", "C3D10"),
@@ -23,6 +24,12 @@ _BEAM_VALUES = {
     "CIRC": ("two diameters", 2),
     "PIPE": ("the outer radius and the wall", 2),
     "GENERAL": ("A, I11, I12, I22 and the torsion constant", 5),
+}
+_SHAPE_WORDS = {
+    "RECT": "RECT, {} along y', {} along z'",
+    "CIRC": "CIRC, diameter {}",
+    "PIPE": "PIPE, outer radius {}, wall {}",
+    "GENERAL": "GENERAL",
 }
 _PARALLEL = 1e-6
 
@@ -41,12 +48,21 @@ class Substance:
 
 @dataclass
 class Section:
-    """A section: its card, its material, and the values of the problem file that its shape gives."""
+    """A section: its card, its material, and the values of the problem file that its shape gives.
+
+    `words` tells the shape of beams with its measures, for a comment: the values alone do not show the widths.
+    """
 
     card: object
     substance: Substance
     shape: dict = field(default_factory=dict)
     n1: tuple = (0.0, 0.0, -1.0)
+    words: str = ""
+
+    def title(self):
+        """The comment of its material in the problem file."""
+        title = f"{self.card.keyword.capitalize()} of {self.card.parameters['ELSET']}: {self.substance.name}"
+        return f"{title}; {self.words}" if self.words else title
 
     def mass_factor(self):
         """Volume per size of the element: 1 for solids, the thickness of shells, the area of beams."""
@@ -127,7 +143,7 @@ class SectionReader:
         elif card.keyword == "SHELL SECTION":
             section.shape = {"t": _thickness(card)}
         else:
-            section.shape, n1 = _beam_shape(card)
+            section.shape, section.words, n1 = _beam_shape(card)
             section.n1 = n1 or section.n1
         self.sections.append(section)
 
@@ -177,7 +193,7 @@ def _thickness(card):
 
 
 def _beam_shape(card):
-    """Values of the section's shape, and n1 if it is given."""
+    """Values of the section's shape, its words, and n1 if it is given."""
     name = card.need("SECTION").upper()
     if name not in _BEAM_VALUES:
         raise card.fault(f"SECTION={shown(name)} is not read, only {', '.join(_BEAM_VALUES)}")
@@ -192,7 +208,8 @@ def _beam_shape(card):
     shape, fault = _SHAPES[name](*values)
     if fault:
         raise card.fault(fault, line, path)
-    return shape, _direction(card, *rows[1]) if len(rows) == 2 else None
+    words = _SHAPE_WORDS[name].format(*map(number_text, values))
+    return shape, words, _direction(card, *rows[1]) if len(rows) == 2 else None
 
 
 def _direction(card, path, line, fields):
@@ -317,8 +334,6 @@ class MaterialTable:
         return made[group.ravel()]
 
     def _append(self, section, angles):
-        name = section.card.keyword.capitalize()
-        comment = f"{name} of {section.card.parameters['ELSET']}: {section.substance.name}"
-        self.materials.append(Material(comment, {**section.values(), **angles}))
+        self.materials.append(Material(section.title(), {**section.values(), **angles}))
         self.sections.append(section)
         return len(self.materials)

@@ -58,6 +58,22 @@ def test_torsion_of_rectangles(imported, build, tmp_path, ratio, beta):
         assert J == pytest.approx(beta * 20 * ratio * 20**3, rel=5e-3)
 
 
+# The widths are no longer in the numbers of the record: a reader of the problem file finds them above it.
+@pytest.mark.parametrize(
+    "section, words",
+    [
+        ("RECT\n30., 80.", "RECT, 30 along y', 80 along z'"),
+        ("CIRC\n25.5, 25.5", "CIRC, diameter 25.5"),
+        ("PIPE\n30., 2.", "PIPE, outer radius 30, wall 2"),
+        ("GENERAL\n10., 1., 0., 2., 3.", "GENERAL"),
+    ],
+)
+def test_the_shape_of_a_section_is_a_comment(imported, build, tmp_path, section, words):
+    moved(imported, build, tmp_path, cantilever(section, (1, 0, 0), n1="0, 1, 0"))
+    lines = (tmp_path / "frame.dat").read_text().splitlines()
+    assert lines[lines.index("materials") + 1] == f"# Beam section of B: M; {words}"
+
+
 @pytest.mark.parametrize("kind", ["B31", "B31R", "B32", "B32R"])
 @pytest.mark.parametrize(
     "direction, n1, across, expected",

@@ -84,9 +84,15 @@ def rigid_link(r, _):
             ("sway of node 2", r.moved(2)[0], load * e * h * h / (2 * E * STEEL_I), 1e-5, 1e3)]
 
 
+def composite():
+    """Second moment of area of the girder with its strip of slab."""
+    e, slab, girder = 0.28, 0.16, 0.25 * 0.40
+    return slab**3 / 12 + 0.25 * 0.40**3 / 12 + e * e * slab * girder / (slab + girder)
+
+
 def girder_under_slab(r, _):
     q, length, e, slab, girder = 10, 6, 0.28, 0.16, 0.25 * 0.40
-    inertia = slab**3 / 12 + 0.25 * 0.40**3 / 12 + e * e * slab * girder / (slab + girder)
+    inertia = composite()
     moment = q * length**2 / 8
     axial = moment * e / inertia * slab * girder / (slab + girder)
     # 5 %: the girder follows the moment in steps between the links (the table of the page), and the slab lags.
@@ -100,6 +106,12 @@ def middle_of_girder(r):
     return min((u[2], n) for n, u in r.sections["NODAL DISPLACEMENTS"].items())[1]
 
 
+def girder_as_arch():
+    """Thrust of the girder whose axis, z below that of the whole section, is held at both ends."""
+    area, z = 0.16 + 0.25 * 0.40, 0.28 * 0.16 / (0.16 + 0.25 * 0.40)
+    return z * 10 * 6**2 / 12 / (composite() / area + z * z)
+
+
 def half_restraint(r, _):
     q, length, k = 20, 6, 10000
     return [("moment at the ends", r.reaction(1)[2], q * length**2 / 12 / (1 + 2 * E * GIRDER_I / (k * length)), 1e-5, 1)]
@@ -110,6 +122,15 @@ def spring_joint(r, _):
     # 1 %: the shear of the beam bends the short beams too.
     return [("moment at the ends", abs(r.ends(2)[0][2]),
              q * length**2 / 12 / (1 + 2 * E * GIRDER_I / (k * length)), 1e-2, 1)]
+
+
+def triangular_load(r, _):
+    q, length, pieces = 12, 6, 6
+    reaction = r.reaction(7)[1]
+    # The pieces carry uniform loads, whose resultants are not those of the triangle.
+    assert abs(q * length / 3 - reaction - q * length / (12 * pieces**2)) < 1e-4
+    return [("moment in the middle", abs(r.ends(3)[1][2]), q * length**2 / 16, 1e-5, 1),
+            ("Py of the right support", reaction, q * length / 3, 1e-2, 1)]
 
 
 def beam_on_bedding(r, _):
@@ -253,6 +274,18 @@ def series(folder, models):
         r = generated(folder, models, "girder_under_slab", size)
         deflection = girder_under_slab(r, None)[0]
         yield f"| {size:g} m |", [deflection[1] * 1e3], round(100 * (deflection[1] / deflection[2] - 1)) == percent
+    held = generated(folder, models, "girder_under_slab", 0.5, lambda text: text.replace("52 011100", "52 111100"))
+    thrust = held.reaction(40)[0]
+    # 2 %: the slab deforms by shear, and the girder follows the moment in steps.
+    yield "a thrust of", [thrust], abs(thrust / girder_as_arch() - 1) < 0.02
+    sunk = -held.moved(middle_of_girder(held))[2]
+    yield "and sinks by only", [sunk * 1e3], sunk < 0.65 * girder_under_slab(
+        generated(folder, models, "girder_under_slab", 0.5), None)[0][1]
+    for length, percent, words in ((0.02, 0.8, "0.8 % too small with l = L/300"), (0.06, 2.5, "2.5 % with L/100")):
+        moment = spring_of_length(folder, models, length)
+        exact = spring_joint(moment, None)[0][2]
+        error = 100 * (1 - abs(moment.ends(2)[0][2]) / exact)
+        yield words, [], abs(error - percent) < 0.05
     for size, percent in ((2, 9), (1, 2), (0.5, 0.5)):
         r = generated(folder, models, "beam_on_bedding", size)
         moment = max(abs(ends[1][2]) for ends in r.sections["ELEMENT STRENGTH"].values())
@@ -263,6 +296,14 @@ def series(folder, models):
                       lambda text: text.replace("G=1.25e7", "G=1.25e7 Gxz=1.25e9 Gyz=1.25e9"))
         _, program, exact, _, _ = slab_on_bedding(r, None)[0]
         yield words, [program * 1e3], abs(program / exact - 1) < 0.2 * size**2 + 0.01
+
+
+def spring_of_length(folder, models, length):
+    """Results of spring_joint.dat with other lengths of the short beams."""
+    text = (models / "spring_joint.dat").read_text()
+    for old, new in (("-0.02", -length), ("6.02", 6 + length), ("9.5238095e-7", 10000 * length / E)):
+        text = text.replace(old, f"{new:.9g}")
+    return Results(folder, "spring.dat", text)
 
 
 def refused_link(folder, models):

@@ -43,9 +43,10 @@ report_of space_frame
 picture "$work/space_frame.html" report.png member=7
 report_of cylindrical_vault
 picture "$work/cylindrical_vault.html" vault.png "colours=Nx'" loads=false
-for page in tutorial_slabs tutorial_solid; do
+for page in tutorial tutorial_slabs tutorial_solid; do
   "$python" tests/companions/check_tutorial.py --tolerance 0.01 --keep "$work/$page" "docs/$page.md" \
     "$build" "$build/companions"
 done
+picture "$work/tutorial/portal.html" portal.png "diagram=Bending moment Mz" member=2
 picture "$work/tutorial_slabs/pavilion.html" pavilion.png "colours=My'" loads=false
 picture "$work/tutorial_solid/cylinder.html" cylinder.png "colours=von Mises" loads=false

@@ -3,7 +3,7 @@
 
     generate.py MODEL [--size SIZE] > MODEL.dat
 
-Models: beam_on_bedding, slab_on_bedding, girder_under_slab, wall_temperature, block_temperature.
+Models: beam_on_bedding, slab_on_bedding, girder_under_slab, hinged_line, wall_temperature, block_temperature.
 --size is the distance of the nodes.
 """
 
@@ -84,6 +84,24 @@ def girder_under_slab(size=0.5):
     block("global_pressure_loads", [f"{n} 0 0 -10" for n in range(1, len(triangles) + 1)])
 
 
+def hinged_line(size=0.5):
+    half, gap, width = 3, 0.01, 1
+    count = round(half / size)
+    head("3d", "A hinge along a line: a strip of slab of 6 m by 1 m, clamped at its ends, hinged in the middle; 10 kN/m2.")
+    print("ShellFormulation Refined\nConvertTo6Nodes\n")
+    model = Model()
+    triangles = [t for x in (0, half + gap) for t in panel(model, (x, 0, 0), (half, 0, 0), (0, width, 0), count, 2)]
+    pairs = [(model.node(half, y, 0), model.node(half + gap, y, 0), 2) for y in (0, width / 2, width)]
+    mesh("Triangle", 3, numbered(model.nodes), numbered((*t, 1) for t in triangles))
+    mesh("Linear", 2, [], ["# links across the gap"] + numbered(pairs, 1001))
+    block("materials", ["1 E=3e7 nu=0 G=1.5e7 t=0.20", "# the links: 0.2 m by 0.2 m",
+                        "2 E=3e7 G=1.5e7 widthY=0.2 widthZ=0.2"])
+    block("constraints", [f"{n} 111111 0 0 0 0 0 0" for n, (x, _, _) in enumerate(model.nodes, 1)
+                          if x in (0, 2 * half + gap)])
+    block("elem_rotules", ["# the second end of every link is hinged"] + [f"{1001 + k} 10" for k in range(len(pairs))])
+    block("global_pressure_loads", [f"{n} 0 0 -10" for n in range(1, len(triangles) + 1)])
+
+
 def wall_temperature(size=1.0):
     length, height, t, free_force = 6, 3, 0.20, 3e7 * 0.20 * 1e-5 * 25 / (1 - 0.2)
     nx, nz = round(length / size), round(height / size)
@@ -137,6 +155,6 @@ if __name__ == "__main__":
     parser.add_argument("model")
     parser.add_argument("--size", type=float)
     options = parser.parse_args()
-    writers = (beam_on_bedding, slab_on_bedding, girder_under_slab, wall_temperature, block_temperature)
+    writers = (beam_on_bedding, slab_on_bedding, girder_under_slab, hinged_line, wall_temperature, block_temperature)
     writer = {function.__name__: function for function in writers}
     writer[options.model](*([options.size] if options.size else []))

@@ -228,6 +228,15 @@ def one_axis_hinge(r, _):
             ("My at the clamped end", abs(r.reaction(1)[4]), load / 2 * length / 2, 2e-2, 1)]
 
 
+def hinged_line(r, _):
+    q, half, ei = 10, 3, 3e7 * 0.2**3 / 12
+    # 0.5 %: the slab deforms by shear too (0.018 mm), and the gap is 10 mm wide.
+    return [("deflection of the hinge", -min(u[2] for u in r.sections["NODAL DISPLACEMENTS"].values()),
+             q * half**4 / (8 * ei), 5e-3, 1e3),
+            ("moment of the left end", -sum(min(v[4], 0) for v in r.sections["REACTIONS"].values()), q * half**2 / 2,
+             5e-3, 1)]
+
+
 def tension_diagonal(r, text):
     load, length, h, girder, bar = 30, 6, 4, 42.96e-4, 3.142e-4
     diagonal = (length**2 + h**2)**0.5

@@ -3,7 +3,8 @@
 
     generate.py MODEL [--size SIZE] > MODEL.dat
 
-Models: beam_on_bedding, slab_on_bedding, girder_under_slab, hinged_line, wall_temperature, block_temperature.
+Models: beam_on_bedding, slab_on_bedding, girder_under_slab, hinged_line, wall_temperature, slab_temperature,
+block_temperature.
 --size is the distance of the nodes.
 """
 
@@ -123,6 +124,29 @@ def wall_temperature(size=1.0):
     block("face_loads", ["# triangle, edge, force per length: outwards on the free edges"] + loads)
 
 
+def slab_temperature(size=1.0):
+    half, t, moment = 2, 0.20, 3e7 * 0.20**2 * 1e-5 * 20 / (12 * (1 - 0.2))
+    count = round(2 * half / size)
+    head("3d", "Temperature of slabs: a free slab of 4 m by 4 m, 0.20 m thick, its top 20 K warmer than its bottom.")
+    print(f"# E t2 alpha dT / (12 (1 - nu)) = {moment:g} kN m/m\nShellFormulation Refined\n")
+    model = Model()
+    triangles = list(panel(model, (-half, -half, 0), (2 * half, 0, 0), (0, 2 * half, 0), count, count))
+    mesh("Triangle", 3, numbered(model.nodes), numbered((*tri, 1) for tri in triangles))
+    block("materials", [f"1 E=3e7 nu=0.2 G=1.25e7 t={t:.2f}"])
+    block("constraints", ["# the middle", f"{model.node(0, 0, 0)} 111111 0 0 0 0 0 0"])
+
+    def side(place):
+        return (place > 0) - (place < 0) if abs(place) == half else 0
+
+    rows = []
+    for n, (x, y, _) in enumerate(model.nodes, 1):
+        along_x, along_y = (size / 2 if side(place) else size for place in (x, y))
+        moments = -side(y) * moment * along_x, side(x) * moment * along_y
+        if any(moments):
+            rows.append(f"{n} 0 0 0 {moments[0]:g} {moments[1]:g} 0")
+    block("nodal_point_loads", ["# the moment times the length of edge of each node: tension on top"] + rows)
+
+
 def block_temperature(size=1.0):
     traction = 3e7 * 1e-5 * 25 / (1 - 2 * 0.2)
     head("3d", "Temperature of solids: a block between two rigid walls, X = 0 and X = size, 25 K warmer.")
@@ -155,6 +179,7 @@ if __name__ == "__main__":
     parser.add_argument("model")
     parser.add_argument("--size", type=float)
     options = parser.parse_args()
-    writers = (beam_on_bedding, slab_on_bedding, girder_under_slab, hinged_line, wall_temperature, block_temperature)
+    writers = (beam_on_bedding, slab_on_bedding, girder_under_slab, hinged_line, wall_temperature, slab_temperature,
+               block_temperature)
     writer = {function.__name__: function for function in writers}
     writer[options.model](*([options.size] if options.size else []))

@@ -68,7 +68,7 @@ def check_figures(top, pages):
 
 
 def check_programs(top):
-    # morlen-import is no target of its own: it is there when CMake has found numpy.
+    # CMake alone makes morlen-import, when it finds numpy.
     build = (top / "scripts" / "demo.sh").read_text().partition("--target")[2].partition("--parallel")[0]
     built = {"morlen-import", *build.split()}
     for path in (*(top / "docs").glob("tutorial*.md"), top / "docs" / "cookbook.md"):

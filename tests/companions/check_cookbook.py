@@ -367,6 +367,18 @@ def rows_of(text, name):
     return rows
 
 
+def flags_at_planes(page):
+    """Faults of the table of symmetry: a mirror turns the displacement across it and the rotations about lines in it."""
+    for axis, name in enumerate("XYZ"):
+        turned = [int(i == axis) for i in range(3)] + [int(i != axis) for i in range(3)]
+        for kind, held in (("symmetric", turned), ("antisymmetric", [1 - flag for flag in turned])):
+            plane = "" if name == "Z" else "`" + "".join(str(held[i]) for i in (0, 1, 5)) + "` "
+            space, solid = "".join(map(str, held)), "".join(map(str, held[:3]))
+            row = f"| {name} = const, {kind} | {plane}| `{space}` | `{solid}` |"
+            if row not in page:
+                yield f"the page lacks {row}"
+
+
 def as_printed(value, text):
     """Whether a number is that of the page, at the page's digits."""
     number = re.search(r"[-−]?\d[\d.]*", text)[0].replace("−", "-")
@@ -381,6 +393,7 @@ def main():
     described = sections(page)
     files = sorted(path.stem for path in models.glob("*.dat"))
     faults = [f"{name}: the page lacks it, or the folder" for name in set(files) ^ set(described)]
+    faults += flags_at_planes(page)
     with tempfile.TemporaryDirectory() as folder:
         for name in files:
             text = (models / f"{name}.dat").read_text()

@@ -5,28 +5,15 @@
 
 #include "base/errorwriter.h"
 #include "common/standard_output.h"
-#include "problem/problem_file.h"
 
 namespace morlen {
 
 namespace fs = std::filesystem;
 
-bool IsCaseFile(std::string_view name)
-{
-  return name.ends_with(".cases");
-}
-
 void RefuseSources(const fs::path& output)
 {
-  std::error_code absent;
-  const fs::path present = fs::canonical(output, absent);
-  // The opening of a pipe, to look for a problem file, would wait for its writer.
-  if (absent || !fs::is_regular_file(present, absent))
-    return;
-  if (IsProblemFile(present))
-    Fatal("error: ", output.string(), " is a problem file and would be written over\n");
-  if (IsCaseFile(output.native()) || IsCaseFile(present.native()))
-    Fatal("error: ", output.string(), " is a file of load cases and would be written over\n");
+  if (const char* kind = KindOfSource(output))
+    Fatal("error: ", output.string(), " is ", kind, " and would be written over\n");
 }
 
 void RefuseInputs(const fs::path& output, std::span<const fs::path> inputs, std::string_view hint)

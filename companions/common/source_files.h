@@ -5,11 +5,10 @@
 #include <span>
 #include <string_view>
 
+#include "problem/problem_file.h"
+
 // The files that a user has written and that no result may replace.
 namespace morlen {
-
-/// True for names of files of load cases: they end in ".cases".
-bool IsCaseFile(std::string_view name);
 
 /// Fatal when the file to be written exists and is a problem file or a file of load cases, also
 /// under the name of a link.

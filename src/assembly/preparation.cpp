@@ -25,8 +25,7 @@ SolverChoice ChooseSolver(Problem& problem, const ElementFamilies& families,
   PrepareForSkyline(problem, options.renumber);
   const long long equations = static_cast<long long>(problem.numNodes) * problem.components.count;
   if (equations < kChoiceFrom)
-    return {.reason = std::to_string(equations) + " equations are less than " +
-                      std::to_string(kChoiceFrom)};
+    return {.reason = "the usual method below " + std::to_string(kChoiceFrom) + " equations"};
   SolverWork work = EstimateWork(problem, families);
   work.loadVectors = options.loadVectors;
   const int n = problem.components.count;

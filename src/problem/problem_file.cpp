@@ -77,4 +77,21 @@ bool IsProblemFile(const std::string& name)
   return BeginsLikeProblem(start);
 }
 
+bool IsCaseFile(std::string_view name)
+{
+  return name.ends_with(".cases");
+}
+
+const char* KindOfSource(const std::string& name)
+{
+  // The opening of a pipe, to look for a problem file, would wait for its writer.
+  std::error_code absent;
+  const fs::path present = fs::canonical(name, absent);
+  if (absent || !fs::is_regular_file(present, absent))
+    return nullptr;
+  if (IsProblemFile(present))
+    return "a problem file";
+  return IsCaseFile(name) || IsCaseFile(present.native()) ? "a file of load cases" : nullptr;
+}
+
 }  // namespace morlen

@@ -14,4 +14,11 @@ bool BeginsLikeProblem(std::string_view text);
 /// that cannot be read, never count.
 bool IsProblemFile(const std::string& name);
 
+/// True for the name of a file of load cases: it ends with ".cases".
+bool IsCaseFile(std::string_view name);
+
+/// How a file that a user has written is called, "a problem file" or "a file of load cases". Null
+/// for other files, and for a name without a regular file: these may be written over.
+const char* KindOfSource(const std::string& name);
+
 }  // namespace morlen

@@ -72,6 +72,17 @@ std::FILE* OpenFile(const char* name)
   return file;
 }
 
+// Each message is flushed: a failed write of any of them shows here.
+void Close(std::FILE* info, const char* name)
+{
+  const bool isWhole = std::ferror(info) == 0;
+  if (std::fclose(info) == 0 && isWhole)
+    return;
+  Explain("the results are complete; information is missing in ",
+          IsStandardOutput(name) ? "the standard output" : name);
+  Fatal("error: Failed writing to disk. Probably the disk is full\n");
+}
+
 // The name with another ending after its last '.', which may be in the name of a folder.
 std::string NameWithEnding(const std::string& name, const char* ending)
 {
@@ -115,7 +126,7 @@ std::vector<RunFile> FilesOf(const Options& options, const ResultNames& results)
 void RequireFreeToWrite(const std::vector<RunFile>& files)
 {
   RequireDifferentFiles(files);
-  RequireNoProblemFile({files.begin() + 1, files.end()});
+  RequireNoSource({files.begin() + 1, files.end()});
 }
 
 void PrintUsage(const char* program)
@@ -174,7 +185,7 @@ int RunMorlen(int argc, char** argv, const SolverKit& kit)
   if (info) {
     const double seconds = static_cast<double>(std::clock() - start) / 1e6;
     Progress(info, "Total time = %.2g min. = %.2g seg.\n", seconds / 60.0, seconds);
-    std::fclose(info);
+    Close(info, options.infoName);
   }
   return 0;
 }

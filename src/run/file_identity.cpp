@@ -65,15 +65,15 @@ void RequireDifferentFiles(const std::vector<RunFile>& files)
   }
 }
 
-void RequireNoProblemFile(const std::vector<RunFile>& outputs)
+void RequireNoSource(const std::vector<RunFile>& outputs)
 {
   for (const RunFile& file : outputs) {
-    if (file.isStandardOutput || !IsProblemFile(file.name))
+    const char* kind = file.isStandardOutput ? nullptr : KindOfSource(file.name);
+    if (!kind)
       continue;
     Explain("a run takes one problem file, after the options; the files that it writes have other ",
             "names");
-    Fatal("error: the ", file.role, " ", file.name,
-          " is a problem file and would be written over\n");
+    Fatal("error: the ", file.role, " ", file.name, " is ", kind, " and would be written over\n");
   }
 }
 

@@ -17,8 +17,8 @@ struct RunFile
 /// named several times.
 void RequireDifferentFiles(const std::vector<RunFile>& files);
 
-/// Fatal when one of the files to be written exists and begins like a problem file.
-void RequireNoProblemFile(const std::vector<RunFile>& outputs);
+/// Fatal when one of the files to be written is a problem file or a file of load cases.
+void RequireNoSource(const std::vector<RunFile>& outputs);
 
 /// True when the file is one of the others under any name.
 bool IsAmong(const RunFile& file, const std::vector<RunFile>& others);

@@ -135,7 +135,7 @@ TEST(LoadVectors, TellTheSolverAndTheReason)
   EXPECT_EQ(direct.iterations, 0);
   const auto chosen = Cantilever("");
   EXPECT_EQ(Analyse(*chosen, FamiliesOf(*chosen), {}).account.reason,
-            "9 equations are less than 15000");
+            "the usual method below 15000 equations");
   const auto iterated = Cantilever("Solver Sparse 1e-12 1e-12 100");
   const SolverAccount sparse = Analyse(*iterated, FamiliesOf(*iterated), {}).account;
   EXPECT_EQ(sparse.solver, "Sparse");

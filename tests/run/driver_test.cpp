@@ -227,13 +227,17 @@ TEST_F(DriverTest, FullDiskForAnyResultFileEndsTheRun)
   }
 }
 
-TEST_F(DriverTest, FullDiskForTheMessagesKeepsTheResults)
+TEST_F(DriverTest, FullDiskForTheMessagesIsAnErrorAndKeepsTheResults)
 {
   WriteProblem("model.dat");
   Succeed({"model.dat"});
   const std::string results = folder.Read("model.morlen.res");
   folder.Write("model.morlen.res", "");
-  Succeed({"-i", "/dev/full", "-e", "/dev/full", "model.dat"});
+  const RunResult run = RunProgram(folder, {"-i", "/dev/full", "model.dat"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.err,
+            "error: Failed writing to disk. Probably the disk is full\n"
+            "hint: the results are complete; information is missing in /dev/full\n");
   EXPECT_EQ(folder.Read("model.morlen.res"), results);
 }
 
@@ -244,7 +248,7 @@ TEST_F(DriverTest, InformationIsWrittenInOrderAndEndsWithTheTime)
   const std::string info = folder.Read("info.txt");
   // A profile of two coupled nodes with three components: rows of 1 to 6 entries.
   const std::regex expected(
-      "Solver SkyLine taken: 6 equations are less than 15000\n"
+      "Solver SkyLine taken: the usual method below 15000 equations\n"
       "\nINFORMATION ABOUT STIFFNESS MATRIX\n"
       "Sky matrix storage with Txolesky\n"
       "Degrees of freedom= 6\n"

@@ -57,6 +57,21 @@ TEST_F(FileIdentityTest, ProblemFileIsNotOverwritten)
   ExpectRefused({"-e", "model.dat", "model.dat"}, "problem file", "error file", "model.dat");
 }
 
+TEST_F(FileIdentityTest, NoFileOfLoadCasesIsOverwritten)
+{
+  folder.Write("hall.cases", "model = \"model.dat\"\n");
+  folder.Link("link.txt", "hall.cases");
+  const std::map<std::string, std::string> before = folder.Files();
+  for (const char* name : {"hall.cases", "link.txt"}) {
+    const RunResult run = RunProgram(folder, {"model.dat", name});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err.substr(0, run.err.find('\n')),
+              std::string("error: the text results file ") + name +
+                  " is a file of load cases and would be written over");
+    EXPECT_EQ(folder.Files(), before);
+  }
+}
+
 TEST_F(FileIdentityTest, NoProblemFileIsOverwritten)
 {
   const std::string other = "# another model\n" + problem;

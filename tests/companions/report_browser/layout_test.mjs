@@ -445,7 +445,7 @@ test("the head tells the solver and the accuracy, or that they are unknown", asy
     [
       known,
       /Solver Direct ?Residual of the solution 3\.2e-15 ?Estimated error 2\.0e-12$/,
-      /solved 15 equations\. It was chosen because of this: the matrix is small\./,
+      /solved 15 equations\. Why it was chosen: the matrix is small\./,
     ],
   ];
   for (const [run, line, meaning] of cases) {

@@ -17,7 +17,7 @@ function whyUnknown({ run }) {
 function solverFact(run) {
   const equations = run.equations ? ` ${format(run.equations)} equations` : " the equations";
   const steps = run.iterations ? ` in ${format(run.iterations)} iterations` : "";
-  const why = run.why ? ` It was chosen because of this: ${run.why}.` : "";
+  const why = run.why ? ` Why it was chosen: ${run.why}.` : "";
   return [
     "Solver",
     run.solver ?? UNKNOWN,

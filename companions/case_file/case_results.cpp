@@ -62,13 +62,14 @@ void SpareInputs(const Study& study, const Selection& selection, const fs::path&
 class Writer
 {
 public:
-  Writer(Study& study_, const SolvedCases& cases_, const CaseTargets& targets)
+  Writer(Study& study_, const SolvedCases& cases_, const CaseTargets& targets, AtomicFile::By by_)
       : study(study_),
         solved(cases_),
         formats(targets.formats),
         folder(targets.folder),
         stem(targets.stem),
-        run{KnownRun::State::Matches, FactsOfAll(solved, *study.problem)}
+        run{KnownRun::State::Matches, FactsOfAll(solved, *study.problem)},
+        by(by_)
   {
   }
 
@@ -80,9 +81,9 @@ public:
       WriteCollection(selection.combinations);
     for (const int index : selection.envelopes)
       WriteEnvelope(study, solved, study.envelopes[index],
-                    {formats.contains("csv"), formats.contains("json")}, folder);
+                    {formats.contains("csv"), formats.contains("json")}, folder, by);
     if (formats.contains("csv"))
-      WriteCsv(std::array{RunTable(run)}, folder, "");
+      WriteCsv(std::array{RunTable(run)}, folder, "", by);
   }
 
 private:
@@ -102,16 +103,17 @@ private:
       return;
     const results::Results results = ResultsOf(study, solved, combination);
     if (vtu)
-      WriteVtu(study.model, results, FileOf(combination, ".vtu"), {.withLoads = false});
+      WriteVtu(study.model, results, FileOf(combination, ".vtu"),
+               {.withLoads = false, .writer = by});
     if (!csv && !json)
       return;
     const std::vector<tables::Table> tables = tables::ResultTables(study.model, results);
     if (csv)
-      WriteCsv(tables, folder, FileNameOf(combination.name) + ".");
+      WriteCsv(tables, folder, FileNameOf(combination.name) + ".", by);
     if (json)
       WriteJson({"morlen-results", "morlen-cases",
                  JsonOf(study, combination) + ",\"run\":" + morlen::JsonOf(run)},
-                study.model, study.modelFile, tables, FileOf(combination, ".json"));
+                study.model, study.modelFile, tables, FileOf(combination, ".json"), by);
   }
 
   // In the formats of the program.
@@ -120,12 +122,12 @@ private:
     const std::vector<double> column = CombinedColumn(solved, combination);
     const CaseWriter writer(*study.problem, FamiliesOf(*study.problem), solved.Layout(), column);
     if (formats.contains("text")) {
-      AtomicFile file(FileOf(combination, ".txt"));
+      AtomicFile file(FileOf(combination, ".txt"), by);
       writer.WriteText(file.Stream());
       file.Commit();
     }
     if (formats.contains("post")) {
-      AtomicFile file(FileOf(combination, ".morlen.res"));
+      AtomicFile file(FileOf(combination, ".morlen.res"), by);
       writer.WritePost(file.Stream());
       file.Commit();
     }
@@ -134,7 +136,7 @@ private:
   // The list of the VTU files for ParaView, whose time is the number of the combination.
   void WriteCollection(const std::vector<int>& combinations)
   {
-    AtomicFile file(folder / (stem + ".pvd"));
+    AtomicFile file(folder / (stem + ".pvd"), by);
     file.Write("<VTKFile type=\"Collection\" version=\"0.1\">\n<Collection>\n");
     int time = 0;
     for (const int index : combinations)
@@ -150,6 +152,7 @@ private:
   const fs::path& folder;
   const std::string& stem;
   const KnownRun run;
+  AtomicFile::By by;
 };
 
 }  // namespace
@@ -162,9 +165,9 @@ void PrepareCaseResults(const Study& study, const Selection& selection, const Ca
 }
 
 void WriteCaseResults(Study& study, const SolvedCases& solved, const Selection& selection,
-                      const CaseTargets& targets)
+                      const CaseTargets& targets, AtomicFile::By writer)
 {
-  Writer(study, solved, targets).Write(selection);
+  Writer(study, solved, targets, writer).Write(selection);
 }
 
 }  // namespace morlen::cases

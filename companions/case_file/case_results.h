@@ -5,6 +5,7 @@
 #include <string>
 
 #include "case_file/study.h"
+#include "common/atomic_file.h"
 
 namespace morlen {
 
@@ -24,10 +25,9 @@ struct CaseTargets
 /// one of the files that were read.
 void PrepareCaseResults(const Study& study, const Selection& selection, const CaseTargets& targets);
 
-/// Writes the selected cases, combinations and envelopes. Each file tells its name on standard
-/// output. Fatal when a file cannot be written.
+/// Writes the selected cases, combinations and envelopes. Fatal when a file cannot be written.
 void WriteCaseResults(Study& study, const SolvedCases& solved, const Selection& selection,
-                      const CaseTargets& targets);
+                      const CaseTargets& targets, AtomicFile::By writer = AtomicFile::By::Program);
 
 }  // namespace cases
 

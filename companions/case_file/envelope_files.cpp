@@ -176,8 +176,13 @@ class Writer
 {
 public:
   Writer(const Study& study_, const SolvedCases& cases_, const Envelope& envelope_,
-         const EnvelopeFormats& formats_, const std::filesystem::path& folder_)
-      : study(study_), cases(cases_), envelope(envelope_), formats(formats_), folder(folder_)
+         const EnvelopeFormats& formats_, const std::filesystem::path& folder_, AtomicFile::By by_)
+      : study(study_),
+        cases(cases_),
+        envelope(envelope_),
+        formats(formats_),
+        folder(folder_),
+        by(by_)
   {
     for (const int member : envelope.members)
       combinations.push_back(study.combinations[member]);
@@ -189,7 +194,7 @@ public:
       json.emplace(FileWith(".json"),
                    JsonTables::Head{"morlen-envelope", "morlen-cases",
                                     JsonOfEnvelope(study, cases, envelope)},
-                   study.model, study.modelFile);
+                   study.model, study.modelFile, by);
     summary = check::Joined("Envelope ", envelope.name, "\n\n");
     for (const Combination& one : combinations)
       summary += check::Joined("  ", one.name, " = ", TextOf(study, one), "\n");
@@ -201,7 +206,7 @@ public:
       WriteKind(kind, layouts);
     if (json)
       json->Commit();
-    AtomicFile file(FileWith(".summary.txt"));
+    AtomicFile file(FileWith(".summary.txt"), by);
     file.Write(summary);
     file.Commit();
   }
@@ -233,7 +238,7 @@ private:
     }
     if (!begun) {
       if (formats.csv)
-        RemoveStale(CsvOf(*table));
+        RemoveStale(CsvOf(*table), by);
       return;
     }
     if (csv)
@@ -252,7 +257,7 @@ private:
       columns.push_back({name, ""});
     columns.insert(columns.end(), table.values.begin(), table.values.end());
     if (formats.csv)
-      csv.emplace(CsvOf(table), columns);
+      csv.emplace(CsvOf(table), columns, by);
     if (json)
       json->Begin(table.name, columns);
   }
@@ -313,6 +318,7 @@ private:
   const Envelope& envelope;
   const EnvelopeFormats& formats;
   const std::filesystem::path& folder;
+  AtomicFile::By by;
   std::vector<Combination> combinations;
   std::optional<JsonTables> json;
   std::string summary;
@@ -327,9 +333,10 @@ std::string JsonOf(const Study& study, const Combination& combination)
 }
 
 void WriteEnvelope(const Study& study, const SolvedCases& cases, const Envelope& envelope,
-                   const EnvelopeFormats& formats, const std::filesystem::path& folder)
+                   const EnvelopeFormats& formats, const std::filesystem::path& folder,
+                   AtomicFile::By writer)
 {
-  Writer(study, cases, envelope, formats, folder).Write();
+  Writer(study, cases, envelope, formats, folder, writer).Write();
 }
 
 }  // namespace morlen::cases

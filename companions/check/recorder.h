@@ -17,6 +17,7 @@
 #include "base/textscan.h"
 #include "check/findings.h"
 #include "check/joined.h"
+#include "check/run_end.h"
 #include "check/unit_order.h"
 
 namespace morlen::check {
@@ -132,7 +133,7 @@ private:
   TextScan& scan;
   const Problem& problem;
   ObserverScope scope;
-  ErrorWriter::EndOfRun previousEnd;
+  ThrownErrors thrown;
   std::vector<Finding> findings;
   int errors = 0;
   std::ptrdiff_t start = kWholeFile;  ///< of the running step

@@ -39,14 +39,16 @@ OutputFile& OutputSet::Open(const fs::path& name)
 
 void OutputSet::Take(const fs::path& name, std::unique_ptr<OutputFile> file)
 {
-  FlushOne(*file);
-  members.push_back({name, std::move(file)});
+  file->Complete();
+  members.push_back({name, std::move(file), true});
 }
 
 void OutputSet::Flush()
 {
-  for (const Member& member : members)
-    FlushOne(*member.file);
+  for (const Member& member : members) {
+    if (!member.isComplete)
+      FlushOne(*member.file);
+  }
 }
 
 void OutputSet::Commit()

@@ -20,7 +20,8 @@ public:
   /// regular file. The reference is valid until Commit.
   OutputFile& Open(const std::filesystem::path& name);
 
-  /// Takes a file whose content is complete. Fatal when something written to it has been lost.
+  /// Takes a file whose content is complete, and closes it. Fatal when something written to it has
+  /// been lost.
   void Take(const std::filesystem::path& name, std::unique_ptr<OutputFile> file);
 
   /// Removes a file of an earlier run at Commit.
@@ -34,6 +35,7 @@ public:
   {
     std::filesystem::path name;
     std::unique_ptr<OutputFile> file;
+    bool isComplete = false;  ///< nothing may be written any more
   };
   const std::vector<Member>& Members() const { return members; }
 

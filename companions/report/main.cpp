@@ -15,10 +15,9 @@
 #include "common/run_record.h"
 #include "common/source_files.h"
 #include "problem/problem.h"
-#include "report/applied_loads.h"
 #include "report/case_report.h"
 #include "report/findings_of.h"
-#include "report/page.h"
+#include "report/model_page.h"
 #include "report/page_data.h"
 #include "report/run_report.h"
 
@@ -63,12 +62,8 @@ ExitStatus PrintBalance(const Balance& balance, std::FILE* notes)
 ExitStatus ReportModel(const fs::path& file, const fs::path& output, Problem& problem,
                        const std::vector<Finding>& findings, AtomicFile::By writer)
 {
-  const model::Model model = model::ModelOf(problem);
-  PrepareLoads(problem);
-  const AppliedLoads loads = AppliedLoadsOf(problem, model);
-  const std::string name = file.filename().string();
-  WritePage(output, name, PageDataOfModel(name, DescriptionOf(file), model, loads, findings),
-            writer);
+  WriteModelPage(problem, {file.filename().string(), DescriptionOf(file), findings}, output,
+                 writer);
   std::cerr << "warning: there are no results of this model: the report shows the model and its "
                "errors\n";
   WarnOfErrors(findings, file.string());

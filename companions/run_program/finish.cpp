@@ -1,5 +1,8 @@
 #include "run_program/finish.h"
 
+#include <sys/resource.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -13,6 +16,8 @@
 #include "common/atomic_file.h"
 #include "common/file_text.h"
 #include "export/csv.h"
+#include "report/findings_of.h"
+#include "report/model_page.h"
 #include "run_program/input_check.h"
 
 namespace morlen::run {
@@ -31,9 +36,65 @@ std::vector<RecordedFile> RecordedIn(const OutputSet& files, const fs::path& fol
   return recorded;
 }
 
+bool IsOf(const OutputSet& files, const fs::path& name)
+{
+  return std::any_of(files.Members().begin(), files.Members().end(),
+                     [&](const OutputSet::Member& member) {
+                       return member.name == name || member.name.parent_path() == name;
+                     });
+}
+
+// The files that runs may have written without being asked for in this one. Nothing is removed: a
+// file with such a name may be of the user.
+std::vector<fs::path> NotOfThisRun(const Job& job, const OutputSet& files)
+{
+  std::vector<fs::path> others;
+  const auto judge = [&](const fs::path& name) {
+    std::error_code absent;
+    if (fs::exists(name, absent) && !fs::is_empty(name, absent) && !IsOf(files, name))
+      others.push_back(name);
+  };
+  if (!job.isCases) {
+    for (const char* ending : {".vtu", "_csv", ".json", ".morlen.bon"})
+      judge(job.Result(ending));
+    return others;
+  }
+  std::error_code absent;
+  for (const fs::directory_entry& entry : fs::directory_iterator(job.Result(".results"), absent)) {
+    if (!entry.path().filename().native().starts_with('.'))  // a temporary name of this run
+      judge(entry.path());
+  }
+  std::sort(others.begin(), others.end());
+  return others;
+}
+
+// The results of an earlier run, by its record, or else those whose names tell it.
+std::vector<fs::path> OldResults(const Job& job)
+{
+  const fs::path name = job.Result(".morlen.run");
+  const std::optional<std::string> text = FileText(name);
+  std::vector<fs::path> old;
+  if (const auto record = text ? ReadRunRecord(*text) : std::nullopt) {
+    for (const RecordedFile& file : record->results)
+      old.push_back(name.parent_path() / file.name);
+  } else {
+    old = {job.Result(".html"), job.Result(".morlen.res")};
+  }
+  std::erase_if(old, [](const fs::path& file) {
+    std::error_code absent;
+    return !fs::exists(file, absent);
+  });
+  return old;
+}
+
 }  // namespace
 
-ExitStatus CannotRead(const std::string& file)
+std::string TitleOf(const Job& job)
+{
+  return job.IsStandardInput() ? "stdin" : fs::path(job.input).filename().string();
+}
+
+Outcome CannotRead(const std::string& file)
 {
   std::error_code fault;
   const bool folder = fs::is_directory(file, fault);
@@ -44,28 +105,60 @@ ExitStatus CannotRead(const std::string& file)
                 : opens ? ""
                         : std::string(": ") + std::strerror(errno))
             << "\n";
-  return ExitStatus::Failed;
+  return {ExitStatus::Failed};
 }
 
-ExitStatus NotSolved(const std::string& file, const check::Report& report)
+Outcome NotSolved(const std::string& file, const check::Report& report)
 {
   std::cerr << file << ": not solved: " << CountsOf(report) << "\n";
-  return ExitStatus::Failed;
+  return {ExitStatus::Failed};
 }
 
-void TellOfOldResults(const Job& job)
+Outcome NotSolved(const Job& job, const Options& options, const check::Report& report,
+                  std::string_view model, std::vector<std::string> description)
 {
-  std::error_code absent;
+  Outcome outcome = NotSolved(job.input, report);
+  if (options.ToStandardOutput())
+    return outcome;
+  PrepareFolder(job.Folder());
   const fs::path page = job.Result(".html");
-  if (fs::exists(page, absent))
-    std::cerr << job.input << ": the results of an earlier run stay, such as " << page.string()
-              << "\n";
+  const std::string title = TitleOf(job);
+  OutputSet files;
+  if (!WriteModelPage(model, {title, std::move(description), FindingsOf(report.problems, title)},
+                      page, files))
+    return outcome;
+  const SignalsHeld held;
+  files.Commit();
+  std::printf("wrote %s: the model with the findings of the check, no results\n", page.c_str());
+  outcome.hasPage = true;
+  return outcome;
+}
+
+void TellOfOldResults(const Job& job, bool hasNewPage)
+{
+  std::vector<fs::path> old = OldResults(job);
+  if (hasNewPage)
+    std::erase(old, job.Result(".html"));
+  if (!old.empty())
+    std::cerr << job.input
+              << ": the results of an earlier run stay" +
+                     std::string(hasNewPage ? ", and the page does not show them" : "") + ": " +
+                     Listed(old) + "\n";
 }
 
 void PrepareFolder(const fs::path& folder)
 {
   MakeFolder(folder);
   RemoveStaleTemporaries(folder);
+}
+
+void AllowManyFiles()
+{
+  rlimit limit = {};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
+    return;
+  limit.rlim_cur = limit.rlim_max;
+  setrlimit(RLIMIT_NOFILE, &limit);
 }
 
 void RequireWritable(std::span<const fs::path> files)
@@ -76,8 +169,8 @@ void RequireWritable(std::span<const fs::path> files)
   }
 }
 
-void Publish(const Job& job, std::vector<RecordedFile> inputs, const RunFacts& facts,
-             OutputSet& files)
+std::vector<fs::path> Publish(const Job& job, std::vector<RecordedFile> inputs,
+                              const RunFacts& facts, OutputSet& files)
 {
   files.Flush();
   const RunRecord record = {facts, std::move(inputs), RecordedIn(files, job.base.parent_path())};
@@ -85,9 +178,11 @@ void Publish(const Job& job, std::vector<RecordedFile> inputs, const RunFacts& f
   std::string lines;
   for (const OutputSet::Member& member : files.Members())
     lines += "wrote " + member.name.string() + "\n";
+  std::vector<fs::path> others = NotOfThisRun(job, files);
   const SignalsHeld held;
   files.Commit();
   std::fputs(lines.c_str(), stdout);
+  return others;
 }
 
 void PrintFile(const fs::path& file)

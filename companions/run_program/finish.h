@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "check/check.h"
@@ -31,29 +32,43 @@ private:
 };
 
 /// Tells on standard error that a file cannot be read, and why.
-ExitStatus CannotRead(const std::string& file);
+Outcome CannotRead(const std::string& file);
 
 /// Tells on standard error that the problems of a file stop the run.
-ExitStatus NotSolved(const std::string& file, const check::Report& report);
+Outcome NotSolved(const std::string& file, const check::Report& report);
 
-/// Tells on standard error that results of an earlier run stay, where there are some.
-void TellOfOldResults(const Job& job);
+/// The same, and writes the page that shows them in the model, in the place of an older one; no
+/// page when the model cannot be read, or with `-o -`. model: the text of the problem file.
+Outcome NotSolved(const Job& job, const Options& options, const check::Report& report,
+                  std::string_view model, std::vector<std::string> description);
+
+/// Tells on standard error that results of an earlier run stay, where there are some. hasNewPage:
+/// the page is not one of them.
+void TellOfOldResults(const Job& job, bool hasNewPage);
 
 /// Makes the folder of the results and removes the temporary files of killed runs from it. Fatal
 /// when that fails.
 void PrepareFolder(const std::filesystem::path& folder);
+
+/// Lets this process keep as many files open as the system allows: every result is one until it
+/// gets its name.
+void AllowManyFiles();
 
 /// Tests that files can be written, before the work for them. Fatal when one cannot.
 void RequireWritable(std::span<const std::filesystem::path> files);
 
 /// Adds the record of the run to the files, gives all their names, and prints these on standard
 /// output. A signal in between takes effect at the end, so that the old and the new results are not
-/// mixed. Fatal when a file cannot be written.
-void Publish(const Job& job, std::vector<RecordedFile> inputs, const RunFacts& facts,
-             OutputSet& files);
+/// mixed. Returns the results in other formats that exist and are not of this run. Fatal when a
+/// file cannot be written.
+std::vector<std::filesystem::path> Publish(const Job& job, std::vector<RecordedFile> inputs,
+                                           const RunFacts& facts, OutputSet& files);
 
 /// Prints a file on standard output. Fatal when something is lost.
 void PrintFile(const std::filesystem::path& file);
+
+/// The name in the pages, the tables and the record.
+std::string TitleOf(const Job& job);
 
 /// Prints the warnings on standard error and the summary into a stream. Returns the status.
 ExitStatus Tell(const Summary& summary, std::FILE* out);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "common/command_line.h"
 #include "run_program/options.h"
 
 namespace morlen::run {
@@ -19,6 +20,13 @@ struct Job
   /// A result: the base with this ending.
   std::filesystem::path Result(const char* ending) const;
   std::filesystem::path Folder() const;  ///< of the results
+};
+
+/// How a job has ended.
+struct Outcome
+{
+  ExitStatus status;
+  bool hasPage = false;  ///< the job has written the report
 };
 
 /// The jobs of a command line. Fatal when two of them would write the same results, or one would

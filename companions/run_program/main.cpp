@@ -1,7 +1,9 @@
+#include <iostream>
 #include <optional>
 #include <vector>
 
 #include "run/process_streams.h"
+#include "run_program/finish.h"
 #include "run_program/job.h"
 #include "run_program/open_page.h"
 #include "run_program/options.h"
@@ -24,9 +26,13 @@ int main(int argc, char** argv)
     return job.isCases ? run::SolveCases(job, options, progress)
                        : run::SolveModel(job, options, progress);
   };
-  const auto onEnd = [&](const run::Job& job, ExitStatus status) {
-    if (options.open && status != ExitStatus::Failed)
+  const auto onEnd = [&](const run::Job& job, run::Outcome outcome) {
+    if (outcome.status == ExitStatus::Failed)
+      run::TellOfOldResults(job, outcome.hasPage);
+    if (options.open && outcome.hasPage)
       run::OpenPage(job.Result(".html"));
+    else if (options.open)
+      std::cerr << job.input << ": there is no new page to open\n";
   };
   return static_cast<int>(run::Supervise(jobs, options, work, onEnd));
 }

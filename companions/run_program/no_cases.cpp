@@ -5,7 +5,7 @@
 
 namespace morlen::run {
 
-ExitStatus SolveCases(const Job& /*job*/, const Options& /*options*/, ProgressSender& /*progress*/)
+Outcome SolveCases(const Job& /*job*/, const Options& /*options*/, ProgressSender& /*progress*/)
 {
   Fatal("error: this program has been built without files of load cases\n");
 }

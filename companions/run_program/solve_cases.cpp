@@ -23,6 +23,7 @@
 #include "run/element_families.h"
 #include "run_program/finish.h"
 #include "run_program/input_check.h"
+#include "run_program/scratch_folder.h"
 #include "run_program/solve_model.h"
 
 namespace morlen::run {
@@ -103,8 +104,8 @@ check::Report CheckAll(const Job& job, std::string_view text, ProgressSender& pr
   return report;
 }
 
-ExitStatus SolveStudy(cases::Study& study, const check::Report& report, const Job& job,
-                      const Options& options, ProgressSender& progress, const Stopwatch& watch)
+Outcome SolveStudy(cases::Study& study, const check::Report& report, const Job& job,
+                   const Options& options, ProgressSender& progress, const Stopwatch& watch)
 {
   const cases::Selection selection = SelectionOf(study, options);
   const cases::CaseTargets targets = TargetsOf(job, options);
@@ -112,6 +113,8 @@ ExitStatus SolveStudy(cases::Study& study, const check::Report& report, const Jo
   const fs::path page = job.Result(".html");
   RefuseInputs(page, study.inputs);
   RequireWritable(std::array{page, job.Result(".morlen.run")});
+  AllowManyFiles();
+  NewFolder newFolder(targets.folder);
   PrepareCaseResults(study, selection, targets);
   const std::vector<CaseActions> actions = ActionsOf(study);
   const std::unique_ptr<SolverKit> kit = MakeKit();
@@ -121,12 +124,12 @@ ExitStatus SolveStudy(cases::Study& study, const check::Report& report, const Jo
   Summary summary;
   summary.facts = FactsOfAll(solved, *study.problem);
   OutputSet files;
-  const std::string title = fs::path(job.input).filename().string();
+  WriteCaseResults(study, solved, selection, targets, files);
+  const std::string title = TitleOf(job);
   const CaseBalances balances = WriteCaseReport(
       study, actions, solved, {title, DescriptionOf(job.input), FindingsOf(report.problems, title)},
       page, files);
-  WriteCaseResults(study, solved, selection, targets);
-  Publish(job, RecordedInputs(study), summary.facts, files);
+  summary.others = Publish(job, RecordedInputs(study), summary.facts, files);
   summary.balance = balances.Worst().residual;
   summary.balanceOf = study.combinations[balances.worst].name;
   summary.advice = balances.advice[balances.worst];
@@ -134,12 +137,23 @@ ExitStatus SolveStudy(cases::Study& study, const check::Report& report, const Jo
   summary.checkWarnings = report.warnings;
   summary.analysisWarnings = progress.Warnings();
   summary.seconds = watch.Seconds();
-  return Tell(summary, stdout);
+  newFolder.Keep();
+  return {Tell(summary, stdout), true};
+}
+
+// The file of load cases names the model, unless it has errors.
+Outcome Stop(const Job& job, const Options& options, const check::Report& report)
+{
+  const std::optional<std::string> model =
+      report.cases ? FileText(report.cases->model) : std::nullopt;
+  if (!model)
+    return NotSolved(job.input, report);
+  return NotSolved(job, options, report, *model, DescriptionOf(job.input));
 }
 
 }  // namespace
 
-ExitStatus SolveCases(const Job& job, const Options& options, ProgressSender& progress)
+Outcome SolveCases(const Job& job, const Options& options, ProgressSender& progress)
 {
   const Stopwatch watch;
   const std::optional<std::string> text = FileText(job.input);
@@ -148,10 +162,8 @@ ExitStatus SolveCases(const Job& job, const Options& options, ProgressSender& pr
   progress.Stage("checking");
   const check::Report report = CheckAll(job, *text, progress);
   PrintProblems(report, job.input);
-  if (StopsAt(report, options.strict)) {
-    TellOfOldResults(job);
-    return NotSolved(job.input, report);
-  }
+  if (StopsAt(report, options.strict))
+    return Stop(job, options, report);
   cases::Problems silent(cases::Problems::LostData::Warning);
   const std::string all[] = {"*"};  // the report shows every case
   const std::unique_ptr<cases::Study> study = cases::ReadStudy(job.input, *text, all, silent);

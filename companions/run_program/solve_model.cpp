@@ -41,12 +41,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The name of the problem in the report and in the tables.
-std::string TitleOf(const Job& job)
-{
-  return job.IsStandardInput() ? "stdin" : fs::path(job.input).filename().string();
-}
-
 /// The solution of a problem file whose check has found nothing that stops it.
 class ModelRun
 {
@@ -61,7 +55,7 @@ public:
   {
   }
 
-  ExitStatus Run(const Stopwatch& watch)
+  Outcome Run(const Stopwatch& watch)
   {
     Open();
     Solve();
@@ -172,20 +166,22 @@ private:
     WriteTables(model, results, run, targets, files);
   }
 
-  ExitStatus Finish(const Stopwatch& watch)
+  Outcome Finish(const Stopwatch& watch)
   {
     if (options.ToStandardOutput())
       PrintFile(textResults->WrittenName());
     else
       Name();
     summary.seconds = watch.Seconds();
-    return Tell(summary, options.ToStandardOutput() ? stderr : stdout);
+    const bool hasPage = !options.ToStandardOutput();
+    return {Tell(summary, hasPage ? stdout : stderr), hasPage};
   }
 
   void Name()
   {
     const SignalsHeld held;
-    Publish(job, {{job.input, FingerprintOf(std::string_view(text))}}, summary.facts, files);
+    summary.others =
+        Publish(job, {{job.input, FingerprintOf(std::string_view(text))}}, summary.facts, files);
     if (newFolder)
       newFolder->Keep();
   }
@@ -213,7 +209,7 @@ std::optional<std::string> TextOf(const Job& job)
 
 }  // namespace
 
-ExitStatus SolveModel(const Job& job, const Options& options, ProgressSender& progress)
+Outcome SolveModel(const Job& job, const Options& options, ProgressSender& progress)
 {
   const Stopwatch watch;
   std::optional<std::string> text = TextOf(job);
@@ -223,8 +219,8 @@ ExitStatus SolveModel(const Job& job, const Options& options, ProgressSender& pr
   check::Report report = check::CheckText(*text, check::Motions::LeaveToAnalysis);
   PrintProblems(report, job.input);
   if (StopsAt(report, options.strict)) {
-    TellOfOldResults(job);
-    return NotSolved(job.input, report);
+    std::istringstream description(*text);
+    return NotSolved(job, options, report, *text, DescriptionIn(description));
   }
   if (report.summary)
     progress.SetEquations(report.summary->equations);

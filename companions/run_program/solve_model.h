@@ -10,9 +10,9 @@ namespace morlen::run {
 /// Checks, solves and reports one problem file. Prints the problems on standard error, the names of
 /// the results and the summary on standard output; with `-o -` the text results there, and the
 /// summary on standard error. Failed when the check stops the run; later errors end the process.
-ExitStatus SolveModel(const Job& job, const Options& options, ProgressSender& progress);
+Outcome SolveModel(const Job& job, const Options& options, ProgressSender& progress);
 
 /// The same for a file of load cases.
-ExitStatus SolveCases(const Job& job, const Options& options, ProgressSender& progress);
+Outcome SolveCases(const Job& job, const Options& options, ProgressSender& progress);
 
 }  // namespace morlen::run

@@ -1,5 +1,6 @@
 #include "run_program/summary.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace morlen::run {
@@ -53,6 +54,16 @@ std::string WarningCount(const Summary& summary)
 
 }  // namespace
 
+std::string Listed(std::span<const std::filesystem::path> names)
+{
+  constexpr std::size_t kMost = 4;
+  std::string text;
+  for (const std::filesystem::path& name : names.first(std::min(names.size(), kMost)))
+    text += (text.empty() ? "" : ", ") + name.string();
+  return names.size() > kMost ? text + " and " + std::to_string(names.size() - kMost) + " more"
+                              : text;
+}
+
 ExitStatus StatusOf(const Summary& summary)
 {
   return IsGood(summary.balance) && IsGood(summary.facts.estimatedError) ? ExitStatus::Done
@@ -84,6 +95,10 @@ std::string TextOf(const Summary& summary)
   for (const Extreme& extreme : summary.extremes)
     text += Line(extreme.label, TextOf(extreme));
   text += Line("warnings", WarningCount(summary));
+  if (!summary.others.empty())
+    text +=
+        Line("older files", Listed(summary.others) + (summary.others.size() == 1 ? " is" : " are") +
+                                " not of this run");
   return text + Line("time", TimeText(summary.seconds));
 }
 

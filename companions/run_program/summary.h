@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -19,11 +21,15 @@ struct Summary
   std::vector<Extreme> extremes;
   int checkWarnings = 0;
   int analysisWarnings = 0;
+  std::vector<std::filesystem::path> others;  ///< results with the names of this run, not of it
   double seconds = 0.0;
 };
 
 /// The balance and the estimated error above which results are not reliable.
 constexpr double kLargestError = 1e-4;
+
+/// The first names of a list, and how many there are more.
+std::string Listed(std::span<const std::filesystem::path> names);
 
 /// Found when the balance or the estimated error is too large, or is no number.
 ExitStatus StatusOf(const Summary& summary);

@@ -17,7 +17,9 @@
 #include <csignal>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "base/descriptor.h"
 #include "base/errorwriter.h"
@@ -107,12 +109,34 @@ private:
   Descriptor descriptor;
 };
 
+// The outcome as the exit code of a process. Errors end it with the code 2, without a page.
+constexpr int kPageCode = 4;
+
+int ExitCodeOf(const Outcome& outcome)
+{
+  return static_cast<int>(outcome.status) + (outcome.hasPage ? kPageCode : 0);
+}
+
+Outcome OutcomeOf(int exitCode)
+{
+  constexpr int kLargest = kPageCode + ErrorWriter::kExitStatus;
+  const int status = exitCode % kPageCode;
+  if (exitCode > kLargest || status > ErrorWriter::kExitStatus)
+    return {ExitStatus::Failed};
+  return {static_cast<ExitStatus>(status), exitCode >= kPageCode};
+}
+
 class Supervisor
 {
 public:
   Supervisor(const std::vector<Job>& jobs_, const Options& options_, const Work& work_,
              const OnEnd& onEnd_)
-      : jobs(jobs_), options(options_), work(work_), onEnd(onEnd_), console(jobs_.size() > 1)
+      : jobs(jobs_),
+        options(options_),
+        work(work_),
+        onEnd(onEnd_),
+        console(jobs_.size() > 1),
+        outputs(jobs_.size())
   {
   }
 
@@ -127,8 +151,10 @@ public:
       CollectEnded();
     }
     console.Clear();
-    if (signal != 0)
+    if (signal != 0) {
+      PrintOutputs(jobs.size());
       EndBy(signal);
+    }
     if (jobs.size() > 1)
       PrintTotal();
     if (!outputIsWhole)
@@ -143,7 +169,8 @@ private:
   void Hear(Child& child);
   void CollectEnded();
   void End(Child& child);
-  ExitStatus StatusOf(const Child& child, int ended);
+  Outcome OutcomeOfChild(const Child& child, int ended);
+  void PrintOutputs(std::size_t end);
   [[noreturn]] void EndBy(int number);
   void Print(const std::string& text) { outputIsWhole = console.Output(text) && outputIsWhole; }
   void PrintTotal();
@@ -155,6 +182,8 @@ private:
   Console console;
   EndingSignals signals;
   std::vector<std::unique_ptr<Child>> children;
+  std::vector<std::optional<std::string>> outputs;  ///< of the jobs that have ended
+  std::size_t nextOutput = 0;                       ///< to be printed
   std::size_t next = 0;
   int signal = 0;  ///< that ends all; 0 for none
   int counts[3] = {};
@@ -191,8 +220,8 @@ void Supervisor::BecomeJob(const Job& job, const Pipe& output, const Pipe& messa
     dup2(output.writing.Number(), STDOUT_FILENO);
   dup2(messages.writing.Number(), STDERR_FILENO);
   ProgressSender sender(STDERR_FILENO);
-  const ExitStatus status = work(job, sender);
-  std::exit(std::fflush(stdout) == 0 ? static_cast<int>(status) : ErrorWriter::kExitStatus);
+  const Outcome outcome = work(job, sender);
+  std::exit(std::fflush(stdout) == 0 ? ExitCodeOf(outcome) : ErrorWriter::kExitStatus);
 }
 
 // Waits for messages of the jobs and for signals, and handles them. On a terminal it also redraws
@@ -268,23 +297,34 @@ void Supervisor::End(Child& child)
   console.Clear();
   if (signal != 0)
     return;
-  const ExitStatus status = StatusOf(child, ended);
-  if (!child.output.text.empty())
-    Print((jobs.size() > 1 ? child.job.input + ":\n" : "") + child.output.text);
-  worst = std::max(worst, status);
-  ++counts[static_cast<int>(status)];
-  onEnd(child.job, status);
+  const Outcome outcome = OutcomeOfChild(child, ended);
+  outputs[static_cast<std::size_t>(&child.job - jobs.data())] = std::move(child.output.text);
+  const auto running = std::find(outputs.begin(), outputs.end(), std::nullopt);
+  PrintOutputs(static_cast<std::size_t>(running - outputs.begin()));
+  worst = std::max(worst, outcome.status);
+  ++counts[static_cast<int>(outcome.status)];
+  onEnd(child.job, outcome);
 }
 
-ExitStatus Supervisor::StatusOf(const Child& child, int ended)
+// Prints the outputs of the jobs before this one that are not printed yet.
+void Supervisor::PrintOutputs(std::size_t end)
+{
+  for (; nextOutput < end; ++nextOutput) {
+    const std::optional<std::string>& output = outputs[nextOutput];
+    if (output && !output->empty())
+      Print((jobs.size() > 1 ? jobs[nextOutput].input + ":\n" : "") + *output);
+  }
+}
+
+Outcome Supervisor::OutcomeOfChild(const Child& child, int ended)
 {
   if (WIFEXITED(ended))
-    return static_cast<ExitStatus>(std::min(WEXITSTATUS(ended), ErrorWriter::kExitStatus));
+    return OutcomeOf(WEXITSTATUS(ended));
   const int number = WTERMSIG(ended);
   console.Message(child.job.input, std::string("error: the run was ended by a signal: ") +
                                        strsignal(number) +
                                        (number == SIGKILL ? " (the memory may be too small)" : ""));
-  return ExitStatus::Failed;
+  return {ExitStatus::Failed};
 }
 
 // As if there were no handler, so that a shell sees the signal.

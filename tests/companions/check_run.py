@@ -26,6 +26,7 @@ import time
 import unittest
 
 MORLEN, RUN, EXPORT, REPORT, CASES, EXAMPLES, GENERATE = (str(pathlib.Path(name).resolve()) for name in sys.argv[1:8])
+CASES_OF = 'model = "{}"\n[cases.A]\nfrom_model = true\n[envelopes]\nE = ["A"]\n'
 RESULTS = ["txt", "morlen.res", "html", "morlen.run"]
 
 
@@ -199,6 +200,9 @@ class Run(unittest.TestCase):
         self.assertEqual((self.folder / "out" / "hall.html").read_bytes(), (self.folder / "hall.html").read_bytes())
         record = json.loads((self.folder / "out" / "hall.morlen.run").read_text())
         self.assertEqual([file["file"] for file in record["inputs"][:2]], ["hall.cases", "hall_frame.dat"])
+        written = {file["file"]: (file["size"], file["fnv1a64"]) for file in record["results"]}
+        self.assertEqual(written, {name: (len(data), fnv1a64(data)) for name, data in content(self.folder / "out").items()
+                                   if name != "hall.morlen.run"})
         text = (self.folder / "hall.cases").read_text()
         (self.folder / "bad.cases").write_text(text.replace("hall_frame.dat", "hall_farme.dat"))
         self.refused("bad.cases: not solved: ", "bad.cases")
@@ -273,7 +277,9 @@ class Run(unittest.TestCase):
             self.assertEqual(run.stderr.splitlines()[1:-1], findings)
         warned = text.replace("\nmaterials\n", "\nmaterials\n  9 E=2.1e8 A=1 Iz=1\n", 1)
         (self.folder / "warned.dat").write_text(warned)
-        self.refused("warned.dat: not solved: 0 errors, 1 warning\n", "warned.dat", "--strict")
+        run = self.done("warned.dat", "--strict", status=2)
+        self.assertTrue(run.stderr.endswith("warned.dat: not solved: 0 errors, 1 warning\n"), run.stderr)
+        self.assertEqual(run.stdout, "wrote warned.html: the model with the findings of the check, no results\n")
         run = self.done("warned.dat")
         self.assertIn("warnings:     1 of the check, 0 of the analysis\n", run.stdout)
 
@@ -294,8 +300,51 @@ class Run(unittest.TestCase):
         text = example("truss.dat")
         loose = re.sub(r"(?ms)^constraints$.*?^end", "constraints\n  1 110 0 0 0\nend", text, count=1)
         self.assertNotEqual(loose, text)
+        old = content(self.folder)
         (self.folder / "truss.dat").write_text(loose)
-        self.refused("truss.dat: not solved: ", "truss.dat")
+        run = self.done("truss.dat", status=2)
+        self.assertEqual(run.stdout, "wrote truss.html: the model with the findings of the check, no results\n")
+        self.assertTrue(run.stderr.endswith(
+            "truss.dat: not solved: 1 error, 0 warnings\n"
+            "truss.dat: the results of an earlier run stay, and the page does not show them: truss.txt, truss.morlen.res\n"))
+        new = content(self.folder)
+        for name in ("truss.txt", "truss.morlen.res", "truss.morlen.run"):
+            self.assertEqual(new[name], old[name])
+        page = new["truss.html"].decode()
+        self.assertNotEqual(new["truss.html"], old["truss.html"])
+        self.assertIn('"motion"', page)
+        results = b'{"name":"displacements"'
+        self.assertEqual((results in old["truss.html"], results in new["truss.html"]), (True, False))
+        (self.folder / "truss.dat").write_text(text)
+        self.done("truss.dat")
+        self.assertEqual(content(self.folder)["truss.html"], old["truss.html"])
+        # Nothing is left of it without files, and no page of a text that cannot be read.
+        (self.folder / "truss.dat").write_text(loose)
+        self.refused("not solved: ", "truss.dat", "-o", "-")
+        (self.folder / "truss.dat").write_text(text.replace("\nmaterials\n", "\nmatreials\n", 1))
+        run = self.refused("not solved: ", "truss.dat", "--open")
+        self.assertIn("truss.dat: the results of an earlier run stay: truss.txt, truss.morlen.res, truss.html\n", run.stderr)
+        self.assertIn("truss.dat: there is no new page to open\n", run.stderr)
+
+    def test_load_cases_of_a_loose_model_give_its_page(self):
+        text = example("truss.dat")
+        (self.folder / "truss.dat").write_text(
+            re.sub(r"(?ms)^constraints$.*?^end", "constraints\n  1 110 0 0 0\nend", text, count=1))
+        (self.folder / "all.cases").write_text(CASES_OF.format("truss.dat"))
+        run = self.done("all.cases", status=2)
+        self.assertEqual(run.stdout, "wrote all.html: the model with the findings of the check, no results\n", run.stderr)
+        self.assertEqual(set(content(self.folder)), {"truss.dat", "all.cases", "all.html"})
+
+    def test_older_files_are_named_and_stay(self):
+        self.copy("truss.dat", "hall.cases", "hall_frame.dat")
+        self.assertNotIn("older files", self.done("truss.dat", "--vtu", "--csv", "--json").stdout)
+        run = self.done("truss.dat", "--json")
+        self.assertIn("\nolder files:  truss.vtu, truss_csv are not of this run\n", run.stdout)
+        self.assertTrue((self.folder / "truss.vtu").exists())
+        self.assertIn("\nolder files:  truss.vtu, truss_csv, truss.json are not of this run\n", self.done("truss.dat").stdout)
+        self.done("hall.cases", "--json")
+        run = self.done("hall.cases")
+        self.assertRegex(run.stdout, r"\nolder files:  (hall.results/\w+.json(, )?){3} are not of this run\n")
 
     # --- Folders and several files ---
 
@@ -319,6 +368,8 @@ class Run(unittest.TestCase):
         run = self.done("truss.dat", "bad.dat", "portal_frame.dat", "grid.dat", "-j", "2", status=2)
         for line in run.stderr.splitlines():
             self.assertRegex(line, r"^(truss|portal_frame|grid|bad)\.dat:")
+        # In the order of the command line, whatever ends first.
+        self.assertEqual(re.findall(r"(?m)^(\w+)\.dat:$", run.stdout), names)
         for name in names:
             self.assertIn(f"{name}.dat:\nwrote {name}.txt\n", run.stdout)
             self.call(name + ".dat", "own.txt", program=MORLEN)
@@ -348,6 +399,11 @@ class Run(unittest.TestCase):
             self.assertIn("morlen-run: ended by a signal: ", self.interrupt("truss.dat", "--csv", number=number))
             self.assertEqual(content(self.folder), before)
             self.assertFalse((self.folder / "truss_csv").exists())
+        (self.folder / "all.cases").write_text(CASES_OF.format("truss.dat"))
+        before = content(self.folder)
+        self.interrupt("all.cases", "--vtu")
+        self.assertEqual(content(self.folder), before)
+        self.assertFalse((self.folder / "all.results").exists())
         (self.folder / "b.dat").write_text(slow_model())
         before = content(self.folder)
         self.interrupt("truss.dat", "b.dat", "-j", "2")
@@ -421,6 +477,13 @@ class Run(unittest.TestCase):
         self.assertEqual(page, str(self.folder / "truss.html"))
         usual = 0x7fffffff  # beyond them are two of the C library
         self.assertEqual([int(line.split()[1], 16) & usual for line in signals], [0, 0])
+        log.unlink()
+        (self.folder / "loose.dat").write_text(
+            re.sub(r"(?ms)^constraints$.*?^end", "constraints\n  1 110 0 0 0\nend", example("truss.dat"), count=1))
+        self.done("loose.dat", "--open", status=2)
+        while not log.exists() and time.time() - start < 30:
+            time.sleep(0.05)
+        self.assertEqual(log.read_text().splitlines()[0], str(self.folder / "loose.html"))
         self.environment["PATH"] = str(self.folder)
         run = self.done("truss.dat", "--open")
         self.assertIn("can't open truss.html: xdg-open: No such file or directory. Open it in a browser\n", run.stderr)

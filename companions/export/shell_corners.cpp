@@ -109,9 +109,9 @@ private:
   std::vector<int> patch;     ///< elements whose points are fitted
   std::vector<int> nodes;     ///< of the group
   std::vector<double> factors;
-  std::vector<std::array<double, 2>>
-      places;                  ///< of the Gauss points, in the axes of the first shell
-  std::vector<Forces> values;  ///< at them
+  // Of the Gauss points of the patch, along the axes of the group's first shell.
+  std::vector<std::array<double, 2>> places;
+  std::vector<Forces> values;
 };
 
 void ShellCorners::Recovery::Append(int element, int node)

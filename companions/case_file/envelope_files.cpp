@@ -112,7 +112,8 @@ private:
   tables::UnitTexts units;
 };
 
-/// The ten items with the largest values of each component.
+/// The ten items with the largest values of each component. Values that differ by rounding count as
+/// equal, and the first of them comes first: the order is the same on every machine.
 class Largest
 {
 public:
@@ -121,7 +122,7 @@ public:
     if (columns.size() <= static_cast<std::size_t>(column))
       columns.resize(static_cast<std::size_t>(column) + 1);
     Best& best = columns[column][number];
-    if (best.combination < 0 || std::fabs(extreme.value) > std::fabs(best.value))
+    if (best.combination < 0 || Size(extreme.value) > Size(best.value))
       best = {extreme.value, number, point, combination};
   }
 
@@ -139,9 +140,8 @@ public:
     std::vector<Best> list;
     for (const auto& [number, best] : columns[column])
       list.push_back(best);
-    std::stable_sort(list.begin(), list.end(), [](const Best& a, const Best& b) {
-      return std::fabs(a.value) > std::fabs(b.value);
-    });
+    std::stable_sort(list.begin(), list.end(),
+                     [](const Best& a, const Best& b) { return Size(a.value) > Size(b.value); });
     list.resize(std::min(list.size(), kMost));
     return list;
   }
@@ -149,6 +149,15 @@ public:
   std::size_t Columns() const { return columns.size(); }
 
 private:
+  // Without the last digits: a double has 52 binary places.
+  static double Size(double value)
+  {
+    constexpr int kPlaces = 32;
+    int exponent = 0;
+    const double fraction = std::frexp(std::fabs(value), &exponent);
+    return std::ldexp(std::round(std::ldexp(fraction, kPlaces)), exponent - kPlaces);
+  }
+
   std::vector<std::map<int, Best>> columns;  ///< the best of each item, by its number
 };
 

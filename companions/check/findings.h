@@ -101,8 +101,8 @@ struct Motion
   void Normalise();
 
   bool turns = false;
-  std::vector<int> nodes;
-  std::vector<Vec3> vectors;  ///< one for each node
+  std::vector<int> nodes = {};
+  std::vector<Vec3> vectors = {};  ///< one for each node
 };
 
 /// A fault of a problem file, or a warning of it.

@@ -5,6 +5,7 @@
 
 #include "base/byte_archive.h"
 #include "base/memory_limit.h"
+#include "common/command_line.h"
 #include "common/run_record.h"
 
 namespace morlen::python {
@@ -23,11 +24,21 @@ namespace morlen::python {
   throw py::error_already_set();
 }
 
+namespace {
+
+// The layout of a state is that of a version of the program.
+std::uint64_t SealOf(std::string_view state)
+{
+  return FingerprintOf(state).hash ^ FingerprintOf(std::string_view(ProgramVersion())).hash;
+}
+
+}  // namespace
+
 py::bytes Sealed(const Bytes& state)
 {
   Bytes sealed = state;
   BytePutter put(sealed);
-  put(FingerprintOf(std::string_view(state.data(), state.size())).hash);
+  put(SealOf(std::string_view(state.data(), state.size())));
   return {sealed.data(), sealed.size()};
 }
 
@@ -39,7 +50,7 @@ std::span<const char> Unsealed(std::string_view bytes)
   const std::string_view state = bytes.substr(0, bytes.size() - sizeof hash);
   ByteGetter get(bytes.substr(state.size()));
   get(hash);
-  if (FingerprintOf(state).hash != hash)
+  if (SealOf(state) != hash)
     RefuseBytes();
   return state;
 }

@@ -70,9 +70,9 @@ auto Ask(Owner& owner, Use use)
   return owner.With(use);
 }
 
-/// What a pickle holds of a state: its bytes and their hash.
+/// What a pickle holds of a state: its bytes, and a hash of them and of the version.
 py::bytes Sealed(const Bytes& state);
-/// The state that Sealed has stored. Fatal when the bytes are damaged.
+/// The state that Sealed has stored. Fatal when the bytes are damaged or of another version.
 std::span<const char> Unsealed(std::string_view bytes);
 
 /// Fatal, in a session, when there is no memory for an array. Small ones are not tested.

@@ -70,6 +70,27 @@ def test_states_of_other_classes_are_refused():
             load(core, other.__getstate__())
 
 
+def fnv(data):
+    """FNV-1a, 64 bits."""
+    value = 0xCBF29CE484222325
+    for byte in data:
+        value = (value ^ byte) * 0x100000001B3 % 2**64
+    return value
+
+
+def test_states_of_other_versions_are_refused():
+    core = morlen.parse(PLANE).solve()._core
+    state = core.__getstate__()
+
+    def sealed(version):
+        return state[:-8] + (fnv(state[:-8]) ^ fnv(version)).to_bytes(8, "little")
+
+    assert sealed(morlen.__version__.encode()) == state
+    for version in (b"0.0.9", b"99.0.0"):
+        with pytest.raises(morlen.Error, match="stored data are damaged, or of another version"):
+            load(core, sealed(version))
+
+
 def test_whole_pickles_that_are_cut(tmp_path):
     whole = pickle.dumps(morlen.parse(PLANE).solve())
     for end in range(0, len(whole), 37):

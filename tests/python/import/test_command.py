@@ -1,5 +1,6 @@
 """The command: arguments, files, exit status, time."""
 
+import functools
 import os
 import re
 import signal
@@ -367,7 +368,7 @@ def test_a_missing_package(build, folder):
 
 @pytest.mark.parametrize("delay", [0.0, 0.002, 0.005, 0.01, 0.02, 0.03, 0.05, 0.07, 0.1, 0.15, 0.2, 0.3])
 def test_interrupts(launcher, folder, delay):
-    (folder / "a.msh").write_text(large_mesh(16)[0])
+    (folder / "a.msh").write_text(large_mesh((16, 16, 16))[0])
     run = launcher(folder, "a.msh", "a.map", "-o", "a.dat")
     time.sleep(0.003 + delay)
     run.send_signal(signal.SIGINT)
@@ -390,6 +391,7 @@ def _triangles(flat):
     return np.concatenate([np.column_stack([a, b, c]), np.column_stack([a, c, d])])
 
 
+@functools.cache
 def large_mesh(parts):
     """A block of cubes, by their counts along x, y and z, of six tetrahedra each, as .msh 2.2.
 

@@ -92,9 +92,8 @@ py::array ReadOnly(py::array owner)
   const std::vector<py::ssize_t> shape = sides(owner.shape());
   const std::vector<py::ssize_t> strides = sides(owner.strides());
   const void* const values = owner.data();
-  void (*const release)(void*) = [](void* array) { Py_DECREF(static_cast<PyObject*>(array)); };
-  const void* const held = owner.release().ptr();
-  const py::capsule hidden(held, release);
+  const void* const kept = owner.release().ptr();
+  const py::capsule hidden(kept, [](void* array) { Py_DECREF(static_cast<PyObject*>(array)); });
   py::array view(type, shape, strides, values, hidden);
   view.attr("setflags")(py::arg("write") = false);
   return view;

@@ -71,6 +71,9 @@ public:
     slots[slot].taken = false;
   }
 
+  // True for the first caller, who cleans up and ends the process.
+  bool BeginEnd() { return !ends.exchange(true); }
+
   void CleanUp()
   {
     for (Slot& slot : slots)
@@ -78,7 +81,7 @@ public:
   }
 
 private:
-  static constexpr int kSlots = 64;
+  static constexpr int kSlots = 1024;
   struct Slot
   {
     std::atomic<bool> taken = false;
@@ -90,14 +93,20 @@ private:
   static_assert(std::atomic<int>::is_always_lock_free);
 
   std::array<Slot, kSlots> slots;
+  std::atomic<bool> ends = false;
 };
 
 constinit Register unfinishedFiles;
 
+// A second signal may arrive in another thread while the first one cleans up: a terminal and a
+// parent process both send Ctrl-C. It must not end the process early.
 extern "C" void CleanUpAndEnd(int signal)
 {
+  if (!unfinishedFiles.BeginEnd())
+    return;
   unfinishedFiles.CleanUp();
-  raise(signal);  // the default action, which SA_RESETHAND has restored, follows on return
+  std::signal(signal, SIG_DFL);
+  raise(signal);  // the signal is blocked here: the default action follows on return
 }
 
 }  // namespace
@@ -152,7 +161,7 @@ void CleanUpOnSignals()
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
       continue;
     action.sa_handler = CleanUpAndEnd;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    action.sa_flags = 0;
     sigfillset(&action.sa_mask);
     sigaction(signal, &action, nullptr);
   }

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,6 +10,9 @@
 #include <csignal>
 #include <filesystem>
 #include <functional>
+#include <iterator>
+#include <system_error>
+#include <thread>
 
 #include "base/errorwriter.h"
 #include "base/unfinished_files.h"
@@ -378,6 +382,33 @@ TEST_F(OutputFileTest, EndsRemoveAFolderWithItsFiles)
   EXPECT_EQ(folder.Files(), (Files{{"pool/a", "numbers"}}));
 }
 
+// A terminal and a parent process may both send Ctrl-C; the second one comes to another thread.
+TEST_F(OutputFileTest, ASecondSignalDoesNotCutTheCleaningShort)
+{
+  for (int i = 0; i < 3000; ++i)
+    folder.Write("pool/" + std::to_string(i), "");
+  const std::string name = Name("pool");
+  const int ended = EndOfChild([&] {
+    CleanUpOnSignals();
+    UnfinishedFile pool;
+    pool.RemoveFolder(name.c_str());
+    const auto present = [&] {
+      std::error_code gone;
+      return std::distance(fs::directory_iterator(name, gone), fs::directory_iterator());
+    };
+    std::thread second([&] {
+      while (present() == 3000) {
+      }
+      kill(getpid(), SIGINT);
+      pause();
+    });
+    raise(SIGINT);
+    second.join();
+  });
+  EXPECT_TRUE(WIFSIGNALED(ended) && WTERMSIG(ended) == SIGINT);
+  EXPECT_FALSE(folder.Has("pool"));
+}
+
 TEST_F(OutputFileTest, IgnoredSignalsStayIgnored)
 {
   const int ended = EndOfChild([&] {
@@ -392,12 +423,21 @@ TEST_F(OutputFileTest, IgnoredSignalsStayIgnored)
 
 TEST_F(OutputFileTest, ManyFilesAtOnceAreCleanedUpByTheirDestructors)
 {
+  constexpr int kFiles = 1100;  // more than the register of the process holds
+  rlimit limit = {};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  if (limit.rlim_max < kFiles + 100)
+    GTEST_SKIP() << "the system does not allow so many open files";
+  const rlimit before = limit;
+  limit.rlim_cur = limit.rlim_max;
+  setrlimit(RLIMIT_NOFILE, &limit);
   std::vector<std::unique_ptr<OutputFile>> files;
-  files.reserve(100);
-  for (int i = 0; i < 100; ++i)  // more than the register of the process holds
+  files.reserve(kFiles);
+  for (int i = 0; i < kFiles; ++i)
     files.push_back(std::make_unique<OutputFile>(Name(std::to_string(i))));
   files.front()->Commit();
   files.clear();
+  setrlimit(RLIMIT_NOFILE, &before);
   EXPECT_EQ(folder.Files(), (Files{{"0", ""}}));
 }
 

@@ -51,8 +51,18 @@ void OutputSet::Flush()
   }
 }
 
+void OutputSet::Complete()
+{
+  for (Member& member : members) {
+    if (!member.isComplete)
+      member.file->Complete();
+    member.isComplete = true;
+  }
+}
+
 void OutputSet::Commit()
 {
+  Complete();
   for (const fs::path& name : stale)
     RemoveFile(name);
   stale.clear();

@@ -31,6 +31,10 @@ public:
   /// something written has been lost.
   void Flush();
 
+  /// Closes the files and waits until they are on the disk; then only their names are missing, and
+  /// Commit is quick. Fatal when something written has been lost.
+  void Complete();
+
   struct Member
   {
     std::filesystem::path name;

@@ -68,15 +68,30 @@ std::vector<fs::path> NotOfThisRun(const Job& job, const OutputSet& files)
   return others;
 }
 
+std::optional<RunRecord> OldRecord(const Job& job)
+{
+  const std::optional<std::string> text = FileText(job.Result(".morlen.run"));
+  return text ? ReadRunRecord(*text) : std::nullopt;
+}
+
+// A problem file and a file of load cases that differ in their endings have one report and one
+// record. Returns the other one when the record is of that; else nothing.
+std::string OtherInput(const Job& job)
+{
+  const std::optional<RunRecord> record = OldRecord(job);
+  if (!record || record->inputs.empty() ||
+      fs::path(record->inputs.front().name).filename() == fs::path(job.input).filename())
+    return {};
+  return record->inputs.front().name;
+}
+
 // The results of an earlier run, by its record, or else those whose names tell it.
 std::vector<fs::path> OldResults(const Job& job)
 {
-  const fs::path name = job.Result(".morlen.run");
-  const std::optional<std::string> text = FileText(name);
   std::vector<fs::path> old;
-  if (const auto record = text ? ReadRunRecord(*text) : std::nullopt) {
+  if (const std::optional<RunRecord> record = OldRecord(job)) {
     for (const RecordedFile& file : record->results)
-      old.push_back(name.parent_path() / file.name);
+      old.push_back(job.base.parent_path() / file.name);
   } else {
     old = {job.Result(".html"), job.Result(".morlen.res")};
   }
@@ -169,8 +184,8 @@ void RequireWritable(std::span<const fs::path> files)
   }
 }
 
-std::vector<fs::path> Publish(const Job& job, std::vector<RecordedFile> inputs,
-                              const RunFacts& facts, OutputSet& files)
+Neighbours Publish(const Job& job, std::vector<RecordedFile> inputs, const RunFacts& facts,
+                   OutputSet& files)
 {
   files.Flush();
   const RunRecord record = {facts, std::move(inputs), RecordedIn(files, job.base.parent_path())};
@@ -178,11 +193,12 @@ std::vector<fs::path> Publish(const Job& job, std::vector<RecordedFile> inputs,
   std::string lines;
   for (const OutputSet::Member& member : files.Members())
     lines += "wrote " + member.name.string() + "\n";
-  std::vector<fs::path> others = NotOfThisRun(job, files);
+  Neighbours neighbours = {NotOfThisRun(job, files), OtherInput(job)};
+  files.Complete();
   const SignalsHeld held;
   files.Commit();
   std::fputs(lines.c_str(), stdout);
-  return others;
+  return neighbours;
 }
 
 void PrintFile(const fs::path& file)

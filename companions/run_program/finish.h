@@ -59,10 +59,9 @@ void RequireWritable(std::span<const std::filesystem::path> files);
 
 /// Adds the record of the run to the files, gives all their names, and prints these on standard
 /// output. A signal in between takes effect at the end, so that the old and the new results are not
-/// mixed. Returns the results in other formats that exist and are not of this run. Fatal when a
-/// file cannot be written.
-std::vector<std::filesystem::path> Publish(const Job& job, std::vector<RecordedFile> inputs,
-                                           const RunFacts& facts, OutputSet& files);
+/// mixed. Returns the files of other runs. Fatal when a file cannot be written.
+Neighbours Publish(const Job& job, std::vector<RecordedFile> inputs, const RunFacts& facts,
+                   OutputSet& files);
 
 /// Prints a file on standard output. Fatal when something is lost.
 void PrintFile(const std::filesystem::path& file);

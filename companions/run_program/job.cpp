@@ -16,7 +16,7 @@ constexpr const char* kEndings[] = {".txt", ".morlen.res", ".html", ".vtu", ".js
 
 Job JobOf(const std::string& input, const Options& options)
 {
-  Job job{input, {}, IsCaseFile(input)};
+  Job job{input == "/dev/stdin" ? "-" : input, {}, IsCaseFile(input)};
   const fs::path file = job.IsStandardInput() ? fs::path("stdin") : fs::path(input);
   job.base = options.folder.value_or(file.parent_path()) / file.stem();
   return job;

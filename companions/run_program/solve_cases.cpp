@@ -129,7 +129,7 @@ Outcome SolveStudy(cases::Study& study, const check::Report& report, const Job& 
   const CaseBalances balances = WriteCaseReport(
       study, actions, solved, {title, DescriptionOf(job.input), FindingsOf(report.problems, title)},
       page, files);
-  summary.others = Publish(job, RecordedInputs(study), summary.facts, files);
+  summary.neighbours = Publish(job, RecordedInputs(study), summary.facts, files);
   summary.balance = balances.Worst().residual;
   summary.balanceOf = study.combinations[balances.worst].name;
   summary.advice = balances.advice[balances.worst];

@@ -180,7 +180,7 @@ private:
   void Name()
   {
     const SignalsHeld held;
-    summary.others =
+    summary.neighbours =
         Publish(job, {{job.input, FingerprintOf(std::string_view(text))}}, summary.facts, files);
     if (newFolder)
       newFolder->Keep();

@@ -95,10 +95,12 @@ std::string TextOf(const Summary& summary)
   for (const Extreme& extreme : summary.extremes)
     text += Line(extreme.label, TextOf(extreme));
   text += Line("warnings", WarningCount(summary));
-  if (!summary.others.empty())
-    text +=
-        Line("older files", Listed(summary.others) + (summary.others.size() == 1 ? " is" : " are") +
-                                " not of this run");
+  const auto& [older, replaced] = summary.neighbours;
+  if (!older.empty())
+    text += Line("older files",
+                 Listed(older) + (older.size() == 1 ? " is" : " are") + " not of this run");
+  if (!replaced.empty())
+    text += Line("replaced", "the report and the record of " + replaced);
   return text + Line("time", TimeText(summary.seconds));
 }
 

@@ -11,7 +11,14 @@
 
 namespace morlen::run {
 
-/// What a user must know of a run that is done.
+/// Files of other runs that have, or had, names of this one.
+struct Neighbours
+{
+  std::vector<std::filesystem::path> older;  ///< results in other formats, which stay
+  std::string replaced;  ///< another input, whose report and record are replaced; empty for none
+};
+
+/// The content of the summary of a run that is done.
 struct Summary
 {
   RunFacts facts;
@@ -21,7 +28,7 @@ struct Summary
   std::vector<Extreme> extremes;
   int checkWarnings = 0;
   int analysisWarnings = 0;
-  std::vector<std::filesystem::path> others;  ///< results with the names of this run, not of it
+  Neighbours neighbours;
   double seconds = 0.0;
 };
 

@@ -166,6 +166,7 @@ private:
   void Start(const Job& job);
   [[noreturn]] void BecomeJob(const Job& job, const Pipe& output, const Pipe& messages);
   void Wait();
+  void PassOn(int received);
   void Hear(Child& child);
   void CollectEnded();
   void End(Child& child);
@@ -242,11 +243,7 @@ void Supervisor::Wait()
   if (poll(polled.data(), polled.size(), console.HasTerminal() ? kSecond : -1) == 0)
     return console.Tick();
   if (polled[0].revents != 0)
-    signal = std::max(signal, signals.Receive());
-  for (const auto& child : children) {
-    if (signal != 0)
-      kill(child->process, signal);
-  }
+    PassOn(signals.Receive());
   char part[1 << 16];
   for (std::size_t i = 1; i < polled.size(); ++i) {
     if (polled[i].revents == 0)
@@ -259,6 +256,15 @@ void Supervisor::Wait()
   }
   for (const auto& child : children)
     Hear(*child);
+}
+
+void Supervisor::PassOn(int received)
+{
+  signal = std::max(signal, received);
+  for (const auto& child : children) {
+    if (received != 0)
+      kill(child->process, received);
+  }
 }
 
 void Supervisor::Hear(Child& child)

@@ -108,6 +108,7 @@ TEST(Jobs, ResultsAreNextToTheFileOrInTheFolder)
   EXPECT_TRUE(beside[1].isCases);
   EXPECT_EQ(beside[2].Result(".txt"), "stdin.txt");
   EXPECT_EQ(beside[2].Folder(), ".");
+  EXPECT_EQ(PlanJobs(For({"/dev/stdin"})).front().Result(".txt"), "stdin.txt");
   EXPECT_EQ(PlanJobs(For({"a/m.dat"}, "out")).front().Result(".txt"), "out/m.txt");
 }
 

@@ -1,7 +1,11 @@
 // Numbers as text: with the same number of digits in a column for the eye, and in full for files.
 
-/** Significant digits of the largest value of a column. */
+/** Significant digits of the largest value of a column; no value gets more in a decimal fraction. */
 const DIGITS = 5;
+
+/** Significant digits of a value that counts: one of at least FAINT times the largest. */
+const LEAST_DIGITS = 3,
+  FAINT = 0.01;
 
 /** Powers of ten within which a column is written without an exponent. */
 const LOWEST = -5,
@@ -9,19 +13,37 @@ const LOWEST = -5,
 
 /**
  * How a set of values is written: with `decimals` digits after the point, with an exponent where the
- * largest is very large or very small. The largest gets `digits` significant digits, fewer when no
- * value needs them.
+ * largest is very large or very small. The largest gets `digits` significant digits, up to DIGITS
+ * where a value of a hundredth of it would have fewer than three; fewer when no value needs them.
  */
 export function styleOf(values, digits = DIGITS) {
+  const largest = largestOf(values);
+  if (largest === 0) return { decimals: 0, exponent: false };
+  const power = Math.floor(Math.log10(largest));
+  if (power < LOWEST || power > HIGHEST) return { decimals: digits - 2, exponent: true };
+  const ofLeast = LEAST_DIGITS - 1 - Math.floor(Math.log10(leastOf(values, FAINT * largest)));
+  const most = Math.max(0, digits - 1 - power, Math.min(ofLeast, DIGITS - 1 - power));
+  return { decimals: neededDecimals(values, most), exponent: false };
+}
+
+/** The largest absolute value that is finite. */
+function largestOf(values) {
   let largest = 0;
   for (let i = 0; i < values.length; ++i) {
     const size = Math.abs(values[i]);
     if (size > largest && size < Infinity) largest = size;
   }
-  if (largest === 0) return { decimals: 0, exponent: false };
-  const power = Math.floor(Math.log10(largest));
-  if (power < LOWEST || power > HIGHEST) return { decimals: digits - 2, exponent: true };
-  return { decimals: neededDecimals(values, Math.max(0, digits - 1 - power)), exponent: false };
+  return largest;
+}
+
+/** The least absolute value that is not below a bound. */
+function leastOf(values, bound) {
+  let least = Infinity;
+  for (let i = 0; i < values.length; ++i) {
+    const size = Math.abs(values[i]);
+    if (size < least && size >= bound) least = size;
+  }
+  return least;
 }
 
 /** The least number of decimals, up to `most`, with which all values read as with `most`. */

@@ -241,6 +241,13 @@ test("keys alone turn the view, go through elements and tables", async () => {
     await page.evaluate("document.getElementById('view-text').textContent"),
     /^Structure of 180 elements and 84 nodes, 18 by 10 by 20 m\..*Selected: Member 1 to 13/,
   );
+  await page.set("diagram", "Mz");
+  await page.set("axes", "selected");
+  await page.evaluate("new Promise((done) => setTimeout(done, 600))");
+  assert.match(
+    await page.evaluate("document.getElementById('view-text').textContent"),
+    / m\. Colours: [^:.]*\. Diagram: Bending moment Mz\. local axes: of the selected element\. /,
+  );
   // Along the first diagram of the member, N, and on to the next one.
   await tabTo(page, (focus) => focus.role === "slider");
   for (let i = 0; i < 5; ++i) await press(page, "ArrowRight");

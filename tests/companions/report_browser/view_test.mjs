@@ -468,6 +468,18 @@ test("legends have round ticks, 0 where both signs are, and limits that can be t
   assert.ok(differing(wide, await page.evaluate(PIXELS)) > 100);
   await page.set("legend-high", "-5");
   assert.equal(await page.evaluate("document.getElementById('legend-high').ariaInvalid"), "true");
+  const limits = `morlenReport.scale.low + " " + morlenReport.scale.high`;
+  const said = "document.querySelector('.limits [role=status]').textContent";
+  assert.match(await page.evaluate(said), /lower limit -4 is not below the upper limit -5/);
+  assert.equal(await page.evaluate(limits), "-4 6");
+  for (const text of ["abc", "", "1e999", "1,000"]) {
+    await page.set("legend-high", text);
+    assert.match(await page.evaluate(said), /is no number/, text);
+    assert.equal(await page.evaluate(limits), "-4 6");
+  }
+  await page.set("legend-high", "1,5");
+  assert.equal(await page.evaluate(limits), "-4 1.5");
+  assert.equal(await page.evaluate(said), "");
   await page.evaluate("document.getElementById('legend-reset').click()");
   await page.frame();
   assert.equal(differing(wide, await page.evaluate(PIXELS)), 0, "limits stay");
@@ -479,6 +491,22 @@ test("the scale of the deformation can be typed", async () => {
   const before = await page.evaluate(PIXELS);
   await page.set("factor", "1234");
   assert.equal(await page.evaluate("morlenReport.factor.value"), 1234);
+  const said = "document.querySelector('.tool [role=status]').textContent";
+  for (const [text, message] of [
+    ["1e12", /1e12 is not between 0 and \d+/],
+    ["-5", /-5 is not between 0 and \d+/],
+    ["abc", /abc is no number/],
+    ["", /an empty text is no number/],
+  ]) {
+    await page.set("factor", text);
+    assert.match(await page.evaluate(said), message);
+    assert.equal(await page.evaluate("morlenReport.factor.value"), 1234);
+    assert.equal(await page.evaluate("document.getElementById('factor').value"), "1234");
+  }
+  await page.set("factor", "1,5");
+  assert.equal(await page.evaluate("morlenReport.factor.value"), 1.5);
+  assert.equal(await page.evaluate(said), "");
+  await page.set("factor", "1234");
   assert.ok(differing(before, await page.evaluate(PIXELS)) > 50);
   await page.set("deformation", "0");
   assert.equal(await page.evaluate("document.getElementById('factor').value"), "0");

@@ -1,6 +1,7 @@
 // The factor of the displacements: by the slider, whose middle shows them at a usual size, or typed.
 
 import { format } from "./dom.js";
+import { complaint, numberIn } from "./number_field.js";
 
 export class Deformation {
   constructor() {
@@ -15,11 +16,20 @@ export class Deformation {
   }
 
   /**
-   * A typed factor stays until the slider moves, in other cases too. It is kept between 0 and a
-   * thousand times the usual one, with which nothing of the shape would be seen.
+   * A typed factor stays until the slider moves, in other cases too. Nothing of the shape would be
+   * seen with more than a thousand times the usual factor. Returns the message about a text that
+   * cannot be used, "" otherwise.
    */
-  type(value) {
-    if (Number.isFinite(value)) this.typed = Math.min(Math.max(value, 0), 1000 * this.usual);
+  type(text) {
+    const most = 1000 * this.usual;
+    const stays = `${format(this.factor.value)} stays`;
+    const noNumber = complaint(text, stays);
+    if (noNumber) return noNumber;
+    const value = numberIn(text);
+    if (value < 0 || value > most)
+      return `${text.trim()} is not between 0 and ${format(most)}; ${stays}`;
+    this.typed = value;
+    return "";
   }
 
   slide() {

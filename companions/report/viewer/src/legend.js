@@ -3,6 +3,7 @@
 
 import { cssColour } from "./colours.js";
 import { h } from "./dom.js";
+import { complaint, messagePlace, numberField, numberIn } from "./number_field.js";
 import { numberStyle, ticksBetween } from "./ticks.js";
 
 export class Legend {
@@ -57,21 +58,21 @@ export class Legend {
   /** Two numbers and a button that takes them away. */
   form(field, scale) {
     const input = (name, value) =>
-      h("input", {
-        type: "number",
-        step: "any",
+      numberField({
         id: `legend-${name}`,
         value: String(Number(value.toPrecision(6))),
         "aria-label": `${name === "low" ? "lower" : "upper"} limit of the colours`,
       });
     const low = input("low", scale.low),
       high = input("high", scale.high);
+    const message = messagePlace();
     const take = () => {
-      const limits = [low, high].map((one) => one.valueAsNumber);
-      const sound = limits[0] < limits[1];
-      for (const one of [low, high]) one.setAttribute("aria-invalid", String(!sound));
-      if (!sound) return;
-      this.limits.set(field.id, limits);
+      const texts = [low.value, high.value];
+      const fault = faultOfLimits(texts);
+      for (const one of [low, high]) one.setAttribute("aria-invalid", String(fault !== ""));
+      message.textContent = fault;
+      if (fault) return;
+      this.limits.set(field.id, texts.map(numberIn));
       this.onchange();
     };
     for (const one of [low, high]) one.addEventListener("change", take);
@@ -91,8 +92,19 @@ export class Legend {
         { id: "legend-reset", disabled: this.limitsOf(field) === null, onclick: reset },
         "Reset",
       ),
+      message,
     );
   }
+}
+
+/** The message about the typed lower and upper limit; "" for limits that can be used. */
+function faultOfLimits(texts) {
+  const stays = "the colours stay as they are";
+  const noNumber = texts.map((text) => complaint(text, stays)).find(Boolean);
+  if (noNumber) return noNumber;
+  const [low, high] = texts.map(numberIn);
+  if (low < high) return "";
+  return `The lower limit ${low} is not below the upper limit ${high}; ${stays}`;
 }
 
 /** A value far beyond typed limits, without the power of ten of the scale. */

@@ -4,6 +4,7 @@ import { DIAGRAMS, hasDiagram } from "./diagrams.js";
 import { checkbox, h, select } from "./dom.js";
 import { menu } from "./menu.js";
 import { SHELL, SOLID } from "./model.js";
+import { messagePlace, numberField } from "./number_field.js";
 import { savePng, saveSvg } from "./picture.js";
 import { hasPrincipalStresses } from "./principal.js";
 import { LARGE } from "./scene.js";
@@ -97,7 +98,7 @@ export class Toolbar {
         : null,
       isEnvelope || !report.hasResults
         ? null
-        : tool("Deformed", this.deformation, "\u00d7", this.factor),
+        : tool("Deformed", this.deformation, "\u00d7", this.factor, this.factorMessage),
       this.showMenu(view),
       menu("save", "Save", [
         [
@@ -130,16 +131,13 @@ export class Toolbar {
   makeDeformation(view) {
     this.deformation = range("deformation", { min: 0, max: 2, step: 0.01, value: 1 }, () => {
       view.deformation.slide();
+      this.factorMessage.textContent = "";
       view.deform();
     });
-    this.factor = h("input", {
-      type: "number",
-      id: "factor",
-      step: "any",
-      "aria-label": "scale of the deformation",
-    });
+    this.factor = numberField({ id: "factor", "aria-label": "scale of the deformation" });
+    this.factorMessage = messagePlace();
     this.factor.addEventListener("change", () => {
-      view.deformation.type(this.factor.valueAsNumber);
+      this.factorMessage.textContent = view.deformation.type(this.factor.value);
       view.deform();
     });
   }

@@ -307,11 +307,13 @@ test("numbers: the same decimals in a column, all digits in files", () => {
   assert.deepEqual(column([2.1e8, 3.25e7]), ["2.100e+8", "3.250e+7"]);
   assert.deepEqual(column([123456, 7]), ["123456", "7"]);
   assert.deepEqual(column([0, 0]), ["0", "0"]);
-  // With four digits of the largest: a hundredth of it has three digits, and the largest five at most.
+  // Four digits of the largest, or five where a value of a thousandth of it or more needs them.
   const short = (values) => styledTogether(values, 4);
   assert.deepEqual(short([0.012342, 0.000353, -0.000151]), ["0.012342", "0.000353", "-0.000151"]);
   assert.deepEqual(short([98.7654, 0.99123]), ["98.765", "0.991"]);
-  assert.deepEqual(short([98.7654, 0.098765]), ["98.77", "0.10"]);
+  assert.deepEqual(short([98.7654, 0.099123]), ["98.765", "0.099"]);
+  assert.deepEqual(short([98.7654, 0.0087654]), ["98.77", "0.01"]);
+  assert.deepEqual(short([-0.030672, -0.000153]), ["-0.030672", "-0.000153"]);
   assert.deepEqual(short([98.7654, 12.3456]), ["98.77", "12.35"]);
   assert.equal(significant(12.3456), "12.35");
   assert.equal(significant(-60), "-60.00");

@@ -5,7 +5,7 @@ const DIGITS = 5;
 
 /** Significant digits of a value that counts: one of at least FAINT times the largest. */
 const LEAST_DIGITS = 3,
-  FAINT = 0.01;
+  FAINT = 1e-3;
 
 /** Powers of ten within which a column is written without an exponent. */
 const LOWEST = -5,
@@ -14,7 +14,8 @@ const LOWEST = -5,
 /**
  * How a set of values is written: with `decimals` digits after the point, with an exponent where the
  * largest is very large or very small. The largest gets `digits` significant digits, up to DIGITS
- * where a value of a hundredth of it would have fewer than three; fewer when no value needs them.
+ * where a value that counts would have fewer than three; fewer when no value needs them. So values
+ * of a hundredth of the largest always have three.
  */
 export function styleOf(values, digits = DIGITS) {
   const largest = largestOf(values);

@@ -30,16 +30,21 @@ ThrownErrors::~ThrownErrors()
   errorwriter.SetEndOfRun(previous);
 }
 
-bool Succeeds(const std::function<void()>& step)
+std::optional<Failure> FailureOf(const std::function<void()>& step)
 {
-  const SilentWarnings silent;
   const ThrownErrors thrown;
   try {
     step();
-    return true;
-  } catch (const RunEnded&) {
-    return false;
+    return std::nullopt;
+  } catch (const RunEnded& end) {
+    return Failure{end.message, std::string(errorwriter.Hint())};
   }
+}
+
+bool Succeeds(const std::function<void()>& step)
+{
+  const SilentWarnings silent;
+  return !FailureOf(step);
 }
 
 }  // namespace morlen::check

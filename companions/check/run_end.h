@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "base/errorwriter.h"
@@ -26,8 +27,18 @@ private:
   ErrorWriter::EndOfRun previous;
 };
 
-/// Runs a step whose first error ends it, and nothing else. Neither the error nor warnings are
-/// printed. Returns true when there was no error.
+/// An error that has ended a step.
+struct Failure
+{
+  std::string message;
+  std::string hint;  ///< may be empty
+};
+
+/// Runs a step whose first error ends it, and nothing else. The error is not printed.
+std::optional<Failure> FailureOf(const std::function<void()>& step);
+
+/// The same without the error. Warnings are not printed either. Returns true when there was no
+/// error.
 bool Succeeds(const std::function<void()>& step);
 
 }  // namespace morlen::check

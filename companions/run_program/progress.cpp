@@ -80,6 +80,8 @@ void ProgressSender::Iterate(int iteration, double residual, double tolerance)
     std::snprintf(text, sizeof text, ", about %.0f s left", std::ceil(left));
     message += text;
   }
+  if (equations > 0)
+    message += ", " + std::to_string(equations) + " equations";
   Advance(message);
 }
 

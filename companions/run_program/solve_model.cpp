@@ -4,6 +4,7 @@
 
 #include "run_program/solve_model.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <iostream>
@@ -11,12 +12,14 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "base/errorwriter.h"
 #include "base/signals_held.h"
 #include "base/textscan.h"
+#include "check/run_end.h"
 #include "common/file_text.h"
 #include "common/output_set.h"
 #include "common/run_record.h"
@@ -41,6 +44,28 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// As the program prints it.
+void PrintFailure(const check::Failure& failure)
+{
+  std::cerr << failure.message << (failure.message.ends_with('\n') ? "" : "\n");
+  if (!failure.hint.empty())
+    std::cerr << "hint: " << failure.hint << "\n";
+}
+
+check::Located ProblemOf(const check::Failure& failure)
+{
+  constexpr std::string_view kBeginning = "error: ";
+  std::string message = failure.message.substr(0, failure.message.find_last_not_of('\n') + 1);
+  if (message.starts_with(kBeginning))
+    message.erase(0, kBeginning.size());
+  return {.severity = check::Severity::Error,
+          .code = check::Code::ModelRefused,
+          .line = 0,
+          .column = 0,
+          .message = message,
+          .hint = failure.hint};
+}
+
 /// The solution of a problem file whose check has found nothing that stops it.
 class ModelRun
 {
@@ -58,7 +83,8 @@ public:
   Outcome Run(const Stopwatch& watch)
   {
     Open();
-    Solve();
+    if (const std::optional<check::Failure> failure = Solve())
+      return Refused(*failure);
     results::Results results;
     model::Model model = ReadBack(results);
     progress.Stage(options.ToStandardOutput() ? "writing the results"
@@ -105,19 +131,41 @@ private:
     return name += ending;
   }
 
-  void Solve()
+  // Returns the error that ends the analysis.
+  std::optional<check::Failure> Solve()
   {
     const std::unique_ptr<SolverKit> kit = MakeKit();
     Project project(100, *kit);
-    TextScan scan(text);
-    project.ReadFromAscii(scan);
-    project.Calc(true, progress.Stream());
+    const std::optional<check::Failure> failure = check::FailureOf([&] {
+      TextScan scan(text);
+      project.ReadFromAscii(scan);
+      project.Calc(true, progress.Stream());
+    });
+    if (failure)
+      return failure;
     project.CalcStrengthsAndReactions(progress.Stream());
     project.WriteResults(textResults->Stream());
     project.WriteKivResults(postResults->Stream(), nullptr);
     summary.facts =
         FactsOf(project.account, project.solution.accuracy, project.problem.Equations());
     files.Flush();
+    return std::nullopt;
+  }
+
+  // The check has left the search for motions to the analysis, whose error shows none: the page
+  // gets them now.
+  Outcome Refused(const check::Failure& failure)
+  {
+    PrintFailure(failure);
+    if (!options.ToStandardOutput()) {
+      progress.Stage("looking for motions");
+      report = check::CheckText(text);
+      if (report.errors == 0)
+        report.problems.push_back(ProblemOf(failure));
+    }
+    report.errors = std::max(report.errors, 1);
+    std::istringstream description(text);
+    return NotSolved(job, options, report, text, DescriptionIn(description));
   }
 
   // The results as the files have them, with six digits, for everything that is made of them.
@@ -189,7 +237,7 @@ private:
   const Job& job;
   const Options& options;
   const std::string text;  ///< of the problem file
-  const check::Report report;
+  check::Report report;
   ProgressSender& progress;
 
   Problem problem{100};  ///< as read

@@ -330,6 +330,23 @@ class Run(unittest.TestCase):
         self.assertIn("truss.dat: the results of an earlier run stay: truss.txt, truss.morlen.res, truss.html\n", run.stderr)
         self.assertIn("truss.dat: there is no new page to open\n", run.stderr)
 
+    def test_motions_that_the_analysis_finds_are_on_the_page(self):
+        # Two bars in one line: nothing but the torsion of each holds the hinge between them across it.
+        text = subprocess.run([sys.executable, GENERATE, "frame3d", "9", "9", "26"], check=True, capture_output=True,
+                              text=True).stdout
+        nodes = [int(n) for n in re.findall(r"(?m)^(\d+) ", re.search(r"(?ms)^coordinates(.*?)^end", text)[1])]
+        elements = [int(n) for n in re.findall(r"(?m)^(\d+) ", re.search(r"(?ms)^elements(.*?)^end", text)[1])]
+        node, element = max(nodes) + 1, max(elements) + 1
+        text = text.replace("\ncoordinates\n", f"\ncoordinates\n{node} 3 0 0.5\n", 1)
+        text = text.replace("\nelements\n", f"\nelements\n{element} 1 {node} 1\n{element + 1} {node} 2 1\n", 1)
+        text += f"\nelem_rotules\n{element} 00\n{element + 1} 00\nend elem_rotules\n"
+        (self.folder / "m.dat").write_text(text)
+        run = self.done("m.dat", status=2)
+        self.assertRegex(run.stderr, r"\nm.dat: solving \d{5} equations")
+        self.assertRegex(run.stderr, r"\nm.dat: not solved: \d errors?, ")
+        self.assertEqual(run.stdout, "wrote m.html: the model with the findings of the check, no results\n")
+        self.assertIn('"motion"', (self.folder / "m.html").read_text())
+
     def test_load_cases_of_a_loose_model_give_its_page(self):
         text = example("truss.dat")
         (self.folder / "truss.dat").write_text(

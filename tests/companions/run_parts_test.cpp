@@ -74,6 +74,8 @@ TEST(ProgressSender, MakesEventsOfTheMessagesThatMatter)
   EXPECT_EQ(Sent({"Factorisation"}), "\1Afactorising\n");
   EXPECT_EQ(Sent({"iteration number 1 resid=0.5 tol=1e-05"}),
             "\1Aiteration 1, residual 5.0e-01 of 1.0e-05\n");
+  EXPECT_EQ(Sent({"iteration number 1 resid=0.5 tol=1e-05"}, 12),
+            "\1Aiteration 1, residual 5.0e-01 of 1.0e-05, 12 equations\n");
   EXPECT_EQ(Sent({"Stiffness matrix filled", "Solver finished"}), "");
 }
 

@@ -136,7 +136,7 @@ private:
   {
     const std::unique_ptr<SolverKit> kit = MakeKit();
     Project project(100, *kit);
-    const std::optional<check::Failure> failure = check::FailureOf([&] {
+    std::optional<check::Failure> failure = check::FailureOf([&] {
       TextScan scan(text);
       project.ReadFromAscii(scan);
       project.Calc(true, progress.Stream());

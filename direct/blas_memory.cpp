@@ -1,6 +1,4 @@
-#include <sys/mman.h>
-
-#include "base/errorwriter.h"
+#include "base/memory_limit.h"
 #include "direct/blas_kernels.h"
 
 extern "C" void dtrsm_(const char* side, const char* triangle, const char* transposed,
@@ -13,11 +11,7 @@ namespace morlen::direct {
 // The first product makes BLAS map its memory. The address space for it is tried before.
 void ReserveBlasMemory()
 {
-  void* const map = mmap(nullptr, kBlasBytes, PROT_READ | PROT_WRITE,
-                         MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  if (map == MAP_FAILED)
-    Fatal("Not space available on heap");
-  munmap(map, kBlasBytes);
+  RequireAddressSpace(kBlasBytes);
   constexpr int kOne = 1;
   constexpr double kFactor = 1.0;
   const double a = 1.0;

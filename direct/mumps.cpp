@@ -4,6 +4,7 @@
 
 #include "base/errorwriter.h"
 #include "base/interruption.h"
+#include "base/memory_limit.h"
 #include "direct/mumps_record.h"
 
 // MUMPS would end the process here, with a text of its own, after an error in itself.
@@ -14,6 +15,19 @@ extern "C" [[noreturn]] void __wrap_mpi_abort_()  // NOLINT(bugprone-reserved-id
 }
 
 namespace morlen::direct {
+
+namespace {
+
+/// A bound of what the analysis allocates: two integers for each entry, arrays of the equations
+/// (56 to 64 bytes were seen), and the rounding to pages.
+std::size_t AnalysisBytes(int n, std::int64_t entries)
+{
+  constexpr std::size_t kOfEntry = 8, kOfEquation = 72, kOfPages = 1 << 20;
+  return kOfEntry * static_cast<std::size_t>(entries) + kOfEquation * static_cast<std::size_t>(n) +
+         kOfPages;
+}
+
+}  // namespace
 
 Mumps::Mumps(std::mutex& busy_) : busy(busy_), record(std::make_unique<MumpsRecord>())
 {
@@ -52,6 +66,7 @@ MumpsSizes Mumps::Analyse(int n, Coordinates& entries, std::vector<int>& places)
   record->jcn = entries.columns.data();
   record->a = entries.values;
   record->perm_in = places.data();
+  RequireAddressSpace(AnalysisBytes(n, entries.Count()));  // MUMPS checks only some allocations
   Require(Call([](MumpsRecord& r) { return r.Run(MumpsRecord::kAnalyse); }));
   CheckInterruption();
   return record->Sizes();

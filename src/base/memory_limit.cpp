@@ -6,6 +6,7 @@
 
 #include "base/memory_limit.h"
 
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -171,6 +172,15 @@ void RequireMemory(std::uint64_t bytes)
   constexpr std::uint64_t kSmall = 16 << 20;  // not worth the look-up
   if (bytes > PTRDIFF_MAX || (bytes >= kSmall && bytes > AvailableMemory()))
     Fatal("Not space available on heap");
+}
+
+void RequireAddressSpace(std::size_t bytes)
+{
+  void* const map = mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
+                         MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (map == MAP_FAILED)
+    Fatal("Not space available on heap");
+  munmap(map, bytes);
 }
 
 }  // namespace morlen

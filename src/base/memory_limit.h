@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -25,5 +26,9 @@ std::uint64_t MemoryLimit(const MemorySources& sources = {});
 /// when no array can be so large. Call it before a large array is allocated: the system may grant
 /// memory that it does not have, and end the process when the array is filled.
 void RequireMemory(std::uint64_t bytes);
+
+/// Fatal with the same text when so many bytes of address space cannot be mapped now. Cheaper and
+/// more exact than RequireMemory: for libraries that do not check their own allocations.
+void RequireAddressSpace(std::size_t bytes);
 
 }  // namespace morlen

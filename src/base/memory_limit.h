@@ -27,8 +27,8 @@ std::uint64_t MemoryLimit(const MemorySources& sources = {});
 /// memory that it does not have, and end the process when the array is filled.
 void RequireMemory(std::uint64_t bytes);
 
-/// Fatal with the same text when so many bytes of address space cannot be mapped now. Cheaper and
-/// more exact than RequireMemory: for libraries that do not check their own allocations.
+/// Fatal with the same text when so many bytes of address space, at least 1, cannot be mapped now.
+/// Exact, unlike RequireMemory: for libraries that do not check their own allocations.
 void RequireAddressSpace(std::size_t bytes);
 
 }  // namespace morlen

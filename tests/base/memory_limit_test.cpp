@@ -130,4 +130,11 @@ TEST(RequireMemory, RefusesWhatNoMachineHas)
   ExpectFatal([] { RequireMemory(std::uint64_t{1} << 60); }, "Not space available on heap");
 }
 
+TEST(RequireAddressSpace, RefusesWhatCannotBeMapped)
+{
+  RequireAddressSpace(1);
+  RequireAddressSpace(100 * kMega);
+  ExpectFatal([] { RequireAddressSpace(std::size_t{1} << 60); }, "Not space available on heap");
+}
+
 }  // namespace morlen

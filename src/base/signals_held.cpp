@@ -1,5 +1,7 @@
 #include "base/signals_held.h"
 
+#include "base/unfinished_files.h"
+
 namespace morlen {
 
 SignalsHeld::SignalsHeld()
@@ -7,10 +9,12 @@ SignalsHeld::SignalsHeld()
   sigset_t all;
   sigfillset(&all);
   pthread_sigmask(SIG_BLOCK, &all, &before);
+  PostponeEnd();
 }
 
 SignalsHeld::~SignalsHeld()
 {
+  AllowEnd();
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 

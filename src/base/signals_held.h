@@ -4,8 +4,9 @@
 
 namespace morlen {
 
-/// Holds back the signals that end the process, for this thread, until the scope ends: a file
-/// appears and enters the register of unfinished files in one step, for example.
+/// Holds back the signals that end the process until the scope ends: a file appears and enters the
+/// register of unfinished files in one step, for example. A signal that another thread takes is
+/// held back too where CleanUpOnSignals handles it.
 class SignalsHeld
 {
 public:

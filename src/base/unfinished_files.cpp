@@ -6,6 +6,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sched.h>
 #include <unistd.h>
 
 #include <array>
@@ -71,8 +72,32 @@ public:
     slots[slot].taken = false;
   }
 
-  // True for the first caller, who cleans up and ends the process.
-  bool BeginEnd() { return !ends.exchange(true); }
+  // True for the first caller, who cleans up and ends the process. False while the end is
+  // postponed: the signal is noted then. AllowEnd may miss a signal that is noted at the same
+  // moment, so that this function looks again.
+  bool BeginEnd(int signal)
+  {
+    do {
+      if (ends.exchange(true))
+        return false;
+      if (postponed == 0)
+        return true;
+      noted = signal;
+      ends = false;
+    } while (postponed == 0 && noted.exchange(0) != 0);
+    return false;
+  }
+
+  // An end that has begun is waited for: it does not return. See BeginEnd for the other order.
+  void PostponeEnd()
+  {
+    ++postponed;
+    while (ends)
+      sched_yield();
+  }
+
+  // Returns the signal that was noted, or 0.
+  int AllowEnd() { return --postponed == 0 ? noted.exchange(0) : 0; }
 
   void CleanUp()
   {
@@ -94,6 +119,8 @@ private:
 
   std::array<Slot, kSlots> slots;
   std::atomic<bool> ends = false;
+  std::atomic<int> postponed = 0;  ///< calls of PostponeEnd without AllowEnd
+  std::atomic<int> noted = 0;      ///< the last signal since then
 };
 
 constinit Register unfinishedFiles;
@@ -102,7 +129,7 @@ constinit Register unfinishedFiles;
 // parent process both send Ctrl-C. It must not end the process early.
 extern "C" void CleanUpAndEnd(int signal)
 {
-  if (!unfinishedFiles.BeginEnd())
+  if (!unfinishedFiles.BeginEnd(signal))
     return;
   unfinishedFiles.CleanUp();
   std::signal(signal, SIG_DFL);
@@ -151,6 +178,17 @@ void UnfinishedFile::CleanUp()
 {
   CleanUpFile(removed, isFolder, emptied);
   Release();
+}
+
+void PostponeEnd()
+{
+  unfinishedFiles.PostponeEnd();
+}
+
+void AllowEnd()
+{
+  if (const int signal = unfinishedFiles.AllowEnd())
+    raise(signal);
 }
 
 void CleanUpOnSignals()

@@ -38,4 +38,9 @@ private:
 /// SIGKILL, and the signals of faults in the program, cannot or do not clean up.
 void CleanUpOnSignals();
 
+/// Between the two, in any thread, the signals of CleanUpOnSignals neither clean up nor end the
+/// process. AllowEnd makes up for the last of them. Calls can be nested. Use SignalsHeld.
+void PostponeEnd();
+void AllowEnd();
+
 }  // namespace morlen

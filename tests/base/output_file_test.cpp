@@ -9,12 +9,14 @@
 
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <iterator>
 #include <system_error>
 #include <thread>
 
 #include "base/errorwriter.h"
+#include "base/signals_held.h"
 #include "base/unfinished_files.h"
 #include "support/fatal.h"
 #include "support/run.h"
@@ -439,6 +441,30 @@ TEST_F(OutputFileTest, ManyFilesAtOnceAreCleanedUpByTheirDestructors)
   files.clear();
   setrlimit(RLIMIT_NOFILE, &before);
   EXPECT_EQ(folder.Files(), (Files{{"0", ""}}));
+}
+
+// Another thread takes the signal, since this one blocks it.
+TEST_F(OutputFileTest, SignalsOfOtherThreadsWaitForRenames)
+{
+  folder.Write("a", "old");
+  const int state = EndOfChild([this] {
+    CleanUpOnSignals();
+    std::thread([] { pause(); }).detach();
+    OutputFile file(Name("a"));
+    file.Stream() << "new";
+    {
+      const SignalsHeld held;
+      const SignalsHeld nested;
+      kill(getpid(), SIGTERM);
+      usleep(100000);
+      file.Commit();
+      std::ofstream(Name("after")) << "renamed";
+    }
+    usleep(1000000);
+    std::ofstream(Name("late")) << "not ended";
+  });
+  EXPECT_TRUE(WIFSIGNALED(state) && WTERMSIG(state) == SIGTERM) << state;
+  EXPECT_EQ(folder.Files(), (Files{{"a", "new"}, {"after", "renamed"}}));
 }
 
 }  // namespace morlen

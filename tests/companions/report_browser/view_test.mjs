@@ -486,6 +486,105 @@ test("legends have round ticks, 0 where both signs are, and limits that can be t
   await page.close();
 });
 
+const MESSAGE = (place) => `document.querySelector("${place} [role=status]").textContent`;
+
+test("a place of the cut that cannot be used is told, and the cut stays", async () => {
+  const page = await barPage();
+  await page.set("cut-axis", "x");
+  await page.set("cut-place", "1.3");
+  const said = MESSAGE(".cut-rows");
+  for (const [text, message] of [
+    ["abc", "abc is no number; 1.3 stays"],
+    ["", "an empty text is no number; 1.3 stays"],
+    ["4.5", "4.5 is outside the model, from 0 to 4; 1.3 stays"],
+    ["-1", "-1 is outside the model, from 0 to 4; 1.3 stays"],
+  ]) {
+    await page.set("cut-place", text);
+    assert.equal(await page.evaluate(said), message);
+    assert.equal(
+      await page.evaluate("document.getElementById('cut-place').ariaInvalid"),
+      "true",
+      text,
+    );
+    assertNear((await page.evaluate(CUT))[0], 1.3, 1e-6, `the cut after "${text}"`);
+  }
+  await page.set("cut-place", "2,25");
+  assert.equal(await page.evaluate(said), "");
+  assert.equal(await page.evaluate("document.getElementById('cut-place').ariaInvalid"), "false");
+  assertNear((await page.evaluate(CUT))[0], 2.25, 1e-6, "the cut with a comma");
+  await page.set("cut-axis", "");
+});
+
+test("a line stays while a coordinate is no number, and needs two places", async () => {
+  const page = await barPage();
+  await page.set("colours", "ux");
+  const [a, b] = [
+    [0.2, 0.1, 0.15],
+    [3.7, 0.9, 0.65],
+  ];
+  await typePoints(page, [a, b]);
+  const before = await page.evaluate(PIECES);
+  const said = MESSAGE(".line-fields");
+  for (const [text, message] of [
+    ["abc", "abc is no number; the line stays as it is"],
+    ["", "an empty text is no number; the line stays as it is"],
+  ]) {
+    await page.set("line-B-x", text);
+    assert.equal(await page.evaluate(said), message);
+    assert.equal(
+      await page.evaluate("document.getElementById('line-B-x').ariaInvalid"),
+      "true",
+      text,
+    );
+    assert.deepEqual(await page.evaluate(PIECES), before);
+  }
+  await page.set("line-B-x", "2,2");
+  assert.equal(await page.evaluate(said), "");
+  const moved = await page.evaluate(PIECES);
+  assertNear(moved.at(-1).values[1], (STRESS * 2.2) / E, 1e-4, "ux at the new end"); // six digits
+  await typePoints(page, [a, a]);
+  assert.match(
+    await page.evaluate("document.querySelector('.line-chart').textContent"),
+    /A and B are the same place/,
+  );
+  await page.evaluate("document.getElementById('line-clear').click()");
+  assert.equal(await page.evaluate(said), "");
+  assert.deepEqual(page.complaints, []);
+});
+
+test("places far from the origin keep the digits that the model needs", async () => {
+  const origin = 1234500;
+  const far = pulledBar(4, E, STRESS).replace(/^coordinates$[^]*^end coordinates$/m, (block) =>
+    block.replace(/^(\d+) (\d+) /gm, (_, number, x) => `${number} ${origin + Number(x)} `),
+  );
+  const page = await openModel("far", far);
+  await page.set("cut-axis", "x");
+  await page.set("cut-place", String(origin + 1.25));
+  const shown = "document.getElementById('cut-place').value";
+  assert.equal(Number(await page.evaluate(shown)), origin + 1.25);
+  await page.evaluate("morlenReport.cutting.line.setPoint(0, [-0.75, 0.125, 0])");
+  const x = "document.getElementById('line-A-x').value";
+  assert.equal(Number(await page.evaluate(x)), origin + 1.25);
+  await page.close();
+});
+
+test("the field of a typed limit keeps the focus", async () => {
+  const page = await openExample("slab_and_wall", SMALL);
+  await page.set("colours", "points:Mx'");
+  const active = "document.activeElement.id";
+  await page.evaluate("document.querySelector('.limits').open = true");
+  await page.evaluate("document.getElementById('legend-low').focus()");
+  await page.set("legend-low", "-4");
+  assert.equal(await page.evaluate(active), "legend-low");
+  assert.equal(await page.evaluate("morlenReport.scale.low"), -4);
+  await page.evaluate("document.getElementById('legend-reset').focus()");
+  await page.evaluate("document.getElementById('legend-reset').click()");
+  assert.equal(await page.evaluate(active), "legend-high", "the button is of no more use");
+  assert.equal(await page.evaluate("document.querySelector('.limits').open"), true);
+  assert.notEqual(await page.evaluate("morlenReport.scale.low"), -4);
+  await page.close();
+});
+
 test("the scale of the deformation can be typed", async () => {
   const page = await openExample("portal_frame", SMALL);
   const before = await page.evaluate(PIXELS);

@@ -3,14 +3,22 @@
 
 import { cssColour } from "./colours.js";
 import { h } from "./dom.js";
-import { complaint, messagePlace, numberField, numberIn } from "./number_field.js";
+import { LimitsForm } from "./limits_form.js";
 import { numberStyle, ticksBetween } from "./ticks.js";
 
 export class Legend {
   /** onchange() is called when limits have changed. */
   constructor(onchange) {
     this.onchange = onchange;
-    this.element = h("div", { class: "legend", id: "legend", hidden: true });
+    this.drawing = h("div");
+    this.form = new LimitsForm((limits) => this.take(limits));
+    this.element = h(
+      "div",
+      { class: "legend", id: "legend", hidden: true },
+      this.drawing,
+      this.form.element,
+    );
+    this.field = null;
     this.limits = new Map(); // [low, high] by field
     this.content = null; // what is shown: {title, unit, bands, marks, notes}
   }
@@ -20,15 +28,24 @@ export class Legend {
     return this.limits.get(field.id) ?? null;
   }
 
+  /** Takes typed limits of the shown field; null takes them away. */
+  take(limits) {
+    if (limits) this.limits.set(this.field.id, limits);
+    else this.limits.delete(this.field.id);
+    this.onchange();
+  }
+
   /** Shows a field with its scale and extremes; null hides the legend. */
   show(field, scale, extremes) {
     this.element.hidden = !field;
     this.content = field && contentOf(field, scale, extremes);
+    const isOther = field?.id !== this.field?.id;
+    this.field = field;
     if (!field) return;
     this.element.dataset.min = extremes.min;
     this.element.dataset.max = extremes.max;
     const { title, unit, bands, marks, notes } = this.content;
-    this.element.replaceChildren(
+    this.drawing.replaceChildren(
       h("div", { class: "legend-title" }, title, unit ? h("span", {}, ` ${unit}`) : null),
       h(
         "div",
@@ -51,60 +68,9 @@ export class Legend {
         { class: "legend-note" },
         notes.map((line) => h("div", {}, line)),
       ),
-      this.form(field, scale),
     );
+    this.form.show(field, scale, this.limitsOf(field) !== null, isOther);
   }
-
-  /** Two numbers and a button that takes them away. */
-  form(field, scale) {
-    const input = (name, value) =>
-      numberField({
-        id: `legend-${name}`,
-        value: String(Number(value.toPrecision(6))),
-        "aria-label": `${name === "low" ? "lower" : "upper"} limit of the colours`,
-      });
-    const low = input("low", scale.low),
-      high = input("high", scale.high);
-    const message = messagePlace();
-    const take = () => {
-      const texts = [low.value, high.value];
-      const fault = faultOfLimits(texts);
-      for (const one of [low, high]) one.setAttribute("aria-invalid", String(fault !== ""));
-      message.textContent = fault;
-      if (fault) return;
-      this.limits.set(field.id, texts.map(numberIn));
-      this.onchange();
-    };
-    for (const one of [low, high]) one.addEventListener("change", take);
-    const reset = () => {
-      this.limits.delete(field.id);
-      this.onchange();
-    };
-    return h(
-      "details",
-      { class: "limits", open: this.limitsOf(field) !== null },
-      h("summary", {}, "Limits"),
-      h("label", {}, "to", high),
-      h("label", {}, "from", low),
-      field.unit ? h("div", {}, `in ${field.unit}`) : null,
-      h(
-        "button",
-        { id: "legend-reset", disabled: this.limitsOf(field) === null, onclick: reset },
-        "Reset",
-      ),
-      message,
-    );
-  }
-}
-
-/** The message about the typed lower and upper limit; "" for limits that can be used. */
-function faultOfLimits(texts) {
-  const stays = "the colours stay as they are";
-  const noNumber = texts.map((text) => complaint(text, stays)).find(Boolean);
-  if (noNumber) return noNumber;
-  const [low, high] = texts.map(numberIn);
-  if (low < high) return "";
-  return `The lower limit ${low} is not below the upper limit ${high}; ${stays}`;
 }
 
 /** A value far beyond typed limits, without the power of ten of the scale. */

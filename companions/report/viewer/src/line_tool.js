@@ -6,9 +6,19 @@ import { chart } from "./chart.js";
 import { h } from "./dom.js";
 import { valuesAlongLine } from "./line_values.js";
 import { minus } from "./model.js";
+import {
+  complaint,
+  coordinateText,
+  mark,
+  messagePlace,
+  numberField,
+  numberIn,
+} from "./number_field.js";
 import { fileBase, fileName, save } from "./save.js";
 import { DETAIL } from "./scene.js";
 import { theme } from "./theme.js";
+
+const LEAST = 1e-6; // of the model's size: shorter lines have no direction
 
 export class LineTool {
   /** view: the report; box: where the chart goes. */
@@ -17,15 +27,14 @@ export class LineTool {
     this.points = [null, null]; // local places
     this.wanted = 0; // points that are still to be picked
     const coordinate = (name, k) =>
-      h("input", {
-        type: "number",
-        step: "any",
+      numberField({
         id: `line-${name}-${"xyz"[k]}`,
         "aria-label": `${"xyz"[k]} of point ${name}`,
         placeholder: "xyz"[k],
       });
     this.inputs = ["A", "B"].map((name) => [0, 1, 2].map((k) => coordinate(name, k)));
     for (const input of this.inputs.flat()) input.addEventListener("change", () => this.typed());
+    this.message = messagePlace();
     this.pickButton = h(
       "button",
       { id: "line-pick", onclick: () => this.beginPicking() },
@@ -33,8 +42,13 @@ export class LineTool {
     );
     this.clearButton = h("button", { id: "line-clear", onclick: () => this.clear() }, "Clear");
     this.controls = [
-      ...["A", "B"].map((name, i) =>
-        h("div", { class: "point" }, h("span", {}, name), this.inputs[i]),
+      h(
+        "div",
+        { class: "line-fields" },
+        ["A", "B"].map((name, i) =>
+          h("div", { class: "point" }, h("span", {}, name), this.inputs[i]),
+        ),
+        this.message,
       ),
       h("div", { class: "buttons" }, this.pickButton, this.clearButton),
     ];
@@ -68,25 +82,38 @@ export class LineTool {
 
   setPoint(which, place) {
     this.points[which] = place;
-    const { center } = this.view.model.box;
+    const { center, size } = this.view.model.box;
     this.inputs[which].forEach((input, k) => {
-      input.value = String(Number((place[k] + center[k]).toPrecision(6)));
+      input.value = coordinateText(place[k] + center[k], size);
     });
+    this.markFaults();
   }
 
+  /** Takes the points whose coordinates are all numbers; the others stay as they are. */
   typed() {
     const { center } = this.view.model.box;
-    this.points = this.inputs.map((inputs) => {
-      const values = inputs.map((input) => input.valueAsNumber);
-      return values.every(Number.isFinite) ? values.map((x, k) => x - center[k]) : null;
+    this.inputs.forEach((inputs, i) => {
+      const values = inputs.map((input) => numberIn(input.value));
+      if (!values.some(Number.isNaN)) this.points[i] = values.map((x, k) => x - center[k]);
     });
+    this.markFaults();
     this.refresh();
+  }
+
+  /** Tells which text is no number. A point that is not complete yet may have empty fields. */
+  markFaults() {
+    const faultOf = (input, i) =>
+      input.value.trim() || this.points[i] ? complaint(input.value, "the line stays as it is") : "";
+    const faults = this.inputs.map((inputs, i) => inputs.map((input) => faultOf(input, i)));
+    this.inputs.flat().forEach((input, k) => mark(input, this.message, faults.flat()[k]));
+    this.message.textContent = faults.flat().find(Boolean) ?? "";
   }
 
   clear() {
     this.points = [null, null];
     this.wanted = 0;
     for (const input of this.inputs.flat()) input.value = "";
+    this.markFaults();
     this.box.hidden = true;
     this.box.replaceChildren();
     this.refresh();
@@ -100,8 +127,10 @@ export class LineTool {
     this.drawLine();
     stage.draw();
     if (marks.length < 2) return;
-    const { field } = this.view;
-    if (!field) this.hint("Choose colours: their values are shown along the line.");
+    const { field, model } = this.view;
+    if (Math.hypot(...minus(...this.points)) < LEAST * model.box.size)
+      this.hint("A and B are the same place: a line needs two.");
+    else if (!field) this.hint("Choose colours: their values are shown along the line.");
     else this.showChart(field);
   }
 

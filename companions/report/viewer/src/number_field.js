@@ -26,5 +26,17 @@ export function complaint(text, stays) {
 export const numberField = (attributes) =>
   h("input", { type: "text", inputmode: "decimal", class: "number", ...attributes });
 
+/** Shows a message beside a field whose text cannot be used; "" takes the message and the mark away. */
+export function mark(field, place, message) {
+  field.setAttribute("aria-invalid", String(message !== ""));
+  place.textContent = message;
+}
+
+/** A coordinate as the text of a field: with four digits of the length that the model has there. */
+export function coordinateText(value, length) {
+  const decimals = 4 - Math.floor(Math.log10(length));
+  return String(Number(value.toFixed(Math.min(100, Math.max(0, decimals)))));
+}
+
 /** The place of a message, which screen readers tell. */
 export const messagePlace = () => h("span", { class: "field-message", role: "status" });

@@ -2,9 +2,18 @@
 
 import { h, select } from "./dom.js";
 import { unit } from "./model.js";
+import {
+  complaint,
+  coordinateText,
+  mark,
+  messagePlace,
+  numberField,
+  numberIn,
+} from "./number_field.js";
 
 const AXES = { x: [1, 0, 0], y: [0, 1, 0], z: [0, 0, 1] };
 const STEPS = 1000; // of the slider
+const SLACK = 1e-4; // of the model's length: a typed place may be rounded as the shown ones are
 
 export class SectionControls {
   /** onchange() is called when the plane has changed. */
@@ -36,12 +45,8 @@ export class SectionControls {
     this.slider.addEventListener("input", () =>
       this.place(this.low + (this.slider.value / STEPS) * this.length),
     );
-    this.number = h("input", {
-      type: "number",
-      id: "cut-place",
-      step: "any",
-      "aria-label": "place of the cut",
-    });
+    this.number = numberField({ id: "cut-place", "aria-label": "place of the cut" });
+    this.message = messagePlace();
     this.number.addEventListener("change", () => this.typed());
     this.flip = h("button", { id: "cut-flip", onclick: () => this.turn() }, "Other side");
     this.rows = h(
@@ -50,6 +55,7 @@ export class SectionControls {
       h("div", {}, this.slider),
       h("label", {}, "at", this.number, model.units.named ? model.units.length : ""),
       this.flip,
+      this.message,
     );
     this.handle = h("button", { class: "cut-handle", hidden: true, "aria-label": "drag the cut" });
     stage.container.append(this.handle);
@@ -99,15 +105,37 @@ export class SectionControls {
     return normal.reduce((sum, n, k) => sum + n * this.stage.sight[k], 0) >= 0;
   }
 
+  /** Takes the typed place, or tells why it cannot. */
   typed() {
-    if (Number.isFinite(this.number.valueAsNumber))
-      this.place(this.number.valueAsNumber - this.shift);
+    const { value: text } = this.number;
+    const fault = this.faultOf(text);
+    if (fault) mark(this.number, this.message, fault);
+    else this.place(numberIn(text) - this.shift);
   }
 
+  /** The message about a typed place that cannot be used; "" for one that can. */
+  faultOf(text) {
+    const { low, length, shift } = this;
+    const stays = `${this.textOf(this.offset)} stays`;
+    const noNumber = complaint(text, stays);
+    if (noNumber) return noNumber;
+    const part = (numberIn(text) - shift - low) / length;
+    if (part >= -SLACK && part <= 1 + SLACK) return "";
+    const [first, last] = [low, low + length].map((offset) => this.textOf(offset));
+    return `${text.trim()} is outside the model, from ${first} to ${last}; ${stays}`;
+  }
+
+  /** The shown number of an offset. */
+  textOf(offset) {
+    return coordinateText(offset + this.shift, this.length);
+  }
+
+  /** Moves the plane; beyond the model it stays at the model's end. */
   place(offset) {
     this.offset = Math.min(this.low + this.length, Math.max(this.low, offset));
     this.slider.value = String(((this.offset - this.low) / this.length) * STEPS);
-    this.number.value = String(Number((this.offset + this.shift).toPrecision(5)));
+    this.number.value = this.textOf(this.offset);
+    mark(this.number, this.message, "");
     this.onchange();
   }
 

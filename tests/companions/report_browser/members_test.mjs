@@ -304,8 +304,15 @@ test("numbers: the same decimals in a column, all digits in files", () => {
   assert.deepEqual(column([12.34567, -0.000123, 0]), ["12.346", "0.000", "0.000"]);
   assert.deepEqual(column([5, -60, 2.5]), ["5.0", "-60.0", "2.5"]);
   assert.deepEqual(column([0.001234567, -0.01]), ["0.001235", "-0.010000"]);
-  assert.deepEqual(column([2.1e8, 3.25e7]), ["2.100e+8", "3.250e+7"]);
-  assert.deepEqual(column([123456, 7]), ["123456", "7"]);
+  // From 100000 and below 0.00001 with a common power of ten, a multiple of three.
+  const ten = (power) => `\u00d710${power}`;
+  const [million, thousand, millionth] = ["\u2076", "\u00b3", "\u207b\u2076"].map(ten);
+  assert.deepEqual(column([2.1e8, 3.25e7]), [`210.0${million}`, `32.5${million}`]);
+  assert.deepEqual(column([-1234567, 0, 45678]), [`-1.2346${million}`, "0", `0.0457${million}`]);
+  assert.deepEqual(column([123456, 7]), [`123.46${thousand}`, `0.01${thousand}`]);
+  assert.deepEqual(column([99999.7]), [`100${thousand}`]);
+  assert.deepEqual(column([98765.4, 7.04]), ["98765", "7"]);
+  assert.deepEqual(column([3.25e-6, -4e-7]), [`3.25${millionth}`, `-0.40${millionth}`]);
   assert.deepEqual(column([0, 0]), ["0", "0"]);
   // Four digits of the largest, or five where a value of a thousandth of it or more needs them.
   const short = (values) => styledTogether(values, 4);
@@ -636,6 +643,54 @@ test("numbers of a column have the same decimals", async () => {
       assert.ok(decimals.size <= 1, `${name}: ${texts}`);
     }
   }
+  await page.close();
+});
+
+test("a column of large numbers has the power of ten in its head", async () => {
+  // A cantilever of 2 m in N and mm.
+  const zeros = "0 0 0 0 0 0";
+  const text = `problem type: 3d
+units_names
+S N mm MPa 1 1
+end units_names
+units_mesh mm
+units_mat_and_load S
+units_res S
+mesh dimension = 3 elemtype Linear nnode = 2
+coordinates
+1 0 0 0
+2 2000 0 0
+end coordinates
+elements
+1 1 2 1
+end elements
+materials
+1 E=210000 G=80000 widthY=500 widthZ=500
+end materials
+constraints
+1 111111 ${zeros}
+end constraints
+nodal_point_loads
+2 1234567 0 -500 0 0 0
+end nodal_point_loads
+`;
+  writeFileSync(join(folder, "large_forces.dat"), text);
+  const page = await browser.open(reportOf("large_forces.dat"), SMALL);
+  await openTable(page, "reactions");
+  const cell = (name) =>
+    page.evaluate(`(() => {
+      const heads = [...document.querySelectorAll(".rows th")];
+      const k = heads.findIndex((head) => head.textContent.startsWith("${name}"));
+      const one = document.querySelectorAll(".rows tbody tr:not(.space) td")[k];
+      return [heads[k].querySelector("small").textContent, one.textContent, one.title];
+    })()`);
+  assert.deepEqual(await cell("Px"), ["\u00d710\u2076 N", "-1.2346", "-1234570"]);
+  assert.deepEqual(await cell("Pz"), ["N", "500", ""]);
+  assert.deepEqual(await cell("My"), ["\u00d710\u2076 N*mm", "-1", "-1e+06"]);
+  assert.match(await csvIn(page, "reactions"), /-1234570/);
+  await openTable(page, "members"); // extremes of a quantity are read together: no digits of noise
+  assert.deepEqual((await cell("My min")).slice(0, 2), ["\u00d710\u2076 N*mm", "-1"]);
+  assert.deepEqual((await cell("My max")).slice(0, 2), ["\u00d710\u2076 N*mm", "0"]);
   await page.close();
 });
 

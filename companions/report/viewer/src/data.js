@@ -34,7 +34,10 @@ function unpackColumn(packed) {
 }
 
 export class Column {
-  /** make(): the values. words: those of a column of words, whose values are places in them. */
+  /**
+   * make(): the values. words: those of a column of words, whose values are places in them. A column
+   * with a `partner` is written with the same decimals.
+   */
   constructor(name, unit, make, words = null) {
     Object.assign(this, { name, unit, make, words });
   }

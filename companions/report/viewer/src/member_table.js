@@ -75,10 +75,10 @@ function columnsOf(results, quantity) {
     ),
     ...(curve.by ? [governing(`${name} ${key} by`, () => found(which), curve.by)] : []),
   ];
-  return [
-    ...columns("least", "min", curves[0]),
-    ...columns("most", "max", curves[curves.length - 1]),
-  ];
+  const least = columns("least", "min", curves[0]),
+    most = columns("most", "max", curves[curves.length - 1]);
+  for (const k of [0, 1]) [least[k].partner, most[k].partner] = [most[k], least[k]];
+  return [...least, ...most];
 }
 
 /** The combinations that govern at some points. */

@@ -1,5 +1,7 @@
 // Numbers as text: with the same number of digits in a column for the eye, and in full for files.
 
+import { powerText } from "./ticks.js";
+
 /** Significant digits of the largest value of a column; no value gets more in a decimal fraction. */
 const DIGITS = 5;
 
@@ -7,24 +9,42 @@ const DIGITS = 5;
 const LEAST_DIGITS = 3,
   FAINT = 1e-3;
 
-/** Powers of ten within which a column is written without an exponent. */
+/** Powers of ten of the largest value within which a column is written in full. */
 const LOWEST = -5,
-  HIGHEST = 6;
+  HIGHEST = 4;
+
+/** Powers of ten within which a single value is written without an exponent. */
+const HIGHEST_SINGLE = 6;
 
 /**
- * How a set of values is written: with `decimals` digits after the point, with an exponent where the
- * largest is very large or very small. The largest gets `digits` significant digits, up to DIGITS
+ * How a set of values is written: divided by 10^exponent, with `decimals` digits after the point.
+ * The exponent is a multiple of three, and 0 unless the largest is very large or very small. The largest gets `digits` significant digits, up to DIGITS
  * where a value that counts would have fewer than three; fewer when no value needs them. So values
  * of a hundredth of the largest always have three.
  */
 export function styleOf(values, digits = DIGITS) {
   const largest = largestOf(values);
-  if (largest === 0) return { decimals: 0, exponent: false };
-  const power = Math.floor(Math.log10(largest));
-  if (power < LOWEST || power > HIGHEST) return { decimals: digits - 2, exponent: true };
-  const ofLeast = LEAST_DIGITS - 1 - Math.floor(Math.log10(leastOf(values, FAINT * largest)));
+  if (largest === 0) return { decimals: 0, exponent: 0 };
+  const power = powerOf(Number(largest.toPrecision(DIGITS)));
+  if (power >= LOWEST && power <= HIGHEST)
+    return { decimals: decimalsOf(values, largest, digits), exponent: 0 };
+  const exponent = 3 * Math.floor(power / 3);
+  const scaled = Float64Array.from(values, (value) => divided(value, exponent));
+  return { decimals: decimalsOf(scaled, divided(largest, exponent), digits), exponent };
+}
+
+const powerOf = (value) => Math.floor(Math.log10(value));
+
+/** value / 10^exponent; the powers that are used are exact. */
+const divided = (value, exponent) =>
+  exponent > 0 ? value / 10 ** exponent : value * 10 ** -exponent;
+
+/** The decimals of values in full. */
+function decimalsOf(values, largest, digits) {
+  const power = powerOf(largest);
+  const ofLeast = LEAST_DIGITS - 1 - powerOf(leastOf(values, FAINT * largest));
   const most = Math.max(0, digits - 1 - power, Math.min(ofLeast, DIGITS - 1 - power));
-  return { decimals: neededDecimals(values, most), exponent: false };
+  return neededDecimals(values, most);
 }
 
 /** The largest absolute value that is finite. */
@@ -63,12 +83,18 @@ function neededDecimals(values, most) {
   return needed;
 }
 
-/** A value in a style; an empty text for none. */
-export function styled(value, { decimals, exponent }) {
+/** A value in a style, without the power of ten; an empty text for none. */
+function digitsOf(value, { decimals, exponent }) {
   if (value === null || value === undefined || Number.isNaN(value)) return "";
-  if (value === 0 && exponent) return "0";
-  const text = exponent ? value.toExponential(decimals) : value.toFixed(decimals);
+  const text = divided(value, exponent).toFixed(decimals);
   return /^-[0.]*$/.test(text) ? text.slice(1) : text;
+}
+
+/** A value in a style, with its power of ten: "123.46×10³"; an empty text for none. */
+export function styled(value, style) {
+  const text = digitsOf(value, style);
+  if (text === "" || style.exponent === 0) return text;
+  return value === 0 ? "0" : text + powerText(style.exponent);
 }
 
 /** The texts of values that are read together. */
@@ -83,18 +109,36 @@ export function significant(value, digits = 4) {
   if (value === 0) return "0";
   const rounded = Number(value.toPrecision(digits));
   const power = Math.floor(Math.log10(Math.abs(rounded)));
-  if (power < LOWEST || power > HIGHEST) return rounded.toExponential(digits - 1);
+  if (power < LOWEST || power > HIGHEST_SINGLE) return rounded.toExponential(digits - 1);
   return rounded.toFixed(Math.max(0, digits - 1 - power));
 }
 
-/** The text of a cell; numbers of a column have the same number of decimals. */
+/** The style that the cells of a column share; null for words and whole numbers. */
+function styleOfColumn(column) {
+  if (column.words || column.isInteger) return null;
+  return (column.style ??= styleOf(valuesWith(column)));
+}
+
+/** The values of a column and of those that are read together with it. */
+function valuesWith({ values, partner }) {
+  if (!partner) return values;
+  const all = new Float64Array(values.length + partner.values.length);
+  all.set(values);
+  all.set(partner.values, values.length);
+  return all;
+}
+
+/** The unit of a column with the power of ten of its cells: "×10³ kN". */
+export const unitOfColumn = (column) =>
+  [powerText(styleOfColumn(column)?.exponent ?? 0), column.unit].filter(Boolean).join(" ");
+
+/** The text of a cell; numbers of a column have the same number of decimals and the power of ten of its head. */
 export function cellText(column, row) {
   const cell = column.cell(row);
   if (cell === null) return "";
   if (column.words) return cell.replaceAll("_", " ");
-  if (column.isInteger) return String(cell);
-  column.style ??= styleOf(column.values);
-  return styled(cell, column.style);
+  const style = styleOfColumn(column);
+  return style ? digitsOf(cell, style) : String(cell);
 }
 
 /**

@@ -2,7 +2,7 @@
 
 import { csvOf, csvParts } from "./csv.js";
 import { h } from "./dom.js";
-import { cellText, shortest } from "./numbers.js";
+import { cellText, shortest, unitOfColumn } from "./numbers.js";
 import { fileName, save } from "./save.js";
 import { listenInRows, listenInTabs } from "./table_keys.js";
 
@@ -27,11 +27,11 @@ const TITLES = {
 
 export const titleOf = (table) => TITLES[table.name] ?? table.name;
 
-/** A heading: name and unit. */
-export const headOf = (column) => [
-  column.name.replaceAll("_", " "),
-  column.unit ? h("small", {}, column.unit) : null,
-];
+/** A heading: name and unit, with the power of ten of the cells. */
+export function headOf(column) {
+  const unit = unitOfColumn(column);
+  return [column.name.replaceAll("_", " "), unit ? h("small", {}, unit) : null];
+}
 
 /** The order of words; numbers in them count as numbers. */
 const compareWords = new Intl.Collator(undefined, { numeric: true }).compare;

@@ -15,6 +15,13 @@ export function ticksBetween(low, high, step) {
 
 const SUPERSCRIPTS = "\u2070\u00b9\u00b2\u00b3\u2074\u2075\u2076\u2077\u2078\u2079";
 
+/** "×10⁶" of the exponent 6; "" of 0. */
+export function powerText(exponent) {
+  if (exponent === 0) return "";
+  const digits = [...String(Math.abs(exponent))].map((digit) => SUPERSCRIPTS[digit]).join("");
+  return `\u00d710${exponent < 0 ? "\u207b" : ""}${digits}`;
+}
+
 /**
  * How to write the numbers of one scale: {text(value), factor}. All have the same decimals, the
  * largest has at least three digits. Very large and very small numbers have a common power of ten,
@@ -28,9 +35,8 @@ export function numberStyle(low, high, step) {
   const decimalsOfStep = Math.ceil(-Math.log10(step / power) - 1e-9);
   const decimalsOfLargest = 2 - Math.floor(Math.log10(largest / power) + 1e-9);
   const decimals = Math.max(0, decimalsOfStep, decimalsOfLargest);
-  const digits = [...String(Math.abs(exponent))].map((digit) => SUPERSCRIPTS[digit]).join("");
   return {
     text: (value) => (value / power).toFixed(decimals).replace(/^-(0(\.0*)?)$/, "$1"),
-    factor: exponent ? `\u00d710${exponent < 0 ? "\u207b" : ""}${digits}` : "",
+    factor: powerText(exponent),
   };
 }

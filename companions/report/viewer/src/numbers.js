@@ -13,6 +13,9 @@ const LEAST_DIGITS = 3,
 const LOWEST = -5,
   HIGHEST = 4;
 
+/** From here on a value has a power of ten. */
+const LARGE = 10 ** (HIGHEST + 1);
+
 /** Powers of ten within which a single value is written without an exponent. */
 const HIGHEST_SINGLE = 6;
 
@@ -35,7 +38,7 @@ export function styleOf(values, digits = DIGITS) {
 
 const powerOf = (value) => Math.floor(Math.log10(value));
 
-/** value / 10^exponent; the powers that are used are exact. */
+/** value / 10^exponent; powers up to 22 are exact as numbers. */
 const divided = (value, exponent) =>
   exponent > 0 ? value / 10 ** exponent : value * 10 ** -exponent;
 
@@ -90,8 +93,13 @@ function digitsOf(value, { decimals, exponent }) {
   return /^-[0.]*$/.test(text) ? text.slice(1) : text;
 }
 
-/** A value in a style, with its power of ten: "123.46×10³"; an empty text for none. */
+/**
+ * A value in a style, with its power of ten: "123.46×10³"; an empty text for none. Among large values
+ * one below LARGE is written in full.
+ */
 export function styled(value, style) {
+  if (style.exponent > 0 && Math.abs(value) < LARGE)
+    return digitsOf(value, { decimals: 0, exponent: 0 });
   const text = digitsOf(value, style);
   if (text === "" || style.exponent === 0) return text;
   return value === 0 ? "0" : text + powerText(style.exponent);

@@ -31,17 +31,27 @@ function figures(report, chosen) {
       "figure",
       { class: "print-view" },
       canvas,
-      report.legend.element.hidden ? null : report.legend.element.cloneNode(true),
+      printedLegend(report.legend.element),
       h("figcaption", {}, captionOf(report, views[i])),
     ),
   );
 }
 
+/** Without the fields for its limits, which paper cannot use. */
+function printedLegend(legend) {
+  if (legend.hidden) return null;
+  const copy = legend.cloneNode(true);
+  copy.querySelector(".limits")?.remove();
+  return copy;
+}
+
+/** "View XZ, deformed \u00d7 200"; the shapes have their names: "Deformed shape \u00d7 200". */
 function captionOf(report, view) {
   const factor = view.factor ?? report.factor.value;
-  const shape = factor ? `deformed \u00d7 ${Number(factor.toPrecision(3))}` : "undeformed";
+  const times = factor ? ` \u00d7 ${Number(factor.toPrecision(3))}` : "";
+  if (view.factor !== null) return view.text + times;
   const name = view.id === "current" ? "View" : view.text;
-  return report.hasResults ? `${name}, ${shape}` : name;
+  return report.hasResults ? `${name}, ${factor ? "deformed" : "undeformed"}${times}` : name;
 }
 
 function sheet(report, selection) {

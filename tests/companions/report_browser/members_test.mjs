@@ -325,7 +325,10 @@ test("numbers: the same decimals in a column, all digits in files", () => {
   assert.equal(significant(12.3456), "12.35");
   assert.equal(significant(-60), "-60.00");
   assert.equal(significant(9999.7), "10000");
-  assert.equal(significant(2.1e11), "2.100e+11");
+  assert.equal(significant(2.1e11), `210.0${ten("\u2079")}`);
+  assert.equal(significant(-1234567), `-1.235${million}`);
+  assert.equal(significant(99999), `100.0${thousand}`);
+  assert.equal(significant(4e-7), `400.0${ten("\u207b\u2079")}`);
   const texts = {
     0.1: 0.1,
     "1e-04": 0.0001,

@@ -16,9 +16,6 @@ const LOWEST = -5,
 /** From here on a value has a power of ten. */
 const LARGE = 10 ** (HIGHEST + 1);
 
-/** Powers of ten within which a single value is written without an exponent. */
-const HIGHEST_SINGLE = 6;
-
 /**
  * How a set of values is written: divided by 10^exponent, with `decimals` digits after the point.
  * The exponent is a multiple of three, and 0 unless the largest is very large or very small. The largest gets `digits` significant digits, up to DIGITS
@@ -29,12 +26,14 @@ export function styleOf(values, digits = DIGITS) {
   const largest = largestOf(values);
   if (largest === 0) return { decimals: 0, exponent: 0 };
   const power = powerOf(Number(largest.toPrecision(DIGITS)));
-  if (power >= LOWEST && power <= HIGHEST)
-    return { decimals: decimalsOf(values, largest, digits), exponent: 0 };
-  const exponent = 3 * Math.floor(power / 3);
+  const exponent = exponentOf(power);
+  if (exponent === 0) return { decimals: decimalsOf(values, largest, digits), exponent };
   const scaled = Float64Array.from(values, (value) => divided(value, exponent));
   return { decimals: decimalsOf(scaled, divided(largest, exponent), digits), exponent };
 }
+
+/** The common power of ten of values whose largest has the power `power`; 0 for none. */
+const exponentOf = (power) => (power >= LOWEST && power <= HIGHEST ? 0 : 3 * Math.floor(power / 3));
 
 const powerOf = (value) => Math.floor(Math.log10(value));
 
@@ -116,9 +115,10 @@ export function significant(value, digits = 4) {
   if (value === null || value === undefined || Number.isNaN(value)) return "";
   if (value === 0) return "0";
   const rounded = Number(value.toPrecision(digits));
-  const power = Math.floor(Math.log10(Math.abs(rounded)));
-  if (power < LOWEST || power > HIGHEST_SINGLE) return rounded.toExponential(digits - 1);
-  return rounded.toFixed(Math.max(0, digits - 1 - power));
+  const power = powerOf(Math.abs(rounded));
+  const exponent = exponentOf(power);
+  const decimals = Math.max(0, digits - 1 - power + exponent);
+  return divided(rounded, exponent).toFixed(decimals) + powerText(exponent);
 }
 
 /** The style that the cells of a column share; null for words and whole numbers. */

@@ -696,6 +696,10 @@ end nodal_point_loads
     "[...document.querySelectorAll('[data-values=reactions] tbody td:nth-child(2)')].map((one) => one.textContent)",
   );
   assert.deepEqual(values, ["-1.2346\u00d710\u2076", "0", "500", "0", "-1\u00d710\u2076", "0"]);
+  const bending = await page.evaluate(
+    "[...document.querySelectorAll('tr')].find((row) => row.textContent.startsWith('MyN*mm-1.000')).children[3].textContent",
+  );
+  assert.equal(bending, "0", "5.8e-10 is a rounding error of 1e6");
   await openTable(page, "members"); // extremes of a quantity are read together: no digits of noise
   assert.deepEqual((await cell("My min")).slice(0, 2), ["\u00d710\u2076 N*mm", "-1"]);
   assert.deepEqual((await cell("My max")).slice(0, 2), ["\u00d710\u2076 N*mm", "0"]);

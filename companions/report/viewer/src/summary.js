@@ -272,16 +272,21 @@ export function checkCard(report, onmotion) {
   );
 }
 
+/** A least or largest value below this part of the other one is a rounding error. */
+const NOISE = 1e-12;
+
 export function extremesCard(report, model, shells, fields, onplace) {
   const place = (text) =>
     h("button", { class: "link", onclick: () => onplace(...text.split(" ")) }, text);
   const rows = fields.map((field) => {
     const { min, max, minAt, maxAt } = extremesOfField(field, model, shells);
+    const largest = Math.max(Math.abs(min), Math.abs(max));
+    const text = (value) => significant(Math.abs(value) < NOISE * largest ? 0 : value);
     return row(
       [field.id === "u" ? "|u|" : field.label, h("small", {}, field.unit)],
-      significant(min),
+      text(min),
       place(minAt),
-      significant(max),
+      text(max),
       place(maxAt),
     );
   });

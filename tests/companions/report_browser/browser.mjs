@@ -22,6 +22,8 @@ const FLAGS = [
   "--remote-debugging-pipe",
 ];
 
+const PATIENCE = 120000; // ms for one answer of the browser
+
 export class Browser {
   static async start(program) {
     const browser = new Browser();
@@ -39,6 +41,7 @@ export class Browser {
 
   listen() {
     this.waiting = new Map();
+    this.pages = new Set(); // that are open
     this.handlers = new Map();
     this.last = 0;
     const [, , , , answers] = this.process.stdio;
@@ -51,13 +54,17 @@ export class Browser {
       }
     });
     this.process.on("exit", () => {
-      for (const { reject } of this.waiting.values()) reject(new Error("the browser has ended"));
+      for (const { reject, limit } of this.waiting.values()) {
+        clearTimeout(limit);
+        reject(new Error("the browser has ended"));
+      }
     });
   }
 
   take({ id, result, error, method, params, sessionId }) {
     if (id === undefined) return this.handlers.get(sessionId)?.(method, params);
-    const { resolve, reject } = this.waiting.get(id);
+    const { resolve, reject, limit } = this.waiting.get(id);
+    clearTimeout(limit);
     this.waiting.delete(id);
     if (error) reject(new Error(error.message));
     else resolve(result);
@@ -66,15 +73,24 @@ export class Browser {
   send(method, params = {}, sessionId = undefined) {
     const id = ++this.last;
     this.process.stdio[3].write(`${JSON.stringify({ id, method, params, sessionId })}\0`);
-    return new Promise((resolve, reject) => this.waiting.set(id, { resolve, reject }));
+    return new Promise((resolve, reject) => {
+      const limit = setTimeout(() => reject(new Error(`no answer to ${method}`)), PATIENCE);
+      this.waiting.set(id, { resolve, reject, limit });
+    });
   }
 
   async open(file, size) {
     const { targetId } = await this.send("Target.createTarget", { url: "about:blank" });
     const { sessionId } = await this.send("Target.attachToTarget", { targetId, flatten: true });
     const page = new Page(this, targetId, sessionId);
+    this.pages.add(page);
     await page.load(file, size);
     return page;
+  }
+
+  /** Closes the pages that a failed test has left open: a page that they cover draws nothing. */
+  async closePages() {
+    for (const page of this.pages) if (!page.isShared) await page.close();
   }
 
   async close() {
@@ -182,6 +198,7 @@ class Page {
   }
 
   close() {
+    this.browser.pages.delete(this);
     return this.browser.send("Target.closeTarget", { targetId: this.target });
   }
 }

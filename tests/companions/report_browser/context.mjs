@@ -4,7 +4,7 @@ import { execFileSync } from "node:child_process";
 import { copyFileSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
-import { after } from "node:test";
+import { after, afterEach } from "node:test";
 import { Browser } from "./browser.mjs";
 
 export const [MORLEN, EXPORT, REPORT, CASES, EXAMPLES, CHROMIUM, PICTURES] = process.argv.slice(2);
@@ -14,6 +14,8 @@ export const folder = mkdtempSync(join(tmpdir(), "report-test-"));
 
 /** One browser for all pages. */
 export const browser = await Browser.start(CHROMIUM);
+
+afterEach(() => browser.closePages());
 
 after(async () => {
   await browser.close();

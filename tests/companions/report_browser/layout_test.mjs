@@ -290,6 +290,58 @@ test("keys alone turn the view, go through elements and tables", async () => {
   await page.close();
 });
 
+test("readers tell units and counts as words, and forced colours keep the legend", async () => {
+  const page = await openExample("space_frame", SMALL);
+  await page.send("Accessibility.enable");
+  const { nodes } = await page.send("Accessibility.getFullAXTree");
+  const names = (role) =>
+    nodes.filter((one) => one.role?.value === role).map((one) => one.name.value);
+  assert.ok(names("tab").includes("Reactions 12"), `${names("tab")}`);
+  assert.ok(names("columnheader").includes("Px kN"), `${names("columnheader")}`);
+  const colours = `[...document.querySelectorAll(".bands span")]
+    .map((one) => getComputedStyle(one).backgroundColor)`;
+  const usual = await page.evaluate(colours);
+  assert.equal(new Set(usual).size, 10, `${usual}`);
+  await setMedia(page, "", ["forced-colors", "active"]);
+  assert.deepEqual(await page.evaluate(colours), usual);
+  await page.close();
+});
+
+test("without WebGL the page says so, and all but the view works", async () => {
+  const page = await openExample("slab_and_wall", SMALL);
+  await page.send("Page.addScriptToEvaluateOnNewDocument", {
+    source: `{
+      const { getContext } = HTMLCanvasElement.prototype;
+      HTMLCanvasElement.prototype.getContext = function (kind, ...rest) {
+        return /webgl/.test(kind) ? null : getContext.call(this, kind, ...rest);
+      };
+    }`,
+  });
+  await page.load(join(folder, "slab_and_wall.html"), SMALL);
+  assert.match(
+    await page.evaluate("document.querySelector('.canvas').textContent"),
+    /^The view needs WebGL, which this browser does not offer\. The tables.*hardware acceleration/,
+  );
+  assert.match(
+    await page.evaluate("document.getElementById('panel').textContent"),
+    /^Click on a row of a table, for its diagrams and values\.$/,
+  );
+  await page.evaluate("document.querySelector('[role=grid] tbody tr:nth-child(2)').click()");
+  assert.match(await page.evaluate(HEADING), /^Node /);
+  await page.evaluate("document.getElementById('print').click()");
+  assert.deepEqual(
+    await page.evaluate(
+      "[...document.querySelectorAll('dialog legend')].map((one) => one.textContent)",
+    ),
+    ["Elements and tables"],
+  );
+  await page.evaluate("document.querySelector('dialog').close()");
+  await page.pdf();
+  const faults = page.complaints.filter((one) => !/WebGL/.test(one));
+  assert.deepEqual(faults, []);
+  await page.close();
+});
+
 const AXE = join(
   dirname(fileURLToPath(import.meta.url)),
   "../../../companions/report/viewer/node_modules/axe-core/axe.min.js",

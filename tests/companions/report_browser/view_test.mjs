@@ -4,7 +4,7 @@
 import assert from "node:assert/strict";
 import { writeFileSync } from "node:fs";
 import { join } from "node:path";
-import { after, test } from "node:test";
+import { test } from "node:test";
 import { PICTURES, browser, exported, folder, openExample, picture, reportOf } from "./context.mjs";
 import { PIXELS, assertNear, differing, extremes } from "./helpers.mjs";
 import { TETRAHEDRA } from "../../../companions/report/viewer/src/section.js";
@@ -82,9 +82,10 @@ const E = 2e8,
 
 /** The page of a pulled bar, for the tests of the cut: without a cut and seen from the front. */
 let bar = null;
-after(() => bar?.close());
 async function barPage() {
   bar ??= await openModel("bar", pulledBar(4, E, STRESS));
+  bar.isShared = true;
+  await bar.send("Page.bringToFront");
   await bar.set("cut-axis", "");
   await bar.evaluate("document.querySelector('[data-look=front]').click()");
   await bar.frame();
@@ -403,6 +404,47 @@ test("shells are cut along lines, and lines through nodes meet their values", as
   }
   const labels = await page.evaluate("morlenReport.symbols.loads.labels.map(({ text }) => text)");
   assert.deepEqual(labels, ["3 kPa"], "the pressure, once");
+  await page.close();
+});
+
+/** The load labels as "text x y z", those that surfaces cover last. */
+const LOAD_LABELS = `(() => {
+  const { symbols, labels, model } = morlenReport;
+  const all = symbols.loads.labels, covered = labels.covered(all);
+  const nameOf = ({ text, place }) =>
+    [text, ...place.map((x, k) => (x + model.box.center[k]).toFixed(1))].join(" ");
+  const those = (wanted) => all.filter((_, i) => covered[i] === wanted).map(nameOf).sort();
+  return { seen: those(false), covered: those(true) };
+})()`;
+
+test("values of loads that a surface covers are left out", async () => {
+  const page = await openExample("slab_and_wall", SMALL);
+  const labels = async (view) => {
+    await page.evaluate(`morlenReport.stage.look("${view}")`);
+    await page.frame();
+    return page.evaluate(LOAD_LABELS);
+  };
+  // From above the roof at z = 6 covers the slab at z = 3, whose label is in the same place.
+  const [upper, lower] = ["3 3.7 2.7 6.0", "3 3.7 2.7 3.0"];
+  const above = await labels("top");
+  assert.ok(above.seen.includes(upper), `${above.seen}`);
+  assert.ok(above.covered.includes(lower), `${above.covered}`);
+  // Behind the walls x = 0 and y = 0, which the usual view shows: the slab, the columns at y = 6.
+  const usual = await labels("iso");
+  assert.ok(usual.seen.includes(upper) && usual.seen.some((one) => one.startsWith("1 0.0")));
+  assert.deepEqual(
+    usual.covered.filter((one) => !one.endsWith(" 3.0")).map((one) => one.split(" ")[2]),
+    ["6.0", "6.0", "6.0", "6.0"],
+  );
+  assert.ok(usual.covered.includes(lower), `${usual.covered}`);
+  const shown = await page.evaluate(PIXELS);
+  // A roof that is hidden covers nothing.
+  await page.set("mesh2", false);
+  assert.ok((await labels("top")).seen.includes(lower));
+  await page.set("mesh2", true);
+  await labels("iso");
+  assert.equal(differing(shown, await page.evaluate(PIXELS)), 0, "the view has come back");
+  assert.deepEqual(page.complaints, []);
   await page.close();
 });
 

@@ -4,9 +4,9 @@
 import { h } from "./dom.js";
 import { LineTool } from "./line_tool.js";
 import { menu } from "./menu.js";
-import { pickSurface } from "./picking.js";
 import { SectionControls } from "./section_controls.js";
 import { SectionView, canBeCut, clip } from "./section_view.js";
+import { trianglesAt } from "./triangles_at.js";
 
 export class Cutting {
   /** view: the report, whose stage is there. Models of beams have neither controls nor cuts. */
@@ -70,8 +70,8 @@ export class Cutting {
   /** Whether a click at a point of the canvas is one of the points of the line. */
   take(point) {
     if (!this.line?.isPicking) return false;
-    const { factor, model, stage, views } = this.view;
-    this.line.take(pickSurface(stage, model, views, this.section, factor.value, point)?.place);
+    const [surface] = trianglesAt(this.view, [point]);
+    this.line.take(surface?.place);
     return true;
   }
 }

@@ -23,6 +23,9 @@ export function svg(tag, attributes = {}, ...children) {
   return fill(document.createElementNS(SVG, tag), attributes, children);
 }
 
+/** A unit or a count after a text. The space keeps the words apart for screen readers. */
+export const aside = (text) => h("small", {}, ` ${text}`);
+
 /** A number in at most six digits, as the result files have them. */
 export function format(value, digits = 6) {
   if (value === null || value === undefined || Number.isNaN(value)) return "";

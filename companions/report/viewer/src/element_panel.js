@@ -1,6 +1,6 @@
 // The panel of a shell or a solid: its values at its points and at its nodes.
 
-import { h } from "./dom.js";
+import { aside, h } from "./dom.js";
 import { SHELL } from "./model.js";
 import { styled, styleOf, styledTogether } from "./numbers.js";
 import { fact, linkTo, valueTable } from "./panel_parts.js";
@@ -13,7 +13,7 @@ function shellTable(table, shells, element) {
   const cells = (column) => {
     const by = table.column(`${column.name} by`);
     const texts = styledTogether(places.map((row) => column.values[row]));
-    return places.map((row, i) => [texts[i], by ? h("small", {}, by.cell(row)) : null]);
+    return places.map((row, i) => [texts[i], by ? aside(by.cell(row)) : null]);
   };
   const heads = [
     "value",
@@ -52,7 +52,7 @@ function nodeTable({ model, fields, report, choose }, element) {
     const style = styleOf(values, 4);
     return values.map((one) => styled(one, style));
   });
-  const heads = columns.map(({ head, unit }) => [head, unit ? h("small", {}, unit) : null]);
+  const heads = columns.map(({ head, unit }) => [head, unit ? aside(unit) : null]);
   return valueTable(
     ["node", ...heads],
     nodes.map((node, i) => {

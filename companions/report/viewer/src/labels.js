@@ -5,8 +5,10 @@ import { theme } from "./theme.js";
 const FONT = "12px system-ui, sans-serif";
 
 export class Labels {
-  constructor(stage) {
+  /** covered(labels): for each of them whether a surface hides what it belongs to. */
+  constructor(stage, covered) {
     this.stage = stage;
+    this.covered = covered;
     this.canvas = document.createElement("canvas");
     this.canvas.className = "labels";
     stage.container.append(this.canvas);
@@ -14,7 +16,10 @@ export class Labels {
     stage.onFrame(() => this.draw());
   }
 
-  /** Sets the labels {place, text} of a kind in a colour; an empty list takes them away. */
+  /**
+   * Sets the labels {place, text} of a kind in a colour; an empty list takes them away. Labels with
+   * `points` or `nodes` are left out where surfaces cover all of these.
+   */
   set(kind, colour, labels) {
     this.sources.set(kind, { colour, labels });
   }
@@ -40,13 +45,21 @@ export class Labels {
     context.textBaseline = "middle";
     context.lineJoin = "round";
     this.taken = [];
-    for (const { colour, labels } of this.stage.isMoving ? [] : this.sources.values()) {
-      for (const label of labels) this.drawLabel(context, colour, label);
-    }
+    if (!this.stage.isMoving) this.drawLabels(context);
     this.drawAxes(context, this.stage.height);
   }
 
-  drawLabel(context, colour, { place, text }) {
+  drawLabels(context) {
+    const all = [...this.sources.values()].flatMap(({ colour, labels }) =>
+      labels.map((label) => ({ ...label, colour })),
+    );
+    const covered = this.covered(all);
+    all.forEach((label, i) => {
+      if (!covered[i]) this.drawLabel(context, label);
+    });
+  }
+
+  drawLabel(context, { place, text, colour }) {
     if (this.stage.hides(place)) return;
     const [x, y] = this.stage.project(place);
     if (x < 0 || x > this.stage.width || y < 0 || y > this.stage.height) return;
@@ -88,22 +101,19 @@ export function numberLabels(model) {
   const { elements } = model;
   const nodes = Array.from(model.nodeNumbers, (number, i) => ({
     place: model.place(i),
+    nodes: [i],
     text: String(number),
   }));
-  const middle = (element) => {
-    const corners = Array.from({ length: Math.min(4, elements.nodeCounts[element]) }, (_, i) =>
-      model.place(model.node(element, i)),
-    );
-    return [0, 1, 2].map(
-      (k) => corners.reduce((sum, corner) => sum + corner[k], 0) / corners.length,
-    );
-  };
   return {
     nodes: nodes.slice(0, MOST),
     elements:
       elements.count > MOST
         ? []
-        : Array.from(elements.numbers, (number, e) => ({ place: middle(e), text: `[${number}]` })),
+        : Array.from(elements.numbers, (number, e) => ({
+            place: model.middleOf(model.corners(e)),
+            nodes: model.corners(e),
+            text: `[${number}]`,
+          })),
   };
 }
 

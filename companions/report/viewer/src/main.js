@@ -3,6 +3,7 @@
 import * as THREE from "three";
 import { BeamView } from "./beam_view.js";
 import { ColourScale, bandTexture } from "./colours.js";
+import { coveredLabels } from "./covered.js";
 import { Cutting } from "./cutting.js";
 import { readReport } from "./data.js";
 import { Deformation } from "./deformation.js";
@@ -109,12 +110,16 @@ class Report {
   doWithoutView(fault) {
     this.stage = null;
     this.toolbar.element.hidden = true;
+    document.getElementById("report").classList.add("without-view");
     this.canvasBox.replaceChildren(
       h(
         "p",
         { class: "hint" },
-        `The view needs WebGL, which this browser does not offer: ${fault.message}`,
+        "The view needs WebGL, which this browser does not offer. The tables, the values of ",
+        "elements and nodes, and the print work without it. Most browsers offer WebGL when ",
+        "\u201chardware acceleration\u201d is on in their settings.",
       ),
+      h("p", { class: "hint" }, fault.message),
     );
     this.select(-1);
   }
@@ -156,7 +161,7 @@ class Report {
 
   makeStage() {
     this.stage = new Stage(this.canvasBox, this.model);
-    this.labels = new Labels(this.stage);
+    this.labels = new Labels(this.stage, (labels) => coveredLabels(this, labels));
     this.viewText.name(this.canvasBox);
     listenToKeys(this);
     this.axes = new LocalAxes(this.stage, this.labels, this.settings);
@@ -167,8 +172,7 @@ class Report {
   }
 
   pickAt(point) {
-    const { cutting, factor, model, stage, views } = this;
-    return pick(stage, model, views, cutting.section, factor.value, point);
+    return pick(this, point);
   }
 
   /** Selects the node near a point of the view, or the element there. */

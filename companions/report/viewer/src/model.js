@@ -111,6 +111,20 @@ export class Model {
     return [this.local[3 * node], this.local[3 * node + 1], this.local[3 * node + 2]];
   }
 
+  /** The nodes (places in their list) at the corners of an element: its ends, three or four. */
+  corners(element) {
+    const kind = this.elements.kinds[element];
+    const count = kind === BEAM ? 2 : kind === SHELL ? 3 : 4;
+    return Array.from({ length: count }, (_, i) => this.node(element, i));
+  }
+
+  /** The mean of the local coordinates of nodes. */
+  middleOf(nodes) {
+    return [0, 1, 2].map(
+      (k) => nodes.reduce((sum, node) => sum + this.local[3 * node + k], 0) / nodes.length,
+    );
+  }
+
   lengthOf(element) {
     const a = this.place(this.node(element, 0)),
       b = this.place(this.node(element, 1));

@@ -1,6 +1,6 @@
 // The panel of a node: its coordinates, support, loads and results, and links to the elements around it.
 
-import { h } from "./dom.js";
+import { aside, h } from "./dom.js";
 import { BEAM, SHELL } from "./model.js";
 import { significant, styledTogether } from "./numbers.js";
 import { fact, linkTo, unitAfter, valueTable } from "./panel_parts.js";
@@ -27,7 +27,7 @@ function valueRows(table, row) {
   }
   return columns.map(({ name, unit }) => {
     const by = table.column(`${name} by`)?.cell(row);
-    return [name.replace("_", " "), [texts.get(name), by ? h("small", {}, by) : null], unit];
+    return [name.replace("_", " "), [texts.get(name), by ? aside(by) : null], unit];
   });
 }
 

@@ -51,12 +51,14 @@ export function openPrintDialog(report) {
   openDialog(
     "Print on A4",
     [
-      h(
-        "fieldset",
-        {},
-        h("legend", {}, "Views"),
-        views.map(([, label]) => label),
-      ),
+      report.stage
+        ? h(
+            "fieldset",
+            {},
+            h("legend", {}, "Views"),
+            views.map(([, label]) => label),
+          )
+        : null,
       h(
         "fieldset",
         {},

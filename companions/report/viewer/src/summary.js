@@ -1,6 +1,6 @@
 // The head and the cards of the page: model, balance of loads and reactions, check, extremes.
 
-import { format, h } from "./dom.js";
+import { aside, format, h } from "./dom.js";
 import { accuracyLine } from "./accuracy.js";
 import { extremesOf, extremesOfField } from "./fields.js";
 import { motionButton } from "./motions.js";
@@ -113,7 +113,7 @@ export function balanceCard(report, model) {
             reaction = equilibrium.reactions[k];
           const sum = clean(load + reaction, k);
           return row(
-            [name, h("small", {}, isForce(k) ? units.force : units.moment)],
+            [name, aside(isForce(k) ? units.force : units.moment)],
             styled(clean(load, k), styles[isForce(k)]),
             styled(clean(reaction, k), styles[isForce(k)]),
             sum ? sum.toExponential(1) : "0",
@@ -179,7 +179,7 @@ export function caseBalancesCard(report, model) {
         h(
           "thead",
           {},
-          row("loads", ...names.map((name) => [name, h("small", {}, units.force)]), "residual"),
+          row("loads", ...names.map((name) => [name, aside(units.force)]), "residual"),
         ),
         h("tbody", {}, balances.map(line)),
       ),
@@ -242,12 +242,7 @@ function envelopeLine(table, component, group, key, onplace) {
     return [significant(value), place, table.column(`${component} ${which} by`).cell(at)];
   };
   const { unit } = table.column(`${component} min`);
-  return row(
-    [component.replace("_", " "), h("small", {}, unit)],
-    group,
-    ...end("min"),
-    ...end("max"),
-  );
+  return row([component.replace("_", " "), aside(unit)], group, ...end("min"), ...end("max"));
 }
 
 /**
@@ -283,7 +278,7 @@ export function extremesCard(report, model, shells, fields, onplace) {
     const largest = Math.max(Math.abs(min), Math.abs(max));
     const text = (value) => significant(Math.abs(value) < NOISE * largest ? 0 : value);
     return row(
-      [field.id === "u" ? "|u|" : field.label, h("small", {}, field.unit)],
+      [field.id === "u" ? "|u|" : field.label, aside(field.unit)],
       text(min),
       place(minAt),
       text(max),

@@ -50,12 +50,6 @@ function unitOf({ elements, units }, element, face) {
   return isShell ? units.forcePerLength : `${units.force}/${units.length}3`;
 }
 
-function middleOf(model, element) {
-  const count = model.elements.kinds[element] === SHELL ? 3 : 4;
-  const corners = Array.from({ length: count }, (_, i) => model.place(model.node(element, i)));
-  return [0, 1, 2].map((k) => corners.reduce((sum, corner) => sum + corner[k], 0) / count);
-}
-
 /** Loads by patches: lists of loads that are equal and hang together by nodes. */
 function patchesOf(loads, model) {
   const sets = new Sets(loads.length),
@@ -84,12 +78,17 @@ export function surfaceLoadLabels(report, model) {
     .sort((a, b) => b.length - a.length)
     .slice(0, MOST);
   return patches.map((patch) => {
-    const middles = patch.map(({ element }) => middleOf(model, element));
+    const middles = patch.map(({ element }) => model.middleOf(model.corners(element)));
     const mean = [0, 1, 2].map((k) => middles.reduce((sum, p) => sum + p[k], 0) / middles.length);
     const away = (p) => Math.hypot(...p.map((x, k) => x - mean[k]));
-    const place = middles.reduce((a, b) => (away(b) < away(a) ? b : a));
+    const central = middles.reduce(
+      (least, p, i) => (away(p) < away(middles[least]) ? i : least),
+      0,
+    );
     const { size, unit } = patch[0];
+    const place = middles[central],
+      nodes = model.corners(patch[central].element);
     const text = String(Number(size.toPrecision(4)));
-    return { place, text: model.units.named ? `${text} ${unit}` : text };
+    return { place, nodes, text: model.units.named ? `${text} ${unit}` : text };
   });
 }

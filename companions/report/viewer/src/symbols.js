@@ -167,7 +167,7 @@ class Arrows {
       0.028 * this.length,
     );
     this.heads.add(tip, direction, head, 0.1 * this.length);
-    if (text) this.labels.push({ place: tail, text });
+    if (text) this.labels.push({ place: tail, text, points: [tail, tip] });
     return tail;
   }
 
@@ -176,7 +176,8 @@ class Arrows {
     if (!(size > 1e-6 * largest)) return;
     const radius = 0.55 * this.length * (0.6 + (0.4 * size) / largest);
     this.arcs.add(place, unit(moment), radius, radius);
-    if (text) this.labels.push({ place: place.map((x) => x + 0.7 * radius), text });
+    if (text)
+      this.labels.push({ place: place.map((x) => x + 0.7 * radius), text, points: [place] });
   }
 
   group() {

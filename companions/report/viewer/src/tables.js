@@ -1,7 +1,7 @@
 // The tables: sorted by a click on a column, searched by a number, drawn only as far as they are seen.
 
 import { csvOf, csvParts } from "./csv.js";
-import { h } from "./dom.js";
+import { aside, h } from "./dom.js";
 import { cellText, shortest, unitOfColumn } from "./numbers.js";
 import { fileName, save } from "./save.js";
 import { listenInRows, listenInTabs } from "./table_keys.js";
@@ -30,7 +30,7 @@ export const titleOf = (table) => TITLES[table.name] ?? table.name;
 /** A heading: name and unit, with the power of ten of the cells. */
 export function headOf(column) {
   const unit = unitOfColumn(column);
-  return [column.name.replaceAll("_", " "), unit ? h("small", {}, unit) : null];
+  return [column.name.replaceAll("_", " "), unit ? aside(unit) : null];
 }
 
 /** The order of words; numbers in them count as numbers. */
@@ -88,7 +88,7 @@ export class TableView {
             onclick: () => this.open(table),
           },
           titleOf(table),
-          h("small", {}, String(table.rows)),
+          aside(String(table.rows)),
         ),
       ),
     );

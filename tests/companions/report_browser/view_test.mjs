@@ -725,10 +725,12 @@ test("the picture is saved as PNG, of frames as SVG too", async () => {
       read.texts.some((one) => Math.abs(Number(one) / value - 1) < 1e-3),
       `${value} in ${read.texts}`,
     );
-  assert.ok(
-    read.texts[0] !== "" &&
-      read.texts.some((one) => one.startsWith("portal_frame.dat, Bending moment Mz")),
-  );
+  const factor = await page.evaluate("document.getElementById('factor').value");
+  const title = `portal_frame.dat, Bending moment Mz in force*length, deformed \u00d7 ${factor}`;
+  assert.ok(read.texts.includes(title), `${title} in ${read.texts}`);
+  await page.set("factor", "0");
+  const [, , undeformed] = await page.evaluate(saved("save-svg"));
+  assert.match(Buffer.from(undeformed, "base64").toString(), /length, undeformed</);
   assert.deepEqual(page.complaints, []);
   await page.close();
   const solid = await openModel("no_svg", slab(2, 2, 1));

@@ -45,6 +45,11 @@ export class Deformation {
   }
 }
 
+/** " \u00d7 200" for a factor of the displacements; nothing for 0. */
+export const timesInWords = (factor) => (factor ? ` \u00d7 ${format(factor, 3)}` : "");
+
+export const scaleInWords = (factor) => (factor ? `deformed${timesInWords(factor)}` : "undeformed");
+
 /** 1, 2 or 5 times a power of ten, below the value. */
 function roundFactor(value) {
   const power = 10 ** Math.floor(Math.log10(value));

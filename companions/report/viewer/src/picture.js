@@ -1,6 +1,7 @@
 // The picture of the view with its title and its legend, as PNG, and of frames as SVG.
 
 import { cssColour } from "./colours.js";
+import { scaleInWords } from "./deformation.js";
 import { DIAGRAMS, curvesOf } from "./diagrams.js";
 import { fileBase, fileName, save } from "./save.js";
 import { svgOf } from "./vector_picture.js";
@@ -20,7 +21,8 @@ function frameOf(view) {
   const parts = [
     report.model.file,
     selection && `${selection.kind} ${selection.name}`,
-    diagram && [diagram.title, curve.unit].filter(Boolean).join(" "),
+    diagram && [diagram.title, curve.unit].filter(Boolean).join(" in "),
+    view.hasResults && scaleInWords(view.factor.value),
   ];
   return {
     title: parts.filter(Boolean).join(", "),
@@ -37,7 +39,7 @@ function drawFrame(context, { title, legend, width, ink }) {
   context.fillStyle = ink;
   context.textBaseline = "middle";
   context.font = `600 16px ${FONT}`;
-  context.fillText(title, 16, HEAD / 2);
+  context.fillText(title, 16, HEAD / 2, width - 32);
   if (!legend) return;
   const left = width - LEGEND + 8,
     top = HEAD + 64,
@@ -106,12 +108,16 @@ class SvgContext {
 
   strokeText() {} // the halo of the next text
 
-  fillText(text, x, y) {
+  fillText(text, x, y, most = Infinity) {
     const size = this.font.match(/(\d+)px/)[1],
       weight = this.font.match(/^(\d+) /)?.[1] ?? 400;
     const safe = text.replaceAll("&", "&amp;").replaceAll("<", "&lt;");
+    const squeezed =
+      this.measureText(text).width > most
+        ? ` textLength="${most}" lengthAdjust="spacingAndGlyphs"`
+        : "";
     this.parts.push(
-      `<text x="${x.toFixed(1)}" y="${y.toFixed(1)}" fill="${this.fillStyle.trim()}" font-size="${size}" font-weight="${weight}" dominant-baseline="central">${safe}</text>`,
+      `<text x="${x.toFixed(1)}" y="${y.toFixed(1)}" fill="${this.fillStyle.trim()}" font-size="${size}" font-weight="${weight}" dominant-baseline="central"${squeezed}>${safe}</text>`,
     );
   }
 

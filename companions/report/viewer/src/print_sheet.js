@@ -1,6 +1,7 @@
 // The report on paper. It is made when the browser is about to print, by the button of the page or
 // by its own command, in light colours, and thrown away afterwards.
 
+import { scaleInWords, timesInWords } from "./deformation.js";
 import { h } from "./dom.js";
 import { panelOf } from "./panel.js";
 import { cardsOf, footnoteOf, headOf } from "./page_contents.js";
@@ -47,11 +48,9 @@ function printedLegend(legend) {
 
 /** "View XZ, deformed \u00d7 200"; the shapes have their names: "Deformed shape \u00d7 200". */
 function captionOf(report, view) {
-  const factor = view.factor ?? report.factor.value;
-  const times = factor ? ` \u00d7 ${Number(factor.toPrecision(3))}` : "";
-  if (view.factor !== null) return view.text + times;
+  if (view.factor !== null) return view.text + timesInWords(view.factor);
   const name = view.id === "current" ? "View" : view.text;
-  return report.hasResults ? `${name}, ${factor ? "deformed" : "undeformed"}${times}` : name;
+  return report.hasResults ? `${name}, ${scaleInWords(report.factor.value)}` : name;
 }
 
 function sheet(report, selection) {

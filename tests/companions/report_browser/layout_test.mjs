@@ -436,8 +436,15 @@ test("the chosen views and members print on A4", async () => {
   for (const part of sheet.drawn) assert.ok(part > 0.01, `${part} of a picture is drawn`);
   for (const member of leadersOf("space_frame"))
     assert.ok(sheet.members.includes(`Member ${member}`), `${member} of ${sheet.members}`);
-  for (const title of ["Displacements", "Reactions", "Supports, continued"])
+  for (const title of ["Displacements", "Reactions", "Materials, continued"])
     assert.ok(sheet.tables.includes(title), `${title} of ${sheet.tables}`);
+  // All supports are clamped: their six values are 0, and no line has them.
+  assert.ok(!sheet.tables.includes("Supports, continued"), `${sheet.tables}`);
+  assert.match(
+    await page.evaluate(`[...document.querySelectorAll("#print-sheet caption")]
+      .find((one) => one.textContent === "Supports").parentElement.nextElementSibling.textContent`),
+    /^0 or empty in all rows: value1, value2, value3, value4, value5, value6(, Euler\d)*\.$/,
+  );
   assert.equal(sheet.dialogs, 0);
   // On paper nothing is wider than the page, nothing else of the page is seen, heads are repeated.
   await setMedia(page, "print");

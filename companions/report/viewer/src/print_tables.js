@@ -12,10 +12,23 @@ const isKey = ({ name }) => /^(node|element|material|mesh|point|end|x)$/.test(na
 
 function widthOf(table, column) {
   const texts = headOf(column).map((part) => part?.textContent ?? part ?? "");
-  let width = texts.join(" ").length;
+  let width = texts.join("").length;
   for (let row = 0; row < table.rows; ++row)
     width = Math.max(width, cellsOf({ columns: [column] }, row)[0].textContent.length);
   return width + GAP;
+}
+
+const isBare = (table, column) =>
+  !isKey(column) &&
+  Array.from({ length: table.rows }, (_, row) => column.cell(row)).every((cell) => !cell);
+
+/** The table without its columns of nothing but 0 and empty cells, and a line that names these. */
+function withoutBareColumns(table) {
+  const bare = table.columns.filter((column) => isBare(table, column));
+  const rest = table.columns.filter((column) => !bare.includes(column));
+  if (bare.length === 0 || rest.every(isKey)) return [table, null];
+  const names = bare.map(({ name }) => name.replaceAll("_", " ")).join(", ");
+  return [new Table(table.name, table.rows, rest), `0 or empty in all rows: ${names}.`];
 }
 
 /** The table, or pieces of it with its first columns repeated. */
@@ -61,6 +74,15 @@ function printedPiece(table, title) {
   );
 }
 
+function printedTable(table) {
+  const [rest, note] = withoutBareColumns(table);
+  const title = titleOf(table);
+  return [
+    ...piecesOf(rest).map((piece, i) => printedPiece(piece, i ? `${title}, continued` : title)),
+    note ? h("p", { class: "note" }, note) : null,
+  ];
+}
+
 /** All tables with at most `most` rows; of the others only a note. */
 export function printedTables(tables, most) {
   const short = tables.filter((table) => table.rows <= most),
@@ -69,11 +91,7 @@ export function printedTables(tables, most) {
   return h(
     "section",
     {},
-    short.flatMap((table) =>
-      piecesOf(table).map((piece, i) =>
-        printedPiece(piece, i ? `${titleOf(table)}, continued` : titleOf(table)),
-      ),
-    ),
+    short.flatMap(printedTable),
     long.length
       ? h("p", {}, `Tables with more than ${most} rows are not printed: ${listed}.`)
       : null,

@@ -73,17 +73,20 @@ public:
   {
   }
 
-  void Write(const Selection& selection)
+  std::vector<std::vector<Peak>> Write(const Selection& selection)
   {
+    std::vector<std::vector<Peak>> peaks;
     for (const int index : selection.combinations)
       Write(study.combinations[index]);
     if (formats.contains("vtu") && !selection.combinations.empty())
       WriteCollection(selection.combinations);
     for (const int index : selection.envelopes)
-      WriteEnvelope(study, solved, study.envelopes[index],
-                    {formats.contains("csv"), formats.contains("json")}, folder, by);
+      peaks.push_back(WriteEnvelope(study, solved, study.envelopes[index],
+                                    {formats.contains("csv"), formats.contains("json")}, folder,
+                                    by));
     if (formats.contains("csv"))
       WriteCsv(std::array{RunTable(run)}, folder, "", by);
+    return peaks;
   }
 
 private:
@@ -164,10 +167,11 @@ void PrepareCaseResults(const Study& study, const Selection& selection, const Ca
   RemoveStaleTemporaries(targets.folder);
 }
 
-void WriteCaseResults(Study& study, const SolvedCases& solved, const Selection& selection,
-                      const CaseTargets& targets, AtomicFile::By writer)
+std::vector<std::vector<Peak>> WriteCaseResults(Study& study, const SolvedCases& solved,
+                                                const Selection& selection,
+                                                const CaseTargets& targets, AtomicFile::By writer)
 {
-  Writer(study, solved, targets, writer).Write(selection);
+  return Writer(study, solved, targets, writer).Write(selection);
 }
 
 }  // namespace morlen::cases

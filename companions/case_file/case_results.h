@@ -3,7 +3,9 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <vector>
 
+#include "case_file/envelope_files.h"
 #include "case_file/study.h"
 #include "common/atomic_file.h"
 
@@ -26,8 +28,11 @@ struct CaseTargets
 void PrepareCaseResults(const Study& study, const Selection& selection, const CaseTargets& targets);
 
 /// Writes the selected cases, combinations and envelopes. Fatal when a file cannot be written.
-void WriteCaseResults(Study& study, const SolvedCases& solved, const Selection& selection,
-                      const CaseTargets& targets, AtomicFile::By writer = AtomicFile::By::Program);
+/// Returns the peaks of each selected envelope.
+std::vector<std::vector<Peak>> WriteCaseResults(Study& study, const SolvedCases& solved,
+                                                const Selection& selection,
+                                                const CaseTargets& targets,
+                                                AtomicFile::By writer = AtomicFile::By::Program);
 
 }  // namespace cases
 

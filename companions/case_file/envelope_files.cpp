@@ -6,6 +6,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <numeric>
+#include <utility>
 
 #include "case_file/case_facts.h"
 #include "case_file/names.h"
@@ -197,7 +198,7 @@ public:
       combinations.push_back(study.combinations[member]);
   }
 
-  void Write()
+  std::vector<Peak> Write()
   {
     if (formats.json)
       json.emplace(FileWith(".json"),
@@ -218,6 +219,7 @@ public:
     AtomicFile file(FileWith(".summary.txt"), by);
     file.Write(summary);
     file.Commit();
+    return std::move(peaks);
   }
 
 private:
@@ -309,7 +311,11 @@ private:
       summary += check::Joined(
           "\n", table.name, ": largest ", value.name,
           value.unit.empty() ? std::string() : check::Joined(" [", value.unit, "]"), "\n");
-      for (const Largest::Best& best : largest.Ten(column)) {
+      const std::vector<Largest::Best> ten = largest.Ten(column);
+      const Largest::Best& first = ten.front();  // a column has an item at least
+      peaks.push_back({value.name, value.unit, first.value, first.number,
+                       combinations[first.combination].name});
+      for (const Largest::Best& best : ten) {
         char line[120];
         std::snprintf(line, sizeof line, "  %12.5g  %s %d", best.value, table.owner, best.number);
         summary += line;
@@ -331,6 +337,7 @@ private:
   std::vector<Combination> combinations;
   std::optional<JsonTables> json;
   std::string summary;
+  std::vector<Peak> peaks;
 };
 
 }  // namespace
@@ -341,11 +348,11 @@ std::string JsonOf(const Study& study, const Combination& combination)
   return object.substr(1, object.size() - 2);
 }
 
-void WriteEnvelope(const Study& study, const SolvedCases& cases, const Envelope& envelope,
-                   const EnvelopeFormats& formats, const std::filesystem::path& folder,
-                   AtomicFile::By writer)
+std::vector<Peak> WriteEnvelope(const Study& study, const SolvedCases& cases,
+                                const Envelope& envelope, const EnvelopeFormats& formats,
+                                const std::filesystem::path& folder, AtomicFile::By writer)
 {
-  Writer(study, cases, envelope, formats, folder, writer).Write();
+  return Writer(study, cases, envelope, formats, folder, writer).Write();
 }
 
 }  // namespace morlen::cases

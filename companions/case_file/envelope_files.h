@@ -3,12 +3,23 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "case_file/study.h"
 #include "cases/solved_cases.h"
 #include "common/atomic_file.h"
 
 namespace morlen::cases {
+
+/// The value of the largest size that a component has in an envelope.
+struct Peak
+{
+  std::string component;  ///< as in the columns of the tables: "u", "N", "Mz", "von_Mises" ...
+  std::string unit;
+  double value = 0.0;
+  int number = 0;           ///< of the node or element
+  std::string combination;  ///< that governs
+};
 
 /// The files of an envelope that are written beside its summary.
 struct EnvelopeFormats
@@ -22,9 +33,12 @@ struct EnvelopeFormats
 ///
 /// A row is an extreme of a component at a point: its number and point, the component, "min" or
 /// "max", the combination that governs, and all values of the point in that combination.
-void WriteEnvelope(const Study& study, const SolvedCases& cases, const Envelope& envelope,
-                   const EnvelopeFormats& formats, const std::filesystem::path& folder,
-                   AtomicFile::By writer = AtomicFile::By::Program);
+///
+/// Returns the peak of every component, in the order of the tables and their columns.
+std::vector<Peak> WriteEnvelope(const Study& study, const SolvedCases& cases,
+                                const Envelope& envelope, const EnvelopeFormats& formats,
+                                const std::filesystem::path& folder,
+                                AtomicFile::By writer = AtomicFile::By::Program);
 
 /// The name and the factors of a combination as members of a JSON object, without braces.
 std::string JsonOf(const Study& study, const Combination& combination);

@@ -52,12 +52,6 @@ double OfLargerSize(double a, double b)
   return std::fabs(b) > std::fabs(a) ? b : a;
 }
 
-// A unit that the file does not name is the name of a quantity.
-std::string Shown(const model::Units& units, const std::string& text)
-{
-  return units.force.empty() ? "[" + text + "]" : text;
-}
-
 void AddBeams(const model::Model& model, const results::Results& results, Largest& N, Largest& M)
 {
   for (const model::Element& element : model.elements) {
@@ -89,10 +83,15 @@ void AddShells(const model::Model& model, const results::Results& results, Large
 
 }  // namespace
 
+std::string ShownUnit(const model::Units& units, const std::string& text)
+{
+  return units.force.empty() ? "[" + text + "]" : text;
+}
+
 std::vector<Extreme> ExtremesOf(const model::Model& model, const results::Results& results)
 {
   const tables::UnitTexts units(model.units);
-  const auto shown = [&](const std::string& text) { return Shown(model.units, text); };
+  const auto shown = [&](const std::string& text) { return ShownUnit(model.units, text); };
   Largest u("displacement", shown(units.Length()));
   Largest stress("von Mises", shown(units.Pressure()));
   for (std::size_t i = 0; i < model.nodes.size(); ++i) {

@@ -22,6 +22,10 @@ struct Extreme
 /// points; von Mises' stress of solids. Empty results are left out.
 std::vector<Extreme> ExtremesOf(const model::Model& model, const results::Results& results);
 
+/// A unit for the summary: one that the problem file does not name is the name of a quantity, in
+/// brackets.
+std::string ShownUnit(const model::Units& units, const std::string& text);
+
 /// Replaces each extreme by that of another case with the same label where that is larger, and
 /// adds `suffix` to its place.
 void MergeExtremes(std::vector<Extreme>& largest, std::vector<Extreme> others,

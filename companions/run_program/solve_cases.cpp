@@ -21,6 +21,7 @@
 #include "report/findings_of.h"
 #include "report/page_data.h"
 #include "run/element_families.h"
+#include "run_program/envelope_extremes.h"
 #include "run_program/finish.h"
 #include "run_program/input_check.h"
 #include "run_program/scratch_folder.h"
@@ -71,6 +72,17 @@ std::vector<Extreme> ExtremesOfAll(const cases::Study& study, const SolvedCases&
                   ExtremesOf(study.model, cases::ResultsOf(study, solved, study.combinations[k])),
                   ", case " + study.combinations[k].name);
   return extremes;
+}
+
+std::vector<EnvelopeExtremes> ExtremesOfEnvelopes(
+    const cases::Study& study, const cases::Selection& selection,
+    const std::vector<std::vector<cases::Peak>>& peaks)
+{
+  std::vector<EnvelopeExtremes> found;
+  for (std::size_t k = 0; k < peaks.size(); ++k)
+    found.push_back(
+        {study.envelopes[selection.envelopes[k]].name, ExtremesOf(study.model, peaks[k])});
+  return found;
 }
 
 /// Adds the problems of the model, unless the file has the same.
@@ -124,7 +136,8 @@ Outcome SolveStudy(cases::Study& study, const check::Report& report, const Job& 
   Summary summary;
   summary.facts = FactsOfAll(solved, *study.problem);
   OutputSet files;
-  WriteCaseResults(study, solved, selection, targets, files);
+  const std::vector<std::vector<cases::Peak>> peaks =
+      WriteCaseResults(study, solved, selection, targets, files);
   const std::string title = TitleOf(job);
   const CaseBalances balances = WriteCaseReport(
       study, actions, solved, {title, DescriptionOf(job.input), FindingsOf(report.problems, title)},
@@ -134,6 +147,7 @@ Outcome SolveStudy(cases::Study& study, const check::Report& report, const Job& 
   summary.balanceOf = study.combinations[balances.worst].name;
   summary.advice = balances.advice[balances.worst];
   summary.extremes = ExtremesOfAll(study, solved);
+  summary.envelopes = ExtremesOfEnvelopes(study, selection, peaks);
   summary.checkWarnings = report.warnings;
   summary.analysisWarnings = progress.Warnings();
   summary.seconds = watch.Seconds();

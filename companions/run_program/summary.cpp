@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <span>
 
 namespace morlen::run {
 
@@ -42,6 +43,29 @@ std::string SolverText(const RunFacts& facts)
 bool IsGood(double error)
 {
   return error <= kLargestError;
+}
+
+// The extremes of an envelope, one below the other.
+std::string EnvelopeLines(const EnvelopeExtremes& envelope)
+{
+  std::string text;
+  for (const Extreme& extreme : envelope.extremes) {
+    const std::string value = extreme.label + " " + TextOf(extreme);
+    const std::string first = Line("envelope " + envelope.name, value);
+    text += text.empty() ? first : std::string(first.size() - value.size() - 1, ' ') + value + "\n";
+  }
+  return text;
+}
+
+std::string EnvelopeLines(std::span<const EnvelopeExtremes> envelopes)
+{
+  constexpr std::size_t kMost = 4;
+  std::string text;
+  for (const EnvelopeExtremes& envelope : envelopes.first(std::min(envelopes.size(), kMost)))
+    text += EnvelopeLines(envelope);
+  if (envelopes.size() > kMost)
+    text += Line("envelopes", std::to_string(envelopes.size() - kMost) + " more in the report");
+  return text;
 }
 
 std::string WarningCount(const Summary& summary)
@@ -94,6 +118,7 @@ std::string TextOf(const Summary& summary)
                               (summary.balanceOf.empty() ? "" : ", in case " + summary.balanceOf));
   for (const Extreme& extreme : summary.extremes)
     text += Line(extreme.label, TextOf(extreme));
+  text += EnvelopeLines(summary.envelopes);
   text += Line("warnings", WarningCount(summary));
   const auto& [older, replaced] = summary.neighbours;
   if (!older.empty())

@@ -18,6 +18,13 @@ struct Neighbours
   std::string replaced;  ///< another input, whose report and record are replaced; empty for none
 };
 
+/// The largest results of an envelope.
+struct EnvelopeExtremes
+{
+  std::string name;
+  std::vector<Extreme> extremes;
+};
+
 /// The content of the summary of a run that is done.
 struct Summary
 {
@@ -26,6 +33,7 @@ struct Summary
   std::string balanceOf;  ///< the load case that has it; empty for a problem file
   std::string advice;     ///< on a bad balance; empty for a good one
   std::vector<Extreme> extremes;
+  std::vector<EnvelopeExtremes> envelopes;
   int checkWarnings = 0;
   int analysisWarnings = 0;
   Neighbours neighbours;

@@ -186,11 +186,31 @@ class Run(unittest.TestCase):
         (self.folder / "truss.morlen.run").unlink()
         self.assertEqual(state(), "absent")
 
+    def check_envelopes(self, summary, results):
+        """The summary tells the largest value of each envelope that its tables have."""
+        lines = re.findall(r"(?:envelope (\w+):|^) +(displacement|N|M) (\S+) \[\S+\] (?:at|in) \w+ (\d+) \((\S+)\)$",
+                           summary, re.MULTILINE)
+        self.assertEqual(len(lines), 9, summary)
+        name = ""
+        for begins, label, value, number, combination in lines:
+            name = begins or name
+            table, component, owner = {"displacement": ("displacements", "u [length]", "node"),
+                                       "N": ("beam_forces", "N [force]", "element"),
+                                       "M": ("beam_forces", "Mz [force*length]", "element")}[label]
+            with open(results / f"{name}.{table}.csv", encoding="utf-8", newline="") as file:
+                rows = [row for row in csv.DictReader(file) if row["component"] == component.split()[0]]
+            largest = max(abs(float(row[component])) for row in rows)
+            self.assertAlmostEqual(abs(float(value)) / largest, 1, delta=6e-4)  # four digits
+            self.assertTrue(any(row[owner] == number and row["combination"] == combination
+                                and abs(float(row[component])) > largest * (1 - 1e-9) for row in rows),
+                            f"{name} {label} {number} {combination}")
+
     def test_load_cases(self):
         self.copy("hall.cases", "hall_frame.dat")
         run = self.done("hall.cases", "-o", "out", "--vtu", "--csv")
         self.assertIn("hall.cases: solving 27 equations", run.stderr)
         self.assertRegex(run.stdout, r"\ndisplacement: [\d.]+ \[length\] at node \d+, case \w+\n")
+        self.check_envelopes(run.stdout, self.folder / "out" / "hall.results")
         self.done("hall.cases", "-o", "all", "--formats", "csv,vtu", "--write", "*", program=CASES)
         ours, theirs = content(self.folder / "out" / "hall.results"), content(self.folder / "all")
         self.assertGreater(sum(name.endswith(".vtu") for name in ours), 5)

@@ -679,6 +679,14 @@ end nodal_point_loads
 `;
   writeFileSync(join(folder, "large_forces.dat"), text);
   const page = await browser.open(reportOf("large_forces.dat"), SMALL);
+  assert.deepEqual(
+    await page.evaluate("morlenReport.symbols.loads.labels.map(({ text }) => text)"),
+    ["1.235\u00d710\u2076 N"],
+  );
+  const sums = await page.evaluate(
+    "[...document.querySelectorAll('.sums td:last-child')].map((one) => one.textContent)",
+  );
+  assert.ok(sums.length >= 6 && sums.every((one) => !/e[-+]0$/.test(one)), `${sums}`);
   await openTable(page, "reactions");
   const cell = (name) =>
     page.evaluate(`(() => {

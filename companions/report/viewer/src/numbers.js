@@ -110,6 +110,16 @@ export function styledTogether(values, digits = DIGITS) {
   return Array.from(values, (value) => styled(value, style));
 }
 
+/** A single value in at most four significant digits: "1.235\u00d710\u2076", "2.25". */
+export const shortText = (value) => styledTogether([Number(value.toPrecision(4))], 4)[0];
+
+/** A rest that rounding leaves: two digits tell its size. */
+export function restText(value) {
+  if (value === 0) return "0";
+  const isUsual = Math.abs(value) >= 0.01 && Math.abs(value) < 100;
+  return isUsual ? value.toPrecision(2) : value.toExponential(1);
+}
+
 /** A single value in exactly `digits` significant digits, for columns of mixed units. */
 export function significant(value, digits = 4) {
   if (value === null || value === undefined || Number.isNaN(value)) return "";

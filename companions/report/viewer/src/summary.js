@@ -4,7 +4,7 @@ import { aside, format, h } from "./dom.js";
 import { accuracyLine } from "./accuracy.js";
 import { extremesOf, extremesOfField } from "./fields.js";
 import { motionButton } from "./motions.js";
-import { significant, styleOf, styled } from "./numbers.js";
+import { restText, significant, styleOf, styled } from "./numbers.js";
 
 const row = (...cells) =>
   h(
@@ -116,7 +116,7 @@ export function balanceCard(report, model) {
             [name, aside(isForce(k) ? units.force : units.moment)],
             styled(clean(load, k), styles[isForce(k)]),
             styled(clean(reaction, k), styles[isForce(k)]),
-            sum ? sum.toExponential(1) : "0",
+            restText(sum),
           );
         }),
       ),

@@ -2,6 +2,7 @@
 // with the same load.
 
 import { BEAM, SHELL } from "./model.js";
+import { shortText } from "./numbers.js";
 
 const MOST = 24; // labels; of more patches those with the most elements have one
 
@@ -88,7 +89,7 @@ export function surfaceLoadLabels(report, model) {
     const { size, unit } = patch[0];
     const place = middles[central],
       nodes = model.corners(patch[central].element);
-    const text = String(Number(size.toPrecision(4)));
+    const text = shortText(size);
     return { place, nodes, text: model.units.named ? `${text} ${unit}` : text };
   });
 }

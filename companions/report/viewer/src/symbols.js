@@ -3,6 +3,7 @@
 import * as THREE from "three";
 import { mergeGeometries } from "three/examples/jsm/utils/BufferGeometryUtils.js";
 import { triples, unit } from "./model.js";
+import { shortText } from "./numbers.js";
 import { surfaceLoadLabels } from "./surface_loads.js";
 import { theme } from "./theme.js";
 
@@ -202,8 +203,6 @@ const largestOf = (values) => {
   return largest;
 };
 
-const short = (value) => String(Number(value.toPrecision(4)));
-
 /** Forces and moments of the rows of a table: {rows, forces, moments} by row. */
 function wrenches(table) {
   const moments = triples(table, table.column("M") ? ["", "", "M"] : ["Mx", "My", "Mz"]);
@@ -220,7 +219,7 @@ function addNodal(arrows, table, model, units) {
     const f = Array.from(forces.subarray(3 * row, 3 * row + 3)),
       m = Array.from(moments.subarray(3 * row, 3 * row + 3));
     const text = (values, unitName) =>
-      labelled ? `${short(Math.hypot(...values))}${unitName ? ` ${unitName}` : ""}` : null;
+      labelled ? `${shortText(Math.hypot(...values))}${unitName ? ` ${unitName}` : ""}` : null;
     arrows.force(place, f, force, text(f, units.named ? units.force : ""));
     arrows.moment(place, m, moment, text(m, units.named ? units.moment : ""));
   }
@@ -248,7 +247,7 @@ function addLinear(arrows, report, model, group, length) {
         tip,
         load,
         largest,
-        middle ? short(Math.hypot(...load)) + unitName : null,
+        middle ? shortText(Math.hypot(...load)) + unitName : null,
       );
       if (last && tail) outline.push(...last, ...tail);
       last = tail;

@@ -438,12 +438,49 @@ test("values of loads that a surface covers are left out", async () => {
   );
   assert.ok(usual.covered.includes(lower), `${usual.covered}`);
   const shown = await page.evaluate(PIXELS);
-  // A roof that is hidden covers nothing.
-  await page.set("mesh2", false);
-  assert.ok((await labels("top")).seen.includes(lower));
-  await page.set("mesh2", true);
+  // Walls that are hidden cover nothing.
+  await page.set("mesh1", false);
+  assert.ok((await labels("iso")).seen.includes(lower));
+  await page.set("mesh1", true);
   await labels("iso");
   assert.equal(differing(shown, await page.evaluate(PIXELS)), 0, "the view has come back");
+  assert.deepEqual(page.complaints, []);
+  await page.close();
+});
+
+test("symbols, diagrams and numbers of hidden elements are hidden with them", async () => {
+  const page = await openExample("slab_and_wall", SMALL);
+  const column = exported("slab_and_wall");
+  await page.set("diagram", "N");
+  await page.set("numbers", true);
+  const drawn = () =>
+    page.evaluate(`(() => {
+      const { symbols, labels, diagrams } = morlenReport;
+      const count = (group) => group.children.reduce((sum, one) => sum + (one.count ?? 0), 0);
+      const texts = (kind) => labels.sources.get(kind).labels.map(({ text }) => text);
+      return { supports: count(symbols.supports.group), loads: texts("loads").sort(),
+        nodes: texts("nodes").map(Number), diagrams: diagrams.labels.length };
+    })()`);
+  const all = await drawn();
+  assert.equal(all.supports, column("supports", "node").length);
+  assert.equal(all.nodes.length, column("nodes", "node").length);
+  assert.deepEqual(all.loads, ["1", "2.25", "2.25", "2.25", "2.25", "2.25", "2.25", "3", "3"]);
+  assert.ok(all.diagrams > 0);
+  // Material 3 is that of the columns, which stand on 3 nodes; their other nodes belong to slabs.
+  await page.set("material3", false);
+  const without = await drawn();
+  const kinds = column("elements", "kind");
+  const ends = ["node1", "node2", "node3"].map((end) => column("elements", end));
+  const ofShells = new Set(
+    kinds.flatMap((kind, i) => (kind === "shell" ? ends.map((end) => end[i]) : [])),
+  );
+  const expected = column("nodes", "node").filter((node) => ofShells.has(node));
+  assert.deepEqual(without.nodes, expected);
+  assert.equal(expected.length, all.nodes.length - 3);
+  assert.equal(without.supports, all.supports - 3);
+  assert.deepEqual([without.loads, without.diagrams], [["1", "3", "3"], 0]);
+  await page.set("material3", true);
+  assert.deepEqual(await drawn(), all);
   assert.deepEqual(page.complaints, []);
   await page.close();
 });

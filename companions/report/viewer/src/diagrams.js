@@ -48,8 +48,11 @@ export class DiagramView {
     this.labels = [];
   }
 
-  /** Draws one of DIAGRAMS, its largest value as long as `height`; null for none. */
-  show(name, height) {
+  /**
+   * Draws one of DIAGRAMS along the beams with isShown(element), the largest value of all beams as
+   * long as `height`; null for none.
+   */
+  show(name, height, isShown) {
     for (const part of this.group.children) part.geometry.dispose();
     this.group.clear();
     this.labels = [];
@@ -60,7 +63,7 @@ export class DiagramView {
     for (const values of curves) {
       const ribbon = new Ribbon();
       for (let b = 0; b < this.model.beams.length; ++b)
-        this.addBeam(ribbon, name, values, b, height / largest);
+        if (isShown(this.model.beams[b])) this.addBeam(ribbon, name, values, b, height / largest);
       this.group.add(...ribbon.objects());
     }
   }

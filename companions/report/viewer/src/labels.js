@@ -96,24 +96,22 @@ export class Labels {
 
 const MOST = 400;
 
-/** The numbers of nodes, and of elements in brackets, unless they are too many to be read. */
-export function numberLabels(model) {
+/** The numbers of shown nodes, and of elements in brackets, unless they are too many to be read. */
+export function numberLabels(model, shown) {
   const { elements } = model;
-  const nodes = Array.from(model.nodeNumbers, (number, i) => ({
-    place: model.place(i),
-    nodes: [i],
-    text: String(number),
-  }));
+  const nodes = Array.from(model.nodeNumbers.keys()).filter(shown.node);
+  const all = Array.from(elements.numbers.keys()).filter(shown.element);
   return {
-    nodes: nodes.slice(0, MOST),
-    elements:
-      elements.count > MOST
-        ? []
-        : Array.from(elements.numbers, (number, e) => ({
-            place: model.middleOf(model.corners(e)),
-            nodes: model.corners(e),
-            text: `[${number}]`,
-          })),
+    nodes: nodes.slice(0, MOST).map((node) => ({
+      place: model.place(node),
+      nodes: [node],
+      text: String(model.nodeNumbers[node]),
+    })),
+    elements: (all.length > MOST ? [] : all).map((e) => ({
+      place: model.middleOf(model.corners(e)),
+      nodes: model.corners(e),
+      text: `[${elements.numbers[e]}]`,
+    })),
   };
 }
 

@@ -183,7 +183,7 @@ class Report {
   }
 
   fillStage() {
-    const { model, report } = this;
+    const { model } = this;
     this.shapes = new THREE.Group();
     this.makeShapes();
     this.diagrams = new DiagramView(model);
@@ -192,20 +192,10 @@ class Report {
       deformable(new THREE.LineBasicMaterial({ vertexColors: true }), this.settings),
     );
     this.crosses.frustumCulled = false;
-    const size = this.symbolSize();
-    this.hinges = hingeSymbols(report, model, 0.2 * size);
-    this.symbols = {
-      supports: { group: supportSymbols(report, model, size), labels: [] },
-      loads: loadSymbols(report, model, 0.085 * model.box.size),
-      reactions: reactionSymbols(report, model, 0.085 * model.box.size),
-    };
+    this.marks = new THREE.Group();
+    this.makeSymbols();
     this.highlight = new Highlight(this.stage, model, this.members);
-    const details = [
-      ...Object.values(this.symbols).map(({ group }) => group),
-      this.hinges,
-      this.diagrams.group,
-      this.crosses,
-    ];
+    const details = [this.marks, this.diagrams.group, this.crosses];
     for (const object of details) object.traverse((one) => one.layers.set(DETAIL));
     this.stage.scene.add(
       this.shapes,
@@ -227,6 +217,24 @@ class Report {
       beams: meshes.map((mesh) => new BeamView(model, this.stage, mesh, this.settings)),
     };
     this.shapes.add(...[...this.views.surfaces, ...this.views.beams].map(({ group }) => group));
+  }
+
+  /** Supports, loads, reactions and hinges of the shown elements and their nodes. */
+  makeSymbols() {
+    const { model, report } = this;
+    const size = this.symbolSize(),
+      length = 0.085 * model.box.size,
+      shown = this.visibility.of(model);
+    dispose(this.marks);
+    this.marks.clear();
+    this.hinges = hingeSymbols(report, model, 0.2 * size, shown);
+    this.symbols = {
+      supports: { group: supportSymbols(report, model, size, shown), labels: [] },
+      loads: loadSymbols(report, model, length, shown),
+      reactions: reactionSymbols(report, model, length, shown),
+    };
+    this.marks.add(this.hinges, ...Object.values(this.symbols).map(({ group }) => group));
+    this.marks.traverse((one) => one.layers.set(DETAIL));
   }
 
   /** Smaller where many supports are close together. */
@@ -287,7 +295,8 @@ class Report {
     const name = this.toolbar.diagram.value;
     this.diagramName = name;
     this.toolbar.diagramSize.hidden = !name;
-    this.diagrams.show(name, 0.1 * this.model.box.size * this.toolbar.diagramSize.value);
+    const height = 0.1 * this.model.box.size * this.toolbar.diagramSize.value;
+    this.diagrams.show(name, height, this.settings.isShown);
     const labels =
       this.model.beams.length <= 100 ? this.diagrams.labels : largestLabels(this.diagrams.labels);
     const texts = styledTogether(
@@ -346,7 +355,9 @@ class Report {
   }
 
   showNumbers(on) {
-    const { nodes, elements } = on ? numberLabels(this.model) : { nodes: [], elements: [] };
+    const { nodes, elements } = on
+      ? numberLabels(this.model, this.visibility.of(this.model))
+      : { nodes: [], elements: [] };
     this.labels.set("nodes", theme.css("scene-label-node"), nodes);
     this.labels.set("elements", theme.css("scene-label-element"), elements);
     this.stage.draw();
@@ -356,6 +367,7 @@ class Report {
   showPart(kind, number, on) {
     this.visibility.set(kind, number, on);
     this.makeShapes();
+    this.makeSymbols();
     this.drawAll();
   }
 

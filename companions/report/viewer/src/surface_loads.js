@@ -27,11 +27,12 @@ class Sets {
 }
 
 /** Rows of loads on shells and solids: {element, size, values, unit}. */
-function readLoads(table, model) {
+function readLoads(table, model, shown) {
   const values = [1, 2, 3].map((k) => table.column(`value${k}`));
   const loads = [];
   for (let row = 0; row < table.rows; ++row) {
     const element = model.elementAt.get(table.column("element").cell(row));
+    if (!shown.element(element)) continue;
     const kind = table.column("kind").cell(row);
     if (model.elements.kinds[element] === BEAM || !/pressure_loads$|^face_loads$/.test(kind))
       continue;
@@ -71,11 +72,11 @@ function patchesOf(loads, model) {
   return [...patches.values()];
 }
 
-/** Labels {place, text} of the element loads of a report. */
-export function surfaceLoadLabels(report, model) {
+/** Labels {place, text} of the loads of shown elements (see Visibility.of). */
+export function surfaceLoadLabels(report, model, shown) {
   const table = report.table("element_loads");
   if (!table) return [];
-  const patches = patchesOf(readLoads(table, model), model)
+  const patches = patchesOf(readLoads(table, model, shown), model)
     .sort((a, b) => b.length - a.length)
     .slice(0, MOST);
   return patches.map((patch) => {

@@ -70,7 +70,7 @@ export function axesOfEuler([a1, a2, a3]) {
  * A cone against each held displacement, a ring about the axis of each held rotation, a block
  * where all is held.
  */
-export function supportSymbols(report, model, size) {
+export function supportSymbols(report, model, size, shown) {
   const table = report.table("supports");
   if (!table) return new THREE.Group();
   const { components, translations } = report.model;
@@ -93,7 +93,9 @@ export function supportSymbols(report, model, size) {
   );
   const down = model.plane ? [0, 1, 0] : [0, 0, 1];
   for (let row = 0; row < table.rows; ++row) {
-    const place = model.place(model.nodeAt.get(table.column("node").cell(row)));
+    const node = model.nodeAt.get(table.column("node").cell(row));
+    if (!shown.node(node)) continue;
+    const place = model.place(node);
     const flags = Array.from({ length: components }, (_, k) =>
       table.column(`flag${k + 1}`).cell(row),
     );
@@ -112,11 +114,11 @@ export function supportSymbols(report, model, size) {
 }
 
 /** A ball near every hinged end of a beam. */
-export function hingeSymbols(report, model, size) {
+export function hingeSymbols(report, model, size, shown) {
   const codes = report.table("elements").column("hinge_code");
   const round = model.beams.length > MANY ? [6, 4] : [16, 12];
   const balls = new Instances(new THREE.SphereGeometry(1, ...round), theme.hex("scene-hinge"));
-  for (const element of model.beams) {
+  for (const element of model.beams.filter(shown.element)) {
     const code = codes.cell(element);
     const ends = [0, 1].map((i) => model.place(model.node(element, i)));
     const [a, b] = ends,
@@ -209,13 +211,16 @@ function wrenches(table) {
   return { forces: triples(table, ["Px", "Py", "Pz"]), moments };
 }
 
-function addNodal(arrows, table, model, units) {
+function addNodal(arrows, table, model, shown) {
   const { forces, moments } = wrenches(table);
   const force = largestOf(forces),
     moment = largestOf(moments);
   const labelled = table.rows <= 60;
+  const { units } = model;
   for (let row = 0; row < table.rows; row += Math.ceil(table.rows / MOST_ARROWS)) {
-    const place = model.place(model.nodeAt.get(table.column("node").cell(row)));
+    const node = model.nodeAt.get(table.column("node").cell(row));
+    if (!shown.node(node)) continue;
+    const place = model.place(node);
     const f = Array.from(forces.subarray(3 * row, 3 * row + 3)),
       m = Array.from(moments.subarray(3 * row, 3 * row + 3));
     const text = (values, unitName) =>
@@ -226,12 +231,13 @@ function addNodal(arrows, table, model, units) {
 }
 
 /** Loads along beams as rows of arrows whose tails a line connects. */
-function addLinear(arrows, report, model, group, length) {
+function addLinear(arrows, report, model, group, length, shown) {
   const { beams, q } = report.loads;
   const largest = largestOf(q),
     outline = [];
   const unitName = model.units.named ? ` ${model.units.forcePerLength}` : "";
   beams.forEach((element, i) => {
+    if (!shown.element(element)) return;
     const load = Array.from(q.subarray(3 * i, 3 * i + 3));
     const a = model.place(model.node(element, 0)),
       b = model.place(model.node(element, 1));
@@ -269,32 +275,33 @@ const crowd = (count) => Math.min(1, 18 / Math.sqrt(Math.max(1, Math.min(count, 
 
 /**
  * All loads: {group, labels}. Those of shells and solids are forces at their nodes. Of very many
- * only some are drawn.
+ * only some are drawn. shown: as of Visibility.
  */
-export function loadSymbols(report, model, length) {
+export function loadSymbols(report, model, length, shown) {
   const nodalTable = report.table("nodal_loads");
   const nodalCount = nodalTable?.rows ?? 0;
   const nodal = new Arrows(theme.hex("scene-load"), crowd(nodalCount) * length, nodalCount > MANY),
     linear = new Arrows(theme.hex("scene-load"), 0.6 * length, report.loads.beams.length > MANY);
   const surface = new Arrows(theme.hex("scene-load"), 0.55 * crowd(model.nodeCount) * length, true);
   const group = new THREE.Group();
-  if (nodalTable) addNodal(nodal, nodalTable, model, model.units);
-  addLinear(linear, report, model, group, 0.6 * length);
+  if (nodalTable) addNodal(nodal, nodalTable, model, shown);
+  addLinear(linear, report, model, group, 0.6 * length, shown);
   const forces = report.loads.surfaces,
     largest = largestOf(forces);
   const step = Math.ceil(model.nodeCount / MOST_ARROWS);
   for (let node = 0; largest > 0 && node < model.nodeCount; node += step) {
+    if (!shown.node(node)) continue;
     surface.force(model.place(node), Array.from(forces.subarray(3 * node, 3 * node + 3)), largest);
   }
   group.add(nodal.group(), linear.group(), surface.group());
-  const labels = [...nodal.labels, ...linear.labels, ...surfaceLoadLabels(report, model)];
+  const labels = [...nodal.labels, ...linear.labels, ...surfaceLoadLabels(report, model, shown)];
   return { group, labels };
 }
 
-export function reactionSymbols(report, model, length) {
+export function reactionSymbols(report, model, length, shown) {
   const table = report.table("reactions");
   const count = table?.rows ?? 0;
   const arrows = new Arrows(theme.hex("scene-reaction"), crowd(count) * length, count > MANY);
-  if (table) addNodal(arrows, table, model, model.units);
+  if (table) addNodal(arrows, table, model, shown);
   return { group: arrows.group(), labels: arrows.labels };
 }

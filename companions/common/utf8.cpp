@@ -54,6 +54,13 @@ bool IsUtf8(std::string_view text)
   return true;
 }
 
+std::size_t CharacterCount(std::string_view text)
+{
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+  }));
+}
+
 std::string ToUtf8(std::string_view text)
 {
   std::string result;

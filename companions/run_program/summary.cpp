@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <span>
 
+#include "common/utf8.h"
+
 namespace morlen::run {
 
 namespace {
@@ -13,7 +15,8 @@ std::string Line(const std::string& label, const std::string& value)
 {
   constexpr std::size_t kColumn = 14;
   std::string line = label + ":";
-  line.resize(std::max(line.size() + 1, kColumn), ' ');
+  const std::size_t width = CharacterCount(line);
+  line.append(std::max(width + 1, kColumn) - width, ' ');
   return line + value + "\n";
 }
 
@@ -52,7 +55,8 @@ std::string EnvelopeLines(const EnvelopeExtremes& envelope)
   for (const Extreme& extreme : envelope.extremes) {
     const std::string value = extreme.label + " " + TextOf(extreme);
     const std::string first = Line("envelope " + envelope.name, value);
-    text += text.empty() ? first : std::string(first.size() - value.size() - 1, ' ') + value + "\n";
+    const std::size_t column = CharacterCount(first) - CharacterCount(value) - 1;
+    text += text.empty() ? first : std::string(column, ' ') + value + "\n";
   }
   return text;
 }

@@ -199,6 +199,24 @@ TEST(Extremes, MergedKeepTheLarger)
   EXPECT_EQ(TextOf(all.front()), "3 kN in beam 2, case B");
 }
 
+TEST(RunSummary, ExtremesOfAnEnvelopeAreInOneColumn)
+{
+  Summary summary;
+  const std::vector<Extreme> extremes = {{"N", -2.0, "kN", "in beam 1 (A)"},
+                                         {"M", 3.0, "kN*m", "in beam 2 (B)"}};
+  for (const char* name : {"U", "\xC3\xA4ndern", "3", "4", "5", "6"})
+    summary.envelopes.push_back({name, extremes});
+  const std::string text = TextOf(summary);
+  EXPECT_NE(text.find("\nenvelope U:   N -2 kN in beam 1 (A)\n"
+                      "              M 3 kN*m in beam 2 (B)\n"
+                      "envelope \xC3\xA4ndern: N -2 kN in beam 1 (A)\n"
+                      "                 M 3 kN*m in beam 2 (B)\n"
+                      "envelope 3:   N"),
+            text.npos)
+      << text;
+  EXPECT_NE(text.find("\nenvelopes:    2 more in the report\n"), text.npos) << text;
+}
+
 TEST(RunSummary, StatusFollowsBalanceAndError)
 {
   Summary summary;

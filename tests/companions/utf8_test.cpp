@@ -4,6 +4,13 @@
 
 namespace morlen {
 
+TEST(CharacterCount, CountsCharactersOfSeveralBytesOnce)
+{
+  EXPECT_EQ(CharacterCount(""), 0U);
+  EXPECT_EQ(CharacterCount("kN*m"), 4U);
+  EXPECT_EQ(CharacterCount("m\xC2\xB2 \xE2\x82\xAC \xF0\x9F\x98\x80"), 6U);
+}
+
 TEST(ToUtf8, KeepsCharactersAndReplacesOtherBytes)
 {
   static const struct

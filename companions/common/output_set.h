@@ -27,6 +27,9 @@ public:
   /// Removes a file of an earlier run at Commit.
   void RemoveAtCommit(const std::filesystem::path& name) { stale.push_back(name); }
 
+  /// The files that Commit will remove.
+  const std::vector<std::filesystem::path>& Stale() const { return stale; }
+
   /// Flushes the files, so that others can read them under their temporary names. Fatal when
   /// something written has been lost.
   void Flush();

@@ -86,9 +86,12 @@ void MakeFolder(const fs::path& folder)
 {
   RequireFolderName(folder);
   std::error_code error;
+  std::error_code unknown;
   fs::create_directories(folder, error);
-  if (!fs::is_directory(folder, error))
-    Fatal("can't make folder ", folder.string(), "\n");
+  if (fs::is_directory(folder, unknown))
+    return;
+  Explain(fs::exists(folder, unknown) ? "it is a file" : error.message());
+  Fatal("can't make folder ", folder.string(), "\n");
 }
 
 void RemoveStale(const fs::path& name, AtomicFile::By writer)

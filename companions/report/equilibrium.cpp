@@ -7,6 +7,8 @@ namespace morlen {
 
 namespace {
 
+constexpr double kLeastPart = 1e-9;  // of a scale; below it reactions are rounding
+
 /// Sums of wrenches at nodes, and of their sizes.
 class Summer
 {
@@ -76,8 +78,10 @@ Equilibrium EquilibriumOf(const model::Model& model, const std::vector<Wrench>& 
   }
   found.loads = applied.sum;
   found.reactions = reactions.sum;
-  const double force = found.scale = std::max(applied.forces, reactions.forces);
-  const double moment = force * arm + std::max(applied.moments, reactions.moments);
+  const double moments = std::max(applied.moments, reactions.moments);
+  const double force = found.scale =
+      std::max({applied.forces, reactions.forces, kLeastPart * Ratio(moments, arm)});
+  const double moment = force * arm + moments;
   found.forceResidual = Ratio(LargestOfSum(found.loads.force, found.reactions.force), force);
   found.residual = std::max(
       found.forceResidual, Ratio(LargestOfSum(found.loads.moment, found.reactions.moment), moment));
@@ -86,12 +90,11 @@ Equilibrium EquilibriumOf(const model::Model& model, const std::vector<Wrench>& 
 
 void RelateToLargest(std::span<Equilibrium> cases)
 {
-  constexpr double kLeast = 1e-9;
   double largest = 0.0;
   for (const Equilibrium& one : cases)
     largest = std::max(largest, one.scale);
   for (Equilibrium& one : cases) {
-    const double least = kLeast * largest;
+    const double least = kLeastPart * largest;
     if (one.scale >= least)
       continue;
     one.residual *= one.scale / least;

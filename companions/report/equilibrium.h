@@ -21,8 +21,10 @@ struct Equilibrium
   Wrench loads;
   Wrench reactions;
   /// The largest component of loads + reactions as a ratio. Scale of forces: the larger of the sums
-  /// of |component| over all loads and over all reactions. Scale of moments: the scale of forces
-  /// times half the box's diagonal, plus the larger of the sums of |moment|.
+  /// of |component| over all loads and over all reactions, at least 1e-9 of the sum of |moment|
+  /// over half the box's diagonal: moments that balance each other cause reactions from rounding
+  /// only. Scale of moments: the scale of forces times half the box's diagonal, plus the larger of
+  /// the sums of |moment|.
   double residual = 0.0;
   double forceResidual = 0.0;  ///< of the forces alone
   double scale = 0.0;          ///< of forces

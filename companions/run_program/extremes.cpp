@@ -22,9 +22,10 @@ public:
   {
   }
 
-  void Judge(double value, const char* kind, int number)
+  /// margin: the part by which the size has to be larger than before.
+  void Judge(double value, const char* kind, int number, double margin = 0.0)
   {
-    if (!(std::fabs(value) > std::fabs(found.value)))
+    if (!(std::fabs(value) > (1.0 + margin) * std::fabs(found.value)))
       return;
     found.value = value;
     found.place = std::string(kind) + " " + std::to_string(number);
@@ -52,11 +53,14 @@ double OfLargerSize(double a, double b)
   return std::fabs(b) > std::fabs(a) ? b : a;
 }
 
-void AddBeams(const model::Model& model, const results::Results& results, Largest& N, Largest& M)
+void AddBeams(const model::Model& model, const results::Results& results, Largest& u, Largest& N,
+              Largest& M)
 {
+  constexpr double kRounding = 1e-9;  // the ends of beams move as their nodes do, which are named
   for (const model::Element& element : model.elements) {
     for (int i = 0; element.kind == model::Kind::Beam && i < element.points; ++i) {
-      const auto& forces = results.beamPoints[element.firstPoint + i].forces;
+      const auto& [d, forces] = results.beamPoints[element.firstPoint + i];
+      u.Judge(std::hypot(d[0], d[1], d[2]), "in beam", element.number, kRounding);
       N.Judge(forces[0], "in beam", element.number);
       M.Judge(OfLargerSize(forces[4], forces[5]), "in beam", element.number);
     }
@@ -102,7 +106,7 @@ std::vector<Extreme> ExtremesOf(const model::Model& model, const results::Result
   }
   Largest N("N", shown(units.Force()));
   Largest M("M", shown(units.Moment()));
-  AddBeams(model, results, N, M);
+  AddBeams(model, results, u, N, M);
   Largest shellMoment("shell moment", shown(units.MomentPerLength()));
   Largest shellForce("shell force", shown(units.ForcePer(1)));
   if (results.shellLocal || results.shellMain)

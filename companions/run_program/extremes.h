@@ -17,9 +17,9 @@ struct Extreme
   std::string place;  ///< "at node 81", "in beam 12"
 };
 
-/// The largest results of a model, as the result files have them: the length of the displacement;
-/// N and the bending moment of beams; the principal moment and membrane force of shells at their
-/// points; von Mises' stress of solids. Empty results are left out.
+/// The largest results of a model, as the result files have them: the length of the displacement,
+/// of nodes and along beams; N and the bending moment of beams; the principal moment and membrane
+/// force of shells at their points; von Mises' stress of solids. Empty results are left out.
 std::vector<Extreme> ExtremesOf(const model::Model& model, const results::Results& results);
 
 /// A unit for the summary: one that the problem file does not name is the name of a quantity, in

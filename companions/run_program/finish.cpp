@@ -191,6 +191,8 @@ Neighbours Publish(const Job& job, std::vector<RecordedFile> inputs, const RunFa
   const RunRecord record = {facts, std::move(inputs), RecordedIn(files, job.base.parent_path())};
   WriteRunRecord(record, files.Open(job.Result(".morlen.run")).Stream());
   std::string lines;
+  for (const fs::path& name : files.Stale())
+    lines += "removed " + name.string() + ", which is of an earlier run\n";
   for (const OutputSet::Member& member : files.Members())
     lines += "wrote " + member.name.string() + "\n";
   Neighbours neighbours = {NotOfThisRun(job, files), OtherInput(job)};

@@ -209,7 +209,7 @@ class Run(unittest.TestCase):
         self.copy("hall.cases", "hall_frame.dat")
         run = self.done("hall.cases", "-o", "out", "--vtu", "--csv")
         self.assertIn("hall.cases: solving 27 equations", run.stderr)
-        self.assertRegex(run.stdout, r"\ndisplacement: [\d.]+ \[length\] at node \d+, case \w+\n")
+        self.assertRegex(run.stdout, r"\ndisplacement: [\d.]+ \[length\] in beam \d+, case \w+\n")
         self.check_envelopes(run.stdout, self.folder / "out" / "hall.results")
         self.done("hall.cases", "-o", "all", "--formats", "csv,vtu", "--write", "*", program=CASES)
         ours, theirs = content(self.folder / "out" / "hall.results"), content(self.folder / "all")
@@ -375,6 +375,21 @@ class Run(unittest.TestCase):
         run = self.done("all.cases", status=2)
         self.assertEqual(run.stdout, "wrote all.html: the model with the findings of the check, no results\n", run.stderr)
         self.assertEqual(set(content(self.folder)), {"truss.dat", "all.cases", "all.html"})
+
+    def test_folders_that_cannot_be_made_are_told_with_the_reason(self):
+        self.copy("truss.dat")
+        for folder in ("truss.dat", "truss.dat/results"):
+            run = self.call("truss.dat", "-o", folder)
+            self.assertEqual(run.returncode, 2)
+            self.assertRegex(run.stderr, f"can't make folder {folder}\nhint: [^\n]+\n")
+
+    def test_tables_of_older_runs_are_removed_and_named(self):
+        self.copy("truss.dat")
+        (self.folder / "truss_csv").mkdir()
+        (self.folder / "truss_csv" / "shell_forces.csv").write_text("old\n")
+        run = self.done("truss.dat", "--csv")
+        self.assertIn("removed truss_csv/shell_forces.csv, which is of an earlier run\n", run.stdout)
+        self.assertFalse((self.folder / "truss_csv" / "shell_forces.csv").exists())
 
     def test_older_files_are_named_and_stay(self):
         self.copy("truss.dat", "hall.cases", "hall_frame.dat")

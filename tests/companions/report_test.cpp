@@ -199,6 +199,24 @@ TEST(Equilibrium, ResidualIsRelativeToTheSizesOfLoadsOrReactions)
   EXPECT_FALSE(found.IsBalanced());
 }
 
+// Opposite moments of 28/3 at the ends, reactions of 1e-14 from rounding: the scale of forces is
+// 1e-9 of 56/3 over half the length of 4, that of moments is 56/3.
+TEST(Equilibrium, OfBalancedMomentsIsRelativeToThem)
+{
+  const Loaded loaded(kCantilever);
+  std::vector<Wrench> moments(loaded.model.nodes.size());
+  moments[0].moment = {0.0, 0.0, -28.0 / 3.0};
+  moments[1].moment = {0.0, 0.0, 28.0 / 3.0};
+  const auto residualWith = [&](double force, double moment) {
+    return EquilibriumOf(loaded.model, moments,
+                         Reactions(loaded.model, {force, 0.0, 0.0}, {0.0, 0.0, moment}))
+        .residual;
+  };
+  EXPECT_NEAR(residualWith(1e-14, 0.0), 1e-14 / (1e-9 * 28.0 / 3.0), 1e-12);
+  EXPECT_NEAR(residualWith(0.0, 1.0), 1.0 / (56.0 / 3.0), 1e-9);
+  EXPECT_NEAR(residualWith(1.0, 0.0), 1.0, 1e-12);
+}
+
 TEST(Equilibrium, FindsAMissingMoment)
 {
   const Loaded loaded(kCantilever);

@@ -152,6 +152,24 @@ TEST(Extremes, AreTheLargestSizesWithTheirPlaces)
   EXPECT_EQ(TextOf(Of(extremes, "M")), "-7 kN*m in beam 5");
 }
 
+// A beam between two held nodes deflects; the end of another one moves as its node, but for
+// rounding.
+TEST(Extremes, OfDisplacementsAreAlongBeamsToo)
+{
+  model::Model model;
+  model.units = {"kN", "m", "kPa"};
+  model.nodes = {{7, {}}, {9, {}}};
+  model.elements = {BeamOf(3, 0), BeamOf(5, 2)};
+  results::Results results;
+  results.nodes.resize(2);
+  results.beamPoints.resize(4);
+  results.beamPoints[2].displacement = {0.0, 0.0, -3.0};
+  EXPECT_EQ(TextOf(Of(ExtremesOf(model, results), "displacement")), "3 m in beam 5");
+  results.nodes[1].displacement = {0.0, 0.0, -3.0};
+  results.beamPoints[2].displacement = {0.0, 0.0, -3.0 * (1.0 + 1e-15)};
+  EXPECT_EQ(TextOf(Of(ExtremesOf(model, results), "displacement")), "3 m at node 9");
+}
+
 // The tensor (3, -5; 3) has the principal values -1 ± 5.
 TEST(Extremes, OfShellsArePrincipalValues)
 {

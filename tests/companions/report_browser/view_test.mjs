@@ -467,7 +467,10 @@ test("symbols, diagrams and numbers of hidden elements are hidden with them", as
   assert.deepEqual(all.loads, ["1", "2.25", "2.25", "2.25", "2.25", "2.25", "2.25", "3", "3"]);
   assert.ok(all.diagrams > 0);
   // Material 3 is that of the columns, which stand on 3 nodes; their other nodes belong to slabs.
+  const notes = () => page.evaluate("document.querySelector('.legend-note').textContent");
+  assert.doesNotMatch(await notes(), /hidden/);
   await page.set("material3", false);
+  assert.match(await notes(), /of all elements, hidden ones too/);
   const without = await drawn();
   const kinds = column("elements", "kind");
   const ends = ["node1", "node2", "node3"].map((end) => column("elements", end));
@@ -545,6 +548,13 @@ test("legends have round ticks, 0 where both signs are, and limits that can be t
   assert.equal(typed.beyond[2], typed.beyond[3]);
   assert.notEqual(typed.beyond[1], typed.beyond[2]);
   assert.ok(differing(wide, await page.evaluate(PIXELS)) > 100);
+  // The largest value keeps its digits under limits that are far larger.
+  const noted = () =>
+    page.evaluate("document.querySelector('.legend-note').textContent.match(/max (\\S+)/)[1]");
+  const before = Number(await noted());
+  await page.set("legend-high", "1e6");
+  assertNear(Number(await noted()), before, 5e-3, "three digits");
+  await page.set("legend-high", "6");
   await page.set("legend-high", "-5");
   assert.equal(await page.evaluate("document.getElementById('legend-high').ariaInvalid"), "true");
   const limits = `morlenReport.scale.low + " " + morlenReport.scale.high`;

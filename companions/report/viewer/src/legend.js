@@ -38,7 +38,8 @@ export class Legend {
   /** Shows a field with its scale and extremes; null hides the legend. */
   show(field, scale, extremes) {
     this.element.hidden = !field;
-    this.content = field && contentOf(field, scale, extremes);
+    const isTyped = field && this.limitsOf(field) !== null;
+    this.content = field && contentOf(field, scale, extremes, isTyped);
     const isOther = field?.id !== this.field?.id;
     this.field = field;
     if (!field) return;
@@ -69,15 +70,15 @@ export class Legend {
         notes.map((line) => h("div", {}, line)),
       ),
     );
-    this.form.show(field, scale, this.limitsOf(field) !== null, isOther);
+    this.form.show(field, scale, isTyped, isOther);
   }
 }
 
-/** A value far beyond typed limits, without the power of ten of the scale. */
+/** A value far beyond typed limits, or far below them, without the power of ten of the scale. */
 const unscaled = (value, unit) => [value.toExponential(2), unit].filter(Boolean).join(" ");
 
 /** Bands from above with their parts of the height, marks with their places (0 above, 1 below). */
-function contentOf(field, scale, extremes) {
+function contentOf(field, scale, extremes, isTyped) {
   const { low, high, step } = scale;
   const { text, factor } = numberStyle(low, high, step);
   const bands = [];
@@ -91,7 +92,10 @@ function contentOf(field, scale, extremes) {
     text: text(value),
     place: (high - value) / (high - low),
   }));
-  const short = (value) => (text(value).length > 8 ? unscaled(value, field.unit) : text(value));
+  const isLost = (value) =>
+    isTyped && value !== 0 && Math.abs(value) < 0.1 * Math.max(Math.abs(low), Math.abs(high));
+  const short = (value) =>
+    text(value).length > 8 || isLost(value) ? unscaled(value, field.unit) : text(value);
   const at = (name, place) => `${name} ${short(extremes[name])} at ${place}`;
   return {
     title: field.title,
@@ -101,6 +105,7 @@ function contentOf(field, scale, extremes) {
     notes: [
       at("max", extremes.maxAt),
       at("min", extremes.minAt),
+      extremes.isOfAll ? "of all elements, hidden ones too" : null,
       scale.cutsAbove ? `\u25b2 the colour above holds for more than ${text(high)}` : null,
       scale.cutsBelow ? `\u25bc the colour below holds for less than ${text(low)}` : null,
     ].filter(Boolean),

@@ -276,6 +276,7 @@ class Report {
     const field = this.fields.find(({ id }) => id === this.toolbar.colours.value) ?? null;
     this.field = field;
     const extremes = field && extremesOfField(field, this.model, this.shells);
+    if (extremes) extremes.isOfAll = this.visibility.hides;
     const scale = field && new ColourScale(extremes.min, extremes.max, this.legend.limitsOf(field));
     const smooth = this.toolbar.isSmooth;
     this.bands?.dispose();

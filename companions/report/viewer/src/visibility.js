@@ -12,6 +12,11 @@ export class Visibility {
     else this[kind].add(number);
   }
 
+  /** True when a mesh or a material is hidden. */
+  get hides() {
+    return this.meshes.size + this.materials.size > 0;
+  }
+
   /** A function that tells whether an element (place in the model's list) is shown. */
   test(model) {
     const { meshes, materials } = model.elements;

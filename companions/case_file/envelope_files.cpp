@@ -313,7 +313,7 @@ private:
           value.unit.empty() ? std::string() : check::Joined(" [", value.unit, "]"), "\n");
       const std::vector<Largest::Best> ten = largest.Ten(column);
       const Largest::Best& first = ten.front();  // a column has an item at least
-      peaks.push_back({value.name, value.unit, first.value, first.number,
+      peaks.push_back({table.name, value.name, value.unit, first.value, first.number,
                        combinations[first.combination].name});
       for (const Largest::Best& best : ten) {
         char line[120];

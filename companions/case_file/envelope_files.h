@@ -14,7 +14,8 @@ namespace morlen::cases {
 /// The value of the largest size that a component has in an envelope.
 struct Peak
 {
-  std::string component;  ///< as in the columns of the tables: "u", "N", "Mz", "von_Mises" ...
+  std::string table;      ///< "displacements", "reactions", "beam_forces" ...
+  std::string component;  ///< as in the columns of the table: "u", "N", "Mz", "von_Mises" ...
   std::string unit;
   double value = 0.0;
   int number = 0;           ///< of the node or element

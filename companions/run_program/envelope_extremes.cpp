@@ -12,17 +12,18 @@ namespace {
 struct Result
 {
   const char* label;
+  std::string_view table;
   std::string_view components[2];  ///< an empty one is none
   const char* place;
 };
 
 constexpr Result kResults[] = {
-    {"displacement", {"u"}, "at node"},
-    {"N", {"N"}, "in beam"},
-    {"M", {"My", "Mz"}, "in beam"},
-    {"shell moment", {"M1", "M2"}, "in shell"},
-    {"shell force", {"N1", "N2"}, "in shell"},
-    {"von Mises", {"von_Mises"}, "at node"},
+    {"displacement of nodes", "displacements", {"u"}, "at node"},
+    {"N", "beam_forces", {"N"}, "in beam"},
+    {"M", "beam_forces", {"My", "Mz"}, "in beam"},
+    {"shell moment", "shell_forces", {"M1", "M2"}, "in shell"},
+    {"shell force", "shell_forces", {"N1", "N2"}, "in shell"},
+    {"von Mises", "stresses", {"von_Mises"}, "at node"},
 };
 
 const cases::Peak* LargestOf(std::span<const cases::Peak> peaks, const Result& result)
@@ -30,7 +31,7 @@ const cases::Peak* LargestOf(std::span<const cases::Peak> peaks, const Result& r
   const cases::Peak* largest = nullptr;
   for (const cases::Peak& peak : peaks)
     for (const std::string_view component : result.components)
-      if (peak.component == component &&
+      if (peak.table == result.table && peak.component == component &&
           std::fabs(peak.value) > (largest ? std::fabs(largest->value) : 0.0))
         largest = &peak;
   return largest;

@@ -188,13 +188,13 @@ class Run(unittest.TestCase):
 
     def check_envelopes(self, summary, results):
         """The summary tells the largest value of each envelope that its tables have."""
-        lines = re.findall(r"(?:envelope (\w+):|^) +(displacement|N|M) (\S+) \[\S+\] (?:at|in) \w+ (\d+) \((\S+)\)$",
+        lines = re.findall(r"(?:envelope (\w+):|^) +(displacement of nodes|N|M) (\S+) \[\S+\] (?:at|in) \w+ (\d+) \((\S+)\)$",
                            summary, re.MULTILINE)
         self.assertEqual(len(lines), 9, summary)
         name = ""
         for begins, label, value, number, combination in lines:
             name = begins or name
-            table, component, owner = {"displacement": ("displacements", "u [length]", "node"),
+            table, component, owner = {"displacement of nodes": ("displacements", "u [length]", "node"),
                                        "N": ("beam_forces", "N [force]", "element"),
                                        "M": ("beam_forces", "Mz [force*length]", "element")}[label]
             with open(results / f"{name}.{table}.csv", encoding="utf-8", newline="") as file:
@@ -204,6 +204,18 @@ class Run(unittest.TestCase):
             self.assertTrue(any(row[owner] == number and row["combination"] == combination
                                 and abs(float(row[component])) > largest * (1 - 1e-9) for row in rows),
                             f"{name} {label} {number} {combination}")
+
+    def test_moments_of_reactions_are_no_moments_of_beams(self):
+        # Torque 5 and shear 2 at the top of a column of 2: moments of 4 in beam 7, reaction 5 about Z.
+        (self.folder / "column.dat").write_text(
+            "problem type: 3d\nmesh dimension = 3 elemtype Linear nnode = 2\ncoordinates\n1 0 0 0\n2 0 0 2\n"
+            "end coordinates\nelements\n7 1 2 1\nend elements\nmaterials\n1 E=1e8 G=4e7 A=0.1 Iy=1e-3 Iz=1e-3 J=1e-3\n"
+            "end materials\nconstraints\n1 111111 0 0 0 0 0 0\nend constraints\n"
+            "nodal_point_loads\n2 2 0 0 0 0 5\nend nodal_point_loads\n")
+        (self.folder / "column.cases").write_text(CASES_OF.format("column.dat"))
+        summary = self.done("column.cases").stdout
+        self.assertRegex(summary, r"\nM: +-?4 \[force\*length\] in beam 7, case A\n")
+        self.assertRegex(summary, r"\n +M -?4 \[force\*length\] in beam 7 \(A\)\n")
 
     def test_load_cases(self):
         self.copy("hall.cases", "hall_frame.dat")

@@ -714,6 +714,69 @@ end nodal_point_loads
   await page.close();
 });
 
+/** The file of two beams, the first with a hinge at its first end. */
+function hingedBeam() {
+  const text = `problem type: 2d
+mesh dimension = 2 elemtype Linear nnode = 2
+coordinates
+1 0 0
+2 3 0
+3 6 0
+end coordinates
+elements
+1 1 2 1
+2 2 3 1
+end elements
+materials
+1 E=1e6 A=0.1 Iz=0.01
+end materials
+constraints
+1 111 0 0 0
+3 111 0 0 0
+end constraints
+elem_rotules
+1 01
+end elem_rotules
+nodal_point_loads
+2 0 -3 0
+end nodal_point_loads
+`;
+  writeFileSync(join(folder, "hinged.dat"), text);
+  return "hinged.dat";
+}
+
+test("hinges are seen on a selected beam, and their codes have two digits", async () => {
+  const page = await browser.open(reportOf(hingedBeam()), SMALL);
+  await openTable(page, "elements");
+  const codes = `[...document.querySelectorAll(".rows tbody tr:not(.space) td:nth-child(5)")]
+    .map((one) => one.textContent)`;
+  assert.deepEqual(await page.evaluate(codes), ["01", "11"]);
+  // White pixels of the ball on the highlighted beam.
+  const ball = `(() => {
+    const { stage, hinges } = morlenReport;
+    const [balls] = hinges.children;
+    const matrix = balls.matrix.clone();
+    balls.getMatrixAt(0, matrix);
+    const at = stage.project(matrix.elements.slice(12, 15));
+    stage.drawNow();
+    const source = document.querySelector("canvas"), copy = document.createElement("canvas");
+    [copy.width, copy.height] = [source.width, source.height];
+    const context = copy.getContext("2d");
+    context.drawImage(source, 0, 0);
+    const ratio = source.width / stage.width;
+    return [...context.getImageData(at[0] * ratio, at[1] * ratio, 1, 1).data];
+  })()`;
+  await page.set("loads", false);
+  await page.set("diagram", "");
+  await page.set("factor", "0");
+  await page.evaluate("morlenReport.select(-1)");
+  const free = await page.evaluate(ball);
+  await page.evaluate("morlenReport.select(0)");
+  assert.deepEqual(await page.evaluate(ball), free);
+  assert.ok(Math.min(...free) > 150, `${free} is no ball`);
+  await page.close();
+});
+
 /** Compares every table of a page with the files of a folder, byte by byte. */
 async function compareFiles(page, files, names) {
   for (const name of names)

@@ -155,6 +155,7 @@ export function cellText(column, row) {
   const cell = column.cell(row);
   if (cell === null) return "";
   if (column.words) return cell.replaceAll("_", " ");
+  if (column.name === "hinge_code") return String(cell).padStart(2, "0"); // 01: a hinge at end 1
   const style = styleOfColumn(column);
   return style ? digitsOf(cell, style) : String(cell);
 }

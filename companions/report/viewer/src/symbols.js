@@ -113,7 +113,7 @@ export function supportSymbols(report, model, size, shown) {
   return groupOf(blocks, cones[1], cones[2], rings[1], rings[2]);
 }
 
-/** A ball near every hinged end of a beam. */
+/** A ball near every hinged end of a beam, drawn over the line of a selected beam. */
 export function hingeSymbols(report, model, size, shown) {
   const codes = report.table("elements").column("hinge_code");
   const round = model.beams.length > MANY ? [6, 4] : [16, 12];
@@ -136,7 +136,12 @@ export function hingeSymbols(report, model, size, shown) {
         );
     }
   }
-  return groupOf(balls);
+  const group = groupOf(balls);
+  for (const mesh of group.children) {
+    mesh.material.transparent = true; // among what is drawn last, as the selection is
+    mesh.renderOrder = 4;
+  }
+  return group;
 }
 
 /** Arrows of forces whose tips are at nodes, and arcs of moments about their axes. */

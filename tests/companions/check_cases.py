@@ -183,7 +183,7 @@ def check_refusals(folder):
             (["hall_frame.dat"], "error: hall_frame.dat is a problem file, not a file of load cases\n"),
             (["hall.cases", "--write", "ULS", "XLS*", "--check"],
              "error: --write 'XLS*' matches no case, combination or envelope\n"),
-            (["hall.cases", "-o", "hall_frame.dat"], "can't make folder hall_frame.dat\n")):
+            (["hall.cases", "-o", "hall_frame.dat"], "can't make folder hall_frame.dat\nhint: it is a file\n")):
         done = run(folder, CASES, *arguments)
         require(done.returncode == 2 and done.stderr == message, arguments, done.returncode, done.stderr)
     done = run(folder, CASES, "syntax.cases")

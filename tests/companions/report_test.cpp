@@ -381,8 +381,8 @@ TEST(PageData, OfAModelHasNoResultsAndTheMotionsOfItsFindings)
     EXPECT_NE(table["name"], "displacements");
   const nlohmann::json& shown = data["check"][0]["motion"];
   EXPECT_EQ(shown["turns"], false);
-  EXPECT_EQ(shown["nodes"], Packed(std::vector<int>{2}));
-  EXPECT_EQ(shown["vectors"], Packed(std::vector<double>{0.0, -0.8f, 0.6f}));
+  EXPECT_EQ(shown["nodes"], nlohmann::json(Packed(std::vector<int>{2})));
+  EXPECT_EQ(shown["vectors"], nlohmann::json(Packed(std::vector<double>{0.0, -0.8f, 0.6f})));
 }
 
 TEST(DescriptionOf, IsTheCommentAtTheBeginning)

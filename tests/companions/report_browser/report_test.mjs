@@ -50,6 +50,25 @@ async function legendOf(page, field) {
     title: legend.querySelector(".legend-title").textContent })`);
 }
 
+test("loads and reactions add up as they are shown", async () => {
+  const page = await openExample("slab_and_wall");
+  const rows = await page.evaluate(
+    "[...document.querySelectorAll('#equilibrium tbody tr')].map((one) => [...one.cells].slice(1).map((cell) => cell.textContent))",
+  );
+  assert.equal(rows.length, 6);
+  // No force along y: its sum is what rounding leaves in the reactions.
+  const [load, reaction, sum] = rows[1];
+  assert.equal(load, "0");
+  assert.notEqual(reaction, "0");
+  for (const row of rows)
+    assert.ok(
+      row.every((text) => !/^-?0\.0+$/.test(text)),
+      `${row}`,
+    );
+  assert.equal(reaction, sum);
+  await page.close();
+});
+
 test("the legend tells the extremes of the data", async () => {
   const cases = {
     slab_and_wall: [

@@ -97,6 +97,11 @@ export function balanceCard(report, model) {
         .map((value) => (Math.abs(value) < 1e-10 * largest ? 0 : value)),
     );
   const styles = { true: styleFor(true), false: styleFor(false) };
+  /** A value that its column would round to 0 is a rest as the sum is: the row adds up. */
+  const partText = (value, k) => {
+    const text = styled(clean(value, k), styles[isForce(k)]);
+    return /^-?[0.]+$/.test(text) ? restText(clean(value, k)) : text;
+  };
   return card(
     "equilibrium",
     "Equilibrium",
@@ -114,8 +119,8 @@ export function balanceCard(report, model) {
           const sum = clean(load + reaction, k);
           return row(
             [name, aside(isForce(k) ? units.force : units.moment)],
-            styled(clean(load, k), styles[isForce(k)]),
-            styled(clean(reaction, k), styles[isForce(k)]),
+            partText(load, k),
+            partText(reaction, k),
             restText(sum),
           );
         }),
